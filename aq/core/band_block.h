@@ -1,0 +1,52 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace aq {
+
+/// One cell a band in one block of memory, from the lowest band that was touched to the highest;
+/// the cells between are default ones.
+template <class Cell>
+class BandBlock {
+ public:
+  [[nodiscard]] bool empty() const { return cells_.empty(); }
+  [[nodiscard]] std::size_t size() const { return cells_.size(); }
+  [[nodiscard]] std::int16_t first() const { return first_; }
+  [[nodiscard]] const Cell* data() const { return cells_.data(); }
+
+  /// The cell of `band`, `nullptr` outside the block.
+  [[nodiscard]] const Cell* find(std::int16_t band) const {
+    const int at = band - first_;
+    return at < 0 || at >= static_cast<int>(cells_.size()) ? nullptr : &cells_[index(at)];
+  }
+
+  /// The cell of `band`; the block grows to hold it.
+  [[nodiscard]] Cell& touch(std::int16_t band) {
+    if (cells_.empty()) first_ = band;
+    const int at = band - first_;
+    if (at < 0) {
+      cells_.insert(cells_.begin(), index(-at), Cell());
+      first_ = band;
+      return cells_.front();
+    }
+    if (index(at) >= cells_.size()) cells_.resize(index(at) + 1);
+    return cells_[index(at)];
+  }
+
+  /// Replaces the block by `size` cells from `first` on.
+  void assign(std::int16_t first, const Cell* cells, std::size_t size) {
+    cells_.assign(cells, cells + size);
+    first_ = first;
+  }
+
+ private:
+  static std::size_t index(int at) { return static_cast<std::size_t>(at); }
+
+  std::vector<Cell> cells_;
+  std::int16_t first_ = 0;
+};
+
+}  // namespace aq

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+#include "aq/core/error.h"
+#include "aq/core/ordered_slots.h"
+
+namespace aq {
+
+/// An ordered list of values, counted from 1, whose entries may have a text key. Looking a key up
+/// takes constant time; a key is compared byte by byte. Copying a collection copies its values.
+template <class T>
+class Collection {
+ public:
+  void Add(T value) { slots_.append(std::move(value)); }
+
+  /// Throws `InvalidArgument`, and adds nothing, when the key is taken.
+  void Add(T value, std::string_view key) {
+    if (!keys_.emplace(key, slots_.slots()).second) {
+      throw Error(ErrorCode::InvalidArgument, "the collection has an entry " + shown(key));
+    }
+    slots_.append(std::move(value));
+  }
+
+  /// The entry at a place from 1 to `Count()`. Throws `InvalidIndex` elsewhere.
+  [[nodiscard]] T& Item(std::int32_t place) { return slots_.at(slotOf(place)); }
+  [[nodiscard]] const T& Item(std::int32_t place) const { return slots_.at(slotOf(place)); }
+
+  /// The entry with that key. Throws `InvalidArgument` when there is none.
+  [[nodiscard]] T& Item(std::string_view key) { return slots_.at(entryOf(key)->second); }
+  [[nodiscard]] const T& Item(std::string_view key) const {
+    return slots_.at(entryOf(key)->second);
+  }
+
+  [[nodiscard]] std::int32_t Count() const { return static_cast<std::int32_t>(slots_.size()); }
+
+  /// Throws as `Item` does.
+  void Remove(std::int32_t place) {
+    const std::size_t slot = slotOf(place);
+    const auto key = std::find_if(keys_.begin(), keys_.end(),
+                                  [slot](const auto& entry) { return entry.second == slot; });
+    if (key != keys_.end()) keys_.erase(key);
+    removeSlot(slot);
+  }
+  void Remove(std::string_view key) {
+    const auto entry = entryOf(key);
+    const std::size_t slot = entry->second;
+    keys_.erase(entry);
+    removeSlot(slot);
+  }
+
+  [[nodiscard]] auto begin() { return slots_.begin(); }
+  [[nodiscard]] auto end() { return slots_.end(); }
+  [[nodiscard]] auto begin() const { return slots_.begin(); }
+  [[nodiscard]] auto end() const { return slots_.end(); }
+
+  /// Whether an entry has that key.
+  [[nodiscard]] bool contains(std::string_view key) const { return keys_.contains(key); }
+  void reserve(std::size_t count) { slots_.reserve(count); }
+
+ private:
+  struct Hash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view key) const {
+      return std::hash<std::string_view>()(key);
+    }
+  };
+  using Keys = std::unordered_map<std::string, std::size_t, Hash, std::equal_to<>>;
+
+  [[nodiscard]] std::size_t slotOf(std::int32_t place) const {
+    if (place < 1 || place > Count()) {
+      throw Error(ErrorCode::InvalidIndex, "place " + std::to_string(place) +
+                                               " of a collection of " + std::to_string(Count()));
+    }
+    return slots_.slotOf(static_cast<std::size_t>(place) - 1);
+  }
+
+  [[nodiscard]] auto entryOf(std::string_view key) const {
+    const auto entry = keys_.find(key);
+    if (entry == keys_.end()) {
+      throw Error(ErrorCode::InvalidArgument, "the collection has no entry " + shown(key));
+    }
+    return entry;
+  }
+
+  void removeSlot(std::size_t slot) {
+    slots_.remove(slot, [this](const std::vector<std::size_t>& newSlots) {
+      for (auto& [key, keySlot] : keys_) keySlot = newSlots[keySlot];
+    });
+  }
+
+  OrderedSlots<T> slots_;
+  Keys keys_;
+};
+
+}  // namespace aq

@@ -1,0 +1,124 @@
+#include "aq/core/date_text.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+#include <optional>
+
+#include "aq/core/error.h"
+#include "aq/core/number_text.h"
+
+namespace aq {
+namespace {
+
+using std::chrono::day;
+using std::chrono::month;
+using std::chrono::sys_days;
+using std::chrono::year;
+using std::chrono::year_month_day;
+
+constexpr sys_days kDayZero{year{1899} / 12 / 30};
+constexpr sys_days kFirstDay{year{1} / 1 / 1};
+constexpr sys_days kLastDay{year{9999} / 12 / 31};
+
+year_month_day calendarDay(double date) {
+  // Dates before day zero count their time of day forward too, so the day is the whole part.
+  const double whole = std::trunc(date);
+  const auto days = [](sys_days at) { return static_cast<double>((at - kDayZero).count()); };
+  if (!(whole >= days(kFirstDay) && whole <= days(kLastDay))) {
+    throw Error(ErrorCode::Overflow, "date outside the years 1 to 9999");
+  }
+  return kDayZero + std::chrono::days{static_cast<int>(whole)};
+}
+
+double dateValue(year_month_day at) {
+  return static_cast<double>((sys_days{at} - kDayZero).count());
+}
+
+struct Digits {
+  std::size_t fewest;
+  std::size_t most;
+};
+
+/// Three whole numbers with `separator` between them, each with its number of digits.
+std::optional<std::array<int, 3>> threeNumbers(std::string_view text, char separator,
+                                               const std::array<Digits, 3>& widths) {
+  std::array<int, 3> numbers{};
+  text = trimmed(text);
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    const std::size_t size = i < 2 ? std::min(text.find(separator), text.size()) : text.size();
+    const std::string_view digits = text.substr(0, size);
+    if (size < widths[i].fewest || size > widths[i].most) return std::nullopt;
+    for (const char c : digits) {
+      if (c < '0' || c > '9') return std::nullopt;
+      numbers[i] = numbers[i] * 10 + (c - '0');
+    }
+    text.remove_prefix(std::min(size + 1, text.size()));
+  }
+  return numbers;
+}
+
+void appendPadded(std::string& text, int number, std::size_t width) {
+  const std::string digits = numberText(static_cast<std::int32_t>(number));
+  text.append(width - std::min(width, digits.size()), '0');
+  text += digits;
+}
+
+}  // namespace
+
+double dateFrom(int calendarYear, unsigned calendarMonth, unsigned dayOfMonth) {
+  return dateValue(year{calendarYear} / month{calendarMonth} / day{dayOfMonth});
+}
+
+double dateFrom(std::string_view text) {
+  const auto numbers = threeNumbers(text, '/', {{{1, 2}, {1, 2}, {4, 4}}});
+  if (numbers) {
+    const auto [monthNumber, dayNumber, yearNumber] = *numbers;
+    const year_month_day at = year{yearNumber} / monthNumber / dayNumber;
+    if (at.ok() && yearNumber > 0) return dateValue(at);
+  }
+  throw Error(ErrorCode::TypeMismatch, "expected a date mm/dd/yyyy, found " + shown(text));
+}
+
+std::string clockTimeFrom(std::string_view text) {
+  const auto numbers = threeNumbers(text, ':', {{{1, 2}, {1, 2}, {1, 2}}});
+  if (!numbers || (*numbers)[0] > 23 || (*numbers)[1] > 59 || (*numbers)[2] > 59) {
+    throw Error(ErrorCode::TypeMismatch, "expected a time hh:mm:ss, found " + shown(text));
+  }
+  std::string clock;
+  appendClockTime(clock, (*numbers)[0], (*numbers)[1], (*numbers)[2]);
+  return clock;
+}
+
+double dayWithWindowedYear(double date) {
+  const year_month_day at = calendarDay(date);
+  const int inCentury = static_cast<int>(at.year()) % 100;
+  const year windowed{inCentury < 30 ? 2000 + inCentury : 1900 + inCentury};
+  return dateValue(windowed / at.month() / at.day());
+}
+
+void appendClockTime(std::string& text, int hours, int minutes, int seconds) {
+  const auto two = [&text](int number) {
+    text += {static_cast<char>('0' + number / 10), static_cast<char>('0' + number % 10)};
+  };
+  two(hours);
+  text += ':';
+  two(minutes);
+  text += ':';
+  two(seconds);
+}
+
+std::string dateText(double date) {
+  const year_month_day at = calendarDay(date);
+  std::string text;
+  appendPadded(text, static_cast<int>(static_cast<unsigned>(at.month())), 2);
+  text += '/';
+  appendPadded(text, static_cast<int>(static_cast<unsigned>(at.day())), 2);
+  text += '/';
+  appendPadded(text, static_cast<int>(at.year()), 4);
+  return text;
+}
+
+}  // namespace aq

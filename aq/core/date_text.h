@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "aq/core/export.h"
+
+// Calendar dates and clock times as text and back. A date value is a double: days since
+// 1899-12-30, the time of day as its fraction.
+
+namespace aq {
+
+/// The date value of a calendar day.
+[[nodiscard]] AQ_API double dateFrom(int year, unsigned month, unsigned day);
+
+/// The date value of `mm/dd/yyyy`; months and days may have one digit, outer blanks are allowed.
+/// Throws `TypeMismatch` for what is no date.
+[[nodiscard]] AQ_API double dateFrom(std::string_view text);
+
+/// `hh:mm:ss` from `hh:mm:ss` with hours 0 to 23 of one or two digits, outer blanks allowed.
+/// Throws `TypeMismatch` for what is no time.
+[[nodiscard]] AQ_API std::string clockTimeFrom(std::string_view text);
+
+/// The calendar day of `date`, its century derived again from the two-digit year: 30 to 99 are
+/// 1930 to 1999, 00 to 29 are 2000 to 2029. Throws `Overflow` outside the years 1 to 9999.
+[[nodiscard]] AQ_API double dayWithWindowedYear(double date);
+
+/// Appends `hours:minutes:seconds`, two digits each.
+AQ_API void appendClockTime(std::string& text, int hours, int minutes, int seconds);
+
+/// `mm/dd/yyyy`. Throws `Overflow` outside the years 1 to 9999.
+[[nodiscard]] AQ_API std::string dateText(double date);
+
+}  // namespace aq

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "aq/core/export.h"
+
+namespace aq {
+
+/// What kind of fault an `Error` reports.
+enum class ErrorCode {
+  InvalidArgument,     ///< no entry under that key, no such label, text that has no such form
+  InvalidIndex,        ///< no entry at that place
+  InvalidValue,        ///< a value that has no written form, such as a time of day of 90,000 s
+  TypeMismatch,        ///< a value that does not convert to the type that is wanted
+  Overflow,            ///< a value outside the range of the type that is wanted
+  ObjectNotSet,        ///< an object is wanted and there is none
+  MemberNotSupported,  ///< an object is asked for a member that it does not have
+};
+
+/// The one exception that the data model throws. The object that threw is unchanged unless the
+/// operation says otherwise. Readers of files do not throw it: they return `AQ_DATA_FILE_ERROR`.
+class AQ_API Error : public std::runtime_error {
+ public:
+  Error(ErrorCode code, const std::string& message) : std::runtime_error(message), code_(code) {}
+
+  [[nodiscard]] ErrorCode code() const noexcept { return code_; }
+
+ private:
+  ErrorCode code_;
+};
+
+/// `text` as messages show it: in quotes, unprintable bytes escaped, cut at 60 characters.
+[[nodiscard]] AQ_API std::string shown(std::string_view text);
+
+}  // namespace aq

@@ -1,0 +1,12 @@
+#pragma once
+
+// What a shared build shows to its hosts; everything else stays hidden.
+#if defined(_WIN32) && defined(AQ_BUILDS_SHARED)
+#define AQ_API __declspec(dllexport)
+#elif defined(_WIN32) && defined(AQ_USES_SHARED)
+#define AQ_API __declspec(dllimport)
+#elif defined(__GNUC__)
+#define AQ_API __attribute__((visibility("default")))
+#else
+#define AQ_API
+#endif

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "aq/core/export.h"
+
+namespace aq {
+
+/// Why a read or a write gave `AQ_DATA_FILE_ERROR`, in the user's words.
+struct AQ_API FileFailure {
+  std::string file;       ///< as the caller named it
+  std::size_t line = 0;   ///< from 1; 0 when it is the whole file
+  std::size_t field = 0;  ///< from 1; 0 when it is the whole line
+  std::string expected;   ///< as in `a level`
+  std::string found;      ///< as in `"6x.2"`: text of the file in quotes, escaped and cut
+
+  /// In one line: `landing.csv, line 24, field 7: expected a level, found "6x.2"`.
+  [[nodiscard]] std::string message() const;
+};
+
+}  // namespace aq

@@ -1,0 +1,62 @@
+#include "aq/core/file_information.h"
+
+#include <mutex>
+#include <utility>
+
+#include "aq/core/date_text.h"
+#include "aq/core/platform.h"
+
+namespace aq {
+namespace {
+
+std::string dateTimeText(const std::tm& at) {
+  std::string text = dateText(dateFrom(at.tm_year + 1900, static_cast<unsigned>(at.tm_mon + 1),
+                                       static_cast<unsigned>(at.tm_mday)));
+  text += ',';
+  // A leap second has no place in the format.
+  appendClockTime(text, at.tm_hour, at.tm_min, at.tm_sec < 59 ? at.tm_sec : 59);
+  return text;
+}
+
+class SystemFileInformation : public FileInformation {
+ public:
+  std::string recordedName(const std::string& path) override { return platform::fileName(path); }
+
+  std::string fileDateTime(const std::string& path) override {
+    const auto changed = platform::lastChanged(path);
+    return changed ? dateTimeText(platform::localTime(*changed)) : currentDateTime();
+  }
+
+  std::string currentDateTime() override {
+    return dateTimeText(platform::localTime(std::time(nullptr)));
+  }
+};
+
+struct Service {
+  std::mutex lock;
+  std::shared_ptr<FileInformation> inForce;
+};
+
+Service& service() {
+  static Service theService;
+  return theService;
+}
+
+}  // namespace
+
+FileInformation::~FileInformation() = default;
+
+std::shared_ptr<FileInformation> fileInformation() {
+  Service& one = service();
+  const std::lock_guard guard(one.lock);
+  if (!one.inForce) one.inForce = std::make_shared<SystemFileInformation>();
+  return one.inForce;
+}
+
+void setFileInformation(std::shared_ptr<FileInformation> information) {
+  Service& one = service();
+  const std::lock_guard guard(one.lock);
+  one.inForce.swap(information);
+}
+
+}  // namespace aq

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+
+#include "aq/core/enumerations.h"
+#include "aq/core/export.h"
+#include "aq/core/time.h"
+
+namespace aq {
+
+/// Makes the date and the time of day of `to` those of `from`, the time through its setter.
+AQ_API void copyDateAndTimeOfDay(const AQ_Time& from, AQ_Time& to);
+
+/// The time stamps of records of half a second each.
+class AQ_API HalfSecondStamps {
+ public:
+  HalfSecondStamps(const AQ_Time& start, AQ_TimeStampType type);
+
+  /// Stamps record `record`, counted from 1.
+  void stamp(std::int32_t record, AQ_Time& time) const;
+
+ private:
+  double date_;
+  float offset_;  // of record 0; hosts know its rounding to single precision
+};
+
+}  // namespace aq

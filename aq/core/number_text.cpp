@@ -1,0 +1,350 @@
+#include "aq/core/number_text.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+#include "aq/core/error.h"
+
+namespace aq {
+namespace {
+
+constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+constexpr bool isSign(char c) { return c == '+' || c == '-'; }
+
+/// The parts of a number at the front of a text.
+struct Decimal {
+  bool negative = false;
+  bool any = false;             // a digit was seen
+  bool exact = true;            // mantissa holds all digits, and there is no exponent
+  std::uint64_t mantissa = 0;   // the digits as one integer, while exact
+  int decimals = 0;             // how many of them stand behind the point
+  const char* begin = nullptr;  // behind a plus sign, which from_chars does not take
+  const char* end = nullptr;
+};
+
+constexpr std::uint64_t kMantissaRoom = std::numeric_limits<std::uint64_t>::max() / 10 - 1;
+
+const char* takeDigits(const char* at, const char* end, Decimal& number) {
+  for (; at != end && isDigit(*at); ++at) {
+    number.any = true;
+    number.exact = number.exact && number.mantissa < kMantissaRoom;
+    if (number.exact)
+      number.mantissa = number.mantissa * 10 + static_cast<std::uint64_t>(*at - '0');
+  }
+  return at;
+}
+
+/// Past an exponent, if a whole one stands at `at`.
+const char* skipExponent(const char* at, const char* end) {
+  if (at == end || (*at != 'e' && *at != 'E')) return at;
+  const char* digits = at + 1;
+  if (digits != end && isSign(*digits)) ++digits;
+  if (digits == end || !isDigit(*digits)) return at;
+  return std::find_if_not(digits, end, isDigit);
+}
+
+Decimal scan(std::string_view text) {
+  Decimal number;
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  if (at != end && isSign(*at)) number.negative = *at++ == '-';
+  number.begin = number.negative ? at - 1 : at;
+  at = takeDigits(at, end, number);
+  if (at != end && *at == '.') {
+    const char* const fraction = at + 1;
+    at = takeDigits(fraction, end, number);
+    number.decimals = static_cast<int>(std::min<std::ptrdiff_t>(at - fraction, 99));
+  }
+  if (!number.any) return number;
+  number.end = skipExponent(at, end);
+  number.exact = number.exact && number.end == at;
+  return number;
+}
+
+/// Integers below `largest` and these powers of ten are exact, so one division rounds correctly.
+template <class Real>
+struct ExactRange;
+template <>
+struct ExactRange<double> {
+  static constexpr std::uint64_t largest = std::uint64_t{1} << 53;
+  static constexpr std::array powers{1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                     1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                     1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+};
+template <>
+struct ExactRange<float> {
+  static constexpr std::uint64_t largest = std::uint64_t{1} << 24;
+  static constexpr std::array powers{1e0F, 1e1F, 1e2F, 1e3F, 1e4F, 1e5F,
+                                     1e6F, 1e7F, 1e8F, 1e9F, 1e10F};
+};
+
+[[noreturn]] void refuse(ErrorCode code, const char* expected, std::string_view text) {
+  throw Error(code, std::string("expected ") + expected + ", found " + shown(text));
+}
+
+/// The power of ten of the first digit that counts: tells what is too small from what is too large.
+std::int64_t magnitude(const Decimal& number) {
+  constexpr std::int64_t kHuge = std::int64_t{1} << 48;
+  const char* const mark =
+      std::find_if(number.begin, number.end, [](char c) { return c == 'e' || c == 'E'; });
+  std::int64_t exponent = 0;
+  if (mark != number.end) {
+    const char* const power = mark[1] == '+' ? mark + 2 : mark + 1;
+    const auto read = std::from_chars(power, number.end, exponent);
+    if (read.ec != std::errc() || std::abs(exponent) > kHuge) {
+      exponent = *power == '-' ? -kHuge : kHuge;
+    }
+  }
+  const char* const point = std::find(number.begin, mark, '.');
+  const char* const lead =
+      std::find_if(number.begin, mark, [](char c) { return c >= '1' && c <= '9'; });
+  return exponent + (point - lead);
+}
+
+template <class Real>
+Real realFrom(const Decimal& number) {
+  using Exact = ExactRange<Real>;
+  if (number.exact && number.mantissa < Exact::largest &&
+      static_cast<std::size_t>(number.decimals) < Exact::powers.size()) {
+    const Real value = static_cast<Real>(number.mantissa) /
+                       Exact::powers[static_cast<std::size_t>(number.decimals)];
+    return number.negative ? -value : value;
+  }
+  Real value = 0;
+  const auto result = std::from_chars(number.begin, number.end, value);
+  if (result.ec == std::errc()) return value;
+  if (magnitude(number) <= 0) return number.negative ? -Real{0} : Real{0};
+  throw Error(ErrorCode::Overflow, "number out of range: " + shown({number.begin, number.end}));
+}
+
+template <class Real>
+Real wholeReal(std::string_view text) {
+  const std::string_view digits = trimmed(text);
+  const Decimal number = scan(digits);
+  if (number.end == nullptr || number.end != digits.data() + digits.size()) {
+    refuse(ErrorCode::TypeMismatch, "a number", text);
+  }
+  return realFrom<Real>(number);
+}
+
+template <class Integer>
+Integer wholeInteger(std::string_view text) {
+  std::string_view digits = trimmed(text);
+  const bool plus = digits.starts_with('+');
+  if (plus) digits.remove_prefix(1);
+  const std::string_view unsignedDigits =
+      !plus && digits.starts_with('-') ? digits.substr(1) : digits;
+  if (unsignedDigits.empty() ||
+      !std::all_of(unsignedDigits.begin(), unsignedDigits.end(), isDigit)) {
+    refuse(ErrorCode::TypeMismatch, "an integer", text);
+  }
+  std::int64_t value = 0;
+  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  if (result.ec != std::errc() || value < std::numeric_limits<Integer>::min() ||
+      value > std::numeric_limits<Integer>::max()) {
+    refuse(ErrorCode::Overflow, "a smaller integer", text);
+  }
+  return static_cast<Integer>(value);
+}
+
+constexpr std::size_t kLongest = 400;  // a double in fixed notation, and room to spare
+using Buffer = std::array<char, kLongest>;
+
+void requireFinite(double value) {
+  if (!std::isfinite(value)) {
+    throw Error(ErrorCode::InvalidValue, "a value that is no finite number has no text");
+  }
+}
+
+/// `value`, not 0, with `digits` significant digits as d.ddd…e±xx: gives the digits without
+/// trailing zeros, and the exponent.
+template <class Real>
+std::string_view significantDigits(Real value, int digits, Buffer& buffer, int& exponent) {
+  const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(value),
+                                     std::chars_format::scientific, digits - 1);
+  char* const mark = std::find(buffer.data(), written.ptr, 'e');
+  const char* power = mark + 1;
+  if (*power == '+') ++power;
+  std::from_chars(power, written.ptr, exponent);
+  buffer[1] = buffer[0];  // over the point, so that the digits stand together
+  const char* last = mark;
+  while (last > buffer.data() + 2 && last[-1] == '0') --last;
+  return {buffer.data() + 1, last};
+}
+
+void appendFixed(std::string& text, std::string_view digits, int exponent) {
+  if (exponent < 0) {
+    text += "0.";
+    text.append(static_cast<std::size_t>(-exponent - 1), '0');
+    text += digits;
+    return;
+  }
+  const auto whole = static_cast<std::size_t>(exponent) + 1;
+  text += digits.substr(0, whole);
+  if (digits.size() <= whole) {
+    text.append(whole - digits.size(), '0');
+  } else {
+    text += '.';
+    text += digits.substr(whole);
+  }
+}
+
+void appendScientific(std::string& text, std::string_view digits, int exponent) {
+  text += digits[0];
+  if (digits.size() > 1) {
+    text += '.';
+    text += digits.substr(1);
+  }
+  text += exponent < 0 ? "E-" : "E+";
+  if (std::abs(exponent) < 10) text += '0';
+  appendNumber(text, std::abs(exponent));
+}
+
+constexpr int kSmallestFixed = -7;  // a tenth of a microsecond or micrometre still reads plainly
+
+template <class Real>
+void appendReal(std::string& text, Real value, int digits) {
+  requireFinite(static_cast<double>(value));
+  if (value == 0) {
+    text += '0';
+    return;
+  }
+  if (value < 0) text += '-';
+  Buffer buffer;
+  int exponent = 0;
+  const std::string_view shortest = significantDigits(value, digits, buffer, exponent);
+  if (exponent >= kSmallestFixed && exponent < digits) {
+    appendFixed(text, shortest, exponent);
+  } else {
+    appendScientific(text, shortest, exponent);
+  }
+}
+
+constexpr int kDoubleDigits = 15;
+constexpr int kSingleDigits = 7;
+
+/// Whether `value` lies exactly half-way between two hundredths: an odd number of eighths.
+bool isHalfway(double value) { return std::fmod(std::abs(value) * 8, 2) == 1; }
+
+/// Writes `hundredths` >= 0 with two decimals and without a zero before the point.
+void appendHundredthCount(std::string& text, std::int64_t hundredths) {
+  std::array<char, 24> buffer;
+  const auto written = std::to_chars(buffer.data() + 2, buffer.data() + buffer.size(), hundredths);
+  const char* first = buffer.data() + 2;
+  if (hundredths < 10) {
+    buffer[1] = '0';
+    first = buffer.data() + 1;
+  }
+  const char* const point = written.ptr - 2;
+  text.append(first, point);
+  text += '.';
+  text.append(point, 2);
+}
+
+/// Any finite value, by its exact decimal expansion.
+void appendExactHundredths(std::string& text, double value) {
+  const double size = std::abs(value);
+  // to_chars takes exact halves to the even digit; a value a hair larger goes away from zero.
+  const double nudged =
+      isHalfway(size) ? std::nextafter(size, std::numeric_limits<double>::infinity()) : size;
+  Buffer buffer;
+  const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), nudged,
+                                     std::chars_format::fixed, 2);
+  std::string_view digits(buffer.data(), static_cast<std::size_t>(written.ptr - buffer.data()));
+  if (digits.starts_with("0.")) digits.remove_prefix(1);
+  if (value < 0 && digits != ".00") text += '-';
+  text += digits;
+}
+
+}  // namespace
+
+std::string_view trimmed(std::string_view text) {
+  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  return text;
+}
+
+std::string upperCased(std::string_view text) {
+  std::string capitals(text);
+  for (char& c : capitals) {
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  }
+  return capitals;
+}
+
+double doubleFrom(std::string_view text) { return wholeReal<double>(text); }
+float singleFrom(std::string_view text) { return wholeReal<float>(text); }
+std::int32_t int32From(std::string_view text) { return wholeInteger<std::int32_t>(text); }
+std::int16_t int16From(std::string_view text) { return wholeInteger<std::int16_t>(text); }
+std::uint8_t byteFrom(std::string_view text) { return wholeInteger<std::uint8_t>(text); }
+
+double leadingNumber(std::string_view text) {
+  std::string joined;
+  if (trimmed(text).find(' ') != std::string_view::npos) {
+    std::copy_if(text.begin(), text.end(), std::back_inserter(joined),
+                 [](char c) { return c != ' '; });
+    text = joined;
+  }
+  const Decimal number = scan(trimmed(text));
+  return number.any ? realFrom<double>(number) : 0;
+}
+
+void appendNumber(std::string& text, double value) { appendReal(text, value, kDoubleDigits); }
+
+void appendNumber(std::string& text, float value) { appendReal(text, value, kSingleDigits); }
+
+void appendNumber(std::string& text, std::int32_t value) {
+  std::array<char, 12> buffer;
+  const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
+  text.append(buffer.data(), written.ptr);
+}
+
+std::string numberText(double value) {
+  std::string text;
+  appendNumber(text, value);
+  return text;
+}
+
+std::string numberText(float value) {
+  std::string text;
+  appendNumber(text, value);
+  return text;
+}
+
+std::string numberText(std::int32_t value) {
+  std::string text;
+  appendNumber(text, value);
+  return text;
+}
+
+void appendFraction(std::string& text, float value) {
+  if (value == std::floor(value)) return;
+  Buffer buffer;
+  int exponent = 0;
+  const std::string_view digits = significantDigits(value, kSingleDigits, buffer, exponent);
+  std::string plain;
+  appendFixed(plain, digits, exponent);
+  const std::size_t point = plain.find('.');
+  if (point != std::string::npos) text.append(plain, point);
+}
+
+void appendHundredths(std::string& text, double value) {
+  requireFinite(value);
+  constexpr double kSafe = 1e9;       // below, a product with 100 is off by less than 1e-6
+  constexpr double kNearHalf = 1e-3;  // closer than this to a half, the exact digits decide
+  const double size = std::abs(value) * 100;
+  const auto rounded = static_cast<std::int64_t>(size < kSafe ? size + 0.5 : 0);
+  const double off = std::abs(size - static_cast<double>(rounded));
+  if (size >= kSafe || off > 0.5 - kNearHalf) {
+    appendExactHundredths(text, value);
+    return;
+  }
+  if (value < 0 && rounded > 0) text += '-';
+  appendHundredthCount(text, rounded);
+}
+
+}  // namespace aq

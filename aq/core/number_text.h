@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "aq/core/export.h"
+
+// Numbers as text and back: the only place where the library turns one into the other. The point
+// is always ".", whatever the locale, and a blank is a space.
+
+namespace aq {
+
+/// `text` without its outer blanks.
+[[nodiscard]] AQ_API std::string_view trimmed(std::string_view text);
+
+/// `text` with its letters a to z as capitals; other bytes pass unchanged.
+[[nodiscard]] AQ_API std::string upperCased(std::string_view text);
+
+// The number that the whole of `text`, outer blanks aside, stands for: an optional sign, digits
+// with an optional point and fraction, an optional exponent; for integers a sign and digits only.
+// Rounded correctly. Throws `TypeMismatch` for any other text, `Overflow` outside the type's range.
+[[nodiscard]] AQ_API double doubleFrom(std::string_view text);
+[[nodiscard]] AQ_API float singleFrom(std::string_view text);
+[[nodiscard]] AQ_API std::int32_t int32From(std::string_view text);
+[[nodiscard]] AQ_API std::int16_t int16From(std::string_view text);
+[[nodiscard]] AQ_API std::uint8_t byteFrom(std::string_view text);
+
+/// The number that `text` begins with, 0 if none: blanks are skipped, and the first character
+/// that cannot continue a number ends it. Throws `Overflow` outside the range of a double.
+[[nodiscard]] AQ_API double leadingNumber(std::string_view text);
+
+// Default text: at most 15 (double) or 7 (single) significant digits, a zero before the point, no
+// exponent from 1e-7 up to 1e15 (1e7 for singles). Throws `InvalidValue` when not finite.
+AQ_API void appendNumber(std::string& text, double value);
+AQ_API void appendNumber(std::string& text, float value);
+AQ_API void appendNumber(std::string& text, std::int32_t value);
+[[nodiscard]] AQ_API std::string numberText(double value);
+[[nodiscard]] AQ_API std::string numberText(float value);
+[[nodiscard]] AQ_API std::string numberText(std::int32_t value);
+
+/// Appends the fraction of the text that `value` has with 7 significant digits, from its point on;
+/// nothing when those digits hold no fraction. `value` is finite.
+AQ_API void appendFraction(std::string& text, float value);
+
+/// Appends `value` as levels are written: two decimals, no zero before the point (.50, -.25),
+/// exact halves away from zero, no sign on what rounds to zero. Throws `InvalidValue` when not
+/// finite.
+AQ_API void appendHundredths(std::string& text, double value);
+
+}  // namespace aq

@@ -1,0 +1,100 @@
+#pragma once
+
+#include <cstddef>
+#include <iterator>
+#include <utility>
+#include <vector>
+
+#include "aq/core/removed_slots.h"
+
+namespace aq {
+
+/// The values of a list in the order in which they were added. A removed value leaves an unused
+/// slot behind, and the unused ones are closed up once they outnumber the others, so that removing
+/// and adding again costs the same however long the list is.
+template <class T>
+class OrderedSlots {
+ public:
+  template <class List, class Value>
+  class Iterator {
+   public:
+    using iterator_category = std::forward_iterator_tag;
+    using value_type = T;
+    using difference_type = std::ptrdiff_t;
+    using pointer = Value*;
+    using reference = Value&;
+
+    Iterator() = default;
+    Iterator(List* list, std::size_t slot) : list_(list), slot_(slot) { skipUnused(); }
+    Value& operator*() const { return list_->values_[slot_]; }
+    Value* operator->() const { return &**this; }
+    Iterator& operator++() {
+      ++slot_;
+      skipUnused();
+      return *this;
+    }
+    Iterator operator++(int) { return std::exchange(*this, ++Iterator(*this)); }
+    friend bool operator==(const Iterator&, const Iterator&) = default;
+
+   private:
+    void skipUnused() {
+      while (slot_ < list_->values_.size() && list_->removed_.contains(slot_)) ++slot_;
+    }
+
+    List* list_ = nullptr;
+    std::size_t slot_ = 0;
+  };
+  using iterator = Iterator<OrderedSlots, T>;
+  using const_iterator = Iterator<const OrderedSlots, const T>;
+
+  [[nodiscard]] std::size_t size() const { return values_.size() - removed_.count(); }
+  [[nodiscard]] std::size_t slots() const { return values_.size(); }
+  void reserve(std::size_t size) { values_.reserve(size); }
+
+  [[nodiscard]] T& at(std::size_t slot) { return values_[slot]; }
+  [[nodiscard]] const T& at(std::size_t slot) const { return values_[slot]; }
+  [[nodiscard]] std::size_t slotOf(std::size_t place) const { return removed_.slotOf(place); }
+
+  void append(T value) {
+    values_.push_back(std::move(value));
+    removed_.grow();
+  }
+
+  /// Removes the value in `slot`; calls `renumbered(newSlots)`, the new slot of every old one,
+  /// when the unused slots were closed up.
+  template <class Renumbered>
+  void remove(std::size_t slot, const Renumbered& renumbered) {
+    if (removed_.count() == 0 && slot + 1 == values_.size()) {
+      values_.pop_back();
+      return;
+    }
+    removed_.add(slot, values_.size());
+    values_[slot] = T();
+    if (removed_.count() > size()) renumbered(closeUp());
+  }
+
+  [[nodiscard]] iterator begin() { return {this, 0}; }
+  [[nodiscard]] iterator end() { return {this, values_.size()}; }
+  [[nodiscard]] const_iterator begin() const { return {this, 0}; }
+  [[nodiscard]] const_iterator end() const { return {this, values_.size()}; }
+
+ private:
+  std::vector<std::size_t> closeUp() {
+    std::vector<std::size_t> newSlots(values_.size());
+    std::size_t used = 0;
+    for (std::size_t slot = 0; slot < values_.size(); ++slot) {
+      newSlots[slot] = used;
+      if (removed_.contains(slot)) continue;
+      if (used != slot) values_[used] = std::move(values_[slot]);
+      ++used;
+    }
+    values_.resize(used);
+    removed_.clear();
+    return newSlots;
+  }
+
+  std::vector<T> values_;
+  RemovedSlots removed_;
+};
+
+}  // namespace aq

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstddef>
+#include <ctime>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "aq/core/export.h"
+
+// All that differs between operating systems: files, their names and dates, local time.
+namespace aq::platform {
+
+/// What ends a line of a text file that this system writes.
+extern AQ_API const std::string_view lineEnd;
+
+/// The system refused something; `what()` is its reason in English, whatever the locale.
+class AQ_API SystemError : public std::runtime_error {
+ public:
+  SystemError(const char* wanted, const std::string& reason)
+      : std::runtime_error(reason), wanted_(wanted) {}
+
+  /// What was wanted, as in "a file that can be opened".
+  [[nodiscard]] const char* wanted() const { return wanted_; }
+
+ private:
+  const char* wanted_;
+};
+
+/// A file open for reading. Opening and reading throw `SystemError`.
+class AQ_API InputFile {
+ public:
+  explicit InputFile(const std::string& path);
+  InputFile(const InputFile&) = delete;
+  InputFile& operator=(const InputFile&) = delete;
+  ~InputFile();
+
+  /// Fills `room` from its front; gives the number of bytes, 0 only at the end of the file.
+  [[nodiscard]] std::size_t read(std::span<char> room);
+
+ private:
+  int handle_;
+};
+
+/// Makes `bytes` the whole content of a file. Throws `SystemError`.
+AQ_API void replaceFile(const std::string& path, std::string_view bytes);
+
+/// Puts `bytes` behind the content of a file, which is made if needed. Throws `SystemError`.
+AQ_API void appendToFile(const std::string& path, std::string_view bytes);
+
+/// When a file was last changed; nothing when it is not there.
+[[nodiscard]] AQ_API std::optional<std::time_t> lastChanged(const std::string& path);
+
+/// `path` without its folders.
+[[nodiscard]] AQ_API std::string fileName(const std::string& path);
+
+[[nodiscard]] AQ_API std::tm localTime(std::time_t at);
+
+}  // namespace aq::platform

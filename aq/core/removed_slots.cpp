@@ -1,0 +1,54 @@
+#include "aq/core/removed_slots.h"
+
+#include <bit>
+
+namespace aq {
+namespace {
+
+constexpr std::size_t lowestBit(std::size_t i) { return i & (~i + 1); }
+
+}  // namespace
+
+void RemovedSlots::start(std::size_t slots) {
+  std::vector<bool> removed(slots);
+  std::vector<std::size_t> inUse(slots + 1);
+  for (std::size_t i = 1; i <= slots; ++i) inUse[i] = lowestBit(i);
+  removed_ = std::move(removed);
+  inUse_ = std::move(inUse);
+}
+
+void RemovedSlots::add(std::size_t slot, std::size_t slots) {
+  if (count_ == 0) start(slots);
+  ++count_;
+  removed_[slot] = true;
+  for (std::size_t i = slot + 1; i < inUse_.size(); i += lowestBit(i)) --inUse_[i];
+}
+
+void RemovedSlots::grow() {
+  if (count_ == 0) return;
+  const std::size_t i = inUse_.size();
+  std::size_t used = 1;
+  for (std::size_t part = 1; part < lowestBit(i); part *= 2) used += inUse_[i - part];
+  removed_.push_back(false);
+  inUse_.push_back(used);
+}
+
+std::size_t RemovedSlots::slotOf(std::size_t place) const {
+  if (count_ == 0) return place;
+  std::size_t slot = 0;
+  for (std::size_t step = std::bit_floor(inUse_.size() - 1); step != 0; step /= 2) {
+    if (slot + step < inUse_.size() && inUse_[slot + step] <= place) {
+      slot += step;
+      place -= inUse_[slot];
+    }
+  }
+  return slot;
+}
+
+void RemovedSlots::clear() {
+  count_ = 0;
+  removed_.clear();
+  inUse_.clear();
+}
+
+}  // namespace aq

@@ -1,0 +1,104 @@
+#include "aq/core/time.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "aq/core/date_text.h"
+#include "aq/core/number_text.h"
+
+namespace aq {
+namespace {
+
+constexpr std::int32_t kSecondsPerDay = 86400;
+
+/// `number`, and an `Overflow` when single precision cannot hold it.
+float single(double number) { return Variant(number).toSingle(); }
+
+bool containsLetters(std::string_view text, std::string_view capitals) {
+  const auto same = [](char a, char capital) { return a == capital || a == capital + ('a' - 'A'); };
+  return std::search(text.begin(), text.end(), capitals.begin(), capitals.end(), same) !=
+         text.end();
+}
+
+/// Whole days in seconds, as a 32-bit integer.
+std::int32_t secondsOf(double days) {
+  const double seconds = std::round(days) * kSecondsPerDay;
+  if (std::abs(seconds) > std::numeric_limits<std::int32_t>::max()) {
+    throw Error(ErrorCode::Overflow, "too many days between a time and its reference");
+  }
+  return static_cast<std::int32_t>(seconds);
+}
+
+}  // namespace
+
+std::shared_ptr<AQ_Time> AQ_Time::Copy() const {
+  auto copy = std::make_shared<AQ_Time>();
+  copy->CurrentDate(date_);
+  copy->RelSeconds(relativeSeconds_);
+  copy->TODseconds(timeOfDay_);
+  copy->setWorkingTime(workingTime_);
+  return copy;
+}
+
+void AQ_Time::setRelTime(const AQ_Time& reference) {
+  const std::int32_t between =
+      secondsOf(dayWithWindowedYear(reference.date_) - dayWithWindowedYear(date_));
+  relativeSeconds_ = timeOfDay_ - (reference.timeOfDay_ + between);
+}
+
+void AQ_Time::TODseconds(const Variant& seconds) {
+  double value = seconds.toDouble();
+  if (!std::isfinite(value)) {
+    throw Error(ErrorCode::InvalidValue, "a time of day that is no finite number");
+  }
+  if (value > kSecondsPerDay) {
+    const double whole = std::floor(value);
+    value = std::fmod(whole, kSecondsPerDay) + (value - whole);
+    date_ += 1;  // one day, however many the value spans: hosts rely on it
+  }
+  timeOfDay_ = value;
+}
+
+void AQ_Time::TODnumbers(const Variant& Hours, const Variant& Minutes, const Variant& Seconds) {
+  const double hours = static_cast<double>(Hours.toSingle());
+  const double minutes = static_cast<double>(Minutes.toSingle());
+  const double seconds = static_cast<double>(Seconds.toSingle());
+  timeOfDay_ = seconds + (hours * 3600 + minutes * 60);
+}
+
+std::string AQ_Time::TODstring() const {
+  std::string text;
+  appendTODstring(text);
+  return text;
+}
+
+void AQ_Time::appendTODstring(std::string& text) const {
+  const auto narrowed = static_cast<float>(timeOfDay_);
+  const double time = static_cast<double>(narrowed);
+  if (!(time >= 0 && time < 90000)) {
+    throw Error(ErrorCode::InvalidValue, "a time of day without a clock form");
+  }
+  const int second = static_cast<int>(time);
+  const int hours = second / 3600;
+  appendClockTime(text, hours == 24 ? 0 : hours, second / 60 % 60, second % 60);
+  appendFraction(text, narrowed);
+}
+
+void AQ_Time::TODstring(std::string_view text) {
+  const std::size_t first = text.find(':');
+  const std::size_t second = first == text.npos ? text.npos : text.find(':', first + 1);
+  if (second == text.npos) {
+    throw Error(ErrorCode::InvalidArgument,
+                "expected a time of day hh:mm:ss, found " + shown(text));
+  }
+  float hours = single(leadingNumber(text.substr(0, first)));
+  const float minutes = single(leadingNumber(text.substr(first + 1, second - first)));
+  const float seconds = single(leadingNumber(text.substr(second + 1)));
+  // Added whatever the hour is, so 12:30:00 PM is 24.5 hours: hosts rely on it.
+  if (containsLetters(text, "PM")) hours += 12;
+  if (containsLetters(text, "AM") && hours == 12) hours = 0;
+  timeOfDay_ = static_cast<double>(minutes) * 60 + static_cast<double>(hours) * 3600 +
+               static_cast<double>(seconds);
+}
+
+}  // namespace aq

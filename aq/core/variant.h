@@ -1,0 +1,111 @@
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <typeinfo>
+#include <utility>
+#include <variant>
+
+#include "aq/core/error.h"
+#include "aq/core/export.h"
+
+namespace aq {
+
+/// One value of any of the types that a level, a count or a relative time may have. It keeps the
+/// type it was given. An empty variant is no number and no text: converting it throws.
+class AQ_API Variant {
+ public:
+  enum class Type { Empty, Int16, Int32, Single, Double, Boolean, String, Date, Object };
+
+  Variant() = default;
+  Variant(std::int16_t value) : value_(value) {}
+  Variant(std::int32_t value) : value_(value) {}
+  Variant(float value) : value_(value) {}
+  Variant(double value) : value_(value) {}
+  Variant(std::string value) : value_(std::move(value)) {}
+  Variant(std::string_view value) : value_(std::string(value)) {}
+  Variant(const char* value) : value_(std::string(value)) {}
+  Variant(std::nullptr_t) : value_(Object{}) {}
+
+  template <std::same_as<bool> B>
+  Variant(B value) : value_(value) {}
+
+  /// Other integers: the narrowest of the two integer types that holds them, a double beyond.
+  template <std::integral I>
+  requires(!std::same_as<I, bool> && !std::same_as<I, char>) Variant(I value)
+      : value_(narrowed(value)) {}
+
+  template <class E>
+  requires std::is_enum_v<E> Variant(E value) : value_(static_cast<std::int32_t>(value)) {}
+
+  /// Shares the object.
+  template <class T>
+  Variant(std::shared_ptr<T> object) : value_(Object{std::move(object), &typeid(T)}) {}
+
+  /// A date value: days since 1899-12-30.
+  [[nodiscard]] static Variant date(double days);
+
+  [[nodiscard]] Type type() const { return static_cast<Type>(value_.index()); }
+  [[nodiscard]] bool isEmpty() const { return type() == Type::Empty; }
+
+  // The value as another type. Text must be a number as a whole; a fraction is rounded to the
+  // nearest integer, halves to the even one; true is 1. Throws `TypeMismatch` for what has no such
+  // form and `Overflow` outside the type's range.
+  [[nodiscard]] double toDouble() const;
+  [[nodiscard]] float toSingle() const;
+  [[nodiscard]] std::int16_t toInt16() const;
+  [[nodiscard]] std::int32_t toInt32() const;
+
+  /// Text may also be "true" or "false", in any case.
+  [[nodiscard]] bool toBoolean() const;
+
+  /// The default text of a number, "True" or "False", `mm/dd/yyyy hh:mm:ss` of a date.
+  [[nodiscard]] std::string toString() const;
+
+  /// The held object. Throws `ObjectNotSet` when there is none of this type.
+  template <class T>
+  [[nodiscard]] std::shared_ptr<T> toObject() const {
+    const Object* const held = std::get_if<Object>(&value_);
+    if (held == nullptr || held->object == nullptr || *held->type != typeid(T)) {
+      throw Error(ErrorCode::ObjectNotSet, "the variant holds no object of this type");
+    }
+    return std::static_pointer_cast<T>(held->object);
+  }
+
+  friend bool operator==(const Variant&, const Variant&) = default;
+
+ private:
+  struct Date {
+    double days;
+    friend bool operator==(const Date&, const Date&) = default;
+  };
+  struct Object {
+    std::shared_ptr<void> object;
+    const std::type_info* type = nullptr;
+    friend bool operator==(const Object& a, const Object& b) { return a.object == b.object; }
+  };
+  // In the order of `Type`.
+  using Value = std::variant<std::monostate, std::int16_t, std::int32_t, float, double, bool,
+                             std::string, Date, Object>;
+
+  template <std::integral I>
+  static Value narrowed(I value) {
+    if constexpr (sizeof(I) == 1 || std::same_as<I, std::int16_t>) {
+      return static_cast<std::int16_t>(value);
+    } else if (std::in_range<std::int32_t>(value)) {
+      return static_cast<std::int32_t>(value);
+    } else {
+      return static_cast<double>(value);
+    }
+  }
+
+  Value value_;
+};
+
+}  // namespace aq

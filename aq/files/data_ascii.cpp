@@ -1,0 +1,149 @@
+#include "aq/files/data_ascii.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "aq/core/number_text.h"
+#include "aq/core/platform.h"
+#include "aq/core/required.h"
+#include "aq/text/fields.h"
+#include "aq/text/line_reader.h"
+
+namespace aq {
+namespace {
+
+constexpr char kQuote = '"';
+constexpr char kPlaceholder = '|';
+
+std::string replaced(std::string_view text, std::string_view from, std::string_view to) {
+  std::vector<std::string_view> pieces;
+  split(text, from, pieces);
+  std::string result;
+  for (std::size_t i = 0; i < pieces.size(); ++i) {
+    if (i != 0) result += to;
+    result += pieces[i];
+  }
+  return result;
+}
+
+void divideAtSpaces(std::string_view line, Collection<std::string>& fields) {
+  for (line = trimmed(line); !line.empty(); line = trimmed(line)) {
+    const std::size_t size = std::min(line.find(' '), line.size());
+    fields.Add(std::string(line.substr(0, size)));
+    line.remove_prefix(size);
+  }
+}
+
+}  // namespace
+
+AQ_DataMessage AQ_DataASCII::readFields(const std::string& sFileName) {
+  return reading(sFileName, [&] {
+    auto fields = std::make_shared<FieldLines>();
+    LineReader lines(sFileName);
+    while (lines.next()) fields->Add(divided(lines.line()));
+    fields_ = std::move(fields);
+  });
+}
+
+AQ_DataMessage AQ_DataASCII::readLines(const std::string& sFileName) {
+  return reading(sFileName, [&] {
+    auto all = std::make_shared<Collection<std::string>>();
+    LineReader lines(sFileName);
+    while (lines.next()) all->Add(std::string(lines.line()));
+    lines_ = std::move(all);
+  });
+}
+
+AQ_DataMessage AQ_DataASCII::writeFields(const std::string& sFileName) {
+  return writing(sFileName, [&] { return fieldsText(false); });
+}
+
+AQ_DataMessage AQ_DataASCII::appendFields(const std::string& sFileName) {
+  return appending(sFileName, [&] { return fieldsText(quotedFields_); });
+}
+
+AQ_DataMessage AQ_DataASCII::writeLines(const std::string& sFileName) {
+  return writing(sFileName, [&] { return linesText(); });
+}
+
+AQ_DataMessage AQ_DataASCII::appendLines(const std::string& sFileName) {
+  return appending(sFileName, [&] { return linesText(); });
+}
+
+void AQ_DataASCII::CommentFields(bool quoted) {
+  quotedFields_ = quoted;
+  opening_ = delimiter_ + kQuote;
+  closing_ = kQuote + delimiter_;
+}
+
+std::shared_ptr<Collection<std::string>> AQ_DataASCII::divided(std::string_view line) const {
+  auto fields = std::make_shared<Collection<std::string>>();
+  if (delimiter_ == " ") {
+    divideAtSpaces(line, *fields);
+    return fields;
+  }
+  line = trimmed(line);
+  std::string guarded;
+  if (quotedFields_ && line.find(kQuote) != line.npos) line = guarded = withPlaceholders(line);
+  std::vector<std::string_view> pieces;
+  split(line, delimiter_, pieces);
+  fields->reserve(pieces.size());
+  for (const std::string_view piece : pieces) fields->Add(restored(piece));
+  return fields;
+}
+
+/// The line with a placeholder for every delimiter inside a quoted field.
+std::string AQ_DataASCII::withPlaceholders(std::string_view line) const {
+  const auto quoteBehindDelimiter = [&](std::size_t from) {
+    const std::size_t at = line.find(opening_, from);
+    return at == line.npos ? at : at + opening_.size() - 1;
+  };
+  std::string guarded;
+  std::size_t done = 0;
+  std::size_t quote = line.front() == kQuote ? 0 : quoteBehindDelimiter(0);
+  while (quote != line.npos) {
+    const std::size_t inside = quote + 1;
+    std::size_t end = line.find(closing_, inside);
+    if (end == line.npos && line.size() > inside && line.back() == kQuote) end = line.size() - 1;
+    if (end == line.npos) break;
+    guarded += line.substr(done, inside - done);
+    guarded += replaced(line.substr(inside, end - inside), delimiter_, {&kPlaceholder, 1});
+    done = end;
+    quote = quoteBehindDelimiter(end + 1);
+  }
+  guarded += line.substr(done);
+  return guarded;
+}
+
+std::string AQ_DataASCII::restored(std::string_view field) const {
+  std::string room;
+  const std::string_view clean = cleanField(field, room);
+  if (!quotedFields_ || clean.find(kPlaceholder) == clean.npos) return std::string(clean);
+  return std::string(trimmed(replaced(clean, {&kPlaceholder, 1}, delimiter_)));
+}
+
+std::string AQ_DataASCII::linesText() const {
+  std::string text;
+  for (const std::string& line : required(lines_)) {
+    text += line;
+    text += platform::lineEnd;
+  }
+  return text;
+}
+
+std::string AQ_DataASCII::fieldsText(bool quoted) const {
+  std::string text;
+  for (const auto& line : required(fields_)) {
+    std::string_view between;
+    for (const std::string& field : required(line)) {
+      text += between;
+      text += quoted ? kQuote + field + kQuote : field;
+      between = delimiter_;
+    }
+    text += platform::lineEnd;
+  }
+  return text;
+}
+
+}  // namespace aq

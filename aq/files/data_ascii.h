@@ -1,0 +1,62 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "aq/core/collection.h"
+#include "aq/core/enumerations.h"
+#include "aq/core/export.h"
+#include "aq/text/file_class.h"
+
+namespace aq {
+
+/// Reads any delimited text file as lines or as lines of fields, and writes or appends such lists.
+/// The collections are shared with the caller, not copied. A failed call leaves them as they were.
+class AQ_API AQ_DataASCII : public FileClass {
+ public:
+  using FieldLines = Collection<std::shared_ptr<Collection<std::string>>>;
+
+  /// Reads a file into new `Fields`, one entry a line. A line divides at every delimiter; fields
+  /// lose their double quotes and outer blanks, and a blank line is one empty field. With a single
+  /// space as the delimiter, runs of spaces divide, quotes are kept, and a blank line has no field.
+  AQ_DataMessage readFields(const std::string& sFileName);
+
+  /// Reads a file into new `Lines`, each as it stands.
+  AQ_DataMessage readLines(const std::string& sFileName);
+
+  [[nodiscard]] std::shared_ptr<FieldLines> Fields() const { return fields_; }
+  [[nodiscard]] std::shared_ptr<Collection<std::string>> Lines() const { return lines_; }
+  void Fields(std::shared_ptr<FieldLines> fields) { fields_ = std::move(fields); }
+  void Lines(std::shared_ptr<Collection<std::string>> lines) { lines_ = std::move(lines); }
+
+  // Writers replace the file, appenders add to it. Fields are joined by the delimiter;
+  // `appendFields` puts each in double quotes when `CommentFields` is set, `writeFields` never
+  // does: hosts rely on it. A missing collection throws `ObjectNotSet`.
+  AQ_DataMessage writeFields(const std::string& sFileName);
+  AQ_DataMessage appendFields(const std::string& sFileName);
+  AQ_DataMessage writeLines(const std::string& sFileName);
+  AQ_DataMessage appendLines(const std::string& sFileName);
+
+  /// What divides fields, "," at first. An empty text divides nothing.
+  void Delimiter(std::string text) { delimiter_ = std::move(text); }
+
+  /// Whether fields may stand in double quotes, with delimiters inside. A quoted field begins and
+  /// ends at the delimiter in force when this is called. A "|" then reads as a delimiter.
+  void CommentFields(bool quoted);
+
+ private:
+  [[nodiscard]] std::shared_ptr<Collection<std::string>> divided(std::string_view line) const;
+  [[nodiscard]] std::string withPlaceholders(std::string_view line) const;
+  [[nodiscard]] std::string restored(std::string_view field) const;
+  [[nodiscard]] std::string linesText() const;
+  [[nodiscard]] std::string fieldsText(bool quoted) const;
+
+  std::string delimiter_ = ",";
+  bool quotedFields_ = false;
+  std::string opening_;  // in front of a quoted field
+  std::string closing_;  // behind it
+  std::shared_ptr<Collection<std::string>> lines_ = std::make_shared<Collection<std::string>>();
+  std::shared_ptr<FieldLines> fields_ = std::make_shared<FieldLines>();
+};
+
+}  // namespace aq

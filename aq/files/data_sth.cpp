@@ -1,0 +1,179 @@
+#include "aq/files/data_sth.h"
+
+#include <cstddef>
+#include <vector>
+
+#include "aq/core/band_label.h"
+#include "aq/core/number_text.h"
+#include "aq/core/platform.h"
+#include "aq/core/required.h"
+#include "aq/text/fields.h"
+#include "aq/text/header_reader.h"
+#include "aq/text/header_writer.h"
+
+namespace aq {
+namespace {
+
+constexpr std::string_view kTitle = "Spectral Time-History";
+constexpr std::string_view kColumns = "Rec#";
+constexpr std::int16_t kHeadingLow =
+    17;  // the heading names these bands whatever the records hold:
+constexpr std::int16_t kHeadingHigh = 40;  // hosts rely on it
+
+struct Bands {
+  std::int16_t low;
+  std::int16_t high;
+};
+
+template <class Lines>
+void header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHistory& history, Bands& bands) {
+  using Text = std::string_view;
+  std::int16_t count = history.Count();
+  std::int16_t low = history.LoRec();
+  std::int16_t high = history.HiRec();
+  lines.title(kTitle);
+  lines.recordedName("FileName", header.sFileName);
+  lines.currentDateTime("FileDateTime", required(header.aqFileDateTime));
+  lines.text("ProjectName", header.sProjectName);
+  lines.text("MicrophoneID", header.sMicrophoneID);
+  lines.value(
+      "AveragingMethod", [&] { return history.sAveragingMethod(); },
+      [&](Text text) { history.sAveragingMethod(upperCased(text)); });
+  lines.value(
+      "TimeStampType", [&] { return history.sTimeStampType(); },
+      [&](Text text) { history.sTimeStampType(upperCased(text)); });
+  lines.text("AdjustmentCode", header.sAdjustmentCode);
+  lines.timeOfDay("StartTime", *history.startTime());
+  lines.timeOfDay("ReferenceTime", *history.ReferenceTime());
+  lines.value(
+      "ReferenceTimeType", [&] { return history.sReferenceTimeType(); },
+      [&](Text text) { history.sReferenceTimeType(upperCased(text)); });
+  lines.integer("NumberOfSpectrum", count);
+  lines.integers("RecordNumbers", ",", low, high);
+  history.LoRec(low);
+  history.HiRec(high);
+  lines.integers("Bands", ", ", bands.low, bands.high);
+  lines.text("GeneratedBy", header.sGeneratedBy);
+  lines.recordedName("GenerationFile", header.sGenerationFile);
+  lines.dateTimeOf("GenerationFileDateTime", header.sGenerationFile,
+                   required(header.aqGenerationDateTime));
+  lines.lines("OtherRecords", required(header.cOtherRecords));
+  lines.lines("NumberOfCommentLines", required(header.cCommentLines));
+}
+
+std::string columnHeading() {
+  std::string heading(kColumns);
+  heading += ",TOD,RelTime,";
+  appendBandLabels(heading, kHeadingLow, kHeadingHigh);
+  return heading;
+}
+
+void appendLevels(std::string& text, const AQ_Spectrum& spectrum) {
+  const auto plain = spectrum.plainLevels();
+  for (const double level : plain) {
+    text += ',';
+    appendHundredths(text, level);
+  }
+  if (!plain.empty()) return;
+  for (std::int32_t band = spectrum.LowBand(); band <= spectrum.HighBand(); ++band) {
+    text += ',';
+    appendHundredths(text, spectrum.SPL(static_cast<std::int16_t>(band)).toDouble());
+  }
+}
+
+void appendRecord(std::string& text, std::int16_t record, AQ_Spectrum& spectrum) {
+  const auto time = spectrum.Time();
+  appendNumber(text, std::int32_t{record});
+  text += ',';
+  time->appendTODstring(text);
+  text += ',';
+  appendNumber(text, time->RelSeconds());
+  appendLevels(text, spectrum);
+  text += platform::lineEnd;
+}
+
+/// Looks for the title behind the first comma, whatever the keyword.
+void checkTitle(std::string_view line) {
+  const std::size_t comma = line.find(',');
+  if (comma != line.npos && trimmed(line.substr(comma + 1)) == kTitle) return;
+  failRead(1, 0, "the file type \"" + std::string(kTitle) + '"', shown(line));
+}
+
+/// Reads one record; `levels` is room that all records share.
+void readRecord(FieldReader fields, Bands bands, std::vector<double>& levels,
+                AQ_SpectralTimeHistory& history) {
+  auto spectrum = std::make_shared<AQ_Spectrum>();
+  const auto time = spectrum->Time();
+  const std::int16_t record = fields.int16("a record number");
+  fields.convert("a time of day hh:mm:ss", [&](std::string_view text) { time->TODstring(text); });
+  time->RelSeconds(fields.single("a relative time in seconds"));
+  levels.clear();
+  for (std::int32_t band = bands.low; band <= bands.high; ++band) {
+    levels.push_back(fields.number("a level"));
+  }
+  spectrum->assignLevels(bands.low, levels);
+  history.spectrum(record, std::move(spectrum));
+}
+
+}  // namespace
+
+AQ_DataMessage AQ_DataSTH::writeFile(const std::string& sFileName,
+                                     const std::shared_ptr<AQ_HeaderSTH>& aqHeader,
+                                     AQ_SpectralTimeHistory& aqTimeHistory) {
+  return writing(sFileName, [&] {
+    header_ = aqHeader;
+    required(header_).sFileName = sFileName;
+    const std::int32_t low = aqTimeHistory.LoRec();
+    const std::int32_t high = aqTimeHistory.HiRec();
+    const auto record = [&](std::int32_t number) -> AQ_Spectrum& {
+      return required(aqTimeHistory.spectrum(static_cast<std::int16_t>(number)));
+    };
+    Bands bands{record(low).LowBand(), record(low).HighBand()};
+    std::string text;
+    HeaderWriter lines(text);
+    header(lines, *header_, aqTimeHistory, bands);
+    lines.columns(columnHeading());
+    for (std::int32_t number = low; number <= high; ++number) {
+      appendRecord(text, static_cast<std::int16_t>(number), record(number));
+    }
+    return text;
+  });
+}
+
+AQ_DataMessage AQ_DataSTH::readFile(const std::string& sFileName,
+                                    std::shared_ptr<AQ_HeaderSTH>& aqHeader,
+                                    std::shared_ptr<AQ_SpectralTimeHistory>& STH) {
+  return reading(sFileName, [&] {
+    auto history = std::make_shared<AQ_SpectralTimeHistory>();
+    LineReader lines(sFileName);
+    HeaderReader headerLines(lines);
+    header_ = std::make_shared<AQ_HeaderSTH>();
+    Bands bands{};
+    header(headerLines, *header_, *history, bands);
+    headerLines.columns();
+    lowBand_ = bands.low;
+    highBand_ = bands.high;
+    aqHeader = header_;
+    std::vector<double> levels;
+    while (lines.next()) readRecord({lines.line(), lines.number()}, bands, levels, *history);
+    STH = std::move(history);
+  });
+}
+
+bool AQ_DataSTH::getRawHeader(const std::string& sFileName,
+                              std::shared_ptr<Collection<std::string>>& colHeader) {
+  const AQ_DataMessage result = reading(sFileName, [&] {
+    auto header = std::make_shared<Collection<std::string>>();
+    LineReader lines(sFileName);
+    bool more = lines.next();
+    checkTitle(more ? lines.line() : "");
+    for (; more && !lines.line().starts_with(kColumns); more = lines.next()) {
+      header->Add(std::string(lines.line()));
+    }
+    if (more && !lines.next()) failRead(lines.number() + 1, 0, "a record", "the end of the file");
+    colHeader = std::move(header);
+  });
+  return result == AQ_DATA_OK;
+}
+
+}  // namespace aq

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "aq/core/collection.h"
+#include "aq/core/enumerations.h"
+#include "aq/core/export.h"
+#include "aq/files/header_sth.h"
+#include "aq/spectral/spectral_time_history.h"
+#include "aq/text/file_class.h"
+
+namespace aq {
+
+/// Writes and reads spectral time history files (docs/formats/spectral-time-history.md).
+class AQ_API AQ_DataSTH : public FileClass {
+ public:
+  /// Writes records `LoRec` to `HiRec`, replacing the file; the header gets the file's name.
+  /// Throws, and writes nothing, when a record of the range is missing (`InvalidArgument`), a level
+  /// is no number (`TypeMismatch`) or not finite, a time of day has no clock form (`InvalidValue`),
+  /// or an object is missing (`ObjectNotSet`).
+  AQ_DataMessage writeFile(const std::string& sFileName,
+                           const std::shared_ptr<AQ_HeaderSTH>& aqHeader,
+                           AQ_SpectralTimeHistory& aqTimeHistory);
+
+  /// Reads a file into a new header and a new history. When the header fails, neither is set; when
+  /// a record fails, only the header is.
+  AQ_DataMessage readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderSTH>& aqHeader,
+                          std::shared_ptr<AQ_SpectralTimeHistory>& STH);
+
+  /// The header's lines as they stand, up to the column headings. False, with `colHeader` as it
+  /// was, when the file cannot be read, is of another kind or ends with its column headings.
+  bool getRawHeader(const std::string& sFileName,
+                    std::shared_ptr<Collection<std::string>>& colHeader);
+
+ private:
+  std::shared_ptr<AQ_HeaderSTH> header_;
+  std::int16_t lowBand_ = 0;  // of the file read last
+  std::int16_t highBand_ = 0;
+};
+
+}  // namespace aq

@@ -1,0 +1,114 @@
+#include "aq/masking/data_mask.h"
+
+#include "aq/core/band_label.h"
+#include "aq/core/number_text.h"
+#include "aq/core/platform.h"
+#include "aq/core/required.h"
+#include "aq/text/fields.h"
+#include "aq/text/header_reader.h"
+#include "aq/text/header_writer.h"
+
+namespace aq {
+namespace {
+
+constexpr const char* kTitle = "Masking Map";
+
+template <class Lines>
+void header(Lines& lines, AQ_HeaderMask& header) {
+  lines.title(kTitle);
+  lines.recordedName("FileName", header.sFileName);
+  lines.currentDateTime("FileDateTime", required(header.aqFileDateTime));
+  lines.integer("NumberOfRows", header.lNumberRows);
+  lines.integers("Bands", ", ", header.iBandLow, header.iBandHigh);
+  lines.text("GeneratedBy", header.sGeneratedBy);
+  lines.recordedName("GenerationFile", header.sGenerationFile);
+  lines.dateTimeOf("GenerationFileDateTime", header.sGenerationFile,
+                   required(header.aqGenerationDateTime));
+  lines.lines("OtherRecords", required(header.cOtherRecords), header.nOtherRecords);
+  lines.lines("NumberOfCommentLines", required(header.cCommentLines), header.nCommentLines);
+}
+
+/// The label of the highest band stands twice: hosts know the line so.
+std::string columnHeading(const AQ_HeaderMask& header) {
+  std::string heading = "Rec#,";
+  if (header.iBandLow <= header.iBandHigh) {
+    appendBandLabels(heading, header.iBandLow, header.iBandHigh);
+    heading += ',';
+  }
+  heading += bandLabel(header.iBandHigh);
+  return heading + ",LGB";
+}
+
+void appendRow(std::string& text, std::int16_t record, AQ_MaskRow& row) {
+  appendNumber(text, std::int32_t{record});
+  text += ',';
+  for (std::int32_t band = row.LowBand(); band <= row.HighBand(); ++band) {
+    text += row.decision(static_cast<std::int16_t>(band)).MaskString();
+    text += ',';
+  }
+  appendNumber(text, std::int32_t{row.LGB()});
+  text += platform::lineEnd;
+}
+
+AQ_Mask maskFrom(FieldReader& fields) {
+  constexpr const char* kExpected = "a mask of two letters";
+  const std::string_view letters = fields.text(kExpected);
+  if (letters.size() != 2) fields.fail(kExpected);
+  AQ_Mask mask;
+  mask.MaskString(letters);
+  return mask;
+}
+
+/// The bands are the header's, whatever the row's were when it was written.
+void readRow(FieldReader fields, const AQ_HeaderMask& header, AQ_MaskMap& map) {
+  auto row = std::make_shared<AQ_MaskRow>();
+  const std::int16_t record = fields.int16("a record number");
+  for (std::int32_t band = header.iBandLow; band <= header.iBandHigh; ++band) {
+    row->store(static_cast<std::int16_t>(band), maskFrom(fields));
+  }
+  row->LGB(fields.int16("the last good band"));
+  map.Row(record, std::move(row));
+}
+
+}  // namespace
+
+AQ_DataMessage AQ_DataMask::writeFile(const std::string& sFileName,
+                                      const std::shared_ptr<AQ_HeaderMask>& aqHeader,
+                                      const AQ_MaskMap& aqMaskMap) {
+  return writing(sFileName, [&] {
+    header_ = aqHeader;
+    AQ_HeaderMask& header = required(header_);
+    const std::int32_t count = aqMaskMap.Count();
+    header.sFileName = sFileName;
+    header.lNumberRows = count;
+    header.iBandLow = required(aqMaskMap.Row(1)).LowBand();
+    header.iBandHigh = required(aqMaskMap.Row(1)).HighBand();
+    std::string text;
+    HeaderWriter lines(text);
+    aq::header(lines, header);
+    lines.columns(columnHeading(header));
+    for (std::int32_t record = 1; record <= count; ++record) {
+      const auto nRecord = static_cast<std::int16_t>(record);
+      appendRow(text, nRecord, required(aqMaskMap.Row(nRecord)));
+    }
+    return text;
+  });
+}
+
+AQ_DataMessage AQ_DataMask::readFile(const std::string& sFileName,
+                                     std::shared_ptr<AQ_HeaderMask>& aqHeader,
+                                     std::shared_ptr<AQ_MaskMap>& MaskMap) {
+  return reading(sFileName, [&] {
+    LineReader lines(sFileName);
+    HeaderReader headerLines(lines);
+    header_ = std::make_shared<AQ_HeaderMask>();
+    aq::header(headerLines, *header_);
+    header_->sFileType = kTitle;
+    header_->sColumnLabels = headerLines.columns();
+    aqHeader = header_;
+    MaskMap = std::make_shared<AQ_MaskMap>();
+    while (lines.next()) readRow({lines.line(), lines.number()}, *header_, *MaskMap);
+  });
+}
+
+}  // namespace aq

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "aq/core/enumerations.h"
+#include "aq/core/export.h"
+#include "aq/masking/header_mask.h"
+#include "aq/masking/mask_map.h"
+#include "aq/text/file_class.h"
+
+namespace aq {
+
+/// Writes and reads masking map files (docs/formats/masking-map.md).
+class AQ_API AQ_DataMask : public FileClass {
+ public:
+  /// Writes a map, replacing the file. The header gets the file's name, the number of rows and the
+  /// band range, which row 1 decides. Throws, and writes nothing, when rows are not numbered from 1
+  /// without a gap (`InvalidArgument`), row 1 has a band without a label (`InvalidArgument`) or an
+  /// object is missing (`ObjectNotSet`).
+  AQ_DataMessage writeFile(const std::string& sFileName,
+                           const std::shared_ptr<AQ_HeaderMask>& aqHeader,
+                           const AQ_MaskMap& aqMaskMap);
+
+  /// Reads a file into a new header and a new map. When the header fails, neither is set; when a
+  /// row fails, the map holds the rows before it.
+  AQ_DataMessage readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderMask>& aqHeader,
+                          std::shared_ptr<AQ_MaskMap>& MaskMap);
+
+ private:
+  std::shared_ptr<AQ_HeaderMask> header_;
+};
+
+}  // namespace aq

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstdint>
+
+#include "aq/core/export.h"
+#include "aq/masking/mask_row.h"
+
+namespace aq {
+
+/// The highest band below the first masked one, from band 29 up: 9999 when bands 28 and 29 are both
+/// masked, 0 when no band from 29 to the row's highest is. Bands that it looks at and the row lacks
+/// get a default mask.
+[[nodiscard]] AQ_API std::int16_t lastGoodBand(AQ_MaskRow& row);
+
+}  // namespace aq

@@ -1,0 +1,36 @@
+#include "aq/masking/mask.h"
+
+namespace aq {
+namespace {
+
+// By value.
+constexpr std::string_view kModes = "-MAF";
+constexpr std::string_view kAdjustments = "-SFTACR";
+
+template <class Enumeration>
+std::string_view letterOf(std::string_view letters, Enumeration value) {
+  if (value < 0 || static_cast<std::size_t>(value) >= letters.size()) return {};
+  return letters.substr(static_cast<std::size_t>(value), 1);
+}
+
+template <class Enumeration>
+void setFrom(std::string_view letters, char letter, Enumeration& value) {
+  const std::size_t at = letters.find(letter);
+  if (at != letters.npos) value = static_cast<Enumeration>(at);
+}
+
+}  // namespace
+
+std::string AQ_Mask::MaskString() const {
+  std::string letters(letterOf(kModes, mode_));
+  letters += letterOf(kAdjustments, adjust_);
+  return letters;
+}
+
+void AQ_Mask::MaskString(std::string_view letters) {
+  if (letters.empty()) return;
+  setFrom(kModes, letters.front(), mode_);
+  setFrom(kAdjustments, letters.back(), adjust_);
+}
+
+}  // namespace aq

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "aq/core/enumerations.h"
+#include "aq/core/export.h"
+
+namespace aq {
+
+/// One masking decision: whether and by which test the level of one band of one record is masked by
+/// the ambient, and how it was adjusted. Any value is stored.
+class AQ_API AQ_Mask {
+ public:
+  [[nodiscard]] std::shared_ptr<AQ_Mask> Copy() const { return std::make_shared<AQ_Mask>(*this); }
+
+  [[nodiscard]] AQ_MASK_MODE MaskMode() const { return mode_; }
+  void MaskMode(AQ_MASK_MODE mode) { mode_ = mode; }
+
+  [[nodiscard]] AQ_MASK_ADJUST AdjustMode() const { return adjust_; }
+  void AdjustMode(AQ_MASK_ADJUST adjust) { adjust_ = adjust; }
+
+  /// The mode's letter ("-", "M", "A", "F") and the adjustment's ("-", "S", "F", "T", "A", "C",
+  /// "R"); a value without a letter gives none. Setting takes the first and the last character; one
+  /// that is no such letter leaves its half unchanged.
+  [[nodiscard]] std::string MaskString() const;
+  void MaskString(std::string_view letters);
+
+ private:
+  AQ_MASK_MODE mode_ = NOT_MASKED;
+  AQ_MASK_ADJUST adjust_ = NOT_ADJUSTED;
+};
+
+}  // namespace aq

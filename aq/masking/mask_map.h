@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "aq/core/export.h"
+#include "aq/core/numbered_series.h"
+#include "aq/masking/mask_row.h"
+
+namespace aq {
+
+/// The masking map of a measurement: one row per record, numbered like the records of the spectral
+/// time history. Rows are shared with the caller, not copied.
+class AQ_API AQ_MaskMap {
+ public:
+  /// A deep copy of rows 1 to `Count`. Throws `InvalidArgument` at a row that is missing.
+  [[nodiscard]] std::shared_ptr<AQ_MaskMap> Copy() const;
+
+  /// The row of a record. Reading throws `InvalidArgument` when there is none; storing replaces one
+  /// that is there, which moves to the end.
+  [[nodiscard]] std::shared_ptr<AQ_MaskRow> Row(std::int16_t nRecord) const {
+    return rows_.at(nRecord);
+  }
+  void Row(std::int16_t nRecord, std::shared_ptr<AQ_MaskRow> row) {
+    rows_.store(nRecord, std::move(row));
+  }
+
+  /// The number of rows. Throws `Overflow` above 32767.
+  [[nodiscard]] std::int16_t Count() const { return rows_.count(); }
+
+  /// Finds each row's last good band from its masks. Bands 28 and 29 get a default mask where the
+  /// row has none.
+  void setLGB();
+
+ private:
+  NumberedSeries<AQ_MaskRow> rows_;
+};
+
+}  // namespace aq

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "aq/core/band_block.h"
+#include "aq/core/export.h"
+#include "aq/core/number_range.h"
+#include "aq/masking/mask.h"
+
+namespace aq {
+
+/// The masking decisions of one record, by band, and its last good band. Masks are shared with the
+/// caller, not copied.
+class AQ_API AQ_MaskRow {
+ public:
+  /// A deep copy. Bands of the range without a mask get a default one, here and in the copy.
+  [[nodiscard]] std::shared_ptr<AQ_MaskRow> Copy();
+
+  /// The mask of a band; a band without one gets a default mask, and the range widens.
+  [[nodiscard]] std::shared_ptr<AQ_Mask> Mask(std::int16_t nBand);
+
+  /// Stores a mask for a band that has none. For a band that has one it only removes that: hosts
+  /// rely on it. To change a decision, change the mask that the getter returns.
+  void Mask(std::int16_t nBand, std::shared_ptr<AQ_Mask> mask);
+
+  /// The highest and lowest band ever stored or fetched; -1 and 9999 when there is none.
+  [[nodiscard]] std::int16_t HighBand() const { return bands_.high; }
+  [[nodiscard]] std::int16_t LowBand() const { return bands_.low; }
+
+  /// Whether the bands of `spectrum`, which is asked for `LowBand` and `HighBand`, lie inside ours.
+  template <class Banded>
+  [[nodiscard]] bool Encompasses(const Banded& spectrum) const {
+    return bands_.encompasses(spectrum);
+  }
+
+  /// The last good band: 0 when no band from 29 up is masked, 9999 when there is no good band.
+  [[nodiscard]] std::int16_t LGB() const { return lastGoodBand_; }
+  void LGB(std::int16_t band) { lastGoodBand_ = band; }
+
+  /// The decision of a band by value: as the getter, without making an object for it.
+  [[nodiscard]] AQ_Mask decision(std::int16_t band);
+
+  /// As the setter with a new mask of these values.
+  void store(std::int16_t band, const AQ_Mask& decision);
+
+ private:
+  // A decision stays a value until somebody asks for its object; then the object counts.
+  struct Cell {
+    bool taken = false;
+    AQ_Mask value;
+    std::shared_ptr<AQ_Mask> object;
+  };
+
+  [[nodiscard]] Cell& fetch(std::int16_t band);
+  [[nodiscard]] Cell* place(std::int16_t band);
+
+  BandBlock<Cell> cells_;
+  NumberRange bands_;
+  std::int16_t lastGoodBand_ = 0;
+};
+
+}  // namespace aq

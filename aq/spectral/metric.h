@@ -1,0 +1,68 @@
+#pragma once
+
+#include <map>
+#include <memory>
+
+#include "aq/core/enumerations.h"
+#include "aq/core/export.h"
+#include "aq/core/variant.h"
+
+namespace aq {
+
+/// The noise metrics computed for one spectrum. A metric that was never set reads as 0; reading
+/// never fails. Levels are in decibels.
+class AQ_API AQ_Metric {
+ public:
+  /// The A-weighted level, with the type it was given.
+  [[nodiscard]] Variant AWT() const { return MetricValue(AQ_METRIC_AWT); }
+  void AWT(const Variant& level) { MetricValue(AQ_METRIC_AWT, level); }
+
+  /// A new metric with the same values. It has every metric, 0 where this one had none.
+  [[nodiscard]] std::shared_ptr<AQ_Metric> Copy() const;
+
+  [[nodiscard]] float CWT() const { return single(AQ_METRIC_CWT); }
+  void CWT(float level) { MetricValue(AQ_METRIC_CWT, level); }
+
+  [[nodiscard]] float DWT() const { return single(AQ_METRIC_DWT); }
+  void DWT(float level) { MetricValue(AQ_METRIC_DWT, level); }
+
+  /// The overall level.
+  [[nodiscard]] float OA() const { return single(AQ_METRIC_OA); }
+  void OA(float level) { MetricValue(AQ_METRIC_OA, level); }
+
+  /// Perceived noise level, PNdB.
+  [[nodiscard]] float PNL() const { return single(AQ_METRIC_PNL); }
+  void PNL(float level) { MetricValue(AQ_METRIC_PNL, level); }
+
+  /// Tone-corrected perceived noise level, TPNdB.
+  [[nodiscard]] float PNLT() const { return single(AQ_METRIC_PNLT); }
+  void PNLT(float level) { MetricValue(AQ_METRIC_PNLT, level); }
+
+  /// Tone correction, decibels, and the band that caused it.
+  [[nodiscard]] float TONECOR() const { return single(AQ_METRIC_TONECOR); }
+  void TONECOR(float correction) { MetricValue(AQ_METRIC_TONECOR, correction); }
+  [[nodiscard]] float TONEBND() const { return single(AQ_METRIC_TONEBND); }
+  void TONEBND(float band) { MetricValue(AQ_METRIC_TONEBND, band); }
+
+  /// The last good band: 0 when no band from 29 up is masked, 9999 when there is no good band.
+  [[nodiscard]] float LGB() const { return single(AQ_METRIC_LGB); }
+  void LGB(float band) { MetricValue(AQ_METRIC_LGB, band); }
+
+  /// The part this record plays in the integration.
+  [[nodiscard]] AQ_METRIC_INTEG_VALUE INTEG() const {
+    return static_cast<AQ_METRIC_INTEG_VALUE>(MetricValue(AQ_METRIC_INTEG).toInt32());
+  }
+  void INTEG(AQ_METRIC_INTEG_VALUE flags) { MetricValue(AQ_METRIC_INTEG, flags); }
+
+  /// Any metric by its type. Setting narrows types 2 to 9 to single precision and type 10 to a
+  /// 32-bit integer, and throws `TypeMismatch` or `Overflow` for what does not convert.
+  [[nodiscard]] Variant MetricValue(AQ_METRIC_TYPE aqMetric) const;
+  void MetricValue(AQ_METRIC_TYPE aqMetric, const Variant& value);
+
+ private:
+  [[nodiscard]] float single(AQ_METRIC_TYPE metric) const { return MetricValue(metric).toSingle(); }
+
+  std::map<AQ_METRIC_TYPE, Variant> values_;
+};
+
+}  // namespace aq

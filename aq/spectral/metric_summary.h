@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "aq/core/collection.h"
+#include "aq/core/enumerations.h"
+#include "aq/core/export.h"
+
+namespace aq {
+
+/// Which metrics a spectral time history carries, in order, and that list as text.
+class AQ_API AQ_MetricSummary {
+ public:
+  [[nodiscard]] std::shared_ptr<AQ_MetricSummary> Copy() const;
+
+  /// Adds a metric; one that is listed moves to the end.
+  void MetricType(AQ_METRIC_TYPE aqMetric);
+
+  /// The summary's own list, not a copy.
+  [[nodiscard]] std::shared_ptr<Collection<AQ_METRIC_TYPE>> MetricTypes() const { return types_; }
+
+  [[nodiscard]] bool isMetric(AQ_METRIC_TYPE aqMetric) const;
+
+  /// The list as text, as in "AWT, PNLT, LGB". Setting adds the one metric of that name, in any
+  /// case; one that is listed stays where it is, and any other text is ignored.
+  [[nodiscard]] std::string MetricTypeString() const;
+  void MetricTypeString(std::string_view name);
+
+ private:
+  std::shared_ptr<Collection<AQ_METRIC_TYPE>> types_ =
+      std::make_shared<Collection<AQ_METRIC_TYPE>>();
+};
+
+}  // namespace aq

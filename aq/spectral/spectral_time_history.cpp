@@ -1,0 +1,204 @@
+#include "aq/spectral/spectral_time_history.h"
+
+#include <algorithm>
+#include <array>
+
+#include "aq/core/half_second.h"
+#include "aq/masking/last_good_band.h"
+
+namespace aq {
+namespace {
+
+template <class Enumeration>
+struct TextForm {
+  Enumeration value;
+  std::string_view text;
+};
+
+constexpr std::array<TextForm<AQ_AverageMethod>, 6> kAveraging{{{AQ_LINEAR, "LINEAR"},
+                                                                {AQ_TRUSLO, "TRUSLO"},
+                                                                {AQ_4S100, "4S100"},
+                                                                {AQ_4S95, "4S95"},
+                                                                {AQ_CONTEXPO, "CONTEXPO"},
+                                                                {AQ_NA, "NA"}}};
+constexpr std::array<TextForm<AQ_TimeStampType>, 5> kTimeStamps{{{AQ_START, "START"},
+                                                                 {AQ_MIDPT, "MIDPT"},
+                                                                 {AQ_END, "END"},
+                                                                 {AQ_ICAOSLO, "ICAOSLO"},
+                                                                 {AQ_OLDSLO, "OLDSLO"}}};
+constexpr std::array<TextForm<AQ_RefTimeType>, 8> kReferences{{{AQ_START_REF, "START"},
+                                                               {AQ_OVERHEAD, "OVERHEAD"},
+                                                               {AQ_AMAX, "AMAX"},
+                                                               {AQ_PMAX, "PMAX"},
+                                                               {AQ_TMAX, "TMAX"},
+                                                               {AQ_OAMAX, "OAMAX"},
+                                                               {AQ_HACK, "HACK"},
+                                                               {AQ_OTHER, "OTHER"}}};
+
+template <class Forms, class Enumeration>
+std::string textOf(const Forms& forms, Enumeration value) {
+  for (const auto& form : forms) {
+    if (form.value == value) return std::string(form.text);
+  }
+  return {};
+}
+
+template <class Forms, class Enumeration>
+void setFrom(const Forms& forms, std::string_view text, Enumeration& value) {
+  for (const auto& form : forms) {
+    if (form.text == text) value = form.value;
+  }
+}
+
+/// Calls `visit(number)` for every number of the range, which may end at the last 16-bit one.
+template <class Visit>
+void forEach(std::int16_t low, std::int16_t high, const Visit& visit) {
+  for (std::int32_t number = low; number <= high; ++number) {
+    visit(static_cast<std::int16_t>(number));
+  }
+}
+
+}  // namespace
+
+std::shared_ptr<AQ_SpectralTimeHistory> AQ_SpectralTimeHistory::Init(std::int16_t LoRec,
+                                                                     std::int16_t HiRec,
+                                                                     std::int16_t loBand,
+                                                                     std::int16_t hiBand) const {
+  auto history = std::make_shared<AQ_SpectralTimeHistory>();
+  forEach(LoRec, HiRec, [&](std::int16_t record) {
+    auto zero = std::make_shared<AQ_Spectrum>();
+    forEach(loBand, hiBand, [&](std::int16_t band) { zero->SPL(band, std::int16_t{0}); });
+    history->spectrum(record, std::move(zero));
+  });
+  return history;
+}
+
+std::shared_ptr<AQ_SpectralTimeHistory> AQ_SpectralTimeHistory::withoutSpectra() {
+  auto history = std::make_shared<AQ_SpectralTimeHistory>();
+  history->averageMethod_ = averageMethod_;
+  copyDateAndTimeOfDay(*startTime(), *history->startTime());
+  history->timeStampType_ = timeStampType_;
+  copyDateAndTimeOfDay(*ReferenceTime(), *history->ReferenceTime());
+  history->referenceType_ = referenceType_;
+  return history;
+}
+
+std::shared_ptr<AQ_SpectralTimeHistory> AQ_SpectralTimeHistory::Resize(std::int16_t LoRec,
+                                                                       std::int16_t HiRec) {
+  if (LoRec < this->LoRec() || HiRec > this->HiRec()) return nullptr;
+  auto history = withoutSpectra();
+  forEach(LoRec, HiRec, [&](std::int16_t record) { history->spectrum(record, spectrum(record)); });
+  return history;
+}
+
+std::shared_ptr<AQ_SpectralTimeHistory> AQ_SpectralTimeHistory::Copy() {
+  auto history = withoutSpectra();
+  forEach(LoRec(), HiRec(),
+          [&](std::int16_t record) { history->spectrum(record, spectrum(record)->Copy()); });
+  history->Metrics(Metrics()->Copy());
+  return history;
+}
+
+std::string AQ_SpectralTimeHistory::sAveragingMethod() const {
+  return textOf(kAveraging, averageMethod_);
+}
+
+std::string AQ_SpectralTimeHistory::sReferenceTimeType() const {
+  return textOf(kReferences, referenceType_);
+}
+
+std::string AQ_SpectralTimeHistory::sTimeStampType() const {
+  return textOf(kTimeStamps, timeStampType_);
+}
+
+void AQ_SpectralTimeHistory::sAveragingMethod(std::string_view text) {
+  setFrom(kAveraging, text, averageMethod_);
+}
+
+void AQ_SpectralTimeHistory::sReferenceTimeType(std::string_view) {}
+
+void AQ_SpectralTimeHistory::sTimeStampType(std::string_view text) {
+  setFrom(kTimeStamps, text, timeStampType_);
+}
+
+bool AQ_SpectralTimeHistory::EncompassesMask(const AQ_MaskMap& MapMask) const {
+  const std::int16_t count = Count();
+  if (count != MapMask.Count()) return false;
+  for (std::int16_t record = 1; record <= count; ++record) {
+    if (!spectrum(record)->Encompasses(*MapMask.Row(record))) return false;
+    if (record == count) break;  // the count may be the last 16-bit number
+  }
+  return true;
+}
+
+void AQ_SpectralTimeHistory::setLGB(const AQ_MaskMap& MapMask) {
+  forEach(1, MapMask.Count(), [&](std::int16_t record) {
+    const auto metric = spectrum(record)->Metric();
+    metric->LGB(0);
+    metric->LGB(static_cast<float>(lastGoodBand(*MapMask.Row(record))));
+  });
+}
+
+void AQ_SpectralTimeHistory::setTimeStamps(const AQ_Time& startTime, AQ_TimeStampType StartTimeType,
+                                           const AQ_Time& RefTime, AQ_RefTimeType RefType) {
+  copyDateAndTimeOfDay(startTime, *this->startTime());
+  copyDateAndTimeOfDay(RefTime, *ReferenceTime());
+  timeStampType_ = StartTimeType;
+  referenceType_ = RefType;
+  const HalfSecondStamps stamps(*this->startTime(), StartTimeType);
+  forEach(records_.low, records_.high,
+          [&](std::int16_t record) { stamps.stamp(record, *spectrum(record)->Time()); });
+  relateRecords(RefTime);
+}
+
+void AQ_SpectralTimeHistory::spectrum(std::int16_t nRecord,
+                                      std::shared_ptr<AQ_Spectrum> aqSpectrum) {
+  spectra_.store(nRecord, std::move(aqSpectrum));
+  records_.widen(nRecord);
+}
+
+std::shared_ptr<AQ_Band> AQ_SpectralTimeHistory::Band(std::int16_t nBand) const {
+  if (spectra_.size() == 0) return nullptr;
+  auto band = std::make_shared<AQ_Band>();
+  try {
+    forEach(records_.low, records_.high,
+            [&](std::int16_t record) { band->SPL(record, spectrum(record)->SPL(nBand)); });
+  } catch (const Error&) {
+    return nullptr;
+  }
+  return band;
+}
+
+void AQ_SpectralTimeHistory::Band(std::int16_t nBand, const AQ_Band& aqBand) {
+  if (spectra_.size() == 0) return;
+  try {
+    forEach(records_.low, records_.high,
+            [&](std::int16_t record) { spectrum(record)->SPL(nBand, aqBand.SPL(record)); });
+  } catch (const Error&) {
+    return;  // the records before keep their new levels: hosts rely on it
+  }
+}
+
+void AQ_SpectralTimeHistory::setRelTimes(const std::shared_ptr<AQ_Time>& ReferenceTime,
+                                         AQ_RefTimeType RefType) {
+  referenceTime_ = ReferenceTime;
+  referenceType_ = RefType;
+  relateRecords(*ReferenceTime);
+}
+
+void AQ_SpectralTimeHistory::relateRecords(const AQ_Time& reference) {
+  forEach(records_.low, records_.high,
+          [&](std::int16_t record) { spectrum(record)->Time()->setRelTime(reference); });
+}
+
+std::int16_t AQ_SpectralTimeHistory::HiRec() {
+  if (records_.high == 0) records_.high = Count();
+  return records_.high;
+}
+
+std::int16_t AQ_SpectralTimeHistory::LoRec() {
+  if (records_.low == 0) records_.low = 1;
+  return records_.low;
+}
+
+}  // namespace aq

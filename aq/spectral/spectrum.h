@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+
+#include "aq/core/created.h"
+#include "aq/core/export.h"
+#include "aq/core/number_range.h"
+#include "aq/core/time.h"
+#include "aq/core/variant.h"
+#include "aq/spectral/band_levels.h"
+#include "aq/spectral/metric.h"
+
+namespace aq {
+
+/// One measured one-third-octave spectrum: a level for each band that has one, the time of the
+/// measurement, an overall level and the noise metrics. Band n is centred at 10^(n/10) Hz (band 30
+/// is 1 kHz). A level is normally in decibels, 9999 where it is not valid; any value is kept as it
+/// is and never interpreted.
+class AQ_API AQ_Spectrum {
+ public:
+  /// A deep copy. Throws `InvalidArgument` when a band between the lowest and the highest has no
+  /// level; a time and a metric are then created here.
+  [[nodiscard]] std::shared_ptr<AQ_Spectrum> Copy();
+
+  /// The level of a band. Reading throws `InvalidArgument` when it has none.
+  [[nodiscard]] Variant SPL(std::int16_t nBand) const;
+  void SPL(std::int16_t nBand, const Variant& level);
+
+  /// The lowest and highest band ever stored; 9999 and -1 when there is none.
+  [[nodiscard]] std::int16_t LowBand() const { return bands_.low; }
+  [[nodiscard]] std::int16_t HighBand() const { return bands_.high; }
+
+  /// Whether the bands of `spectrum`, which is asked for `LowBand` and `HighBand`, lie inside ours.
+  template <class Banded>
+  [[nodiscard]] bool Encompasses(const Banded& spectrum) const {
+    return bands_.encompasses(spectrum);
+  }
+
+  /// An overall level.
+  [[nodiscard]] double Level() const { return level_; }
+  void Level(double level) { level_ = level; }
+
+  /// Created on first read; setting shares the caller's object.
+  [[nodiscard]] std::shared_ptr<AQ_Time> Time() { return created(time_); }
+  void Time(std::shared_ptr<AQ_Time> time) { time_ = std::move(time); }
+
+  /// Created on first read; setting shares the caller's object.
+  [[nodiscard]] std::shared_ptr<AQ_Metric> Metric() { return created(metric_); }
+  void Metric(std::shared_ptr<AQ_Metric> metric) { metric_ = std::move(metric); }
+
+  /// Stores the levels of consecutive bands, from `low` up, in place of all there are.
+  void assignLevels(std::int16_t low, std::span<const double> levels);
+
+  /// All levels, from `LowBand` up, when they are doubles without a gap; else nothing.
+  [[nodiscard]] std::span<const double> plainLevels() const { return levels_.plain(); }
+
+ private:
+  std::shared_ptr<AQ_Time> time_;
+  BandLevels levels_;
+  NumberRange bands_;
+  double level_ = 0;
+  std::shared_ptr<AQ_Metric> metric_;
+};
+
+}  // namespace aq

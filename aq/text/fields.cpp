@@ -1,0 +1,54 @@
+#include "aq/text/fields.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace aq {
+
+void failRead(std::size_t line, std::size_t field, std::string expected, std::string found) {
+  throw ReadFailure{{.file = {},
+                     .line = line,
+                     .field = field,
+                     .expected = std::move(expected),
+                     .found = std::move(found)}};
+}
+
+std::string_view cleanField(std::string_view text, std::string& room) {
+  if (text.find('"') != text.npos) {
+    room.assign(text);
+    std::erase(room, '"');
+    text = room;
+  }
+  return trimmed(text);
+}
+
+void split(std::string_view text, std::string_view delimiter,
+           std::vector<std::string_view>& pieces) {
+  for (;;) {
+    const std::size_t at = delimiter.empty() ? text.npos : text.find(delimiter);
+    pieces.push_back(text.substr(0, at));
+    if (at == text.npos) return;
+    text.remove_prefix(at + delimiter.size());
+  }
+}
+
+FieldReader::FieldReader(std::string_view line, std::size_t lineNumber)
+    : rest_(trimmed(line)), line_(lineNumber) {}
+
+std::string_view FieldReader::text(const char* expected) {
+  ++number_;
+  if (done_) failRead(line_, number_, expected, "the end of the line");
+  const std::size_t comma = rest_.find(',');
+  done_ = comma == rest_.npos;
+  field_ = rest_.substr(0, comma);
+  if (!done_) rest_.remove_prefix(comma + 1);
+  return cleanField(field_, room_);
+}
+
+void FieldReader::fail(const char* expected) const {
+  const bool blankLine = number_ == 1 && done_ && trimmed(field_).empty();
+  failRead(line_, number_, expected, blankLine ? "a blank line" : shown(field_));
+}
+
+}  // namespace aq

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "aq/core/error.h"
+#include "aq/core/export.h"
+#include "aq/core/file_failure.h"
+#include "aq/core/number_text.h"
+
+namespace aq {
+
+/// Thrown by readers of text: a failure with its place, the file's name still open.
+struct ReadFailure {
+  FileFailure failure;
+};
+
+/// Fails at a line, or at a field of it.
+[[noreturn]] AQ_API void failRead(std::size_t line, std::size_t field, std::string expected,
+                                  std::string found);
+
+/// `text` without its double quotes and outer blanks, as a field of delimited text is read.
+/// `room` holds the result when there are quotes.
+[[nodiscard]] AQ_API std::string_view cleanField(std::string_view text, std::string& room);
+
+/// Appends to `pieces` the parts of `text` between its delimiters: n of them give n + 1 parts. An
+/// empty delimiter divides nothing.
+AQ_API void split(std::string_view text, std::string_view delimiter,
+                  std::vector<std::string_view>& pieces);
+
+/// The comma-separated fields of one line, taken from left to right. A field that is missing or
+/// does not convert throws `ReadFailure` with its place.
+class AQ_API FieldReader {
+ public:
+  FieldReader(std::string_view line, std::size_t lineNumber);
+
+  [[nodiscard]] std::string_view text(const char* expected);
+  /// The next field through `conversion`, whose `Error` becomes the failure.
+  template <class Conversion>
+  auto convert(const char* expected, const Conversion& conversion) {
+    const std::string_view field = text(expected);
+    try {
+      return conversion(field);
+    } catch (const Error&) {
+      fail(expected);
+    }
+  }
+
+  [[nodiscard]] double number(const char* expected) { return convert(expected, doubleFrom); }
+  [[nodiscard]] float single(const char* expected) { return convert(expected, singleFrom); }
+  [[nodiscard]] std::int16_t int16(const char* expected) { return convert(expected, int16From); }
+
+  /// Fails at the field taken last.
+  [[noreturn]] void fail(const char* expected) const;
+
+ private:
+  std::string_view rest_;
+  std::string_view field_;
+  bool done_ = false;  // the last field was taken
+  std::size_t line_;
+  std::size_t number_ = 0;  // of the field taken last
+  std::string room_;
+};
+
+}  // namespace aq

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "aq/core/enumerations.h"
+#include "aq/core/export.h"
+#include "aq/core/file_failure.h"
+
+namespace aq {
+
+/// What all file classes share: a result value for the outcome of a call, and the reason behind it.
+class AQ_API FileClass {
+ public:
+  /// Why the last call failed; empty when it gave `AQ_DATA_OK` or threw.
+  [[nodiscard]] const std::optional<FileFailure>& lastFailure() const { return lastFailure_; }
+
+ protected:
+  FileClass() = default;
+  FileClass(const FileClass&) = default;
+  FileClass& operator=(const FileClass&) = default;
+  ~FileClass() = default;
+
+  /// Runs `read`; what it finds wrong with the file becomes the last failure.
+  template <class Read>
+  [[nodiscard]] AQ_DataMessage reading(const std::string& file, const Read& read) {
+    lastFailure_.reset();
+    try {
+      read();
+      return AQ_DATA_OK;
+    } catch (...) {
+      return failed(file);
+    }
+  }
+
+  /// Makes the text that `build` gives the content of `file`. What `build` throws goes to the
+  /// caller, and the disk stays as it was.
+  template <class Build>
+  [[nodiscard]] AQ_DataMessage writing(const std::string& file, const Build& build) {
+    lastFailure_.reset();
+    return replace(file, build());
+  }
+
+  /// As `writing`, but behind what the file holds.
+  template <class Build>
+  [[nodiscard]] AQ_DataMessage appending(const std::string& file, const Build& build) {
+    lastFailure_.reset();
+    return append(file, build());
+  }
+
+ private:
+  [[nodiscard]] AQ_DataMessage failed(const std::string& file);
+  [[nodiscard]] AQ_DataMessage replace(const std::string& file, const std::string& text);
+  [[nodiscard]] AQ_DataMessage append(const std::string& file, const std::string& text);
+
+  std::optional<FileFailure> lastFailure_;
+};
+
+}  // namespace aq

@@ -1,0 +1,108 @@
+#include "aq/text/header_reader.h"
+
+#include "aq/core/date_text.h"
+#include "aq/core/number_text.h"
+
+namespace aq {
+namespace {
+
+constexpr std::string_view kMark = "**";
+
+std::string quoted(std::string_view text) { return '"' + std::string(text) + '"'; }
+
+}  // namespace
+
+void HeaderReader::title(std::string_view fileType) {
+  const auto expected = [&] { return "the file type " + quoted(fileType); };
+  if (!lines_.next()) failRead(1, 0, expected(), "an empty file");
+  if (!findValue()) failRead(1, 0, expected(), shown(lines_.line()));
+  if (value_ != fileType) failRead(1, 2, expected(), shown(value_));
+}
+
+void HeaderReader::text(std::string_view keyword, std::string& value) {
+  takeValue(keyword);
+  value = value_;
+}
+
+void HeaderReader::integers(std::string_view keyword, std::string_view /*separator*/,
+                            std::int16_t& first, std::int16_t& second) {
+  takeValue(keyword);
+  first = convertTo<std::int16_t>("an integer", 1);
+  second = convertTo<std::int16_t>("an integer", 2);
+}
+
+void HeaderReader::timeOfDay(std::string_view keyword, AQ_Time& time) {
+  takeValue(keyword);
+  convert("a time of day hh:mm:ss", kWhole, [&](std::string_view text) { time.TODstring(text); });
+}
+
+void HeaderReader::currentDateTime(std::string_view keyword, AQ_Time& time) {
+  takeValue(keyword);
+  time.CurrentDate(
+      convert("a date mm/dd/yyyy", 1, [](std::string_view text) { return dateFrom(text); }));
+  time.TODstring(convert("a time hh:mm:ss", 2, clockTimeFrom));
+}
+
+void HeaderReader::lines(std::string_view keyword, Collection<std::string>& block,
+                         std::int16_t& count) {
+  integer(keyword, count);
+  for (std::int32_t i = 1; i <= count; ++i) {
+    takeLine("one more line of ", keyword);
+    block.Add(beforeMark());
+  }
+}
+
+void HeaderReader::lines(std::string_view keyword, Collection<std::string>& block) {
+  std::int16_t count = 0;
+  lines(keyword, block, count);
+}
+
+std::string HeaderReader::columns() {
+  takeLine("the line of column headings", "");
+  return beforeMark();
+}
+
+void HeaderReader::takeLine(const char* what, std::string_view keyword) {
+  if (lines_.next()) return;
+  failRead(lines_.number() + 1, 0, what + std::string(keyword), "the end of the file");
+}
+
+void HeaderReader::takeValue(std::string_view keyword) {
+  takeLine("the line of ", keyword);
+  if (findValue()) return;
+  failRead(lines_.number(), 0, std::string(keyword) + "**, and a value", shown(lines_.line()));
+}
+
+/// Takes the value out of the line: what stands between its first "**" and the next, without the
+/// comma in front. False when there is no "**".
+bool HeaderReader::findValue() {
+  pieces_.clear();
+  split(trimmed(lines_.line()), kMark, pieces_);
+  if (pieces_.size() < 2) return false;
+  value_ = cleanField(pieces_[1], room_);
+  if (!value_.empty()) value_.remove_prefix(1);
+  value_ = trimmed(value_);
+  return true;
+}
+
+std::string_view HeaderReader::field(std::size_t number, const char* expected) {
+  if (number == kWhole) return value_;
+  pieces_.clear();
+  split(value_, ",", pieces_);
+  if (number > pieces_.size()) {
+    failRead(lines_.number(), number + 1, expected, "the end of the line");
+  }
+  return pieces_[number - 1];
+}
+
+/// Counts the keyword as the line's first field.
+void HeaderReader::fail(std::size_t number, const char* expected, std::string_view found) const {
+  failRead(lines_.number(), number == kWhole ? 2 : number + 1, expected, shown(found));
+}
+
+std::string HeaderReader::beforeMark() {
+  const std::string_view line = trimmed(lines_.line());
+  return std::string(cleanField(line.substr(0, line.find(kMark)), room_));
+}
+
+}  // namespace aq

@@ -1,0 +1,93 @@
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "aq/core/collection.h"
+#include "aq/core/export.h"
+#include "aq/core/time.h"
+#include "aq/text/fields.h"
+#include "aq/text/line_reader.h"
+
+namespace aq {
+
+/// Reads keyword header lines by their place: each call takes the next line, and its keyword is
+/// there for people only. A line that is missing, has no "**" or does not convert throws
+/// `ReadFailure`. `HeaderWriter` has the same members.
+class AQ_API HeaderReader {
+ public:
+  explicit HeaderReader(LineReader& lines) : lines_(lines) {}
+
+  /// The first line; it must name `fileType` to the letter.
+  void title(std::string_view fileType);
+
+  /// A line whose value goes to `set`, as text.
+  template <class Get, class Set>
+  void value(std::string_view keyword, const Get&, const Set& set) {
+    takeValue(keyword);
+    set(value_);
+  }
+
+  void text(std::string_view keyword, std::string& value);
+  template <std::integral Integer>
+  void integer(std::string_view keyword, Integer& value) {
+    takeValue(keyword);
+    value = convertTo<Integer>("an integer", kWhole);
+  }
+  void integers(std::string_view keyword, std::string_view separator, std::int16_t& first,
+                std::int16_t& second);
+  void timeOfDay(std::string_view keyword, AQ_Time& time);
+  void recordedName(std::string_view keyword, std::string& file) { text(keyword, file); }
+  void currentDateTime(std::string_view keyword, AQ_Time& time);
+  void dateTimeOf(std::string_view keyword, const std::string& /*file*/, AQ_Time& time) {
+    currentDateTime(keyword, time);
+  }
+
+  /// A line with their number, then as many lines, each up to its first "**". A negative number
+  /// takes no line.
+  void lines(std::string_view keyword, Collection<std::string>& block, std::int16_t& count);
+  void lines(std::string_view keyword, Collection<std::string>& block);
+
+  /// Takes the line above the data lines; gives it up to its first "**".
+  std::string columns();
+
+ private:
+  static constexpr std::size_t kWhole = 0;  // the whole value rather than a field of it
+
+  void takeLine(const char* what, std::string_view keyword);
+  void takeValue(std::string_view keyword);
+  [[nodiscard]] bool findValue();
+  [[nodiscard]] std::string_view field(std::size_t number, const char* expected);
+  [[noreturn]] void fail(std::size_t number, const char* expected, std::string_view found) const;
+  [[nodiscard]] std::string beforeMark();
+
+  template <class Conversion>
+  auto convert(const char* expected, std::size_t number, const Conversion& conversion) {
+    const std::string_view found = field(number, expected);
+    try {
+      return conversion(found);
+    } catch (const Error&) {
+      fail(number, expected, found);
+    }
+  }
+
+  template <std::integral Integer>
+  Integer convertTo(const char* expected, std::size_t number) {
+    if constexpr (sizeof(Integer) == 2) {
+      return convert(expected, number, int16From);
+    } else {
+      return convert(expected, number, int32From);
+    }
+  }
+
+  LineReader& lines_;
+  std::vector<std::string_view> pieces_;
+  std::string room_;
+  std::string_view value_;  // of the line taken last
+};
+
+}  // namespace aq

@@ -1,0 +1,56 @@
+#include "aq/text/header_writer.h"
+
+#include "aq/core/file_information.h"
+#include "aq/core/number_text.h"
+#include "aq/core/platform.h"
+
+namespace aq {
+
+void HeaderWriter::title(std::string_view fileType) { line("FileType", fileType); }
+
+void HeaderWriter::integer(std::string_view keyword, std::int32_t value) {
+  line(keyword, numberText(value));
+}
+
+void HeaderWriter::integers(std::string_view keyword, std::string_view separator,
+                            std::int16_t first, std::int16_t second) {
+  std::string value = numberText(std::int32_t{first});
+  value += separator;
+  appendNumber(value, std::int32_t{second});
+  line(keyword, value);
+}
+
+void HeaderWriter::timeOfDay(std::string_view keyword, const AQ_Time& time) {
+  line(keyword, time.TODstring());
+}
+
+void HeaderWriter::recordedName(std::string_view keyword, const std::string& file) {
+  line(keyword, fileInformation()->recordedName(file));
+}
+
+void HeaderWriter::currentDateTime(std::string_view keyword, const AQ_Time&) {
+  line(keyword, fileInformation()->currentDateTime());
+}
+
+void HeaderWriter::dateTimeOf(std::string_view keyword, const std::string& file, const AQ_Time&) {
+  line(keyword, fileInformation()->fileDateTime(file));
+}
+
+void HeaderWriter::lines(std::string_view keyword, const Collection<std::string>& block,
+                         std::int16_t) {
+  integer(keyword, block.Count());
+  for (const std::string& entry : block) columns(entry);
+}
+
+void HeaderWriter::columns(std::string_view heading) {
+  text_ += heading;
+  text_ += platform::lineEnd;
+}
+
+void HeaderWriter::line(std::string_view keyword, std::string_view value) {
+  text_ += keyword;
+  text_ += "**,";
+  columns(value);
+}
+
+}  // namespace aq

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "aq/core/collection.h"
+#include "aq/core/export.h"
+#include "aq/core/time.h"
+
+namespace aq {
+
+/// Writes keyword header lines, as in `Bands**,17, 40`, to a text. `HeaderReader` has the same
+/// members, so that one description of a file's header serves both ways.
+class AQ_API HeaderWriter {
+ public:
+  explicit HeaderWriter(std::string& text) : text_(text) {}
+
+  /// The first line, which says what kind of file it is.
+  void title(std::string_view fileType);
+
+  /// A line whose value is what `get` returns.
+  template <class Get, class Set>
+  void value(std::string_view keyword, const Get& get, const Set&) {
+    line(keyword, get());
+  }
+
+  void text(std::string_view keyword, const std::string& value) { line(keyword, value); }
+  void integer(std::string_view keyword, std::int32_t value);
+  void integers(std::string_view keyword, std::string_view separator, std::int16_t first,
+                std::int16_t second);
+  void timeOfDay(std::string_view keyword, const AQ_Time& time);
+
+  /// The name under which the file information service records `file`.
+  void recordedName(std::string_view keyword, const std::string& file);
+
+  /// The current date and time; a header's own is not written.
+  void currentDateTime(std::string_view keyword, const AQ_Time&);
+
+  /// The date and time of `file` as it is now; a header's own is not written.
+  void dateTimeOf(std::string_view keyword, const std::string& file, const AQ_Time&);
+
+  /// A line with their number, then the lines themselves as they are; a header's own count is not
+  /// written.
+  void lines(std::string_view keyword, const Collection<std::string>& block,
+             std::int16_t /*count*/ = 0);
+
+  /// The line above the data lines.
+  void columns(std::string_view heading);
+
+ private:
+  void line(std::string_view keyword, std::string_view value);
+
+  std::string& text_;
+};
+
+}  // namespace aq

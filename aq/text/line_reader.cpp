@@ -1,0 +1,59 @@
+#include "aq/text/line_reader.h"
+
+#include <cstring>
+
+namespace aq {
+namespace {
+
+constexpr std::size_t kBlock = std::size_t{64} * 1024;
+
+}  // namespace
+
+LineReader::LineReader(const std::string& path)
+    : file_(path), block_(std::make_unique_for_overwrite<char[]>(kBlock)), room_(kBlock) {}
+
+bool LineReader::next() {
+  std::size_t searched = 0;
+  for (;;) {
+    const char* const first = block_.get() + begin_;
+    const std::size_t size = end_ - begin_;
+    const void* const found = std::memchr(first + searched, '\n', size - searched);
+    if (found != nullptr) {
+      const auto length = static_cast<std::size_t>(static_cast<const char*>(found) - first);
+      const bool carriageReturn = length != 0 && first[length - 1] == '\r';
+      take(carriageReturn ? length - 1 : length, length + 1);
+      return true;
+    }
+    searched = size;
+    if (!fill()) break;
+  }
+  if (begin_ == end_) return false;
+  take(end_ - begin_, end_ - begin_);
+  return true;
+}
+
+void LineReader::take(std::size_t size, std::size_t withEnd) {
+  line_ = {block_.get() + begin_, size};
+  begin_ += withEnd;
+  ++number_;
+}
+
+/// Reads on behind the bytes not yet taken; false at the end of the file.
+bool LineReader::fill() {
+  const std::size_t kept = end_ - begin_;
+  if (kept == room_) {
+    auto larger = std::make_unique_for_overwrite<char[]>(room_ * 2);
+    std::memcpy(larger.get(), block_.get() + begin_, kept);
+    block_ = std::move(larger);
+    room_ *= 2;
+  } else if (begin_ != 0) {
+    std::memmove(block_.get(), block_.get() + begin_, kept);
+  }
+  begin_ = 0;
+  end_ = kept;
+  const std::size_t got = file_.read({block_.get() + end_, room_ - end_});
+  end_ += got;
+  return got != 0;
+}
+
+}  // namespace aq

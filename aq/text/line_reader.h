@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "aq/core/export.h"
+#include "aq/core/platform.h"
+
+namespace aq {
+
+/// Walks the lines of a text file, one block of bytes in memory at a time. LF and CRLF end a line,
+/// the last line needs no end, and any other byte is content. Throws `platform::SystemError`.
+class AQ_API LineReader {
+ public:
+  explicit LineReader(const std::string& path);
+
+  /// Goes to the next line; false behind the last one.
+  [[nodiscard]] bool next();
+
+  /// The line without its end. Valid until `next`.
+  [[nodiscard]] std::string_view line() const { return line_; }
+
+  /// From 1; behind the last line, the number of lines.
+  [[nodiscard]] std::size_t number() const { return number_; }
+
+ private:
+  [[nodiscard]] bool fill();
+  void take(std::size_t size, std::size_t withEnd);
+
+  platform::InputFile file_;
+  std::unique_ptr<char[]> block_;
+  std::size_t room_;       // of the block
+  std::size_t begin_ = 0;  // the bytes not yet taken: from here
+  std::size_t end_ = 0;    // up to here
+  std::string_view line_;
+  std::size_t number_ = 0;
+};
+
+}  // namespace aq
