@@ -247,14 +247,17 @@ void appendHundredthCount(std::string& text, std::int64_t hundredths) {
 
 /// Any finite value, by its exact decimal expansion.
 void appendExactHundredths(std::string& text, double value) {
-  const double size = std::abs(value);
-  // to_chars takes exact halves to the even digit; a value a hair larger goes away from zero.
-  const double nudged =
-      isHalfway(size) ? std::nextafter(size, std::numeric_limits<double>::infinity()) : size;
+  const bool halfway = isHalfway(value);
   Buffer buffer;
-  const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), nudged,
-                                     std::chars_format::fixed, 2);
-  std::string_view digits(buffer.data(), static_cast<std::size_t>(written.ptr - buffer.data()));
+  const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(value),
+                                     std::chars_format::fixed, halfway ? 3 : 2);
+  char* end = written.ptr;
+  if (halfway) {  // .125, .375, .625 or .875: up without a carry, where to_chars takes the even
+                  // digit
+    --end;
+    ++end[-1];
+  }
+  std::string_view digits(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
   if (digits.starts_with("0.")) digits.remove_prefix(1);
   if (value < 0 && digits != ".00") text += '-';
   text += digits;

@@ -18,7 +18,7 @@ class AQ_API AQ_MaskRow {
   [[nodiscard]] std::shared_ptr<AQ_MaskRow> Copy();
 
   /// The mask of a band; a band without one gets a default mask, and the range widens.
-  [[nodiscard]] std::shared_ptr<AQ_Mask> Mask(std::int16_t nBand);
+  std::shared_ptr<AQ_Mask> Mask(std::int16_t nBand);
 
   /// Stores a mask for a band that has none. For a band that has one it only removes that: hosts
   /// rely on it. To change a decision, change the mask that the getter returns.

@@ -73,7 +73,7 @@ class AQ_API AQ_SpectralTimeHistory {
   void spectrum(std::int16_t nRecord, std::shared_ptr<AQ_Spectrum> aqSpectrum);
 
   /// Created on first read; setting shares the caller's object.
-  [[nodiscard]] std::shared_ptr<AQ_Time> ReferenceTime() { return created(referenceTime_); }
+  std::shared_ptr<AQ_Time> ReferenceTime() { return created(referenceTime_); }
   void ReferenceTime(std::shared_ptr<AQ_Time> time) { referenceTime_ = std::move(time); }
 
   /// A deep copy of the records from `LoRec` to `HiRec`. Of the two times, date and time of day are
@@ -92,7 +92,7 @@ class AQ_API AQ_SpectralTimeHistory {
   void setRelTimes(const std::shared_ptr<AQ_Time>& ReferenceTime, AQ_RefTimeType RefType);
 
   /// The time of the first record. Created on first read; setting shares the caller's object.
-  [[nodiscard]] std::shared_ptr<AQ_Time> startTime() { return created(startTime_); }
+  std::shared_ptr<AQ_Time> startTime() { return created(startTime_); }
   void startTime(std::shared_ptr<AQ_Time> time) { startTime_ = std::move(time); }
 
   [[nodiscard]] AQ_AverageMethod AverageMethod() const { return averageMethod_; }
@@ -102,13 +102,13 @@ class AQ_API AQ_SpectralTimeHistory {
   void ReferenceType(AQ_RefTimeType type) { referenceType_ = type; }
 
   /// Created on first read; setting shares the caller's object.
-  [[nodiscard]] std::shared_ptr<AQ_MetricSummary> Metrics() { return created(metrics_); }
+  std::shared_ptr<AQ_MetricSummary> Metrics() { return created(metrics_); }
   void Metrics(std::shared_ptr<AQ_MetricSummary> metrics) { metrics_ = std::move(metrics); }
 
   /// The highest and lowest record number ever stored; -1 and 9999 when there is none. Reading
   /// replaces a 0 by `Count` and by 1, and keeps that.
-  [[nodiscard]] std::int16_t HiRec();
-  [[nodiscard]] std::int16_t LoRec();
+  std::int16_t HiRec();
+  std::int16_t LoRec();
   void LoRec(std::int16_t nRecord) { records_.low = nRecord; }
   void HiRec(std::int16_t nRecord) { records_.high = nRecord; }
 

@@ -43,11 +43,11 @@ class AQ_API AQ_Spectrum {
   void Level(double level) { level_ = level; }
 
   /// Created on first read; setting shares the caller's object.
-  [[nodiscard]] std::shared_ptr<AQ_Time> Time() { return created(time_); }
+  std::shared_ptr<AQ_Time> Time() { return created(time_); }
   void Time(std::shared_ptr<AQ_Time> time) { time_ = std::move(time); }
 
   /// Created on first read; setting shares the caller's object.
-  [[nodiscard]] std::shared_ptr<AQ_Metric> Metric() { return created(metric_); }
+  std::shared_ptr<AQ_Metric> Metric() { return created(metric_); }
   void Metric(std::shared_ptr<AQ_Metric> metric) { metric_ = std::move(metric); }
 
   /// Stores the levels of consecutive bands, from `low` up, in place of all there are.

@@ -1,0 +1,94 @@
+// Makes a history and its masking map from nothing, and writes both: a jet that passes 150 m
+// overhead, spherical spreading, an assumed air absorption, bands less than 3 dB above an assumed
+// ambient masked. The sample in examples/data was made by this program.
+#include <aq/aq.h>
+
+#include <algorithm>
+#include <cmath>
+#include <iostream>
+#include <string>
+
+namespace {
+
+constexpr std::int16_t kRecords = 60;
+constexpr std::int16_t kLow = 17;   // 50 Hz
+constexpr std::int16_t kHigh = 40;  // 10 kHz
+constexpr double kCriterion = 3;    // dB above the ambient
+
+double ambient(int band) { return 60.0 - 1.1 * (band - kLow); }
+
+double sourceLevelAt1m(int band) {
+  const double broadband = 125.0 - 0.14 * (band - 24) * (band - 24);
+  const double fanTone = band == 34 ? 7.0 : 0.0;
+  return broadband + fanTone;
+}
+
+double absorptionPerMetre(int band) { return 1e-4 * std::pow(10.0, 0.0875 * (band - 20)); }
+
+/// Metres from the microphone at a time in seconds from the closest point.
+double slantRange(double seconds) { return std::hypot(150.0, 85.0 * seconds); }
+
+double level(int band, double seconds) {
+  const double range = slantRange(seconds);
+  const double source =
+      sourceLevelAt1m(band) - 20 * std::log10(range) - absorptionPerMetre(band) * range;
+  return 10 * std::log10(std::pow(10, source / 10) + std::pow(10, ambient(band) / 10));
+}
+
+void fill(aq::AQ_SpectralTimeHistory& history, aq::AQ_MaskMap& map) {
+  for (std::int16_t record = 1; record <= kRecords; ++record) {
+    auto spectrum = std::make_shared<aq::AQ_Spectrum>();
+    auto row = std::make_shared<aq::AQ_MaskRow>();
+    for (std::int16_t band = kLow; band <= kHigh; ++band) {
+      const double decibels = level(band, (record - kRecords / 2) * 0.5);
+      spectrum->SPL(band, decibels);
+      const bool masked = decibels < ambient(band) + kCriterion;
+      row->Mask(band)->MaskMode(masked ? aq::MASKED_BY_MASK_CRITERION : aq::NOT_MASKED);
+    }
+    history.spectrum(record, spectrum);
+    map.Row(record, row);
+  }
+}
+
+void stamp(aq::AQ_SpectralTimeHistory& history) {
+  aq::AQ_Time start;
+  aq::AQ_Time overhead;
+  start.TODstring("14:30:00");
+  overhead.TODstring("14:30:14.75");
+  history.setTimeStamps(start, aq::AQ_MIDPT, overhead, aq::AQ_OVERHEAD);
+}
+
+bool isWritten(aq::AQ_DataMessage result, const aq::FileClass& file) {
+  if (result == aq::AQ_DATA_OK) return true;
+  std::cerr << file.lastFailure()->message() << '\n';
+  return false;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::string folder = argc > 1 ? argv[1] : ".";
+  aq::AQ_SpectralTimeHistory history;
+  aq::AQ_MaskMap map;
+  fill(history, map);
+  stamp(history);
+  map.setLGB();
+
+  const auto header = std::make_shared<aq::AQ_HeaderSTH>();
+  header->sProjectName = "Fly-over sample";
+  header->sMicrophoneID = "M1";
+  header->sAdjustmentCode = "NONE";
+  header->sGeneratedBy = "make_fly_over";
+  header->cCommentLines->Add("A computed fly-over; no measurement");
+  const auto mapHeader = std::make_shared<aq::AQ_HeaderMask>();
+  mapHeader->sGeneratedBy = "make_fly_over";
+  mapHeader->sGenerationFile = "fly-over.sth.csv";
+
+  aq::AQ_DataSTH historyFile;
+  aq::AQ_DataMask mapFile;
+  const bool written =
+      isWritten(historyFile.writeFile(folder + "/fly-over.sth.csv", header, history),
+                historyFile) &&
+      isWritten(mapFile.writeFile(folder + "/fly-over.mask.csv", mapHeader, map), mapFile);
+  return written ? 0 : 1;
+}

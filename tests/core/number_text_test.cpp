@@ -1,0 +1,176 @@
+#include <aq/core/date_text.h>
+#include <aq/core/number_text.h>
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include "tests/support/errors.h"
+
+namespace aq {
+namespace {
+
+using Limits = std::numeric_limits<double>;
+
+template <class Value>
+std::string hundredths(Value value) {
+  std::string text;
+  appendHundredths(text, value);
+  return text;
+}
+
+TEST(NumberText, ReadsWholeFields) {
+  const std::pair<const char*, double> rows[] = {
+      {"65.30", 65.3},
+      {"  -.25 ", -0.25},
+      {"+7", 7},
+      {"5.", 5},
+      {"0", 0},
+      {"1e3", 1000},
+      {"1.5E-3", 0.0015},
+      {"9007199254740993", 9007199254740992.0},
+      {"1e-400", 0},
+      {"0.3e1", 3},
+      {"123456789012345678901234567890", 1.2345678901234568e29},
+      {"0.000000000000000000000000000001", 1e-30},
+      {"179769313486231570e291", Limits::max()},
+  };
+  for (const auto& [text, value] : rows) EXPECT_EQ(doubleFrom(text), value) << text;
+  EXPECT_TRUE(std::signbit(doubleFrom("-0.00")));
+  EXPECT_EQ(singleFrom("0.1"), 0.1F);
+  EXPECT_EQ(singleFrom("16777217"), 16777216.0F);
+  EXPECT_EQ(int32From(" -2147483648 "), -2147483647 - 1);
+  EXPECT_EQ(int16From("+32767"), 32767);
+  EXPECT_EQ(byteFrom("255"), 255);
+}
+
+TEST(NumberText, RefusesAnythingElse) {
+  for (const char* text : {"", " ", ".", "-", "+", "nan", "inf", "0x10", "1,5", "12 3", "1e", "1e+",
+                           "--1", "+-1", "1.2.3", "65.3dB", "\t1", "1\xC2\xA0"}) {
+    EXPECT_ERROR(doubleFrom(text), TypeMismatch);
+    EXPECT_ERROR(singleFrom(text), TypeMismatch);
+    EXPECT_ERROR(int32From(text), TypeMismatch);
+  }
+  for (const char* text : {"1.0", "1e2", "5."}) EXPECT_ERROR(int16From(text), TypeMismatch);
+  EXPECT_ERROR(doubleFrom("1e400"), Overflow);
+  EXPECT_ERROR(doubleFrom("-1e99999999999999999999"), Overflow);
+  EXPECT_ERROR(singleFrom("1e39"), Overflow);
+  EXPECT_ERROR(int16From("32768"), Overflow);
+  EXPECT_ERROR(int32From("99999999999999999999"), Overflow);
+  EXPECT_ERROR(byteFrom("-1"), Overflow);
+  EXPECT_ERROR(byteFrom("256"), Overflow);
+}
+
+TEST(NumberText, LeadingNumber) {
+  const std::pair<const char*, double> rows[] = {{"45.5 PM", 45.5}, {" 07:", 7},  {"", 0},
+                                                 {"x1", 0},         {"-3x", -3},  {"1 2", 12},
+                                                 {".", 0},          {"1e2e", 100}};
+  for (const auto& [text, value] : rows) EXPECT_EQ(leadingNumber(text), value) << text;
+}
+
+TEST(NumberText, DefaultText) {
+  const std::pair<double, const char*> doubles[] = {{0.5, "0.5"},
+                                                    {-0.25, "-0.25"},
+                                                    {0, "0"},
+                                                    {-0.0, "0"},
+                                                    {100, "100"},
+                                                    {1e14, "100000000000000"},
+                                                    {1e15, "1E+15"},
+                                                    {1.0 / 3, "0.333333333333333"},
+                                                    {1e-7, "0.0000001"},
+                                                    {1.5e-8, "1.5E-08"},
+                                                    {123456.789, "123456.789"},
+                                                    {0.1 + 0.2, "0.3"}};
+  for (const auto& [value, text] : doubles) EXPECT_EQ(numberText(value), text);
+  const std::pair<float, const char*> singles[] = {
+      {0.1F, "0.1"}, {16777216.0F, "1.677722E+07"}, {-1.5F, "-1.5"}, {1234567.0F, "1234567"}};
+  for (const auto& [value, text] : singles) EXPECT_EQ(numberText(value), text);
+  EXPECT_EQ(numberText(std::int32_t{-2147483647 - 1}), "-2147483648");
+  EXPECT_ERROR(numberText(Limits::infinity()), InvalidValue);
+}
+
+TEST(NumberText, LevelsHaveTwoDecimalsAndNoLeadingZero) {
+  const std::pair<double, const char*> rows[] = {{0.5, ".50"},
+                                                 {65.3, "65.30"},
+                                                 {-0.25, "-.25"},
+                                                 {0.125, ".13"},
+                                                 {-0.125, "-.13"},
+                                                 {0.375, ".38"},
+                                                 {0.005, ".01"},
+                                                 {0.004, ".00"},
+                                                 {-0.004, ".00"},
+                                                 {-0.0, ".00"},
+                                                 {9999, "9999.00"},
+                                                 {1.005, "1.00"},
+                                                 {99.995, "100.00"},
+                                                 {0.015, ".01"},
+                                                 {1e15 + 0.125, "1000000000000000.13"},
+                                                 {2e22, "20000000000000000000000.00"},
+                                                 {12345678.875, "12345678.88"}};
+  for (const auto& [value, text] : rows) EXPECT_EQ(hundredths(value), text) << value;
+  EXPECT_ERROR(hundredths(Limits::quiet_NaN()), InvalidValue);
+  EXPECT_ERROR(hundredths(-Limits::infinity()), InvalidValue);
+}
+
+/// The pattern by the exact decimal expansion alone.
+std::string exactHundredths(double value) {
+  char digits[400];
+  char* const end = std::to_chars(digits, digits + 400, value, std::chars_format::fixed, 2).ptr;
+  std::string text(digits, end);
+  if (text == "-0.00" || text == "0.00") return ".00";
+  if (text.starts_with("0.")) return text.substr(1);
+  return text.starts_with("-0.") ? "-" + text.substr(2) : text;
+}
+
+TEST(NumberText, FastPathsEqualTheExactOnes) {
+  std::mt19937_64 random(20260315);
+  for (int hundredth = -100000; hundredth <= 100000; ++hundredth) {
+    const double level = hundredth / 100.0;
+    ASSERT_EQ(doubleFrom(hundredths(level)), level);
+  }
+  for (int i = 0; i < 200000; ++i) {
+    const double any = std::bit_cast<double>(random());
+    const double level = std::uniform_real_distribution<>(-200, 200)(random);
+    for (const double value : {any, level, std::ldexp(level, static_cast<int>(random() % 40))}) {
+      if (!std::isfinite(value)) continue;
+      if (std::fmod(std::abs(value) * 8, 2) != 1) {
+        ASSERT_EQ(hundredths(value), exactHundredths(value));
+      }
+      char text[32];
+      const char* end = std::to_chars(text, text + 32, value, std::chars_format::general,
+                                      1 + static_cast<int>(random() % 17))
+                            .ptr;
+      double exact = 0;
+      std::from_chars(text, end, exact);
+      if (std::isfinite(exact) && exact != 0) {
+        ASSERT_EQ(doubleFrom({text, end}), exact);
+      }
+      float single = 0;
+      if (std::from_chars(text, end, single).ec == std::errc()) {
+        ASSERT_EQ(singleFrom({text, end}), single);
+      }
+    }
+  }
+}
+
+TEST(DateText, DaysOfTheCalendar) {
+  EXPECT_EQ(dateFrom("12/30/1899"), 0);
+  EXPECT_EQ(dateFrom(" 3/5/2004 "), dateFrom(2004, 3, 5));
+  EXPECT_EQ(dateText(dateFrom("02/29/2024")), "02/29/2024");
+  EXPECT_EQ(dateText(-0.75), "12/30/1899");  // the day is the whole part, before day zero too
+  for (const char* text : {"", "02/29/2023", "13/01/2020", "00/10/2020", "1/1/20", "1/1/0000",
+                           "1/1", "1/1/2020/1", "001/1/2020", "a/1/2020", "1-1-2020"}) {
+    EXPECT_ERROR(dateFrom(text), TypeMismatch);
+  }
+  EXPECT_EQ(clockTimeFrom(" 7:05:09"), "07:05:09");
+  for (const char* text : {"", "24:00:00", "10:60:00", "10:00:60", "10:00", "10:00:00.5",
+                           "-1:00:00", "10:00:00 PM", "::", "100:00:00"}) {
+    EXPECT_ERROR(clockTimeFrom(text), TypeMismatch);
+  }
+}
+
+}  // namespace
+}  // namespace aq

@@ -1,0 +1,236 @@
+#include <aq/files/data_sth.h>
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <limits>
+#include <locale>
+
+#include "tests/support/errors.h"
+#include "tests/support/files.h"
+
+namespace aq {
+namespace {
+
+using test::contentOf;
+
+const std::filesystem::path kFormat = test::kData / "spectral-time-history";
+const std::string kGood = (kFormat / "good" / "three-records.csv").string();
+
+struct Read {
+  AQ_DataSTH file;
+  std::shared_ptr<AQ_HeaderSTH> header;
+  std::shared_ptr<AQ_SpectralTimeHistory> history;
+  AQ_DataMessage result;
+
+  explicit Read(const std::string& path) : result(file.readFile(path, header, history)) {}
+};
+
+TEST(DataSTH, ReadsHeaderAndRecords) {
+  const Read read(kGood);
+  ASSERT_EQ(read.result, AQ_DATA_OK);
+  EXPECT_FALSE(read.file.lastFailure());
+  const AQ_HeaderSTH& header = *read.header;
+  EXPECT_EQ(header.sFileName, "three-records.csv");
+  EXPECT_EQ(header.sProjectName, "Flight test 7");
+  EXPECT_EQ(header.sMicrophoneID, "M1");
+  EXPECT_EQ(header.sAdjustmentCode, "NONE");
+  EXPECT_EQ(header.sGeneratedBy, "recorder");
+  EXPECT_EQ(header.sGenerationFile, "flight.dat");
+  EXPECT_EQ(header.aqFileDateTime->CurrentDate(), 38061);
+  EXPECT_EQ(header.aqFileDateTime->TODstring(), "14:02:37");
+  EXPECT_EQ(header.aqGenerationDateTime->TODstring(), "07:05:09");
+  EXPECT_EQ(header.cOtherRecords->Item(2), "Weather: calm");
+  EXPECT_EQ(header.cCommentLines->Item(1), "a, b");
+  AQ_SpectralTimeHistory& history = *read.history;
+  EXPECT_EQ(history.AverageMethod(), AQ_4S100);
+  EXPECT_EQ(history.TimeStampType(), AQ_MIDPT);
+  EXPECT_EQ(history.startTime()->TODseconds(), 36000);
+  EXPECT_EQ(history.ReferenceTime()->TODseconds(), 36000 + static_cast<double>(1.1F));
+  EXPECT_EQ(history.LoRec(), 5);
+  EXPECT_EQ(history.HiRec(), 7);
+  EXPECT_EQ(history.spectrum(6)->SPL(18), Variant(9999.0));
+  EXPECT_EQ(history.spectrum(5)->SPL(19), Variant(-0.25));
+  EXPECT_EQ(history.spectrum(7)->Time()->TODseconds(), 36001.25);
+  EXPECT_EQ(history.spectrum(5)->Time()->RelSeconds(), -0.75);
+}
+
+TEST(DataSTH, WritesTheSameBytesUnderAnyLocale) {
+  struct Commas : std::numpunct<char> {
+    char do_decimal_point() const override { return ','; }
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+  };
+  const std::locale before = std::locale::global(std::locale(std::locale(), new Commas));
+  std::setlocale(LC_ALL, "de_DE.UTF-8");
+  const test::FixedInformation fixed;
+  const test::Folder folder;
+  Read read(kGood);
+  const AQ_DataMessage result =
+      read.file.writeFile(folder.file("three-records.csv"), read.header, *read.history);
+  std::setlocale(LC_ALL, "C");
+  std::locale::global(before);
+  ASSERT_EQ(result, AQ_DATA_OK);
+  EXPECT_EQ(contentOf(folder.file("three-records.csv")), contentOf(kGood));
+}
+
+TEST(DataSTH, WhatAFileDoesNotCarry) {
+  const test::Folder folder;
+  Read read(kGood);
+  read.history->ReferenceType(AQ_AMAX);
+  read.history->spectrum(5)->Time()->RelSeconds(0.1);
+  read.header->cCommentLines->Add("cut ** here");
+  read.header->cCommentLines->Add(" \"quoted\" ");
+  ASSERT_EQ(read.file.writeFile(folder.file("out"), read.header, *read.history), AQ_DATA_OK);
+  EXPECT_EQ(read.header->sFileName, folder.file("out"));
+  const Read again(folder.file("out"));
+  EXPECT_NE(contentOf(folder.file("out")).find("ReferenceTimeType**,AMAX\n"), std::string::npos);
+  EXPECT_EQ(again.header->sFileName, "out");
+  EXPECT_EQ(again.history->ReferenceType(), AQ_START_REF);
+  EXPECT_EQ(again.history->spectrum(5)->Time()->RelSeconds(), static_cast<double>(0.1F));
+  EXPECT_EQ(again.header->cCommentLines->Item(2), "cut");
+  EXPECT_EQ(again.header->cCommentLines->Item(3), "quoted");
+}
+
+TEST(DataSTH, LinesAreTakenByPlaceAndRecordsByNumber) {
+  const test::Folder folder;
+  auto lines = test::linesOf(contentOf(kGood));
+  std::swap(lines[3], lines[4]);
+  std::swap(lines[23], lines[25]);
+  lines[0] = "FileType**, \"Spectral Time-History\"** or so";
+  lines[5] = "AveragingMethod**, 4s95 ";
+  lines[6] = "TimeStampType**,nonsense";
+  lines[11] = "NumberOfSpectrum**,99";
+  lines[13] = "Bands**, 17 ,19, unused";
+  lines.push_back("6,1:2:3, 1e1 ,\" 50.5 \",51,52,53,text");
+  const Read read(folder.with("in", test::textOf(lines)));
+  ASSERT_EQ(read.result, AQ_DATA_OK) << read.file.lastFailure()->message();
+  EXPECT_EQ(read.header->sProjectName, "M1");
+  EXPECT_EQ(read.header->sMicrophoneID, "Flight test 7");
+  EXPECT_EQ(read.history->AverageMethod(), AQ_4S95);
+  EXPECT_EQ(read.history->TimeStampType(), AQ_START);
+  EXPECT_EQ(read.history->Count(), 3);
+  EXPECT_EQ(read.history->spectrum(5)->SPL(17), Variant(65.3));
+  EXPECT_EQ(read.history->spectrum(6)->SPL(17), Variant(50.5));
+  EXPECT_EQ(read.history->spectrum(6)->Time()->RelSeconds(), 10);
+}
+
+struct Bad {
+  const char* name;
+  std::size_t line;
+  std::size_t field;
+  const char* found;
+  bool hasHeader = false;
+};
+
+TEST(DataSTH, BadFilesFailWithTheirPlace) {
+  const Bad rows[] = {{"empty", 1, 0, "an empty file"},
+                      {"title-in-lower-case", 1, 2, "\"spectral time-history\""},
+                      {"title-without-mark", 1, 0, "\"FileType,Spectral Time-History\""},
+                      {"date-not-in-calendar", 3, 2, "\"02/30/2004\""},
+                      {"date-without-time", 3, 3, "the end of the line"},
+                      {"hour-24", 3, 3, "\"24:00:00\""},
+                      {"start-time-one-colon", 9, 2, "\"10:30\""},
+                      {"count-with-fraction", 12, 2, "\"3.0\""},
+                      {"record-number-40000", 13, 3, "\"40000\""},
+                      {"one-band-only", 14, 3, "the end of the line"},
+                      {"no-mark", 15, 0, "\"GeneratedBy\""},
+                      {"cut-in-header", 17, 0, "the end of the file"},
+                      {"huge-count", 18, 2, "\"2000000000\""},
+                      {"more-comments-than-lines", 27, 0, "the end of the file"},
+                      {"bands-to-32000", 24, 7, "the end of the line", true},
+                      {"level-is-text", 25, 5, "\"6x.2\\x01\\xe9\"", true},
+                      {"level-empty", 25, 5, "\"\"", true},
+                      {"level-nan", 24, 4, "\"nan\"", true},
+                      {"line-too-short", 26, 6, "the end of the line", true},
+                      {"blank-line-at-end", 27, 1, "a blank line", true},
+                      {"record-number-empty", 24, 1, "\"\"", true},
+                      {"time-without-colons", 24, 2, "\"100000.25\"", true}};
+  for (const Bad& row : rows) {
+    const std::string path = (kFormat / "bad" / row.name).string() + ".csv";
+    const Read read(path);
+    ASSERT_EQ(read.result, AQ_DATA_FILE_ERROR) << row.name;
+    const FileFailure& failure = *read.file.lastFailure();
+    EXPECT_EQ(failure.file, path);
+    EXPECT_EQ(failure.line, row.line) << failure.message();
+    EXPECT_EQ(failure.field, row.field) << failure.message();
+    EXPECT_EQ(failure.found, row.found) << failure.message();
+    EXPECT_EQ(read.header != nullptr, row.hasHeader) << row.name;
+    EXPECT_EQ(read.history, nullptr) << row.name;
+  }
+  EXPECT_EQ(FileFailure({"landing.csv", 24, 7, "a level", "\"6x.2\""}).message(),
+            "landing.csv, line 24, field 7: expected a level, found \"6x.2\"");
+  EXPECT_EQ(shown(std::string(200, 'a')).size(), 62U);
+}
+
+TEST(DataSTH, WhatCannotBeWrittenLeavesTheDiskAsItWas) {
+  const test::Folder folder;
+  const std::string path = folder.with("out", "before");
+  using Change = void (*)(Read&);
+  const std::pair<ErrorCode, Change> rows[] = {
+      {ErrorCode::InvalidArgument, [](Read& read) { read.history->HiRec(8); }},
+      {ErrorCode::InvalidArgument, [](Read& read) { read.history->spectrum(6)->SPL(25, 1.0); }},
+      {ErrorCode::TypeMismatch, [](Read& read) { read.history->spectrum(6)->SPL(18, "loud"); }},
+      {ErrorCode::InvalidValue,
+       [](Read& read) {
+         read.history->spectrum(6)->SPL(18, std::numeric_limits<double>::infinity());
+       }},
+      {ErrorCode::InvalidValue,
+       [](Read& read) { read.history->spectrum(7)->Time()->TODseconds(-1); }},
+      {ErrorCode::ObjectNotSet, [](Read& read) { read.history->spectrum(6, nullptr); }},
+      {ErrorCode::ObjectNotSet, [](Read& read) { read.header = nullptr; }},
+      {ErrorCode::ObjectNotSet, [](Read& read) { read.header->cCommentLines = nullptr; }},
+      {ErrorCode::InvalidArgument,
+       [](Read& read) { read.history = std::make_shared<AQ_SpectralTimeHistory>(); }}};
+  for (const auto& [code, change] : rows) {
+    Read read(kGood);
+    change(read);
+    try {
+      static_cast<void>(read.file.writeFile(path, read.header, *read.history));
+      ADD_FAILURE() << "written";
+    } catch (const Error& error) {
+      EXPECT_EQ(error.code(), code) << error.what();
+    }
+    EXPECT_EQ(contentOf(path), "before");
+    EXPECT_FALSE(read.file.lastFailure());
+  }
+  Read read(kGood);
+  EXPECT_EQ(read.file.writeFile("/dev/full", read.header, *read.history), AQ_DATA_FILE_ERROR);
+  EXPECT_TRUE(read.file.lastFailure());
+}
+
+TEST(DataSTH, LevelsOfAnyNumberTypeAreWritten) {
+  const test::Folder folder;
+  Read read(kGood);
+  read.history->spectrum(5)->SPL(17, std::int16_t{70});
+  read.history->spectrum(5)->SPL(18, " 71.5");
+  ASSERT_EQ(read.file.writeFile(folder.file("out"), read.header, *read.history), AQ_DATA_OK);
+  EXPECT_NE(contentOf(folder.file("out")).find("\n5,10:00:00.25,-0.75,70.00,71.50,-.25\n"),
+            std::string::npos);
+}
+
+TEST(DataSTH, RawHeader) {
+  const test::Folder folder;
+  const auto lines = test::linesOf(contentOf(kGood));
+  const auto first = [&](std::size_t count) {
+    return folder.with("in",
+                       test::textOf({lines.begin(), lines.begin() + static_cast<long>(count)}));
+  };
+  AQ_DataSTH file;
+  std::shared_ptr<Collection<std::string>> header;
+  ASSERT_TRUE(file.getRawHeader(kGood, header));
+  EXPECT_EQ(header->Count(), 22);
+  EXPECT_EQ(header->Item(14), "Bands**,17, 19");
+  EXPECT_TRUE(file.getRawHeader(first(10), header));
+  EXPECT_EQ(header->Count(), 10);
+  EXPECT_FALSE(file.getRawHeader(first(23), header));
+  EXPECT_EQ(file.lastFailure()->line, 24U);
+  EXPECT_TRUE(file.getRawHeader(first(24), header));
+  EXPECT_FALSE(file.getRawHeader(folder.with("in", "FileType, spectral time-history\n"), header));
+  EXPECT_TRUE(file.getRawHeader(folder.with("in", "any, Spectral Time-History \n"), header));
+  EXPECT_FALSE(file.getRawHeader(first(0), header));
+  EXPECT_FALSE(file.getRawHeader(folder.file("none"), header));
+  EXPECT_EQ(header->Count(), 1);
+}
+
+}  // namespace
+}  // namespace aq

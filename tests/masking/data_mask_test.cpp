@@ -1,0 +1,149 @@
+#include <aq/masking/data_mask.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/errors.h"
+#include "tests/support/files.h"
+
+namespace aq {
+namespace {
+
+using test::contentOf;
+
+const std::filesystem::path kFormat = test::kData / "masking-map";
+const std::string kGood = (kFormat / "good" / "two-rows.csv").string();
+
+struct Read {
+  AQ_DataMask file;
+  std::shared_ptr<AQ_HeaderMask> header;
+  std::shared_ptr<AQ_MaskMap> map;
+  AQ_DataMessage result;
+
+  explicit Read(const std::string& path) : result(file.readFile(path, header, map)) {}
+};
+
+TEST(DataMask, ReadsHeaderAndRows) {
+  const Read read(kGood);
+  ASSERT_EQ(read.result, AQ_DATA_OK);
+  const AQ_HeaderMask& header = *read.header;
+  EXPECT_EQ(header.sFileType, "Masking Map");
+  EXPECT_EQ(header.sFileName, "two-rows.csv");
+  EXPECT_EQ(header.aqFileDateTime->TODstring(), "14:02:37");
+  EXPECT_EQ(header.lNumberRows, 2);
+  EXPECT_EQ(header.iBandLow, 17);
+  EXPECT_EQ(header.iBandHigh, 19);
+  EXPECT_EQ(header.sGeneratedBy, "masker");
+  EXPECT_EQ(header.sGenerationFile, "flight.csv");
+  EXPECT_EQ(header.aqGenerationDateTime->CurrentDate(), 38060);
+  EXPECT_EQ(header.nOtherRecords, 1);
+  EXPECT_EQ(header.cOtherRecords->Item(1), "Criterion 3 dB");
+  EXPECT_EQ(header.nCommentLines, 1);
+  EXPECT_EQ(header.sColumnLabels, "Rec#,B17/50Hz,B18/63Hz,B19/80Hz,B19/80Hz,LGB");
+  EXPECT_EQ(read.map->Count(), 2);
+  EXPECT_EQ(read.map->Row(1)->Mask(18)->AdjustMode(), ENERGY_SUBTRACTION);
+  EXPECT_EQ(read.map->Row(2)->Mask(19)->MaskString(), "FR");
+  EXPECT_EQ(read.map->Row(2)->LGB(), 9999);
+}
+
+TEST(DataMask, WritesTheSameBytes) {
+  const test::FixedInformation fixed;
+  const test::Folder folder;
+  Read read(kGood);
+  read.header->nCommentLines = 7;  // counted afresh
+  read.map->Row(1)->Mask(17)->MaskString("xx");
+  const std::string path = folder.file("two-rows.csv");
+  ASSERT_EQ(read.file.writeFile(path, read.header, *read.map), AQ_DATA_OK);
+  EXPECT_EQ(contentOf(path), contentOf(kGood));
+  EXPECT_EQ(read.header->nCommentLines, 7);
+  EXPECT_EQ(read.header->sFileName, path);
+}
+
+TEST(DataMask, RowOneDecidesTheBands) {
+  const test::Folder folder;
+  AQ_MaskMap map;
+  for (const std::int16_t record : {std::int16_t{1}, std::int16_t{2}}) {
+    map.Row(record, std::make_shared<AQ_MaskRow>());
+    map.Row(record)->Mask(static_cast<std::int16_t>(20 + record))->MaskString("MS");
+    map.Row(record)->Mask(23);
+  }
+  Read read(kGood);
+  ASSERT_EQ(read.file.writeFile(folder.file("out"), read.header, map), AQ_DATA_OK);
+  EXPECT_EQ(read.header->iBandLow, 21);
+  EXPECT_EQ(read.header->lNumberRows, 2);
+  const std::string text = contentOf(folder.file("out"));
+  EXPECT_NE(
+      text.find("\nRec#,B21/125Hz,B22/160Hz,B23/200Hz,B23/200Hz,LGB\n1,MS,--,--,0\n2,MS,--,0\n"),
+      std::string::npos);
+  EXPECT_EQ(Read(folder.file("out")).result, AQ_DATA_FILE_ERROR);  // row 2 is a band short
+}
+
+TEST(DataMask, WhatCannotBeWrittenThrows) {
+  const test::Folder folder;
+  AQ_DataMask file;
+  const auto header = std::make_shared<AQ_HeaderMask>();
+  AQ_MaskMap map;
+  EXPECT_ERROR(file.writeFile(folder.file("out"), header, map), InvalidArgument);  // no row 1
+  map.Row(1, std::make_shared<AQ_MaskRow>());
+  EXPECT_ERROR(file.writeFile(folder.file("out"), header, map), InvalidArgument);  // no band
+  map.Row(1)->Mask(1);
+  EXPECT_ERROR(file.writeFile(folder.file("out"), header, map), InvalidArgument);  // no label
+  map.Row(1, std::make_shared<AQ_MaskRow>());
+  map.Row(1)->Mask(50);
+  map.Row(3, map.Row(1));
+  EXPECT_ERROR(file.writeFile(folder.file("out"), header, map), InvalidArgument);  // no row 2
+  EXPECT_ERROR(file.writeFile(folder.file("out"), nullptr, map), ObjectNotSet);
+  EXPECT_FALSE(std::filesystem::exists(folder.file("out")));
+}
+
+TEST(DataMask, BlanksAroundLettersAndAnyRecordNumbers) {
+  const test::Folder folder;
+  auto lines = test::linesOf(contentOf(kGood));
+  lines[13] = "5, -- ,\"MS\", F-,29";
+  lines[14] = "7,AA,-C,FR, 28 ,more";
+  const Read read(folder.with("in", test::textOf(lines)));
+  ASSERT_EQ(read.result, AQ_DATA_OK);
+  EXPECT_EQ(read.map->Row(5)->Mask(18)->MaskString(), "MS");
+  EXPECT_EQ(read.map->Row(7)->LGB(), 28);
+  EXPECT_ERROR(read.map->Copy(), InvalidArgument);
+}
+
+TEST(DataMask, BadFilesFailWithTheirPlace) {
+  struct Bad {
+    const char* name;
+    std::size_t line, field;
+    const char* found;
+    int rows;  // in the map that is left, -1 for no map and no header
+  };
+  const Bad rows[] = {{"title-of-history", 1, 2, "\"Spectral Time-History\"", -1},
+                      {"rows-beyond-32-bits", 4, 2, "\"2147483648\"", -1},
+                      {"band-is-text", 5, 3, "\" x\"", -1},
+                      {"other-records-negative-text", 9, 2, "\"--1\"", -1},
+                      {"no-column-line", 13, 0, "the end of the file", -1},
+                      {"mask-of-one-letter", 14, 3, "\"M\"", 0},
+                      {"mask-of-three-letters", 15, 4, "\"FRS\"", 1},
+                      {"no-last-good-band", 15, 5, "the end of the line", 1},
+                      {"last-good-band-fraction", 15, 5, "\"28.5\"", 1}};
+  for (const Bad& row : rows) {
+    const Read read((kFormat / "bad" / row.name).string() + ".csv");
+    ASSERT_EQ(read.result, AQ_DATA_FILE_ERROR) << row.name;
+    const FileFailure& failure = *read.file.lastFailure();
+    EXPECT_EQ(failure.line, row.line) << failure.message();
+    EXPECT_EQ(failure.field, row.field) << failure.message();
+    EXPECT_EQ(failure.found, row.found) << failure.message();
+    EXPECT_EQ(read.header != nullptr, row.rows >= 0) << row.name;
+    EXPECT_EQ(read.map ? read.map->Count() : -1, row.rows) << row.name;
+  }
+}
+
+TEST(DataMask, ANegativeCountTakesNoLine) {
+  const test::Folder folder;
+  auto lines = test::linesOf(contentOf(kGood));
+  lines[8] = "OtherRecords**,-4";
+  lines.erase(lines.begin() + 9);
+  const Read read(folder.with("in", test::textOf(lines)));
+  ASSERT_EQ(read.result, AQ_DATA_OK);
+  EXPECT_EQ(read.header->nOtherRecords, -4);
+  EXPECT_EQ(read.header->cOtherRecords->Count(), 0);
+}
+
+}  // namespace
+}  // namespace aq

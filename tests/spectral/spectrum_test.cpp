@@ -1,0 +1,152 @@
+#include <aq/spectral/band.h>
+#include <aq/spectral/metric_summary.h>
+#include <aq/spectral/spectrum.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+
+#include "tests/support/errors.h"
+
+namespace aq {
+namespace {
+
+TEST(Spectrum, RangeOnlyWidens) {
+  AQ_Spectrum spectrum;
+  EXPECT_EQ(spectrum.LowBand(), 9999);
+  EXPECT_EQ(spectrum.HighBand(), -1);
+  EXPECT_TRUE(spectrum.Encompasses(AQ_Spectrum()));
+  spectrum.SPL(20, 60.0);
+  spectrum.SPL(14, 61.0);
+  spectrum.SPL(17, 62.0);
+  spectrum.SPL(17, 63.0);
+  EXPECT_EQ(spectrum.LowBand(), 14);
+  EXPECT_EQ(spectrum.HighBand(), 20);
+  EXPECT_EQ(spectrum.SPL(17), Variant(63.0));
+  EXPECT_ERROR(spectrum.SPL(15), InvalidArgument);
+  EXPECT_ERROR(spectrum.SPL(13), InvalidArgument);
+  EXPECT_ERROR(spectrum.Copy(), InvalidArgument);
+  AQ_Spectrum high;
+  high.SPL(10000, 1.0);
+  EXPECT_EQ(high.LowBand(), 9999);  // the low end starts there
+  EXPECT_ERROR(high.Copy(), InvalidArgument);
+}
+
+TEST(Spectrum, EncompassesByRange) {
+  const auto range = [](std::int16_t low, std::int16_t high) {
+    AQ_Spectrum spectrum;
+    spectrum.SPL(low, 0.0);
+    spectrum.SPL(high, 0.0);
+    return spectrum;
+  };
+  EXPECT_TRUE(range(10, 40).Encompasses(range(12, 30)));
+  EXPECT_FALSE(range(12, 30).Encompasses(range(10, 40)));
+  EXPECT_FALSE(range(10, 40).Encompasses(range(10, 41)));
+  EXPECT_FALSE(range(10, 40).Encompasses(range(9, 40)));
+}
+
+Variant anyLevel(std::mt19937& random) {
+  switch (random() % 8) {
+    case 0: return std::int16_t{9999};
+    case 1: return 123456;
+    case 2: return 65.3F;
+    case 3: return "65.3 dB";
+    case 4: return {};
+    case 5: return true;
+    default: return 65.25;
+  }
+}
+
+TEST(Spectrum, KeepsEachLevelWithItsOwnType) {
+  std::mt19937 random(3);
+  for (int round = 0; round < 300; ++round) {
+    AQ_Spectrum spectrum;
+    std::map<std::int16_t, Variant> plain;
+    for (int step = 0; step < 40; ++step) {
+      const auto band = static_cast<std::int16_t>(static_cast<int>(random() % 30) - 3);
+      const Variant level = round % 3 == 0 ? Variant(65.25) : anyLevel(random);
+      spectrum.SPL(band, level);
+      plain[band] = level;
+    }
+    for (std::int16_t band = -5; band < 30; ++band) {
+      if (plain.contains(band)) {
+        ASSERT_EQ(spectrum.SPL(band), plain[band]);
+      } else {
+        EXPECT_ERROR(spectrum.SPL(band), InvalidArgument);
+      }
+    }
+    const bool isWhole =
+        static_cast<int>(plain.size()) == spectrum.HighBand() - spectrum.LowBand() + 1;
+    if (!isWhole) continue;
+    const auto copy = spectrum.Copy();
+    for (const auto& [band, level] : plain) ASSERT_EQ(copy->SPL(band), level);
+  }
+}
+
+TEST(Spectrum, SharesAndCopiesItsObjects) {
+  AQ_Spectrum spectrum;
+  spectrum.SPL(30, 70.0);
+  spectrum.Level(88);
+  EXPECT_EQ(spectrum.Time(), spectrum.Time());
+  const auto time = std::make_shared<AQ_Time>();
+  spectrum.Time(time);
+  spectrum.Metric()->PNLT(101.5F);
+  const auto copy = spectrum.Copy();
+  time->TODseconds(5);
+  spectrum.Metric()->PNLT(0);
+  spectrum.SPL(30, 0.0);
+  EXPECT_EQ(spectrum.Time()->TODseconds(), 5);
+  EXPECT_EQ(copy->Time()->TODseconds(), 0);
+  EXPECT_EQ(copy->Metric()->PNLT(), 101.5F);
+  EXPECT_EQ(copy->SPL(30), Variant(70.0));
+  EXPECT_EQ(copy->Level(), 88);
+}
+
+TEST(Band, KeysAreNumbers) {
+  AQ_Band band;
+  EXPECT_EQ(band.Copy(), nullptr);
+  band.SPL(1, 60.0);
+  band.SPL("2", 61.0);
+  band.SPL(2.0, 62.0);
+  EXPECT_EQ(band.Count(), 2);
+  EXPECT_EQ(band.SPL(" 2.00"), Variant(62.0));
+  EXPECT_ERROR(band.SPL(3), InvalidArgument);
+  EXPECT_ERROR(band.SPL("first"), TypeMismatch);
+  EXPECT_ERROR(band.Copy(), ObjectNotSet);
+}
+
+TEST(Metric, MissingValuesReadAsZeroAndAreCopiedSo) {
+  AQ_Metric metric;
+  EXPECT_EQ(metric.MetricValue(AQ_METRIC_LGB), Variant(std::int16_t{0}));
+  EXPECT_EQ(metric.PNLT(), 0);
+  metric.AWT("n/a");
+  metric.PNL(101.1F);
+  metric.INTEG(AQ_INTEG_MAX | AQ_INTEG_2ND);
+  metric.MetricValue(AQ_METRIC_OA, 100.1);
+  EXPECT_EQ(metric.OA(), 100.1F);
+  EXPECT_EQ(metric.MetricValue(AQ_METRIC_OA), Variant(100.1F));
+  EXPECT_ERROR(metric.MetricValue(AQ_METRIC_CWT, "loud"), TypeMismatch);
+  const auto copy = metric.Copy();
+  EXPECT_EQ(copy->AWT(), Variant("n/a"));
+  EXPECT_EQ(copy->PNL(), 101.1F);
+  EXPECT_EQ(copy->INTEG() & ~AQ_INTEG_MAX, AQ_INTEG_2ND);
+  EXPECT_EQ(copy->MetricValue(AQ_METRIC_DWT), Variant(0.0F));
+}
+
+TEST(MetricSummary, OrderAndText) {
+  AQ_MetricSummary summary;
+  EXPECT_EQ(summary.MetricTypeString(), "");
+  for (const auto type : {AQ_METRIC_PNLT, AQ_METRIC_AWT, AQ_METRIC_PNLT}) summary.MetricType(type);
+  EXPECT_EQ(summary.MetricTypeString(), "AWT, PNLT");
+  for (const char* name : {"awt", "lgb", "PNLT, OA", "", " OA"}) summary.MetricTypeString(name);
+  EXPECT_EQ(summary.MetricTypeString(), "AWT, PNLT, LGB");
+  summary.MetricType(static_cast<AQ_METRIC_TYPE>(77));
+  EXPECT_EQ(summary.MetricTypeString(), "AWT, PNLT, LGB");
+  EXPECT_EQ(summary.MetricTypes()->Count(), 4);
+  EXPECT_TRUE(summary.isMetric(AQ_METRIC_LGB));
+  EXPECT_FALSE(summary.isMetric(AQ_METRIC_INTEG));
+  EXPECT_EQ(summary.Copy()->MetricTypeString(), "AWT, PNLT, LGB");
+}
+
+}  // namespace
+}  // namespace aq
