@@ -11,6 +11,7 @@
 namespace {
 
 constexpr std::int16_t kRecords = 60;
+constexpr std::int16_t kOverhead = 30;
 constexpr std::int16_t kLow = 17;   // 50 Hz
 constexpr std::int16_t kHigh = 40;  // 10 kHz
 constexpr double kCriterion = 3;    // dB above the ambient
@@ -40,7 +41,7 @@ void fill(aq::AQ_SpectralTimeHistory& history, aq::AQ_MaskMap& map) {
     auto spectrum = std::make_shared<aq::AQ_Spectrum>();
     auto row = std::make_shared<aq::AQ_MaskRow>();
     for (std::int16_t band = kLow; band <= kHigh; ++band) {
-      const double decibels = level(band, (record - kRecords / 2) * 0.5);
+      const double decibels = level(band, (record - kOverhead) * 0.5);
       spectrum->SPL(band, decibels);
       const bool masked = decibels < ambient(band) + kCriterion;
       row->Mask(band)->MaskMode(masked ? aq::MASKED_BY_MASK_CRITERION : aq::NOT_MASKED);

@@ -60,9 +60,9 @@ void AQ_Time::TODseconds(const Variant& seconds) {
 }
 
 void AQ_Time::TODnumbers(const Variant& Hours, const Variant& Minutes, const Variant& Seconds) {
-  const double hours = static_cast<double>(Hours.toSingle());
-  const double minutes = static_cast<double>(Minutes.toSingle());
-  const double seconds = static_cast<double>(Seconds.toSingle());
+  const auto hours = static_cast<double>(Hours.toSingle());
+  const auto minutes = static_cast<double>(Minutes.toSingle());
+  const auto seconds = static_cast<double>(Seconds.toSingle());
   timeOfDay_ = seconds + (hours * 3600 + minutes * 60);
 }
 
@@ -74,7 +74,7 @@ std::string AQ_Time::TODstring() const {
 
 void AQ_Time::appendTODstring(std::string& text) const {
   const auto narrowed = static_cast<float>(timeOfDay_);
-  const double time = static_cast<double>(narrowed);
+  const auto time = static_cast<double>(narrowed);
   if (!(time >= 0 && time < 90000)) {
     throw Error(ErrorCode::InvalidValue, "a time of day without a clock form");
   }

@@ -1,0 +1,32 @@
+# What the scripts share. Source it; it leaves you in the project's folder.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+# install PACKAGE...: installs what is missing of Debian's packages, quietly.
+install() {
+  local missing=()
+  local package
+  for package in "$@"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' ||
+      missing+=("$package")
+  done
+  [ ${#missing[@]} -eq 0 ] && return
+  echo "Installing ${missing[*]}"
+  local root=()
+  [ "$(id -u)" -eq 0 ] || root=(sudo)
+  "${root[@]}" apt-get update -qq
+  "${root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -qq -y --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# quietly COMMAND...: shows what a command prints only when it fails.
+quietly() {
+  local log
+  log=$(mktemp)
+  if ! "$@" >"$log" 2>&1; then
+    cat "$log" >&2
+    rm -f "$log"
+    return 1
+  fi
+  rm -f "$log"
+}
