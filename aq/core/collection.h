@@ -18,10 +18,14 @@ namespace aq {
 template <class T>
 class Collection {
  public:
-  void Add(T value) { slots_.append(std::move(value)); }
+  void Add(T value) {
+    slots_.makeRoom();
+    slots_.append(std::move(value));
+  }
 
   /// Throws `InvalidArgument`, and adds nothing, when the key is taken.
   void Add(T value, std::string_view key) {
+    slots_.makeRoom();
     if (!keys_.emplace(key, slots_.slots()).second) {
       throw Error(ErrorCode::InvalidArgument, "the collection has an entry " + shown(key));
     }
@@ -45,14 +49,13 @@ class Collection {
     const std::size_t slot = slotOf(place);
     const auto key = std::find_if(keys_.begin(), keys_.end(),
                                   [slot](const auto& entry) { return entry.second == slot; });
-    if (key != keys_.end()) keys_.erase(key);
     removeSlot(slot);
+    if (key != keys_.end()) keys_.erase(key);
   }
   void Remove(std::string_view key) {
     const auto entry = entryOf(key);
-    const std::size_t slot = entry->second;
+    removeSlot(entry->second);
     keys_.erase(entry);
-    removeSlot(slot);
   }
 
   [[nodiscard]] auto begin() { return slots_.begin(); }
@@ -90,8 +93,8 @@ class Collection {
   }
 
   void removeSlot(std::size_t slot) {
-    slots_.remove(slot, [this](const std::vector<std::size_t>& newSlots) {
-      for (auto& [key, keySlot] : keys_) keySlot = newSlots[keySlot];
+    slots_.remove(slot, [this](const auto& newSlot) {
+      for (auto& [key, keySlot] : keys_) keySlot = newSlot(keySlot);
     });
   }
 

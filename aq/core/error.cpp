@@ -1,7 +1,5 @@
 #include "aq/core/error.h"
 
-#include <array>
-
 namespace aq {
 namespace {
 
@@ -21,14 +19,16 @@ void appendShown(std::string& text, unsigned char byte) {
 }  // namespace
 
 std::string shown(std::string_view text) {
+  constexpr std::string_view kCut = "...";
   std::string quoted = "\"";
+  std::size_t whole = quoted.size();  // as much as fits in front of the mark of a cut
   for (const char c : text) {
-    if (quoted.size() > kLongestShown) break;
     appendShown(quoted, static_cast<unsigned char>(c));
-  }
-  if (quoted.size() > kLongestShown) {
-    quoted.resize(kLongestShown - 2);
-    quoted += "...";
+    if (quoted.size() <= kLongestShown + 1 - kCut.size()) whole = quoted.size();
+    if (quoted.size() <= kLongestShown + 1) continue;
+    quoted.resize(whole);
+    quoted += kCut;
+    break;
   }
   return quoted + '"';
 }

@@ -24,11 +24,12 @@ class SystemFileInformation : public FileInformation {
 
   std::string fileDateTime(const std::string& path) override {
     const auto changed = platform::lastChanged(path);
-    return changed ? dateTimeText(platform::localTime(*changed)) : currentDateTime();
+    const auto local = changed ? platform::localTime(*changed) : std::nullopt;
+    return local ? dateTimeText(*local) : currentDateTime();
   }
 
   std::string currentDateTime() override {
-    return dateTimeText(platform::localTime(std::time(nullptr)));
+    return dateTimeText(platform::localTime(std::time(nullptr)).value());
   }
 };
 

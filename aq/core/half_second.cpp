@@ -5,11 +5,11 @@ namespace {
 
 float offsetOf(double start, AQ_TimeStampType type) {
   switch (type) {
-    case AQ_START: return static_cast<float>(start - 0.5);
-    case AQ_MIDPT: return static_cast<float>(start - 0.25);
-    case AQ_END: return static_cast<float>(start);
-    case AQ_ICAOSLO: return static_cast<float>(start - 0.75);
-    case AQ_OLDSLO: return static_cast<float>(start - 1);
+    case AQ_START: return Variant(start - 0.5).toSingle();
+    case AQ_MIDPT: return Variant(start - 0.25).toSingle();
+    case AQ_END: return Variant(start).toSingle();
+    case AQ_ICAOSLO: return Variant(start - 0.75).toSingle();
+    case AQ_OLDSLO: return Variant(start - 1).toSingle();
   }
   return 0;  // an unknown type counts from midnight
 }

@@ -3,47 +3,36 @@
 namespace aq {
 
 std::optional<std::size_t> NumberIndex::find(std::int32_t number) const {
-  if (isRun_) {
-    const std::int64_t slot = std::int64_t{number} - first_;
-    if (slot < 0 || slot >= static_cast<std::int64_t>(length_)) return std::nullopt;
-    return static_cast<std::size_t>(slot);
+  if (isRun()) {
+    if (number < first_ || number >= afterRun()) return std::nullopt;
+    return static_cast<std::size_t>(std::int64_t{number} - first_);
   }
   const auto entry = table_.find(number);
   if (entry == table_.end()) return std::nullopt;
   return entry->second;
 }
 
-void NumberIndex::insert(std::int32_t number, std::size_t slot) {
-  if (isRun_ && length_ == 0) first_ = number;
-  if (isRun_ && slot == length_ &&
-      std::int64_t{number} == first_ + static_cast<std::int64_t>(length_)) {
-    ++length_;
+void NumberIndex::makeRoom(std::int32_t number) {
+  if (isRun()) {
+    const bool isLast = length_.value != 0 && number == afterRun() - 1;
+    if (isLast || length_.value == 0 || number == afterRun()) return;
+    std::unordered_map<std::int32_t, std::size_t> table;
+    table.reserve(length_.value + 1);
+    for (std::size_t slot = 0; slot < length_.value; ++slot) {
+      table.emplace(static_cast<std::int32_t>(first_ + static_cast<std::int64_t>(slot)), slot);
+    }
+    table_ = std::move(table);
+  }
+  table_.try_emplace(number);
+}
+
+void NumberIndex::set(std::int32_t number, std::size_t slot) {
+  if (!isRun()) {
+    table_.find(number)->second = slot;
     return;
   }
-  endRun();
-  table_.emplace(number, slot);
-}
-
-void NumberIndex::erase(std::int32_t number) {
-  if (isRun_ && std::int64_t{number} - first_ + 1 == static_cast<std::int64_t>(length_)) {
-    --length_;
-    return;
-  }
-  endRun();
-  table_.erase(number);
-}
-
-void NumberIndex::renumber(const std::vector<std::size_t>& newSlots) {
-  for (auto& [number, slot] : table_) slot = newSlots[slot];
-}
-
-void NumberIndex::endRun() {
-  if (!isRun_) return;
-  table_.reserve(length_ + 1);
-  for (std::size_t slot = 0; slot < length_; ++slot) {
-    table_.emplace(static_cast<std::int32_t>(first_ + static_cast<std::int64_t>(slot)), slot);
-  }
-  isRun_ = false;
+  if (length_.value == 0) first_ = number;
+  length_.value = slot + 1;
 }
 
 }  // namespace aq

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <optional>
 #include <unordered_map>
-#include <vector>
 
 #include "aq/core/export.h"
+#include "aq/core/removed_slots.h"
 
 namespace aq {
 
@@ -16,22 +16,28 @@ class AQ_API NumberIndex {
  public:
   [[nodiscard]] std::optional<std::size_t> find(std::int32_t number) const;
 
-  /// `number` is not in the index.
-  void insert(std::int32_t number, std::size_t slot);
+  /// Makes room for a number, so that `set` cannot fail. Nothing else may happen in between but
+  /// `renumber`.
+  void makeRoom(std::int32_t number);
 
-  /// `number` is in the index.
-  void erase(std::int32_t number);
+  /// The number now stands in `slot`, the last one.
+  void set(std::int32_t number, std::size_t slot);
 
-  /// Slots were closed up: `newSlots` gives the new slot of every old one.
-  void renumber(const std::vector<std::size_t>& newSlots);
+  /// Slots were closed up: `newSlot` gives the new slot of an old one.
+  template <class NewSlot>
+  void renumber(const NewSlot& newSlot) {
+    for (auto& [number, slot] : table_) slot = newSlot(slot);
+  }
 
  private:
-  void endRun();
+  [[nodiscard]] bool isRun() const { return table_.empty(); }
+  [[nodiscard]] std::int64_t afterRun() const {
+    return first_ + static_cast<std::int64_t>(length_.value);
+  }
 
-  bool isRun_ = true;
   std::int32_t first_ = 0;  // of the run; its numbers stand in slots 0, 1, 2 …
-  std::size_t length_ = 0;  // of the run
-  std::unordered_map<std::int32_t, std::size_t> table_;
+  Counter length_;          // of the run
+  std::unordered_map<std::int32_t, std::size_t> table_;  // in place of a run
 };
 
 }  // namespace aq

@@ -95,7 +95,7 @@ std::int64_t magnitude(const Decimal& number) {
   if (mark != number.end) {
     const char* const power = mark[1] == '+' ? mark + 2 : mark + 1;
     const auto read = std::from_chars(power, number.end, exponent);
-    if (read.ec != std::errc() || std::abs(exponent) > kHuge) {
+    if (read.ec != std::errc() || exponent < -kHuge || exponent > kHuge) {
       exponent = *power == '-' ? -kHuge : kHuge;
     }
   }

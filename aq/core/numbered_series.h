@@ -19,12 +19,12 @@ class NumberedSeries {
   using Object = std::shared_ptr<T>;
 
   void store(std::int32_t number, Object object) {
-    if (const auto slot = index_.find(number)) {
-      index_.erase(number);
-      slots_.remove(*slot, [this](const auto& newSlots) { index_.renumber(newSlots); });
-    }
+    const auto slot = index_.find(number);
+    slots_.makeRoom();
+    index_.makeRoom(number);
+    if (slot) slots_.remove(*slot, [this](const auto& newSlot) { index_.renumber(newSlot); });
     slots_.append(std::move(object));
-    index_.insert(number, slots_.slots() - 1);
+    index_.set(number, slots_.slots() - 1);
   }
 
   /// The object under `number`; none throws `InvalidArgument`.

@@ -55,22 +55,31 @@ class OrderedSlots {
   [[nodiscard]] const T& at(std::size_t slot) const { return values_[slot]; }
   [[nodiscard]] std::size_t slotOf(std::size_t place) const { return removed_.slotOf(place); }
 
+  /// Makes room for one more value, so that `append` cannot fail.
+  void makeRoom() {
+    if (values_.size() == values_.capacity()) values_.reserve(values_.size() * 2 + 1);
+    removed_.makeRoom();
+  }
+
+  /// Room was made.
   void append(T value) {
     values_.push_back(std::move(value));
     removed_.grow();
   }
 
-  /// Removes the value in `slot`; calls `renumbered(newSlots)`, the new slot of every old one,
-  /// when the unused slots were closed up.
-  template <class Renumbered>
-  void remove(std::size_t slot, const Renumbered& renumbered) {
+  /// Removes the value in `slot`; calls `renumber(newSlot)`, which gives the new slot of an old
+  /// one, when the unused slots are closed up. A failure changes nothing.
+  template <class Renumber>
+  void remove(std::size_t slot, const Renumber& renumber) {
     if (removed_.count() == 0 && slot + 1 == values_.size()) {
       values_.pop_back();
       return;
     }
     removed_.add(slot, values_.size());
     values_[slot] = T();
-    if (removed_.count() > size()) renumbered(closeUp());
+    if (removed_.count() <= size()) return;
+    renumber([this](std::size_t old) { return removed_.placeOf(old); });
+    closeUp();
   }
 
   [[nodiscard]] iterator begin() { return {this, 0}; }
@@ -79,18 +88,15 @@ class OrderedSlots {
   [[nodiscard]] const_iterator end() const { return {this, values_.size()}; }
 
  private:
-  std::vector<std::size_t> closeUp() {
-    std::vector<std::size_t> newSlots(values_.size());
+  void closeUp() {
     std::size_t used = 0;
     for (std::size_t slot = 0; slot < values_.size(); ++slot) {
-      newSlots[slot] = used;
       if (removed_.contains(slot)) continue;
       if (used != slot) values_[used] = std::move(values_[slot]);
       ++used;
     }
-    values_.resize(used);
+    values_.erase(values_.begin() + static_cast<std::ptrdiff_t>(used), values_.end());
     removed_.clear();
-    return newSlots;
   }
 
   std::vector<T> values_;

@@ -80,9 +80,10 @@ std::optional<std::time_t> lastChanged(const std::string& path) {
 
 std::string fileName(const std::string& path) { return path.substr(path.find_last_of('/') + 1); }
 
-std::tm localTime(std::time_t at) {
+std::optional<std::tm> localTime(std::time_t at) {
   std::tm local{};
-  ::localtime_r(&at, &local);
+  if (::localtime_r(&at, &local) == nullptr) return std::nullopt;
+  if (local.tm_year < 1 - 1900 || local.tm_year > 9999 - 1900) return std::nullopt;
   return local;
 }
 

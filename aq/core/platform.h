@@ -56,6 +56,7 @@ AQ_API void appendToFile(const std::string& path, std::string_view bytes);
 /// `path` without its folders.
 [[nodiscard]] AQ_API std::string fileName(const std::string& path);
 
-[[nodiscard]] AQ_API std::tm localTime(std::time_t at);
+/// Nothing outside the years 1 to 9999.
+[[nodiscard]] AQ_API std::optional<std::tm> localTime(std::time_t at);
 
 }  // namespace aq::platform

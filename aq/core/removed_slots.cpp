@@ -18,14 +18,22 @@ void RemovedSlots::start(std::size_t slots) {
 }
 
 void RemovedSlots::add(std::size_t slot, std::size_t slots) {
-  if (count_ == 0) start(slots);
-  ++count_;
+  if (count() == 0) start(slots);
+  ++count_.value;
   removed_[slot] = true;
   for (std::size_t i = slot + 1; i < inUse_.size(); i += lowestBit(i)) --inUse_[i];
 }
 
+void RemovedSlots::makeRoom() {
+  if (count() == 0) return;
+  removed_.push_back(false);
+  removed_.pop_back();
+  inUse_.push_back(0);
+  inUse_.pop_back();
+}
+
 void RemovedSlots::grow() {
-  if (count_ == 0) return;
+  if (count() == 0) return;
   const std::size_t i = inUse_.size();
   std::size_t used = 1;
   for (std::size_t part = 1; part < lowestBit(i); part *= 2) used += inUse_[i - part];
@@ -34,7 +42,7 @@ void RemovedSlots::grow() {
 }
 
 std::size_t RemovedSlots::slotOf(std::size_t place) const {
-  if (count_ == 0) return place;
+  if (count() == 0) return place;
   std::size_t slot = 0;
   for (std::size_t step = std::bit_floor(inUse_.size() - 1); step != 0; step /= 2) {
     if (slot + step < inUse_.size() && inUse_[slot + step] <= place) {
@@ -45,8 +53,15 @@ std::size_t RemovedSlots::slotOf(std::size_t place) const {
   return slot;
 }
 
+std::size_t RemovedSlots::placeOf(std::size_t slot) const {
+  if (count() == 0) return slot;
+  std::size_t place = 0;
+  for (std::size_t i = slot; i != 0; i -= lowestBit(i)) place += inUse_[i];
+  return place;
+}
+
 void RemovedSlots::clear() {
-  count_ = 0;
+  count_.value = 0;
   removed_.clear();
   inUse_.clear();
 }

@@ -1,21 +1,40 @@
 #pragma once
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 #include "aq/core/export.h"
 
 namespace aq {
 
+/// A number that is 0 again once it was moved from.
+struct Counter {
+  std::size_t value = 0;
+
+  Counter() = default;
+  Counter(const Counter&) = default;
+  Counter(Counter&& other) noexcept : value(std::exchange(other.value, 0)) {}
+  Counter& operator=(const Counter&) = default;
+  Counter& operator=(Counter&& other) noexcept {
+    value = std::exchange(other.value, 0);
+    return *this;
+  }
+  ~Counter() = default;
+};
+
 /// Which slots of a list are removed but not yet closed up. Finds the slot of a place, that is
 /// the n-th slot still in use, in logarithmic time.
 class AQ_API RemovedSlots {
  public:
-  [[nodiscard]] std::size_t count() const { return count_; }
-  [[nodiscard]] bool contains(std::size_t slot) const { return count_ != 0 && removed_[slot]; }
+  [[nodiscard]] std::size_t count() const { return count_.value; }
+  [[nodiscard]] bool contains(std::size_t slot) const { return count() != 0 && removed_[slot]; }
 
-  /// Removes one of `slots` slots. The slot is in use.
+  /// Removes one of `slots` slots. The slot is in use. A failure changes nothing.
   void add(std::size_t slot, std::size_t slots);
+
+  /// Makes room for one more slot, so that `grow` cannot fail.
+  void makeRoom();
 
   /// A slot in use was appended to the list.
   void grow();
@@ -23,12 +42,15 @@ class AQ_API RemovedSlots {
   /// The slot of a zero-based place below the number of slots in use.
   [[nodiscard]] std::size_t slotOf(std::size_t place) const;
 
+  /// How many slots in use stand before `slot`.
+  [[nodiscard]] std::size_t placeOf(std::size_t slot) const;
+
   void clear();
 
  private:
   void start(std::size_t slots);
 
-  std::size_t count_ = 0;
+  Counter count_;
   std::vector<bool> removed_;
   // A binary indexed tree: entry i, one-based, counts the slots in use among the last
   // (lowest set bit of i) slots up to i. Empty while nothing is removed.

@@ -14,6 +14,11 @@ constexpr std::int32_t kSecondsPerDay = 86400;
 /// `number`, and an `Overflow` when single precision cannot hold it.
 float single(double number) { return Variant(number).toSingle(); }
 
+void requireFinite(double seconds) {
+  if (std::isfinite(seconds)) return;
+  throw Error(ErrorCode::InvalidValue, "a time of day that is no finite number");
+}
+
 bool containsLetters(std::string_view text, std::string_view capitals) {
   const auto same = [](char a, char capital) { return a == capital || a == capital + ('a' - 'A'); };
   return std::search(text.begin(), text.end(), capitals.begin(), capitals.end(), same) !=
@@ -48,9 +53,7 @@ void AQ_Time::setRelTime(const AQ_Time& reference) {
 
 void AQ_Time::TODseconds(const Variant& seconds) {
   double value = seconds.toDouble();
-  if (!std::isfinite(value)) {
-    throw Error(ErrorCode::InvalidValue, "a time of day that is no finite number");
-  }
+  requireFinite(value);
   if (value > kSecondsPerDay) {
     const double whole = std::floor(value);
     value = std::fmod(whole, kSecondsPerDay) + (value - whole);
@@ -63,7 +66,9 @@ void AQ_Time::TODnumbers(const Variant& Hours, const Variant& Minutes, const Var
   const auto hours = static_cast<double>(Hours.toSingle());
   const auto minutes = static_cast<double>(Minutes.toSingle());
   const auto seconds = static_cast<double>(Seconds.toSingle());
-  timeOfDay_ = seconds + (hours * 3600 + minutes * 60);
+  const double value = seconds + (hours * 3600 + minutes * 60);
+  requireFinite(value);
+  timeOfDay_ = value;
 }
 
 std::string AQ_Time::TODstring() const {
@@ -73,9 +78,11 @@ std::string AQ_Time::TODstring() const {
 }
 
 void AQ_Time::appendTODstring(std::string& text) const {
-  const auto narrowed = static_cast<float>(timeOfDay_);
+  constexpr double kEnd = 90000;  // hours count up to 24
+  const bool near = std::abs(timeOfDay_) <= kEnd;
+  const auto narrowed = static_cast<float>(near ? timeOfDay_ : kEnd);
   const auto time = static_cast<double>(narrowed);
-  if (!(time >= 0 && time < 90000)) {
+  if (!(time >= 0 && time < kEnd)) {
     throw Error(ErrorCode::InvalidValue, "a time of day without a clock form");
   }
   const int second = static_cast<int>(time);

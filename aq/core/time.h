@@ -34,7 +34,7 @@ class AQ_API AQ_Time {
   void TODseconds(const Variant& seconds);
 
   /// Sets the time of day from three numbers, each narrowed to single precision first; neither
-  /// range nor date is looked at.
+  /// range nor date is looked at. Throws as `TODseconds`, and `Overflow` beyond single precision.
   void TODnumbers(const Variant& Hours, const Variant& Minutes, const Variant& Seconds);
 
   /// The time of day as text: `hh:mm:ss`, then the fraction in at most 7 significant digits of

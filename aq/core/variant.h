@@ -17,6 +17,12 @@
 
 namespace aq {
 
+/// An integer type for numbers, rather than for truth or characters.
+template <class I>
+concept Number = std::integral<I> && !std::same_as<I, bool> && !std::same_as<I, char> &&
+                 !std::same_as<I, wchar_t> && !std::same_as<I, char8_t> &&
+                 !std::same_as<I, char16_t> && !std::same_as<I, char32_t>;
+
 /// One value of any of the types that a level, a count or a relative time may have. It keeps the
 /// type it was given. An empty variant is no number and no text: converting it throws.
 class AQ_API Variant {
@@ -36,10 +42,11 @@ class AQ_API Variant {
   template <std::same_as<bool> B>
   Variant(B value) : value_(value) {}
 
-  /// Other integers: the narrowest of the two integer types that holds them, a double beyond.
-  template <std::integral I>
-  requires(!std::same_as<I, bool> && !std::same_as<I, char>) Variant(I value)
-      : value_(narrowed(value)) {}
+  Variant(long double value) : value_(static_cast<double>(value)) {}
+
+  /// Other integers: 16 bits from one byte, 32 bits from more where the value fits, else a double.
+  template <Number I>
+  Variant(I value) : value_(narrowed(value)) {}
 
   template <class E>
   requires std::is_enum_v<E> Variant(E value) : value_(static_cast<std::int32_t>(value)) {}
@@ -65,7 +72,8 @@ class AQ_API Variant {
   /// Text may also be "true" or "false", in any case.
   [[nodiscard]] bool toBoolean() const;
 
-  /// The default text of a number, "True" or "False", `mm/dd/yyyy hh:mm:ss` of a date.
+  /// The default text of a number, "True" or "False", `mm/dd/yyyy hh:mm:ss` of a date. Throws
+  /// `InvalidValue` for a number that is not finite.
   [[nodiscard]] std::string toString() const;
 
   /// The held object. Throws `ObjectNotSet` when there is none of this type.
@@ -94,7 +102,7 @@ class AQ_API Variant {
   using Value = std::variant<std::monostate, std::int16_t, std::int32_t, float, double, bool,
                              std::string, Date, Object>;
 
-  template <std::integral I>
+  template <Number I>
   static Value narrowed(I value) {
     if constexpr (sizeof(I) == 1 || std::same_as<I, std::int16_t>) {
       return static_cast<std::int16_t>(value);

@@ -34,7 +34,7 @@ class AQ_API AQ_MaskRow {
     return bands_.encompasses(spectrum);
   }
 
-  /// The last good band: 0 when no band from 29 up is masked, 9999 when there is no good band.
+  /// The last good band: 0 when no band from 29 up is masked, 9999 when bands 28 and 29 both are.
   [[nodiscard]] std::int16_t LGB() const { return lastGoodBand_; }
   void LGB(std::int16_t band) { lastGoodBand_ = band; }
 

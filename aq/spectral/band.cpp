@@ -7,7 +7,10 @@
 namespace aq {
 namespace {
 
-std::string keyOf(const Variant& number) { return numberText(number.toDouble()); }
+std::string keyOf(const Variant& number) {
+  const bool isSingle = number.type() == Variant::Type::Single;
+  return isSingle ? numberText(number.toSingle()) : numberText(number.toDouble());
+}
 
 }  // namespace
 

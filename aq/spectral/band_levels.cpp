@@ -36,14 +36,17 @@ bool BandLevels::contains(std::int16_t band) const {
 void BandLevels::store(std::int16_t band, const Variant& level) {
   const Kind kind = kindOf(level);
   if (!staysPlain(band, kind)) startMixed();
-  numbers_.touch(band) = kind == Kind::Other ? 0 : level.toDouble();
-  if (!mixed_) return;
-  mixed_->kinds.touch(band) = kind;
+  // What may lack memory comes first, so that a failure leaves the old level.
+  if (mixed_) static_cast<void>(mixed_->kinds.touch(band));
+  double& number = numbers_.touch(band);
   if (kind == Kind::Other) {
     mixed_->others.insert_or_assign(band, level);
   } else {
-    mixed_->others.erase(band);
+    number = level.toDouble();
   }
+  if (!mixed_) return;
+  mixed_->kinds.touch(band) = kind;
+  if (kind != Kind::Other) mixed_->others.erase(band);
 }
 
 void BandLevels::assign(std::int16_t low, std::span<const double> levels) {

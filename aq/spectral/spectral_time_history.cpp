@@ -4,6 +4,7 @@
 #include <array>
 
 #include "aq/core/half_second.h"
+#include "aq/core/required.h"
 #include "aq/masking/last_good_band.h"
 
 namespace aq {
@@ -85,7 +86,9 @@ std::shared_ptr<AQ_SpectralTimeHistory> AQ_SpectralTimeHistory::withoutSpectra()
 
 std::shared_ptr<AQ_SpectralTimeHistory> AQ_SpectralTimeHistory::Resize(std::int16_t LoRec,
                                                                        std::int16_t HiRec) {
-  if (LoRec < this->LoRec() || HiRec > this->HiRec()) return nullptr;
+  const std::int16_t low = this->LoRec();  // both are read, as each may fill itself in
+  const std::int16_t high = this->HiRec();
+  if (LoRec < low || HiRec > high) return nullptr;
   auto history = withoutSpectra();
   forEach(LoRec, HiRec, [&](std::int16_t record) { history->spectrum(record, spectrum(record)); });
   return history;
@@ -93,8 +96,9 @@ std::shared_ptr<AQ_SpectralTimeHistory> AQ_SpectralTimeHistory::Resize(std::int1
 
 std::shared_ptr<AQ_SpectralTimeHistory> AQ_SpectralTimeHistory::Copy() {
   auto history = withoutSpectra();
-  forEach(LoRec(), HiRec(),
-          [&](std::int16_t record) { history->spectrum(record, spectrum(record)->Copy()); });
+  forEach(LoRec(), HiRec(), [&](std::int16_t record) {
+    history->spectrum(record, required(spectrum(record)).Copy());
+  });
   history->Metrics(Metrics()->Copy());
   return history;
 }
@@ -125,7 +129,7 @@ bool AQ_SpectralTimeHistory::EncompassesMask(const AQ_MaskMap& MapMask) const {
   const std::int16_t count = Count();
   if (count != MapMask.Count()) return false;
   for (std::int16_t record = 1; record <= count; ++record) {
-    if (!spectrum(record)->Encompasses(*MapMask.Row(record))) return false;
+    if (!required(spectrum(record)).Encompasses(required(MapMask.Row(record)))) return false;
     if (record == count) break;  // the count may be the last 16-bit number
   }
   return true;
@@ -133,9 +137,9 @@ bool AQ_SpectralTimeHistory::EncompassesMask(const AQ_MaskMap& MapMask) const {
 
 void AQ_SpectralTimeHistory::setLGB(const AQ_MaskMap& MapMask) {
   forEach(1, MapMask.Count(), [&](std::int16_t record) {
-    const auto metric = spectrum(record)->Metric();
+    const auto metric = required(spectrum(record)).Metric();
     metric->LGB(0);
-    metric->LGB(static_cast<float>(lastGoodBand(*MapMask.Row(record))));
+    metric->LGB(static_cast<float>(lastGoodBand(required(MapMask.Row(record)))));
   });
 }
 
@@ -147,7 +151,7 @@ void AQ_SpectralTimeHistory::setTimeStamps(const AQ_Time& startTime, AQ_TimeStam
   referenceType_ = RefType;
   const HalfSecondStamps stamps(*this->startTime(), StartTimeType);
   forEach(records_.low, records_.high,
-          [&](std::int16_t record) { stamps.stamp(record, *spectrum(record)->Time()); });
+          [&](std::int16_t record) { stamps.stamp(record, *required(spectrum(record)).Time()); });
   relateRecords(RefTime);
 }
 
@@ -162,7 +166,7 @@ std::shared_ptr<AQ_Band> AQ_SpectralTimeHistory::Band(std::int16_t nBand) const 
   auto band = std::make_shared<AQ_Band>();
   try {
     forEach(records_.low, records_.high,
-            [&](std::int16_t record) { band->SPL(record, spectrum(record)->SPL(nBand)); });
+            [&](std::int16_t record) { band->SPL(record, required(spectrum(record)).SPL(nBand)); });
   } catch (const Error&) {
     return nullptr;
   }
@@ -172,8 +176,9 @@ std::shared_ptr<AQ_Band> AQ_SpectralTimeHistory::Band(std::int16_t nBand) const 
 void AQ_SpectralTimeHistory::Band(std::int16_t nBand, const AQ_Band& aqBand) {
   if (spectra_.size() == 0) return;
   try {
-    forEach(records_.low, records_.high,
-            [&](std::int16_t record) { spectrum(record)->SPL(nBand, aqBand.SPL(record)); });
+    forEach(records_.low, records_.high, [&](std::int16_t record) {
+      required(spectrum(record)).SPL(nBand, aqBand.SPL(record));
+    });
   } catch (const Error&) {
     return;  // the records before keep their new levels: hosts rely on it
   }
@@ -181,14 +186,15 @@ void AQ_SpectralTimeHistory::Band(std::int16_t nBand, const AQ_Band& aqBand) {
 
 void AQ_SpectralTimeHistory::setRelTimes(const std::shared_ptr<AQ_Time>& ReferenceTime,
                                          AQ_RefTimeType RefType) {
+  const AQ_Time& reference = required(ReferenceTime);
   referenceTime_ = ReferenceTime;
   referenceType_ = RefType;
-  relateRecords(*ReferenceTime);
+  relateRecords(reference);
 }
 
 void AQ_SpectralTimeHistory::relateRecords(const AQ_Time& reference) {
   forEach(records_.low, records_.high,
-          [&](std::int16_t record) { spectrum(record)->Time()->setRelTime(reference); });
+          [&](std::int16_t record) { required(spectrum(record)).Time()->setRelTime(reference); });
 }
 
 std::int16_t AQ_SpectralTimeHistory::HiRec() {

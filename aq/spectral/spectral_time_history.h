@@ -86,7 +86,9 @@ class AQ_API AQ_SpectralTimeHistory {
   /// Stores the levels of a band in all records. Stops without an error at the first record that is
   /// missing or for which `aqBand` has no level; records before it keep their new levels.
   void Band(std::int16_t nBand, const AQ_Band& aqBand);
-  void Band(std::int16_t nBand, const std::shared_ptr<AQ_Band>& aqBand) { Band(nBand, *aqBand); }
+  void Band(std::int16_t nBand, const std::shared_ptr<AQ_Band>& aqBand) {
+    if (aqBand) Band(nBand, *aqBand);
+  }
 
   /// Shares `ReferenceTime` and makes every record relative to it. Throws as `setTimeStamps`.
   void setRelTimes(const std::shared_ptr<AQ_Time>& ReferenceTime, AQ_RefTimeType RefType);

@@ -14,6 +14,7 @@ namespace {
 TEST(Collection, BehavesAsAPlainListUnderRandomSteps) {
   std::mt19937 random(7);
   Collection<int> tested;
+  Collection<int> movedFrom;
   std::vector<std::pair<std::string, int>> plain;
   const auto find = [&plain](const std::string& key) {
     return std::find_if(plain.begin(), plain.end(), [&](const auto& e) { return e.first == key; });
@@ -46,6 +47,12 @@ TEST(Collection, BehavesAsAPlainListUnderRandomSteps) {
         }
         break;
       default: tested.Add(step); plain.emplace_back("", step);
+    }
+    if (step % 100 == 0) {
+      movedFrom = std::move(tested);
+      ASSERT_EQ(tested.Count(), 0);  // NOLINT(bugprone-use-after-move): empty, as promised
+      tested.Add(1, "a");
+      tested = movedFrom;
     }
     ASSERT_EQ(tested.Count(), static_cast<std::int32_t>(plain.size()));
     ASSERT_TRUE(std::equal(tested.begin(), tested.end(), plain.begin(), plain.end(),

@@ -2,6 +2,8 @@
 #include <aq/core/time.h>
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "tests/support/errors.h"
 
 namespace aq {
@@ -77,6 +79,8 @@ TEST(Time, NumbersPassThroughSinglePrecision) {
   EXPECT_EQ(time.TODseconds(), 3720 + static_cast<double>(12.345F));
   EXPECT_ERROR(time.TODnumbers(5, "x", 0), TypeMismatch);
   EXPECT_EQ(time.TODseconds(), 3720 + static_cast<double>(12.345F));
+  EXPECT_ERROR(time.TODnumbers(5, std::numeric_limits<double>::infinity(), 0), InvalidValue);
+  EXPECT_ERROR(time.TODnumbers(1e39, 0, 0), Overflow);
   EXPECT_ERROR(time.TODseconds("noon"), TypeMismatch);
   EXPECT_ERROR(time.RelSeconds(Variant()), TypeMismatch);
 }

@@ -142,6 +142,24 @@ TEST(History, BandsAcrossRecords) {
   EXPECT_EQ(made->spectrum(4)->SPL(21), Variant(64.5));
 }
 
+TEST(History, AMissingObjectIsAnErrorAndNoCrash) {
+  const auto made = history(1, 2);
+  made->spectrum(1, nullptr);
+  AQ_MaskMap map;
+  map.Row(1, nullptr);
+  EXPECT_ERROR(made->Copy(), ObjectNotSet);
+  EXPECT_ERROR(made->setLGB(map), ObjectNotSet);
+  EXPECT_ERROR(made->setTimeStamps(at(1), AQ_END, at(1), AQ_HACK), ObjectNotSet);
+  EXPECT_ERROR(made->setRelTimes(nullptr, AQ_HACK), ObjectNotSet);
+  EXPECT_ERROR(map.Copy(), ObjectNotSet);
+  EXPECT_ERROR(map.setLGB(), ObjectNotSet);
+  EXPECT_EQ(made->Band(20), nullptr);
+  made->Band(20, std::make_shared<AQ_Band>());
+  made->Band(20, nullptr);
+  map.Row(2, std::make_shared<AQ_MaskRow>());
+  EXPECT_ERROR(made->EncompassesMask(map), ObjectNotSet);
+}
+
 TEST(History, ReplacingARecordKeepsTheCount) {
   const auto made = history(1, 3);
   const auto other = std::make_shared<AQ_Spectrum>();
