@@ -33,8 +33,8 @@ class Collection {
   }
 
   /// The entry at a place from 1 to `Count()`. Throws `InvalidIndex` elsewhere.
-  [[nodiscard]] T& Item(std::int32_t place) { return slots_.at(slotOf(place)); }
-  [[nodiscard]] const T& Item(std::int32_t place) const { return slots_.at(slotOf(place)); }
+  [[nodiscard]] T& Item(std::int32_t place) { return slots_.at(slots_.slotOf(place)); }
+  [[nodiscard]] const T& Item(std::int32_t place) const { return slots_.at(slots_.slotOf(place)); }
 
   /// The entry with that key. Throws `InvalidArgument` when there is none.
   [[nodiscard]] T& Item(std::string_view key) { return slots_.at(entryOf(key)->second); }
@@ -46,7 +46,7 @@ class Collection {
 
   /// Throws as `Item` does.
   void Remove(std::int32_t place) {
-    const std::size_t slot = slotOf(place);
+    const std::size_t slot = slots_.slotOf(place);
     const auto key = std::find_if(keys_.begin(), keys_.end(),
                                   [slot](const auto& entry) { return entry.second == slot; });
     removeSlot(slot);
@@ -75,14 +75,6 @@ class Collection {
     }
   };
   using Keys = std::unordered_map<std::string, std::size_t, Hash, std::equal_to<>>;
-
-  [[nodiscard]] std::size_t slotOf(std::int32_t place) const {
-    if (place < 1 || place > Count()) {
-      throw Error(ErrorCode::InvalidIndex, "place " + std::to_string(place) +
-                                               " of a collection of " + std::to_string(Count()));
-    }
-    return slots_.slotOf(static_cast<std::size_t>(place) - 1);
-  }
 
   [[nodiscard]] auto entryOf(std::string_view key) const {
     const auto entry = keys_.find(key);

@@ -92,6 +92,15 @@ std::string clockTimeFrom(std::string_view text) {
   return clock;
 }
 
+std::string twelveHourText(std::string_view clockTime) {
+  const int hours = int16From(clockTime.substr(0, 2));
+  const int onDial = (hours + 11) % 12 + 1;
+  std::string text;
+  appendPadded(text, onDial, 2);
+  text += clockTime.substr(2);
+  return text + (hours < 12 ? " AM" : " PM");
+}
+
 double dayWithWindowedYear(double date) {
   const year_month_day at = calendarDay(date);
   const int inCentury = static_cast<int>(at.year()) % 100;

@@ -21,6 +21,9 @@ namespace aq {
 /// Throws `TypeMismatch` for what is no time.
 [[nodiscard]] AQ_API std::string clockTimeFrom(std::string_view text);
 
+/// A clock time `hh:mm:ss` on the twelve-hour clock, as in "12:30:00 PM".
+[[nodiscard]] AQ_API std::string twelveHourText(std::string_view clockTime);
+
 /// The calendar day of `date`, its century derived again from the two-digit year: 30 to 99 are
 /// 1930 to 1999, 00 to 29 are 2000 to 2029. Throws `Overflow` outside the years 1 to 9999.
 [[nodiscard]] AQ_API double dayWithWindowedYear(double date);

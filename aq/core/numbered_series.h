@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "aq/core/count.h"
 #include "aq/core/error.h"
 #include "aq/core/number_index.h"
 #include "aq/core/ordered_slots.h"
@@ -36,15 +37,15 @@ class NumberedSeries {
     return slots_.at(*slot);
   }
 
-  [[nodiscard]] bool contains(std::int32_t number) const { return index_.find(number).has_value(); }
+  /// The object at a place from 1 on; throws `InvalidIndex` elsewhere.
+  [[nodiscard]] const Object& atPlace(std::int32_t place) const {
+    return slots_.at(slots_.slotOf(place));
+  }
 
   [[nodiscard]] std::size_t size() const { return slots_.size(); }
 
   /// The size as the 16-bit count of the interface; throws `Overflow` above 32767.
-  [[nodiscard]] std::int16_t count() const {
-    if (size() > 32767) throw Error(ErrorCode::Overflow, "more than 32767 records to count");
-    return static_cast<std::int16_t>(size());
-  }
+  [[nodiscard]] std::int16_t count() const { return count16(size()); }
 
   [[nodiscard]] auto begin() const { return slots_.begin(); }
   [[nodiscard]] auto end() const { return slots_.end(); }

@@ -1,10 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
+#include <string>
 #include <utility>
 #include <vector>
 
+#include "aq/core/error.h"
 #include "aq/core/removed_slots.h"
 
 namespace aq {
@@ -53,7 +56,15 @@ class OrderedSlots {
 
   [[nodiscard]] T& at(std::size_t slot) { return values_[slot]; }
   [[nodiscard]] const T& at(std::size_t slot) const { return values_[slot]; }
-  [[nodiscard]] std::size_t slotOf(std::size_t place) const { return removed_.slotOf(place); }
+
+  /// The slot of a place from 1 on. Throws `InvalidIndex` outside the list.
+  [[nodiscard]] std::size_t slotOf(std::int32_t place) const {
+    if (place < 1 || static_cast<std::size_t>(place) > size()) {
+      throw Error(ErrorCode::InvalidIndex,
+                  "no place " + std::to_string(place) + " in a list of " + std::to_string(size()));
+    }
+    return removed_.slotOf(static_cast<std::size_t>(place) - 1);
+  }
 
   /// Makes room for one more value, so that `append` cannot fail.
   void makeRoom() {

@@ -1,37 +1,31 @@
 #include "aq/files/data_sth.h"
 
-#include <cstddef>
-#include <vector>
-
 #include "aq/core/band_label.h"
 #include "aq/core/number_text.h"
 #include "aq/core/platform.h"
 #include "aq/core/required.h"
+#include "aq/files/level_columns.h"
 #include "aq/text/fields.h"
+#include "aq/text/file_titles.h"
 #include "aq/text/header_reader.h"
 #include "aq/text/header_writer.h"
 
 namespace aq {
 namespace {
 
-constexpr std::string_view kTitle = "Spectral Time-History";
 constexpr std::string_view kColumns = "Rec#";
 constexpr std::int16_t kHeadingLow =
     17;  // the heading names these bands whatever the records hold:
 constexpr std::int16_t kHeadingHigh = 40;  // hosts rely on it
 
-struct Bands {
-  std::int16_t low;
-  std::int16_t high;
-};
-
 template <class Lines>
-void header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHistory& history, Bands& bands) {
+void header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHistory& history,
+            LevelColumns& columns) {
   using Text = std::string_view;
   std::int16_t count = history.Count();
   std::int16_t low = history.LoRec();
   std::int16_t high = history.HiRec();
-  lines.title(kTitle);
+  lines.title(titles::kSpectralTimeHistory);
   lines.recordedName("FileName", header.sFileName);
   lines.currentDateTime("FileDateTime", required(header.aqFileDateTime));
   lines.text("ProjectName", header.sProjectName);
@@ -52,7 +46,7 @@ void header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHistory& history,
   lines.integers("RecordNumbers", ",", low, high);
   history.LoRec(low);
   history.HiRec(high);
-  lines.integers("Bands", ", ", bands.low, bands.high);
+  lines.integers("Bands", ", ", columns.low, columns.high);
   lines.text("GeneratedBy", header.sGeneratedBy);
   lines.recordedName("GenerationFile", header.sGenerationFile);
   lines.dateTimeOf("GenerationFileDateTime", header.sGenerationFile,
@@ -68,19 +62,6 @@ std::string columnHeading() {
   return heading;
 }
 
-void appendLevels(std::string& text, const AQ_Spectrum& spectrum) {
-  const auto plain = spectrum.plainLevels();
-  for (const double level : plain) {
-    text += ',';
-    appendHundredths(text, level);
-  }
-  if (!plain.empty()) return;
-  for (std::int32_t band = spectrum.LowBand(); band <= spectrum.HighBand(); ++band) {
-    text += ',';
-    appendHundredths(text, spectrum.SPL(static_cast<std::int16_t>(band)).toDouble());
-  }
-}
-
 void appendRecord(std::string& text, std::int16_t record, AQ_Spectrum& spectrum) {
   const auto time = spectrum.Time();
   appendNumber(text, std::int32_t{record});
@@ -88,6 +69,7 @@ void appendRecord(std::string& text, std::int16_t record, AQ_Spectrum& spectrum)
   time->appendTODstring(text);
   text += ',';
   appendNumber(text, time->RelSeconds());
+  if (spectrum.LowBand() <= spectrum.HighBand()) text += ',';
   appendLevels(text, spectrum);
   text += platform::lineEnd;
 }
@@ -95,23 +77,17 @@ void appendRecord(std::string& text, std::int16_t record, AQ_Spectrum& spectrum)
 /// Looks for the title behind the first comma, whatever the keyword.
 void checkTitle(std::string_view line) {
   const std::size_t comma = line.find(',');
-  if (comma != line.npos && trimmed(line.substr(comma + 1)) == kTitle) return;
-  failRead(1, 0, "the file type \"" + std::string(kTitle) + '"', shown(line));
+  if (comma != line.npos && trimmed(line.substr(comma + 1)) == titles::kSpectralTimeHistory) return;
+  failRead(1, 0, "the file type \"" + std::string(titles::kSpectralTimeHistory) + '"', shown(line));
 }
 
-/// Reads one record; `levels` is room that all records share.
-void readRecord(FieldReader fields, Bands bands, std::vector<double>& levels,
-                AQ_SpectralTimeHistory& history) {
+void readRecord(FieldReader fields, LevelColumns& columns, AQ_SpectralTimeHistory& history) {
   auto spectrum = std::make_shared<AQ_Spectrum>();
   const auto time = spectrum->Time();
   const std::int16_t record = fields.int16("a record number");
-  fields.convert("a time of day hh:mm:ss", [&](std::string_view text) { time->TODstring(text); });
+  fields.timeOfDay(*time);
   time->RelSeconds(fields.single("a relative time in seconds"));
-  levels.clear();
-  for (std::int32_t band = bands.low; band <= bands.high; ++band) {
-    levels.push_back(fields.number("a level"));
-  }
-  spectrum->assignLevels(bands.low, levels);
+  columns.read(fields, *spectrum);
   history.spectrum(record, std::move(spectrum));
 }
 
@@ -128,10 +104,10 @@ AQ_DataMessage AQ_DataSTH::writeFile(const std::string& sFileName,
     const auto record = [&](std::int32_t number) -> AQ_Spectrum& {
       return required(aqTimeHistory.spectrum(static_cast<std::int16_t>(number)));
     };
-    Bands bands{record(low).LowBand(), record(low).HighBand()};
+    LevelColumns columns{record(low).LowBand(), record(low).HighBand()};
     std::string text;
     HeaderWriter lines(text);
-    header(lines, *header_, aqTimeHistory, bands);
+    header(lines, *header_, aqTimeHistory, columns);
     lines.columns(columnHeading());
     for (std::int32_t number = low; number <= high; ++number) {
       appendRecord(text, static_cast<std::int16_t>(number), record(number));
@@ -148,14 +124,13 @@ AQ_DataMessage AQ_DataSTH::readFile(const std::string& sFileName,
     LineReader lines(sFileName);
     HeaderReader headerLines(lines);
     header_ = std::make_shared<AQ_HeaderSTH>();
-    Bands bands{};
-    header(headerLines, *header_, *history, bands);
-    headerLines.columns();
-    lowBand_ = bands.low;
-    highBand_ = bands.high;
+    LevelColumns columns;
+    header(headerLines, *header_, *history, columns);
+    headerLines.skipColumns();
+    lowBand_ = columns.low;
+    highBand_ = columns.high;
     aqHeader = header_;
-    std::vector<double> levels;
-    while (lines.next()) readRecord({lines.line(), lines.number()}, bands, levels, *history);
+    while (lines.next()) readRecord(FieldReader(lines), columns, *history);
     STH = std::move(history);
   });
 }

@@ -5,17 +5,16 @@
 #include "aq/core/platform.h"
 #include "aq/core/required.h"
 #include "aq/text/fields.h"
+#include "aq/text/file_titles.h"
 #include "aq/text/header_reader.h"
 #include "aq/text/header_writer.h"
 
 namespace aq {
 namespace {
 
-constexpr const char* kTitle = "Masking Map";
-
 template <class Lines>
 void header(Lines& lines, AQ_HeaderMask& header) {
-  lines.title(kTitle);
+  lines.title(titles::kMaskingMap);
   lines.recordedName("FileName", header.sFileName);
   lines.currentDateTime("FileDateTime", required(header.aqFileDateTime));
   lines.integer("NumberOfRows", header.lNumberRows);
@@ -103,11 +102,11 @@ AQ_DataMessage AQ_DataMask::readFile(const std::string& sFileName,
     HeaderReader headerLines(lines);
     header_ = std::make_shared<AQ_HeaderMask>();
     aq::header(headerLines, *header_);
-    header_->sFileType = kTitle;
+    header_->sFileType = titles::kMaskingMap;
     header_->sColumnLabels = headerLines.columns();
     aqHeader = header_;
     MaskMap = std::make_shared<AQ_MaskMap>();
-    while (lines.next()) readRow({lines.line(), lines.number()}, *header_, *MaskMap);
+    while (lines.next()) readRow(FieldReader(lines), *header_, *MaskMap);
   });
 }
 

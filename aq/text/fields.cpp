@@ -33,8 +33,8 @@ void split(std::string_view text, std::string_view delimiter,
   }
 }
 
-FieldReader::FieldReader(std::string_view line, std::size_t lineNumber)
-    : rest_(trimmed(line)), line_(lineNumber) {}
+FieldReader::FieldReader(std::string_view line, std::size_t lineNumber, Form form)
+    : rest_(trimmed(line)), form_(form), line_(lineNumber) {}
 
 std::string_view FieldReader::text(const char* expected) {
   ++number_;
@@ -43,7 +43,23 @@ std::string_view FieldReader::text(const char* expected) {
   done_ = comma == rest_.npos;
   field_ = rest_.substr(0, comma);
   if (!done_) rest_.remove_prefix(comma + 1);
-  return cleanField(field_, room_);
+  return form_ == Form::Raw ? field_ : cleanField(field_, room_);
+}
+
+double FieldReader::number(const char* expected) { return convert(expected, doubleFrom); }
+
+float FieldReader::single(const char* expected) { return convert(expected, singleFrom); }
+
+std::int16_t FieldReader::int16(const char* expected) { return convert(expected, int16From); }
+
+std::uint8_t FieldReader::byte(const char* expected) { return convert(expected, byteFrom); }
+
+void FieldReader::timeOfDay(AQ_Time& time) {
+  convert("a time of day hh:mm:ss", [&](std::string_view text) { time.TODstring(text); });
+}
+
+void FieldReader::skip(int count, const char* expected) {
+  for (int i = 0; i < count; ++i) static_cast<void>(text(expected));
 }
 
 void FieldReader::fail(const char* expected) const {

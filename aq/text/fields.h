@@ -10,6 +10,8 @@
 #include "aq/core/export.h"
 #include "aq/core/file_failure.h"
 #include "aq/core/number_text.h"
+#include "aq/core/time.h"
+#include "aq/text/line_reader.h"
 
 namespace aq {
 
@@ -35,13 +37,42 @@ AQ_API void split(std::string_view text, std::string_view delimiter,
 /// does not convert throws `ReadFailure` with its place.
 class AQ_API FieldReader {
  public:
-  FieldReader(std::string_view line, std::size_t lineNumber);
+  /// Whether fields lose their double quotes and outer blanks.
+  enum class Form { Clean, Raw };
+
+  FieldReader(std::string_view line, std::size_t lineNumber, Form form = Form::Clean);
+  explicit FieldReader(const LineReader& lines, Form form = Form::Clean)
+      : FieldReader(lines.line(), lines.number(), form) {}
 
   [[nodiscard]] std::string_view text(const char* expected);
   /// The next field through `conversion`, whose `Error` becomes the failure.
   template <class Conversion>
   auto convert(const char* expected, const Conversion& conversion) {
-    const std::string_view field = text(expected);
+    return convertTaken(expected, text(expected), conversion);
+  }
+
+  [[nodiscard]] double number(const char* expected);
+  [[nodiscard]] float single(const char* expected);
+  [[nodiscard]] std::int16_t int16(const char* expected);
+  [[nodiscard]] std::uint8_t byte(const char* expected);
+  void timeOfDay(AQ_Time& time);
+
+  /// Passes `count` fields.
+  void skip(int count, const char* expected);
+
+  /// The last field of the line, be it the one taken last, through `conversion`.
+  template <class Conversion>
+  auto convertLast(const char* expected, const Conversion& conversion) {
+    while (!done_) static_cast<void>(text(expected));
+    return convertTaken(expected, cleanField(field_, room_), conversion);
+  }
+
+  /// Fails at the field taken last.
+  [[noreturn]] void fail(const char* expected) const;
+
+ private:
+  template <class Conversion>
+  auto convertTaken(const char* expected, std::string_view field, const Conversion& conversion) {
     try {
       return conversion(field);
     } catch (const Error&) {
@@ -49,16 +80,9 @@ class AQ_API FieldReader {
     }
   }
 
-  [[nodiscard]] double number(const char* expected) { return convert(expected, doubleFrom); }
-  [[nodiscard]] float single(const char* expected) { return convert(expected, singleFrom); }
-  [[nodiscard]] std::int16_t int16(const char* expected) { return convert(expected, int16From); }
-
-  /// Fails at the field taken last.
-  [[noreturn]] void fail(const char* expected) const;
-
- private:
   std::string_view rest_;
   std::string_view field_;
+  Form form_;
   bool done_ = false;  // the last field was taken
   std::size_t line_;
   std::size_t number_ = 0;  // of the field taken last

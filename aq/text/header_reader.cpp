@@ -12,6 +12,10 @@ std::string quoted(std::string_view text) { return '"' + std::string(text) + '"'
 
 }  // namespace
 
+std::string_view HeaderReader::anyTitle() {
+  return lines_.next() && findValue() ? value_ : std::string_view();
+}
+
 void HeaderReader::title(std::string_view fileType) {
   const auto expected = [&] { return "the file type " + quoted(fileType); };
   if (!lines_.next()) failRead(1, 0, expected(), "an empty file");
@@ -22,6 +26,18 @@ void HeaderReader::title(std::string_view fileType) {
 void HeaderReader::text(std::string_view keyword, std::string& value) {
   takeValue(keyword);
   value = value_;
+}
+
+void HeaderReader::single(std::string_view keyword, float& value) {
+  takeValue(keyword);
+  value = convert("a number", kWhole, singleFrom);
+}
+
+void HeaderReader::numbers(std::string_view keyword, double& first, double& second, double& third) {
+  takeValue(keyword);
+  first = convert("a number", 1, doubleFrom);
+  second = convert("a number", 2, doubleFrom);
+  third = convert("a number", 3, doubleFrom);
 }
 
 void HeaderReader::integers(std::string_view keyword, std::string_view /*separator*/,
@@ -37,10 +53,19 @@ void HeaderReader::timeOfDay(std::string_view keyword, AQ_Time& time) {
 }
 
 void HeaderReader::currentDateTime(std::string_view keyword, AQ_Time& time) {
+  takeDate(keyword, time);
+  time.TODstring(convert("a time hh:mm:ss", 2, clockTimeFrom));
+}
+
+void HeaderReader::currentDateTime12(std::string_view keyword, AQ_Time& time) {
+  takeDate(keyword, time);
+  time.TODstring(twelveHourText(convert("a time hh:mm:ss", 2, clockTimeFrom)));
+}
+
+void HeaderReader::takeDate(std::string_view keyword, AQ_Time& time) {
   takeValue(keyword);
   time.CurrentDate(
       convert("a date mm/dd/yyyy", 1, [](std::string_view text) { return dateFrom(text); }));
-  time.TODstring(convert("a time hh:mm:ss", 2, clockTimeFrom));
 }
 
 void HeaderReader::lines(std::string_view keyword, Collection<std::string>& block,

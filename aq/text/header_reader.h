@@ -22,6 +22,9 @@ class AQ_API HeaderReader {
  public:
   explicit HeaderReader(LineReader& lines) : lines_(lines) {}
 
+  /// What the first line names as the file's type; nothing when there is no such line.
+  [[nodiscard]] std::string_view anyTitle();
+
   /// The first line; it must name `fileType` to the letter.
   void title(std::string_view fileType);
 
@@ -33,6 +36,9 @@ class AQ_API HeaderReader {
   }
 
   void text(std::string_view keyword, std::string& value);
+  void textAfterBlank(std::string_view keyword, std::string& value) { text(keyword, value); }
+  void single(std::string_view keyword, float& value);
+  void numbers(std::string_view keyword, double& first, double& second, double& third);
   template <std::integral Integer>
   void integer(std::string_view keyword, Integer& value) {
     takeValue(keyword);
@@ -43,8 +49,15 @@ class AQ_API HeaderReader {
   void timeOfDay(std::string_view keyword, AQ_Time& time);
   void recordedName(std::string_view keyword, std::string& file) { text(keyword, file); }
   void currentDateTime(std::string_view keyword, AQ_Time& time);
+
+  /// As `currentDateTime`, the time through a twelve-hour clock: 12:30:00 becomes "12:30:00 PM",
+  /// which the time value reads as 88,200 s. Hosts see it so.
+  void currentDateTime12(std::string_view keyword, AQ_Time& time);
   void dateTimeOf(std::string_view keyword, const std::string& /*file*/, AQ_Time& time) {
     currentDateTime(keyword, time);
+  }
+  void dateTimeOf(std::string_view keyword, const std::string& /*file*/, std::string& value) {
+    text(keyword, value);
   }
 
   /// A line with their number, then as many lines, each up to its first "**". A negative number
@@ -55,9 +68,13 @@ class AQ_API HeaderReader {
   /// Takes the line above the data lines; gives it up to its first "**".
   std::string columns();
 
+  /// Passes the line above the data lines, which nobody looks at, if it is there.
+  void skipColumns() { static_cast<void>(lines_.next()); }
+
  private:
   static constexpr std::size_t kWhole = 0;  // the whole value rather than a field of it
 
+  void takeDate(std::string_view keyword, AQ_Time& time);
   void takeLine(const char* what, std::string_view keyword);
   void takeValue(std::string_view keyword);
   [[nodiscard]] bool findValue();

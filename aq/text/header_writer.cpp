@@ -8,6 +8,24 @@ namespace aq {
 
 void HeaderWriter::title(std::string_view fileType) { line("FileType", fileType); }
 
+void HeaderWriter::textAfterBlank(std::string_view keyword, std::string_view value) {
+  std::string blank(1, ' ');
+  line(keyword, blank += value);
+}
+
+void HeaderWriter::single(std::string_view keyword, float value) {
+  line(keyword, numberText(value));
+}
+
+void HeaderWriter::numbers(std::string_view keyword, double first, double second, double third) {
+  std::string value = numberText(first);
+  for (const double next : {second, third}) {
+    value += ',';
+    appendNumber(value, next);
+  }
+  line(keyword, value);
+}
+
 void HeaderWriter::integer(std::string_view keyword, std::int32_t value) {
   line(keyword, numberText(value));
 }
@@ -32,7 +50,7 @@ void HeaderWriter::currentDateTime(std::string_view keyword, const AQ_Time&) {
   line(keyword, fileInformation()->currentDateTime());
 }
 
-void HeaderWriter::dateTimeOf(std::string_view keyword, const std::string& file, const AQ_Time&) {
+void HeaderWriter::fileDateTime(std::string_view keyword, const std::string& file) {
   line(keyword, fileInformation()->fileDateTime(file));
 }
 

@@ -26,7 +26,10 @@ class AQ_API HeaderWriter {
   }
 
   void text(std::string_view keyword, const std::string& value) { line(keyword, value); }
+  void textAfterBlank(std::string_view keyword, std::string_view value);
   void integer(std::string_view keyword, std::int32_t value);
+  void single(std::string_view keyword, float value);
+  void numbers(std::string_view keyword, double first, double second, double third);
   void integers(std::string_view keyword, std::string_view separator, std::int16_t first,
                 std::int16_t second);
   void timeOfDay(std::string_view keyword, const AQ_Time& time);
@@ -36,9 +39,15 @@ class AQ_API HeaderWriter {
 
   /// The current date and time; a header's own is not written.
   void currentDateTime(std::string_view keyword, const AQ_Time&);
+  void currentDateTime12(std::string_view keyword, const AQ_Time& time) {
+    currentDateTime(keyword, time);
+  }
 
   /// The date and time of `file` as it is now; a header's own is not written.
-  void dateTimeOf(std::string_view keyword, const std::string& file, const AQ_Time&);
+  template <class HeadersOwn>
+  void dateTimeOf(std::string_view keyword, const std::string& file, const HeadersOwn&) {
+    fileDateTime(keyword, file);
+  }
 
   /// A line with their number, then the lines themselves as they are; a header's own count is not
   /// written.
@@ -49,6 +58,7 @@ class AQ_API HeaderWriter {
   void columns(std::string_view heading);
 
  private:
+  void fileDateTime(std::string_view keyword, const std::string& file);
   void line(std::string_view keyword, std::string_view value);
 
   std::string& text_;

@@ -1,5 +1,6 @@
 #include "aq/text/line_reader.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace aq {
@@ -9,8 +10,11 @@ constexpr std::size_t kBlock = std::size_t{64} * 1024;
 
 }  // namespace
 
-LineReader::LineReader(const std::string& path)
-    : file_(path), block_(std::make_unique_for_overwrite<char[]>(kBlock)), room_(kBlock) {}
+LineReader::LineReader(const std::string& path, std::size_t most)
+    : file_(path),
+      block_(std::make_unique_for_overwrite<char[]>(kBlock)),
+      room_(kBlock),
+      most_(most) {}
 
 bool LineReader::next() {
   std::size_t searched = 0;
@@ -51,8 +55,10 @@ bool LineReader::fill() {
   }
   begin_ = 0;
   end_ = kept;
-  const std::size_t got = file_.read({block_.get() + end_, room_ - end_});
+  const std::size_t wanted = std::min(room_ - end_, most_);
+  const std::size_t got = wanted == 0 ? 0 : file_.read({block_.get() + end_, wanted});
   end_ += got;
+  most_ -= got;
   return got != 0;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -14,7 +15,9 @@ namespace aq {
 /// the last line needs no end, and any other byte is content. Throws `platform::SystemError`.
 class AQ_API LineReader {
  public:
-  explicit LineReader(const std::string& path);
+  /// Reads `most` bytes at the most; what lies behind them is as if it were not there.
+  explicit LineReader(const std::string& path,
+                      std::size_t most = std::numeric_limits<std::size_t>::max());
 
   /// Goes to the next line; false behind the last one.
   [[nodiscard]] bool next();
@@ -32,6 +35,7 @@ class AQ_API LineReader {
   platform::InputFile file_;
   std::unique_ptr<char[]> block_;
   std::size_t room_;       // of the block
+  std::size_t most_;       // bytes still to be read at the most
   std::size_t begin_ = 0;  // the bytes not yet taken: from here
   std::size_t end_ = 0;    // up to here
   std::string_view line_;

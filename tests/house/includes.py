@@ -10,7 +10,7 @@ ALLOWED = {  # each room, and the rooms that it may know besides itself
     "masking": {"core", "text"},
     "spectral": {"core", "masking"},
     "geometry": {"core", "text"},
-    "files": {"core", "text", "spectral"},
+    "files": {"core", "text", "spectral", "geometry"},
 }
 
 

@@ -1,0 +1,143 @@
+#include "aq/files/data_ini.h"
+
+#include <optional>
+#include <string_view>
+
+#include "aq/core/date_text.h"
+#include "aq/core/number_text.h"
+#include "aq/spectral/spectral_time_history.h"
+#include "aq/text/fields.h"
+#include "aq/text/file_titles.h"
+#include "aq/text/header_writer.h"
+
+namespace aq {
+namespace {
+
+constexpr std::string_view kFileName = "FileName";
+constexpr std::string_view kFileDateTime = "FileDateTime";
+constexpr std::string_view kComments = "NumberOfCommentLines";
+
+/// One parameter: its keyword, its text, none when it is not set, and how a text sets it.
+struct Parameter {
+  std::string_view keyword;
+  std::optional<std::string> (*text)(const AQ_DataINI&);
+  void (*set)(AQ_DataINI&, std::string_view);
+};
+
+template <class Number>
+std::optional<std::string> textUnlessZero(Number value) {
+  if (value == 0) return std::nullopt;
+  return numberText(value);
+}
+
+// The text forms of the two enumerations are the history's; what it does not know gives what a
+// fresh history holds.
+
+std::optional<std::string> averagingText(const AQ_DataINI& parameters) {
+  if (parameters.NuAvg() == AQ_NA) return std::nullopt;
+  AQ_SpectralTimeHistory history;
+  history.AverageMethod(parameters.NuAvg());
+  return history.sAveragingMethod();
+}
+
+void setAveraging(AQ_DataINI& parameters, std::string_view text) {
+  AQ_SpectralTimeHistory history;
+  history.sAveragingMethod(text);
+  parameters.NuAvg(history.AverageMethod());
+}
+
+std::optional<std::string> timingText(const AQ_DataINI& parameters) {
+  if (parameters.NuTimg() == AQ_DataINI::kTimingNotSet) return std::nullopt;
+  AQ_SpectralTimeHistory history;
+  history.TimeStampType(parameters.NuTimg());
+  return history.sTimeStampType();
+}
+
+void setTiming(AQ_DataINI& parameters, std::string_view text) {
+  AQ_SpectralTimeHistory history;
+  history.sTimeStampType(text);
+  parameters.NuTimg(history.TimeStampType());
+}
+
+using Text = std::string_view;
+const Parameter kParameters[] = {
+    {"CalAdj", [](const AQ_DataINI& p) { return textUnlessZero(p.CalAdj()); },
+     [](AQ_DataINI& p, Text text) { p.CalAdj(singleFrom(text)); }},
+    {"NuAvg", averagingText, setAveraging},
+    {"NuTimg", timingText, setTiming},
+    {"PrWndo", [](const AQ_DataINI& p) { return textUnlessZero(p.PrWndo()); },
+     [](AQ_DataINI& p, Text text) { p.PrWndo(singleFrom(text)); }},
+    {"PoWndo", [](const AQ_DataINI& p) { return textUnlessZero(p.PoWndo()); },
+     [](AQ_DataINI& p, Text text) { p.PoWndo(singleFrom(text)); }},
+    {"LoRec", [](const AQ_DataINI& p) { return textUnlessZero(std::int32_t{p.LoRec()}); },
+     [](AQ_DataINI& p, Text text) { p.LoRec(int16From(text)); }},
+    {"HiRec", [](const AQ_DataINI& p) { return textUnlessZero(std::int32_t{p.HiRec()}); },
+     [](AQ_DataINI& p, Text text) { p.HiRec(int16From(text)); }},
+};
+
+/// Takes `count` comment lines, each up to its first comma; empty ones are dropped.
+void readComments(std::int16_t count, LineReader& lines, Collection<std::string>& comments) {
+  for (std::int32_t i = 1; i <= count; ++i) {
+    if (!lines.next()) {
+      failRead(lines.number() + 1, 0, "one more comment line", "the end of the file");
+    }
+    FieldReader fields(lines);
+    const std::string_view comment = fields.text("a comment");
+    if (!comment.empty()) comments.Add(std::string(comment));
+  }
+}
+
+void readDateTime(FieldReader& fields, AQ_Time& time) {
+  time.CurrentDate(
+      fields.convert("a date mm/dd/yyyy", [](std::string_view text) { return dateFrom(text); }));
+  time.TODstring(fields.convert("a time hh:mm:ss", clockTimeFrom));
+}
+
+/// Takes one line, and those that belong to it. Keywords are known in any case; unknown ones and
+/// lines without one are passed over.
+void readLine(LineReader& lines, AQ_DataINI& parameters) {
+  FieldReader fields(lines);
+  const std::string_view first = fields.text("a keyword");
+  const std::size_t mark = first.find("**");
+  if (mark == first.npos || mark == 0) return;
+  const std::string key = upperCased(first.substr(0, mark));
+  const auto is = [&key](std::string_view keyword) { return key == upperCased(keyword); };
+  if (is(kFileName)) parameters.FileName(std::string(fields.text("a file name")));
+  if (is(kFileDateTime)) readDateTime(fields, *parameters.FileDate());
+  if (is(kComments)) readComments(fields.int16("an integer"), lines, *parameters.Comments());
+  for (const Parameter& parameter : kParameters) {
+    if (!is(parameter.keyword)) continue;
+    fields.convert("a value", [&](Text text) { parameter.set(parameters, text); });
+  }
+}
+
+}  // namespace
+
+AQ_DataMessage AQ_DataINI::writeFile(const std::string& sFileName) {
+  return writing(sFileName, [&] {
+    fileName_ = sFileName;
+    std::string text;
+    HeaderWriter lines(text);
+    lines.title(titles::kVariableInitialization);
+    lines.recordedName(kFileName, fileName_);
+    lines.currentDateTime(kFileDateTime, *FileDate());
+    lines.lines(kComments, *Comments());
+    for (const Parameter& parameter : kParameters) {
+      const auto value = parameter.text(*this);
+      if (value) lines.textAfterBlank(parameter.keyword, *value);
+    }
+    return text;
+  });
+}
+
+AQ_DataMessage AQ_DataINI::readFile(const std::string& sFileName) {
+  return reading(sFileName, [&] {
+    LineReader lines(sFileName);
+    bool more = lines.next();
+    averaging_ = AQ_NA;
+    timing_ = kTimingNotSet;
+    for (; more; more = lines.next()) readLine(lines, *this);
+  });
+}
+
+}  // namespace aq

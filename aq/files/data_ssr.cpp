@@ -1,0 +1,89 @@
+#include "aq/files/data_ssr.h"
+
+#include "aq/core/band_label.h"
+#include "aq/core/number_text.h"
+#include "aq/core/required.h"
+#include "aq/files/level_columns.h"
+#include "aq/text/fields.h"
+#include "aq/text/file_titles.h"
+#include "aq/text/header_reader.h"
+#include "aq/text/header_writer.h"
+
+namespace aq {
+namespace {
+
+template <class Lines>
+void header(Lines& lines, AQ_HeaderSSR& header) {
+  lines.title(titles::kSpectrumRecord);
+  lines.recordedName("FileName", header.sFileName);
+  lines.currentDateTime("FileDateTime", required(header.aqFileDateTime));
+  lines.lines("NumberOfCommentLines", required(header.cCommentLines));
+}
+
+/// The band of a label such as "B17/50Hz": what stands between its first character and its slash.
+std::int16_t bandOf(std::string_view label) {
+  const std::size_t slash = label.find('/', 1);
+  if (slash == label.npos) throw Error(ErrorCode::InvalidArgument, "a label without a slash");
+  return int16From(label.substr(1, slash - 1));
+}
+
+/// The first and the last label decide; those between are not looked at.
+LevelColumns columnsFrom(FieldReader labels) {
+  constexpr const char* kExpected = "a band label";
+  LevelColumns columns;
+  columns.low = labels.convert(kExpected, bandOf);
+  columns.high = labels.convertLast(kExpected, bandOf);
+  return columns;
+}
+
+void takeLine(LineReader& lines, const char* expected) {
+  if (!lines.next()) failRead(lines.number() + 1, 0, expected, "the end of the file");
+}
+
+}  // namespace
+
+AQ_DataMessage AQ_DataSSR::writeFile(const std::string& sFileName,
+                                     const std::shared_ptr<AQ_HeaderSSR>& aqHeader,
+                                     const AQ_Spectrum& spectrum) {
+  return writing(sFileName, [&] {
+    header_ = aqHeader;
+    required(header_).sFileName = sFileName;
+    std::string text;
+    HeaderWriter lines(text);
+    header(lines, *header_);
+    std::string line;
+    appendBandLabels(line, spectrum.LowBand(), spectrum.HighBand());
+    lines.columns(line);
+    line.clear();
+    appendLevels(line, spectrum);
+    lines.columns(line);
+    return text;
+  });
+}
+
+AQ_DataMessage AQ_DataSSR::readFile(const std::string& sFileName,
+                                    std::shared_ptr<AQ_Spectrum>& specNew,
+                                    std::shared_ptr<AQ_HeaderSSR>& ssrHeader) {
+  return reading(sFileName, [&] {
+    LineReader lines(sFileName);
+    HeaderReader headerLines(lines);
+    header_ = std::make_shared<AQ_HeaderSSR>();
+    header(headerLines, *header_);
+    ssrHeader = header_;
+    takeLine(lines, "the line of band labels");
+    LevelColumns columns = columnsFrom(FieldReader(lines));
+    takeLine(lines, "the line of levels");
+    FieldReader levels(lines);
+    auto spectrum = std::make_shared<AQ_Spectrum>();
+    columns.read(levels, *spectrum);
+    specNew = std::move(spectrum);
+  });
+}
+
+AQ_DataMessage AQ_DataSSR::readFile(const std::string& sFileName,
+                                    std::shared_ptr<AQ_Spectrum>& specNew) {
+  std::shared_ptr<AQ_HeaderSSR> ssrHeader;
+  return readFile(sFileName, specNew, ssrHeader);
+}
+
+}  // namespace aq

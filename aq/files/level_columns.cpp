@@ -1,0 +1,26 @@
+#include "aq/files/level_columns.h"
+
+#include "aq/core/number_text.h"
+
+namespace aq {
+
+void LevelColumns::read(FieldReader& fields, AQ_Spectrum& spectrum) {
+  room.clear();
+  for (std::int32_t band = low; band <= high; ++band) room.push_back(fields.number("a level"));
+  spectrum.assignLevels(low, room);
+}
+
+void appendLevels(std::string& text, const AQ_Spectrum& spectrum) {
+  const auto plain = spectrum.plainLevels();
+  for (std::size_t i = 0; i < plain.size(); ++i) {
+    if (i != 0) text += ',';
+    appendHundredths(text, plain[i]);
+  }
+  if (!plain.empty()) return;
+  for (std::int32_t band = spectrum.LowBand(); band <= spectrum.HighBand(); ++band) {
+    if (band != spectrum.LowBand()) text += ',';
+    appendHundredths(text, spectrum.SPL(static_cast<std::int16_t>(band)).toDouble());
+  }
+}
+
+}  // namespace aq

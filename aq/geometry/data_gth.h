@@ -1,0 +1,34 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "aq/core/enumerations.h"
+#include "aq/core/export.h"
+#include "aq/geometry/geometry_time_history.h"
+#include "aq/geometry/header_gth.h"
+#include "aq/text/file_class.h"
+
+namespace aq {
+
+/// Writes and reads geometric time history files (docs/formats/geometric-time-history.md).
+class AQ_API AQ_DataGTH : public FileClass {
+ public:
+  /// Writes points 1 to `Count`, replacing the file; the header gets the file's name and the number
+  /// of points. Throws, and writes nothing, for more than 32767 points (`Overflow`), a missing
+  /// point
+  /// (`InvalidArgument`), a time of day without a clock form or a number that is not finite
+  /// (`InvalidValue`), or a missing object (`ObjectNotSet`).
+  void writeFile(const std::string& sFileName, const std::shared_ptr<AQ_HeaderGTH>& aqHeader,
+                 const AQ_GeometryTimeHistory& aqTimeHistory, AQ_DataMessage& result);
+
+  /// Reads a file into a new header and a new history. When the header fails, neither is set; when
+  /// a point fails, only the header is.
+  void readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderGTH>& aqHeader,
+                std::shared_ptr<AQ_GeometryTimeHistory>& GTH, AQ_DataMessage& result);
+
+ private:
+  std::shared_ptr<AQ_HeaderGTH> header_;
+};
+
+}  // namespace aq

@@ -1,0 +1,46 @@
+#include "aq/geometry/data_mic.h"
+
+#include "aq/text/fields.h"
+#include "aq/text/file_titles.h"
+#include "aq/text/header_reader.h"
+
+namespace aq {
+namespace {
+
+void readHeader(HeaderReader& lines, AQ_HeaderMIC& header) {
+  lines.title(titles::kMicrophonePosition);
+  header.sFileType = titles::kMicrophonePosition;
+  lines.recordedName("FileName", header.sFileName);
+  lines.currentDateTime("FileDateTime", *header.aqFileDateTime);
+  lines.text("ProjectName", header.sProjectName);
+  lines.text("MicrophoneID", header.sMicrophoneID);
+  lines.lines("OtherRecords", *header.cOtherRecords, header.nOtherRecords);
+  lines.lines("NumberOfCommentLines", *header.cCommentLines, header.nCommentLines);
+}
+
+void readMicrophone(FieldReader fields, AQ_Microphone& microphone) {
+  microphone.X = fields.number("a coordinate");
+  microphone.Y = fields.number("a coordinate");
+  microphone.Z = fields.number("a coordinate");
+  microphone.Height = fields.number("a height");
+}
+
+}  // namespace
+
+void AQ_DataMIC::readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderMIC>& aqHeader,
+                          const std::shared_ptr<AQ_Microphone>& MIC, AQ_DataMessage& result) {
+  result = reading(sFileName, [&] {
+    LineReader lines(sFileName);
+    HeaderReader headerLines(lines);
+    header_ = std::make_shared<AQ_HeaderMIC>();
+    readHeader(headerLines, *header_);
+    aqHeader = header_;
+    headerLines.skipColumns();
+    if (!lines.next())
+      failRead(lines.number() + 1, 0, "the microphone's line", "the end of the file");
+    if (!MIC) failRead(0, 0, "a microphone to fill", "no object");
+    readMicrophone(FieldReader(lines), *MIC);
+  });
+}
+
+}  // namespace aq

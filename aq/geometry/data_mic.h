@@ -1,0 +1,27 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "aq/core/enumerations.h"
+#include "aq/core/export.h"
+#include "aq/geometry/header_mic.h"
+#include "aq/geometry/microphone.h"
+#include "aq/text/file_class.h"
+
+namespace aq {
+
+/// Reads microphone position files (docs/formats/microphone-position.md).
+class AQ_API AQ_DataMIC : public FileClass {
+ public:
+  /// Reads a file into a new header and into the caller's microphone. When the header fails,
+  /// neither is touched; when the microphone's line does, the header is set, and the coordinates in
+  /// front of the failure too.
+  void readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderMIC>& aqHeader,
+                const std::shared_ptr<AQ_Microphone>& MIC, AQ_DataMessage& result);
+
+ private:
+  std::shared_ptr<AQ_HeaderMIC> header_;
+};
+
+}  // namespace aq

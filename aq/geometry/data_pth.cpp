@@ -1,0 +1,87 @@
+#include "aq/geometry/data_pth.h"
+
+#include "aq/core/number_text.h"
+#include "aq/core/platform.h"
+#include "aq/core/required.h"
+#include "aq/text/data_line_limit.h"
+#include "aq/text/fields.h"
+#include "aq/text/file_titles.h"
+#include "aq/text/header_reader.h"
+#include "aq/text/header_writer.h"
+
+namespace aq {
+namespace {
+
+template <class Lines>
+void header(Lines& lines, AQ_HeaderPTH& header) {
+  lines.title(titles::kPositionTimeHistory);
+  lines.recordedName("FileName", header.sFileName);
+  lines.currentDateTime("FileDateTime", required(header.aqFileDateTime));
+  lines.textAfterBlank("ProjectName", header.sProjectName);
+  lines.text("GeneratedBy", header.sGeneratedBy);
+  lines.recordedName("TSPIFileName", header.sTSPIFileName);
+  lines.dateTimeOf("TSPIFileDateTime", header.sTSPIFileName, header.sTSPIFileDateTime);
+  lines.integer("NumberRecords", header.lNumberRecords);
+  lines.lines("OtherRecords", required(header.cOtherRecords), header.nOtherRecords);
+  lines.lines("NumberOfCommentLines", required(header.cCommentLines), header.nCommentLines);
+}
+
+void appendPosition(std::string& text, AQ_Position& position) {
+  position.Time()->appendTODstring(text);
+  for (const double coordinate : {position.X(), position.Y(), position.Z()}) {
+    text += ',';
+    appendNumber(text, coordinate);
+  }
+  text += platform::lineEnd;
+}
+
+std::shared_ptr<AQ_Position> positionFrom(FieldReader fields) {
+  auto position = std::make_shared<AQ_Position>();
+  fields.timeOfDay(*position->Time());
+  position->X(fields.number("a coordinate"));
+  position->Y(fields.number("a coordinate"));
+  position->Z(fields.number("a coordinate"));
+  return position;
+}
+
+}  // namespace
+
+void AQ_DataPTH::writeFile(const std::string& sFileName,
+                           const std::shared_ptr<AQ_HeaderPTH>& aqHeader,
+                           const AQ_PositionTimeHistory& aqTimeHistory, AQ_DataMessage& result) {
+  result = writing(sFileName, [&] {
+    header_ = aqHeader;
+    const std::int32_t count = aqTimeHistory.Count();
+    required(header_).sFileName = sFileName;
+    header_->lNumberRecords = count;
+    std::string text;
+    HeaderWriter lines(text);
+    header(lines, *header_);
+    lines.columns("TOD,X,Y,Z");
+    for (std::int32_t place = 1; place <= count; ++place) {
+      appendPosition(text, required(aqTimeHistory.Position(place)));
+    }
+    return text;
+  });
+}
+
+void AQ_DataPTH::readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderPTH>& aqHeader,
+                          std::shared_ptr<AQ_PositionTimeHistory>& PTH, AQ_DataMessage& result) {
+  result = reading(sFileName, [&] {
+    LineReader lines(sFileName);
+    HeaderReader headerLines(lines);
+    header_ = std::make_shared<AQ_HeaderPTH>();
+    header(headerLines, *header_);
+    header_->sFileType = titles::kPositionTimeHistory;
+    headerLines.skipColumns();
+    aqHeader = header_;
+    auto history = std::make_shared<AQ_PositionTimeHistory>();
+    DataLineLimit limit;
+    while (lines.next()) {
+      history->Position(limit.count(lines), positionFrom(FieldReader(lines)));
+    }
+    PTH = std::move(history);
+  });
+}
+
+}  // namespace aq

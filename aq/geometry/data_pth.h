@@ -1,0 +1,34 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "aq/core/enumerations.h"
+#include "aq/core/export.h"
+#include "aq/geometry/header_pth.h"
+#include "aq/geometry/position_time_history.h"
+#include "aq/text/file_class.h"
+
+namespace aq {
+
+/// Writes and reads position time history files (docs/formats/position-time-history.md).
+class AQ_API AQ_DataPTH : public FileClass {
+ public:
+  /// Writes a history, replacing the file; the header gets the file's name and the number of
+  /// positions. Throws, and writes nothing, for more than 32767 positions (`Overflow`), a time of
+  /// day without a clock form or a coordinate that is not finite (`InvalidValue`), or a missing
+  /// object
+  /// (`ObjectNotSet`).
+  void writeFile(const std::string& sFileName, const std::shared_ptr<AQ_HeaderPTH>& aqHeader,
+                 const AQ_PositionTimeHistory& aqTimeHistory, AQ_DataMessage& result);
+
+  /// Reads a file into a new header and a new history. When the header fails, neither is set; when
+  /// a position fails, only the header is.
+  void readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderPTH>& aqHeader,
+                std::shared_ptr<AQ_PositionTimeHistory>& PTH, AQ_DataMessage& result);
+
+ private:
+  std::shared_ptr<AQ_HeaderPTH> header_;
+};
+
+}  // namespace aq

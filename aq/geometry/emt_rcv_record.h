@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+#include <utility>
+
+#include "aq/core/created.h"
+#include "aq/core/time.h"
+#include "aq/geometry/position.h"
+
+namespace aq {
+
+/// One pair of emission and reception: where the aircraft was when it emitted what the microphone
+/// received later.
+class AQ_EmtRcvRecord {
+ public:
+  double SR = 0;     ///< slant range
+  double Tprop = 0;  ///< propagation time
+
+  /// The time of emission. Created on first read; setting shares the caller's object.
+  std::shared_ptr<AQ_Time> T() { return created(emission_); }
+  void T(std::shared_ptr<AQ_Time> time) { emission_ = std::move(time); }
+
+  /// The time of reception. Created on first read; setting shares the caller's object.
+  std::shared_ptr<AQ_Time> Tr() { return created(reception_); }
+  void Tr(std::shared_ptr<AQ_Time> time) { reception_ = std::move(time); }
+
+  /// Created on first read; setting shares the caller's object.
+  std::shared_ptr<AQ_Position> ACPosition() { return created(position_); }
+  void ACPosition(std::shared_ptr<AQ_Position> position) { position_ = std::move(position); }
+
+ private:
+  std::shared_ptr<AQ_Time> emission_;
+  std::shared_ptr<AQ_Time> reception_;
+  std::shared_ptr<AQ_Position> position_;
+};
+
+}  // namespace aq

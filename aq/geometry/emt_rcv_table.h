@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+#include "aq/core/collection.h"
+#include "aq/core/export.h"
+#include "aq/geometry/emt_rcv_record.h"
+
+namespace aq {
+
+/// A series of pairs of emission and reception, and its columns. Records are shared with the
+/// caller.
+class AQ_API AQ_EmtRcvTable {
+ public:
+  using Column = std::shared_ptr<Collection<double>>;
+
+  /// The record at a place from 1 on; throws `InvalidIndex` elsewhere.
+  [[nodiscard]] std::shared_ptr<AQ_EmtRcvRecord> Record(std::int32_t nRecord) const {
+    return records_.Item(nRecord);
+  }
+
+  // Columns are new collections each time: seconds of the day of emission and of reception, and the
+  // aircraft's coordinates. Above 32767 records they throw `Overflow`.
+  [[nodiscard]] Column T() const;
+  [[nodiscard]] Column Tr() const;
+  [[nodiscard]] Column X() const;
+  [[nodiscard]] Column Y() const;
+  [[nodiscard]] Column Z() const;
+
+  /// The number of records. Throws `Overflow` above 32767.
+  [[nodiscard]] std::int16_t Count() const;
+
+  /// Appends a record, whatever the place: hosts rely on it.
+  void Record(std::int32_t /*nRecord*/, std::shared_ptr<AQ_EmtRcvRecord> record) {
+    records_.Add(std::move(record));
+  }
+
+ private:
+  template <class Value>
+  [[nodiscard]] Column column(const Value& value) const;
+
+  Collection<std::shared_ptr<AQ_EmtRcvRecord>> records_;
+};
+
+}  // namespace aq

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+#include "aq/core/created.h"
+#include "aq/core/enumerations.h"
+#include "aq/core/export.h"
+#include "aq/core/numbered_series.h"
+#include "aq/core/time.h"
+#include "aq/geometry/geometry.h"
+
+namespace aq {
+
+/// The emission geometry of the records of a measurement, half a second each, by record number.
+/// Points are shared with the caller, not copied.
+class AQ_API AQ_GeometryTimeHistory {
+ public:
+  /// A deep copy of points 1 to `Count`, and of nothing else. Throws `InvalidArgument` at a point
+  /// that is missing.
+  [[nodiscard]] std::shared_ptr<AQ_GeometryTimeHistory> Copy() const;
+
+  [[nodiscard]] AQ_RefTimeType ReferenceType() const { return referenceType_; }
+  void ReferenceType(AQ_RefTimeType type) { referenceType_ = type; }
+
+  /// Shares the reference time and its type. With any points it then throws `MemberNotSupported`,
+  /// as points have no single time: hosts rely on it, and `setTimeStamps` gives relative times.
+  void setRelTimes(const std::shared_ptr<AQ_Time>& ReferenceTime, AQ_RefTimeType RefType);
+
+  /// Created on first read; setting shares the caller's object.
+  std::shared_ptr<AQ_Time> startTime() { return created(startTime_); }
+  void startTime(std::shared_ptr<AQ_Time> time) { startTime_ = std::move(time); }
+
+  [[nodiscard]] AQ_TimeStampType TimeStampType() const { return timeStampType_; }
+  void TimeStampType(AQ_TimeStampType type) { timeStampType_ = type; }
+
+  /// Stamps `Tm` of points 1 to `Count` as `AQ_SpectralTimeHistory::setTimeStamps` stamps records,
+  /// then makes each relative to `RefTime`. The two times are copied. Throws `InvalidArgument` at a
+  /// point that is missing; those before it are stamped.
+  void setTimeStamps(const AQ_Time& startTime, AQ_TimeStampType StartTimeType,
+                     const AQ_Time& RefTime, AQ_RefTimeType RefType);
+
+  /// Created on first read; setting shares the caller's object.
+  std::shared_ptr<AQ_Time> ReferenceTime() { return created(referenceTime_); }
+  void ReferenceTime(std::shared_ptr<AQ_Time> time) { referenceTime_ = std::move(time); }
+
+  /// The point under a record number, not at a place. Reading throws `InvalidArgument` when there
+  /// is none; storing replaces one that is there.
+  [[nodiscard]] std::shared_ptr<AQ_Geometry> Point(std::int32_t nRecord) const {
+    return points_.at(nRecord);
+  }
+  void Point(std::int32_t nRecord, std::shared_ptr<AQ_Geometry> aqGeometry) {
+    points_.store(nRecord, std::move(aqGeometry));
+  }
+
+  /// The number of points. Throws `Overflow` above 32767.
+  [[nodiscard]] std::int16_t Count() const { return points_.count(); }
+
+ private:
+  NumberedSeries<AQ_Geometry> points_;
+  std::shared_ptr<AQ_Time> startTime_;
+  AQ_TimeStampType timeStampType_ = AQ_START;
+  std::shared_ptr<AQ_Time> referenceTime_;
+  AQ_RefTimeType referenceType_ = AQ_START_REF;
+};
+
+}  // namespace aq

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <memory>
+#include <utility>
+
+#include "aq/core/created.h"
+#include "aq/core/export.h"
+#include "aq/core/time.h"
+
+namespace aq {
+
+/// One sample of a source's position: a time of day and three Cartesian coordinates, in the unit of
+/// the file or program that filled them.
+class AQ_API AQ_Position {
+ public:
+  /// A deep copy. The time is created here if none is held.
+  [[nodiscard]] std::shared_ptr<AQ_Position> Copy();
+
+  /// Created on first read; setting shares the caller's object.
+  std::shared_ptr<AQ_Time> Time() { return created(time_); }
+  void Time(std::shared_ptr<AQ_Time> time) { time_ = std::move(time); }
+
+  [[nodiscard]] double X() const { return x_; }
+  [[nodiscard]] double Y() const { return y_; }
+  /// The height.
+  [[nodiscard]] double Z() const { return z_; }
+  void X(double x) { x_ = x; }
+  void Y(double y) { y_ = y; }
+  void Z(double z) { z_ = z; }
+
+  /// `Time().TODseconds()` without creating a time.
+  [[nodiscard]] double secondsOfDay() const { return time_ ? time_->TODseconds() : 0; }
+
+ private:
+  std::shared_ptr<AQ_Time> time_;
+  double x_ = 0;
+  double y_ = 0;
+  double z_ = 0;
+};
+
+}  // namespace aq

@@ -1,0 +1,39 @@
+#include "aq/geometry/position_time_history.h"
+
+#include <cmath>
+
+#include "aq/core/required.h"
+
+namespace aq {
+
+std::shared_ptr<AQ_PositionTimeHistory> AQ_PositionTimeHistory::Copy() const {
+  const std::int32_t count = Count();
+  auto copy = std::make_shared<AQ_PositionTimeHistory>();
+  for (std::int32_t place = 1; place <= count; ++place) {
+    copy->Position(place, required(Position(place)).Copy());
+  }
+  return copy;
+}
+
+std::shared_ptr<AQ_Position> AQ_PositionTimeHistory::PositionAt(const AQ_Time& aqTime) const {
+  if (Count() < 2) return nullptr;
+  const double time = aqTime.TODseconds();
+  auto before = positions_.begin();
+  double timeBefore = required(*before).secondsOfDay();
+  for (auto after = before; ++after != positions_.end(); before = after) {
+    const double timeAfter = required(*after).secondsOfDay();
+    if (timeBefore <= time && timeAfter >= time) {
+      return std::abs(timeBefore - time) < std::abs(timeAfter - time) ? *before : *after;
+    }
+    timeBefore = timeAfter;
+  }
+  return nullptr;
+}
+
+bool AQ_PositionTimeHistory::GoodTime(const AQ_Time& aqTime) const {
+  const double first = required(Position(1)).secondsOfDay();
+  const double last = required(Position(Count())).secondsOfDay();
+  return first <= aqTime.TODseconds() && aqTime.TODseconds() <= last;
+}
+
+}  // namespace aq

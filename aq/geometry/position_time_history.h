@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+#include "aq/core/export.h"
+#include "aq/core/numbered_series.h"
+#include "aq/core/time.h"
+#include "aq/geometry/position.h"
+
+namespace aq {
+
+/// The ordered series of a source's positions, shared with the caller. Samples are expected in
+/// ascending time order; nothing sorts or checks them. In memory it may hold more than the 32767
+/// samples that `Count` can tell.
+class AQ_API AQ_PositionTimeHistory {
+ public:
+  /// A deep copy in the order of places, numbered from 1. Throws `Overflow` above 32767 samples.
+  [[nodiscard]] std::shared_ptr<AQ_PositionTimeHistory> Copy() const;
+
+  /// The sample at a place from 1 on; throws `InvalidIndex` elsewhere.
+  [[nodiscard]] std::shared_ptr<AQ_Position> Position(std::int32_t nRecord) const {
+    return positions_.atPlace(nRecord);
+  }
+
+  /// Stores a sample under a record number. One that is there leaves its place and the new one goes
+  /// to the end, after which place and number differ: hosts rely on it.
+  void Position(std::int32_t nRecord, std::shared_ptr<AQ_Position> aqPosition) {
+    positions_.store(nRecord, std::move(aqPosition));
+  }
+
+  /// The stored sample nearest in time of day, the later of two equally near; no object when no two
+  /// neighbours enclose the time. Nothing is interpolated or extrapolated. Throws `Overflow` above
+  /// 32767 samples.
+  [[nodiscard]] std::shared_ptr<AQ_Position> PositionAt(const AQ_Time& aqTime) const;
+
+  /// Whether a time of day lies between those of the first and the last sample. Throws
+  /// `InvalidIndex` for an empty history, `Overflow` above 32767 samples.
+  [[nodiscard]] bool GoodTime(const AQ_Time& aqTime) const;
+
+  /// The number of samples. Throws `Overflow` above 32767.
+  [[nodiscard]] std::int16_t Count() const { return positions_.count(); }
+
+ private:
+  NumberedSeries<AQ_Position> positions_;
+};
+
+}  // namespace aq

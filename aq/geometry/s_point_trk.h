@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+#include "aq/core/time.h"
+
+namespace aq {
+
+/// Summary values of one point of a flight track. Their meaning beyond their names is the
+/// application's. The times are no objects until they are set.
+class AQ_SPointTrk {
+ public:
+  [[nodiscard]] std::shared_ptr<AQ_Time> TOH() const { return overhead_; }
+  void TOH(std::shared_ptr<AQ_Time> time) { overhead_ = std::move(time); }
+  [[nodiscard]] std::shared_ptr<AQ_Time> TMAX() const { return maximum_; }
+  void TMAX(std::shared_ptr<AQ_Time> time) { maximum_ = std::move(time); }
+  [[nodiscard]] std::shared_ptr<AQ_Time> T1() const { return first_; }
+  void T1(std::shared_ptr<AQ_Time> time) { first_ = std::move(time); }
+  [[nodiscard]] std::shared_ptr<AQ_Time> T2() const { return second_; }
+  void T2(std::shared_ptr<AQ_Time> time) { second_ = std::move(time); }
+
+  [[nodiscard]] float YOFF() const { return lateralOffset_; }
+  void YOFF(float offset) { lateralOffset_ = offset; }
+  [[nodiscard]] float PHI() const { return phi_; }
+  void PHI(float angle) { phi_ = angle; }
+  [[nodiscard]] float CYANG() const { return cyAngle_; }
+  void CYANG(float angle) { cyAngle_ = angle; }
+  [[nodiscard]] float ALT() const { return altitude_; }
+  void ALT(float altitude) { altitude_ = altitude; }
+  /// Ground speed, knots.
+  [[nodiscard]] float GSPDKTS() const { return groundSpeed_; }
+  void GSPDKTS(float speed) { groundSpeed_ = speed; }
+
+  [[nodiscard]] std::int16_t FIRST() const { return firstRecord_; }
+  void FIRST(std::int16_t record) { firstRecord_ = record; }
+  [[nodiscard]] std::int16_t LAST() const { return lastRecord_; }
+  void LAST(std::int16_t record) { lastRecord_ = record; }
+  [[nodiscard]] std::int16_t MAX() const { return maximumRecord_; }
+  void MAX(std::int16_t record) { maximumRecord_ = record; }
+
+ private:
+  std::shared_ptr<AQ_Time> overhead_;
+  std::shared_ptr<AQ_Time> maximum_;
+  std::shared_ptr<AQ_Time> first_;
+  std::shared_ptr<AQ_Time> second_;
+  float lateralOffset_ = 0;
+  float phi_ = 0;
+  float cyAngle_ = 0;
+  float altitude_ = 0;
+  float groundSpeed_ = 0;
+  std::int16_t firstRecord_ = 0;
+  std::int16_t lastRecord_ = 0;
+  std::int16_t maximumRecord_ = 0;
+};
+
+}  // namespace aq

@@ -1,0 +1,19 @@
+#include "aq/geometry/tracking_line.h"
+
+#include "aq/text/fields.h"
+
+namespace aq {
+
+TrackingLine trackingLineFrom(const LineReader& lines) {
+  FieldReader fields(lines, FieldReader::Form::Raw);
+  TrackingLine line{std::make_shared<AQ_Position>(), 0};
+  fields.timeOfDay(*line.position->Time());
+  line.quality = fields.byte("an RT20 figure from 0 to 255");
+  fields.skip(6, "a field in front of the coordinates");
+  line.position->X(fields.number("a coordinate"));
+  line.position->Y(fields.number("a coordinate"));
+  line.position->Z(fields.number("a coordinate"));
+  return line;
+}
+
+}  // namespace aq

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "aq/core/export.h"
+#include "aq/geometry/position.h"
+#include "aq/text/line_reader.h"
+
+namespace aq {
+
+/// One data line of a tracking file.
+struct TrackingLine {
+  std::shared_ptr<AQ_Position> position;
+  std::uint8_t quality;  ///< the RT20 figure, 0 best
+};
+
+/// How many lines a tracking file has in front of its data.
+inline constexpr std::size_t kTrackingHeaderLines = 6;
+
+/// Takes the line that `lines` stands at apart. Throws `ReadFailure`.
+[[nodiscard]] AQ_API TrackingLine trackingLineFrom(const LineReader& lines);
+
+}  // namespace aq

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "aq/core/export.h"
+#include "aq/text/fields.h"
+#include "aq/text/line_reader.h"
+
+namespace aq {
+
+/// Counts data lines with 16 bits, as hosts know the files: one more than 32767 fails the read.
+class DataLineLimit {
+ public:
+  /// The number of the line among the data lines, from 1.
+  std::int32_t count(const LineReader& lines) {
+    if (number_ == kMost) failRead(lines.number(), 0, "no more than 32767 lines", "one more");
+    return ++number_;
+  }
+
+ private:
+  static constexpr std::int32_t kMost = 32767;
+
+  std::int32_t number_ = 0;
+};
+
+}  // namespace aq
