@@ -1,12 +1,11 @@
 // The main job: read a history and its masking map, stamp it, find the last good bands, show it,
 // write it, read it again and say what is equal and what the file does not carry.
-#include <aq/aq.h>
-
 #include <algorithm>
 #include <iomanip>
-#include <iostream>
 #include <string>
 #include <utility>
+
+#include "examples/outcome.h"
 
 namespace {
 
@@ -18,12 +17,6 @@ struct Measurement {
   std::shared_ptr<aq::AQ_HeaderSTH> header;
   std::shared_ptr<AQ_SpectralTimeHistory> history;
 };
-
-bool isGood(aq::AQ_DataMessage result, const aq::FileClass& file) {
-  if (result == aq::AQ_DATA_OK) return true;
-  std::cerr << file.lastFailure()->message() << '\n';
-  return false;
-}
 
 void showHeader(const Measurement& read) {
   AQ_SpectralTimeHistory& history = *read.history;

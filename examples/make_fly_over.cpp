@@ -1,12 +1,12 @@
-// Makes a history and its masking map from nothing, and writes both: a jet that passes 150 m
+// Makes a measurement from nothing and writes its files, history, masking map, tracking, ambient
+// and parameters, into a folder: a jet that passes 150 m
 // overhead, spherical spreading, an assumed air absorption, bands less than 3 dB above an assumed
 // ambient masked. The sample in examples/data was made by this program.
-#include <aq/aq.h>
-
 #include <algorithm>
 #include <cmath>
-#include <iostream>
 #include <string>
+
+#include "examples/outcome.h"
 
 namespace {
 
@@ -59,22 +59,48 @@ void stamp(aq::AQ_SpectralTimeHistory& history) {
   history.setTimeStamps(start, aq::AQ_MIDPT, overhead, aq::AQ_OVERHEAD);
 }
 
-bool isWritten(aq::AQ_DataMessage result, const aq::FileClass& file) {
-  if (result == aq::AQ_DATA_OK) return true;
-  std::cerr << file.lastFailure()->message() << '\n';
-  return false;
+bool writeTrack(const std::string& path) {
+  aq::AQ_DataASCII file;
+  for (const char* line : {"Tracking of the fly-over sample", "Coordinates in metres",
+                           "Reference: the microphone's ground point", "Rate: 5 a second",
+                           "Quality: RT20, 0 best", "Time,RT20,Lat,Lon,Alt,VX,VY,VZ,X,Y,Z"}) {
+    file.Lines()->Add(line);
+  }
+  for (int fix = 0; fix < 150; ++fix) {
+    aq::AQ_Time time;
+    time.TODnumbers(14, 30, fix * 0.2);
+    const std::string quality = fix % 40 == 17 ? ",2" : ",0";
+    file.Lines()->Add(time.TODstring() + quality + ",,,,,,," + std::to_string(17 * (fix - 74)) +
+                      ",0,150");
+  }
+  return isGood(file.writeLines(path), file);
 }
 
-}  // namespace
+bool writeAmbient(const std::string& path) {
+  aq::AQ_Spectrum spectrum;
+  for (std::int16_t band = kLow; band <= kHigh; ++band) spectrum.SPL(band, ambient(band));
+  const auto header = std::make_shared<aq::AQ_HeaderSSR>();
+  header->cCommentLines->Add("Assumed ambient of the fly-over sample");
+  aq::AQ_DataSSR file;
+  return isGood(file.writeFile(path, header, spectrum), file);
+}
 
-int main(int argc, char** argv) {
-  const std::string folder = argc > 1 ? argv[1] : ".";
+bool writeParameters(const std::string& path) {
+  aq::AQ_DataINI parameters;
+  parameters.NuTimg(aq::AQ_MIDPT);
+  parameters.PrWndo(10);
+  parameters.PoWndo(10);
+  parameters.LoRec(1);
+  parameters.HiRec(kRecords);
+  return isGood(parameters.writeFile(path), parameters);
+}
+
+bool writeHistoryAndMap(const std::string& historyPath, const std::string& mapPath) {
   aq::AQ_SpectralTimeHistory history;
   aq::AQ_MaskMap map;
   fill(history, map);
   stamp(history);
   map.setLGB();
-
   const auto header = std::make_shared<aq::AQ_HeaderSTH>();
   header->sProjectName = "Fly-over sample";
   header->sMicrophoneID = "M1";
@@ -83,13 +109,19 @@ int main(int argc, char** argv) {
   header->cCommentLines->Add("A computed fly-over; no measurement");
   const auto mapHeader = std::make_shared<aq::AQ_HeaderMask>();
   mapHeader->sGeneratedBy = "make_fly_over";
-  mapHeader->sGenerationFile = "fly-over.sth.csv";
-
+  mapHeader->sGenerationFile = historyPath;
   aq::AQ_DataSTH historyFile;
   aq::AQ_DataMask mapFile;
-  const bool written =
-      isWritten(historyFile.writeFile(folder + "/fly-over.sth.csv", header, history),
-                historyFile) &&
-      isWritten(mapFile.writeFile(folder + "/fly-over.mask.csv", mapHeader, map), mapFile);
+  return isGood(historyFile.writeFile(historyPath, header, history), historyFile) &&
+         isGood(mapFile.writeFile(mapPath, mapHeader, map), mapFile);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::string sample = std::string(argc > 1 ? argv[1] : ".") + "/fly-over";
+  const bool written = writeHistoryAndMap(sample + ".sth.csv", sample + ".mask.csv") &&
+                       writeTrack(sample + ".tspi.csv") && writeAmbient(sample + ".ssr.csv") &&
+                       writeParameters(sample + ".ini.csv");
   return written ? 0 : 1;
 }

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "aq/core/error.h"
+#include "aq/core/on_demand.h"
 #include "aq/core/ordered_slots.h"
 
 namespace aq {
@@ -26,7 +27,7 @@ class Collection {
   /// Throws `InvalidArgument`, and adds nothing, when the key is taken.
   void Add(T value, std::string_view key) {
     slots_.makeRoom();
-    if (!keys_.emplace(key, slots_.slots()).second) {
+    if (!keys_.made().emplace(key, slots_.slots()).second) {
       throw Error(ErrorCode::InvalidArgument, "the collection has an entry " + shown(key));
     }
     slots_.append(std::move(value));
@@ -47,15 +48,16 @@ class Collection {
   /// Throws as `Item` does.
   void Remove(std::int32_t place) {
     const std::size_t slot = slots_.slotOf(place);
-    const auto key = std::find_if(keys_.begin(), keys_.end(),
+    Keys& keys = keys_.made();
+    const auto key = std::find_if(keys.begin(), keys.end(),
                                   [slot](const auto& entry) { return entry.second == slot; });
     removeSlot(slot);
-    if (key != keys_.end()) keys_.erase(key);
+    if (key != keys.end()) keys.erase(key);
   }
   void Remove(std::string_view key) {
     const auto entry = entryOf(key);
     removeSlot(entry->second);
-    keys_.erase(entry);
+    keys_.made().erase(entry);
   }
 
   [[nodiscard]] auto begin() { return slots_.begin(); }
@@ -64,7 +66,7 @@ class Collection {
   [[nodiscard]] auto end() const { return slots_.end(); }
 
   /// Whether an entry has that key.
-  [[nodiscard]] bool contains(std::string_view key) const { return keys_.contains(key); }
+  [[nodiscard]] bool contains(std::string_view key) const { return keys_ && keys_->contains(key); }
   void reserve(std::size_t count) { slots_.reserve(count); }
 
  private:
@@ -77,21 +79,20 @@ class Collection {
   using Keys = std::unordered_map<std::string, std::size_t, Hash, std::equal_to<>>;
 
   [[nodiscard]] auto entryOf(std::string_view key) const {
-    const auto entry = keys_.find(key);
-    if (entry == keys_.end()) {
+    if (!contains(key)) {
       throw Error(ErrorCode::InvalidArgument, "the collection has no entry " + shown(key));
     }
-    return entry;
+    return keys_->find(key);
   }
 
   void removeSlot(std::size_t slot) {
     slots_.remove(slot, [this](const auto& newSlot) {
-      for (auto& [key, keySlot] : keys_) keySlot = newSlot(keySlot);
+      for (auto& [key, keySlot] : keys_.made()) keySlot = newSlot(keySlot);
     });
   }
 
   OrderedSlots<T> slots_;
-  Keys keys_;
+  OnDemand<Keys> keys_;
 };
 
 }  // namespace aq

@@ -18,6 +18,19 @@ void appendShown(std::string& text, unsigned char byte) {
 
 }  // namespace
 
+std::string escaped(std::string_view text) {
+  std::string line;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte < 0x80) {
+      appendShown(line, byte);
+    } else {
+      line += c;
+    }
+  }
+  return line;
+}
+
 std::string shown(std::string_view text) {
   constexpr std::string_view kCut = "...";
   std::string quoted = "\"";

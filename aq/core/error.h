@@ -31,6 +31,9 @@ class AQ_API Error : public std::runtime_error {
   ErrorCode code_;
 };
 
+/// `text` with its control bytes escaped; letters of any encoding pass.
+[[nodiscard]] AQ_API std::string escaped(std::string_view text);
+
 /// `text` as messages show it: in quotes, unprintable bytes escaped, cut at 60 characters.
 [[nodiscard]] AQ_API std::string shown(std::string_view text);
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "aq/core/error.h"
+#include "aq/core/on_demand.h"
 #include "aq/core/removed_slots.h"
 
 namespace aq {
@@ -41,7 +42,7 @@ class OrderedSlots {
 
    private:
     void skipUnused() {
-      while (slot_ < list_->values_.size() && list_->removed_.contains(slot_)) ++slot_;
+      while (slot_ < list_->values_.size() && list_->isRemoved(slot_)) ++slot_;
     }
 
     List* list_ = nullptr;
@@ -50,7 +51,7 @@ class OrderedSlots {
   using iterator = Iterator<OrderedSlots, T>;
   using const_iterator = Iterator<const OrderedSlots, const T>;
 
-  [[nodiscard]] std::size_t size() const { return values_.size() - removed_.count(); }
+  [[nodiscard]] std::size_t size() const { return values_.size() - removedCount(); }
   [[nodiscard]] std::size_t slots() const { return values_.size(); }
   void reserve(std::size_t size) { values_.reserve(size); }
 
@@ -63,33 +64,34 @@ class OrderedSlots {
       throw Error(ErrorCode::InvalidIndex,
                   "no place " + std::to_string(place) + " in a list of " + std::to_string(size()));
     }
-    return removed_.slotOf(static_cast<std::size_t>(place) - 1);
+    const auto zeroBased = static_cast<std::size_t>(place) - 1;
+    return removed_ ? removed_->slotOf(zeroBased) : zeroBased;
   }
 
   /// Makes room for one more value, so that `append` cannot fail.
   void makeRoom() {
     if (values_.size() == values_.capacity()) values_.reserve(values_.size() * 2 + 1);
-    removed_.makeRoom();
+    if (removed_) removed_.made().makeRoom();
   }
 
   /// Room was made.
   void append(T value) {
     values_.push_back(std::move(value));
-    removed_.grow();
+    if (removed_) removed_.made().grow();
   }
 
   /// Removes the value in `slot`; calls `renumber(newSlot)`, which gives the new slot of an old
   /// one, when the unused slots are closed up. A failure changes nothing.
   template <class Renumber>
   void remove(std::size_t slot, const Renumber& renumber) {
-    if (removed_.count() == 0 && slot + 1 == values_.size()) {
+    if (!removed_ && slot + 1 == values_.size()) {
       values_.pop_back();
       return;
     }
-    removed_.add(slot, values_.size());
+    removed_.made().add(slot, values_.size());
     values_[slot] = T();
-    if (removed_.count() <= size()) return;
-    renumber([this](std::size_t old) { return removed_.placeOf(old); });
+    if (removed_->count() <= size()) return;
+    renumber([this](std::size_t old) { return removed_->placeOf(old); });
     closeUp();
   }
 
@@ -99,19 +101,24 @@ class OrderedSlots {
   [[nodiscard]] const_iterator end() const { return {this, values_.size()}; }
 
  private:
+  [[nodiscard]] std::size_t removedCount() const { return removed_ ? removed_->count() : 0; }
+  [[nodiscard]] bool isRemoved(std::size_t slot) const {
+    return removed_ && removed_->contains(slot);
+  }
+
   void closeUp() {
     std::size_t used = 0;
     for (std::size_t slot = 0; slot < values_.size(); ++slot) {
-      if (removed_.contains(slot)) continue;
+      if (removed_->contains(slot)) continue;
       if (used != slot) values_[used] = std::move(values_[slot]);
       ++used;
     }
     values_.erase(values_.begin() + static_cast<std::ptrdiff_t>(used), values_.end());
-    removed_.clear();
+    removed_.reset();
   }
 
   std::vector<T> values_;
-  RemovedSlots removed_;
+  OnDemand<RemovedSlots> removed_;
 };
 
 }  // namespace aq

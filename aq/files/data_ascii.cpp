@@ -38,37 +38,38 @@ void divideAtSpaces(std::string_view line, Collection<std::string>& fields) {
 }  // namespace
 
 AQ_DataMessage AQ_DataASCII::readFields(const std::string& sFileName) {
-  return reading(sFileName, [&] {
+  return reading(sFileName, [&](const std::string& name) {
     auto fields = std::make_shared<FieldLines>();
-    LineReader lines(sFileName);
-    while (lines.next()) fields->Add(divided(lines.line()));
+    LineReader lines(name);
+    std::vector<std::string_view> pieces;  // room that all lines share
+    while (lines.next()) fields->Add(divided(lines.line(), pieces));
     fields_ = std::move(fields);
   });
 }
 
 AQ_DataMessage AQ_DataASCII::readLines(const std::string& sFileName) {
-  return reading(sFileName, [&] {
+  return reading(sFileName, [&](const std::string& name) {
     auto all = std::make_shared<Collection<std::string>>();
-    LineReader lines(sFileName);
+    LineReader lines(name);
     while (lines.next()) all->Add(std::string(lines.line()));
     lines_ = std::move(all);
   });
 }
 
 AQ_DataMessage AQ_DataASCII::writeFields(const std::string& sFileName) {
-  return writing(sFileName, [&] { return fieldsText(false); });
+  return writing(sFileName, [&](const auto&) { return fieldsText(false); });
 }
 
 AQ_DataMessage AQ_DataASCII::appendFields(const std::string& sFileName) {
-  return appending(sFileName, [&] { return fieldsText(quotedFields_); });
+  return appending(sFileName, [&](const auto&) { return fieldsText(quotedFields_); });
 }
 
 AQ_DataMessage AQ_DataASCII::writeLines(const std::string& sFileName) {
-  return writing(sFileName, [&] { return linesText(); });
+  return writing(sFileName, [&](const auto&) { return linesText(); });
 }
 
 AQ_DataMessage AQ_DataASCII::appendLines(const std::string& sFileName) {
-  return appending(sFileName, [&] { return linesText(); });
+  return appending(sFileName, [&](const auto&) { return linesText(); });
 }
 
 void AQ_DataASCII::CommentFields(bool quoted) {
@@ -77,7 +78,8 @@ void AQ_DataASCII::CommentFields(bool quoted) {
   closing_ = kQuote + delimiter_;
 }
 
-std::shared_ptr<Collection<std::string>> AQ_DataASCII::divided(std::string_view line) const {
+std::shared_ptr<Collection<std::string>> AQ_DataASCII::divided(
+    std::string_view line, std::vector<std::string_view>& pieces) const {
   auto fields = std::make_shared<Collection<std::string>>();
   if (delimiter_ == " ") {
     divideAtSpaces(line, *fields);
@@ -86,7 +88,7 @@ std::shared_ptr<Collection<std::string>> AQ_DataASCII::divided(std::string_view 
   line = trimmed(line);
   std::string guarded;
   if (quotedFields_ && line.find(kQuote) != line.npos) line = guarded = withPlaceholders(line);
-  std::vector<std::string_view> pieces;
+  pieces.clear();
   split(line, delimiter_, pieces);
   fields->reserve(pieces.size());
   for (const std::string_view piece : pieces) fields->Add(restored(piece));

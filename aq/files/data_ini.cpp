@@ -114,14 +114,14 @@ void readLine(LineReader& lines, AQ_DataINI& parameters) {
 }  // namespace
 
 AQ_DataMessage AQ_DataINI::writeFile(const std::string& sFileName) {
-  return writing(sFileName, [&] {
-    fileName_ = sFileName;
+  return writing(sFileName, [&](const std::string& name) {
+    fileName_ = name;
     std::string text;
     HeaderWriter lines(text);
     lines.title(titles::kVariableInitialization);
     lines.recordedName(kFileName, fileName_);
-    lines.currentDateTime(kFileDateTime, *FileDate());
-    lines.lines(kComments, *Comments());
+    lines.currentDateTime(kFileDateTime, FileDate());
+    lines.lines(kComments, Comments());
     for (const Parameter& parameter : kParameters) {
       const auto value = parameter.text(*this);
       if (value) lines.textAfterBlank(parameter.keyword, *value);
@@ -131,8 +131,8 @@ AQ_DataMessage AQ_DataINI::writeFile(const std::string& sFileName) {
 }
 
 AQ_DataMessage AQ_DataINI::readFile(const std::string& sFileName) {
-  return reading(sFileName, [&] {
-    LineReader lines(sFileName);
+  return reading(sFileName, [&](const std::string& name) {
+    LineReader lines(name);
     bool more = lines.next();
     averaging_ = AQ_NA;
     timing_ = kTimingNotSet;

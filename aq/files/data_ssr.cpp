@@ -16,8 +16,8 @@ template <class Lines>
 void header(Lines& lines, AQ_HeaderSSR& header) {
   lines.title(titles::kSpectrumRecord);
   lines.recordedName("FileName", header.sFileName);
-  lines.currentDateTime("FileDateTime", required(header.aqFileDateTime));
-  lines.lines("NumberOfCommentLines", required(header.cCommentLines));
+  lines.currentDateTime("FileDateTime", header.aqFileDateTime);
+  lines.lines("NumberOfCommentLines", header.cCommentLines);
 }
 
 /// The band of a label such as "B17/50Hz": what stands between its first character and its slash.
@@ -45,9 +45,9 @@ void takeLine(LineReader& lines, const char* expected) {
 AQ_DataMessage AQ_DataSSR::writeFile(const std::string& sFileName,
                                      const std::shared_ptr<AQ_HeaderSSR>& aqHeader,
                                      const AQ_Spectrum& spectrum) {
-  return writing(sFileName, [&] {
+  return writing(sFileName, [&](const std::string& name) {
     header_ = aqHeader;
-    required(header_).sFileName = sFileName;
+    required(header_).sFileName = name;
     std::string text;
     HeaderWriter lines(text);
     header(lines, *header_);
@@ -64,8 +64,8 @@ AQ_DataMessage AQ_DataSSR::writeFile(const std::string& sFileName,
 AQ_DataMessage AQ_DataSSR::readFile(const std::string& sFileName,
                                     std::shared_ptr<AQ_Spectrum>& specNew,
                                     std::shared_ptr<AQ_HeaderSSR>& ssrHeader) {
-  return reading(sFileName, [&] {
-    LineReader lines(sFileName);
+  return reading(sFileName, [&](const std::string& name) {
+    LineReader lines(name);
     HeaderReader headerLines(lines);
     header_ = std::make_shared<AQ_HeaderSSR>();
     header(headerLines, *header_);

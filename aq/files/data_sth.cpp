@@ -14,9 +14,9 @@ namespace aq {
 namespace {
 
 constexpr std::string_view kColumns = "Rec#";
-constexpr std::int16_t kHeadingLow =
-    17;  // the heading names these bands whatever the records hold:
-constexpr std::int16_t kHeadingHigh = 40;  // hosts rely on it
+// The heading names these bands whatever the records hold: hosts rely on it.
+constexpr std::int16_t kHeadingLow = 17;
+constexpr std::int16_t kHeadingHigh = 40;
 
 template <class Lines>
 void header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHistory& history,
@@ -27,7 +27,7 @@ void header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHistory& history,
   std::int16_t high = history.HiRec();
   lines.title(titles::kSpectralTimeHistory);
   lines.recordedName("FileName", header.sFileName);
-  lines.currentDateTime("FileDateTime", required(header.aqFileDateTime));
+  lines.currentDateTime("FileDateTime", header.aqFileDateTime);
   lines.text("ProjectName", header.sProjectName);
   lines.text("MicrophoneID", header.sMicrophoneID);
   lines.value(
@@ -49,10 +49,9 @@ void header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHistory& history,
   lines.integers("Bands", ", ", columns.low, columns.high);
   lines.text("GeneratedBy", header.sGeneratedBy);
   lines.recordedName("GenerationFile", header.sGenerationFile);
-  lines.dateTimeOf("GenerationFileDateTime", header.sGenerationFile,
-                   required(header.aqGenerationDateTime));
-  lines.lines("OtherRecords", required(header.cOtherRecords));
-  lines.lines("NumberOfCommentLines", required(header.cCommentLines));
+  lines.dateTimeOf("GenerationFileDateTime", header.sGenerationFile, header.aqGenerationDateTime);
+  lines.lines("OtherRecords", header.cOtherRecords);
+  lines.lines("NumberOfCommentLines", header.cCommentLines);
 }
 
 std::string columnHeading() {
@@ -74,13 +73,6 @@ void appendRecord(std::string& text, std::int16_t record, AQ_Spectrum& spectrum)
   text += platform::lineEnd;
 }
 
-/// Looks for the title behind the first comma, whatever the keyword.
-void checkTitle(std::string_view line) {
-  const std::size_t comma = line.find(',');
-  if (comma != line.npos && trimmed(line.substr(comma + 1)) == titles::kSpectralTimeHistory) return;
-  failRead(1, 0, "the file type \"" + std::string(titles::kSpectralTimeHistory) + '"', shown(line));
-}
-
 void readRecord(FieldReader fields, LevelColumns& columns, AQ_SpectralTimeHistory& history) {
   auto spectrum = std::make_shared<AQ_Spectrum>();
   const auto time = spectrum->Time();
@@ -96,9 +88,9 @@ void readRecord(FieldReader fields, LevelColumns& columns, AQ_SpectralTimeHistor
 AQ_DataMessage AQ_DataSTH::writeFile(const std::string& sFileName,
                                      const std::shared_ptr<AQ_HeaderSTH>& aqHeader,
                                      AQ_SpectralTimeHistory& aqTimeHistory) {
-  return writing(sFileName, [&] {
+  return writing(sFileName, [&](const std::string& name) {
     header_ = aqHeader;
-    required(header_).sFileName = sFileName;
+    required(header_).sFileName = name;
     const std::int32_t low = aqTimeHistory.LoRec();
     const std::int32_t high = aqTimeHistory.HiRec();
     const auto record = [&](std::int32_t number) -> AQ_Spectrum& {
@@ -119,16 +111,14 @@ AQ_DataMessage AQ_DataSTH::writeFile(const std::string& sFileName,
 AQ_DataMessage AQ_DataSTH::readFile(const std::string& sFileName,
                                     std::shared_ptr<AQ_HeaderSTH>& aqHeader,
                                     std::shared_ptr<AQ_SpectralTimeHistory>& STH) {
-  return reading(sFileName, [&] {
+  return reading(sFileName, [&](const std::string& name) {
     auto history = std::make_shared<AQ_SpectralTimeHistory>();
-    LineReader lines(sFileName);
+    LineReader lines(name);
     HeaderReader headerLines(lines);
     header_ = std::make_shared<AQ_HeaderSTH>();
     LevelColumns columns;
     header(headerLines, *header_, *history, columns);
     headerLines.skipColumns();
-    lowBand_ = columns.low;
-    highBand_ = columns.high;
     aqHeader = header_;
     while (lines.next()) readRecord(FieldReader(lines), columns, *history);
     STH = std::move(history);
@@ -137,11 +127,11 @@ AQ_DataMessage AQ_DataSTH::readFile(const std::string& sFileName,
 
 bool AQ_DataSTH::getRawHeader(const std::string& sFileName,
                               std::shared_ptr<Collection<std::string>>& colHeader) {
-  const AQ_DataMessage result = reading(sFileName, [&] {
+  const AQ_DataMessage result = reading(sFileName, [&](const std::string& name) {
     auto header = std::make_shared<Collection<std::string>>();
-    LineReader lines(sFileName);
-    bool more = lines.next();
-    checkTitle(more ? lines.line() : "");
+    LineReader lines(name);
+    HeaderReader(lines).titleBehindComma(titles::kSpectralTimeHistory);
+    bool more = true;
     for (; more && !lines.line().starts_with(kColumns); more = lines.next()) {
       header->Add(std::string(lines.line()));
     }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -36,8 +35,6 @@ class AQ_API AQ_DataSTH : public FileClass {
 
  private:
   std::shared_ptr<AQ_HeaderSTH> header_;
-  std::int16_t lowBand_ = 0;  // of the file read last
-  std::int16_t highBand_ = 0;
 };
 
 }  // namespace aq

@@ -21,7 +21,7 @@ void header(Lines& lines, AQ_HeaderGTH& header) {
   double z = microphone.Z();
   lines.title(titles::kGeometricTimeHistory);
   lines.recordedName("FileName", header.GTHFileName);
-  lines.currentDateTime12("FileDateTime", required(header.GTHFileDateTime));
+  lines.currentDateTime12("FileDateTime", header.GTHFileDateTime);
   lines.text("ProjectName", header.ProjectName);
   lines.text("GeneratedBy", header.GeneratedBy);
   lines.text("MicrophoneID", header.MicrophoneID);
@@ -34,8 +34,8 @@ void header(Lines& lines, AQ_HeaderGTH& header) {
   lines.recordedName("MICFileName", header.MICFileName);
   lines.dateTimeOf("MICDateTime", header.MICFileName, header.MICFileDateTime);
   lines.integer("NumberRecords", header.NumberRecords);
-  lines.lines("OtherRecords", required(header.colOtherRecords), header.OtherRecords);
-  lines.lines("NumberOfCommentLines", required(header.colCommentLines), header.nCommentLines);
+  lines.lines("OtherRecords", header.colOtherRecords, header.OtherRecords);
+  lines.lines("NumberOfCommentLines", header.colCommentLines, header.nCommentLines);
   microphone.X(x);
   microphone.Y(y);
   microphone.Z(z);
@@ -85,10 +85,10 @@ void readPoint(FieldReader fields, AQ_GeometryTimeHistory& history) {
 void AQ_DataGTH::writeFile(const std::string& sFileName,
                            const std::shared_ptr<AQ_HeaderGTH>& aqHeader,
                            const AQ_GeometryTimeHistory& aqTimeHistory, AQ_DataMessage& result) {
-  result = writing(sFileName, [&] {
+  result = writing(sFileName, [&](const std::string& name) {
     header_ = aqHeader;
     const std::int32_t count = aqTimeHistory.Count();
-    required(header_).GTHFileName = sFileName;
+    required(header_).GTHFileName = name;
     header_->NumberRecords = count;
     std::string text;
     HeaderWriter lines(text);
@@ -103,8 +103,8 @@ void AQ_DataGTH::writeFile(const std::string& sFileName,
 
 void AQ_DataGTH::readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderGTH>& aqHeader,
                           std::shared_ptr<AQ_GeometryTimeHistory>& GTH, AQ_DataMessage& result) {
-  result = reading(sFileName, [&] {
-    LineReader lines(sFileName);
+  result = reading(sFileName, [&](const std::string& name) {
+    LineReader lines(name);
     HeaderReader headerLines(lines);
     header_ = std::make_shared<AQ_HeaderGTH>();
     header(headerLines, *header_);

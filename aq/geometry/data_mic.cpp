@@ -11,11 +11,11 @@ void readHeader(HeaderReader& lines, AQ_HeaderMIC& header) {
   lines.title(titles::kMicrophonePosition);
   header.sFileType = titles::kMicrophonePosition;
   lines.recordedName("FileName", header.sFileName);
-  lines.currentDateTime("FileDateTime", *header.aqFileDateTime);
+  lines.currentDateTime("FileDateTime", header.aqFileDateTime);
   lines.text("ProjectName", header.sProjectName);
   lines.text("MicrophoneID", header.sMicrophoneID);
-  lines.lines("OtherRecords", *header.cOtherRecords, header.nOtherRecords);
-  lines.lines("NumberOfCommentLines", *header.cCommentLines, header.nCommentLines);
+  lines.lines("OtherRecords", header.cOtherRecords, header.nOtherRecords);
+  lines.lines("NumberOfCommentLines", header.cCommentLines, header.nCommentLines);
 }
 
 void readMicrophone(FieldReader fields, AQ_Microphone& microphone) {
@@ -29,8 +29,8 @@ void readMicrophone(FieldReader fields, AQ_Microphone& microphone) {
 
 void AQ_DataMIC::readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderMIC>& aqHeader,
                           const std::shared_ptr<AQ_Microphone>& MIC, AQ_DataMessage& result) {
-  result = reading(sFileName, [&] {
-    LineReader lines(sFileName);
+  result = reading(sFileName, [&](const std::string& name) {
+    LineReader lines(name);
     HeaderReader headerLines(lines);
     header_ = std::make_shared<AQ_HeaderMIC>();
     readHeader(headerLines, *header_);

@@ -16,14 +16,14 @@ template <class Lines>
 void header(Lines& lines, AQ_HeaderPTH& header) {
   lines.title(titles::kPositionTimeHistory);
   lines.recordedName("FileName", header.sFileName);
-  lines.currentDateTime("FileDateTime", required(header.aqFileDateTime));
+  lines.currentDateTime("FileDateTime", header.aqFileDateTime);
   lines.textAfterBlank("ProjectName", header.sProjectName);
   lines.text("GeneratedBy", header.sGeneratedBy);
   lines.recordedName("TSPIFileName", header.sTSPIFileName);
   lines.dateTimeOf("TSPIFileDateTime", header.sTSPIFileName, header.sTSPIFileDateTime);
   lines.integer("NumberRecords", header.lNumberRecords);
-  lines.lines("OtherRecords", required(header.cOtherRecords), header.nOtherRecords);
-  lines.lines("NumberOfCommentLines", required(header.cCommentLines), header.nCommentLines);
+  lines.lines("OtherRecords", header.cOtherRecords, header.nOtherRecords);
+  lines.lines("NumberOfCommentLines", header.cCommentLines, header.nCommentLines);
 }
 
 void appendPosition(std::string& text, AQ_Position& position) {
@@ -49,10 +49,10 @@ std::shared_ptr<AQ_Position> positionFrom(FieldReader fields) {
 void AQ_DataPTH::writeFile(const std::string& sFileName,
                            const std::shared_ptr<AQ_HeaderPTH>& aqHeader,
                            const AQ_PositionTimeHistory& aqTimeHistory, AQ_DataMessage& result) {
-  result = writing(sFileName, [&] {
+  result = writing(sFileName, [&](const std::string& name) {
     header_ = aqHeader;
     const std::int32_t count = aqTimeHistory.Count();
-    required(header_).sFileName = sFileName;
+    required(header_).sFileName = name;
     header_->lNumberRecords = count;
     std::string text;
     HeaderWriter lines(text);
@@ -67,8 +67,8 @@ void AQ_DataPTH::writeFile(const std::string& sFileName,
 
 void AQ_DataPTH::readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderPTH>& aqHeader,
                           std::shared_ptr<AQ_PositionTimeHistory>& PTH, AQ_DataMessage& result) {
-  result = reading(sFileName, [&] {
-    LineReader lines(sFileName);
+  result = reading(sFileName, [&](const std::string& name) {
+    LineReader lines(name);
     HeaderReader headerLines(lines);
     header_ = std::make_shared<AQ_HeaderPTH>();
     header(headerLines, *header_);

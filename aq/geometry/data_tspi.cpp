@@ -7,8 +7,8 @@ namespace aq {
 
 void AQ_DataTSPI::readFile(const std::string& sFileName,
                            std::shared_ptr<AQ_PositionTimeHistory>& PTH, AQ_DataMessage& result) {
-  result = reading(sFileName, [&] {
-    LineReader lines(sFileName);
+  result = reading(sFileName, [&](const std::string& name) {
+    LineReader lines(name);
     bool more = lines.next();
     badPositions_ = 0;
     auto history = std::make_shared<AQ_PositionTimeHistory>();

@@ -16,15 +16,14 @@ template <class Lines>
 void header(Lines& lines, AQ_HeaderMask& header) {
   lines.title(titles::kMaskingMap);
   lines.recordedName("FileName", header.sFileName);
-  lines.currentDateTime("FileDateTime", required(header.aqFileDateTime));
+  lines.currentDateTime("FileDateTime", header.aqFileDateTime);
   lines.integer("NumberOfRows", header.lNumberRows);
   lines.integers("Bands", ", ", header.iBandLow, header.iBandHigh);
   lines.text("GeneratedBy", header.sGeneratedBy);
   lines.recordedName("GenerationFile", header.sGenerationFile);
-  lines.dateTimeOf("GenerationFileDateTime", header.sGenerationFile,
-                   required(header.aqGenerationDateTime));
-  lines.lines("OtherRecords", required(header.cOtherRecords), header.nOtherRecords);
-  lines.lines("NumberOfCommentLines", required(header.cCommentLines), header.nCommentLines);
+  lines.dateTimeOf("GenerationFileDateTime", header.sGenerationFile, header.aqGenerationDateTime);
+  lines.lines("OtherRecords", header.cOtherRecords, header.nOtherRecords);
+  lines.lines("NumberOfCommentLines", header.cCommentLines, header.nCommentLines);
 }
 
 /// The label of the highest band stands twice: hosts know the line so.
@@ -74,11 +73,11 @@ void readRow(FieldReader fields, const AQ_HeaderMask& header, AQ_MaskMap& map) {
 AQ_DataMessage AQ_DataMask::writeFile(const std::string& sFileName,
                                       const std::shared_ptr<AQ_HeaderMask>& aqHeader,
                                       const AQ_MaskMap& aqMaskMap) {
-  return writing(sFileName, [&] {
+  return writing(sFileName, [&](const std::string& name) {
     header_ = aqHeader;
     AQ_HeaderMask& header = required(header_);
     const std::int32_t count = aqMaskMap.Count();
-    header.sFileName = sFileName;
+    header.sFileName = name;
     header.lNumberRows = count;
     header.iBandLow = required(aqMaskMap.Row(1)).LowBand();
     header.iBandHigh = required(aqMaskMap.Row(1)).HighBand();
@@ -97,8 +96,8 @@ AQ_DataMessage AQ_DataMask::writeFile(const std::string& sFileName,
 AQ_DataMessage AQ_DataMask::readFile(const std::string& sFileName,
                                      std::shared_ptr<AQ_HeaderMask>& aqHeader,
                                      std::shared_ptr<AQ_MaskMap>& MaskMap) {
-  return reading(sFileName, [&] {
-    LineReader lines(sFileName);
+  return reading(sFileName, [&](const std::string& name) {
+    LineReader lines(name);
     HeaderReader headerLines(lines);
     header_ = std::make_shared<AQ_HeaderMask>();
     aq::header(headerLines, *header_);

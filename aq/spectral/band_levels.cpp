@@ -4,16 +4,6 @@
 
 namespace aq {
 
-BandLevels::BandLevels(const BandLevels& other)
-    : numbers_(other.numbers_),
-      mixed_(other.mixed_ ? std::make_unique<Mixed>(*other.mixed_) : nullptr) {}
-
-BandLevels& BandLevels::operator=(BandLevels other) noexcept {
-  std::swap(numbers_, other.numbers_);
-  std::swap(mixed_, other.mixed_);
-  return *this;
-}
-
 std::optional<Variant> BandLevels::find(std::int16_t band) const {
   if (!contains(band)) return std::nullopt;
   const double* const number = numbers_.find(band);
@@ -37,16 +27,16 @@ void BandLevels::store(std::int16_t band, const Variant& level) {
   const Kind kind = kindOf(level);
   if (!staysPlain(band, kind)) startMixed();
   // What may lack memory comes first, so that a failure leaves the old level.
-  if (mixed_) static_cast<void>(mixed_->kinds.touch(band));
+  if (mixed_) static_cast<void>(mixed_.made().kinds.touch(band));
   double& number = numbers_.touch(band);
   if (kind == Kind::Other) {
-    mixed_->others.insert_or_assign(band, level);
+    mixed_.made().others.insert_or_assign(band, level);
   } else {
     number = level.toDouble();
   }
   if (!mixed_) return;
-  mixed_->kinds.touch(band) = kind;
-  if (kind != Kind::Other) mixed_->others.erase(band);
+  mixed_.made().kinds.touch(band) = kind;
+  if (kind != Kind::Other) mixed_.made().others.erase(band);
 }
 
 void BandLevels::assign(std::int16_t low, std::span<const double> levels) {
@@ -78,11 +68,12 @@ bool BandLevels::staysPlain(std::int16_t band, Kind kind) const {
 
 void BandLevels::startMixed() {
   if (mixed_) return;
-  auto mixed = std::make_unique<Mixed>();
+  OnDemand<Mixed> mixed;
   for (std::size_t i = 0; i < numbers_.size(); ++i) {
     const int band = numbers_.first() + static_cast<int>(i);
-    mixed->kinds.touch(static_cast<std::int16_t>(band)) = Kind::Double;
+    mixed.made().kinds.touch(static_cast<std::int16_t>(band)) = Kind::Double;
   }
+  static_cast<void>(mixed.made());
   mixed_ = std::move(mixed);
 }
 

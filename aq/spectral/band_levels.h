@@ -2,12 +2,12 @@
 
 #include <cstdint>
 #include <map>
-#include <memory>
 #include <optional>
 #include <span>
 
 #include "aq/core/band_block.h"
 #include "aq/core/export.h"
+#include "aq/core/on_demand.h"
 #include "aq/core/variant.h"
 
 namespace aq {
@@ -16,12 +16,6 @@ namespace aq {
 /// doubles without a gap, no more than the doubles is kept.
 class AQ_API BandLevels {
  public:
-  BandLevels() = default;
-  BandLevels(const BandLevels& other);
-  BandLevels(BandLevels&&) noexcept = default;
-  BandLevels& operator=(BandLevels other) noexcept;
-  ~BandLevels() = default;
-
   /// The level of `band`; nothing when it has none.
   [[nodiscard]] std::optional<Variant> find(std::int16_t band) const;
 
@@ -47,7 +41,7 @@ class AQ_API BandLevels {
   void startMixed();
 
   BandBlock<double> numbers_;
-  std::unique_ptr<Mixed> mixed_;
+  OnDemand<Mixed> mixed_;
 };
 
 }  // namespace aq

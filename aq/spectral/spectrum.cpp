@@ -35,6 +35,13 @@ void AQ_Spectrum::SPL(std::int16_t nBand, const Variant& level) {
   bands_.widen(nBand);
 }
 
+std::span<const double> AQ_Spectrum::plainLevels() const {
+  const auto levels = levels_.plain();
+  // The range is wider than the levels when all bands lie below -1 or above 9999.
+  const int size = bands_.high - bands_.low + 1;
+  return static_cast<int>(levels.size()) == size ? levels : std::span<const double>();
+}
+
 void AQ_Spectrum::assignLevels(std::int16_t low, std::span<const double> levels) {
   levels_.assign(low, levels);
   if (levels.empty()) return;

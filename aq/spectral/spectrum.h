@@ -53,8 +53,8 @@ class AQ_API AQ_Spectrum {
   /// Stores the levels of consecutive bands, from `low` up, in place of all there are.
   void assignLevels(std::int16_t low, std::span<const double> levels);
 
-  /// All levels, from `LowBand` up, when they are doubles without a gap; else nothing.
-  [[nodiscard]] std::span<const double> plainLevels() const { return levels_.plain(); }
+  /// All levels from `LowBand` to `HighBand`, when they are doubles without a gap; else nothing.
+  [[nodiscard]] std::span<const double> plainLevels() const;
 
  private:
   std::shared_ptr<AQ_Time> time_;

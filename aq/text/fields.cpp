@@ -1,7 +1,5 @@
 #include "aq/text/fields.h"
 
-#include <algorithm>
-#include <cstring>
 #include <utility>
 
 namespace aq {
@@ -12,6 +10,12 @@ void failRead(std::size_t line, std::size_t field, std::string expected, std::st
                      .field = field,
                      .expected = std::move(expected),
                      .found = std::move(found)}};
+}
+
+std::string expectedFor(const char* expected, const Error& error) {
+  std::string words = expected;
+  if (error.code() == ErrorCode::Overflow) words += " within its range";
+  return words;
 }
 
 std::string_view cleanField(std::string_view text, std::string& room) {
@@ -62,9 +66,9 @@ void FieldReader::skip(int count, const char* expected) {
   for (int i = 0; i < count; ++i) static_cast<void>(text(expected));
 }
 
-void FieldReader::fail(const char* expected) const {
+void FieldReader::fail(std::string expected) const {
   const bool blankLine = number_ == 1 && done_ && trimmed(field_).empty();
-  failRead(line_, number_, expected, blankLine ? "a blank line" : shown(field_));
+  failRead(line_, number_, std::move(expected), blankLine ? "a blank line" : shown(field_));
 }
 
 }  // namespace aq

@@ -24,6 +24,9 @@ struct ReadFailure {
 [[noreturn]] AQ_API void failRead(std::size_t line, std::size_t field, std::string expected,
                                   std::string found);
 
+/// What a failed conversion wanted: a number that is one, but out of range, is told so.
+[[nodiscard]] AQ_API std::string expectedFor(const char* expected, const Error& error);
+
 /// `text` without its double quotes and outer blanks, as a field of delimited text is read.
 /// `room` holds the result when there are quotes.
 [[nodiscard]] AQ_API std::string_view cleanField(std::string_view text, std::string& room);
@@ -68,15 +71,15 @@ class AQ_API FieldReader {
   }
 
   /// Fails at the field taken last.
-  [[noreturn]] void fail(const char* expected) const;
+  [[noreturn]] void fail(std::string expected) const;
 
  private:
   template <class Conversion>
   auto convertTaken(const char* expected, std::string_view field, const Conversion& conversion) {
     try {
       return conversion(field);
-    } catch (const Error&) {
-      fail(expected);
+    } catch (const Error& error) {
+      fail(expectedFor(expected, error));
     }
   }
 

@@ -9,40 +9,36 @@
 namespace aq {
 namespace {
 
-FileFailure namedFailure(FileFailure failure, const std::string& file) {
-  failure.file = file;
-  return failure;
+/// The failure that the exception in flight reports; one that is no reader's own goes on.
+FileFailure failureInFlight() {
+  try {
+    throw;
+  } catch (ReadFailure& failed) {
+    return std::move(failed.failure);
+  } catch (const platform::SystemError& error) {
+    return {.file = {}, .expected = error.wanted(), .found = error.what()};
+  }
 }
-
-FileFailure namedFailure(const platform::SystemError& error, const std::string& file) {
-  return namedFailure({.file = {}, .expected = error.wanted(), .found = error.what()}, file);
-}
-
-// Words short enough to need no memory.
-FileFailure outOfMemory() { return {.file = {}, .expected = "more memory", .found = "none left"}; }
 
 }  // namespace
 
-/// Turns the exception in flight into the last failure; one that is no reader's own goes on.
-AQ_DataMessage FileClass::failed(const std::string& file) {
+AQ_DataMessage FileClass::failed(const std::string& name) {
   try {
-    throw;
-  } catch (const ReadFailure& failure) {
-    lastFailure_ = namedFailure(failure.failure, file);
-  } catch (const platform::SystemError& error) {
-    lastFailure_ = namedFailure(error, file);
+    FileFailure failure = failureInFlight();
+    failure.file = name;
+    lastFailure_ = std::move(failure);
   } catch (const std::bad_alloc&) {
-    lastFailure_ = outOfMemory();
+    lastFailure_ = {.file = {}, .expected = "more memory", .found = "none left"};  // needs none
   }
   return AQ_DATA_FILE_ERROR;
 }
 
-AQ_DataMessage FileClass::replace(const std::string& file, const std::string& text) {
-  return reading(file, [&] { platform::replaceFile(file, text); });
+AQ_DataMessage FileClass::replace(const std::string& name, const std::string& text) {
+  return reading(name, [&](const std::string& file) { platform::replaceFile(file, text); });
 }
 
-AQ_DataMessage FileClass::append(const std::string& file, const std::string& text) {
-  return reading(file, [&] { platform::appendToFile(file, text); });
+AQ_DataMessage FileClass::append(const std::string& name, const std::string& text) {
+  return reading(name, [&](const std::string& file) { platform::appendToFile(file, text); });
 }
 
 }  // namespace aq

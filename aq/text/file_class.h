@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "aq/core/enumerations.h"
 #include "aq/core/export.h"
@@ -21,37 +22,44 @@ class AQ_API FileClass {
   FileClass& operator=(const FileClass&) = default;
   ~FileClass() = default;
 
-  /// Runs `read`; what it finds wrong with the file becomes the last failure.
+  // Each works on a copy of the name: the caller's may be a part of what the call replaces, as the
+  // name in a header or in the last failure.
+
+  /// Runs `read(name)`; what it finds wrong with the file becomes the last failure.
   template <class Read>
   [[nodiscard]] AQ_DataMessage reading(const std::string& file, const Read& read) {
-    lastFailure_.reset();
+    std::string name;
     try {
-      read();
+      name = file;
+      lastFailure_.reset();
+      read(std::as_const(name));
       return AQ_DATA_OK;
     } catch (...) {
-      return failed(file);
+      return failed(name);
     }
   }
 
-  /// Makes the text that `build` gives the content of `file`. What `build` throws goes to the
+  /// Makes the text that `build(name)` gives the content of `file`. What `build` throws goes to the
   /// caller, and the disk stays as it was.
   template <class Build>
   [[nodiscard]] AQ_DataMessage writing(const std::string& file, const Build& build) {
+    const std::string name = file;
     lastFailure_.reset();
-    return replace(file, build());
+    return replace(name, build(name));
   }
 
   /// As `writing`, but behind what the file holds.
   template <class Build>
   [[nodiscard]] AQ_DataMessage appending(const std::string& file, const Build& build) {
+    const std::string name = file;
     lastFailure_.reset();
-    return append(file, build());
+    return append(name, build(name));
   }
 
  private:
-  [[nodiscard]] AQ_DataMessage failed(const std::string& file);
-  [[nodiscard]] AQ_DataMessage replace(const std::string& file, const std::string& text);
-  [[nodiscard]] AQ_DataMessage append(const std::string& file, const std::string& text);
+  [[nodiscard]] AQ_DataMessage failed(const std::string& name);
+  [[nodiscard]] AQ_DataMessage replace(const std::string& name, const std::string& text);
+  [[nodiscard]] AQ_DataMessage append(const std::string& name, const std::string& text);
 
   std::optional<FileFailure> lastFailure_;
 };

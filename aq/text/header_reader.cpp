@@ -1,5 +1,8 @@
 #include "aq/text/header_reader.h"
 
+#include <optional>
+#include <utility>
+
 #include "aq/core/date_text.h"
 #include "aq/core/number_text.h"
 
@@ -8,7 +11,20 @@ namespace {
 
 constexpr std::string_view kMark = "**";
 
-std::string quoted(std::string_view text) { return '"' + std::string(text) + '"'; }
+std::string fileTypeWords(std::string_view fileType) {
+  return "the file type \"" + std::string(fileType) + '"';
+}
+
+/// The piece of `text` with that number, from 1, between its delimiters.
+std::optional<std::string_view> piece(std::string_view text, std::string_view delimiter,
+                                      std::size_t number) {
+  for (; number > 1; --number) {
+    const std::size_t at = text.find(delimiter);
+    if (at == text.npos) return std::nullopt;
+    text.remove_prefix(at + delimiter.size());
+  }
+  return text.substr(0, text.find(delimiter));
+}
 
 }  // namespace
 
@@ -17,10 +33,21 @@ std::string_view HeaderReader::anyTitle() {
 }
 
 void HeaderReader::title(std::string_view fileType) {
-  const auto expected = [&] { return "the file type " + quoted(fileType); };
-  if (!lines_.next()) failRead(1, 0, expected(), "an empty file");
-  if (!findValue()) failRead(1, 0, expected(), shown(lines_.line()));
-  if (value_ != fileType) failRead(1, 2, expected(), shown(value_));
+  takeFirstLine(fileType);
+  if (!findValue()) failRead(1, 0, fileTypeWords(fileType), shown(lines_.line()));
+  if (value_ != fileType) failRead(1, 2, fileTypeWords(fileType), shown(value_));
+}
+
+void HeaderReader::titleBehindComma(std::string_view fileType) {
+  takeFirstLine(fileType);
+  const std::string_view line = lines_.line();
+  const std::size_t comma = line.find(',');
+  if (comma != line.npos && trimmed(line.substr(comma + 1)) == fileType) return;
+  failRead(1, 0, fileTypeWords(fileType), shown(line));
+}
+
+void HeaderReader::takeFirstLine(std::string_view fileType) {
+  if (!lines_.next()) failRead(1, 0, fileTypeWords(fileType), "an empty file");
 }
 
 void HeaderReader::text(std::string_view keyword, std::string& value) {
@@ -52,14 +79,15 @@ void HeaderReader::timeOfDay(std::string_view keyword, AQ_Time& time) {
   convert("a time of day hh:mm:ss", kWhole, [&](std::string_view text) { time.TODstring(text); });
 }
 
-void HeaderReader::currentDateTime(std::string_view keyword, AQ_Time& time) {
-  takeDate(keyword, time);
-  time.TODstring(convert("a time hh:mm:ss", 2, clockTimeFrom));
+void HeaderReader::currentDateTime(std::string_view keyword, const std::shared_ptr<AQ_Time>& time) {
+  takeDate(keyword, *time);
+  time->TODstring(convert("a time hh:mm:ss", 2, clockTimeFrom));
 }
 
-void HeaderReader::currentDateTime12(std::string_view keyword, AQ_Time& time) {
-  takeDate(keyword, time);
-  time.TODstring(twelveHourText(convert("a time hh:mm:ss", 2, clockTimeFrom)));
+void HeaderReader::currentDateTime12(std::string_view keyword,
+                                     const std::shared_ptr<AQ_Time>& time) {
+  takeDate(keyword, *time);
+  time->TODstring(twelveHourText(convert("a time hh:mm:ss", 2, clockTimeFrom)));
 }
 
 void HeaderReader::takeDate(std::string_view keyword, AQ_Time& time) {
@@ -68,16 +96,18 @@ void HeaderReader::takeDate(std::string_view keyword, AQ_Time& time) {
       convert("a date mm/dd/yyyy", 1, [](std::string_view text) { return dateFrom(text); }));
 }
 
-void HeaderReader::lines(std::string_view keyword, Collection<std::string>& block,
+void HeaderReader::lines(std::string_view keyword,
+                         const std::shared_ptr<Collection<std::string>>& block,
                          std::int16_t& count) {
   integer(keyword, count);
   for (std::int32_t i = 1; i <= count; ++i) {
     takeLine("one more line of ", keyword);
-    block.Add(beforeMark());
+    block->Add(beforeMark());
   }
 }
 
-void HeaderReader::lines(std::string_view keyword, Collection<std::string>& block) {
+void HeaderReader::lines(std::string_view keyword,
+                         const std::shared_ptr<Collection<std::string>>& block) {
   std::int16_t count = 0;
   lines(keyword, block, count);
 }
@@ -95,16 +125,17 @@ void HeaderReader::takeLine(const char* what, std::string_view keyword) {
 void HeaderReader::takeValue(std::string_view keyword) {
   takeLine("the line of ", keyword);
   if (findValue()) return;
-  failRead(lines_.number(), 0, std::string(keyword) + "**, and a value", shown(lines_.line()));
+  const std::string_view line = trimmed(lines_.line());
+  failRead(lines_.number(), 0, "the line of " + std::string(keyword) + " with \"**\"",
+           line.empty() ? "a blank line" : shown(line));
 }
 
 /// Takes the value out of the line: what stands between its first "**" and the next, without the
 /// comma in front. False when there is no "**".
 bool HeaderReader::findValue() {
-  pieces_.clear();
-  split(trimmed(lines_.line()), kMark, pieces_);
-  if (pieces_.size() < 2) return false;
-  value_ = cleanField(pieces_[1], room_);
+  const auto behindMark = piece(trimmed(lines_.line()), kMark, 2);
+  if (!behindMark) return false;
+  value_ = cleanField(*behindMark, room_);
   if (!value_.empty()) value_.remove_prefix(1);
   value_ = trimmed(value_);
   return true;
@@ -112,17 +143,14 @@ bool HeaderReader::findValue() {
 
 std::string_view HeaderReader::field(std::size_t number, const char* expected) {
   if (number == kWhole) return value_;
-  pieces_.clear();
-  split(value_, ",", pieces_);
-  if (number > pieces_.size()) {
-    failRead(lines_.number(), number + 1, expected, "the end of the line");
-  }
-  return pieces_[number - 1];
+  const auto found = piece(value_, ",", number);
+  if (!found) failRead(lines_.number(), number + 1, expected, "the end of the line");
+  return *found;
 }
 
 /// Counts the keyword as the line's first field.
-void HeaderReader::fail(std::size_t number, const char* expected, std::string_view found) const {
-  failRead(lines_.number(), number == kWhole ? 2 : number + 1, expected, shown(found));
+void HeaderReader::fail(std::size_t number, std::string expected, std::string_view found) const {
+  failRead(lines_.number(), number == kWhole ? 2 : number + 1, std::move(expected), shown(found));
 }
 
 std::string HeaderReader::beforeMark() {

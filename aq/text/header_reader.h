@@ -3,9 +3,9 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "aq/core/collection.h"
 #include "aq/core/export.h"
@@ -24,6 +24,9 @@ class AQ_API HeaderReader {
 
   /// What the first line names as the file's type; nothing when there is no such line.
   [[nodiscard]] std::string_view anyTitle();
+
+  /// As `title`, but what stands behind the first comma counts, whatever is in front of it.
+  void titleBehindComma(std::string_view fileType);
 
   /// The first line; it must name `fileType` to the letter.
   void title(std::string_view fileType);
@@ -48,12 +51,13 @@ class AQ_API HeaderReader {
                 std::int16_t& second);
   void timeOfDay(std::string_view keyword, AQ_Time& time);
   void recordedName(std::string_view keyword, std::string& file) { text(keyword, file); }
-  void currentDateTime(std::string_view keyword, AQ_Time& time);
+  void currentDateTime(std::string_view keyword, const std::shared_ptr<AQ_Time>& time);
 
   /// As `currentDateTime`, the time through a twelve-hour clock: 12:30:00 becomes "12:30:00 PM",
   /// which the time value reads as 88,200 s. Hosts see it so.
-  void currentDateTime12(std::string_view keyword, AQ_Time& time);
-  void dateTimeOf(std::string_view keyword, const std::string& /*file*/, AQ_Time& time) {
+  void currentDateTime12(std::string_view keyword, const std::shared_ptr<AQ_Time>& time);
+  void dateTimeOf(std::string_view keyword, const std::string& /*file*/,
+                  const std::shared_ptr<AQ_Time>& time) {
     currentDateTime(keyword, time);
   }
   void dateTimeOf(std::string_view keyword, const std::string& /*file*/, std::string& value) {
@@ -62,8 +66,9 @@ class AQ_API HeaderReader {
 
   /// A line with their number, then as many lines, each up to its first "**". A negative number
   /// takes no line.
-  void lines(std::string_view keyword, Collection<std::string>& block, std::int16_t& count);
-  void lines(std::string_view keyword, Collection<std::string>& block);
+  void lines(std::string_view keyword, const std::shared_ptr<Collection<std::string>>& block,
+             std::int16_t& count);
+  void lines(std::string_view keyword, const std::shared_ptr<Collection<std::string>>& block);
 
   /// Takes the line above the data lines; gives it up to its first "**".
   std::string columns();
@@ -74,12 +79,13 @@ class AQ_API HeaderReader {
  private:
   static constexpr std::size_t kWhole = 0;  // the whole value rather than a field of it
 
+  void takeFirstLine(std::string_view fileType);
   void takeDate(std::string_view keyword, AQ_Time& time);
   void takeLine(const char* what, std::string_view keyword);
   void takeValue(std::string_view keyword);
   [[nodiscard]] bool findValue();
   [[nodiscard]] std::string_view field(std::size_t number, const char* expected);
-  [[noreturn]] void fail(std::size_t number, const char* expected, std::string_view found) const;
+  [[noreturn]] void fail(std::size_t number, std::string expected, std::string_view found) const;
   [[nodiscard]] std::string beforeMark();
 
   template <class Conversion>
@@ -87,8 +93,8 @@ class AQ_API HeaderReader {
     const std::string_view found = field(number, expected);
     try {
       return conversion(found);
-    } catch (const Error&) {
-      fail(number, expected, found);
+    } catch (const Error& error) {
+      fail(number, expectedFor(expected, error), found);
     }
   }
 
@@ -102,7 +108,6 @@ class AQ_API HeaderReader {
   }
 
   LineReader& lines_;
-  std::vector<std::string_view> pieces_;
   std::string room_;
   std::string_view value_;  // of the line taken last
 };

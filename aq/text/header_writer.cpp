@@ -46,7 +46,7 @@ void HeaderWriter::recordedName(std::string_view keyword, const std::string& fil
   line(keyword, fileInformation()->recordedName(file));
 }
 
-void HeaderWriter::currentDateTime(std::string_view keyword, const AQ_Time&) {
+void HeaderWriter::currentDateTime(std::string_view keyword, const std::shared_ptr<AQ_Time>&) {
   line(keyword, fileInformation()->currentDateTime());
 }
 
@@ -54,10 +54,11 @@ void HeaderWriter::fileDateTime(std::string_view keyword, const std::string& fil
   line(keyword, fileInformation()->fileDateTime(file));
 }
 
-void HeaderWriter::lines(std::string_view keyword, const Collection<std::string>& block,
-                         std::int16_t) {
-  integer(keyword, block.Count());
-  for (const std::string& entry : block) columns(entry);
+void HeaderWriter::lines(std::string_view keyword,
+                         const std::shared_ptr<Collection<std::string>>& block, std::int16_t) {
+  integer(keyword, block ? block->Count() : 0);
+  if (!block) return;
+  for (const std::string& entry : *block) columns(entry);
 }
 
 void HeaderWriter::columns(std::string_view heading) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -38,8 +39,8 @@ class AQ_API HeaderWriter {
   void recordedName(std::string_view keyword, const std::string& file);
 
   /// The current date and time; a header's own is not written.
-  void currentDateTime(std::string_view keyword, const AQ_Time&);
-  void currentDateTime12(std::string_view keyword, const AQ_Time& time) {
+  void currentDateTime(std::string_view keyword, const std::shared_ptr<AQ_Time>&);
+  void currentDateTime12(std::string_view keyword, const std::shared_ptr<AQ_Time>& time) {
     currentDateTime(keyword, time);
   }
 
@@ -50,8 +51,8 @@ class AQ_API HeaderWriter {
   }
 
   /// A line with their number, then the lines themselves as they are; a header's own count is not
-  /// written.
-  void lines(std::string_view keyword, const Collection<std::string>& block,
+  /// written. No collection counts as an empty one.
+  void lines(std::string_view keyword, const std::shared_ptr<Collection<std::string>>& block,
              std::int16_t /*count*/ = 0);
 
   /// The line above the data lines.

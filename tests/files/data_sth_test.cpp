@@ -149,7 +149,10 @@ TEST(DataSTH, BadFilesFailWithTheirPlace) {
                        });
   EXPECT_EQ(FileFailure({"landing.csv", 24, 7, "a level", "\"6x.2\""}).message(),
             "landing.csv, line 24, field 7: expected a level, found \"6x.2\"");
-  EXPECT_EQ(shown(std::string(200, 'a')).size(), 62U);
+  EXPECT_EQ(FileFailure({"a\nb", 0, 0, "x", "y"}).message(), "a\\x0ab: expected x, found y");
+  EXPECT_EQ(FileFailure({"", 0, 0, "x", "y"}).message(), "expected x, found y");
+  EXPECT_EQ(shown(std::string(60, 'a')), '"' + std::string(60, 'a') + '"');
+  EXPECT_EQ(shown(std::string(56, 'a') + "\x01 and more"), '"' + std::string(56, 'a') + "...\"");
 }
 
 TEST(DataSTH, WhatCannotBeWrittenLeavesTheDiskAsItWas) {
@@ -168,7 +171,6 @@ TEST(DataSTH, WhatCannotBeWrittenLeavesTheDiskAsItWas) {
        [](Read& read) { read.history->spectrum(7)->Time()->TODseconds(-1); }},
       {ErrorCode::ObjectNotSet, [](Read& read) { read.history->spectrum(6, nullptr); }},
       {ErrorCode::ObjectNotSet, [](Read& read) { read.header = nullptr; }},
-      {ErrorCode::ObjectNotSet, [](Read& read) { read.header->cCommentLines = nullptr; }},
       {ErrorCode::InvalidArgument,
        [](Read& read) { read.history = std::make_shared<AQ_SpectralTimeHistory>(); }}};
   for (const auto& [code, change] : rows) {
@@ -196,6 +198,45 @@ TEST(DataSTH, LevelsOfAnyNumberTypeAreWritten) {
   ASSERT_EQ(read.file.writeFile(folder.file("out"), read.header, *read.history), AQ_DATA_OK);
   EXPECT_NE(contentOf(folder.file("out")).find("\n5,10:00:00.25,-0.75,70.00,71.50,-.25\n"),
             std::string::npos);
+}
+
+TEST(DataSTH, TheNameMayBeAPartOfWhatTheCallReplaces) {
+  const test::Folder folder;
+  Read read(kGood);
+  const std::string path =
+      folder.file("a name that is too long to be kept without memory of its own");
+  ASSERT_EQ(read.file.writeFile(path, read.header, *read.history), AQ_DATA_OK);
+  std::filesystem::copy_file(kFormat / "bad" / "level-empty.csv", path,
+                             std::filesystem::copy_options::overwrite_existing);
+  ASSERT_EQ(read.file.readFile(read.header->sFileName, read.header, read.history),
+            AQ_DATA_FILE_ERROR);
+  EXPECT_EQ(read.file.lastFailure()->file, path);
+  ASSERT_EQ(read.file.readFile(read.file.lastFailure()->file, read.header, read.history),
+            AQ_DATA_FILE_ERROR);
+  EXPECT_EQ(read.file.lastFailure()->file, path);
+}
+
+TEST(DataSTH, HeadersWithoutObjectsAndFilesWithoutHeadings) {
+  const test::Folder folder;
+  Read read(kGood);
+  read.header->aqFileDateTime = nullptr;
+  read.header->cCommentLines = nullptr;
+  ASSERT_EQ(read.file.writeFile(folder.file("out"), read.header, *read.history), AQ_DATA_OK);
+  auto lines = test::linesOf(contentOf(folder.file("out")));
+  lines.resize(21);
+  const Read cut(folder.with("in", test::textOf(lines)));
+  EXPECT_EQ(cut.result, AQ_DATA_OK);
+  EXPECT_EQ(cut.history->Count(), 0);
+}
+
+TEST(DataSTH, BandsBelowTheRangesStartAreNotWrittenShort) {
+  const test::Folder folder;
+  auto lines = test::linesOf(contentOf(kGood));
+  lines[13] = "Bands**,-5,-3";
+  Read read(folder.with("in", test::textOf(lines)));
+  ASSERT_EQ(read.result, AQ_DATA_OK);
+  EXPECT_ERROR(read.file.writeFile(folder.file("out"), read.header, *read.history),
+               InvalidArgument);
 }
 
 TEST(DataSTH, RawHeader) {

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <memory>
+#include <utility>
+
+namespace aq {
+
+/// A part that most objects never need: made on first use, copied with its owner.
+template <class T>
+class OnDemand {
+ public:
+  OnDemand() = default;
+  OnDemand(const OnDemand& other)
+      : part_(other.part_ ? std::make_unique<T>(*other.part_) : nullptr) {}
+  OnDemand(OnDemand&&) noexcept = default;
+  OnDemand& operator=(OnDemand other) noexcept {
+    std::swap(part_, other.part_);
+    return *this;
+  }
+  ~OnDemand() = default;
+
+  [[nodiscard]] explicit operator bool() const { return part_ != nullptr; }
+  [[nodiscard]] const T& operator*() const { return *part_; }
+  [[nodiscard]] const T* operator->() const { return part_.get(); }
+  [[nodiscard]] T& made() {
+    if (!part_) part_ = std::make_unique<T>();
+    return *part_;
+  }
+  void reset() { part_.reset(); }
+
+ private:
+  std::unique_ptr<T> part_;
+};
+
+}  // namespace aq
