@@ -17,9 +17,11 @@ constexpr std::string_view kFileName = "FileName";
 constexpr std::string_view kFileDateTime = "FileDateTime";
 constexpr std::string_view kComments = "NumberOfCommentLines";
 
-/// One parameter: its keyword, its text, none when it is not set, and how a text sets it.
+/// One parameter: its keyword, what it expects, its text, none when it is not set, and how a text
+/// sets it.
 struct Parameter {
   std::string_view keyword;
+  const char* expected;
   std::optional<std::string> (*text)(const AQ_DataINI&);
   void (*set)(AQ_DataINI&, std::string_view);
 };
@@ -61,17 +63,19 @@ void setTiming(AQ_DataINI& parameters, std::string_view text) {
 
 using Text = std::string_view;
 const Parameter kParameters[] = {
-    {"CalAdj", [](const AQ_DataINI& p) { return textUnlessZero(p.CalAdj()); },
+    {"CalAdj", "a number", [](const AQ_DataINI& p) { return textUnlessZero(p.CalAdj()); },
      [](AQ_DataINI& p, Text text) { p.CalAdj(singleFrom(text)); }},
-    {"NuAvg", averagingText, setAveraging},
-    {"NuTimg", timingText, setTiming},
-    {"PrWndo", [](const AQ_DataINI& p) { return textUnlessZero(p.PrWndo()); },
+    {"NuAvg", "an averaging method", averagingText, setAveraging},
+    {"NuTimg", "a time stamp type", timingText, setTiming},
+    {"PrWndo", "a number", [](const AQ_DataINI& p) { return textUnlessZero(p.PrWndo()); },
      [](AQ_DataINI& p, Text text) { p.PrWndo(singleFrom(text)); }},
-    {"PoWndo", [](const AQ_DataINI& p) { return textUnlessZero(p.PoWndo()); },
+    {"PoWndo", "a number", [](const AQ_DataINI& p) { return textUnlessZero(p.PoWndo()); },
      [](AQ_DataINI& p, Text text) { p.PoWndo(singleFrom(text)); }},
-    {"LoRec", [](const AQ_DataINI& p) { return textUnlessZero(std::int32_t{p.LoRec()}); },
+    {"LoRec", "an integer",
+     [](const AQ_DataINI& p) { return textUnlessZero(std::int32_t{p.LoRec()}); },
      [](AQ_DataINI& p, Text text) { p.LoRec(int16From(text)); }},
-    {"HiRec", [](const AQ_DataINI& p) { return textUnlessZero(std::int32_t{p.HiRec()}); },
+    {"HiRec", "an integer",
+     [](const AQ_DataINI& p) { return textUnlessZero(std::int32_t{p.HiRec()}); },
      [](AQ_DataINI& p, Text text) { p.HiRec(int16From(text)); }},
 };
 
@@ -107,7 +111,7 @@ void readLine(LineReader& lines, AQ_DataINI& parameters) {
   if (is(kComments)) readComments(fields.int16("an integer"), lines, *parameters.Comments());
   for (const Parameter& parameter : kParameters) {
     if (!is(parameter.keyword)) continue;
-    fields.convert("a value", [&](Text text) { parameter.set(parameters, text); });
+    fields.convert(parameter.expected, [&](Text text) { parameter.set(parameters, text); });
   }
 }
 

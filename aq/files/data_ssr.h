@@ -16,7 +16,7 @@ class AQ_API AQ_DataSSR : public FileClass {
  public:
   /// Writes a spectrum, replacing the file; the header gets the file's name. Throws, and writes
   /// nothing, when a band has no label or no level (`InvalidArgument`), a level is no number
-  /// (`TypeMismatch`) or not finite (`InvalidValue`), or an object is missing (`ObjectNotSet`).
+  /// (`TypeMismatch`) or not finite (`InvalidValue`), or there is no header (`ObjectNotSet`).
   AQ_DataMessage writeFile(const std::string& sFileName,
                            const std::shared_ptr<AQ_HeaderSSR>& aqHeader,
                            const AQ_Spectrum& spectrum);

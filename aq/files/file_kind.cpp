@@ -23,13 +23,23 @@ constexpr std::pair<std::string_view, FileKind> kTitles[] = {
     {titles::kVariableInitialization, FileKind::VariableInitialization},
     {titles::kSpectrumRecord, FileKind::SpectrumRecord}};
 
-/// `lines` stands at the first line. Throws `ReadFailure` when the line behind the header is none.
-FileKind kindByShape(LineReader& lines) {
-  while (lines.number() <= kTrackingHeaderLines) {
-    if (!lines.next()) return FileKind::Unknown;
+bool isTrackingLine(const LineReader& lines) {
+  try {
+    static_cast<void>(trackingLineFrom(lines));
+    return true;
+  } catch (const ReadFailure&) {
+    return false;
   }
-  static_cast<void>(trackingLineFrom(lines));
-  return FileKind::Tracking;
+}
+
+/// `lines` stands at the first line. One good fix among the first ten is enough: the reader then
+/// says what is wrong with the others.
+FileKind kindByShape(LineReader& lines) {
+  constexpr std::size_t kLast = kTrackingHeaderLines + 10;
+  while (lines.number() < kLast && lines.next()) {
+    if (lines.number() > kTrackingHeaderLines && isTrackingLine(lines)) return FileKind::Tracking;
+  }
+  return FileKind::Unknown;
 }
 
 }  // namespace
@@ -44,8 +54,6 @@ FileKind kindOfFile(const std::string& path) {
     }
     return kindByShape(lines);
   } catch (const platform::SystemError&) {
-    return FileKind::Unknown;
-  } catch (const ReadFailure&) {
     return FileKind::Unknown;
   }
 }

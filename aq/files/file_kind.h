@@ -19,7 +19,7 @@ enum class FileKind {
   Unknown,
 };
 
-/// What a file is: by the title in its first line, or as a tracking file by the shape of the line
+/// What a file is: by the title in its first line, or as a tracking file by the shape of the lines
 /// behind its header. Looks at no more than its first 64 KiB. A file that cannot be read is
 /// `Unknown`.
 [[nodiscard]] AQ_API FileKind kindOfFile(const std::string& path);

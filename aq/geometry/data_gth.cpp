@@ -87,8 +87,8 @@ void AQ_DataGTH::writeFile(const std::string& sFileName,
                            const AQ_GeometryTimeHistory& aqTimeHistory, AQ_DataMessage& result) {
   result = writing(sFileName, [&](const std::string& name) {
     header_ = aqHeader;
-    const std::int32_t count = aqTimeHistory.Count();
     required(header_).GTHFileName = name;
+    const std::int32_t count = aqTimeHistory.Count();
     header_->NumberRecords = count;
     std::string text;
     HeaderWriter lines(text);

@@ -18,7 +18,7 @@ class AQ_API AQ_DataGTH : public FileClass {
   /// of points. Throws, and writes nothing, for more than 32767 points (`Overflow`), a missing
   /// point
   /// (`InvalidArgument`), a time of day without a clock form or a number that is not finite
-  /// (`InvalidValue`), or a missing object (`ObjectNotSet`).
+  /// (`InvalidValue`), no header, no microphone position or a null point (`ObjectNotSet`).
   void writeFile(const std::string& sFileName, const std::shared_ptr<AQ_HeaderGTH>& aqHeader,
                  const AQ_GeometryTimeHistory& aqTimeHistory, AQ_DataMessage& result);
 

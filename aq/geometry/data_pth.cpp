@@ -51,8 +51,8 @@ void AQ_DataPTH::writeFile(const std::string& sFileName,
                            const AQ_PositionTimeHistory& aqTimeHistory, AQ_DataMessage& result) {
   result = writing(sFileName, [&](const std::string& name) {
     header_ = aqHeader;
-    const std::int32_t count = aqTimeHistory.Count();
     required(header_).sFileName = name;
+    const std::int32_t count = aqTimeHistory.Count();
     header_->lNumberRecords = count;
     std::string text;
     HeaderWriter lines(text);

@@ -37,8 +37,9 @@ class AQ_SPointTrk {
   void FIRST(std::int16_t record) { firstRecord_ = record; }
   [[nodiscard]] std::int16_t LAST() const { return lastRecord_; }
   void LAST(std::int16_t record) { lastRecord_ = record; }
-  [[nodiscard]] std::int16_t MAX() const { return maximumRecord_; }
-  void MAX(std::int16_t record) { maximumRecord_ = record; }
+  // In parentheses, as some systems' headers define a macro of this name.
+  [[nodiscard]] std::int16_t(MAX)() const { return maximumRecord_; }
+  void(MAX)(std::int16_t record) { maximumRecord_ = record; }
 
  private:
   std::shared_ptr<AQ_Time> overhead_;

@@ -8,7 +8,7 @@ TrackingLine trackingLineFrom(const LineReader& lines) {
   FieldReader fields(lines, FieldReader::Form::Raw);
   TrackingLine line{std::make_shared<AQ_Position>(), 0};
   fields.timeOfDay(*line.position->Time());
-  line.quality = fields.byte("an RT20 figure from 0 to 255");
+  line.quality = fields.byte("a whole RT20 figure");
   fields.skip(6, "a field in front of the coordinates");
   line.position->X(fields.number("a coordinate"));
   line.position->Y(fields.number("a coordinate"));

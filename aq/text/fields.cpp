@@ -14,7 +14,7 @@ void failRead(std::size_t line, std::size_t field, std::string expected, std::st
 
 std::string expectedFor(const char* expected, const Error& error) {
   std::string words = expected;
-  if (error.code() == ErrorCode::Overflow) words += " within its range";
+  if (error.code() == ErrorCode::Overflow) words += " in range";
   return words;
 }
 

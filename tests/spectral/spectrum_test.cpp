@@ -32,19 +32,6 @@ TEST(Spectrum, RangeOnlyWidens) {
   EXPECT_ERROR(high.Copy(), InvalidArgument);
 }
 
-TEST(Spectrum, EncompassesByRange) {
-  const auto range = [](std::int16_t low, std::int16_t high) {
-    AQ_Spectrum spectrum;
-    spectrum.SPL(low, 0.0);
-    spectrum.SPL(high, 0.0);
-    return spectrum;
-  };
-  EXPECT_TRUE(range(10, 40).Encompasses(range(12, 30)));
-  EXPECT_FALSE(range(12, 30).Encompasses(range(10, 40)));
-  EXPECT_FALSE(range(10, 40).Encompasses(range(10, 41)));
-  EXPECT_FALSE(range(10, 40).Encompasses(range(9, 40)));
-}
-
 Variant anyLevel(std::mt19937& random) {
   switch (random() % 8) {
     case 0: return std::int16_t{9999};
