@@ -43,17 +43,19 @@ class AQ_API FileClass {
   /// caller, and the disk stays as it was.
   template <class Build>
   [[nodiscard]] AQ_DataMessage writing(const std::string& file, const Build& build) {
-    const std::string name = file;
+    std::string name;
+    name = file;
     lastFailure_.reset();
-    return replace(name, build(name));
+    return replace(name, build(std::as_const(name)));
   }
 
   /// As `writing`, but behind what the file holds.
   template <class Build>
   [[nodiscard]] AQ_DataMessage appending(const std::string& file, const Build& build) {
-    const std::string name = file;
+    std::string name;
+    name = file;
     lastFailure_.reset();
-    return append(name, build(name));
+    return append(name, build(std::as_const(name)));
   }
 
  private:
