@@ -109,14 +109,11 @@ double dayWithWindowedYear(double date) {
 }
 
 void appendClockTime(std::string& text, int hours, int minutes, int seconds) {
-  const auto two = [&text](int number) {
-    text += {static_cast<char>('0' + number / 10), static_cast<char>('0' + number % 10)};
-  };
-  two(hours);
-  text += ':';
-  two(minutes);
-  text += ':';
-  two(seconds);
+  const auto tens = [](int number) { return static_cast<char>('0' + number / 10); };
+  const auto ones = [](int number) { return static_cast<char>('0' + number % 10); };
+  const std::array<char, 8> clock{tens(hours),   ones(hours), ':',           tens(minutes),
+                                  ones(minutes), ':',         tens(seconds), ones(seconds)};
+  text.append(clock.data(), clock.size());
 }
 
 std::string dateText(double date) {

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 #include "aq/core/error.h"
@@ -227,22 +229,60 @@ void appendReal(std::string& text, Real value, int digits) {
 constexpr int kDoubleDigits = 15;
 constexpr int kSingleDigits = 7;
 
+/// Appends the point and the `places` digits of `fraction`, without trailing zeros; nothing for 0.
+void appendFractionDigits(std::string& text, std::int64_t fraction, int places) {
+  if (fraction == 0) return;
+  for (; fraction % 10 == 0; fraction /= 10) --places;
+  std::array<char, 16> buffer;
+  char* const end = buffer.data() + buffer.size();
+  char* begin = end;
+  for (; places > 0; --places, fraction /= 10) *--begin = static_cast<char>('0' + fraction % 10);
+  *--begin = '.';
+  text.append(begin, end);
+}
+
+/// The fraction of a value from 1 to below 1e6, in 7 significant digits of the whole. A product
+/// with that power of ten is exact, so that rounding it once is right.
+void appendDecimals(std::string& text, float value) {
+  int places = kSingleDigits - 1;
+  std::int64_t scale = 1000000;
+  for (float ten = 10; value >= ten; ten *= 10) {
+    --places;
+    scale /= 10;
+  }
+  const double scaled = std::nearbyint(static_cast<double>(value) * static_cast<double>(scale));
+  appendFractionDigits(text, static_cast<std::int64_t>(scaled) % scale, places);
+}
+
+/// Writes a value that is a whole number of thousandths; false for any other. Its text has at most
+/// 15 digits, so it is the one text that the value has with 15.
+bool appendThousandths(std::string& text, double value) {
+  constexpr double kScale = 1000;
+  constexpr double kLargest = 1e11;
+  if (!(std::abs(value) < kLargest)) return false;
+  const double scaled = std::nearbyint(value * kScale);
+  if (scaled / kScale != value) return false;
+  const auto thousandths = static_cast<std::int64_t>(std::abs(scaled));
+  if (scaled < 0) text += '-';
+  std::array<char, 16> whole;
+  const auto written = std::to_chars(whole.data(), whole.data() + whole.size(), thousandths / 1000);
+  text.append(whole.data(), written.ptr);
+  appendFractionDigits(text, thousandths % 1000, 3);
+  return true;
+}
+
 /// Whether `value` lies exactly half-way between two hundredths: an odd number of eighths.
 bool isHalfway(double value) { return std::fmod(std::abs(value) * 8, 2) == 1; }
 
-/// Writes `hundredths` >= 0 with two decimals and without a zero before the point.
-void appendHundredthCount(std::string& text, std::int64_t hundredths) {
-  std::array<char, 24> buffer;
-  const auto written = std::to_chars(buffer.data() + 2, buffer.data() + buffer.size(), hundredths);
-  const char* first = buffer.data() + 2;
-  if (hundredths < 10) {
-    buffer[1] = '0';
-    first = buffer.data() + 1;
-  }
-  const char* const point = written.ptr - 2;
-  text.append(first, point);
-  text += '.';
-  text.append(point, 2);
+/// Writes `hundredths` from 0 to 99,999,999,999 with two decimals and without a zero before the
+/// point, ending at `end`; gives where it begins.
+char* hundredthsBefore(char* end, std::uint64_t hundredths) {
+  const auto digit = [&end](std::uint64_t value) { *--end = static_cast<char>('0' + value); };
+  digit(hundredths % 10);
+  digit(hundredths / 10 % 10);
+  *--end = '.';
+  for (std::uint64_t whole = hundredths / 100; whole != 0; whole /= 10) digit(whole % 10);
+  return end;
 }
 
 /// Any finite value, by its exact decimal expansion.
@@ -261,6 +301,38 @@ void appendExactHundredths(std::string& text, double value) {
   if (digits.starts_with("0.")) digits.remove_prefix(1);
   if (value < 0 && digits != ".00") text += '-';
   text += digits;
+}
+
+// A level as one word of eight bytes, the first byte lowest.
+
+std::uint64_t firstEight(std::string_view text) {
+  std::uint64_t bytes = 0;
+  if (text.size() >= sizeof bytes) {
+    std::memcpy(&bytes, text.data(), sizeof bytes);
+  } else {
+    std::memcpy(&bytes, text.data(), text.size());
+  }
+  return bytes;
+}
+
+/// Where the first point stands, 8 if nowhere.
+unsigned placeOfPoint(std::uint64_t bytes) {
+  constexpr std::uint64_t kOnes = 0x0101010101010101;
+  const std::uint64_t points = bytes ^ (kOnes * '.');
+  const std::uint64_t zeros = (points - kOnes) & ~points & (kOnes << 7);
+  return static_cast<unsigned>(std::countr_zero(zeros)) / 8;
+}
+
+/// "0" for the digits that a level of so many whole digits lacks of three.
+constexpr std::array<std::uint64_t, 4> kZerosInFront{0x303030, 0x3030, 0x30, 0};
+
+/// Whether all bytes but the point, which is fourth, and what follows are digits.
+bool areLevelDigits(std::uint64_t placed) {
+  constexpr std::uint64_t kHigh = 0x0000F0F000F0F0F0;
+  constexpr std::uint64_t kDigits = 0x0000303000303030;
+  constexpr std::uint64_t kSix = 0x0000060600060606;
+  const std::uint64_t digits = placed & 0x0000FFFF00FFFFFF;
+  return (digits & kHigh) == kDigits && ((digits + kSix) & kHigh) == kDigits;
 }
 
 }  // namespace
@@ -285,18 +357,42 @@ std::int32_t int32From(std::string_view text) { return wholeInteger<std::int32_t
 std::int16_t int16From(std::string_view text) { return wholeInteger<std::int16_t>(text); }
 std::uint8_t byteFrom(std::string_view text) { return wholeInteger<std::uint8_t>(text); }
 
+std::size_t levelAtFront(std::string_view text, char delimiter, double& value) {
+  if constexpr (std::endian::native != std::endian::little) return 0;
+  const bool negative = text.starts_with('-');
+  if (negative) text.remove_prefix(1);
+  const std::uint64_t bytes = firstEight(text);
+  const unsigned wholeDigits = placeOfPoint(bytes);
+  if (wholeDigits > 3) return 0;
+  // The digits to fixed places, with zeros in front: d d d . d d, then what follows.
+  const std::uint64_t placed = bytes << (8 * (3 - wholeDigits)) | kZerosInFront[wholeDigits];
+  const std::size_t length = wholeDigits + 3;
+  const bool ends = length == text.size();
+  const bool delimited = length < text.size() && text[length] == delimiter;
+  if (!(ends || delimited) || !areLevelDigits(placed)) return 0;
+  const auto digit = [placed](unsigned place) { return placed >> (8 * place) & 15; };
+  const std::uint64_t hundredths =
+      digit(0) * 10000 + digit(1) * 1000 + digit(2) * 100 + digit(4) * 10 + digit(5);
+  const double size = static_cast<double>(hundredths) / 100;  // correctly rounded
+  value = negative ? -size : size;
+  return length + (negative ? 1 : 0);
+}
+
 double leadingNumber(std::string_view text) {
+  text = trimmed(text);
   std::string joined;
-  if (trimmed(text).find(' ') != std::string_view::npos) {
+  if (text.find(' ') != std::string_view::npos) {
     std::copy_if(text.begin(), text.end(), std::back_inserter(joined),
                  [](char c) { return c != ' '; });
     text = joined;
   }
-  const Decimal number = scan(trimmed(text));
+  const Decimal number = scan(text);
   return number.any ? realFrom<double>(number) : 0;
 }
 
-void appendNumber(std::string& text, double value) { appendReal(text, value, kDoubleDigits); }
+void appendNumber(std::string& text, double value) {
+  if (!appendThousandths(text, value)) appendReal(text, value, kDoubleDigits);
+}
 
 void appendNumber(std::string& text, float value) { appendReal(text, value, kSingleDigits); }
 
@@ -326,6 +422,10 @@ std::string numberText(std::int32_t value) {
 
 void appendFraction(std::string& text, float value) {
   if (value == std::floor(value)) return;
+  if (value >= 1 && value < 1e6F) {
+    appendDecimals(text, value);
+    return;
+  }
   Buffer buffer;
   int exponent = 0;
   const std::string_view digits = significantDigits(value, kSingleDigits, buffer, exponent);
@@ -346,8 +446,11 @@ void appendHundredths(std::string& text, double value) {
     appendExactHundredths(text, value);
     return;
   }
-  if (value < 0 && rounded > 0) text += '-';
-  appendHundredthCount(text, rounded);
+  std::array<char, 16> buffer;
+  char* const end = buffer.data() + buffer.size();
+  char* begin = hundredthsBefore(end, static_cast<std::uint64_t>(rounded));
+  if (value < 0 && rounded > 0) *--begin = '-';
+  text.append(begin, end);
 }
 
 }  // namespace aq

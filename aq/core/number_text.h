@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -25,6 +26,11 @@ namespace aq {
 [[nodiscard]] AQ_API std::int32_t int32From(std::string_view text);
 [[nodiscard]] AQ_API std::int16_t int16From(std::string_view text);
 [[nodiscard]] AQ_API std::uint8_t byteFrom(std::string_view text);
+
+/// Takes a level in the form in which levels are written, up to three digits, a point and two
+/// decimals, from the front of `text`, where a `delimiter` or the end must follow it. Gives its
+/// length, and 0 for any other form, which `doubleFrom` may still know. The value is the same.
+[[nodiscard]] AQ_API std::size_t levelAtFront(std::string_view text, char delimiter, double& value);
 
 /// The number that `text` begins with, 0 if none: blanks are skipped, and the first character
 /// that cannot continue a number ends it. Throws `Overflow` outside the range of a double.

@@ -102,8 +102,10 @@ void AQ_Time::TODstring(std::string_view text) {
   const float minutes = single(leadingNumber(text.substr(first + 1, second - first)));
   const float seconds = single(leadingNumber(text.substr(second + 1)));
   // Added whatever the hour is, so 12:30:00 PM is 24.5 hours: hosts rely on it.
-  if (containsLetters(text, "PM")) hours += 12;
-  if (containsLetters(text, "AM") && hours == 12) hours = 0;
+  if (containsLetters(text, "M")) {
+    if (containsLetters(text, "PM")) hours += 12;
+    if (containsLetters(text, "AM") && hours == 12) hours = 0;
+  }
   timeOfDay_ = static_cast<double>(minutes) * 60 + static_cast<double>(hours) * 3600 +
                static_cast<double>(seconds);
 }

@@ -54,6 +54,12 @@ class AQ_API AQ_Time {
   }
   void setWorkingTime(AQ_OPTIME mode) { workingTime_ = mode; }
 
+  /// Stores both times as they are, without wrapping or checking.
+  void assignSeconds(double timeOfDay, double relativeSeconds) {
+    timeOfDay_ = timeOfDay;
+    relativeSeconds_ = relativeSeconds;
+  }
+
   /// As `TODstring`, appended to `text`.
   void appendTODstring(std::string& text) const;
 

@@ -61,13 +61,13 @@ std::string columnHeading() {
   return heading;
 }
 
-void appendRecord(std::string& text, std::int16_t record, AQ_Spectrum& spectrum) {
-  const auto time = spectrum.Time();
+void appendRecord(std::string& text, std::int16_t record, const AQ_Spectrum& spectrum) {
+  const AQ_Time time = spectrum.timeValue();
   appendNumber(text, std::int32_t{record});
   text += ',';
-  time->appendTODstring(text);
+  time.appendTODstring(text);
   text += ',';
-  appendNumber(text, time->RelSeconds());
+  appendNumber(text, time.RelSeconds());
   if (spectrum.LowBand() <= spectrum.HighBand()) text += ',';
   appendLevels(text, spectrum);
   text += platform::lineEnd;
@@ -75,10 +75,11 @@ void appendRecord(std::string& text, std::int16_t record, AQ_Spectrum& spectrum)
 
 void readRecord(FieldReader fields, LevelColumns& columns, AQ_SpectralTimeHistory& history) {
   auto spectrum = std::make_shared<AQ_Spectrum>();
-  const auto time = spectrum->Time();
+  AQ_Time time;
   const std::int16_t record = fields.int16("a record number");
-  fields.timeOfDay(*time);
-  time->RelSeconds(fields.single("a relative time in seconds"));
+  fields.timeOfDay(time);
+  const float relative = fields.single("a relative time in seconds");
+  spectrum->assignTime(time.TODseconds(), static_cast<double>(relative));
   columns.read(fields, *spectrum);
   history.spectrum(record, std::move(spectrum));
 }

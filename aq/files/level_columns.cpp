@@ -5,8 +5,8 @@
 namespace aq {
 
 void LevelColumns::read(FieldReader& fields, AQ_Spectrum& spectrum) {
-  room.clear();
-  for (std::int32_t band = low; band <= high; ++band) room.push_back(fields.number("a level"));
+  room.resize(low <= high ? static_cast<std::size_t>(high - low) + 1 : 0);
+  fields.numbers(room, "a level");
   spectrum.assignLevels(low, room);
 }
 

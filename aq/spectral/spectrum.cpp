@@ -35,6 +35,24 @@ void AQ_Spectrum::SPL(std::int16_t nBand, const Variant& level) {
   bands_.widen(nBand);
 }
 
+std::shared_ptr<AQ_Time> AQ_Spectrum::Time() {
+  if (!time_) time_ = std::make_shared<AQ_Time>(timeValue());
+  return time_;
+}
+
+void AQ_Spectrum::assignTime(double timeOfDay, double relativeSeconds) {
+  time_.reset();
+  timeOfDay_ = timeOfDay;
+  relativeSeconds_ = relativeSeconds;
+}
+
+AQ_Time AQ_Spectrum::timeValue() const {
+  if (time_) return *time_;
+  AQ_Time time;
+  time.assignSeconds(timeOfDay_, relativeSeconds_);
+  return time;
+}
+
 std::span<const double> AQ_Spectrum::plainLevels() const {
   const auto levels = levels_.plain();
   // The range is wider than the levels when all bands lie below -1 or above 9999.

@@ -43,12 +43,18 @@ class AQ_API AQ_Spectrum {
   void Level(double level) { level_ = level; }
 
   /// Created on first read; setting shares the caller's object.
-  std::shared_ptr<AQ_Time> Time() { return created(time_); }
+  std::shared_ptr<AQ_Time> Time();
   void Time(std::shared_ptr<AQ_Time> time) { time_ = std::move(time); }
 
   /// Created on first read; setting shares the caller's object.
   std::shared_ptr<AQ_Metric> Metric() { return created(metric_); }
   void Metric(std::shared_ptr<AQ_Metric> metric) { metric_ = std::move(metric); }
+
+  /// Makes the time a new one with this time of day and relative seconds.
+  void assignTime(double timeOfDay, double relativeSeconds);
+
+  /// The time by value, without making an object for it.
+  [[nodiscard]] AQ_Time timeValue() const;
 
   /// Stores the levels of consecutive bands, from `low` up, in place of all there are.
   void assignLevels(std::int16_t low, std::span<const double> levels);
@@ -57,7 +63,9 @@ class AQ_API AQ_Spectrum {
   [[nodiscard]] std::span<const double> plainLevels() const;
 
  private:
-  std::shared_ptr<AQ_Time> time_;
+  std::shared_ptr<AQ_Time> time_;  // while there is none, the two values count
+  double timeOfDay_ = 0;
+  double relativeSeconds_ = 0;
   BandLevels levels_;
   NumberRange bands_;
   double level_ = 0;

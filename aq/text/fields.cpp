@@ -38,7 +38,10 @@ void split(std::string_view text, std::string_view delimiter,
 }
 
 FieldReader::FieldReader(std::string_view line, std::size_t lineNumber, Form form)
-    : rest_(trimmed(line)), form_(form), line_(lineNumber) {}
+    : rest_(trimmed(line)),
+      raw_(form == Form::Raw),
+      quoted_(!raw_ && line.find('"') != line.npos),
+      line_(lineNumber) {}
 
 std::string_view FieldReader::text(const char* expected) {
   ++number_;
@@ -47,7 +50,24 @@ std::string_view FieldReader::text(const char* expected) {
   done_ = comma == rest_.npos;
   field_ = rest_.substr(0, comma);
   if (!done_) rest_.remove_prefix(comma + 1);
-  return form_ == Form::Raw ? field_ : cleanField(field_, room_);
+  return raw_ ? field_ : cleanText();
+}
+
+std::string_view FieldReader::cleanText() {
+  return quoted_ ? cleanField(field_, room_) : trimmed(field_);
+}
+
+void FieldReader::numbers(std::span<double> values, const char* expected) {
+  for (double& value : values) {
+    const std::size_t length = done_ ? 0 : levelAtFront(rest_, ',', value);
+    if (length == 0) {
+      value = number(expected);
+      continue;
+    }
+    ++number_;
+    done_ = length == rest_.size();
+    rest_.remove_prefix(done_ ? length : length + 1);
+  }
 }
 
 double FieldReader::number(const char* expected) { return convert(expected, doubleFrom); }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -60,6 +61,9 @@ class AQ_API FieldReader {
   [[nodiscard]] std::uint8_t byte(const char* expected);
   void timeOfDay(AQ_Time& time);
 
+  /// As many numbers as `values` has room for.
+  void numbers(std::span<double> values, const char* expected);
+
   /// Passes `count` fields.
   void skip(int count, const char* expected);
 
@@ -67,13 +71,15 @@ class AQ_API FieldReader {
   template <class Conversion>
   auto convertLast(const char* expected, const Conversion& conversion) {
     while (!done_) static_cast<void>(text(expected));
-    return convertTaken(expected, cleanField(field_, room_), conversion);
+    return convertTaken(expected, cleanText(), conversion);
   }
 
   /// Fails at the field taken last.
   [[noreturn]] void fail(std::string expected) const;
 
  private:
+  [[nodiscard]] std::string_view cleanText();
+
   template <class Conversion>
   auto convertTaken(const char* expected, std::string_view field, const Conversion& conversion) {
     try {
@@ -85,7 +91,8 @@ class AQ_API FieldReader {
 
   std::string_view rest_;
   std::string_view field_;
-  Form form_;
+  bool raw_;
+  bool quoted_;        // the line has quotes for its fields to lose
   bool done_ = false;  // the last field was taken
   std::size_t line_;
   std::size_t number_ = 0;  // of the field taken last
