@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #include "aq/core/error.h"
 
@@ -274,19 +275,49 @@ bool appendThousandths(std::string& text, double value) {
 /// Whether `value` lies exactly half-way between two hundredths: an odd number of eighths.
 bool isHalfway(double value) { return std::fmod(std::abs(value) * 8, 2) == 1; }
 
-/// Writes `hundredths` from 0 to 99,999,999,999 with two decimals and without a zero before the
-/// point, ending at `end`; gives where it begins.
-char* hundredthsBefore(char* end, std::uint64_t hundredths) {
-  const auto digit = [&end](std::uint64_t value) { *--end = static_cast<char>('0' + value); };
-  digit(hundredths % 10);
-  digit(hundredths / 10 % 10);
-  *--end = '.';
-  for (std::uint64_t whole = hundredths / 100; whole != 0; whole /= 10) digit(whole % 10);
-  return end;
+constexpr std::size_t kLongestQuick = 8;  // a sign, four digits, a point, two decimals
+
+/// The digits of 0 to 999 without zeros in front, none for 0, and how many they are.
+struct WholeDigits {
+  std::array<char, 3> text{};
+  char count = 0;
+};
+constexpr auto kWholeDigits = [] {
+  std::array<WholeDigits, 1000> all{};
+  for (std::size_t number = 1; number < all.size(); ++number) {
+    WholeDigits& digits = all[number];
+    for (std::size_t scale = 100; scale != 0; scale /= 10) {
+      if (number < scale) continue;
+      digits.text[static_cast<std::size_t>(digits.count++)] =
+          static_cast<char>('0' + number / scale % 10);
+    }
+  }
+  return all;
+}();
+
+/// Writes a level of less than 1000 dB either way; gives where it ends, `nullptr` when its
+/// hundredths are not beyond doubt.
+char* writeQuickly(char* at, double value) {
+  constexpr double kEnd = 99999;      // below, a product with 100 is off by less than 1e-9
+  constexpr double kNearHalf = 1e-3;  // closer than this to a half, the exact digits decide
+  const double size = std::abs(value) * 100;
+  if (!(size < kEnd)) return nullptr;
+  const auto hundredths = static_cast<std::uint32_t>(size + 0.5);
+  if (std::abs(size - hundredths) > 0.5 - kNearHalf) return nullptr;
+  *at = '-';
+  at += value < 0 && hundredths > 0 ? 1 : 0;
+  const WholeDigits& whole = kWholeDigits[hundredths / 100];
+  std::memcpy(at, whole.text.data(), whole.text.size());
+  at += whole.count;
+  *at++ = '.';
+  *at++ = static_cast<char>('0' + hundredths / 10 % 10);
+  *at++ = static_cast<char>('0' + hundredths % 10);
+  return at;
 }
 
 /// Any finite value, by its exact decimal expansion.
 void appendExactHundredths(std::string& text, double value) {
+  requireFinite(value);
   const bool halfway = isHalfway(value);
   Buffer buffer;
   const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(value),
@@ -305,15 +336,7 @@ void appendExactHundredths(std::string& text, double value) {
 
 // A level as one word of eight bytes, the first byte lowest.
 
-std::uint64_t firstEight(std::string_view text) {
-  std::uint64_t bytes = 0;
-  if (text.size() >= sizeof bytes) {
-    std::memcpy(&bytes, text.data(), sizeof bytes);
-  } else {
-    std::memcpy(&bytes, text.data(), text.size());
-  }
-  return bytes;
-}
+constexpr std::size_t kWord = 8;
 
 /// Where the first point stands, 8 if nowhere.
 unsigned placeOfPoint(std::uint64_t bytes) {
@@ -333,6 +356,12 @@ bool areLevelDigits(std::uint64_t placed) {
   constexpr std::uint64_t kSix = 0x0000060600060606;
   const std::uint64_t digits = placed & 0x0000FFFF00FFFFFF;
   return (digits & kHigh) == kDigits && ((digits + kSix) & kHigh) == kDigits;
+}
+
+/// The digits of a level as one number.
+std::uint64_t hundredthsOf(std::uint64_t placed) {
+  const auto digit = [placed](unsigned place) { return placed >> (8 * place) & 15; };
+  return digit(0) * 10000 + digit(1) * 1000 + digit(2) * 100 + digit(4) * 10 + digit(5);
 }
 
 }  // namespace
@@ -357,25 +386,27 @@ std::int32_t int32From(std::string_view text) { return wholeInteger<std::int32_t
 std::int16_t int16From(std::string_view text) { return wholeInteger<std::int16_t>(text); }
 std::uint8_t byteFrom(std::string_view text) { return wholeInteger<std::uint8_t>(text); }
 
-std::size_t levelAtFront(std::string_view text, char delimiter, double& value) {
-  if constexpr (std::endian::native != std::endian::little) return 0;
-  const bool negative = text.starts_with('-');
-  if (negative) text.remove_prefix(1);
-  const std::uint64_t bytes = firstEight(text);
-  const unsigned wholeDigits = placeOfPoint(bytes);
-  if (wholeDigits > 3) return 0;
-  // The digits to fixed places, with zeros in front: d d d . d d, then what follows.
-  const std::uint64_t placed = bytes << (8 * (3 - wholeDigits)) | kZerosInFront[wholeDigits];
-  const std::size_t length = wholeDigits + 3;
-  const bool ends = length == text.size();
-  const bool delimited = length < text.size() && text[length] == delimiter;
-  if (!(ends || delimited) || !areLevelDigits(placed)) return 0;
-  const auto digit = [placed](unsigned place) { return placed >> (8 * place) & 15; };
-  const std::uint64_t hundredths =
-      digit(0) * 10000 + digit(1) * 1000 + digit(2) * 100 + digit(4) * 10 + digit(5);
-  const double size = static_cast<double>(hundredths) / 100;  // correctly rounded
-  value = negative ? -size : size;
-  return length + (negative ? 1 : 0);
+LevelsTaken levelsAtFront(std::string_view text, char delimiter, std::span<double> values) {
+  LevelsTaken taken;
+  if constexpr (std::endian::native != std::endian::little) return taken;
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  while (taken.count < values.size() && end - at > static_cast<std::ptrdiff_t>(kWord)) {
+    const bool negative = *at == '-';
+    const char* const digits = negative ? at + 1 : at;
+    std::uint64_t bytes = 0;
+    std::memcpy(&bytes, digits, kWord);
+    const unsigned wholeDigits = placeOfPoint(bytes);
+    if (wholeDigits > 3) break;
+    // The digits to fixed places, with zeros in front: d d d . d d, then what follows.
+    const std::uint64_t placed = bytes << (8 * (3 - wholeDigits)) | kZerosInFront[wholeDigits];
+    if (static_cast<char>(placed >> 48) != delimiter || !areLevelDigits(placed)) break;
+    const double size = static_cast<double>(hundredthsOf(placed)) / 100;  // correctly rounded
+    values[taken.count++] = negative ? -size : size;
+    at = digits + wholeDigits + 4;
+  }
+  taken.length = static_cast<std::size_t>(at - text.data());
+  return taken;
 }
 
 double leadingNumber(std::string_view text) {
@@ -435,22 +466,25 @@ void appendFraction(std::string& text, float value) {
   if (point != std::string::npos) text.append(plain, point);
 }
 
-void appendHundredths(std::string& text, double value) {
-  requireFinite(value);
-  constexpr double kSafe = 1e9;       // below, a product with 100 is off by less than 1e-6
-  constexpr double kNearHalf = 1e-3;  // closer than this to a half, the exact digits decide
-  const double size = std::abs(value) * 100;
-  const auto rounded = static_cast<std::int64_t>(size < kSafe ? size + 0.5 : 0);
-  const double off = std::abs(size - static_cast<double>(rounded));
-  if (size >= kSafe || off > 0.5 - kNearHalf) {
-    appendExactHundredths(text, value);
-    return;
+void appendHundredths(std::string& text, double value) { appendHundredths(text, {&value, 1}); }
+
+void appendHundredths(std::string& text, std::span<const double> values) {
+  std::array<char, 32 * (kLongestQuick + 1)> buffer;
+  char* at = buffer.data();
+  const char* const full = buffer.data() + buffer.size() - kLongestQuick - 1;
+  bool first = true;
+  for (const double value : values) {
+    if (!std::exchange(first, false)) *at++ = ',';
+    char* const end = writeQuickly(at, value);
+    if (end != nullptr && end < full) {
+      at = end;
+      continue;
+    }
+    text.append(buffer.data(), end != nullptr ? end : at);
+    if (end == nullptr) appendExactHundredths(text, value);
+    at = buffer.data();
   }
-  std::array<char, 16> buffer;
-  char* const end = buffer.data() + buffer.size();
-  char* begin = hundredthsBefore(end, static_cast<std::uint64_t>(rounded));
-  if (value < 0 && rounded > 0) *--begin = '-';
-  text.append(begin, end);
+  text.append(buffer.data(), at);
 }
 
 }  // namespace aq

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -27,10 +28,17 @@ namespace aq {
 [[nodiscard]] AQ_API std::int16_t int16From(std::string_view text);
 [[nodiscard]] AQ_API std::uint8_t byteFrom(std::string_view text);
 
-/// Takes a level in the form in which levels are written, up to three digits, a point and two
-/// decimals, from the front of `text`, where a `delimiter` or the end must follow it. Gives its
-/// length, and 0 for any other form, which `doubleFrom` may still know. The value is the same.
-[[nodiscard]] AQ_API std::size_t levelAtFront(std::string_view text, char delimiter, double& value);
+/// How many levels were taken, and how many characters of text.
+struct LevelsTaken {
+  std::size_t count = 0;
+  std::size_t length = 0;
+};
+
+/// Takes levels in the form in which they are written, up to three digits, a point and two
+/// decimals, each with the `delimiter` behind it, from the front of `text`, until `values` is full
+/// or another form comes, which `doubleFrom` may still know. The values are the same.
+[[nodiscard]] AQ_API LevelsTaken levelsAtFront(std::string_view text, char delimiter,
+                                               std::span<double> values);
 
 /// The number that `text` begins with, 0 if none: blanks are skipped, and the first character
 /// that cannot continue a number ends it. Throws `Overflow` outside the range of a double.
@@ -53,5 +61,8 @@ AQ_API void appendFraction(std::string& text, float value);
 /// exact halves away from zero, no sign on what rounds to zero. Throws `InvalidValue` when not
 /// finite.
 AQ_API void appendHundredths(std::string& text, double value);
+
+/// As above, with "," between the values.
+AQ_API void appendHundredths(std::string& text, std::span<const double> values);
 
 }  // namespace aq

@@ -12,10 +12,7 @@ void LevelColumns::read(FieldReader& fields, AQ_Spectrum& spectrum) {
 
 void appendLevels(std::string& text, const AQ_Spectrum& spectrum) {
   const auto plain = spectrum.plainLevels();
-  for (std::size_t i = 0; i < plain.size(); ++i) {
-    if (i != 0) text += ',';
-    appendHundredths(text, plain[i]);
-  }
+  appendHundredths(text, plain);
   if (!plain.empty()) return;
   for (std::int32_t band = spectrum.LowBand(); band <= spectrum.HighBand(); ++band) {
     if (band != spectrum.LowBand()) text += ',';

@@ -58,15 +58,14 @@ std::string_view FieldReader::cleanText() {
 }
 
 void FieldReader::numbers(std::span<double> values, const char* expected) {
-  for (double& value : values) {
-    const std::size_t length = done_ ? 0 : levelAtFront(rest_, ',', value);
-    if (length == 0) {
-      value = number(expected);
-      continue;
-    }
-    ++number_;
-    done_ = length == rest_.size();
-    rest_.remove_prefix(done_ ? length : length + 1);
+  while (!values.empty()) {
+    const LevelsTaken taken = levelsAtFront(rest_, ',', values);
+    number_ += taken.count;
+    rest_.remove_prefix(taken.length);
+    values = values.subspan(taken.count);
+    if (values.empty()) return;
+    values.front() = number(expected);
+    values = values.subspan(1);
   }
 }
 

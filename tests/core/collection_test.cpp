@@ -14,45 +14,35 @@ namespace {
 TEST(Collection, BehavesAsAPlainListUnderRandomSteps) {
   std::mt19937 random(7);
   Collection<int> tested;
-  Collection<int> movedFrom;
   std::vector<std::pair<std::string, int>> plain;
-  const auto find = [&plain](const std::string& key) {
-    return std::find_if(plain.begin(), plain.end(), [&](const auto& e) { return e.first == key; });
-  };
   for (int step = 0; step < 20000; ++step) {
     const std::string key = std::to_string(random() % 60);
-    const auto entry = find(key);
-    switch (random() % 4) {
-      case 0:
-        if (entry == plain.end()) {
-          tested.Add(step, key);
-          plain.emplace_back(key, step);
-        } else {
-          EXPECT_ERROR(tested.Add(step, key), InvalidArgument);
-        }
-        break;
-      case 1:
-        if (entry != plain.end()) {
-          tested.Remove(key);
-          plain.erase(entry);
-        } else {
-          EXPECT_ERROR(tested.Remove(key), InvalidArgument);
-        }
-        break;
-      case 2:
-        if (!plain.empty()) {
-          const auto place = static_cast<std::int32_t>(random() % plain.size());
-          tested.Remove(place + 1);
-          plain.erase(plain.begin() + place);
-        }
-        break;
-      default: tested.Add(step); plain.emplace_back("", step);
+    const auto entry =
+        std::find_if(plain.begin(), plain.end(), [&](const auto& one) { return one.first == key; });
+    const bool taken = entry != plain.end();
+    const auto place = static_cast<std::int32_t>(random() % (plain.size() + 1));
+    const auto action = plain.size() > 100 ? 2 : random() % 4;
+    if (action == 0 && taken) {
+      EXPECT_ERROR(tested.Add(step, key), InvalidArgument);
+    } else if (action == 0) {
+      tested.Add(step, key);
+      plain.emplace_back(key, step);
+    } else if (action == 1 && !taken) {
+      EXPECT_ERROR(tested.Remove(key), InvalidArgument);
+    } else if (action == 1) {
+      tested.Remove(key);
+      plain.erase(entry);
+    } else if (action == 2 && place != 0) {
+      tested.Remove(place);
+      plain.erase(plain.begin() + place - 1);
+    } else {
+      tested.Add(step);
+      plain.emplace_back("", step);
     }
     if (step % 100 == 0) {
-      movedFrom = std::move(tested);
+      Collection<int> moved = std::move(tested);
       ASSERT_EQ(tested.Count(), 0);  // NOLINT(bugprone-use-after-move): empty, as promised
-      tested.Add(1, "a");
-      tested = movedFrom;
+      tested = moved;
     }
     ASSERT_EQ(tested.Count(), static_cast<std::int32_t>(plain.size()));
     ASSERT_TRUE(std::equal(tested.begin(), tested.end(), plain.begin(), plain.end(),
@@ -62,10 +52,6 @@ TEST(Collection, BehavesAsAPlainListUnderRandomSteps) {
       if (!plain[i].first.empty()) {
         ASSERT_EQ(tested.Item(plain[i].first), plain[i].second);
       }
-    }
-    if (plain.size() > 100) {
-      for (; !plain.empty(); plain.pop_back())
-        tested.Remove(static_cast<std::int32_t>(plain.size()));
     }
   }
 }

@@ -37,8 +37,7 @@ TEST(NumberText, ReadsWholeFields) {
       {"0.3e1", 3},
       {"123456789012345678901234567890", 1.2345678901234568e29},
       {"0.000000000000000000000000000001", 1e-30},
-      {"179769313486231570e291", Limits::max()},
-  };
+      {"179769313486231570e291", Limits::max()}};
   for (const auto& [text, value] : rows) EXPECT_EQ(doubleFrom(text), value) << text;
   EXPECT_TRUE(std::signbit(doubleFrom("-0.00")));
   EXPECT_EQ(singleFrom("0.1"), 0.1F);

@@ -72,20 +72,17 @@ TEST(Spectrum, KeepsEachLevelWithItsOwnType) {
 
 TEST(Spectrum, SharesAndCopiesItsObjects) {
   AQ_Spectrum spectrum;
-  spectrum.SPL(30, 70.0);
-  spectrum.Level(88);
   EXPECT_EQ(spectrum.Time(), spectrum.Time());
   const auto time = std::make_shared<AQ_Time>();
   spectrum.Time(time);
   spectrum.Metric()->PNLT(101.5F);
+  spectrum.Level(88);
   const auto copy = spectrum.Copy();
   time->TODseconds(5);
   spectrum.Metric()->PNLT(0);
-  spectrum.SPL(30, 0.0);
   EXPECT_EQ(spectrum.Time()->TODseconds(), 5);
   EXPECT_EQ(copy->Time()->TODseconds(), 0);
   EXPECT_EQ(copy->Metric()->PNLT(), 101.5F);
-  EXPECT_EQ(copy->SPL(30), Variant(70.0));
   EXPECT_EQ(copy->Level(), 88);
 }
 
