@@ -64,13 +64,6 @@ TEST(NumberText, RefusesAnythingElse) {
   EXPECT_ERROR(byteFrom("256"), Overflow);
 }
 
-TEST(NumberText, LeadingNumber) {
-  const std::pair<const char*, double> rows[] = {{"45.5 PM", 45.5}, {" 07:", 7},  {"", 0},
-                                                 {"x1", 0},         {"-3x", -3},  {"1 2", 12},
-                                                 {".", 0},          {"1e2e", 100}};
-  for (const auto& [text, value] : rows) EXPECT_EQ(leadingNumber(text), value) << text;
-}
-
 TEST(NumberText, DefaultText) {
   const std::pair<double, const char*> doubles[] = {{0.5, "0.5"},
                                                     {-0.25, "-0.25"},

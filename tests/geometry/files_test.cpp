@@ -81,29 +81,21 @@ TEST(DataPTH, DataLinesAreCountedWithSixteenBits) {
 }
 
 TEST(DataTSPI, DropsPoorPositions) {
-  const std::pair<int, std::vector<double>> rows[] = {{0, {-1474.7}},
-                                                      {1, {-1474.7, -1465.3}},
-                                                      {254, {-1484.1, -1474.7, -1465.3}},
-                                                      {255, {-1484.1, -1474.7, -1465.3, -1456}}};
   AQ_DataTSPI file;
   EXPECT_EQ(file.RT20Limit(), 1);
-  for (const auto& [limit, kept] : rows) {
+  std::shared_ptr<AQ_PositionTimeHistory> history;
+  AQ_DataMessage result = AQ_DATA_FILE_ERROR;
+  for (const auto& [limit, kept] : {std::pair{1, 2}, {254, 3}, {255, 4}, {0, 1}}) {
     file.RT20Limit(static_cast<std::uint8_t>(limit));
-    std::shared_ptr<AQ_PositionTimeHistory> history;
-    AQ_DataMessage result = AQ_DATA_FILE_ERROR;
     file.readFile(kTSPI, history, result);
-    ASSERT_EQ(result, AQ_DATA_OK);
-    EXPECT_EQ(file.nBadPositions(), 4 - static_cast<int>(kept.size()));
-    ASSERT_EQ(history->Count(), static_cast<int>(kept.size()));
-    for (std::size_t i = 0; i < kept.size(); ++i) {
-      EXPECT_EQ(history->Position(static_cast<std::int32_t>(i + 1))->X(), kept[i]);
-    }
+    EXPECT_EQ(result, AQ_DATA_OK);
+    EXPECT_EQ(history->Count(), kept);
+    EXPECT_EQ(file.nBadPositions(), 4 - kept);
   }
-  std::shared_ptr<AQ_PositionTimeHistory> none;
-  AQ_DataMessage result = AQ_DATA_OK;
-  file.RT20Limit(0);
-  file.readFile(kTSPI, none, result);
-  file.readFile("no such file", none, result);
+  EXPECT_EQ(history->Position(1)->X(), -1474.7);
+  EXPECT_EQ(history->Position(1)->Y(), 0.1);
+  EXPECT_EQ(history->Position(1)->Z(), 516.3);
+  file.readFile("no such file", history, result);
   EXPECT_EQ(result, AQ_DATA_FILE_ERROR);
   EXPECT_EQ(file.nBadPositions(), 3);  // of the read before
 }
