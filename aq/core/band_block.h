@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace aq {
@@ -34,6 +35,13 @@ class BandBlock {
     }
     if (index(at) >= cells_.size()) cells_.resize(index(at) + 1);
     return cells_[index(at)];
+  }
+
+  /// Replaces the block by `size` default cells from `first` on, and gives them.
+  [[nodiscard]] std::span<Cell> renew(std::int16_t first, std::size_t size) {
+    cells_.assign(size, Cell());
+    first_ = first;
+    return cells_;
   }
 
   /// Replaces the block by `size` cells from `first` on.

@@ -1,5 +1,7 @@
 #include "aq/masking/data_mask.h"
 
+#include <vector>
+
 #include "aq/core/band_label.h"
 #include "aq/core/number_text.h"
 #include "aq/core/platform.h"
@@ -41,7 +43,7 @@ void appendRow(std::string& text, std::int16_t record, AQ_MaskRow& row) {
   appendNumber(text, std::int32_t{record});
   text += ',';
   for (std::int32_t band = row.LowBand(); band <= row.HighBand(); ++band) {
-    text += row.decision(static_cast<std::int16_t>(band)).MaskString();
+    row.decision(static_cast<std::int16_t>(band)).appendMaskString(text);
     text += ',';
   }
   appendNumber(text, std::int32_t{row.LGB()});
@@ -57,13 +59,17 @@ AQ_Mask maskFrom(FieldReader& fields) {
   return mask;
 }
 
-/// The bands are the header's, whatever the row's were when it was written.
-void readRow(FieldReader fields, const AQ_HeaderMask& header, AQ_MaskMap& map) {
+/// The bands are the header's, whatever the row's were when it was written. `masks` is room that
+/// all rows share.
+void readRow(FieldReader fields, const AQ_HeaderMask& header, std::vector<AQ_Mask>& masks,
+             AQ_MaskMap& map) {
   auto row = std::make_shared<AQ_MaskRow>();
   const std::int16_t record = fields.int16("a record number");
+  masks.clear();
   for (std::int32_t band = header.iBandLow; band <= header.iBandHigh; ++band) {
-    row->store(static_cast<std::int16_t>(band), maskFrom(fields));
+    masks.push_back(maskFrom(fields));
   }
+  row->assign(header.iBandLow, masks);
   row->LGB(fields.int16("the last good band"));
   map.Row(record, std::move(row));
 }
@@ -105,7 +111,8 @@ AQ_DataMessage AQ_DataMask::readFile(const std::string& sFileName,
     header_->sColumnLabels = headerLines.columns();
     aqHeader = header_;
     MaskMap = std::make_shared<AQ_MaskMap>();
-    while (lines.next()) readRow(FieldReader(lines), *header_, *MaskMap);
+    std::vector<AQ_Mask> masks;
+    while (lines.next()) readRow(FieldReader(lines), *header_, masks, *MaskMap);
   });
 }
 

@@ -22,9 +22,14 @@ void setFrom(std::string_view letters, char letter, Enumeration& value) {
 }  // namespace
 
 std::string AQ_Mask::MaskString() const {
-  std::string letters(letterOf(kModes, mode_));
-  letters += letterOf(kAdjustments, adjust_);
+  std::string letters;
+  appendMaskString(letters);
   return letters;
+}
+
+void AQ_Mask::appendMaskString(std::string& text) const {
+  text += letterOf(kModes, mode_);
+  text += letterOf(kAdjustments, adjust_);
 }
 
 void AQ_Mask::MaskString(std::string_view letters) {

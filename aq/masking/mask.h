@@ -27,6 +27,9 @@ class AQ_API AQ_Mask {
   [[nodiscard]] std::string MaskString() const;
   void MaskString(std::string_view letters);
 
+  /// As `MaskString`, appended to `text`.
+  void appendMaskString(std::string& text) const;
+
  private:
   AQ_MASK_MODE mode_ = NOT_MASKED;
   AQ_MASK_ADJUST adjust_ = NOT_ADJUSTED;

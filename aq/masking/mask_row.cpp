@@ -15,22 +15,33 @@ std::shared_ptr<AQ_MaskRow> AQ_MaskRow::Copy() {
 }
 
 std::shared_ptr<AQ_Mask> AQ_MaskRow::Mask(std::int16_t nBand) {
-  Cell& cell = fetch(nBand);
-  if (!cell.object) cell.object = cell.value.Copy();
-  return cell.object;
+  const Cell& cell = fetch(nBand);
+  auto& object = objects_.made().touch(nBand);
+  if (!object) object = cell.value.Copy();
+  return object;
 }
 
 void AQ_MaskRow::Mask(std::int16_t nBand, std::shared_ptr<AQ_Mask> mask) {
-  if (Cell* const cell = place(nBand)) cell->object = std::move(mask);
+  if (place(nBand) != nullptr) objects_.made().touch(nBand) = std::move(mask);
 }
 
 AQ_Mask AQ_MaskRow::decision(std::int16_t band) {
   const Cell& cell = fetch(band);
-  return cell.object ? *cell.object : cell.value;
+  const auto* const object = objects_ ? objects_->find(band) : nullptr;
+  return object != nullptr && *object ? **object : cell.value;
 }
 
 void AQ_MaskRow::store(std::int16_t band, const AQ_Mask& decision) {
   if (Cell* const cell = place(band)) cell->value = decision;
+}
+
+void AQ_MaskRow::assign(std::int16_t low, std::span<const AQ_Mask> decisions) {
+  objects_.reset();
+  const auto cells = cells_.renew(low, decisions.size());
+  for (std::size_t i = 0; i < cells.size(); ++i) cells[i] = {decisions[i], true};
+  if (decisions.empty()) return;
+  bands_.widen(low);
+  bands_.widen(static_cast<std::int16_t>(low + static_cast<int>(decisions.size()) - 1));
 }
 
 /// The cell of a band, with a default mask if it had none.
@@ -45,6 +56,7 @@ AQ_MaskRow::Cell& AQ_MaskRow::fetch(std::int16_t band) {
 AQ_MaskRow::Cell* AQ_MaskRow::place(std::int16_t band) {
   bands_.widen(band);
   Cell& cell = cells_.touch(band);
+  if (objects_) objects_.made().touch(band).reset();
   const bool hadMask = std::exchange(cell, Cell()).taken;
   if (hadMask) return nullptr;
   cell.taken = true;

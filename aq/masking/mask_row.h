@@ -2,10 +2,12 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 
 #include "aq/core/band_block.h"
 #include "aq/core/export.h"
 #include "aq/core/number_range.h"
+#include "aq/core/on_demand.h"
 #include "aq/masking/mask.h"
 
 namespace aq {
@@ -44,18 +46,21 @@ class AQ_API AQ_MaskRow {
   /// As the setter with a new mask of these values.
   void store(std::int16_t band, const AQ_Mask& decision);
 
+  /// Replaces all masks by these, of consecutive bands from `low` up.
+  void assign(std::int16_t low, std::span<const AQ_Mask> decisions);
+
  private:
-  // A decision stays a value until somebody asks for its object; then the object counts.
   struct Cell {
-    bool taken = false;
     AQ_Mask value;
-    std::shared_ptr<AQ_Mask> object;
+    bool taken = false;
   };
 
   [[nodiscard]] Cell& fetch(std::int16_t band);
   [[nodiscard]] Cell* place(std::int16_t band);
 
   BandBlock<Cell> cells_;
+  // A decision stays a value until somebody asks for its object; then the object counts.
+  OnDemand<BandBlock<std::shared_ptr<AQ_Mask>>> objects_;
   NumberRange bands_;
   std::int16_t lastGoodBand_ = 0;
 };
