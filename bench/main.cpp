@@ -58,7 +58,8 @@ class Table : public benchmark::BenchmarkReporter {
 
 }  // namespace
 
-void addPair(const std::string& name, std::function<void()> plain, std::function<void()> tested) {
+void addPair(const std::string& name, const std::function<void()>& plain,
+             const std::function<void()>& tested) {
   names().push_back(name);
   add("plain " + name, plain);
   add(name, tested);

@@ -7,7 +7,8 @@ namespace bench {
 
 /// Times `tested` beside `plain`, a loop that does the same work without the library, in one run.
 /// Both are called again and again; `name` stands in the table of ratios.
-void addPair(const std::string& name, std::function<void()> plain, std::function<void()> tested);
+void addPair(const std::string& name, const std::function<void()>& plain,
+             const std::function<void()>& tested);
 
 /// A file in a folder of memory, if the system has one.
 std::string fileInMemory(const std::string& name);

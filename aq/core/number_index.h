@@ -4,11 +4,26 @@
 #include <cstdint>
 #include <optional>
 #include <unordered_map>
+#include <utility>
 
 #include "aq/core/export.h"
-#include "aq/core/removed_slots.h"
 
 namespace aq {
+
+/// A number that is 0 again once it was moved from.
+struct Counter {
+  std::size_t value = 0;
+
+  Counter() = default;
+  Counter(const Counter&) = default;
+  Counter(Counter&& other) noexcept : value(std::exchange(other.value, 0)) {}
+  Counter& operator=(const Counter&) = default;
+  Counter& operator=(Counter&& other) noexcept {
+    value = std::exchange(other.value, 0);
+    return *this;
+  }
+  ~Counter() = default;
+};
 
 /// Finds the slot of a record number. Records mostly come as n, n+1, n+2 …: as long as they do,
 /// the slot follows from the number and no table is kept.

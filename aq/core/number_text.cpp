@@ -280,7 +280,7 @@ constexpr std::size_t kLongestQuick = 8;  // a sign, four digits, a point, two d
 /// The digits of 0 to 999 without zeros in front, none for 0, and how many they are.
 struct WholeDigits {
   std::array<char, 3> text{};
-  char count = 0;
+  std::uint8_t count = 0;
 };
 constexpr auto kWholeDigits = [] {
   std::array<WholeDigits, 1000> all{};
@@ -288,8 +288,7 @@ constexpr auto kWholeDigits = [] {
     WholeDigits& digits = all[number];
     for (std::size_t scale = 100; scale != 0; scale /= 10) {
       if (number < scale) continue;
-      digits.text[static_cast<std::size_t>(digits.count++)] =
-          static_cast<char>('0' + number / scale % 10);
+      digits.text[digits.count++] = static_cast<char>('0' + number / scale % 10);
     }
   }
   return all;
@@ -302,8 +301,10 @@ char* writeQuickly(char* at, double value) {
   constexpr double kNearHalf = 1e-3;  // closer than this to a half, the exact digits decide
   const double size = std::abs(value) * 100;
   if (!(size < kEnd)) return nullptr;
-  const auto hundredths = static_cast<std::uint32_t>(size + 0.5);
-  if (std::abs(size - hundredths) > 0.5 - kNearHalf) return nullptr;
+  const auto below = static_cast<std::uint32_t>(size);
+  const double above = size - below;
+  if (std::abs(above - 0.5) < kNearHalf) return nullptr;
+  const std::uint32_t hundredths = below + (above > 0.5 ? 1 : 0);
   *at = '-';
   at += value < 0 && hundredths > 0 ? 1 : 0;
   const WholeDigits& whole = kWholeDigits[hundredths / 100];

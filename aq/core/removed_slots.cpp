@@ -1,6 +1,7 @@
 #include "aq/core/removed_slots.h"
 
 #include <bit>
+#include <utility>
 
 namespace aq {
 namespace {
@@ -19,7 +20,7 @@ void RemovedSlots::start(std::size_t slots) {
 
 void RemovedSlots::add(std::size_t slot, std::size_t slots) {
   if (count() == 0) start(slots);
-  ++count_.value;
+  ++count_;
   removed_[slot] = true;
   for (std::size_t i = slot + 1; i < inUse_.size(); i += lowestBit(i)) --inUse_[i];
 }
@@ -58,12 +59,6 @@ std::size_t RemovedSlots::placeOf(std::size_t slot) const {
   std::size_t place = 0;
   for (std::size_t i = slot; i != 0; i -= lowestBit(i)) place += inUse_[i];
   return place;
-}
-
-void RemovedSlots::clear() {
-  count_.value = 0;
-  removed_.clear();
-  inUse_.clear();
 }
 
 }  // namespace aq

@@ -1,33 +1,17 @@
 #pragma once
 
 #include <cstddef>
-#include <utility>
 #include <vector>
 
 #include "aq/core/export.h"
 
 namespace aq {
 
-/// A number that is 0 again once it was moved from.
-struct Counter {
-  std::size_t value = 0;
-
-  Counter() = default;
-  Counter(const Counter&) = default;
-  Counter(Counter&& other) noexcept : value(std::exchange(other.value, 0)) {}
-  Counter& operator=(const Counter&) = default;
-  Counter& operator=(Counter&& other) noexcept {
-    value = std::exchange(other.value, 0);
-    return *this;
-  }
-  ~Counter() = default;
-};
-
 /// Which slots of a list are removed but not yet closed up. Finds the slot of a place, that is
 /// the n-th slot still in use, in logarithmic time.
 class AQ_API RemovedSlots {
  public:
-  [[nodiscard]] std::size_t count() const { return count_.value; }
+  [[nodiscard]] std::size_t count() const { return count_; }
   [[nodiscard]] bool contains(std::size_t slot) const { return count() != 0 && removed_[slot]; }
 
   /// Removes one of `slots` slots. The slot is in use. A failure changes nothing.
@@ -45,12 +29,10 @@ class AQ_API RemovedSlots {
   /// How many slots in use stand before `slot`.
   [[nodiscard]] std::size_t placeOf(std::size_t slot) const;
 
-  void clear();
-
  private:
   void start(std::size_t slots);
 
-  Counter count_;
+  std::size_t count_ = 0;
   std::vector<bool> removed_;
   // A binary indexed tree: entry i, one-based, counts the slots in use among the last
   // (lowest set bit of i) slots up to i. Empty while nothing is removed.
