@@ -324,8 +324,8 @@ void appendExactHundredths(std::string& text, double value) {
   const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(value),
                                      std::chars_format::fixed, halfway ? 3 : 2);
   char* end = written.ptr;
-  if (halfway) {  // .125, .375, .625 or .875: up without a carry, where to_chars takes the even
-                  // digit
+  if (halfway) {
+    // .125, .375, .625 or .875: up without a carry, where to_chars would take the even digit.
     --end;
     ++end[-1];
   }

@@ -82,9 +82,7 @@ const Parameter kParameters[] = {
 /// Takes `count` comment lines, each up to its first comma; empty ones are dropped.
 void readComments(std::int16_t count, LineReader& lines, Collection<std::string>& comments) {
   for (std::int32_t i = 1; i <= count; ++i) {
-    if (!lines.next()) {
-      failRead(lines.number() + 1, 0, "one more comment line", "the end of the file");
-    }
+    takeLine(lines, "one more comment line");
     FieldReader fields(lines);
     const std::string_view comment = fields.text("a comment");
     if (!comment.empty()) comments.Add(std::string(comment));

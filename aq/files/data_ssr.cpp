@@ -36,10 +36,6 @@ LevelColumns columnsFrom(FieldReader labels) {
   return columns;
 }
 
-void takeLine(LineReader& lines, const char* expected) {
-  if (!lines.next()) failRead(lines.number() + 1, 0, expected, "the end of the file");
-}
-
 }  // namespace
 
 AQ_DataMessage AQ_DataSSR::writeFile(const std::string& sFileName,

@@ -36,8 +36,7 @@ void AQ_DataMIC::readFile(const std::string& sFileName, std::shared_ptr<AQ_Heade
     readHeader(headerLines, *header_);
     aqHeader = header_;
     headerLines.skipColumns();
-    if (!lines.next())
-      failRead(lines.number() + 1, 0, "the microphone's line", "the end of the file");
+    takeLine(lines, "the microphone's line");
     if (!MIC) failRead(0, 0, "a microphone to fill", "no object");
     readMicrophone(FieldReader(lines), *MIC);
   });

@@ -12,6 +12,11 @@ void failRead(std::size_t line, std::size_t field, std::string expected, std::st
                      .found = std::move(found)}};
 }
 
+void takeLine(LineReader& lines, const char* what, std::string_view keyword) {
+  if (lines.next()) return;
+  failRead(lines.number() + 1, 0, what + std::string(keyword), "the end of the file");
+}
+
 std::string expectedFor(const char* expected, const Error& error) {
   std::string words = expected;
   if (error.code() == ErrorCode::Overflow) words += " in range";

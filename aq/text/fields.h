@@ -25,6 +25,9 @@ struct ReadFailure {
 [[noreturn]] AQ_API void failRead(std::size_t line, std::size_t field, std::string expected,
                                   std::string found);
 
+/// Goes to the next line. Where there is none, fails with `what` and `keyword` as the words for it.
+AQ_API void takeLine(LineReader& lines, const char* what, std::string_view keyword = {});
+
 /// What a failed conversion wanted: a number that is one, but out of range, is told so.
 [[nodiscard]] AQ_API std::string expectedFor(const char* expected, const Error& error);
 

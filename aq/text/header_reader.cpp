@@ -101,7 +101,7 @@ void HeaderReader::lines(std::string_view keyword,
                          std::int16_t& count) {
   integer(keyword, count);
   for (std::int32_t i = 1; i <= count; ++i) {
-    takeLine("one more line of ", keyword);
+    takeLine(lines_, "one more line of ", keyword);
     block->Add(beforeMark());
   }
 }
@@ -113,17 +113,12 @@ void HeaderReader::lines(std::string_view keyword,
 }
 
 std::string HeaderReader::columns() {
-  takeLine("the line of column headings", "");
+  takeLine(lines_, "the line of column headings");
   return beforeMark();
 }
 
-void HeaderReader::takeLine(const char* what, std::string_view keyword) {
-  if (lines_.next()) return;
-  failRead(lines_.number() + 1, 0, what + std::string(keyword), "the end of the file");
-}
-
 void HeaderReader::takeValue(std::string_view keyword) {
-  takeLine("the line of ", keyword);
+  takeLine(lines_, "the line of ", keyword);
   if (findValue()) return;
   const std::string_view line = trimmed(lines_.line());
   failRead(lines_.number(), 0, "the line of " + std::string(keyword) + " with \"**\"",

@@ -81,7 +81,6 @@ class AQ_API HeaderReader {
 
   void takeFirstLine(std::string_view fileType);
   void takeDate(std::string_view keyword, AQ_Time& time);
-  void takeLine(const char* what, std::string_view keyword);
   void takeValue(std::string_view keyword);
   [[nodiscard]] bool findValue();
   [[nodiscard]] std::string_view field(std::size_t number, const char* expected);
