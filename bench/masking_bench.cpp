@@ -1,7 +1,7 @@
 // Masking maps of 32,767 rows and 24 bands, beside plain loops over two letters a band.
-#include <array>
 #include <charconv>
 #include <fstream>
+#include <string_view>
 #include <vector>
 
 #include "bench/benches.h"
@@ -13,12 +13,40 @@ namespace {
 constexpr std::int16_t kRows = 32767;
 constexpr std::size_t kBands = 24;
 
+struct PlainMask {
+  aq::AQ_MASK_MODE mode = aq::NOT_MASKED;
+  aq::AQ_MASK_ADJUST adjustment = aq::NOT_ADJUSTED;
+};
+
 struct PlainRow {
   int number = 0;
-  std::vector<std::array<char, 2>> masks;
+  std::vector<PlainMask> masks;
   int lastGoodBand = 0;
 };
 using PlainRows = std::vector<std::shared_ptr<PlainRow>>;
+
+constexpr std::string_view kModes = "-MAF";
+constexpr std::string_view kAdjustments = "-SFTACR";
+
+PlainMask plainMask(const char* letters) {
+  PlainMask mask;
+  switch (letters[0]) {
+    case 'M': mask.mode = aq::MASKED_BY_MASK_CRITERION; break;
+    case 'A': mask.mode = aq::MASKED_BY_PRE_DETECT; break;
+    case 'F': mask.mode = aq::MASKED_BY_POST_DETECT; break;
+    default: break;
+  }
+  switch (letters[1]) {
+    case 'S': mask.adjustment = aq::ENERGY_SUBTRACTION; break;
+    case 'F': mask.adjustment = aq::FREQUENCY_EXTRAPOLATION; break;
+    case 'T': mask.adjustment = aq::TIME_EXTRAPOLATION; break;
+    case 'A': mask.adjustment = aq::AVG_OF_ADJACENT; break;
+    case 'C': mask.adjustment = aq::CORRECTIONS_APPLIED; break;
+    case 'R': mask.adjustment = aq::ADJ_TO_REFERENCE; break;
+    default: break;
+  }
+  return mask;
+}
 
 PlainRows plainRead(const std::string& path) {
   const std::string bytes = bytesOf(path);
@@ -29,7 +57,7 @@ PlainRows plainRead(const std::string& path) {
     auto row = std::make_shared<PlainRow>();
     row->masks.reserve(kBands);
     at = std::from_chars(at, end, row->number).ptr + 1;
-    for (std::size_t band = 0; band < kBands; ++band, at += 3) row->masks.push_back({at[0], at[1]});
+    for (std::size_t band = 0; band < kBands; ++band, at += 3) row->masks.push_back(plainMask(at));
     at = std::from_chars(at, end, row->lastGoodBand).ptr + 1;
     rows.push_back(std::move(row));
   }
@@ -41,8 +69,9 @@ void plainWrite(const std::string& path, const PlainRows& rows) {
   for (const auto& row : rows) {
     text += std::to_string(row->number);
     text += ',';
-    for (const auto& mask : row->masks) {
-      text.append(mask.data(), mask.size());
+    for (const PlainMask& mask : row->masks) {
+      text += kModes[static_cast<std::size_t>(mask.mode)];
+      text += kAdjustments[static_cast<std::size_t>(mask.adjustment)];
       text += ',';
     }
     text += std::to_string(row->lastGoodBand);

@@ -10,13 +10,14 @@ namespace aq {
 
 /// One cell a band in one block of memory, from the lowest band that was touched to the highest;
 /// the cells between are default ones.
-template <class Cell>
+template <class Cell, class Cells = std::vector<Cell>>
 class BandBlock {
  public:
   [[nodiscard]] bool empty() const { return cells_.empty(); }
   [[nodiscard]] std::size_t size() const { return cells_.size(); }
   [[nodiscard]] std::int16_t first() const { return first_; }
-  [[nodiscard]] const Cell* data() const { return cells_.data(); }
+  [[nodiscard]] std::span<Cell> all() { return {cells_.data(), cells_.size()}; }
+  [[nodiscard]] std::span<const Cell> all() const { return {cells_.data(), cells_.size()}; }
 
   /// The cell of `band`, `nullptr` outside the block.
   [[nodiscard]] const Cell* find(std::int16_t band) const {
@@ -37,23 +38,16 @@ class BandBlock {
     return cells_[index(at)];
   }
 
-  /// Replaces the block by `size` default cells from `first` on, and gives them.
-  [[nodiscard]] std::span<Cell> renew(std::int16_t first, std::size_t size) {
-    cells_.assign(size, Cell());
-    first_ = first;
-    return cells_;
-  }
-
-  /// Replaces the block by `size` cells from `first` on.
-  void assign(std::int16_t first, const Cell* cells, std::size_t size) {
-    cells_.assign(cells, cells + size);
+  /// Replaces the block by these cells from `first` on.
+  void assign(std::int16_t first, std::span<const Cell> cells) {
+    cells_.assign(cells.data(), cells.data() + cells.size());
     first_ = first;
   }
 
  private:
   static std::size_t index(int at) { return static_cast<std::size_t>(at); }
 
-  std::vector<Cell> cells_;
+  Cells cells_;
   std::int16_t first_ = 0;
 };
 

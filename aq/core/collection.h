@@ -24,6 +24,13 @@ class Collection {
     slots_.append(std::move(value));
   }
 
+  /// Adds a value made of `arguments` in its place.
+  template <class... Arguments>
+  void Emplace(Arguments&&... arguments) {
+    slots_.makeRoom();
+    slots_.append(std::forward<Arguments>(arguments)...);
+  }
+
   /// Throws `InvalidArgument`, and adds nothing, when the key is taken.
   void Add(T value, std::string_view key) {
     slots_.makeRoom();

@@ -92,6 +92,31 @@ std::string clockTimeFrom(std::string_view text) {
   return clock;
 }
 
+PlainClock plainClock(std::string_view text) {
+  constexpr std::size_t kPoint = 8;
+  constexpr std::size_t kLongest = kPoint + 7;
+  if (text.size() < kPoint || text[2] != ':' || text[5] != ':') return {};
+  bool digits = true;
+  const auto digit = [&](std::size_t place) {
+    const int value = text[place] - '0';
+    digits = digits && value >= 0 && value <= 9;
+    return value;
+  };
+  const int hours = digit(0) * 10 + digit(1);
+  const int minutes = digit(3) * 10 + digit(4);
+  std::int32_t seconds = digit(6) * 10 + digit(7);  // with its decimals as one integer
+  std::int32_t scale = 1;
+  std::size_t place = kPoint;
+  if (place < text.size() && text[place] == '.') ++place;
+  for (; place > kPoint && place < std::min(text.size(), kLongest) && text[place] != ','; ++place) {
+    seconds = seconds * 10 + digit(place);
+    scale *= 10;
+  }
+  if (!digits || (place < text.size() && text[place] != ',')) return {};
+  const auto narrowed = static_cast<float>(seconds / static_cast<double>(scale));
+  return {minutes * 60 + hours * 3600 + static_cast<double>(narrowed), place};
+}
+
 std::string twelveHourText(std::string_view clockTime) {
   const int hours = int16From(clockTime.substr(0, 2));
   const int onDial = (hours + 11) % 12 + 1;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -20,6 +21,16 @@ namespace aq {
 /// `hh:mm:ss` from `hh:mm:ss` with hours 0 to 23 of one or two digits, outer blanks allowed.
 /// Throws `TypeMismatch` for what is no time.
 [[nodiscard]] AQ_API std::string clockTimeFrom(std::string_view text);
+
+/// A clock time written plainly: its seconds after midnight, those behind the last colon in single
+/// precision, and how many characters it has, 0 for none.
+struct PlainClock {
+  double seconds = 0;
+  std::size_t length = 0;
+};
+
+/// The `hh:mm:ss` with up to six decimals that fills `text` up to its first comma, or whole.
+[[nodiscard]] AQ_API PlainClock plainClock(std::string_view text);
 
 /// A clock time `hh:mm:ss` on the twelve-hour clock, as in "12:30:00 PM".
 [[nodiscard]] AQ_API std::string twelveHourText(std::string_view clockTime);

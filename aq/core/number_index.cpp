@@ -2,20 +2,15 @@
 
 namespace aq {
 
-std::optional<std::size_t> NumberIndex::find(std::int32_t number) const {
-  if (isRun()) {
-    if (number < first_ || number >= afterRun()) return std::nullopt;
-    return static_cast<std::size_t>(std::int64_t{number} - first_);
-  }
+std::optional<std::size_t> NumberIndex::findInTable(std::int32_t number) const {
   const auto entry = table_.find(number);
   if (entry == table_.end()) return std::nullopt;
   return entry->second;
 }
 
-void NumberIndex::makeRoom(std::int32_t number) {
+/// A number that does not follow the run needs a table; as does every one from then on.
+void NumberIndex::makeRoomInTable(std::int32_t number) {
   if (isRun()) {
-    const bool isLast = length_.value != 0 && number == afterRun() - 1;
-    if (isLast || length_.value == 0 || number == afterRun()) return;
     std::unordered_map<std::int32_t, std::size_t> table;
     table.reserve(length_.value + 1);
     for (std::size_t slot = 0; slot < length_.value; ++slot) {

@@ -29,11 +29,18 @@ struct Counter {
 /// the slot follows from the number and no table is kept.
 class AQ_API NumberIndex {
  public:
-  [[nodiscard]] std::optional<std::size_t> find(std::int32_t number) const;
+  [[nodiscard]] std::optional<std::size_t> find(std::int32_t number) const {
+    if (!isRun()) return findInTable(number);
+    if (number < first_ || number >= afterRun()) return std::nullopt;
+    return static_cast<std::size_t>(std::int64_t{number} - first_);
+  }
 
   /// Makes room for a number, so that `set` cannot fail. Nothing else may happen in between but
   /// `renumber`.
-  void makeRoom(std::int32_t number);
+  void makeRoom(std::int32_t number) {
+    const bool followsRun = length_.value == 0 || number == afterRun() || number == afterRun() - 1;
+    if (!isRun() || !followsRun) makeRoomInTable(number);
+  }
 
   /// The number now stands in `slot`, the last one.
   void set(std::int32_t number, std::size_t slot);
@@ -45,6 +52,8 @@ class AQ_API NumberIndex {
   }
 
  private:
+  [[nodiscard]] std::optional<std::size_t> findInTable(std::int32_t number) const;
+  void makeRoomInTable(std::int32_t number);
   [[nodiscard]] bool isRun() const { return table_.empty(); }
   [[nodiscard]] std::int64_t afterRun() const {
     return first_ + static_cast<std::int64_t>(length_.value);

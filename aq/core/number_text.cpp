@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "aq/core/error.h"
+#include "aq/core/plain_number.h"
 
 namespace aq {
 namespace {
@@ -18,28 +19,11 @@ constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 constexpr bool isSign(char c) { return c == '+' || c == '-'; }
 
-/// The parts of a number at the front of a text.
-struct Decimal {
-  bool negative = false;
-  bool any = false;             // a digit was seen
-  bool exact = true;            // mantissa holds all digits, and there is no exponent
-  std::uint64_t mantissa = 0;   // the digits as one integer, while exact
-  int decimals = 0;             // how many of them stand behind the point
+/// Where a number at the front of a text stands.
+struct Extent {
   const char* begin = nullptr;  // behind a plus sign, which from_chars does not take
-  const char* end = nullptr;
+  const char* end = nullptr;    // `nullptr` when there is no number
 };
-
-constexpr std::uint64_t kMantissaRoom = std::numeric_limits<std::uint64_t>::max() / 10 - 1;
-
-const char* takeDigits(const char* at, const char* end, Decimal& number) {
-  for (; at != end && isDigit(*at); ++at) {
-    number.any = true;
-    number.exact = number.exact && number.mantissa < kMantissaRoom;
-    if (number.exact)
-      number.mantissa = number.mantissa * 10 + static_cast<std::uint64_t>(*at - '0');
-  }
-  return at;
-}
 
 /// Past an exponent, if a whole one stands at `at`.
 const char* skipExponent(const char* at, const char* end) {
@@ -50,47 +34,30 @@ const char* skipExponent(const char* at, const char* end) {
   return std::find_if_not(digits, end, isDigit);
 }
 
-Decimal scan(std::string_view text) {
-  Decimal number;
+Extent extentOf(std::string_view text) {
   const char* at = text.data();
   const char* const end = at + text.size();
-  if (at != end && isSign(*at)) number.negative = *at++ == '-';
-  number.begin = number.negative ? at - 1 : at;
-  at = takeDigits(at, end, number);
+  const bool negative = at != end && *at == '-';
+  if (at != end && isSign(*at)) ++at;
+  Extent number{negative ? at - 1 : at, nullptr};
+  const char* const whole = at;
+  at = std::find_if_not(at, end, isDigit);
+  bool any = at != whole;
   if (at != end && *at == '.') {
     const char* const fraction = at + 1;
-    at = takeDigits(fraction, end, number);
-    number.decimals = static_cast<int>(std::min<std::ptrdiff_t>(at - fraction, 99));
+    at = std::find_if_not(fraction, end, isDigit);
+    any = any || at != fraction;
   }
-  if (!number.any) return number;
-  number.end = skipExponent(at, end);
-  number.exact = number.exact && number.end == at;
+  if (any) number.end = skipExponent(at, end);
   return number;
 }
-
-/// Integers below `largest` and these powers of ten are exact, so one division rounds correctly.
-template <class Real>
-struct ExactRange;
-template <>
-struct ExactRange<double> {
-  static constexpr std::uint64_t largest = std::uint64_t{1} << 53;
-  static constexpr std::array powers{1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                     1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                     1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-};
-template <>
-struct ExactRange<float> {
-  static constexpr std::uint64_t largest = std::uint64_t{1} << 24;
-  static constexpr std::array powers{1e0F, 1e1F, 1e2F, 1e3F, 1e4F, 1e5F,
-                                     1e6F, 1e7F, 1e8F, 1e9F, 1e10F};
-};
 
 [[noreturn]] void refuse(ErrorCode code, const char* expected, std::string_view text) {
   throw Error(code, std::string("expected ") + expected + ", found " + shown(text));
 }
 
 /// The power of ten of the first digit that counts: tells what is too small from what is too large.
-std::int64_t magnitude(const Decimal& number) {
+std::int64_t magnitude(const Extent& number) {
   constexpr std::int64_t kHuge = std::int64_t{1} << 48;
   const char* const mark =
       std::find_if(number.begin, number.end, [](char c) { return c == 'e' || c == 'E'; });
@@ -109,25 +76,21 @@ std::int64_t magnitude(const Decimal& number) {
 }
 
 template <class Real>
-Real realFrom(const Decimal& number) {
-  using Exact = ExactRange<Real>;
-  if (number.exact && number.mantissa < Exact::largest &&
-      static_cast<std::size_t>(number.decimals) < Exact::powers.size()) {
-    const Real value = static_cast<Real>(number.mantissa) /
-                       Exact::powers[static_cast<std::size_t>(number.decimals)];
-    return number.negative ? -value : value;
-  }
+Real realFrom(const Extent& number) {
   Real value = 0;
   const auto result = std::from_chars(number.begin, number.end, value);
   if (result.ec == std::errc()) return value;
-  if (magnitude(number) <= 0) return number.negative ? -Real{0} : Real{0};
+  if (magnitude(number) <= 0) return *number.begin == '-' ? -Real{0} : Real{0};
   throw Error(ErrorCode::Overflow, "number out of range: " + shown({number.begin, number.end}));
 }
 
 template <class Real>
 Real wholeReal(std::string_view text) {
   const std::string_view digits = trimmed(text);
-  const Decimal number = scan(digits);
+  const PlainNumber plain = plainNumber(digits);
+  Real value = 0;
+  if (plain.length == digits.size() && numberFrom(plain, value)) return value;
+  const Extent number = extentOf(digits);
   if (number.end == nullptr || number.end != digits.data() + digits.size()) {
     refuse(ErrorCode::TypeMismatch, "a number", text);
   }
@@ -272,99 +235,6 @@ bool appendThousandths(std::string& text, double value) {
   return true;
 }
 
-/// Whether `value` lies exactly half-way between two hundredths: an odd number of eighths.
-bool isHalfway(double value) { return std::fmod(std::abs(value) * 8, 2) == 1; }
-
-constexpr std::size_t kLongestQuick = 8;  // a sign, four digits, a point, two decimals
-
-/// The digits of 0 to 999 without zeros in front, none for 0, and how many they are.
-struct WholeDigits {
-  std::array<char, 3> text{};
-  std::uint8_t count = 0;
-};
-constexpr auto kWholeDigits = [] {
-  std::array<WholeDigits, 1000> all{};
-  for (std::size_t number = 1; number < all.size(); ++number) {
-    WholeDigits& digits = all[number];
-    for (std::size_t scale = 100; scale != 0; scale /= 10) {
-      if (number < scale) continue;
-      digits.text[digits.count++] = static_cast<char>('0' + number / scale % 10);
-    }
-  }
-  return all;
-}();
-
-/// Writes a level of less than 1000 dB either way; gives where it ends, `nullptr` when its
-/// hundredths are not beyond doubt.
-char* writeQuickly(char* at, double value) {
-  constexpr double kEnd = 99999;      // below, a product with 100 is off by less than 1e-9
-  constexpr double kNearHalf = 1e-3;  // closer than this to a half, the exact digits decide
-  const double size = std::abs(value) * 100;
-  if (!(size < kEnd)) return nullptr;
-  const auto below = static_cast<std::uint32_t>(size);
-  const double above = size - below;
-  if (std::abs(above - 0.5) < kNearHalf) return nullptr;
-  const std::uint32_t hundredths = below + (above > 0.5 ? 1 : 0);
-  *at = '-';
-  at += value < 0 && hundredths > 0 ? 1 : 0;
-  const WholeDigits& whole = kWholeDigits[hundredths / 100];
-  std::memcpy(at, whole.text.data(), whole.text.size());
-  at += whole.count;
-  *at++ = '.';
-  *at++ = static_cast<char>('0' + hundredths / 10 % 10);
-  *at++ = static_cast<char>('0' + hundredths % 10);
-  return at;
-}
-
-/// Any finite value, by its exact decimal expansion.
-void appendExactHundredths(std::string& text, double value) {
-  requireFinite(value);
-  const bool halfway = isHalfway(value);
-  Buffer buffer;
-  const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(value),
-                                     std::chars_format::fixed, halfway ? 3 : 2);
-  char* end = written.ptr;
-  if (halfway) {
-    // .125, .375, .625 or .875: up without a carry, where to_chars would take the even digit.
-    --end;
-    ++end[-1];
-  }
-  std::string_view digits(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
-  if (digits.starts_with("0.")) digits.remove_prefix(1);
-  if (value < 0 && digits != ".00") text += '-';
-  text += digits;
-}
-
-// A level as one word of eight bytes, the first byte lowest.
-
-constexpr std::size_t kWord = 8;
-
-/// Where the first point stands, 8 if nowhere.
-unsigned placeOfPoint(std::uint64_t bytes) {
-  constexpr std::uint64_t kOnes = 0x0101010101010101;
-  const std::uint64_t points = bytes ^ (kOnes * '.');
-  const std::uint64_t zeros = (points - kOnes) & ~points & (kOnes << 7);
-  return static_cast<unsigned>(std::countr_zero(zeros)) / 8;
-}
-
-/// "0" for the digits that a level of so many whole digits lacks of three.
-constexpr std::array<std::uint64_t, 4> kZerosInFront{0x303030, 0x3030, 0x30, 0};
-
-/// Whether all bytes but the point, which is fourth, and what follows are digits.
-bool areLevelDigits(std::uint64_t placed) {
-  constexpr std::uint64_t kHigh = 0x0000F0F000F0F0F0;
-  constexpr std::uint64_t kDigits = 0x0000303000303030;
-  constexpr std::uint64_t kSix = 0x0000060600060606;
-  const std::uint64_t digits = placed & 0x0000FFFF00FFFFFF;
-  return (digits & kHigh) == kDigits && ((digits + kSix) & kHigh) == kDigits;
-}
-
-/// The digits of a level as one number.
-std::uint64_t hundredthsOf(std::uint64_t placed) {
-  const auto digit = [placed](unsigned place) { return placed >> (8 * place) & 15; };
-  return digit(0) * 10000 + digit(1) * 1000 + digit(2) * 100 + digit(4) * 10 + digit(5);
-}
-
 }  // namespace
 
 std::string_view trimmed(std::string_view text) {
@@ -387,29 +257,6 @@ std::int32_t int32From(std::string_view text) { return wholeInteger<std::int32_t
 std::int16_t int16From(std::string_view text) { return wholeInteger<std::int16_t>(text); }
 std::uint8_t byteFrom(std::string_view text) { return wholeInteger<std::uint8_t>(text); }
 
-LevelsTaken levelsAtFront(std::string_view text, char delimiter, std::span<double> values) {
-  LevelsTaken taken;
-  if constexpr (std::endian::native != std::endian::little) return taken;
-  const char* at = text.data();
-  const char* const end = at + text.size();
-  while (taken.count < values.size() && end - at > static_cast<std::ptrdiff_t>(kWord)) {
-    const bool negative = *at == '-';
-    const char* const digits = negative ? at + 1 : at;
-    std::uint64_t bytes = 0;
-    std::memcpy(&bytes, digits, kWord);
-    const unsigned wholeDigits = placeOfPoint(bytes);
-    if (wholeDigits > 3) break;
-    // The digits to fixed places, with zeros in front: d d d . d d, then what follows.
-    const std::uint64_t placed = bytes << (8 * (3 - wholeDigits)) | kZerosInFront[wholeDigits];
-    if (static_cast<char>(placed >> 48) != delimiter || !areLevelDigits(placed)) break;
-    const double size = static_cast<double>(hundredthsOf(placed)) / 100;  // correctly rounded
-    values[taken.count++] = negative ? -size : size;
-    at = digits + wholeDigits + 4;
-  }
-  taken.length = static_cast<std::size_t>(at - text.data());
-  return taken;
-}
-
 double leadingNumber(std::string_view text) {
   text = trimmed(text);
   std::string joined;
@@ -418,8 +265,8 @@ double leadingNumber(std::string_view text) {
                  [](char c) { return c != ' '; });
     text = joined;
   }
-  const Decimal number = scan(text);
-  return number.any ? realFrom<double>(number) : 0;
+  const Extent number = extentOf(text);
+  return number.end != nullptr ? realFrom<double>(number) : 0;
 }
 
 void appendNumber(std::string& text, double value) {
@@ -465,27 +312,6 @@ void appendFraction(std::string& text, float value) {
   appendFixed(plain, digits, exponent);
   const std::size_t point = plain.find('.');
   if (point != std::string::npos) text.append(plain, point);
-}
-
-void appendHundredths(std::string& text, double value) { appendHundredths(text, {&value, 1}); }
-
-void appendHundredths(std::string& text, std::span<const double> values) {
-  std::array<char, 32 * (kLongestQuick + 1)> buffer;
-  char* at = buffer.data();
-  const char* const full = buffer.data() + buffer.size() - kLongestQuick - 1;
-  bool first = true;
-  for (const double value : values) {
-    if (!std::exchange(first, false)) *at++ = ',';
-    char* const end = writeQuickly(at, value);
-    if (end != nullptr && end < full) {
-      at = end;
-      continue;
-    }
-    text.append(buffer.data(), end != nullptr ? end : at);
-    if (end == nullptr) appendExactHundredths(text, value);
-    at = buffer.data();
-  }
-  text.append(buffer.data(), at);
 }
 
 }  // namespace aq

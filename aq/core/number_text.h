@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -28,18 +27,6 @@ namespace aq {
 [[nodiscard]] AQ_API std::int16_t int16From(std::string_view text);
 [[nodiscard]] AQ_API std::uint8_t byteFrom(std::string_view text);
 
-/// How many levels were taken, and how many characters of text.
-struct LevelsTaken {
-  std::size_t count = 0;
-  std::size_t length = 0;
-};
-
-/// Takes levels in the form in which they are written, up to three digits, a point and two
-/// decimals, each with the `delimiter` behind it, from the front of `text`, until `values` is full
-/// or another form comes, which `doubleFrom` may still know. The values are the same.
-[[nodiscard]] AQ_API LevelsTaken levelsAtFront(std::string_view text, char delimiter,
-                                               std::span<double> values);
-
 /// The number that `text` begins with, 0 if none: blanks are skipped, and the first character
 /// that cannot continue a number ends it. Throws `Overflow` outside the range of a double.
 [[nodiscard]] AQ_API double leadingNumber(std::string_view text);
@@ -56,13 +43,5 @@ AQ_API void appendNumber(std::string& text, std::int32_t value);
 /// Appends the fraction of the text that `value` has with 7 significant digits, from its point on;
 /// nothing when those digits hold no fraction. `value` is finite.
 AQ_API void appendFraction(std::string& text, float value);
-
-/// Appends `value` as levels are written: two decimals, no zero before the point (.50, -.25),
-/// exact halves away from zero, no sign on what rounds to zero. Throws `InvalidValue` when not
-/// finite.
-AQ_API void appendHundredths(std::string& text, double value);
-
-/// As above, with "," between the values.
-AQ_API void appendHundredths(std::string& text, std::span<const double> values);
 
 }  // namespace aq

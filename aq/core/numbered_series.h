@@ -19,7 +19,7 @@ class NumberedSeries {
  public:
   using Object = std::shared_ptr<T>;
 
-  void store(std::int32_t number, Object object) {
+  void store(std::int32_t number, Object&& object) {
     const auto slot = index_.find(number);
     slots_.makeRoom();
     index_.makeRoom(number);

@@ -74,9 +74,10 @@ class OrderedSlots {
     if (removed_) removed_.made().makeRoom();
   }
 
-  /// Room was made.
-  void append(T value) {
-    values_.push_back(std::move(value));
+  /// Appends a value made of `arguments`. Room was made.
+  template <class... Arguments>
+  void append(Arguments&&... arguments) {
+    values_.emplace_back(std::forward<Arguments>(arguments)...);
     if (removed_) removed_.made().grow();
   }
 

@@ -26,33 +26,6 @@ bool containsLetters(std::string_view text, std::string_view capitals) {
          text.end();
 }
 
-/// The seconds of `hh:mm:ss` with up to six decimals; nothing for any other form.
-std::optional<double> plainClockSeconds(std::string_view text) {
-  constexpr std::size_t kPoint = 8;
-  constexpr std::size_t kLongest = kPoint + 7;
-  if (text.size() < kPoint || text.size() > kLongest) return std::nullopt;
-  if (text.size() > kPoint && text[kPoint] != '.') return std::nullopt;
-  if (text[2] != ':' || text[5] != ':') return std::nullopt;
-  std::int32_t seconds = 0;  // with its decimals as one integer
-  std::int32_t scale = 1;
-  bool digits = true;
-  const auto digit = [&](std::size_t place) {
-    const int value = text[place] - '0';
-    digits = digits && value >= 0 && value <= 9;
-    return value;
-  };
-  const int hours = digit(0) * 10 + digit(1);
-  const int minutes = digit(3) * 10 + digit(4);
-  seconds = digit(6) * 10 + digit(7);
-  for (std::size_t place = kPoint + 1; place < text.size(); ++place) {
-    seconds = seconds * 10 + digit(place);
-    scale *= 10;
-  }
-  if (!digits) return std::nullopt;
-  const auto narrowed = static_cast<float>(seconds / static_cast<double>(scale));
-  return minutes * 60 + hours * 3600 + static_cast<double>(narrowed);
-}
-
 /// Whole days in seconds, as a 32-bit integer.
 std::int32_t secondsOf(double days) {
   const double seconds = std::round(days) * kSecondsPerDay;
@@ -120,8 +93,9 @@ void AQ_Time::appendTODstring(std::string& text) const {
 }
 
 void AQ_Time::TODstring(std::string_view text) {
-  if (const auto seconds = plainClockSeconds(text)) {
-    timeOfDay_ = *seconds;
+  const PlainClock plain = plainClock(text);
+  if (plain.length == text.size() && !text.empty()) {
+    timeOfDay_ = plain.seconds;
     return;
   }
   const std::size_t first = text.find(':');

@@ -91,7 +91,14 @@ std::shared_ptr<Collection<std::string>> AQ_DataASCII::divided(
   pieces.clear();
   split(line, delimiter_, pieces);
   fields->reserve(pieces.size());
-  for (const std::string_view piece : pieces) fields->Add(restored(piece));
+  const bool plain = line.find(kQuote) == line.npos && line.find(kPlaceholder) == line.npos;
+  for (const std::string_view piece : pieces) {
+    if (plain) {
+      fields->Emplace(trimmed(piece));
+    } else {
+      fields->Add(restored(piece));
+    }
+  }
   return fields;
 }
 

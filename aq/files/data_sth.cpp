@@ -62,7 +62,7 @@ std::string columnHeading() {
 }
 
 void appendRecord(std::string& text, std::int16_t record, const AQ_Spectrum& spectrum) {
-  const AQ_Time time = spectrum.timeValue();
+  const AQ_Time time = spectrum.keptTime().value();
   appendNumber(text, std::int32_t{record});
   text += ',';
   time.appendTODstring(text);
@@ -75,11 +75,10 @@ void appendRecord(std::string& text, std::int16_t record, const AQ_Spectrum& spe
 
 void readRecord(FieldReader fields, LevelColumns& columns, AQ_SpectralTimeHistory& history) {
   auto spectrum = std::make_shared<AQ_Spectrum>();
-  AQ_Time time;
   const std::int16_t record = fields.int16("a record number");
-  fields.timeOfDay(time);
+  const double timeOfDay = fields.timeOfDay();
   const float relative = fields.single("a relative time in seconds");
-  spectrum->assignTime(time.TODseconds(), static_cast<double>(relative));
+  spectrum->keptTime().assign(timeOfDay, static_cast<double>(relative));
   columns.read(fields, *spectrum);
   history.spectrum(record, std::move(spectrum));
 }
@@ -102,9 +101,9 @@ AQ_DataMessage AQ_DataSTH::writeFile(const std::string& sFileName,
     HeaderWriter lines(text);
     header(lines, *header_, aqTimeHistory, columns);
     lines.columns(columnHeading());
-    for (std::int32_t number = low; number <= high; ++number) {
+    appendRows(text, low, high, [&](std::int32_t number) {
       appendRecord(text, static_cast<std::int16_t>(number), record(number));
-    }
+    });
     return text;
   });
 }

@@ -1,22 +1,33 @@
 #include "aq/files/level_columns.h"
 
-#include "aq/core/number_text.h"
+#include <algorithm>
+
+#include "aq/core/level_text.h"
 
 namespace aq {
 
 void LevelColumns::read(FieldReader& fields, AQ_Spectrum& spectrum) {
-  room.resize(low <= high ? static_cast<std::size_t>(high - low) + 1 : 0);
-  fields.numbers(room, "a level");
-  spectrum.assignLevels(low, room);
+  const std::size_t count = low <= high ? static_cast<std::size_t>(high - low) + 1 : 0;
+  codes.resize(count);
+  const std::size_t plain = fields.some(std::span(codes), levelsAtFront);
+  if (plain == count) {
+    spectrum.assignCodes(low, codes);
+    return;
+  }
+  levels.resize(count);
+  std::transform(codes.begin(), codes.begin() + static_cast<std::ptrdiff_t>(plain), levels.begin(),
+                 levelOf);
+  for (std::size_t i = plain; i < count; ++i) levels[i] = fields.number("a level");
+  spectrum.assignLevels(low, levels);
 }
 
 void appendLevels(std::string& text, const AQ_Spectrum& spectrum) {
-  const auto plain = spectrum.plainLevels();
-  appendHundredths(text, plain);
-  if (!plain.empty()) return;
+  appendLevels(text, spectrum.levelCodes());
+  appendLevels(text, spectrum.plainLevels());
+  if (!spectrum.levelCodes().empty() || !spectrum.plainLevels().empty()) return;
   for (std::int32_t band = spectrum.LowBand(); band <= spectrum.HighBand(); ++band) {
     if (band != spectrum.LowBand()) text += ',';
-    appendHundredths(text, spectrum.SPL(static_cast<std::int16_t>(band)).toDouble());
+    appendLevel(text, spectrum.SPL(static_cast<std::int16_t>(band)).toDouble());
   }
 }
 

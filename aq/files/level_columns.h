@@ -13,7 +13,9 @@ namespace aq {
 struct LevelColumns {
   std::int16_t low = 0;
   std::int16_t high = 0;
-  std::vector<double> room = {};  // that all lines share
+  // Room that all lines share.
+  std::vector<LevelCode> codes = {};
+  std::vector<double> levels = {};
 
   /// Takes a level for every band from the line.
   void read(FieldReader& fields, AQ_Spectrum& spectrum);

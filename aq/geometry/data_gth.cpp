@@ -68,8 +68,8 @@ void appendPoint(std::string& text, std::int32_t record, AQ_Geometry& point) {
 void readPoint(FieldReader fields, AQ_GeometryTimeHistory& history) {
   auto point = std::make_shared<AQ_Geometry>();
   const std::int16_t record = fields.int16("a record number");
-  fields.timeOfDay(*point->Tm());
-  fields.timeOfDay(*point->Te());
+  point->Tm()->assignSeconds(fields.timeOfDay(), 0);
+  point->Te()->assignSeconds(fields.timeOfDay(), 0);
   point->Tprope = fields.number("a propagation time");
   point->Pe()->X(fields.number("a coordinate"));
   point->Pe()->Y(fields.number("a coordinate"));
@@ -94,9 +94,9 @@ void AQ_DataGTH::writeFile(const std::string& sFileName,
     HeaderWriter lines(text);
     header(lines, *header_);
     lines.columns(kColumns);
-    for (std::int32_t record = 1; record <= count; ++record) {
+    appendRows(text, 1, count, [&](std::int32_t record) {
       appendPoint(text, record, required(aqTimeHistory.Point(record)));
-    }
+    });
     return text;
   });
 }

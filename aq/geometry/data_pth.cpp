@@ -26,8 +26,8 @@ void header(Lines& lines, AQ_HeaderPTH& header) {
   lines.lines("NumberOfCommentLines", header.cCommentLines, header.nCommentLines);
 }
 
-void appendPosition(std::string& text, AQ_Position& position) {
-  position.Time()->appendTODstring(text);
+void appendPosition(std::string& text, const AQ_Position& position) {
+  position.keptTime().value().appendTODstring(text);
   for (const double coordinate : {position.X(), position.Y(), position.Z()}) {
     text += ',';
     appendNumber(text, coordinate);
@@ -37,7 +37,7 @@ void appendPosition(std::string& text, AQ_Position& position) {
 
 std::shared_ptr<AQ_Position> positionFrom(FieldReader fields) {
   auto position = std::make_shared<AQ_Position>();
-  fields.timeOfDay(*position->Time());
+  position->keptTime().assign(fields.timeOfDay());
   position->X(fields.number("a coordinate"));
   position->Y(fields.number("a coordinate"));
   position->Z(fields.number("a coordinate"));
@@ -58,9 +58,9 @@ void AQ_DataPTH::writeFile(const std::string& sFileName,
     HeaderWriter lines(text);
     header(lines, *header_);
     lines.columns("TOD,X,Y,Z");
-    for (std::int32_t place = 1; place <= count; ++place) {
+    appendRows(text, 1, count, [&](std::int32_t place) {
       appendPosition(text, required(aqTimeHistory.Position(place)));
-    }
+    });
     return text;
   });
 }

@@ -3,9 +3,8 @@
 #include <memory>
 #include <utility>
 
-#include "aq/core/created.h"
 #include "aq/core/export.h"
-#include "aq/core/time.h"
+#include "aq/core/kept_time.h"
 
 namespace aq {
 
@@ -17,8 +16,8 @@ class AQ_API AQ_Position {
   [[nodiscard]] std::shared_ptr<AQ_Position> Copy();
 
   /// Created on first read; setting shares the caller's object.
-  std::shared_ptr<AQ_Time> Time() { return created(time_); }
-  void Time(std::shared_ptr<AQ_Time> time) { time_ = std::move(time); }
+  std::shared_ptr<AQ_Time> Time() { return time_.object(); }
+  void Time(std::shared_ptr<AQ_Time> time) { time_.share(std::move(time)); }
 
   [[nodiscard]] double X() const { return x_; }
   [[nodiscard]] double Y() const { return y_; }
@@ -28,11 +27,12 @@ class AQ_API AQ_Position {
   void Y(double y) { y_ = y; }
   void Z(double z) { z_ = z; }
 
-  /// `Time().TODseconds()` without creating a time.
-  [[nodiscard]] double secondsOfDay() const { return time_ ? time_->TODseconds() : 0; }
+  /// The time by value, without making an object for it.
+  [[nodiscard]] KeptTime& keptTime() { return time_; }
+  [[nodiscard]] const KeptTime& keptTime() const { return time_; }
 
  private:
-  std::shared_ptr<AQ_Time> time_;
+  KeptTime time_;
   double x_ = 0;
   double y_ = 0;
   double z_ = 0;

@@ -19,9 +19,9 @@ std::shared_ptr<AQ_Position> AQ_PositionTimeHistory::PositionAt(const AQ_Time& a
   if (Count() < 2) return nullptr;
   const double time = aqTime.TODseconds();
   auto before = positions_.begin();
-  double timeBefore = required(*before).secondsOfDay();
+  double timeBefore = required(*before).keptTime().secondsOfDay();
   for (auto after = before; ++after != positions_.end(); before = after) {
-    const double timeAfter = required(*after).secondsOfDay();
+    const double timeAfter = required(*after).keptTime().secondsOfDay();
     if (timeBefore <= time && timeAfter >= time) {
       return std::abs(timeBefore - time) < std::abs(timeAfter - time) ? *before : *after;
     }
@@ -31,8 +31,8 @@ std::shared_ptr<AQ_Position> AQ_PositionTimeHistory::PositionAt(const AQ_Time& a
 }
 
 bool AQ_PositionTimeHistory::GoodTime(const AQ_Time& aqTime) const {
-  const double first = required(Position(1)).secondsOfDay();
-  const double last = required(Position(Count())).secondsOfDay();
+  const double first = required(Position(1)).keptTime().secondsOfDay();
+  const double last = required(Position(Count())).keptTime().secondsOfDay();
   return first <= aqTime.TODseconds() && aqTime.TODseconds() <= last;
 }
 

@@ -1,5 +1,6 @@
 #include "aq/masking/data_mask.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "aq/core/band_label.h"
@@ -42,8 +43,10 @@ std::string columnHeading(const AQ_HeaderMask& header) {
 void appendRow(std::string& text, std::int16_t record, AQ_MaskRow& row) {
   appendNumber(text, std::int32_t{record});
   text += ',';
-  for (std::int32_t band = row.LowBand(); band <= row.HighBand(); ++band) {
-    row.decision(static_cast<std::int16_t>(band)).appendMaskString(text);
+  const auto codes = row.fetchedCodes();
+  appendMasks(text, codes);
+  for (std::int32_t band = row.LowBand(); codes.empty() && band <= row.HighBand(); ++band) {
+    text += row.decision(static_cast<std::int16_t>(band)).MaskString();
     text += ',';
   }
   appendNumber(text, std::int32_t{row.LGB()});
@@ -59,17 +62,22 @@ AQ_Mask maskFrom(FieldReader& fields) {
   return mask;
 }
 
-/// The bands are the header's, whatever the row's were when it was written. `masks` is room that
-/// all rows share.
-void readRow(FieldReader fields, const AQ_HeaderMask& header, std::vector<AQ_Mask>& masks,
+std::size_t bandCount(const AQ_HeaderMask& header) {
+  const int count = header.iBandHigh - header.iBandLow + 1;
+  return static_cast<std::size_t>(std::max(count, 0));
+}
+
+/// The bands are the header's, whatever the row's were when it was written. `codes` is room for
+/// them that all rows share.
+void readRow(FieldReader fields, const AQ_HeaderMask& header, std::vector<MaskCode>& codes,
              AQ_MaskMap& map) {
   auto row = std::make_shared<AQ_MaskRow>();
   const std::int16_t record = fields.int16("a record number");
-  masks.clear();
-  for (std::int32_t band = header.iBandLow; band <= header.iBandHigh; ++band) {
-    masks.push_back(maskFrom(fields));
+  const std::size_t plain = fields.some(std::span(codes), masksAtFront);
+  for (std::size_t i = plain; i < codes.size(); ++i) {
+    codes[i] = maskCodeOf(maskFrom(fields));
   }
-  row->assign(header.iBandLow, masks);
+  row->assign(header.iBandLow, codes);
   row->LGB(fields.int16("the last good band"));
   map.Row(record, std::move(row));
 }
@@ -91,10 +99,10 @@ AQ_DataMessage AQ_DataMask::writeFile(const std::string& sFileName,
     HeaderWriter lines(text);
     aq::header(lines, header);
     lines.columns(columnHeading(header));
-    for (std::int32_t record = 1; record <= count; ++record) {
-      const auto nRecord = static_cast<std::int16_t>(record);
-      appendRow(text, nRecord, required(aqMaskMap.Row(nRecord)));
-    }
+    appendRows(text, 1, count, [&](std::int32_t number) {
+      const auto record = static_cast<std::int16_t>(number);
+      appendRow(text, record, required(aqMaskMap.Row(record)));
+    });
     return text;
   });
 }
@@ -111,8 +119,8 @@ AQ_DataMessage AQ_DataMask::readFile(const std::string& sFileName,
     header_->sColumnLabels = headerLines.columns();
     aqHeader = header_;
     MaskMap = std::make_shared<AQ_MaskMap>();
-    std::vector<AQ_Mask> masks;
-    while (lines.next()) readRow(FieldReader(lines), *header_, masks, *MaskMap);
+    std::vector<MaskCode> codes(bandCount(*header_));
+    while (lines.next()) readRow(FieldReader(lines), *header_, codes, *MaskMap);
   });
 }
 

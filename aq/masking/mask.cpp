@@ -3,10 +3,6 @@
 namespace aq {
 namespace {
 
-// By value.
-constexpr std::string_view kModes = "-MAF";
-constexpr std::string_view kAdjustments = "-SFTACR";
-
 template <class Enumeration>
 std::string_view letterOf(std::string_view letters, Enumeration value) {
   if (value < 0 || static_cast<std::size_t>(value) >= letters.size()) return {};
@@ -22,20 +18,15 @@ void setFrom(std::string_view letters, char letter, Enumeration& value) {
 }  // namespace
 
 std::string AQ_Mask::MaskString() const {
-  std::string letters;
-  appendMaskString(letters);
+  std::string letters(letterOf(kMaskModes, mode_));
+  letters += letterOf(kMaskAdjustments, adjust_);
   return letters;
-}
-
-void AQ_Mask::appendMaskString(std::string& text) const {
-  text += letterOf(kModes, mode_);
-  text += letterOf(kAdjustments, adjust_);
 }
 
 void AQ_Mask::MaskString(std::string_view letters) {
   if (letters.empty()) return;
-  setFrom(kModes, letters.front(), mode_);
-  setFrom(kAdjustments, letters.back(), adjust_);
+  setFrom(kMaskModes, letters.front(), mode_);
+  setFrom(kMaskAdjustments, letters.back(), adjust_);
 }
 
 }  // namespace aq

@@ -9,6 +9,10 @@
 
 namespace aq {
 
+// The letters of both halves of a decision, by value.
+inline constexpr std::string_view kMaskModes = "-MAF";
+inline constexpr std::string_view kMaskAdjustments = "-SFTACR";
+
 /// One masking decision: whether and by which test the level of one band of one record is masked by
 /// the ambient, and how it was adjusted. Any value is stored.
 class AQ_API AQ_Mask {
@@ -26,9 +30,6 @@ class AQ_API AQ_Mask {
   /// that is no such letter leaves its half unchanged.
   [[nodiscard]] std::string MaskString() const;
   void MaskString(std::string_view letters);
-
-  /// As `MaskString`, appended to `text`.
-  void appendMaskString(std::string& text) const;
 
  private:
   AQ_MASK_MODE mode_ = NOT_MASKED;

@@ -1,5 +1,7 @@
 #include "aq/masking/mask_row.h"
 
+#include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace aq {
@@ -15,52 +17,68 @@ std::shared_ptr<AQ_MaskRow> AQ_MaskRow::Copy() {
 }
 
 std::shared_ptr<AQ_Mask> AQ_MaskRow::Mask(std::int16_t nBand) {
-  const Cell& cell = fetch(nBand);
+  const MaskCode code = fetch(nBand);
   auto& object = objects_.made().touch(nBand);
-  if (!object) object = cell.value.Copy();
+  if (!object) object = maskOf(code).Copy();
   return object;
 }
 
 void AQ_MaskRow::Mask(std::int16_t nBand, std::shared_ptr<AQ_Mask> mask) {
-  if (place(nBand) != nullptr) objects_.made().touch(nBand) = std::move(mask);
+  auto& object = objects_.made().touch(nBand);  // first, since it may lack memory
+  if (place(nBand) != nullptr) object = std::move(mask);
 }
 
 AQ_Mask AQ_MaskRow::decision(std::int16_t band) {
-  const Cell& cell = fetch(band);
+  const MaskCode code = fetch(band);
   const auto* const object = objects_ ? objects_->find(band) : nullptr;
-  return object != nullptr && *object ? **object : cell.value;
+  return object != nullptr && *object ? **object : maskOf(code);
 }
 
 void AQ_MaskRow::store(std::int16_t band, const AQ_Mask& decision) {
-  if (Cell* const cell = place(band)) cell->value = decision;
+  const MaskCode code = maskCodeOf(decision);
+  if (code == kNoMaskCode) {
+    Mask(band, decision.Copy());
+  } else if (MaskCode* const cell = place(band)) {
+    *cell = code;
+  }
 }
 
-void AQ_MaskRow::assign(std::int16_t low, std::span<const AQ_Mask> decisions) {
+void AQ_MaskRow::assign(std::int16_t low, std::span<const MaskCode> codes) {
+  codes_.assign(low, codes);
   objects_.reset();
-  const auto cells = cells_.renew(low, decisions.size());
-  for (std::size_t i = 0; i < cells.size(); ++i) cells[i] = {decisions[i], true};
-  if (decisions.empty()) return;
+  if (codes.empty()) return;
   bands_.widen(low);
-  bands_.widen(static_cast<std::int16_t>(low + static_cast<int>(decisions.size()) - 1));
+  bands_.widen(static_cast<std::int16_t>(low + static_cast<int>(codes.size()) - 1));
 }
 
-/// The cell of a band, with a default mask if it had none.
-AQ_MaskRow::Cell& AQ_MaskRow::fetch(std::int16_t band) {
-  bands_.widen(band);
-  Cell& cell = cells_.touch(band);
-  cell.taken = true;
-  return cell;
+std::span<const MaskCode> AQ_MaskRow::fetchedCodes() {
+  const std::span<MaskCode> codes = codes_.all();
+  // The range is wider than the block when bands lie below -1 or above 9999.
+  if (objects_ || static_cast<int>(codes.size()) != bands_.high - bands_.low + 1) return {};
+  if (std::memchr(codes.data(), kNoMaskCode, codes.size()) != nullptr) {
+    std::replace(codes.begin(), codes.end(), kNoMaskCode, kDefaultMaskCode);
+  }
+  return codes;
 }
 
-/// An empty cell to fill; `nullptr` when the band had a mask, which is then removed.
-AQ_MaskRow::Cell* AQ_MaskRow::place(std::int16_t band) {
+/// The code of a band, that of a default mask if it had none.
+MaskCode& AQ_MaskRow::fetch(std::int16_t band) {
   bands_.widen(band);
-  Cell& cell = cells_.touch(band);
+  MaskCode& code = codes_.touch(band);
+  if (code == kNoMaskCode) code = kDefaultMaskCode;
+  return code;
+}
+
+/// The code to set, that of a default mask; `nullptr` when the band had a mask, which is then
+/// removed.
+MaskCode* AQ_MaskRow::place(std::int16_t band) {
+  bands_.widen(band);
+  MaskCode& code = codes_.touch(band);
   if (objects_) objects_.made().touch(band).reset();
-  const bool hadMask = std::exchange(cell, Cell()).taken;
+  const bool hadMask = std::exchange(code, kNoMaskCode) != kNoMaskCode;
   if (hadMask) return nullptr;
-  cell.taken = true;
-  return &cell;
+  code = kDefaultMaskCode;
+  return &code;
 }
 
 }  // namespace aq

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -8,7 +9,9 @@
 #include "aq/core/export.h"
 #include "aq/core/number_range.h"
 #include "aq/core/on_demand.h"
+#include "aq/core/short_vector.h"
 #include "aq/masking/mask.h"
+#include "aq/masking/mask_code.h"
 
 namespace aq {
 
@@ -46,20 +49,21 @@ class AQ_API AQ_MaskRow {
   /// As the setter with a new mask of these values.
   void store(std::int16_t band, const AQ_Mask& decision);
 
-  /// Replaces all masks by these, of consecutive bands from `low` up.
-  void assign(std::int16_t low, std::span<const AQ_Mask> decisions);
+  /// Replaces all masks by those of these codes, of consecutive bands from `low` up.
+  void assign(std::int16_t low, std::span<const MaskCode> codes);
+
+  /// The masks from `LowBand` to `HighBand`, as if each was fetched; empty when one has no code or
+  /// was handed out.
+  [[nodiscard]] std::span<const MaskCode> fetchedCodes();
 
  private:
-  struct Cell {
-    AQ_Mask value;
-    bool taken = false;
-  };
+  [[nodiscard]] MaskCode& fetch(std::int16_t band);
+  [[nodiscard]] MaskCode* place(std::int16_t band);
 
-  [[nodiscard]] Cell& fetch(std::int16_t band);
-  [[nodiscard]] Cell* place(std::int16_t band);
+  static constexpr std::size_t kRoom = 34;  // bands from 10 Hz to 20 kHz
 
-  BandBlock<Cell> cells_;
-  // A decision stays a value until somebody asks for its object; then the object counts.
+  BandBlock<MaskCode, ShortVector<MaskCode, kRoom>> codes_;
+  // A decision stays a code until somebody asks for its object; then the object counts.
   OnDemand<BandBlock<std::shared_ptr<AQ_Mask>>> objects_;
   NumberRange bands_;
   std::int16_t lastGoodBand_ = 0;

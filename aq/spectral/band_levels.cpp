@@ -1,52 +1,96 @@
 #include "aq/spectral/band_levels.h"
 
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace aq {
+namespace {
+
+/// Whether `block` stays without a gap when it grows to hold `band`.
+template <class Block>
+bool adjoins(const Block& block, std::int16_t band) {
+  const int at = band - block.first();
+  return block.empty() || (at >= -1 && at <= static_cast<int>(block.size()));
+}
+
+std::vector<double> levelsOf(std::span<const LevelCode> codes) {
+  std::vector<double> levels(codes.size());
+  std::transform(codes.begin(), codes.end(), levels.begin(), levelOf);
+  return levels;
+}
+
+}  // namespace
 
 std::optional<Variant> BandLevels::find(std::int16_t band) const {
   if (!contains(band)) return std::nullopt;
-  const double* const number = numbers_.find(band);
-  if (!mixed_) return *number;
-  switch (*mixed_->kinds.find(band)) {
-    case Kind::Int16: return static_cast<std::int16_t>(*number);
-    case Kind::Int32: return static_cast<std::int32_t>(*number);
-    case Kind::Single: return static_cast<float>(*number);
-    case Kind::Double: return *number;
+  if (!doubles_) return levelOf(*codes_.find(band));
+  const double number = *doubles_->numbers.find(band);
+  const auto& mixed = doubles_->mixed;
+  if (!mixed) return number;
+  switch (*mixed->kinds.find(band)) {
+    case Kind::Int16: return static_cast<std::int16_t>(number);
+    case Kind::Int32: return static_cast<std::int32_t>(number);
+    case Kind::Single: return static_cast<float>(number);
+    case Kind::Double: return number;
     default: break;
   }
-  return mixed_->others.at(band);
+  return mixed->others.at(band);
 }
 
 bool BandLevels::contains(std::int16_t band) const {
-  if (numbers_.find(band) == nullptr) return false;
-  return !mixed_ || *mixed_->kinds.find(band) != Kind::Missing;
+  if (!doubles_) return codes_.find(band) != nullptr;
+  if (doubles_->numbers.find(band) == nullptr) return false;
+  return !doubles_->mixed || *doubles_->mixed->kinds.find(band) != Kind::Missing;
 }
 
 void BandLevels::store(std::int16_t band, const Variant& level) {
+  if (storeCode(band, level)) return;
+  Doubles& doubles = asDoubles();
   const Kind kind = kindOf(level);
-  if (!staysPlain(band, kind)) startMixed();
+  if (kind != Kind::Double || !adjoins(doubles.numbers, band)) startMixed(doubles);
   // What may lack memory comes first, so that a failure leaves the old level.
-  if (mixed_) static_cast<void>(mixed_.made().kinds.touch(band));
-  double& number = numbers_.touch(band);
+  if (doubles.mixed) static_cast<void>(doubles.mixed.made().kinds.touch(band));
+  double& number = doubles.numbers.touch(band);
   if (kind == Kind::Other) {
-    mixed_.made().others.insert_or_assign(band, level);
+    doubles.mixed.made().others.insert_or_assign(band, level);
   } else {
     number = level.toDouble();
   }
-  if (!mixed_) return;
-  mixed_.made().kinds.touch(band) = kind;
-  if (kind != Kind::Other) mixed_.made().others.erase(band);
+  if (!doubles.mixed) return;
+  doubles.mixed.made().kinds.touch(band) = kind;
+  if (kind != Kind::Other) doubles.mixed.made().others.erase(band);
 }
 
 void BandLevels::assign(std::int16_t low, std::span<const double> levels) {
-  numbers_.assign(low, levels.data(), levels.size());
-  mixed_.reset();
+  std::vector<LevelCode> codes;
+  codes.reserve(levels.size());
+  for (const double level : levels) {
+    const auto code = codeOf(level);
+    if (!code) {
+      assignDoubles(low, levels);
+      return;
+    }
+    codes.push_back(*code);
+  }
+  assign(low, codes);
+}
+
+void BandLevels::assign(std::int16_t low, std::span<const LevelCode> codes) {
+  codes_.assign(low, codes);
+  doubles_.reset();
+}
+
+void BandLevels::assignDoubles(std::int16_t low, std::span<const double> levels) {
+  OnDemand<Doubles> doubles;
+  doubles.made().numbers.assign(low, levels);
+  doubles_ = std::move(doubles);
+  codes_ = {};
 }
 
 std::span<const double> BandLevels::plain() const {
-  if (mixed_) return {};
-  return {numbers_.data(), numbers_.size()};
+  if (!doubles_ || doubles_->mixed) return {};
+  return doubles_->numbers.all();
 }
 
 BandLevels::Kind BandLevels::kindOf(const Variant& level) {
@@ -59,22 +103,29 @@ BandLevels::Kind BandLevels::kindOf(const Variant& level) {
   }
 }
 
-/// Whether a level can join without a kind of its own: a double in the block or at an end of it.
-bool BandLevels::staysPlain(std::int16_t band, Kind kind) const {
-  if (mixed_ || kind != Kind::Double) return false;
-  const int at = band - numbers_.first();
-  return numbers_.empty() || (at >= -1 && at <= static_cast<int>(numbers_.size()));
+/// False when the level cannot join the codes, or there are none any more.
+bool BandLevels::storeCode(std::int16_t band, const Variant& level) {
+  if (doubles_ || kindOf(level) != Kind::Double) return false;
+  const auto code = codeOf(level.toDouble());
+  if (!code || !adjoins(codes_, band)) return false;
+  codes_.touch(band) = *code;
+  return true;
 }
 
-void BandLevels::startMixed() {
-  if (mixed_) return;
+BandLevels::Doubles& BandLevels::asDoubles() {
+  if (!doubles_) assignDoubles(codes_.first(), levelsOf(codes()));
+  return doubles_.made();
+}
+
+void BandLevels::startMixed(Doubles& doubles) {
+  if (doubles.mixed) return;
   OnDemand<Mixed> mixed;
-  for (std::size_t i = 0; i < numbers_.size(); ++i) {
-    const int band = numbers_.first() + static_cast<int>(i);
+  for (std::size_t i = 0; i < doubles.numbers.size(); ++i) {
+    const int band = doubles.numbers.first() + static_cast<int>(i);
     mixed.made().kinds.touch(static_cast<std::int16_t>(band)) = Kind::Double;
   }
   static_cast<void>(mixed.made());
-  mixed_ = std::move(mixed);
+  doubles.mixed = std::move(mixed);
 }
 
 }  // namespace aq

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -7,13 +8,16 @@
 
 #include "aq/core/band_block.h"
 #include "aq/core/export.h"
+#include "aq/core/level_text.h"
 #include "aq/core/on_demand.h"
+#include "aq/core/short_vector.h"
 #include "aq/core/variant.h"
 
 namespace aq {
 
-/// The levels of a spectrum in one block by band. Each keeps its own type: as long as all are
-/// doubles without a gap, no more than the doubles is kept.
+/// The levels of a spectrum in one block by band. Each keeps its own type and value. As long as all
+/// are doubles without a gap, no more than a number a band is kept; as long as these are whole
+/// hundredths of a decibel, as in files, no more than a code.
 class AQ_API BandLevels {
  public:
   /// The level of `band`; nothing when it has none.
@@ -25,8 +29,11 @@ class AQ_API BandLevels {
 
   /// Replaces all by one block of doubles, from band `low` up.
   void assign(std::int16_t low, std::span<const double> levels);
+  void assign(std::int16_t low, std::span<const LevelCode> codes);
 
-  /// All levels, from the lowest band up, when they are doubles without a gap; else nothing.
+  // All levels, from the lowest band up, when they are held as codes, or as doubles without a gap;
+  // else nothing.
+  [[nodiscard]] std::span<const LevelCode> codes() const { return codes_.all(); }
   [[nodiscard]] std::span<const double> plain() const;
 
  private:
@@ -35,13 +42,21 @@ class AQ_API BandLevels {
     BandBlock<Kind> kinds;
     std::map<std::int16_t, Variant> others;  // what is no number
   };
+  struct Doubles {
+    BandBlock<double> numbers;
+    OnDemand<Mixed> mixed;
+  };
 
-  static Kind kindOf(const Variant& level);
-  [[nodiscard]] bool staysPlain(std::int16_t band, Kind kind) const;
-  void startMixed();
+  [[nodiscard]] static Kind kindOf(const Variant& level);
+  [[nodiscard]] bool storeCode(std::int16_t band, const Variant& level);
+  void assignDoubles(std::int16_t low, std::span<const double> levels);
+  [[nodiscard]] Doubles& asDoubles();
+  static void startMixed(Doubles& doubles);
 
-  BandBlock<double> numbers_;
-  OnDemand<Mixed> mixed_;
+  static constexpr std::size_t kRoom = 34;  // bands from 10 Hz to 20 kHz
+
+  BandBlock<LevelCode, ShortVector<LevelCode, kRoom>> codes_;
+  OnDemand<Doubles> doubles_;  // in place of the codes
 };
 
 }  // namespace aq

@@ -35,36 +35,35 @@ void AQ_Spectrum::SPL(std::int16_t nBand, const Variant& level) {
   bands_.widen(nBand);
 }
 
-std::shared_ptr<AQ_Time> AQ_Spectrum::Time() {
-  if (!time_) time_ = std::make_shared<AQ_Time>(timeValue());
-  return time_;
+void AQ_Spectrum::assignLevels(std::int16_t low, std::span<const double> levels) {
+  levels_.assign(low, levels);
+  widen(low, levels.size());
 }
 
-void AQ_Spectrum::assignTime(double timeOfDay, double relativeSeconds) {
-  time_.reset();
-  timeOfDay_ = timeOfDay;
-  relativeSeconds_ = relativeSeconds;
+void AQ_Spectrum::assignCodes(std::int16_t low, std::span<const LevelCode> codes) {
+  levels_.assign(low, codes);
+  widen(low, codes.size());
 }
 
-AQ_Time AQ_Spectrum::timeValue() const {
-  if (time_) return *time_;
-  AQ_Time time;
-  time.assignSeconds(timeOfDay_, relativeSeconds_);
-  return time;
+std::span<const LevelCode> AQ_Spectrum::levelCodes() const {
+  const auto levels = levels_.codes();
+  return spans(levels.size()) ? levels : std::span<const LevelCode>();
 }
 
 std::span<const double> AQ_Spectrum::plainLevels() const {
   const auto levels = levels_.plain();
-  // The range is wider than the levels when all bands lie below -1 or above 9999.
-  const int size = bands_.high - bands_.low + 1;
-  return static_cast<int>(levels.size()) == size ? levels : std::span<const double>();
+  return spans(levels.size()) ? levels : std::span<const double>();
 }
 
-void AQ_Spectrum::assignLevels(std::int16_t low, std::span<const double> levels) {
-  levels_.assign(low, levels);
-  if (levels.empty()) return;
+/// The range is wider than the levels when all bands lie below -1 or above 9999.
+bool AQ_Spectrum::spans(std::size_t levels) const {
+  return bands_.high - bands_.low + 1 == static_cast<int>(levels);
+}
+
+void AQ_Spectrum::widen(std::int16_t low, std::size_t levels) {
+  if (levels == 0) return;
   bands_.widen(low);
-  bands_.widen(static_cast<std::int16_t>(low + static_cast<int>(levels.size()) - 1));
+  bands_.widen(static_cast<std::int16_t>(low + static_cast<int>(levels) - 1));
 }
 
 }  // namespace aq

@@ -1,13 +1,15 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
 
 #include "aq/core/created.h"
 #include "aq/core/export.h"
+#include "aq/core/kept_time.h"
+#include "aq/core/level_text.h"
 #include "aq/core/number_range.h"
-#include "aq/core/time.h"
 #include "aq/core/variant.h"
 #include "aq/spectral/band_levels.h"
 #include "aq/spectral/metric.h"
@@ -43,29 +45,31 @@ class AQ_API AQ_Spectrum {
   void Level(double level) { level_ = level; }
 
   /// Created on first read; setting shares the caller's object.
-  std::shared_ptr<AQ_Time> Time();
-  void Time(std::shared_ptr<AQ_Time> time) { time_ = std::move(time); }
+  std::shared_ptr<AQ_Time> Time() { return time_.object(); }
+  void Time(std::shared_ptr<AQ_Time> time) { time_.share(std::move(time)); }
 
   /// Created on first read; setting shares the caller's object.
   std::shared_ptr<AQ_Metric> Metric() { return created(metric_); }
   void Metric(std::shared_ptr<AQ_Metric> metric) { metric_ = std::move(metric); }
 
-  /// Makes the time a new one with this time of day and relative seconds.
-  void assignTime(double timeOfDay, double relativeSeconds);
-
   /// The time by value, without making an object for it.
-  [[nodiscard]] AQ_Time timeValue() const;
+  [[nodiscard]] KeptTime& keptTime() { return time_; }
+  [[nodiscard]] const KeptTime& keptTime() const { return time_; }
 
   /// Stores the levels of consecutive bands, from `low` up, in place of all there are.
   void assignLevels(std::int16_t low, std::span<const double> levels);
+  void assignCodes(std::int16_t low, std::span<const LevelCode> codes);
 
-  /// All levels from `LowBand` to `HighBand`, when they are doubles without a gap; else nothing.
+  // All levels from `LowBand` to `HighBand` in the form in which they are held: codes, when each
+  // has one, else doubles. Both are empty when there are gaps or levels of other types.
+  [[nodiscard]] std::span<const LevelCode> levelCodes() const;
   [[nodiscard]] std::span<const double> plainLevels() const;
 
  private:
-  std::shared_ptr<AQ_Time> time_;  // while there is none, the two values count
-  double timeOfDay_ = 0;
-  double relativeSeconds_ = 0;
+  [[nodiscard]] bool spans(std::size_t levels) const;
+  void widen(std::int16_t low, std::size_t levels);
+
+  KeptTime time_;
   BandLevels levels_;
   NumberRange bands_;
   double level_ = 0;

@@ -1,6 +1,10 @@
 #include "aq/text/fields.h"
 
+#include <algorithm>
 #include <utility>
+
+#include "aq/core/date_text.h"
+#include "aq/core/plain_number.h"
 
 namespace aq {
 
@@ -35,7 +39,9 @@ std::string_view cleanField(std::string_view text, std::string& room) {
 void split(std::string_view text, std::string_view delimiter,
            std::vector<std::string_view>& pieces) {
   for (;;) {
-    const std::size_t at = delimiter.empty() ? text.npos : text.find(delimiter);
+    const std::size_t at = delimiter.empty()       ? text.npos
+                           : delimiter.size() == 1 ? text.find(delimiter.front())
+                                                   : text.find(delimiter);
     pieces.push_back(text.substr(0, at));
     if (at == text.npos) return;
     text.remove_prefix(at + delimiter.size());
@@ -43,47 +49,62 @@ void split(std::string_view text, std::string_view delimiter,
 }
 
 FieldReader::FieldReader(std::string_view line, std::size_t lineNumber, Form form)
-    : rest_(trimmed(line)),
-      raw_(form == Form::Raw),
-      quoted_(!raw_ && line.find('"') != line.npos),
-      line_(lineNumber) {}
+    : rest_(trimmed(line)), raw_(form == Form::Raw), line_(lineNumber) {}
 
 std::string_view FieldReader::text(const char* expected) {
   ++number_;
   if (done_) failRead(line_, number_, expected, "the end of the line");
-  const std::size_t comma = rest_.find(',');
-  done_ = comma == rest_.npos;
-  field_ = rest_.substr(0, comma);
-  if (!done_) rest_.remove_prefix(comma + 1);
+  take(std::min(rest_.find(','), rest_.size()));
   return raw_ ? field_ : cleanText();
 }
 
 std::string_view FieldReader::cleanText() {
-  return quoted_ ? cleanField(field_, room_) : trimmed(field_);
+  return raw_ ? trimmed(field_) : cleanField(field_, room_);
 }
 
-void FieldReader::numbers(std::span<double> values, const char* expected) {
-  while (!values.empty()) {
-    const LevelsTaken taken = levelsAtFront(rest_, ',', values);
-    number_ += taken.count;
-    rest_.remove_prefix(taken.length);
-    values = values.subspan(taken.count);
-    if (values.empty()) return;
-    values.front() = number(expected);
-    values = values.subspan(1);
-  }
+/// Takes a number that is written plainly, in one pass; other fields are left for `convert`.
+template <class Real>
+bool FieldReader::takePlain(Real& number) {
+  if (done_) return false;
+  const PlainNumber plain = plainNumber(rest_);
+  if (!numberFrom(plain, number)) return false;
+  ++number_;
+  take(plain.length);
+  return true;
 }
 
-double FieldReader::number(const char* expected) { return convert(expected, doubleFrom); }
+double FieldReader::number(const char* expected) {
+  double number = 0;
+  return takePlain(number) ? number : convert(expected, doubleFrom);
+}
 
-float FieldReader::single(const char* expected) { return convert(expected, singleFrom); }
+float FieldReader::single(const char* expected) {
+  float number = 0;
+  return takePlain(number) ? number : convert(expected, singleFrom);
+}
 
-std::int16_t FieldReader::int16(const char* expected) { return convert(expected, int16From); }
+std::int16_t FieldReader::int16(const char* expected) {
+  const PlainInteger plain = done_ ? PlainInteger() : plainInteger(rest_);
+  if (plain.length == 0) return convert(expected, int16From);
+  ++number_;
+  take(plain.length);
+  return plain.value;
+}
 
 std::uint8_t FieldReader::byte(const char* expected) { return convert(expected, byteFrom); }
 
-void FieldReader::timeOfDay(AQ_Time& time) {
-  convert("a time of day hh:mm:ss", [&](std::string_view text) { time.TODstring(text); });
+double FieldReader::timeOfDay() {
+  const PlainClock plain = done_ ? PlainClock() : plainClock(rest_);
+  if (plain.length != 0) {
+    ++number_;
+    take(plain.length);
+    return plain.seconds;
+  }
+  return convert("a time of day hh:mm:ss", [](std::string_view text) {
+    AQ_Time time;
+    time.TODstring(text);
+    return time.TODseconds();
+  });
 }
 
 void FieldReader::skip(int count, const char* expected) {

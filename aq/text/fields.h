@@ -9,6 +9,7 @@
 
 #include "aq/core/error.h"
 #include "aq/core/export.h"
+#include "aq/core/fields_taken.h"
 #include "aq/core/file_failure.h"
 #include "aq/core/number_text.h"
 #include "aq/core/time.h"
@@ -62,10 +63,20 @@ class AQ_API FieldReader {
   [[nodiscard]] float single(const char* expected);
   [[nodiscard]] std::int16_t int16(const char* expected);
   [[nodiscard]] std::uint8_t byte(const char* expected);
-  void timeOfDay(AQ_Time& time);
+  /// In seconds after midnight.
+  [[nodiscard]] double timeOfDay();
 
-  /// As many numbers as `values` has room for.
-  void numbers(std::span<double> values, const char* expected);
+  /// Takes fields by `takeSome`, which gives `FieldsTaken`, as long as they have the form that it
+  /// knows and `values` has room; gives how many. The field that stopped it is still to be taken.
+  template <class Value, class TakeSome>
+  [[nodiscard]] std::size_t some(std::span<Value> values, const TakeSome& takeSome) {
+    if (done_) return 0;
+    const FieldsTaken taken = takeSome(rest_, values);
+    number_ += taken.count;
+    rest_.remove_prefix(taken.length);
+    done_ = taken.last;
+    return taken.count;
+  }
 
   /// Passes `count` fields.
   void skip(int count, const char* expected);
@@ -81,6 +92,14 @@ class AQ_API FieldReader {
   [[noreturn]] void fail(std::string expected) const;
 
  private:
+  template <class Real>
+  [[nodiscard]] bool takePlain(Real& number);
+  /// Passes a field of so many characters, and the comma behind it if there is one.
+  void take(std::size_t size) {
+    field_ = rest_.substr(0, size);
+    done_ = size == rest_.size();
+    rest_.remove_prefix(done_ ? size : size + 1);
+  }
   [[nodiscard]] std::string_view cleanText();
 
   template <class Conversion>
@@ -95,7 +114,6 @@ class AQ_API FieldReader {
   std::string_view rest_;
   std::string_view field_;
   bool raw_;
-  bool quoted_;        // the line has quotes for its fields to lose
   bool done_ = false;  // the last field was taken
   std::size_t line_;
   std::size_t number_ = 0;  // of the field taken last

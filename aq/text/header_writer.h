@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -64,5 +66,20 @@ class AQ_API HeaderWriter {
 
   std::string& text_;
 };
+
+/// Appends the rows from `first` to `last` by `append(number)`. The first one tells how much room
+/// the others are likely to need.
+template <class Append>
+void appendRows(std::string& text, std::int32_t first, std::int32_t last, const Append& append) {
+  constexpr std::size_t kLonger = 16;  // later numbers and times may have more digits
+  constexpr std::size_t kMost = std::size_t{16} << 20;  // the first row may be far longer than most
+  const std::size_t begin = text.size();
+  for (std::int32_t number = first; number <= last; ++number) {
+    append(number);
+    if (number != first) continue;
+    const std::size_t row = text.size() - begin + kLonger;
+    text.reserve(text.size() + std::min(row * static_cast<std::size_t>(last - first), kMost));
+  }
+}
 
 }  // namespace aq

@@ -78,7 +78,7 @@ TEST(NumberedSeries, ReplacingMovesToTheEnd) {
     const auto value = std::make_shared<int>(step);
     std::erase_if(plain, [&](const auto& entry) { return entry.first == number; });
     plain.emplace_back(number, value);
-    tested.store(number, value);
+    tested.store(number, std::shared_ptr(value));
     ASSERT_EQ(tested.size(), plain.size());
     ASSERT_TRUE(std::equal(tested.begin(), tested.end(), plain.begin(), plain.end(),
                            [](const auto& a, const auto& b) { return a == b.second; }));

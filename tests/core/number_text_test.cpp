@@ -1,7 +1,9 @@
 #include <aq/core/date_text.h>
+#include <aq/core/level_text.h>
 #include <aq/core/number_text.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -15,10 +17,15 @@ namespace {
 
 using Limits = std::numeric_limits<double>;
 
-template <class Value>
-std::string hundredths(Value value) {
+std::string hundredths(double level) {
   std::string text;
-  appendHundredths(text, value);
+  appendLevel(text, level);
+  return text;
+}
+
+std::string hundredths(std::span<const LevelCode> codes) {
+  std::string text;
+  appendLevels(text, codes);
   return text;
 }
 
@@ -147,6 +154,66 @@ TEST(NumberText, FastPathsEqualTheExactOnes) {
         ASSERT_EQ(singleFrom({text, end}), single);
       }
     }
+  }
+}
+
+/// A field that is nearly a level, or something else.
+std::string oddField(std::mt19937& random) {
+  constexpr std::array kOthers{"",        ".",
+                               "-.00",    "-",
+                               "9999.00", "-9999.00",
+                               "9999.01", "65.3",
+                               "65.300",  "+65.30",
+                               " 1.00",   "6 .50",
+                               "6/.30",   "6:.30",
+                               "1e3",     "327.68",
+                               "999.99",  "0.50",
+                               "00.50",   "12345.67",
+                               "65.3\0",  "..50",
+                               "1.2.3",   "65.3-",
+                               "nan",     "\xB0\xB0.\xB0\xB0"};
+  return kOthers[random() % kOthers.size()];
+}
+
+TEST(LevelText, LevelsAtTheFrontAreThoseOfTheirFields) {
+  std::mt19937 random(7);
+  for (int round = 0; round < 50000; ++round) {
+    std::vector<std::string> fields(1 + random() % 6);
+    std::vector<bool> plain;
+    std::string line;
+    for (std::string& field : fields) {
+      const auto code = static_cast<LevelCode>(random());
+      plain.push_back(random() % 4 != 0);
+      field = plain.back() ? hundredths(levelOf(code)) : oddField(random);
+      line += (&field == fields.data() ? "" : ",") + field;
+    }
+    std::array<LevelCode, 4> codes{};
+    const FieldsTaken taken = levelsAtFront(line, codes);
+    std::size_t length = 0;
+    for (std::size_t i = 0; i < taken.count; ++i) {
+      const double level = doubleFrom(fields[i]);
+      ASSERT_EQ(levelOf(codes[i]), level) << line;
+      ASSERT_EQ(std::signbit(levelOf(codes[i])), std::signbit(level)) << line;
+      ASSERT_EQ(codeOf(level), codes[i]) << line;
+      length += fields[i].size() + 1;
+    }
+    ASSERT_EQ(taken.last, taken.count == fields.size()) << line;
+    ASSERT_EQ(taken.length, taken.last ? line.size() : length) << line;
+    const bool stopped = taken.count < std::min(fields.size(), codes.size());
+    ASSERT_FALSE(stopped && plain[taken.count]) << line;
+  }
+}
+
+TEST(LevelText, EveryCodeHasItsTextAndEveryOtherLevelNone) {
+  for (int code = kInvalidCode; code <= 32767; ++code) {
+    const double level = levelOf(static_cast<LevelCode>(code));
+    ASSERT_EQ(codeOf(level), code);
+    const std::array codes{static_cast<LevelCode>(code)};
+    ASSERT_EQ(hundredths(level), hundredths(std::span<const LevelCode>(codes)));
+  }
+  for (const double level : {-0.0, 327.68, -327.68, 0.001, 65.305, 1e300, Limits::infinity(),
+                             Limits::quiet_NaN(), std::nextafter(65.3, 66)}) {
+    EXPECT_FALSE(codeOf(level)) << level;
   }
 }
 

@@ -33,14 +33,16 @@ TEST(Spectrum, RangeOnlyWidens) {
 }
 
 Variant anyLevel(std::mt19937& random) {
-  switch (random() % 8) {
+  switch (random() % 14) {
     case 0: return std::int16_t{9999};
     case 1: return 123456;
     case 2: return 65.3F;
     case 3: return "65.3 dB";
     case 4: return {};
     case 5: return true;
-    default: return 65.25;
+    case 6: return 65.25 + static_cast<double>(random() % 3) / 300;
+    case 7: return 9999.0;
+    default: return static_cast<int>(random() % 70000) / 100.0 - 350;
   }
 }
 
@@ -49,13 +51,13 @@ TEST(Spectrum, KeepsEachLevelWithItsOwnType) {
   for (int round = 0; round < 300; ++round) {
     AQ_Spectrum spectrum;
     std::map<std::int16_t, Variant> plain;
-    for (int step = 0; step < 40; ++step) {
-      const auto band = static_cast<std::int16_t>(static_cast<int>(random() % 30) - 3);
-      const Variant level = round % 3 == 0 ? Variant(65.25) : anyLevel(random);
+    for (int step = 0; step < 90; ++step) {
+      const auto band = static_cast<std::int16_t>(static_cast<int>(random() % 45) - 3);
+      const Variant level = round % 3 == 0 ? Variant(65.25 + step) : anyLevel(random);
       spectrum.SPL(band, level);
       plain[band] = level;
     }
-    for (std::int16_t band = -5; band < 30; ++band) {
+    for (std::int16_t band = -5; band < 45; ++band) {
       if (plain.contains(band)) {
         ASSERT_EQ(spectrum.SPL(band), plain[band]);
       } else {

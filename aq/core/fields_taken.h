@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstddef>
+
+namespace aq {
+
+/// How many fields were taken from the front of a line, and how many characters, the last comma
+/// among them.
+struct FieldsTaken {
+  std::size_t count = 0;
+  std::size_t length = 0;
+  bool last = false;  // the line ended with the last of them
+};
+
+}  // namespace aq

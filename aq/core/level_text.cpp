@@ -1,0 +1,259 @@
+#include "aq/core/level_text.h"
+
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+#include "aq/core/error.h"
+
+namespace aq {
+namespace {
+
+// Writing.
+
+constexpr std::size_t kLongestQuick = 7;  // a sign, three digits, a point, two decimals
+
+/// The digits of 0 to 999 without zeros in front, none for 0, and how many they are.
+struct WholeDigits {
+  std::array<char, 3> text{};
+  std::uint8_t count = 0;
+};
+constexpr auto kWholeDigits = [] {
+  std::array<WholeDigits, 1000> all{};
+  for (std::size_t number = 1; number < all.size(); ++number) {
+    WholeDigits& digits = all[number];
+    for (std::size_t scale = 100; scale != 0; scale /= 10) {
+      if (number < scale) continue;
+      digits.text[digits.count++] = static_cast<char>('0' + number / scale % 10);
+    }
+  }
+  return all;
+}();
+
+constexpr std::int32_t kQuickEnd = 99999;  // hundredths with up to three whole digits
+
+/// Writes a level of so many hundredths, less than `kQuickEnd` either way; gives where it ends.
+char* writeHundredths(char* at, std::int32_t hundredths) {
+  *at = '-';
+  at += hundredths < 0 ? 1 : 0;
+  const auto size = static_cast<std::uint32_t>(std::abs(hundredths));
+  const WholeDigits& whole = kWholeDigits[size / 100];
+  std::memcpy(at, whole.text.data(), whole.text.size());
+  at += whole.count;
+  *at++ = '.';
+  *at++ = static_cast<char>('0' + size / 10 % 10);
+  *at++ = static_cast<char>('0' + size % 10);
+  return at;
+}
+
+constexpr std::int32_t kDoubtful = kQuickEnd;
+
+/// The hundredths to which a level rounds; `kDoubtful` where the exact digits have to decide.
+std::int32_t quickHundredths(double level) {
+  constexpr double kNearHalf = 1e-3;  // products with 100 are off by less than 1e-9
+  const double size = std::abs(level) * 100;
+  if (!(size < kQuickEnd - 1)) return kDoubtful;
+  const auto below = static_cast<std::int32_t>(size);
+  const double above = size - below;
+  if (std::abs(above - 0.5) < kNearHalf) return kDoubtful;
+  const std::int32_t hundredths = below + (above > 0.5 ? 1 : 0);
+  return level < 0 ? -hundredths : hundredths;
+}
+
+std::int32_t quickHundredths(LevelCode code) { return code == kInvalidCode ? kDoubtful : code; }
+
+double exactly(double level) { return level; }
+double exactly(LevelCode code) { return levelOf(code); }
+
+/// Whether `level` lies exactly half-way between two hundredths: an odd number of eighths.
+bool isHalfway(double level) { return std::fmod(std::abs(level) * 8, 2) == 1; }
+
+/// Any finite level, by its exact decimal expansion.
+void appendExactly(std::string& text, double level) {
+  if (!std::isfinite(level)) {
+    throw Error(ErrorCode::InvalidValue, "a level that is no finite number has no text");
+  }
+  const bool halfway = isHalfway(level);
+  std::array<char, 400> buffer;  // a double in fixed notation, and room to spare
+  const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(level),
+                                     std::chars_format::fixed, halfway ? 3 : 2);
+  char* end = written.ptr;
+  if (halfway) {
+    // .125, .375, .625 or .875: up without a carry, where to_chars would take the even digit.
+    --end;
+    ++end[-1];
+  }
+  std::string_view digits(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
+  if (digits.starts_with("0.")) digits.remove_prefix(1);
+  if (level < 0 && digits != ".00") text += '-';
+  text += digits;
+}
+
+template <class Level>
+void appendAll(std::string& text, std::span<const Level> levels) {
+  std::array<char, 32 * (kLongestQuick + 1)> buffer;
+  const char* const full = buffer.data() + buffer.size() - kLongestQuick - 1;
+  char* at = buffer.data();
+  for (std::size_t i = 0; i < levels.size(); ++i) {
+    if (i != 0) *at++ = ',';
+    const std::int32_t hundredths = quickHundredths(levels[i]);
+    if (hundredths != kDoubtful) at = writeHundredths(at, hundredths);
+    if (hundredths != kDoubtful && at < full) continue;
+    text.append(buffer.data(), at);
+    at = buffer.data();
+    if (hundredths == kDoubtful) appendExactly(text, exactly(levels[i]));
+  }
+  text.append(buffer.data(), at);
+}
+
+// Reading. A level is one word of eight bytes, the first byte lowest.
+
+constexpr std::size_t kWord = 8;
+constexpr std::int32_t kLargestCode = std::numeric_limits<LevelCode>::max();
+
+constexpr std::uint64_t everyByte(unsigned char byte) { return byte * 0x0101010101010101U; }
+
+constexpr std::int32_t byteOf(std::uint64_t word, unsigned place) {
+  return static_cast<std::uint8_t>(word >> (8 * place));
+}
+
+/// A level of so many whole digits with a comma behind it, in a word.
+template <unsigned kWhole>
+struct Form {
+  static constexpr std::ptrdiff_t kLength = kWhole + 3;
+
+  /// The digits less their "0", moved to the end of the word; of the point and the comma no bit is
+  /// left.
+  static std::uint64_t digitsOf(std::uint64_t word) { return (word ^ kText) << kShift; }
+
+  static bool fits(std::uint64_t digits) {
+    return (((digits + kDigits * 6) | digits) & kStrange) == 0;
+  }
+
+  static std::int32_t hundredthsOf(std::uint64_t digits) {
+    const std::uint64_t pairs = digits * 10 + (digits >> 8);  // of a digit and the next one
+    std::int32_t hundredths = byteOf(pairs, 5);
+    if constexpr (kWhole == 1) hundredths += byteOf(digits, 3) * 100;
+    if constexpr (kWhole >= 2) hundredths += byteOf(pairs, 2) * 100;
+    if constexpr (kWhole == 3) hundredths += byteOf(digits, 1) * 10000;
+    return hundredths;
+  }
+
+ private:
+  static constexpr unsigned kShift = 8 * (4 - kWhole);
+  static constexpr std::uint64_t textOf() {
+    std::uint64_t text = std::uint64_t{'.'} << (8 * kWhole) | std::uint64_t{','}
+                                                                  << (8 * kWhole + 24);
+    for (unsigned place = 0; place < kWhole + 3; ++place) {
+      if (place != kWhole) text |= std::uint64_t{'0'} << (8 * place);
+    }
+    return text;
+  }
+  static constexpr std::uint64_t kText = textOf();
+  static constexpr std::uint64_t kDigits = (kText & everyByte(0x10)) << kShift >> 4;  // 1 for each
+  static constexpr std::uint64_t kStrange = (everyByte(0xFF) << kShift) - kDigits * 0x0F;
+};
+
+/// The way through a text of levels.
+struct Levels {
+  const char* at;
+  const char* end;
+  std::span<LevelCode> codes;
+  std::size_t count = 0;
+  bool last = false;
+
+  [[nodiscard]] bool full() const { return count == codes.size(); }
+  void pass(const char* behind) {
+    last = behind == end;
+    at = last ? end : behind + 1;
+  }
+  void add(std::int32_t hundredths) { codes[count++] = static_cast<LevelCode>(hundredths); }
+};
+
+/// Takes levels of one form, as many as follow each other: levels that are neighbours look alike.
+template <unsigned kWhole>
+void takeRun(Levels& levels) {
+  while (!levels.full() && levels.end - levels.at >= static_cast<std::ptrdiff_t>(kWord)) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, levels.at, kWord);
+    const std::uint64_t digits = Form<kWhole>::digitsOf(word);
+    if (!Form<kWhole>::fits(digits)) return;
+    const std::int32_t hundredths = Form<kWhole>::hundredthsOf(digits);
+    if (kWhole == 3 && hundredths > kLargestCode) return;
+    levels.add(hundredths);
+    levels.at += Form<kWhole>::kLength + 1;
+  }
+}
+
+/// Eight bytes of the text, with commas behind its end.
+std::uint64_t wordAt(const char* at, const char* end) {
+  std::uint64_t word = everyByte(',');
+  const auto left = static_cast<std::size_t>(end - at);
+  if (left >= kWord) {
+    std::memcpy(&word, at, kWord);
+  } else {
+    std::memcpy(&word, at, left);
+  }
+  return word;
+}
+
+/// Takes one level of any form, the last one of the text too; false when there is none.
+template <unsigned kWhole>
+bool takeOne(Levels& levels) {
+  const bool negative = *levels.at == '-';
+  const char* const text = levels.at + (negative ? 1 : 0);
+  const std::uint64_t digits = Form<kWhole>::digitsOf(wordAt(text, levels.end));
+  if (!Form<kWhole>::fits(digits)) return false;
+  const std::int32_t hundredths = Form<kWhole>::hundredthsOf(digits);
+  if (hundredths > kLargestCode || (negative && hundredths == 0)) return false;
+  levels.add(negative ? -hundredths : hundredths);
+  levels.pass(text + Form<kWhole>::kLength);
+  return true;
+}
+
+/// As `takeOne`, for the level that stands for none.
+bool takeInvalid(Levels& levels) {
+  constexpr std::string_view kText = "9999.00";
+  const std::string_view rest(levels.at, levels.end);
+  if (!rest.starts_with(kText) || (rest.size() > kText.size() && rest[kText.size()] != ',')) {
+    return false;
+  }
+  levels.add(kInvalidCode);
+  levels.pass(levels.at + kText.size());
+  return true;
+}
+
+}  // namespace
+
+std::optional<LevelCode> codeOf(double level) {
+  if (level == kInvalidLevel) return kInvalidCode;
+  if (!(std::abs(level) * 100 < kLargestCode + 0.5)) return std::nullopt;
+  const auto code = static_cast<LevelCode>(std::nearbyint(level * 100));
+  if (levelOf(code) != level || (level == 0 && std::signbit(level))) return std::nullopt;
+  return code;
+}
+
+FieldsTaken levelsAtFront(std::string_view text, std::span<LevelCode> codes) {
+  if constexpr (std::endian::native != std::endian::little) return {};
+  Levels levels{text.data(), text.data() + text.size(), codes};
+  bool more = true;
+  while (more) {
+    takeRun<2>(levels);
+    takeRun<3>(levels);
+    more = !levels.full() && levels.at != levels.end &&
+           (takeOne<2>(levels) || takeOne<1>(levels) || takeOne<3>(levels) || takeOne<0>(levels) ||
+            takeInvalid(levels));
+  }
+  return {levels.count, static_cast<std::size_t>(levels.at - text.data()), levels.last};
+}
+
+void appendLevel(std::string& text, double level) { appendLevels(text, {&level, 1}); }
+
+void appendLevels(std::string& text, std::span<const double> levels) { appendAll(text, levels); }
+
+void appendLevels(std::string& text, std::span<const LevelCode> codes) { appendAll(text, codes); }
+
+}  // namespace aq

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <type_traits>
+#include <utility>
+
+namespace aq {
+
+/// A vector of plain cells that holds up to `kRoom` of them within itself, so that what nearly
+/// every object needs costs it no allocation.
+template <class Cell, std::size_t kRoom>
+class ShortVector {
+  static_assert(std::is_trivially_copyable_v<Cell>);
+
+ public:
+  ShortVector() = default;
+  ShortVector(const ShortVector& other) { assign(other.data(), other.data() + other.size()); }
+  ShortVector(ShortVector&& other) noexcept { swap(other); }
+  ShortVector& operator=(ShortVector other) noexcept {
+    swap(other);
+    return *this;
+  }
+  ~ShortVector() = default;
+
+  [[nodiscard]] std::size_t size() const { return size_; }
+  [[nodiscard]] bool empty() const { return size() == 0; }
+  [[nodiscard]] Cell* data() { return more_ ? more_.get() : room_.data(); }
+  [[nodiscard]] const Cell* data() const { return more_ ? more_.get() : room_.data(); }
+  [[nodiscard]] Cell* begin() { return data(); }
+  [[nodiscard]] Cell& operator[](std::size_t i) { return data()[i]; }
+  [[nodiscard]] const Cell& operator[](std::size_t i) const { return data()[i]; }
+  [[nodiscard]] Cell& front() { return *data(); }
+
+  void assign(const Cell* first, const Cell* last) {
+    reserve(static_cast<std::size_t>(last - first));
+    std::copy(first, last, data());
+    size_ = static_cast<std::uint32_t>(last - first);
+  }
+
+  void insert(const Cell* place, std::size_t count, Cell value) {
+    const std::ptrdiff_t at = place - data();
+    reserve(size() + count);
+    const auto added = static_cast<std::ptrdiff_t>(count);
+    Cell* const end = data() + size();
+    std::copy_backward(data() + at, end, end + added);
+    std::fill_n(data() + at, count, value);
+    size_ += static_cast<std::uint32_t>(count);
+  }
+
+  /// Adds default cells.
+  void resize(std::size_t larger) { insert(data() + size(), larger - size(), Cell()); }
+
+ private:
+  void swap(ShortVector& other) noexcept {
+    std::swap(more_, other.more_);
+    std::swap(size_, other.size_);
+    std::swap(room_, other.room_);
+  }
+
+  void reserve(std::size_t size) {
+    const std::size_t room = more_ ? std::bit_ceil(this->size()) : kRoom;
+    if (size <= room) return;
+    auto more = std::make_unique<Cell[]>(std::bit_ceil(size));
+    std::copy_n(data(), size_, more.get());
+    more_ = std::move(more);
+  }
+
+  std::unique_ptr<Cell[]> more_;  // in place of the room
+  std::uint32_t size_ = 0;
+  std::array<Cell, kRoom> room_{};
+};
+
+}  // namespace aq

@@ -1,0 +1,90 @@
+#include "aq/masking/mask_code.h"
+
+#include <cstddef>
+#include <cstring>
+#include <string_view>
+
+namespace aq {
+namespace {
+
+constexpr int kModes{kMaskModes.size()};
+constexpr int kAdjustments{kMaskAdjustments.size()};
+constexpr std::size_t kCodes = 1 + kMaskModes.size() * kMaskAdjustments.size();
+
+AQ_Mask maskWith(int mode, int adjustment) {
+  AQ_Mask mask;
+  mask.MaskMode(static_cast<AQ_MASK_MODE>(mode));
+  mask.AdjustMode(static_cast<AQ_MASK_ADJUST>(adjustment));
+  return mask;
+}
+
+/// What each byte adds to a code, `kCodes` when it is none of `letters`.
+constexpr auto codesOf(std::string_view letters, std::size_t first, std::size_t step) {
+  std::array<std::uint8_t, 256> codes{};
+  codes.fill(kCodes);
+  for (std::size_t i = 0; i < letters.size(); ++i) {
+    codes[static_cast<unsigned char>(letters[i])] = static_cast<std::uint8_t>(first + i * step);
+  }
+  return codes;
+}
+constexpr auto kModeCodes = codesOf(kMaskModes, kDefaultMaskCode, kMaskAdjustments.size());
+constexpr auto kAdjustmentCodes = codesOf(kMaskAdjustments, 0, 1);
+
+constexpr std::size_t kColumn = 3;  // two letters and a comma
+
+/// The columns of all codes. With a fourth character, which the next column overwrites, each is
+/// copied at once.
+constexpr auto kColumns = [] {
+  std::array<std::array<char, kColumn + 1>, kCodes> columns{};
+  std::size_t code = 1;
+  for (const char mode : kMaskModes) {
+    for (const char adjustment : kMaskAdjustments) columns[code++] = {mode, adjustment, ','};
+  }
+  return columns;
+}();
+
+}  // namespace
+
+MaskCode maskCodeOf(const AQ_Mask& mask) {
+  const int mode = mask.MaskMode();
+  const int adjustment = mask.AdjustMode();
+  if (mode < 0 || mode >= kModes || adjustment < 0 || adjustment >= kAdjustments) {
+    return kNoMaskCode;
+  }
+  return static_cast<MaskCode>(1 + mode * kAdjustments + adjustment);
+}
+
+AQ_Mask maskOf(MaskCode code) {
+  const int pair = code == kNoMaskCode ? 0 : code - 1;
+  return maskWith(pair / kAdjustments, pair % kAdjustments);
+}
+
+FieldsTaken masksAtFront(std::string_view text, std::span<MaskCode> codes) {
+  const std::size_t most = std::min(codes.size(), text.size() / kColumn);
+  const char* at = text.data();
+  std::size_t count = 0;
+  for (; count < most; ++count, at += kColumn) {
+    const unsigned code = kModeCodes[static_cast<unsigned char>(at[0])] +
+                          kAdjustmentCodes[static_cast<unsigned char>(at[1])];
+    if (code >= kCodes || at[2] != ',') break;
+    codes[count] = static_cast<MaskCode>(code);
+  }
+  return {count, count * kColumn};
+}
+
+void appendMasks(std::string& text, std::span<const MaskCode> codes) {
+  constexpr std::size_t kPart = 64;
+  std::array<char, kPart * kColumn + 1> buffer;
+  while (!codes.empty()) {
+    const auto part = codes.first(std::min(codes.size(), kPart));
+    char* at = buffer.data();
+    for (const MaskCode code : part) {
+      std::memcpy(at, kColumns[code].data(), kColumn + 1);
+      at += kColumn;
+    }
+    text.append(buffer.data(), at);
+    codes = codes.subspan(part.size());
+  }
+}
+
+}  // namespace aq

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "aq/core/export.h"
+#include "aq/core/fields_taken.h"
+#include "aq/masking/mask.h"
+
+namespace aq {
+
+/// A masking decision in one byte: from 1 on one for each pair of letters, 0 for no decision.
+using MaskCode = std::uint8_t;
+
+inline constexpr MaskCode kNoMaskCode = 0;
+inline constexpr MaskCode kDefaultMaskCode = 1;
+
+/// The code of a decision; `kNoMaskCode` when its values have no letters.
+[[nodiscard]] AQ_API MaskCode maskCodeOf(const AQ_Mask& mask);
+
+/// The decision behind a code; a default one for none.
+[[nodiscard]] AQ_API AQ_Mask maskOf(MaskCode code);
+
+/// Takes masks of two letters, with "," behind each, from the front of `text`, until `codes` is
+/// full or another form comes.
+[[nodiscard]] AQ_API FieldsTaken masksAtFront(std::string_view text, std::span<MaskCode> codes);
+
+/// Appends the letters of each code, with "," behind them. None of them is `kNoMaskCode`.
+AQ_API void appendMasks(std::string& text, std::span<const MaskCode> codes);
+
+}  // namespace aq
