@@ -2,12 +2,35 @@
 
 #include <aq/aq.h>
 
+#include <cstdint>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+
 namespace bench {
 
-/// Gives the memory that a history of 32,767 records holds after it was read, in MiB.
-double addHistories();
+void addHistories();
 void addMaps();
 void addPositions();
 void addDelimited();
+void addGrowth();
+void addThreads();
+
+/// A history of 24 bands, stamped from 10:00:00 on.
+std::shared_ptr<aq::AQ_SpectralTimeHistory> makeHistory(std::int16_t records);
+void writeHistory(const std::string& path, aq::AQ_SpectralTimeHistory& history);
+
+/// A history file, its header and its spectra.
+struct History {
+  aq::AQ_DataSTH file;
+  std::shared_ptr<aq::AQ_HeaderSTH> header;
+  std::shared_ptr<aq::AQ_SpectralTimeHistory> history;
+
+  void read(const std::string& path);
+};
+
+/// Rows for what this process holds after it read a history, above its start, and for its peak
+/// while reading, above what it then holds.
+nlohmann::ordered_json memoryOfReading(const std::string& path);
 
 }  // namespace bench

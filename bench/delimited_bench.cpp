@@ -30,7 +30,7 @@ Lines plainFields(const std::string& path) {
 }  // namespace
 
 void addDelimited() {
-  const std::string path = fileInMemory("fields.csv");
+  const std::string path = fileInFolder("fields.csv");
   std::ofstream stream(path, std::ios::binary);
   for (int line = 1; line <= 8000; ++line) {
     stream << line << ",10:00:00.25,-18.5";

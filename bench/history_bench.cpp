@@ -1,7 +1,5 @@
 // Histories of 24 bands: 32,767 records beside plain loops by from_chars and to_chars, and a small
 // file beside opening, reading and closing it.
-#include <malloc.h>
-
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -19,21 +17,6 @@ constexpr std::int16_t kHigh = 40;
 
 double level(int record, int band) {
   return std::round((70 + 20 * std::sin(record * 0.001) - band + record % 97 * 0.13) * 100) / 100;
-}
-
-void writeHistory(const std::string& path, std::int16_t records) {
-  aq::AQ_SpectralTimeHistory history;
-  for (int record = 1; record <= records; ++record) {
-    auto spectrum = std::make_shared<aq::AQ_Spectrum>();
-    for (std::int16_t band = kLow; band <= kHigh; ++band) spectrum->SPL(band, level(record, band));
-    history.spectrum(static_cast<std::int16_t>(record), spectrum);
-  }
-  aq::AQ_Time start;
-  start.TODstring("10:00:00");
-  history.setTimeStamps(start, aq::AQ_MIDPT, start, aq::AQ_AMAX);
-  aq::AQ_DataSTH file;
-  const auto header = std::make_shared<aq::AQ_HeaderSTH>();
-  require(file.writeFile(path, header, history) == aq::AQ_DATA_OK, "writing a history");
 }
 
 struct PlainRecord {
@@ -99,28 +82,39 @@ void plainWrite(const std::string& path, const PlainRecords& records) {
   std::ofstream(path, std::ios::binary) << text;
 }
 
-struct History {
-  aq::AQ_DataSTH file;
-  std::shared_ptr<aq::AQ_HeaderSTH> header;
-  std::shared_ptr<aq::AQ_SpectralTimeHistory> history;
-
-  void read(const std::string& path) {
-    require(file.readFile(path, header, history) == aq::AQ_DATA_OK, "reading a history");
-  }
-};
-
 }  // namespace
 
-double addHistories() {
-  const std::string large = fileInMemory("large.sth.csv");
-  const std::string small = fileInMemory("small.sth.csv");
-  const std::string out = fileInMemory("out.sth.csv");
-  writeHistory(large, 32767);
-  writeHistory(small, 100);
+std::shared_ptr<aq::AQ_SpectralTimeHistory> makeHistory(std::int16_t records) {
+  auto history = std::make_shared<aq::AQ_SpectralTimeHistory>();
+  for (int record = 1; record <= records; ++record) {
+    auto spectrum = std::make_shared<aq::AQ_Spectrum>();
+    for (std::int16_t band = kLow; band <= kHigh; ++band) spectrum->SPL(band, level(record, band));
+    history->spectrum(static_cast<std::int16_t>(record), spectrum);
+  }
+  aq::AQ_Time start;
+  start.TODstring("10:00:00");
+  history->setTimeStamps(start, aq::AQ_MIDPT, start, aq::AQ_AMAX);
+  return history;
+}
+
+void writeHistory(const std::string& path, aq::AQ_SpectralTimeHistory& history) {
+  aq::AQ_DataSTH file;
+  const auto header = std::make_shared<aq::AQ_HeaderSTH>();
+  require(file.writeFile(path, header, history) == aq::AQ_DATA_OK, "writing a history");
+}
+
+void History::read(const std::string& path) {
+  require(file.readFile(path, header, history) == aq::AQ_DATA_OK, "reading a history");
+}
+
+void addHistories() {
+  const std::string large = fileInFolder("large.sth.csv");
+  const std::string small = fileInFolder("small.sth.csv");
+  const std::string out = fileInFolder("out.sth.csv");
+  writeHistory(large, *makeHistory(32767));
+  writeHistory(small, *makeHistory(100));
   const auto held = std::make_shared<History>();
-  const double before = static_cast<double>(mallinfo2().uordblks);
   held->read(large);
-  const double memory = static_cast<double>(mallinfo2().uordblks) - before;
   addPair(
       "history 32,767 read",
       [=, kept = std::make_shared<PlainRecords>()] { *kept = plainRead(large); },
@@ -137,7 +131,6 @@ double addHistories() {
   addPair(
       "history 100 read, to bare bytes", [=] { static_cast<void>(bytesOf(small)); },
       [=] { History().read(small); });
-  return memory / 1048576;
 }
 
 }  // namespace bench

@@ -1,14 +1,20 @@
 // Runs pairs of plain loops and library calls, interleaved, and prints the ratio of the medians of
 // each pair: `name ratio median spread`, the median of the library's call in milliseconds and its
 // spread, the coefficient of variation.
+//
+//   aq_bench FOLDER [--json FILE] [options of Google Benchmark]
+//
+// Each group runs in a process of its own, since what one leaves in memory costs the next.
 #include <benchmark/benchmark.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <vector>
 
 #include "bench/benches.h"
@@ -17,9 +23,19 @@
 namespace bench {
 namespace {
 
-std::vector<std::string>& names() {
-  static std::vector<std::string> all;
+struct Pair {
+  std::string name;
+  double scale = 1;
+};
+
+std::vector<Pair>& pairs() {
+  static std::vector<Pair> all;
   return all;
+}
+
+std::string& folder() {
+  static std::string path;
+  return path;
 }
 
 void add(const std::string& name, const std::function<void()>& work) {
@@ -43,34 +59,83 @@ class Table : public benchmark::BenchmarkReporter {
     }
   }
 
-  void print() const {
-    for (const std::string& name : names()) {
-      const double median = values_.at(name + " median");
-      std::printf("%-34s %5.2f %9.3f ms %5.1f %%\n", name.c_str(),
-                  median / values_.at("plain " + name + " median"), median,
-                  100 * values_.at(name + " stddev") / median);
+  /// The rows of the pairs that were run.
+  [[nodiscard]] nlohmann::ordered_json rows() const {
+    auto rows = nlohmann::ordered_json::array();
+    for (const auto& [name, scale] : pairs()) {
+      const auto tested = values_.find(name + " median");
+      const auto plain = values_.find("plain " + name + " median");
+      if (tested == values_.end() || plain == values_.end()) continue;
+      rows.push_back({{"name", name},
+                      {"ratio", tested->second / plain->second * scale},
+                      {"median_ms", tested->second},
+                      {"spread", values_.at(name + " stddev") / tested->second}});
     }
+    return rows;
   }
 
  private:
   std::map<std::string, double> values_;
 };
 
+nlohmann::ordered_json runPairs(const std::vector<void (*)()>& adders,
+                                std::vector<char*> arguments) {
+  for (const auto& addAll : adders) addAll();
+  std::string interleaved = "--benchmark_enable_random_interleaving=true";
+  arguments.push_back(interleaved.data());
+  int count = static_cast<int>(arguments.size());
+  benchmark::Initialize(&count, arguments.data());
+  Table table;
+  benchmark::RunSpecifiedBenchmarks(&table);
+  return table.rows();
+}
+
+nlohmann::ordered_json runGroup(const std::string& group, const std::vector<char*>& arguments) {
+  if (group == "formats") {
+    return runPairs({addHistories, addMaps, addPositions, addDelimited}, arguments);
+  }
+  if (group == "growth") return runPairs({addGrowth, addThreads}, arguments);
+  return memoryOfReading(fileInFolder("large.sth.csv"));
+}
+
+void print(const nlohmann::ordered_json& row) {
+  const std::string name = row["name"];
+  if (row.contains("ratio")) {
+    std::printf("%-36s %5.2f %9.3f ms %5.1f %%\n", name.c_str(), row["ratio"].get<double>(),
+                row["median_ms"].get<double>(), 100 * row["spread"].get<double>());
+  } else {
+    std::printf("%-36s %5.2f MiB\n", name.c_str(), row["mib"].get<double>());
+  }
+}
+
+/// The rows of a group, from a process of its own.
+nlohmann::ordered_json rowsOf(const std::string& group, const std::vector<char*>& arguments) {
+  const std::string rows = fileInFolder(group + ".json");
+  std::string command = "'/proc/" + std::to_string(getpid()) + "/exe' --group " + group;
+  for (const char* argument : arguments) command += " '" + std::string(argument) + '\'';
+  require(std::system((command + " > '" + rows + '\'').c_str()) == 0, group.c_str());
+  return nlohmann::ordered_json::parse(bytesOf(rows));
+}
+
+/// Takes `name VALUE` from the arguments; gives the value.
+std::string taken(std::vector<char*>& arguments, std::string_view name) {
+  const auto at = std::find(arguments.begin(), arguments.end(), name);
+  if (at == arguments.end() || at + 1 == arguments.end()) return {};
+  std::string value = at[1];
+  arguments.erase(at, at + 2);
+  return value;
+}
+
 }  // namespace
 
 void addPair(const std::string& name, const std::function<void()>& plain,
-             const std::function<void()>& tested) {
-  names().push_back(name);
+             const std::function<void()>& tested, double scale) {
+  pairs().push_back({name, scale});
   add("plain " + name, plain);
   add(name, tested);
 }
 
-std::string fileInMemory(const std::string& name) {
-  const std::filesystem::path memory = "/dev/shm";
-  const auto folder =
-      std::filesystem::exists(memory) ? memory : std::filesystem::temp_directory_path();
-  return (folder / ("aq-bench-" + name)).string();
-}
+std::string fileInFolder(const std::string& name) { return folder() + '/' + name; }
 
 std::string bytesOf(const std::string& path) {
   std::ifstream stream(path, std::ios::binary | std::ios::ate);
@@ -89,17 +154,22 @@ void require(bool good, const char* what) {
 }  // namespace bench
 
 int main(int argc, char** argv) {
-  const double held = bench::addHistories();
-  bench::addMaps();
-  bench::addPositions();
-  bench::addDelimited();
   std::vector<char*> arguments(argv, argv + argc);
-  std::string interleaved = "--benchmark_enable_random_interleaving=true";
-  arguments.push_back(interleaved.data());
-  int count = static_cast<int>(arguments.size());
-  benchmark::Initialize(&count, arguments.data());
-  bench::Table table;
-  benchmark::RunSpecifiedBenchmarks(&table);
-  table.print();
-  std::printf("memory of a history of 32,767 x 24: %.1f MiB\n", held);
+  const std::string group = bench::taken(arguments, "--group");
+  const std::string json = bench::taken(arguments, "--json");
+  arguments.erase(arguments.begin());
+  bench::require(!arguments.empty(), "a folder to work in, as the first argument");
+  bench::folder() = arguments.front();
+  if (!group.empty()) {
+    std::cout << bench::runGroup(group, arguments) << '\n';
+    return 0;
+  }
+  auto table = nlohmann::ordered_json::array();
+  for (const char* const each : {"formats", "growth", "memory"}) {
+    for (const auto& row : bench::rowsOf(each, arguments)) {
+      bench::print(row);
+      table.push_back(row);
+    }
+  }
+  if (!json.empty()) bench::require((std::ofstream(json) << table.dump(2) << '\n').good(), "JSON");
 }

@@ -96,8 +96,8 @@ struct Map {
 }  // namespace
 
 void addMaps() {
-  const std::string path = fileInMemory("map.csv");
-  const std::string out = fileInMemory("out.map.csv");
+  const std::string path = fileInFolder("map.csv");
+  const std::string out = fileInFolder("out.map.csv");
   const auto held = std::make_shared<Map>();
   for (int record = 1; record <= kRows; ++record) {
     auto row = std::make_shared<aq::AQ_MaskRow>();

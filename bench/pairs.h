@@ -6,12 +6,13 @@
 namespace bench {
 
 /// Times `tested` beside `plain`, a loop that does the same work without the library, in one run.
-/// Both are called again and again; `name` stands in the table of ratios.
+/// Both are called again and again; `name` stands in the table, with the ratio of their medians
+/// times `scale`.
 void addPair(const std::string& name, const std::function<void()>& plain,
-             const std::function<void()>& tested);
+             const std::function<void()>& tested, double scale = 1);
 
-/// A file in a folder of memory, if the system has one.
-std::string fileInMemory(const std::string& name);
+/// A file in the folder of this run.
+std::string fileInFolder(const std::string& name);
 
 /// The bytes of a file, by the system's stream.
 std::string bytesOf(const std::string& path);

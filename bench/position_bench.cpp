@@ -40,7 +40,7 @@ PlainPositions plainRead(const std::string& path) {
 }  // namespace
 
 void addPositions() {
-  const std::string path = fileInMemory("positions.csv");
+  const std::string path = fileInFolder("positions.csv");
   aq::AQ_PositionTimeHistory track;
   for (int record = 1; record <= 32767; ++record) {
     auto position = std::make_shared<aq::AQ_Position>();

@@ -1,0 +1,42 @@
+// What a process that reads a history holds, and its peak, by what the system says of it.
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "bench/benches.h"
+#include "bench/pairs.h"
+
+namespace bench {
+namespace {
+
+double residentNow() {
+  double total = 0;
+  double resident = 0;
+  std::ifstream("/proc/self/statm") >> total >> resident;
+  return resident * static_cast<double>(sysconf(_SC_PAGESIZE));
+}
+
+double residentAtMost() {
+  rusage usage{};
+  require(getrusage(RUSAGE_SELF, &usage) == 0, "asking for the peak of memory");
+  return static_cast<double>(usage.ru_maxrss) * 1024;
+}
+
+}  // namespace
+
+nlohmann::ordered_json memoryOfReading(const std::string& path) {
+  constexpr double kMiB = 1048576;
+  const double start = residentNow();
+  History history;
+  history.read(path);
+  const double held = residentNow();
+  const double peak = residentAtMost() - held;
+  const auto file = static_cast<double>(std::filesystem::file_size(path));
+  return {{{"name", "history 32,767 held in memory"}, {"mib", (held - start) / kMiB}},
+          {{"name", "peak while reading it, above that"}, {"mib", peak / kMiB}},
+          {{"name", "the file"}, {"mib", file / kMiB}}};
+}
+
+}  // namespace bench
