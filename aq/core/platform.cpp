@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <climits>
 #include <cstring>
 
 namespace aq::platform {
@@ -19,36 +20,159 @@ std::string reasonOf(int error) {
 #endif
 }
 
-int openFile(const std::string& path, int flags, const char* wanted) {
-  constexpr mode_t kMode = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
-  if (path.find('\0') != std::string::npos) throw SystemError(wanted, reasonOf(EINVAL));
-  for (;;) {
-    const int handle = ::open(path.c_str(), flags | O_CLOEXEC, kMode);
-    if (handle >= 0) return handle;
-    if (errno != EINTR) throw SystemError(wanted, reasonOf(errno));
-  }
+[[noreturn]] void failBy(const char* wanted, int error) {
+  throw SystemError(wanted, reasonOf(error));
 }
 
 constexpr const char* kWrite = "a file that can be written";
+constexpr mode_t kNewFile = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
+constexpr mode_t kPermissions = S_ISUID | S_ISGID | S_ISVTX | S_IRWXU | S_IRWXG | S_IRWXO;
 
-void writeAll(int handle, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(handle, bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written < 0) throw SystemError(kWrite, reasonOf(errno));
-    bytes.remove_prefix(static_cast<std::size_t>(written));
+/// Repeats a call that a signal interrupted.
+template <class Call>
+auto uninterrupted(const Call& call) {
+  for (;;) {
+    const auto result = call();
+    if (result >= 0 || errno != EINTR) return result;
   }
 }
 
-void write(const std::string& path, int flags, std::string_view bytes) {
-  const int handle = openFile(path, O_WRONLY | O_CREAT | flags, kWrite);
-  try {
-    writeAll(handle, bytes);
-  } catch (...) {
-    ::close(handle);
-    throw;
+int openHandle(const char* path, int flags) {
+  return uninterrupted([&] { return ::open(path, flags | O_CLOEXEC, kNewFile); });
+}
+
+int openFile(const std::string& path, int flags, const char* wanted) {
+  if (path.find('\0') != std::string::npos) failBy(wanted, EINVAL);
+  const int handle = openHandle(path.c_str(), flags);
+  if (handle < 0) failBy(wanted, errno);
+  return handle;
+}
+
+/// A file open for writing, closed with the object. Whether the bytes arrived, `flush` tells.
+class OutputFile {
+ public:
+  explicit OutputFile(int handle) : handle_(handle) {}
+  OutputFile(const std::string& path, int flags)
+      : handle_(openFile(path, O_WRONLY | flags, kWrite)) {}
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+  ~OutputFile() { ::close(handle_); }
+
+  void write(std::string_view bytes) const {
+    while (!bytes.empty()) {
+      const ssize_t written =
+          uninterrupted([&] { return ::write(handle_, bytes.data(), bytes.size()); });
+      if (written < 0) failBy(kWrite, errno);
+      bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
   }
-  if (::close(handle) != 0) throw SystemError(kWrite, reasonOf(errno));
+
+  /// Waits until the bytes are on the disk, where there is one.
+  void flush() const {
+    if (uninterrupted([&] { return ::fsync(handle_); }) == 0) return;
+    if (errno != EINVAL && errno != ENOTSUP) failBy(kWrite, errno);
+  }
+
+  [[nodiscard]] struct stat status() const {
+    struct stat status {};
+    if (::fstat(handle_, &status) != 0) failBy(kWrite, errno);
+    return status;
+  }
+
+  /// Gives the file the owner and the permissions of another one. Where the system keeps the owner
+  /// from being passed on, the file stays the writer's.
+  void takeAfter(const struct stat& other) const {
+    const struct stat own = status();
+    if (own.st_uid != other.st_uid || own.st_gid != other.st_gid) {
+      static_cast<void>(::fchown(handle_, other.st_uid, other.st_gid));
+    }
+    if (::fchmod(handle_, other.st_mode & kPermissions) != 0) failBy(kWrite, errno);
+  }
+
+  void cutTo(off_t size) const {
+    static_cast<void>(uninterrupted([&] { return ::ftruncate(handle_, size); }));
+  }
+
+ private:
+  int handle_;
+};
+
+void writeStraight(const std::string& path, std::string_view bytes) {
+  OutputFile file(path, O_CREAT | O_TRUNC);
+  file.write(bytes);
+  file.flush();
+}
+
+/// `path` up to its file name.
+std::string folderOf(const std::string& path) { return path.substr(0, path.find_last_of('/') + 1); }
+
+/// The text of a symbolic link; nothing for anything else.
+std::optional<std::string> linkAt(const std::string& path) {
+  std::string text(PATH_MAX, '\0');
+  const ssize_t size = ::readlink(path.c_str(), text.data(), text.size());
+  if (size < 0) return std::nullopt;
+  text.resize(static_cast<std::size_t>(size));
+  return text;
+}
+
+/// Where the file that `path` names has its own entry, links followed; nothing for a name of a file
+/// that is open, such as /dev/stdout.
+std::optional<std::string> entryOf(std::string path) {
+  constexpr int kMostLinks = 40;
+  for (int links = 0; links < kMostLinks; ++links) {
+    const auto link = linkAt(path);
+    if (!link) return path;
+    if (path.starts_with("/proc/") || path.starts_with("/dev/fd/")) return std::nullopt;
+    path = link->starts_with('/') ? *link : folderOf(path) + *link;
+  }
+  failBy(kWrite, ELOOP);
+}
+
+/// A new file beside the one that it is to replace; it goes with the object unless it was renamed.
+class Temporary {
+ public:
+  Temporary(const std::string& folder, const char* wanted) {
+    const std::string begin = folder + ".aq-" + std::to_string(::getpid()) + '-';
+    for (int number = 0; handle_ < 0; ++number) {
+      path_ = begin + std::to_string(number) + ".tmp";
+      handle_ = openHandle(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL);
+      if (handle_ < 0 && errno != EEXIST) failBy(wanted, errno);
+    }
+  }
+  Temporary(const Temporary&) = delete;
+  Temporary& operator=(const Temporary&) = delete;
+  ~Temporary() {
+    if (!renamed_) ::unlink(path_.c_str());
+  }
+
+  [[nodiscard]] int handle() const { return handle_; }
+
+  void renameTo(const std::string& path) {
+    if (::rename(path_.c_str(), path.c_str()) != 0) failBy(kWrite, errno);
+    renamed_ = true;
+  }
+
+ private:
+  std::string path_;
+  int handle_ = -1;
+  bool renamed_ = false;
+};
+
+/// Makes a renamed file survive a power cut; not every file system can. Nothing fails here: the
+/// file has its new content.
+void flushFolder(const std::string& folder) {
+  const int handle = openHandle(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY);
+  if (handle < 0) return;
+  static_cast<void>(::fsync(handle));
+  ::close(handle);
+}
+
+/// The state of the file that `path` names; nothing when there is none.
+std::optional<struct stat> statusOf(const std::string& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) == 0) return status;
+  if (errno != ENOENT) failBy(kWrite, errno);
+  return std::nullopt;
 }
 
 }  // namespace
@@ -61,16 +185,41 @@ InputFile::InputFile(const std::string& path)
 InputFile::~InputFile() { ::close(handle_); }
 
 std::size_t InputFile::read(std::span<char> room) {
-  for (;;) {
-    const ssize_t got = ::read(handle_, room.data(), room.size());
-    if (got >= 0) return static_cast<std::size_t>(got);
-    if (errno != EINTR) throw SystemError("a file that can be read", reasonOf(errno));
-  }
+  const ssize_t got = uninterrupted([&] { return ::read(handle_, room.data(), room.size()); });
+  if (got < 0) failBy("a file that can be read", errno);
+  return static_cast<std::size_t>(got);
 }
 
-void replaceFile(const std::string& path, std::string_view bytes) { write(path, O_TRUNC, bytes); }
+void replaceFile(const std::string& path, std::string_view bytes) {
+  if (path.find('\0') != std::string::npos) failBy(kWrite, EINVAL);
+  const auto old = statusOf(path);
+  const auto entry = entryOf(path);
+  if ((old && !S_ISREG(old->st_mode)) || !entry) {
+    writeStraight(path, bytes);
+    return;
+  }
+  if (old) static_cast<void>(OutputFile(path, 0));  // refuses a file that may not be written
+  const std::string folder = folderOf(*entry);
+  Temporary temporary(folder, old ? "a folder that takes a temporary file" : kWrite);
+  OutputFile file(temporary.handle());
+  if (old) file.takeAfter(*old);
+  file.write(bytes);
+  file.flush();
+  temporary.renameTo(*entry);
+  flushFolder(folder);
+}
 
-void appendToFile(const std::string& path, std::string_view bytes) { write(path, O_APPEND, bytes); }
+void appendToFile(const std::string& path, std::string_view bytes) {
+  OutputFile file(path, O_CREAT | O_APPEND);
+  const struct stat before = file.status();
+  try {
+    file.write(bytes);
+    file.flush();
+  } catch (...) {
+    if (S_ISREG(before.st_mode)) file.cutTo(before.st_size);
+    throw;
+  }
+}
 
 std::optional<std::time_t> lastChanged(const std::string& path) {
   struct stat status {};

@@ -44,10 +44,14 @@ class AQ_API InputFile {
   int handle_;
 };
 
-/// Makes `bytes` the whole content of a file. Throws `SystemError`.
+/// Makes `bytes` the whole content of a file, all or nothing: they go to a temporary file in its
+/// folder, then to the disk, and then take its name. Permissions stay; a symbolic link stays one,
+/// and the file behind it is replaced; other names of the file keep the old content. What is no
+/// regular file, as a pipe, is written straight. Throws `SystemError`; the file is then as it was.
 AQ_API void replaceFile(const std::string& path, std::string_view bytes);
 
-/// Puts `bytes` behind the content of a file, which is made if needed. Throws `SystemError`.
+/// Puts `bytes` behind the content of a file, which is made if needed. Throws `SystemError`; the
+/// file is then cut back to its former length.
 AQ_API void appendToFile(const std::string& path, std::string_view bytes);
 
 /// When a file was last changed; nothing when it is not there.

@@ -1,5 +1,7 @@
 // What holds for every format: a good sample comes back from a read and a write byte by byte, a bad
 // one fails with the message that its folder lists, and a damaged one reads or fails with a place.
+#include "tests/support/formats.h"
+
 #include <aq/aq.h>
 #include <aq/core/number_text.h>
 #include <gtest/gtest.h>
@@ -15,123 +17,11 @@
 namespace aq {
 namespace {
 
-/// How a read ended: the failure, and what was handed out all the same.
-struct Outcome {
-  std::optional<FileFailure> failure;
-  std::string handedOut;
-};
-
-struct Format {
-  std::function<Outcome(const std::string& path)> read;
-  std::function<AQ_DataMessage(const std::string& from, const std::string& to)> rewrite = nullptr;
-};
-
-Outcome outcomeOf(const FileClass& file, AQ_DataMessage result, bool header, bool model) {
-  EXPECT_EQ(result == AQ_DATA_OK, !file.lastFailure().has_value());
-  EXPECT_TRUE(result != AQ_DATA_OK || (header && model));
-  return {file.lastFailure(), std::string(header ? "header " : "") + (model ? "model " : "")};
-}
-
-template <class File, class Header, class Model>
-AQ_DataMessage readInto(File& file, const std::string& path, Header& header, Model& model) {
-  AQ_DataMessage result = AQ_DATA_FILE_ERROR;
-  if constexpr (requires { file.readFile(path, header, model, result); }) {
-    file.readFile(path, header, model, result);
-  } else if constexpr (std::is_same_v<File, AQ_DataSSR>) {
-    result = file.readFile(path, model, header);
-  } else {
-    result = file.readFile(path, header, model);
-  }
-  return result;
-}
-
-template <class File, class Header, class Model>
-Format format() {
-  const auto read = [](const std::string& path) {
-    File file;
-    std::shared_ptr<Header> header;
-    std::shared_ptr<Model> model;
-    const AQ_DataMessage result = readInto(file, path, header, model);
-    return outcomeOf(file, result, header != nullptr, model != nullptr);
-  };
-  const auto rewrite = [](const std::string& from, const std::string& to) {
-    File file;
-    std::shared_ptr<Header> header;
-    std::shared_ptr<Model> model;
-    AQ_DataMessage result = readInto(file, from, header, model);
-    if constexpr (requires { file.writeFile(to, header, *model, result); }) {
-      file.writeFile(to, header, *model, result);
-    } else {
-      result = file.writeFile(to, header, *model);
-    }
-    return result;
-  };
-  return {read, rewrite};
-}
-
-Outcome readTracking(const std::string& path) {
-  AQ_DataTSPI file;
-  std::shared_ptr<AQ_PositionTimeHistory> history;
-  AQ_DataMessage result = AQ_DATA_FILE_ERROR;
-  file.readFile(path, history, result);
-  Outcome outcome = outcomeOf(file, result, true, history != nullptr);
-  outcome.handedOut = std::to_string(file.nBadPositions()) + " dropped ";
-  return outcome;
-}
-
-Outcome readMicrophone(const std::string& path) {
-  AQ_DataMIC file;
-  std::shared_ptr<AQ_HeaderMIC> header;
-  const auto microphone = std::make_shared<AQ_Microphone>();
-  AQ_DataMessage result = AQ_DATA_FILE_ERROR;
-  file.readFile(path, header, microphone, result);
-  Outcome outcome = outcomeOf(file, result, header != nullptr, true);
-  if (microphone->Y != 0) outcome.handedOut += "Y " + numberText(microphone->Y) + ' ';
-  return outcome;
-}
-
-Outcome readParameters(const std::string& path) {
-  AQ_DataINI file;
-  const AQ_DataMessage result = file.readFile(path);
-  Outcome outcome = outcomeOf(file, result, true, true);
-  outcome.handedOut = "LoRec " + numberText(std::int32_t{file.LoRec()}) + ' ';
-  return outcome;
-}
-
-AQ_DataMessage rewriteParameters(const std::string& from, const std::string& to) {
-  AQ_DataINI file;
-  EXPECT_EQ(file.readFile(from), AQ_DATA_OK);
-  return file.writeFile(to);
-}
-
-const std::map<std::string, Format> kFormats{
-    {"spectral-time-history", format<AQ_DataSTH, AQ_HeaderSTH, AQ_SpectralTimeHistory>()},
-    {"masking-map", format<AQ_DataMask, AQ_HeaderMask, AQ_MaskMap>()},
-    {"position-time-history", format<AQ_DataPTH, AQ_HeaderPTH, AQ_PositionTimeHistory>()},
-    {"geometric-time-history", format<AQ_DataGTH, AQ_HeaderGTH, AQ_GeometryTimeHistory>()},
-    {"spectrum-record", format<AQ_DataSSR, AQ_HeaderSSR, AQ_Spectrum>()},
-    {"tracking", {readTracking}},
-    {"microphone-position", {readMicrophone}},
-    {"variable-initialization", {readParameters, rewriteParameters}}};
-
-/// Calls `check(format, sample)` for every file of that folder of every format.
-template <class Check>
-void forSamples(const char* folder, const Check& check) {
-  for (const auto& kind : std::filesystem::directory_iterator(test::kData)) {
-    const std::string name = kind.path().filename().string();
-    for (const auto& sample : std::filesystem::directory_iterator(kind.path() / folder)) {
-      if (sample.path().extension() != ".csv") continue;
-      SCOPED_TRACE(sample.path().string());
-      check(name, sample.path());
-    }
-  }
-}
-
 TEST(Formats, GoodSamplesComeBackByteByByte) {
   const test::FixedInformation fixed;
   const test::Folder folder;
-  forSamples("good", [&](const std::string& name, const std::filesystem::path& sample) {
-    const Format& format = kFormats.at(name);
+  test::forSamples("good", [&](const std::string& name, const std::filesystem::path& sample) {
+    const test::Format& format = test::kFormats.at(name);
     EXPECT_FALSE(format.read(sample.string()).failure.has_value());
     if (!format.rewrite) return;
     const std::string copy = folder.file(sample.filename().string());
@@ -144,15 +34,15 @@ TEST(Formats, GoodSamplesComeBackByteByByte) {
 /// handed out.
 TEST(Formats, BadSamplesFailAsListed) {
   std::map<std::string, std::vector<std::string>> found;
-  forSamples("bad", [&](const std::string& name, const std::filesystem::path& sample) {
-    const Outcome outcome = kFormats.at(name).read(sample.string());
+  test::forSamples("bad", [&](const std::string& name, const std::filesystem::path& sample) {
+    const test::Outcome outcome = test::kFormats.at(name).read(sample.string());
     ASSERT_TRUE(outcome.failure.has_value());
     const std::string message = outcome.failure->message();
     const std::string folder = sample.parent_path().string() + '/';
     ASSERT_TRUE(message.starts_with(folder)) << message;
     found[name].push_back(message.substr(folder.size()) + " [ " + outcome.handedOut + ']');
   });
-  EXPECT_EQ(found.size(), kFormats.size());
+  EXPECT_EQ(found.size(), test::kFormats.size());
   for (auto& [name, lines] : found) {
     std::sort(lines.begin(), lines.end());
     EXPECT_EQ(test::textOf(lines), test::contentOf(test::kData / name / "bad" / "failures.txt"));
@@ -162,7 +52,8 @@ TEST(Formats, BadSamplesFailAsListed) {
 /// Damages one sample in every way, and counts what came of it.
 class Damage {
  public:
-  Damage(const Format& format, std::string bytes) : format_(format), bytes_(std::move(bytes)) {}
+  Damage(const test::Format& format, std::string bytes)
+      : format_(format), bytes_(std::move(bytes)) {}
 
   void check(const std::string& damaged) {
     const auto lines = test::linesOf(damaged).size();
@@ -228,15 +119,15 @@ class Damage {
 
  private:
   test::Folder folder_;
-  const Format& format_;
+  const test::Format& format_;
   std::string bytes_;
   int tried_ = 0;
   int failed_ = 0;
 };
 
 TEST(Formats, DamagedSamplesReadOrFailWithAPlace) {
-  forSamples("good", [](const std::string& name, const std::filesystem::path& sample) {
-    Damage damage(kFormats.at(name), test::contentOf(sample));
+  test::forSamples("good", [](const std::string& name, const std::filesystem::path& sample) {
+    Damage damage(test::kFormats.at(name), test::contentOf(sample));
     damage.cutEverywhere();
     damage.breakEveryCell();
     damage.dropAndDoubleLines();
@@ -270,14 +161,14 @@ TEST_F(FieldData, EveryFileReadsAndIsStableFromItsSecondWriteOn) {
       {"spectrum-record", "landing.ambient.ssr.csv"}, {"spectrum-record", "turbofan.ssr.csv"},
       {"variable-initialization", "landing.ini.csv"}};
   for (const auto& [name, file] : files) {
-    const auto& rewrite = kFormats.at(name).rewrite;
+    const auto& rewrite = test::kFormats.at(name).rewrite;
     ASSERT_EQ(rewrite(path(file), folder.file(file)), AQ_DATA_OK) << file;
     const std::string once = test::contentOf(folder.file(file));
     ASSERT_EQ(rewrite(folder.file(file), folder.file(file)), AQ_DATA_OK);
     EXPECT_EQ(test::contentOf(folder.file(file)), once);
   }
-  EXPECT_EQ(readTracking(path("landing.tspi.csv")).handedOut, "8 dropped ");
-  EXPECT_FALSE(readMicrophone(path("landing.mic.csv")).failure.has_value());
+  EXPECT_EQ(test::readTracking(path("landing.tspi.csv")).handedOut, "8 dropped ");
+  EXPECT_FALSE(test::readMicrophone(path("landing.mic.csv")).failure.has_value());
 }
 
 TEST_F(FieldData, TheMapGivesItsLastGoodBands) {

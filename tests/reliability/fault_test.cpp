@@ -1,0 +1,119 @@
+// Every call to the system and for memory fails once, in every format: what is left is a clean
+// error or the right result, the old file or the new one, no temporary, no open file.
+#include <aq/aq.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <new>
+
+#include "tests/reliability/faults.h"
+#include "tests/support/formats.h"
+
+namespace aq {
+namespace {
+
+using test::Fault;
+namespace fs = std::filesystem;
+
+std::ptrdiff_t entriesOf(const fs::path& folder) {
+  return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
+}
+
+enum class End { Done, Refused, Thrown };
+
+template <class Work>
+End endOf(const Work& work) {
+  try {
+    return work() == AQ_DATA_OK ? End::Done : End::Refused;
+  } catch (const std::bad_alloc&) {
+    return End::Thrown;
+  }
+}
+
+const std::string kOld = "old\n";
+
+/// Runs `work(path)` on a file with old content, each time with a fault at a later call, until a
+/// run passes untouched; gives how many calls there were. `expected` is the new content.
+template <class Work>
+long strikeAll(Fault fault, const std::string& expected, const Work& work,
+               const std::string& name = "target.csv") {
+  const test::Folder folder;
+  const std::string path = folder.file(name);
+  for (long nth = 1;; ++nth) {
+    static_cast<void>(folder.with(name, kOld));
+    const auto open = entriesOf("/proc/self/fd");
+    test::arm(fault, nth);
+    const End end = endOf([&] { return work(path); });
+    const bool struck = test::disarm();
+    EXPECT_EQ(test::contentOf(path), end == End::Done ? expected : kOld) << nth;
+    EXPECT_EQ(entriesOf(fs::path(path).parent_path()), 1) << nth;
+    EXPECT_EQ(entriesOf("/proc/self/fd"), open) << nth;
+    const bool passes = !struck || fault == Fault::Interruption;
+    EXPECT_TRUE(!passes || end == End::Done) << nth;
+    if (!struck || testing::Test::HasFailure()) return nth - 1;
+  }
+}
+
+/// The same with a process of its own that is killed at the call.
+template <class Work>
+long killAll(const std::string& expected, const Work& work) {
+  for (long nth = 1;; ++nth) {
+    const test::Folder folder;
+    const std::string path = folder.with("target.csv", kOld);
+    const pid_t child = ::fork();
+    if (child == 0) {
+      test::arm(Fault::Kill, nth);
+      static_cast<void>(work(path));
+      ::_exit(0);
+    }
+    int status = 0;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    const std::string content = test::contentOf(path);
+    EXPECT_TRUE(content == kOld || content == expected) << nth;
+    if (!WIFSIGNALED(status) || testing::Test::HasFailure()) return nth - 1;
+  }
+}
+
+template <class Change>
+auto asText(const std::string& from, const Change& change) {
+  return [&change, from](const std::string& to) {
+    AQ_DataASCII text;
+    text.CommentFields(true);
+    const AQ_DataMessage read = text.readFields(from);
+    return read == AQ_DATA_OK ? change(text, to) : read;
+  };
+}
+
+TEST(Faults, EveryCallMayFailInEveryFormat) {
+  const test::FixedInformation fixed;
+  test::forSamples("good", [](const std::string& name, const fs::path& sample) {
+    const auto& format = test::kFormats.at(name);
+    const auto work = [&](const std::string& to) {
+      if (format.rewrite) return format.rewrite(sample.string(), to);
+      return format.read(sample.string()).failure ? AQ_DATA_FILE_ERROR : AQ_DATA_OK;
+    };
+    const std::string expected = format.rewrite ? test::contentOf(sample) : kOld;
+    const std::string file = sample.filename().string();
+    EXPECT_GT(strikeAll(Fault::Refusal, expected, work, file), 10);
+    EXPECT_GT(strikeAll(Fault::Interruption, expected, work, file), 2);
+  });
+}
+
+TEST(Faults, EveryCallMayFailOrBeTheLastInText) {
+  const test::Folder folder;
+  const std::string from = folder.with("from.csv", "1,\"a,b\"\nlast,line,\n");
+  const auto write = [](AQ_DataASCII& text, const std::string& to) { return text.writeFields(to); };
+  const auto append = [](AQ_DataASCII& text, const std::string& to) {
+    return text.appendFields(to);
+  };
+  const std::string written = "1,a,b\nlast,line,\n";
+  const std::string appended = kOld + "\"1\",\"a,b\"\n\"last\",\"line\",\"\"\n";
+  EXPECT_GT(strikeAll(Fault::Refusal, written, asText(from, write)), 20);
+  EXPECT_GT(strikeAll(Fault::Refusal, appended, asText(from, append)), 20);
+  EXPECT_GT(killAll(written, asText(from, write)), 10);
+  EXPECT_GT(killAll(appended, asText(from, append)), 5);
+}
+
+}  // namespace
+}  // namespace aq

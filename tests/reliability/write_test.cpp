@@ -1,0 +1,149 @@
+// What stays of a file that is replaced or appended to: its permissions, its links, its content
+// when the system refuses.
+#include <aq/aq.h>
+#include <grp.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <cstdio>
+
+#include "tests/support/files.h"
+
+namespace aq {
+namespace {
+
+namespace fs = std::filesystem;
+
+AQ_DataASCII textOf(const std::string& line) {
+  AQ_DataASCII text;
+  auto lines = std::make_shared<Collection<std::string>>();
+  lines->Add(line);
+  text.Lines(lines);
+  return text;
+}
+
+bool writes(const std::string& path) { return textOf("new").writeLines(path) == AQ_DATA_OK; }
+
+std::string refusalOf(AQ_DataASCII text, const std::string& path) {
+  if (text.writeLines(path) == AQ_DATA_OK) return "none";
+  return text.lastFailure()->expected + ", " + text.lastFailure()->found;
+}
+
+/// Runs `check` in a process of its own; gives whether it is true.
+template <class Check>
+bool inChild(const Check& check) {
+  const pid_t child = ::fork();
+  if (child == 0) ::_exit(check() ? 0 : 1);
+  int status = 0;
+  return ::waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+/// Gives up the privileges that let a process pass permissions.
+bool becomeNobody() {
+  constexpr uid_t kNobody = 65534;
+  if (::geteuid() != 0) return true;
+  return ::setgroups(0, nullptr) == 0 && ::setgid(kNobody) == 0 && ::setuid(kNobody) == 0;
+}
+
+constexpr auto kAll = fs::perms::all;
+constexpr auto kReadOnly = fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read;
+constexpr auto kShared = fs::perms::owner_all | fs::perms::group_read | fs::perms::group_write;
+
+TEST(Write, PermissionsStayAndNewFilesHaveTheUsual) {
+  const test::Folder folder;
+  const std::string path = folder.with("a", "old");
+  fs::permissions(path, kShared);
+  EXPECT_TRUE(writes(path));
+  EXPECT_EQ(fs::status(path).permissions(), kShared);
+  const mode_t mask = ::umask(027);
+  EXPECT_TRUE(writes(folder.file("b")));
+  ::umask(mask);
+  EXPECT_EQ(fs::status(folder.file("b")).permissions(), fs::perms(0640));
+}
+
+TEST(Write, LinksStayAndOtherNamesKeepTheOldFile) {
+  const test::Folder folder;
+  fs::create_directory(folder.file("sub"));
+  const std::string file = folder.with("sub/file", "old");
+  fs::create_symlink("sub/file", folder.file("near"));
+  fs::create_symlink(folder.file("near"), folder.file("far"));
+  fs::create_symlink("sub/none", folder.file("dangling"));
+  fs::create_symlink("circle", folder.file("circle"));
+  fs::create_hard_link(file, folder.file("other"));
+  EXPECT_TRUE(writes(folder.file("far")));
+  EXPECT_TRUE(writes(folder.file("dangling")));
+  EXPECT_FALSE(writes(folder.file("circle")));
+  for (const char* link : {"near", "far", "dangling", "circle"}) {
+    EXPECT_TRUE(fs::is_symlink(folder.file(link))) << link;
+  }
+  EXPECT_EQ(test::contentOf(file), "new\n");
+  EXPECT_EQ(test::contentOf(folder.file("sub/none")), "new\n");
+  EXPECT_EQ(test::contentOf(folder.file("other")), "old");
+}
+
+TEST(Write, WhatIsNoRegularFileIsWrittenStraight) {
+  EXPECT_EQ(refusalOf(textOf("new"), "/dev/full"),
+            "a file that can be written, No space left on device");
+  EXPECT_EQ(refusalOf(textOf("new"), fs::temp_directory_path().string()),
+            "a file that can be written, Is a directory");
+  std::array<int, 2> pipe{};
+  ASSERT_EQ(::pipe(pipe.data()), 0);
+  EXPECT_TRUE(writes("/proc/self/fd/" + std::to_string(pipe[1])));
+  std::array<char, 8> room{};
+  EXPECT_EQ(::read(pipe[0], room.data(), room.size()), 4);
+  ::close(pipe[0]);
+  ::close(pipe[1]);
+  // A name of an open file, as /dev/stdout, goes on naming it.
+  const test::Folder folder;
+  std::FILE* const open = std::fopen(folder.with("a", "old").c_str(), "r");
+  EXPECT_TRUE(writes("/dev/fd/" + std::to_string(fileno(open))));
+  std::array<char, 8> content{};
+  EXPECT_EQ(std::fread(content.data(), 1, content.size(), open), 4U);
+  std::fclose(open);
+}
+
+TEST(Write, RefusedWhereAPlainOpenOrTheFolderRefuses) {
+  const test::Folder folder;
+  fs::create_directory(folder.file("closed"));
+  const std::string readOnly = folder.with("readonly", "old");
+  const std::string enclosed = folder.with("closed/file", "old");
+  fs::permissions(fs::path(readOnly).parent_path(), kAll);
+  fs::permissions(readOnly, kReadOnly);
+  fs::permissions(enclosed, kAll);
+  fs::permissions(folder.file("closed"),
+                  kReadOnly | fs::perms::owner_exec | fs::perms::others_exec);
+  EXPECT_TRUE(inChild([&] {
+    return becomeNobody() &&
+           refusalOf(textOf("new"), readOnly) == "a file that can be written, Permission denied" &&
+           refusalOf(textOf("new"), enclosed) ==
+               "a folder that takes a temporary file, Permission denied" &&
+           !writes(folder.file("closed/new")) && textOf("new").appendLines(enclosed) == AQ_DATA_OK;
+  }));
+  EXPECT_EQ(test::contentOf(readOnly), "old");
+  EXPECT_EQ(test::contentOf(enclosed), "oldnew\n");
+}
+
+TEST(Write, AFullDiskLeavesTheOldContent) {
+  const test::Folder folder;
+  const std::string path = folder.with("a", "old\n");
+  EXPECT_TRUE(inChild([&] {
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit little{10, 10};
+    const std::string line(100, 'x');
+    return ::setrlimit(RLIMIT_FSIZE, &little) == 0 &&
+           textOf(line).appendLines(path) == AQ_DATA_FILE_ERROR &&
+           textOf(line).writeLines(path) == AQ_DATA_FILE_ERROR;
+  }));
+  EXPECT_EQ(test::contentOf(path), "old\n");
+  EXPECT_EQ(
+      std::distance(fs::directory_iterator(fs::path(path).parent_path()), fs::directory_iterator()),
+      1);
+}
+
+}  // namespace
+}  // namespace aq
