@@ -8,16 +8,16 @@ namespace aq {
 
 void LevelColumns::read(FieldReader& fields, AQ_Spectrum& spectrum) {
   const std::size_t count = low <= high ? static_cast<std::size_t>(high - low) + 1 : 0;
-  codes.resize(count);
+  codes.resize(std::min(count, fields.mostLeft()));  // whatever the header says
   const std::size_t plain = fields.some(std::span(codes), levelsAtFront);
   if (plain == count) {
     spectrum.assignCodes(low, codes);
     return;
   }
-  levels.resize(count);
+  levels.resize(plain);
   std::transform(codes.begin(), codes.begin() + static_cast<std::ptrdiff_t>(plain), levels.begin(),
                  levelOf);
-  for (std::size_t i = plain; i < count; ++i) levels[i] = fields.number("a level");
+  while (levels.size() < count) levels.push_back(fields.number("a level"));
   spectrum.assignLevels(low, levels);
 }
 

@@ -73,10 +73,10 @@ void readRow(FieldReader fields, const AQ_HeaderMask& header, std::vector<MaskCo
              AQ_MaskMap& map) {
   auto row = std::make_shared<AQ_MaskRow>();
   const std::int16_t record = fields.int16("a record number");
-  const std::size_t plain = fields.some(std::span(codes), masksAtFront);
-  for (std::size_t i = plain; i < codes.size(); ++i) {
-    codes[i] = maskCodeOf(maskFrom(fields));
-  }
+  const std::size_t count = bandCount(header);
+  codes.resize(std::min(count, fields.mostLeft()));  // whatever the header says
+  codes.resize(fields.some(std::span(codes), masksAtFront));
+  while (codes.size() < count) codes.push_back(maskCodeOf(maskFrom(fields)));
   row->assign(header.iBandLow, codes);
   row->LGB(fields.int16("the last good band"));
   map.Row(record, std::move(row));
@@ -119,7 +119,7 @@ AQ_DataMessage AQ_DataMask::readFile(const std::string& sFileName,
     header_->sColumnLabels = headerLines.columns();
     aqHeader = header_;
     MaskMap = std::make_shared<AQ_MaskMap>();
-    std::vector<MaskCode> codes(bandCount(*header_));
+    std::vector<MaskCode> codes;
     while (lines.next()) readRow(FieldReader(lines), *header_, codes, *MaskMap);
   });
 }

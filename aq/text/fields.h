@@ -78,6 +78,9 @@ class AQ_API FieldReader {
     return taken.count;
   }
 
+  /// How many fields the rest of the line may have at the most.
+  [[nodiscard]] std::size_t mostLeft() const { return done_ ? 0 : rest_.size() + 1; }
+
   /// Passes `count` fields.
   void skip(int count, const char* expected);
 

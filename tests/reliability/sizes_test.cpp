@@ -1,0 +1,104 @@
+// Numbers, lines and files of hostile size: memory stays in proportion to the bytes, and a failure
+// names its place.
+#include <aq/aq.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <thread>
+
+#include "tests/reliability/faults.h"
+#include "tests/support/formats.h"
+
+namespace aq {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The most memory that `work` takes at once.
+template <class Work>
+std::size_t memoryOf(const Work& work) {
+  test::arm(test::Fault::Refusal, -1);
+  work();
+  test::disarm();
+  return test::peakOfMemory();
+}
+
+constexpr std::size_t kBlock = std::size_t{160} << 10;  // the reader's block, and the objects
+
+/// Reads `content` by `format`, and expects a place where it fails and memory for four times the
+/// bytes at the most.
+void readModestly(const test::Format& format, const std::string& content) {
+  const test::Folder folder;
+  const std::string path = folder.with("a", content);
+  test::Outcome outcome;
+  EXPECT_LT(memoryOf([&] { outcome = format.read(path); }), 4 * content.size() + kBlock) << content;
+  if (outcome.failure) {
+    EXPECT_GT(outcome.failure->line, 0U) << content;
+  }
+}
+
+TEST(Sizes, NumbersAtEveryEdgeInEveryHeaderAndField) {
+  const std::array kEdges{"0",     "1",          "-1",         "32767",  "32768",
+                          "65536", "2147483647", "2147483648", "-32769", "9223372036854775808"};
+  test::forSamples("good", [&](const std::string& name, const fs::path& sample) {
+    const std::string content = test::contentOf(sample);
+    for (std::size_t at = 0; at < content.size(); ++at) {
+      const std::size_t end = std::min(content.find_first_not_of("0123456789", at), content.size());
+      if (end == at || (at != 0 && content[at - 1] >= '0' && content[at - 1] <= '9')) continue;
+      for (const char* const edge : kEdges) {
+        readModestly(test::kFormats.at(name), std::string(content).replace(at, end - at, edge));
+      }
+    }
+  });
+}
+
+TEST(Sizes, LongLinesAndManyOfThem) {
+  constexpr std::size_t kSize = std::size_t{1} << 20;
+  for (const auto& [name, format] : test::kFormats) {
+    SCOPED_TRACE(name);
+    for (const char byte : {',', '1', '"', '\0', '\n'})
+      readModestly(format, std::string(kSize, byte));
+  }
+  const test::Folder folder;
+  AQ_DataASCII text;
+  const std::string lines = folder.with("lines", std::string(kSize, '\n'));
+  // A line is a string, a line of fields a collection of one, whatever its length.
+  EXPECT_LT(memoryOf([&] { EXPECT_EQ(text.readLines(lines), AQ_DATA_OK); }), 100 * kSize);
+  EXPECT_LT(memoryOf([&] { EXPECT_EQ(text.readFields(lines), AQ_DATA_OK); }), 250 * kSize);
+  EXPECT_EQ(text.Fields()->Count(), static_cast<std::int32_t>(kSize));
+}
+
+TEST(Sizes, ALineOfTwoGigabytes) {
+  constexpr std::uintmax_t kSize = std::uintmax_t{2} << 30;
+  const auto free = static_cast<std::uintmax_t>(::sysconf(_SC_AVPHYS_PAGES)) *
+                    static_cast<std::uintmax_t>(::sysconf(_SC_PAGESIZE));
+  if (free < 4 * kSize) GTEST_SKIP() << "needs 8 GiB of free memory";
+  const test::Folder folder;
+  const std::string path = folder.with("a", "FileType**,");
+  fs::resize_file(path, kSize);  // with zeros, which take no room on the disk
+  const auto outcome = test::kFormats.at("spectral-time-history").read(path);
+  ASSERT_TRUE(outcome.failure.has_value());
+  EXPECT_EQ(outcome.failure->line, 1U);
+}
+
+TEST(Sizes, AFileThatGrowsAndShrinksWhileItIsRead) {
+  const test::Folder folder;
+  const std::string sample =
+      test::contentOf(test::kData / "spectral-time-history/good/three-records.csv");
+  const std::string row = sample.substr(sample.rfind('\n', sample.size() - 2) + 1);
+  const std::string path = folder.with("a", sample);
+  std::jthread changer([&](const std::stop_token& stop) {
+    while (!stop.stop_requested()) {
+      std::ofstream(path, std::ios::binary | std::ios::app) << row << row << row;
+      if (fs::file_size(path) > 300000) fs::resize_file(path, sample.size() / 2);
+      if (fs::file_size(path) < sample.size()) std::ofstream(path, std::ios::binary) << sample;
+    }
+  });
+  for (int round = 0; round < 300; ++round) {
+    const auto outcome = test::kFormats.at("spectral-time-history").read(path);
+    EXPECT_TRUE(!outcome.failure || outcome.failure->line > 0);
+  }
+}
+
+}  // namespace
+}  // namespace aq

@@ -1,0 +1,44 @@
+// Eight threads that read and write different files, while others set the file information service.
+#include <aq/aq.h>
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "tests/support/formats.h"
+
+namespace aq {
+namespace {
+
+/// Rewrites samples of every format again and again; gives how many came out otherwise.
+int rewriteAll(const test::Folder& folder, int worker) {
+  int wrong = 0;
+  for (int round = 0; round < 5; ++round) {
+    test::forSamples("good", [&](const std::string& name, const std::filesystem::path& sample) {
+      const auto& format = test::kFormats.at(name);
+      if (format.read(sample.string()).failure) ++wrong;
+      if (!format.rewrite) return;
+      const std::string copy = folder.file(std::to_string(worker) + name);
+      const bool written = format.rewrite(sample.string(), copy) == AQ_DATA_OK;
+      if (!written || format.read(copy).failure) ++wrong;
+    });
+  }
+  return wrong;
+}
+
+TEST(Threads, ReadAndWriteDifferentFilesWhileTheServiceChanges) {
+  constexpr std::size_t kWorkers = 8;
+  const test::Folder folder;
+  std::array<int, kWorkers> wrong{};
+  std::jthread changer([](const std::stop_token& stop) {
+    while (!stop.stop_requested()) const test::FixedInformation fixed;
+  });
+  std::vector<std::jthread> workers;
+  for (std::size_t i = 0; i < kWorkers; ++i) {
+    workers.emplace_back([&, i] { wrong[i] = rewriteAll(folder, static_cast<int>(i)); });
+  }
+  workers.clear();
+  for (const int count : wrong) EXPECT_EQ(count, 0);
+}
+
+}  // namespace
+}  // namespace aq
