@@ -47,7 +47,7 @@ void header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHistory& history,
   lines.integers(keywords::kRecordNumbers, ",", low, high);
   history.LoRec(low);
   history.HiRec(high);
-  lines.integers("Bands", ", ", columns.low, columns.high);
+  lines.integers(keywords::kBands, ", ", columns.low, columns.high);
   lines.text("GeneratedBy", header.sGeneratedBy);
   lines.recordedName("GenerationFile", header.sGenerationFile);
   lines.dateTimeOf("GenerationFileDateTime", header.sGenerationFile, header.aqGenerationDateTime);

@@ -21,7 +21,7 @@ void header(Lines& lines, AQ_HeaderMask& header) {
   lines.recordedName("FileName", header.sFileName);
   lines.currentDateTime("FileDateTime", header.aqFileDateTime);
   lines.integer(keywords::kNumberOfRows, header.lNumberRows);
-  lines.integers("Bands", ", ", header.iBandLow, header.iBandHigh);
+  lines.integers(keywords::kBands, ", ", header.iBandLow, header.iBandHigh);
   lines.text("GeneratedBy", header.sGeneratedBy);
   lines.recordedName("GenerationFile", header.sGenerationFile);
   lines.dateTimeOf("GenerationFileDateTime", header.sGenerationFile, header.aqGenerationDateTime);
