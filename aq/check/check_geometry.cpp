@@ -1,4 +1,4 @@
-#include <optional>
+#include <limits>
 
 #include "aq/check/checks.h"
 #include "aq/check/header_check.h"
@@ -21,7 +21,7 @@ class TimeOrder {
 
   void see(AQ_Position& position, std::size_t line) {
     const AQ_Time& time = *position.Time();
-    if (before_ && time.TODseconds() <= *before_) {
+    if (time.TODseconds() <= before_) {
       report_(Kind::TimeOrder, {.line = line, .field = 1},
               time.TODstring() + " is not later than the line before");
     }
@@ -30,7 +30,7 @@ class TimeOrder {
 
  private:
   const Reporter& report_;
-  std::optional<double> before_;
+  double before_ = -std::numeric_limits<double>::infinity();
 };
 
 }  // namespace
