@@ -28,17 +28,28 @@ void checkKind(const std::string& path, const Reporter& report) {
   report(Kind::UnknownKind, {.line = 1}, "it begins with " + first);
 }
 
-}  // namespace
-
-void checkFile(const std::string& path, const FindingSink& report) {
-  const Reporter reporter(report);
+/// Runs `check`; a file that changes meanwhile does not read.
+template <class Check>
+void checking(const Reporter& reporter, const Check& check) {
   try {
-    checkKind(path, reporter);
+    check();
   } catch (const ReadFailure& failed) {
     reporter.unreadable(failed.failure);
   } catch (const platform::SystemError& error) {
     reporter.unreadable({.file = {}, .expected = error.wanted(), .found = error.what()});
   }
+}
+
+}  // namespace
+
+void checkFile(const std::string& path, const FindingSink& report) {
+  const Reporter reporter(report);
+  checking(reporter, [&] { checkKind(path, reporter); });
+}
+
+void checkFixes(const std::string& path, std::uint8_t limit, const FindingSink& report) {
+  const Reporter reporter(report);
+  checking(reporter, [&] { checkFixQuality(path, limit, reporter); });
 }
 
 void checkParameters(const std::string& path, const Reporter& report) {

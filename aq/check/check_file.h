@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "aq/check/finding.h"
@@ -11,6 +12,9 @@ namespace aq {
 /// should know. What `report` throws goes to the caller. Different files may be checked at once in
 /// different threads.
 AQ_API void checkFile(const std::string& path, const FindingSink& report);
+
+/// Reports the fixes of a tracking file that a reader with this `RT20Limit` drops.
+AQ_API void checkFixes(const std::string& path, std::uint8_t limit, const FindingSink& report);
 
 /// Reports why a masking map does not fit the history that it was made for. Says nothing of a file
 /// that does not read: `checkFile` does.

@@ -33,6 +33,22 @@ class TimeOrder {
   double before_ = -std::numeric_limits<double>::infinity();
 };
 
+/// Calls `visit(fix, line)` for every fix of a file that reads.
+template <class Visit>
+void forFixes(const std::string& path, const Visit& visit) {
+  LineReader lines(path);
+  while (lines.next()) {
+    if (lines.number() > kTrackingHeaderLines) visit(trackingLineFrom(lines), lines.number());
+  }
+}
+
+void checkQuality(const TrackingLine& fix, std::uint8_t limit, std::size_t line,
+                  const Reporter& report) {
+  if (fix.quality <= limit) return;
+  report(Kind::FixRejected, {.line = line, .field = 2},
+         "RT20 figure " + std::to_string(fix.quality) + " is above " + std::to_string(limit));
+}
+
 }  // namespace
 
 void checkPositions(const std::string& path, const Reporter& report) {
@@ -58,17 +74,11 @@ void checkTracking(const std::string& path, const Reporter& report) {
   AQ_DataMessage result = AQ_DATA_FILE_ERROR;
   file.readFile(path, history, result);
   if (result != AQ_DATA_OK) return report.unreadable(*file.lastFailure());
-  LineReader lines(path);
   TimeOrder order(report);
-  while (lines.next()) {
-    if (lines.number() <= kTrackingHeaderLines) continue;
-    const TrackingLine fix = trackingLineFrom(lines);
-    order.see(*fix.position, lines.number());
-    if (fix.quality <= file.RT20Limit()) continue;
-    report(Kind::FixRejected, {.line = lines.number(), .field = 2},
-           "RT20 figure " + std::to_string(fix.quality) + " is above " +
-               std::to_string(file.RT20Limit()));
-  }
+  forFixes(path, [&](const TrackingLine& fix, std::size_t line) {
+    order.see(*fix.position, line);
+    checkQuality(fix, file.RT20Limit(), line, report);
+  });
 }
 
 void checkMicrophone(const std::string& path, const Reporter& report) {
@@ -98,6 +108,12 @@ void checkGeometry(const std::string& path, const Reporter& report) {
   checkTimeSteps(
       records, [&](std::int16_t record) { return history->Point(record)->Tm()->TODseconds(); },
       report);
+}
+
+void checkFixQuality(const std::string& path, std::uint8_t limit, const Reporter& report) {
+  forFixes(path, [&](const TrackingLine& fix, std::size_t line) {
+    checkQuality(fix, limit, line, report);
+  });
 }
 
 }  // namespace aq

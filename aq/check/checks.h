@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "aq/check/reporter.h"
@@ -14,6 +15,7 @@ void checkSpectrumRecord(const std::string& path, const Reporter& report);
 void checkMaskingMap(const std::string& path, const Reporter& report);
 void checkPositions(const std::string& path, const Reporter& report);
 void checkTracking(const std::string& path, const Reporter& report);
+void checkFixQuality(const std::string& path, std::uint8_t limit, const Reporter& report);
 void checkMicrophone(const std::string& path, const Reporter& report);
 void checkGeometry(const std::string& path, const Reporter& report);
 void checkParameters(const std::string& path, const Reporter& report);
