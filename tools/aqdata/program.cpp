@@ -85,7 +85,8 @@ int run(int argc, char** argv) {
   CLI::App program("Looks at, checks, converts and compares files of aircraft noise measurements.",
                    "aqdata");
   program.require_subcommand(1);
-  program.option_defaults()->always_capture_default();
+  program.get_formatter()->label("SUBCOMMAND", "COMMAND");
+  program.get_formatter()->label("Subcommands", "Commands");
   program.set_version_flag("--version", AQDATA_VERSION);
   program.footer(kFooter);
   addCommands(program, session);

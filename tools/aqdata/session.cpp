@@ -89,15 +89,15 @@ void addOutputOptions(CLI::App& command, Session& session) {
 void addFiles(CLI::App& command, Session& session) {
   command.add_option("FILES", session.files, "Files, folders (walked) and patterns in quotes")
       ->required()
-      ->option_text("FILES...");
+      ->type_name("");
 }
 
 void addFile(CLI::App& command, std::string& file, const char* name, const char* what) {
-  command.add_option(name, file, what)->required()->option_text(" ");
+  command.add_option(name, file, what)->required()->type_name("");
 }
 
 void addJobs(CLI::App& command, Session& session) {
-  command.add_option("-j,--jobs", session.jobs, "Files to work on at once")
+  command.add_option("-j,--jobs", session.jobs, "Files to work on at once (2)")
       ->check(CLI::Range(1, 256))
       ->option_text("N");
 }

@@ -3,16 +3,15 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "tools/aqdata/records.h"
 
 namespace aqdata {
 namespace {
 
-Json timeCell(const aq::AQ_Time& time) {
-  std::string text = timeText(time);
-  return text.empty() ? Json(time.TODseconds()) : Json(std::move(text));
-}
+/// Seconds of the day; their text keeps hundredths alone for most of it.
+double secondsOf(const aq::AQ_Time& time) { return std::round(time.TODseconds() * 1e6) / 1e6; }
 
 /// Takes the bands of `cells`, from `low` up, as a row; the sheet's bands hold those of all rows.
 void addRow(Sheet& sheet, std::int32_t number, std::vector<Json> cells,
@@ -33,7 +32,7 @@ std::vector<Json> levelsOf(const aq::AQ_Spectrum& spectrum) {
 }
 
 Sheet sheetFrom(const History& read) {
-  Sheet sheet{.columns = {"record", "time", "relative_s"}, .ofBand = "level_db"};
+  Sheet sheet{.columns = {"record", "time", "time_s", "relative_s"}, .ofBand = "level_db"};
   const aq::AQ_SpectralTimeHistory& history = *read.history;
   forRecords(
       history.Count(), [&](std::int16_t record) { return history.spectrum(record); },
@@ -41,7 +40,7 @@ Sheet sheetFrom(const History& read) {
         const aq::AQ_Time time = spectrum.timeValue();
         setBands(sheet, spectrum.LowBand(), spectrum.HighBand());  // the header's, for all
         const double relative = tidy(static_cast<float>(time.RelSeconds()));
-        addRow(sheet, record, {timeCell(time), relative}, levelsOf(spectrum));
+        addRow(sheet, record, {timeText(time), secondsOf(time), relative}, levelsOf(spectrum));
       });
   return sheet;
 }
@@ -69,10 +68,12 @@ Sheet sheetFrom(const MaskingMap& read) {
 }
 
 Sheet positionSheet(const aq::AQ_PositionTimeHistory& history) {
-  Sheet sheet{.columns = {"position", "time", "x", "y", "z"}};
+  Sheet sheet{.columns = {"position", "time", "time_s", "x", "y", "z"}};
   for (std::int32_t place = 1; place <= history.Count(); ++place) {
     aq::AQ_Position& position = *history.Position(place);
-    addRow(sheet, place, {timeCell(*position.Time()), position.X(), position.Y(), position.Z()});
+    addRow(sheet, place,
+           {timeText(*position.Time()), secondsOf(*position.Time()), position.X(), position.Y(),
+            position.Z()});
   }
   return sheet;
 }
@@ -81,15 +82,15 @@ Sheet sheetFrom(const Positions& read) { return positionSheet(*read.history); }
 Sheet sheetFrom(const Tracking& read) { return positionSheet(*read.history); }
 
 Sheet sheetFrom(const Geometry& read) {
-  Sheet sheet{.columns = {"record", "time", "emission_time", "propagation_s", "x", "y", "z",
-                          "slant_range", "theta", "beta"}};
+  Sheet sheet{.columns = {"record", "time", "time_s", "emission_time", "emission_time_s",
+                          "propagation_s", "x", "y", "z", "slant_range", "theta", "beta"}};
   forRecords(
       read.history->Count(), [&](std::int16_t record) { return read.history->Point(record); },
       [&](std::int16_t record, aq::AQ_Geometry& point) {
-        addRow(
-            sheet, record,
-            {timeCell(*point.Tm()), timeCell(*point.Te()), point.Tprope, point.Pe()->X(),
-             point.Pe()->Y(), point.Pe()->Z(), point.SRe, tidy(point.THETAe), tidy(point.BETAe)});
+        addRow(sheet, record,
+               {timeText(*point.Tm()), secondsOf(*point.Tm()), timeText(*point.Te()),
+                secondsOf(*point.Te()), point.Tprope, point.Pe()->X(), point.Pe()->Y(),
+                point.Pe()->Z(), point.SRe, tidy(point.THETAe), tidy(point.BETAe)});
       });
   return sheet;
 }
@@ -121,6 +122,14 @@ void Sheet::keepBands(std::int16_t first, std::int16_t last) {
     if (row.bands.size() > size) row.bands.resize(size);
   }
   setBands(*this, newLow, newHigh);
+}
+
+void Sheet::dropColumns(std::string_view ending) {
+  for (std::size_t i = columns.size(); i-- > 0;) {
+    if (!columns[i].ends_with(ending)) continue;
+    columns.erase(columns.begin() + static_cast<std::ptrdiff_t>(i));
+    for (Row& row : rows) row.cells.erase(row.cells.begin() + static_cast<std::ptrdiff_t>(i));
+  }
 }
 
 Sheet sheetOf(const Measurement& measurement) {

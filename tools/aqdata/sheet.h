@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/aqdata/measurement.h"
@@ -33,6 +34,9 @@ struct Sheet {
   /// Keeps the rows whose number, and the bands, that lie in a range.
   void keepRows(std::int32_t first, std::int32_t last);
   void keepBands(std::int16_t first, std::int16_t last);
+
+  /// Times stand twice, as text and in seconds: drops the columns whose names end so.
+  void dropColumns(std::string_view ending);
 };
 
 [[nodiscard]] Sheet sheetOf(const Measurement& measurement);

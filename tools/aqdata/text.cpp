@@ -65,7 +65,30 @@ std::string shortened(std::string_view text, std::size_t width) {
 std::string cellText(const Json& value) {
   if (value.is_null()) return {};
   if (value.is_string()) return aq::escaped(value.get_ref<const std::string&>());
-  return value.dump();
+  return value.is_number_float() ? fmt::format("{}", value.get<double>()) : value.dump();
+}
+
+std::string listText(const Json& value, std::string_view between) {
+  if (!value.is_array()) return cellText(value);
+  std::string text;
+  for (std::size_t i = 0; i < value.size(); ++i) {
+    if (i != 0) text += between;
+    text += cellText(value[i]);
+  }
+  return text;
+}
+
+std::vector<std::string> wrapped(std::string_view text, std::size_t width) {
+  std::vector<std::string> lines;
+  while (widthOf(text) > width) {
+    const std::size_t most = offsetOf(text, width + 1);
+    const std::size_t blank = text.rfind(' ', most);
+    const std::size_t at = blank == text.npos || blank == 0 ? offsetOf(text, width) : blank;
+    lines.emplace_back(text.substr(0, at));
+    text.remove_prefix(at == blank ? at + 1 : at);
+  }
+  lines.emplace_back(text);
+  return lines;
 }
 
 std::string counted(std::size_t count, std::string_view ofWhat) {

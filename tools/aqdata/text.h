@@ -18,6 +18,12 @@ namespace aqdata {
 /// A number as a table shows it, and text as it is; nothing for null.
 [[nodiscard]] std::string cellText(const Json& value);
 
+/// As `cellText`; the entries of a list with `between` them.
+[[nodiscard]] std::string listText(const Json& value, std::string_view between);
+
+/// `text` in lines of at most `width` columns, broken at blanks.
+[[nodiscard]] std::vector<std::string> wrapped(std::string_view text, std::size_t width);
+
 /// As in "1 record" and "2 records".
 [[nodiscard]] std::string counted(std::size_t count, std::string_view ofWhat);
 

@@ -200,8 +200,7 @@ void addCheck(CLI::App& program, Session& session) {
   addNames("--ignore", choice->ignore, "Report all but these findings");
   command->add_flag("--strict", choice->strict, "Exit status 1 for notes too");
   command
-      ->add_option("--limit", choice->limit,
-                   "How many findings of a kind are listed a file; all are counted")
+      ->add_option("--limit", choice->limit, "How many findings of a kind are listed a file (20)")
       ->option_text("N");
   addOutputOptions(*command, session);
   addJobs(*command, session);

@@ -116,7 +116,7 @@ void addCompletion(CLI::App& program, Session& session) {
   command->add_option("SHELL", *shell, "bash, zsh or fish")
       ->required()
       ->check(CLI::IsMember({"bash", "zsh", "fish"}))
-      ->option_text(" ");
+      ->type_name("");
 }
 
 }  // namespace aqdata

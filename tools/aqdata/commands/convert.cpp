@@ -158,7 +158,7 @@ void addConvert(CLI::App& program, Session& session) {
       ->check(CLI::IsMember({"table", "json", "positions", "spectrum"}))
       ->option_text("FORM");
   command->add_option("--record", choice->record, "One record alone")->option_text("N");
-  command->add_option("--rt20", choice->rt20, "The highest RT20 figure that is accepted")
+  command->add_option("--rt20", choice->rt20, "The highest RT20 figure that is accepted (1)")
       ->check(CLI::Range(0, 255))
       ->option_text("N");
   command->add_flag("-q,--quiet", session.quiet, "Say nothing");

@@ -196,7 +196,10 @@ void diff(Session& session, const Choice& choice) {
   }
   Difference difference;
   compareHeaders(headerOf(a), headerOf(b), difference);
-  Comparison(sheetOf(a), sheetOf(b), choice.tolerance).run(difference);
+  Sheet sheetA = sheetOf(a);
+  Sheet sheetB = sheetOf(b);
+  for (Sheet* const sheet : {&sheetA, &sheetB}) sheet->dropColumns("time");
+  Comparison(sheetA, sheetB, choice.tolerance).run(difference);
   if (!difference.empty()) session.end(kFindings);
   if (session.json) return printJson(session, choice, difference);
   print(session, difference);
@@ -215,7 +218,7 @@ void addDiff(CLI::App& program, Session& session) {
                  [&session, choice] { diff(session, *choice); });
   addFile(*command, choice->a, "A", "A file");
   addFile(*command, choice->b, "B", "Another of the same kind");
-  command->add_option("--tolerance", choice->tolerance, "Numbers this far apart are equal")
+  command->add_option("--tolerance", choice->tolerance, "Numbers this far apart are equal (0)")
       ->check(CLI::NonNegativeNumber)
       ->option_text("D");
   addOutputOptions(*command, session);

@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 
@@ -44,8 +45,8 @@ struct Extent {
     info["begin"] = beginText;
     info["end"] = endText;
     // Times go on over midnight.
-    info["duration_s"] =
-        tidy(static_cast<float>(std::remainder(*end - *begin - 43200, 86400) + 43200));
+    const double seconds = std::remainder(*end - *begin - 43200, 86400) + 43200;
+    info["duration_s"] = std::round(seconds * 1e6) / 1e6;
   }
 };
 
@@ -119,38 +120,40 @@ Json infoOf(const std::string& path) {
   return info;
 }
 
-std::string valueText(const Json& value) {
-  if (!value.is_array()) return cellText(value);
-  std::string text;
-  for (const Json& entry : value) {
-    text += (text.empty() ? "" : entry.is_string() ? "\n" : ", ") + cellText(entry);
+/// The lines of a value: an entry of a list of texts each begins one.
+std::vector<std::string> valueLines(const Json& value, std::size_t width) {
+  if (!value.is_array() || value.empty() || !value.front().is_string()) {
+    return wrapped(listText(value, ", "), width);
   }
-  return text;
+  std::vector<std::string> lines;
+  for (const Json& entry : value) {
+    for (std::string& line : wrapped(cellText(entry), width)) lines.push_back(std::move(line));
+  }
+  return lines;
 }
 
-/// One line a key; what is empty is left out, and lines of text stand below each other.
-void printCardOf(Session& session, const Json& values) {
-  constexpr std::size_t kKeys = 21;
+/// One key a line; what is empty is left out.
+void printValues(Session& session, const Json& values) {
+  constexpr std::size_t kKeys = 25;
+  const auto room = static_cast<std::size_t>(std::max(20, terminal::width() - 1)) - kKeys - 4;
+  const std::size_t width = terminal::onOutput() ? room : std::string::npos - 1;
   for (const auto& [key, value] : values.items()) {
-    const std::string text = valueText(value);
-    if (text.empty() || key == "header") continue;
+    if (key == "file" || key == "kind" || key == "header" || listText(value, "").empty()) continue;
     std::string name = key;
     std::replace(name.begin(), name.end(), '_', ' ');
-    std::string indented;
-    for (const char c : text)
-      indented += c == '\n' ? "\n" + std::string(kKeys + 4, ' ') : std::string(1, c);
-    session.print(fmt::format("  {}{}  {}\n", session.faint(name),
-                              std::string(kKeys - std::min(kKeys, name.size()), ' '), indented));
+    for (const std::string& line : valueLines(value, width)) {
+      session.print(
+          fmt::format("  {}  {}\n", session.faint(fmt::format("{:<{}}", name, kKeys)), line));
+      name.clear();
+    }
   }
 }
 
-void printCard(Session& session, Json info) {
+void printCard(Session& session, const Json& info) {
   const std::string title = aq::escaped(info["file"].get<std::string>());
   session.print(fmt::format("{}  {}\n", session.strong(title), info["kind"].get<std::string>()));
-  info.erase("file");
-  info.erase("kind");
-  printCardOf(session, info);
-  printCardOf(session, info["header"]);
+  printValues(session, info);
+  printValues(session, info["header"]);
 }
 
 std::string bandsText(const Json& info) {
@@ -210,11 +213,11 @@ void info(Session& session) {
           return {{}, failureText(files[i], error)};
         }
       },
-      [&](std::size_t i, Outcome& outcome) {
+      [&](std::size_t i, const Outcome& outcome) {
         session.progress(i + 1, files.size());
         if (!outcome.failure.empty()) return session.complain(outcome.failure);
         if (session.json) return session.printDocument(outcome.info);
-        if (files.size() == 1) return printCard(session, std::move(outcome.info));
+        if (files.size() == 1) return printCard(session, outcome.info);
         table.add(tableRow(outcome.info));
       });
   if (session.json || files.size() < 2) return;

@@ -109,7 +109,8 @@ void addMask(CLI::App& program, Session& session) {
       ->required()
       ->option_text("AMBIENT");
   command
-      ->add_option("--margin", choice->margin, "Levels less than this above the ambient are masked")
+      ->add_option("--margin", choice->margin,
+                   "Levels less than this above the ambient are masked (3)")
       ->option_text("DB");
   addOutputFile(*command, session, "The masking map to write");
   command->add_flag("-q,--quiet", session.quiet, "Say nothing");

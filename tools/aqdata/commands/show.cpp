@@ -122,13 +122,15 @@ void printTable(Session& session, const Sheet& sheet, const Choice& choice) {
 
 void printHeader(Session& session, const Measurement& read) {
   Table table({{"parameter"}, {"value"}});
-  for (const auto& [key, value] : headerOf(read).items()) table.add({key, cellText(value)});
+  const Json header = headerOf(read);
+  for (const auto& [key, value] : header.items()) table.add({key, listText(value, ", ")});
   table.print(session);
 }
 
-void print(Session& session, const Measurement& read, const Sheet& sheet, const Choice& choice) {
+void print(Session& session, const Measurement& read, Sheet& sheet, const Choice& choice) {
   if (session.json) return session.printDocument(documentOf(choice.file, read, sheet));
   if (sheet.columns.empty()) return printHeader(session, read);
+  sheet.dropColumns("time_s");
   if (choice.plot || choice.spectrogram) return plot(session, sheet, choice);
   printTable(session, sheet, choice);
 }
@@ -196,7 +198,7 @@ void addHead(CLI::App& program, Session& session) {
                                          head(session, *choice);
                                        });
   addFiles(*command, session);
-  command->add_option("-n,--lines", choice->most, "How many records")->option_text("N");
+  command->add_option("-n,--lines", choice->most, "How many records (10)")->option_text("N");
   addOutputOptions(*command, session);
 }
 

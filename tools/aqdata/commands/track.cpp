@@ -33,7 +33,7 @@ void addTrack(CLI::App& program, Session& session) {
                  [&session, choice] { track(session, *choice); });
   addFile(*command, choice->file, "TRACKING", "The tracking file");
   addOutputFile(*command, session, "The position file to write");
-  command->add_option("--rt20", choice->rt20, "The highest RT20 figure that is accepted")
+  command->add_option("--rt20", choice->rt20, "The highest RT20 figure that is accepted (1)")
       ->check(CLI::Range(0, 255))
       ->option_text("N");
   command->add_flag("--list", choice->list, "List the lines of rejected fixes");
