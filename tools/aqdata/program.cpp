@@ -57,6 +57,7 @@ CLI::App* addCommand(CLI::App& program, Session& session, const char* name, cons
                      const char* examples, std::function<void()> run) {
   CLI::App* const command = program.add_subcommand(name, summary);
   command->footer(examples);
+  command->group("Commands");
   command->final_callback([&session, run = std::move(run)] {
     try {
       run();
@@ -86,12 +87,12 @@ int run(int argc, char** argv) {
                    "aqdata");
   program.require_subcommand(1);
   program.get_formatter()->label("SUBCOMMAND", "COMMAND");
-  program.get_formatter()->label("Subcommands", "Commands");
   program.set_version_flag("--version", AQDATA_VERSION);
   program.footer(kFooter);
   addCommands(program, session);
   try {
     program.parse(argc, argv);
+    session.finish();
     return session.status();
   } catch (const CLI::Success& asked) {
     return program.exit(asked);  // --help and --version

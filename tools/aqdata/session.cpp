@@ -15,9 +15,16 @@ void Session::end(Status status) { status_ = std::max<int>(status_, status); }
 
 void Session::print(std::string_view text) {
   clearProgress();
-  if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size()) return;
+  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) failOutput();
+}
+
+void Session::finish() {
+  if (std::fflush(stdout) != 0) failOutput();
+}
+
+void Session::failOutput() {
   std::fputs("aqdata: cannot write to standard output\n", stderr);
-  std::exit(kCouldNot);
+  std::_Exit(kCouldNot);
 }
 
 void Session::printDocument(const Json& document) { print(lineOf(document) + '\n'); }

@@ -39,6 +39,9 @@ class Session {
   /// Writes to standard output. A write that fails ends the program.
   void print(std::string_view text);
 
+  /// To be called at the end: what is still on its way to standard output counts too.
+  void finish();
+
   /// Writes one line that holds the document.
   void printDocument(const Json& document);
 
@@ -60,6 +63,7 @@ class Session {
 
  private:
   void clearProgress();
+  [[noreturn]] static void failOutput();
 
   int status_ = kFine;
   std::size_t shown_ = 0;  // of the progress, in hundredths

@@ -10,8 +10,8 @@
 namespace aqdata {
 namespace {
 
-/// Seconds of the day; their text keeps hundredths alone for most of it.
-double secondsOf(const aq::AQ_Time& time) { return std::round(time.TODseconds() * 1e6) / 1e6; }
+/// Their text keeps hundredths alone for most of the day.
+double secondsOf(const aq::AQ_Time& time) { return tidySeconds(time.TODseconds()); }
 
 /// Takes the bands of `cells`, from `low` up, as a row; the sheet's bands hold those of all rows.
 void addRow(Sheet& sheet, std::int32_t number, std::vector<Json> cells,
@@ -138,6 +138,8 @@ Sheet sheetOf(const Measurement& measurement) {
             [](const auto& a, const auto& b) { return a.number < b.number; });
   return sheet;
 }
+
+double tidySeconds(double seconds) { return std::round(seconds * 1e5) / 1e5; }
 
 double tidy(float value) { return aq::Variant(fmt::format("{}", value)).toDouble(); }
 

@@ -44,6 +44,9 @@ struct Sheet {
 /// What a file's header says, key by key, in its own order.
 [[nodiscard]] Json headerOf(const Measurement& measurement);
 
+/// Seconds to the digits that they were read with: those of a minute in single precision.
+[[nodiscard]] double tidySeconds(double seconds);
+
 /// A number of single precision as the shortest text of it reads.
 [[nodiscard]] double tidy(float value);
 

@@ -192,7 +192,7 @@ void addCheck(CLI::App& program, Session& session) {
   const auto addNames = [&](const char* name, std::vector<std::string>& names, const char* what) {
     command->add_option(name, names, what)
         ->delimiter(',')
-        ->expected(1)
+        ->allow_extra_args(false)
         ->check(expectName, "")
         ->option_text("NAMES");
   };

@@ -46,7 +46,7 @@ struct Extent {
     info["end"] = endText;
     // Times go on over midnight.
     const double seconds = std::remainder(*end - *begin - 43200, 86400) + 43200;
-    info["duration_s"] = std::round(seconds * 1e6) / 1e6;
+    info["duration_s"] = tidySeconds(seconds);
   }
 };
 
