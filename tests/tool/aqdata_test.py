@@ -75,7 +75,7 @@ ROWS = [  # command, status, in the output, in the messages
     (f"info {STH}", 0, "duration s                 29.5", ""),
     ("info '*.csv' bad.sth.csv", 2, "near.sth.csv", ""),
     ("info deep", 0, "deep/one.csv", ""),
-    ("info notes.txt fly-over.mic.csv", 2, "position", 'found "no measurement"'),
+    ("info notes.txt fly-over.mic.csv", 2, "M1", 'found "no measurement"'),
     ("info 'fly-*.csv'", 0, "tracking", ""),
     ("info --json gap.sth.csv", 0, '"first":-3,"last":60,"missing":4', ""),
     (f"check {STH} {MAP}", 0, "2 files checked, 2 without findings", ""),

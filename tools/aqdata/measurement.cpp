@@ -2,10 +2,36 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <iterator>
+
 #include "tools/aqdata/session.h"
 
 namespace aqdata {
 namespace {
+
+struct KindNames {
+  aq::FileKind kind;
+  std::string_view text;
+  std::string_view word;
+};
+
+constexpr KindNames kKinds[] = {  // in the order of `Measurement`
+    {aq::FileKind::SpectralTimeHistory, "spectral time history", "history"},
+    {aq::FileKind::MaskingMap, "masking map", "map"},
+    {aq::FileKind::SpectrumRecord, "spectrum record", "spectrum"},
+    {aq::FileKind::PositionTimeHistory, "position time history", "positions"},
+    {aq::FileKind::Tracking, "tracking", "tracking"},
+    {aq::FileKind::MicrophonePosition, "microphone position", "microphone"},
+    {aq::FileKind::GeometricTimeHistory, "geometric time history", "geometry"},
+    {aq::FileKind::VariableInitialization, "variable initialization", "parameters"},
+    {aq::FileKind::Unknown, "unknown", "unknown"}};
+static_assert(std::size(kKinds) == std::variant_size_v<Measurement> + 1);
+
+const KindNames& namesOf(aq::FileKind kind) {
+  return *std::find_if(std::begin(kKinds), std::end(kKinds),
+                       [kind](const KindNames& names) { return names.kind == kind; });
+}
 
 void expectKind(const std::string& path, aq::FileKind expected) {
   const aq::FileKind found = aq::kindOfFile(path);
@@ -63,20 +89,9 @@ Parameters openParameters(const std::string& path, const aq::HeaderWatch& watch)
 
 }  // namespace
 
-std::string_view kindText(aq::FileKind kind) {
-  switch (kind) {
-    case aq::FileKind::SpectralTimeHistory: return "spectral time history";
-    case aq::FileKind::PositionTimeHistory: return "position time history";
-    case aq::FileKind::MicrophonePosition: return "microphone position";
-    case aq::FileKind::GeometricTimeHistory: return "geometric time history";
-    case aq::FileKind::MaskingMap: return "masking map";
-    case aq::FileKind::VariableInitialization: return "variable initialization";
-    case aq::FileKind::SpectrumRecord: return "spectrum record";
-    case aq::FileKind::Tracking: return "tracking";
-    case aq::FileKind::Unknown: break;
-  }
-  return "unknown";
-}
+std::string_view kindText(aq::FileKind kind) { return namesOf(kind).text; }
+std::string_view kindText(const Measurement& read) { return kKinds[read.index()].text; }
+std::string_view kindWord(const Measurement& read) { return kKinds[read.index()].word; }
 
 void expectGood(aq::AQ_DataMessage result, const aq::FileClass& file) {
   if (result != aq::AQ_DATA_OK) throw Failure(file.lastFailure()->message());

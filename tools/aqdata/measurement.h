@@ -48,6 +48,10 @@ using Measurement = std::variant<History, MaskingMap, SpectrumRecord, Positions,
 
 /// As in "spectral time history".
 [[nodiscard]] std::string_view kindText(aq::FileKind kind);
+[[nodiscard]] std::string_view kindText(const Measurement& read);
+
+/// In one word, as in "history".
+[[nodiscard]] std::string_view kindWord(const Measurement& read);
 
 /// Reads a file of any kind; `watch` sees its header lines. Throws `Failure`.
 [[nodiscard]] Measurement openFile(const std::string& path, const aq::HeaderWatch& watch = {});

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <numeric>
 
+#include "tools/aqdata/terminal.h"
+
 namespace aqdata {
 namespace {
 
@@ -152,21 +154,39 @@ void Table::fit(std::size_t width) {
 
 void Table::print(Session& session) const {
   const auto all = widths();
-  std::vector<std::string> headings;
-  for (const Column& column : columns_) headings.push_back(column.heading);
-  session.print(session.strong(line(headings, all)) + '\n');
-  for (const auto& row : rows_) session.print(line(row, all) + '\n');
+  const std::size_t room =
+      terminal::onOutput() ? static_cast<std::size_t>(terminal::width()) : std::string::npos;
+  std::size_t next = 1;
+  do {
+    if (next != 1) session.print("\n");
+    std::vector<std::size_t> places{0};
+    std::size_t used = all[0];
+    for (; next < all.size(); ++next) {
+      used += kGap + all[next];
+      if (used > room && places.size() > 1) break;
+      places.push_back(next);
+    }
+    printBlock(session, places, all);
+  } while (next < all.size());
 }
 
-std::string Table::line(const std::vector<std::string>& cells,
-                        const std::vector<std::size_t>& widths) const {
-  std::string text;
-  for (std::size_t i = 0; i < cells.size(); ++i) {
-    const std::string blanks(widths[i] - widthOf(cells[i]), ' ');
-    text += columns_[i].number ? blanks + cells[i] : cells[i] + blanks;
-    text.append(kGap, ' ');
+void Table::printBlock(Session& session, const std::vector<std::size_t>& places,
+                       const std::vector<std::size_t>& widths) const {
+  const auto line = [&](const auto& cellAt) {
+    std::string text;
+    for (const std::size_t i : places) {
+      const std::string& cell = cellAt(i);
+      const std::string blanks(widths[i] - widthOf(cell), ' ');
+      text += columns_[i].number ? blanks + cell : cell + blanks;
+      text.append(kGap, ' ');
+    }
+    return text.erase(text.find_last_not_of(' ') + 1);
+  };
+  session.print(session.strong(line([&](std::size_t i) -> auto& { return columns_[i].heading; })) +
+                '\n');
+  for (const auto& row : rows_) {
+    session.print(line([&](std::size_t i) -> auto& { return row[i]; }) + '\n');
   }
-  return text.erase(text.find_last_not_of(' ') + 1);
 }
 
 }  // namespace aqdata

@@ -54,13 +54,14 @@ class Table {
   /// Makes the table fit: leaves optional columns out, then shortens the first column.
   void fit(std::size_t width);
 
+  /// Columns that a terminal has no room for follow below, with the first beside them.
   void print(Session& session) const;
 
  private:
   [[nodiscard]] std::vector<std::size_t> widths() const;
   [[nodiscard]] std::size_t width() const;
-  [[nodiscard]] std::string line(const std::vector<std::string>& cells,
-                                 const std::vector<std::size_t>& widths) const;
+  void printBlock(Session& session, const std::vector<std::size_t>& places,
+                  const std::vector<std::size_t>& widths) const;
 
   std::vector<Column> columns_;
   std::vector<std::vector<std::string>> rows_;

@@ -109,8 +109,7 @@ void convert(Session& session, const Choice& choice) {
 }  // namespace
 
 Json documentOf(const std::string& path, const Measurement& read, const Sheet& sheet) {
-  Json document{
-      {"file", path}, {"kind", kindText(aq::kindOfFile(path))}, {"header", headerOf(read)}};
+  Json document{{"file", path}, {"kind", kindText(read)}, {"header", headerOf(read)}};
   if (sheet.hasBands()) {
     document["low_band"] = sheet.low;
     document["high_band"] = sheet.high;

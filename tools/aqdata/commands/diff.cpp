@@ -190,9 +190,8 @@ void diff(Session& session, const Choice& choice) {
   const Measurement a = openFile(choice.a);
   const Measurement b = openFile(choice.b);
   if (a.index() != b.index()) {
-    throw Failure(fmt::format("{} is a {} file, {} a {} file", aq::escaped(choice.a),
-                              kindText(aq::kindOfFile(choice.a)), aq::escaped(choice.b),
-                              kindText(aq::kindOfFile(choice.b))));
+    throw Failure(fmt::format("{} is a {} file, {} a {} file", aq::escaped(choice.a), kindText(a),
+                              aq::escaped(choice.b), kindText(b)));
   }
   Difference difference;
   compareHeaders(headerOf(a), headerOf(b), difference);

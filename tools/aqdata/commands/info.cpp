@@ -112,12 +112,18 @@ void describe(const Microphone& read, Json& info) {
 
 void describe(const Parameters&, Json&) {}
 
-Json infoOf(const std::string& path) {
-  const Measurement measurement = openFile(path);
-  Json info{{"file", path}, {"kind", kindText(aq::kindOfFile(path))}};
-  std::visit([&](const auto& read) { describe(read, info); }, measurement);
-  info["header"] = headerOf(measurement);
-  return info;
+struct Outcome {
+  Json info = {};
+  std::string_view word = {};  // for its kind
+  std::string failure = {};
+};
+
+Outcome infoOf(const std::string& path) {
+  const Measurement read = openFile(path);
+  Json info{{"file", path}, {"kind", kindText(read)}};
+  std::visit([&](const auto& kind) { describe(kind, info); }, read);
+  info["header"] = headerOf(read);
+  return {std::move(info), kindWord(read), {}};
 }
 
 /// The lines of a value: an entry of a list of texts each begins one.
@@ -161,7 +167,7 @@ std::string bandsText(const Json& info) {
   return fmt::format("{}-{}", info["low_band"].get<int>(), info["high_band"].get<int>());
 }
 
-std::vector<std::string> tableRow(const Json& info) {
+std::vector<std::string> tableRow(const Json& info, std::string_view word) {
   const auto text = [&info](const char* key) {
     return info.contains(key) ? cellText(info[key]) : std::string();
   };
@@ -172,7 +178,7 @@ std::vector<std::string> tableRow(const Json& info) {
   const std::string count = text("records") + text("positions");
   const std::string missing = text("missing");
   return {text("file"),
-          text("kind"),
+          std::string(word),
           count,
           missing == "0" ? "" : missing,
           bandsText(info),
@@ -196,11 +202,6 @@ const std::vector<Table::Column> kColumns{{"file"},
                                           {"stamp", false, true},
                                           {"project", false, true}};
 
-struct Outcome {
-  Json info = {};
-  std::string failure = {};
-};
-
 void info(Session& session) {
   const std::vector<std::string> files = chosenFiles(session);
   Table table(kColumns);
@@ -208,9 +209,9 @@ void info(Session& session) {
       files.size(), session.jobs,
       [&](std::size_t i) -> Outcome {
         try {
-          return {infoOf(files[i])};
+          return infoOf(files[i]);
         } catch (const std::exception& error) {
-          return {{}, failureText(files[i], error)};
+          return {{}, {}, failureText(files[i], error)};
         }
       },
       [&](std::size_t i, const Outcome& outcome) {
@@ -218,7 +219,7 @@ void info(Session& session) {
         if (!outcome.failure.empty()) return session.complain(outcome.failure);
         if (session.json) return session.printDocument(outcome.info);
         if (files.size() == 1) return printCard(session, outcome.info);
-        table.add(tableRow(outcome.info));
+        table.add(tableRow(outcome.info, outcome.word));
       });
   if (session.json || files.size() < 2) return;
   if (terminal::onOutput()) table.fit(static_cast<std::size_t>(terminal::width()));

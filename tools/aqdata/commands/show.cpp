@@ -1,13 +1,10 @@
 #include <fmt/format.h>
 
-#include <algorithm>
-
 #include "tools/aqdata/convert.h"
 #include "tools/aqdata/files.h"
 #include "tools/aqdata/plot.h"
 #include "tools/aqdata/program.h"
 #include "tools/aqdata/sheet.h"
-#include "tools/aqdata/terminal.h"
 #include "tools/aqdata/text.h"
 
 namespace aqdata {
@@ -53,47 +50,23 @@ std::string bandText(Session& session, const Json& cell, bool masked) {
   return masked ? session.faint(text + '*') : text;
 }
 
-/// How many bands a terminal has room for beside the other columns; all where there is none.
-std::size_t bandsAtOnce(const Sheet& sheet, bool marked) {
-  const auto all = static_cast<std::size_t>(std::max(1, sheet.high - sheet.low + 1));
-  if (!terminal::onOutput()) return all;
-  constexpr std::size_t kGap = 2;
-  const std::size_t band = (sheet.ofBand == "mask" ? 2U : 6U) + (marked ? 1U : 0U) + kGap;
-  std::size_t room = static_cast<std::size_t>(terminal::width());
-  for (std::size_t i = 0; i < sheet.columns.size(); ++i) {
-    std::size_t widest = sheet.columns[i].size();
-    for (const Sheet::Row& row : sheet.rows) {
-      widest = std::max(widest, widthOf(cellText(row.cells[i])));
-    }
-    room -= std::min(room, widest + kGap);
-  }
-  return std::clamp<std::size_t>(room / band, 1, all);
-}
-
-/// A column a band; what is too wide for the terminal follows below.
+/// A column a band.
 void printBands(Session& session, const Sheet& sheet, const Masks& masks) {
-  const std::size_t most = bandsAtOnce(sheet, masks.any());
-  std::size_t begin = 0;
-  do {
-    if (begin != 0) session.print("\n");
-    const std::size_t end = begin + most;
-    std::vector<Table::Column> columns;
-    for (const std::string& name : sheet.columns) columns.push_back({name, true});
-    for (std::size_t i = begin; i < end && sheet.band(i) <= sheet.high; ++i) {
-      columns.push_back({fmt::format("{}", sheet.band(i)), true});
+  std::vector<Table::Column> columns;
+  for (const std::string& name : sheet.columns) columns.push_back({name, true});
+  for (std::int32_t band = sheet.low; band <= sheet.high; ++band) {
+    columns.push_back({fmt::format("{}", band), true});
+  }
+  Table table(columns);
+  for (const Sheet::Row& row : sheet.rows) {
+    std::vector<std::string> cells;
+    for (const Json& cell : row.cells) cells.push_back(cellText(cell));
+    for (std::size_t i = 0; i < row.bands.size(); ++i) {
+      cells.push_back(bandText(session, row.bands[i], masks.masks(row.number, sheet.band(i))));
     }
-    Table table(columns);
-    for (const Sheet::Row& row : sheet.rows) {
-      std::vector<std::string> cells;
-      for (const Json& cell : row.cells) cells.push_back(cellText(cell));
-      for (std::size_t i = begin; i < std::min(end, row.bands.size()); ++i) {
-        cells.push_back(bandText(session, row.bands[i], masks.masks(row.number, sheet.band(i))));
-      }
-      table.add(std::move(cells));
-    }
-    table.print(session);
-    begin = end;
-  } while (sheet.hasBands() && sheet.low + static_cast<std::int32_t>(begin) <= sheet.high);
+    table.add(std::move(cells));
+  }
+  table.print(session);
 }
 
 /// What the bands of a row come to: their sum, the loudest, and how many are masked.
