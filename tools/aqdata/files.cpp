@@ -22,26 +22,24 @@ bool isMeasurement(const fs::path& path) {
   return path.extension() == ".csv" || aq::kindOfFile(path.string()) != aq::FileKind::Unknown;
 }
 
-void walk(const std::string& folder, Session& session, std::vector<std::string>& files) {
+/// Goes on behind a folder that cannot be read. Links to folders may lead in a circle, so they are
+/// not followed.
+void walk(const fs::path& folder, Session& session, std::vector<std::string>& files) {
   std::error_code error;
-  std::vector<std::string> found;
-  fs::recursive_directory_iterator entry(folder, error);
-  for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
-    std::error_code ignored;
-    if (isHidden(entry->path())) {
-      entry.disable_recursion_pending();
-    } else if (entry->is_regular_file(ignored) && isMeasurement(entry->path())) {
-      found.push_back(entry->path().string());
-    } else if (entry->is_directory(ignored) &&
-               fs::directory_iterator(*entry, ignored) == fs::directory_iterator() && ignored) {
-      session.complain(
-          fmt::format("{}: {}", aq::escaped(entry->path().string()), ignored.message()));
-      entry.disable_recursion_pending();
+  std::vector<fs::path> entries;
+  for (fs::directory_iterator entry(folder, error); !error && entry != fs::directory_iterator();
+       entry.increment(error)) {
+    if (!isHidden(entry->path())) entries.push_back(entry->path());
+  }
+  if (error) session.complain(fmt::format("{}: {}", aq::escaped(folder.string()), error.message()));
+  std::sort(entries.begin(), entries.end());
+  for (const fs::path& entry : entries) {
+    if (fs::is_directory(fs::symlink_status(entry, error))) {
+      walk(entry, session, files);
+    } else if (fs::is_regular_file(entry, error) && isMeasurement(entry)) {
+      files.push_back(entry.string());
     }
   }
-  if (error) session.complain(fmt::format("{}: {}", aq::escaped(folder), error.message()));
-  std::sort(found.begin(), found.end());
-  files.insert(files.end(), found.begin(), found.end());
 }
 
 void choose(const std::string& given, Session& session, std::vector<std::string>& files) {

@@ -81,7 +81,7 @@ Geometry openGeometry(const std::string& path, const aq::HeaderWatch& watch) {
 }
 
 Parameters openParameters(const std::string& path, const aq::HeaderWatch& watch) {
-  const Parameters read{std::make_shared<aq::AQ_DataINI>()};
+  Parameters read{std::make_shared<aq::AQ_DataINI>()};
   read.parameters->watchHeader(watch);
   expectGood(read.parameters->readFile(path), *read.parameters);
   return read;

@@ -44,6 +44,7 @@ void inOrder(std::size_t count, int jobs, const Work& work, const Take& take) {
     }
   };
   std::vector<std::jthread> threads;
+  threads.reserve(static_cast<std::size_t>(jobs));
   for (int i = 0; i < jobs; ++i) threads.emplace_back(run);
   try {
     for (; taken < count;) {

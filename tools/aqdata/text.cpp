@@ -30,10 +30,10 @@ std::size_t offsetOf(std::string_view text, std::size_t count) {
 std::size_t editsBetween(std::string_view a, std::string_view b) {
   std::vector<std::size_t> row(b.size() + 1);
   std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 0; i < a.size(); ++i) {
+  for (const char c : a) {
     std::size_t diagonal = row[0]++;
     for (std::size_t j = 0; j < b.size(); ++j) {
-      const std::size_t replaced = diagonal + (a[i] == b[j] ? 0 : 1);
+      const std::size_t replaced = diagonal + (c == b[j] ? 0 : 1);
       diagonal = row[j + 1];
       row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
     }
