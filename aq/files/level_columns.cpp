@@ -22,9 +22,11 @@ void LevelColumns::read(FieldReader& fields, AQ_Spectrum& spectrum) {
 }
 
 void appendLevels(std::string& text, const AQ_Spectrum& spectrum) {
-  appendLevels(text, spectrum.levelCodes());
-  appendLevels(text, spectrum.plainLevels());
-  if (!spectrum.levelCodes().empty() || !spectrum.plainLevels().empty()) return;
+  const auto codes = spectrum.levelCodes();
+  const auto doubles = spectrum.levelDoubles();
+  appendLevels(text, codes);
+  appendLevels(text, doubles);
+  if (!codes.empty() || !doubles.empty()) return;
   for (std::int32_t band = spectrum.LowBand(); band <= spectrum.HighBand(); ++band) {
     if (band != spectrum.LowBand()) text += ',';
     appendLevel(text, spectrum.SPL(static_cast<std::int16_t>(band)).toDouble());

@@ -1,5 +1,7 @@
 #include "aq/spectral/spectrum.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 
 namespace aq {
@@ -50,7 +52,15 @@ std::span<const LevelCode> AQ_Spectrum::levelCodes() const {
   return spans(levels.size()) ? levels : std::span<const LevelCode>();
 }
 
-std::span<const double> AQ_Spectrum::plainLevels() const {
+std::vector<double> AQ_Spectrum::plainLevels() const {
+  const auto codes = levelCodes();
+  const auto doubles = levelDoubles();
+  std::vector<double> levels(doubles.begin(), doubles.end());
+  std::transform(codes.begin(), codes.end(), std::back_inserter(levels), levelOf);
+  return levels;
+}
+
+std::span<const double> AQ_Spectrum::levelDoubles() const {
   const auto levels = levels_.plain();
   return spans(levels.size()) ? levels : std::span<const double>();
 }

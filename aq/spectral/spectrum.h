@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <vector>
 
 #include "aq/core/created.h"
 #include "aq/core/export.h"
@@ -53,17 +54,20 @@ class AQ_API AQ_Spectrum {
   void Metric(std::shared_ptr<AQ_Metric> metric) { metric_ = std::move(metric); }
 
   /// The time by value, without making an object for it.
+  [[nodiscard]] AQ_Time timeValue() const { return time_.value(); }
   [[nodiscard]] KeptTime& keptTime() { return time_; }
-  [[nodiscard]] const KeptTime& keptTime() const { return time_; }
 
   /// Stores the levels of consecutive bands, from `low` up, in place of all there are.
   void assignLevels(std::int16_t low, std::span<const double> levels);
   void assignCodes(std::int16_t low, std::span<const LevelCode> codes);
 
-  // All levels from `LowBand` to `HighBand` in the form in which they are held: codes, when each
-  // has one, else doubles. Both are empty when there are gaps or levels of other types.
+  /// All levels from `LowBand` to `HighBand`, when they are doubles without a gap; else none.
+  [[nodiscard]] std::vector<double> plainLevels() const;
+
+  // The same in the form in which they are held: codes, when each has one, else doubles. Both are
+  // empty when there are gaps or levels of other types.
   [[nodiscard]] std::span<const LevelCode> levelCodes() const;
-  [[nodiscard]] std::span<const double> plainLevels() const;
+  [[nodiscard]] std::span<const double> levelDoubles() const;
 
  private:
   [[nodiscard]] bool spans(std::size_t levels) const;

@@ -1,0 +1,222 @@
+"""Drives the installed program end to end: aqdata_test.py PROGRAM PROJECT
+
+Each row is a command line, run in a folder with the project's samples, its exit status, and what
+its output and its messages must contain.
+"""
+
+import json
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+
+PROGRAM, PROJECT = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
+SAMPLES = PROJECT / "examples" / "data"
+ODD_NAME = "odd name\n\u00e9.sth.csv"
+NO_TEXT = b"bytes \xff.sth.csv"
+faults = []
+
+
+def run(command, folder, **more):
+    path = f"{PROGRAM.parent}:{os.environ['PATH']}"
+    environment = {**os.environ, "PATH": path, "COLUMNS": "80"}
+    return subprocess.run(["bash", "-c", command], cwd=folder, capture_output=True, timeout=60,
+                          env=environment, **more)
+
+
+def expect(what, found, wanted):
+    if found != wanted:
+        faults.append(f"{what}: expected {wanted!r}, found {found!r}")
+
+
+def expect_in(what, found, wanted):
+    if wanted not in found:
+        faults.append(f"{what}: expected {wanted!r} in {found!r}")
+
+
+def samples(folder):
+    shutil.copytree(SAMPLES, folder, dirs_exist_ok=True)
+    history = (folder / "fly-over.sth.csv").read_text()
+
+    def changed(name, before, after):
+        assert before in history, before
+        (folder / name).write_text(history.replace(before, after, 1))
+
+    changed("bad.sth.csv", "61.51", "6x.2")
+    changed("loud.sth.csv", "61.51", "261.51")
+    changed("short.sth.csv", "NumberOfSpectrum**,60", "NumberOfSpectrum**,59")
+    changed("gap.sth.csv", "\n30,", "\n-3,")
+    changed("invalid.sth.csv", "61.51", "9999")
+    changed("near.sth.csv", "61.51", "61.52")
+    last = history.splitlines(keepends=True)[-1]
+    (folder / "again.sth.csv").write_text(history + last * 5000)
+    (folder / "notes.txt").write_text("no measurement\n")
+    (folder / "deep" / "er").mkdir(parents=True)
+    (folder / "deep" / ".hidden").mkdir()
+    shutil.copy(folder / "bad.sth.csv", folder / "deep" / ".hidden")
+    for name in ("one.csv", "er/two.csv", "notes.txt"):
+        source = "notes.txt" if name == "notes.txt" else "fly-over.sth.csv"
+        shutil.copy(folder / source, folder / "deep" / name)
+    shutil.copy(folder / "fly-over.sth.csv", folder / ODD_NAME)
+    shutil.copy(folder / "fly-over.sth.csv", os.fsencode(folder) + b"/" + NO_TEXT)
+
+
+STH, MAP = "fly-over.sth.csv", "fly-over.mask.csv"
+ROWS = [  # command, status, in the output, in the messages
+    ("--version", 0, ".", ""),
+    ("", 2, "", "expected a command"),
+    ("inof x", 2, "", 'unknown command "inof"; did you mean info?'),
+    (f"info --jsno {STH}", 2, "", 'unknown option "--jsno"; did you mean --json?'),
+    ("info", 2, "", "FILES is required"),
+    ("info none.csv", 2, "", "none.csv: no such file"),
+    (f"info {STH}", 0, "duration s                 29.5", ""),
+    ("info '*.csv' bad.sth.csv", 2, "near.sth.csv", ""),
+    ("info deep", 0, "deep/one.csv", ""),
+    ("info notes.txt fly-over.mic.csv", 2, "M1", 'found "no measurement"'),
+    ("info 'fly-*.csv'", 0, "tracking", ""),
+    ("info --json gap.sth.csv", 0, '"first":-3,"last":60,"missing":4', ""),
+    (f"check {STH} {MAP}", 0, "2 files checked, 2 without findings", ""),
+    ("check bad.sth.csv", 1, 'line 22, field 4: error: expected a level, found "6x.2" [unreadable]',
+     ""),
+    ("check loud.sth.csv", 1, "line 22, field 4, record 1, band 17: warning: 261.51 dB", ""),
+    ("check --only heading loud.sth.csv", 0, "1 without findings", ""),
+    ("check --ignore level-range,heading loud.sth.csv", 0, "1 without findings", ""),
+    ("check --only level-rnge loud.sth.csv", 2, "", "did you mean level-range?"),
+    ("check invalid.sth.csv", 0, "9999, no valid level [level-invalid]", ""),
+    ("check --strict invalid.sth.csv", 1, "1 note", ""),
+    ("check -q again.sth.csv", 1, "warning: 4980 more [record-repeated]", ""),
+    ("check --json again.sth.csv", 1, '"counts":{"record-repeated":5000,"record-count":1}', ""),
+    ("check notes.txt short.sth.csv", 1, "[unknown-kind]", ""),
+    (f"show {STH} --records 29:30", 0, "30  14:30:14.75           0", ""),
+    (f"show {STH} --records 29:30 --bands 17:18 --mask {MAP}", 0, "17     18", ""),
+    (f"show {STH} --records 1 --bands 17 --mask {MAP}", 0, "61.51*", ""),
+    (f"show {STH} --records 1:x", 2, "", 'expected records as in 10:40, found "1:x"'),
+    (f"show {STH} --plot", 0, "Level of all bands together in dB", ""),
+    (f"show {STH} --plot --records 30", 0, "B17/50Hz", ""),
+    (f"show {STH} --plot --bands 30", 0, "Level of B30/1kHz in dB", ""),
+    (f"show {STH} --spectrogram", 0, "B40/10kHz", ""),
+    (f"TERM=xterm-256color show {STH} --spectrogram --color always", 0, "\x1b[48;5;", ""),
+    (f"COLORTERM=truecolor TERM=xterm show {STH} --spectrogram --color always", 0, "\x1b[48;2;", ""),
+    ("show fly-over.mic.csv --plot", 2, "", "has no levels to draw"),
+    ("show fly-over.ini.csv", 0, "window_before_s            10", ""),
+    (f"convert {STH} -o tidy.csv", 0, "tidy.csv: written", ""),
+    (f"convert {STH} -o tidy.csv", 2, "", "tidy.csv: is there already; --force replaces it"),
+    (f"convert {STH} --record 30", 0, "30,14:30:14.75,52214.75,0,17,", ""),
+    (f"convert {STH} -o one.ssr.csv", 2, "", "which record?"),
+    (f"convert {STH} -o one.ssr.csv --record 61", 2, "", "has no record 61"),
+    (f"convert {STH} -o one.ssr.csv --record 30", 0, "one.ssr.csv: written", ""),
+    (f"convert {MAP} -o one.pth.csv", 2, "", "expected a tracking file, found a masking map file"),
+    (f"convert {STH} -o no/where.csv", 2, "", "no/where.csv: cannot write beside it"),
+    ("track fly-over.tspi.csv -o made.pth.csv --list", 0, "line 24: RT20 figure 2 is above 1", ""),
+    ("track fly-over.tspi.csv -o all.pth.csv --rt20 2", 0, "150 positions, 0 rejected", ""),
+    ("diff made.pth.csv all.pth.csv", 1, "records only in the second file: 147 to 150", ""),
+    (f"lgb {STH} {MAP}", 0, "1  14:30:00.25              36  B36/4kHz", ""),
+    (f"lgb gap.sth.csv {MAP}", 2, "", "record 30: the history lacks it"),
+    (f"lgb {MAP} {STH}", 2, "", "expected a spectral time history file"),
+    (f"mask {STH} --ambient fly-over.ssr.csv -o made.mask.csv", 0, "60 rows, 146 levels masked", ""),
+    (f"mask gap.sth.csv --ambient fly-over.ssr.csv -o x.csv", 2, "", "record 30 is missing"),
+    (f"diff --json {MAP} made.mask.csv", 1, '"only_in_b":[],"columns":[],"bands":[]', ""),
+    (f"stamp {STH} --start 14:30:00 --type midpt --ref 14:30:14.75 --ref-type overhead -o s.sth.csv",
+     0, "60 records", ""),
+    (f"diff {STH} s.sth.csv", 0, "no difference", ""),
+    (f"stamp {STH} --start 10 --ref 10:00:00 -o x.csv", 2, "", "expected a time of day hh:mm:ss"),
+    (f"stamp {STH} --start 10:00:00 --type MID --ref 10:00:00 -o x.csv", 2, "", "one of START"),
+    (f"cp {STH} self.sth.csv; stamp self.sth.csv --start 9:00:00 --ref 9:00:00 --force -o "
+     "self.sth.csv", 0, "from 9:00:00 on", ""),
+    (f"diff {STH} near.sth.csv", 1, "band 17: differs in 1 record, by 0.01 at the most, as in 1", ""),
+    (f"diff --tolerance 0.01 {STH} near.sth.csv", 0, "no difference", ""),
+    (f"diff {STH} gap.sth.csv", 1, "records only in the first file: 30", ""),
+    (f"diff {STH} {MAP}", 2, "", "is a spectral time history file"),
+    (f"cat {STH}", 0, "\nReferenceTimeType**,OVERHEAD\n", ""),
+    ("cat --json fly-over.tspi.csv", 0, '"Rate: 5 a second"', ""),
+    ("head -n 1 fly-over.tspi.csv", 0, "1  14:30:00  -1258  0  150", ""),
+    ("completion zsh", 0, "#compdef aqdata", ""),
+    ("completion fish", 0, "-l tolerance", ""),
+    ("completion tcsh", 2, "", "tcsh"),
+    ("info --json odd*", 0, r'"file":"odd name\né.sth.csv"', ""),
+    ("info odd* deep/one.csv", 0, "odd name\\x0aé.sth.csv", ""),
+    ("check -q odd* bytes*", 0, "", ""),
+    (f"info {STH} >/dev/full", 2, "", "cannot write to standard output"),
+    (f"convert {STH} -o /dev/full", 2, "", "/dev/full"),
+]
+
+
+def command_line(row):
+    """The words in front of the command are the shell's: variables, or another command."""
+    words = row.split(" ")
+    first = next((i for i, word in enumerate(words)
+                  if not re.fullmatch(r"[A-Z]+=\S*", word)), len(words))
+    if "; " in row:
+        before, row = row.split("; ", 1)
+        return f"{before}; aqdata {row}"
+    return " ".join(words[:first] + ["aqdata"] + words[first:])
+
+
+def check_rows(folder):
+    for row, status, output, messages in ROWS:
+        done = run(command_line(row), folder)
+        expect(f"aqdata {row}: status", done.returncode, status)
+        expect_in(f"aqdata {row}", done.stdout.decode(errors="replace"), output)
+        expect_in(f"aqdata {row}: messages", done.stderr.decode(errors="replace"), messages)
+        if status == 0:
+            expect(f"aqdata {row}: messages", done.stderr, b"")
+
+
+def check_json(folder):
+    done = run("aqdata check --json . ; aqdata info --json .", folder)
+    documents = [json.loads(line) for line in done.stdout.decode("utf-8").splitlines()]
+    bad = [d["file"] for d in documents if "unreadable" in d.get("counts", {})]
+    expect("files that do not read", bad, ["./bad.sth.csv"])
+    expect("hidden files", [d for d in documents if "hidden" in d["file"]], [])
+    expect("times as numbers", len(documents) > 30, True)
+
+
+def check_streams(folder):
+    done = run(f"set -o pipefail; aqdata convert {STH} | head -1", folder)
+    expect("a closed pipe: status", done.returncode in (0, 141), True)
+    expect("a closed pipe: messages", done.stderr, b"")
+    plain = run(f"aqdata check --jobs 1 .", folder).stdout
+    expect("two threads or one", run("aqdata check --jobs 4 .", folder).stdout, plain)
+    expect("leftovers", list(folder.glob(".aqdata-*")), [])
+
+
+def check_documents(parent):
+    """Every console block of the documentation shows what the program prints."""
+    folder = parent / "documents"
+    shutil.copytree(SAMPLES, folder)
+    for page in ("README.md", "docs/aqdata.md"):
+        for block in re.findall(r"```console\n(.*?)```", (PROJECT / page).read_text(), re.S):
+            for part in re.split(r"^\$ ", block, flags=re.M)[1:]:
+                command, _, shown = part.partition("\n")
+                done = run(command, folder)
+                expect(f"{page}: {command}", (done.stdout + done.stderr).decode(), shown)
+    names = run("aqdata --help", folder).stdout.decode()
+    for name in re.findall(r"^  ([a-z]+) ", names.split("Commands:")[1], re.M):
+        text = run(f"aqdata {name} --help", folder).stdout.decode().replace("\\\n", "")
+        for example in re.findall(r"^  ((?:source|aqdata) .*)$", text, re.M):
+            done = run(example + (" --force" if " -o " in example else ""), folder)
+            expect(f"{example}: status", done.returncode in (0, 1), True)
+
+
+def check_field_data(folder):
+    data = os.environ.get("AQ_FIELD_DATA")
+    if data is None:
+        return
+    run(f"aqdata mask '{data}/landing.sth.csv' --ambient '{data}/landing.ambient.ssr.csv' "
+        "-o landing.csv", folder)
+    done = run(f"aqdata diff --json '{data}/landing.mask.csv' landing.csv", folder)
+    difference = json.loads(done.stdout)
+    for part in ("only_in_a", "only_in_b", "columns", "bands"):
+        expect(f"the landing's own map: {part}", difference[part], [])
+
+
+with tempfile.TemporaryDirectory() as name:
+    place = pathlib.Path(name)
+    samples(place)
+    for check in (check_rows, check_json, check_streams, check_documents, check_field_data):
+        check(place)
+print("\n".join(faults) or f"{len(ROWS)} commands, no fault")
+sys.exit(1 if faults else 0)

@@ -1,0 +1,39 @@
+#include "tools/aqdata/files.h"
+#include "tools/aqdata/measurement.h"
+#include "tools/aqdata/program.h"
+
+namespace aqdata {
+namespace {
+
+/// Prints each header line when its reader takes it, so that of a file that fails there is what
+/// stands in front of the failure.
+void cat(Session& session, const std::string& path) {
+  Json lines = Json::array();
+  const auto show = [&](const aq::HeaderLine& line) {
+    if (session.json) {
+      lines.push_back(std::string(line.text));
+    } else {
+      session.print(std::string(line.text) + '\n');
+    }
+  };
+  static_cast<void>(openFile(path, show));
+  if (session.json) session.printDocument(Json{{"file", path}, {"header", std::move(lines)}});
+}
+
+}  // namespace
+
+void addCat(CLI::App& program, Session& session) {
+  CLI::App* const command =
+      addCommand(program, session, "cat", "Print the header of files as it stands",
+                 "Examples:\n"
+                 "  aqdata cat fly-over.sth.csv\n",
+                 [&session] {
+                   for (const std::string& file : chosenFiles(session)) {
+                     onFile(session, file, [&] { cat(session, file); });
+                   }
+                 });
+  addFiles(*command, session);
+  addOutputOptions(*command, session);
+}
+
+}  // namespace aqdata

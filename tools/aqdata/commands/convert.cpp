@@ -1,0 +1,166 @@
+#include "tools/aqdata/convert.h"
+
+#include <aq/core/band_label.h>
+#include <fmt/format.h>
+
+#include <optional>
+
+#include "tools/aqdata/files.h"
+#include "tools/aqdata/program.h"
+#include "tools/aqdata/sheet.h"
+#include "tools/aqdata/text.h"
+
+namespace aqdata {
+namespace {
+
+struct Choice {
+  std::string file;
+  std::string to;
+  std::optional<std::int16_t> record = {};
+  std::uint8_t rt20 = 1;
+};
+
+/// The form that an output's name asks for.
+std::string formOf(const std::string& output) {
+  if (output.ends_with(".json")) return "json";
+  if (output.ends_with(".pth.csv")) return "positions";
+  if (output.ends_with(".ssr.csv")) return "spectrum";
+  return "table";
+}
+
+std::string rowText(const std::vector<Json>& cells) {
+  std::string text;
+  for (const Json& cell : cells) {
+    if (&cell != &cells.front()) text += ',';
+    text += cellText(cell);
+  }
+  return text;
+}
+
+/// One observation a line: of rows with bands, each band is one.
+std::vector<std::string> tidyLines(const Sheet& sheet) {
+  std::string heading = fmt::format("{}", fmt::join(sheet.columns, ","));
+  if (sheet.hasBands()) heading += ",band," + sheet.ofBand;
+  std::vector<std::string> lines{heading};
+  for (const Sheet::Row& row : sheet.rows) {
+    const std::string front = rowText(row.cells);
+    if (!sheet.hasBands()) lines.push_back(front);
+    for (std::size_t i = 0; i < row.bands.size(); ++i) {
+      lines.push_back(fmt::format("{},{},{}", front, sheet.band(i), cellText(row.bands[i])));
+    }
+  }
+  return lines;
+}
+
+/// A line a key of the header, for a file that has no rows.
+std::vector<std::string> headerLines(const Json& header) {
+  std::vector<std::string> lines{"key,value"};
+  for (const auto& [key, value] : header.items()) {
+    if (!value.is_array()) lines.push_back(key + ',' + cellText(value));
+  }
+  return lines;
+}
+
+void put(Session& session, const std::vector<std::string>& lines) {
+  if (!session.output.empty()) return writeLines(session, session.output, lines);
+  for (const std::string& line : lines) session.print(line + '\n');
+}
+
+void putSpectrum(const Session& session, const Choice& choice, const Measurement& read) {
+  const auto* const history = std::get_if<History>(&read);
+  if (history == nullptr) throw Failure("a spectrum record is made of a history alone");
+  if (!choice.record) throw Failure("which record? --record says it");
+  const auto spectrum = [&] {
+    try {
+      return history->history->spectrum(*choice.record);
+    } catch (const aq::Error&) {
+      throw Failure(fmt::format("{}: has no record {}", aq::escaped(choice.file), *choice.record));
+    }
+  }();
+  const auto header = std::make_shared<aq::AQ_HeaderSSR>();
+  header->cCommentLines->Add(fmt::format("{}, record {} at {}", history->header->sProjectName,
+                                         *choice.record, timeText(spectrum->timeValue())));
+  writeFile(session, session.output, [&](const std::string& path) {
+    aq::AQ_DataSSR file;
+    expectGood(file.writeFile(path, header, *spectrum), file);
+  });
+}
+
+void convert(Session& session, const Choice& choice) {
+  const std::string form = choice.to.empty() ? formOf(session.output) : choice.to;
+  if (form == "positions")
+    return writePositions(session, openTracking(choice.file, {}, choice.rt20), choice.file);
+  const Measurement read = openFile(choice.file);
+  if (form == "spectrum") {
+    putSpectrum(session, choice, read);
+  } else {
+    Sheet sheet = sheetOf(read);
+    if (choice.record) sheet.keepRows(*choice.record, *choice.record);
+    if (form == "json") {
+      put(session, {lineOf(documentOf(choice.file, read, sheet))});
+    } else {
+      put(session, sheet.columns.empty() ? headerLines(headerOf(read)) : tidyLines(sheet));
+    }
+  }
+  if (!session.output.empty())
+    session.tell(fmt::format("{}: written", aq::escaped(session.output)));
+}
+
+}  // namespace
+
+Json documentOf(const std::string& path, const Measurement& read, const Sheet& sheet) {
+  Json document{{"file", path}, {"kind", kindText(read)}, {"header", headerOf(read)}};
+  if (sheet.hasBands()) {
+    document["low_band"] = sheet.low;
+    document["high_band"] = sheet.high;
+  }
+  Json& rows = document["rows"] = Json::array();
+  for (const Sheet::Row& row : sheet.rows) {
+    Json entry;
+    for (std::size_t i = 0; i < row.cells.size(); ++i) entry[sheet.columns[i]] = row.cells[i];
+    if (sheet.hasBands()) entry[sheet.ofBand] = row.bands;
+    rows.push_back(std::move(entry));
+  }
+  return document;
+}
+
+void writePositions(Session& session, const Tracking& track, const std::string& from) {
+  const auto header = std::make_shared<aq::AQ_HeaderPTH>();
+  header->sGeneratedBy = "aqdata";
+  header->sTSPIFileName = from;
+  writeFile(session, session.output, [&](const std::string& path) {
+    aq::AQ_DataPTH file;
+    aq::AQ_DataMessage result = aq::AQ_DATA_FILE_ERROR;
+    file.writeFile(path, header, *track.history, result);
+    expectGood(result, file);
+  });
+  session.tell(fmt::format("{}: {}, {} rejected", aq::escaped(session.output),
+                           counted(static_cast<std::size_t>(track.history->Count()), "position"),
+                           track.rejected));
+}
+
+void addConvert(CLI::App& program, Session& session) {
+  const auto choice = std::make_shared<Choice>();
+  CLI::App* const command = addCommand(
+      program, session, "convert", "Write a file in another form",
+      "The name of OUT says the form: .json, .pth.csv (positions), .ssr.csv (one spectrum), else "
+      "a\n"
+      "table of one observation a line. Without OUT, tables and JSON go to standard output.\n\n"
+      "Examples:\n"
+      "  aqdata convert fly-over.sth.csv -o levels.csv\n"
+      "  aqdata convert fly-over.sth.csv --record 30 -o overhead.ssr.csv\n"
+      "  aqdata convert fly-over.tspi.csv -o track.pth.csv\n",
+      [&session, choice] { convert(session, *choice); });
+  addFile(*command, choice->file, "FILE", "The file to convert");
+  addOutputFile(*command, session, "The file to write", false);
+  command->add_option("--to", choice->to, "The form: table, json, positions or spectrum")
+      ->check(CLI::IsMember({"table", "json", "positions", "spectrum"}))
+      ->option_text("FORM");
+  command->add_option("--record", choice->record, "One record alone")->option_text("N");
+  command->add_option("--rt20", choice->rt20, "The highest RT20 figure that is accepted (1)")
+      ->check(CLI::Range(0, 255))
+      ->option_text("N");
+  command->add_flag("-q,--quiet", session.quiet, "Say nothing");
+}
+
+}  // namespace aqdata

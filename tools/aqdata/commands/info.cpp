@@ -1,0 +1,243 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+#include "tools/aqdata/files.h"
+#include "tools/aqdata/parallel.h"
+#include "tools/aqdata/program.h"
+#include "tools/aqdata/records.h"
+#include "tools/aqdata/sheet.h"
+#include "tools/aqdata/terminal.h"
+#include "tools/aqdata/text.h"
+
+namespace aqdata {
+namespace {
+
+/// What there is of the records of a file, of whatever kind.
+struct Extent {
+  std::size_t count = 0;
+  std::int32_t low = 0;
+  std::int32_t high = 0;
+  std::optional<double> begin = {};  // time of day of the lowest record, in seconds
+  std::optional<double> end = {};    // of the highest
+  std::string beginText = {};
+  std::string endText = {};
+
+  void see(std::int32_t record) {
+    low = count == 0 ? record : std::min(low, record);
+    high = count == 0 ? record : std::max(high, record);
+    ++count;
+  }
+  void see(std::int32_t record, const aq::AQ_Time& time) {
+    see(record);
+    if (record == low) begin = time.TODseconds(), beginText = timeText(time);
+    if (record == high) end = time.TODseconds(), endText = timeText(time);
+  }
+  void addTo(Json& info, const char* ofWhat) const {
+    info[ofWhat] = count;
+    if (count == 0) return;
+    info["first"] = low;
+    info["last"] = high;
+    info["missing"] = static_cast<std::size_t>(high - low) + 1 - count;
+    if (!begin) return;
+    info["begin"] = beginText;
+    info["end"] = endText;
+    // Times go on over midnight.
+    const double seconds = std::remainder(*end - *begin - 43200, 86400) + 43200;
+    info["duration_s"] = tidySeconds(seconds);
+  }
+};
+
+void addBands(Json& info, std::int16_t low, std::int16_t high) {
+  info["low_band"] = low;
+  info["high_band"] = high;
+}
+
+void describe(const History& read, Json& info) {
+  Extent extent;
+  const aq::AQ_SpectralTimeHistory& history = *read.history;
+  std::int16_t low = 0;
+  std::int16_t high = -1;
+  forRecords(
+      history.Count(), [&](std::int16_t record) { return history.spectrum(record); },
+      [&](std::int16_t record, const aq::AQ_Spectrum& spectrum) {
+        extent.see(record, spectrum.timeValue());
+        low = spectrum.LowBand();
+        high = spectrum.HighBand();
+      });
+  extent.addTo(info, "records");
+  if (extent.count != 0) addBands(info, low, high);
+}
+
+void describe(const MaskingMap& read, Json& info) {
+  Extent extent;
+  forRecords(
+      read.map->Count(), [&](std::int16_t record) { return read.map->Row(record); },
+      [&](std::int16_t record, const aq::AQ_MaskRow&) { extent.see(record); });
+  extent.addTo(info, "records");
+  addBands(info, read.header->iBandLow, read.header->iBandHigh);
+}
+
+void describe(const SpectrumRecord& read, Json& info) {
+  info["records"] = 1;
+  addBands(info, read.spectrum->LowBand(), read.spectrum->HighBand());
+}
+
+void describePositions(const aq::AQ_PositionTimeHistory& history, Json& info) {
+  Extent extent;
+  for (std::int32_t place = 1; place <= history.Count(); ++place) {
+    extent.see(place, *history.Position(place)->Time());
+  }
+  extent.addTo(info, "positions");
+}
+
+void describe(const Positions& read, Json& info) { describePositions(*read.history, info); }
+void describe(const Tracking& read, Json& info) { describePositions(*read.history, info); }
+
+void describe(const Geometry& read, Json& info) {
+  Extent extent;
+  forRecords(
+      read.history->Count(), [&](std::int16_t record) { return read.history->Point(record); },
+      [&](std::int16_t record, aq::AQ_Geometry& point) { extent.see(record, *point.Tm()); });
+  extent.addTo(info, "records");
+}
+
+void describe(const Microphone& read, Json& info) {
+  const aq::AQ_Microphone& at = *read.microphone;
+  info["position"] = {at.X, at.Y, at.Z};
+  info["height"] = at.Height;
+}
+
+void describe(const Parameters&, Json&) {}
+
+struct Outcome {
+  Json info = {};
+  std::string_view word = {};  // for its kind
+  std::string failure = {};
+};
+
+Outcome infoOf(const std::string& path) {
+  const Measurement read = openFile(path);
+  Json info{{"file", path}, {"kind", kindText(read)}};
+  std::visit([&](const auto& kind) { describe(kind, info); }, read);
+  info["header"] = headerOf(read);
+  return {std::move(info), kindWord(read), {}};
+}
+
+/// The lines of a value: an entry of a list of texts each begins one.
+std::vector<std::string> valueLines(const Json& value, std::size_t width) {
+  if (!value.is_array() || value.empty() || !value.front().is_string()) {
+    return wrapped(listText(value, ", "), width);
+  }
+  std::vector<std::string> lines;
+  for (const Json& entry : value) {
+    for (std::string& line : wrapped(cellText(entry), width)) lines.push_back(std::move(line));
+  }
+  return lines;
+}
+
+/// One key a line; what is empty is left out.
+void printValues(Session& session, const Json& values) {
+  constexpr std::size_t kKeys = 25;
+  const auto room = static_cast<std::size_t>(std::max(20, terminal::width() - 1)) - kKeys - 4;
+  const std::size_t width = terminal::onOutput() ? room : std::string::npos - 1;
+  for (const auto& [key, value] : values.items()) {
+    if (key == "file" || key == "kind" || key == "header" || listText(value, "").empty()) continue;
+    std::string name = key;
+    std::replace(name.begin(), name.end(), '_', ' ');
+    for (const std::string& line : valueLines(value, width)) {
+      session.print(
+          fmt::format("  {}  {}\n", session.faint(fmt::format("{:<{}}", name, kKeys)), line));
+      name.clear();
+    }
+  }
+}
+
+void printCard(Session& session, const Json& info) {
+  const std::string title = aq::escaped(info["file"].get<std::string>());
+  session.print(fmt::format("{}  {}\n", session.strong(title), info["kind"].get<std::string>()));
+  printValues(session, info);
+  printValues(session, info["header"]);
+}
+
+std::string bandsText(const Json& info) {
+  if (!info.contains("low_band")) return {};
+  return fmt::format("{}-{}", info["low_band"].get<int>(), info["high_band"].get<int>());
+}
+
+std::vector<std::string> tableRow(const Json& info, std::string_view word) {
+  const auto text = [&info](const char* key) {
+    return info.contains(key) ? cellText(info[key]) : std::string();
+  };
+  const Json& header = info["header"];
+  const auto headerText = [&header](const char* key) {
+    return header.contains(key) ? cellText(header[key]) : std::string();
+  };
+  const std::string count = text("records") + text("positions");
+  const std::string missing = text("missing");
+  return {text("file"),
+          std::string(word),
+          count,
+          missing == "0" ? "" : missing,
+          bandsText(info),
+          text("begin"),
+          text("duration_s"),
+          headerText("microphone"),
+          headerText("averaging"),
+          headerText("time_stamp"),
+          headerText("project")};
+}
+
+const std::vector<Table::Column> kColumns{{"file"},
+                                          {"kind"},
+                                          {"records", true},
+                                          {"missing", true, true},
+                                          {"bands", true, true},
+                                          {"begin", false, true},
+                                          {"seconds", true, true},
+                                          {"microphone", false, true},
+                                          {"averaging", false, true},
+                                          {"stamp", false, true},
+                                          {"project", false, true}};
+
+void info(Session& session) {
+  const std::vector<std::string> files = chosenFiles(session);
+  Table table(kColumns);
+  inOrder(
+      files.size(), session.jobs,
+      [&](std::size_t i) -> Outcome {
+        try {
+          return infoOf(files[i]);
+        } catch (const std::exception& error) {
+          return {{}, {}, failureText(files[i], error)};
+        }
+      },
+      [&](std::size_t i, const Outcome& outcome) {
+        session.progress(i + 1, files.size());
+        if (!outcome.failure.empty()) return session.complain(outcome.failure);
+        if (session.json) return session.printDocument(outcome.info);
+        if (files.size() == 1) return printCard(session, outcome.info);
+        table.add(tableRow(outcome.info, outcome.word));
+      });
+  if (session.json || files.size() < 2) return;
+  if (terminal::onOutput()) table.fit(static_cast<std::size_t>(terminal::width()));
+  table.print(session);
+}
+
+}  // namespace
+
+void addInfo(CLI::App& program, Session& session) {
+  CLI::App* const command = addCommand(program, session, "info",
+                                       "Say what files are: a card for one, a line each for many",
+                                       "Examples:\n"
+                                       "  aqdata info fly-over.sth.csv\n"
+                                       "  aqdata info --json .\n",
+                                       [&session] { info(session); });
+  addFiles(*command, session);
+  addOutputOptions(*command, session);
+  addJobs(*command, session);
+}
+
+}  // namespace aqdata

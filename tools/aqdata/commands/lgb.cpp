@@ -1,0 +1,68 @@
+#include <aq/check/check_file.h>
+#include <aq/core/band_label.h>
+#include <fmt/format.h>
+
+#include "tools/aqdata/measurement.h"
+#include "tools/aqdata/program.h"
+#include "tools/aqdata/records.h"
+#include "tools/aqdata/text.h"
+
+namespace aqdata {
+namespace {
+
+struct Choice {
+  std::string history;
+  std::string map;
+};
+
+void expectFit(const Choice& choice) {
+  aq::checkFit(choice.history, choice.map, [&](const aq::Finding& finding) {
+    const std::string record =
+        finding.place.record ? fmt::format(", record {}", *finding.place.record) : "";
+    throw Failure(fmt::format("{}{}: {}", aq::escaped(choice.map), record, finding.message));
+  });
+}
+
+std::string text(int band) {
+  if (band == 0) return "no band from 29 up is masked";
+  return band == aq::AQ_INVALID_LEVEL ? "none"
+                                      : std::string(aq::bandLabel(static_cast<std::int16_t>(band)));
+}
+
+void lgb(Session& session, const Choice& choice) {
+  const History read = openHistory(choice.history);
+  const MaskingMap map = openMap(choice.map);
+  expectFit(choice);
+  read.history->setLGB(*map.map);
+  Table table({{"record", true}, {"time"}, {"last good band", true}, {""}});
+  Json rows = Json::array();
+  forRecords(
+      read.history->Count(), [&](std::int16_t record) { return read.history->spectrum(record); },
+      [&](std::int16_t record, aq::AQ_Spectrum& spectrum) {
+        const int band = static_cast<int>(spectrum.Metric()->LGB());
+        rows.push_back({{"record", record}, {"last_good_band", band}});
+        table.add({std::to_string(record), timeText(spectrum.timeValue()), std::to_string(band),
+                   text(band)});
+      });
+  if (!session.json) return table.print(session);
+  session.printDocument(
+      Json{{"file", choice.history}, {"map", choice.map}, {"records", std::move(rows)}});
+}
+
+}  // namespace
+
+void addLgb(CLI::App& program, Session& session) {
+  const auto choice = std::make_shared<Choice>();
+  CLI::App* const command =
+      addCommand(program, session, "lgb", "Find the last good band of every record",
+                 "0 stands for a record without a masked band from 29 up, 9999 for one without a "
+                 "good band.\n\n"
+                 "Examples:\n"
+                 "  aqdata lgb fly-over.sth.csv fly-over.mask.csv\n",
+                 [&session, choice] { lgb(session, *choice); });
+  addFile(*command, choice->history, "HISTORY", "The spectral time history");
+  addFile(*command, choice->map, "MAP", "Its masking map");
+  addOutputOptions(*command, session);
+}
+
+}  // namespace aqdata

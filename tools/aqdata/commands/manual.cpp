@@ -1,0 +1,75 @@
+#include <fmt/format.h>
+
+#include <sstream>
+
+#include "tools/aqdata/program.h"
+
+namespace aqdata {
+namespace {
+
+/// As the page's typesetter takes it: no line begins with a command, no dash becomes a hyphen.
+std::string roff(const std::string& text) {
+  std::string result;
+  for (const char c : text) {
+    if (c == '\\')
+      result += "\\e";
+    else if (c == '-')
+      result += "\\-";
+    else
+      result += c;
+  }
+  return result.starts_with('.') || result.starts_with('\'') ? "\\&" + result : result;
+}
+
+std::string literal(const std::string& text) {
+  std::istringstream lines(text);
+  std::string result = ".PP\n.nf\n";
+  for (std::string line; std::getline(lines, line);) result += roff(line) + '\n';
+  return result + ".fi\n";
+}
+
+std::string optionText(const CLI::Option& option) {
+  std::string names = option.get_name(false, true);
+  const std::string form = option.get_option_text();
+  if (!option.get_lnames().empty() && !form.empty()) names += ' ' + form;
+  return fmt::format(".TP\n\\fB{}\\fR\n{}\n", roff(names), roff(option.get_description()));
+}
+
+std::string commandText(const CLI::App& command) {
+  std::string arguments;
+  std::string options;
+  for (const CLI::Option* option : command.get_options()) {
+    if (option->get_name(true).empty()) {
+      options += optionText(*option);
+    } else {
+      arguments += ' ' + option->get_name(true);
+    }
+  }
+  return fmt::format(".SS \"aqdata {}{} [OPTIONS]\"\n{}.\n{}{}", command.get_name(),
+                     roff(arguments), roff(command.get_description()), options,
+                     literal(command.get_footer()));
+}
+
+std::string manual(CLI::App& program) {
+  std::string commands;
+  for (const CLI::App* command : commandsOf(program)) commands += commandText(*command);
+  return fmt::format(
+      ".TH AQDATA 1 \"\" \"aqdata {}\"\n"
+      ".SH NAME\naqdata \\- {}\n"
+      ".SH SYNOPSIS\n\\fBaqdata\\fR COMMAND ...\n"
+      ".SH DESCRIPTION\n{}\n{}"
+      ".SH COMMANDS\n{}"
+      ".SH ENVIRONMENT\n.TP\nNO_COLOR\nNo colours, if it holds anything.\n",
+      AQDATA_VERSION, "look at, check and convert files of aircraft noise measurements",
+      program.get_description(), literal(program.get_footer()), commands);
+}
+
+}  // namespace
+
+void addManual(CLI::App& program, Session& session) {
+  CLI::App* const command = addCommand(program, session, "manual", "Print the manual page", "",
+                                       [&program, &session] { session.print(manual(program)); });
+  command->group("");  // for the build, which installs it
+}
+
+}  // namespace aqdata

@@ -1,0 +1,119 @@
+#include <fmt/format.h>
+
+#include <cmath>
+
+#include "tools/aqdata/files.h"
+#include "tools/aqdata/measurement.h"
+#include "tools/aqdata/program.h"
+#include "tools/aqdata/records.h"
+#include "tools/aqdata/text.h"
+
+namespace aqdata {
+namespace {
+
+struct Choice {
+  std::string history;
+  std::string ambient;
+  double margin = 3;
+};
+
+/// Levels have two decimals, so a difference of 2.9999999996 dB is one of 3 dB, and not less.
+bool isMasked(double level, double ambient, double margin) {
+  constexpr double kRounding = 1e-6;
+  return level - ambient < margin - kRounding;
+}
+
+std::shared_ptr<aq::AQ_MaskRow> maskedRow(const aq::AQ_Spectrum& spectrum,
+                                          const aq::AQ_Spectrum& ambient, double margin) {
+  auto row = std::make_shared<aq::AQ_MaskRow>();
+  for (std::int32_t number = spectrum.LowBand(); number <= spectrum.HighBand(); ++number) {
+    const auto band = static_cast<std::int16_t>(number);
+    const bool masked =
+        isMasked(spectrum.SPL(band).toDouble(), ambient.SPL(band).toDouble(), margin);
+    row->Mask(band)->MaskMode(masked ? aq::MASKED_BY_MASK_CRITERION : aq::NOT_MASKED);
+  }
+  return row;
+}
+
+aq::AQ_MaskMap mapOf(const History& read, const aq::AQ_Spectrum& ambient, const Choice& choice) {
+  aq::AQ_MaskMap map;
+  const std::int16_t count = read.history->Count();
+  for (std::int32_t number = 1; number <= count; ++number) {
+    const auto record = static_cast<std::int16_t>(number);
+    std::shared_ptr<aq::AQ_Spectrum> spectrum;
+    try {
+      spectrum = read.history->spectrum(record);
+    } catch (const aq::Error&) {
+      throw Failure(
+          fmt::format("{}: a map needs records numbered from 1 without a gap, record {} is missing",
+                      aq::escaped(choice.history), number));
+    }
+    if (!ambient.Encompasses(*spectrum)) {
+      throw Failure(fmt::format("{}: expected levels for bands {} to {}, found {} to {}",
+                                aq::escaped(choice.ambient), spectrum->LowBand(),
+                                spectrum->HighBand(), ambient.LowBand(), ambient.HighBand()));
+    }
+    map.Row(record, maskedRow(*spectrum, ambient, choice.margin));
+  }
+  map.setLGB();
+  return map;
+}
+
+std::shared_ptr<aq::AQ_HeaderMask> headerFor(const Choice& choice) {
+  auto header = std::make_shared<aq::AQ_HeaderMask>();
+  header->sGeneratedBy = "aqdata";
+  header->sGenerationFile = choice.history;
+  header->cCommentLines->Add(fmt::format("Criterion: less than {} dB above the ambient {}",
+                                         choice.margin,
+                                         aq::fileInformation()->recordedName(choice.ambient)));
+  return header;
+}
+
+std::size_t maskedIn(const aq::AQ_MaskMap& map) {
+  std::size_t masked = 0;
+  forRecords(
+      map.Count(), [&](std::int16_t record) { return map.Row(record); },
+      [&](std::int16_t, aq::AQ_MaskRow& row) {
+        for (std::int32_t band = row.LowBand(); band <= row.HighBand(); ++band) {
+          const aq::AQ_Mask decision = row.decision(static_cast<std::int16_t>(band));
+          if (decision.MaskMode() != aq::NOT_MASKED) ++masked;
+        }
+      });
+  return masked;
+}
+
+void mask(Session& session, const Choice& choice) {
+  const History read = openHistory(choice.history);
+  const SpectrumRecord ambient = openSpectrum(choice.ambient);
+  const aq::AQ_MaskMap map = mapOf(read, *ambient.spectrum, choice);
+  writeFile(session, session.output, [&](const std::string& path) {
+    aq::AQ_DataMask file;
+    expectGood(file.writeFile(path, headerFor(choice), map), file);
+  });
+  session.tell(fmt::format("{}: {}, {} masked", aq::escaped(session.output),
+                           counted(static_cast<std::size_t>(map.Count()), "row"),
+                           counted(maskedIn(map), "level")));
+}
+
+}  // namespace
+
+void addMask(CLI::App& program, Session& session) {
+  const auto choice = std::make_shared<Choice>();
+  CLI::App* const command = addCommand(
+      program, session, "mask", "Make a masking map: what is not far enough above the ambient",
+      "Examples:\n"
+      "  aqdata mask fly-over.sth.csv --ambient fly-over.ssr.csv --margin 3 -o made.mask.csv\n",
+      [&session, choice] { mask(session, *choice); });
+  addFile(*command, choice->history, "HISTORY", "The spectral time history");
+  command->add_option("--ambient", choice->ambient, "The spectrum record of the ambient")
+      ->required()
+      ->option_text("AMBIENT");
+  command
+      ->add_option("--margin", choice->margin,
+                   "Levels less than this above the ambient are masked (3)")
+      ->option_text("DB");
+  addOutputFile(*command, session, "The masking map to write");
+  command->add_flag("-q,--quiet", session.quiet, "Say nothing");
+}
+
+}  // namespace aqdata

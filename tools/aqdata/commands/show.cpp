@@ -1,0 +1,205 @@
+#include <fmt/format.h>
+
+#include "tools/aqdata/convert.h"
+#include "tools/aqdata/files.h"
+#include "tools/aqdata/plot.h"
+#include "tools/aqdata/program.h"
+#include "tools/aqdata/sheet.h"
+#include "tools/aqdata/text.h"
+
+namespace aqdata {
+namespace {
+
+struct Choice {
+  std::string file;
+  std::string records;
+  std::string bands;
+  std::string map;
+  std::size_t most = 10;  // that head shows
+  bool levels = false;
+  bool plot = false;
+  bool spectrogram = false;
+};
+
+/// Which levels a map masks; none without a map.
+class Masks {
+ public:
+  explicit Masks(const std::string& map) {
+    if (!map.empty()) map_ = openMap(map).map;
+  }
+
+  [[nodiscard]] bool any() const { return map_ != nullptr; }
+  [[nodiscard]] bool masks(std::int32_t record, std::int16_t band) const {
+    if (!any()) return false;
+    try {
+      aq::AQ_MaskRow& row = *map_->Row(static_cast<std::int16_t>(record));
+      if (band < row.LowBand() || band > row.HighBand()) return false;
+      return row.decision(band).MaskMode() != aq::NOT_MASKED;
+    } catch (const aq::Error&) {
+      return false;  // the map has no row for it
+    }
+  }
+
+ private:
+  std::shared_ptr<aq::AQ_MaskMap> map_;
+};
+
+std::string bandText(Session& session, const Json& cell, bool masked) {
+  const std::string text =
+      cell.is_number() ? fmt::format("{:.2f}", cell.get<double>()) : cellText(cell);
+  return masked ? session.faint(text + '*') : text;
+}
+
+/// A column a band.
+void printBands(Session& session, const Sheet& sheet, const Masks& masks) {
+  std::vector<Table::Column> columns;
+  for (const std::string& name : sheet.columns) columns.push_back({name, true});
+  for (std::int32_t band = sheet.low; band <= sheet.high; ++band) {
+    columns.push_back({fmt::format("{}", band), true});
+  }
+  Table table(columns);
+  for (const Sheet::Row& row : sheet.rows) {
+    std::vector<std::string> cells;
+    for (const Json& cell : row.cells) cells.push_back(cellText(cell));
+    for (std::size_t i = 0; i < row.bands.size(); ++i) {
+      cells.push_back(bandText(session, row.bands[i], masks.masks(row.number, sheet.band(i))));
+    }
+    table.add(std::move(cells));
+  }
+  table.print(session);
+}
+
+/// What the bands of a row come to: their sum, the loudest, and how many are masked.
+std::vector<std::string> summaryOf(const Sheet& sheet, const Sheet::Row& row, const Masks& masks) {
+  std::size_t loudest = row.bands.size();
+  std::size_t masked = 0;
+  for (std::size_t i = 0; i < row.bands.size(); ++i) {
+    if (masks.masks(row.number, sheet.band(i))) ++masked;
+    if (!isLevel(row.bands[i])) continue;
+    if (loudest == row.bands.size() || row.bands[i] > row.bands[loudest]) loudest = i;
+  }
+  const Json sum = energySum(row.bands);
+  std::vector<std::string> cells{sum.is_null() ? "-" : fmt::format("{:.2f}", sum.get<double>())};
+  const bool none = loudest == row.bands.size();
+  cells.push_back(none ? "-" : fmt::format("{:.2f}", row.bands[loudest].get<double>()));
+  cells.push_back(none ? "-" : fmt::format("{}", sheet.band(loudest)));
+  if (masks.any()) cells.push_back(fmt::format("{}", masked));
+  return cells;
+}
+
+void printSummaries(Session& session, const Sheet& sheet, const Masks& masks) {
+  std::vector<Table::Column> columns;
+  for (const std::string& name : sheet.columns) columns.push_back({name, true});
+  columns.insert(columns.end(), {{"all_db", true}, {"loudest_db", true}, {"in_band", true}});
+  if (masks.any()) columns.push_back({"masked", true});
+  Table table(columns);
+  for (const Sheet::Row& row : sheet.rows) {
+    std::vector<std::string> cells;
+    for (const Json& cell : row.cells) cells.push_back(cellText(cell));
+    for (std::string& cell : summaryOf(sheet, row, masks)) cells.push_back(std::move(cell));
+    table.add(std::move(cells));
+  }
+  table.print(session);
+}
+
+void plot(Session& session, const Sheet& sheet, const Choice& choice) {
+  if (sheet.ofBand != "level_db")
+    throw Failure(fmt::format("{}: has no levels to draw", aq::escaped(choice.file)));
+  if (sheet.rows.empty())
+    throw Failure(fmt::format("{}: has no such record to draw", aq::escaped(choice.file)));
+  if (choice.spectrogram) return plotSpectrogram(session, sheet);
+  if (sheet.rows.size() == 1) return plotSpectrum(session, sheet, sheet.rows.front());
+  plotHistory(session, sheet);
+}
+
+void printTable(Session& session, const Sheet& sheet, const Choice& choice) {
+  const bool levels = sheet.ofBand == "level_db";
+  const Masks masks(choice.map);
+  if (levels && !choice.levels && choice.bands.empty())
+    return printSummaries(session, sheet, masks);
+  printBands(session, sheet, masks);
+}
+
+void printHeader(Session& session, const Measurement& read) {
+  Table table({{"parameter"}, {"value"}});
+  const Json header = headerOf(read);
+  for (const auto& [key, value] : header.items()) table.add({key, listText(value, ", ")});
+  table.print(session);
+}
+
+void print(Session& session, const Measurement& read, Sheet& sheet, const Choice& choice) {
+  if (session.json) return session.printDocument(documentOf(choice.file, read, sheet));
+  if (sheet.columns.empty()) return printHeader(session, read);
+  sheet.dropColumns("time_s");
+  if (choice.plot || choice.spectrogram) return plot(session, sheet, choice);
+  printTable(session, sheet, choice);
+}
+
+void show(Session& session, const Choice& choice) {
+  const Measurement read = openFile(choice.file);
+  Sheet sheet = sheetOf(read);
+  const Range records = rangeFrom(choice.records, "records");
+  sheet.keepRows(records.first, records.last);
+  if (!choice.bands.empty()) {
+    const Range bands = rangeFrom(choice.bands, "bands");
+    sheet.keepBands(bands.first, bands.last);
+  }
+  print(session, read, sheet, choice);
+}
+
+void head(Session& session, Choice choice) {
+  choice.levels = true;
+  for (const std::string& file : session.files) {
+    onFile(session, file, [&] {
+      choice.file = file;
+      const Measurement read = openFile(file);
+      Sheet sheet = sheetOf(read);
+      if (sheet.rows.size() > choice.most) sheet.rows.resize(choice.most);
+      print(session, read, sheet, choice);
+    });
+  }
+}
+
+}  // namespace
+
+void addShow(CLI::App& program, Session& session) {
+  const auto choice = std::make_shared<Choice>();
+  CLI::App* const command = addCommand(
+      program, session, "show", "Show the records of a file as a table or drawn",
+      "A drawing of one record is its spectrum; of one band, its level history; else it is that "
+      "of\n"
+      "all bands together. Masked levels carry a star.\n\n"
+      "Examples:\n"
+      "  aqdata show fly-over.sth.csv --records 28:32 --bands 20:30 --mask fly-over.mask.csv\n"
+      "  aqdata show fly-over.sth.csv --plot --bands 30\n"
+      "  aqdata show fly-over.sth.csv --spectrogram\n",
+      [&session, choice] { show(session, *choice); });
+  addFile(*command, choice->file, "FILE", "The file to show");
+  const auto addRange = [&](const char* name, std::string& range, const char* what) {
+    command->add_option(name, range, what)->option_text("A:B");
+  };
+  addRange("--records", choice->records, "These records alone");
+  addRange("--bands", choice->bands, "The levels of these bands");
+  command->add_flag("--levels", choice->levels, "The levels of all bands");
+  command->add_option("--mask", choice->map, "The masking map that marks levels")
+      ->option_text("MAP");
+  command->add_flag("--plot", choice->plot, "Draw the levels");
+  command->add_flag("--spectrogram", choice->spectrogram, "Draw all levels in colours");
+  addOutputOptions(*command, session);
+}
+
+void addHead(CLI::App& program, Session& session) {
+  const auto choice = std::make_shared<Choice>();
+  CLI::App* const command = addCommand(program, session, "head", "Show the first records of files",
+                                       "Examples:\n"
+                                       "  aqdata head -n 3 fly-over.tspi.csv\n",
+                                       [&session, choice] {
+                                         session.files = chosenFiles(session);
+                                         head(session, *choice);
+                                       });
+  addFiles(*command, session);
+  command->add_option("-n,--lines", choice->most, "How many records (10)")->option_text("N");
+  addOutputOptions(*command, session);
+}
+
+}  // namespace aqdata

@@ -1,0 +1,89 @@
+#include <fmt/format.h>
+
+#include "tools/aqdata/files.h"
+#include "tools/aqdata/measurement.h"
+#include "tools/aqdata/program.h"
+
+namespace aqdata {
+namespace {
+
+struct Choice {
+  std::string file;
+  std::string start;
+  std::string type = "START";
+  std::string reference;
+  std::string referenceType = "OTHER";
+};
+
+aq::AQ_Time timeFrom(const std::string& text) {
+  aq::AQ_Time time;
+  try {
+    time.TODstring(text);
+  } catch (const aq::Error&) {
+    throw Failure(fmt::format("expected a time of day hh:mm:ss, found {}", aq::shown(text)));
+  }
+  return time;
+}
+
+/// The value of an enumeration, counted from 0, whose text a history gives as `text`.
+template <class Enumeration, class TextOf>
+Enumeration valueFrom(const std::string& text, const char* what, const TextOf& textOf) {
+  std::vector<std::string> known;
+  for (std::int32_t number = 0;; ++number) {
+    const auto value = static_cast<Enumeration>(number);
+    known.push_back(textOf(value));
+    if (known.back().empty()) break;
+    if (CLI::detail::to_lower(known.back()) == CLI::detail::to_lower(text)) return value;
+  }
+  known.pop_back();
+  throw Failure(fmt::format("expected a {}, one of {}, found {}", what, fmt::join(known, ", "),
+                            aq::shown(text)));
+}
+
+void stamp(Session& session, const Choice& choice) {
+  const History read = openHistory(choice.file);
+  aq::AQ_SpectralTimeHistory texts;
+  const auto type =
+      valueFrom<aq::AQ_TimeStampType>(choice.type, "time stamp type", [&](auto value) {
+        texts.TimeStampType(value);
+        return texts.sTimeStampType();
+      });
+  const auto referenceType =
+      valueFrom<aq::AQ_RefTimeType>(choice.referenceType, "reference time type", [&](auto value) {
+        texts.ReferenceType(value);
+        return texts.sReferenceTimeType();
+      });
+  read.history->setTimeStamps(timeFrom(choice.start), type, timeFrom(choice.reference),
+                              referenceType);
+  writeFile(session, session.output, [&](const std::string& path) {
+    aq::AQ_DataSTH file;
+    expectGood(file.writeFile(path, read.header, *read.history), file);
+  });
+  session.tell(fmt::format("{}: {} records from {} on, relative to {}", aq::escaped(session.output),
+                           read.history->Count(), choice.start, choice.reference));
+}
+
+}  // namespace
+
+void addStamp(CLI::App& program, Session& session) {
+  const auto choice = std::make_shared<Choice>();
+  CLI::App* const command = addCommand(
+      program, session, "stamp", "Stamp the records of a history, half a second each",
+      "Examples:\n"
+      "  aqdata stamp fly-over.sth.csv --start 10:00:00 --type MIDPT --ref 10:00:14.75 \\\n"
+      "    --ref-type OVERHEAD -o stamped.sth.csv\n",
+      [&session, choice] { stamp(session, *choice); });
+  addFile(*command, choice->file, "HISTORY", "The spectral time history");
+  const auto add = [&](const char* name, std::string& value, const char* what, const char* form) {
+    return command->add_option(name, value, what)->option_text(form);
+  };
+  add("--start", choice->start, "The time of day at which record 1 begins", "TIME")->required();
+  add("--type", choice->type, "What a stamp names: START, MIDPT, END, ICAOSLO or OLDSLO", "TYPE");
+  add("--ref", choice->reference, "The time of day that times are relative to", "TIME")->required();
+  add("--ref-type", choice->referenceType,
+      "What that is: START, OVERHEAD, AMAX, PMAX, TMAX, OAMAX, HACK or OTHER", "TYPE");
+  addOutputFile(*command, session, "The history to write");
+  command->add_flag("-q,--quiet", session.quiet, "Say nothing");
+}
+
+}  // namespace aqdata

@@ -1,0 +1,43 @@
+#include <aq/check/check_file.h>
+#include <fmt/format.h>
+
+#include "tools/aqdata/convert.h"
+#include "tools/aqdata/program.h"
+
+namespace aqdata {
+namespace {
+
+struct Choice {
+  std::string file;
+  std::uint8_t rt20 = 1;
+  bool list = false;
+};
+
+void track(Session& session, const Choice& choice) {
+  writePositions(session, openTracking(choice.file, {}, choice.rt20), choice.file);
+  if (!choice.list) return;
+  aq::checkFixes(choice.file, choice.rt20, [&](const aq::Finding& finding) {
+    session.print(fmt::format("{}, line {}: {}\n", aq::escaped(choice.file), finding.place.line,
+                              finding.message));
+  });
+}
+
+}  // namespace
+
+void addTrack(CLI::App& program, Session& session) {
+  const auto choice = std::make_shared<Choice>();
+  CLI::App* const command =
+      addCommand(program, session, "track", "Turn tracking into a position time history",
+                 "Examples:\n"
+                 "  aqdata track fly-over.tspi.csv -o fly-over.pth.csv --rt20 1 --list\n",
+                 [&session, choice] { track(session, *choice); });
+  addFile(*command, choice->file, "TRACKING", "The tracking file");
+  addOutputFile(*command, session, "The position file to write");
+  command->add_option("--rt20", choice->rt20, "The highest RT20 figure that is accepted (1)")
+      ->check(CLI::Range(0, 255))
+      ->option_text("N");
+  command->add_flag("--list", choice->list, "List the lines of rejected fixes");
+  command->add_flag("-q,--quiet", session.quiet, "Say nothing");
+}
+
+}  // namespace aqdata

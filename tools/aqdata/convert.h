@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+#include "tools/aqdata/sheet.h"
+
+namespace aqdata {
+
+/// A whole file as one document: its header and its rows.
+[[nodiscard]] Json documentOf(const std::string& path, const Measurement& read, const Sheet& sheet);
+
+/// Writes the positions of a track to the session's output, and says how many there are.
+void writePositions(Session& session, const Tracking& track, const std::string& from);
+
+}  // namespace aqdata

@@ -1,0 +1,115 @@
+#include "tools/aqdata/files.h"
+
+#include <aq/core/error.h>
+#include <aq/files/data_ascii.h>
+#include <aq/files/file_kind.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <unordered_set>
+
+#include "tools/aqdata/terminal.h"
+
+namespace aqdata {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool isHidden(const fs::path& path) { return path.filename().string().starts_with('.'); }
+
+bool isMeasurement(const fs::path& path) {
+  return path.extension() == ".csv" || aq::kindOfFile(path.string()) != aq::FileKind::Unknown;
+}
+
+/// Goes on behind a folder that cannot be read. Links to folders may lead in a circle, so they are
+/// not followed.
+void walk(const fs::path& folder, Session& session, std::vector<std::string>& files) {
+  std::error_code error;
+  std::vector<fs::path> entries;
+  for (fs::directory_iterator entry(folder, error); !error && entry != fs::directory_iterator();
+       entry.increment(error)) {
+    if (!isHidden(entry->path())) entries.push_back(entry->path());
+  }
+  if (error) session.complain(fmt::format("{}: {}", aq::escaped(folder.string()), error.message()));
+  std::sort(entries.begin(), entries.end());
+  for (const fs::path& entry : entries) {
+    if (fs::is_directory(fs::symlink_status(entry, error))) {
+      walk(entry, session, files);
+    } else if (fs::is_regular_file(entry, error) && isMeasurement(entry)) {
+      files.push_back(entry.string());
+    }
+  }
+}
+
+void choose(const std::string& given, Session& session, std::vector<std::string>& files) {
+  std::error_code error;
+  if (fs::is_directory(given, error)) return walk(given, session, files);
+  if (fs::exists(given, error)) return files.push_back(given);
+  const auto found = terminal::matches(given);
+  for (const std::string& match : found) {
+    if (fs::is_directory(match, error)) {
+      walk(match, session, files);
+    } else {
+      files.push_back(match);
+    }
+  }
+  if (found.empty()) session.complain(fmt::format("{}: no such file", aq::escaped(given)));
+}
+
+/// A folder beside the target that goes with the object. A file written there under the target's
+/// own name records that name, and moves into its place at once.
+class FolderBeside {
+ public:
+  explicit FolderBeside(const std::string& target)
+      : path_(terminal::newFolderBeside(target)),
+        file_((fs::path(path_) / fs::path(target).filename()).string()) {}
+  FolderBeside(const FolderBeside&) = delete;
+  FolderBeside& operator=(const FolderBeside&) = delete;
+  ~FolderBeside() {
+    std::error_code ignored;
+    fs::remove_all(path_, ignored);
+  }
+
+  [[nodiscard]] const std::string& file() const { return file_; }
+
+ private:
+  std::string path_;
+  std::string file_;
+};
+
+}  // namespace
+
+std::vector<std::string> chosenFiles(Session& session) {
+  std::vector<std::string> files;
+  for (const std::string& given : session.files) choose(given, session, files);
+  std::unordered_set<std::string> seen;
+  std::erase_if(files, [&](const std::string& file) { return !seen.insert(file).second; });
+  return files;
+}
+
+void writeFile(const Session& session, const std::string& target,
+               const std::function<void(const std::string& path)>& write) {
+  std::error_code error;
+  const bool exists = fs::exists(target, error);
+  if (exists && !fs::is_regular_file(target, error)) return write(target);  // a device or a pipe
+  if (exists && !session.force) {
+    throw Failure(fmt::format("{}: is there already; --force replaces it", aq::escaped(target)));
+  }
+  const std::string place = exists ? fs::canonical(target).string() : target;
+  const FolderBeside beside(place);
+  write(beside.file());
+  if (exists) fs::permissions(beside.file(), fs::status(place).permissions(), error);
+  fs::rename(beside.file(), place);
+}
+
+void writeLines(const Session& session, const std::string& target,
+                const std::vector<std::string>& lines) {
+  writeFile(session, target, [&](const std::string& path) {
+    aq::AQ_DataASCII file;
+    for (const std::string& line : lines) file.Lines()->Add(line);
+    if (file.writeLines(path) != aq::AQ_DATA_OK) throw Failure(file.lastFailure()->message());
+  });
+}
+
+}  // namespace aqdata

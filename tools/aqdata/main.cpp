@@ -1,0 +1,8 @@
+// The command line tool for files of aircraft noise measurements.
+#include "tools/aqdata/program.h"
+#include "tools/aqdata/terminal.h"
+
+int main(int argc, char** argv) {
+  aqdata::terminal::endQuietlyOnClosedPipe();
+  return aqdata::run(argc, argv);
+}

@@ -1,0 +1,158 @@
+#include "tools/aqdata/measurement.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iterator>
+
+#include "tools/aqdata/session.h"
+
+namespace aqdata {
+namespace {
+
+struct KindNames {
+  aq::FileKind kind;
+  std::string_view text;
+  std::string_view word;
+};
+
+constexpr KindNames kKinds[] = {  // in the order of `Measurement`
+    {aq::FileKind::SpectralTimeHistory, "spectral time history", "history"},
+    {aq::FileKind::MaskingMap, "masking map", "map"},
+    {aq::FileKind::SpectrumRecord, "spectrum record", "spectrum"},
+    {aq::FileKind::PositionTimeHistory, "position time history", "positions"},
+    {aq::FileKind::Tracking, "tracking", "tracking"},
+    {aq::FileKind::MicrophonePosition, "microphone position", "microphone"},
+    {aq::FileKind::GeometricTimeHistory, "geometric time history", "geometry"},
+    {aq::FileKind::VariableInitialization, "variable initialization", "parameters"},
+    {aq::FileKind::Unknown, "unknown", "unknown"}};
+static_assert(std::size(kKinds) == std::variant_size_v<Measurement> + 1);
+
+const KindNames& namesOf(aq::FileKind kind) {
+  return *std::find_if(std::begin(kKinds), std::end(kKinds),
+                       [kind](const KindNames& names) { return names.kind == kind; });
+}
+
+void expectKind(const std::string& path, aq::FileKind expected) {
+  const aq::FileKind found = aq::kindOfFile(path);
+  // What cannot be read or has lost its title fails in its reader, which says why.
+  if (found == expected || found == aq::FileKind::Unknown) return;
+  throw Failure(fmt::format("{}: expected a {} file, found a {} file", aq::escaped(path),
+                            kindText(expected), kindText(found)));
+}
+
+template <class File, class... Out>
+void read(const std::string& path, const aq::HeaderWatch& watch, Out&... out) {
+  File file;
+  file.watchHeader(watch);
+  if constexpr (requires { aq::AQ_DataMessage(file.readFile(path, out...)); }) {
+    expectGood(file.readFile(path, out...), file);
+  } else {
+    aq::AQ_DataMessage result = aq::AQ_DATA_FILE_ERROR;
+    file.readFile(path, out..., result);
+    expectGood(result, file);
+  }
+}
+
+[[noreturn]] void failUnknown(const std::string& path) {
+  aq::AQ_DataASCII lines;
+  expectGood(lines.readLines(path), lines);
+  const bool empty = lines.Lines()->Count() == 0;
+  throw Failure(fmt::format("{}: expected a measurement file, found {}", aq::escaped(path),
+                            empty ? "an empty file" : aq::shown(lines.Lines()->Item(1))));
+}
+
+Positions openPositions(const std::string& path, const aq::HeaderWatch& watch) {
+  Positions read;
+  aqdata::read<aq::AQ_DataPTH>(path, watch, read.header, read.history);
+  return read;
+}
+
+Microphone openMicrophone(const std::string& path, const aq::HeaderWatch& watch) {
+  Microphone read;
+  aqdata::read<aq::AQ_DataMIC>(path, watch, read.header, read.microphone);
+  return read;
+}
+
+Geometry openGeometry(const std::string& path, const aq::HeaderWatch& watch) {
+  Geometry read;
+  aqdata::read<aq::AQ_DataGTH>(path, watch, read.header, read.history);
+  return read;
+}
+
+Parameters openParameters(const std::string& path, const aq::HeaderWatch& watch) {
+  Parameters read{std::make_shared<aq::AQ_DataINI>()};
+  read.parameters->watchHeader(watch);
+  expectGood(read.parameters->readFile(path), *read.parameters);
+  return read;
+}
+
+}  // namespace
+
+std::string_view kindText(aq::FileKind kind) { return namesOf(kind).text; }
+std::string_view kindText(const Measurement& read) { return kKinds[read.index()].text; }
+std::string_view kindWord(const Measurement& read) { return kKinds[read.index()].word; }
+
+void expectGood(aq::AQ_DataMessage result, const aq::FileClass& file) {
+  if (result != aq::AQ_DATA_OK) throw Failure(file.lastFailure()->message());
+}
+
+Measurement openFile(const std::string& path, const aq::HeaderWatch& watch) {
+  switch (aq::kindOfFile(path)) {
+    case aq::FileKind::SpectralTimeHistory: return openHistory(path, watch);
+    case aq::FileKind::PositionTimeHistory: return openPositions(path, watch);
+    case aq::FileKind::MicrophonePosition: return openMicrophone(path, watch);
+    case aq::FileKind::GeometricTimeHistory: return openGeometry(path, watch);
+    case aq::FileKind::MaskingMap: return openMap(path, watch);
+    case aq::FileKind::VariableInitialization: return openParameters(path, watch);
+    case aq::FileKind::SpectrumRecord: return openSpectrum(path, watch);
+    case aq::FileKind::Tracking: return openTracking(path, watch);
+    case aq::FileKind::Unknown: break;
+  }
+  failUnknown(path);
+}
+
+History openHistory(const std::string& path, const aq::HeaderWatch& watch) {
+  History read;
+  expectKind(path, aq::FileKind::SpectralTimeHistory);
+  aqdata::read<aq::AQ_DataSTH>(path, watch, read.header, read.history);
+  return read;
+}
+
+MaskingMap openMap(const std::string& path, const aq::HeaderWatch& watch) {
+  MaskingMap read;
+  expectKind(path, aq::FileKind::MaskingMap);
+  aqdata::read<aq::AQ_DataMask>(path, watch, read.header, read.map);
+  return read;
+}
+
+SpectrumRecord openSpectrum(const std::string& path, const aq::HeaderWatch& watch) {
+  SpectrumRecord read;
+  expectKind(path, aq::FileKind::SpectrumRecord);
+  aqdata::read<aq::AQ_DataSSR>(path, watch, read.spectrum, read.header);
+  return read;
+}
+
+Tracking openTracking(const std::string& path, const aq::HeaderWatch& watch,
+                      std::uint8_t rt20Limit) {
+  Tracking read;
+  expectKind(path, aq::FileKind::Tracking);
+  aq::AQ_DataTSPI file;
+  aq::AQ_DataMessage result = aq::AQ_DATA_FILE_ERROR;
+  file.watchHeader(watch);
+  file.RT20Limit(rt20Limit);
+  file.readFile(path, read.history, result);
+  expectGood(result, file);
+  read.rejected = file.nBadPositions();
+  return read;
+}
+
+std::string timeText(const aq::AQ_Time& time) {
+  try {
+    return time.TODstring();
+  } catch (const aq::Error&) {
+    return {};
+  }
+}
+
+}  // namespace aqdata

@@ -1,0 +1,226 @@
+#include "tools/aqdata/plot.h"
+
+#include <aq/core/band_label.h>
+#include <aq/core/enumerations.h>
+#include <aq/core/error.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <optional>
+
+#include "tools/aqdata/terminal.h"
+#include "tools/aqdata/text.h"
+
+namespace aqdata {
+namespace {
+
+using Level = std::optional<double>;
+
+/// The span of the levels that are drawn, on whole tens.
+struct Scale {
+  double low = std::numeric_limits<double>::max();
+  double high = std::numeric_limits<double>::lowest();
+
+  void see(const Level& level) {
+    if (!level) return;
+    low = std::min(low, std::floor(*level / 10) * 10);
+    high = std::max(high, std::ceil(*level / 10) * 10);
+  }
+  [[nodiscard]] bool empty() const { return low > high; }
+
+  /// 0 at the bottom to 1 at the top.
+  [[nodiscard]] double share(double level) const {
+    return high > low ? (level - low) / (high - low) : 1;
+  }
+};
+
+Level levelOf(const Json& cell) { return isLevel(cell) ? Level(cell.get<double>()) : Level(); }
+
+/// The loudest of the records that share a column, so that no peak is lost.
+std::vector<Level> resampled(const std::vector<Level>& levels, std::size_t columns) {
+  if (levels.size() <= columns) return levels;
+  std::vector<Level> fewer(columns);
+  for (std::size_t i = 0; i < levels.size(); ++i) {
+    Level& level = fewer[i * columns / levels.size()];
+    if (levels[i] && (!level || *levels[i] > *level)) level = levels[i];
+  }
+  return fewer;
+}
+
+std::string bandName(std::int16_t band) {
+  try {
+    return std::string(aq::bandLabel(band));
+  } catch (const aq::Error&) {
+    return fmt::format("B{}", band);
+  }
+}
+
+constexpr std::array<std::string_view, 9> kBlocks{" ", "▁", "▂", "▃", "▄", "▅", "▆", "▇", "█"};
+
+/// A bar's part in a line of characters; `height` is in lines.
+std::string_view blockIn(double height, int line) {
+  const double part = std::clamp(height - line, 0.0, 1.0);
+  return kBlocks[static_cast<std::size_t>(std::lround(part * 8))];
+}
+
+std::string bar(double share, std::size_t width) {
+  constexpr std::array<std::string_view, 8> kParts{"", "▏", "▎", "▍", "▌", "▋", "▊", "▉"};
+  const auto eighths =
+      static_cast<std::size_t>(std::lround(share * static_cast<double>(width) * 8));
+  std::string text;
+  for (std::size_t i = 0; i < eighths / 8; ++i) text += "█";
+  return text.append(kParts[eighths % 8]);
+}
+
+/// The first and the last time below the ends of a picture.
+void printTimes(Session& session, const Sheet& sheet, std::size_t margin, std::size_t columns) {
+  const auto text = [](const Sheet::Row& row) {
+    return row.cells.size() > 1 ? cellText(row.cells[1]) : cellText(row.cells[0]);
+  };
+  const std::string first = text(sheet.rows.front());
+  const std::string last = text(sheet.rows.back());
+  const std::size_t used = first.size() + last.size();
+  const std::size_t gap = columns > used ? columns - used : 1;
+  session.print(std::string(margin, ' ') + first + std::string(gap, ' ') + last + '\n');
+}
+
+std::size_t room(std::size_t margin) {
+  return static_cast<std::size_t>(std::max(40, terminal::width())) - margin - 1;
+}
+
+/// Blue over green and yellow to red.
+std::array<int, 3> colourAt(double share) {
+  static constexpr std::array<std::array<int, 3>, 5> kStops{
+      {{20, 20, 70}, {30, 90, 180}, {40, 170, 120}, {240, 210, 60}, {220, 40, 30}}};
+  const double at = std::clamp(share, 0.0, 1.0) * (kStops.size() - 1);
+  const auto below = std::min(static_cast<std::size_t>(at), kStops.size() - 2);
+  std::array<int, 3> colour{};
+  for (std::size_t i = 0; i < colour.size(); ++i) {
+    colour[i] = static_cast<int>(std::lround(
+        std::lerp(kStops[below][i], kStops[below + 1][i], at - static_cast<double>(below))));
+  }
+  return colour;
+}
+
+/// One cell of a spectrogram: a coloured blank, or a shade where there are no colours.
+std::string cellAt(const Level& level, const Scale& scale, terminal::Colours colours) {
+  if (!level) return " ";
+  const double share = scale.share(*level);
+  const auto [red, green, blue] = colourAt(share);
+  if (colours == terminal::Colours::True) {
+    return fmt::format("\x1b[48;2;{};{};{}m ", red, green, blue);
+  }
+  if (colours == terminal::Colours::Many256) {
+    const auto cube = [](int value) { return (value * 5 + 127) / 255; };
+    return fmt::format("\x1b[48;5;{}m ", 16 + 36 * cube(red) + 6 * cube(green) + cube(blue));
+  }
+  constexpr std::array<std::string_view, 5> kShades{" ", "░", "▒", "▓", "█"};
+  return std::string(kShades[static_cast<std::size_t>(std::lround(share * 4))]);
+}
+
+std::vector<Level> levelsAcross(const Sheet& sheet, std::size_t place) {
+  std::vector<Level> levels;
+  for (const Sheet::Row& row : sheet.rows) {
+    levels.push_back(place < row.bands.size() ? levelOf(row.bands[place]) : Level());
+  }
+  return levels;
+}
+
+std::string scaleText(const Scale& scale) {
+  return fmt::format("{:.0f} to {:.0f} dB", scale.low, scale.high);
+}
+
+}  // namespace
+
+bool isLevel(const Json& cell) {
+  return cell.is_number() && cell.get<double>() != double{aq::AQ_INVALID_LEVEL};
+}
+
+Json energySum(const std::vector<Json>& levels) {
+  double sum = 0;
+  for (const Json& level : levels) {
+    if (isLevel(level)) sum += std::pow(10, level.get<double>() / 10);
+  }
+  if (sum == 0) return nullptr;
+  return std::round(10 * std::log10(sum) * 100) / 100;
+}
+
+void plotSpectrum(Session& session, const Sheet& sheet, const Sheet::Row& row) {
+  constexpr std::size_t kMargin = 22;
+  Scale scale;
+  for (const Json& cell : row.bands) scale.see(levelOf(cell));
+  for (std::size_t i = 0; i < row.bands.size(); ++i) {
+    const Level level = levelOf(row.bands[i]);
+    const std::string drawn = level ? bar(scale.share(*level), room(kMargin)) : "";
+    session.print(fmt::format("{:<11} {:>7}  {}\n", bandName(sheet.band(i)),
+                              level ? fmt::format("{:.2f}", *level) : "-",
+                              session.painted("36", drawn)));
+  }
+  if (!scale.empty()) session.print(session.faint(fmt::format("bars from {}\n", scaleText(scale))));
+}
+
+void plotHistory(Session& session, const Sheet& sheet) {
+  constexpr std::size_t kMargin = 8;
+  constexpr int kLines = 12;
+  const bool single = sheet.low == sheet.high;
+  std::vector<Level> levels;
+  for (const Sheet::Row& row : sheet.rows) {
+    levels.push_back(
+        levelOf(single && !row.bands.empty() ? row.bands.front() : energySum(row.bands)));
+  }
+  levels = resampled(levels, room(kMargin));
+  Scale scale;
+  for (const Level& level : levels) scale.see(level);
+  if (scale.empty()) return session.print("no valid level to draw\n");
+  session.print(fmt::format("{} in dB\n", single ? "Level of " + bandName(sheet.low)
+                                                 : std::string("Level of all bands together")));
+  for (int line = kLines - 1; line >= 0; --line) {
+    std::string drawn;
+    for (const Level& level : levels) {
+      drawn += blockIn(level ? std::max(0.125, scale.share(*level) * kLines) : 0, line);
+    }
+    const double at = scale.low + (scale.high - scale.low) * (line + 1) / kLines;
+    const bool labelled = line == kLines - 1 || line == kLines / 2 - 1;
+    session.print(fmt::format("{:>6} {}{}\n", labelled ? fmt::format("{:.0f}", at) : "",
+                              labelled ? "┤" : "│", session.painted("36", drawn)));
+  }
+  session.print(fmt::format("{:>6.0f} └", scale.low));
+  std::string axis;
+  for (std::size_t i = 0; i < levels.size(); ++i) axis += "─";
+  session.print(axis + '\n');
+  printTimes(session, sheet, kMargin, levels.size());
+}
+
+void plotSpectrogram(Session& session, const Sheet& sheet) {
+  constexpr std::size_t kMargin = 12;
+  const auto colours =
+      session.colourful()
+          ? std::max(terminal::colours(), session.colour == "always" ? terminal::Colours::Many256
+                                                                     : terminal::Colours::None)
+          : terminal::Colours::None;
+  Scale scale;
+  std::vector<std::vector<Level>> bands;
+  for (std::int32_t band = sheet.low; band <= sheet.high; ++band) {
+    bands.push_back(resampled(levelsAcross(sheet, bands.size()), room(kMargin)));
+    for (const Level& level : bands.back()) scale.see(level);
+  }
+  if (scale.empty()) return session.print("no valid level to draw\n");
+  const bool coloured = colours == terminal::Colours::Many256 || colours == terminal::Colours::True;
+  for (std::size_t i = bands.size(); i-- > 0;) {
+    std::string drawn;
+    for (const Level& level : bands[i]) drawn += cellAt(level, scale, colours);
+    session.print(
+        fmt::format("{:<11} {}{}\n", bandName(sheet.band(i)), drawn, coloured ? "\x1b[0m" : ""));
+  }
+  printTimes(session, sheet, kMargin, bands.front().size());
+  std::string legend;
+  for (int i = 0; i <= 20; ++i)
+    legend += cellAt(scale.low + (scale.high - scale.low) * i / 20, scale, colours);
+  session.print(fmt::format("{}{}{} {}\n", std::string(kMargin, ' '), legend,
+                            coloured ? "\x1b[0m" : "", scaleText(scale)));
+}
+
+}  // namespace aqdata

@@ -1,0 +1,146 @@
+#include "tools/aqdata/sheet.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "tools/aqdata/records.h"
+
+namespace aqdata {
+namespace {
+
+/// Their text keeps hundredths alone for most of the day.
+double secondsOf(const aq::AQ_Time& time) { return tidySeconds(time.TODseconds()); }
+
+/// Takes the bands of `cells`, from `low` up, as a row; the sheet's bands hold those of all rows.
+void addRow(Sheet& sheet, std::int32_t number, std::vector<Json> cells,
+            std::vector<Json> bands = {}) {
+  cells.insert(cells.begin(), number);
+  sheet.rows.push_back({number, std::move(cells), std::move(bands)});
+}
+
+void setBands(Sheet& sheet, std::int16_t low, std::int16_t high) {
+  sheet.low = low;
+  sheet.high = high;
+}
+
+std::vector<Json> levelsOf(const aq::AQ_Spectrum& spectrum) {
+  std::vector<Json> levels;
+  for (const double level : spectrum.plainLevels()) levels.emplace_back(level);
+  return levels;
+}
+
+Sheet sheetFrom(const History& read) {
+  Sheet sheet{.columns = {"record", "time", "time_s", "relative_s"}, .ofBand = "level_db"};
+  const aq::AQ_SpectralTimeHistory& history = *read.history;
+  forRecords(
+      history.Count(), [&](std::int16_t record) { return history.spectrum(record); },
+      [&](std::int16_t record, const aq::AQ_Spectrum& spectrum) {
+        const aq::AQ_Time time = spectrum.timeValue();
+        setBands(sheet, spectrum.LowBand(), spectrum.HighBand());  // the header's, for all
+        const double relative = tidy(static_cast<float>(time.RelSeconds()));
+        addRow(sheet, record, {timeText(time), secondsOf(time), relative}, levelsOf(spectrum));
+      });
+  return sheet;
+}
+
+Sheet sheetFrom(const SpectrumRecord& read) {
+  Sheet sheet{.columns = {"record"}, .ofBand = "level_db"};
+  setBands(sheet, read.spectrum->LowBand(), read.spectrum->HighBand());
+  addRow(sheet, 1, {}, levelsOf(*read.spectrum));
+  return sheet;
+}
+
+Sheet sheetFrom(const MaskingMap& read) {
+  Sheet sheet{.columns = {"record", "last_good_band"}, .ofBand = "mask"};
+  setBands(sheet, read.header->iBandLow, read.header->iBandHigh);
+  forRecords(
+      read.map->Count(), [&](std::int16_t record) { return read.map->Row(record); },
+      [&](std::int16_t record, aq::AQ_MaskRow& row) {
+        std::vector<Json> masks;
+        for (std::int32_t band = sheet.low; band <= sheet.high; ++band) {
+          masks.emplace_back(row.decision(static_cast<std::int16_t>(band)).MaskString());
+        }
+        addRow(sheet, record, {row.LGB()}, std::move(masks));
+      });
+  return sheet;
+}
+
+Sheet positionSheet(const aq::AQ_PositionTimeHistory& history) {
+  Sheet sheet{.columns = {"position", "time", "time_s", "x", "y", "z"}};
+  for (std::int32_t place = 1; place <= history.Count(); ++place) {
+    aq::AQ_Position& position = *history.Position(place);
+    addRow(sheet, place,
+           {timeText(*position.Time()), secondsOf(*position.Time()), position.X(), position.Y(),
+            position.Z()});
+  }
+  return sheet;
+}
+
+Sheet sheetFrom(const Positions& read) { return positionSheet(*read.history); }
+Sheet sheetFrom(const Tracking& read) { return positionSheet(*read.history); }
+
+Sheet sheetFrom(const Geometry& read) {
+  Sheet sheet{.columns = {"record", "time", "time_s", "emission_time", "emission_time_s",
+                          "propagation_s", "x", "y", "z", "slant_range", "theta", "beta"}};
+  forRecords(
+      read.history->Count(), [&](std::int16_t record) { return read.history->Point(record); },
+      [&](std::int16_t record, aq::AQ_Geometry& point) {
+        addRow(sheet, record,
+               {timeText(*point.Tm()), secondsOf(*point.Tm()), timeText(*point.Te()),
+                secondsOf(*point.Te()), point.Tprope, point.Pe()->X(), point.Pe()->Y(),
+                point.Pe()->Z(), point.SRe, tidy(point.THETAe), tidy(point.BETAe)});
+      });
+  return sheet;
+}
+
+Sheet sheetFrom(const Microphone& read) {
+  Sheet sheet{.columns = {"microphone", "x", "y", "z", "height"}};
+  const aq::AQ_Microphone& at = *read.microphone;
+  addRow(sheet, 1, {at.X, at.Y, at.Z, at.Height});
+  return sheet;
+}
+
+Sheet sheetFrom(const Parameters&) { return {}; }  // all is in the header
+
+}  // namespace
+
+void Sheet::keepRows(std::int32_t first, std::int32_t last) {
+  std::erase_if(rows, [&](const Row& row) { return row.number < first || row.number > last; });
+}
+
+void Sheet::keepBands(std::int16_t first, std::int16_t last) {
+  const std::int16_t newLow = std::max(low, first);
+  const std::int16_t newHigh = std::min(high, last);
+  const auto size = static_cast<std::size_t>(std::max(0, newHigh - newLow + 1));
+  for (Row& row : rows) {
+    const auto begin =
+        row.bands.begin() +
+        std::min<std::ptrdiff_t>(newLow - low, static_cast<std::ptrdiff_t>(row.bands.size()));
+    row.bands.erase(row.bands.begin(), begin);
+    if (row.bands.size() > size) row.bands.resize(size);
+  }
+  setBands(*this, newLow, newHigh);
+}
+
+void Sheet::dropColumns(std::string_view ending) {
+  for (std::size_t i = columns.size(); i-- > 0;) {
+    if (!columns[i].ends_with(ending)) continue;
+    columns.erase(columns.begin() + static_cast<std::ptrdiff_t>(i));
+    for (Row& row : rows) row.cells.erase(row.cells.begin() + static_cast<std::ptrdiff_t>(i));
+  }
+}
+
+Sheet sheetOf(const Measurement& measurement) {
+  Sheet sheet = std::visit([](const auto& read) { return sheetFrom(read); }, measurement);
+  std::sort(sheet.rows.begin(), sheet.rows.end(),
+            [](const auto& a, const auto& b) { return a.number < b.number; });
+  return sheet;
+}
+
+double tidySeconds(double seconds) { return std::round(seconds * 1e5) / 1e5; }
+
+double tidy(float value) { return aq::Variant(fmt::format("{}", value)).toDouble(); }
+
+}  // namespace aqdata

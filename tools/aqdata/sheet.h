@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/aqdata/measurement.h"
+#include "tools/aqdata/session.h"
+
+namespace aqdata {
+
+/// The data of a file as rows, whatever its kind: what is shown, converted and compared.
+struct Sheet {
+  struct Row {
+    std::int32_t number;      ///< of the record; the place of a position
+    std::vector<Json> cells;  ///< one a column
+    std::vector<Json> bands;  ///< one a band, of the lowest up; null where there is none
+  };
+
+  std::vector<std::string> columns = {};  ///< the first is the number's
+  std::string ofBand = {};  ///< what a band's cell is, as in "level"; empty without bands
+  std::int16_t low = 0;
+  std::int16_t high = -1;
+  std::vector<Row> rows = {};  ///< in the order of their numbers
+
+  [[nodiscard]] bool hasBands() const { return !ofBand.empty(); }
+
+  /// The band of a place in `Row::bands`.
+  [[nodiscard]] std::int16_t band(std::size_t place) const {
+    return static_cast<std::int16_t>(low + static_cast<std::int32_t>(place));
+  }
+
+  /// Keeps the rows whose number, and the bands, that lie in a range.
+  void keepRows(std::int32_t first, std::int32_t last);
+  void keepBands(std::int16_t first, std::int16_t last);
+
+  /// Times stand twice, as text and in seconds: drops the columns whose names end so.
+  void dropColumns(std::string_view ending);
+};
+
+[[nodiscard]] Sheet sheetOf(const Measurement& measurement);
+
+/// What a file's header says, key by key, in its own order.
+[[nodiscard]] Json headerOf(const Measurement& measurement);
+
+/// Seconds to the digits that they were read with: those of a minute in single precision.
+[[nodiscard]] double tidySeconds(double seconds);
+
+/// A number of single precision as the shortest text of it reads.
+[[nodiscard]] double tidy(float value);
+
+}  // namespace aqdata

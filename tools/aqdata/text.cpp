@@ -1,0 +1,192 @@
+#include "tools/aqdata/text.h"
+
+#include <aq/core/error.h>
+#include <aq/core/variant.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <numeric>
+
+#include "tools/aqdata/terminal.h"
+
+namespace aqdata {
+namespace {
+
+constexpr std::size_t kGap = 2;  // between two columns
+
+bool beginsCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }
+
+/// Where the character behind the first `count` of `text` begins.
+std::size_t offsetOf(std::string_view text, std::size_t count) {
+  std::size_t at = 0;
+  while (at < text.size() && (count != 0 || !beginsCharacter(text[at]))) {
+    if (beginsCharacter(text[at])) --count;
+    ++at;
+    while (at < text.size() && !beginsCharacter(text[at])) ++at;
+  }
+  return at;
+}
+
+std::size_t editsBetween(std::string_view a, std::string_view b) {
+  std::vector<std::size_t> row(b.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (const char c : a) {
+    std::size_t diagonal = row[0]++;
+    for (std::size_t j = 0; j < b.size(); ++j) {
+      const std::size_t replaced = diagonal + (c == b[j] ? 0 : 1);
+      diagonal = row[j + 1];
+      row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
+    }
+  }
+  return row.back();
+}
+
+}  // namespace
+
+std::size_t widthOf(std::string_view text) {
+  std::size_t width = 0;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (text[at] == '\x1b') {
+      at = std::min(text.find('m', at), text.size() - 1);
+    } else if (beginsCharacter(text[at])) {
+      ++width;
+    }
+  }
+  return width;
+}
+
+std::string shortened(std::string_view text, std::size_t width) {
+  const std::size_t whole = widthOf(text);
+  if (whole <= width || width < 3) return std::string(text);
+  const std::size_t front = (width - 1) / 2;
+  const std::size_t behind = width - 1 - front;
+  return fmt::format("{}…{}", text.substr(0, offsetOf(text, front)),
+                     text.substr(offsetOf(text, whole - behind)));
+}
+
+std::string cellText(const Json& value) {
+  if (value.is_null()) return {};
+  if (value.is_string()) return aq::escaped(value.get_ref<const std::string&>());
+  return value.is_number_float() ? fmt::format("{}", value.get<double>()) : value.dump();
+}
+
+std::string listText(const Json& value, std::string_view between) {
+  if (!value.is_array()) return cellText(value);
+  std::string text;
+  for (std::size_t i = 0; i < value.size(); ++i) {
+    if (i != 0) text += between;
+    text += cellText(value[i]);
+  }
+  return text;
+}
+
+std::vector<std::string> wrapped(std::string_view text, std::size_t width) {
+  std::vector<std::string> lines;
+  while (widthOf(text) > width) {
+    const std::size_t most = offsetOf(text, width + 1);
+    const std::size_t blank = text.rfind(' ', most);
+    const std::size_t at = blank == text.npos || blank == 0 ? offsetOf(text, width) : blank;
+    lines.emplace_back(text.substr(0, at));
+    text.remove_prefix(at == blank ? at + 1 : at);
+  }
+  lines.emplace_back(text);
+  return lines;
+}
+
+std::string counted(std::size_t count, std::string_view ofWhat) {
+  return fmt::format("{} {}{}", count, ofWhat, count == 1 ? "" : "s");
+}
+
+std::string nearest(std::string_view name, const std::vector<std::string>& names) {
+  std::string found;
+  std::size_t fewest = std::max<std::size_t>(2, name.size() / 3) + 1;
+  for (const std::string& candidate : names) {
+    const bool begun = name.size() > 1 && candidate.starts_with(name);
+    const std::size_t edits = begun ? 1 : editsBetween(name, candidate);
+    if (edits >= fewest) continue;
+    fewest = edits;
+    found = candidate;
+  }
+  return found;
+}
+
+Range rangeFrom(const std::string& text, std::string_view ofWhat) {
+  const std::size_t colon = text.find(':');
+  try {
+    Range range;
+    const std::string first = text.substr(0, colon);
+    const std::string last = colon == text.npos ? first : text.substr(colon + 1);
+    if (!first.empty()) range.first = aq::Variant(first).toInt16();
+    if (!last.empty()) range.last = aq::Variant(last).toInt16();
+    return range;
+  } catch (const aq::Error&) {
+    throw Failure(fmt::format("expected {} as in 10:40, found {}", ofWhat, aq::shown(text)));
+  }
+}
+
+std::vector<std::size_t> Table::widths() const {
+  std::vector<std::size_t> widths;
+  for (const Column& column : columns_) widths.push_back(widthOf(column.heading));
+  for (const auto& row : rows_) {
+    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], widthOf(row[i]));
+  }
+  return widths;
+}
+
+std::size_t Table::width() const {
+  const auto all = widths();
+  return std::accumulate(all.begin(), all.end(), kGap * (all.size() - 1));
+}
+
+void Table::fit(std::size_t width) {
+  for (std::size_t i = columns_.size(); i-- > 0 && this->width() > width;) {
+    if (!columns_[i].optional) continue;
+    columns_.erase(columns_.begin() + static_cast<std::ptrdiff_t>(i));
+    for (auto& row : rows_) row.erase(row.begin() + static_cast<std::ptrdiff_t>(i));
+  }
+  constexpr std::size_t kLeast = 12;
+  const std::size_t whole = this->width();
+  if (whole <= width) return;
+  const std::size_t first = widths().front();
+  const std::size_t room = std::max(kLeast, first - std::min(first, whole - width));
+  for (auto& row : rows_) row.front() = shortened(row.front(), room);
+}
+
+void Table::print(Session& session) const {
+  const auto all = widths();
+  const std::size_t room =
+      terminal::onOutput() ? static_cast<std::size_t>(terminal::width()) : std::string::npos;
+  std::size_t next = 1;
+  do {
+    if (next != 1) session.print("\n");
+    std::vector<std::size_t> places{0};
+    std::size_t used = all[0];
+    for (; next < all.size(); ++next) {
+      used += kGap + all[next];
+      if (used > room && places.size() > 1) break;
+      places.push_back(next);
+    }
+    printBlock(session, places, all);
+  } while (next < all.size());
+}
+
+void Table::printBlock(Session& session, const std::vector<std::size_t>& places,
+                       const std::vector<std::size_t>& widths) const {
+  const auto line = [&](const auto& cellAt) {
+    std::string text;
+    for (const std::size_t i : places) {
+      const std::string& cell = cellAt(i);
+      const std::string blanks(widths[i] - widthOf(cell), ' ');
+      text += columns_[i].number ? blanks + cell : cell + blanks;
+      text.append(kGap, ' ');
+    }
+    return text.erase(text.find_last_not_of(' ') + 1);
+  };
+  session.print(session.strong(line([&](std::size_t i) -> auto& { return columns_[i].heading; })) +
+                '\n');
+  for (const auto& row : rows_) {
+    session.print(line([&](std::size_t i) -> auto& { return row[i]; }) + '\n');
+  }
+}
+
+}  // namespace aqdata
