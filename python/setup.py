@@ -15,9 +15,9 @@ PROJECT = Path(__file__).resolve().parent.parent
 class CMakeBuild(build_ext):
     def build_extension(self, ext: Extension) -> None:
         build = Path(self.build_temp).resolve()
-        options = ["-G", "Ninja", "-DCMAKE_BUILD_TYPE=Release", "-DAQ_PYTHON=ON"]
+        options = ["-DCMAKE_BUILD_TYPE=Release", "-DAQ_PYTHON=ON"]
         subprocess.run(["cmake", "-S", PROJECT, "-B", build, *options], check=True)
-        command = ["cmake", "--build", build, "--target", "aq_python_package"]
+        command = ["cmake", "--build", build, "--parallel", "--target", "aq_python_package"]
         subprocess.run(command, check=True)
         target = Path(self.get_ext_fullpath(ext.name))
         target.parent.mkdir(parents=True, exist_ok=True)

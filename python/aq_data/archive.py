@@ -192,9 +192,11 @@ def open_many(
     if errors not in ("raise", "skip"):
         raise ValueError(f"expected errors='raise' or 'skip', found {errors!r}")
     names = _expanded(paths)
-    maps = None if masks is None else dict(zip(names, _expanded(masks)))
-    if maps is not None and len(maps) != len(names):
-        raise ValueError(f"expected a map for each of {len(names)} histories, found {len(maps)}")
+    map_names = [] if masks is None else _expanded(masks)
+    if masks is not None and len(map_names) != len(names):
+        raise ValueError(
+            f"expected a map for each of {len(names)} histories, found {len(map_names)}"
+        )
     shapes = _kept(_in_threads(_shape, names, progress=False), errors)
     if not shapes:
         raise ValueError("expected at least one history that reads, found none")
@@ -207,8 +209,9 @@ def open_many(
             ("time", "band"), level, "dB", "one-third-octave band sound pressure level"
         )
     }
-    if maps is not None:
-        modes = _lazy(_modes, [maps[path] for path in kept], shapes, bands, np.int8)
+    if masks is not None:
+        map_of = dict(zip(names, map_names))
+        modes = _lazy(_modes, [map_of[path] for path in kept], shapes, bands, np.int8)
         variables["mask_mode"] = variable(("time", "band"), modes, "1", "masking decision")
     counts = [len(shape.records) for shape in shapes]
     numbers = np.concatenate([shape.records for shape in shapes])

@@ -227,7 +227,7 @@ def _mask_beside(history: _core.AQ_SpectralTimeHistory, mask: _core.AQ_MaskMap) 
         if flags.size:
             low = int(mask.bands[0] - history.bands[0])
             wide[:, low : low + flags.shape[1]] = flags.values
-        variables[name] = flags.copy(data=wide)
+        variables[name] = variable(flags.dims, wide, "", **flags.attrs)
     return variables
 
 

@@ -22,7 +22,8 @@ NO_BAND_IS_GOOD = int(_core.AQ_CONSTANTS.AQ_INVALID_LEVEL)
 
 
 def _dataset(data: Any) -> xr.Dataset:
-    return data if isinstance(data, xr.Dataset) else data.to_xarray()
+    ds: xr.Dataset = data if isinstance(data, xr.Dataset) else data.to_xarray()
+    return ds
 
 
 def _axes(ax: Optional[Axes]) -> Axes:
@@ -181,7 +182,9 @@ def ground_track(
     """The path over the ground, to scale, with rejected fixes and the microphone."""
     ax = _fixes(positions, ("x", "y"), ax, ".-", unit)
     if microphone is not None:
-        ax.plot(microphone.X, microphone.Y, "^", color="black", ms=9, mfc="none", label="microphone")
+        ax.plot(
+            microphone.X, microphone.Y, "^", color="black", ms=9, mfc="none", label="microphone"
+        )
         ax.legend()
     ax.set_xlabel(f"X ({unit})")
     ax.set_aspect("equal", adjustable="datalim")

@@ -84,8 +84,8 @@ py::array_t<std::int16_t> lastGoodBands(const AQ_MaskMap& map) {
 
 void setLastGoodBands(const AQ_MaskMap& map, const py::object& given) {
   const auto rows = rowsOf(map).objects;
-  auto band = shortNumbers(given, std::ssize(rows), "one band number a row").begin();
-  for (const auto& row : rows) row->LGB(*band++);
+  const auto bands = shortNumbers(given, std::ssize(rows), "one band number a row");
+  for (std::size_t i = 0; i < rows.size(); ++i) rows[i]->LGB(bands[i]);
 }
 
 py::list savedMasks(AQ_MaskRow& row) {

@@ -24,13 +24,14 @@ import numpy.typing as npt
 import pandas as pd
 import xarray as xr
 
-Path = Union[str, bytes, os.PathLike[str], os.PathLike[bytes]]
-Value = Union[None, bool, float, str]
+_Path = Union[str, bytes, os.PathLike[str], os.PathLike[bytes]]
+_Value = Union[None, bool, float, str]
 '''
 WORDS = {
     r"aq_data\._core\.": "",
     r"numpy\.ndarray\[numpy\.(\w+)\]": r"npt.NDArray[np.\1]",
     r"numpy\.ndarray": "npt.NDArray[Any]",
+    r"\b(Path|Value)\b": r"_\1",
     r"\bobject\b": "Any",
     r"\bhandle\b": "Any",
     r"\biterable\b": "Iterable[Any]",
