@@ -2,6 +2,8 @@
 
 // The whole library.
 
+#include "aq/check/check_file.h"
+#include "aq/check/finding.h"
 #include "aq/core/collection.h"
 #include "aq/core/enumerations.h"
 #include "aq/core/error.h"

@@ -79,10 +79,23 @@ const Parameter kParameters[] = {
      [](AQ_DataINI& p, Text text) { p.HiRec(int16From(text)); }},
 };
 
+/// The keyword that `upperCase` stands for; empty when there is none.
+std::string_view keywordOf(std::string_view upperCase) {
+  for (const std::string_view keyword : {kFileName, kFileDateTime, kComments}) {
+    if (upperCase == upperCased(keyword)) return keyword;
+  }
+  for (const Parameter& parameter : kParameters) {
+    if (upperCase == upperCased(parameter.keyword)) return parameter.keyword;
+  }
+  return {};
+}
+
 /// Takes `count` comment lines, each up to its first comma; empty ones are dropped.
-void readComments(std::int16_t count, LineReader& lines, Collection<std::string>& comments) {
+void readComments(std::int16_t count, LineReader& lines, const HeaderWatch& watch,
+                  Collection<std::string>& comments) {
   for (std::int32_t i = 1; i <= count; ++i) {
     takeLine(lines, "one more comment line");
+    show(watch, {lines.number(), HeaderLine::Use::Text, {}, lines.line(), {}});
     FieldReader fields(lines);
     const std::string_view comment = fields.text("a comment");
     if (!comment.empty()) comments.Add(std::string(comment));
@@ -97,18 +110,21 @@ void readDateTime(FieldReader& fields, AQ_Time& time) {
 
 /// Takes one line, and those that belong to it. Keywords are known in any case; unknown ones and
 /// lines without one are passed over.
-void readLine(LineReader& lines, AQ_DataINI& parameters) {
+void readLine(LineReader& lines, const HeaderWatch& watch, AQ_DataINI& parameters) {
   FieldReader fields(lines);
   const std::string_view first = fields.text("a keyword");
   const std::size_t mark = first.find("**");
-  if (mark == first.npos || mark == 0) return;
-  const std::string key = upperCased(first.substr(0, mark));
-  const auto is = [&key](std::string_view keyword) { return key == upperCased(keyword); };
-  if (is(kFileName)) parameters.FileName(std::string(fields.text("a file name")));
-  if (is(kFileDateTime)) readDateTime(fields, *parameters.FileDate());
-  if (is(kComments)) readComments(fields.int16("an integer"), lines, *parameters.Comments());
+  const std::string_view key =
+      mark == first.npos ? std::string_view() : keywordOf(upperCased(first.substr(0, mark)));
+  const auto use = key.empty() ? HeaderLine::Use::Unused : HeaderLine::Use::Keyword;
+  show(watch, {lines.number(), use, key, lines.line(), {}});
+  if (key == kFileName) parameters.FileName(std::string(fields.text("a file name")));
+  if (key == kFileDateTime) readDateTime(fields, *parameters.FileDate());
+  if (key == kComments) {
+    readComments(fields.int16("an integer"), lines, watch, *parameters.Comments());
+  }
   for (const Parameter& parameter : kParameters) {
-    if (!is(parameter.keyword)) continue;
+    if (key != parameter.keyword) continue;
     fields.convert(parameter.expected, [&](Text text) { parameter.set(parameters, text); });
   }
 }
@@ -138,7 +154,7 @@ AQ_DataMessage AQ_DataINI::readFile(const std::string& sFileName) {
     bool more = lines.next();
     averaging_ = AQ_NA;
     timing_ = kTimingNotSet;
-    for (; more; more = lines.next()) readLine(lines, *this);
+    for (; more; more = lines.next()) readLine(lines, headerWatch(), *this);
   });
 }
 

@@ -62,11 +62,12 @@ AQ_DataMessage AQ_DataSSR::readFile(const std::string& sFileName,
                                     std::shared_ptr<AQ_HeaderSSR>& ssrHeader) {
   return reading(sFileName, [&](const std::string& name) {
     LineReader lines(name);
-    HeaderReader headerLines(lines);
+    HeaderReader headerLines(lines, headerWatch());
     header_ = std::make_shared<AQ_HeaderSSR>();
     header(headerLines, *header_);
     ssrHeader = header_;
     takeLine(lines, "the line of band labels");
+    show(headerWatch(), {lines.number(), HeaderLine::Use::Headings, {}, lines.line(), {}});
     LevelColumns columns = columnsFrom(FieldReader(lines));
     takeLine(lines, "the line of levels");
     FieldReader levels(lines);

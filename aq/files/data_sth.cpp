@@ -5,6 +5,7 @@
 #include "aq/core/platform.h"
 #include "aq/core/required.h"
 #include "aq/files/level_columns.h"
+#include "aq/text/count_keywords.h"
 #include "aq/text/fields.h"
 #include "aq/text/file_titles.h"
 #include "aq/text/header_reader.h"
@@ -42,11 +43,11 @@ void header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHistory& history,
   lines.value(
       "ReferenceTimeType", [&] { return history.sReferenceTimeType(); },
       [&](Text text) { history.sReferenceTimeType(upperCased(text)); });
-  lines.integer("NumberOfSpectrum", count);
-  lines.integers("RecordNumbers", ",", low, high);
+  lines.integer(keywords::kNumberOfSpectrum, count);
+  lines.integers(keywords::kRecordNumbers, ",", low, high);
   history.LoRec(low);
   history.HiRec(high);
-  lines.integers("Bands", ", ", columns.low, columns.high);
+  lines.integers(keywords::kBands, ", ", columns.low, columns.high);
   lines.text("GeneratedBy", header.sGeneratedBy);
   lines.recordedName("GenerationFile", header.sGenerationFile);
   lines.dateTimeOf("GenerationFileDateTime", header.sGenerationFile, header.aqGenerationDateTime);
@@ -115,7 +116,7 @@ AQ_DataMessage AQ_DataSTH::readFile(const std::string& sFileName,
   return reading(sFileName, [&](const std::string& name) {
     auto history = std::make_shared<AQ_SpectralTimeHistory>();
     LineReader lines(name);
-    HeaderReader headerLines(lines);
+    HeaderReader headerLines(lines, headerWatch());
     header_ = std::make_shared<AQ_HeaderSTH>();
     LevelColumns columns;
     header(headerLines, *header_, *history, columns);

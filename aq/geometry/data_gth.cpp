@@ -3,6 +3,7 @@
 #include "aq/core/number_text.h"
 #include "aq/core/platform.h"
 #include "aq/core/required.h"
+#include "aq/text/count_keywords.h"
 #include "aq/text/data_line_limit.h"
 #include "aq/text/fields.h"
 #include "aq/text/file_titles.h"
@@ -33,7 +34,7 @@ void header(Lines& lines, AQ_HeaderGTH& header) {
   lines.dateTimeOf("PTHDateTime", header.PTHFileName, header.PTHFileDateTime);
   lines.recordedName("MICFileName", header.MICFileName);
   lines.dateTimeOf("MICDateTime", header.MICFileName, header.MICFileDateTime);
-  lines.integer("NumberRecords", header.NumberRecords);
+  lines.integer(keywords::kNumberRecords, header.NumberRecords);
   lines.lines("OtherRecords", header.colOtherRecords, header.OtherRecords);
   lines.lines("NumberOfCommentLines", header.colCommentLines, header.nCommentLines);
   microphone.X(x);
@@ -105,7 +106,7 @@ void AQ_DataGTH::readFile(const std::string& sFileName, std::shared_ptr<AQ_Heade
                           std::shared_ptr<AQ_GeometryTimeHistory>& GTH, AQ_DataMessage& result) {
   result = reading(sFileName, [&](const std::string& name) {
     LineReader lines(name);
-    HeaderReader headerLines(lines);
+    HeaderReader headerLines(lines, headerWatch());
     header_ = std::make_shared<AQ_HeaderGTH>();
     header(headerLines, *header_);
     header_->FileType = titles::kGeometricTimeHistory;

@@ -3,6 +3,7 @@
 #include "aq/core/number_text.h"
 #include "aq/core/platform.h"
 #include "aq/core/required.h"
+#include "aq/text/count_keywords.h"
 #include "aq/text/data_line_limit.h"
 #include "aq/text/fields.h"
 #include "aq/text/file_titles.h"
@@ -21,7 +22,7 @@ void header(Lines& lines, AQ_HeaderPTH& header) {
   lines.text("GeneratedBy", header.sGeneratedBy);
   lines.recordedName("TSPIFileName", header.sTSPIFileName);
   lines.dateTimeOf("TSPIFileDateTime", header.sTSPIFileName, header.sTSPIFileDateTime);
-  lines.integer("NumberRecords", header.lNumberRecords);
+  lines.integer(keywords::kNumberRecords, header.lNumberRecords);
   lines.lines("OtherRecords", header.cOtherRecords, header.nOtherRecords);
   lines.lines("NumberOfCommentLines", header.cCommentLines, header.nCommentLines);
 }
@@ -69,7 +70,7 @@ void AQ_DataPTH::readFile(const std::string& sFileName, std::shared_ptr<AQ_Heade
                           std::shared_ptr<AQ_PositionTimeHistory>& PTH, AQ_DataMessage& result) {
   result = reading(sFileName, [&](const std::string& name) {
     LineReader lines(name);
-    HeaderReader headerLines(lines);
+    HeaderReader headerLines(lines, headerWatch());
     header_ = std::make_shared<AQ_HeaderPTH>();
     header(headerLines, *header_);
     header_->sFileType = titles::kPositionTimeHistory;

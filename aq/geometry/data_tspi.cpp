@@ -15,7 +15,10 @@ void AQ_DataTSPI::readFile(const std::string& sFileName,
     std::int32_t accepted = 0;
     DataLineLimit limit;  // here it counts the header's lines too
     for (; more; more = lines.next()) {
-      if (limit.count(lines) <= static_cast<std::int32_t>(kTrackingHeaderLines)) continue;
+      if (limit.count(lines) <= static_cast<std::int32_t>(kTrackingHeaderLines)) {
+        show(headerWatch(), {lines.number(), HeaderLine::Use::Unused, {}, lines.line(), {}});
+        continue;
+      }
       TrackingLine line = trackingLineFrom(lines);
       if (line.quality > limit_) {
         ++badPositions_;

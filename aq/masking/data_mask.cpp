@@ -6,6 +6,7 @@
 #include "aq/core/number_text.h"
 #include "aq/core/platform.h"
 #include "aq/core/required.h"
+#include "aq/text/count_keywords.h"
 #include "aq/text/fields.h"
 #include "aq/text/file_titles.h"
 #include "aq/text/header_reader.h"
@@ -19,8 +20,8 @@ void header(Lines& lines, AQ_HeaderMask& header) {
   lines.title(titles::kMaskingMap);
   lines.recordedName("FileName", header.sFileName);
   lines.currentDateTime("FileDateTime", header.aqFileDateTime);
-  lines.integer("NumberOfRows", header.lNumberRows);
-  lines.integers("Bands", ", ", header.iBandLow, header.iBandHigh);
+  lines.integer(keywords::kNumberOfRows, header.lNumberRows);
+  lines.integers(keywords::kBands, ", ", header.iBandLow, header.iBandHigh);
   lines.text("GeneratedBy", header.sGeneratedBy);
   lines.recordedName("GenerationFile", header.sGenerationFile);
   lines.dateTimeOf("GenerationFileDateTime", header.sGenerationFile, header.aqGenerationDateTime);
@@ -104,7 +105,7 @@ AQ_DataMessage AQ_DataMask::readFile(const std::string& sFileName,
                                      std::shared_ptr<AQ_MaskMap>& MaskMap) {
   return reading(sFileName, [&](const std::string& name) {
     LineReader lines(name);
-    HeaderReader headerLines(lines);
+    HeaderReader headerLines(lines, headerWatch());
     header_ = std::make_shared<AQ_HeaderMask>();
     aq::header(headerLines, *header_);
     header_->sFileType = titles::kMaskingMap;

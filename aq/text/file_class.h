@@ -7,6 +7,7 @@
 #include "aq/core/enumerations.h"
 #include "aq/core/export.h"
 #include "aq/core/file_failure.h"
+#include "aq/text/header_watch.h"
 
 namespace aq {
 
@@ -16,11 +17,17 @@ class AQ_API FileClass {
   /// Why the last call failed; empty when it gave `AQ_DATA_OK` or threw.
   [[nodiscard]] const std::optional<FileFailure>& lastFailure() const { return lastFailure_; }
 
+  /// Shows `watch` the header lines of every read from now on, as far as it comes. What `watch`
+  /// throws ends the read and goes to the caller.
+  void watchHeader(HeaderWatch watch) { watch_ = std::move(watch); }
+
  protected:
   FileClass() = default;
   FileClass(const FileClass&) = default;
   FileClass& operator=(const FileClass&) = default;
   ~FileClass() = default;
+
+  [[nodiscard]] const HeaderWatch& headerWatch() const { return watch_; }
 
   // Each works on a copy of the name: the caller's may be a part of what the call replaces, as the
   // name in a header or in the last failure.
@@ -64,6 +71,7 @@ class AQ_API FileClass {
   [[nodiscard]] AQ_DataMessage append(const std::string& name, const std::string& text);
 
   std::optional<FileFailure> lastFailure_;
+  HeaderWatch watch_;
 };
 
 }  // namespace aq

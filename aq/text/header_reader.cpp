@@ -10,6 +10,7 @@ namespace aq {
 namespace {
 
 constexpr std::string_view kMark = "**";
+constexpr std::string_view kFileType = "FileType";
 
 std::string fileTypeWords(std::string_view fileType) {
   return "the file type \"" + std::string(fileType) + '"';
@@ -35,6 +36,7 @@ std::string_view HeaderReader::anyTitle() {
 void HeaderReader::title(std::string_view fileType) {
   takeFirstLine(fileType);
   if (!findValue()) failRead(1, 0, fileTypeWords(fileType), shown(lines_.line()));
+  show(HeaderLine::Use::Keyword, kFileType);
   if (value_ != fileType) failRead(1, 2, fileTypeWords(fileType), shown(value_));
 }
 
@@ -102,6 +104,7 @@ void HeaderReader::lines(std::string_view keyword,
   integer(keyword, count);
   for (std::int32_t i = 1; i <= count; ++i) {
     takeLine(lines_, "one more line of ", keyword);
+    show(HeaderLine::Use::Text);
     block->Add(beforeMark());
   }
 }
@@ -114,12 +117,15 @@ void HeaderReader::lines(std::string_view keyword,
 
 std::string HeaderReader::columns() {
   takeLine(lines_, "the line of column headings");
+  show(HeaderLine::Use::Headings);
   return beforeMark();
 }
 
 void HeaderReader::takeValue(std::string_view keyword) {
   takeLine(lines_, "the line of ", keyword);
-  if (findValue()) return;
+  const bool found = findValue();
+  show(HeaderLine::Use::Keyword, keyword);
+  if (found) return;
   const std::string_view line = trimmed(lines_.line());
   failRead(lines_.number(), 0, "the line of " + std::string(keyword) + " with \"**\"",
            line.empty() ? "a blank line" : shown(line));
@@ -128,6 +134,7 @@ void HeaderReader::takeValue(std::string_view keyword) {
 /// Takes the value out of the line: what stands between its first "**" and the next, without the
 /// comma in front. False when there is no "**".
 bool HeaderReader::findValue() {
+  value_ = {};
   const auto behindMark = piece(trimmed(lines_.line()), kMark, 2);
   if (!behindMark) return false;
   value_ = cleanField(*behindMark, room_);
@@ -146,6 +153,10 @@ std::string_view HeaderReader::field(std::size_t number, const char* expected) {
 /// Counts the keyword as the line's first field.
 void HeaderReader::fail(std::size_t number, std::string expected, std::string_view found) const {
   failRead(lines_.number(), number == kWhole ? 2 : number + 1, std::move(expected), shown(found));
+}
+
+void HeaderReader::show(HeaderLine::Use use, std::string_view keyword) const {
+  if (watch_ != nullptr) aq::show(*watch_, {lines_.number(), use, keyword, lines_.line(), value_});
 }
 
 std::string HeaderReader::beforeMark() {

@@ -11,6 +11,7 @@
 #include "aq/core/export.h"
 #include "aq/core/time.h"
 #include "aq/text/fields.h"
+#include "aq/text/header_watch.h"
 #include "aq/text/line_reader.h"
 
 namespace aq {
@@ -21,6 +22,8 @@ namespace aq {
 class AQ_API HeaderReader {
  public:
   explicit HeaderReader(LineReader& lines) : lines_(lines) {}
+  /// Shows `watch` every line that it takes; `watch` lives as long.
+  HeaderReader(LineReader& lines, const HeaderWatch& watch) : lines_(lines), watch_(&watch) {}
 
   /// What the first line names as the file's type; nothing when there is no such line.
   [[nodiscard]] std::string_view anyTitle();
@@ -74,7 +77,9 @@ class AQ_API HeaderReader {
   std::string columns();
 
   /// Passes the line above the data lines, which nobody looks at, if it is there.
-  void skipColumns() { static_cast<void>(lines_.next()); }
+  void skipColumns() {
+    if (lines_.next()) show(HeaderLine::Use::Headings);
+  }
 
  private:
   static constexpr std::size_t kWhole = 0;  // the whole value rather than a field of it
@@ -86,6 +91,7 @@ class AQ_API HeaderReader {
   [[nodiscard]] std::string_view field(std::size_t number, const char* expected);
   [[noreturn]] void fail(std::size_t number, std::string expected, std::string_view found) const;
   [[nodiscard]] std::string beforeMark();
+  void show(HeaderLine::Use use, std::string_view keyword = {}) const;
 
   template <class Conversion>
   auto convert(const char* expected, std::size_t number, const Conversion& conversion) {
@@ -107,6 +113,7 @@ class AQ_API HeaderReader {
   }
 
   LineReader& lines_;
+  const HeaderWatch* watch_ = nullptr;
   std::string room_;
   std::string_view value_;  // of the line taken last
 };

@@ -11,6 +11,7 @@ ALLOWED = {  # each room, and the rooms that it may know besides itself
     "spectral": {"core", "masking"},
     "geometry": {"core", "text"},
     "files": {"core", "text", "spectral", "geometry"},
+    "check": {"core", "text", "masking", "spectral", "geometry", "files"},
 }
 
 

@@ -1,0 +1,69 @@
+#include "aq/check/check_file.h"
+
+#include "aq/check/checks.h"
+#include "aq/core/number_text.h"
+#include "aq/core/platform.h"
+#include "aq/files/data_ini.h"
+#include "aq/files/file_kind.h"
+#include "aq/text/fields.h"
+#include "aq/text/line_reader.h"
+
+namespace aq {
+namespace {
+
+void checkKind(const std::string& path, const Reporter& report) {
+  switch (kindOfFile(path)) {
+    case FileKind::SpectralTimeHistory: return checkHistory(path, report);
+    case FileKind::PositionTimeHistory: return checkPositions(path, report);
+    case FileKind::MicrophonePosition: return checkMicrophone(path, report);
+    case FileKind::GeometricTimeHistory: return checkGeometry(path, report);
+    case FileKind::MaskingMap: return checkMaskingMap(path, report);
+    case FileKind::VariableInitialization: return checkParameters(path, report);
+    case FileKind::SpectrumRecord: return checkSpectrumRecord(path, report);
+    case FileKind::Tracking: return checkTracking(path, report);
+    case FileKind::Unknown: break;
+  }
+  LineReader lines(path);
+  const std::string first = lines.next() ? shown(lines.line()) : "an empty file";
+  report(Kind::UnknownKind, {.line = 1}, "it begins with " + first);
+}
+
+}  // namespace
+
+void checkFile(const std::string& path, const FindingSink& report) {
+  const Reporter reporter(report);
+  try {
+    checkKind(path, reporter);
+  } catch (const ReadFailure& failed) {
+    reporter.unreadable(failed.failure);
+  } catch (const platform::SystemError& error) {
+    reporter.unreadable({.file = {}, .expected = error.wanted(), .found = error.what()});
+  }
+}
+
+void checkParameters(const std::string& path, const Reporter& report) {
+  constexpr std::string_view kTitle = "FILETYPE";  // that the file carries and nobody reads
+  AQ_DataINI file;
+  file.watchHeader([&](const HeaderLine& line) {
+    const std::string_view text = trimmed(line.text);
+    if (line.use != HeaderLine::Use::Unused || text.empty()) return;
+    if (line.number == 1 && upperCased(text).starts_with(kTitle)) return;
+    report(Kind::UnknownKeyword, {.line = line.number}, shown(text) + " is passed over");
+  });
+  if (file.readFile(path) != AQ_DATA_OK) report.unreadable(*file.lastFailure());
+}
+
+void checkNothingBehind(const std::string& path, std::size_t last, const Reporter& report) {
+  LineReader lines(path);
+  std::size_t first = 0;
+  std::size_t count = 0;
+  while (lines.next()) {
+    if (lines.number() <= last || trimmed(lines.line()).empty()) continue;
+    if (++count == 1) first = lines.number();
+  }
+  if (count == 0) return;
+  report(Kind::SecondDataSet, {.line = first},
+         "lines that are not read: " + std::to_string(count) + " from here on");
+}
+
+}  // namespace aq

@@ -1,0 +1,134 @@
+#include "aq/check/check_file.h"
+#include "aq/check/checks.h"
+#include "aq/check/header_check.h"
+#include "aq/check/record_lines.h"
+#include "aq/core/platform.h"
+#include "aq/files/data_sth.h"
+#include "aq/masking/data_mask.h"
+#include "aq/masking/last_good_band.h"
+#include "aq/text/count_keywords.h"
+#include "aq/text/fields.h"
+#include "aq/text/line_reader.h"
+
+namespace aq {
+namespace {
+
+struct ReadMap {
+  std::shared_ptr<AQ_HeaderMask> header;
+  std::shared_ptr<AQ_MaskMap> map;
+};
+
+/// Letters that stand for nothing do not come back.
+void checkLetters(const std::string& path, const HeaderCheck& header, const Reporter& report) {
+  const auto [low, high] = header.integersOf(keywords::kBands);
+  LineReader lines(path);
+  while (lines.number() < header.lines() && lines.next()) continue;
+  while (lines.next()) {
+    FieldReader fields(lines);
+    FindingPlace place{.line = lines.number(), .field = 1};
+    place.record = fields.int16("a record number");
+    for (std::int32_t band = low; band <= high; ++band) {
+      const std::string_view letters = fields.text("a mask");
+      ++place.field;
+      AQ_Mask mask;
+      mask.MaskString(letters);
+      if (mask.MaskString() == letters) continue;
+      place.band = static_cast<std::int16_t>(band);
+      report(Kind::MaskLetters, place, shown(letters) + " is read as \"" + mask.MaskString() + '"');
+    }
+  }
+}
+
+void checkLastGoodBands(const RecordLines& records, const AQ_MaskMap& map, std::size_t field,
+                        const Reporter& report) {
+  records.forEach([&](std::int16_t record, std::size_t line) {
+    AQ_MaskRow& row = *map.Row(record);
+    const std::int16_t found = row.LGB();
+    const std::int16_t expected = lastGoodBand(row);
+    if (found == expected) return;
+    report(Kind::LastGoodBand, {.line = line, .field = field, .record = record},
+           "the masks give " + std::to_string(expected) + ", found " + std::to_string(found));
+  });
+}
+
+/// What `get()` returns; nothing for a record that is not there.
+template <class Get>
+auto ifThere(const Get& get) -> decltype(get()) {
+  try {
+    return get();
+  } catch (const Error&) {
+    return nullptr;
+  }
+}
+
+void compareRecords(const AQ_SpectralTimeHistory& history, const AQ_MaskMap& map,
+                    const Reporter& report) {
+  const std::int32_t count = map.Count();
+  for (std::int32_t number = 1; number <= count; ++number) {
+    const auto record = static_cast<std::int16_t>(number);
+    const auto row = ifThere([&] { return map.Row(record); });
+    const auto spectrum = ifThere([&] { return history.spectrum(record); });
+    FindingPlace place;
+    place.record = number;
+    if (!row || !spectrum) {
+      report(Kind::MapMisfit, place, row ? "the history lacks it" : "the map has no row for it");
+    } else if (!spectrum->Encompasses(*row)) {
+      report(Kind::MapMisfit, place,
+             "the map's bands " + std::to_string(row->LowBand()) + " to " +
+                 std::to_string(row->HighBand()) + " are not all in the history's " +
+                 std::to_string(spectrum->LowBand()) + " to " +
+                 std::to_string(spectrum->HighBand()));
+    }
+  }
+}
+
+}  // namespace
+
+void checkMaskingMap(const std::string& path, const Reporter& report) {
+  AQ_DataMask file;
+  HeaderCheck header(report);
+  ReadMap read;
+  file.watchHeader(header.watch());
+  if (file.readFile(path, read.header, read.map) != AQ_DATA_OK) {
+    return report.unreadable(*file.lastFailure());
+  }
+  const auto [low, high] = header.integersOf(keywords::kBands);
+  const std::size_t bands = low <= high ? static_cast<std::size_t>(high - low) + 1 : 0;
+  // The highest band's label stands twice in a map's headings, unless somebody put that right.
+  header.expectLabels(2, low, high);
+  const RecordLines records(path, header, bands + 2, report);
+  header.expectCount(keywords::kNumberOfRows, records.count(), "rows");
+  if (records.count() == 0) return;
+  checkLetters(path, header, report);
+  checkLastGoodBands(records, *read.map, bands + 2, report);
+}
+
+void checkFit(const std::string& historyPath, const std::string& mapPath,
+              const FindingSink& report) {
+  AQ_DataSTH historyFile;
+  AQ_DataMask mapFile;
+  std::shared_ptr<AQ_HeaderSTH> header;
+  std::shared_ptr<AQ_SpectralTimeHistory> history;
+  ReadMap read;
+  if (historyFile.readFile(historyPath, header, history) != AQ_DATA_OK) return;
+  if (mapFile.readFile(mapPath, read.header, read.map) != AQ_DATA_OK) return;
+  const Reporter reporter(report);
+  if (history->Count() != read.map->Count()) {
+    reporter(Kind::MapMisfit, {},
+             "the map has " + std::to_string(read.map->Count()) + " rows, its history " +
+                 shown(platform::fileName(historyPath)) + " has " +
+                 std::to_string(history->Count()) + " records");
+  }
+  compareRecords(*history, *read.map, reporter);
+}
+
+std::string historyOfMap(const std::string& mapPath) {
+  AQ_DataMask file;
+  ReadMap read;
+  static_cast<void>(file.readFile(mapPath, read.header, read.map));
+  if (!read.header || read.header->sGenerationFile.empty()) return {};
+  const std::size_t folder = mapPath.size() - platform::fileName(mapPath).size();
+  return mapPath.substr(0, folder) + read.header->sGenerationFile;
+}
+
+}  // namespace aq

@@ -1,0 +1,109 @@
+#include "aq/check/header_check.h"
+
+#include <utility>
+
+#include "aq/core/band_label.h"
+#include "aq/core/error.h"
+#include "aq/core/number_text.h"
+#include "aq/text/fields.h"
+
+namespace aq {
+namespace {
+
+constexpr std::string_view kMark = "**";
+
+/// What stands in the columns; nothing for bands that have no label.
+std::string expectedLabels(std::int16_t low, std::int16_t high, std::string_view behind) {
+  try {
+    std::string labels;
+    appendBandLabels(labels, low, high);
+    return labels.append(behind);
+  } catch (const Error&) {
+    return {};
+  }
+}
+
+}  // namespace
+
+std::size_t HeaderCheck::lineOf(std::string_view keyword) const {
+  const auto entry = entries_.find(keyword);
+  return entry == entries_.end() ? 0 : entry->second.line;
+}
+
+std::string_view HeaderCheck::valueOf(std::string_view keyword) const {
+  const auto entry = entries_.find(keyword);
+  return entry == entries_.end() ? std::string_view() : entry->second.value;
+}
+
+std::pair<std::int16_t, std::int16_t> HeaderCheck::integersOf(std::string_view keyword) const {
+  FieldReader fields(valueOf(keyword), lineOf(keyword));
+  const std::int16_t first = fields.int16("an integer");
+  return {first, fields.int16("an integer")};
+}
+
+void HeaderCheck::expectCount(std::string_view keyword, std::size_t count,
+                              const char* ofWhat) const {
+  const std::string_view text = valueOf(keyword);
+  if (text.empty() || int32From(text) == static_cast<std::int64_t>(count)) return;
+  report_(Kind::RecordCount, {.line = lineOf(keyword), .field = 2},
+          "the header counts " + std::string(text) + ' ' + ofWhat + ", the file has " +
+              std::to_string(count));
+}
+
+void HeaderCheck::expectLabels(std::size_t first, std::int16_t low, std::int16_t high,
+                               std::string_view behind) const {
+  const std::string labels = expectedLabels(low, high, behind);
+  if (labels.empty()) return;
+  FieldReader found(headings_, lines_);
+  std::vector<std::string_view> expected;
+  split(labels, ",", expected);
+  try {
+    found.skip(static_cast<int>(first) - 1, "a heading");
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+      const std::string_view heading = found.text("a heading");
+      if (heading == expected[i]) continue;
+      report_(Kind::Heading, {.line = lines_, .field = first + i},
+              "expected the heading " + shown(expected[i]) + ", found " + shown(heading));
+      return;
+    }
+  } catch (const ReadFailure& failed) {
+    report_(Kind::Heading, {.line = lines_},
+            "expected " + std::to_string(first - 1 + expected.size()) + " headings, found " +
+                std::to_string(failed.failure.field - 1));
+  }
+}
+
+void HeaderCheck::see(const HeaderLine& line) {
+  lines_ = line.number;
+  if (line.use == HeaderLine::Use::Headings) headings_ = line.text;
+  std::vector<std::string_view> pieces;
+  split(line.text, kMark, pieces);
+  if (line.use == HeaderLine::Use::Keyword) {
+    entries_.emplace(line.keyword, Entry{line.number, std::string(line.value)});
+    seeKeyword(line, trimmed(pieces.front()));
+  }
+  if (line.use != HeaderLine::Use::Headings) seeMarks(line, pieces);
+}
+
+void HeaderCheck::seeKeyword(const HeaderLine& line, std::string_view found) const {
+  if (upperCased(found) == upperCased(line.keyword)) return;
+  report_(Kind::Keyword, {.line = line.number, .field = 1},
+          "this line is read as " + std::string(line.keyword) + ", its keyword is " + shown(found));
+}
+
+/// A keyword's value begins behind the comma behind the mark and ends at the next mark; any other
+/// line ends at its first.
+void HeaderCheck::seeMarks(const HeaderLine& line,
+                           const std::vector<std::string_view>& pieces) const {
+  const bool keyword = line.use == HeaderLine::Use::Keyword;
+  const auto lost = [&](std::string_view text, const char* where) {
+    report_(Kind::LostText, {.line = line.number}, where + shown(text) + " is not read");
+  };
+  if (keyword && pieces.size() > 1 && !pieces[1].empty() && pieces[1].front() != ',') {
+    lost(pieces[1].substr(0, 1), "in place of a comma ");
+  }
+  const std::size_t read = keyword ? 2 : 1;
+  if (pieces.size() > read) lost(pieces[read], "behind \"**\" ");
+}
+
+}  // namespace aq

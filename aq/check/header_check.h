@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "aq/check/reporter.h"
+#include "aq/text/header_watch.h"
+
+namespace aq {
+
+/// Watches a header that is read by its lines' places, and keeps what a check of the data needs.
+class HeaderCheck {
+ public:
+  explicit HeaderCheck(const Reporter& report) : report_(report) {}
+  HeaderCheck(const HeaderCheck&) = delete;
+  HeaderCheck& operator=(const HeaderCheck&) = delete;
+  ~HeaderCheck() = default;
+
+  /// To be given to a file class; this object outlives its reads.
+  [[nodiscard]] HeaderWatch watch() {
+    return [this](const HeaderLine& line) { see(line); };
+  }
+
+  /// How many lines the header has, the column headings included.
+  [[nodiscard]] std::size_t lines() const { return lines_; }
+
+  /// The line of a keyword; 0 when the header has none.
+  [[nodiscard]] std::size_t lineOf(std::string_view keyword) const;
+
+  /// Its value; empty when the header has none.
+  [[nodiscard]] std::string_view valueOf(std::string_view keyword) const;
+
+  /// The two integers behind a keyword that the header has.
+  [[nodiscard]] std::pair<std::int16_t, std::int16_t> integersOf(std::string_view keyword) const;
+
+  /// Compares the count behind a keyword with what is there.
+  void expectCount(std::string_view keyword, std::size_t count, const char* ofWhat) const;
+
+  /// Compares the headings, from field `first` on, with the labels of the bands and what follows.
+  void expectLabels(std::size_t first, std::int16_t low, std::int16_t high,
+                    std::string_view behind = {}) const;
+
+ private:
+  struct Entry {
+    std::size_t line;
+    std::string value;
+  };
+
+  void see(const HeaderLine& line);
+  void seeKeyword(const HeaderLine& line, std::string_view found) const;
+  void seeMarks(const HeaderLine& line, const std::vector<std::string_view>& pieces) const;
+
+  const Reporter& report_;
+  std::size_t lines_ = 0;
+  std::map<std::string, Entry, std::less<>> entries_;
+  std::string headings_;
+};
+
+}  // namespace aq

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string_view>
+
+// The keywords of lines that count the data. Readers take what is there; a check compares.
+namespace aq::keywords {
+
+inline constexpr std::string_view kNumberOfSpectrum = "NumberOfSpectrum";
+inline constexpr std::string_view kRecordNumbers = "RecordNumbers";
+inline constexpr std::string_view kBands = "Bands";
+inline constexpr std::string_view kNumberOfRows = "NumberOfRows";
+inline constexpr std::string_view kNumberRecords = "NumberRecords";
+
+}  // namespace aq::keywords

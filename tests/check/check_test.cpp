@@ -1,0 +1,152 @@
+// A clean sample with one change, and what a check then finds.
+#include <aq/check/check_file.h>
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "tests/support/files.h"
+
+namespace aq {
+namespace {
+
+const std::filesystem::path kSamples = test::kData / "../../examples/data";
+
+std::string replaced(std::string text, const std::string& from, const std::string& to) {
+  const std::size_t at = text.find(from);
+  EXPECT_NE(at, text.npos) << from;
+  return at == text.npos ? text : text.replace(at, from.size(), to);
+}
+
+/// As in `24:3 level-range r5 b19`.
+std::string shortForm(const Finding& finding) {
+  std::string text = std::to_string(finding.place.line) + ':' +
+                     std::to_string(finding.place.field) + ' ' + std::string(finding.kind.name);
+  if (finding.place.record) text += " r" + std::to_string(*finding.place.record);
+  if (finding.place.band) text += " b" + std::to_string(*finding.place.band);
+  return text;
+}
+
+std::vector<std::string> findingsIn(const std::string& path) {
+  std::vector<std::string> found;
+  checkFile(path, [&](const Finding& finding) {
+    EXPECT_FALSE(finding.message.empty());
+    found.push_back(shortForm(finding));
+  });
+  return found;
+}
+
+struct Change {
+  std::string sample;
+  std::string from;
+  std::string to;
+  std::vector<std::string> findings;
+};
+
+const std::string kHistory = "fly-over.sth.csv";
+const std::string kMap = "fly-over.mask.csv";
+const Change kChanges[] = {
+    {kHistory, "Fly-over", "Fly-over", {}},
+    {kHistory, "61.48", "6x.2", {"22:5 unreadable"}},
+    {kHistory, "Spectral Time-History", "Landing", {"1:0 unknown-kind"}},
+    {kHistory, "ProjectName**", "microphoneid**", {"4:1 keyword"}},
+    {kHistory, "Fly-over sample", "Fly-over**sample", {"4:0 lost-text"}},
+    {kHistory, "MicrophoneID**,", "MicrophoneID**", {"5:0 lost-text"}},
+    {kHistory, "no measurement", "no ** measurement", {"20:0 lost-text"}},
+    {kHistory, "Spectrum**,60", "Spectrum**,59", {"12:2 record-count"}},
+    {kHistory, "Numbers**,1,60", "Numbers**,0,60", {"13:2 record-range"}},
+    {kHistory, "B18/63Hz", "B18/64Hz", {"21:5 heading"}},
+    {kHistory, ",B40/10kHz", "", {"21:0 heading"}},
+    {kHistory,
+     "\n4,14",
+     "\n3,14",
+     {"25:1 record-repeated r3", "26:1 record-gap r5", "25:2 time-step r3", "26:2 time-step r5"}},
+    {kHistory,
+     "\n3,14:30:01.25",
+     "\n61,14:30:30.25",
+     {"24:1 record-gap r61", "25:1 record-falls r4", "13:2 record-range",
+      "24:3 relative-time r61"}},
+    {kHistory,
+     "\n60,14:30:29.75,15",
+     "\n1,14:30:00.25,-14.5",
+     {"81:1 second-data-set r1", "13:2 record-range"}},
+    {kHistory,
+     "14:30:01.25",
+     "14:30:01.45",
+     {"24:2 time-step r3", "25:2 time-step r4", "24:3 relative-time r3"}},
+    {kHistory, "14:30:14.75", "14:30:15.75", {"22:3 relative-time r1"}},
+    {kHistory, "61.62", "200.01", {"23:5 level-range r2 b18"}},
+    {kHistory, "61.62", "-20.01", {"23:5 level-range r2 b18"}},
+    {kHistory, "61.62", "9999", {"23:5 level-invalid r2 b18"}},
+    {kHistory, "\n3,14", ",1\n3,14", {"23:28 extra-fields"}},
+    {kMap, "NumberOfRows**,60", "NumberOfRows**,61", {"4:2 record-count"}},
+    {kMap, "2,M-,M-", "2,MX,M-", {"13:2 mask-letters r2 b17"}},
+    {kMap, "M-,36", "M-,37", {"12:26 last-good-band r1"}},
+    {kMap, "\n5,M", "\n6,M", {"16:1 record-gap r6", "17:1 record-repeated r6"}},
+    {"fly-over.ssr.csv", "60.00", "9999", {"7:1 level-invalid b17"}},
+    {"fly-over.ssr.csv", "B18/63Hz", "B18", {"6:2 heading"}},
+    {"fly-over.ssr.csv", "34.70\n", "34.70\n\n1\n2\n", {"9:0 second-data-set"}},
+    {"fly-over.mic.csv", "1.2\n", "1.2\n1,2,3,4\n", {"10:0 second-data-set"}},
+    {"fly-over.ini.csv", "PrWndo", "PreWindow", {"6:0 unknown-keyword"}},
+    {"fly-over.tspi.csv",
+     "14:30:00.4,0",
+     "14:30:00.1,3",
+     {"9:1 time-order", "9:2 fix-rejected", "24:2 fix-rejected", "64:2 fix-rejected",
+      "104:2 fix-rejected", "144:2 fix-rejected"}},
+};
+
+TEST(Check, OneChangeIsFoundWhereItWasMade) {
+  const test::Folder folder;
+  for (const Change& change : kChanges) {
+    SCOPED_TRACE(change.sample + ": " + change.from + " > " + change.to);
+    const std::string text = test::contentOf(kSamples / change.sample);
+    const std::string path = folder.with("changed", replaced(text, change.from, change.to));
+    EXPECT_EQ(findingsIn(path), change.findings);
+  }
+  EXPECT_EQ(findingsIn(folder.file("none")), std::vector<std::string>{"0:0 unreadable"});
+}
+
+TEST(Check, PositionsAndGeometry) {
+  const test::Folder folder;
+  const auto changed = [&](const char* sample, const char* from, const char* to) {
+    const std::string text = test::contentOf(test::kData / sample);
+    return findingsIn(folder.with("changed", replaced(text, from, to)));
+  };
+  using Found = std::vector<std::string>;
+  const char* const positions = "position-time-history/good/three-positions.csv";
+  const char* const geometry = "geometric-time-history/good/two-points.csv";
+  EXPECT_EQ(changed(positions, "NumberRecords**,3", "NumberRecords**,4"),
+            Found{"8:2 record-count"});
+  EXPECT_EQ(changed(positions, "10:00:00.2", "10:00:00.1"), Found{"15:1 time-order"});
+  EXPECT_EQ(changed(geometry, "2,10:00:05.5", "2,10:00:06"), Found{"21:2 time-step r2"});
+  EXPECT_EQ(changed(geometry, "\n2,10", "\n3,10"),
+            (Found{"21:1 record-gap r3", "21:2 time-step r3"}));
+}
+
+TEST(Check, AMapAndItsHistoryThatDoNotFit) {
+  const test::Folder folder;
+  const std::string map =
+      folder.with("map", replaced(test::contentOf(kSamples / kMap), "fly-over.sth.csv", "history"));
+  const std::string text = test::contentOf(kSamples / kHistory);
+  EXPECT_EQ(historyOfMap(map), folder.file("history"));
+  const auto misfits = [&](const std::string& history) {
+    std::vector<std::string> found;
+    checkFit(folder.with("history", history), map,
+             [&](const Finding& finding) { found.push_back(shortForm(finding)); });
+    return found;
+  };
+  using Found = std::vector<std::string>;
+  EXPECT_EQ(misfits(text), Found());
+  EXPECT_EQ(misfits(replaced(text, "\n60,", "\n61,")), Found{"0:0 map-misfit r60"});
+  EXPECT_EQ(misfits(text.substr(0, text.find("\n60,") + 1)),
+            (Found{"0:0 map-misfit", "0:0 map-misfit r60"}));
+  EXPECT_EQ(misfits(replaced(text, "Bands**,17", "Bands**,18")).size(), 60U);
+}
+
+TEST(Check, KindsHaveNamesOfTheirOwn) {
+  std::set<std::string_view> names;
+  for (const FindingKind& kind : findingKinds()) names.insert(kind.name);
+  EXPECT_EQ(names.size(), findingKinds().size());
+}
+
+}  // namespace
+}  // namespace aq
