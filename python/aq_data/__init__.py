@@ -9,7 +9,7 @@ from ._core import FileKind, kindOfFile
 from .errors import Error, FileError
 from . import labelled as _labelled  # attaches to_xarray and to_pandas to the classes
 from . import accessor as _accessor  # registers Dataset.aq
-from .archive import open_many, scan
+from .archive import check, open_many, scan
 from .files import Reading, Tracking, read, read_tracking, write
 from .labelled import from_xarray, measurement
 
@@ -19,6 +19,7 @@ __all__ = [
     "FileError",
     "Reading",
     "Tracking",
+    "check",
     "from_xarray",
     "measurement",
     "open_many",

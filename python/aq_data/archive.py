@@ -102,6 +102,31 @@ def scan(folder: Path, pattern: str = "**/*", progress: Optional[bool] = None) -
     return frame.astype({"ok": bool}).astype({count: "Int32" for count in counts})
 
 
+# What a person should know about files.
+
+_FINDING = ["severity", "kind", "line", "field", "record", "band", "message"]
+
+
+def _findings(path: str) -> list[tuple[Any, ...]]:
+    found = [(path, *finding) for finding in _core.checkFile(path)]
+    history = (
+        _core.historyOfMap(path) if _core.kindOfFile(path) == _core.FileKind.MaskingMap else ""
+    )
+    if history and os.path.exists(history):
+        found += [(path, *finding) for finding in _core.checkFit(history, path)]
+    return found
+
+
+def check(paths: Union[Path, Iterable[Path]]) -> pd.DataFrame:
+    """The findings of `aqdata check`, one a row: `paths` is a file, a pattern or a list.
+
+    `FINDING_KINDS` says what each kind means; line and field are 0 for the whole file or line.
+    """
+    rows = _in_threads(_findings, _expanded(paths), progress=False)
+    frame = pd.DataFrame([row for found in rows for row in found], columns=["path", *_FINDING])
+    return frame.astype({"record": "Int32", "band": "Int16"})
+
+
 # All histories as one.
 
 

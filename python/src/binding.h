@@ -176,5 +176,6 @@ void bindSpectral(py::module_& module);
 void bindHistory(const py::module_& module);  // of the spectral room
 void bindGeometry(py::module_& module);
 void bindFiles(py::module_& module);
+void bindCheck(py::module_& module);
 
 }  // namespace aq::python

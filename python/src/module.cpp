@@ -25,4 +25,5 @@ PYBIND11_MODULE(_core, module) {
   aq::python::bindSpectral(module);
   aq::python::bindGeometry(module);
   aq::python::bindFiles(module);
+  aq::python::bindCheck(module);
 }

@@ -10,7 +10,9 @@ import aq_data
 
 sample = Path(sys.argv[1])
 project = Path(__file__).resolve().parents[1]
-assert project not in Path(aq_data.__file__).parents, "the package of the sources, not the installed"
+assert (
+    project not in Path(aq_data.__file__).parents
+), "the package of the sources, not the installed"
 assert importlib.metadata.version("aq_data") == "0.1.0"
 assert (Path(aq_data.__file__).parent / "_core.pyi").exists()
 ds = xr.open_dataset(sample / "fly-over.sth.csv", engine="aq")

@@ -37,6 +37,21 @@ def test_a_scan_lists_all_and_what_is_wrong(archive: Archive, tmp_path: Path, ca
         aq.scan(paths[0])
 
 
+def test_a_check_finds_what_the_tool_finds(archive: Archive, tmp_path: Path, sample: Path) -> None:
+    text = (sample / "fly-over.mask.csv").read_text()
+    (tmp_path / "fly-over.sth.csv").write_bytes((sample / "fly-over.sth.csv").read_bytes())
+    short = tmp_path / "short.mask.csv"
+    short.write_text("\n".join(text.splitlines()[:-1]) + "\n")
+    damaged = archive(1)[0]
+    damaged.write_text(damaged.read_text()[:-40])
+    found = aq.check([short, damaged, sample / "fly-over.ini.csv"])
+    errors = found[found.severity == "error"]
+    assert set(errors.path) >= {str(damaged)} and str(short) in set(found.path)
+    assert errors[errors.path == str(damaged)].iloc[0].line == 80
+    assert set(found.kind) <= set(aq.FINDING_KINDS)
+    assert len(aq.check(sample / "fly-over.s*.csv")) == 0
+
+
 def test_many_histories_are_one_lazy_dataset(archive: Archive, tmp_path: Path, mask: Any) -> None:
     paths = archive(5)
     narrow = aq.AQ_SpectralTimeHistory.from_numpy([[50.0]], low_band=42)

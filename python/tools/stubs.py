@@ -133,6 +133,8 @@ def module_lines(module: ModuleType) -> Iterator[str]:
         if inspect.isclass(value):
             yield ""
             yield from class_lines(name, value)
+        elif isinstance(value, dict) and name.isupper():
+            yield f"{name}: dict[str, str]"
         elif isinstance(value, enum.Enum):
             yield f"{name} = {type(value).__name__}.{name}"
         elif inspect.isbuiltin(value):
