@@ -2,6 +2,11 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
+# What the Python package and its tests stand on.
+python_packages=(python3-dev pybind11-dev python3-setuptools python3-wheel python3-numpy
+  python3-pandas python3-xarray python3-dask python3-distributed python3-netcdf4
+  python3-matplotlib)
+
 # install PACKAGE...: installs what is missing of Debian's packages, quietly.
 install() {
   local missing=()
