@@ -7,7 +7,8 @@ from . import _core
 from ._core import *  # noqa: F403
 from ._core import FileKind, kindOfFile
 from .errors import Error, FileError
-from . import labelled as _labelled  # attaches to_xarray and to_pandas to the classes
+from . import labelled as _labelled  # attaches to_xarray to the classes
+from . import tables as _tables  # attaches to_pandas
 from . import accessor as _accessor  # registers Dataset.aq
 from .archive import check, open_many, scan
 from .files import Reading, Tracking, read, read_tracking, write

@@ -21,7 +21,7 @@ from dask.diagnostics import ProgressBar
 from . import _core
 from .errors import Error, FileError
 from .files import Path, Reading, read
-from .labelled import band_coordinates, variable
+from .attributes import band_coordinates, variable
 
 Result = TypeVar("Result")
 FILES_PER_TASK = 16
@@ -47,7 +47,8 @@ def _in_threads(work: Callable[[str], Result], paths: list[str], progress: bool)
     parts = [paths[i : i + FILES_PER_TASK] for i in range(0, len(paths), FILES_PER_TASK)]
     tasks: list[Any] = [dask.delayed(lambda some: [work(p) for p in some])(part) for part in parts]
     bar: Any = ProgressBar(out=sys.stderr) if progress else contextlib.nullcontext()
-    with bar:
+    with bar, warnings.catch_warnings():
+        warnings.filterwarnings("ignore", "Running on a single-machine scheduler")  # on purpose
         done = dask.compute(*tasks, scheduler="threads")
     return [result for part in done for result in part]
 
@@ -108,7 +109,7 @@ _FINDING = ["severity", "kind", "line", "field", "record", "band", "message"]
 
 
 def _findings(path: str) -> list[tuple[Any, ...]]:
-    found = [(path, *finding) for finding in _core.checkFile(path)]
+    found: list[tuple[Any, ...]] = [(path, *finding) for finding in _core.checkFile(path)]
     history = (
         _core.historyOfMap(path) if _core.kindOfFile(path) == _core.FileKind.MaskingMap else ""
     )

@@ -1,23 +1,19 @@
-"""Labelled datasets and tables of the objects, and the objects from them again.
+"""Labelled datasets of the objects, and the objects from them again.
 
-A dataset of a history has the dimensions `time`, one entry a record, and `band`. What has no place
-in an array, headers and settings, travels in its attribute `aq` as JSON, so that everything comes
-back from a netCDF file too.
+A dataset of a history has the dimensions `time`, one entry a record, and `band`.
 """
 
 from __future__ import annotations
 
-import json
-from typing import Any, Callable, Optional, TypeVar
+from typing import Any, Optional
 
 import numpy as np
-import numpy.typing as npt
-import pandas as pd
 import xarray as xr
 
 from . import _core
-
-Function = TypeVar("Function", bound=Callable[..., Any])
+from .attributes import attach, attributes, band_coordinates, header_of, kept, need, plain
+from .attributes import restored, variable
+from .files import Reading
 
 NO_DECISION = -1  # a flag of a mask variable: the row has no mask for the band
 
@@ -70,90 +66,6 @@ _EMISSION = (
     ("SR", "slant_range", "", "slant range, in the unit of the file"),
     ("Tprop", "propagation_time", "s", "propagation time"),
 )
-_TITLES = ("sProjectName", "ProjectName")
-_SOURCES = ("sGeneratedBy", "GeneratedBy")
-_COMMENTS = ("cCommentLines", "colCommentLines")
-
-
-def attach(*classes: type, name: str) -> Callable[[Function], Function]:
-    """Makes a function a method of classes of the library."""
-
-    def decorate(function: Function) -> Function:
-        for cls in classes:
-            setattr(cls, name, function)
-        return function
-
-    return decorate
-
-
-def nominal_frequency(bands: npt.ArrayLike) -> npt.NDArray[np.float64]:
-    """Nominal centre frequencies in Hz of one-third-octave bands, by their numbers."""
-    series = np.array([1.0, 1.25, 1.6, 2.0, 2.5, 3.15, 4.0, 5.0, 6.3, 8.0])
-    decade, step = np.divmod(np.asarray(bands, dtype=int), 10)
-    return np.asarray(np.round(series[step] * 10.0**decade, 9))
-
-
-# Headers and settings as plain values and back.
-
-
-def _plain(value: Any) -> Any:
-    if isinstance(value, (_core.TextCollection, _core.MetricTypeCollection)):
-        return list(value)
-    if isinstance(value, _core.AQ_Time):
-        return [value.CurrentDate, value.TODseconds, value.RelSeconds]
-    if hasattr(value, "_fields"):
-        plain = {name: _plain(getattr(value, name)) for name in value._fields}
-        if isinstance(value, _core.AQ_MetricSummary):
-            plain["MetricTypes"] = _plain(value.MetricTypes)
-        return plain
-    return value
-
-
-def _restored(target: Any, plain: dict[str, Any]) -> Any:
-    for name, value in plain.items():
-        if name == "MetricTypes":
-            for metric in value:
-                target.MetricType(metric)
-        elif isinstance(getattr(target, name), _core.AQ_Time):
-            time = getattr(target, name)
-            time.CurrentDate = value[0]
-            time.assignSeconds(*value[1:])  # not through the setter, which wraps into the day
-        elif isinstance(value, dict):
-            _restored(getattr(target, name), value)
-        else:
-            setattr(target, name, value)
-    return target
-
-
-def _attributes(kind: str, header: Any, settings: Any = None, **more: Any) -> dict[str, Any]:
-    """Attributes of a dataset: those of the CF conventions for people, and all of it as JSON."""
-
-    def first(names: tuple[str, ...]) -> Any:
-        return next((getattr(header, n) for n in names if hasattr(header, n)), "")
-
-    kept = {"kind": kind, "header": _plain(header), "settings": _plain(settings)}
-    kept.update({name: _plain(value) for name, value in more.items()})
-    readable = {
-        "title": first(_TITLES),
-        "source": first(_SOURCES),
-        "comment": "\n".join(first(_COMMENTS)),
-    }
-    text = {n: v.encode(errors="replace").decode() for n, v in readable.items() if v}
-    return {"Conventions": "CF-1.8", **text, "aq": json.dumps(kept)}
-
-
-def _kept(ds: xr.Dataset) -> dict[str, Any]:
-    return dict(json.loads(ds.attrs.get("aq", "{}")))
-
-
-def _header(ds: xr.Dataset, name: str, cls: type) -> Any:
-    return _restored(cls(), _kept(ds).get(name) or {})
-
-
-def _need(ds: xr.Dataset, *names: str) -> None:
-    missing = [name for name in names if name not in ds.variables]
-    if missing:
-        raise ValueError(f"the dataset lacks {', '.join(missing)}")
 
 
 # Histories and maps.
@@ -166,25 +78,6 @@ def _flags(dims: tuple[str, str], values: Any, enum: Any, long_name: str) -> xr.
         "flag_meanings": " ".join(flags.values()),
     }
     return variable(dims, values, "", long_name, **values_and_meanings)
-
-
-def variable(dims: Any, values: Any, units: str, long_name: str, **more: Any) -> xr.Variable:
-    attrs = {"units": units} if units else {}
-    attrs.update(long_name=long_name, **more)
-    return xr.Variable(dims, values, attrs)  # type: ignore[no-untyped-call]
-
-
-def band_coordinates(bands: Any) -> dict[str, xr.Variable]:
-    return {
-        "band": variable("band", bands, "1", "one-third-octave band number"),
-        "frequency": variable(
-            "band",
-            nominal_frequency(bands),
-            "Hz",
-            "nominal centre frequency",
-            standard_name="sound_frequency",
-        ),
-    }
 
 
 def _table_variables(table: Any, columns: Any, dim: str) -> dict[str, xr.Variable]:
@@ -266,12 +159,12 @@ def history_to_xarray(
         "record": variable("time", self.records, "1", "record number"),
         **band_coordinates(self.bands),
     }
-    attrs = _attributes("history", header, self, mask_header=mask_header)
+    attrs = attributes("history", header, self, mask_header=mask_header)
     return xr.Dataset(variables, coordinates, attrs)
 
 
 def _history_from(ds: xr.Dataset) -> _core.AQ_SpectralTimeHistory:
-    _need(ds, "level", "band")
+    need(ds, "level", "band")
     bands, level = ds["band"].values, ds["level"].transpose("time", "band")
     if len(bands) and not np.array_equal(bands, np.arange(bands[0], bands[0] + len(bands))):
         raise ValueError("expected bands that follow each other, found gaps")
@@ -284,11 +177,11 @@ def _history_from(ds: xr.Dataset) -> _core.AQ_SpectralTimeHistory:
     metrics = {name: ds[name].values for name, *_ in _METRICS if name in ds.variables}
     if metrics:
         history.metrics = metrics
-    return _restored(history, _kept(ds).get("settings") or {})  # type: ignore[no-any-return]
+    return restored(history, kept(ds).get("settings") or {})  # type: ignore[no-any-return]
 
 
 def _map_from(ds: xr.Dataset) -> _core.AQ_MaskMap:
-    _need(ds, "mask_mode", "band")
+    need(ds, "mask_mode", "band")
     arrays = [
         ds[name].transpose("time", "band").values
         for name in ("mask_mode", "mask_adjustment")
@@ -311,7 +204,7 @@ def map_to_xarray(
     return xr.Dataset(
         mask_variables(self),
         {"record": record, **band_coordinates(self.bands)},
-        _attributes("map", None, mask_header=header),
+        attributes("map", None, mask_header=header),
     )
 
 
@@ -321,16 +214,16 @@ def spectrum_to_xarray(
 ) -> xr.Dataset:
     """A dataset with `level(band)` in dB."""
     level = variable("band", self.to_numpy(), "dB", "one-third-octave band sound pressure level")
-    kept = {"Level": self.Level, "Time": _plain(self.Time), "Metric": _plain(self.Metric)}
-    attrs = _attributes("spectrum", header, kept)
+    settings = {"Level": self.Level, "Time": plain(self.Time), "Metric": plain(self.Metric)}
+    attrs = attributes("spectrum", header, settings)
     return xr.Dataset({"level": level}, band_coordinates(self.bands), attrs)
 
 
 def _spectrum_from(ds: xr.Dataset) -> _core.AQ_Spectrum:
-    _need(ds, "level", "band")
+    need(ds, "level", "band")
     low = int(ds["band"].values[0]) if ds.sizes["band"] else 17
     made = _core.AQ_Spectrum.from_numpy(ds["level"].values, low)
-    return _restored(made, _kept(ds).get("settings") or {})  # type: ignore[no-any-return]
+    return restored(made, kept(ds).get("settings") or {})  # type: ignore[no-any-return]
 
 
 # Series of positions and of geometry.
@@ -343,7 +236,7 @@ def _series_to_xarray(kind: str, series: Any, columns: Any, dim: str, header: An
         name: variables.pop(name) for name in ("time", "relative_time", "date") if name in variables
     }
     coordinates["record"] = variable(dim, numbers, "1", "record number")
-    return xr.Dataset(variables, coordinates, _attributes(kind, header, series))
+    return xr.Dataset(variables, coordinates, attributes(kind, header, series))
 
 
 @attach(_core.AQ_PositionTimeHistory, name="to_xarray")
@@ -369,8 +262,8 @@ def emission_to_xarray(self: _core.AQ_EmtRcvTable) -> xr.Dataset:
 
 
 def _series_from(ds: xr.Dataset, cls: Any, columns: Any, *needed: str) -> Any:
-    _need(ds, *needed)
-    return _restored(cls.from_numpy(_table(ds, columns)), _kept(ds).get("settings") or {})
+    need(ds, *needed)
+    return restored(cls.from_numpy(_table(ds, columns)), kept(ds).get("settings") or {})
 
 
 _SERIES: dict[str, tuple[Any, Any, tuple[str, ...]]] = {
@@ -390,7 +283,7 @@ _HEADERS: dict[str, Any] = {
 def _kind(ds: xr.Dataset) -> str:
     """What a dataset holds: as it says, else by its variables."""
     marks = {"level": "history", "mask_mode": "map", "slant_range": "geometry", "x": "positions"}
-    kind = _kept(ds).get("kind") or next((k for v, k in marks.items() if v in ds.variables), None)
+    kind = kept(ds).get("kind") or next((k for v, k in marks.items() if v in ds.variables), None)
     if kind is None:
         raise ValueError(f"the dataset lacks all of {', '.join(marks)}")
     return str(kind)
@@ -401,12 +294,10 @@ def from_xarray(ds: xr.Dataset) -> Any:
 
     Of a history with its masks it is the history; `measurement` gives both.
     """
-    from .files import Reading
-
     kind = _kind(ds)
     if kind == "map":
-        return Reading(_header(ds, "mask_header", _HEADERS[kind]), _map_from(ds))
-    header = _header(ds, "header", _HEADERS[kind]) if kind in _HEADERS else None
+        return Reading(header_of(ds, "mask_header", _HEADERS[kind]), _map_from(ds))
+    header = header_of(ds, "header", _HEADERS[kind]) if kind in _HEADERS else None
     if kind in _SERIES:
         cls, columns, needed = _SERIES[kind]
         return Reading(header, _series_from(ds, cls, columns, *needed))
@@ -415,52 +306,7 @@ def from_xarray(ds: xr.Dataset) -> Any:
 
 def measurement(ds: xr.Dataset) -> tuple[Any, Any]:
     """History and map of a dataset, each with its header: `(Reading, Reading or None)`."""
-    from .files import Reading
-
     history = from_xarray(ds)
     if "mask_mode" not in ds.variables:
         return history, None
-    return history, Reading(_header(ds, "mask_header", _core.AQ_HeaderMask), _map_from(ds))
-
-
-# Tables.
-
-
-@attach(_core.AQ_SpectralTimeHistory, name="to_pandas")
-def history_to_pandas(
-    self: _core.AQ_SpectralTimeHistory,
-    mask: Optional[_core.AQ_MaskMap] = None,
-    tidy: bool = False,
-) -> pd.DataFrame:
-    """Levels in dB by record and band; tidy: one row a level, with times, frequency and masks."""
-    if tidy:
-        return _tidy(self.to_xarray(mask), ["record", "band"])
-    index = pd.Index(self.records, name="record")
-    return pd.DataFrame(self.to_numpy(mask), index, pd.Index(self.bands, name="band"))
-
-
-@attach(_core.AQ_MaskMap, name="to_pandas")
-def map_to_pandas(self: _core.AQ_MaskMap, tidy: bool = False) -> pd.DataFrame:
-    """Mask modes by record and band; tidy: one row a mask, with adjustment and last good band."""
-    if tidy:
-        return _tidy(self.to_xarray(), ["record", "band"])
-    index = pd.Index(self.records, name="record")
-    return pd.DataFrame(self.to_numpy()[0], index, pd.Index(self.bands, name="band"))
-
-
-def _tidy(ds: xr.Dataset, keys: list[str]) -> pd.DataFrame:
-    frame = ds.reset_coords().to_dataframe().reset_index()
-    return frame[keys + [name for name in frame.columns if name not in keys]]
-
-
-@attach(
-    _core.AQ_PositionTimeHistory,
-    _core.AQ_GeometryTimeHistory,
-    _core.AQ_EmtRcvTable,
-    name="to_pandas",
-)
-def series_to_pandas(self: Any) -> pd.DataFrame:
-    """One row an entry, numbered from 1; the columns are those of `to_numpy`."""
-    frame = pd.DataFrame(self.to_numpy())
-    frame.index = pd.RangeIndex(1, len(frame) + 1, name="record")
-    return frame
+    return history, Reading(header_of(ds, "mask_header", _core.AQ_HeaderMask), _map_from(ds))
