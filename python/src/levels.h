@@ -34,8 +34,10 @@ inline std::shared_ptr<AQ_Spectrum> spectrumFrom(std::span<const double> levels,
     spectrum->assignLevels(low, levels);
     return spectrum;
   }
-  for (std::size_t i = 0; i < levels.size(); ++i) {
-    if (!std::isnan(levels[i])) spectrum->SPL(static_cast<std::int16_t>(low + i), levels[i]);
+  int band = low;
+  for (const double level : levels) {
+    if (!std::isnan(level)) spectrum->SPL(static_cast<std::int16_t>(band), level);
+    ++band;
   }
   return spectrum;
 }
