@@ -2,6 +2,12 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
+# What the command line tool stands on, and the Python package with its tests.
+tool_packages=(libcli11-dev libfmt-dev nlohmann-json3-dev)
+python_packages=(python3-dev pybind11-dev python3-setuptools python3-wheel python3-numpy
+  python3-pandas python3-xarray python3-dask python3-distributed python3-netcdf4
+  python3-matplotlib)
+
 # install PACKAGE...: installs what is missing of Debian's packages, quietly.
 install() {
   local missing=()

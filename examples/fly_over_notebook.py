@@ -1,0 +1,46 @@
+# %% [markdown]
+# # A fly-over, from its files to a picture
+# The cells run in any editor that knows `# %%`, or all at once with `/usr/bin/python3`.
+
+# %%
+from pathlib import Path
+
+import aq_data
+
+data = Path(__file__).resolve().parent / "data"
+header, history = aq_data.read(data / "fly-over.sth.csv")
+mask_header, mask = aq_data.read(data / "fly-over.mask.csv")
+ambient = aq_data.read(data / "fly-over.ssr.csv").data
+microphone = aq_data.read(data / "fly-over.mic.csv").data
+track = aq_data.read_tracking(data / "fly-over.tspi.csv")
+
+# %% [markdown]
+# Last good bands follow from the masks, and the dataset keeps all of it.
+
+# %%
+mask.setLGB()
+history.setLGB(mask)
+ds = history.to_xarray(mask, header, mask_header)
+ds
+
+# %% [markdown]
+# The loudest record, and how long the level stays within 10 dB of it.
+
+# %%
+overall = ds.aq.unmasked().aq.overall()
+loudest = int(overall.argmax())
+within = overall >= overall[loudest] - 10
+print(f"{float(overall[loudest]):.1f} dB at {float(ds.relative_time[loudest]):+.2f} s")
+print(f"within 10 dB for {0.5 * int(within.sum()):.1f} s")
+
+# %%
+seconds = ds.relative_time.values[within.values]
+events = {"first 10 dB down": seconds[0], "last 10 dB down": seconds[-1]}
+page = aq_data.plot.page(ds, ambient, track, microphone=microphone, events=events)
+page.savefig("fly-over.png", dpi=100)
+
+# %% [markdown]
+# Everything stays in one netCDF file, and comes back from it.
+
+# %%
+ds.to_netcdf("fly-over.nc")

@@ -1,0 +1,37 @@
+"""Aircraft noise measurements: read any file, work on arrays and tables, write everything back."""
+
+from importlib import import_module as _import_module
+from typing import Any as _Any
+
+from . import _core
+from ._core import *  # noqa: F403
+from ._core import FileKind, kindOfFile
+from .errors import Error, FileError
+from . import labelled as _labelled  # attaches to_xarray to the classes
+from . import tables as _tables  # attaches to_pandas
+from . import accessor as _accessor  # registers Dataset.aq
+from .archive import check, open_many, scan
+from .files import Reading, Tracking, read, read_tracking, write
+from .labelled import from_xarray, measurement
+
+__all__ = [
+    *(name for name in dir(_core) if not name.startswith("_")),
+    "Error",
+    "FileError",
+    "Reading",
+    "Tracking",
+    "check",
+    "from_xarray",
+    "measurement",
+    "open_many",
+    "read",
+    "read_tracking",
+    "scan",
+    "write",
+]
+
+
+def __getattr__(name: str) -> _Any:
+    if name == "plot":  # matplotlib is slow to import, and not every job draws
+        return _import_module("aq_data.plot")
+    raise AttributeError(f"module 'aq_data' has no attribute '{name}'")

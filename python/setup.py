@@ -1,0 +1,28 @@
+"""The compiled part of the wheel, built by CMake from the sources around this folder."""
+
+from __future__ import annotations
+
+import shutil
+import subprocess
+from pathlib import Path
+
+from setuptools import Extension, setup
+from setuptools.command.build_ext import build_ext
+
+PROJECT = Path(__file__).resolve().parent.parent
+
+
+class CMakeBuild(build_ext):
+    def build_extension(self, ext: Extension) -> None:
+        build = Path(self.build_temp).resolve()
+        options = ["-DCMAKE_BUILD_TYPE=Release", "-DAQ_PYTHON=ON"]
+        subprocess.run(["cmake", "-S", PROJECT, "-B", build, *options], check=True)
+        command = ["cmake", "--build", build, "--parallel", "--target", "aq_python_package"]
+        subprocess.run(command, check=True)
+        target = Path(self.get_ext_fullpath(ext.name))
+        target.parent.mkdir(parents=True, exist_ok=True)
+        shutil.copy(build / "python" / "aq_data" / target.name, target)
+        shutil.copy(build / "python" / "aq_data" / "_core.pyi", target.parent)
+
+
+setup(ext_modules=[Extension("aq_data._core", [])], cmdclass={"build_ext": CMakeBuild})

@@ -1,0 +1,58 @@
+#include <aq/check/check_file.h>
+
+#include "binding.h"
+
+namespace aq::python {
+namespace {
+
+using Row = std::tuple<std::string, std::string, std::size_t, std::size_t,
+                       std::optional<std::int32_t>, std::optional<std::int16_t>, std::string>;
+
+Row rowOf(const Finding& finding) {
+  const auto& [kind, place, message] = finding;
+  return {std::string(severityText(kind.severity)),
+          std::string(kind.name),
+          place.line,
+          place.field,
+          place.record,
+          place.band,
+          message};
+}
+
+/// The findings that `check(sink)` reports, gathered without the interpreter's lock.
+template <class Check>
+std::vector<Row> gathered(const Check& check) {
+  std::vector<Row> rows;
+  const py::gil_scoped_release released;
+  check([&](const Finding& finding) { rows.push_back(rowOf(finding)); });
+  return rows;
+}
+
+}  // namespace
+
+void bindCheck(py::module_& module) {
+  module.def(
+      "checkFile",
+      [](const Path& path) {
+        return gathered([&](const FindingSink& sink) { checkFile(path.name, sink); });
+      },
+      py::arg("path"),
+      "What a person should know about a file: severity, kind, line, field, record, band, message");
+  module.def(
+      "checkFit",
+      [](const Path& history, const Path& map) {
+        return gathered([&](const FindingSink& sink) { checkFit(history.name, map.name, sink); });
+      },
+      py::arg("history"), py::arg("map"),
+      "Why a masking map does not fit the history that it was made for, as checkFile tells it");
+  module.def(
+      "historyOfMap", [](const Path& map) { return historyOfMap(map.name); }, py::arg("map"),
+      "Where the history that a masking map names should be; empty when it names none");
+  py::dict kinds;
+  for (const FindingKind& kind : findingKinds()) {
+    kinds[std::string(kind.name).c_str()] = std::string(kind.meaning);
+  }
+  module.attr("FINDING_KINDS") = kinds;
+}
+
+}  // namespace aq::python

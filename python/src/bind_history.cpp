@@ -1,0 +1,210 @@
+#include "levels.h"
+
+namespace aq::python {
+namespace {
+
+Numbered<AQ_Spectrum> spectraOf(const AQ_SpectralTimeHistory& history) {
+  return numbered<AQ_Spectrum>(history.Count(),
+                               [&](std::int16_t record) { return history.spectrum(record); });
+}
+
+void blankMasked(AQ_MaskRow& row, std::int16_t low, std::span<double> cells) {
+  for (const std::int16_t band : numbersOf({row.LowBand(), row.HighBand()})) {
+    const int cell = band - low;
+    if (cell < 0 || cell >= std::ssize(cells)) continue;
+    if (row.decision(band).MaskMode() != NOT_MASKED)
+      cells[static_cast<std::size_t>(cell)] = kMissing;
+  }
+}
+
+Levels levelsOf(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* mask) {
+  const auto spectra = spectraOf(history);
+  const NumberRange bands = bandsOf(spectra.objects);
+  const auto width = static_cast<std::size_t>(countOf(bands));
+  Levels levels({std::ssize(spectra.objects), countOf(bands)});
+  double* line = levels.mutable_data();
+  for (std::size_t i = 0; i < spectra.objects.size(); ++i, line += width) {
+    const std::span<double> cells(line, width);
+    takeLevels(*spectra.objects[i], bands.low, cells);
+    if (mask == nullptr) continue;
+    const auto row = found([&](std::int16_t n) { return mask->Row(n); }, spectra.numbers[i]);
+    if (row) blankMasked(*row, bands.low, cells);
+  }
+  return levels;
+}
+
+std::shared_ptr<AQ_SpectralTimeHistory> historyFrom(const py::object& given, std::int16_t lowBand,
+                                                    const py::object& records) {
+  const auto levels = numbersFrom<double>(given, 2, "numbers in two dimensions, (records, bands)");
+  checkBands(lowBand, levels.shape(1));
+  const auto width = static_cast<std::size_t>(levels.shape(1));
+  auto history = std::make_shared<AQ_SpectralTimeHistory>();
+  const double* line = levels.data();
+  for (const std::int16_t record : recordNumbers(records, levels.shape(0))) {
+    history->spectrum(record, spectrumFrom({line, width}, lowBand));
+    line += width;
+  }
+  return history;
+}
+
+constexpr Column<AQ_Spectrum> kTimes[] = {
+    {"CurrentDate", [](AQ_Spectrum& s) { return s.timeValue().CurrentDate(); },
+     [](AQ_Spectrum& s, double days) { s.Time()->CurrentDate(days); }},
+    {"TODseconds", [](AQ_Spectrum& s) { return s.timeValue().TODseconds(); },
+     [](AQ_Spectrum& s, double seconds) {
+       s.Time()->assignSeconds(seconds, s.Time()->RelSeconds());
+     }},
+    {"RelSeconds", [](AQ_Spectrum& s) { return s.timeValue().RelSeconds(); },
+     [](AQ_Spectrum& s, double seconds) {
+       s.Time()->assignSeconds(s.Time()->TODseconds(), seconds);
+     }},
+};
+
+template <AQ_METRIC_TYPE Type>
+constexpr Column<AQ_Spectrum> metric(const char* name) {
+  return {name, [](AQ_Spectrum& s) { return s.Metric()->MetricValue(Type).toDouble(); },
+          [](AQ_Spectrum& s, double value) { s.Metric()->MetricValue(Type, value); }};
+}
+
+constexpr Column<AQ_Spectrum> kMetrics[] = {
+    metric<AQ_METRIC_AWT>("AWT"),
+    metric<AQ_METRIC_CWT>("CWT"),
+    metric<AQ_METRIC_DWT>("DWT"),
+    metric<AQ_METRIC_OA>("OA"),
+    metric<AQ_METRIC_PNL>("PNL"),
+    metric<AQ_METRIC_PNLT>("PNLT"),
+    metric<AQ_METRIC_TONECOR>("TONECOR"),
+    metric<AQ_METRIC_TONEBND>("TONEBND"),
+    metric<AQ_METRIC_LGB>("LGB"),
+    metric<AQ_METRIC_INTEG>("INTEG"),
+    {"Level", [](AQ_Spectrum& s) { return s.Level(); },
+     [](AQ_Spectrum& s, double level) { s.Level(level); }},
+};
+
+void bindColumns(py::class_<AQ_SpectralTimeHistory, std::shared_ptr<AQ_SpectralTimeHistory>>& bound,
+                 const char* name, std::span<const Column<AQ_Spectrum>> columns, const char* doc) {
+  bound.def_property(
+      name,
+      [columns](const AQ_SpectralTimeHistory& self) {
+        return tableOf(spectraOf(self).objects, columns);
+      },
+      [columns](const AQ_SpectralTimeHistory& self, const py::object& given) {
+        TableSource(given, columns).fill(spectraOf(self).objects, columns);
+      },
+      doc);
+}
+
+std::string describe(AQ_SpectralTimeHistory& history) {
+  return "<AQ_SpectralTimeHistory: " + std::to_string(history.Count()) + " records, " +
+         history.sAveragingMethod() + ", stamped " + history.sTimeStampType() + ">";
+}
+
+using BoundHistory = Bound<AQ_SpectralTimeHistory>;
+
+void bindProperties(BoundHistory& history) {
+  using H = AQ_SpectralTimeHistory;
+  history.indexed("spectrum", &H::spectrum, &H::spectrum, "The spectrum of a record, shared")
+      .view<std::int16_t, std::shared_ptr<AQ_Band>>(
+          "Band", [](const H& self, std::int16_t band) { return self.Band(band); },
+          [](H& self, std::int16_t band, const std::shared_ptr<AQ_Band>& levels) {
+            self.Band(band, levels);
+          },
+          "The levels of one band over all records; None when a record lacks it")
+      .property("Count", &H::Count, "The number of spectra")
+      .property("startTime", &H::startTime, &H::startTime,
+                "The time of the first record. Created on first read; setting shares the object")
+      .property("ReferenceTime", &H::ReferenceTime, &H::ReferenceTime,
+                "The reference time. Created on first read; setting shares the object")
+      .property("AverageMethod", &H::AverageMethod, &H::AverageMethod,
+                "How the levels of a record were averaged")
+      .property("ReferenceType", &H::ReferenceType, &H::ReferenceType,
+                "Which event the reference time marks")
+      .property("TimeStampType", &H::TimeStampType, &H::TimeStampType,
+                "Which instant of a record its time stamp names")
+      .property("Metrics", &H::Metrics, &H::Metrics,
+                "Which metrics the history carries. Created on first read")
+      .property("LoRec", &H::LoRec, &H::LoRec, "The lowest record number ever stored")
+      .property("HiRec", &H::HiRec, &H::HiRec, "The highest record number ever stored");
+  const auto text = [&](const char* name, auto get, auto set, const char* doc) {
+    history.def_property(
+        name, [get](const H& self) { return (self.*get)(); },
+        [set](H& self, const std::string& given) { (self.*set)(given); }, doc);
+  };
+  using Get = std::string (H::*)() const;
+  using Set = void (H::*)(std::string_view);
+  text("sAveragingMethod", Get(&H::sAveragingMethod), Set(&H::sAveragingMethod),
+       "LINEAR, TRUSLO, 4S100, 4S95, CONTEXPO or NA; other text changes nothing");
+  text("sReferenceTimeType", Get(&H::sReferenceTimeType), Set(&H::sReferenceTimeType),
+       "START, OVERHEAD, AMAX, PMAX, TMAX, OAMAX, HACK or OTHER; setting never changes it");
+  text("sTimeStampType", Get(&H::sTimeStampType), Set(&H::sTimeStampType),
+       "START, MIDPT, END, ICAOSLO or OLDSLO; other text changes nothing");
+}
+
+void bindMethods(BoundHistory& history) {
+  using H = AQ_SpectralTimeHistory;
+  history
+      .def("Init", &H::Init, py::arg("LoRec"), py::arg("HiRec"), py::arg("loBand"),
+           py::arg("hiBand"), "A new history of these records with level 0 in these bands")
+      .def("Resize", &H::Resize, py::arg("LoRec"), py::arg("HiRec"),
+           "A new history that shares these spectra; None when they are not all there")
+      .def("Copy", &H::Copy, "A deep copy")
+      .def("EncompassesMask", &H::EncompassesMask, py::arg("MapMask"),
+           "Whether the map has as many records and no band that the history lacks")
+      .def("setLGB", &H::setLGB, py::arg("MapMask"),
+           "Sets the metric LGB of each spectrum from the map's row of the same number")
+      .def("setTimeStamps", &H::setTimeStamps, py::arg("startTime"), py::arg("StartTimeType"),
+           py::arg("RefTime"), py::arg("RefType"), "Stamps every record, half a second each")
+      .def("setRelTimes", &H::setRelTimes, py::arg("ReferenceTime"), py::arg("RefType"),
+           "Shares the reference time and makes every record relative to it")
+      .def("__len__", &H::Count)
+      .def("__iter__", [](const H& self) { return py::iter(py::cast(spectraOf(self).objects)); })
+      .def("__repr__", describe);
+}
+
+void bindArrays(BoundHistory& history) {
+  using H = AQ_SpectralTimeHistory;
+  history
+      .def_property_readonly(
+          "records", [](const H& self) { return numberArray(spectraOf(self).numbers); },
+          "The record numbers, ascending, shape (records,)")
+      .def_property_readonly(
+          "bands",
+          [](const H& self) { return numberArray(numbersOf(bandsOf(spectraOf(self).objects))); },
+          "The band numbers from the lowest of any record to the highest, shape (bands,)")
+      .def("to_numpy", levelsOf, py::arg("mask") = py::none(),
+           "The levels in dB, shape (records, bands), NaN where a band is missing and, with a "
+           "map, where it is masked")
+      .def_static("from_numpy", historyFrom, py::arg("levels"), py::arg("low_band") = 17,
+                  py::arg("records") = py::none(),
+                  "A new history from levels in dB, shape (records, bands); NaN stores no level. "
+                  "Records are numbered from 1 unless their numbers are given");
+  bindColumns(history, "times", kTimes,
+              "CurrentDate, TODseconds and RelSeconds of each record as a table, shape (records,)");
+  bindColumns(history, "metrics", kMetrics,
+              "The metrics and Level of each record as a table, shape (records,)");
+}
+
+}  // namespace
+
+void bindHistory(const py::module_& module) {
+  BoundHistory history(
+      module, "AQ_SpectralTimeHistory",
+      "A numbered series of spectra measured one after another, half a second each, with the time "
+      "of the first record, a reference time, how the levels were averaged and where in each "
+      "record its time stamp lies. Spectra are shared, not copied.");
+  bindProperties(history);
+  bindMethods(history);
+  bindArrays(history);
+  history.container(
+      [](const AQ_SpectralTimeHistory& self) {
+        const auto spectra = spectraOf(self);
+        return py::make_tuple(spectra.numbers, spectra.objects);
+      },
+      [](AQ_SpectralTimeHistory& self, const py::handle& kept) {
+        const auto numbers = kept[py::int_(0)].cast<std::vector<std::int16_t>>();
+        const auto spectra = kept[py::int_(1)].cast<std::vector<std::shared_ptr<AQ_Spectrum>>>();
+        for (std::size_t i = 0; i < numbers.size(); ++i) self.spectrum(numbers[i], spectra.at(i));
+      });
+}
+
+}  // namespace aq::python

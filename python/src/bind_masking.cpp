@@ -1,0 +1,200 @@
+#include "arrays.h"
+
+namespace aq::python {
+namespace {
+
+using Codes = py::array_t<std::int8_t, py::array::c_style>;
+constexpr std::int8_t kNoDecision = -1;  // in arrays: the row has no mask for the band
+
+Numbered<AQ_MaskRow> rowsOf(const AQ_MaskMap& map) {
+  return numbered<AQ_MaskRow>(map.Count(), [&](std::int16_t record) { return map.Row(record); });
+}
+
+std::int8_t code(std::int64_t value) {
+  if (!std::in_range<std::int8_t>(value)) {
+    throw Error(ErrorCode::Overflow, "no array code for a mask of value " + std::to_string(value));
+  }
+  return static_cast<std::int8_t>(value);
+}
+
+py::tuple mapToArrays(const AQ_MaskMap& map) {
+  const auto rows = rowsOf(map).objects;
+  const NumberRange bands = bandsOf(rows);
+  const py::ssize_t width = countOf(bands);
+  Codes modes({std::ssize(rows), width});
+  Codes adjustments({std::ssize(rows), width});
+  std::fill_n(modes.mutable_data(), modes.size(), kNoDecision);
+  std::fill_n(adjustments.mutable_data(), adjustments.size(), kNoDecision);
+  py::ssize_t line = 0;
+  for (const auto& row : rows) {
+    for (const std::int16_t band : numbersOf({row->LowBand(), row->HighBand()})) {
+      const AQ_Mask decision = row->decision(band);
+      modes.mutable_at(line, band - bands.low) = code(decision.MaskMode());
+      adjustments.mutable_at(line, band - bands.low) = code(decision.AdjustMode());
+    }
+    ++line;
+  }
+  return py::make_tuple(modes, adjustments);
+}
+
+using Numbers = py::array_t<std::int64_t, py::array::c_style>;
+
+/// One row from a line of modes and of adjustments, which there need not be.
+std::shared_ptr<AQ_MaskRow> rowFrom(const Numbers& modes, const Numbers& adjustments,
+                                    py::ssize_t line, std::int16_t low) {
+  auto row = std::make_shared<AQ_MaskRow>();
+  for (py::ssize_t cell = 0; cell < modes.shape(1); ++cell) {
+    const std::int8_t mode = code(modes.at(line, cell));
+    if (mode == kNoDecision) continue;
+    AQ_Mask decision;
+    decision.MaskMode(static_cast<AQ_MASK_MODE>(mode));
+    if (adjustments.ndim() == 2) {
+      decision.AdjustMode(static_cast<AQ_MASK_ADJUST>(code(adjustments.at(line, cell))));
+    }
+    row->store(static_cast<std::int16_t>(low + cell), decision);
+  }
+  return row;
+}
+
+std::shared_ptr<AQ_MaskMap> mapFromArrays(const py::object& modes, const py::object& adjustments,
+                                          std::int16_t lowBand, const py::object& records) {
+  const char* const wanted = "numbers in two dimensions, (records, bands)";
+  const auto modeCodes = numbersFrom<std::int64_t>(modes, 2, wanted);
+  Numbers adjustCodes;
+  if (!adjustments.is_none()) {
+    adjustCodes = numbersFrom<std::int64_t>(adjustments, 2, wanted);
+    if (adjustCodes.shape(0) != modeCodes.shape(0) || adjustCodes.shape(1) != modeCodes.shape(1)) {
+      throw py::value_error("expected modes and adjustments of one shape");
+    }
+  }
+  checkBands(lowBand, modeCodes.shape(1));
+  auto map = std::make_shared<AQ_MaskMap>();
+  py::ssize_t line = 0;
+  for (const std::int16_t record : recordNumbers(records, modeCodes.shape(0))) {
+    map->Row(record, rowFrom(modeCodes, adjustCodes, line++, lowBand));
+  }
+  return map;
+}
+
+py::array_t<std::int16_t> lastGoodBands(const AQ_MaskMap& map) {
+  std::vector<std::int16_t> bands;
+  for (const auto& row : rowsOf(map).objects) bands.push_back(row->LGB());
+  return numberArray(bands);
+}
+
+void setLastGoodBands(const AQ_MaskMap& map, const py::object& given) {
+  const auto rows = rowsOf(map).objects;
+  const auto bands = shortNumbers(given, std::ssize(rows), "one band number a row");
+  for (std::size_t i = 0; i < rows.size(); ++i) rows[i]->LGB(bands[i]);
+}
+
+py::list savedMasks(AQ_MaskRow& row) {
+  py::list masks;
+  for (const std::int16_t band : numbersOf({row.LowBand(), row.HighBand()})) {
+    masks.append(py::make_tuple(band, row.Mask(band)));
+  }
+  return masks;
+}
+
+void loadMasks(AQ_MaskRow& row, const py::handle& masks) {
+  for (const py::handle item : masks) {
+    const auto pair = item.cast<py::tuple>();
+    row.Mask(pair[0].cast<std::int16_t>(), pair[1].cast<std::shared_ptr<AQ_Mask>>());
+  }
+}
+
+void bindRow(const py::module_& module) {
+  Bound<AQ_MaskRow> row(module, "AQ_MaskRow",
+                        "The masking decisions of one record, by band, and its last good band. "
+                        "Masks are shared, not copied.");
+  row.indexed(
+         "Mask", &AQ_MaskRow::Mask, &AQ_MaskRow::Mask,
+         "The mask of a band; a band without one gets a default mask. Storing one for a band that "
+         "has one only removes that: change the mask itself instead.")
+      .property("LowBand", &AQ_MaskRow::LowBand, "The lowest band with a mask; 9999 when none has")
+      .property("HighBand", &AQ_MaskRow::HighBand, "The highest band with a mask; -1 when none has")
+      .property(
+          "LGB", &AQ_MaskRow::LGB, &AQ_MaskRow::LGB,
+          "The last good band: 0 when no band from 29 up is masked, 9999 when bands 28 and 29 "
+          "both are");
+  row.def("Copy", &AQ_MaskRow::Copy, "A deep copy")
+      .def(
+          "Encompasses",
+          [](const AQ_MaskRow& self, const py::object& spectrum) {
+            return self.Encompasses(Banded(spectrum));
+          },
+          py::arg("spectrum"),
+          "Whether the bands of an object with LowBand and HighBand lie inside the row's")
+      .def("__repr__", [](const AQ_MaskRow& self) {
+        return "<AQ_MaskRow: bands " + std::to_string(self.LowBand()) + " to " +
+               std::to_string(self.HighBand()) + ", last good band " + std::to_string(self.LGB()) +
+               ">";
+      });
+  row.container(savedMasks, loadMasks);
+}
+
+void bindMap(const py::module_& module) {
+  Bound<AQ_MaskMap> map(module, "AQ_MaskMap",
+                        "The masking map of a measurement: one row per record, numbered like the "
+                        "records of the spectral time history. Rows are shared, not copied.");
+  map.indexed("Row", &AQ_MaskMap::Row, &AQ_MaskMap::Row, "The row of a record")
+      .property("Count", &AQ_MaskMap::Count, "The number of rows");
+  map.def("Copy", &AQ_MaskMap::Copy, "A deep copy of rows 1 to Count")
+      .def("setLGB", &AQ_MaskMap::setLGB, "Finds each row's last good band from its masks")
+      .def("__len__", &AQ_MaskMap::Count)
+      .def("__iter__",
+           [](const AQ_MaskMap& self) { return py::iter(py::cast(rowsOf(self).objects)); })
+      .def_property_readonly(
+          "records", [](const AQ_MaskMap& self) { return numberArray(rowsOf(self).numbers); },
+          "The record numbers, ascending, shape (rows,)")
+      .def_property_readonly(
+          "bands",
+          [](const AQ_MaskMap& self) {
+            return numberArray(numbersOf(bandsOf(rowsOf(self).objects)));
+          },
+          "The band numbers from the lowest of any row to the highest, shape (bands,)")
+      .def_property("last_good_bands", lastGoodBands, setLastGoodBands,
+                    "The last good band of each row, shape (rows,)")
+      .def("to_numpy", mapToArrays,
+           "Mask modes and adjustments as two arrays of int8, shape (rows, bands); -1 where a row "
+           "has no mask")
+      .def_static("from_numpy", mapFromArrays, py::arg("modes"),
+                  py::arg("adjustments") = py::none(), py::arg("low_band") = 17,
+                  py::arg("records") = py::none(),
+                  "A new map from modes and adjustments, shape (rows, bands); -1 stores no mask. "
+                  "Records are numbered from 1 unless their numbers are given")
+      .def("__repr__", [](const AQ_MaskMap& self) {
+        return "<AQ_MaskMap: " + std::to_string(self.Count()) + " rows>";
+      });
+  map.container(
+      [](const AQ_MaskMap& self) {
+        const auto rows = rowsOf(self);
+        return py::make_tuple(rows.numbers, rows.objects);
+      },
+      [](AQ_MaskMap& self, const py::handle& kept) {
+        const auto numbers = kept[py::int_(0)].cast<std::vector<std::int16_t>>();
+        const auto rows = kept[py::int_(1)].cast<std::vector<std::shared_ptr<AQ_MaskRow>>>();
+        for (std::size_t i = 0; i < numbers.size(); ++i) self.Row(numbers[i], rows.at(i));
+      });
+}
+
+}  // namespace
+
+void bindMasking(py::module_& module) {
+  Bound<AQ_Mask> mask(module, "AQ_Mask",
+                      "One masking decision: whether and by which test the level of one band of "
+                      "one record is masked by the ambient, and how it was adjusted.");
+  mask.property("MaskMode", &AQ_Mask::MaskMode, &AQ_Mask::MaskMode, "Whether and by which test")
+      .property("AdjustMode", &AQ_Mask::AdjustMode, &AQ_Mask::AdjustMode,
+                "How the level was adjusted");
+  mask.def_property(
+          "MaskString", [](const AQ_Mask& self) { return self.MaskString(); },
+          [](AQ_Mask& self, const std::string& letters) { self.MaskString(letters); },
+          "The letters of mode (-MAF) and adjustment (-SFTACR)")
+      .def("Copy", &AQ_Mask::Copy, "A new mask with the same values");
+  mask.record();
+  bindRow(module);
+  bindMap(module);
+}
+
+}  // namespace aq::python

@@ -1,0 +1,191 @@
+#pragma once
+
+// How plain values cross between Python and the library. Include this first: text has to be
+// settled before anything of pybind11 casts one.
+
+#include <aq/aq.h>
+#include <pybind11/cast.h>
+
+#include <limits>
+#include <string>
+
+namespace aq::python {
+
+namespace py = pybind11;
+
+/// A file's name as the system has it: text, bytes or anything with `__fspath__` in Python.
+struct Path {
+  std::string name;
+};
+
+/// The name of an enumeration in Python; given for every one that has a class there.
+template <class E>
+struct EnumName;
+
+/// The enumeration's Python class. It lives as long as the interpreter.
+template <class E>
+py::handle& enumClass() {
+  static py::handle type;
+  return type;
+}
+
+}  // namespace aq::python
+
+#define AQ_ENUM_NAME(Enum)                                             \
+  template <>                                                          \
+  struct aq::python::EnumName<aq::Enum> {                              \
+    static constexpr auto value = pybind11::detail::const_name(#Enum); \
+  };
+AQ_ENUM_NAME(AQ_AverageMethod)
+AQ_ENUM_NAME(AQ_TimeStampType)
+AQ_ENUM_NAME(AQ_RefTimeType)
+AQ_ENUM_NAME(AQ_CONSTANTS)
+AQ_ENUM_NAME(AQ_OPTIME)
+AQ_ENUM_NAME(AQ_DataMessage)
+AQ_ENUM_NAME(AQ_MASK_MODE)
+AQ_ENUM_NAME(AQ_MASK_ADJUST)
+AQ_ENUM_NAME(AQ_METRIC_INTEG_VALUE)
+AQ_ENUM_NAME(AQ_METRIC_TYPE)
+AQ_ENUM_NAME(ErrorCode)
+AQ_ENUM_NAME(FileKind)
+#undef AQ_ENUM_NAME
+
+namespace pybind11::detail {
+
+/// Text is bytes in no encoding: what is not UTF-8 crosses as surrogates and comes back unchanged.
+template <>
+class type_caster<std::string> {
+ public:
+  PYBIND11_TYPE_CASTER(std::string, const_name("str"));
+
+  bool load(handle source, bool /*convert*/) {
+    if (!PyUnicode_Check(source.ptr())) return false;
+    const auto encoded = reinterpret_steal<bytes>(
+        PyUnicode_AsEncodedString(source.ptr(), "utf-8", "surrogateescape"));
+    if (!encoded) throw error_already_set();
+    char* data = nullptr;
+    Py_ssize_t size = 0;
+    if (PyBytes_AsStringAndSize(encoded.ptr(), &data, &size) != 0) throw error_already_set();
+    value.assign(data, static_cast<std::size_t>(size));
+    return true;
+  }
+
+  static handle cast(const std::string& text, return_value_policy /*policy*/, handle /*parent*/) {
+    const auto size = static_cast<Py_ssize_t>(text.size());
+    PyObject* const decoded = PyUnicode_DecodeUTF8(text.data(), size, "surrogateescape");
+    if (decoded == nullptr) throw error_already_set();
+    return decoded;
+  }
+};
+
+template <>
+class type_caster<aq::python::Path> {
+ public:
+  PYBIND11_TYPE_CASTER(aq::python::Path, const_name("Path"));
+
+  bool load(handle source, bool /*convert*/) {
+    PyObject* encoded = nullptr;
+    if (PyUnicode_FSConverter(source.ptr(), &encoded) == 0) {
+      PyErr_Clear();
+      return false;
+    }
+    const auto owner = reinterpret_steal<bytes>(encoded);
+    value.name = PyBytes_AS_STRING(owner.ptr());
+    return true;
+  }
+};
+
+/// Nothing, truth, numbers and text; an integer beyond 32 bits is stored as a double.
+template <>
+class type_caster<aq::Variant> {
+ public:
+  PYBIND11_TYPE_CASTER(aq::Variant, const_name("Value"));
+
+  bool load(handle source, bool /*convert*/) {
+    PyObject* const object = source.ptr();
+    if (object == Py_None) {
+      value = aq::Variant();
+    } else if (PyBool_Check(object)) {
+      value = aq::Variant(object == Py_True);
+    } else if (PyUnicode_Check(object)) {
+      value = aq::Variant(source.cast<std::string>());
+    } else if (PyIndex_Check(object) != 0) {
+      return loadInteger(reinterpret_steal<pybind11::object>(PyNumber_Index(object)));
+    } else {
+      return loadDouble(object);
+    }
+    return true;
+  }
+
+  static handle cast(const aq::Variant& given, return_value_policy policy, handle parent) {
+    switch (given.type()) {
+      case aq::Variant::Type::Int16:
+      case aq::Variant::Type::Int32: return PyLong_FromLong(given.toInt32());
+      case aq::Variant::Type::Single:
+      case aq::Variant::Type::Double:
+      case aq::Variant::Type::Date: return PyFloat_FromDouble(given.toDouble());
+      case aq::Variant::Type::Boolean: return PyBool_FromLong(given.toBoolean() ? 1 : 0);
+      case aq::Variant::Type::String:
+        return type_caster<std::string>::cast(given.toString(), policy, parent);
+      case aq::Variant::Type::Empty:
+      case aq::Variant::Type::Object: break;
+    }
+    return none().release();
+  }
+
+ private:
+  bool loadInteger(const pybind11::object& number) {
+    if (!number) {  // an array of more than one number, for instance
+      PyErr_Clear();
+      return false;
+    }
+    int overflow = 0;
+    const long long integer = PyLong_AsLongLongAndOverflow(number.ptr(), &overflow);
+    if (overflow != 0) return loadDouble(number.ptr());
+    value = aq::Variant(integer);
+    return true;
+  }
+
+  bool loadDouble(PyObject* object) {
+    if (PyNumber_Check(object) == 0) return false;
+    const double number = PyFloat_AsDouble(object);
+    if (number == -1.0 && PyErr_Occurred() != nullptr) {
+      PyErr_Clear();
+      return false;
+    }
+    value = aq::Variant(number);
+    return true;
+  }
+};
+
+template <class E>
+concept NamedEnum = requires {
+  aq::python::EnumName<E>::value;
+};
+
+/// Members of a Python `IntEnum`. As in the library any number passes, named or not.
+template <class E>
+class type_caster<E, enable_if_t<NamedEnum<E>>> {
+ public:
+  PYBIND11_TYPE_CASTER(E, aq::python::EnumName<E>::value);
+
+  bool load(handle source, bool /*convert*/) {
+    if (PyIndex_Check(source.ptr()) == 0) return false;
+    const Py_ssize_t number = PyNumber_AsSsize_t(source.ptr(), PyExc_OverflowError);
+    if (number == -1 && PyErr_Occurred() != nullptr) PyErr_Clear();
+    if (!std::in_range<std::int32_t>(number)) return false;
+    value = static_cast<E>(number);
+    return true;
+  }
+
+  static handle cast(E member, return_value_policy /*policy*/, handle /*parent*/) {
+    const auto number =
+        reinterpret_steal<object>(PyLong_FromLong(static_cast<std::int32_t>(member)));
+    PyObject* const named = PyObject_CallOneArg(aq::python::enumClass<E>().ptr(), number.ptr());
+    if (named != nullptr) return named;
+    PyErr_Clear();
+    return number.inc_ref();
+  }
+};
+
+}  // namespace pybind11::detail

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <algorithm>
+
+#include "arrays.h"
+
+namespace aq::python {
+
+using Levels = py::array_t<double, py::array::c_style>;
+constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
+
+/// The level of a band, nothing when it has none.
+inline std::shared_ptr<Variant> storedLevel(const AQ_Spectrum& spectrum, std::int16_t band) {
+  return found([&](std::int16_t n) { return std::make_shared<Variant>(spectrum.SPL(n)); }, band);
+}
+
+/// Puts the levels of a spectrum from band `low` on, into `cells`, which have room for all.
+inline void takeLevels(const AQ_Spectrum& spectrum, std::int16_t low, std::span<double> cells) {
+  std::fill(cells.begin(), cells.end(), kMissing);
+  const auto codes = spectrum.levelCodes();
+  const auto doubles = spectrum.levelDoubles();
+  if (!codes.empty() || !doubles.empty()) {
+    const auto first = cells.begin() + (spectrum.LowBand() - low);
+    std::transform(codes.begin(), codes.end(), first, levelOf);
+    std::copy(doubles.begin(), doubles.end(), first);
+    return;
+  }
+  for (const std::int16_t band : numbersOf({spectrum.LowBand(), spectrum.HighBand()})) {
+    const auto level = storedLevel(spectrum, band);
+    if (level) cells[static_cast<std::size_t>(band - low)] = level->toDouble();
+  }
+}
+
+/// A spectrum of these levels from band `low` on; NaN stores none.
+inline std::shared_ptr<AQ_Spectrum> spectrumFrom(std::span<const double> levels, std::int16_t low) {
+  auto spectrum = std::make_shared<AQ_Spectrum>();
+  if (std::none_of(levels.begin(), levels.end(), [](double level) { return std::isnan(level); })) {
+    spectrum->assignLevels(low, levels);
+    return spectrum;
+  }
+  int band = low;
+  for (const double level : levels) {
+    if (!std::isnan(level)) spectrum->SPL(static_cast<std::int16_t>(band), level);
+    ++band;
+  }
+  return spectrum;
+}
+
+}  // namespace aq::python

@@ -1,0 +1,110 @@
+"""Folders of files: a damaged one among many, and lazy datasets under any scheduler."""
+
+from __future__ import annotations
+
+import subprocess
+import sys
+from pathlib import Path
+from typing import Any, Callable
+
+import dask
+import numpy as np
+import pytest
+
+import aq_data as aq
+from conftest import PROJECT
+
+Archive = Callable[[int], list[Path]]
+
+
+def test_a_scan_lists_all_and_what_is_wrong(archive: Archive, tmp_path: Path, capfd: Any) -> None:
+    paths = archive(40)
+    text = paths[17].read_text()
+    paths[17].write_text(text[: text.rindex(",")] + ",6x.2\n")
+    (tmp_path / "notes").mkdir()
+    (tmp_path / "notes" / "letter.txt").write_text("Dear colleague,\n")
+    frame = aq.scan(tmp_path, progress=True)
+    assert "100%" in capfd.readouterr().err
+    assert len(frame) == 41 and list(frame[~frame.ok].path) == [
+        str(paths[17]),
+        str(tmp_path / "notes" / "letter.txt"),
+    ]
+    damaged = frame[frame.path == str(paths[17])].iloc[0]
+    assert (damaged.line, damaged.field, damaged.found) == (80, 27, '"6x.2"')
+    good = frame.iloc[0]
+    assert (good.kind, good.records, good.high_band) == ("SpectralTimeHistory", 60, 40)
+    with pytest.raises(NotADirectoryError):
+        aq.scan(paths[0])
+
+
+def test_a_check_finds_what_the_tool_finds(archive: Archive, tmp_path: Path, sample: Path) -> None:
+    text = (sample / "fly-over.mask.csv").read_text()
+    (tmp_path / "fly-over.sth.csv").write_bytes((sample / "fly-over.sth.csv").read_bytes())
+    short = tmp_path / "short.mask.csv"
+    short.write_text("\n".join(text.splitlines()[:-1]) + "\n")
+    damaged = archive(1)[0]
+    damaged.write_text(damaged.read_text()[:-40])
+    found = aq.check([short, damaged, sample / "fly-over.ini.csv"])
+    errors = found[found.severity == "error"]
+    assert set(errors.path) >= {str(damaged)} and str(short) in set(found.path)
+    assert errors[errors.path == str(damaged)].iloc[0].line == 80
+    assert set(found.kind) <= set(aq.FINDING_KINDS)
+    assert len(aq.check(sample / "fly-over.s*.csv")) == 0
+
+
+def test_many_histories_are_one_lazy_dataset(archive: Archive, tmp_path: Path, mask: Any) -> None:
+    paths = archive(5)
+    narrow = aq.AQ_SpectralTimeHistory.from_numpy([[50.0]], low_band=42)
+    aq.write(narrow, tmp_path / "0005.sth.csv")
+    ds = aq.open_many(tmp_path / "*.sth.csv")
+    assert ds.level.chunks[0] == (60,) * 5 + (1,) and list(ds.band) == [*range(17, 41), 42]
+    assert [str(p) for p in ds.path.values[:5]] == [str(p) for p in paths]
+    for scheduler in ("synchronous", "threads"):
+        with dask.config.set(scheduler=scheduler):
+            levels = ds.level.where(ds.file == 3, drop=True).values[:, :24]
+            np.testing.assert_allclose(levels, aq.read(paths[3]).data.to_numpy())
+            assert ds.level.values[-1, -1] == 50 and np.isnan(ds.level.values[-1, 0])
+    aq.write(mask, tmp_path / "mask.csv")
+    masked = aq.open_many(paths, masks=[tmp_path / "mask.csv"] * 5)
+    assert int(masked.aq.masked.sum().compute()) == 5 * 146
+
+
+def test_a_damaged_file_raises_or_is_left_out(archive: Archive, tmp_path: Path) -> None:
+    paths = archive(3)
+    paths[1].write_text(paths[1].read_text()[:-40])
+    with pytest.raises(aq.FileError, match="0001"):
+        aq.open_many(paths)
+    with pytest.warns(UserWarning, match="0001.*line"):
+        assert aq.open_many(paths, errors="skip").sizes["path"] == 2
+    aq.open_many(paths[::2])
+    lazy = aq.open_many(paths[::2])
+    aq.write(aq.AQ_SpectralTimeHistory.from_numpy([[1.0]]), paths[0])
+    with pytest.raises(ValueError, match="has changed"):
+        lazy.level.compute()
+
+
+@pytest.mark.parametrize(
+    "arguments, kind, text",
+    [
+        (("none*.csv",), FileNotFoundError, "no file matches"),
+        (([],), ValueError, "at least one history"),
+        ((["a"], ["b", "c"]), ValueError, "a map for each of 1"),
+        ((["a"], None, "ignore"), ValueError, "'ignore'"),
+        (([PROJECT / "examples/data/fly-over.mask.csv"],), aq.FileError, "MaskingMap"),
+    ],
+)
+def test_what_is_no_archive_is_refused(arguments: Any, kind: type, text: str) -> None:
+    with pytest.raises(kind, match=text):
+        aq.open_many(*arguments)
+
+
+@pytest.mark.slow
+def test_the_cluster_example_runs(tmp_path: Path) -> None:
+    script = PROJECT / "examples" / "archive_on_a_cluster.py"
+    done = subprocess.run(
+        [sys.executable, script, "--files", "60", "--folder", tmp_path],
+        capture_output=True,
+        text=True,
+    )
+    assert done.returncode == 0, done.stderr
+    assert "60 histories" in done.stdout and (tmp_path / "by_angle.nc").exists()

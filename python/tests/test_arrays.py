@@ -1,0 +1,134 @@
+"""Arrays and tables of numbers, there and back."""
+
+from __future__ import annotations
+
+from typing import Any
+
+import numpy as np
+import pytest
+
+import aq_data as aq
+
+NAN = float("nan")
+History, Map, Spectrum = aq.AQ_SpectralTimeHistory, aq.AQ_MaskMap, aq.AQ_Spectrum
+LEVELS = np.array([[60.5, 61.0, NAN], [NAN, 62.5, 63.0]])
+
+
+def test_levels_go_by_band_and_record_number() -> None:
+    history = History.from_numpy(LEVELS, low_band=24, records=[7, 5])
+    assert history.spectrum(7).SPL(24) == 60.5 and history.spectrum(5).SPL(26) == 63
+    with pytest.raises(KeyError):
+        history.spectrum(5).SPL(24)
+    assert list(history.records) == [5, 7] and list(history.bands) == [24, 25, 26]
+    np.testing.assert_array_equal(history.to_numpy(), LEVELS[::-1])
+
+
+def test_masked_levels_are_missing_on_request() -> None:
+    history = History.from_numpy(LEVELS, low_band=24, records=[5, 7])
+    mask = Map()
+    mask.Row[7] = aq.AQ_MaskRow()  # record 5 has no row, which masks nothing
+    mask.Row[7].Mask[25].MaskMode = aq.MASKED_BY_PRE_DETECT
+    mask.Row[7].Mask[40].MaskMode = aq.MASKED_BY_PRE_DETECT  # a band that the history lacks
+    expected = LEVELS.copy()
+    expected[1, 1] = NAN
+    np.testing.assert_array_equal(history.to_numpy(mask), expected)
+    np.testing.assert_array_equal(history.to_numpy(), LEVELS)
+
+
+@pytest.mark.parametrize(
+    "given",
+    [
+        np.asfortranarray(LEVELS),
+        LEVELS[:, ::-1],
+        LEVELS.astype(np.float32),
+        LEVELS.T.copy().T,
+        np.array([[1, 2], [3, 4]], dtype=np.int8),
+        LEVELS[:0],
+        LEVELS[:, :0],
+        [[50.0, 60.0]],
+    ],
+)
+def test_any_layout_and_type_of_number_is_right(given: Any) -> None:
+    taken = History.from_numpy(given).to_numpy()
+    expected = np.asarray(given, dtype=float)
+    if expected.size:
+        np.testing.assert_array_equal(taken, expected)
+    else:
+        assert taken.shape == (len(expected), 0)
+
+
+@pytest.mark.parametrize(
+    "action, kind, text",
+    [
+        (lambda: History.from_numpy(np.zeros(3)), ValueError, "two dimensions.*1 dim"),
+        (lambda: History.from_numpy([["a"]]), TypeError, "expected numbers.*U1"),
+        (lambda: History.from_numpy(None), TypeError, "expected numbers"),
+        (lambda: History.from_numpy(np.zeros((2, 2), complex)), TypeError, "complex128"),
+        (lambda: History.from_numpy(np.zeros((1, 9)), low_band=32760), ValueError, "32768"),
+        (lambda: History.from_numpy(np.zeros((32768, 1))), ValueError, "32768"),
+        (lambda: History.from_numpy(np.zeros((2, 2)), records=[1]), ValueError, "2 of them"),
+        (lambda: History.from_numpy(np.zeros((1, 2)), records=[40000]), ValueError, "40000"),
+        (lambda: Spectrum.from_numpy(LEVELS), ValueError, "one dimension"),
+        (lambda: Map.from_numpy([[0.0, 300.0]]), OverflowError, "300"),
+        (lambda: Map.from_numpy([[0]], [[0, 0]]), ValueError, "one shape"),
+        (
+            lambda: setattr(Map.from_numpy([[0]]), "last_good_bands", [1, 2]),
+            ValueError,
+            "1 of them",
+        ),
+        (lambda: aq.AQ_PositionTimeHistory.from_numpy({"A": [1]}), ValueError, "TODseconds"),
+        (lambda: aq.AQ_PositionTimeHistory.from_numpy(5), TypeError, "named columns"),
+        (
+            lambda: aq.AQ_PositionTimeHistory.from_numpy({"X": [1.0], "Y": [1.0, 2.0]}),
+            ValueError,
+            "1 rows in column Y",
+        ),
+        (lambda: setattr(History(), "times", {"RelSeconds": [1.0]}), ValueError, "0 rows, found 1"),
+    ],
+)
+def test_what_is_no_such_array_is_refused(action: Any, kind: type, text: str) -> None:
+    with pytest.raises(kind, match=text):
+        action()
+
+
+def test_a_level_that_is_no_number_has_no_array() -> None:
+    history = History.from_numpy(LEVELS)
+    history.spectrum[1].SPL[18] = "loud"
+    with pytest.raises(TypeError):
+        history.to_numpy()
+
+
+def test_masks_keep_modes_adjustments_and_gaps() -> None:
+    modes, adjustments = np.array([[-1, 1, 0], [3, 2, -1]]), np.array([[-1, 6, 0], [0, 1, -1]])
+    mask = Map.from_numpy(modes, adjustments, low_band=27, records=[2, 1])
+    assert mask.Row(2).Mask(28).MaskString == "MR" and mask.Row(2).LowBand == 28
+    mask.last_good_bands = [29, 9999]
+    assert mask.Row(1).LGB == 29
+    back = mask.to_numpy()
+    np.testing.assert_array_equal(back, [modes[::-1], adjustments[::-1]])
+    assert back[0].dtype == np.int8 and list(mask.bands) == [27, 28, 29]
+
+
+def test_tables_of_times_metrics_positions_and_geometry() -> None:
+    history = History.from_numpy(LEVELS)
+    history.times = {"TODseconds": [90000.0, 1.0], "CurrentDate": [37695, 37696]}
+    history.metrics = {"PNLT": [95.5, 90.25], "INTEG": [5, 0], "Level": [70.0, 71.0]}
+    first = history.spectrum(1)
+    assert (first.Time.TODseconds, first.Time.CurrentDate) == (90000, 37695)  # nothing wraps
+    assert (first.Metric.PNLT, first.Metric.INTEG, first.Level) == (95.5, 5, 70)
+    assert history.metrics["PNLT"].tolist() == [95.5, 90.25]
+    rows = [(37695, 36000.1, -1.5, 1.0, 2.0, 3.0), (0, 36000.2, 0, 4, 5, 6)]
+    names = ["CurrentDate", "TODseconds", "RelSeconds", "X", "Y", "Z"]
+    table = np.array(rows, dtype=[(name, "f8") for name in names])
+    positions = aq.AQ_PositionTimeHistory.from_numpy(table)
+    assert (positions.Position(1).Z, positions.Position(2).Time.TODseconds) == (3, 36000.2)
+    np.testing.assert_array_equal(positions.to_numpy(), table)
+    columns = {
+        name: [float(i)]
+        for i, name in enumerate(aq.AQ_GeometryTimeHistory().to_numpy().dtype.names or (), start=1)
+    }
+    geometry = aq.AQ_GeometryTimeHistory.from_numpy(columns)
+    point = geometry.Point(1)
+    read = (point.Tm.TODseconds, point.Te.RelSeconds, point.Tprope, point.Pe.Z, point.BETAe)
+    assert read == (2, 6, 7, 10, 13)
+    assert geometry.to_numpy().tolist() == [tuple(v[0] for v in columns.values())]

@@ -1,0 +1,34 @@
+"""The guide's code runs, and so does the script for a notebook."""
+
+from __future__ import annotations
+
+import re
+import runpy
+from pathlib import Path
+from typing import Any
+
+import matplotlib.pyplot as plt
+import pytest
+
+from conftest import PROJECT
+
+
+def test_the_guide_runs(tmp_path: Path, sample: Path, monkeypatch: Any) -> None:
+    for path in sample.glob("*.csv"):
+        (tmp_path / path.name).write_bytes(path.read_bytes())
+    monkeypatch.chdir(tmp_path)
+    text = (PROJECT / "docs" / "python.md").read_text()
+    blocks = re.findall(r"```python\n(.*?)```", text, re.DOTALL)
+    names: dict[str, Any] = {"__name__": "guide"}
+    for block in blocks:
+        exec(compile(block, "docs/python.md", "exec"), names)
+    assert len(blocks) >= 8
+    plt.close("all")
+
+
+@pytest.mark.slow
+def test_the_notebook_script_runs(tmp_path: Path, monkeypatch: Any) -> None:
+    monkeypatch.chdir(tmp_path)
+    runpy.run_path(str(PROJECT / "examples" / "fly_over_notebook.py"))
+    assert (tmp_path / "fly-over.png").exists() and (tmp_path / "fly-over.nc").exists()
+    plt.close("all")

@@ -1,0 +1,106 @@
+"""One call for any file, and what it says of files that do not read."""
+
+from __future__ import annotations
+
+from pathlib import Path
+from typing import Any
+
+import pytest
+
+import aq_data as aq
+from conftest import PROJECT, values
+
+KINDS = {
+    "spectral-time-history": aq.AQ_SpectralTimeHistory,
+    "masking-map": aq.AQ_MaskMap,
+    "spectrum-record": aq.AQ_Spectrum,
+    "position-time-history": aq.AQ_PositionTimeHistory,
+    "geometric-time-history": aq.AQ_GeometryTimeHistory,
+    "variable-initialization": aq.AQ_DataINI,
+    "tracking": aq.AQ_PositionTimeHistory,
+    "microphone-position": aq.AQ_Microphone,
+}
+READ_ONLY = ("tracking", "microphone-position")
+GOOD = [
+    (folder, path)
+    for folder in KINDS
+    for path in sorted((PROJECT / "tests" / "data" / folder / "good").iterdir())
+    if aq.kindOfFile(path) != aq.FileKind.Unknown  # a tracking file may have no fix to know it by
+]
+
+
+@pytest.mark.parametrize("folder, path", GOOD, ids=lambda x: x.name if isinstance(x, Path) else x)
+def test_every_kind_reads_and_is_written_the_same(folder: str, path: Path, tmp_path: Path) -> None:
+    reading = aq.read(path)
+    assert type(reading.data) is KINDS[folder]
+    if folder in READ_ONLY:
+        return
+    copy, again = tmp_path / "copy.csv", tmp_path / "again.csv"
+    aq.write(reading, copy)
+    aq.write(aq.read(copy), again)
+    names = [line for line in copy.read_bytes().splitlines() if b"copy.csv" not in line]
+    assert len(names) and names == [
+        line for line in again.read_bytes().splitlines() if b"again.csv" not in line
+    ]
+
+
+def test_failures_name_the_place(tmp_path: Path, sample: Path) -> None:
+    lines = (sample / "fly-over.sth.csv").read_text().splitlines()
+    lines[23] = lines[23].replace(",", ",6x.2,", 3).replace(",6x.2,", ",", 2)
+    damaged = tmp_path / "damaged.csv"
+    damaged.write_text("\n".join(lines))
+    with pytest.raises(aq.FileError) as raised:
+        aq.read(damaged)
+    error = raised.value
+    assert (error.file, error.line, error.field) == (str(damaged), 24, 4)
+    assert (error.expected, error.found) == ("a level", '"6x.2"')
+    assert error.partial[0].sProjectName == "Fly-over sample" and error.partial[1] is None
+    assert str(error) == f'{damaged}, line 24, field 4: expected a level, found "6x.2"'
+
+
+@pytest.mark.parametrize("name, kind", [("none.csv", FileNotFoundError), (".", IsADirectoryError)])
+def test_what_cannot_be_opened_raises_as_open_does(name: str, kind: type, tmp_path: Path) -> None:
+    with pytest.raises(kind):
+        aq.read(tmp_path / name)
+
+
+def test_each_file_class_says_that_a_file_is_missing(tmp_path: Path) -> None:
+    classes = (aq.AQ_DataSTH, aq.AQ_DataMIC, aq.AQ_DataTSPI, aq.AQ_DataINI)
+    for file_class in classes:
+        reader = file_class()
+        with pytest.raises(FileNotFoundError):
+            reader.readFile(tmp_path / "none.csv")
+        assert reader.lastFailure and reader.lastFailure.line == 0
+    with pytest.raises(FileNotFoundError):
+        aq.write(aq.AQ_DataINI(), tmp_path / "no folder" / "x.csv")
+
+
+def test_what_has_no_file_is_refused(tmp_path: Path, history: Any) -> None:
+    (tmp_path / "letter.txt").write_text("Dear colleague,\n")
+    with pytest.raises(aq.FileError, match="a kind that is known"):
+        aq.read(tmp_path / "letter.txt")
+    for thing in (aq.AQ_Microphone(), "text", (1, 2, 3), None):
+        with pytest.raises(TypeError, match="expected"):
+            aq.write(thing, tmp_path / "x.csv")
+    history.spectrum[3].SPL[20] = "loud"
+    with pytest.raises(TypeError):
+        aq.write(history, tmp_path / "x.csv")
+    assert not (tmp_path / "x.csv").exists()
+
+
+def test_tracking_gives_the_rejected_fixes_too(sample: Path) -> None:
+    good, rejected = aq.read_tracking(sample / "fly-over.tspi.csv")
+    everything = aq.read_tracking(sample / "fly-over.tspi.csv", limit=255)
+    assert (len(good), len(rejected), len(everything.positions)) == (146, 4, 150)
+    assert values(aq.read(sample / "fly-over.tspi.csv").data) == values(good)
+    times = sorted(p.Time.TODseconds for p in (*good, *rejected))
+    assert times == [p.Time.TODseconds for p in everything.positions]
+
+
+def test_lines_and_fields_of_any_text(tmp_path: Path) -> None:
+    text = aq.AQ_DataASCII()
+    text.Lines = ["a, b", "c"]  # type: ignore[assignment]
+    text.writeLines(tmp_path / "x.txt")
+    text.appendLines(tmp_path / "x.txt")
+    text.readFields(tmp_path / "x.txt")
+    assert [list(line) for line in text.Fields] == [["a", "b"], ["c"]] * 2

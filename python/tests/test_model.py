@@ -1,0 +1,156 @@
+"""The object model: its own names, as Python expects them."""
+
+from __future__ import annotations
+
+import copy
+import gc
+import pickle
+import threading
+from pathlib import Path
+from typing import Any, Callable
+
+import numpy as np
+import pytest
+
+import aq_data as aq
+from conftest import values
+
+
+def spectrum(*levels: Any) -> aq.AQ_Spectrum:
+    made = aq.AQ_Spectrum()
+    for band, level in enumerate(levels, start=24):
+        made.SPL[band] = level
+    return made
+
+
+def test_what_is_stored_is_shared_and_outlives_its_owner() -> None:
+    history = aq.AQ_SpectralTimeHistory()
+    loud = spectrum(65.3, 70)
+    history.spectrum[12] = loud
+    loud.SPL[24] = 66.5
+    assert history.spectrum(12).SPL(24) == 66.5 and history.spectrum[12] is loud
+    row, stamp, levels = aq.AQ_MaskMap(), loud.Time, history.spectrum(12).SPL
+    del row, loud, history
+    gc.collect()
+    stamp.TODstring = "10:00:01.5"
+    assert stamp.TODseconds == 36001.5 and levels[25] == 70
+
+
+@pytest.mark.parametrize("given", [None, True, 7, -(2**31), 2.5, "soft", np.float64(3.25)])
+def test_a_level_keeps_its_type(given: Any) -> None:
+    kept = spectrum(given).SPL[24]
+    assert kept == given and (given is None or isinstance(given, type(kept)))
+
+
+@pytest.mark.parametrize(
+    "action, kind, code",
+    [
+        (lambda: spectrum(1.0).SPL[40], KeyError, aq.ErrorCode.InvalidArgument),
+        (lambda: aq.TextCollection(["a"]).Item(2), IndexError, aq.ErrorCode.InvalidIndex),
+        (lambda: aq.TextCollection(["a"])[-2], IndexError, None),
+        (lambda: aq.TextCollection().Item("key"), KeyError, aq.ErrorCode.InvalidArgument),
+        (lambda: setattr(aq.AQ_Time(), "TODseconds", "x"), TypeError, aq.ErrorCode.TypeMismatch),
+        (lambda: setattr(aq.AQ_Time(), "TODstring", "10"), ValueError, None),
+        (lambda: setattr(aq.AQ_Metric(), "OA", "loud"), TypeError, None),
+        (lambda: setattr(aq.AQ_Spectrum(), "Time", 5), TypeError, None),
+        (lambda: spectrum(object()), TypeError, None),
+        (lambda: spectrum(np.zeros(3)), TypeError, None),
+        (lambda: spectrum(1.0).SPL[70000], TypeError, None),
+        (lambda: iter(spectrum(1.0).SPL), TypeError, None),
+        (lambda: aq.AQ_Spectrum().Encompasses(3), AttributeError, None),
+        (lambda: aq.AQ_EmtRcvTable().Record[1], IndexError, aq.ErrorCode.InvalidIndex),
+    ],
+)
+def test_what_is_wrong_raises_as_python_does(
+    action: Callable[[], Any], kind: type, code: Any
+) -> None:
+    with pytest.raises(kind) as raised:
+        action()
+    if code is not None:
+        assert isinstance(raised.value, aq.Error) and raised.value.code == code
+
+
+def test_enumerations_are_integers_and_any_number_passes() -> None:
+    history, mask = aq.AQ_SpectralTimeHistory(), aq.AQ_Mask()
+    history.AverageMethod = aq.AQ_4S100
+    assert (history.AverageMethod, history.sAveragingMethod) == (2, "4S100")
+    mask.MaskMode = 9  # type: ignore[assignment]
+    assert mask.MaskMode == 9
+    metric = aq.AQ_Metric()
+    metric.INTEG = aq.AQ_INTEG_MAX | aq.AQ_INTEG_LST
+    assert metric.INTEG == 5 and aq.AQ_INTEG_LST in metric.INTEG
+
+
+def test_text_that_is_not_utf8_comes_back() -> None:
+    header = aq.AQ_HeaderSTH()
+    header.sProjectName = b"18 \xb0C".decode("utf-8", "surrogateescape")
+    header.cCommentLines = ["one", "two"]  # type: ignore[assignment]
+    header.cCommentLines.Add("three", "last")
+    assert header.sProjectName.encode("utf-8", "surrogateescape") == b"18 \xb0C"
+    assert list(header.cCommentLines) == ["one", "two", "three"]
+    assert header.cCommentLines.Item("last") == header.cCommentLines[-1]
+
+
+def everything(sample: Path) -> list[Any]:
+    read = [aq.read(path) for path in sorted(sample.glob("*.csv"))]
+    time = aq.AQ_Time()
+    time.assignSeconds(90000, -3)
+    time.setWorkingTime(aq.AQ_TIME_REF)
+    point, table = aq.AQ_SPointTrk(), aq.AQ_EmtRcvTable()
+    point.TOH, table.Record[1] = time, aq.AQ_EmtRcvRecord()
+    mixed = spectrum(1, "text", 2.5)
+    mixed.SPL[40] = 3.0
+    metrics = aq.AQ_MetricSummary()
+    metrics.MetricType(aq.AQ_METRIC_PNLT)
+    parts = [part for reading in read for part in reading if part is not None]
+    return [*parts, time, point, table, mixed, metrics, read[4].data.Band(20)]
+
+
+def test_everything_pickles_and_copies(sample: Path) -> None:
+    for thing in everything(sample):
+        for twin in (pickle.loads(pickle.dumps(thing)), copy.deepcopy(thing)):
+            assert values(twin) == values(thing) and repr(twin)
+    history = aq.read(sample / "fly-over.sth.csv").data
+    assert copy.copy(history).spectrum[3] is history.spectrum[3]
+    assert copy.deepcopy(history).spectrum[3] is not history.spectrum[3]
+
+
+def test_a_file_information_service_of_python(tmp_path: Path, history: Any) -> None:
+    class Fixed:
+        def recordedName(self, path: str) -> str:
+            return "recorded"
+
+        def fileDateTime(self, path: str) -> str:
+            return "01/02/2003,04:05:06"
+
+        def currentDateTime(self) -> str:
+            raise RuntimeError("no clock")
+
+    aq.setFileInformation(Fixed())
+    try:
+        aq.setFileInformation(Fixed())  # the first one ends here
+        with pytest.raises(RuntimeError, match="no clock"):
+            aq.write(history, tmp_path / "x.csv")
+        assert not (tmp_path / "x.csv").exists()
+        assert aq.fileInformation().recordedName("a/b") == "recorded"
+    finally:
+        aq.setFileInformation(None)
+
+
+def test_threads_read_at_once_with_one_file_object(sample: Path) -> None:
+    reader, found, errors = aq.AQ_DataSTH(), [], []
+
+    def work(name: str) -> None:
+        for _ in range(20):
+            try:
+                found.append(reader.readFile(sample / name)[1].Count)
+            except aq.FileError as error:
+                errors.append(error.line)
+
+    names = ["fly-over.sth.csv", "fly-over.mask.csv"] * 3
+    threads = [threading.Thread(target=work, args=(name,)) for name in names]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    assert found == [60] * 60 and errors == [1] * 60

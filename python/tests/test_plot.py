@@ -1,0 +1,58 @@
+"""Pictures: drawn without a display, on the axes that are given, with units on them."""
+
+from __future__ import annotations
+
+from pathlib import Path
+from typing import Any
+
+import matplotlib.pyplot as plt
+import numpy as np
+import pytest
+
+import aq_data as aq
+
+
+@pytest.fixture
+def pictures(sample: Path, history: Any, mask: Any) -> Any:
+    ds = history.to_xarray(mask)
+    track = aq.read_tracking(sample / "fly-over.tspi.csv")
+    ambient = aq.read(sample / "fly-over.ssr.csv").data
+    seconds = np.arange(52200.0, 52210.0, 0.5)
+    geometry = aq.AQ_GeometryTimeHistory.from_numpy({"Tm": seconds, "SRe": seconds - 52000})
+    return {
+        "spectrogram": (lambda ax: aq.plot.spectrogram(ds, ax), "reference (s)", "(Hz)"),
+        "spectrum": (lambda ax: aq.plot.spectrum(ds, 1, ambient, ax), "(Hz)", "(dB)"),
+        "level_time": (lambda ax: aq.plot.level_time(ds, {"x": 3.0}, ax), "(s)", "(dB)"),
+        "ground_track": (lambda ax: aq.plot.ground_track(track, ax=ax), "X (m)", "Y (m)"),
+        "height": (lambda ax: aq.plot.height(track, ax), "(h:min:s)", "(m)"),
+        "geometry": (lambda ax: aq.plot.geometry(geometry, ax), "(h:min:s)", "(m)"),
+        "page": lambda: aq.plot.page(ds, ambient, track, geometry, events={"x": 3.0}),
+    }
+
+
+def test_each_picture_takes_and_returns_its_axes(pictures: Any) -> None:
+    page = pictures.pop("page")()
+    assert [ax.get_title("left") for ax in page.axes if ax.get_title("left")][-1] == "Geometry"
+    for draw, x, y in pictures.values():
+        _, ax = plt.subplots()
+        assert draw(ax) is ax
+        ax.figure.canvas.draw()
+        assert x in ax.get_xlabel() and y in ax.get_ylabel()
+        assert draw(None).figure is not ax.figure
+    plt.close("all")
+
+
+def test_pictures_show_the_masks_and_the_rejected(pictures: Any) -> None:
+    ax = pictures["spectrogram"][0](None)
+    legend = [text.get_text() for text in ax.get_legend().get_texts()]
+    assert legend == ["masked", "last good band"]
+    hatched = next(c for c in ax.collections if c.get_hatch())
+    assert hatched.get_array().count() == 146
+    assert ax.lines[0].get_ydata()[0] == 36.5
+    masked = pictures["spectrum"][0](None).lines[2].get_xdata()
+    assert list(masked) == [17, 18, 37, 38, 39, 40]
+    rejected = pictures["height"][0](None).lines[1]
+    assert rejected.get_label() == "4 rejected" and len(rejected.get_xdata()) == 4
+    with pytest.raises(ValueError, match="found 999"):
+        aq.plot.spectrum(aq.AQ_SpectralTimeHistory.from_numpy([[1.0]]), 999)
+    plt.close("all")

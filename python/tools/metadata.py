@@ -1,0 +1,29 @@
+"""Writes the package's metadata, entry points among them, beside it: `metadata.py PROJECT FOLDER`.
+
+The build backend of the wheel makes it, so that an installed prefix tells the same as a wheel.
+"""
+
+from __future__ import annotations
+
+import os
+import shutil
+import sys
+import tempfile
+
+from setuptools import build_meta
+
+
+def main(project: str, folder: str) -> None:
+    with tempfile.TemporaryDirectory() as work:
+        shutil.copy(os.path.join(project, "pyproject.toml"), work)
+        os.mkdir(os.path.join(work, "aq_data"))
+        os.mkdir(os.path.join(work, "metadata"))
+        os.chdir(work)
+        name = build_meta.prepare_metadata_for_build_wheel(os.path.join(work, "metadata"))
+        target = os.path.join(folder, name)
+        shutil.rmtree(target, ignore_errors=True)
+        shutil.copytree(os.path.join(work, "metadata", name), target)
+
+
+if __name__ == "__main__":
+    main(*map(os.path.abspath, sys.argv[1:]))
