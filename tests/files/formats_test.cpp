@@ -1,12 +1,12 @@
 // What holds for every format: a good sample comes back from a read and a write byte by byte, a bad
 // one fails with the message that its folder lists, and a damaged one reads or fails with a place.
+#include "tests/support/formats.h"
+
 #include <aq/aq.h>
-#include <aq/core/number_text.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>
-#include <functional>
 #include <map>
 #include <random>
 
@@ -15,104 +15,9 @@
 namespace aq {
 namespace {
 
-/// How a read ended: the failure, and what was handed out all the same.
-struct Outcome {
-  std::optional<FileFailure> failure;
-  std::string handedOut;
-};
-
-struct Format {
-  std::function<Outcome(const std::string& path)> read;
-  std::function<AQ_DataMessage(const std::string& from, const std::string& to)> rewrite = nullptr;
-};
-
-Outcome outcomeOf(const FileClass& file, AQ_DataMessage result, bool header, bool model) {
-  EXPECT_EQ(result == AQ_DATA_OK, !file.lastFailure().has_value());
-  EXPECT_TRUE(result != AQ_DATA_OK || (header && model));
-  return {file.lastFailure(), std::string(header ? "header " : "") + (model ? "model " : "")};
-}
-
-template <class File, class Header, class Model>
-AQ_DataMessage readInto(File& file, const std::string& path, Header& header, Model& model) {
-  AQ_DataMessage result = AQ_DATA_FILE_ERROR;
-  if constexpr (requires { file.readFile(path, header, model, result); }) {
-    file.readFile(path, header, model, result);
-  } else if constexpr (std::is_same_v<File, AQ_DataSSR>) {
-    result = file.readFile(path, model, header);
-  } else {
-    result = file.readFile(path, header, model);
-  }
-  return result;
-}
-
-template <class File, class Header, class Model>
-Format format() {
-  const auto read = [](const std::string& path) {
-    File file;
-    std::shared_ptr<Header> header;
-    std::shared_ptr<Model> model;
-    const AQ_DataMessage result = readInto(file, path, header, model);
-    return outcomeOf(file, result, header != nullptr, model != nullptr);
-  };
-  const auto rewrite = [](const std::string& from, const std::string& to) {
-    File file;
-    std::shared_ptr<Header> header;
-    std::shared_ptr<Model> model;
-    AQ_DataMessage result = readInto(file, from, header, model);
-    if constexpr (requires { file.writeFile(to, header, *model, result); }) {
-      file.writeFile(to, header, *model, result);
-    } else {
-      result = file.writeFile(to, header, *model);
-    }
-    return result;
-  };
-  return {read, rewrite};
-}
-
-Outcome readTracking(const std::string& path) {
-  AQ_DataTSPI file;
-  std::shared_ptr<AQ_PositionTimeHistory> history;
-  AQ_DataMessage result = AQ_DATA_FILE_ERROR;
-  file.readFile(path, history, result);
-  Outcome outcome = outcomeOf(file, result, true, history != nullptr);
-  outcome.handedOut = std::to_string(file.nBadPositions()) + " dropped ";
-  return outcome;
-}
-
-Outcome readMicrophone(const std::string& path) {
-  AQ_DataMIC file;
-  std::shared_ptr<AQ_HeaderMIC> header;
-  const auto microphone = std::make_shared<AQ_Microphone>();
-  AQ_DataMessage result = AQ_DATA_FILE_ERROR;
-  file.readFile(path, header, microphone, result);
-  Outcome outcome = outcomeOf(file, result, header != nullptr, true);
-  if (microphone->Y != 0) outcome.handedOut += "Y " + numberText(microphone->Y) + ' ';
-  return outcome;
-}
-
-Outcome readParameters(const std::string& path) {
-  AQ_DataINI file;
-  const AQ_DataMessage result = file.readFile(path);
-  Outcome outcome = outcomeOf(file, result, true, true);
-  outcome.handedOut = "LoRec " + numberText(std::int32_t{file.LoRec()}) + ' ';
-  return outcome;
-}
-
-AQ_DataMessage rewriteParameters(const std::string& from, const std::string& to) {
-  AQ_DataINI file;
-  EXPECT_EQ(file.readFile(from), AQ_DATA_OK);
-  return file.writeFile(to);
-}
-
-const std::map<std::string, Format> kFormats{
-    {"spectral-time-history", format<AQ_DataSTH, AQ_HeaderSTH, AQ_SpectralTimeHistory>()},
-    {"masking-map", format<AQ_DataMask, AQ_HeaderMask, AQ_MaskMap>()},
-    {"position-time-history", format<AQ_DataPTH, AQ_HeaderPTH, AQ_PositionTimeHistory>()},
-    {"geometric-time-history", format<AQ_DataGTH, AQ_HeaderGTH, AQ_GeometryTimeHistory>()},
-    {"spectrum-record", format<AQ_DataSSR, AQ_HeaderSSR, AQ_Spectrum>()},
-    {"tracking", {readTracking}},
-    {"microphone-position", {readMicrophone}},
-    {"variable-initialization", {readParameters, rewriteParameters}}};
+using test::Format;
+using test::kFormats;
+using test::Outcome;
 
 /// Calls `check(format, sample)` for every file of that folder of every format.
 template <class Check>
@@ -132,7 +37,8 @@ TEST(Formats, GoodSamplesComeBackByteByByte) {
   const test::Folder folder;
   forSamples("good", [&](const std::string& name, const std::filesystem::path& sample) {
     const Format& format = kFormats.at(name);
-    EXPECT_FALSE(format.read(sample.string()).failure.has_value());
+    const Outcome outcome = format.read(sample.string());
+    EXPECT_TRUE(!outcome.failure.has_value() && outcome.sound);
     if (!format.rewrite) return;
     const std::string copy = folder.file(sample.filename().string());
     EXPECT_EQ(format.rewrite(sample.string(), copy), AQ_DATA_OK);
@@ -146,7 +52,7 @@ TEST(Formats, BadSamplesFailAsListed) {
   std::map<std::string, std::vector<std::string>> found;
   forSamples("bad", [&](const std::string& name, const std::filesystem::path& sample) {
     const Outcome outcome = kFormats.at(name).read(sample.string());
-    ASSERT_TRUE(outcome.failure.has_value());
+    ASSERT_TRUE(outcome.failure.has_value() && outcome.sound);
     const std::string message = outcome.failure->message();
     const std::string folder = sample.parent_path().string() + '/';
     ASSERT_TRUE(message.starts_with(folder)) << message;
@@ -168,7 +74,8 @@ class Damage {
     const auto lines = test::linesOf(damaged).size();
     const std::string path = folder_.with("in", damaged);
     static_cast<void>(kindOfFile(path));  // never throws
-    const auto failure = format_.read(path).failure;
+    const auto [failure, handedOut, sound] = format_.read(path);
+    ASSERT_TRUE(sound);
     ++tried_;
     if (!failure) return;
     ++failed_;
@@ -276,8 +183,8 @@ TEST_F(FieldData, EveryFileReadsAndIsStableFromItsSecondWriteOn) {
     ASSERT_EQ(rewrite(folder.file(file), folder.file(file)), AQ_DATA_OK);
     EXPECT_EQ(test::contentOf(folder.file(file)), once);
   }
-  EXPECT_EQ(readTracking(path("landing.tspi.csv")).handedOut, "8 dropped ");
-  EXPECT_FALSE(readMicrophone(path("landing.mic.csv")).failure.has_value());
+  EXPECT_EQ(test::readTracking(path("landing.tspi.csv")).handedOut, "8 dropped ");
+  EXPECT_FALSE(test::readMicrophone(path("landing.mic.csv")).failure.has_value());
 }
 
 TEST_F(FieldData, TheMapGivesItsLastGoodBands) {
