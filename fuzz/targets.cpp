@@ -101,10 +101,19 @@ bool isWritersOwn(std::string_view line) {
          key == "rows" || key == "bands";
 }
 
+/// A parameter that is 0 stays away from the file.
+bool isUnwritten(std::string_view line) {
+  constexpr std::array kParameters{"caladj", "prwndo", "powndo", "lorec", "hirec"};
+  const bool zero = line.ends_with(" 0") || line.ends_with(" -0");
+  return zero &&
+         std::count(kParameters.begin(), kParameters.end(), line.substr(0, line.find(' '))) != 0;
+}
+
 /// Whether two lines of values are the same but for what their text cuts off: levels have two
 /// decimals, other numbers seven digits.
 bool sameLine(const std::string& a, const std::string& b) {
   if (a == b || (isWritersOwn(a) && isWritersOwn(b))) return true;
+  if (isUnwritten(a)) return true;
   const char* left = a.c_str();
   const char* right = b.c_str();
   while (*left != '\0' || *right != '\0') {
@@ -135,8 +144,11 @@ void checkCopy(const test::Format& format, const char* code, const std::string& 
   if (!rewritten(format, path, copy)) return;
   const auto before = test::linesOf(test::valuesOf(code, path));
   const auto after = test::linesOf(test::valuesOf(code, copy));
-  expect(std::equal(before.begin(), before.end(), after.begin(), after.end(), sameLine),
-         "the values that were written");
+  expect(before.size() == after.size(), "as many values");
+  for (std::size_t i = 0; i < before.size(); ++i) {
+    expect(sameLine(before[i], after[i]),
+           (std::string(code) + ": " + before[i] + " written, not " + after[i]).c_str());
+  }
   const std::string once = test::contentOf(copy);
   expect(rewritten(format, copy, copy) && test::contentOf(copy) == once, "the same file again");
 }
