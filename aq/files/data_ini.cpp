@@ -95,7 +95,7 @@ void readComments(std::int16_t count, LineReader& lines, const HeaderWatch& watc
                   Collection<std::string>& comments) {
   for (std::int32_t i = 1; i <= count; ++i) {
     takeLine(lines, "one more comment line");
-    show(watch, {lines.number(), HeaderLine::Use::Text, {}, lines.line(), {}});
+    showLine(watch, {lines.number(), HeaderLine::Use::Text, {}, lines.line(), {}});
     FieldReader fields(lines);
     const std::string_view comment = fields.text("a comment");
     if (!comment.empty()) comments.Add(std::string(comment));
@@ -117,7 +117,7 @@ void readLine(LineReader& lines, const HeaderWatch& watch, AQ_DataINI& parameter
   const std::string_view key =
       mark == first.npos ? std::string_view() : keywordOf(upperCased(first.substr(0, mark)));
   const auto use = key.empty() ? HeaderLine::Use::Unused : HeaderLine::Use::Keyword;
-  show(watch, {lines.number(), use, key, lines.line(), {}});
+  showLine(watch, {lines.number(), use, key, lines.line(), {}});
   if (key == kFileName) parameters.FileName(std::string(fields.text("a file name")));
   if (key == kFileDateTime) readDateTime(fields, *parameters.FileDate());
   if (key == kComments) {

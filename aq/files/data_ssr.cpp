@@ -67,7 +67,7 @@ AQ_DataMessage AQ_DataSSR::readFile(const std::string& sFileName,
     header(headerLines, *header_);
     ssrHeader = header_;
     takeLine(lines, "the line of band labels");
-    show(headerWatch(), {lines.number(), HeaderLine::Use::Headings, {}, lines.line(), {}});
+    showLine(headerWatch(), {lines.number(), HeaderLine::Use::Headings, {}, lines.line(), {}});
     LevelColumns columns = columnsFrom(FieldReader(lines));
     takeLine(lines, "the line of levels");
     FieldReader levels(lines);

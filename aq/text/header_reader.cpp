@@ -156,7 +156,7 @@ void HeaderReader::fail(std::size_t number, std::string expected, std::string_vi
 }
 
 void HeaderReader::show(HeaderLine::Use use, std::string_view keyword) const {
-  if (watch_ != nullptr) aq::show(*watch_, {lines_.number(), use, keyword, lines_.line(), value_});
+  if (watch_ != nullptr) showLine(*watch_, {lines_.number(), use, keyword, lines_.line(), value_});
 }
 
 std::string HeaderReader::beforeMark() {

@@ -25,7 +25,7 @@ struct HeaderLine {
 /// Sees every header line that a read takes.
 using HeaderWatch = std::function<void(const HeaderLine&)>;
 
-inline void show(const HeaderWatch& watch, const HeaderLine& line) {
+inline void showLine(const HeaderWatch& watch, const HeaderLine& line) {
   if (watch) watch(line);
 }
 

@@ -10,7 +10,9 @@ if(KIND STREQUAL "prefix")
   run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK} --component python)
   run(${CMAKE_COMMAND} -E env PYTHONPATH=${WORK}/${PYTHON_DIR} ${PYTHON} ${smoke})
 else()
-  run(${PYTHON} -m pip wheel -q --no-index --no-build-isolation --no-deps -w ${WORK}
+  # With the module of this build, which would take minutes to make again.
+  run(${CMAKE_COMMAND} -E env AQ_DATA_BUILD=${BUILD}
+    ${PYTHON} -m pip wheel -q --no-index --no-build-isolation --no-deps -w ${WORK}
     ${SOURCE}/python)
   run(${PYTHON} -m venv --system-site-packages ${WORK}/venv)
   file(GLOB wheel ${WORK}/*.whl)

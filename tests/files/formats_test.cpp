@@ -3,26 +3,31 @@
 #include "tests/support/formats.h"
 
 #include <aq/aq.h>
-#include <aq/core/number_text.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>
-#include <functional>
 #include <map>
 #include <random>
 
 #include "tests/support/files.h"
+#include "tests/support/samples.h"
 
 namespace aq {
 namespace {
 
+using test::Format;
+using test::forSamples;
+using test::kFormats;
+using test::Outcome;
+
 TEST(Formats, GoodSamplesComeBackByteByByte) {
   const test::FixedInformation fixed;
   const test::Folder folder;
-  test::forSamples("good", [&](const std::string& name, const std::filesystem::path& sample) {
-    const test::Format& format = test::kFormats.at(name);
-    EXPECT_FALSE(format.read(sample.string()).failure.has_value());
+  forSamples("good", [&](const std::string& name, const std::filesystem::path& sample) {
+    const Format& format = kFormats.at(name);
+    const Outcome outcome = format.read(sample.string());
+    EXPECT_TRUE(!outcome.failure.has_value() && outcome.sound);
     if (!format.rewrite) return;
     const std::string copy = folder.file(sample.filename().string());
     EXPECT_EQ(format.rewrite(sample.string(), copy), AQ_DATA_OK);
@@ -34,15 +39,15 @@ TEST(Formats, GoodSamplesComeBackByteByByte) {
 /// handed out.
 TEST(Formats, BadSamplesFailAsListed) {
   std::map<std::string, std::vector<std::string>> found;
-  test::forSamples("bad", [&](const std::string& name, const std::filesystem::path& sample) {
-    const test::Outcome outcome = test::kFormats.at(name).read(sample.string());
-    ASSERT_TRUE(outcome.failure.has_value());
+  forSamples("bad", [&](const std::string& name, const std::filesystem::path& sample) {
+    const Outcome outcome = kFormats.at(name).read(sample.string());
+    ASSERT_TRUE(outcome.failure.has_value() && outcome.sound);
     const std::string message = outcome.failure->message();
     const std::string folder = sample.parent_path().string() + '/';
     ASSERT_TRUE(message.starts_with(folder)) << message;
     found[name].push_back(message.substr(folder.size()) + " [ " + outcome.handedOut + ']');
   });
-  EXPECT_EQ(found.size(), test::kFormats.size());
+  EXPECT_EQ(found.size(), kFormats.size());
   for (auto& [name, lines] : found) {
     std::sort(lines.begin(), lines.end());
     EXPECT_EQ(test::textOf(lines), test::contentOf(test::kData / name / "bad" / "failures.txt"));
@@ -52,14 +57,14 @@ TEST(Formats, BadSamplesFailAsListed) {
 /// Damages one sample in every way, and counts what came of it.
 class Damage {
  public:
-  Damage(const test::Format& format, std::string bytes)
-      : format_(format), bytes_(std::move(bytes)) {}
+  Damage(const Format& format, std::string bytes) : format_(format), bytes_(std::move(bytes)) {}
 
   void check(const std::string& damaged) {
     const auto lines = test::linesOf(damaged).size();
     const std::string path = folder_.with("in", damaged);
     static_cast<void>(kindOfFile(path));  // never throws
-    const auto failure = format_.read(path).failure;
+    const auto [failure, handedOut, sound] = format_.read(path);
+    ASSERT_TRUE(sound);
     ++tried_;
     if (!failure) return;
     ++failed_;
@@ -119,15 +124,15 @@ class Damage {
 
  private:
   test::Folder folder_;
-  const test::Format& format_;
+  const Format& format_;
   std::string bytes_;
   int tried_ = 0;
   int failed_ = 0;
 };
 
 TEST(Formats, DamagedSamplesReadOrFailWithAPlace) {
-  test::forSamples("good", [](const std::string& name, const std::filesystem::path& sample) {
-    Damage damage(test::kFormats.at(name), test::contentOf(sample));
+  forSamples("good", [](const std::string& name, const std::filesystem::path& sample) {
+    Damage damage(kFormats.at(name), test::contentOf(sample));
     damage.cutEverywhere();
     damage.breakEveryCell();
     damage.dropAndDoubleLines();
@@ -161,7 +166,7 @@ TEST_F(FieldData, EveryFileReadsAndIsStableFromItsSecondWriteOn) {
       {"spectrum-record", "landing.ambient.ssr.csv"}, {"spectrum-record", "turbofan.ssr.csv"},
       {"variable-initialization", "landing.ini.csv"}};
   for (const auto& [name, file] : files) {
-    const auto& rewrite = test::kFormats.at(name).rewrite;
+    const auto& rewrite = kFormats.at(name).rewrite;
     ASSERT_EQ(rewrite(path(file), folder.file(file)), AQ_DATA_OK) << file;
     const std::string once = test::contentOf(folder.file(file));
     ASSERT_EQ(rewrite(folder.file(file), folder.file(file)), AQ_DATA_OK);

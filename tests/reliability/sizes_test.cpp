@@ -8,6 +8,7 @@
 
 #include "tests/reliability/faults.h"
 #include "tests/support/formats.h"
+#include "tests/support/samples.h"
 
 namespace aq {
 namespace {

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "tests/support/formats.h"
+#include "tests/support/samples.h"
 
 namespace aq {
 namespace {

@@ -1,0 +1,193 @@
+#include "fuzz/targets.h"
+
+#include <aq/aq.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <optional>
+
+#include "tests/second/values.h"
+#include "tests/support/files.h"
+#include "tests/support/formats.h"
+
+namespace aq::fuzz {
+namespace {
+
+/// A file of this process, the same ones over and over.
+std::string fileNamed(const char* name) {
+  static const test::Folder folder;
+  return folder.file(name);
+}
+
+std::string fileWith(std::string_view input) {
+  static const std::string path = fileNamed("input");
+  std::FILE* const file = std::fopen(path.c_str(), "wb");
+  expect(file != nullptr, "a file for the input");
+  expect(std::fwrite(input.data(), 1, input.size(), file) == input.size(), "room for the input");
+  std::fclose(file);
+  return path;
+}
+
+void readFormat(const Target& target, std::string_view input) {
+  const std::string path = fileWith(input);
+  const auto [failure, handedOut, sound] = test::kFormats.at(target.name).read(path);
+  expect(sound, "a result that agrees with what was handed out");
+  static_cast<void>(kindOfFile(path));
+  if (!failure) return;
+  const auto lines = static_cast<std::size_t>(std::count(input.begin(), input.end(), '\n'));
+  expect(failure->line >= 1 && failure->line <= lines + 2, "a failure with its place");
+  expect(failure->message().find(failure->expected) != std::string::npos, "a message");
+}
+
+/// The lines of a text as they are counted: a carriage return in front of the line end is part of
+/// it, and the last line needs none.
+std::vector<std::string> plainLines(std::string_view input) {
+  std::vector<std::string> lines;
+  while (!input.empty()) {
+    const std::size_t end = input.find('\n');
+    std::string line(input.substr(0, end));
+    if (end != input.npos && line.ends_with('\r')) line.pop_back();
+    lines.push_back(std::move(line));
+    input.remove_prefix(end == input.npos ? input.size() : end + 1);
+  }
+  return lines;
+}
+
+bool sameFields(AQ_DataASCII& a, AQ_DataASCII& b) {
+  return std::equal(a.Fields()->begin(), a.Fields()->end(), b.Fields()->begin(), b.Fields()->end(),
+                    [](const auto& x, const auto& y) {
+                      return std::equal(x->begin(), x->end(), y->begin(), y->end());
+                    });
+}
+
+/// The last byte chooses the delimiter, and whether fields may be quoted.
+void readDelimited(const Target&, std::string_view input) {
+  constexpr std::array kDelimiters{",", " ", "", "|", "\t", "**"};
+  const std::size_t choice = input.empty() ? 0U : static_cast<unsigned char>(input.back()) / 2U;
+  const std::string delimiter = kDelimiters[choice % kDelimiters.size()];
+  const bool quoted = !input.empty() && input.back() % 2 != 0;
+  const std::string path = fileWith(input);
+  AQ_DataASCII file;
+  file.Delimiter(delimiter);
+  file.CommentFields(quoted);
+  expect(file.readLines(path) == AQ_DATA_OK && file.readFields(path) == AQ_DATA_OK, "any text");
+  const auto lines = plainLines(input);
+  expect(std::equal(lines.begin(), lines.end(), file.Lines()->begin(), file.Lines()->end()),
+         "the lines of the text");
+  expect(file.Fields()->Count() == file.Lines()->Count(), "fields for each line");
+  if (quoted || delimiter.size() > 1 || input.find('\r') != input.npos) return;
+  AQ_DataASCII again;
+  again.Delimiter(delimiter);
+  expect(file.writeFields(path) == AQ_DATA_OK && again.readFields(path) == AQ_DATA_OK, "a copy");
+  expect(sameFields(file, again), "the fields that were written");
+}
+
+constexpr std::array<std::pair<const char*, const char*>, 6> kWritten{
+    {{"spectral-time-history", "STH"},
+     {"position-time-history", "PTH"},
+     {"geometric-time-history", "GTH"},
+     {"masking-map", "MASK"},
+     {"variable-initialization", "INI"},
+     {"spectrum-record", "SSR"}}};
+
+/// Lines of values that a writer does not take from the object: names, dates and counts.
+bool isWritersOwn(std::string_view line) {
+  const std::string_view key = line.substr(0, line.find(' '));
+  return key.ends_with("Name") || key.ends_with("File") || key.ends_with("Date") ||
+         key == "filename" || key == "filedatetime" || key == "columns" || key == "records" ||
+         key == "rows" || key == "bands";
+}
+
+/// A parameter that is 0 stays away from the file.
+bool isUnwritten(std::string_view line) {
+  constexpr std::array kParameters{"caladj", "prwndo", "powndo", "lorec", "hirec"};
+  const bool zero = line.ends_with(" 0") || line.ends_with(" -0");
+  return zero &&
+         std::count(kParameters.begin(), kParameters.end(), line.substr(0, line.find(' '))) != 0;
+}
+
+/// Whether two lines of values are the same but for what their text cuts off: levels have two
+/// decimals, other numbers seven digits.
+bool sameLine(const std::string& a, const std::string& b) {
+  if (a == b || (isWritersOwn(a) && isWritersOwn(b))) return true;
+  if (isUnwritten(a)) return true;
+  const char* left = a.c_str();
+  const char* right = b.c_str();
+  while (*left != '\0' || *right != '\0') {
+    char* leftEnd = nullptr;
+    char* rightEnd = nullptr;
+    const double one = std::strtod(left, &leftEnd);
+    const double other = std::strtod(right, &rightEnd);
+    if ((leftEnd == left) != (rightEnd == right)) return false;
+    if (std::abs(one - other) > 0.00501 + 1e-6 * std::abs(one)) return false;
+    if (leftEnd == left && *leftEnd++ != *rightEnd++) return false;
+    left = leftEnd;
+    right = rightEnd;
+  }
+  return true;
+}
+
+/// False when the file is not read, or an object that was read has no written form.
+bool rewritten(const test::Format& format, const std::string& from, const std::string& to) {
+  try {
+    return format.rewrite(from, to) == AQ_DATA_OK;
+  } catch (const Error&) {
+    return false;
+  }
+}
+
+void checkCopy(const test::Format& format, const char* code, const std::string& path) {
+  const std::string copy = fileNamed("copy");
+  if (!rewritten(format, path, copy)) return;
+  const auto before = test::linesOf(test::valuesOf(code, path));
+  const auto after = test::linesOf(test::valuesOf(code, copy));
+  expect(before.size() == after.size(), "as many values");
+  for (std::size_t i = 0; i < before.size(); ++i) {
+    expect(sameLine(before[i], after[i]),
+           (std::string(code) + ": " + before[i] + " written, not " + after[i]).c_str());
+  }
+  const std::string once = test::contentOf(copy);
+  expect(rewritten(format, copy, copy) && test::contentOf(copy) == once, "the same file again");
+}
+
+const std::array kTargets{Target{"spectral-time-history", readFormat},
+                          Target{"position-time-history", readFormat},
+                          Target{"geometric-time-history", readFormat},
+                          Target{"masking-map", readFormat},
+                          Target{"microphone-position", readFormat},
+                          Target{"variable-initialization", readFormat},
+                          Target{"spectrum-record", readFormat},
+                          Target{"tracking", readFormat},
+                          Target{"delimited-text", readDelimited},
+                          Target{"round-trip", roundTrip},
+                          Target{"numbers", numbers},
+                          Target{"model", model}};
+
+}  // namespace
+
+std::span<const Target> targets() { return kTargets; }
+
+void run(std::string_view name, std::string_view input) {
+  for (const Target& target : targets()) {
+    if (target.name == name) return target.run(target, input);
+  }
+  expect(false, "a target");
+}
+
+void expect(bool holds, const char* what) {
+  if (holds) return;
+  std::fprintf(stderr, "expected %s\n", what);
+  std::abort();
+}
+
+void roundTrip(const Target&, std::string_view input) {
+  static const test::FixedInformation fixed;
+  if (input.find('\r') != input.npos) return;  // one in front of another is lost with the line end
+  const std::string path = fileWith(input);
+  for (const auto& [name, code] : kWritten) checkCopy(test::kFormats.at(name), code, path);
+}
+
+}  // namespace aq::fuzz

@@ -1,0 +1,338 @@
+#include "tests/second/values.h"
+
+#include <aq/aq.h>
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+
+namespace {
+
+using namespace aq;
+
+std::string out;
+
+template <class... Values>
+void print(const char* form, Values... values) {
+  std::array<char, 64> text;
+  std::snprintf(text.data(), text.size(), form, values...);
+  out += text.data();
+}
+
+void put(double value) { print(" %.17g", value); }
+
+void put(const std::string& text) {
+  out += " \"";
+  for (const char byte : text) {
+    if (byte < ' ' || byte > '~' || byte == '"' || byte == '\\') {
+      print("\\x%02x", static_cast<unsigned char>(byte));
+    } else {
+      out += byte;
+    }
+  }
+  out += '"';
+}
+
+void put(const Collection<std::string>& texts) {
+  for (const std::string& text : texts) put(text);
+}
+
+template <class... Values>
+void show(const char* key, const Values&... values) {
+  out += key;
+  (put(values), ...);
+  out += '\n';
+}
+
+void showDate(const char* key, const AQ_Time& time) {
+  show(key, time.CurrentDate(), time.TODseconds());
+}
+
+template <class File>
+void showResult(AQ_DataMessage result, const File& file) {
+  print("result %d", result);
+  if (file.lastFailure()) {
+    print(" %zu %zu", file.lastFailure()->line, file.lastFailure()->field);
+  }
+  out += '\n';
+}
+
+/// Calls `use(number, object)` for each of the `count` numbers that have an object, found from 0
+/// outwards; `at(number)` throws for the others.
+template <class At, class Use>
+void eachNumbered(std::int32_t count, const At& at, const Use& use) {
+  std::map<std::int32_t, decltype(at(0))> found;
+  for (std::int32_t distance = 0; std::cmp_less(found.size(), count); ++distance) {
+    for (const std::int32_t number : {distance, -distance - 1}) {
+      try {
+        if (number <= INT16_MAX) found.emplace(number, at(static_cast<std::int16_t>(number)));
+      } catch (const Error&) {
+        continue;
+      }
+    }
+  }
+  for (const auto& [number, object] : found) use(number, *object);
+}
+
+void printLevels(const AQ_Spectrum& spectrum) {
+  put(spectrum.LowBand());
+  put(spectrum.HighBand());
+  for (int band = spectrum.LowBand(); band <= spectrum.HighBand(); ++band) {
+    put(spectrum.SPL(static_cast<std::int16_t>(band)).toDouble());
+  }
+  out += '\n';
+}
+
+void printHistory(AQ_SpectralTimeHistory& history) {
+  show("averaging", history.AverageMethod());
+  show("stamp", history.TimeStampType());
+  show("start", history.startTime()->TODseconds());
+  show("reference", history.ReferenceTime()->TODseconds());
+  show("records", history.Count(), history.LoRec(), history.HiRec());
+  eachNumbered(
+      history.Count(), [&](std::int16_t n) { return history.spectrum(n); },
+      [](std::int32_t number, AQ_Spectrum& spectrum) {
+        print("record %d", number);
+        put(spectrum.Time()->TODseconds());
+        put(spectrum.Time()->RelSeconds());
+        printLevels(spectrum);
+      });
+}
+
+void printSTH(const std::string& path) {
+  AQ_DataSTH file;
+  std::shared_ptr<AQ_HeaderSTH> header;
+  std::shared_ptr<AQ_SpectralTimeHistory> history;
+  showResult(file.readFile(path, header, history), file);
+  if (header) {
+    show("fileName", header->sFileName);
+    showDate("fileDate", *header->aqFileDateTime);
+    show("project", header->sProjectName);
+    show("microphone", header->sMicrophoneID);
+    show("adjustment", header->sAdjustmentCode);
+    show("generator", header->sGeneratedBy);
+    show("generationFile", header->sGenerationFile);
+    showDate("generationDate", *header->aqGenerationDateTime);
+    show("other", header->cOtherRecords->Count(), *header->cOtherRecords);
+    show("comments", header->cCommentLines->Count(), *header->cCommentLines);
+  }
+  if (history) printHistory(*history);
+}
+
+void printRow(std::int32_t number, AQ_MaskRow& row) {
+  print("row %d", number);
+  const int low = row.LowBand();
+  const int high = row.HighBand();
+  put(low);
+  put(high);
+  for (int band = low; band <= high; ++band) {
+    const auto mask = row.Mask(static_cast<std::int16_t>(band));
+    put(mask->MaskMode());
+    put(mask->AdjustMode());
+  }
+  put(row.LGB());
+  out += '\n';
+}
+
+void printMask(const std::string& path) {
+  AQ_DataMask file;
+  std::shared_ptr<AQ_HeaderMask> header;
+  std::shared_ptr<AQ_MaskMap> map;
+  showResult(file.readFile(path, header, map), file);
+  if (header) {
+    show("title", header->sFileType);
+    show("fileName", header->sFileName);
+    showDate("fileDate", *header->aqFileDateTime);
+    show("rows", header->lNumberRows);
+    show("bands", header->iBandLow, header->iBandHigh);
+    show("generator", header->sGeneratedBy);
+    show("generationFile", header->sGenerationFile);
+    showDate("generationDate", *header->aqGenerationDateTime);
+    show("other", header->nOtherRecords, *header->cOtherRecords);
+    show("comments", header->nCommentLines, *header->cCommentLines);
+    show("columns", header->sColumnLabels);
+  }
+  if (!map) return;
+  eachNumbered(
+      map->Count(), [&](std::int16_t n) { return map->Row(n); }, printRow);
+}
+
+void printPositions(const AQ_PositionTimeHistory& history) {
+  show("positions", history.Count());
+  for (int place = 1; place <= history.Count(); ++place) {
+    const AQ_Position& position = *history.Position(place);
+    show("position", position.keptTime().secondsOfDay(), position.X(), position.Y(), position.Z());
+  }
+}
+
+void printPTH(const std::string& path) {
+  AQ_DataPTH file;
+  std::shared_ptr<AQ_HeaderPTH> header;
+  std::shared_ptr<AQ_PositionTimeHistory> history;
+  AQ_DataMessage result{};
+  file.readFile(path, header, history, result);
+  showResult(result, file);
+  if (header) {
+    show("title", header->sFileType);
+    show("fileName", header->sFileName);
+    showDate("fileDate", *header->aqFileDateTime);
+    show("project", header->sProjectName);
+    show("generator", header->sGeneratedBy);
+    show("trackFile", header->sTSPIFileName);
+    show("trackDate", header->sTSPIFileDateTime);
+    show("records", header->lNumberRecords);
+    show("other", header->nOtherRecords, *header->cOtherRecords);
+    show("comments", header->nCommentLines, *header->cCommentLines);
+  }
+  if (history) printPositions(*history);
+}
+
+void printPoint(std::int32_t number, AQ_Geometry& point) {
+  const AQ_Position& source = *point.Pe();
+  show("point", number, point.Tm()->TODseconds(), point.Te()->TODseconds(), point.Tprope,
+       source.X(), source.Y(), source.Z(), point.SRe, point.THETAe, point.BETAe);
+}
+
+void printGTH(const std::string& path) {
+  AQ_DataGTH file;
+  std::shared_ptr<AQ_HeaderGTH> header;
+  std::shared_ptr<AQ_GeometryTimeHistory> history;
+  AQ_DataMessage result{};
+  file.readFile(path, header, history, result);
+  showResult(result, file);
+  if (header) {
+    const AQ_Position& microphone = *header->MicrophonePosition;
+    show("title", header->FileType);
+    show("fileName", header->GTHFileName);
+    showDate("fileDate", *header->GTHFileDateTime);
+    show("project", header->ProjectName);
+    show("generator", header->GeneratedBy);
+    show("microphone", header->MicrophoneID);
+    show("position", microphone.X(), microphone.Y(), microphone.Z());
+    show("temperature", header->Temperature);
+    show("historyFile", header->STHFileName);
+    show("historyDate", header->STHFileDateTime);
+    show("positionFile", header->PTHFileName);
+    show("positionDate", header->PTHFileDateTime);
+    show("microphoneFile", header->MICFileName);
+    show("microphoneDate", header->MICFileDateTime);
+    show("records", header->NumberRecords);
+    show("other", header->OtherRecords, *header->colOtherRecords);
+    show("comments", header->nCommentLines, *header->colCommentLines);
+  }
+  if (!history) return;
+  show("points", history->Count());
+  eachNumbered(
+      history->Count(), [&](std::int16_t n) { return history->Point(n); }, printPoint);
+}
+
+void printMIC(const std::string& path) {
+  AQ_DataMIC file;
+  std::shared_ptr<AQ_HeaderMIC> header;
+  const auto microphone = std::make_shared<AQ_Microphone>(AQ_Microphone{1, 2, 3, 4});
+  AQ_DataMessage result{};
+  file.readFile(path, header, microphone, result);
+  showResult(result, file);
+  if (header) {
+    show("title", header->sFileType);
+    show("fileName", header->sFileName);
+    showDate("fileDate", *header->aqFileDateTime);
+    show("project", header->sProjectName);
+    show("microphone", header->sMicrophoneID);
+    show("other", header->nOtherRecords, *header->cOtherRecords);
+    show("comments", header->nCommentLines, *header->cCommentLines);
+  }
+  show("microphone", microphone->X, microphone->Y, microphone->Z, microphone->Height);
+}
+
+void printTSPI(const std::string& path) {
+  AQ_DataTSPI file;
+  std::shared_ptr<AQ_PositionTimeHistory> history;
+  AQ_DataMessage result{};
+  file.readFile(path, history, result);
+  showResult(result, file);
+  if (history) printPositions(*history);
+  show("dropped", file.nBadPositions());
+}
+
+void printSSR(const std::string& path) {
+  AQ_DataSSR file;
+  std::shared_ptr<AQ_Spectrum> spectrum;
+  std::shared_ptr<AQ_HeaderSSR> header;
+  showResult(file.readFile(path, spectrum, header), file);
+  if (header) {
+    show("fileName", header->sFileName);
+    showDate("fileDate", *header->aqFileDateTime);
+    show("comments", header->cCommentLines->Count(), *header->cCommentLines);
+  }
+  if (!spectrum) return;
+  out += "spectrum";
+  printLevels(*spectrum);
+}
+
+void printINI(const std::string& path) {
+  AQ_DataINI file;  // no value is one that the file might leave by not setting it
+  file.CalAdj(1);
+  file.NuAvg(AQ_4S95);
+  file.PrWndo(2);
+  file.PoWndo(3);
+  file.NuTimg(AQ_END);
+  file.LoRec(4);
+  file.HiRec(5);
+  file.FileName("name");
+  file.Comments()->Add("before");
+  showResult(file.readFile(path), file);
+  show("caladj", file.CalAdj());
+  show("nuavg", file.NuAvg());
+  show("prwndo", file.PrWndo());
+  show("powndo", file.PoWndo());
+  show("nutimg", file.NuTimg());
+  show("lorec", file.LoRec());
+  show("hirec", file.HiRec());
+  show("filename", file.FileName());
+  showDate("filedatetime", *file.FileDate());
+  show("comments", *file.Comments());
+}
+
+/// `options` are the delimiter, two digits a byte, and 1 for fields that may be quoted: `2c:1`.
+void printASCII(const std::string& path, const std::string& options) {
+  AQ_DataASCII file;
+  std::string delimiter;
+  std::size_t at = 0;
+  for (; options[at] != ':'; at += 2) {
+    delimiter += static_cast<char>(std::stoi(options.substr(at, 2), nullptr, 16));
+  }
+  file.Delimiter(delimiter);
+  file.CommentFields(options[at + 1] == '1');
+  file.readLines(path);
+  showResult(file.readFields(path), file);
+  show("lines", file.Lines()->Count());
+  for (int place = 1; place <= file.Lines()->Count(); ++place) {
+    show("line", file.Lines()->Item(place));
+    show("fields", *file.Fields()->Item(place));
+  }
+}
+
+}  // namespace
+
+std::string aq::test::valuesOf(const std::string& format, const std::string& path) {
+  out.clear();
+  static const std::map<std::string, void (*)(const std::string&)> kFormats = {
+      {"STH", printSTH}, {"MASK", printMask}, {"PTH", printPTH}, {"GTH", printGTH},
+      {"MIC", printMIC}, {"TSPI", printTSPI}, {"SSR", printSSR}, {"INI", printINI},
+  };
+  try {
+    if (format.starts_with("ASCII:")) {
+      printASCII(path, format.substr(6));
+    } else {
+      kFormats.at(format)(path);
+    }
+  } catch (const std::exception& error) {
+    show("thrown", std::string(error.what()));
+  }
+  return out;
+}
