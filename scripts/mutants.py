@@ -26,7 +26,7 @@ SLOW_MILLISECONDS = 100
 ENOUGH = 95  # per cent of the changes
 MEMORY = 4 << 30
 COMPILE_SECONDS = 900  # of all that a changed header reaches
-FLAGS = ["-std=c++20", "-O0", "-fPIC", "-fvisibility=hidden", "-fvisibility-inlines-hidden",
+FLAGS = ["-std=c++20", "-O0", "-D_GLIBCXX_ASSERTIONS", "-fPIC", "-fvisibility=hidden", "-fvisibility-inlines-hidden",
          "-Werror=return-type", "-Werror=return-stack-address"]
 STANDARD = ["algorithm", "charconv", "filesystem", "fstream", "functional", "map", "memory",
             "random", "sstream", "string", "variant", "vector", "gtest/gtest.h"]

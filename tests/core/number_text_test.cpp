@@ -1,8 +1,11 @@
 #include <aq/core/date_text.h>
 #include <aq/core/level_text.h>
 #include <aq/core/number_text.h>
+#include <aq/core/plain_number.h>
+#include <aq/core/time.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
@@ -52,6 +55,7 @@ TEST(NumberText, ReadsWholeFields) {
   EXPECT_EQ(int32From(" -2147483648 "), -2147483647 - 1);
   EXPECT_EQ(int16From("+32767"), 32767);
   EXPECT_EQ(byteFrom("255"), 255);
+  EXPECT_EQ(upperCased("`az{"), "`AZ{");
 }
 
 TEST(NumberText, RefusesAnythingElse) {
@@ -154,6 +158,54 @@ TEST(NumberText, FastPathsEqualTheExactOnes) {
         ASSERT_EQ(singleFrom({text, end}), single);
       }
     }
+  }
+}
+
+/// The short ways take just the fields that they are for, and read them as the long ways do.
+TEST(PlainNumber, TakesPlainFieldsAndNoOthers) {
+  std::mt19937 random(17);
+  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+  for (int round = 0; round < 200000; ++round) {
+    std::string text(random() % 19, '1');
+    for (char& c : text)
+      c = "0123456789098765432101234567895/:.,-"[random() % (round % 2 ? 33 : 36)];
+    const std::string field = text.substr(0, text.find(','));
+    const std::string size = field.starts_with('-') ? field.substr(1) : field;
+    const auto count = std::count_if(size.begin(), size.end(), isDigit);
+    const auto points = std::count(size.begin(), size.end(), '.');
+    const bool isReal = count + points == std::ssize(size) && points < 2 && count > 0 && count < 16;
+    const bool isInteger = isReal && points == 0 && count < 6 && std::stoi(size) <= 32767;
+    const PlainNumber real = plainNumber(text);
+    ASSERT_EQ(real.length, isReal ? field.size() : 0) << text;
+    const PlainInteger integer = plainInteger(text);
+    ASSERT_EQ(integer.length, isInteger ? field.size() : 0) << text;
+    ASSERT_EQ(integer.value, isInteger ? std::stoi(field) : 0);
+    double value = 0;
+    ASSERT_EQ(numberFrom(real, value), isReal) << text;
+    ASSERT_EQ(value, isReal ? std::stod(field) : 0) << text;
+  }
+}
+
+TEST(PlainClock, TakesPlainTimesAndNoOthers) {
+  std::mt19937 random(19);
+  const std::string digitsAndMarks = "99:99:99.999999";
+  for (int round = 0; round < 100000; ++round) {
+    std::string text = "00:00:00.000000,0";
+    for (char& c : text) c = c == '0' ? static_cast<char>('0' + random() % 10) : c;
+    if (round % 2 == 0) text[random() % text.size()] = "0/:.,"[random() % 5];
+    text.resize(random() % 3 == 0 ? text.size() : random() % text.size());
+    const std::string field = text.substr(0, text.find(','));
+    bool isClock = field.size() >= 8 && field.size() <= digitsAndMarks.size();
+    for (std::size_t i = 0; isClock && i < field.size(); ++i) {
+      const bool isDigit = field[i] >= '0' && field[i] <= '9';
+      isClock = digitsAndMarks[i] == '9' ? isDigit : field[i] == digitsAndMarks[i];
+    }
+    const PlainClock clock = plainClock(text);
+    ASSERT_EQ(clock.length, isClock ? field.size() : 0) << text;
+    if (!isClock) continue;
+    AQ_Time time;
+    time.TODstring(field);
+    ASSERT_EQ(clock.seconds, time.TODseconds()) << text;
   }
 }
 

@@ -126,7 +126,7 @@ TEST(FileKind, ByTitleOrByShape) {
       {header + "10:00:00,256,,,,,,,1,2,3", FileKind::Unknown},
       {header + "10:00:00,300,,,,,,,1,2,3\n10:00:00,0,,,,,,,1,2,3", FileKind::Tracking},
       {std::string(100000, '\0'), FileKind::Unknown},
-      {std::string(70000, '*') + header + "10:00:00,0,,,,,,,1,2,3", FileKind::Unknown}};
+      {std::string(65530, '*') + header + "10:00:00,0,,,,,,,1,2,3", FileKind::Unknown}};
   for (const auto& [text, kind] : texts) EXPECT_EQ(kindOfFile(folder.with("in", text)), kind);
   EXPECT_EQ(kindOfFile(folder.file("none")), FileKind::Unknown);
   EXPECT_EQ(kindOfFile(folder.file("")), FileKind::Unknown);
