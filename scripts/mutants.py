@@ -4,6 +4,7 @@
 
 Each worker has its own copy of the source tree and its own build, in a temporary folder. A change
 that does not compile does not count; a test that hangs or asks for too much memory has noticed.
+What is known to be equal stands in mutants.txt.
 PLACE is the start of `file:line:`. The same seed takes the same changes."""
 
 import argparse
@@ -26,7 +27,8 @@ SLOW_MILLISECONDS = 100
 ENOUGH = 95  # per cent of the changes
 MEMORY = 4 << 30
 COMPILE_SECONDS = 900  # of all that a changed header reaches
-FLAGS = ["-std=c++20", "-O0", "-D_GLIBCXX_ASSERTIONS", "-fPIC", "-fvisibility=hidden", "-fvisibility-inlines-hidden",
+FLAGS = ["-std=c++20", "-O0", "-D_GLIBCXX_ASSERTIONS", "-fstack-protector-all", "-fPIC",
+         "-fvisibility=hidden", "-fvisibility-inlines-hidden",
          "-Werror=return-type", "-Werror=return-stack-address"]
 STANDARD = ["algorithm", "charconv", "filesystem", "fstream", "functional", "map", "memory",
             "random", "sstream", "string", "variant", "vector", "gtest/gtest.h"]
@@ -41,6 +43,7 @@ OPERATORS = {"<": ("<=", ">="), "<=": ("<", ">"), ">": (">=", "<="), ">=": (">",
              "<<": (">>",), ">>": ("<<",), "|": ("&",), "&": ("|",), "|=": ("&=",), "&=": ("|=",)}
 WORDS = {"true": "false", "false": "true", "++": "--", "--": "++", "!": ""}
 NUMBER = r"(?<![\w.'])(?:0x[\dA-Fa-f']+|\d[\d']*(?:\.\d+)?(?:e[+-]?\d+)?)[FUL]*(?![\w.'])"
+EMPTY = ("{}", "0", "false", "true", "nullptr", "std::nullopt", "AQ_DATA_OK", "*this")
 CHARACTER = r"'(?:\\.|[^'\\])'"
 HIDDEN = re.compile(r"(?P<kept>'(?:\\.|[^'\\])')|"
                     r'//[^\n]*|/\*.*?\*/|R"\((?:.|\n)*?\)"|"(?:\\.|[^"\\\n])*"'
@@ -90,7 +93,7 @@ def arguments(code, opening):
 def swaps(code, source):
     """Neighbouring arguments of calls in each other's place."""
     for call in re.finditer(r"[\w>]\(", code):
-        if re.search(r"\b(?:if|for|while|switch|return)$", code[:call.end() - 1]):
+        if re.search(r"\b(?:if|for|while|switch|return|swap)$", code[:call.end() - 1]):
             continue
         places = [(b + len(source[b:e]) - len(source[b:e].lstrip()), e)
                   for b, e in arguments(code, call.end() - 1)]
@@ -112,7 +115,7 @@ def changes(source):
     for found in re.finditer(f"{NUMBER}|{CHARACTER}", code):
         yield found.start(), found.end(), f"({source[found.start():found.end()]} + 1)"
     for found in re.finditer(r"\breturn ([^;]+);", code):
-        if found[1] not in ("{}", "0", "false", "true", "nullptr", "*this"):
+        if found[1] not in EMPTY:
             yield found.start(1), found.end(1), "{}"
     for begin, end in statements(code):
         yield begin, end, ";"
@@ -144,7 +147,7 @@ class Worker:
         folder.mkdir()
         shutil.copytree(ROOT, self.source, symlinks=True,
                         ignore=shutil.ignore_patterns(".git", "build", "__pycache__"))
-        # Compiled fast rather than fit to be run fast; what has no result for sure does not compile.
+        # Compiled fast rather than run fast; what may end without a result does not compile.
         self.run(["cmake", "-S", self.source, "-B", self.build, "-G", "Ninja",
                   "-DCMAKE_CXX_COMPILER=clang++-14", "-DBUILD_SHARED_LIBS=ON", "-DAQ_TESTS=ON",
                   "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON",
@@ -236,12 +239,18 @@ class Worker:
 
 
 def described(mutant):
+    """The file, and the lines before and after."""
     source = (ROOT / mutant.file).read_text(encoding="utf-8")
     begin = source.rfind("\n", 0, mutant.begin) + 1
     end = source.find("\n", mutant.end)
     after = source[begin:mutant.begin] + mutant.text + source[mutant.end:end]
-    return (f"{mutant.file}:{mutant.line}\n  before: {' '.join(source[begin:end].split())}\n"
-            f"  after:  {' '.join(after.split())}")
+    return mutant.file, " ".join(source[begin:end].split()), " ".join(after.split())
+
+
+def equals():
+    """The changes that are known to be none: in `mutants.txt`, each with its reason."""
+    text = pathlib.Path(__file__).with_suffix(".txt").read_text(encoding="utf-8")
+    return set(re.findall(r"^(\S+)\n  before: (.*)\n  after:  (.*)\n  equal:  .", text, re.M))
 
 
 def tried(mutants_taken, jobs, folder):
@@ -274,18 +283,23 @@ def main():
     if not options.all and len(taken) > options.sample:
         taken = random.Random(options.seed).sample(taken, options.sample)
     counts = collections.Counter()
+    known = equals()
+    equal = [mutant for mutant in taken if described(mutant) in known]
+    taken = [mutant for mutant in taken if mutant not in equal]
     begin = time.monotonic()
     with tempfile.TemporaryDirectory(prefix="aq-mutants-") as folder:
         for mutant, survives in tried(taken, options.jobs, pathlib.Path(folder)):
             counts[survives] += 1
             if survives:
-                print(described(mutant), flush=True)
+                file, before, after = described(mutant)
+                print(f"{file}:{mutant.line}\n  before: {before}\n  after:  {after}", flush=True)
             if sys.stderr.isatty():
                 print(f"\r{counts.total()} of {len(taken)}", end="\r", file=sys.stderr)
     compiled = counts[True] + counts[False]
     killed = 100 * counts[False] / max(compiled, 1)
-    print(f"{len(taken)} sampled, {compiled} compiled, {counts[False]} killed, {counts[True]} survived"
-          f": {killed:.1f} % killed, {(time.monotonic() - begin) / len(taken):.1f} s each")
+    print(f"{len(taken) + len(equal)} sampled, {len(equal)} of them equal; of the others {compiled}"
+          f" compiled, {counts[False]} killed, {counts[True]} survived: {killed:.1f} % killed,"
+          f" {(time.monotonic() - begin) / max(len(taken), 1):.1f} s each")
     return 0 if killed >= ENOUGH else 1
 
 

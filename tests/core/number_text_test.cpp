@@ -186,6 +186,13 @@ TEST(PlainNumber, TakesPlainFieldsAndNoOthers) {
   }
 }
 
+TEST(PlainNumber, IsSingleWhileItsDigitsAreExact) {
+  float single = 0;
+  EXPECT_TRUE(numberFrom(plainNumber("1677.7216"), single));
+  EXPECT_EQ(single, 1677.7216F);
+  EXPECT_FALSE(numberFrom(plainNumber("1677.7217"), single));
+}
+
 TEST(PlainClock, TakesPlainTimesAndNoOthers) {
   std::mt19937 random(19);
   const std::string digitsAndMarks = "99:99:99.999999";
@@ -273,6 +280,10 @@ TEST(DateText, DaysOfTheCalendar) {
   EXPECT_EQ(dateFrom("12/30/1899"), 0);
   EXPECT_EQ(dateFrom(" 3/5/2004 "), dateFrom(2004, 3, 5));
   EXPECT_EQ(dateText(dateFrom("02/29/2024")), "02/29/2024");
+  for (const double end : {dateFrom(1, 1, 1), dateFrom(9999, 12, 31)}) {
+    EXPECT_EQ(dateFrom(dateText(end)), end);
+    EXPECT_ERROR(dateText(end > 0 ? end + 1 : end - 1), Overflow);
+  }
   EXPECT_EQ(dateText(-0.75), "12/30/1899");  // the day is the whole part, before day zero too
   for (const char* text : {"", "02/29/2023", "13/01/2020", "00/10/2020", "1/1/20", "1/1/0000",
                            "1/1", "1/1/2020/1", "001/1/2020", "a/1/2020", "1-1-2020"}) {

@@ -142,11 +142,13 @@ TEST(Geometry, FreshObjectsHoldZeros) {
   const AQ_Microphone mic;
   const AQ_Geometry point;
   const AQ_EmtRcvRecord record;
+  const AQ_Position position;
   const AQ_HeaderGTH gth;
   const AQ_HeaderPTH pth;
   const AQ_HeaderMIC header;
   EXPECT_EQ(mic.X + mic.Y + mic.Z + mic.Height + record.SR + record.Tprop, 0);
   EXPECT_EQ(point.SRe + point.Tprope + point.debugTime, 0);
+  EXPECT_EQ(position.X() + position.Y() + position.Z(), 0);
   EXPECT_EQ(point.THETAe + point.BETAe + gth.Temperature, 0);
   EXPECT_EQ(gth.NumberRecords + gth.OtherRecords + gth.nCommentLines, 0);
   EXPECT_EQ(pth.lNumberRecords + pth.nOtherRecords + pth.nCommentLines, 0);

@@ -126,7 +126,7 @@ TEST(MetricSummary, OrderAndText) {
   EXPECT_EQ(summary.MetricTypeString(), "AWT, PNLT");
   for (const char* name : {"awt", "lgb", "PNLT, OA", "", " OA"}) summary.MetricTypeString(name);
   EXPECT_EQ(summary.MetricTypeString(), "AWT, PNLT, LGB");
-  summary.MetricType(static_cast<AQ_METRIC_TYPE>(77));
+  summary.MetricType(static_cast<AQ_METRIC_TYPE>(11));
   EXPECT_EQ(summary.MetricTypeString(), "AWT, PNLT, LGB");
   EXPECT_EQ(summary.MetricTypes()->Count(), 4);
   EXPECT_TRUE(summary.isMetric(AQ_METRIC_LGB));
