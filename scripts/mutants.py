@@ -10,6 +10,7 @@ PLACE is the start of `file:line:`. The same seed takes the same changes."""
 import argparse
 import collections
 import concurrent.futures
+import contextlib
 import os
 import pathlib
 import queue
@@ -267,8 +268,12 @@ def tried(mutants_taken, jobs, folder):
     with concurrent.futures.ThreadPoolExecutor(jobs) as pool:
         for worker in pool.map(Worker, [folder / str(job) for job in range(jobs)]):
             workers.put(worker)
-        for done in concurrent.futures.as_completed(pool.submit(trial, m) for m in mutants_taken):
-            yield done.result()
+        futures = [pool.submit(trial, mutant) for mutant in mutants_taken]
+        try:
+            for done in concurrent.futures.as_completed(futures):
+                yield done.result()
+        finally:
+            pool.shutdown(cancel_futures=True)
 
 
 def main():
@@ -287,7 +292,9 @@ def main():
     equal = [mutant for mutant in taken if described(mutant) in known]
     taken = [mutant for mutant in taken if mutant not in equal]
     begin = time.monotonic()
-    with tempfile.TemporaryDirectory(prefix="aq-mutants-") as folder:
+    # Interrupted, it tells what it has.
+    with (tempfile.TemporaryDirectory(prefix="aq-mutants-") as folder,
+          contextlib.suppress(KeyboardInterrupt)):
         for mutant, survives in tried(taken, options.jobs, pathlib.Path(folder)):
             counts[survives] += 1
             if survives:
@@ -297,9 +304,9 @@ def main():
                 print(f"\r{counts.total()} of {len(taken)}", end="\r", file=sys.stderr)
     compiled = counts[True] + counts[False]
     killed = 100 * counts[False] / max(compiled, 1)
-    print(f"{len(taken) + len(equal)} sampled, {len(equal)} of them equal; of the others {compiled}"
-          f" compiled, {counts[False]} killed, {counts[True]} survived: {killed:.1f} % killed,"
-          f" {(time.monotonic() - begin) / max(len(taken), 1):.1f} s each")
+    print(f"{counts.total()} of {len(taken)} tried, besides {len(equal)} equal: {compiled} compiled,"
+          f" {counts[False]} killed, {counts[True]} survived, {killed:.1f} % killed,"
+          f" {(time.monotonic() - begin) / max(counts.total(), 1):.1f} s each")
     return 0 if killed >= ENOUGH else 1
 
 

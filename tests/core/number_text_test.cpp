@@ -49,7 +49,7 @@ TEST(NumberText, ReadsWholeFields) {
       {"0.000000000000000000000000000001", 1e-30},
       {"179769313486231570e291", Limits::max()}};
   for (const auto& [text, value] : rows) EXPECT_EQ(doubleFrom(text), value) << text;
-  EXPECT_TRUE(std::signbit(doubleFrom("-0.00")));
+  EXPECT_TRUE(std::signbit(doubleFrom("-0.00")) && std::signbit(doubleFrom("-1e-400")));
   EXPECT_EQ(singleFrom("0.1"), 0.1F);
   EXPECT_EQ(singleFrom("16777217"), 16777216.0F);
   EXPECT_EQ(int32From(" -2147483648 "), -2147483647 - 1);

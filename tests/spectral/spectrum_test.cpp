@@ -112,6 +112,8 @@ TEST(Metric, MissingValuesReadAsZeroAndAreCopiedSo) {
   EXPECT_EQ(metric.OA(), 100.1F);
   EXPECT_EQ(metric.MetricValue(AQ_METRIC_OA), Variant(100.1F));
   EXPECT_ERROR(metric.MetricValue(AQ_METRIC_CWT, "loud"), TypeMismatch);
+  metric.MetricValue(AQ_METRIC_LGB, 30);
+  EXPECT_EQ(metric.MetricValue(AQ_METRIC_LGB), Variant(30.0F));
   const auto copy = metric.Copy();
   EXPECT_EQ(copy->AWT(), Variant("n/a"));
   EXPECT_EQ(copy->PNL(), 101.1F);
