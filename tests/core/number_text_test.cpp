@@ -195,18 +195,15 @@ TEST(PlainNumber, IsSingleWhileItsDigitsAreExact) {
 
 TEST(PlainClock, TakesPlainTimesAndNoOthers) {
   std::mt19937 random(19);
-  const std::string digitsAndMarks = "99:99:99.999999";
   for (int round = 0; round < 100000; ++round) {
     std::string text = "00:00:00.000000,0";
     for (char& c : text) c = c == '0' ? static_cast<char>('0' + random() % 10) : c;
     if (round % 2 == 0) text[random() % text.size()] = "0/:.,"[random() % 5];
     text.resize(random() % 3 == 0 ? text.size() : random() % text.size());
     const std::string field = text.substr(0, text.find(','));
-    bool isClock = field.size() >= 8 && field.size() <= digitsAndMarks.size();
-    for (std::size_t i = 0; isClock && i < field.size(); ++i) {
-      const bool isDigit = field[i] >= '0' && field[i] <= '9';
-      isClock = digitsAndMarks[i] == '9' ? isDigit : field[i] == digitsAndMarks[i];
-    }
+    std::string shape = field;
+    for (char& c : shape) c = c >= '0' && c <= '9' ? '9' : c;
+    const bool isClock = shape.size() >= 8 && std::string("99:99:99.999999").starts_with(shape);
     const PlainClock clock = plainClock(text);
     ASSERT_EQ(clock.length, isClock ? field.size() : 0) << text;
     if (!isClock) continue;
