@@ -282,13 +282,15 @@ TEST(DateText, DaysOfTheCalendar) {
     EXPECT_ERROR(dateText(end > 0 ? end + 1 : end - 1), Overflow);
   }
   EXPECT_EQ(dateText(-0.75), "12/30/1899");  // the day is the whole part, before day zero too
-  for (const char* text : {"", "02/29/2023", "13/01/2020", "00/10/2020", "1/1/20", "1/1/0000",
-                           "1/1", "1/1/2020/1", "001/1/2020", "a/1/2020", "1-1-2020"}) {
+  for (const char* text :
+       {"", "02/29/2023", "13/01/2020", "00/10/2020", "1/1/20", "1/1/0000", "1/1", "1/1/2020/1",
+        "001/1/2020", "1/001/2020", "a/1/2020", "1-1-2020"}) {
     EXPECT_ERROR(dateFrom(text), TypeMismatch);
   }
   EXPECT_EQ(clockTimeFrom(" 7:05:09"), "07:05:09");
-  for (const char* text : {"", "24:00:00", "10:60:00", "10:00:60", "10:00", "10:00:00.5",
-                           "-1:00:00", "10:00:00 PM", "::", "100:00:00"}) {
+  for (const char* text :
+       {"", "24:00:00", "10:60:00", "10:00:60", "10:00", "10:00:00.5", "-1:00:00", "10:00:00 PM",
+        "::", "100:00:00", "10:000:00", "10:00:000"}) {
     EXPECT_ERROR(clockTimeFrom(text), TypeMismatch);
   }
 }
