@@ -1,8 +1,11 @@
 #include <aq/core/date_text.h>
 #include <aq/core/level_text.h>
 #include <aq/core/number_text.h>
+#include <aq/core/plain_number.h>
+#include <aq/core/time.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
@@ -46,12 +49,13 @@ TEST(NumberText, ReadsWholeFields) {
       {"0.000000000000000000000000000001", 1e-30},
       {"179769313486231570e291", Limits::max()}};
   for (const auto& [text, value] : rows) EXPECT_EQ(doubleFrom(text), value) << text;
-  EXPECT_TRUE(std::signbit(doubleFrom("-0.00")));
+  EXPECT_TRUE(std::signbit(doubleFrom("-0.00")) && std::signbit(doubleFrom("-1e-400")));
   EXPECT_EQ(singleFrom("0.1"), 0.1F);
   EXPECT_EQ(singleFrom("16777217"), 16777216.0F);
   EXPECT_EQ(int32From(" -2147483648 "), -2147483647 - 1);
   EXPECT_EQ(int16From("+32767"), 32767);
   EXPECT_EQ(byteFrom("255"), 255);
+  EXPECT_EQ(upperCased("`az{"), "`AZ{");
 }
 
 TEST(NumberText, RefusesAnythingElse) {
@@ -157,6 +161,58 @@ TEST(NumberText, FastPathsEqualTheExactOnes) {
   }
 }
 
+/// The short ways take just the fields that they are for, and read them as the long ways do.
+TEST(PlainNumber, TakesPlainFieldsAndNoOthers) {
+  std::mt19937 random(17);
+  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+  for (int round = 0; round < 200000; ++round) {
+    std::string text(random() % 19, '1');
+    for (char& c : text)
+      c = "0123456789098765432101234567895/:.,-"[random() % (round % 2 ? 33 : 36)];
+    const std::string field = text.substr(0, text.find(','));
+    const std::string size = field.starts_with('-') ? field.substr(1) : field;
+    const auto count = std::count_if(size.begin(), size.end(), isDigit);
+    const auto points = std::count(size.begin(), size.end(), '.');
+    const bool isReal = count + points == std::ssize(size) && points < 2 && count > 0 && count < 16;
+    const bool isInteger = isReal && points == 0 && count < 6 && std::stoi(size) <= 32767;
+    const PlainNumber real = plainNumber(text);
+    ASSERT_EQ(real.length, isReal ? field.size() : 0) << text;
+    const PlainInteger integer = plainInteger(text);
+    ASSERT_EQ(integer.length, isInteger ? field.size() : 0) << text;
+    ASSERT_EQ(integer.value, isInteger ? std::stoi(field) : 0);
+    double value = 0;
+    ASSERT_EQ(numberFrom(real, value), isReal) << text;
+    ASSERT_EQ(value, isReal ? std::stod(field) : 0) << text;
+  }
+}
+
+TEST(PlainNumber, IsSingleWhileItsDigitsAreExact) {
+  float single = 0;
+  EXPECT_TRUE(numberFrom(plainNumber("1677.7216"), single));
+  EXPECT_EQ(single, 1677.7216F);
+  EXPECT_FALSE(numberFrom(plainNumber("1677.7217"), single));
+}
+
+TEST(PlainClock, TakesPlainTimesAndNoOthers) {
+  std::mt19937 random(19);
+  for (int round = 0; round < 100000; ++round) {
+    std::string text = "00:00:00.000000,0";
+    for (char& c : text) c = c == '0' ? static_cast<char>('0' + random() % 10) : c;
+    if (round % 2 == 0) text[random() % text.size()] = "0/:.,"[random() % 5];
+    text.resize(random() % 3 == 0 ? text.size() : random() % text.size());
+    const std::string field = text.substr(0, text.find(','));
+    std::string shape = field;
+    for (char& c : shape) c = c >= '0' && c <= '9' ? '9' : c;
+    const bool isClock = shape.size() >= 8 && std::string("99:99:99.999999").starts_with(shape);
+    const PlainClock clock = plainClock(text);
+    ASSERT_EQ(clock.length, isClock ? field.size() : 0) << text;
+    if (!isClock) continue;
+    AQ_Time time;
+    time.TODstring(field);
+    ASSERT_EQ(clock.seconds, time.TODseconds()) << text;
+  }
+}
+
 /// A field that is nearly a level, or something else.
 std::string oddField(std::mt19937& random) {
   constexpr std::array kOthers{"",        ".",
@@ -221,14 +277,20 @@ TEST(DateText, DaysOfTheCalendar) {
   EXPECT_EQ(dateFrom("12/30/1899"), 0);
   EXPECT_EQ(dateFrom(" 3/5/2004 "), dateFrom(2004, 3, 5));
   EXPECT_EQ(dateText(dateFrom("02/29/2024")), "02/29/2024");
+  for (const double end : {dateFrom(1, 1, 1), dateFrom(9999, 12, 31)}) {
+    EXPECT_EQ(dateFrom(dateText(end)), end);
+    EXPECT_ERROR(dateText(end > 0 ? end + 1 : end - 1), Overflow);
+  }
   EXPECT_EQ(dateText(-0.75), "12/30/1899");  // the day is the whole part, before day zero too
-  for (const char* text : {"", "02/29/2023", "13/01/2020", "00/10/2020", "1/1/20", "1/1/0000",
-                           "1/1", "1/1/2020/1", "001/1/2020", "a/1/2020", "1-1-2020"}) {
+  for (const char* text :
+       {"", "02/29/2023", "13/01/2020", "00/10/2020", "1/1/20", "1/1/0000", "1/1", "1/1/2020/1",
+        "001/1/2020", "1/001/2020", "a/1/2020", "1-1-2020"}) {
     EXPECT_ERROR(dateFrom(text), TypeMismatch);
   }
   EXPECT_EQ(clockTimeFrom(" 7:05:09"), "07:05:09");
-  for (const char* text : {"", "24:00:00", "10:60:00", "10:00:60", "10:00", "10:00:00.5",
-                           "-1:00:00", "10:00:00 PM", "::", "100:00:00"}) {
+  for (const char* text :
+       {"", "24:00:00", "10:60:00", "10:00:60", "10:00", "10:00:00.5", "-1:00:00", "10:00:00 PM",
+        "::", "100:00:00", "10:000:00", "10:00:000"}) {
     EXPECT_ERROR(clockTimeFrom(text), TypeMismatch);
   }
 }

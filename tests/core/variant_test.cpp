@@ -26,7 +26,7 @@ TEST(Variant, KeepsTheTypeItWasGiven) {
 
 TEST(Variant, Converts) {
   EXPECT_EQ(Variant(" 65.3 ").toDouble(), 65.3);
-  EXPECT_EQ(Variant(2.5).toInt16(), 2);
+  EXPECT_EQ(Variant(2.5).toInt16() + Variant(" 7").toInt16() + Variant("8").toInt32(), 17);
   EXPECT_EQ(Variant(-32768.4).toInt16(), -32768);
   EXPECT_EQ(Variant(true).toInt32(), 1);
   EXPECT_TRUE(Variant("True").toBoolean());

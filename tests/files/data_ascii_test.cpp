@@ -111,7 +111,9 @@ TEST(DataASCII, WritesAndAppends) {
   EXPECT_EQ(test::contentOf(path), "one\n\n");
   const auto fields = std::make_shared<Collection<std::string>>();
   for (const char* field : {"a", "", "b c"}) fields->Add(field);
-  file.Fields()->Add(fields);
+  const auto rows = std::make_shared<AQ_DataASCII::FieldLines>();
+  rows->Add(fields);
+  file.Fields(rows);
   file.CommentFields(true);
   EXPECT_EQ(file.writeFields(path), AQ_DATA_OK);
   EXPECT_EQ(file.appendFields(path), AQ_DATA_OK);

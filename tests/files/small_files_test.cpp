@@ -1,6 +1,4 @@
-#include <aq/files/data_ini.h>
-#include <aq/files/data_ssr.h>
-#include <aq/files/file_kind.h>
+#include <aq/aq.h>
 #include <gtest/gtest.h>
 
 #include "tests/support/errors.h"
@@ -13,6 +11,39 @@ using test::contentOf;
 
 const std::string kSSR = (test::kData / "spectrum-record/good/three-bands.csv").string();
 const std::string kINI = (test::kData / "variable-initialization/good/all-parameters.csv").string();
+
+/// An object that is made when it is first asked for and then kept, unless the caller gives one.
+template <class Owner, class Object>
+void expectShared(std::shared_ptr<Object> (Owner::*get)(),
+                  void (Owner::*set)(std::shared_ptr<Object>)) {
+  Owner owner;
+  const auto first = (owner.*get)();
+  EXPECT_TRUE(first != nullptr && (owner.*get)() == first);
+  const auto given = std::make_shared<Object>();
+  (owner.*set)(given);
+  EXPECT_EQ((owner.*get)(), given);
+}
+
+TEST(Objects, AreMadeOnceOrShared) {
+  using Lines = Collection<std::string>;
+  using History = AQ_SpectralTimeHistory;
+  using Points = AQ_GeometryTimeHistory;
+  expectShared<AQ_Position, AQ_Time>(&AQ_Position::Time, &AQ_Position::Time);
+  expectShared<AQ_Geometry, AQ_Position>(&AQ_Geometry::Pe, &AQ_Geometry::Pe);
+  expectShared<AQ_Geometry, AQ_Time>(&AQ_Geometry::Te, &AQ_Geometry::Te);
+  expectShared<AQ_Geometry, AQ_Time>(&AQ_Geometry::Tm, &AQ_Geometry::Tm);
+  expectShared<AQ_EmtRcvRecord, AQ_Time>(&AQ_EmtRcvRecord::T, &AQ_EmtRcvRecord::T);
+  expectShared<AQ_EmtRcvRecord, AQ_Time>(&AQ_EmtRcvRecord::Tr, &AQ_EmtRcvRecord::Tr);
+  expectShared<AQ_EmtRcvRecord, AQ_Position>(&AQ_EmtRcvRecord::ACPosition,
+                                             &AQ_EmtRcvRecord::ACPosition);
+  expectShared<Points, AQ_Time>(&Points::startTime, &Points::startTime);
+  expectShared<Points, AQ_Time>(&Points::ReferenceTime, &Points::ReferenceTime);
+  expectShared<History, AQ_Time>(&History::startTime, &History::startTime);
+  expectShared<History, AQ_Time>(&History::ReferenceTime, &History::ReferenceTime);
+  expectShared<History, AQ_MetricSummary>(&History::Metrics, &History::Metrics);
+  expectShared<AQ_Spectrum, AQ_Metric>(&AQ_Spectrum::Metric, &AQ_Spectrum::Metric);
+  expectShared<AQ_DataINI, Lines>(&AQ_DataINI::Comments, &AQ_DataINI::Comments);
+}
 
 TEST(DataSSR, ReadsHeaderAndLevels) {
   AQ_DataSSR file;
@@ -126,7 +157,7 @@ TEST(FileKind, ByTitleOrByShape) {
       {header + "10:00:00,256,,,,,,,1,2,3", FileKind::Unknown},
       {header + "10:00:00,300,,,,,,,1,2,3\n10:00:00,0,,,,,,,1,2,3", FileKind::Tracking},
       {std::string(100000, '\0'), FileKind::Unknown},
-      {std::string(70000, '*') + header + "10:00:00,0,,,,,,,1,2,3", FileKind::Unknown}};
+      {std::string(65530, '*') + header + "10:00:00,0,,,,,,,1,2,3", FileKind::Unknown}};
   for (const auto& [text, kind] : texts) EXPECT_EQ(kindOfFile(folder.with("in", text)), kind);
   EXPECT_EQ(kindOfFile(folder.file("none")), FileKind::Unknown);
   EXPECT_EQ(kindOfFile(folder.file("")), FileKind::Unknown);

@@ -4,6 +4,7 @@
 #include <aq/geometry/data_mic.h>
 #include <aq/geometry/data_pth.h>
 #include <aq/geometry/data_tspi.h>
+#include <aq/geometry/emt_rcv_record.h>
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -135,6 +136,23 @@ TEST(DataMIC, FillsTheCallersMicrophone) {
   file.readFile(kMIC, header, nullptr, result);
   EXPECT_EQ(result, AQ_DATA_FILE_ERROR);
   EXPECT_EQ(file.lastFailure()->found, "no object");
+}
+
+TEST(Geometry, FreshObjectsHoldZeros) {
+  const AQ_Microphone mic;
+  const AQ_Geometry point;
+  const AQ_EmtRcvRecord record;
+  const AQ_Position position;
+  const AQ_HeaderGTH gth;
+  const AQ_HeaderPTH pth;
+  const AQ_HeaderMIC header;
+  EXPECT_EQ(mic.X + mic.Y + mic.Z + mic.Height + record.SR + record.Tprop, 0);
+  EXPECT_EQ(point.SRe + point.Tprope + point.debugTime, 0);
+  EXPECT_EQ(position.X() + position.Y() + position.Z(), 0);
+  EXPECT_EQ(point.THETAe + point.BETAe + gth.Temperature, 0);
+  EXPECT_EQ(gth.NumberRecords + gth.OtherRecords + gth.nCommentLines, 0);
+  EXPECT_EQ(pth.lNumberRecords + pth.nOtherRecords + pth.nCommentLines, 0);
+  EXPECT_EQ(header.lNumberRecords + header.nOtherRecords + header.nCommentLines, 0);
 }
 
 TEST(DataGTH, ReadsHeaderAndPoints) {

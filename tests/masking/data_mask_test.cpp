@@ -61,6 +61,18 @@ TEST(DataMask, RowOneDecidesTheBands) {
   EXPECT_EQ(Read(folder.file("out")).result, AQ_DATA_FILE_ERROR);  // row 2 is a band short
 }
 
+TEST(DataMask, BandsThatComeInBetweenAreNotMasked) {
+  const test::Folder folder;
+  Read read(kGood);
+  read.map->setLGB();  // looks at bands 28 and 29, the file ends at 19
+  ASSERT_EQ(read.file.writeFile(folder.file("out"), read.header, *read.map), AQ_DATA_OK);
+  const Read again(folder.file("out"));
+  ASSERT_EQ(again.result, AQ_DATA_OK);
+  EXPECT_EQ(again.header->iBandHigh, 29);
+  EXPECT_EQ(again.map->Row(2)->Mask(19)->MaskString(), "FR");
+  EXPECT_EQ(again.map->Row(2)->Mask(20)->MaskString(), "--");
+}
+
 TEST(DataMask, WhatCannotBeWrittenThrows) {
   const test::Folder folder;
   AQ_DataMask file;

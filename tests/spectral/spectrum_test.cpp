@@ -83,6 +83,9 @@ TEST(Spectrum, SharesAndCopiesItsObjects) {
   time->TODseconds(5);
   spectrum.Metric()->PNLT(0);
   EXPECT_EQ(spectrum.Time()->TODseconds(), 5);
+  spectrum.keptTime().assign(7, 8);
+  spectrum.Time(nullptr);
+  EXPECT_EQ(spectrum.Time()->TODseconds() + spectrum.Time()->RelSeconds(), 0);
   EXPECT_EQ(copy->Time()->TODseconds(), 0);
   EXPECT_EQ(copy->Metric()->PNLT(), 101.5F);
   EXPECT_EQ(copy->Level(), 88);
@@ -112,6 +115,8 @@ TEST(Metric, MissingValuesReadAsZeroAndAreCopiedSo) {
   EXPECT_EQ(metric.OA(), 100.1F);
   EXPECT_EQ(metric.MetricValue(AQ_METRIC_OA), Variant(100.1F));
   EXPECT_ERROR(metric.MetricValue(AQ_METRIC_CWT, "loud"), TypeMismatch);
+  metric.MetricValue(AQ_METRIC_LGB, 30);
+  EXPECT_EQ(metric.MetricValue(AQ_METRIC_LGB), Variant(30.0F));
   const auto copy = metric.Copy();
   EXPECT_EQ(copy->AWT(), Variant("n/a"));
   EXPECT_EQ(copy->PNL(), 101.1F);
@@ -126,7 +131,7 @@ TEST(MetricSummary, OrderAndText) {
   EXPECT_EQ(summary.MetricTypeString(), "AWT, PNLT");
   for (const char* name : {"awt", "lgb", "PNLT, OA", "", " OA"}) summary.MetricTypeString(name);
   EXPECT_EQ(summary.MetricTypeString(), "AWT, PNLT, LGB");
-  summary.MetricType(static_cast<AQ_METRIC_TYPE>(77));
+  summary.MetricType(static_cast<AQ_METRIC_TYPE>(11));
   EXPECT_EQ(summary.MetricTypeString(), "AWT, PNLT, LGB");
   EXPECT_EQ(summary.MetricTypes()->Count(), 4);
   EXPECT_TRUE(summary.isMetric(AQ_METRIC_LGB));
