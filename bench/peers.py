@@ -32,7 +32,8 @@ def main() -> None:
     folder, table = Path(sys.argv[1]), Path(sys.argv[2])
     history, out = folder / "large.sth.csv", folder / "out.peer.csv"
     header = 1 + next(
-        number for number, line in enumerate(history.open()) if line.startswith("Rec#"))
+        number for number, line in enumerate(history.open()) if line.startswith("Rec#")
+    )
     bands = range(3, 27)
     frame = pandas.read_csv(history, skiprows=header, header=None)
     levels = frame[list(bands)].to_numpy()
@@ -46,16 +47,19 @@ def main() -> None:
             lambda: frame.to_csv(out, header=False, index=False, float_format="%.2f"),
         ),
     }
-    library = {row["name"]: row["median_ms"] for row in json.loads(table.read_text())
-               if "median_ms" in row}
+    library = {
+        row["name"]: row["median_ms"] for row in json.loads(table.read_text()) if "median_ms" in row
+    }
     for name, works in peers.items():
         for kind, work in zip(("read", "write"), works, strict=True):
             times = timed(work)
             median = statistics.median(times)
             ratio = median / library[f"history 32,767 {kind}"]
             spread = 100 * statistics.stdev(times) / median
-            print(f"{name + ' history 32,767 ' + kind:<36} {ratio:5.1f} {median:9.3f} ms "
-                  f"{spread:5.1f} %")
+            print(
+                f"{name + ' history 32,767 ' + kind:<36} {ratio:5.1f} {median:9.3f} ms "
+                f"{spread:5.1f} %"
+            )
 
 
 main()

@@ -80,13 +80,18 @@ class OutputFile {
   }
 
   /// Gives the file the owner and the permissions of another one. Where the system keeps the owner
-  /// from being passed on, the file stays the writer's.
+  /// from being passed on, the file stays the writer's, without the rights that name an owner.
   void takeAfter(const struct stat& other) const {
+    constexpr auto kKeptOwner = static_cast<uid_t>(-1);
     const struct stat own = status();
-    if (own.st_uid != other.st_uid || own.st_gid != other.st_gid) {
-      static_cast<void>(::fchown(handle_, other.st_uid, other.st_gid));
+    mode_t permissions = other.st_mode & kPermissions;
+    const bool same = own.st_uid == other.st_uid && own.st_gid == other.st_gid;
+    if (!same && ::fchown(handle_, other.st_uid, other.st_gid) != 0) {
+      permissions &= ~static_cast<mode_t>(S_ISUID | S_ISGID);
+      const bool sameGroup = ::fchown(handle_, kKeptOwner, other.st_gid) == 0;
+      if (!sameGroup) permissions &= ~static_cast<mode_t>(S_IRWXG);
     }
-    if (::fchmod(handle_, other.st_mode & kPermissions) != 0) failBy(kWrite, errno);
+    if (::fchmod(handle_, permissions) != 0) failBy(kWrite, errno);
   }
 
   void cutTo(off_t size) const {

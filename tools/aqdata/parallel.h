@@ -45,8 +45,8 @@ void inOrder(std::size_t count, int jobs, const Work& work, const Take& take) {
   };
   std::vector<std::jthread> threads;
   threads.reserve(static_cast<std::size_t>(jobs));
-  for (int i = 0; i < jobs; ++i) threads.emplace_back(run);
   try {
+    for (int i = 0; i < jobs; ++i) threads.emplace_back(run);
     for (; taken < count;) {
       std::unique_lock lock(mutex);
       changed.wait(lock, [&] { return waiting.contains(taken) || failure; });

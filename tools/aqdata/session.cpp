@@ -1,6 +1,7 @@
 #include "tools/aqdata/session.h"
 
 #include <aq/core/error.h>
+#include <aq/core/number_text.h>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -83,6 +84,15 @@ void onFile(Session& session, const std::string& path, const std::function<void(
 std::string failureText(const std::string& path, const std::exception& error) {
   if (dynamic_cast<const Failure*>(&error) != nullptr) return error.what();
   return fmt::format("{}: {}", aq::escaped(path), error.what());
+}
+
+std::string finiteNumber(const std::string& text) {
+  try {
+    static_cast<void>(aq::doubleFrom(text));
+    return {};
+  } catch (const aq::Error& error) {
+    return error.what();
+  }
 }
 
 void addOutputOptions(CLI::App& command, Session& session) {

@@ -81,6 +81,9 @@ void onFile(Session& session, const std::string& path, const std::function<void(
 
 // Options that several commands have.
 void addOutputOptions(CLI::App& command, Session& session);
+
+/// A check of an option's text: why it is no finite number; empty when it is one.
+std::string finiteNumber(const std::string& text);
 void addFiles(CLI::App& command, Session& session);
 void addFile(CLI::App& command, std::string& file, const char* name, const char* what);
 void addJobs(CLI::App& command, Session& session);

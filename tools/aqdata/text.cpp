@@ -82,6 +82,7 @@ std::string listText(const Json& value, std::string_view between) {
 
 std::vector<std::string> wrapped(std::string_view text, std::size_t width) {
   std::vector<std::string> lines;
+  width = std::max<std::size_t>(width, 1);
   while (widthOf(text) > width) {
     const std::size_t most = offsetOf(text, width + 1);
     const std::size_t blank = text.rfind(' ', most);

@@ -219,6 +219,7 @@ void addDiff(CLI::App& program, Session& session) {
   addFile(*command, choice->b, "B", "Another of the same kind");
   command->add_option("--tolerance", choice->tolerance, "Numbers this far apart are equal (0)")
       ->check(CLI::NonNegativeNumber)
+      ->check(finiteNumber)
       ->option_text("D");
   addOutputOptions(*command, session);
 }

@@ -141,7 +141,9 @@ std::vector<std::string> valueLines(const Json& value, std::size_t width) {
 /// One key a line; what is empty is left out.
 void printValues(Session& session, const Json& values) {
   constexpr std::size_t kKeys = 25;
-  const auto room = static_cast<std::size_t>(std::max(20, terminal::width() - 1)) - kKeys - 4;
+  constexpr std::size_t kNarrowest = 20;
+  const auto columns = static_cast<std::size_t>(std::max(0, terminal::width()));
+  const std::size_t room = std::max(columns, kKeys + kNarrowest + 5) - kKeys - 5;
   const std::size_t width = terminal::onOutput() ? room : std::string::npos - 1;
   for (const auto& [key, value] : values.items()) {
     if (key == "file" || key == "kind" || key == "header" || listText(value, "").empty()) continue;

@@ -30,7 +30,7 @@ std::string literal(const std::string& text) {
 
 std::string optionText(const CLI::Option& option) {
   std::string names = option.get_name(false, true);
-  const std::string form = option.get_option_text();
+  const std::string& form = option.get_option_text();
   if (!option.get_lnames().empty() && !form.empty()) names += ' ' + form;
   return fmt::format(".TP\n\\fB{}\\fR\n{}\n", roff(names), roff(option.get_description()));
 }

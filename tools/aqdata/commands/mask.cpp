@@ -111,6 +111,7 @@ void addMask(CLI::App& program, Session& session) {
   command
       ->add_option("--margin", choice->margin,
                    "Levels less than this above the ambient are masked (3)")
+      ->check(finiteNumber)
       ->option_text("DB");
   addOutputFile(*command, session, "The masking map to write");
   command->add_flag("-q,--quiet", session.quiet, "Say nothing");

@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include "aq/core/date_text.h"
 #include "tools/aqdata/files.h"
 #include "tools/aqdata/measurement.h"
 #include "tools/aqdata/program.h"
@@ -18,6 +19,7 @@ struct Choice {
 aq::AQ_Time timeFrom(const std::string& text) {
   aq::AQ_Time time;
   try {
+    time.TODstring(aq::clockTimeFrom(text.substr(0, text.find('.'))));  // refuses hours past 23
     time.TODstring(text);
   } catch (const aq::Error&) {
     throw Failure(fmt::format("expected a time of day hh:mm:ss, found {}", aq::shown(text)));
@@ -53,6 +55,7 @@ void stamp(Session& session, const Choice& choice) {
         texts.ReferenceType(value);
         return texts.sReferenceTimeType();
       });
+  // NOLINTNEXTLINE(readability-suspicious-call-argument): two times, each with its type
   read.history->setTimeStamps(timeFrom(choice.start), type, timeFrom(choice.reference),
                               referenceType);
   writeFile(session, session.output, [&](const std::string& path) {
