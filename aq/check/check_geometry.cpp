@@ -8,6 +8,7 @@
 #include "aq/geometry/data_pth.h"
 #include "aq/geometry/data_tspi.h"
 #include "aq/geometry/tracking_line.h"
+#include "aq/text/call_file.h"
 #include "aq/text/count_keywords.h"
 #include "aq/text/line_reader.h"
 
@@ -56,9 +57,8 @@ void checkPositions(const std::string& path, const Reporter& report) {
   HeaderCheck header(report);
   std::shared_ptr<AQ_HeaderPTH> fields;
   std::shared_ptr<AQ_PositionTimeHistory> history;
-  AQ_DataMessage result = AQ_DATA_FILE_ERROR;
   file.watchHeader(header.watch());
-  file.readFile(path, fields, history, result);
+  const AQ_DataMessage result = readInto(file, path, fields, history);
   if (result != AQ_DATA_OK) return report.unreadable(*file.lastFailure());
   const std::int32_t count = history->Count();
   header.expectCount(keywords::kNumberRecords, static_cast<std::size_t>(count), "positions");
@@ -71,8 +71,7 @@ void checkPositions(const std::string& path, const Reporter& report) {
 void checkTracking(const std::string& path, const Reporter& report) {
   AQ_DataTSPI file;
   std::shared_ptr<AQ_PositionTimeHistory> history;
-  AQ_DataMessage result = AQ_DATA_FILE_ERROR;
-  file.readFile(path, history, result);
+  const AQ_DataMessage result = readInto(file, path, history);
   if (result != AQ_DATA_OK) return report.unreadable(*file.lastFailure());
   TimeOrder order(report);
   forFixes(path, [&](const TrackingLine& fix, std::size_t line) {
@@ -85,9 +84,9 @@ void checkMicrophone(const std::string& path, const Reporter& report) {
   AQ_DataMIC file;
   HeaderCheck header(report);
   std::shared_ptr<AQ_HeaderMIC> fields;
-  AQ_DataMessage result = AQ_DATA_FILE_ERROR;
+  const auto microphone = std::make_shared<AQ_Microphone>();
   file.watchHeader(header.watch());
-  file.readFile(path, fields, std::make_shared<AQ_Microphone>(), result);
+  const AQ_DataMessage result = readInto(file, path, fields, microphone);
   if (result != AQ_DATA_OK) return report.unreadable(*file.lastFailure());
   checkNothingBehind(path, header.lines() + 1, report);
 }
@@ -98,9 +97,8 @@ void checkGeometry(const std::string& path, const Reporter& report) {
   HeaderCheck header(report);
   std::shared_ptr<AQ_HeaderGTH> fields;
   std::shared_ptr<AQ_GeometryTimeHistory> history;
-  AQ_DataMessage result = AQ_DATA_FILE_ERROR;
   file.watchHeader(header.watch());
-  file.readFile(path, fields, history, result);
+  const AQ_DataMessage result = readInto(file, path, fields, history);
   if (result != AQ_DATA_OK) return report.unreadable(*file.lastFailure());
   const RecordLines records(path, header, kFields, report);
   header.expectCount(keywords::kNumberRecords, records.count(), "points");

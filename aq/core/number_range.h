@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 
 #include "aq/core/enumerations.h"
@@ -16,6 +17,19 @@ struct NumberRange {
   void widen(std::int16_t number) {
     low = std::min(low, number);
     high = std::max(high, number);
+  }
+
+  /// Widens to `count` numbers from `first` on.
+  void widen(std::int16_t first, std::size_t count) {
+    if (count == 0) return;
+    widen(first);
+    widen(static_cast<std::int16_t>(first + static_cast<int>(count) - 1));
+  }
+
+  /// Whether it holds just so many numbers. A block of all that were stored has fewer when they lie
+  /// below -1 or above 9999.
+  [[nodiscard]] bool holds(std::size_t count) const {
+    return high - low + 1 == static_cast<int>(count);
   }
 
   /// Whether the bands of `other` lie inside this range.

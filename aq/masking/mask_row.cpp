@@ -46,15 +46,12 @@ void AQ_MaskRow::store(std::int16_t band, const AQ_Mask& decision) {
 void AQ_MaskRow::assign(std::int16_t low, std::span<const MaskCode> codes) {
   codes_.assign(low, codes);
   objects_.reset();
-  if (codes.empty()) return;
-  bands_.widen(low);
-  bands_.widen(static_cast<std::int16_t>(low + static_cast<int>(codes.size()) - 1));
+  bands_.widen(low, codes.size());
 }
 
 std::span<const MaskCode> AQ_MaskRow::fetchedCodes() {
   const std::span<MaskCode> codes = codes_.all();
-  // The range is wider than the block when bands lie below -1 or above 9999.
-  if (objects_ || static_cast<int>(codes.size()) != bands_.high - bands_.low + 1) return {};
+  if (objects_ || !bands_.holds(codes.size())) return {};
   if (std::memchr(codes.data(), kNoMaskCode, codes.size()) != nullptr) {
     std::replace(codes.begin(), codes.end(), kNoMaskCode, kDefaultMaskCode);
   }

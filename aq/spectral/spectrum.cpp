@@ -39,17 +39,17 @@ void AQ_Spectrum::SPL(std::int16_t nBand, const Variant& level) {
 
 void AQ_Spectrum::assignLevels(std::int16_t low, std::span<const double> levels) {
   levels_.assign(low, levels);
-  widen(low, levels.size());
+  bands_.widen(low, levels.size());
 }
 
 void AQ_Spectrum::assignCodes(std::int16_t low, std::span<const LevelCode> codes) {
   levels_.assign(low, codes);
-  widen(low, codes.size());
+  bands_.widen(low, codes.size());
 }
 
 std::span<const LevelCode> AQ_Spectrum::levelCodes() const {
   const auto levels = levels_.codes();
-  return spans(levels.size()) ? levels : std::span<const LevelCode>();
+  return bands_.holds(levels.size()) ? levels : std::span<const LevelCode>();
 }
 
 std::vector<double> AQ_Spectrum::plainLevels() const {
@@ -62,18 +62,7 @@ std::vector<double> AQ_Spectrum::plainLevels() const {
 
 std::span<const double> AQ_Spectrum::levelDoubles() const {
   const auto levels = levels_.plain();
-  return spans(levels.size()) ? levels : std::span<const double>();
-}
-
-/// The range is wider than the levels when all bands lie below -1 or above 9999.
-bool AQ_Spectrum::spans(std::size_t levels) const {
-  return bands_.high - bands_.low + 1 == static_cast<int>(levels);
-}
-
-void AQ_Spectrum::widen(std::int16_t low, std::size_t levels) {
-  if (levels == 0) return;
-  bands_.widen(low);
-  bands_.widen(static_cast<std::int16_t>(low + static_cast<int>(levels) - 1));
+  return bands_.holds(levels.size()) ? levels : std::span<const double>();
 }
 
 }  // namespace aq

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -70,9 +69,6 @@ class AQ_API AQ_Spectrum {
   [[nodiscard]] std::span<const double> levelDoubles() const;
 
  private:
-  [[nodiscard]] bool spans(std::size_t levels) const;
-  void widen(std::int16_t low, std::size_t levels);
-
   KeptTime time_;
   BandLevels levels_;
   NumberRange bands_;

@@ -1,3 +1,5 @@
+#include <aq/text/call_file.h>
+
 #include "binding.h"
 
 namespace aq::python {
@@ -31,33 +33,6 @@ void runFile(File& file, const Call& call) {
   if (unlocked(file, call) != AQ_DATA_OK) raise(*file.lastFailure(), py::tuple());
 }
 
-/// A file class's own way to hand out header and model, in the one form of Python.
-template <class File, class Header, class Model>
-AQ_DataMessage readBoth(File& file, const std::string& name, std::shared_ptr<Header>& header,
-                        std::shared_ptr<Model>& model) {
-  if constexpr (requires { file.readFile(name, model, header); }) {
-    return file.readFile(name, model, header);
-  } else if constexpr (requires { file.readFile(name, header, model); }) {
-    return file.readFile(name, header, model);
-  } else {
-    AQ_DataMessage result = AQ_DATA_OK;
-    file.readFile(name, header, model, result);
-    return result;
-  }
-}
-
-template <class File, class Header, class Model>
-AQ_DataMessage writeBoth(File& file, const std::string& name, const std::shared_ptr<Header>& header,
-                         Model& model) {
-  if constexpr (requires { file.writeFile(name, header, model); }) {
-    return file.writeFile(name, header, model);
-  } else {
-    AQ_DataMessage result = AQ_DATA_OK;
-    file.writeFile(name, header, model, result);
-    return result;
-  }
-}
-
 template <class File>
 class BoundFile : public Bound<File> {
  public:
@@ -89,7 +64,7 @@ class BoundFile : public Bound<File> {
           std::shared_ptr<Model> model;
           if constexpr (std::is_same_v<Model, AQ_Microphone>) model = std::make_shared<Model>();
           const auto outcome =
-              unlocked(self, [&](File& file) { return readBoth(file, path.name, header, model); });
+              unlocked(self, [&](File& file) { return readInto(file, path.name, header, model); });
           if (outcome != AQ_DATA_OK) raise(*self.lastFailure(), py::make_tuple(header, model));
           return std::pair(header, model);
         },
@@ -104,7 +79,7 @@ class BoundFile : public Bound<File> {
     this->def(
         "writeFile",
         [](File& self, const Path& path, const std::shared_ptr<Header>& header, Model& model) {
-          runFile(self, [&](File& file) { return writeBoth(file, path.name, header, model); });
+          runFile(self, [&](File& file) { return writeFrom(file, path.name, header, model); });
         },
         py::arg("sFileName"), py::arg("aqHeader"), py::arg("model"),
         "Writes a file, replacing it; the header gets the file's name. What cannot be written "
@@ -277,11 +252,7 @@ void bindModelFiles(const py::module_& module) {
           "readFile",
           [](AQ_DataTSPI& self, const Path& path) {
             std::shared_ptr<AQ_PositionTimeHistory> positions;
-            runFile(self, [&](AQ_DataTSPI& file) {
-              AQ_DataMessage result = AQ_DATA_OK;
-              file.readFile(path.name, positions, result);
-              return result;
-            });
+            runFile(self, [&](AQ_DataTSPI& file) { return readInto(file, path.name, positions); });
             return positions;
           },
           py::arg("sFileName"), "Reads a file into a new history, numbered from 1");

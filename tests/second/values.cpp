@@ -1,6 +1,7 @@
 #include "tests/second/values.h"
 
 #include <aq/aq.h>
+#include <aq/text/call_file.h>
 
 #include <array>
 #include <cstdint>
@@ -173,9 +174,7 @@ void printPTH(const std::string& path) {
   AQ_DataPTH file;
   std::shared_ptr<AQ_HeaderPTH> header;
   std::shared_ptr<AQ_PositionTimeHistory> history;
-  AQ_DataMessage result{};
-  file.readFile(path, header, history, result);
-  showResult(result, file);
+  showResult(readInto(file, path, header, history), file);
   if (header) {
     show("title", header->sFileType);
     show("fileName", header->sFileName);
@@ -201,9 +200,7 @@ void printGTH(const std::string& path) {
   AQ_DataGTH file;
   std::shared_ptr<AQ_HeaderGTH> header;
   std::shared_ptr<AQ_GeometryTimeHistory> history;
-  AQ_DataMessage result{};
-  file.readFile(path, header, history, result);
-  showResult(result, file);
+  showResult(readInto(file, path, header, history), file);
   if (header) {
     const AQ_Position& microphone = *header->MicrophonePosition;
     show("title", header->FileType);
@@ -234,9 +231,7 @@ void printMIC(const std::string& path) {
   AQ_DataMIC file;
   std::shared_ptr<AQ_HeaderMIC> header;
   const auto microphone = std::make_shared<AQ_Microphone>(AQ_Microphone{1, 2, 3, 4});
-  AQ_DataMessage result{};
-  file.readFile(path, header, microphone, result);
-  showResult(result, file);
+  showResult(readInto(file, path, header, microphone), file);
   if (header) {
     show("title", header->sFileType);
     show("fileName", header->sFileName);
@@ -252,9 +247,7 @@ void printMIC(const std::string& path) {
 void printTSPI(const std::string& path) {
   AQ_DataTSPI file;
   std::shared_ptr<AQ_PositionTimeHistory> history;
-  AQ_DataMessage result{};
-  file.readFile(path, history, result);
-  showResult(result, file);
+  showResult(readInto(file, path, history), file);
   if (history) printPositions(*history);
   show("dropped", file.nBadPositions());
 }

@@ -2,13 +2,13 @@
 
 #include <aq/aq.h>
 #include <aq/core/number_text.h>
+#include <aq/text/call_file.h>
 
 #include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
-#include <type_traits>
 
 namespace aq::test {
 
@@ -33,19 +33,6 @@ inline Outcome outcomeOf(const FileClass& file, AQ_DataMessage result, bool head
 }
 
 template <class File, class Header, class Model>
-AQ_DataMessage readInto(File& file, const std::string& path, Header& header, Model& model) {
-  AQ_DataMessage result = AQ_DATA_FILE_ERROR;
-  if constexpr (requires { file.readFile(path, header, model, result); }) {
-    file.readFile(path, header, model, result);
-  } else if constexpr (std::is_same_v<File, AQ_DataSSR>) {
-    result = file.readFile(path, model, header);
-  } else {
-    result = file.readFile(path, header, model);
-  }
-  return result;
-}
-
-template <class File, class Header, class Model>
 Format format() {
   const auto read = [](const std::string& path) {
     File file;
@@ -58,14 +45,8 @@ Format format() {
     File file;
     std::shared_ptr<Header> header;
     std::shared_ptr<Model> model;
-    AQ_DataMessage result = readInto(file, from, header, model);
-    if (result != AQ_DATA_OK) return result;
-    if constexpr (requires { file.writeFile(to, header, *model, result); }) {
-      file.writeFile(to, header, *model, result);
-    } else {
-      result = file.writeFile(to, header, *model);
-    }
-    return result;
+    const AQ_DataMessage result = readInto(file, from, header, model);
+    return result == AQ_DATA_OK ? writeFrom(file, to, header, *model) : result;
   };
   return {read, rewrite};
 }
@@ -73,8 +54,7 @@ Format format() {
 inline Outcome readTracking(const std::string& path) {
   AQ_DataTSPI file;
   std::shared_ptr<AQ_PositionTimeHistory> history;
-  AQ_DataMessage result = AQ_DATA_FILE_ERROR;
-  file.readFile(path, history, result);
+  const AQ_DataMessage result = readInto(file, path, history);
   Outcome outcome = outcomeOf(file, result, true, history != nullptr);
   outcome.handedOut = std::to_string(file.nBadPositions()) + " dropped ";
   return outcome;
@@ -84,8 +64,7 @@ inline Outcome readMicrophone(const std::string& path) {
   AQ_DataMIC file;
   std::shared_ptr<AQ_HeaderMIC> header;
   const auto microphone = std::make_shared<AQ_Microphone>();
-  AQ_DataMessage result = AQ_DATA_FILE_ERROR;
-  file.readFile(path, header, microphone, result);
+  const AQ_DataMessage result = readInto(file, path, header, microphone);
   Outcome outcome = outcomeOf(file, result, header != nullptr, true);
   if (microphone->Y != 0) outcome.handedOut += "Y " + numberText(microphone->Y) + ' ';
   return outcome;

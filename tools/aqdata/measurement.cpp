@@ -1,5 +1,6 @@
 #include "tools/aqdata/measurement.h"
 
+#include <aq/text/call_file.h>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -45,13 +46,7 @@ template <class File, class... Out>
 void read(const std::string& path, const aq::HeaderWatch& watch, Out&... out) {
   File file;
   file.watchHeader(watch);
-  if constexpr (requires { aq::AQ_DataMessage(file.readFile(path, out...)); }) {
-    expectGood(file.readFile(path, out...), file);
-  } else {
-    aq::AQ_DataMessage result = aq::AQ_DATA_FILE_ERROR;
-    file.readFile(path, out..., result);
-    expectGood(result, file);
-  }
+  expectGood(aq::readInto(file, path, out...), file);
 }
 
 [[noreturn]] void failUnknown(const std::string& path) {
@@ -129,7 +124,7 @@ MaskingMap openMap(const std::string& path, const aq::HeaderWatch& watch) {
 SpectrumRecord openSpectrum(const std::string& path, const aq::HeaderWatch& watch) {
   SpectrumRecord read;
   expectKind(path, aq::FileKind::SpectrumRecord);
-  aqdata::read<aq::AQ_DataSSR>(path, watch, read.spectrum, read.header);
+  aqdata::read<aq::AQ_DataSSR>(path, watch, read.header, read.spectrum);
   return read;
 }
 
@@ -138,11 +133,9 @@ Tracking openTracking(const std::string& path, const aq::HeaderWatch& watch,
   Tracking read;
   expectKind(path, aq::FileKind::Tracking);
   aq::AQ_DataTSPI file;
-  aq::AQ_DataMessage result = aq::AQ_DATA_FILE_ERROR;
   file.watchHeader(watch);
   file.RT20Limit(rt20Limit);
-  file.readFile(path, read.history, result);
-  expectGood(result, file);
+  expectGood(aq::readInto(file, path, read.history), file);
   read.rejected = file.nBadPositions();
   return read;
 }

@@ -1,6 +1,7 @@
 #include "tools/aqdata/convert.h"
 
 #include <aq/core/band_label.h>
+#include <aq/text/call_file.h>
 #include <fmt/format.h>
 
 #include <optional>
@@ -130,9 +131,7 @@ void writePositions(Session& session, const Tracking& track, const std::string& 
   header->sTSPIFileName = from;
   writeFile(session, session.output, [&](const std::string& path) {
     aq::AQ_DataPTH file;
-    aq::AQ_DataMessage result = aq::AQ_DATA_FILE_ERROR;
-    file.writeFile(path, header, *track.history, result);
-    expectGood(result, file);
+    expectGood(aq::writeFrom(file, path, header, *track.history), file);
   });
   session.tell(fmt::format("{}: {}, {} rejected", aq::escaped(session.output),
                            counted(static_cast<std::size_t>(track.history->Count()), "position"),

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+
+#include "aq/core/enumerations.h"
+
+// The file classes give the result of a read or a write as a value or through their last parameter,
+// each as its hosts know it. Code that serves every format calls them here, in one way.
+namespace aq {
+
+/// `file.readFile` for a header and a model, whichever comes first there, or for one object.
+template <class File, class... Out>
+[[nodiscard]] AQ_DataMessage readInto(File& file, const std::string& path, Out&... out) {
+  if constexpr (requires { AQ_DataMessage(file.readFile(path, out...)); }) {
+    return file.readFile(path, out...);
+  } else if constexpr (requires(AQ_DataMessage result) { file.readFile(path, out..., result); }) {
+    AQ_DataMessage result = AQ_DATA_FILE_ERROR;
+    file.readFile(path, out..., result);
+    return result;
+  } else {
+    return [&](auto& header, auto& model) { return file.readFile(path, model, header); }(out...);
+  }
+}
+
+/// `file.writeFile` for a header and a model.
+template <class File, class... In>
+[[nodiscard]] AQ_DataMessage writeFrom(File& file, const std::string& path, In&... in) {
+  if constexpr (requires { AQ_DataMessage(file.writeFile(path, in...)); }) {
+    return file.writeFile(path, in...);
+  } else {
+    AQ_DataMessage result = AQ_DATA_FILE_ERROR;
+    file.writeFile(path, in..., result);
+    return result;
+  }
+}
+
+}  // namespace aq
