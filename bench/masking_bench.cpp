@@ -48,7 +48,7 @@ PlainMask plainMask(const char* letters) {
   return mask;
 }
 
-PlainRows plainRead(const std::string& path) {
+PlainRows plainReadMap(const std::string& path) {
   const std::string bytes = bytesOf(path);
   const char* const end = bytes.data() + bytes.size();
   const char* at = bytes.data() + bytes.find('\n', bytes.find("\nRec#") + 1) + 1;
@@ -64,7 +64,7 @@ PlainRows plainRead(const std::string& path) {
   return rows;
 }
 
-void plainWrite(const std::string& path, const PlainRows& rows) {
+void plainWriteMap(const std::string& path, const PlainRows& rows) {
   std::string text;
   for (const auto& row : rows) {
     text += std::to_string(row->number);
@@ -110,11 +110,11 @@ void addMaps() {
   }
   held->write(path);
   addPair(
-      "map 32,767 read", [=, kept = std::make_shared<PlainRows>()] { *kept = plainRead(path); },
+      "map 32,767 read", [=, kept = std::make_shared<PlainRows>()] { *kept = plainReadMap(path); },
       [=, kept = std::make_shared<Map>()] { kept->read(path); });
   addPair(
       "map 32,767 write",
-      [=, rows = std::make_shared<PlainRows>(plainRead(path))] { plainWrite(out, *rows); },
+      [=, rows = std::make_shared<PlainRows>(plainReadMap(path))] { plainWriteMap(out, *rows); },
       [=] { held->write(out); });
 }
 

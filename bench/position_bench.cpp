@@ -16,7 +16,7 @@ struct PlainPosition {
 };
 using PlainPositions = std::vector<std::shared_ptr<PlainPosition>>;
 
-PlainPositions plainRead(const std::string& path) {
+PlainPositions plainReadPositions(const std::string& path) {
   const std::string bytes = bytesOf(path);
   const char* const end = bytes.data() + bytes.size();
   const char* at = bytes.data() + bytes.find('\n', bytes.find("\nTOD,") + 1) + 1;
@@ -56,7 +56,7 @@ void addPositions() {
   require(result == aq::AQ_DATA_OK, "writing positions");
   addPair(
       "positions 32,767 read",
-      [=, kept = std::make_shared<PlainPositions>()] { *kept = plainRead(path); },
+      [=, kept = std::make_shared<PlainPositions>()] { *kept = plainReadPositions(path); },
       [=, kept = std::make_shared<std::shared_ptr<aq::AQ_PositionTimeHistory>>()] {
         aq::AQ_DataPTH reader;
         std::shared_ptr<aq::AQ_HeaderPTH> header;

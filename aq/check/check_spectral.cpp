@@ -4,6 +4,7 @@
 #include "aq/check/checks.h"
 #include "aq/check/header_check.h"
 #include "aq/check/record_lines.h"
+#include "aq/core/date_text.h"
 #include "aq/core/enumerations.h"
 #include "aq/core/number_text.h"
 #include "aq/files/data_ssr.h"
@@ -45,7 +46,6 @@ void checkRange(const HeaderCheck& header, const RecordLines& records, const Rep
 /// One finding a file: a wrong reference time makes every relative time wrong.
 void checkRelativeTimes(const RecordLines& records, AQ_SpectralTimeHistory& history,
                         const Reporter& report) {
-  constexpr double kDay = 86400;
   constexpr double kTolerance = 0.0201;  // hundredths of the time of day, and single precision
   const double reference = history.ReferenceTime()->TODseconds();
   FindingPlace place;
@@ -54,7 +54,8 @@ void checkRelativeTimes(const RecordLines& records, AQ_SpectralTimeHistory& hist
   records.forEach([&](std::int16_t record, std::size_t line) {
     const AQ_Time time = history.spectrum(record)->timeValue();
     const double expected = time.TODseconds() - reference;
-    if (std::abs(std::remainder(time.RelSeconds() - expected, kDay)) <= kTolerance) return;
+    if (std::abs(std::remainder(time.RelSeconds() - expected, kSecondsPerDay)) <= kTolerance)
+      return;
     if (++wrong != 1) return;
     place = {.line = line, .field = kBeforeLevels, .record = record};
     first = "expected " + numberText(static_cast<float>(expected)) + " s, found " +

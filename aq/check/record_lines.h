@@ -9,6 +9,7 @@
 #include "aq/check/header_check.h"
 #include "aq/check/reporter.h"
 #include "aq/core/band_block.h"
+#include "aq/core/date_text.h"
 #include "aq/core/number_text.h"
 
 namespace aq {
@@ -54,15 +55,14 @@ class RecordLines {
 /// after that of the record before.
 template <class TimeOf>
 void checkTimeSteps(const RecordLines& records, const TimeOf& timeOf, const Reporter& report) {
-  constexpr double kDay = 86400;
   constexpr double kTolerance = 0.0101;  // a written time of day keeps hundredths
   std::optional<std::pair<std::int32_t, double>> before;
   records.forEach([&](std::int16_t record, std::size_t line) {
     const double time = timeOf(record);
     if (before) {
       const double expected = (record - before->first) * 0.5;
-      const double step = std::remainder(time - before->second, kDay);
-      if (std::abs(std::remainder(step - expected, kDay)) > kTolerance) {
+      const double step = std::remainder(time - before->second, kSecondsPerDay);
+      if (std::abs(std::remainder(step - expected, kSecondsPerDay)) > kTolerance) {
         report(Kind::TimeStep, {.line = line, .field = 2, .record = record},
                "expected " + numberText(expected) + " s after record " +
                    std::to_string(before->first) + ", found " +

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -10,6 +11,8 @@
 // 1899-12-30, the time of day as its fraction.
 
 namespace aq {
+
+inline constexpr std::int32_t kSecondsPerDay = 86400;
 
 /// The date value of a calendar day.
 [[nodiscard]] AQ_API double dateFrom(int year, unsigned month, unsigned day);

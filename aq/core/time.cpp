@@ -10,12 +10,10 @@
 namespace aq {
 namespace {
 
-constexpr std::int32_t kSecondsPerDay = 86400;
-
 /// `number`, and an `Overflow` when single precision cannot hold it.
 float single(double number) { return Variant(number).toSingle(); }
 
-void requireFinite(double seconds) {
+void requireFiniteTime(double seconds) {
   if (std::isfinite(seconds)) return;
   throw Error(ErrorCode::InvalidValue, "a time of day that is no finite number");
 }
@@ -54,7 +52,7 @@ void AQ_Time::setRelTime(const AQ_Time& reference) {
 
 void AQ_Time::TODseconds(const Variant& seconds) {
   double value = seconds.toDouble();
-  requireFinite(value);
+  requireFiniteTime(value);
   if (value > kSecondsPerDay) {
     const double whole = std::floor(value);
     value = std::fmod(whole, kSecondsPerDay) + (value - whole);
@@ -68,7 +66,7 @@ void AQ_Time::TODnumbers(const Variant& Hours, const Variant& Minutes, const Var
   const auto minutes = static_cast<double>(Minutes.toSingle());
   const auto seconds = static_cast<double>(Seconds.toSingle());
   const double value = seconds + (hours * 3600 + minutes * 60);
-  requireFinite(value);
+  requireFiniteTime(value);
   timeOfDay_ = value;
 }
 

@@ -22,8 +22,6 @@ Integer rounded(double value) {
   return static_cast<Integer>(whole);
 }
 
-constexpr double kSecondsPerDay = 86400;
-
 std::string dateAndTimeText(double date) {
   const double fraction = std::abs(date - std::trunc(date));
   const int second = static_cast<int>(std::fmin(std::round(fraction * kSecondsPerDay), 86399));

@@ -22,7 +22,6 @@ constexpr std::int16_t kHeadingHigh = 40;
 template <class Lines>
 void header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHistory& history,
             LevelColumns& columns) {
-  using Text = std::string_view;
   std::int16_t count = history.Count();
   std::int16_t low = history.LoRec();
   std::int16_t high = history.HiRec();
@@ -33,16 +32,16 @@ void header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHistory& history,
   lines.text("MicrophoneID", header.sMicrophoneID);
   lines.value(
       "AveragingMethod", [&] { return history.sAveragingMethod(); },
-      [&](Text text) { history.sAveragingMethod(upperCased(text)); });
+      [&](std::string_view text) { history.sAveragingMethod(upperCased(text)); });
   lines.value(
       "TimeStampType", [&] { return history.sTimeStampType(); },
-      [&](Text text) { history.sTimeStampType(upperCased(text)); });
+      [&](std::string_view text) { history.sTimeStampType(upperCased(text)); });
   lines.text("AdjustmentCode", header.sAdjustmentCode);
   lines.timeOfDay("StartTime", *history.startTime());
   lines.timeOfDay("ReferenceTime", *history.ReferenceTime());
   lines.value(
       "ReferenceTimeType", [&] { return history.sReferenceTimeType(); },
-      [&](Text text) { history.sReferenceTimeType(upperCased(text)); });
+      [&](std::string_view text) { history.sReferenceTimeType(upperCased(text)); });
   lines.integer(keywords::kNumberOfSpectrum, count);
   lines.integers(keywords::kRecordNumbers, ",", low, high);
   history.LoRec(low);

@@ -16,7 +16,7 @@
 namespace aqdata {
 namespace {
 
-struct Choice {
+struct CheckChoice {
   std::vector<std::string> only;
   std::vector<std::string> ignore;
   bool strict = false;
@@ -40,7 +40,7 @@ struct Report {
   std::vector<const aq::FindingKind*> order = {};  // as they came
   std::map<std::string_view, Kind> kinds = {};
 
-  void take(const aq::Finding& finding, const Choice& choice) {
+  void take(const aq::Finding& finding, const CheckChoice& choice) {
     if (!choice.wants(finding.kind.name)) return;
     Kind& kind = kinds[finding.kind.name];
     if (kind.count == 0) order.push_back(&finding.kind);
@@ -49,7 +49,7 @@ struct Report {
   }
 };
 
-Report reportOf(const std::string& file, const Choice& choice) {
+Report reportOf(const std::string& file, const CheckChoice& choice) {
   Report report;
   const auto take = [&](const aq::Finding& finding) { report.take(finding, choice); };
   aq::checkFile(file, take);
@@ -128,7 +128,7 @@ struct Summary {
   std::size_t sound = 0;  // files without a finding
   std::map<aq::Severity, std::size_t> counts = {};
 
-  void add(const Report& report, const Choice& choice, Session& session) {
+  void add(const Report& report, const CheckChoice& choice, Session& session) {
     ++files;
     if (report.order.empty()) ++sound;
     for (const aq::FindingKind* const kind : report.order) {
@@ -145,7 +145,7 @@ struct Summary {
   }
 };
 
-void check(Session& session, const Choice& choice) {
+void check(Session& session, const CheckChoice& choice) {
   const std::vector<std::string> files = chosenFiles(session);
   Summary summary;
   inOrder(
@@ -180,7 +180,7 @@ std::string expectName(const std::string& found) {
 }  // namespace
 
 void addCheck(CLI::App& program, Session& session) {
-  const auto choice = std::make_shared<Choice>();
+  const auto choice = std::make_shared<CheckChoice>();
   CLI::App* const command =
       addCommand(program, session, "check", "Report what is wrong or odd about files",
                  "Examples:\n"

@@ -14,7 +14,7 @@
 namespace aqdata {
 namespace {
 
-struct Choice {
+struct ConvertChoice {
   std::string file;
   std::string to;
   std::optional<std::int16_t> record = {};
@@ -67,7 +67,7 @@ void put(Session& session, const std::vector<std::string>& lines) {
   for (const std::string& line : lines) session.print(line + '\n');
 }
 
-void putSpectrum(const Session& session, const Choice& choice, const Measurement& read) {
+void putSpectrum(const Session& session, const ConvertChoice& choice, const Measurement& read) {
   const auto* const history = std::get_if<History>(&read);
   if (history == nullptr) throw Failure("a spectrum record is made of a history alone");
   if (!choice.record) throw Failure("which record? --record says it");
@@ -87,7 +87,7 @@ void putSpectrum(const Session& session, const Choice& choice, const Measurement
   });
 }
 
-void convert(Session& session, const Choice& choice) {
+void convert(Session& session, const ConvertChoice& choice) {
   const std::string form = choice.to.empty() ? formOf(session.output) : choice.to;
   if (form == "positions")
     return writePositions(session, openTracking(choice.file, {}, choice.rt20), choice.file);
@@ -139,7 +139,7 @@ void writePositions(Session& session, const Tracking& track, const std::string& 
 }
 
 void addConvert(CLI::App& program, Session& session) {
-  const auto choice = std::make_shared<Choice>();
+  const auto choice = std::make_shared<ConvertChoice>();
   CLI::App* const command = addCommand(
       program, session, "convert", "Write a file in another form",
       "The name of OUT says the form: .json, .pth.csv (positions), .ssr.csv (one spectrum), else "

@@ -12,7 +12,7 @@
 namespace aqdata {
 namespace {
 
-struct Choice {
+struct DiffChoice {
   std::string a;
   std::string b;
   double tolerance = 0;
@@ -167,7 +167,7 @@ Json columnJson(const char* key, const Json& name, const Column& column) {
           {"b", column.b}};
 }
 
-void printJson(Session& session, const Choice& choice, const Difference& difference) {
+void printJson(Session& session, const DiffChoice& choice, const Difference& difference) {
   Json columns = Json::array();
   for (const auto& [name, column] : difference.columns) {
     columns.push_back(columnJson("column", name, column));
@@ -186,7 +186,7 @@ void printJson(Session& session, const Choice& choice, const Difference& differe
                              {"bands", std::move(bands)}});
 }
 
-void diff(Session& session, const Choice& choice) {
+void diff(Session& session, const DiffChoice& choice) {
   const Measurement a = openFile(choice.a);
   const Measurement b = openFile(choice.b);
   if (a.index() != b.index()) {
@@ -208,7 +208,7 @@ void diff(Session& session, const Choice& choice) {
 }  // namespace
 
 void addDiff(CLI::App& program, Session& session) {
-  const auto choice = std::make_shared<Choice>();
+  const auto choice = std::make_shared<DiffChoice>();
   CLI::App* const command =
       addCommand(program, session, "diff", "Say what two files differ in",
                  "File names and dates are no difference.\n\n"

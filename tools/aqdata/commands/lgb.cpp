@@ -10,12 +10,12 @@
 namespace aqdata {
 namespace {
 
-struct Choice {
+struct LgbChoice {
   std::string history;
   std::string map;
 };
 
-void expectFit(const Choice& choice) {
+void expectFit(const LgbChoice& choice) {
   aq::checkFit(choice.history, choice.map, [&](const aq::Finding& finding) {
     const std::string record =
         finding.place.record ? fmt::format(", record {}", *finding.place.record) : "";
@@ -29,7 +29,7 @@ std::string text(int band) {
                                       : std::string(aq::bandLabel(static_cast<std::int16_t>(band)));
 }
 
-void lgb(Session& session, const Choice& choice) {
+void lgb(Session& session, const LgbChoice& choice) {
   const History read = openHistory(choice.history);
   const MaskingMap map = openMap(choice.map);
   expectFit(choice);
@@ -52,7 +52,7 @@ void lgb(Session& session, const Choice& choice) {
 }  // namespace
 
 void addLgb(CLI::App& program, Session& session) {
-  const auto choice = std::make_shared<Choice>();
+  const auto choice = std::make_shared<LgbChoice>();
   CLI::App* const command =
       addCommand(program, session, "lgb", "Find the last good band of every record",
                  "0 stands for a record without a masked band from 29 up, 9999 for one without a "

@@ -11,7 +11,7 @@
 namespace aqdata {
 namespace {
 
-struct Choice {
+struct MaskChoice {
   std::string history;
   std::string ambient;
   double margin = 3;
@@ -35,7 +35,8 @@ std::shared_ptr<aq::AQ_MaskRow> maskedRow(const aq::AQ_Spectrum& spectrum,
   return row;
 }
 
-aq::AQ_MaskMap mapOf(const History& read, const aq::AQ_Spectrum& ambient, const Choice& choice) {
+aq::AQ_MaskMap mapOf(const History& read, const aq::AQ_Spectrum& ambient,
+                     const MaskChoice& choice) {
   aq::AQ_MaskMap map;
   const std::int16_t count = read.history->Count();
   for (std::int32_t number = 1; number <= count; ++number) {
@@ -59,7 +60,7 @@ aq::AQ_MaskMap mapOf(const History& read, const aq::AQ_Spectrum& ambient, const 
   return map;
 }
 
-std::shared_ptr<aq::AQ_HeaderMask> headerFor(const Choice& choice) {
+std::shared_ptr<aq::AQ_HeaderMask> headerFor(const MaskChoice& choice) {
   auto header = std::make_shared<aq::AQ_HeaderMask>();
   header->sGeneratedBy = "aqdata";
   header->sGenerationFile = choice.history;
@@ -82,7 +83,7 @@ std::size_t maskedIn(const aq::AQ_MaskMap& map) {
   return masked;
 }
 
-void mask(Session& session, const Choice& choice) {
+void mask(Session& session, const MaskChoice& choice) {
   const History read = openHistory(choice.history);
   const SpectrumRecord ambient = openSpectrum(choice.ambient);
   const aq::AQ_MaskMap map = mapOf(read, *ambient.spectrum, choice);
@@ -98,7 +99,7 @@ void mask(Session& session, const Choice& choice) {
 }  // namespace
 
 void addMask(CLI::App& program, Session& session) {
-  const auto choice = std::make_shared<Choice>();
+  const auto choice = std::make_shared<MaskChoice>();
   CLI::App* const command = addCommand(
       program, session, "mask", "Make a masking map: what is not far enough above the ambient",
       "Examples:\n"

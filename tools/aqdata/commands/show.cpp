@@ -10,7 +10,7 @@
 namespace aqdata {
 namespace {
 
-struct Choice {
+struct ShowChoice {
   std::string file;
   std::string records;
   std::string bands;
@@ -102,7 +102,7 @@ void printSummaries(Session& session, const Sheet& sheet, const Masks& masks) {
   table.print(session);
 }
 
-void plot(Session& session, const Sheet& sheet, const Choice& choice) {
+void plot(Session& session, const Sheet& sheet, const ShowChoice& choice) {
   if (sheet.ofBand != "level_db")
     throw Failure(fmt::format("{}: has no levels to draw", aq::escaped(choice.file)));
   if (sheet.rows.empty())
@@ -112,7 +112,7 @@ void plot(Session& session, const Sheet& sheet, const Choice& choice) {
   plotHistory(session, sheet);
 }
 
-void printTable(Session& session, const Sheet& sheet, const Choice& choice) {
+void printTable(Session& session, const Sheet& sheet, const ShowChoice& choice) {
   const bool levels = sheet.ofBand == "level_db";
   const Masks masks(choice.map);
   if (levels && !choice.levels && choice.bands.empty())
@@ -127,7 +127,7 @@ void printHeader(Session& session, const Measurement& read) {
   table.print(session);
 }
 
-void print(Session& session, const Measurement& read, Sheet& sheet, const Choice& choice) {
+void print(Session& session, const Measurement& read, Sheet& sheet, const ShowChoice& choice) {
   if (session.json) return session.printDocument(documentOf(choice.file, read, sheet));
   if (sheet.columns.empty()) return printHeader(session, read);
   sheet.dropColumns("time_s");
@@ -135,7 +135,7 @@ void print(Session& session, const Measurement& read, Sheet& sheet, const Choice
   printTable(session, sheet, choice);
 }
 
-void show(Session& session, const Choice& choice) {
+void show(Session& session, const ShowChoice& choice) {
   const Measurement read = openFile(choice.file);
   Sheet sheet = sheetOf(read);
   const Range records = rangeFrom(choice.records, "records");
@@ -147,7 +147,7 @@ void show(Session& session, const Choice& choice) {
   print(session, read, sheet, choice);
 }
 
-void head(Session& session, Choice choice) {
+void head(Session& session, ShowChoice choice) {
   choice.levels = true;
   for (const std::string& file : session.files) {
     onFile(session, file, [&] {
@@ -163,7 +163,7 @@ void head(Session& session, Choice choice) {
 }  // namespace
 
 void addShow(CLI::App& program, Session& session) {
-  const auto choice = std::make_shared<Choice>();
+  const auto choice = std::make_shared<ShowChoice>();
   CLI::App* const command = addCommand(
       program, session, "show", "Show the records of a file as a table or drawn",
       "A drawing of one record is its spectrum; of one band, its level history; else it is that "
@@ -189,7 +189,7 @@ void addShow(CLI::App& program, Session& session) {
 }
 
 void addHead(CLI::App& program, Session& session) {
-  const auto choice = std::make_shared<Choice>();
+  const auto choice = std::make_shared<ShowChoice>();
   CLI::App* const command = addCommand(program, session, "head", "Show the first records of files",
                                        "Examples:\n"
                                        "  aqdata head -n 3 fly-over.tspi.csv\n",

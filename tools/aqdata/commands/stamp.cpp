@@ -8,7 +8,7 @@
 namespace aqdata {
 namespace {
 
-struct Choice {
+struct StampChoice {
   std::string file;
   std::string start;
   std::string type = "START";
@@ -42,7 +42,7 @@ Enumeration valueFrom(const std::string& text, const char* what, const TextOf& t
                             aq::shown(text)));
 }
 
-void stamp(Session& session, const Choice& choice) {
+void stamp(Session& session, const StampChoice& choice) {
   const History read = openHistory(choice.file);
   aq::AQ_SpectralTimeHistory texts;
   const auto type =
@@ -69,7 +69,7 @@ void stamp(Session& session, const Choice& choice) {
 }  // namespace
 
 void addStamp(CLI::App& program, Session& session) {
-  const auto choice = std::make_shared<Choice>();
+  const auto choice = std::make_shared<StampChoice>();
   CLI::App* const command = addCommand(
       program, session, "stamp", "Stamp the records of a history, half a second each",
       "Examples:\n"

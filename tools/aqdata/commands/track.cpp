@@ -7,13 +7,13 @@
 namespace aqdata {
 namespace {
 
-struct Choice {
+struct TrackChoice {
   std::string file;
   std::uint8_t rt20 = 1;
   bool list = false;
 };
 
-void track(Session& session, const Choice& choice) {
+void track(Session& session, const TrackChoice& choice) {
   writePositions(session, openTracking(choice.file, {}, choice.rt20), choice.file);
   if (!choice.list) return;
   aq::checkFixes(choice.file, choice.rt20, [&](const aq::Finding& finding) {
@@ -25,7 +25,7 @@ void track(Session& session, const Choice& choice) {
 }  // namespace
 
 void addTrack(CLI::App& program, Session& session) {
-  const auto choice = std::make_shared<Choice>();
+  const auto choice = std::make_shared<TrackChoice>();
   CLI::App* const command =
       addCommand(program, session, "track", "Turn tracking into a position time history",
                  "Examples:\n"
