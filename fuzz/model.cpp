@@ -47,8 +47,8 @@ void driveCollection(Calls& calls) {
   Collection<int> list;
   for (int value = 1; calls.more(); ++value) {
     const int call = calls.below(7);
-    const int place = calls.below(20);
-    const std::string key(1, static_cast<char>('a' + place));
+    const int place = calls.below(200);
+    const std::string key = std::to_string(place % 20);
     const auto found =
         std::find_if(plain.begin(), plain.end(), [&](const auto& e) { return e.first == key; });
     const bool unknown = found == plain.end();
