@@ -1,10 +1,12 @@
 #include "aq/check/check_file.h"
 
 #include "aq/check/checks.h"
+#include "aq/check/header_check.h"
 #include "aq/core/number_text.h"
 #include "aq/core/platform.h"
 #include "aq/files/data_ini.h"
 #include "aq/files/file_kind.h"
+#include "aq/spectral/spectral_time_history.h"
 #include "aq/text/fields.h"
 #include "aq/text/line_reader.h"
 
@@ -40,6 +42,20 @@ void checking(const Reporter& reporter, const Check& check) {
   }
 }
 
+/// A word that a history does not know is read as what a fresh one holds.
+void checkParameterWord(const HeaderLine& line, const Reporter& report) {
+  std::string room;
+  const std::string_view word = cleanField(line.value.substr(0, line.value.find(',')), room);
+  AQ_SpectralTimeHistory history;
+  if (line.keyword == "NuAvg") {
+    history.sAveragingMethod(word);
+    checkWord(line.number, word, history.sAveragingMethod(), report);
+  } else if (line.keyword == "NuTimg") {
+    history.sTimeStampType(word);
+    checkWord(line.number, word, history.sTimeStampType(), report);
+  }
+}
+
 }  // namespace
 
 void checkFile(const std::string& path, const FindingSink& report) {
@@ -57,6 +73,8 @@ void checkParameters(const std::string& path, const Reporter& report) {
   AQ_DataINI file;
   file.watchHeader([&](const HeaderLine& line) {
     const std::string_view text = trimmed(line.text);
+    if (line.use != HeaderLine::Use::Unused) checkFieldsBehind(line, report);
+    checkParameterWord(line, report);
     if (line.use != HeaderLine::Use::Unused || text.empty()) return;
     if (line.number == 1 && upperCased(text).starts_with(kTitle)) return;
     report(Kind::UnknownKeyword, {.line = line.number}, shown(text) + " is passed over");

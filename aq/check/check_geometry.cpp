@@ -9,7 +9,7 @@
 #include "aq/geometry/data_tspi.h"
 #include "aq/geometry/tracking_line.h"
 #include "aq/text/call_file.h"
-#include "aq/text/count_keywords.h"
+#include "aq/text/checked_keywords.h"
 #include "aq/text/line_reader.h"
 
 namespace aq {

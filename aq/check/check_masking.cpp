@@ -6,7 +6,7 @@
 #include "aq/files/data_sth.h"
 #include "aq/masking/data_mask.h"
 #include "aq/masking/last_good_band.h"
-#include "aq/text/count_keywords.h"
+#include "aq/text/checked_keywords.h"
 #include "aq/text/fields.h"
 #include "aq/text/line_reader.h"
 

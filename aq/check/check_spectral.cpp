@@ -4,12 +4,12 @@
 #include "aq/check/checks.h"
 #include "aq/check/header_check.h"
 #include "aq/check/record_lines.h"
-#include "aq/core/date_text.h"
 #include "aq/core/enumerations.h"
 #include "aq/core/number_text.h"
+#include "aq/core/time.h"
 #include "aq/files/data_ssr.h"
 #include "aq/files/data_sth.h"
-#include "aq/text/count_keywords.h"
+#include "aq/text/checked_keywords.h"
 #include "aq/text/fields.h"
 
 namespace aq {
@@ -80,6 +80,8 @@ void checkHistory(const std::string& path, const Reporter& report) {
   header.expectLabels(kBeforeLevels + 1, low, high);
   const std::size_t bands = low <= high ? static_cast<std::size_t>(high - low) + 1 : 0;
   const RecordLines records(path, header, kBeforeLevels + bands, report);
+  header.expectWord(keywords::kAveragingMethod, history.sAveragingMethod());
+  header.expectWord(keywords::kTimeStampType, history.sTimeStampType());
   header.expectCount(keywords::kNumberOfSpectrum, records.count(), "records");
   if (records.count() == 0) return;
   checkRange(header, records, report);

@@ -25,6 +25,25 @@ std::string expectedLabels(std::int16_t low, std::int16_t high, std::string_view
 
 }  // namespace
 
+void checkFieldsBehind(const HeaderLine& line, const Reporter& report) {
+  if (line.fields == 0) return;
+  const std::size_t before = line.use == HeaderLine::Use::Keyword ? 1 : 0;
+  std::vector<std::string_view> found;
+  split(line.value, ",", found);
+  for (std::size_t i = line.fields; i < found.size(); ++i) {
+    if (trimmed(found[i]).empty()) continue;
+    return report(Kind::LostText, {.line = line.number, .field = before + i + 1},
+                  shown(found[i]) + " behind the value is not read");
+  }
+}
+
+void checkWord(std::size_t line, std::string_view word, const std::string& readAs,
+               const Reporter& report) {
+  if (upperCased(word) == readAs) return;
+  report(Kind::OtherWord, {.line = line, .field = 2},
+         shown(word) + " is not known and read as " + shown(readAs));
+}
+
 std::size_t HeaderCheck::lineOf(std::string_view keyword) const {
   const auto entry = entries_.find(keyword);
   return entry == entries_.end() ? 0 : entry->second.line;
@@ -48,6 +67,10 @@ void HeaderCheck::expectCount(std::string_view keyword, std::size_t count,
   report_(Kind::RecordCount, {.line = lineOf(keyword), .field = 2},
           "the header counts " + std::string(text) + ' ' + ofWhat + ", the file has " +
               std::to_string(count));
+}
+
+void HeaderCheck::expectWord(std::string_view keyword, const std::string& readAs) const {
+  checkWord(lineOf(keyword), valueOf(keyword), readAs, report_);
 }
 
 void HeaderCheck::expectLabels(std::size_t first, std::int16_t low, std::int16_t high,
@@ -81,6 +104,7 @@ void HeaderCheck::see(const HeaderLine& line) {
   if (line.use == HeaderLine::Use::Keyword) {
     entries_.emplace(line.keyword, Entry{line.number, std::string(line.value)});
     seeKeyword(line, trimmed(pieces.front()));
+    checkFieldsBehind(line, report_);
   }
   if (line.use != HeaderLine::Use::Headings) seeMarks(line, pieces);
 }

@@ -13,6 +13,14 @@
 
 namespace aq {
 
+/// Reports what stands behind the fields of a value that are read. Empty fields are what
+/// spreadsheets add.
+void checkFieldsBehind(const HeaderLine& line, const Reporter& report);
+
+/// Reports a word of the header that is not the one that it is read as.
+void checkWord(std::size_t line, std::string_view word, const std::string& readAs,
+               const Reporter& report);
+
 /// Watches a header that is read by its lines' places, and keeps what a check of the data needs.
 class HeaderCheck {
  public:
@@ -40,6 +48,9 @@ class HeaderCheck {
 
   /// Compares the count behind a keyword with what is there.
   void expectCount(std::string_view keyword, std::size_t count, const char* ofWhat) const;
+
+  /// Compares the word behind a keyword with the one that it is read as.
+  void expectWord(std::string_view keyword, const std::string& readAs) const;
 
   /// Compares the headings, from field `first` on, with the labels of the bands and what follows.
   void expectLabels(std::size_t first, std::int16_t low, std::int16_t high,

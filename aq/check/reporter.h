@@ -17,6 +17,7 @@ enum class Kind : std::size_t {
   Keyword,
   UnknownKeyword,
   LostText,
+  OtherWord,
   Heading,
   RecordCount,
   RecordRange,

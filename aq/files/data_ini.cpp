@@ -95,7 +95,7 @@ void readComments(std::int16_t count, LineReader& lines, const HeaderWatch& watc
                   Collection<std::string>& comments) {
   for (std::int32_t i = 1; i <= count; ++i) {
     takeLine(lines, "one more comment line");
-    showLine(watch, {lines.number(), HeaderLine::Use::Text, {}, lines.line(), {}});
+    showLine(watch, {lines.number(), HeaderLine::Use::Text, {}, lines.line(), lines.line(), 1});
     FieldReader fields(lines);
     const std::string_view comment = fields.text("a comment");
     if (!comment.empty()) comments.Add(std::string(comment));
@@ -117,7 +117,11 @@ void readLine(LineReader& lines, const HeaderWatch& watch, AQ_DataINI& parameter
   const std::string_view key =
       mark == first.npos ? std::string_view() : keywordOf(upperCased(first.substr(0, mark)));
   const auto use = key.empty() ? HeaderLine::Use::Unused : HeaderLine::Use::Keyword;
-  showLine(watch, {lines.number(), use, key, lines.line(), {}});
+  const std::string_view line = lines.line();
+  const std::size_t comma = line.find(',');
+  const std::string_view value = comma == line.npos ? std::string_view() : line.substr(comma + 1);
+  const std::size_t read = key == kFileDateTime ? 2 : 1;
+  showLine(watch, {lines.number(), use, key, line, value, read});
   if (key == kFileName) parameters.FileName(std::string(fields.text("a file name")));
   if (key == kFileDateTime) readDateTime(fields, *parameters.FileDate());
   if (key == kComments) {

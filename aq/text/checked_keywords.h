@@ -2,9 +2,12 @@
 
 #include <string_view>
 
-// The keywords of lines that count the data. Readers take what is there; a check compares.
+// The keywords of lines that count the data or name their kind. Readers take what is there; a check
+// compares.
 namespace aq::keywords {
 
+inline constexpr std::string_view kAveragingMethod = "AveragingMethod";
+inline constexpr std::string_view kTimeStampType = "TimeStampType";
 inline constexpr std::string_view kNumberOfSpectrum = "NumberOfSpectrum";
 inline constexpr std::string_view kRecordNumbers = "RecordNumbers";
 inline constexpr std::string_view kBands = "Bands";

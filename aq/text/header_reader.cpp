@@ -63,7 +63,7 @@ void HeaderReader::single(std::string_view keyword, float& value) {
 }
 
 void HeaderReader::numbers(std::string_view keyword, double& first, double& second, double& third) {
-  takeValue(keyword);
+  takeValue(keyword, 3);
   first = convert("a number", 1, doubleFrom);
   second = convert("a number", 2, doubleFrom);
   third = convert("a number", 3, doubleFrom);
@@ -71,7 +71,7 @@ void HeaderReader::numbers(std::string_view keyword, double& first, double& seco
 
 void HeaderReader::integers(std::string_view keyword, std::string_view /*separator*/,
                             std::int16_t& first, std::int16_t& second) {
-  takeValue(keyword);
+  takeValue(keyword, 2);
   first = convertTo<std::int16_t>("an integer", 1);
   second = convertTo<std::int16_t>("an integer", 2);
 }
@@ -93,7 +93,7 @@ void HeaderReader::currentDateTime12(std::string_view keyword,
 }
 
 void HeaderReader::takeDate(std::string_view keyword, AQ_Time& time) {
-  takeValue(keyword);
+  takeValue(keyword, 2);
   time.CurrentDate(
       convert("a date mm/dd/yyyy", 1, [](std::string_view text) { return dateFrom(text); }));
 }
@@ -121,10 +121,10 @@ std::string HeaderReader::columns() {
   return beforeMark();
 }
 
-void HeaderReader::takeValue(std::string_view keyword) {
+void HeaderReader::takeValue(std::string_view keyword, std::size_t fields) {
   takeLine(lines_, "the line of ", keyword);
   const bool found = findValue();
-  show(HeaderLine::Use::Keyword, keyword);
+  show(HeaderLine::Use::Keyword, keyword, fields);
   if (found) return;
   const std::string_view line = trimmed(lines_.line());
   failRead(lines_.number(), 0, "the line of " + std::string(keyword) + " with \"**\"",
@@ -155,8 +155,9 @@ void HeaderReader::fail(std::size_t number, std::string expected, std::string_vi
   failRead(lines_.number(), number == kWhole ? 2 : number + 1, std::move(expected), shown(found));
 }
 
-void HeaderReader::show(HeaderLine::Use use, std::string_view keyword) const {
-  if (watch_ != nullptr) showLine(*watch_, {lines_.number(), use, keyword, lines_.line(), value_});
+void HeaderReader::show(HeaderLine::Use use, std::string_view keyword, std::size_t fields) const {
+  if (watch_ == nullptr) return;
+  showLine(*watch_, {lines_.number(), use, keyword, lines_.line(), value_, fields});
 }
 
 std::string HeaderReader::beforeMark() {

@@ -86,12 +86,12 @@ class AQ_API HeaderReader {
 
   void takeFirstLine(std::string_view fileType);
   void takeDate(std::string_view keyword, AQ_Time& time);
-  void takeValue(std::string_view keyword);
+  void takeValue(std::string_view keyword, std::size_t fields = 0);
   [[nodiscard]] bool findValue();
   [[nodiscard]] std::string_view field(std::size_t number, const char* expected);
   [[noreturn]] void fail(std::size_t number, std::string expected, std::string_view found) const;
   [[nodiscard]] std::string beforeMark();
-  void show(HeaderLine::Use use, std::string_view keyword = {}) const;
+  void show(HeaderLine::Use use, std::string_view keyword = {}, std::size_t fields = 0) const;
 
   template <class Conversion>
   auto convert(const char* expected, std::size_t number, const Conversion& conversion) {

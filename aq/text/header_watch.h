@@ -19,7 +19,8 @@ struct HeaderLine {
   Use use;
   std::string_view keyword;  ///< that the place of the line stands for; empty for the other uses
   std::string_view text;     ///< as it stands
-  std::string_view value;    ///< what is read of a keyword's line
+  std::string_view value;    ///< what is read of a keyword's line, or of a parameter file's comment
+  std::size_t fields = 0;    ///< of the value that are read; 0 when it is read as a whole
 };
 
 /// Sees every header line that a read takes.

@@ -50,6 +50,7 @@ def samples(folder):
     changed("short.sth.csv", "NumberOfSpectrum**,60", "NumberOfSpectrum**,59")
     changed("gap.sth.csv", "\n30,", "\n-3,")
     changed("invalid.sth.csv", "61.51", "9999")
+    changed("words.sth.csv", "AveragingMethod**,", "AveragingMethod**,FOO")
     changed("near.sth.csv", "61.51", "61.52")
     last = history.splitlines(keepends=True)[-1]
     (folder / "again.sth.csv").write_text(history + last * 5000)
@@ -77,10 +78,12 @@ ROWS = [  # command, status, in the output, in the messages
     ("info deep", 0, "deep/one.csv", ""),
     ("info notes.txt fly-over.mic.csv", 2, "M1", 'found "no measurement"'),
     ("info 'fly-*.csv'", 0, "tracking", ""),
+    ("info --json bad.sth.csv", 2, '{"file":"bad.sth.csv","error":"bad.sth.csv, line 22', "6x.2"),
     ("info --json gap.sth.csv", 0, '"first":-3,"last":60,"missing":4', ""),
     (f"check {STH} {MAP}", 0, "2 files checked, 2 without findings", ""),
     ("check bad.sth.csv", 1, 'line 22, field 4: error: expected a level, found "6x.2" [unreadable]',
      ""),
+    ("check words.sth.csv", 1, 'line 6, field 2: warning: "FOOLINEAR" is not known', ""),
     ("check loud.sth.csv", 1, "line 22, field 4, record 1, band 17: warning: 261.51 dB", ""),
     ("check --only heading loud.sth.csv", 0, "1 without findings", ""),
     ("check --ignore level-range,heading loud.sth.csv", 0, "1 without findings", ""),
@@ -93,6 +96,12 @@ ROWS = [  # command, status, in the output, in the messages
     (f"show {STH} --records 29:30", 0, "30  14:30:14.75           0", ""),
     (f"show {STH} --records 29:30 --bands 17:18 --mask {MAP}", 0, "17     18", ""),
     (f"show {STH} --records 1 --bands 17 --mask {MAP}", 0, "61.51*", ""),
+    (f"show {STH} --records 2:1", 2, "", 'expected records as in 10:40, found "2:1"'),
+    (f"show {STH} --records 200:300", 2, "", "has no record from 200 to 300"),
+    (f"show {STH} --bands 50", 2, "", "has no band 50"),
+    (f"show gap.sth.csv --mask {MAP}", 2, "", "record 30: the history lacks it"),
+    (f"show {MAP} --mask {MAP}", 2, "", "has no records to mask"),
+    (f"show --json {STH} --records 1 --bands 17:18 --mask {MAP}", 0, '"masked":[true,', ""),
     (f"show {STH} --records 1:x", 2, "", 'expected records as in 10:40, found "1:x"'),
     (f"show {STH} --plot", 0, "Level of all bands together in dB", ""),
     (f"show {STH} --plot --records 30", 0, "B17/50Hz", ""),
@@ -104,12 +113,15 @@ ROWS = [  # command, status, in the output, in the messages
     ("show fly-over.ini.csv", 0, "window_before_s            10", ""),
     (f"convert {STH} -o tidy.csv", 0, "tidy.csv: written", ""),
     (f"convert {STH} -o tidy.csv", 2, "", "tidy.csv: is there already; --force replaces it"),
+    (f"convert {STH} --to spectrum --record 30", 2, "", "-o says which"),
+    (f"convert {STH} --record 500", 2, "", "has no record 500"),
+    (f"convert {STH} --to spectrum --record 30 -o /dev/stdout | head -n 1", 0, "FileType**,", ""),
     (f"convert {STH} --record 30", 0, "30,14:30:14.75,52214.75,0,17,", ""),
     (f"convert {STH} -o one.ssr.csv", 2, "", "which record?"),
     (f"convert {STH} -o one.ssr.csv --record 61", 2, "", "has no record 61"),
     (f"convert {STH} -o one.ssr.csv --record 30", 0, "one.ssr.csv: written", ""),
     (f"convert {MAP} -o one.pth.csv", 2, "", "expected a tracking file, found a masking map file"),
-    (f"convert {STH} -o no/where.csv", 2, "", "no/where.csv: cannot write beside it"),
+    (f"convert {STH} -o no/where.csv", 2, "", "no/where.csv: expected a file that can be written"),
     ("track fly-over.tspi.csv -o made.pth.csv --list", 0, "line 24: RT20 figure 2 is above 1", ""),
     ("track fly-over.tspi.csv -o all.pth.csv --rt20 2", 0, "150 positions, 0 rejected", ""),
     ("diff made.pth.csv all.pth.csv", 1, "records only in the second file: 147 to 150", ""),
@@ -117,6 +129,7 @@ ROWS = [  # command, status, in the output, in the messages
     (f"lgb gap.sth.csv {MAP}", 2, "", "record 30: the history lacks it"),
     (f"lgb {MAP} {STH}", 2, "", "expected a spectral time history file"),
     (f"mask {STH} --ambient fly-over.ssr.csv -o made.mask.csv", 0, "60 rows, 146 levels masked", ""),
+    (f"mask invalid.sth.csv --ambient fly-over.ssr.csv -o y.csv", 0, "1 level of 9999", ""),
     (f"mask gap.sth.csv --ambient fly-over.ssr.csv -o x.csv", 2, "", "record 30 is missing"),
     (f"diff --json {MAP} made.mask.csv", 1, '"only_in_b":[],"columns":[],"bands":[]', ""),
     (f"stamp {STH} --start 14:30:00 --type midpt --ref 14:30:14.75 --ref-type overhead -o s.sth.csv",
@@ -133,6 +146,7 @@ ROWS = [  # command, status, in the output, in the messages
     (f"cat {STH}", 0, "\nReferenceTimeType**,OVERHEAD\n", ""),
     ("cat --json fly-over.tspi.csv", 0, '"Rate: 5 a second"', ""),
     ("head -n 1 fly-over.tspi.csv", 0, "1  14:30:00  -1258  0  150", ""),
+    ("head -n -1 fly-over.tspi.csv", 2, "", "-1"),
     ("completion zsh", 0, "#compdef aqdata", ""),
     ("completion fish", 0, "-l tolerance", ""),
     ("completion tcsh", 2, "", "tcsh"),
@@ -195,7 +209,9 @@ def check_documents(parent):
                 expect(f"{page}: {command}", (done.stdout + done.stderr).decode(), shown)
     names = run("aqdata --help", folder).stdout.decode()
     for name in re.findall(r"^  ([a-z]+) ", names.split("Commands:")[1], re.M):
-        text = run(f"aqdata {name} --help", folder).stdout.decode().replace("\\\n", "")
+        text = run(f"aqdata {name} --help", folder).stdout.decode()
+        expect(f"wide lines of {name}", [l for l in text.splitlines() if len(l) > 80], [])
+        text = text.replace("\\\n", "")
         for example in re.findall(r"^  ((?:source|aqdata) .*)$", text, re.M):
             done = run(example + (" --force" if " -o " in example else ""), folder)
             expect(f"{example}: status", done.returncode in (0, 1), True)

@@ -57,27 +57,6 @@ void choose(const std::string& given, Session& session, std::vector<std::string>
   if (found.empty()) session.complain(fmt::format("{}: no such file", aq::escaped(given)));
 }
 
-/// A folder beside the target that goes with the object. A file written there under the target's
-/// own name records that name, and moves into its place at once.
-class FolderBeside {
- public:
-  explicit FolderBeside(const std::string& target)
-      : path_(terminal::newFolderBeside(target)),
-        file_((fs::path(path_) / fs::path(target).filename()).string()) {}
-  FolderBeside(const FolderBeside&) = delete;
-  FolderBeside& operator=(const FolderBeside&) = delete;
-  ~FolderBeside() {
-    std::error_code ignored;
-    fs::remove_all(path_, ignored);
-  }
-
-  [[nodiscard]] const std::string& file() const { return file_; }
-
- private:
-  std::string path_;
-  std::string file_;
-};
-
 }  // namespace
 
 std::vector<std::string> chosenFiles(Session& session) {
@@ -88,28 +67,18 @@ std::vector<std::string> chosenFiles(Session& session) {
   return files;
 }
 
-void writeFile(const Session& session, const std::string& target,
-               const std::function<void(const std::string& path)>& write) {
+std::string outputPlace(const Session& session) {
   std::error_code error;
-  const bool exists = fs::exists(target, error);
-  if (exists && !fs::is_regular_file(target, error)) return write(target);  // a device or a pipe
-  if (exists && !session.force) {
-    throw Failure(fmt::format("{}: is there already; --force replaces it", aq::escaped(target)));
-  }
-  const std::string place = exists ? fs::canonical(target).string() : target;
-  const FolderBeside beside(place);
-  write(beside.file());
-  if (exists) fs::permissions(beside.file(), fs::status(place).permissions(), error);
-  fs::rename(beside.file(), place);
+  const bool replaces = !session.intoStream() && fs::is_regular_file(session.output, error);
+  if (!replaces || session.force) return session.output;
+  throw Failure(
+      fmt::format("{}: is there already; --force replaces it", aq::escaped(session.output)));
 }
 
-void writeLines(const Session& session, const std::string& target,
-                const std::vector<std::string>& lines) {
-  writeFile(session, target, [&](const std::string& path) {
-    aq::AQ_DataASCII file;
-    for (const std::string& line : lines) file.Lines()->Add(line);
-    if (file.writeLines(path) != aq::AQ_DATA_OK) throw Failure(file.lastFailure()->message());
-  });
+void writeLines(const Session& session, const std::vector<std::string>& lines) {
+  aq::AQ_DataASCII file;
+  for (const std::string& line : lines) file.Lines()->Add(line);
+  expectGood(file.writeLines(outputPlace(session)), file);
 }
 
 }  // namespace aqdata

@@ -1,9 +1,11 @@
 #pragma once
 
-#include <functional>
+#include <aq/text/call_file.h>
+
 #include <string>
 #include <vector>
 
+#include "tools/aqdata/measurement.h"
 #include "tools/aqdata/session.h"
 
 namespace aqdata {
@@ -13,13 +15,18 @@ namespace aqdata {
 /// pattern for what it matches; each file once. Complains about what is not there.
 [[nodiscard]] std::vector<std::string> chosenFiles(Session& session);
 
-/// Makes `target` a file that `write(path)` writes, all or nothing. Throws `Failure` when it is
-/// there and may not be replaced, and passes on what `write` throws.
-void writeFile(const Session& session, const std::string& target,
-               const std::function<void(const std::string& path)>& write);
+/// The session's output, for a file class to write. Throws `Failure` when it is there and may not
+/// be replaced.
+[[nodiscard]] std::string outputPlace(const Session& session);
 
-/// As above, of these lines.
-void writeLines(const Session& session, const std::string& target,
-                const std::vector<std::string>& lines);
+/// Writes a header and a model there by a file class.
+template <class File, class... In>
+void writeOutput(const Session& session, In&... in) {
+  File file;
+  expectGood(aq::writeFrom(file, outputPlace(session), in...), file);
+}
+
+/// Writes a file of these lines there.
+void writeLines(const Session& session, const std::vector<std::string>& lines);
 
 }  // namespace aqdata

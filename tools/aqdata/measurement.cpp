@@ -1,5 +1,6 @@
 #include "tools/aqdata/measurement.h"
 
+#include <aq/check/check_file.h>
 #include <aq/text/call_file.h>
 #include <fmt/format.h>
 
@@ -118,6 +119,16 @@ MaskingMap openMap(const std::string& path, const aq::HeaderWatch& watch) {
   MaskingMap read;
   expectKind(path, aq::FileKind::MaskingMap);
   aqdata::read<aq::AQ_DataMask>(path, watch, read.header, read.map);
+  return read;
+}
+
+MaskingMap openMapOf(const std::string& history, const std::string& map) {
+  MaskingMap read = openMap(map);
+  aq::checkFit(history, map, [&](const aq::Finding& finding) {
+    const std::string record =
+        finding.place.record ? fmt::format(", record {}", *finding.place.record) : "";
+    throw Failure(fmt::format("{}{}: {}", aq::escaped(map), record, finding.message));
+  });
   return read;
 }
 

@@ -59,6 +59,8 @@ using Measurement = std::variant<History, MaskingMap, SpectrumRecord, Positions,
 // Read a file of one kind. Throw `Failure`, for a file of another kind too.
 [[nodiscard]] History openHistory(const std::string& path, const aq::HeaderWatch& watch = {});
 [[nodiscard]] MaskingMap openMap(const std::string& path, const aq::HeaderWatch& watch = {});
+/// For a history that the map has to fit, which was read before.
+[[nodiscard]] MaskingMap openMapOf(const std::string& history, const std::string& map);
 [[nodiscard]] SpectrumRecord openSpectrum(const std::string& path,
                                           const aq::HeaderWatch& watch = {});
 [[nodiscard]] Tracking openTracking(const std::string& path, const aq::HeaderWatch& watch = {},

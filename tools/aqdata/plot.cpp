@@ -136,7 +136,9 @@ std::string scaleText(const Scale& scale) {
 }  // namespace
 
 bool isLevel(const Json& cell) {
-  return cell.is_number() && cell.get<double>() != double{aq::AQ_INVALID_LEVEL};
+  constexpr double kSummable = 3000;  // what is beyond is no sound, and its energy no double
+  return cell.is_number() && cell.get<double>() != double{aq::AQ_INVALID_LEVEL} &&
+         std::abs(cell.get<double>()) <= kSummable;
 }
 
 Json energySum(const std::vector<Json>& levels) {

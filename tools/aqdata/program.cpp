@@ -86,6 +86,7 @@ int run(int argc, char** argv) {
   CLI::App program("Looks at, checks, converts and compares files of aircraft noise measurements.",
                    "aqdata");
   program.require_subcommand(1);
+  program.get_formatter()->column_width(24);
   program.get_formatter()->label("SUBCOMMAND", "COMMAND");
   program.set_version_flag("--version", AQDATA_VERSION);
   program.footer(kFooter);

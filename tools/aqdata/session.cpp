@@ -31,12 +31,14 @@ void Session::failOutput() {
 void Session::printDocument(const Json& document) { print(lineOf(document) + '\n'); }
 
 void Session::tell(std::string_view text) {
-  if (!quiet && !json) print(fmt::format("{}\n", text));
+  if (!quiet && !json && !intoStream()) print(fmt::format("{}\n", text));
 }
 
-void Session::complain(std::string_view text) {
+void Session::complain(std::string_view text, const std::string& file) {
   end(kCouldNot);
   clearProgress();
+  if (json)
+    printDocument(file.empty() ? Json{{"error", text}} : Json{{"file", file}, {"error", text}});
   std::fflush(stdout);
   fmt::print(stderr, "aqdata: {}\n", text);
 }
@@ -77,7 +79,7 @@ void onFile(Session& session, const std::string& path, const std::function<void(
   try {
     work();
   } catch (const std::exception& error) {
-    session.complain(failureText(path, error));
+    session.complain(failureText(path, error), path);
   }
 }
 

@@ -45,11 +45,15 @@ class Session {
   /// Writes one line that holds the document.
   void printDocument(const Json& document);
 
+  /// Whether the output is a device or one of the program's own streams, as /dev/stdout.
+  [[nodiscard]] bool intoStream() const { return output.starts_with("/dev/"); }
+
   /// Says on standard output what was done, unless that is taken by data or unwanted.
   void tell(std::string_view text);
 
-  /// Says on standard error what went wrong; the run has failed then.
-  void complain(std::string_view text);
+  /// Says on standard error what went wrong, with `file` if it is one file of several, and in a
+  /// document where those are wanted; the run has failed then.
+  void complain(std::string_view text, const std::string& file = {});
 
   /// Shows on a terminal how far a long run is; `total` of `total` takes it away.
   void progress(std::size_t done, std::size_t total);

@@ -102,18 +102,28 @@ Sheet sheetFrom(const Microphone& read) {
   return sheet;
 }
 
+[[noreturn]] void failEmpty(const std::string& file, const std::string& ofWhat, Range range) {
+  throw Failure(range.first == range.last
+                    ? fmt::format("{}: has no {} {}", aq::escaped(file), ofWhat, range.first)
+                    : fmt::format("{}: has no {} from {} to {}", aq::escaped(file), ofWhat,
+                                  range.first, range.last));
+}
+
 Sheet sheetFrom(const Parameters&) { return {}; }  // all is in the header
 
 }  // namespace
 
-void Sheet::keepRows(std::int32_t first, std::int32_t last) {
-  std::erase_if(rows, [&](const Row& row) { return row.number < first || row.number > last; });
+void Sheet::keepRows(Range range, const std::string& file) {
+  std::erase_if(
+      rows, [&](const Row& row) { return row.number < range.first || row.number > range.last; });
+  if (rows.empty()) failEmpty(file, columns.front(), range);
 }
 
-void Sheet::keepBands(std::int16_t first, std::int16_t last) {
-  const std::int16_t newLow = std::max(low, first);
-  const std::int16_t newHigh = std::min(high, last);
-  const auto size = static_cast<std::size_t>(std::max(0, newHigh - newLow + 1));
+void Sheet::keepBands(Range range, const std::string& file) {
+  const std::int16_t newLow = std::max(low, range.first);
+  const std::int16_t newHigh = std::min(high, range.last);
+  if (newLow > newHigh) failEmpty(file, "band", range);
+  const auto size = static_cast<std::size_t>(newHigh - newLow + 1);
   for (Row& row : rows) {
     const auto begin =
         row.bands.begin() +

@@ -7,6 +7,7 @@
 
 #include "tools/aqdata/measurement.h"
 #include "tools/aqdata/session.h"
+#include "tools/aqdata/text.h"
 
 namespace aqdata {
 
@@ -31,9 +32,10 @@ struct Sheet {
     return static_cast<std::int16_t>(low + static_cast<std::int32_t>(place));
   }
 
-  /// Keeps the rows whose number, and the bands, that lie in a range.
-  void keepRows(std::int32_t first, std::int32_t last);
-  void keepBands(std::int16_t first, std::int16_t last);
+  // Keep the rows whose number, and the bands, that lie in a range. Throw `Failure` when `file` has
+  // none of them.
+  void keepRows(Range range, const std::string& file);
+  void keepBands(Range range, const std::string& file);
 
   /// Times stand twice, as text and in seconds: drops the columns whose names end so.
   void dropColumns(std::string_view ending);

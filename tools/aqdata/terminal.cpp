@@ -4,12 +4,8 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <csignal>
 #include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <stdexcept>
 
 namespace aqdata::terminal {
 namespace {
@@ -49,15 +45,6 @@ std::vector<std::string> matches(const std::string& pattern) {
   }
   ::globfree(&found);
   return paths;
-}
-
-std::string newFolderBeside(const std::string& path) {
-  const std::filesystem::path folder = std::filesystem::path(path).parent_path();
-  std::string name = (folder / ".aqdata-XXXXXX").string();
-  if (::mkdtemp(name.data()) == nullptr) {
-    throw std::runtime_error(path + ": cannot write beside it: " + std::strerror(errno));
-  }
-  return name;
 }
 
 }  // namespace aqdata::terminal

@@ -4,8 +4,8 @@
 #include <string_view>
 #include <vector>
 
-// All of this program that differs between operating systems: its terminal and its streams, file
-// name patterns, a folder of its own.
+// All of this program that differs between operating systems: its terminal, its streams and file
+// name patterns.
 namespace aqdata::terminal {
 
 /// How many colours the terminal on standard output shows.
@@ -25,8 +25,5 @@ void endQuietlyOnClosedPipe();
 
 /// The files and folders that a pattern with `*`, `?` and `[]` stands for, in order.
 [[nodiscard]] std::vector<std::string> matches(const std::string& pattern);
-
-/// Makes a new folder beside `path` and gives its name. Throws `std::runtime_error`.
-[[nodiscard]] std::string newFolderBeside(const std::string& path);
 
 }  // namespace aqdata::terminal

@@ -119,10 +119,11 @@ Range rangeFrom(const std::string& text, std::string_view ofWhat) {
     const std::string last = colon == text.npos ? first : text.substr(colon + 1);
     if (!first.empty()) range.first = aq::Variant(first).toInt16();
     if (!last.empty()) range.last = aq::Variant(last).toInt16();
-    return range;
+    if (range.first <= range.last) return range;
   } catch (const aq::Error&) {
-    throw Failure(fmt::format("expected {} as in 10:40, found {}", ofWhat, aq::shown(text)));
+    // told below
   }
+  throw Failure(fmt::format("expected {} as in 10:40, found {}", ofWhat, aq::shown(text)));
 }
 
 std::vector<std::size_t> Table::widths() const {

@@ -1,7 +1,6 @@
 #include "tools/aqdata/convert.h"
 
 #include <aq/core/band_label.h>
-#include <aq/text/call_file.h>
 #include <fmt/format.h>
 
 #include <optional>
@@ -63,7 +62,7 @@ std::vector<std::string> headerLines(const Json& header) {
 }
 
 void put(Session& session, const std::vector<std::string>& lines) {
-  if (!session.output.empty()) return writeLines(session, session.output, lines);
+  if (!session.output.empty()) return writeLines(session, lines);
   for (const std::string& line : lines) session.print(line + '\n');
 }
 
@@ -81,14 +80,14 @@ void putSpectrum(const Session& session, const ConvertChoice& choice, const Meas
   const auto header = std::make_shared<aq::AQ_HeaderSSR>();
   header->cCommentLines->Add(fmt::format("{}, record {} at {}", history->header->sProjectName,
                                          *choice.record, timeText(spectrum->timeValue())));
-  writeFile(session, session.output, [&](const std::string& path) {
-    aq::AQ_DataSSR file;
-    expectGood(file.writeFile(path, header, *spectrum), file);
-  });
+  writeOutput<aq::AQ_DataSSR>(session, header, *spectrum);
 }
 
 void convert(Session& session, const ConvertChoice& choice) {
   const std::string form = choice.to.empty() ? formOf(session.output) : choice.to;
+  if (session.output.empty() && (form == "positions" || form == "spectrum"))
+    throw Failure(
+        fmt::format("{} go to a file: -o says which", form == "spectrum" ? "spectra" : form));
   if (form == "positions")
     return writePositions(session, openTracking(choice.file, {}, choice.rt20), choice.file);
   const Measurement read = openFile(choice.file);
@@ -96,7 +95,7 @@ void convert(Session& session, const ConvertChoice& choice) {
     putSpectrum(session, choice, read);
   } else {
     Sheet sheet = sheetOf(read);
-    if (choice.record) sheet.keepRows(*choice.record, *choice.record);
+    if (choice.record) sheet.keepRows({*choice.record, *choice.record}, choice.file);
     if (form == "json") {
       put(session, {lineOf(documentOf(choice.file, read, sheet))});
     } else {
@@ -129,10 +128,7 @@ void writePositions(Session& session, const Tracking& track, const std::string& 
   const auto header = std::make_shared<aq::AQ_HeaderPTH>();
   header->sGeneratedBy = "aqdata";
   header->sTSPIFileName = from;
-  writeFile(session, session.output, [&](const std::string& path) {
-    aq::AQ_DataPTH file;
-    expectGood(aq::writeFrom(file, path, header, *track.history), file);
-  });
+  writeOutput<aq::AQ_DataPTH>(session, header, *track.history);
   session.tell(fmt::format("{}: {}, {} rejected", aq::escaped(session.output),
                            counted(static_cast<std::size_t>(track.history->Count()), "position"),
                            track.rejected));
@@ -140,16 +136,16 @@ void writePositions(Session& session, const Tracking& track, const std::string& 
 
 void addConvert(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<ConvertChoice>();
-  CLI::App* const command = addCommand(
-      program, session, "convert", "Write a file in another form",
-      "The name of OUT says the form: .json, .pth.csv (positions), .ssr.csv (one spectrum), else "
-      "a\n"
-      "table of one observation a line. Without OUT, tables and JSON go to standard output.\n\n"
-      "Examples:\n"
-      "  aqdata convert fly-over.sth.csv -o levels.csv\n"
-      "  aqdata convert fly-over.sth.csv --record 30 -o overhead.ssr.csv\n"
-      "  aqdata convert fly-over.tspi.csv -o track.pth.csv\n",
-      [&session, choice] { convert(session, *choice); });
+  CLI::App* const command =
+      addCommand(program, session, "convert", "Write a file in another form",
+                 "The name of OUT says the form: .json, .pth.csv (positions), .ssr.csv (one\n"
+                 "spectrum), else a table of one observation a line. Without OUT, tables and JSON\n"
+                 "go to standard output.\n\n"
+                 "Examples:\n"
+                 "  aqdata convert fly-over.sth.csv -o levels.csv\n"
+                 "  aqdata convert fly-over.sth.csv --record 30 -o overhead.ssr.csv\n"
+                 "  aqdata convert fly-over.tspi.csv -o track.pth.csv\n",
+                 [&session, choice] { convert(session, *choice); });
   addFile(*command, choice->file, "FILE", "The file to convert");
   addOutputFile(*command, session, "The file to write", false);
   command->add_option("--to", choice->to, "The form: table, json, positions or spectrum")

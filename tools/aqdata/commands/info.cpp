@@ -218,7 +218,7 @@ void info(Session& session) {
       },
       [&](std::size_t i, const Outcome& outcome) {
         session.progress(i + 1, files.size());
-        if (!outcome.failure.empty()) return session.complain(outcome.failure);
+        if (!outcome.failure.empty()) return session.complain(outcome.failure, files[i]);
         if (session.json) return session.printDocument(outcome.info);
         if (files.size() == 1) return printCard(session, outcome.info);
         table.add(tableRow(outcome.info, outcome.word));

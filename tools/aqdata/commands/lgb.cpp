@@ -1,4 +1,3 @@
-#include <aq/check/check_file.h>
 #include <aq/core/band_label.h>
 #include <fmt/format.h>
 
@@ -15,14 +14,6 @@ struct LgbChoice {
   std::string map;
 };
 
-void expectFit(const LgbChoice& choice) {
-  aq::checkFit(choice.history, choice.map, [&](const aq::Finding& finding) {
-    const std::string record =
-        finding.place.record ? fmt::format(", record {}", *finding.place.record) : "";
-    throw Failure(fmt::format("{}{}: {}", aq::escaped(choice.map), record, finding.message));
-  });
-}
-
 std::string text(int band) {
   if (band == 0) return "no band from 29 up is masked";
   return band == aq::AQ_INVALID_LEVEL ? "none"
@@ -31,8 +22,7 @@ std::string text(int band) {
 
 void lgb(Session& session, const LgbChoice& choice) {
   const History read = openHistory(choice.history);
-  const MaskingMap map = openMap(choice.map);
-  expectFit(choice);
+  const MaskingMap map = openMapOf(choice.history, choice.map);
   read.history->setLGB(*map.map);
   Table table({{"record", true}, {"time"}, {"last good band", true}, {""}});
   Json rows = Json::array();
@@ -55,8 +45,8 @@ void addLgb(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<LgbChoice>();
   CLI::App* const command =
       addCommand(program, session, "lgb", "Find the last good band of every record",
-                 "0 stands for a record without a masked band from 29 up, 9999 for one without a "
-                 "good band.\n\n"
+                 "0 stands for a record without a masked band from 29 up, 9999 for one\n"
+                 "without a good band.\n\n"
                  "Examples:\n"
                  "  aqdata lgb fly-over.sth.csv fly-over.mask.csv\n",
                  [&session, choice] { lgb(session, *choice); });

@@ -1,6 +1,6 @@
 #include <fmt/format.h>
 
-#include <cmath>
+#include <algorithm>
 
 #include "tools/aqdata/files.h"
 #include "tools/aqdata/measurement.h"
@@ -70,6 +70,18 @@ std::shared_ptr<aq::AQ_HeaderMask> headerFor(const MaskChoice& choice) {
   return header;
 }
 
+std::size_t invalidIn(const aq::AQ_SpectralTimeHistory& history) {
+  std::size_t invalid = 0;
+  forRecords(
+      history.Count(), [&](std::int16_t record) { return history.spectrum(record); },
+      [&](std::int16_t, const aq::AQ_Spectrum& spectrum) {
+        const std::vector<double> levels = spectrum.plainLevels();
+        invalid += static_cast<std::size_t>(
+            std::count(levels.begin(), levels.end(), double{aq::AQ_INVALID_LEVEL}));
+      });
+  return invalid;
+}
+
 std::size_t maskedIn(const aq::AQ_MaskMap& map) {
   std::size_t masked = 0;
   forRecords(
@@ -87,24 +99,27 @@ void mask(Session& session, const MaskChoice& choice) {
   const History read = openHistory(choice.history);
   const SpectrumRecord ambient = openSpectrum(choice.ambient);
   const aq::AQ_MaskMap map = mapOf(read, *ambient.spectrum, choice);
-  writeFile(session, session.output, [&](const std::string& path) {
-    aq::AQ_DataMask file;
-    expectGood(file.writeFile(path, headerFor(choice), map), file);
-  });
-  session.tell(fmt::format("{}: {}, {} masked", aq::escaped(session.output),
-                           counted(static_cast<std::size_t>(map.Count()), "row"),
-                           counted(maskedIn(map), "level")));
+  const auto header = headerFor(choice);
+  writeOutput<aq::AQ_DataMask>(session, header, map);
+  const std::size_t invalid = invalidIn(*read.history);
+  session.tell(fmt::format(
+      "{}: {}, {} masked{}", aq::escaped(session.output),
+      counted(static_cast<std::size_t>(map.Count()), "row"), counted(maskedIn(map), "level"),
+      invalid == 0 ? ""
+                   : fmt::format("; {} of 9999 are not valid, and are not masked",
+                                 counted(invalid, "level"))));
 }
 
 }  // namespace
 
 void addMask(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<MaskChoice>();
-  CLI::App* const command = addCommand(
-      program, session, "mask", "Make a masking map: what is not far enough above the ambient",
-      "Examples:\n"
-      "  aqdata mask fly-over.sth.csv --ambient fly-over.ssr.csv --margin 3 -o made.mask.csv\n",
-      [&session, choice] { mask(session, *choice); });
+  CLI::App* const command =
+      addCommand(program, session, "mask", "Make a masking map: what is too near to the ambient",
+                 "Examples:\n"
+                 "  aqdata mask fly-over.sth.csv --ambient fly-over.ssr.csv --margin 3 \\\n"
+                 "    -o made.mask.csv\n",
+                 [&session, choice] { mask(session, *choice); });
   addFile(*command, choice->history, "HISTORY", "The spectral time history");
   command->add_option("--ambient", choice->ambient, "The spectrum record of the ambient")
       ->required()

@@ -24,20 +24,14 @@ struct ShowChoice {
 /// Which levels a map masks; none without a map.
 class Masks {
  public:
-  explicit Masks(const std::string& map) {
-    if (!map.empty()) map_ = openMap(map).map;
+  Masks(const std::string& history, const std::string& map) {
+    if (!map.empty()) map_ = openMapOf(history, map).map;
   }
 
   [[nodiscard]] bool any() const { return map_ != nullptr; }
   [[nodiscard]] bool masks(std::int32_t record, std::int16_t band) const {
-    if (!any()) return false;
-    try {
-      aq::AQ_MaskRow& row = *map_->Row(static_cast<std::int16_t>(record));
-      if (band < row.LowBand() || band > row.HighBand()) return false;
-      return row.decision(band).MaskMode() != aq::NOT_MASKED;
-    } catch (const aq::Error&) {
-      return false;  // the map has no row for it
-    }
+    return any() && map_->Row(static_cast<std::int16_t>(record))->decision(band).MaskMode() !=
+                        aq::NOT_MASKED;
   }
 
  private:
@@ -112,9 +106,9 @@ void plot(Session& session, const Sheet& sheet, const ShowChoice& choice) {
   plotHistory(session, sheet);
 }
 
-void printTable(Session& session, const Sheet& sheet, const ShowChoice& choice) {
+void printTable(Session& session, const Sheet& sheet, const Masks& masks,
+                const ShowChoice& choice) {
   const bool levels = sheet.ofBand == "level_db";
-  const Masks masks(choice.map);
   if (levels && !choice.levels && choice.bands.empty())
     return printSummaries(session, sheet, masks);
   printBands(session, sheet, masks);
@@ -127,23 +121,39 @@ void printHeader(Session& session, const Measurement& read) {
   table.print(session);
 }
 
+Json maskedIn(const Sheet& sheet, const Sheet::Row& row, const Masks& masks) {
+  Json masked = Json::array();
+  for (std::size_t i = 0; i < row.bands.size(); ++i) {
+    masked.push_back(masks.masks(row.number, sheet.band(i)));
+  }
+  return masked;
+}
+
+void printJson(Session& session, const Measurement& read, const Sheet& sheet, const Masks& masks,
+               const ShowChoice& choice) {
+  Json document = documentOf(choice.file, read, sheet);
+  for (std::size_t i = 0; masks.any() && i < sheet.rows.size(); ++i) {
+    document["rows"][i]["masked"] = maskedIn(sheet, sheet.rows[i], masks);
+  }
+  session.printDocument(document);
+}
+
 void print(Session& session, const Measurement& read, Sheet& sheet, const ShowChoice& choice) {
-  if (session.json) return session.printDocument(documentOf(choice.file, read, sheet));
+  if (!choice.map.empty() && !std::holds_alternative<History>(read))
+    throw Failure(fmt::format("{}: has no records to mask", aq::escaped(choice.file)));
+  const Masks masks(choice.file, choice.map);
+  if (session.json) return printJson(session, read, sheet, masks, choice);
   if (sheet.columns.empty()) return printHeader(session, read);
   sheet.dropColumns("time_s");
   if (choice.plot || choice.spectrogram) return plot(session, sheet, choice);
-  printTable(session, sheet, choice);
+  printTable(session, sheet, masks, choice);
 }
 
 void show(Session& session, const ShowChoice& choice) {
   const Measurement read = openFile(choice.file);
   Sheet sheet = sheetOf(read);
-  const Range records = rangeFrom(choice.records, "records");
-  sheet.keepRows(records.first, records.last);
-  if (!choice.bands.empty()) {
-    const Range bands = rangeFrom(choice.bands, "bands");
-    sheet.keepBands(bands.first, bands.last);
-  }
+  if (!choice.records.empty()) sheet.keepRows(rangeFrom(choice.records, "records"), choice.file);
+  if (!choice.bands.empty()) sheet.keepBands(rangeFrom(choice.bands, "bands"), choice.file);
   print(session, read, sheet, choice);
 }
 
@@ -164,16 +174,16 @@ void head(Session& session, ShowChoice choice) {
 
 void addShow(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<ShowChoice>();
-  CLI::App* const command = addCommand(
-      program, session, "show", "Show the records of a file as a table or drawn",
-      "A drawing of one record is its spectrum; of one band, its level history; else it is that "
-      "of\n"
-      "all bands together. Masked levels carry a star.\n\n"
-      "Examples:\n"
-      "  aqdata show fly-over.sth.csv --records 28:32 --bands 20:30 --mask fly-over.mask.csv\n"
-      "  aqdata show fly-over.sth.csv --plot --bands 30\n"
-      "  aqdata show fly-over.sth.csv --spectrogram\n",
-      [&session, choice] { show(session, *choice); });
+  CLI::App* const command =
+      addCommand(program, session, "show", "Show the records of a file as a table or drawn",
+                 "A drawing of one record is its spectrum; of one band, its level history; else\n"
+                 "it is that of all bands together. Masked levels carry a star.\n\n"
+                 "Examples:\n"
+                 "  aqdata show fly-over.sth.csv --records 28:32 --bands 20:30 \\\n"
+                 "    --mask fly-over.mask.csv\n"
+                 "  aqdata show fly-over.sth.csv --plot --bands 30\n"
+                 "  aqdata show fly-over.sth.csv --spectrogram\n",
+                 [&session, choice] { show(session, *choice); });
   addFile(*command, choice->file, "FILE", "The file to show");
   const auto addRange = [&](const char* name, std::string& range, const char* what) {
     command->add_option(name, range, what)->option_text("A:B");
@@ -181,10 +191,13 @@ void addShow(CLI::App& program, Session& session) {
   addRange("--records", choice->records, "These records alone");
   addRange("--bands", choice->bands, "The levels of these bands");
   command->add_flag("--levels", choice->levels, "The levels of all bands");
-  command->add_option("--mask", choice->map, "The masking map that marks levels")
-      ->option_text("MAP");
-  command->add_flag("--plot", choice->plot, "Draw the levels");
-  command->add_flag("--spectrogram", choice->spectrogram, "Draw all levels in colours");
+  CLI::Option* const map =
+      command->add_option("--mask", choice->map, "The masking map that marks levels in a table")
+          ->option_text("MAP");
+  command->add_flag("--plot", choice->plot, "Draw the levels")->option_text(" ")->excludes(map);
+  command->add_flag("--spectrogram", choice->spectrogram, "Draw all levels in colours")
+      ->option_text(" ")
+      ->excludes(map);
   addOutputOptions(*command, session);
 }
 
@@ -198,7 +211,9 @@ void addHead(CLI::App& program, Session& session) {
                                          head(session, *choice);
                                        });
   addFiles(*command, session);
-  command->add_option("-n,--lines", choice->most, "How many records (10)")->option_text("N");
+  command->add_option("-n,--lines", choice->most, "How many records (10)")
+      ->check(CLI::Range(0, 32767))
+      ->option_text("N");
   addOutputOptions(*command, session);
 }
 

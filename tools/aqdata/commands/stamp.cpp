@@ -4,6 +4,7 @@
 #include "tools/aqdata/files.h"
 #include "tools/aqdata/measurement.h"
 #include "tools/aqdata/program.h"
+#include "tools/aqdata/text.h"
 
 namespace aqdata {
 namespace {
@@ -58,24 +59,22 @@ void stamp(Session& session, const StampChoice& choice) {
   // NOLINTNEXTLINE(readability-suspicious-call-argument): two times, each with its type
   read.history->setTimeStamps(timeFrom(choice.start), type, timeFrom(choice.reference),
                               referenceType);
-  writeFile(session, session.output, [&](const std::string& path) {
-    aq::AQ_DataSTH file;
-    expectGood(file.writeFile(path, read.header, *read.history), file);
-  });
-  session.tell(fmt::format("{}: {} records from {} on, relative to {}", aq::escaped(session.output),
-                           read.history->Count(), choice.start, choice.reference));
+  writeOutput<aq::AQ_DataSTH>(session, read.header, *read.history);
+  session.tell(fmt::format("{}: {} from {} on, relative to {}", aq::escaped(session.output),
+                           counted(static_cast<std::size_t>(read.history->Count()), "record"),
+                           choice.start, choice.reference));
 }
 
 }  // namespace
 
 void addStamp(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<StampChoice>();
-  CLI::App* const command = addCommand(
-      program, session, "stamp", "Stamp the records of a history, half a second each",
-      "Examples:\n"
-      "  aqdata stamp fly-over.sth.csv --start 10:00:00 --type MIDPT --ref 10:00:14.75 \\\n"
-      "    --ref-type OVERHEAD -o stamped.sth.csv\n",
-      [&session, choice] { stamp(session, *choice); });
+  CLI::App* const command =
+      addCommand(program, session, "stamp", "Stamp the records of a history, half a second each",
+                 "Examples:\n"
+                 "  aqdata stamp fly-over.sth.csv --start 10:00:00 --type MIDPT \\\n"
+                 "    --ref 10:00:14.75 --ref-type OVERHEAD -o stamped.sth.csv\n",
+                 [&session, choice] { stamp(session, *choice); });
   addFile(*command, choice->file, "HISTORY", "The spectral time history");
   const auto add = [&](const char* name, std::string& value, const char* what, const char* form) {
     return command->add_option(name, value, what)->option_text(form);
@@ -84,7 +83,7 @@ void addStamp(CLI::App& program, Session& session) {
   add("--type", choice->type, "What a stamp names: START, MIDPT, END, ICAOSLO or OLDSLO", "TYPE");
   add("--ref", choice->reference, "The time of day that times are relative to", "TIME")->required();
   add("--ref-type", choice->referenceType,
-      "What that is: START, OVERHEAD, AMAX, PMAX, TMAX, OAMAX, HACK or OTHER", "TYPE");
+      "START, OVERHEAD, AMAX, PMAX, TMAX, OAMAX, HACK or OTHER", "TYPE");
   addOutputFile(*command, session, "The history to write");
   command->add_flag("-q,--quiet", session.quiet, "Say nothing");
 }
