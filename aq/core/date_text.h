@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -11,8 +10,6 @@
 // 1899-12-30, the time of day as its fraction.
 
 namespace aq {
-
-inline constexpr std::int32_t kSecondsPerDay = 86400;
 
 /// The date value of a calendar day.
 [[nodiscard]] AQ_API double dateFrom(int year, unsigned month, unsigned day);

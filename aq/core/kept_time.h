@@ -27,6 +27,13 @@ class KeptTime {
     assignValues(timeOfDay, relativeSeconds);
   }
 
+  /// A time of its own with what `AQ_Time::Copy` keeps.
+  [[nodiscard]] KeptTime copied() const {
+    KeptTime copy = *this;
+    if (object_ || timeOfDay_ > kSecondsPerDay) copy.share(value().Copy());
+    return copy;
+  }
+
   /// The time by value, without making an object for it.
   [[nodiscard]] AQ_Time value() const {
     if (object_) return *object_;

@@ -2,10 +2,9 @@
 
 namespace aq {
 
-std::optional<std::size_t> NumberIndex::findInTable(std::int32_t number) const {
+std::size_t NumberIndex::findInTable(std::int32_t number) const {
   const auto entry = table_.find(number);
-  if (entry == table_.end()) return std::nullopt;
-  return entry->second;
+  return entry == table_.end() ? kNoSlot : entry->second;
 }
 
 /// A number that does not follow the run needs a table; as does every one from then on.

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <unordered_map>
 #include <utility>
 
@@ -29,9 +28,11 @@ struct Counter {
 /// the slot follows from the number and no table is kept.
 class AQ_API NumberIndex {
  public:
-  [[nodiscard]] std::optional<std::size_t> find(std::int32_t number) const {
+  static constexpr std::size_t kNoSlot = SIZE_MAX;  // a plain number, as every record asks for it
+
+  [[nodiscard]] std::size_t find(std::int32_t number) const {
     if (!isRun()) return findInTable(number);
-    if (number < first_ || number >= afterRun()) return std::nullopt;
+    if (number < first_ || number >= afterRun()) return kNoSlot;
     return static_cast<std::size_t>(std::int64_t{number} - first_);
   }
 
@@ -52,7 +53,7 @@ class AQ_API NumberIndex {
   }
 
  private:
-  [[nodiscard]] std::optional<std::size_t> findInTable(std::int32_t number) const;
+  [[nodiscard]] std::size_t findInTable(std::int32_t number) const;
   void makeRoomInTable(std::int32_t number);
   [[nodiscard]] bool isRun() const { return table_.empty(); }
   [[nodiscard]] std::int64_t afterRun() const {

@@ -20,21 +20,23 @@ class NumberedSeries {
   using Object = std::shared_ptr<T>;
 
   void store(std::int32_t number, Object&& object) {
-    const auto slot = index_.find(number);
+    const std::size_t slot = index_.find(number);
     slots_.makeRoom();
     index_.makeRoom(number);
-    if (slot) slots_.remove(*slot, [this](const auto& newSlot) { index_.renumber(newSlot); });
+    if (slot != NumberIndex::kNoSlot) {
+      slots_.remove(slot, [this](const auto& newSlot) { index_.renumber(newSlot); });
+    }
     slots_.append(std::move(object));
     index_.set(number, slots_.slots() - 1);
   }
 
   /// The object under `number`; none throws `InvalidArgument`.
   [[nodiscard]] const Object& at(std::int32_t number) const {
-    const auto slot = index_.find(number);
-    if (!slot) {
+    const std::size_t slot = index_.find(number);
+    if (slot == NumberIndex::kNoSlot) {
       throw Error(ErrorCode::InvalidArgument, "no record " + std::to_string(number));
     }
-    return slots_.at(*slot);
+    return slots_.at(slot);
   }
 
   /// The object at a place from 1 on; throws `InvalidIndex` elsewhere.

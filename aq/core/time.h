@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -8,6 +9,8 @@
 #include "aq/core/variant.h"
 
 namespace aq {
+
+inline constexpr std::int32_t kSecondsPerDay = 86400;
 
 /// The time stamp of a record: a calendar date, a time of day and a time relative to a reference.
 /// The two times are independent of each other; only `setRelTime` derives one from the other. All

@@ -4,6 +4,7 @@
 
 #include "aq/core/date_text.h"
 #include "aq/core/number_text.h"
+#include "aq/core/time.h"
 
 namespace aq {
 namespace {

@@ -4,8 +4,9 @@
 #include "aq/core/number_text.h"
 #include "aq/core/platform.h"
 #include "aq/core/required.h"
+#include "aq/core/shared_blocks.h"
 #include "aq/files/level_columns.h"
-#include "aq/text/count_keywords.h"
+#include "aq/text/checked_keywords.h"
 #include "aq/text/fields.h"
 #include "aq/text/file_titles.h"
 #include "aq/text/header_reader.h"
@@ -31,10 +32,10 @@ void header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHistory& history,
   lines.text("ProjectName", header.sProjectName);
   lines.text("MicrophoneID", header.sMicrophoneID);
   lines.value(
-      "AveragingMethod", [&] { return history.sAveragingMethod(); },
+      keywords::kAveragingMethod, [&] { return history.sAveragingMethod(); },
       [&](std::string_view text) { history.sAveragingMethod(upperCased(text)); });
   lines.value(
-      "TimeStampType", [&] { return history.sTimeStampType(); },
+      keywords::kTimeStampType, [&] { return history.sTimeStampType(); },
       [&](std::string_view text) { history.sTimeStampType(upperCased(text)); });
   lines.text("AdjustmentCode", header.sAdjustmentCode);
   lines.timeOfDay("StartTime", *history.startTime());
@@ -73,8 +74,8 @@ void appendRecord(std::string& text, std::int16_t record, const AQ_Spectrum& spe
   text += platform::lineEnd;
 }
 
-void readRecord(FieldReader fields, LevelColumns& columns, AQ_SpectralTimeHistory& history) {
-  auto spectrum = std::make_shared<AQ_Spectrum>();
+void readRecord(FieldReader fields, LevelColumns& columns, std::shared_ptr<AQ_Spectrum> spectrum,
+                AQ_SpectralTimeHistory& history) {
   const std::int16_t record = fields.int16("a record number");
   const double timeOfDay = fields.timeOfDay();
   const float relative = fields.single("a relative time in seconds");
@@ -120,7 +121,8 @@ AQ_DataMessage AQ_DataSTH::readFile(const std::string& sFileName,
     header(headerLines, *header_, *history, columns);
     headerLines.skipColumns();
     aqHeader = header_;
-    while (lines.next()) readRecord(FieldReader(lines), columns, *history);
+    SharedBlocks<AQ_Spectrum> spectra;
+    while (lines.next()) readRecord(FieldReader(lines), columns, spectra.next(), *history);
     STH = std::move(history);
   });
 }

@@ -3,7 +3,7 @@
 #include "aq/core/number_text.h"
 #include "aq/core/platform.h"
 #include "aq/core/required.h"
-#include "aq/text/count_keywords.h"
+#include "aq/text/checked_keywords.h"
 #include "aq/text/data_line_limit.h"
 #include "aq/text/fields.h"
 #include "aq/text/file_titles.h"

@@ -3,7 +3,8 @@
 #include "aq/core/number_text.h"
 #include "aq/core/platform.h"
 #include "aq/core/required.h"
-#include "aq/text/count_keywords.h"
+#include "aq/core/shared_blocks.h"
+#include "aq/text/checked_keywords.h"
 #include "aq/text/data_line_limit.h"
 #include "aq/text/fields.h"
 #include "aq/text/file_titles.h"
@@ -36,13 +37,11 @@ void appendPosition(std::string& text, const AQ_Position& position) {
   text += platform::lineEnd;
 }
 
-std::shared_ptr<AQ_Position> positionFrom(FieldReader fields) {
-  auto position = std::make_shared<AQ_Position>();
-  position->keptTime().assign(fields.timeOfDay());
-  position->X(fields.number("a coordinate"));
-  position->Y(fields.number("a coordinate"));
-  position->Z(fields.number("a coordinate"));
-  return position;
+void readPosition(FieldReader fields, AQ_Position& position) {
+  position.keptTime().assign(fields.timeOfDay());
+  position.X(fields.number("a coordinate"));
+  position.Y(fields.number("a coordinate"));
+  position.Z(fields.number("a coordinate"));
 }
 
 }  // namespace
@@ -77,9 +76,12 @@ void AQ_DataPTH::readFile(const std::string& sFileName, std::shared_ptr<AQ_Heade
     headerLines.skipColumns();
     aqHeader = header_;
     auto history = std::make_shared<AQ_PositionTimeHistory>();
+    SharedBlocks<AQ_Position> positions;
     DataLineLimit limit;
     while (lines.next()) {
-      history->Position(limit.count(lines), positionFrom(FieldReader(lines)));
+      auto position = positions.next();
+      readPosition(FieldReader(lines), *position);
+      history->Position(limit.count(lines), std::move(position));
     }
     PTH = std::move(history);
   });

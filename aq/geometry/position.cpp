@@ -4,7 +4,7 @@ namespace aq {
 
 std::shared_ptr<AQ_Position> AQ_Position::Copy() {
   auto copy = std::make_shared<AQ_Position>();
-  copy->Time(Time()->Copy());
+  copy->time_ = time_.copied();
   copy->X(x_);
   copy->Y(y_);
   copy->Z(z_);

@@ -12,7 +12,7 @@ namespace aq {
 /// the file or program that filled them.
 class AQ_API AQ_Position {
  public:
-  /// A deep copy. The time is created here if none is held.
+  /// A deep copy.
   [[nodiscard]] std::shared_ptr<AQ_Position> Copy();
 
   /// Created on first read; setting shares the caller's object.

@@ -7,7 +7,8 @@
 #include "aq/core/number_text.h"
 #include "aq/core/platform.h"
 #include "aq/core/required.h"
-#include "aq/text/count_keywords.h"
+#include "aq/core/shared_blocks.h"
+#include "aq/text/checked_keywords.h"
 #include "aq/text/fields.h"
 #include "aq/text/file_titles.h"
 #include "aq/text/header_reader.h"
@@ -71,8 +72,7 @@ std::size_t bandCount(const AQ_HeaderMask& header) {
 /// The bands are the header's, whatever the row's were when it was written. `codes` is room for
 /// them that all rows share.
 void readRow(FieldReader fields, const AQ_HeaderMask& header, std::vector<MaskCode>& codes,
-             AQ_MaskMap& map) {
-  auto row = std::make_shared<AQ_MaskRow>();
+             std::shared_ptr<AQ_MaskRow> row, AQ_MaskMap& map) {
   const std::int16_t record = fields.int16("a record number");
   const std::size_t count = bandCount(header);
   codes.resize(std::min(count, fields.mostLeft()));  // whatever the header says
@@ -102,7 +102,7 @@ AQ_DataMessage AQ_DataMask::writeFile(const std::string& sFileName,
     lines.columns(columnHeading(header));
     appendRows(text, 1, count, [&](std::int32_t number) {
       const auto record = static_cast<std::int16_t>(number);
-      appendRow(text, record, required(aqMaskMap.Row(record)));
+      appendRow(text, record, required(aqMaskMap.heldRow(record)));
     });
     return text;
   });
@@ -121,7 +121,8 @@ AQ_DataMessage AQ_DataMask::readFile(const std::string& sFileName,
     aqHeader = header_;
     MaskMap = std::make_shared<AQ_MaskMap>();
     std::vector<MaskCode> codes;
-    while (lines.next()) readRow(FieldReader(lines), *header_, codes, *MaskMap);
+    SharedBlocks<AQ_MaskRow> rows;
+    while (lines.next()) readRow(FieldReader(lines), *header_, codes, rows.next(), *MaskMap);
   });
 }
 

@@ -18,10 +18,12 @@ AQ_Mask maskWith(int mode, int adjustment) {
   return mask;
 }
 
-/// What each byte adds to a code, `kCodes` when it is none of `letters`.
+constexpr unsigned kNoLetter = 0x80;  // above all codes, also when two are added
+
+/// What each byte adds to a code, `kNoLetter` when it is none of `letters`.
 constexpr auto codesOf(std::string_view letters, std::size_t first, std::size_t step) {
   std::array<std::uint8_t, 256> codes{};
-  codes.fill(kCodes);
+  codes.fill(kNoLetter);
   for (std::size_t i = 0; i < letters.size(); ++i) {
     codes[static_cast<unsigned char>(letters[i])] = static_cast<std::uint8_t>(first + i * step);
   }
@@ -59,16 +61,29 @@ AQ_Mask maskOf(MaskCode code) {
   return maskWith(pair / kAdjustments, pair % kAdjustments);
 }
 
+namespace {
+
+/// Takes one column; 0 when it has the form of one.
+unsigned takeMask(const char* at, MaskCode& code) {
+  const unsigned sum = kModeCodes[static_cast<unsigned char>(at[0])] +
+                       kAdjustmentCodes[static_cast<unsigned char>(at[1])];
+  code = static_cast<MaskCode>(sum);
+  return sum / kNoLetter | static_cast<unsigned>(at[2] ^ ',');
+}
+
+}  // namespace
+
 FieldsTaken masksAtFront(std::string_view text, std::span<MaskCode> codes) {
   const std::size_t most = std::min(codes.size(), text.size() / kColumn);
   const char* at = text.data();
   std::size_t count = 0;
-  for (; count < most; ++count, at += kColumn) {
-    const unsigned code = kModeCodes[static_cast<unsigned char>(at[0])] +
-                          kAdjustmentCodes[static_cast<unsigned char>(at[1])];
-    if (code >= kCodes || at[2] != ',') break;
-    codes[count] = static_cast<MaskCode>(code);
+  for (; most - count >= 4; count += 4, at += 4 * kColumn) {  // faster than one by one
+    MaskCode* const to = &codes[count];
+    const unsigned wrong = takeMask(at, to[0]) | takeMask(at + kColumn, to[1]) |
+                           takeMask(at + 2 * kColumn, to[2]) | takeMask(at + 3 * kColumn, to[3]);
+    if (wrong != 0) break;
   }
+  for (; count < most && takeMask(at, codes[count]) == 0; ++count) at += kColumn;
   return {count, count * kColumn};
 }
 

@@ -21,6 +21,10 @@ class AQ_API AQ_MaskMap {
   [[nodiscard]] std::shared_ptr<AQ_MaskRow> Row(std::int16_t nRecord) const {
     return rows_.at(nRecord);
   }
+  /// As the getter, without a new share in the row.
+  [[nodiscard]] const std::shared_ptr<AQ_MaskRow>& heldRow(std::int16_t nRecord) const {
+    return rows_.at(nRecord);
+  }
   void Row(std::int16_t nRecord, std::shared_ptr<AQ_MaskRow> row) {
     rows_.store(nRecord, std::move(row));
   }

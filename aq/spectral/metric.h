@@ -1,7 +1,8 @@
 #pragma once
 
-#include <map>
 #include <memory>
+#include <utility>
+#include <vector>
 
 #include "aq/core/enumerations.h"
 #include "aq/core/export.h"
@@ -62,7 +63,8 @@ class AQ_API AQ_Metric {
  private:
   [[nodiscard]] float single(AQ_METRIC_TYPE metric) const { return MetricValue(metric).toSingle(); }
 
-  std::map<AQ_METRIC_TYPE, Variant> values_;
+  std::vector<std::pair<AQ_METRIC_TYPE, Variant>>
+      values_;  // those that were set, ten and seldom more
 };
 
 }  // namespace aq

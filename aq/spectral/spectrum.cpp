@@ -18,7 +18,7 @@ std::shared_ptr<AQ_Spectrum> AQ_Spectrum::Copy() {
     if (!levels_.contains(static_cast<std::int16_t>(band))) failMissing(band);
   }
   auto copy = std::make_shared<AQ_Spectrum>();
-  copy->Time(Time()->Copy());
+  copy->time_ = time_.copied();
   copy->Level(level_);
   copy->levels_ = levels_;
   copy->bands_ = bands_;

@@ -23,7 +23,7 @@ namespace aq {
 class AQ_API AQ_Spectrum {
  public:
   /// A deep copy. Throws `InvalidArgument` when a band between the lowest and the highest has no
-  /// level; a time and a metric are then created here.
+  /// level; a metric is then created here.
   [[nodiscard]] std::shared_ptr<AQ_Spectrum> Copy();
 
   /// The level of a band. Reading throws `InvalidArgument` when it has none.
