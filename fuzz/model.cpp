@@ -248,38 +248,11 @@ void driveSpectrum(Calls& calls) {
   }
 }
 
-/// An integer is the nearest one, of two the even one.
-template <class Integer>
-void expectInteger(double value, const auto& convert) {
-  double whole = std::floor(value);
-  if (value - whole > 0.5 || (value - whole == 0.5 && std::fmod(whole, 2) != 0)) ++whole;
-  using Limits = std::numeric_limits<Integer>;
-  succeeds(!(whole >= Limits::min() && whole <= Limits::max()), ErrorCode::Overflow,
-           [&] { expect(convert() == whole, "the nearest integer"); });
-}
-
-void driveVariant(Calls& calls) {
-  while (calls.more()) {
-    const Variant variant = variantFrom(calls);
-    if (variant.isEmpty()) continue;
-    const double value = variant.toDouble();
-    expectInteger<std::int16_t>(value, [&] { return variant.toInt16(); });
-    expectInteger<std::int32_t>(value, [&] { return variant.toInt32(); });
-    expect(variant.toBoolean() == (value != 0), "the truth of a number");
-    if (variant.type() == Variant::Type::Date || variant.type() == Variant::Type::Boolean) continue;
-    succeeds(!std::isfinite(value), ErrorCode::InvalidValue, [&] {
-      const double again = Variant(variant.toString()).toDouble();
-      const double most = variant.type() == Variant::Type::Single ? 1e-6 : 1e-14;
-      expect(std::abs(again - value) <= std::abs(value) * most, "the number of its text");
-    });
-  }
-}
-
 }  // namespace
 
 /// The first byte chooses what is driven.
 void model(const Target&, std::string_view input) {
-  constexpr std::array kDrives{driveCollection, driveSeries, driveRow, driveSpectrum, driveVariant};
+  constexpr std::array kDrives{driveCollection, driveSeries, driveRow, driveSpectrum};
   Calls calls{input};
   kDrives[static_cast<std::size_t>(calls.below(kDrives.size()))](calls);
 }

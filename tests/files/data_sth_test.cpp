@@ -25,30 +25,6 @@ struct Read {
   explicit Read(const std::string& path) : result(file.readFile(path, header, history)) {}
 };
 
-TEST(DataSTH, ReadsHeaderAndRecords) {
-  const Read read(kGood);
-  ASSERT_EQ(read.result, AQ_DATA_OK);
-  const AQ_HeaderSTH& header = *read.header;
-  EXPECT_EQ(header.sProjectName + header.sMicrophoneID + header.sAdjustmentCode,
-            "Flight test 7M1NONE");
-  EXPECT_EQ(header.sFileName + header.sGeneratedBy + header.sGenerationFile,
-            "three-records.csvrecorderflight.dat");
-  EXPECT_EQ(header.aqFileDateTime->CurrentDate(), 38061);
-  EXPECT_EQ(header.aqFileDateTime->TODstring(), "14:02:37");
-  EXPECT_EQ(header.aqGenerationDateTime->TODstring(), "07:05:09");
-  EXPECT_EQ(header.cOtherRecords->Item(2) + header.cCommentLines->Item(1), "Weather: calma, b");
-  AQ_SpectralTimeHistory& history = *read.history;
-  EXPECT_EQ(history.AverageMethod(), AQ_4S100);
-  EXPECT_EQ(history.TimeStampType(), AQ_MIDPT);
-  EXPECT_EQ(history.startTime()->TODseconds(), 36000);
-  EXPECT_EQ(history.ReferenceTime()->TODseconds(), 36000 + static_cast<double>(1.1F));
-  EXPECT_EQ(history.LoRec(), 5);
-  EXPECT_EQ(history.HiRec(), 7);
-  EXPECT_EQ(history.spectrum(6)->SPL(18), Variant(9999.0));
-  EXPECT_EQ(history.spectrum(7)->Time()->TODseconds(), 36001.25);
-  EXPECT_EQ(history.spectrum(5)->Time()->RelSeconds(), -0.75);
-}
-
 TEST(DataSTH, WritesTheSameBytesUnderAnyLocale) {
   struct Commas : std::numpunct<char> {
     char do_decimal_point() const override { return ','; }

@@ -1,5 +1,5 @@
-// What holds for every format: a good sample comes back from a read and a write byte by byte, a bad
-// one fails with the message that its folder lists, and a damaged one reads or fails with a place.
+// What holds for every format: a good sample has the values that are listed and comes back from a
+// read and a write byte by byte, and a bad one fails with the message that its folder lists.
 #include "tests/support/formats.h"
 
 #include <aq/aq.h>
@@ -8,8 +8,8 @@
 #include <algorithm>
 #include <cstdlib>
 #include <map>
-#include <random>
 
+#include "tests/second/values.h"
 #include "tests/support/files.h"
 #include "tests/support/samples.h"
 
@@ -20,6 +20,12 @@ using test::Format;
 using test::forSamples;
 using test::kFormats;
 using test::Outcome;
+
+const std::map<std::string, std::string> kCodes = {
+    {"spectral-time-history", "STH"}, {"masking-map", "MASK"},
+    {"position-time-history", "PTH"}, {"geometric-time-history", "GTH"},
+    {"microphone-position", "MIC"},   {"tracking", "TSPI"},
+    {"spectrum-record", "SSR"},       {"variable-initialization", "INI"}};
 
 TEST(Formats, GoodSamplesComeBackByteByByte) {
   const test::FixedInformation fixed;
@@ -32,6 +38,14 @@ TEST(Formats, GoodSamplesComeBackByteByByte) {
     const std::string copy = folder.file(sample.filename().string());
     EXPECT_EQ(format.rewrite(sample.string(), copy), AQ_DATA_OK);
     EXPECT_EQ(test::contentOf(copy), test::contentOf(sample));
+  });
+}
+
+/// The file beside a good sample that ends in `.values` lists all that is read of it.
+TEST(Formats, GoodSamplesHaveTheListedValues) {
+  forSamples("good", [](const std::string& name, std::filesystem::path sample) {
+    const std::string found = test::valuesOf(kCodes.at(name), sample.string());
+    EXPECT_EQ(found, test::contentOf(sample.replace_extension("values")));
   });
 }
 
@@ -52,93 +66,6 @@ TEST(Formats, BadSamplesFailAsListed) {
     std::sort(lines.begin(), lines.end());
     EXPECT_EQ(test::textOf(lines), test::contentOf(test::kData / name / "bad" / "failures.txt"));
   }
-}
-
-/// Damages one sample in every way, and counts what came of it.
-class Damage {
- public:
-  Damage(const Format& format, std::string bytes) : format_(format), bytes_(std::move(bytes)) {}
-
-  void check(const std::string& damaged) {
-    const auto lines = test::linesOf(damaged).size();
-    const std::string path = folder_.with("in", damaged);
-    static_cast<void>(kindOfFile(path));  // never throws
-    const auto [failure, handedOut, sound] = format_.read(path);
-    ASSERT_TRUE(sound);
-    ++tried_;
-    if (!failure) return;
-    ++failed_;
-    ASSERT_GE(failure->line, 1U);
-    ASSERT_LE(failure->line, lines + 1) << failure->message();
-    ASSERT_FALSE(failure->expected.empty() || failure->found.empty());
-  }
-
-  void cutEverywhere() {
-    for (std::size_t size = 0; size < bytes_.size(); ++size) check(bytes_.substr(0, size));
-  }
-
-  void breakEveryCell() {
-    const std::string junk[] = {"",      "x", "1e999", "99999", "**", "\"", std::string(1, '\0'),
-                                "-32768"};
-    const auto lines = test::linesOf(bytes_);
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-      std::size_t at = 0;
-      for (int cell = 0; at != std::string::npos && cell < 8; ++cell) {
-        const std::size_t end = std::min(lines[i].find(',', at), lines[i].size());
-        for (const std::string& text : junk) {
-          auto damaged = lines;
-          damaged[i].replace(at, end - at, text);
-          check(test::textOf(damaged));
-        }
-        at = end == lines[i].size() ? std::string::npos : end + 1;
-      }
-    }
-  }
-
-  void dropAndDoubleLines() {
-    const auto lines = test::linesOf(bytes_);
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-      auto damaged = lines;
-      damaged.erase(damaged.begin() + static_cast<long>(i));
-      check(test::textOf(damaged));
-      damaged.insert(damaged.begin() + static_cast<long>(i), 2, lines[i]);
-      check(test::textOf(damaged));
-    }
-  }
-
-  void flipBytes() {
-    std::mt19937 random(5);
-    for (int round = 0; round < 1000; ++round) {
-      std::string damaged = bytes_;
-      for (unsigned flips = 1 + random() % 4; flips != 0; --flips) {
-        damaged[random() % damaged.size()] = static_cast<char>(random());
-      }
-      check(damaged);
-    }
-  }
-
-  void expectBothOutcomes() const {
-    EXPECT_GT(failed_, 0);
-    EXPECT_GT(tried_, failed_);
-  }
-
- private:
-  test::Folder folder_;
-  const Format& format_;
-  std::string bytes_;
-  int tried_ = 0;
-  int failed_ = 0;
-};
-
-TEST(Formats, DamagedSamplesReadOrFailWithAPlace) {
-  forSamples("good", [](const std::string& name, const std::filesystem::path& sample) {
-    Damage damage(kFormats.at(name), test::contentOf(sample));
-    damage.cutEverywhere();
-    damage.breakEveryCell();
-    damage.dropAndDoubleLines();
-    damage.flipBytes();
-    damage.expectBothOutcomes();
-  });
 }
 
 /// A measured landing, from the folder that AQ_FIELD_DATA names.

@@ -1,8 +1,11 @@
 #include <aq/aq.h>
 #include <gtest/gtest.h>
 
+#include <map>
+
 #include "tests/support/errors.h"
 #include "tests/support/files.h"
+#include "tests/support/samples.h"
 
 namespace aq {
 namespace {
@@ -45,14 +48,11 @@ TEST(Objects, AreMadeOnceOrShared) {
   expectShared<AQ_DataINI, Lines>(&AQ_DataINI::Comments, &AQ_DataINI::Comments);
 }
 
-TEST(DataSSR, ReadsHeaderAndLevels) {
+TEST(DataSSR, WritesOneBandOrMoreWithoutAGap) {
   AQ_DataSSR file;
   std::shared_ptr<AQ_Spectrum> spectrum;
   std::shared_ptr<AQ_HeaderSSR> header;
   ASSERT_EQ(file.readFile(kSSR, spectrum, header), AQ_DATA_OK);
-  EXPECT_EQ(header->sFileName, "three-bands.csv");
-  EXPECT_EQ(spectrum->LowBand(), 10);
-  EXPECT_EQ(spectrum->SPL(11), Variant(0.5));
   const test::Folder folder;
   AQ_Spectrum one;
   one.SPL(50, 9999);
@@ -78,15 +78,6 @@ TEST(DataSSR, TheFirstAndTheLastLabelDecide) {
 }
 
 TEST(DataINI, WritesOnlyWhatIsSet) {
-  AQ_DataINI parameters;
-  ASSERT_EQ(parameters.readFile(kINI), AQ_DATA_OK);
-  EXPECT_EQ(parameters.CalAdj() + parameters.PrWndo() * 100 + parameters.PoWndo() * 10000,
-            151049.75F);
-  EXPECT_EQ(parameters.NuAvg(), AQ_TRUSLO);
-  EXPECT_EQ(parameters.NuTimg(), AQ_ICAOSLO);
-  EXPECT_EQ(parameters.LoRec() * 100 + parameters.HiRec(), 178);
-  EXPECT_EQ(parameters.FileName(), "all-parameters.csv");
-  EXPECT_EQ(parameters.FileDate()->TODstring(), "14:02:37");
   const test::Folder folder;
   AQ_DataINI fresh;
   fresh.Comments()->Add("");
@@ -130,7 +121,7 @@ TEST(DataINI, KeywordsComeInAnyCaseAndOrder) {
 }
 
 TEST(FileKind, ByTitleOrByShape) {
-  const std::pair<const char*, FileKind> kinds[] = {
+  const std::map<std::string, FileKind> kinds = {
       {"spectral-time-history", FileKind::SpectralTimeHistory},
       {"position-time-history", FileKind::PositionTimeHistory},
       {"microphone-position", FileKind::MicrophonePosition},
@@ -139,11 +130,9 @@ TEST(FileKind, ByTitleOrByShape) {
       {"variable-initialization", FileKind::VariableInitialization},
       {"spectrum-record", FileKind::SpectrumRecord},
       {"tracking", FileKind::Tracking}};
-  for (const auto& [format, kind] : kinds) {
-    for (const auto& file : std::filesystem::directory_iterator(test::kData / format / "good")) {
-      EXPECT_EQ(kindOfFile(file.path().string()), kind) << format;
-    }
-  }
+  test::forSamples("good", [&](const std::string& format, const std::filesystem::path& sample) {
+    EXPECT_EQ(kindOfFile(sample.string()), kinds.at(format));
+  });
   const test::Folder folder;
   const std::string header = "\n\n\n\n\n\n";
   const std::pair<std::string, FileKind> texts[] = {
