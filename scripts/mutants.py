@@ -155,7 +155,7 @@ class Worker:
                   "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST",
                   f"-DCMAKE_CXX_FLAGS={' '.join(FLAGS)} -include-pch {self.precompiled(folder)}"],
                  required=True)
-        self.make("aq_tests", "print_file", "examples/all", required=True)
+        self.make("aq_tests", "fuzz_replay", "print_file", "examples/all", required=True)
         self.slow, self.limits = [], []
         self.measure()
         self.run(["cp", "-a", self.build, self.fresh], required=True)
@@ -201,6 +201,8 @@ class Worker:
         compare = self.source / "tests/second/compare.py"
         return [("aq_tests", [*tests, f"--gtest_filter=-{slow}"]),
                 ("aq_tests", [*tests, f"--gtest_filter={slow}"]),
+                ("fuzz_replay", [self.build / "fuzz/fuzz_replay", self.source / "fuzz/corpus",
+                                 self.source / "tests/data"]),
                 ("print_file", [sys.executable, compare, self.build / "tests/print_file",
                                 self.room / "second", "240"]),
                 ("examples/all", ["ctest", "--test-dir", self.build, "-R", "^example",

@@ -3,9 +3,6 @@
 #include <aq/spectral/spectrum.h>
 #include <gtest/gtest.h>
 
-#include <map>
-#include <random>
-
 #include "tests/support/errors.h"
 
 namespace aq {
@@ -30,46 +27,6 @@ TEST(Spectrum, RangeOnlyWidens) {
   high.SPL(10000, 1.0);
   EXPECT_EQ(high.LowBand(), 9999);  // the low end starts there
   EXPECT_ERROR(high.Copy(), InvalidArgument);
-}
-
-Variant anyLevel(std::mt19937& random) {
-  switch (random() % 14) {
-    case 0: return std::int16_t{9999};
-    case 1: return 123456;
-    case 2: return 65.3F;
-    case 3: return "65.3 dB";
-    case 4: return {};
-    case 5: return true;
-    case 6: return 65.25 + static_cast<double>(random() % 3) / 300;
-    case 7: return 9999.0;
-    default: return static_cast<int>(random() % 70000) / 100.0 - 350;
-  }
-}
-
-TEST(Spectrum, KeepsEachLevelWithItsOwnType) {
-  std::mt19937 random(3);
-  for (int round = 0; round < 300; ++round) {
-    AQ_Spectrum spectrum;
-    std::map<std::int16_t, Variant> plain;
-    for (int step = 0; step < 90; ++step) {
-      const auto band = static_cast<std::int16_t>(static_cast<int>(random() % 45) - 3);
-      const Variant level = round % 3 == 0 ? Variant(65.25 + step) : anyLevel(random);
-      spectrum.SPL(band, level);
-      plain[band] = level;
-    }
-    for (std::int16_t band = -5; band < 45; ++band) {
-      if (plain.contains(band)) {
-        ASSERT_EQ(spectrum.SPL(band), plain[band]);
-      } else {
-        EXPECT_ERROR(spectrum.SPL(band), InvalidArgument);
-      }
-    }
-    const bool isWhole =
-        static_cast<int>(plain.size()) == spectrum.HighBand() - spectrum.LowBand() + 1;
-    if (!isWhole) continue;
-    const auto copy = spectrum.Copy();
-    for (const auto& [band, level] : plain) ASSERT_EQ(copy->SPL(band), level);
-  }
 }
 
 TEST(Spectrum, SharesAndCopiesItsObjects) {
