@@ -228,7 +228,7 @@ void appendToFile(const std::string& path, std::string_view bytes) {
 
 std::optional<std::time_t> lastChanged(const std::string& path) {
   struct stat status {};
-  if (path.empty() || ::stat(path.c_str(), &status) != 0) return std::nullopt;
+  if (::stat(path.c_str(), &status) != 0) return std::nullopt;
   return status.st_mtime;
 }
 

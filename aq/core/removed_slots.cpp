@@ -26,7 +26,6 @@ void RemovedSlots::add(std::size_t slot, std::size_t slots) {
 }
 
 void RemovedSlots::makeRoom() {
-  if (count() == 0) return;
   removed_.push_back(false);
   removed_.pop_back();
   inUse_.push_back(0);
@@ -34,7 +33,6 @@ void RemovedSlots::makeRoom() {
 }
 
 void RemovedSlots::grow() {
-  if (count() == 0) return;
   const std::size_t i = inUse_.size();
   std::size_t used = 1;
   for (std::size_t part = 1; part < lowestBit(i); part *= 2) used += inUse_[i - part];

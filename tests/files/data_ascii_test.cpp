@@ -137,6 +137,8 @@ TEST(DataASCII, FailuresSayWhy) {
   EXPECT_EQ(file.writeLines("/dev/full"), AQ_DATA_FILE_ERROR);
   EXPECT_EQ(file.lastFailure()->found, "No space left on device");
   EXPECT_EQ(file.readLines(std::string("a\0b", 3)), AQ_DATA_FILE_ERROR);
+  EXPECT_EQ(file.readLines(folder.with("good", "x")), AQ_DATA_OK);
+  EXPECT_FALSE(file.lastFailure());
   file.Lines(nullptr);
   EXPECT_ERROR(file.writeLines(folder.file("x")), ObjectNotSet);
   EXPECT_FALSE(file.lastFailure());

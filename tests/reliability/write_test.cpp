@@ -1,6 +1,7 @@
 // What stays of a file that is replaced or appended to: its permissions, its links, its content
 // when the system refuses.
 #include <aq/aq.h>
+#include <aq/core/platform.h>
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -60,10 +61,22 @@ TEST(Write, PermissionsStayAndNewFilesHaveTheUsual) {
   fs::permissions(path, kShared);
   EXPECT_TRUE(writes(path));
   EXPECT_EQ(fs::status(path).permissions(), kShared);
-  const mode_t mask = ::umask(027);
-  EXPECT_TRUE(writes(folder.file("b")));
-  ::umask(mask);
-  EXPECT_EQ(fs::status(folder.file("b")).permissions(), fs::perms(0640));
+  for (const mode_t mask : {mode_t{0}, mode_t{027}}) {
+    const mode_t before = ::umask(mask);
+    const std::string made = folder.file(std::to_string(mask));
+    EXPECT_TRUE(writes(made));
+    ::umask(before);
+    EXPECT_EQ(fs::status(made).permissions(), fs::perms(0666 & ~mask));
+  }
+}
+
+TEST(Platform, LocalTimesAreOfTheYearsOneTo9999) {
+  constexpr std::time_t kTwoDays = 2 * 86400;  // more than any zone is from the zeroth meridian
+  for (const std::time_t end : {std::time_t{-62135596800}, std::time_t{253402300800}}) {
+    const std::time_t inside = end < 0 ? end + kTwoDays : end - kTwoDays;
+    EXPECT_TRUE(platform::localTime(inside));
+    EXPECT_FALSE(platform::localTime(2 * end - inside));
+  }
 }
 
 TEST(Write, LinksStayAndOtherNamesKeepTheOldFile) {
