@@ -39,6 +39,8 @@ void checking(const Reporter& reporter, const Check& check) {
     reporter.unreadable(failed.failure);
   } catch (const platform::SystemError& error) {
     reporter.unreadable({.file = {}, .expected = error.wanted(), .found = error.what()});
+  } catch (const Error& error) {  // more records than the interface counts
+    reporter(Kind::Unreadable, {}, error.what());
   }
 }
 

@@ -128,7 +128,8 @@ std::string historyOfMap(const std::string& mapPath) {
   static_cast<void>(file.readFile(mapPath, read.header, read.map));
   if (!read.header || read.header->sGenerationFile.empty()) return {};
   const std::size_t folder = mapPath.size() - platform::fileName(mapPath).size();
-  return mapPath.substr(0, folder) + read.header->sGenerationFile;
+  // Whatever folders it names: a file must not lead to any place of the disk.
+  return mapPath.substr(0, folder) + platform::fileName(read.header->sGenerationFile);
 }
 
 }  // namespace aq

@@ -1,10 +1,12 @@
 #include "aq/core/platform.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <charconv>
 #include <climits>
 #include <cstring>
 
@@ -26,6 +28,7 @@ std::string reasonOf(int error) {
 
 constexpr const char* kWrite = "a file that can be written";
 constexpr mode_t kNewFile = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
+constexpr mode_t kOwnFile = S_IRUSR | S_IWUSR;
 constexpr mode_t kPermissions = S_ISUID | S_ISGID | S_ISVTX | S_IRWXU | S_IRWXG | S_IRWXO;
 
 /// Repeats a call that a signal interrupted.
@@ -37,8 +40,8 @@ auto uninterrupted(const Call& call) {
   }
 }
 
-int openHandle(const char* path, int flags) {
-  return uninterrupted([&] { return ::open(path, flags | O_CLOEXEC, kNewFile); });
+int openHandle(const char* path, int flags, mode_t mode = kNewFile) {
+  return uninterrupted([&] { return ::open(path, flags | O_CLOEXEC, mode); });
 }
 
 int openFile(const std::string& path, int flags, const char* wanted) {
@@ -91,7 +94,14 @@ class OutputFile {
       const bool sameGroup = ::fchown(handle_, kKeptOwner, other.st_gid) == 0;
       if (!sameGroup) permissions &= ~static_cast<mode_t>(S_IRWXG);
     }
+    // Some file systems know one owner and one set of permissions alone, and refuse any change.
+    if ((status().st_mode & kPermissions) == permissions) return;
     if (::fchmod(handle_, permissions) != 0) failBy(kWrite, errno);
+  }
+
+  /// Keeps other writers of this system away until the file is closed, where that can be done.
+  void lock() const {
+    static_cast<void>(uninterrupted([&] { return ::flock(handle_, LOCK_EX); }));
   }
 
   void cutTo(off_t size) const {
@@ -102,8 +112,25 @@ class OutputFile {
   int handle_;
 };
 
+bool namesOpenFile(const std::string& path) {
+  return path.starts_with("/proc/") || path.starts_with("/dev/fd/");
+}
+
+/// A new handle of what this process has open for writing under such a name, so that it goes on
+/// where that stands; -1 for anything else.
+int ownHandle(const std::string& path) {
+  if (!path.starts_with("/proc/self/fd/") && !path.starts_with("/dev/fd/")) return -1;
+  const std::string number = fileName(path);
+  int handle = -1;
+  std::from_chars(number.data(), number.data() + number.size(), handle);
+  const int flags = ::fcntl(handle, F_GETFL);
+  const bool writes = flags >= 0 && (flags & O_ACCMODE) != O_RDONLY;
+  return writes ? ::fcntl(handle, F_DUPFD_CLOEXEC, 0) : -1;
+}
+
 void writeStraight(const std::string& path, std::string_view bytes) {
-  OutputFile file(path, O_CREAT | O_TRUNC);
+  const int own = ownHandle(path);
+  const OutputFile file = own >= 0 ? OutputFile(own) : OutputFile(path, O_CREAT | O_TRUNC);
   file.write(bytes);
   file.flush();
 }
@@ -115,19 +142,19 @@ std::string folderOf(const std::string& path) { return path.substr(0, path.find_
 std::optional<std::string> linkAt(const std::string& path) {
   std::string text(PATH_MAX, '\0');
   const ssize_t size = ::readlink(path.c_str(), text.data(), text.size());
+  if (size < 0 && errno != EINVAL && errno != ENOENT) failBy(kWrite, errno);
   if (size < 0) return std::nullopt;
   text.resize(static_cast<std::size_t>(size));
   return text;
 }
 
-/// Where the file that `path` names has its own entry, links followed; nothing for a name of a file
-/// that is open, such as /dev/stdout.
-std::optional<std::string> entryOf(std::string path) {
+/// Where the file that `path` names has its own entry, links followed up to the name of a file that
+/// is open, which /dev/stdout leads to.
+std::string entryOf(std::string path) {
   constexpr int kMostLinks = 40;
   for (int links = 0; links < kMostLinks; ++links) {
     const auto link = linkAt(path);
-    if (!link) return path;
-    if (path.starts_with("/proc/") || path.starts_with("/dev/fd/")) return std::nullopt;
+    if (!link || namesOpenFile(path)) return path;
     path = link->starts_with('/') ? *link : folderOf(path) + *link;
   }
   failBy(kWrite, ELOOP);
@@ -136,11 +163,11 @@ std::optional<std::string> entryOf(std::string path) {
 /// A new file beside the one that it is to replace; it goes with the object unless it was renamed.
 class Temporary {
  public:
-  Temporary(const std::string& folder, const char* wanted) {
+  Temporary(const std::string& folder, mode_t mode, const char* wanted) {
     const std::string begin = folder + ".aq-" + std::to_string(::getpid()) + '-';
     for (int number = 0; handle_ < 0; ++number) {
       path_ = begin + std::to_string(number) + ".tmp";
-      handle_ = openHandle(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL);
+      handle_ = openHandle(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL, mode);
       if (handle_ < 0 && errno != EEXIST) failBy(wanted, errno);
     }
   }
@@ -152,8 +179,8 @@ class Temporary {
 
   [[nodiscard]] int handle() const { return handle_; }
 
-  void renameTo(const std::string& path) {
-    if (::rename(path_.c_str(), path.c_str()) != 0) failBy(kWrite, errno);
+  void renameTo(const std::string& path, const char* wanted) {
+    if (::rename(path_.c_str(), path.c_str()) != 0) failBy(wanted, errno);
     renamed_ = true;
   }
 
@@ -198,28 +225,29 @@ std::size_t InputFile::read(std::span<char> room) {
 void replaceFile(const std::string& path, std::string_view bytes) {
   if (path.find('\0') != std::string::npos) failBy(kWrite, EINVAL);
   const auto old = statusOf(path);
-  const auto entry = entryOf(path);
-  if ((old && !S_ISREG(old->st_mode)) || !entry) {
-    writeStraight(path, bytes);
-    return;
-  }
+  const std::string entry = entryOf(path);
+  if ((old && !S_ISREG(old->st_mode)) || namesOpenFile(entry)) return writeStraight(entry, bytes);
   if (old) static_cast<void>(OutputFile(path, 0));  // refuses a file that may not be written
-  const std::string folder = folderOf(*entry);
-  Temporary temporary(folder, old ? "a folder that takes a temporary file" : kWrite);
+  const std::string folder = folderOf(entry);
+  // Until it has the permissions of the old one, nobody else looks into it.
+  Temporary temporary(folder, old ? kOwnFile : kNewFile,
+                      old ? "a folder that takes a temporary file" : kWrite);
   OutputFile file(temporary.handle());
   if (old) file.takeAfter(*old);
   file.write(bytes);
   file.flush();
-  temporary.renameTo(*entry);
+  temporary.renameTo(entry, old ? "a folder that lets the file be replaced" : kWrite);
   flushFolder(folder);
 }
 
 void appendToFile(const std::string& path, std::string_view bytes) {
-  OutputFile file(path, O_CREAT | O_APPEND);
+  const OutputFile file(path, O_CREAT | O_APPEND);
+  file.lock();
   const struct stat before = file.status();
   try {
     file.write(bytes);
     file.flush();
+    if (before.st_size == 0) flushFolder(folderOf(entryOf(path)));  // it may be new
   } catch (...) {
     if (S_ISREG(before.st_mode)) file.cutTo(before.st_size);
     throw;

@@ -26,7 +26,7 @@ inline constexpr MaskCode kDefaultMaskCode = 1;
 [[nodiscard]] AQ_API AQ_Mask maskOf(MaskCode code);
 
 /// Takes masks of two letters, with "," behind each, from the front of `text`, until `codes` is
-/// full or another form comes.
+/// full or another form comes. What `codes` holds behind those taken may change.
 [[nodiscard]] AQ_API FieldsTaken masksAtFront(std::string_view text, std::span<MaskCode> codes);
 
 /// Appends the letters of each code, with "," behind them. None of them is `kNoMaskCode`.

@@ -1,6 +1,8 @@
 #include <aq/masking/mask_map.h>
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "tests/support/errors.h"
 
 namespace aq {
@@ -27,6 +29,23 @@ TEST(Mask, Letters) {
   EXPECT_EQ(mask.MaskString(), "F");
   mask.AdjustMode(static_cast<AQ_MASK_ADJUST>(-1));
   EXPECT_EQ(mask.Copy()->MaskString(), "");
+}
+
+/// One column with a wrong letter or without its comma, at every place among others.
+TEST(MaskCode, ColumnsAreTakenUpToTheFirstOfAnotherForm) {
+  for (const char* wrong : {"xS,", "Mx,", "MS;", "\xFF\xFF,", ",,,"}) {
+    for (std::size_t count = 0; count < 10; ++count) {
+      for (std::size_t place = 0; place <= count; ++place) {
+        std::string text;
+        for (std::size_t i = 0; i < count; ++i) text += i == place ? wrong : "FR,";
+        std::array<MaskCode, 10> codes{};
+        const FieldsTaken taken = masksAtFront(text, std::span(codes).first(count));
+        ASSERT_EQ(taken.count, place) << text;
+        ASSERT_EQ(taken.length, place * 3);
+        for (std::size_t i = 0; i < place; ++i) ASSERT_EQ(maskOf(codes[i]).MaskString(), "FR");
+      }
+    }
+  }
 }
 
 TEST(MaskRow, FetchingMakesAMaskAndStoringTwiceRemovesIt) {

@@ -58,10 +58,11 @@ long strikeAll(Fault fault, const std::string& expected, const Work& work,
 
 /// The same with a process of its own that is killed at the call.
 template <class Work>
-long killAll(const std::string& expected, const Work& work) {
+long killAll(const std::string& expected, const Work& work,
+             const std::string& name = "target.csv") {
   for (long nth = 1;; ++nth) {
     const test::Folder folder;
-    const std::string path = folder.with("target.csv", kOld);
+    const std::string path = folder.with(name, kOld);
     const pid_t child = ::fork();
     if (child == 0) {
       test::arm(Fault::Kill, nth);
@@ -98,6 +99,7 @@ TEST(Faults, EveryCallMayFailInEveryFormat) {
     const std::string file = sample.filename().string();
     EXPECT_GT(strikeAll(Fault::Refusal, expected, work, file), 10);
     EXPECT_GT(strikeAll(Fault::Interruption, expected, work, file), 2);
+    EXPECT_GT(killAll(expected, work, file), 2);
   });
 }
 

@@ -87,6 +87,7 @@ int __real_fstat(int handle, struct stat* status);
 int __real_fsync(int handle);
 int __real_fchmod(int handle, mode_t mode);
 int __real_rename(const char* from, const char* to);
+ssize_t __real_readlink(const char* path, char* text, size_t size);
 
 int __wrap_open(const char* path, int flags, mode_t mode) {
   return aq::test::strikes() ? aq::test::refusal(EMFILE) : __real_open(path, flags, mode);
@@ -116,6 +117,9 @@ int __wrap_fsync(int handle) {
 }
 int __wrap_fchmod(int handle, mode_t mode) {
   return aq::test::strikes(false) ? aq::test::refusal(EPERM) : __real_fchmod(handle, mode);
+}
+ssize_t __wrap_readlink(const char* path, char* text, size_t size) {
+  return aq::test::strikes(false) ? aq::test::refusal(EIO) : __real_readlink(path, text, size);
 }
 int __wrap_rename(const char* from, const char* to) {
   return aq::test::strikes(false) ? aq::test::refusal(EIO) : __real_rename(from, to);

@@ -69,6 +69,34 @@ TEST(Sizes, LongLinesAndManyOfThem) {
   EXPECT_EQ(text.Fields()->Count(), static_cast<std::int32_t>(kSize));
 }
 
+/// A record is an object with room for a spectrum, so the shortest lines take more than four times
+/// their bytes.
+TEST(Sizes, TheShortestRecords) {
+  constexpr std::size_t kARecord = 300;
+  constexpr int kRecords = 32000;
+  const std::map<std::string, std::string> shortest = {
+      {"spectral-time-history", ",::,0,0,0,0\n"},
+      {"masking-map", ",--,--,--,0\n"},
+      {"position-time-history", "::,0,0,0\n"},
+      {"geometric-time-history", ",::,::,0,0,0,0,0,0,0\n"}};
+  test::forSamples("good", [&](const std::string& name, const fs::path& sample) {
+    if (!shortest.contains(name)) return;
+    std::string content = test::contentOf(sample);
+    const std::string row = shortest.at(name);
+    content.resize(content.rfind('\n', content.size() - 2) + 1);
+    for (int record = kRecords; record > 0; --record) {  // falling numbers need a table
+      content += (row[0] == ',' ? std::to_string(record) : "") + row;
+    }
+    const test::Folder folder;
+    const std::string path = folder.with("a", content);
+    std::optional<FileFailure> failure;
+    const std::size_t memory =
+        memoryOf([&] { failure = test::kFormats.at(name).read(path).failure; });
+    EXPECT_LT(memory, 4 * content.size() + kBlock + kARecord * kRecords) << name;
+    EXPECT_FALSE(failure) << failure->message();
+  });
+}
+
 TEST(Sizes, ALineOfTwoGigabytes) {
   constexpr std::uintmax_t kSize = std::uintmax_t{2} << 30;
   const auto free = static_cast<std::uintmax_t>(::sysconf(_SC_AVPHYS_PAGES)) *

@@ -118,6 +118,31 @@ TEST(Write, WhatIsNoRegularFileIsWrittenStraight) {
   std::array<char, 8> content{};
   EXPECT_EQ(std::fread(content.data(), 1, content.size(), open), 4U);
   std::fclose(open);
+  std::FILE* const shared = std::fopen(folder.file("a").c_str(), "a");  // as behind >> of a shell
+  EXPECT_TRUE(writes("/dev/fd/" + std::to_string(fileno(shared))));
+  EXPECT_EQ(test::contentOf(folder.file("a")), "new\nnew\n");
+  std::fclose(shared);
+}
+
+/// What a writer other than the owner leaves of a file's owner and permissions.
+TEST(Write, ForeignFilesKeepTheirOwnerWhereTheSystemAllows) {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs the rights to give files away";
+  constexpr uid_t kNobody = 65534;
+  const test::Folder folder;
+  const std::string theirs = folder.with("theirs", "old");
+  const std::string roots = folder.with("roots", "old");
+  fs::permissions(fs::path(roots).parent_path(), kAll);
+  ASSERT_EQ(::chown(theirs.c_str(), kNobody, kNobody), 0);
+  ASSERT_EQ(::chmod(theirs.c_str(), 0600) + ::chmod(roots.c_str(), 06777), 0);
+  EXPECT_TRUE(writes(theirs));
+  EXPECT_TRUE(inChild([&] { return becomeNobody() && writes(roots); }));
+  struct stat status {};
+  ASSERT_EQ(::stat(theirs.c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, kNobody);
+  EXPECT_EQ(status.st_mode & 07777U, 0600U);
+  ASSERT_EQ(::stat(roots.c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, kNobody);
+  EXPECT_EQ(status.st_mode & 07777U, 0707U);  // its new group has nothing of root's
 }
 
 TEST(Write, RefusedWhereAPlainOpenOrTheFolderRefuses) {
