@@ -122,7 +122,8 @@ bool sameLine(const std::string& a, const std::string& b) {
     const double one = std::strtod(left, &leftEnd);
     const double other = std::strtod(right, &rightEnd);
     if ((leftEnd == left) != (rightEnd == right)) return false;
-    if (std::abs(one - other) > 0.00501 + 1e-6 * std::abs(one)) return false;
+    const bool lateInSecond = other == std::floor(one) && one - other > 0.99;  // 47.998 s is :47
+    if (std::abs(one - other) > 0.00501 + 1e-6 * std::abs(one) && !lateInSecond) return false;
     if (leftEnd == left && *leftEnd++ != *rightEnd++) return false;
     left = leftEnd;
     right = rightEnd;
