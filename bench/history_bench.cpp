@@ -61,6 +61,7 @@ PlainRecords plainRead(const std::string& path) {
 
 void plainWrite(const std::string& path, const PlainRecords& records) {
   std::string text;
+  text.reserve(records.size() * 200);
   char field[64];
   const auto append = [&](char* end) { text.append(static_cast<char*>(field), end); };
   for (const auto& record : records) {

@@ -66,6 +66,7 @@ PlainRows plainReadMap(const std::string& path) {
 
 void plainWriteMap(const std::string& path, const PlainRows& rows) {
   std::string text;
+  text.reserve(rows.size() * 90);
   for (const auto& row : rows) {
     text += std::to_string(row->number);
     text += ',';

@@ -297,6 +297,7 @@ def main():
     # Interrupted, it tells what it has.
     with (tempfile.TemporaryDirectory(prefix="aq-mutants-") as folder,
           contextlib.suppress(KeyboardInterrupt)):
+        os.chmod(folder, 0o755)  # some tests give up their privileges, and their files lie in it
         for mutant, survives in tried(taken, options.jobs, pathlib.Path(folder)):
             counts[survives] += 1
             if survives:

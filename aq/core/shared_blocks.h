@@ -8,7 +8,7 @@
 namespace aq {
 
 /// Makes shared objects for the records of a file, with one allocation for many of them. An object
-/// that outlives the others keeps the memory of its block.
+/// that outlives the others keeps its block, and with it what its neighbours hold.
 template <class T>
 class SharedBlocks {
  public:

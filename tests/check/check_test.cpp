@@ -48,6 +48,7 @@ const Change kChanges[] = {
     {kHistory, "Fly-over", "Fly-over", {}},
     {kHistory, "61.48", "6x.2", {"22:5 unreadable"}},
     {kHistory, "Spectral Time-History", "Landing", {"1:0 unknown-kind"}},
+    {kHistory, "Bands**,17, 40", "Bands**,-6, 17", {}},  // no band below 10 Hz has a heading
     {kHistory, "ProjectName**", "microphoneid**", {"4:1 keyword"}},
     {kHistory, "Fly-over sample", "Fly-over**sample", {"4:0 lost-text"}},
     {kHistory, "MicrophoneID**,", "MicrophoneID**", {"5:0 lost-text"}},
@@ -83,6 +84,7 @@ const Change kChanges[] = {
     {kHistory, "\n3,14", ",1\n3,14", {"23:28 extra-fields"}},
     {kMap, "NumberOfRows**,60", "NumberOfRows**,61", {"4:2 record-count"}},
     {kMap, "2,M-,M-", "2,MX,M-", {"13:2 mask-letters r2 b17"}},
+    {kMap, "2,M-,M-", "2,M-,M", {"13:3 unreadable"}},
     {kMap, "M-,36", "M-,37", {"12:26 last-good-band r1"}},
     {kMap, "\n5,M", "\n6,M", {"16:1 record-gap r6", "17:1 record-repeated r6"}},
     {"fly-over.ssr.csv", "60.00", "9999", {"7:1 level-invalid b17"}},

@@ -32,10 +32,14 @@ TEST(Variant, Converts) {
   EXPECT_TRUE(Variant("True").toBoolean());
   EXPECT_FALSE(Variant(" 0 ").toBoolean());
   EXPECT_EQ(Variant(0.1F).toString(), "0.1");
-  EXPECT_EQ(Variant(true).toString(), "True");
+  EXPECT_EQ(Variant(true).toString() + Variant(std::int16_t{-3}).toString() +
+                Variant(70000).toString() + Variant(2.5).toString() + Variant(" x").toString(),
+            "True-3700002.5 x");
+  EXPECT_EQ(Variant::date(3.5).toDouble(), 3.5);
   EXPECT_EQ(Variant::date(dateFrom("03/15/2004") + 0.5).toString(), "03/15/2004 12:00:00");
   const auto object = std::make_shared<int>(3);
   EXPECT_EQ(Variant(object).toObject<int>(), object);
+  EXPECT_EQ(Variant(object), Variant(object));
 }
 
 TEST(Variant, RefusesWhatDoesNotConvert) {
@@ -44,6 +48,7 @@ TEST(Variant, RefusesWhatDoesNotConvert) {
     EXPECT_ERROR(none.toBoolean(), TypeMismatch);
   }
   EXPECT_ERROR(Variant().toString(), TypeMismatch);
+  EXPECT_ERROR(Variant(nullptr).toString(), TypeMismatch);
   EXPECT_ERROR(Variant("2.5").toInt32(), TypeMismatch);
   EXPECT_ERROR(Variant(32767.5).toInt16(), Overflow);
   EXPECT_ERROR(Variant(1e39).toSingle(), Overflow);
