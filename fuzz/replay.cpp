@@ -34,6 +34,8 @@ std::string made(std::mt19937& random, std::size_t most) {
   input.resize(1);
   do {
     std::string field = kForms[random() % kForms.size()];
+    if (random() % 4 == 0)
+      field = std::string(random() % 8, '0') + '.' + std::string(random() % 16, '0');
     for (char& c : field) c = c == '0' ? static_cast<char>('0' + random() % 10) : c;
     if (random() % 8 == 0) field[random() % field.size()] = "0/:.,- e"[random() % 8];
     if (random() % 8 == 0) field.resize(random() % field.size());

@@ -126,6 +126,10 @@ TEST(Check, PositionsAndGeometry) {
             Found{"8:2 record-count"});
   EXPECT_EQ(changed(positions, "10:00:00.2", "10:00:00.1"), Found{"15:1 time-order"});
   EXPECT_EQ(changed(geometry, "2,10:00:05.5", "2,10:00:06"), Found{"21:2 time-step r2"});
+  std::vector<std::string> rejected;
+  checkFixes((test::kData / "tracking/good/four-positions.csv").string(), 254,
+             [&](const Finding& finding) { rejected.push_back(shortForm(finding)); });
+  EXPECT_EQ(rejected, Found{"10:2 fix-rejected"});
   EXPECT_EQ(changed(geometry, "\n2,10", "\n3,10"),
             (Found{"21:1 record-gap r3", "21:2 time-step r3"}));
 }

@@ -1,10 +1,12 @@
 #include <aq/geometry/emt_rcv_table.h>
 #include <aq/geometry/geometry_time_history.h>
 #include <aq/geometry/position_time_history.h>
+#include <aq/geometry/s_point_trk.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <random>
+#include <tuple>
 
 #include "tests/support/errors.h"
 
@@ -125,6 +127,8 @@ TEST(GeometryTimeHistory, StampsHalfSeconds) {
   EXPECT_EQ(history.Point(3)->Tm()->TODseconds(), 36001.25);
   EXPECT_EQ(history.Point(3)->Tm()->RelSeconds(), 11.25);
   EXPECT_EQ(history.TimeStampType(), AQ_MIDPT);
+  history.TimeStampType(AQ_END);
+  EXPECT_EQ(history.TimeStampType(), AQ_END);
   EXPECT_EQ(history.ReferenceType(), AQ_AMAX);
   EXPECT_EQ(history.Copy()->ReferenceTime()->TODseconds(), 0);  // points only
   history.Point(5, std::make_shared<AQ_Geometry>());
@@ -138,6 +142,23 @@ TEST(GeometryTimeHistory, PointsAreFoundByNumber) {
   const auto other = std::make_shared<AQ_Geometry>();
   history.Point(2, other);
   EXPECT_EQ(history.Point(2), other);
+}
+
+TEST(SPointTrk, EachValueIsItsOwn) {
+  AQ_SPointTrk point;
+  const auto values = [&] {
+    return std::tuple(point.YOFF(), point.PHI(), point.CYANG(), point.ALT(), point.GSPDKTS(),
+                      point.FIRST(), point.LAST(), (point.MAX)());
+  };
+  const auto times = [&] { return std::tuple(point.TOH(), point.TMAX(), point.T1(), point.T2()); };
+  EXPECT_EQ(values(), std::tuple(0, 0, 0, 0, 0, 0, 0, 0));
+  EXPECT_EQ(times(), std::tuple(nullptr, nullptr, nullptr, nullptr));  // until they are set
+  const auto [a, b, c, d] = std::tuple(position(1), position(2), position(3), position(4));
+  point.YOFF(1), point.PHI(2), point.CYANG(3), point.ALT(4), point.GSPDKTS(5);
+  point.FIRST(6), point.LAST(7), (point.MAX)(8);
+  point.TOH(a->Time()), point.TMAX(b->Time()), point.T1(c->Time()), point.T2(d->Time());
+  EXPECT_EQ(values(), std::tuple(1, 2, 3, 4, 5, 6, 7, 8));
+  EXPECT_EQ(times(), std::tuple(a->Time(), b->Time(), c->Time(), d->Time()));
 }
 
 TEST(GeometryTimeHistory, SettingRelativeTimesFailsAtTheFirstPoint) {

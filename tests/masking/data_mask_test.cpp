@@ -26,10 +26,11 @@ TEST(DataMask, LinesAreCountedAfresh) {
   ASSERT_EQ(read.result, AQ_DATA_OK);
   AQ_HeaderMask& header = *read.header;
   const test::Folder folder;
-  header.nCommentLines = 7;  // counted afresh
+  header.lNumberRows = header.nCommentLines = 7;  // counted afresh
   EXPECT_EQ(read.file.writeFile(folder.file("out"), read.header, *read.map), AQ_DATA_OK);
   EXPECT_EQ(Read(folder.file("out")).header->nCommentLines, 1);
   EXPECT_EQ(header.nCommentLines, 7);
+  EXPECT_EQ(header.lNumberRows, 2);
   EXPECT_EQ(header.sFileName, folder.file("out"));
 }
 

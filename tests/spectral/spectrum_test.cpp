@@ -23,6 +23,9 @@ TEST(Spectrum, RangeOnlyWidens) {
   EXPECT_ERROR(spectrum.SPL(15), InvalidArgument);
   EXPECT_ERROR(spectrum.SPL(13), InvalidArgument);
   EXPECT_ERROR(spectrum.Copy(), InvalidArgument);
+  AQ_Spectrum whole;
+  for (const int band : {18, 17, 19}) whole.SPL(static_cast<std::int16_t>(band), 60.5);
+  EXPECT_EQ(whole.levelCodes().size(), 3U);
   AQ_Spectrum high;
   high.SPL(10000, 1.0);
   EXPECT_EQ(high.LowBand(), 9999);  // the low end starts there
