@@ -94,13 +94,12 @@ auto objectsOf(const AQ_PositionTimeHistory& history) {
   return all;
 }
 
-auto objectsOf(const AQ_GeometryTimeHistory& history) {
-  std::vector<std::shared_ptr<AQ_Geometry>> all;
-  for (std::int32_t number = 1; number <= history.Count(); ++number) {
-    all.push_back(history.Point(number));
-  }
-  return all;
+Numbered<AQ_Geometry> pointsOf(const AQ_GeometryTimeHistory& history) {
+  return numbered<AQ_Geometry>(history.Count(),
+                               [&](std::int16_t record) { return history.Point(record); });
 }
+
+auto objectsOf(const AQ_GeometryTimeHistory& history) { return pointsOf(history).objects; }
 
 auto objectsOf(const AQ_EmtRcvTable& table) {
   std::vector<std::shared_ptr<AQ_EmtRcvRecord>> all;
@@ -108,40 +107,83 @@ auto objectsOf(const AQ_EmtRcvTable& table) {
   return all;
 }
 
+/// What every series of objects has in Python: length, iteration, its table and repr.
 template <class Series, class Object>
-using Put = void (Series::*)(std::int32_t, std::shared_ptr<Object>);
-
-/// What every series of objects has in Python: length, iteration, arrays, pickling and repr.
-template <class Series, class Object>
-void bindSeries(Bound<Series>& series, const char* name, Put<Series, Object> put,
-                std::span<const Column<Object>> columns, const char* doc) {
-  const auto fill = [put](Series& self, std::vector<std::shared_ptr<Object>> objects) {
-    std::int32_t number = 0;
-    for (auto& object : objects) (self.*put)(++number, std::move(object));
-  };
+void bindSeries(Bound<Series>& series, const char* name, std::span<const Column<Object>> columns,
+                const char* doc) {
   const auto size = [](const Series& self) { return objectsOf(self).size(); };
   series.def("__len__", size)
       .def("__iter__", [](const Series& self) { return py::iter(py::cast(objectsOf(self))); })
       .def(
           "to_numpy", [columns](const Series& self) { return tableOf(objectsOf(self), columns); },
           doc)
-      .def_static(
-          "from_numpy",
-          [columns, fill](const py::object& given) {
-            auto made = std::make_shared<Series>();
-            fill(*made, objectsFrom(given, columns));
-            return made;
-          },
-          py::arg("columns"),
-          "A new series, numbered from 1, from a table or any mapping of columns as to_numpy names "
-          "them; a column that is not there leaves zeros")
       .def("__repr__", [name, size](const Series& self) {
         return std::string("<") + name + ": " + std::to_string(size(self)) + " entries>";
       });
+}
+
+template <class Series, class Object>
+using Put = void (Series::*)(std::int32_t, std::shared_ptr<Object>);
+
+/// A series whose objects have places: it is made and unpickled in their order.
+template <class Series, class Object>
+void bindPlaced(Bound<Series>& series, Put<Series, Object> put,
+                std::span<const Column<Object>> columns) {
+  const auto fill = [put](Series& self, std::vector<std::shared_ptr<Object>> objects) {
+    std::int32_t number = 0;
+    for (auto& object : objects) (self.*put)(++number, std::move(object));
+  };
+  series.def_static(
+      "from_numpy",
+      [columns, fill](const py::object& given) {
+        auto made = std::make_shared<Series>();
+        fill(*made, objectsFrom(given, columns));
+        return made;
+      },
+      py::arg("columns"),
+      "A new series, numbered from 1, from a table or any mapping of columns as to_numpy names "
+      "them; a column that is not there leaves zeros");
   series.container([](const Series& self) { return objectsOf(self); },
                    [fill](Series& self, const py::handle& kept) {
                      fill(self, kept.cast<std::vector<std::shared_ptr<Object>>>());
                    });
+}
+
+using Points = std::vector<std::shared_ptr<AQ_Geometry>>;
+
+void putPoints(AQ_GeometryTimeHistory& history, const std::vector<std::int16_t>& records,
+               const Points& points) {
+  for (std::size_t i = 0; i < records.size(); ++i) history.Point(records[i], points.at(i));
+}
+
+/// Points go by record number, which arrays and pickles keep.
+void bindNumberedPoints(Bound<AQ_GeometryTimeHistory>& history) {
+  using H = AQ_GeometryTimeHistory;
+  history
+      .def_property_readonly(
+          "records", [](const H& self) { return numberArray(pointsOf(self).numbers); },
+          "The record numbers, ascending, shape (points,)")
+      .def_static(
+          "from_numpy",
+          [](const py::object& given, const py::object& records) {
+            const Points points = objectsFrom<AQ_Geometry>(given, kGeometry);
+            const auto made = std::make_shared<H>();
+            putPoints(*made, recordNumbers(records, std::ssize(points)), points);
+            return made;
+          },
+          py::arg("columns"), py::arg("records") = py::none(),
+          "A new series from a table or any mapping of columns as to_numpy names them; a column "
+          "that is not there leaves zeros. Points are numbered from 1 unless their numbers are "
+          "given");
+  history.container(
+      [](const H& self) {
+        const auto points = pointsOf(self);
+        return py::make_tuple(points.numbers, points.objects);
+      },
+      [](H& self, const py::handle& kept) {
+        putPoints(self, kept[py::int_(0)].cast<std::vector<std::int16_t>>(),
+                  kept[py::int_(1)].cast<Points>());
+      });
 }
 
 void bindPositions(const py::module_& module) {
@@ -170,9 +212,10 @@ void bindPositions(const py::module_& module) {
       .def("GoodTime", &H::GoodTime, py::arg("aqTime"),
            "Whether a time of day lies between those of the first and the last sample")
       .def("Copy", &H::Copy, "A deep copy, numbered from 1");
-  bindSeries<H, AQ_Position>(history, "AQ_PositionTimeHistory", &H::Position, kPosition,
+  bindSeries<H, AQ_Position>(history, "AQ_PositionTimeHistory", kPosition,
                              "CurrentDate, TODseconds (s), RelSeconds (s), X, Y and Z of each "
                              "sample as a table, shape (samples,)");
+  bindPlaced<H, AQ_Position>(history, &H::Position, kPosition);
 }
 
 void bindGeometryHistory(const py::module_& module) {
@@ -210,9 +253,10 @@ void bindGeometryHistory(const py::module_& module) {
       .def("setRelTimes", &H::setRelTimes, py::arg("ReferenceTime"), py::arg("RefType"),
            "Shares the reference time; with any points it raises, setTimeStamps relates them")
       .def("Copy", &H::Copy, "A deep copy of points 1 to Count, and of nothing else");
-  bindSeries<H, G>(history, "AQ_GeometryTimeHistory", &H::Point, kGeometry,
+  bindSeries<H, G>(history, "AQ_GeometryTimeHistory", kGeometry,
                    "Times in s of day, propagation time in s, position, slant range and angles of "
-                   "points 1 to Count as a table, shape (points,)");
+                   "each point as a table, shape (points,)");
+  bindNumberedPoints(history);
 }
 
 void bindEmissionTable(const py::module_& module) {
@@ -241,9 +285,10 @@ void bindEmissionTable(const py::module_& module) {
       .property("Y", &T::Y, "The aircraft's second coordinate, a new collection")
       .property("Z", &T::Z, "The aircraft's height, a new collection")
       .property("Count", &T::Count, "The number of records");
-  bindSeries<T, R>(table, "AQ_EmtRcvTable", &T::Record, kEmission,
+  bindSeries<T, R>(table, "AQ_EmtRcvTable", kEmission,
                    "T and Tr in s of day, X, Y, Z, SR and Tprop in s of each record as a table, "
                    "shape (records,)");
+  bindPlaced<T, R>(table, &T::Record, kEmission);
 }
 
 void bindPoints(const py::module_& module) {
