@@ -89,7 +89,8 @@ def run(folder: Path, files: int) -> None:
         with Client(cluster) as client:
             say("two workers are up")
             lazy = aq_data.open_many(paths)
-            say(f"loudest level {float(lazy.aq.level.max().compute()):.1f} dB, by dask on the cluster")
+            loudest = float(lazy.aq.level.max().compute())
+            say(f"loudest level {loudest:.1f} dB, by dask on the cluster")
             parts = client.gather(client.map(energy_by_angle, tasks))
             say("energies by angle")
     mean_level(parts).to_netcdf(folder / "by_angle.nc")

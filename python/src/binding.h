@@ -177,6 +177,7 @@ void bindMasking(py::module_& module);
 void bindSpectral(py::module_& module);
 void bindHistory(const py::module_& module);  // of the spectral room
 void bindGeometry(py::module_& module);
+void bindEmission(const py::module_& module);  // of the geometry room
 void bindFiles(py::module_& module);
 void bindCheck(py::module_& module);
 
