@@ -96,10 +96,11 @@ def level_time(
     """The overall level of unmasked bands over time; events are times in the axis's seconds."""
     ds, ax = complete(history_of(history)), axes(ax)
     (seconds,) = time_axis(ax, ds)
-    ax.plot(seconds, ds.aq.overall(), color=AMBIENT, lw=1, label="all bands")
+    alone: dict[str, Any] = {"marker": ".", "ms": 3}  # a record between gaps has no line
+    ax.plot(seconds, ds.aq.overall(), color=AMBIENT, lw=1, label="all bands", **alone)
     if ds.aq.masked.values.any():
         good = ds.aq.unmasked().aq.overall()
-        ax.plot(seconds, good, color=GOOD, label="bands that are not masked")
+        ax.plot(seconds, good, color=GOOD, label="bands that are not masked", **alone)
     for name, second in (events or {}).items():
         ax.axvline(second, color=REJECTED, ls=":")
         ax.annotate(
