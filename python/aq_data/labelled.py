@@ -102,12 +102,10 @@ def _mask_beside(history: _core.AQ_SpectralTimeHistory, mask: _core.AQ_MaskMap) 
     return mask_variables(wide[0], wide[1], mask.last_good_bands)
 
 
-def listed_metrics(history: _core.AQ_SpectralTimeHistory) -> set[str]:
-    return {metric.name.rpartition("_")[2] for metric in history.Metrics.MetricTypes}
-
-
-def metric_variables(table: Any, listed: set[str]) -> dict[str, xr.Variable]:
-    """The metrics that are listed or that any record has."""
+def _metric_variables(history: _core.AQ_SpectralTimeHistory) -> dict[str, xr.Variable]:
+    """The metrics that the history lists or that any record has."""
+    table = history.metrics
+    listed = {metric.name.rpartition("_")[2] for metric in history.Metrics.MetricTypes}
     return {
         name: variable("time", np.ascontiguousarray(table[name]), units, long_name)
         for name, units, long_name in METRICS
@@ -125,7 +123,7 @@ def history_to_xarray(
     """A dataset with `level(time, band)` in dB, its coordinates, masks and metrics."""
     times = table_variables(self.times, RECORD_TIMES, "time")
     level = level_variable(("time", "band"), self.to_numpy())
-    variables = {"level": level, **metric_variables(self.metrics, listed_metrics(self))}
+    variables = {"level": level, **_metric_variables(self)}
     if mask is not None:
         variables.update(_mask_beside(self, mask))
     coordinates = {

@@ -18,7 +18,7 @@ from .archive import expanded, in_threads
 from .attributes import NO_DECISION, band_coordinates, level_variable, table_variables, variable
 from .errors import Error, FileError
 from .files import Path, read
-from .labelled import RECORD_TIMES, check_map, listed_metrics, mask_variables, metric_variables
+from .labelled import RECORD_TIMES, check_map, mask_variables
 
 
 class _Shape(NamedTuple):
@@ -29,8 +29,6 @@ class _Shape(NamedTuple):
     records: npt.NDArray[np.int16]
     bands: npt.NDArray[np.int16]
     times: npt.NDArray[Any]
-    metrics: npt.NDArray[Any]
-    listed: set[str]
     last_good_bands: Any
 
 
@@ -51,13 +49,12 @@ def _map(path: str) -> _core.AQ_MaskMap:
 
 def _shape(paths: tuple[str, Optional[str]]) -> Union[_Shape, Exception]:
     try:
-        history, mask = _history(paths[0]), paths[1] and _map(paths[1])
-        if mask:
+        history, last = _history(paths[0]), None
+        if paths[1] is not None:
+            mask = _map(paths[1])
             check_map(history, mask)
-        known = (history.records, history.bands, history.times, history.metrics)
-        return _Shape(
-            *paths, *known, listed_metrics(history), mask.last_good_bands if mask else None
-        )
+            last = mask.last_good_bands
+        return _Shape(*paths, history.records, history.bands, history.times, last)
     except (Error, OSError) as error:
         return error
     except ValueError as error:
@@ -163,11 +160,7 @@ def open_many(
         raise ValueError("expected at least one history that reads, found none")
     bands = np.unique(np.concatenate([shape.bands for shape in shapes]))
     level = _lazy(_levels, [shape.path for shape in shapes], shapes, bands, float)
-    metrics = np.concatenate([shape.metrics for shape in shapes])
-    variables = {
-        "level": level_variable(("time", "band"), level),
-        **metric_variables(metrics, set().union(*(shape.listed for shape in shapes))),
-    }
+    variables = {"level": level_variable(("time", "band"), level)}
     if masks is not None:
         variables.update(_mask_variables(shapes, bands))
     return xr.Dataset(variables, _coordinates(shapes, bands), {"Conventions": "CF-1.8"})
