@@ -52,7 +52,8 @@ def energy_by_angle(paths: list[str]) -> xr.Dataset:
         joined = history.aq.unmasked().aq.with_geometry(
             xr.open_dataset(stem + ".gth.csv", engine="aq")
         )
-        place = np.digitize(joined.theta.values, ANGLES) - 1
+        joined = joined.isel(time=((joined.theta >= 0) & (joined.theta <= 180)).values)
+        place = np.minimum(np.digitize(joined.theta.values, ANGLES), len(ANGLES) - 1) - 1
         levels = joined.level.values
         np.add.at(energy, place, np.nan_to_num(10 ** (levels / 10)))
         np.add.at(count, place, ~np.isnan(levels))
@@ -88,7 +89,8 @@ def run(folder: Path, files: int) -> None:
         with Client(cluster) as client:
             say("two workers are up")
             lazy = aq_data.open_many(paths)
-            say(f"loudest level {float(lazy.level.max().compute()):.1f} dB, by dask on the cluster")
+            loudest = float(lazy.aq.level.max().compute())
+            say(f"loudest level {loudest:.1f} dB, by dask on the cluster")
             parts = client.gather(client.map(energy_by_angle, tasks))
             say("energies by angle")
     mean_level(parts).to_netcdf(folder / "by_angle.nc")

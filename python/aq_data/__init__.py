@@ -10,9 +10,10 @@ from .errors import Error, FileError
 from . import labelled as _labelled  # attaches to_xarray to the classes
 from . import tables as _tables  # attaches to_pandas
 from . import accessor as _accessor  # registers Dataset.aq
-from .archive import check, open_many, scan
+from .archive import check, scan
+from .many import open_many
 from .files import Reading, Tracking, read, read_tracking, write
-from .labelled import from_xarray, measurement
+from .restore import from_xarray, measurement
 
 __all__ = [
     *(name for name in dir(_core) if not name.startswith("_")),
@@ -34,4 +35,6 @@ __all__ = [
 def __getattr__(name: str) -> _Any:
     if name == "plot":  # matplotlib is slow to import, and not every job draws
         return _import_module("aq_data.plot")
+    if name == "__version__":
+        return _import_module("importlib.metadata").version("aq_data")
     raise AttributeError(f"module 'aq_data' has no attribute '{name}'")

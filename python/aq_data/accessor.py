@@ -2,12 +2,13 @@
 
 from __future__ import annotations
 
-from typing import Iterable, Optional
+from typing import Iterable, Optional, Union
 
 import numpy as np
 import xarray as xr
 
-from ._core import AQ_CONSTANTS, AQ_MASK_MODE
+from ._core import AQ_CONSTANTS, AQ_GeometryTimeHistory, AQ_MASK_MODE
+from .attributes import dataset_of, need, need_once
 
 INVALID_LEVEL = float(AQ_CONSTANTS.AQ_INVALID_LEVEL)
 
@@ -22,8 +23,7 @@ class Accessor:
     @property
     def level(self) -> xr.DataArray:
         """Levels in dB, NaN where there is no valid one."""
-        if "level" not in self._ds.variables:
-            raise ValueError("the dataset lacks level")
+        need(self._ds, "level")
         level = self._ds["level"]
         return level.where(level != INVALID_LEVEL)
 
@@ -31,7 +31,7 @@ class Accessor:
     def masked(self) -> xr.DataArray:
         """Whether the ambient masks a level; all False without masks."""
         if "mask_mode" not in self._ds.variables:
-            return xr.zeros_like(self._ds["level"], dtype=bool).rename("masked")
+            return xr.zeros_like(self.level, dtype=bool).rename("masked")
         masked: xr.DataArray = self._ds["mask_mode"] > AQ_MASK_MODE.NOT_MASKED
         return masked.rename("masked")
 
@@ -41,23 +41,34 @@ class Accessor:
 
     def between(self, low: float, high: float) -> xr.Dataset:
         """The bands with a nominal frequency from `low` to `high`, in Hz."""
+        need(self._ds, "frequency")
         frequency = self._ds["frequency"]
         return self._ds.isel(band=((frequency >= low) & (frequency <= high)).values)
 
     def overall(self, bands: Optional[Iterable[int]] = None) -> xr.DataArray:
         """The energy sum over bands, all unless given, in dB; NaN where no band has a level."""
-        level = self.level if bands is None else self.level.sel(band=list(bands))
+        level = self.level if bands is None else self._levels(list(bands))
         energy = (10.0 ** (level / 10.0)).sum("band", min_count=1)
         total: xr.DataArray = 10.0 * np.log10(energy)
         total.attrs = {"units": "dB", "long_name": "overall sound pressure level"}
         return total.rename("overall_level")
 
-    def with_geometry(self, geometry: xr.Dataset) -> xr.Dataset:
+    def _levels(self, bands: list[int]) -> xr.DataArray:
+        need(self._ds, "level", "band")
+        missing = np.setdiff1d(bands, self._ds["band"].values)
+        if missing.size:
+            raise ValueError(f"expected bands of the dataset, found {missing.tolist()}")
+        return self.level.sel(band=bands)
+
+    def with_geometry(self, geometry: Union[xr.Dataset, AQ_GeometryTimeHistory]) -> xr.Dataset:
         """The dataset with the emission geometry of each record, NaN where it has none."""
-        found = {int(record): i for i, record in enumerate(geometry["record"].values)}
+        points = dataset_of(geometry, "record", "slant_range")
+        need_once(points)
+        need_once(self._ds)
+        found = {int(record): i for i, record in enumerate(points["record"].values)}
         places = np.array([found.get(int(r), -1) for r in self._ds["record"].values], dtype=int)
         joined = {}
-        for name, variable in geometry.data_vars.items():
-            values = np.append(variable.values, np.nan)[places]  # place -1 is the NaN
-            joined[name] = ("time", values, variable.attrs)
+        for name, column in points.data_vars.items():
+            values = np.append(column.values, np.nan)[places]  # place -1 is the NaN
+            joined[name] = ("time", values, column.attrs)
         return self._ds.assign(joined)

@@ -17,6 +17,13 @@ from . import _core
 
 Function = TypeVar("Function", bound=Callable[..., Any])
 
+HEADERS: dict[str, Any] = {
+    "history": _core.AQ_HeaderSTH,
+    "map": _core.AQ_HeaderMask,
+    "spectrum": _core.AQ_HeaderSSR,
+    "positions": _core.AQ_HeaderPTH,
+    "geometry": _core.AQ_HeaderGTH,
+}
 _TITLES = ("sProjectName", "ProjectName")
 _SOURCES = ("sGeneratedBy", "GeneratedBy")
 _COMMENTS = ("cCommentLines", "colCommentLines")
@@ -72,14 +79,20 @@ def restored(target: Any, values: dict[str, Any]) -> Any:
     return target
 
 
-def attributes(kind: str, header: Any, settings: Any = None, **more: Any) -> dict[str, Any]:
+def attributes(
+    kind: str, header: Any, settings: Any = None, mask_header: Any = None
+) -> dict[str, Any]:
     """Attributes of a dataset: those of the CF conventions for people, and all of it as JSON."""
+
+    for given, its_kind in ((header, kind), (mask_header, "map")):
+        if given is not None:
+            expect(given, HEADERS[its_kind])
 
     def first(names: tuple[str, ...]) -> Any:
         return next((getattr(header, n) for n in names if hasattr(header, n)), "")
 
     all_of_it = {"kind": kind, "header": plain(header), "settings": plain(settings)}
-    all_of_it.update({name: plain(value) for name, value in more.items()})
+    all_of_it["mask_header"] = plain(mask_header)
     readable = {
         "title": first(_TITLES),
         "source": first(_SOURCES),
@@ -97,13 +110,40 @@ def header_of(ds: xr.Dataset, name: str, cls: type) -> Any:
     return restored(cls(), kept(ds).get(name) or {})
 
 
-def need(ds: xr.Dataset, *names: str) -> None:
+def expect(value: Any, cls: type) -> None:
+    if not isinstance(value, cls):
+        raise TypeError(f"expected {cls.__name__}, found {type(value).__name__}")
+
+
+def need(ds: Any, *names: str) -> None:
+    expect(ds, xr.Dataset)
     missing = [name for name in names if name not in ds.variables]
     if missing:
         raise ValueError(f"the dataset lacks {', '.join(missing)}")
 
 
+def dataset_of(data: Any, *names: str) -> xr.Dataset:
+    """A dataset, or that of an object, which has these variables."""
+    if not isinstance(data, xr.Dataset):
+        if not hasattr(type(data), "_fields") or not hasattr(data, "to_xarray"):
+            raise TypeError(f"expected a dataset or an object, found {type(data).__name__}")
+        data = data.to_xarray()
+    need(data, *names)
+    return data  # type: ignore[no-any-return]
+
+
+def need_once(ds: xr.Dataset) -> None:
+    """Refuses a dataset that has a record number twice, as one of several files does."""
+    need(ds, "record")
+    numbers, counts = np.unique(ds["record"].values, return_counts=True)
+    if (counts > 1).any():
+        hint = "; select one file by the coordinate file first" if "file" in ds.variables else ""
+        raise ValueError(f"expected each record once, found {numbers[counts > 1][0]} again{hint}")
+
+
 # Variables.
+
+NO_DECISION = -1  # a flag of a mask variable: the row has no mask for the band
 
 
 def variable(dims: Any, values: Any, units: str, long_name: str, **more: Any) -> xr.Variable:
@@ -123,3 +163,29 @@ def band_coordinates(bands: Any) -> dict[str, xr.Variable]:
             standard_name="sound_frequency",
         ),
     }
+
+
+def flags(dims: tuple[str, str], values: Any, enum: Any, long_name: str) -> xr.Variable:
+    meanings = {NO_DECISION: "no_decision", **{int(m): m.name.lower() for m in enum}}
+    values_and_meanings = {
+        "flag_values": np.array(list(meanings), dtype=np.int8),
+        "flag_meanings": " ".join(meanings.values()),
+    }
+    return variable(dims, values, "", long_name, **values_and_meanings)
+
+
+def table_variables(table: Any, columns: Any, dim: str) -> dict[str, xr.Variable]:
+    return {
+        name: variable(dim, np.ascontiguousarray(table[column]), units, long_name)
+        for column, name, units, long_name in columns
+    }
+
+
+def level_variable(dims: Any, values: Any) -> xr.Variable:
+    return variable(
+        dims,
+        values,
+        "dB",
+        "one-third-octave band sound pressure level",
+        standard_name="sound_pressure_level_in_air",
+    )

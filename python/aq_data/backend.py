@@ -8,7 +8,7 @@ from typing import Any, Iterable, Optional
 import xarray as xr
 from xarray.backends import BackendEntrypoint
 
-from ._core import FileKind, kindOfFile
+from ._core import AQ_SpectralTimeHistory, FileKind, kindOfFile
 from .files import Path, Reading, read
 
 LABELLED = (
@@ -27,6 +27,8 @@ def to_dataset(reading: Reading, mask: Optional[Path] = None) -> xr.Dataset:
         raise ValueError(f"expected a file that is a dataset, found {reading.data!r}")
     arguments: dict[str, Any] = {} if reading.header is None else {"header": reading.header}
     if mask is not None:
+        if not isinstance(reading.data, AQ_SpectralTimeHistory):
+            raise ValueError(f"expected a history beside its map, found {reading.data!r}")
         arguments["mask_header"], arguments["mask"] = read(mask)
     return reading.data.to_xarray(**arguments)  # type: ignore[no-any-return]
 

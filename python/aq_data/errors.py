@@ -39,8 +39,8 @@ class RangeError(Error, OverflowError):
 class FileError(Error):
     """A file that could not be read or written: where, and what was expected and found there.
 
-    `line` and `field` count from 1, 0 where it is the whole file or line. `partial` holds header
-    and object as far as they were read.
+    `line` and `field` count from 1, 0 where it is the whole file or line. `partial` holds the
+    header as far as it was read and, of a masking map, the rows in front of the failure.
     """
 
     def __init__(

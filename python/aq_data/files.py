@@ -100,16 +100,25 @@ def read(path: Path) -> Reading:
 
 
 def write(obj: Any, path: Path, header: Any = None) -> None:
-    """Writes an object, what `read` gave, or a dataset; without a header it gets a new one."""
+    """Writes an object, what `read` gave, or a dataset; without a header it gets a new one.
+
+    A dataset with masks is two files: `measurement` gives what to write into each.
+    """
     if isinstance(obj, tuple):
-        if len(obj) != 2:
-            raise TypeError(f"expected (header, object), found a tuple of {len(obj)}")
+        if isinstance(obj, Tracking) or len(obj) != 2:
+            raise TypeError(f"expected (header, object), found {type(obj).__name__} of {len(obj)}")
         own_header, obj = obj
         header = own_header if header is None else header
     elif hasattr(obj, "data_vars"):
-        from .labelled import from_xarray
+        from .restore import from_xarray
 
-        write(from_xarray(obj), path, header)
+        reading = from_xarray(obj)
+        if "mask_mode" in obj.variables and not isinstance(reading.data, _core.AQ_MaskMap):
+            raise ValueError(
+                "expected a dataset for one file, found levels and masks: write both readings of"
+                " measurement(dataset), or drop_vars('mask_mode')"
+            )
+        write(reading, path, header)
         return
     if isinstance(obj, _core.AQ_DataINI):
         obj.writeFile(path)

@@ -45,7 +45,7 @@ def _tidy(ds: xr.Dataset, keys: list[str]) -> pd.DataFrame:
     name="to_pandas",
 )
 def series_to_pandas(self: Any) -> pd.DataFrame:
-    """One row an entry, numbered from 1; the columns are those of `to_numpy`."""
-    frame = pd.DataFrame(self.to_numpy())
-    frame.index = pd.RangeIndex(1, len(frame) + 1, name="record")
-    return frame
+    """One row an entry, by record number or place; the columns are those of `to_numpy`."""
+    table = self.to_numpy()
+    numbers = getattr(self, "records", range(1, len(table) + 1))
+    return pd.DataFrame(table, pd.Index(numbers, name="record"))

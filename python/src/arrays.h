@@ -5,6 +5,7 @@
 
 #include <pybind11/numpy.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <span>
@@ -15,12 +16,30 @@
 
 namespace aq::python {
 
+using Doubles = py::array_t<double, py::array::c_style | py::array::forcecast>;
+
+/// The array of a `numpy.ma` array has NaN where that hides a value; any other is as it was.
+inline py::object shown(const py::object& given) {
+  if (!py::isinstance(given, py::module_::import("numpy.ma").attr("MaskedArray"))) return given;
+  return given.attr("astype")("f8").attr("filled")(std::numeric_limits<double>::quiet_NaN());
+}
+
+/// Throws `ValueError` for a cell that would lose something as an integer.
+inline void checkWhole(const Doubles& cells) {
+  for (const double cell : std::span(cells.data(), static_cast<std::size_t>(cells.size()))) {
+    if (std::isfinite(cell) && std::trunc(cell) == cell) continue;
+    throw py::value_error("expected whole numbers, found " +
+                          py::str(py::float_(cell)).cast<std::string>());
+  }
+}
+
 /// Numbers of one type in a row of memory, whatever their type and layout were; NaN where it is
-/// missing. Throws `TypeError` for what is no number, `ValueError` for another count of dimensions.
+/// missing. Throws `TypeError` for what is no number, `ValueError` for another count of dimensions
+/// and for a fraction where integers are wanted.
 template <class Number>
 py::array_t<Number, py::array::c_style> numbersFrom(const py::object& given, py::ssize_t dimensions,
                                                     const char* wanted) {
-  const auto array = py::array::ensure(given);
+  const auto array = py::array::ensure(shown(given));
   if (!array || std::string("iuf").find(array.dtype().kind()) == std::string::npos) {
     const std::string found = array ? "an array of " + py::str(array.dtype()).cast<std::string>()
                                     : py::str(py::type::of(given)).cast<std::string>();
@@ -30,6 +49,7 @@ py::array_t<Number, py::array::c_style> numbersFrom(const py::object& given, py:
     throw py::value_error(std::string("expected ") + wanted + ", found an array of " +
                           std::to_string(array.ndim()) + " dimensions");
   }
+  if (std::is_integral_v<Number> && array.dtype().kind() == 'f') checkWhole(Doubles(array));
   return py::array_t<Number, py::array::c_style | py::array::forcecast>(array);
 }
 
@@ -51,10 +71,22 @@ inline std::vector<std::int16_t> shortNumbers(const py::object& given, py::ssize
   return all;
 }
 
+inline void checkOnce(std::vector<std::int16_t> numbers) {
+  std::sort(numbers.begin(), numbers.end());
+  const auto twice = std::adjacent_find(numbers.begin(), numbers.end());
+  if (twice == numbers.end()) return;
+  throw py::value_error("the record number " + std::to_string(*twice) + " stands twice");
+}
+
 /// The numbers of `count` records: those given, else 1 and on.
 inline std::vector<std::int16_t> recordNumbers(const py::object& given, py::ssize_t count) {
-  if (!given.is_none()) return shortNumbers(given, count, "one record number a row");
-  return shortNumbers(py::module_::import("numpy").attr("arange")(1, count + 1), count, "records");
+  if (given.is_none()) {
+    return shortNumbers(py::module_::import("numpy").attr("arange")(1, count + 1), count,
+                        "records");
+  }
+  auto numbers = shortNumbers(given, count, "one record number a row");
+  checkOnce(numbers);
+  return numbers;
 }
 
 inline void checkBands(std::int16_t low, py::ssize_t count) {

@@ -70,7 +70,8 @@ class BoundFile : public Bound<File> {
         },
         py::arg("sFileName"),
         "Reads a file into a new header and a new object. FileError says what is wrong, and holds "
-        "in .partial what was read in front of it");
+        "in .partial the header as far as it was read and of a map the rows in front of the "
+        "failure");
     return *this;
   }
 

@@ -17,18 +17,31 @@ void blankMasked(AQ_MaskRow& row, std::int16_t low, std::span<double> cells) {
   }
 }
 
+/// The row of each record, none where the map lacks it; a map of no record is another one's.
+std::vector<std::shared_ptr<AQ_MaskRow>> rowsBeside(const std::vector<std::int16_t>& records,
+                                                    const AQ_MaskMap& mask) {
+  std::vector<std::shared_ptr<AQ_MaskRow>> rows;
+  for (const std::int16_t record : records) {
+    rows.push_back(found([&](std::int16_t n) { return mask.Row(n); }, record));
+  }
+  if (rows.empty() || std::any_of(rows.begin(), rows.end(), [](auto& row) { return !!row; })) {
+    return rows;
+  }
+  throw py::value_error("expected a map with rows of the history's records, found none of them");
+}
+
 Levels levelsOf(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* mask) {
   const auto spectra = spectraOf(history);
+  std::vector<std::shared_ptr<AQ_MaskRow>> rows(spectra.numbers.size());
+  if (mask != nullptr) rows = rowsBeside(spectra.numbers, *mask);
   const NumberRange bands = bandsOf(spectra.objects);
   const auto width = static_cast<std::size_t>(countOf(bands));
   Levels levels({std::ssize(spectra.objects), countOf(bands)});
   double* line = levels.mutable_data();
   for (std::size_t i = 0; i < spectra.objects.size(); ++i, line += width) {
     const std::span<double> cells(line, width);
-    takeLevels(*spectra.objects[i], bands.low, cells);
-    if (mask == nullptr) continue;
-    const auto row = found([&](std::int16_t n) { return mask->Row(n); }, spectra.numbers[i]);
-    if (row) blankMasked(*row, bands.low, cells);
+    at("record", spectra.numbers[i], [&] { takeLevels(*spectra.objects[i], bands.low, cells); });
+    if (rows[i]) blankMasked(*rows[i], bands.low, cells);
   }
   return levels;
 }

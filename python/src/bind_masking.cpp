@@ -56,13 +56,24 @@ std::shared_ptr<AQ_MaskRow> rowFrom(const Numbers& modes, const Numbers& adjustm
   return row;
 }
 
+/// Codes of modes or adjustments: a frame or an array that was aligned has NaN for no decision.
+Numbers codesFrom(const py::object& given) {
+  const char* const wanted = "numbers in two dimensions, (records, bands)";
+  const auto array = py::array::ensure(shown(given));
+  if (!array || array.dtype().kind() != 'f') return numbersFrom<std::int64_t>(given, 2, wanted);
+  Doubles cells(array.attr("copy")());
+  std::replace_if(
+      cells.mutable_data(), cells.mutable_data() + cells.size(),
+      [](double cell) { return std::isnan(cell); }, double{kNoDecision});
+  return numbersFrom<std::int64_t>(cells, 2, wanted);
+}
+
 std::shared_ptr<AQ_MaskMap> mapFromArrays(const py::object& modes, const py::object& adjustments,
                                           std::int16_t lowBand, const py::object& records) {
-  const char* const wanted = "numbers in two dimensions, (records, bands)";
-  const auto modeCodes = numbersFrom<std::int64_t>(modes, 2, wanted);
+  const auto modeCodes = codesFrom(modes);
   Numbers adjustCodes;
   if (!adjustments.is_none()) {
-    adjustCodes = numbersFrom<std::int64_t>(adjustments, 2, wanted);
+    adjustCodes = codesFrom(adjustments);
     if (adjustCodes.shape(0) != modeCodes.shape(0) || adjustCodes.shape(1) != modeCodes.shape(1)) {
       throw py::value_error("expected modes and adjustments of one shape");
     }

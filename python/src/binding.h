@@ -88,6 +88,8 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
               std::invoke(set, *view.owner, key, std::move(value));
             },
             py::arg("number"), py::arg("value"))
+        .def("__repr__", [text = "<" + name_ + "." + name +
+                                 ": by number, in () or []>"](const View&) { return text; })
         .attr("__iter__") = py::none();
     this->def_property_readonly(
         name, [](Object self) { return View{std::move(self)}; }, doc);
@@ -175,6 +177,7 @@ void bindMasking(py::module_& module);
 void bindSpectral(py::module_& module);
 void bindHistory(const py::module_& module);  // of the spectral room
 void bindGeometry(py::module_& module);
+void bindEmission(const py::module_& module);  // of the geometry room
 void bindFiles(py::module_& module);
 void bindCheck(py::module_& module);
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <algorithm>
-
 #include "arrays.h"
 
 namespace aq::python {
@@ -12,6 +10,16 @@ constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
 /// The level of a band, nothing when it has none.
 inline std::shared_ptr<Variant> storedLevel(const AQ_Spectrum& spectrum, std::int16_t band) {
   return found([&](std::int16_t n) { return std::make_shared<Variant>(spectrum.SPL(n)); }, band);
+}
+
+/// Runs `work`; what the model throws says `place` first.
+template <class Work>
+auto at(const char* place, std::int16_t number, const Work& work) {
+  try {
+    return work();
+  } catch (const Error& error) {
+    throw Error(error.code(), place + (" " + std::to_string(number)) + ": " + error.what());
+  }
 }
 
 /// Puts the levels of a spectrum from band `low` on, into `cells`, which have room for all.
@@ -27,7 +35,9 @@ inline void takeLevels(const AQ_Spectrum& spectrum, std::int16_t low, std::span<
   }
   for (const std::int16_t band : numbersOf({spectrum.LowBand(), spectrum.HighBand()})) {
     const auto level = storedLevel(spectrum, band);
-    if (level) cells[static_cast<std::size_t>(band - low)] = level->toDouble();
+    if (!level) continue;
+    cells[static_cast<std::size_t>(band - low)] =
+        at("band", band, [&] { return level->toDouble(); });
   }
 }
 

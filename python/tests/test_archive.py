@@ -10,6 +10,7 @@ from typing import Any, Callable
 import dask
 import numpy as np
 import pytest
+import xarray as xr
 
 import aq_data as aq
 from conftest import PROJECT
@@ -23,16 +24,23 @@ def test_a_scan_lists_all_and_what_is_wrong(archive: Archive, tmp_path: Path, ca
     paths[17].write_text(text[: text.rindex(",")] + ",6x.2\n")
     (tmp_path / "notes").mkdir()
     (tmp_path / "notes" / "letter.txt").write_text("Dear colleague,\n")
+    late = tmp_path / "late.gth.csv"  # records 5 and 6
+    text = (PROJECT / "tests/data/geometric-time-history/good/two-points.csv").read_text()
+    late.write_text(text.replace("\n1,", "\n5,").replace("\n2,", "\n6,"))
     frame = aq.scan(tmp_path, progress=True)
     assert "100%" in capfd.readouterr().err
-    assert len(frame) == 41 and list(frame[~frame.ok].path) == [
+    assert len(frame) == 42 and list(frame[~frame.ok].path) == [
         str(paths[17]),
         str(tmp_path / "notes" / "letter.txt"),
     ]
+    assert (frame[frame.ok].errors == 0).all() and (frame[~frame.ok].errors > 0).all()
+    late_row = frame[frame.path == str(late)].iloc[0]
+    assert (late_row.records, late_row.first_record) == (2, 5)
     damaged = frame[frame.path == str(paths[17])].iloc[0]
     assert (damaged.line, damaged.field, damaged.found) == (80, 27, '"6x.2"')
     good = frame.iloc[0]
     assert (good.kind, good.records, good.high_band) == ("SpectralTimeHistory", 60, 40)
+    assert (good.begin, good.averaging, good.stamp) == ("00:00:00", "LINEAR", "START")
     with pytest.raises(NotADirectoryError):
         aq.scan(paths[0])
 
@@ -52,7 +60,9 @@ def test_a_check_finds_what_the_tool_finds(archive: Archive, tmp_path: Path, sam
     assert len(aq.check(sample / "fly-over.s*.csv")) == 0
 
 
-def test_many_histories_are_one_lazy_dataset(archive: Archive, tmp_path: Path, mask: Any) -> None:
+def test_many_histories_are_one_lazy_dataset(
+    archive: Archive, tmp_path: Path, mask: Any, monkeypatch: Any
+) -> None:
     paths = archive(5)
     narrow = aq.AQ_SpectralTimeHistory.from_numpy([[50.0]], low_band=42)
     aq.write(narrow, tmp_path / "0005.sth.csv")
@@ -65,12 +75,25 @@ def test_many_histories_are_one_lazy_dataset(archive: Archive, tmp_path: Path, m
             np.testing.assert_allclose(levels, aq.read(paths[3]).data.to_numpy())
             assert ds.level.values[-1, -1] == 50 and np.isnan(ds.level.values[-1, 0])
     aq.write(mask, tmp_path / "mask.csv")
-    masked = aq.open_many(paths, masks=[tmp_path / "mask.csv"] * 5)
+    monkeypatch.chdir(tmp_path)
+    masked = aq.open_many([path.name for path in paths], masks=["mask.csv"] * 5)
+    monkeypatch.chdir(PROJECT)
     assert int(masked.aq.masked.sum().compute()) == 5 * 146
+    alone = aq.read(paths[4]).data.to_xarray(mask)
+    part = masked.isel(time=(masked.file == 4).values).drop_vars(["file", "path"]).compute()
+    assert set(alone.variables) == set(part.variables)
+    for name in alone.variables:
+        xr.testing.assert_identical(part[name].variable, alone[name].variable)
+    aq.write(aq.AQ_MaskMap.from_numpy([[0]]), tmp_path / "misfit.csv")
+    with pytest.warns(UserWarning, match="misfit.csv: expected a map of the history's 60 records"):
+        maps = [tmp_path / "mask.csv", tmp_path / "misfit.csv"]
+        assert list(aq.open_many(paths[:2], maps, errors="skip").path) == [str(paths[0])]
 
 
 def test_a_damaged_file_raises_or_is_left_out(archive: Archive, tmp_path: Path) -> None:
     paths = archive(3)
+    aq.write(aq.read(paths[0]), tmp_path / "[0].sth.csv")  # a name that is also a pattern
+    assert list(aq.open_many(tmp_path / "[0].sth.csv").path) == [str(tmp_path / "[0].sth.csv")]
     paths[1].write_text(paths[1].read_text()[:-40])
     with pytest.raises(aq.FileError, match="0001"):
         aq.open_many(paths)

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import pickle
 from typing import Any
 
 import numpy as np
@@ -68,6 +69,11 @@ def test_any_layout_and_type_of_number_is_right(given: Any) -> None:
         (lambda: History.from_numpy(np.zeros((32768, 1))), ValueError, "32768"),
         (lambda: History.from_numpy(np.zeros((2, 2)), records=[1]), ValueError, "2 of them"),
         (lambda: History.from_numpy(np.zeros((1, 2)), records=[40000]), ValueError, "40000"),
+        (lambda: History.from_numpy([[0], [0]], records=[1, 1]), ValueError, "1 stands twice"),
+        (lambda: History.from_numpy([[1.0]], records=[1.5]), ValueError, "numbers, found 1.5"),
+        (lambda: Map.from_numpy([[1.7]]), ValueError, "whole numbers, found 1.7"),
+        (lambda: setattr(Map.from_numpy([[0]]), "last_good_bands", [36.5]), ValueError, "36.5"),
+        (lambda: History.from_numpy(LEVELS).to_numpy(Map()), ValueError, "found none of them"),
         (lambda: Spectrum.from_numpy(LEVELS), ValueError, "one dimension"),
         (lambda: Map.from_numpy([[0.0, 300.0]]), OverflowError, "300"),
         (lambda: Map.from_numpy([[0]], [[0, 0]]), ValueError, "one shape"),
@@ -94,7 +100,7 @@ def test_what_is_no_such_array_is_refused(action: Any, kind: type, text: str) ->
 def test_a_level_that_is_no_number_has_no_array() -> None:
     history = History.from_numpy(LEVELS)
     history.spectrum[1].SPL[18] = "loud"
-    with pytest.raises(TypeError):
+    with pytest.raises(TypeError, match="record 1: band 18"):
         history.to_numpy()
 
 
@@ -106,6 +112,8 @@ def test_masks_keep_modes_adjustments_and_gaps() -> None:
     assert mask.Row(1).LGB == 29
     back = mask.to_numpy()
     np.testing.assert_array_equal(back, [modes[::-1], adjustments[::-1]])
+    hidden = np.ma.array(modes, mask=modes == 2)
+    assert Map.from_numpy(hidden).to_numpy()[0].tolist() == [[-1, 1, 0], [3, -1, -1]]
     assert back[0].dtype == np.int8 and list(mask.bands) == [27, 28, 29]
 
 
@@ -127,8 +135,10 @@ def test_tables_of_times_metrics_positions_and_geometry() -> None:
         name: [float(i)]
         for i, name in enumerate(aq.AQ_GeometryTimeHistory().to_numpy().dtype.names or (), start=1)
     }
-    geometry = aq.AQ_GeometryTimeHistory.from_numpy(columns)
-    point = geometry.Point(1)
+    geometry = aq.AQ_GeometryTimeHistory.from_numpy(columns, records=[7])
+    for twin in (pickle.loads(pickle.dumps(geometry)), aq.from_xarray(geometry.to_xarray()).data):
+        assert list(twin.records) == [7] and len(twin) == 1
+    point = geometry.Point(7)
     read = (point.Tm.TODseconds, point.Te.RelSeconds, point.Tprope, point.Pe.Z, point.BETAe)
     assert read == (2, 6, 7, 10, 13)
     assert geometry.to_numpy().tolist() == [tuple(v[0] for v in columns.values())]

@@ -12,6 +12,8 @@ import xarray as xr
 import aq_data as aq
 from conftest import values
 
+HISTORY = aq.AQ_SpectralTimeHistory.from_numpy([[60.0, 61.0]])
+GRID, TWICE, BANDS = (("time", "band"), [[1.0], [2.0]]), ("time", [4, 4]), {"band": [17]}
 LABELLED = ["fly-over.ssr.csv", "fly-over.mask.csv", "fly-over.sth.csv", "fly-over.tspi.csv"]
 
 
@@ -33,7 +35,8 @@ def check_measurement(folder: Path, stem: str, work: Path) -> None:
     ds = history.to_xarray(mask, header, mask_header)
     stored = through_netcdf(ds, work)
     xr.testing.assert_identical(stored, ds)
-    for dataset in (ds, stored, stored.transpose("band", "time")):
+    mixed = stored.isel(band=slice(None, None, -1)).roll(time=7, roll_coords=True)
+    for dataset in (ds, stored, stored.transpose("band", "time"), mixed):
         (header_2, history_2), (mask_header_2, mask_2) = aq.measurement(dataset)
         assert values(mask_2) == values(mask) and values(mask_header_2) == values(mask_header)
         assert values(header_2) == values(header)
@@ -125,11 +128,38 @@ def test_the_engine_joins_the_map_and_drops_variables(sample: Path) -> None:
             xr.Dataset({"level": (("time", "band"), [[1.0, 2.0]])}, {"band": [17, 19]}),
             "bands that follow each other",
         ),
+        (xr.Dataset({"level": ("band", [1.0])}, {"band": [17]}), "over time, band, found it over"),
+        (
+            xr.Dataset({"level": GRID, "record": TWICE, "file": 0}, BANDS),
+            "4 again; select one file",
+        ),
     ],
 )
 def test_a_dataset_without_what_it_needs_says_so(ds: xr.Dataset, text: str) -> None:
     with pytest.raises(ValueError, match=text):
         aq.from_xarray(ds)
+
+
+@pytest.mark.parametrize(
+    "action, kind, text",
+    [
+        (lambda ds: aq.from_xarray([ds]), TypeError, "expected Dataset, found list"),
+        (lambda ds: HISTORY.to_xarray(HISTORY), TypeError, "expected AQ_MaskMap"),
+        (lambda ds: HISTORY.to_xarray(header=aq.AQ_HeaderGTH()), TypeError, "AQ_HeaderSTH"),
+        (lambda ds: ds.aq.with_geometry(5), TypeError, "found int"),
+        (lambda ds: ds.aq.with_geometry(ds), ValueError, "lacks slant_range"),
+        (lambda ds: ds.drop_vars("frequency").aq.between(1, 2), ValueError, "lacks frequency"),
+        (lambda ds: ds.aq.overall([99]), ValueError, "99"),
+        (lambda ds: aq.write(ds.assign(mask_mode=ds.level), "x.csv"), ValueError, "measurement"),
+        (lambda ds: aq.write(aq.Tracking(None, None), "x.csv"), TypeError, "Tracking"),  # type: ignore
+        (lambda ds: aq.plot.page(aq.AQ_SpectralTimeHistory()), ValueError, "levels, found none"),
+        (lambda ds: aq.plot.level_time(aq.AQ_MaskMap()), ValueError, "lacks level"),
+        (lambda ds: aq.plot.spectrogram(5), TypeError, "found int"),
+    ],
+)
+def test_what_people_get_wrong_is_named(action: Any, kind: type, text: str) -> None:
+    with pytest.raises(kind, match=text):
+        action(HISTORY.to_xarray())
 
 
 def test_a_map_of_another_measurement_is_refused(history: Any, mask: Any) -> None:

@@ -56,3 +56,21 @@ def test_pictures_show_the_masks_and_the_rejected(pictures: Any) -> None:
     with pytest.raises(ValueError, match="found 999"):
         aq.plot.spectrum(aq.AQ_SpectralTimeHistory.from_numpy([[1.0]]), 999)
     plt.close("all")
+
+
+def test_a_spectrogram_shows_gaps_and_what_lies_outside(history: Any, mask: Any) -> None:
+    ds = history.to_xarray(mask)
+    ds["last_good_band"][:3] = [0, 9999, 20]
+    mesh = aq.plot.spectrogram(ds.isel(time=[0, 1, 2, 9], band=slice(5, 9))).axes
+    assert mesh.collections[0].get_array().reshape(4, 10)[:, 3:9].mask.all()
+    edges = mesh.lines[0].get_ydata()
+    assert edges[:6].tolist() == [25.5, 25.5, 21.5, 21.5, 21.5, 21.5] and edges[-1] == 25.5
+    over = aq.plot.level_time(ds.isel(time=[0, 9]), {"a": 0.0, "b": 1.0})
+    assert np.isnan(over.lines[0].get_ydata()[1:9]).all()
+    assert [text.get_text() for text in over.texts] == ["a", "b"]
+    history.times = {"TODseconds": 86390 + np.arange(60) / 2 - 86400 * (np.arange(60) > 19)}
+    history.times = {"RelSeconds": np.zeros(60)}
+    assert np.ptp(aq.plot.level_time(history).lines[0].get_xdata()) == 29.5
+    history.times = {"TODseconds": np.zeros(60)}
+    assert aq.plot.level_time(history).get_xlabel() == "Record"
+    plt.close("all")

@@ -1,0 +1,127 @@
+"""What pictures have in common: datasets ready to be drawn, axes of time and frequency, legends."""
+
+from __future__ import annotations
+
+from typing import Any, Optional
+
+import matplotlib.pyplot as plt
+import matplotlib.ticker
+import numpy as np
+import xarray as xr
+from matplotlib.axes import Axes
+
+from .attributes import NO_DECISION, band_coordinates, dataset_of, need_once
+
+DAY = 86400.0
+_TIMES = {
+    "relative_time": "Time relative to reference (s)",
+    "time": "Time of day (h:min:s)",
+    "record": "Record",
+}
+
+
+def axes(ax: Optional[Axes]) -> Axes:
+    return plt.subplots(figsize=(8, 4.5), layout="constrained")[1] if ax is None else ax
+
+
+# Histories.
+
+
+def history_of(data: Any) -> xr.Dataset:
+    """The dataset of a history, for what is drawn of it."""
+    ds = dataset_of(data, "level", "band", "frequency", "time", "record")
+    need_once(ds)
+    if not np.isfinite(ds.aq.level.values).any():
+        raise ValueError("expected a history with levels, found none")
+    return ds
+
+
+def complete(ds: xr.Dataset) -> xr.Dataset:
+    """Every record and band from first to last: those that a history lacks have no level.
+
+    Gaps then look like gaps, and cells are as wide as a record.
+    """
+    ds = ds.sortby("band").isel(time=np.argsort(ds["record"].values))
+    records, bands = (
+        np.arange(values[0], values[-1] + 1) for values in (ds["record"].values, ds["band"].values)
+    )
+    coordinates: dict[str, Any] = {
+        name: ("time", np.interp(records, ds["record"].values, ds[name].values), ds[name].attrs)
+        for name in ("time", "relative_time")
+        if name in ds.variables
+    }
+    wide = ds.assign_coords(time=ds["record"].values).reindex(
+        time=records, band=bands, fill_value={"mask_mode": NO_DECISION}
+    )
+    coordinates.update(band_coordinates(bands), record=("time", records))
+    return wide.assign_coords(coordinates)
+
+
+# Axes.
+
+
+def _clock(seconds: float, _: Any = None) -> str:
+    """A time of day; what a margin or a flight has beyond midnight is another day's."""
+    whole, thousandths = divmod(round(seconds % DAY * 1000), 1000)
+    text = f"{whole // 3600 % 24:02}:{whole // 60 % 60:02}:{whole % 60:02}.{thousandths:03}"
+    return text.rstrip("0").rstrip(".") if thousandths else text[:-4]
+
+
+def _tells(values: Any) -> bool:
+    """Whether times were ever stamped: all the same, they are not those of several records."""
+    return bool(values.any() if values.size == 1 else values.size and np.ptp(values) > 0)
+
+
+def time_axis(ax: Axes, first: xr.Dataset, *others: xr.Dataset) -> list[Any]:
+    """The times of datasets for a picture, of the kind that the first one has.
+
+    Relative to the reference where there are such times, else of day, else record numbers.
+    """
+    kinds = [name for name in _TIMES if name in first.variables]
+    name = next((kind for kind in kinds if _tells(first[kind].values)), kinds[-1])
+    ax.set_xlabel(_TIMES[name])
+    ax.xaxis.set_major_locator(matplotlib.ticker.MaxNLocator(5 if name == "time" else "auto"))
+    times = [ds[name].values for ds in (first, *others)]
+    if name != "time" or not times[0].size:
+        return times
+    ax.xaxis.set_major_formatter(_clock)
+    start = times[0][0]  # a flight over midnight goes on to the right
+    return [start + (each - start + DAY / 2) % DAY - DAY / 2 for each in times]
+
+
+def _frequency_label(hertz: float) -> str:
+    return f"{hertz / 1000:g}k" if hertz >= 1000 else f"{hertz:g}"
+
+
+def frequency_axis(axis: Any, ds: xr.Dataset) -> None:
+    """Ticks at every third band, an octave apart, named by their nominal frequencies."""
+    bands = ds["band"].values
+    octaves = bands[bands % 3 == 0]
+    if len(octaves) == 0:
+        octaves = bands
+    frequencies = dict(zip(bands, ds["frequency"].values))
+    axis.set_ticks(octaves, labels=[_frequency_label(frequencies[band]) for band in octaves])
+    axis.set_label_text("One-third-octave band (Hz)")
+
+
+def edges(centres: Any) -> Any:
+    """Cell edges half-way between centres; a centre alone gets a cell of half a second."""
+    if len(centres) < 2:
+        return np.concatenate([centres - 0.25, centres + 0.25])
+    middles = (centres[1:] + centres[:-1]) / 2
+    first, last = centres[0] - (middles[0] - centres[0]), centres[-1] * 2 - middles[-1]
+    return np.concatenate([[first], middles, [last]])
+
+
+def legend_above(ax: Axes, handles: list[Any]) -> None:
+    """Where it hides no data; titles of a page stand left of it."""
+    ax.legend(
+        handles=handles,
+        loc="lower right",
+        bbox_to_anchor=(1, 1),
+        ncols=len(handles),
+        frameon=False,
+        handlelength=1.4,
+        columnspacing=1.0,
+        borderaxespad=0.2,
+    )
