@@ -91,6 +91,7 @@ const Change kChanges[] = {
     {"fly-over.ssr.csv", "B18/63Hz", "B18", {"6:2 heading"}},
     {"fly-over.ssr.csv", "34.70\n", "34.70\n\n1\n2\n", {"9:0 second-data-set"}},
     {"fly-over.mic.csv", "1.2\n", "1.2\n1,2,3,4\n", {"10:0 second-data-set"}},
+    {"fly-over.mic.csv", "1.2\n", "x\n", {"9:4 unreadable"}},
     {"fly-over.ini.csv", "MIDPT", "MIDDLE", {"5:2 other-word"}},
     {"fly-over.ini.csv", "NuTimg", "NuAvg", {"5:2 other-word"}},
     {"fly-over.ini.csv", "PrWndo**, 10", "PrWndo**, 10,x", {"6:3 lost-text"}},
@@ -126,6 +127,7 @@ TEST(Check, PositionsAndGeometry) {
             Found{"8:2 record-count"});
   EXPECT_EQ(changed(positions, "10:00:00.2", "10:00:00.1"), Found{"15:1 time-order"});
   EXPECT_EQ(changed(geometry, "2,10:00:05.5", "2,10:00:06"), Found{"21:2 time-step r2"});
+  EXPECT_EQ(changed(geometry, "\n2,10", ",1,2\n2,10"), Found{"20:12 extra-fields"});
   std::vector<std::string> rejected;
   checkFixes((test::kData / "tracking/good/four-positions.csv").string(), 254,
              [&](const Finding& finding) { rejected.push_back(shortForm(finding)); });

@@ -40,6 +40,7 @@ TEST(NumberText, ReadsWholeFields) {
       {"1e-400", 0},
       {"0.001e-9223372036854775808", 0},
       {"0.3e1", 3},
+      {".5e1", 5},
       {"123456789012345678901234567890", 1.2345678901234568e29},
       {"0.000000000000000000000000000001", 1e-30},
       {"179769313486231570e291", Limits::max()}};
@@ -122,6 +123,13 @@ TEST(PlainNumber, IsSingleWhileItsDigitsAreExact) {
   EXPECT_TRUE(numberFrom(plainNumber("1677.7216"), single));
   EXPECT_EQ(single, 1677.7216F);
   EXPECT_FALSE(numberFrom(plainNumber("1677.7217"), single));
+}
+
+TEST(LevelText, AnyNumberOfLevels) {
+  std::string text;
+  appendLevels(text, std::vector<double>(1000, -65.3));
+  appendLevels(text, std::vector<LevelCode>(1000, LevelCode{6530}));
+  EXPECT_EQ(text.size(), 7 * 1000 - 1 + 6 * 1000 - 1);
 }
 
 TEST(LevelText, EveryCodeHasItsTextAndEveryOtherLevelNone) {

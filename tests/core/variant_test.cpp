@@ -1,4 +1,5 @@
 #include <aq/core/date_text.h>
+#include <aq/core/enumerations.h>
 #include <aq/core/variant.h>
 #include <gtest/gtest.h>
 
@@ -40,6 +41,30 @@ TEST(Variant, Converts) {
   const auto object = std::make_shared<int>(3);
   EXPECT_EQ(Variant(object).toObject<int>(), object);
   EXPECT_EQ(Variant(object), Variant(object));
+}
+
+template <class Value>
+void expectFrom(int first, std::initializer_list<Value> values) {
+  for (const Value value : values) EXPECT_EQ(value, first++);
+}
+
+TEST(Enumerations, HaveTheNumbersThatHostsStore) {
+  expectFrom(0, {AQ_LINEAR, AQ_TRUSLO, AQ_4S100, AQ_4S95, AQ_CONTEXPO});
+  expectFrom(0, {AQ_START, AQ_MIDPT, AQ_END, AQ_ICAOSLO, AQ_OLDSLO});
+  expectFrom(0,
+             {AQ_START_REF, AQ_OVERHEAD, AQ_AMAX, AQ_PMAX, AQ_TMAX, AQ_OAMAX, AQ_HACK, AQ_OTHER});
+  expectFrom(0,
+             {NOT_MASKED, MASKED_BY_MASK_CRITERION, MASKED_BY_PRE_DETECT, MASKED_BY_POST_DETECT});
+  expectFrom(0, {NOT_ADJUSTED, ENERGY_SUBTRACTION, FREQUENCY_EXTRAPOLATION, TIME_EXTRAPOLATION,
+                 AVG_OF_ADJACENT, CORRECTIONS_APPLIED, ADJ_TO_REFERENCE});
+  expectFrom(
+      1, {AQ_METRIC_AWT, AQ_METRIC_CWT, AQ_METRIC_DWT, AQ_METRIC_OA, AQ_METRIC_PNL, AQ_METRIC_PNLT,
+          AQ_METRIC_TONECOR, AQ_METRIC_TONEBND, AQ_METRIC_LGB, AQ_METRIC_INTEG});
+  expectFrom(1, {AQ_INTEG_MAX, AQ_INTEG_FST});
+  EXPECT_EQ(AQ_INTEG_LST * 10000 + AQ_INTEG_2ND * 1000 + AQ_NA, 48099);
+  EXPECT_EQ(AQ_INVALID_LEVEL, 9999);
+  EXPECT_EQ(AQ_DATA_FILE_ERROR, 2);
+  expectFrom(0, {AQ_TIME_TOD, AQ_TIME_REF});
 }
 
 TEST(Variant, RefusesWhatDoesNotConvert) {

@@ -165,6 +165,8 @@ TEST(GeometryTimeHistory, SettingRelativeTimesFailsAtTheFirstPoint) {
   const auto reference = std::make_shared<AQ_Time>();
   AQ_GeometryTimeHistory none;
   none.setRelTimes(reference, AQ_PMAX);
+  none.Point(2, std::make_shared<AQ_Geometry>());
+  EXPECT_ERROR(none.setRelTimes(reference, AQ_PMAX), InvalidArgument);
   auto history = points(1);
   EXPECT_ERROR(history.setRelTimes(reference, AQ_PMAX), MemberNotSupported);
   EXPECT_EQ(history.ReferenceTime(), reference);

@@ -30,6 +30,10 @@ TEST(Spectrum, RangeOnlyWidens) {
   high.SPL(10000, 1.0);
   EXPECT_EQ(high.LowBand(), 9999);  // the low end starts there
   EXPECT_ERROR(high.Copy(), InvalidArgument);
+  AQ_Spectrum low;
+  low.SPL(-2, 1.0);
+  EXPECT_EQ(low.HighBand(), -1);  // as does the high end there
+  EXPECT_ERROR(low.Copy(), InvalidArgument);
 }
 
 TEST(Spectrum, SharesAndCopiesItsObjects) {
