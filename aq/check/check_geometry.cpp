@@ -102,7 +102,6 @@ void checkGeometry(const std::string& path, const Reporter& report) {
   if (result != AQ_DATA_OK) return report.unreadable(*file.lastFailure());
   const RecordLines records(path, header, kFields, report);
   header.expectCount(keywords::kNumberRecords, records.count(), "points");
-  if (records.count() == 0) return;
   checkTimeSteps(
       records, [&](std::int16_t record) { return history->Point(record)->Tm()->TODseconds(); },
       report);

@@ -48,7 +48,7 @@ const Change kChanges[] = {
     {kHistory, "Fly-over", "Fly-over", {}},
     {kHistory, "61.48", "6x.2", {"22:5 unreadable"}},
     {kHistory, "Spectral Time-History", "Landing", {"1:0 unknown-kind"}},
-    {kHistory, "Bands**,17, 40", "Bands**,-6, 17", {}},  // no band below 10 Hz has a heading
+    {kHistory, "Bands**,17, 40", "Bands**,-6, 17", {}},  // a band below 2 has no heading
     {kHistory, "ProjectName**", "microphoneid**", {"4:1 keyword"}},
     {kHistory, "Fly-over sample", "Fly-over**sample", {"4:0 lost-text"}},
     {kHistory, "MicrophoneID**,", "MicrophoneID**", {"5:0 lost-text"}},
@@ -78,6 +78,8 @@ const Change kChanges[] = {
      "14:30:01.45",
      {"24:2 time-step r3", "25:2 time-step r4", "24:3 relative-time r3"}},
     {kHistory, "14:30:14.75", "14:30:15.75", {"22:3 relative-time r1"}},
+    {kHistory, "61.62", "200.00", {}},
+    {kHistory, "61.62", "-20.00", {}},
     {kHistory, "61.62", "200.01", {"23:5 level-range r2 b18"}},
     {kHistory, "61.62", "-20.01", {"23:5 level-range r2 b18"}},
     {kHistory, "61.62", "9999", {"23:5 level-invalid r2 b18"}},
@@ -111,6 +113,10 @@ TEST(Check, OneChangeIsFoundWhereItWasMade) {
     const std::string path = folder.with("changed", replaced(text, change.from, change.to));
     EXPECT_EQ(findingsIn(path), change.findings);
   }
+  std::string message;
+  const std::string fewer = replaced(test::contentOf(kSamples / kHistory), ",B40/10kHz", "");
+  checkFile(folder.with("changed", fewer), [&](const Finding& found) { message = found.message; });
+  EXPECT_EQ(message, "expected 27 headings, found 26");
   EXPECT_EQ(findingsIn(folder.file("none")), std::vector<std::string>{"0:0 unreadable"});
 }
 

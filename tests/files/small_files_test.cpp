@@ -1,4 +1,5 @@
 #include <aq/aq.h>
+#include <aq/core/band_label.h>
 #include <gtest/gtest.h>
 
 #include <map>
@@ -59,6 +60,7 @@ TEST(DataSSR, WritesOneBandOrMoreWithoutAGap) {
   ASSERT_EQ(file.writeFile(folder.file("one"), header, one), AQ_DATA_OK);
   ASSERT_EQ(file.readFile(folder.file("one"), spectrum), AQ_DATA_OK);
   EXPECT_EQ(spectrum->SPL(50), Variant(9999.0));
+  EXPECT_EQ(bandLabel(2), "B2/1.6Hz");
   one.SPL(51, 1.0);
   EXPECT_ERROR(file.writeFile(folder.file("two"), header, one), InvalidArgument);
   EXPECT_ERROR(file.writeFile(folder.file("two"), header, AQ_Spectrum()), InvalidArgument);

@@ -47,6 +47,7 @@ TEST(DataPTH, CountsAndDatesAreMadeAfresh) {
   EXPECT_EQ(header.lNumberRecords, 3);
   const ReadPTH again(folder.file("out"));
   EXPECT_EQ(again.header->nOtherRecords, 1);
+  EXPECT_EQ(again.model->Position(1)->Time()->RelSeconds(), 0);
   EXPECT_NE(again.header->sTSPIFileDateTime, "not written");
 }
 

@@ -89,6 +89,7 @@ TEST(PositionTimeHistory, ReplacingGoesToTheEndAndACopyIsNumberedAfresh) {
   EXPECT_EQ(copy->Position(2)->X(), 20);
   EXPECT_EQ(copy->Position(3)->X(), 30);
   EXPECT_NE(copy->Position(1)->Time(), history.Position(1)->Time());
+  EXPECT_EQ(copy->Position(1)->Time()->TODseconds(), 1);
 }
 
 TEST(PositionTimeHistory, MoreThanCountCanTell) {

@@ -135,6 +135,9 @@ TEST(History, BandsAcrossRecords) {
   made->Band(20, partial);  // ends quietly at record 5
   EXPECT_EQ(made->spectrum(4)->SPL(20), Variant(2.0));
   EXPECT_EQ(made->spectrum(6)->SPL(20), Variant(std::int16_t{0}));
+  const auto one = history(4, 4);
+  one->Band(20, partial);
+  EXPECT_EQ(one->spectrum(4)->SPL(20), Variant(2.0));
   made->Band(21, band);
   EXPECT_EQ(made->spectrum(4)->SPL(21), Variant(64.5));
 }

@@ -26,6 +26,8 @@ TEST(Spectrum, RangeOnlyWidens) {
   AQ_Spectrum whole;
   for (const int band : {18, 17, 19}) whole.SPL(static_cast<std::int16_t>(band), 60.5);
   EXPECT_EQ(whole.levelCodes().size(), 3U);
+  whole.SPL(18, 60.125);
+  EXPECT_EQ(whole.plainLevels(), (std::vector<double>{60.5, 60.125, 60.5}));
   AQ_Spectrum high;
   high.SPL(10000, 1.0);
   EXPECT_EQ(high.LowBand(), 9999);  // the low end starts there
