@@ -94,6 +94,7 @@ const Change kChanges[] = {
     {"fly-over.ssr.csv", "34.70\n", "34.70\n\n1\n2\n", {"9:0 second-data-set"}},
     {"fly-over.mic.csv", "1.2\n", "1.2\n1,2,3,4\n", {"10:0 second-data-set"}},
     {"fly-over.mic.csv", "1.2\n", "x\n", {"9:4 unreadable"}},
+    {"fly-over.ini.csv", "Lines**,0\n", "Lines**,1\na,b\n", {"5:2 lost-text"}},
     {"fly-over.ini.csv", "MIDPT", "MIDDLE", {"5:2 other-word"}},
     {"fly-over.ini.csv", "NuTimg", "NuAvg", {"5:2 other-word"}},
     {"fly-over.ini.csv", "PrWndo**, 10", "PrWndo**, 10,x", {"6:3 lost-text"}},
@@ -133,6 +134,8 @@ TEST(Check, PositionsAndGeometry) {
             Found{"8:2 record-count"});
   EXPECT_EQ(changed(positions, "10:00:00.2", "10:00:00.1"), Found{"15:1 time-order"});
   EXPECT_EQ(changed(geometry, "2,10:00:05.5", "2,10:00:06"), Found{"21:2 time-step r2"});
+  EXPECT_EQ(changed(geometry, "NumberRecords**,2", "NumberRecords**,3"),
+            Found{"15:2 record-count"});
   EXPECT_EQ(changed(geometry, "\n2,10", ",1,2\n2,10"), Found{"20:12 extra-fields"});
   std::vector<std::string> rejected;
   checkFixes((test::kData / "tracking/good/four-positions.csv").string(), 254,

@@ -200,6 +200,9 @@ TEST(History, LastGoodBandsFromTheMap) {
   EXPECT_EQ(map.Row(6)->HighBand(), 29);  // bands 28 and 29 came in
   map.Row(9, map.Row(1));
   EXPECT_ERROR(made.setLGB(map), InvalidArgument);
+  map.Row(1, nullptr);
+  EXPECT_ERROR(made.setLGB(map), ObjectNotSet);
+  EXPECT_EQ(made.spectrum(1)->Metric()->LGB(), 0);  // that band stood for the row before
 }
 
 TEST(History, EncompassesTheMapRowByRow) {

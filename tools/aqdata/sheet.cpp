@@ -123,7 +123,7 @@ void Sheet::keepBands(Range range, const std::string& file) {
   const std::int16_t newLow = std::max(low, range.first);
   const std::int16_t newHigh = std::min(high, range.last);
   if (newLow > newHigh) failEmpty(file, "band", range);
-  const auto size = static_cast<std::size_t>(newHigh - newLow + 1);
+  const auto size = static_cast<std::size_t>(newHigh - newLow) + 1;
   for (Row& row : rows) {
     const auto begin =
         row.bands.begin() +
