@@ -78,7 +78,12 @@ std::string zsh(CLI::App& program) {
       "    _files\n"
       "  fi\n"
       "}}\n"
-      "compdef _aqdata aqdata\n",
+      // Loaded by its name on the first use, or sourced.
+      "if [ \"$funcstack[1]\" = _aqdata ]; then\n"
+      "  _aqdata \"$@\"\n"
+      "else\n"
+      "  compdef _aqdata aqdata\n"
+      "fi\n",
       commands, cases);
 }
 
