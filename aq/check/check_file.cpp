@@ -1,5 +1,7 @@
 #include "aq/check/check_file.h"
 
+#include <filesystem>
+
 #include "aq/check/checks.h"
 #include "aq/check/header_check.h"
 #include "aq/core/number_text.h"
@@ -7,6 +9,7 @@
 #include "aq/files/data_ini.h"
 #include "aq/files/file_kind.h"
 #include "aq/spectral/spectral_time_history.h"
+#include "aq/text/checked_keywords.h"
 #include "aq/text/fields.h"
 #include "aq/text/line_reader.h"
 
@@ -46,16 +49,14 @@ void checking(const Reporter& reporter, const Check& check) {
 
 /// A word that a history does not know is read as what a fresh one holds.
 void checkParameterWord(const HeaderLine& line, const Reporter& report) {
+  const bool averaging = line.keyword == keywords::kNuAvg;
+  if (!averaging && line.keyword != keywords::kNuTimg) return;
   std::string room;
   const std::string_view word = cleanField(line.value.substr(0, line.value.find(',')), room);
   AQ_SpectralTimeHistory history;
-  if (line.keyword == "NuAvg") {
-    history.sAveragingMethod(word);
-    checkWord(line.number, word, history.sAveragingMethod(), report);
-  } else if (line.keyword == "NuTimg") {
-    history.sTimeStampType(word);
-    checkWord(line.number, word, history.sTimeStampType(), report);
-  }
+  averaging ? history.sAveragingMethod(word) : history.sTimeStampType(word);
+  checkWord(line.number, word, averaging ? history.sAveragingMethod() : history.sTimeStampType(),
+            report);
 }
 
 }  // namespace
@@ -68,6 +69,19 @@ void checkFile(const std::string& path, const FindingSink& report) {
 void checkFixes(const std::string& path, std::uint8_t limit, const FindingSink& report) {
   const Reporter reporter(report);
   checking(reporter, [&] { checkFixQuality(path, limit, reporter); });
+}
+
+void checkFit(const std::string& historyPath, const std::string& mapPath,
+              const FindingSink& report) {
+  const Reporter reporter(report);
+  checking(reporter, [&] { checkMapFit(historyPath, mapPath, reporter); });
+}
+
+void checkWithHistory(const std::string& path, const FindingSink& report) {
+  checkFile(path, report);
+  const std::string history = historyOfMap(path);
+  std::error_code error;
+  if (std::filesystem::is_regular_file(history, error)) checkFit(history, path, report);
 }
 
 void checkParameters(const std::string& path, const Reporter& report) {

@@ -21,8 +21,8 @@ AQ_API void checkFixes(const std::string& path, std::uint8_t limit, const Findin
 AQ_API void checkFit(const std::string& historyPath, const std::string& mapPath,
                      const FindingSink& report);
 
-/// Where the history that a masking map names as its source should be: beside the map. Empty when
-/// the map does not read or names none.
-[[nodiscard]] AQ_API std::string historyOfMap(const std::string& mapPath);
+/// As `checkFile`; a masking map is also compared with the history that it names, when that is a
+/// file beside it.
+AQ_API void checkWithHistory(const std::string& path, const FindingSink& report);
 
 }  // namespace aq

@@ -53,13 +53,10 @@ void checkQuality(const TrackingLine& fix, std::uint8_t limit, std::size_t line,
 }  // namespace
 
 void checkPositions(const std::string& path, const Reporter& report) {
-  AQ_DataPTH file;
   HeaderCheck header(report);
   std::shared_ptr<AQ_HeaderPTH> fields;
   std::shared_ptr<AQ_PositionTimeHistory> history;
-  file.watchHeader(header.watch());
-  const AQ_DataMessage result = readInto(file, path, fields, history);
-  if (result != AQ_DATA_OK) return report.unreadable(*file.lastFailure());
+  if (!header.reads<AQ_DataPTH>(path, fields, history)) return;
   const std::int32_t count = history->Count();
   header.expectCount(keywords::kNumberRecords, static_cast<std::size_t>(count), "positions");
   TimeOrder order(report);
@@ -81,25 +78,19 @@ void checkTracking(const std::string& path, const Reporter& report) {
 }
 
 void checkMicrophone(const std::string& path, const Reporter& report) {
-  AQ_DataMIC file;
   HeaderCheck header(report);
   std::shared_ptr<AQ_HeaderMIC> fields;
   const auto microphone = std::make_shared<AQ_Microphone>();
-  file.watchHeader(header.watch());
-  const AQ_DataMessage result = readInto(file, path, fields, microphone);
-  if (result != AQ_DATA_OK) return report.unreadable(*file.lastFailure());
+  if (!header.reads<AQ_DataMIC>(path, fields, microphone)) return;
   checkNothingBehind(path, header.lines() + 1, report);
 }
 
 void checkGeometry(const std::string& path, const Reporter& report) {
   constexpr std::size_t kFields = 11;
-  AQ_DataGTH file;
   HeaderCheck header(report);
   std::shared_ptr<AQ_HeaderGTH> fields;
   std::shared_ptr<AQ_GeometryTimeHistory> history;
-  file.watchHeader(header.watch());
-  const AQ_DataMessage result = readInto(file, path, fields, history);
-  if (result != AQ_DATA_OK) return report.unreadable(*file.lastFailure());
+  if (!header.reads<AQ_DataGTH>(path, fields, history)) return;
   const RecordLines records(path, header, kFields, report);
   header.expectCount(keywords::kNumberRecords, records.count(), "points");
   checkTimeSteps(

@@ -22,7 +22,7 @@ struct ReadMap {
 void checkLetters(const std::string& path, const HeaderCheck& header, const Reporter& report) {
   const auto [low, high] = header.integersOf(keywords::kBands);
   LineReader lines(path);
-  while (lines.number() < header.lines() && lines.next()) continue;
+  header.passHeader(lines);
   while (lines.next()) {
     FieldReader fields(lines);
     FindingPlace place{.line = lines.number(), .field = 1};
@@ -85,13 +85,9 @@ void compareRecords(const AQ_SpectralTimeHistory& history, const AQ_MaskMap& map
 }  // namespace
 
 void checkMaskingMap(const std::string& path, const Reporter& report) {
-  AQ_DataMask file;
   HeaderCheck header(report);
   ReadMap read;
-  file.watchHeader(header.watch());
-  if (file.readFile(path, read.header, read.map) != AQ_DATA_OK) {
-    return report.unreadable(*file.lastFailure());
-  }
+  if (!header.reads<AQ_DataMask>(path, read.header, read.map)) return;
   const auto [low, high] = header.integersOf(keywords::kBands);
   const std::size_t bands = low <= high ? static_cast<std::size_t>(high - low) + 1 : 0;
   // The highest band's label stands twice in a map's headings, unless somebody put that right.
@@ -102,8 +98,8 @@ void checkMaskingMap(const std::string& path, const Reporter& report) {
   checkLastGoodBands(records, *read.map, bands + 2, report);
 }
 
-void checkFit(const std::string& historyPath, const std::string& mapPath,
-              const FindingSink& report) {
+void checkMapFit(const std::string& historyPath, const std::string& mapPath,
+                 const Reporter& report) {
   AQ_DataSTH historyFile;
   AQ_DataMask mapFile;
   std::shared_ptr<AQ_HeaderSTH> header;
@@ -111,14 +107,13 @@ void checkFit(const std::string& historyPath, const std::string& mapPath,
   ReadMap read;
   if (historyFile.readFile(historyPath, header, history) != AQ_DATA_OK) return;
   if (mapFile.readFile(mapPath, read.header, read.map) != AQ_DATA_OK) return;
-  const Reporter reporter(report);
   if (history->Count() != read.map->Count()) {
-    reporter(Kind::MapMisfit, {},
-             "the map has " + std::to_string(read.map->Count()) + " rows, its history " +
-                 shown(platform::fileName(historyPath)) + " has " +
-                 std::to_string(history->Count()) + " records");
+    report(Kind::MapMisfit, {},
+           "the map has " + std::to_string(read.map->Count()) + " rows, its history " +
+               shown(platform::fileName(historyPath)) + " has " + std::to_string(history->Count()) +
+               " records");
   }
-  compareRecords(*history, *read.map, reporter);
+  compareRecords(*history, *read.map, report);
 }
 
 std::string historyOfMap(const std::string& mapPath) {

@@ -68,13 +68,10 @@ void checkRelativeTimes(const RecordLines& records, AQ_SpectralTimeHistory& hist
 }  // namespace
 
 void checkHistory(const std::string& path, const Reporter& report) {
-  AQ_DataSTH file;
   HeaderCheck header(report);
   std::shared_ptr<AQ_HeaderSTH> fields;
   std::shared_ptr<AQ_SpectralTimeHistory> read;
-  file.watchHeader(header.watch());
-  if (file.readFile(path, fields, read) != AQ_DATA_OK)
-    return report.unreadable(*file.lastFailure());
+  if (!header.reads<AQ_DataSTH>(path, fields, read)) return;
   AQ_SpectralTimeHistory& history = *read;
   const auto [low, high] = header.integersOf(keywords::kBands);
   header.expectLabels(kBeforeLevels + 1, low, high);
@@ -97,11 +94,9 @@ void checkHistory(const std::string& path, const Reporter& report) {
 }
 
 void checkSpectrumRecord(const std::string& path, const Reporter& report) {
-  AQ_DataSSR file;
   HeaderCheck header(report);
   std::shared_ptr<AQ_Spectrum> spectrum;
-  file.watchHeader(header.watch());
-  if (file.readFile(path, spectrum) != AQ_DATA_OK) return report.unreadable(*file.lastFailure());
+  if (!header.reads<AQ_DataSSR>(path, spectrum)) return;
   header.expectLabels(1, spectrum->LowBand(), spectrum->HighBand());
   const std::size_t levels = header.lines() + 1;
   checkLevels(*spectrum, {.line = levels}, report);

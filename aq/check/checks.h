@@ -13,6 +13,13 @@ namespace aq {
 void checkHistory(const std::string& path, const Reporter& report);
 void checkSpectrumRecord(const std::string& path, const Reporter& report);
 void checkMaskingMap(const std::string& path, const Reporter& report);
+void checkMapFit(const std::string& historyPath, const std::string& mapPath,
+                 const Reporter& report);
+
+/// Where the history that a masking map names as its source should be: beside the map. Empty when
+/// the map does not read or names none.
+std::string historyOfMap(const std::string& mapPath);
+
 void checkPositions(const std::string& path, const Reporter& report);
 void checkTracking(const std::string& path, const Reporter& report);
 void checkFixQuality(const std::string& path, std::uint8_t limit, const Reporter& report);

@@ -9,7 +9,9 @@
 #include <vector>
 
 #include "aq/check/reporter.h"
+#include "aq/text/call_file.h"
 #include "aq/text/header_watch.h"
+#include "aq/text/line_reader.h"
 
 namespace aq {
 
@@ -29,9 +31,19 @@ class HeaderCheck {
   HeaderCheck& operator=(const HeaderCheck&) = delete;
   ~HeaderCheck() = default;
 
-  /// To be given to a file class; this object outlives its reads.
-  [[nodiscard]] HeaderWatch watch() {
-    return [this](const HeaderLine& line) { see(line); };
+  /// Reads a file of one class under watch; false, and reported, when it does not read.
+  template <class File, class... Out>
+  [[nodiscard]] bool reads(const std::string& path, Out&... out) {
+    File file;
+    file.watchHeader([this](const HeaderLine& line) { see(line); });
+    if (readInto(file, path, out...) == AQ_DATA_OK) return true;
+    report_.unreadable(*file.lastFailure());
+    return false;
+  }
+
+  /// Passes the header in a new pass over the file.
+  void passHeader(LineReader& lines) const {
+    while (lines.number() < lines_ && lines.next()) continue;
   }
 
   /// How many lines the header has, the column headings included.

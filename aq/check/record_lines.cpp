@@ -10,7 +10,7 @@ namespace aq {
 RecordLines::RecordLines(const std::string& path, const HeaderCheck& header, std::size_t fields,
                          const Reporter& report) {
   LineReader lines(path);
-  while (lines.number() < header.lines() && lines.next()) continue;
+  header.passHeader(lines);
   while (lines.next()) {
     ++count_;
     const std::string_view line = lines.line();

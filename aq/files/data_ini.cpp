@@ -6,6 +6,7 @@
 #include "aq/core/date_text.h"
 #include "aq/core/number_text.h"
 #include "aq/spectral/spectral_time_history.h"
+#include "aq/text/checked_keywords.h"
 #include "aq/text/fields.h"
 #include "aq/text/file_titles.h"
 #include "aq/text/header_writer.h"
@@ -65,8 +66,8 @@ using Text = std::string_view;
 const Parameter kParameters[] = {
     {"CalAdj", "a number", [](const AQ_DataINI& p) { return textUnlessZero(p.CalAdj()); },
      [](AQ_DataINI& p, Text text) { p.CalAdj(singleFrom(text)); }},
-    {"NuAvg", "an averaging method", averagingText, setAveraging},
-    {"NuTimg", "a time stamp type", timingText, setTiming},
+    {keywords::kNuAvg, "an averaging method", averagingText, setAveraging},
+    {keywords::kNuTimg, "a time stamp type", timingText, setTiming},
     {"PrWndo", "a number", [](const AQ_DataINI& p) { return textUnlessZero(p.PrWndo()); },
      [](AQ_DataINI& p, Text text) { p.PrWndo(singleFrom(text)); }},
     {"PoWndo", "a number", [](const AQ_DataINI& p) { return textUnlessZero(p.PoWndo()); },

@@ -125,13 +125,7 @@ _FINDING = ["severity", "kind", "line", "field", "record", "band", "message"]
 
 
 def _findings(path: str) -> list[tuple[Any, ...]]:
-    found: list[tuple[Any, ...]] = [(path, *finding) for finding in _core.checkFile(path)]
-    history = (
-        _core.historyOfMap(path) if _core.kindOfFile(path) == _core.FileKind.MaskingMap else ""
-    )
-    if history and os.path.exists(history):
-        found += [(path, *finding) for finding in _core.checkFit(history, path)]
-    return found
+    return [(path, *finding) for finding in _core.checkWithHistory(path)]
 
 
 def check(paths: Union[Path, Iterable[Path]]) -> pd.DataFrame:

@@ -177,6 +177,9 @@ def geometry(geometry: Any, ax: Optional[Axes] = None, unit: str = "m") -> Axes:
     return ax
 
 
+_draw_geometry = geometry  # a page has an argument of that name
+
+
 def page(
     history: History,
     ambient: Any = None,
@@ -197,7 +200,7 @@ def page(
         panels.append((lambda ax: ground_track(positions, microphone, ax), "Ground track"))
         panels.append((lambda ax: height(positions, ax), "Height"))
     if geometry is not None:
-        panels.append((lambda ax: globals()["geometry"](geometry, ax), "Geometry"))
+        panels.append((lambda ax: _draw_geometry(geometry, ax), "Geometry"))
     rows = (len(panels) + 1) // 2
     figure = plt.figure(figsize=(12, 3.6 * rows), layout="constrained")
     for place, (draw, title) in enumerate(panels, start=1):

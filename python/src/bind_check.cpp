@@ -39,15 +39,19 @@ void bindCheck(py::module_& module) {
       py::arg("path"),
       "What a person should know about a file: severity, kind, line, field, record, band, message");
   module.def(
+      "checkWithHistory",
+      [](const Path& path) {
+        return gathered([&](const FindingSink& sink) { checkWithHistory(path.name, sink); });
+      },
+      py::arg("path"),
+      "As checkFile; a masking map is also compared with the history beside it that it names");
+  module.def(
       "checkFit",
       [](const Path& history, const Path& map) {
         return gathered([&](const FindingSink& sink) { checkFit(history.name, map.name, sink); });
       },
       py::arg("history"), py::arg("map"),
       "Why a masking map does not fit the history that it was made for, as checkFile tells it");
-  module.def(
-      "historyOfMap", [](const Path& map) { return historyOfMap(map.name); }, py::arg("map"),
-      "Where the history that a masking map names should be; empty when it names none");
   py::dict kinds;
   for (const FindingKind& kind : findingKinds()) {
     kinds[std::string(kind.name).c_str()] = std::string(kind.meaning);

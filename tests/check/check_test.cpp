@@ -150,11 +150,10 @@ TEST(Check, AMapAndItsHistoryThatDoNotFit) {
   const std::string map =
       folder.with("map", replaced(test::contentOf(kSamples / kMap), "fly-over.sth.csv", "history"));
   const std::string text = test::contentOf(kSamples / kHistory);
-  EXPECT_EQ(historyOfMap(map), folder.file("history"));
   const auto misfits = [&](const std::string& history) {
     std::vector<std::string> found;
-    checkFit(folder.with("history", history), map,
-             [&](const Finding& finding) { found.push_back(shortForm(finding)); });
+    static_cast<void>(folder.with("history", history));
+    checkWithHistory(map, [&](const Finding& finding) { found.push_back(shortForm(finding)); });
     return found;
   };
   using Found = std::vector<std::string>;
@@ -163,6 +162,11 @@ TEST(Check, AMapAndItsHistoryThatDoNotFit) {
   EXPECT_EQ(misfits(text.substr(0, text.find("\n60,") + 1)),
             (Found{"0:0 map-misfit", "0:0 map-misfit r60"}));
   EXPECT_EQ(misfits(replaced(text, "Bands**,17", "Bands**,18")).size(), 60U);
+  std::string many = text;
+  const std::string row = text.substr(text.find("\n60,") + 3);
+  for (int record = 61; record <= 32767; ++record) many += std::to_string(record) + row;
+  many += "0" + row;
+  EXPECT_EQ(misfits(many), Found{"0:0 unreadable"});  // one more than the interface counts
 }
 
 TEST(Check, KindsHaveNamesOfTheirOwn) {

@@ -1,10 +1,8 @@
 #include <aq/check/check_file.h>
 #include <aq/files/file_kind.h>
-#include <aq/masking/data_mask.h>
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <map>
 
 #include "tools/aqdata/files.h"
@@ -51,12 +49,7 @@ struct Report {
 
 Report reportOf(const std::string& file, const CheckChoice& choice) {
   Report report;
-  const auto take = [&](const aq::Finding& finding) { report.take(finding, choice); };
-  aq::checkFile(file, take);
-  if (aq::kindOfFile(file) != aq::FileKind::MaskingMap) return report;
-  const std::string history = aq::historyOfMap(file);
-  std::error_code error;
-  if (std::filesystem::is_regular_file(history, error)) aq::checkFit(history, file, take);
+  aq::checkWithHistory(file, [&](const aq::Finding& finding) { report.take(finding, choice); });
   return report;
 }
 
