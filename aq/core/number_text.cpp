@@ -276,9 +276,12 @@ void appendNumber(std::string& text, double value) {
 void appendNumber(std::string& text, float value) { appendReal(text, value, kSingleDigits); }
 
 void appendNumber(std::string& text, std::int32_t value) {
-  std::array<char, 12> buffer;
-  const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
-  text.append(buffer.data(), written.ptr);
+  std::array<char, kIntegerRoom> buffer;
+  text.append(buffer.data(), putNumber(buffer.data(), value));
+}
+
+char* putNumber(char* at, std::int32_t value) {
+  return std::to_chars(at, at + kIntegerRoom, value).ptr;
 }
 
 std::string numberText(double value) {

@@ -42,16 +42,23 @@ std::string columnHeading(const AQ_HeaderMask& header) {
   return heading + ",LGB";
 }
 
+/// Written in place, as a map is little but letters and one append a field would cost more than
+/// they do.
 void appendRow(std::string& text, std::int16_t record, AQ_MaskRow& row) {
-  appendNumber(text, std::int32_t{record});
-  text += ',';
   const auto codes = row.fetchedCodes();
-  appendMasks(text, codes);
+  const std::size_t begin = text.size();
+  const auto bands = static_cast<std::size_t>(std::max(row.HighBand() - row.LowBand() + 1, 0));
+  text.resize(begin + 2 * kIntegerRoom + maskRoom(bands));
+  char* at = putNumber(text.data() + begin, record);
+  *at++ = ',';
+  at = putMasks(at, codes);
   for (std::int32_t band = row.LowBand(); codes.empty() && band <= row.HighBand(); ++band) {
-    text += row.decision(static_cast<std::int16_t>(band)).MaskString();
-    text += ',';
+    const std::string letters = row.decision(static_cast<std::int16_t>(band)).MaskString();
+    at = std::copy(letters.begin(), letters.end(), at);
+    *at++ = ',';
   }
-  appendNumber(text, std::int32_t{row.LGB()});
+  at = putNumber(at, row.LGB());
+  text.resize(static_cast<std::size_t>(at - text.data()));
   text += platform::lineEnd;
 }
 

@@ -34,16 +34,30 @@ constexpr auto kAdjustmentCodes = codesOf(kMaskAdjustments, 0, 1);
 
 constexpr std::size_t kColumn = 3;  // two letters and a comma
 
-/// The columns of all codes. With a fourth character, which the next column overwrites, each is
-/// copied at once.
-constexpr auto kColumns = [] {
-  std::array<std::array<char, kColumn + 1>, kCodes> columns{};
-  std::size_t code = 1;
-  for (const char mode : kMaskModes) {
-    for (const char adjustment : kMaskAdjustments) columns[code++] = {mode, adjustment, ','};
+/// The column of a code, empty for `kNoMaskCode`.
+constexpr std::array<char, kColumn> columnOf(std::size_t code) {
+  if (code == kNoMaskCode) return {};
+  const std::size_t pair = code - 1;
+  return {kMaskModes[pair / kMaskAdjustments.size()],
+          kMaskAdjustments[pair % kMaskAdjustments.size()], ','};
+}
+
+/// Both columns of all pairs of codes, in a word that is copied at once; the next pair overwrites
+/// what is too much of it.
+using TwoColumns = std::array<char, 8>;
+constexpr auto kTwoColumns = [] {
+  std::array<TwoColumns, kCodes * kCodes> pairs{};
+  for (std::size_t pair = 0; pair < pairs.size(); ++pair) {
+    const auto first = columnOf(pair / kCodes);
+    const auto second = columnOf(pair % kCodes);
+    pairs[pair] = {first[0], first[1], first[2], second[0], second[1], second[2]};
   }
-  return columns;
+  return pairs;
 }();
+
+void putTwo(char* at, MaskCode first, MaskCode second) {
+  std::memcpy(at, kTwoColumns[first * kCodes + second].data(), sizeof(TwoColumns));
+}
 
 }  // namespace
 
@@ -87,19 +101,14 @@ FieldsTaken masksAtFront(std::string_view text, std::span<MaskCode> codes) {
   return {count, count * kColumn};
 }
 
-void appendMasks(std::string& text, std::span<const MaskCode> codes) {
-  constexpr std::size_t kPart = 64;
-  std::array<char, kPart * kColumn + 1> buffer;
-  while (!codes.empty()) {
-    const auto part = codes.first(std::min(codes.size(), kPart));
-    char* at = buffer.data();
-    for (const MaskCode code : part) {
-      std::memcpy(at, kColumns[code].data(), kColumn + 1);
-      at += kColumn;
-    }
-    text.append(buffer.data(), at);
-    codes = codes.subspan(part.size());
+char* putMasks(char* at, std::span<const MaskCode> codes) {
+  std::size_t next = 0;
+  for (; codes.size() - next >= 2; next += 2, at += 2 * kColumn) {
+    putTwo(at, codes[next], codes[next + 1]);
   }
+  if (next == codes.size()) return at;
+  putTwo(at, codes[next], kNoMaskCode);
+  return at + kColumn;
 }
 
 }  // namespace aq

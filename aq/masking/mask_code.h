@@ -29,7 +29,11 @@ inline constexpr MaskCode kDefaultMaskCode = 1;
 /// full or another form comes. What `codes` holds behind those taken may change.
 [[nodiscard]] AQ_API FieldsTaken masksAtFront(std::string_view text, std::span<MaskCode> codes);
 
-/// Appends the letters of each code, with "," behind them. None of them is `kNoMaskCode`.
-AQ_API void appendMasks(std::string& text, std::span<const MaskCode> codes);
+/// The room that so many masks need while they are written.
+constexpr std::size_t maskRoom(std::size_t masks) { return 3 * masks + 5; }
+
+/// Writes the letters of each code, with "," behind them, where there is `maskRoom`, and returns
+/// their end. None of them is `kNoMaskCode`.
+[[nodiscard]] AQ_API char* putMasks(char* at, std::span<const MaskCode> codes);
 
 }  // namespace aq
