@@ -29,8 +29,8 @@ void checkKind(const std::string& path, const Reporter& report) {
     case FileKind::Unknown: break;
   }
   LineReader lines(path);
-  const std::string first = lines.next() ? shown(lines.line()) : "an empty file";
-  report(Kind::UnknownKind, {.line = 1}, "it begins with " + first);
+  report(Kind::UnknownKind, {.line = 1},
+         lines.next() ? "it begins with " + shown(lines.line()) : "it is empty");
 }
 
 /// Runs `check`; a file that changes meanwhile does not read.

@@ -1,3 +1,4 @@
+#include <cmath>
 #include <limits>
 
 #include "aq/check/checks.h"
@@ -22,7 +23,7 @@ class TimeOrder {
 
   void see(AQ_Position& position, std::size_t line) {
     const AQ_Time& time = *position.Time();
-    if (time.TODseconds() <= before_) {
+    if (std::remainder(time.TODseconds() - before_, kSecondsPerDay) <= 0) {
       report_(Kind::TimeOrder, {.line = line, .field = 1},
               time.TODstring() + " is not later than the line before");
     }
@@ -31,7 +32,7 @@ class TimeOrder {
 
  private:
   const Reporter& report_;
-  double before_ = -std::numeric_limits<double>::infinity();
+  double before_ = std::numeric_limits<double>::quiet_NaN();  // nothing is later or not than it
 };
 
 /// Calls `visit(fix, line)` for every fix of a file that reads.

@@ -53,16 +53,15 @@ void checkRelativeTimes(const RecordLines& records, AQ_SpectralTimeHistory& hist
   std::string first;
   records.forEach([&](std::int16_t record, std::size_t line) {
     const AQ_Time time = history.spectrum(record)->timeValue();
-    const double expected = time.TODseconds() - reference;
-    if (std::abs(std::remainder(time.RelSeconds() - expected, kSecondsPerDay)) <= kTolerance)
-      return;
+    const double expected = std::remainder(time.TODseconds() - reference, kSecondsPerDay);
+    if (std::abs(time.RelSeconds() - expected) <= kTolerance) return;
     if (++wrong != 1) return;
     place = {.line = line, .field = kBeforeLevels, .record = record};
-    first = "expected " + numberText(static_cast<float>(expected)) + " s, found " +
-            numberText(static_cast<float>(time.RelSeconds())) + " s";
+    first = "expected " + secondsText(expected) + ", found " + secondsText(time.RelSeconds());
   });
   if (wrong == 0) return;
-  report(Kind::RelativeTime, place, first + "; wrong in " + std::to_string(wrong) + " records");
+  report(Kind::RelativeTime, place,
+         first + "; wrong in " + std::to_string(wrong) + (wrong == 1 ? " record" : " records"));
 }
 
 }  // namespace

@@ -20,6 +20,18 @@ RecordLines::RecordLines(const std::string& path, const HeaderCheck& header, std
     report(Kind::ExtraFields, {.line = lines.number(), .field = fields + 1},
            "expected " + std::to_string(fields) + " fields, found " + std::to_string(found));
   }
+  if (count_ != 0) reportGaps(report);
+}
+
+void RecordLines::reportGaps(const Reporter& report) const {
+  std::int32_t before = low() - 1;
+  forEach([&](std::int16_t record, std::size_t line) {
+    if (record != before + 1) {
+      report(Kind::RecordGap, {.line = line, .field = 1, .record = record},
+             "record " + std::to_string(record) + " after " + std::to_string(before));
+    }
+    before = record;
+  });
 }
 
 /// Where the first number comes again, the data begin again; the records of before are then no
@@ -27,7 +39,6 @@ RecordLines::RecordLines(const std::string& path, const HeaderCheck& header, std
 void RecordLines::see(std::int16_t record, std::size_t line, const Reporter& report) {
   const FindingPlace place{.line = line, .field = 1, .record = record};
   const std::size_t* const stood = lines_.find(record);
-  const std::string before = " after " + std::to_string(before_);
   if (setBegins_ == 0) {
     setBegins_ = line;
     first_ = record;
@@ -39,9 +50,8 @@ void RecordLines::see(std::int16_t record, std::size_t line, const Reporter& rep
   } else if (stood != nullptr && *stood >= setBegins_) {
     report(Kind::RecordRepeated, place, "it stands in line " + std::to_string(*stood) + " too");
   } else if (record < before_) {
-    report(Kind::RecordFalls, place, "record " + std::to_string(record) + before);
-  } else if (record > before_ + 1) {
-    report(Kind::RecordGap, place, "record " + std::to_string(record) + before);
+    report(Kind::RecordFalls, place,
+           "record " + std::to_string(record) + " after " + std::to_string(before_));
   }
   before_ = record;
   lines_.touch(record) = line;

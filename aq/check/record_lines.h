@@ -43,6 +43,7 @@ class RecordLines {
 
  private:
   void see(std::int16_t record, std::size_t line, const Reporter& report);
+  void reportGaps(const Reporter& report) const;
 
   BandBlock<std::size_t> lines_;  // by record number; 0 for a number that is left out
   std::size_t count_ = 0;
@@ -50,6 +51,11 @@ class RecordLines {
   std::int32_t first_ = 0;     // its number
   std::int32_t before_ = 0;    // the number in the line before
 };
+
+/// Seconds as a person reads them: times of day in single precision hold no more.
+inline std::string secondsText(double seconds) {
+  return numberText(std::round(seconds * 1e3) / 1e3) + " s";
+}
 
 /// Reports records whose time of day, which `timeOf(record)` gives, is not half a second a record
 /// after that of the record before.
@@ -64,9 +70,8 @@ void checkTimeSteps(const RecordLines& records, const TimeOf& timeOf, const Repo
       const double step = std::remainder(time - before->second, kSecondsPerDay);
       if (std::abs(std::remainder(step - expected, kSecondsPerDay)) > kTolerance) {
         report(Kind::TimeStep, {.line = line, .field = 2, .record = record},
-               "expected " + numberText(expected) + " s after record " +
-                   std::to_string(before->first) + ", found " +
-                   numberText(static_cast<float>(step)) + " s");
+               "expected " + secondsText(expected) + " after record " +
+                   std::to_string(before->first) + ", found " + secondsText(step));
       }
     }
     before = {record, time};

@@ -67,7 +67,7 @@ const Change kChanges[] = {
     {kHistory,
      "\n3,14:30:01.25",
      "\n61,14:30:30.25",
-     {"24:1 record-gap r61", "25:1 record-falls r4", "13:2 record-range",
+     {"25:1 record-falls r4", "25:1 record-gap r4", "13:2 record-range",
       "24:3 relative-time r61"}},
     {kHistory,
      "\n60,14:30:29.75,15",
@@ -88,7 +88,7 @@ const Change kChanges[] = {
     {kMap, "2,M-,M-", "2,MX,M-", {"13:2 mask-letters r2 b17"}},
     {kMap, "2,M-,M-", "2,M-,M", {"13:3 unreadable"}},
     {kMap, "M-,36", "M-,37", {"12:26 last-good-band r1"}},
-    {kMap, "\n5,M", "\n6,M", {"16:1 record-gap r6", "17:1 record-repeated r6"}},
+    {kMap, "\n5,M", "\n6,M", {"17:1 record-repeated r6", "17:1 record-gap r6"}},
     {"fly-over.ssr.csv", "60.00", "9999", {"7:1 level-invalid b17"}},
     {"fly-over.ssr.csv", "B18/63Hz", "B18", {"6:2 heading"}},
     {"fly-over.ssr.csv", "34.70\n", "34.70\n\n1\n2\n", {"9:0 second-data-set"}},
@@ -133,6 +133,7 @@ TEST(Check, PositionsAndGeometry) {
   EXPECT_EQ(changed(positions, "NumberRecords**,3", "NumberRecords**,4"),
             Found{"8:2 record-count"});
   EXPECT_EQ(changed(positions, "10:00:00.2", "10:00:00.1"), Found{"15:1 time-order"});
+  EXPECT_EQ(changed(positions, "10:00:00.1", "23:59:59.9"), Found());  // over midnight
   EXPECT_EQ(changed(geometry, "2,10:00:05.5", "2,10:00:06"), Found{"21:2 time-step r2"});
   EXPECT_EQ(changed(geometry, "NumberRecords**,2", "NumberRecords**,3"),
             Found{"15:2 record-count"});

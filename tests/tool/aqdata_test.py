@@ -80,6 +80,9 @@ ROWS = [  # command, status, in the output, in the messages
     ("info 'fly-*.csv'", 0, "tracking", ""),
     ("info --json bad.sth.csv", 2, '{"file":"bad.sth.csv","error":"bad.sth.csv, line 22', "6x.2"),
     ("info --json gap.sth.csv", 0, '"first":-3,"last":60,"missing":4', ""),
+    ("mkdir -p up && cp bad.sth.csv up/R.CSV; check up up/", 1, "1 file checked", ""),
+    ("info deep/.hidden/none deep/.hidden up/none", 2, "", "no such file"),
+    (f"cat {STH} | aqdata info --json /dev/stdin", 2, '{"file":"/dev/stdin","error"', "a pipe"),
     (f"check {STH} {MAP}", 0, "2 files checked, 2 without findings", ""),
     ("check bad.sth.csv", 1, 'line 22, field 4: error: expected a level, found "6x.2" [unreadable]',
      ""),
@@ -110,6 +113,8 @@ ROWS = [  # command, status, in the output, in the messages
     (f"TERM=xterm-256color show {STH} --spectrogram --color always", 0, "\x1b[48;5;", ""),
     (f"COLORTERM=truecolor TERM=xterm show {STH} --spectrogram --color always", 0, "\x1b[48;2;", ""),
     ("show fly-over.mic.csv --plot", 2, "", "has no levels to draw"),
+    ("show fly-over.ini.csv --records 1", 2, "", "has no record 1"),
+    (f"show gap.sth.csv --plot --bands 17 --records 26:33 | tail -4 | head -1", 0, "███ ███", ""),
     ("show fly-over.ini.csv", 0, "window_before_s            10", ""),
     (f"convert {STH} -o tidy.csv", 0, "tidy.csv: written", ""),
     (f"convert {STH} -o tidy.csv", 2, "", "tidy.csv: is there already; --force replaces it"),
@@ -124,6 +129,8 @@ ROWS = [  # command, status, in the output, in the messages
     (f"convert {STH} -o no/where.csv", 2, "", "no/where.csv: expected a file that can be written"),
     ("track fly-over.tspi.csv -o made.pth.csv --list", 0, "line 24: RT20 figure 2 is above 1", ""),
     ("track fly-over.tspi.csv -o all.pth.csv --rt20 2", 0, "150 positions, 0 rejected", ""),
+    ("track fly-over.tspi.csv -o /dev/stdout --list", 2, "", "-o has to name a file"),
+    ("convert fly-over.tspi.csv --rt20 2 | tail -1", 0, "150,", ""),
     ("diff made.pth.csv all.pth.csv", 1, "records only in the second file: 147 to 150", ""),
     (f"lgb {STH} {MAP}", 0, "1  14:30:00.25              36  B36/4kHz", ""),
     (f"lgb gap.sth.csv {MAP}", 2, "", "record 30: the history lacks it"),
@@ -131,22 +138,31 @@ ROWS = [  # command, status, in the output, in the messages
     (f"mask {STH} --ambient fly-over.ssr.csv -o made.mask.csv", 0, "60 rows, 146 levels masked", ""),
     (f"mask invalid.sth.csv --ambient fly-over.ssr.csv -o y.csv", 0, "1 level of 9999", ""),
     (f"mask gap.sth.csv --ambient fly-over.ssr.csv -o x.csv", 2, "", "record 30 is missing"),
+    (f"sed 's/,..\\.../,9999/' fly-over.ssr.csv > no.ssr.csv; mask {STH} --ambient no.ssr.csv -o x.csv",
+     2, "", "no.ssr.csv: expected a level in band 18, found 9999"),
     (f"diff --json {MAP} made.mask.csv", 1, '"only_in_b":[],"columns":[],"bands":[]', ""),
     (f"stamp {STH} --start 14:30:00 --type midpt --ref 14:30:14.75 --ref-type overhead -o s.sth.csv",
      0, "60 records", ""),
     (f"diff {STH} s.sth.csv", 0, "no difference", ""),
+    (f"stamp {STH} --start 23:59:50 --ref 0:00:04 -o night.sth.csv", 0, "60 records", ""),
+    ("check night.sth.csv", 0, "1 without findings", ""),
+    ("convert night.sth.csv --record 1", 0, "1,23:59:50,86390,-14,17,", ""),
+    ("stamp gap.sth.csv --start 10:00:00 --ref 10:00:00 -o x.csv", 2, "", "gap.sth.csv: no record"),
+    (f"sed 's/,OVERHEAD/,PMAX/' {STH} > pmax.csv; diff {STH} pmax.csv", 1, "reference_time_type", ""),
     (f"stamp {STH} --start 10 --ref 10:00:00 -o x.csv", 2, "", "expected a time of day hh:mm:ss"),
     (f"stamp {STH} --start 10:00:00 --type MID --ref 10:00:00 -o x.csv", 2, "", "one of START"),
     (f"cp {STH} self.sth.csv; stamp self.sth.csv --start 9:00:00 --ref 9:00:00 --force -o "
      "self.sth.csv", 0, "from 9:00:00 on", ""),
     (f"diff {STH} near.sth.csv", 1, "band 17: differs in 1 record, by 0.01 at the most, as in 1", ""),
     (f"diff --tolerance 0.01 {STH} near.sth.csv", 0, "no difference", ""),
+    (f"diff --tolerance -1 {STH} {STH}", 2, "", "expected 0 or more, found -1"),
     (f"diff {STH} gap.sth.csv", 1, "records only in the first file: 30", ""),
     (f"diff {STH} {MAP}", 2, "", "is a spectral time history file"),
     (f"cat {STH}", 0, "\nReferenceTimeType**,OVERHEAD\n", ""),
     ("cat --json fly-over.tspi.csv", 0, '"Rate: 5 a second"', ""),
     ("head -n 1 fly-over.tspi.csv", 0, "1  14:30:00  -1258  0  150", ""),
     ("head -n -1 fly-over.tspi.csv", 2, "", "-1"),
+    (f"head -n 1 fly-over.mic.csv {STH}", 0, f"==> {STH} <==\nrecord", ""),
     ("completion zsh", 0, "#compdef aqdata", ""),
     ("completion fish", 0, "-l tolerance", ""),
     ("completion tcsh", 2, "", "tcsh"),
@@ -183,7 +199,7 @@ def check_json(folder):
     done = run("aqdata check --json . ; aqdata info --json .", folder)
     documents = [json.loads(line) for line in done.stdout.decode("utf-8").splitlines()]
     bad = [d["file"] for d in documents if "unreadable" in d.get("counts", {})]
-    expect("files that do not read", bad, ["./bad.sth.csv"])
+    expect("files that do not read", bad, ["./bad.sth.csv", "./up/R.CSV"])
     expect("hidden files", [d for d in documents if "hidden" in d["file"]], [])
     expect("times as numbers", len(documents) > 30, True)
 

@@ -1,6 +1,7 @@
 #include "tools/aqdata/files.h"
 
 #include <aq/core/error.h>
+#include <aq/core/number_text.h>
 #include <aq/files/data_ascii.h>
 #include <aq/files/file_kind.h>
 #include <fmt/format.h>
@@ -19,7 +20,12 @@ namespace fs = std::filesystem;
 bool isHidden(const fs::path& path) { return path.filename().string().starts_with('.'); }
 
 bool isMeasurement(const fs::path& path) {
-  return path.extension() == ".csv" || aq::kindOfFile(path.string()) != aq::FileKind::Unknown;
+  return aq::upperCased(path.extension().string()) == ".CSV" ||
+         aq::kindOfFile(path.string()) != aq::FileKind::Unknown;
+}
+
+void complainOf(const std::string& path, std::string_view why, Session& session) {
+  session.complain(fmt::format("{}: {}", aq::escaped(path), why), path);
 }
 
 /// Goes on behind a folder that cannot be read. Links to folders may lead in a circle, so they are
@@ -31,7 +37,7 @@ void walk(const fs::path& folder, Session& session, std::vector<std::string>& fi
        entry.increment(error)) {
     if (!isHidden(entry->path())) entries.push_back(entry->path());
   }
-  if (error) session.complain(fmt::format("{}: {}", aq::escaped(folder.string()), error.message()));
+  if (error) complainOf(folder.string(), error.message(), session);
   std::sort(entries.begin(), entries.end());
   for (const fs::path& entry : entries) {
     if (fs::is_directory(fs::symlink_status(entry, error))) {
@@ -42,19 +48,23 @@ void walk(const fs::path& folder, Session& session, std::vector<std::string>& fi
   }
 }
 
+/// What is there under a name: a file, or those of a folder.
+void take(const std::string& name, Session& session, std::vector<std::string>& files) {
+  std::error_code error;
+  const std::size_t before = files.size();
+  if (!fs::is_directory(name, error)) {
+    onFile(session, name, [&] { expectFile(name), files.push_back(name); });
+  } else if (walk(name, session, files); files.size() == before) {
+    complainOf(name, "holds no measurement file", session);
+  }
+}
+
 void choose(const std::string& given, Session& session, std::vector<std::string>& files) {
   std::error_code error;
-  if (fs::is_directory(given, error)) return walk(given, session, files);
-  if (fs::exists(given, error)) return files.push_back(given);
+  if (fs::exists(given, error)) return take(given, session, files);
   const auto found = terminal::matches(given);
-  for (const std::string& match : found) {
-    if (fs::is_directory(match, error)) {
-      walk(match, session, files);
-    } else {
-      files.push_back(match);
-    }
-  }
-  if (found.empty()) session.complain(fmt::format("{}: no such file", aq::escaped(given)));
+  for (const std::string& match : found) take(match, session, files);
+  if (found.empty()) complainOf(given, "no such file", session);
 }
 
 }  // namespace
@@ -63,7 +73,9 @@ std::vector<std::string> chosenFiles(Session& session) {
   std::vector<std::string> files;
   for (const std::string& given : session.files) choose(given, session, files);
   std::unordered_set<std::string> seen;
-  std::erase_if(files, [&](const std::string& file) { return !seen.insert(file).second; });
+  std::erase_if(files, [&](const std::string& file) {
+    return !seen.insert(fs::path(file).lexically_normal().string()).second;
+  });
   return files;
 }
 

@@ -28,6 +28,7 @@ Json headerFrom(const History& read) {
           {"adjustment", header.sAdjustmentCode},
           {"start_time", timeText(*history.startTime())},
           {"reference_time", timeText(*history.ReferenceTime())},
+          {"reference_time_type", read.referenceType},
           {"generated_by", header.sGeneratedBy},
           {"generation_file", header.sGenerationFile},
           {"generation_file_date", dateOf(header.aqGenerationDateTime)},

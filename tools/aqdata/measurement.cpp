@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <iterator>
 
 #include "tools/aqdata/session.h"
@@ -36,6 +37,7 @@ const KindNames& namesOf(aq::FileKind kind) {
 }
 
 void expectKind(const std::string& path, aq::FileKind expected) {
+  expectFile(path);
   const aq::FileKind found = aq::kindOfFile(path);
   // What cannot be read or has lost its title fails in its reader, which says why.
   if (found == expected || found == aq::FileKind::Unknown) return;
@@ -93,7 +95,16 @@ void expectGood(aq::AQ_DataMessage result, const aq::FileClass& file) {
   if (result != aq::AQ_DATA_OK) throw Failure(file.lastFailure()->message());
 }
 
+void expectFile(const std::string& path) {
+  std::error_code error;
+  const auto status = std::filesystem::status(path, error);
+  if (!std::filesystem::is_other(status)) return;
+  throw Failure(fmt::format("{}: expected a file, which is read more than once, found a pipe",
+                            aq::escaped(path)));
+}
+
 Measurement openFile(const std::string& path, const aq::HeaderWatch& watch) {
+  expectFile(path);
   switch (aq::kindOfFile(path)) {
     case aq::FileKind::SpectralTimeHistory: return openHistory(path, watch);
     case aq::FileKind::PositionTimeHistory: return openPositions(path, watch);
@@ -111,7 +122,11 @@ Measurement openFile(const std::string& path, const aq::HeaderWatch& watch) {
 History openHistory(const std::string& path, const aq::HeaderWatch& watch) {
   History read;
   expectKind(path, aq::FileKind::SpectralTimeHistory);
-  aqdata::read<aq::AQ_DataSTH>(path, watch, read.header, read.history);
+  const auto watchAll = [&](const aq::HeaderLine& line) {
+    if (line.keyword == "ReferenceTimeType") read.referenceType = line.value;
+    if (watch) watch(line);
+  };
+  aqdata::read<aq::AQ_DataSTH>(path, watchAll, read.header, read.history);
   return read;
 }
 

@@ -14,6 +14,7 @@ namespace aqdata {
 struct History {
   std::shared_ptr<aq::AQ_HeaderSTH> header;
   std::shared_ptr<aq::AQ_SpectralTimeHistory> history;
+  std::string referenceType = {};  // as written, since no history takes it from a file
 };
 struct MaskingMap {
   std::shared_ptr<aq::AQ_HeaderMask> header;
@@ -55,6 +56,9 @@ using Measurement = std::variant<History, MaskingMap, SpectrumRecord, Positions,
 
 /// Reads a file of any kind; `watch` sees its header lines. Throws `Failure`.
 [[nodiscard]] Measurement openFile(const std::string& path, const aq::HeaderWatch& watch = {});
+
+/// Throws `Failure` for a pipe or a device: files are read more than once.
+void expectFile(const std::string& path);
 
 // Read a file of one kind. Throw `Failure`, for a file of another kind too.
 [[nodiscard]] History openHistory(const std::string& path, const aq::HeaderWatch& watch = {});

@@ -121,10 +121,13 @@ std::string cellAt(const Level& level, const Scale& scale, terminal::Colours col
   return std::string(kShades[static_cast<std::size_t>(std::lround(share * 4))]);
 }
 
-std::vector<Level> levelsAcross(const Sheet& sheet, std::size_t place) {
+/// The level that `levelIn(row)` gives for every record; none for a number that is left out.
+template <class LevelIn>
+std::vector<Level> levelsAcross(const Sheet& sheet, const LevelIn& levelIn) {
   std::vector<Level> levels;
   for (const Sheet::Row& row : sheet.rows) {
-    levels.push_back(place < row.bands.size() ? levelOf(row.bands[place]) : Level());
+    levels.resize(static_cast<std::size_t>(row.number - sheet.rows.front().number));
+    levels.push_back(levelIn(row));
   }
   return levels;
 }
@@ -168,12 +171,10 @@ void plotHistory(Session& session, const Sheet& sheet) {
   constexpr std::size_t kMargin = 8;
   constexpr int kLines = 12;
   const bool single = sheet.low == sheet.high;
-  std::vector<Level> levels;
-  for (const Sheet::Row& row : sheet.rows) {
-    levels.push_back(
-        levelOf(single && !row.bands.empty() ? row.bands.front() : energySum(row.bands)));
-  }
-  levels = resampled(levels, room(kMargin));
+  const auto levelIn = [single](const Sheet::Row& row) {
+    return levelOf(single && !row.bands.empty() ? row.bands.front() : energySum(row.bands));
+  };
+  const std::vector<Level> levels = resampled(levelsAcross(sheet, levelIn), room(kMargin));
   Scale scale;
   for (const Level& level : levels) scale.see(level);
   if (scale.empty()) return session.print("no valid level to draw\n");
@@ -206,7 +207,10 @@ void plotSpectrogram(Session& session, const Sheet& sheet) {
   Scale scale;
   std::vector<std::vector<Level>> bands;
   for (std::int32_t band = sheet.low; band <= sheet.high; ++band) {
-    bands.push_back(resampled(levelsAcross(sheet, bands.size()), room(kMargin)));
+    const auto levelIn = [place = bands.size()](const Sheet::Row& row) {
+      return place < row.bands.size() ? levelOf(row.bands[place]) : Level();
+    };
+    bands.push_back(resampled(levelsAcross(sheet, levelIn), room(kMargin)));
     for (const Level& level : bands.back()) scale.see(level);
   }
   if (scale.empty()) return session.print("no valid level to draw\n");

@@ -28,6 +28,10 @@ void Session::failOutput() {
   std::_Exit(kCouldNot);
 }
 
+void Session::title(const std::string& file) {
+  if (files.size() > 1 && !json) print(strong(fmt::format("==> {} <==", aq::escaped(file))) + '\n');
+}
+
 void Session::printDocument(const Json& document) { print(lineOf(document) + '\n'); }
 
 void Session::tell(std::string_view text) {

@@ -42,6 +42,9 @@ class Session {
   /// To be called at the end: what is still on its way to standard output counts too.
   void finish();
 
+  /// Says whose output follows, where there are several files.
+  void title(const std::string& file);
+
   /// Writes one line that holds the document.
   void printDocument(const Json& document);
 

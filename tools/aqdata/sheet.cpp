@@ -116,7 +116,7 @@ Sheet sheetFrom(const Parameters&) { return {}; }  // all is in the header
 void Sheet::keepRows(Range range, const std::string& file) {
   std::erase_if(
       rows, [&](const Row& row) { return row.number < range.first || row.number > range.last; });
-  if (rows.empty()) failEmpty(file, columns.front(), range);
+  if (rows.empty()) failEmpty(file, columns.empty() ? "record" : columns.front(), range);
 }
 
 void Sheet::keepBands(Range range, const std::string& file) {

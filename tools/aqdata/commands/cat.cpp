@@ -9,6 +9,7 @@ namespace {
 /// stands in front of the failure.
 void cat(Session& session, const std::string& path) {
   Json lines = Json::array();
+  session.title(path);
   const auto show = [&](const aq::HeaderLine& line) {
     if (session.json) {
       lines.push_back(std::string(line.text));
@@ -28,7 +29,8 @@ void addCat(CLI::App& program, Session& session) {
                  "Examples:\n"
                  "  aqdata cat fly-over.sth.csv\n",
                  [&session] {
-                   for (const std::string& file : chosenFiles(session)) {
+                   session.files = chosenFiles(session);
+                   for (const std::string& file : session.files) {
                      onFile(session, file, [&] { cat(session, file); });
                    }
                  });

@@ -56,7 +56,9 @@ std::vector<std::string> tidyLines(const Sheet& sheet) {
 std::vector<std::string> headerLines(const Json& header) {
   std::vector<std::string> lines{"key,value"};
   for (const auto& [key, value] : header.items()) {
-    if (!value.is_array()) lines.push_back(key + ',' + cellText(value));
+    for (const Json& entry : value.is_array() ? value : Json{value}) {
+      lines.push_back(key + ',' + cellText(entry));
+    }
   }
   return lines;
 }
@@ -83,14 +85,20 @@ void putSpectrum(const Session& session, const ConvertChoice& choice, const Meas
   writeOutput<aq::AQ_DataSSR>(session, header, *spectrum);
 }
 
+Measurement openFor(const ConvertChoice& choice) {
+  if (aq::kindOfFile(choice.file) != aq::FileKind::Tracking) return openFile(choice.file);
+  return openTracking(choice.file, {}, choice.rt20);
+}
+
 void convert(Session& session, const ConvertChoice& choice) {
   const std::string form = choice.to.empty() ? formOf(session.output) : choice.to;
   if (session.output.empty() && (form == "positions" || form == "spectrum"))
     throw Failure(
         fmt::format("{} go to a file: -o says which", form == "spectrum" ? "spectra" : form));
+  if (form == "positions" && choice.record) throw Failure("positions are those of all fixes");
   if (form == "positions")
     return writePositions(session, openTracking(choice.file, {}, choice.rt20), choice.file);
-  const Measurement read = openFile(choice.file);
+  const Measurement read = openFor(choice);
   if (form == "spectrum") {
     putSpectrum(session, choice, read);
   } else {

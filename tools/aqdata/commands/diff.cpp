@@ -205,6 +205,12 @@ void diff(Session& session, const DiffChoice& choice) {
   if (difference.empty()) session.tell("no difference");
 }
 
+/// A check of the option's text.
+std::string tolerance(const std::string& text) {
+  const std::string fault = finiteNumber(text);
+  return fault.empty() && text.starts_with('-') ? "expected 0 or more, found " + text : fault;
+}
+
 }  // namespace
 
 void addDiff(CLI::App& program, Session& session) {
@@ -218,8 +224,7 @@ void addDiff(CLI::App& program, Session& session) {
   addFile(*command, choice->a, "A", "A file");
   addFile(*command, choice->b, "B", "Another of the same kind");
   command->add_option("--tolerance", choice->tolerance, "Numbers this far apart are equal (0)")
-      ->check(CLI::NonNegativeNumber)
-      ->check(finiteNumber)
+      ->check(tolerance)
       ->option_text("D");
   addOutputOptions(*command, session);
 }

@@ -44,9 +44,9 @@ struct Extent {
     if (!begin) return;
     info["begin"] = beginText;
     info["end"] = endText;
-    // Times go on over midnight.
-    const double seconds = std::remainder(*end - *begin - 43200, 86400) + 43200;
-    info["duration_s"] = tidySeconds(seconds);
+    // Times go on over midnight; what else falls is out of order.
+    const double seconds = *end - *begin;
+    info["duration_s"] = tidySeconds(seconds < -43200 ? seconds + 86400 : seconds);
   }
 };
 

@@ -35,10 +35,22 @@ std::shared_ptr<aq::AQ_MaskRow> maskedRow(const aq::AQ_Spectrum& spectrum,
   return row;
 }
 
+/// An ambient without a level in a band of the spectrum would mask that band throughout.
+void expectValid(const aq::AQ_Spectrum& ambient, const aq::AQ_Spectrum& spectrum,
+                 const std::string& file) {
+  for (std::int32_t band = spectrum.LowBand(); band <= spectrum.HighBand(); ++band) {
+    if (ambient.SPL(static_cast<std::int16_t>(band)).toDouble() != double{aq::AQ_INVALID_LEVEL})
+      continue;
+    throw Failure(
+        fmt::format("{}: expected a level in band {}, found 9999", aq::escaped(file), band));
+  }
+}
+
 aq::AQ_MaskMap mapOf(const History& read, const aq::AQ_Spectrum& ambient,
                      const MaskChoice& choice) {
   aq::AQ_MaskMap map;
   const std::int16_t count = read.history->Count();
+  if (count == 0) throw Failure(fmt::format("{}: has no records", aq::escaped(choice.history)));
   for (std::int32_t number = 1; number <= count; ++number) {
     const auto record = static_cast<std::int16_t>(number);
     std::shared_ptr<aq::AQ_Spectrum> spectrum;
@@ -54,6 +66,7 @@ aq::AQ_MaskMap mapOf(const History& read, const aq::AQ_Spectrum& ambient,
                                 aq::escaped(choice.ambient), spectrum->LowBand(),
                                 spectrum->HighBand(), ambient.LowBand(), ambient.HighBand()));
     }
+    expectValid(ambient, *spectrum, choice.ambient);
     map.Row(record, maskedRow(*spectrum, ambient, choice.margin));
   }
   map.setLGB();
@@ -105,9 +118,9 @@ void mask(Session& session, const MaskChoice& choice) {
   session.tell(fmt::format(
       "{}: {}, {} masked{}", aq::escaped(session.output),
       counted(static_cast<std::size_t>(map.Count()), "row"), counted(maskedIn(map), "level"),
-      invalid == 0 ? ""
-                   : fmt::format("; {} of 9999 are not valid, and are not masked",
-                                 counted(invalid, "level"))));
+      invalid == 0
+          ? ""
+          : fmt::format("; {} of 9999, not valid and not masked", counted(invalid, "level"))));
 }
 
 }  // namespace

@@ -143,9 +143,9 @@ void print(Session& session, const Measurement& read, Sheet& sheet, const ShowCh
     throw Failure(fmt::format("{}: has no records to mask", aq::escaped(choice.file)));
   const Masks masks(choice.file, choice.map);
   if (session.json) return printJson(session, read, sheet, masks, choice);
-  if (sheet.columns.empty()) return printHeader(session, read);
   sheet.dropColumns("time_s");
   if (choice.plot || choice.spectrogram) return plot(session, sheet, choice);
+  if (sheet.columns.empty()) return printHeader(session, read);
   printTable(session, sheet, masks, choice);
 }
 
@@ -162,6 +162,7 @@ void head(Session& session, ShowChoice choice) {
   for (const std::string& file : session.files) {
     onFile(session, file, [&] {
       choice.file = file;
+      session.title(file);
       const Measurement read = openFile(file);
       Sheet sheet = sheetOf(read);
       if (sheet.rows.size() > choice.most) sheet.rows.resize(choice.most);

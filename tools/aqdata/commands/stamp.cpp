@@ -43,6 +43,15 @@ Enumeration valueFrom(const std::string& text, const char* what, const TextOf& t
                             aq::shown(text)));
 }
 
+/// A run lasts minutes, so a reference half a day away is one on the other side of midnight.
+void setDates(aq::AQ_Time& start, aq::AQ_Time& reference) {
+  constexpr std::int32_t kDay = 36526;  // any will do: a history's file has no dates of records
+  constexpr double kHalfDay = 43200;
+  const double ahead = reference.TODseconds() - start.TODseconds();
+  start.CurrentDate(kDay);
+  reference.CurrentDate(kDay + (ahead < -kHalfDay ? 1 : 0) - (ahead > kHalfDay ? 1 : 0));
+}
+
 void stamp(Session& session, const StampChoice& choice) {
   const History read = openHistory(choice.file);
   aq::AQ_SpectralTimeHistory texts;
@@ -56,9 +65,14 @@ void stamp(Session& session, const StampChoice& choice) {
         texts.ReferenceType(value);
         return texts.sReferenceTimeType();
       });
-  // NOLINTNEXTLINE(readability-suspicious-call-argument): two times, each with its type
-  read.history->setTimeStamps(timeFrom(choice.start), type, timeFrom(choice.reference),
-                              referenceType);
+  aq::AQ_Time start = timeFrom(choice.start);
+  aq::AQ_Time reference = timeFrom(choice.reference);
+  setDates(start, reference);
+  try {
+    read.history->setTimeStamps(start, type, reference, referenceType);
+  } catch (const aq::Error& error) {
+    throw Failure(fmt::format("{}: {}", aq::escaped(choice.file), error.what()));
+  }
   writeOutput<aq::AQ_DataSTH>(session, read.header, *read.history);
   session.tell(fmt::format("{}: {} from {} on, relative to {}", aq::escaped(session.output),
                            counted(static_cast<std::size_t>(read.history->Count()), "record"),

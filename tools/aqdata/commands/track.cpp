@@ -14,6 +14,9 @@ struct TrackChoice {
 };
 
 void track(Session& session, const TrackChoice& choice) {
+  if (choice.list && session.intoStream()) {
+    throw Failure("the list of fixes needs standard output, so -o has to name a file");
+  }
   writePositions(session, openTracking(choice.file, {}, choice.rt20), choice.file);
   if (!choice.list) return;
   aq::checkFixes(choice.file, choice.rt20, [&](const aq::Finding& finding) {
