@@ -1,6 +1,7 @@
 #include "aq/core/platform.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -65,8 +66,13 @@ class OutputFile {
     while (!bytes.empty()) {
       const ssize_t written =
           uninterrupted([&] { return ::write(handle_, bytes.data(), bytes.size()); });
-      if (written < 0) failBy(kWrite, errno);
-      bytes.remove_prefix(static_cast<std::size_t>(written));
+      if (written >= 0) {
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+      } else if (errno == EAGAIN) {
+        waitForRoom();
+      } else {
+        failBy(kWrite, errno);
+      }
     }
   }
 
@@ -109,17 +115,41 @@ class OutputFile {
   }
 
  private:
+  /// Until a pipe that its reader set not to wait takes more.
+  void waitForRoom() const {
+    pollfd room{.fd = handle_, .events = POLLOUT, .revents = 0};
+    static_cast<void>(uninterrupted([&] { return ::poll(&room, 1, -1); }));
+  }
+
   int handle_;
 };
 
+/// `path` up to its file name.
+std::string folderOf(const std::string& path) { return path.substr(0, path.find_last_of('/') + 1); }
+
+bool isNumber(std::string_view text) {
+  return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
+}
+
+/// Whether `path` is the number of an open file: of this process, or below /proc of any. Other
+/// names there lead to files as any.
 bool namesOpenFile(const std::string& path) {
-  return path.starts_with("/proc/") || path.starts_with("/dev/fd/");
+  constexpr std::string_view kProcesses = "/proc/";
+  constexpr std::string_view kFiles = "/fd/";
+  if (!isNumber(fileName(path))) return false;
+  const std::string folder = folderOf(path);
+  if (folder == "/dev/fd/") return true;
+  if (!folder.starts_with(kProcesses) || !folder.ends_with(kFiles)) return false;
+  const std::size_t end = folder.size() - kFiles.size();
+  const std::string process = folder.substr(kProcesses.size(), end - kProcesses.size());
+  return process == "self" || isNumber(process);
 }
 
 /// A new handle of what this process has open for writing under such a name, so that it goes on
 /// where that stands; -1 for anything else.
 int ownHandle(const std::string& path) {
-  if (!path.starts_with("/proc/self/fd/") && !path.starts_with("/dev/fd/")) return -1;
+  const bool own = path.starts_with("/proc/self/") || path.starts_with("/dev/");
+  if (!own || !namesOpenFile(path)) return -1;
   const std::string number = fileName(path);
   int handle = -1;
   std::from_chars(number.data(), number.data() + number.size(), handle);
@@ -135,9 +165,6 @@ void writeStraight(const std::string& path, std::string_view bytes) {
   file.flush();
 }
 
-/// `path` up to its file name.
-std::string folderOf(const std::string& path) { return path.substr(0, path.find_last_of('/') + 1); }
-
 /// The text of a symbolic link; nothing for anything else.
 std::optional<std::string> linkAt(const std::string& path) {
   std::string text(PATH_MAX, '\0');
@@ -152,7 +179,7 @@ std::optional<std::string> linkAt(const std::string& path) {
 /// is open, which /dev/stdout leads to.
 std::string entryOf(std::string path) {
   constexpr int kMostLinks = 40;
-  for (int links = 0; links < kMostLinks; ++links) {
+  for (int links = 0; links <= kMostLinks; ++links) {
     const auto link = linkAt(path);
     if (!link || namesOpenFile(path)) return path;
     path = link->starts_with('/') ? *link : folderOf(path) + *link;
@@ -207,6 +234,23 @@ std::optional<struct stat> statusOf(const std::string& path) {
   return std::nullopt;
 }
 
+bool sameFile(const std::optional<struct stat>& one, const struct stat& other) {
+  return one && one->st_dev == other.st_dev && one->st_ino == other.st_ino;
+}
+
+/// Appends to a file, or leaves it as it was before.
+void appendTo(const OutputFile& file, const std::string& path, const struct stat& before,
+              std::string_view bytes) {
+  try {
+    file.write(bytes);
+    file.flush();
+    if (before.st_size == 0) flushFolder(folderOf(entryOf(path)));  // it may be new
+  } catch (...) {
+    if (S_ISREG(before.st_mode)) file.cutTo(before.st_size);
+    throw;
+  }
+}
+
 }  // namespace
 
 const std::string_view lineEnd = "\n";
@@ -241,16 +285,14 @@ void replaceFile(const std::string& path, std::string_view bytes) {
 }
 
 void appendToFile(const std::string& path, std::string_view bytes) {
-  const OutputFile file(path, O_CREAT | O_APPEND);
-  file.lock();
-  const struct stat before = file.status();
-  try {
-    file.write(bytes);
-    file.flush();
-    if (before.st_size == 0) flushFolder(folderOf(entryOf(path)));  // it may be new
-  } catch (...) {
-    if (S_ISREG(before.st_mode)) file.cutTo(before.st_size);
-    throw;
+  for (;;) {
+    const int own = ownHandle(entryOf(path));
+    const OutputFile file = own >= 0 ? OutputFile(own) : OutputFile(path, O_CREAT | O_APPEND);
+    file.lock();
+    const struct stat before = file.status();
+    // While it was waited for, another file may have taken the name.
+    if (own < 0 && !sameFile(statusOf(path), before)) continue;
+    return appendTo(file, path, before, bytes);
   }
 }
 

@@ -34,21 +34,37 @@ End endOf(const Work& work) {
 
 const std::string kOld = "old\n";
 
-/// Runs `work(path)` on a file with old content, each time with a fault at a later call, until a
-/// run passes untouched; gives how many calls there were. `expected` is the new content.
+/// What the name stands for that `work` writes to.
+enum class Target { File, Link, Nothing };
+
+std::string madeIn(const test::Folder& folder, Target target, const std::string& name) {
+  std::string path = folder.file(name);
+  fs::remove(path);
+  if (target == Target::File) return folder.with(name, kOld);
+  if (target == Target::Link) fs::create_symlink(folder.with("behind.csv", kOld), path);
+  return path;
+}
+
+/// Runs `work(path)`, each time with a fault at a later call, until a run passes untouched; gives
+/// how many calls there were. `expected` is the new content.
 template <class Work>
 long strikeAll(Fault fault, const std::string& expected, const Work& work,
-               const std::string& name = "target.csv") {
+               const std::string& name = "target.csv", Target target = Target::File) {
   const test::Folder folder;
-  const std::string path = folder.file(name);
   for (long nth = 1;; ++nth) {
-    static_cast<void>(folder.with(name, kOld));
+    const std::string path = madeIn(folder, target, name);
     const auto open = entriesOf("/proc/self/fd");
+    const auto files = entriesOf(fs::path(path).parent_path());
     test::arm(fault, nth);
     const End end = endOf([&] { return work(path); });
     const bool struck = test::disarm();
-    EXPECT_EQ(test::contentOf(path), end == End::Done ? expected : kOld) << nth;
-    EXPECT_EQ(entriesOf(fs::path(path).parent_path()), 1) << nth;
+    const bool made = target == Target::Nothing && end == End::Done;
+    EXPECT_EQ(entriesOf(fs::path(path).parent_path()), files + (made ? 1 : 0)) << nth;
+    EXPECT_EQ(fs::is_symlink(path), target == Target::Link) << nth;
+    EXPECT_EQ(test::contentOf(path), end == End::Done            ? expected
+                                     : target == Target::Nothing ? ""
+                                                                 : kOld)
+        << nth;
     EXPECT_EQ(entriesOf("/proc/self/fd"), open) << nth;
     const bool passes = !struck || fault == Fault::Interruption;
     EXPECT_TRUE(!passes || end == End::Done) << nth;
@@ -56,10 +72,10 @@ long strikeAll(Fault fault, const std::string& expected, const Work& work,
   }
 }
 
-/// The same with a process of its own that is killed at the call.
-template <class Work>
-long killAll(const std::string& expected, const Work& work,
-             const std::string& name = "target.csv") {
+/// The same with a process of its own that is killed at the call; `isWhole` says which content may
+/// be left.
+template <class Work, class IsWhole>
+long killAll(const Work& work, const IsWhole& isWhole, const std::string& name = "target.csv") {
   for (long nth = 1;; ++nth) {
     const test::Folder folder;
     const std::string path = folder.with(name, kOld);
@@ -71,8 +87,7 @@ long killAll(const std::string& expected, const Work& work,
     }
     int status = 0;
     EXPECT_EQ(::waitpid(child, &status, 0), child);
-    const std::string content = test::contentOf(path);
-    EXPECT_TRUE(content == kOld || content == expected) << nth;
+    EXPECT_TRUE(isWhole(test::contentOf(path))) << nth;
     if (!WIFSIGNALED(status) || testing::Test::HasFailure()) return nth - 1;
   }
 }
@@ -93,13 +108,16 @@ TEST(Faults, EveryCallMayFailInEveryFormat) {
     const auto& format = test::kFormats.at(name);
     const auto work = [&](const std::string& to) {
       if (format.rewrite) return format.rewrite(sample.string(), to);
-      return format.read(sample.string()).failure ? AQ_DATA_FILE_ERROR : AQ_DATA_OK;
+      const test::Outcome read = format.read(sample.string());
+      EXPECT_TRUE(read.sound);
+      return read.failure ? AQ_DATA_FILE_ERROR : AQ_DATA_OK;
     };
     const std::string expected = format.rewrite ? test::contentOf(sample) : kOld;
     const std::string file = sample.filename().string();
+    const auto isWhole = [&](const std::string& left) { return left == kOld || left == expected; };
     EXPECT_GT(strikeAll(Fault::Refusal, expected, work, file), 10);
     EXPECT_GT(strikeAll(Fault::Interruption, expected, work, file), 2);
-    EXPECT_GT(killAll(expected, work, file), 2);
+    EXPECT_GT(killAll(work, isWhole, file), 2);
   });
 }
 
@@ -112,10 +130,39 @@ TEST(Faults, EveryCallMayFailOrBeTheLastInText) {
   };
   const std::string written = "1,a,b\nlast,line,\n";
   const std::string appended = kOld + "\"1\",\"a,b\"\n\"last\",\"line\",\"\"\n";
-  EXPECT_GT(strikeAll(Fault::Refusal, written, asText(from, write)), 20);
-  EXPECT_GT(strikeAll(Fault::Refusal, appended, asText(from, append)), 20);
-  EXPECT_GT(killAll(written, asText(from, write)), 10);
-  EXPECT_GT(killAll(appended, asText(from, append)), 5);
+  for (const Target target : {Target::File, Target::Link, Target::Nothing}) {
+    EXPECT_GT(strikeAll(Fault::Refusal, written, asText(from, write), "to.csv", target), 20);
+  }
+  for (const Target target : {Target::File, Target::Link}) {
+    EXPECT_GT(strikeAll(Fault::Refusal, appended, asText(from, append), "to.csv", target), 20);
+  }
+  EXPECT_GT(strikeAll(Fault::Interruption, appended, asText(from, append)), 5);
+  const auto isEither = [&](const std::string& left) { return left == kOld || left == written; };
+  const auto isPart = [&](const std::string& left) {  // a kill may divide what is appended
+    return left.starts_with(kOld) && appended.starts_with(left);
+  };
+  EXPECT_GT(killAll(asText(from, write), isEither), 10);
+  EXPECT_GT(killAll(asText(from, append), isPart), 5);
+}
+
+TEST(Faults, BytesReachTheDiskBeforeTheName) {
+  const test::Folder folder;
+  const std::string path = folder.with("a", kOld);
+  AQ_DataASCII text;
+  text.Lines()->Add("2");
+  const auto callsOf = [&](auto&& work) {
+    test::arm(Fault::Refusal, -1);
+    EXPECT_EQ(work(), AQ_DATA_OK);
+    test::disarm();
+    return test::callsMade();
+  };
+  EXPECT_EQ(callsOf([&] { return text.writeLines(path); }),
+            "stat readlink open close open fstat fstat fchmod write write fsync rename open fsync "
+            "close close ");
+  EXPECT_EQ(callsOf([&] { return text.appendLines(path); }),
+            "readlink open flock fstat stat write write fsync close ");
+  EXPECT_EQ(callsOf([&] { return text.appendLines(folder.file("new")); }),
+            "readlink open flock fstat stat write write fsync readlink open fsync close close ");
 }
 
 }  // namespace

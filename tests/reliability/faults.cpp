@@ -6,10 +6,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <new>
+#include <string_view>
 
 namespace aq::test {
 namespace {
@@ -20,13 +23,23 @@ Fault kind = Fault::Refusal;
 long callsLeft = 0;
 std::size_t allocated = 0;
 std::size_t peak = 0;
+std::array<char, 1024> calls;  // no string, whose memory would count
 
-bool strikes(bool interruptible = true) {
-  const bool counts = armed && (interruptible || kind != Fault::Interruption);
-  if (!counts || --callsLeft != 0) return false;
+bool strikesNext() {
+  if (--callsLeft != 0) return false;
   struck = true;
   if (kind == Fault::Kill) ::kill(::getpid(), SIGKILL);
   return true;
+}
+
+/// Whether the fault strikes this call to the system.
+bool strikes(std::string_view call, bool interruptible = true) {
+  if (!armed) return false;
+  const std::size_t used = std::strlen(calls.data());
+  if (used + call.size() + 1 < calls.size()) {
+    calls[call.copy(&calls[used], call.size()) + used] = ' ';
+  }
+  return (interruptible || kind != Fault::Interruption) && strikesNext();
 }
 
 /// What the system says when it refuses: -1, and why.
@@ -36,7 +49,7 @@ int refusal(int error) {
 }
 
 void* allocate(std::size_t size) {
-  if (kind == Fault::Refusal && strikes()) throw std::bad_alloc();
+  if (armed && kind == Fault::Refusal && strikesNext()) throw std::bad_alloc();
   void* const memory = std::malloc(std::max<std::size_t>(size, 1));
   if (memory == nullptr) throw std::bad_alloc();
   if (!armed) return memory;
@@ -57,6 +70,7 @@ void arm(Fault fault, long nth) {
   callsLeft = nth;
   struck = false;
   allocated = peak = 0;
+  calls.fill('\0');
   armed = true;
 }
 
@@ -66,6 +80,8 @@ bool disarm() {
 }
 
 std::size_t peakOfMemory() { return peak; }
+
+std::string callsMade() { return calls.data(); }
 
 }  // namespace aq::test
 
@@ -86,42 +102,61 @@ int __real_stat(const char* path, struct stat* status);
 int __real_fstat(int handle, struct stat* status);
 int __real_fsync(int handle);
 int __real_fchmod(int handle, mode_t mode);
+int __real_fchown(int handle, uid_t owner, gid_t group);
+int __real_flock(int handle, int operation);
+int __real_ftruncate(int handle, off_t size);
+int __real_unlink(const char* path);
 int __real_rename(const char* from, const char* to);
 ssize_t __real_readlink(const char* path, char* text, size_t size);
 
 int __wrap_open(const char* path, int flags, mode_t mode) {
-  return aq::test::strikes() ? aq::test::refusal(EMFILE) : __real_open(path, flags, mode);
+  return aq::test::strikes("open") ? aq::test::refusal(EMFILE) : __real_open(path, flags, mode);
 }
 int __wrap_close(int handle) {
-  const bool strikes = aq::test::strikes();
+  const bool strikes = aq::test::strikes("close");
   const int result = __real_close(handle);  // closed whatever it says
   return strikes ? aq::test::refusal(EIO) : result;
 }
 ssize_t __wrap_read(int handle, void* bytes, size_t size) {
-  return aq::test::strikes() ? aq::test::refusal(EIO) : __real_read(handle, bytes, size);
+  return aq::test::strikes("read") ? aq::test::refusal(EIO) : __real_read(handle, bytes, size);
 }
-/// A full disk takes a part first; a kill cannot divide a write.
+/// A full disk takes a part first.
 ssize_t __wrap_write(int handle, const void* bytes, size_t size) {
-  if (aq::test::strikes()) return aq::test::refusal(ENOSPC);
-  const bool part = aq::test::kind != aq::test::Fault::Kill;
-  return __real_write(handle, bytes, part ? std::max<size_t>(size / 2, 1) : size);
+  if (aq::test::strikes("write")) return aq::test::refusal(ENOSPC);
+  return __real_write(handle, bytes, std::max<size_t>(size / 2, 1));
 }
 int __wrap_stat(const char* path, struct stat* status) {
-  return aq::test::strikes(false) ? aq::test::refusal(EACCES) : __real_stat(path, status);
+  return aq::test::strikes("stat", false) ? aq::test::refusal(EACCES) : __real_stat(path, status);
 }
 int __wrap_fstat(int handle, struct stat* status) {
-  return aq::test::strikes(false) ? aq::test::refusal(EIO) : __real_fstat(handle, status);
+  return aq::test::strikes("fstat", false) ? aq::test::refusal(EIO) : __real_fstat(handle, status);
+}
+int __wrap_flock(int handle, int operation) {
+  return aq::test::strikes("flock") ? aq::test::refusal(ENOLCK) : __real_flock(handle, operation);
 }
 int __wrap_fsync(int handle) {
-  return aq::test::strikes() ? aq::test::refusal(EDQUOT) : __real_fsync(handle);
+  return aq::test::strikes("fsync") ? aq::test::refusal(EDQUOT) : __real_fsync(handle);
 }
 int __wrap_fchmod(int handle, mode_t mode) {
-  return aq::test::strikes(false) ? aq::test::refusal(EPERM) : __real_fchmod(handle, mode);
+  return aq::test::strikes("fchmod", false) ? aq::test::refusal(EPERM)
+                                            : __real_fchmod(handle, mode);
+}
+int __wrap_fchown(int handle, uid_t owner, gid_t group) {
+  return aq::test::strikes("fchown", false) ? aq::test::refusal(EPERM)
+                                            : __real_fchown(handle, owner, group);
 }
 ssize_t __wrap_readlink(const char* path, char* text, size_t size) {
-  return aq::test::strikes(false) ? aq::test::refusal(EIO) : __real_readlink(path, text, size);
+  return aq::test::strikes("readlink", false) ? aq::test::refusal(EIO)
+                                              : __real_readlink(path, text, size);
 }
 int __wrap_rename(const char* from, const char* to) {
-  return aq::test::strikes(false) ? aq::test::refusal(EIO) : __real_rename(from, to);
+  return aq::test::strikes("rename", false) ? aq::test::refusal(EIO) : __real_rename(from, to);
+}
+// Those that follow a failure do not fail too, but a process may end at them.
+int __wrap_ftruncate(int handle, off_t size) {
+  return aq::test::strikes("ftruncate") ? aq::test::refusal(EIO) : __real_ftruncate(handle, size);
+}
+int __wrap_unlink(const char* path) {
+  return aq::test::strikes("unlink", false) ? aq::test::refusal(EIO) : __real_unlink(path);
 }
 }

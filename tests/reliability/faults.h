@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 
 // Makes one call fail that the library, linked into this program, makes to the system or for
 // memory.
@@ -20,5 +21,8 @@ bool disarm();
 
 /// The most bytes that were allocated at once since `arm`.
 std::size_t peakOfMemory();
+
+/// The names of the calls to the system since then, each with a blank behind it.
+std::string callsMade();
 
 }  // namespace aq::test

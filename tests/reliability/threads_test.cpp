@@ -1,5 +1,6 @@
 // Eight threads that read and write different files, while others set the file information service.
 #include <aq/aq.h>
+#include <aq/check/check_file.h>
 #include <gtest/gtest.h>
 
 #include <thread>
@@ -21,6 +22,10 @@ int rewriteAll(const test::Folder& folder, int worker) {
       const std::string copy = folder.file(std::to_string(worker) + name);
       const bool written = format.rewrite(sample.string(), copy) == AQ_DATA_OK;
       if (!written || format.read(copy).failure) ++wrong;
+      checkFile(copy, [&](const Finding&) {});
+      AQ_DataASCII line;
+      line.Lines()->Add(std::to_string(worker));
+      if (line.appendLines(folder.file("common")) != AQ_DATA_OK) ++wrong;
     });
   }
   return wrong;
@@ -39,6 +44,10 @@ TEST(Threads, ReadAndWriteDifferentFilesWhileTheServiceChanges) {
   }
   workers.clear();
   for (const int count : wrong) EXPECT_EQ(count, 0);
+  AQ_DataASCII common;
+  ASSERT_EQ(common.readLines(folder.file("common")), AQ_DATA_OK);
+  EXPECT_EQ(common.Lines()->Count() % (5 * static_cast<int>(kWorkers)), 0);
+  for (const std::string& line : *common.Lines()) EXPECT_EQ(line.size(), 1U);
 }
 
 }  // namespace

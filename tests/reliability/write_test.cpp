@@ -2,16 +2,20 @@
 // when the system refuses.
 #include <aq/aq.h>
 #include <aq/core/platform.h>
+#include <fcntl.h>
 #include <grp.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <thread>
 
 #include "tests/support/files.h"
 
@@ -97,6 +101,24 @@ TEST(Write, LinksStayAndOtherNamesKeepTheOldFile) {
   EXPECT_EQ(test::contentOf(file), "new\n");
   EXPECT_EQ(test::contentOf(folder.file("sub/none")), "new\n");
   EXPECT_EQ(test::contentOf(folder.file("other")), "old");
+  // What /proc leads to is a file as any, unless it is the number of an open one.
+  EXPECT_TRUE(writes("/proc/self/root" + folder.file("other")));
+  EXPECT_EQ(test::contentOf(folder.file("other")), "new\n");
+  EXPECT_EQ(fs::hard_link_count(file), 1U);
+}
+
+/// Appending waits for another appender, and then goes on with the file that has the name.
+TEST(Write, AnAppendFollowsTheName) {
+  const test::Folder folder;
+  const std::string path = folder.with("a", "old");
+  const int held = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  ASSERT_EQ(::flock(held, LOCK_EX), 0);
+  std::jthread appender([&] { EXPECT_EQ(textOf("more").appendLines(path), AQ_DATA_OK); });
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));  // it has most likely begun
+  EXPECT_TRUE(writes(path));
+  ::close(held);
+  appender.join();
+  EXPECT_EQ(test::contentOf(path), "new\nmore\n");
 }
 
 TEST(Write, WhatIsNoRegularFileIsWrittenStraight) {
@@ -109,12 +131,20 @@ TEST(Write, WhatIsNoRegularFileIsWrittenStraight) {
   EXPECT_TRUE(writes("/proc/self/fd/" + std::to_string(pipe[1])));
   std::array<char, 8> room{};
   EXPECT_EQ(::read(pipe[0], room.data(), room.size()), 4);
+  ASSERT_EQ(::fcntl(pipe[1], F_SETFL, O_NONBLOCK), 0);  // as some readers leave it
+  const std::string large(300'000, 'x');
+  std::jthread reader([&] {
+    std::size_t left = large.size() + 1;
+    while (left != 0) left -= static_cast<std::size_t>(::read(pipe[0], room.data(), room.size()));
+  });
+  EXPECT_EQ(refusalOf(textOf(large), "/dev/fd/" + std::to_string(pipe[1])), "none");
+  reader.join();
   ::close(pipe[0]);
   ::close(pipe[1]);
   // A name of an open file, as /dev/stdout, goes on naming it.
   const test::Folder folder;
   std::FILE* const open = std::fopen(folder.with("a", "old").c_str(), "r");
-  EXPECT_TRUE(writes("/dev/fd/" + std::to_string(fileno(open))));
+  EXPECT_TRUE(writes("/dev/fd/" + std::to_string(fileno(open))));  // which cannot write itself
   std::array<char, 8> content{};
   EXPECT_EQ(std::fread(content.data(), 1, content.size(), open), 4U);
   std::fclose(open);
@@ -122,6 +152,11 @@ TEST(Write, WhatIsNoRegularFileIsWrittenStraight) {
   EXPECT_TRUE(writes("/dev/fd/" + std::to_string(fileno(shared))));
   EXPECT_EQ(test::contentOf(folder.file("a")), "new\nnew\n");
   std::fclose(shared);
+  std::FILE* const begun = std::fopen(folder.file("a").c_str(), "w");  // as behind > of a shell
+  EXPECT_EQ(textOf("1").appendLines("/dev/fd/" + std::to_string(fileno(begun))), AQ_DATA_OK);
+  EXPECT_EQ(std::fwrite("2\n", 1, 2, begun), 2U);
+  std::fclose(begun);
+  EXPECT_EQ(test::contentOf(folder.file("a")), "1\n2\n");
 }
 
 /// What a writer other than the owner leaves of a file's owner and permissions.
