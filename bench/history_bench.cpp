@@ -2,7 +2,6 @@
 // file beside opening, reading and closing it.
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <fstream>
 #include <vector>
 
@@ -67,9 +66,13 @@ void plainWrite(const std::string& path, const PlainRecords& records) {
   for (const auto& record : records) {
     append(std::to_chars(field, field + 64, record->number).ptr);
     const int second = static_cast<int>(record->timeOfDay);
-    std::snprintf(field, sizeof field, ",%02d:%02d:%02d", second / 3600, second / 60 % 60,
-                  second % 60);
-    text += field;
+    char separator = ',';
+    for (const int pair : {second / 3600, second / 60 % 60, second % 60}) {
+      text += separator;
+      text += static_cast<char>('0' + pair / 10);
+      text += static_cast<char>('0' + pair % 10);
+      separator = ':';
+    }
     const double fraction = record->timeOfDay - second;
     if (fraction != 0) append(std::to_chars(field, field + 64, fraction).ptr);
     text += ',';

@@ -6,6 +6,8 @@
 //
 // Each group runs in a process of its own, since what one leaves in memory costs the next.
 #include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -140,10 +142,12 @@ void addPair(const std::string& name, const std::function<void()>& plain,
 std::string fileInFolder(const std::string& name) { return folder() + '/' + name; }
 
 std::string bytesOf(const std::string& path) {
-  std::ifstream stream(path, std::ios::binary | std::ios::ate);
-  std::string bytes(static_cast<std::size_t>(stream.tellg()), '\0');
-  stream.seekg(0);
-  stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  const int handle = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  struct stat status {};
+  require(::fstat(handle, &status) == 0, "opening a file");
+  std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
+  require(::read(handle, bytes.data(), bytes.size()) == status.st_size, "reading a file");
+  ::close(handle);
   return bytes;
 }
 

@@ -14,7 +14,7 @@ void addPair(const std::string& name, const std::function<void()>& plain,
 /// A file in the folder of this run.
 std::string fileInFolder(const std::string& name);
 
-/// The bytes of a file, by the system's stream.
+/// The bytes of a file, by the system's calls.
 std::string bytesOf(const std::string& path);
 
 /// Ends the program when a call of the library failed.
