@@ -93,70 +93,39 @@ void operator delete(void* memory, std::size_t) noexcept { aq::test::release(mem
 void operator delete[](void* memory, std::size_t) noexcept { aq::test::release(memory); }
 
 // The linker hands the calls over here (--wrap), and the real ones under their second name.
-extern "C" {
-int __real_open(const char* path, int flags, mode_t mode);
-int __real_close(int handle);
-ssize_t __real_read(int handle, void* bytes, size_t size);
-ssize_t __real_write(int handle, const void* bytes, size_t size);
-int __real_stat(const char* path, struct stat* status);
-int __real_fstat(int handle, struct stat* status);
-int __real_fsync(int handle);
-int __real_fchmod(int handle, mode_t mode);
-int __real_fchown(int handle, uid_t owner, gid_t group);
-int __real_flock(int handle, int operation);
-int __real_ftruncate(int handle, off_t size);
-int __real_unlink(const char* path);
-int __real_rename(const char* from, const char* to);
-ssize_t __real_readlink(const char* path, char* text, size_t size);
+#define AQ_WRAPPED(Result, call, parameters)  \
+  extern "C" Result __real_##call parameters; \
+  extern "C" Result __wrap_##call parameters
 
-int __wrap_open(const char* path, int flags, mode_t mode) {
-  return aq::test::strikes("open") ? aq::test::refusal(EMFILE) : __real_open(path, flags, mode);
-}
-int __wrap_close(int handle) {
+// A call that says `error` when it is struck.
+#define AQ_WRAP(Result, call, error, interruptible, parameters, arguments) \
+  AQ_WRAPPED(Result, call, parameters) {                                   \
+    const bool strikes = aq::test::strikes(#call, interruptible);          \
+    return strikes ? aq::test::refusal(error) : __real_##call arguments;   \
+  }
+
+AQ_WRAP(int, open, EMFILE, true, (const char* path, int flags, mode_t mode), (path, flags, mode))
+AQ_WRAP(ssize_t, read, EIO, true, (int handle, void* bytes, size_t size), (handle, bytes, size))
+AQ_WRAP(int, stat, EACCES, false, (const char* path, struct stat* status), (path, status))
+AQ_WRAP(int, fstat, EIO, false, (int handle, struct stat* status), (handle, status))
+AQ_WRAP(int, flock, ENOLCK, true, (int handle, int operation), (handle, operation))
+AQ_WRAP(int, fsync, EDQUOT, true, (int handle), (handle))
+AQ_WRAP(int, fchmod, EPERM, false, (int handle, mode_t mode), (handle, mode))
+AQ_WRAP(int, fchown, EPERM, false, (int handle, uid_t owner, gid_t group), (handle, owner, group))
+AQ_WRAP(ssize_t, readlink, EIO, false, (const char* path, char* text, size_t size),
+        (path, text, size))
+AQ_WRAP(int, rename, EIO, false, (const char* from, const char* to), (from, to))
+// Those that follow a failure do not fail too, but a process may end at them.
+AQ_WRAP(int, ftruncate, EIO, true, (int handle, off_t size), (handle, size))
+AQ_WRAP(int, unlink, EIO, false, (const char* path), (path))
+
+AQ_WRAPPED(int, close, (int handle)) {
   const bool strikes = aq::test::strikes("close");
   const int result = __real_close(handle);  // closed whatever it says
   return strikes ? aq::test::refusal(EIO) : result;
 }
-ssize_t __wrap_read(int handle, void* bytes, size_t size) {
-  return aq::test::strikes("read") ? aq::test::refusal(EIO) : __real_read(handle, bytes, size);
-}
 /// A full disk takes a part first.
-ssize_t __wrap_write(int handle, const void* bytes, size_t size) {
+AQ_WRAPPED(ssize_t, write, (int handle, const void* bytes, size_t size)) {
   if (aq::test::strikes("write")) return aq::test::refusal(ENOSPC);
   return __real_write(handle, bytes, std::max<size_t>(size / 2, 1));
-}
-int __wrap_stat(const char* path, struct stat* status) {
-  return aq::test::strikes("stat", false) ? aq::test::refusal(EACCES) : __real_stat(path, status);
-}
-int __wrap_fstat(int handle, struct stat* status) {
-  return aq::test::strikes("fstat", false) ? aq::test::refusal(EIO) : __real_fstat(handle, status);
-}
-int __wrap_flock(int handle, int operation) {
-  return aq::test::strikes("flock") ? aq::test::refusal(ENOLCK) : __real_flock(handle, operation);
-}
-int __wrap_fsync(int handle) {
-  return aq::test::strikes("fsync") ? aq::test::refusal(EDQUOT) : __real_fsync(handle);
-}
-int __wrap_fchmod(int handle, mode_t mode) {
-  return aq::test::strikes("fchmod", false) ? aq::test::refusal(EPERM)
-                                            : __real_fchmod(handle, mode);
-}
-int __wrap_fchown(int handle, uid_t owner, gid_t group) {
-  return aq::test::strikes("fchown", false) ? aq::test::refusal(EPERM)
-                                            : __real_fchown(handle, owner, group);
-}
-ssize_t __wrap_readlink(const char* path, char* text, size_t size) {
-  return aq::test::strikes("readlink", false) ? aq::test::refusal(EIO)
-                                              : __real_readlink(path, text, size);
-}
-int __wrap_rename(const char* from, const char* to) {
-  return aq::test::strikes("rename", false) ? aq::test::refusal(EIO) : __real_rename(from, to);
-}
-// Those that follow a failure do not fail too, but a process may end at them.
-int __wrap_ftruncate(int handle, off_t size) {
-  return aq::test::strikes("ftruncate") ? aq::test::refusal(EIO) : __real_ftruncate(handle, size);
-}
-int __wrap_unlink(const char* path) {
-  return aq::test::strikes("unlink", false) ? aq::test::refusal(EIO) : __real_unlink(path);
-}
 }

@@ -3,12 +3,14 @@
 #include <aq/aq.h>
 #include <aq/text/call_file.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
 #include <functional>
 #include <map>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -38,6 +40,11 @@ void put(const std::string& text) {
   out += '"';
 }
 
+void put(const AQ_Time& time) {
+  put(time.CurrentDate());
+  put(time.TODseconds());
+}
+
 void put(const Collection<std::string>& texts) {
   for (const std::string& text : texts) put(text);
 }
@@ -49,8 +56,15 @@ void show(const char* key, const Values&... values) {
   out += '\n';
 }
 
-void showDate(const char* key, const AQ_Time& time) {
-  show(key, time.CurrentDate(), time.TODseconds());
+/// Each value on a line of its own, behind its key of several.
+template <class... Values>
+void showEach(std::string_view keys, const Values&... values) {
+  const auto next = [&keys] {
+    const std::string_view key = keys.substr(0, keys.find(' '));
+    keys.remove_prefix(std::min(keys.size(), key.size() + 1));
+    return key;
+  };
+  ((out += next(), put(values), out += '\n'), ...);
 }
 
 template <class File>
@@ -89,10 +103,8 @@ void printLevels(const AQ_Spectrum& spectrum) {
 }
 
 void printHistory(AQ_SpectralTimeHistory& history) {
-  show("averaging", history.AverageMethod());
-  show("stamp", history.TimeStampType());
-  show("start", history.startTime()->TODseconds());
-  show("reference", history.ReferenceTime()->TODseconds());
+  showEach("averaging stamp start reference", history.AverageMethod(), history.TimeStampType(),
+           history.startTime()->TODseconds(), history.ReferenceTime()->TODseconds());
   show("records", history.Count(), history.LoRec(), history.HiRec());
   eachNumbered(
       history.Count(), [&](std::int16_t n) { return history.spectrum(n); },
@@ -110,14 +122,11 @@ void printSTH(const std::string& path) {
   std::shared_ptr<AQ_SpectralTimeHistory> history;
   showResult(file.readFile(path, header, history), file);
   if (header) {
-    show("fileName", header->sFileName);
-    showDate("fileDate", *header->aqFileDateTime);
-    show("project", header->sProjectName);
-    show("microphone", header->sMicrophoneID);
-    show("adjustment", header->sAdjustmentCode);
-    show("generator", header->sGeneratedBy);
-    show("generationFile", header->sGenerationFile);
-    showDate("generationDate", *header->aqGenerationDateTime);
+    showEach(
+        "fileName fileDate project microphone adjustment generator generationFile generationDate",
+        header->sFileName, *header->aqFileDateTime, header->sProjectName, header->sMicrophoneID,
+        header->sAdjustmentCode, header->sGeneratedBy, header->sGenerationFile,
+        *header->aqGenerationDateTime);
     show("other", header->cOtherRecords->Count(), *header->cOtherRecords);
     show("comments", header->cCommentLines->Count(), *header->cCommentLines);
   }
@@ -145,14 +154,11 @@ void printMask(const std::string& path) {
   std::shared_ptr<AQ_MaskMap> map;
   showResult(file.readFile(path, header, map), file);
   if (header) {
-    show("title", header->sFileType);
-    show("fileName", header->sFileName);
-    showDate("fileDate", *header->aqFileDateTime);
-    show("rows", header->lNumberRows);
+    showEach("title fileName fileDate rows", header->sFileType, header->sFileName,
+             *header->aqFileDateTime, header->lNumberRows);
     show("bands", header->iBandLow, header->iBandHigh);
-    show("generator", header->sGeneratedBy);
-    show("generationFile", header->sGenerationFile);
-    showDate("generationDate", *header->aqGenerationDateTime);
+    showEach("generator generationFile generationDate", header->sGeneratedBy,
+             header->sGenerationFile, *header->aqGenerationDateTime);
     show("other", header->nOtherRecords, *header->cOtherRecords);
     show("comments", header->nCommentLines, *header->cCommentLines);
     show("columns", header->sColumnLabels);
@@ -176,14 +182,10 @@ void printPTH(const std::string& path) {
   std::shared_ptr<AQ_PositionTimeHistory> history;
   showResult(readInto(file, path, header, history), file);
   if (header) {
-    show("title", header->sFileType);
-    show("fileName", header->sFileName);
-    showDate("fileDate", *header->aqFileDateTime);
-    show("project", header->sProjectName);
-    show("generator", header->sGeneratedBy);
-    show("trackFile", header->sTSPIFileName);
-    show("trackDate", header->sTSPIFileDateTime);
-    show("records", header->lNumberRecords);
+    showEach("title fileName fileDate project generator trackFile trackDate records",
+             header->sFileType, header->sFileName, *header->aqFileDateTime, header->sProjectName,
+             header->sGeneratedBy, header->sTSPIFileName, header->sTSPIFileDateTime,
+             header->lNumberRecords);
     show("other", header->nOtherRecords, *header->cOtherRecords);
     show("comments", header->nCommentLines, *header->cCommentLines);
   }
@@ -203,21 +205,16 @@ void printGTH(const std::string& path) {
   showResult(readInto(file, path, header, history), file);
   if (header) {
     const AQ_Position& microphone = *header->MicrophonePosition;
-    show("title", header->FileType);
-    show("fileName", header->GTHFileName);
-    showDate("fileDate", *header->GTHFileDateTime);
-    show("project", header->ProjectName);
-    show("generator", header->GeneratedBy);
-    show("microphone", header->MicrophoneID);
+    showEach("title fileName fileDate project generator microphone", header->FileType,
+             header->GTHFileName, *header->GTHFileDateTime, header->ProjectName,
+             header->GeneratedBy, header->MicrophoneID);
     show("position", microphone.X(), microphone.Y(), microphone.Z());
-    show("temperature", header->Temperature);
-    show("historyFile", header->STHFileName);
-    show("historyDate", header->STHFileDateTime);
-    show("positionFile", header->PTHFileName);
-    show("positionDate", header->PTHFileDateTime);
-    show("microphoneFile", header->MICFileName);
-    show("microphoneDate", header->MICFileDateTime);
-    show("records", header->NumberRecords);
+    showEach(
+        "temperature historyFile historyDate positionFile positionDate microphoneFile "
+        "microphoneDate records",
+        header->Temperature, header->STHFileName, header->STHFileDateTime, header->PTHFileName,
+        header->PTHFileDateTime, header->MICFileName, header->MICFileDateTime,
+        header->NumberRecords);
     show("other", header->OtherRecords, *header->colOtherRecords);
     show("comments", header->nCommentLines, *header->colCommentLines);
   }
@@ -233,11 +230,8 @@ void printMIC(const std::string& path) {
   const auto microphone = std::make_shared<AQ_Microphone>(AQ_Microphone{1, 2, 3, 4});
   showResult(readInto(file, path, header, microphone), file);
   if (header) {
-    show("title", header->sFileType);
-    show("fileName", header->sFileName);
-    showDate("fileDate", *header->aqFileDateTime);
-    show("project", header->sProjectName);
-    show("microphone", header->sMicrophoneID);
+    showEach("title fileName fileDate project microphone", header->sFileType, header->sFileName,
+             *header->aqFileDateTime, header->sProjectName, header->sMicrophoneID);
     show("other", header->nOtherRecords, *header->cOtherRecords);
     show("comments", header->nCommentLines, *header->cCommentLines);
   }
@@ -258,8 +252,7 @@ void printSSR(const std::string& path) {
   std::shared_ptr<AQ_HeaderSSR> header;
   showResult(file.readFile(path, spectrum, header), file);
   if (header) {
-    show("fileName", header->sFileName);
-    showDate("fileDate", *header->aqFileDateTime);
+    showEach("fileName fileDate", header->sFileName, *header->aqFileDateTime);
     show("comments", header->cCommentLines->Count(), *header->cCommentLines);
   }
   if (!spectrum) return;
@@ -279,16 +272,9 @@ void printINI(const std::string& path) {
   file.FileName("name");
   file.Comments()->Add("before");
   showResult(file.readFile(path), file);
-  show("caladj", file.CalAdj());
-  show("nuavg", file.NuAvg());
-  show("prwndo", file.PrWndo());
-  show("powndo", file.PoWndo());
-  show("nutimg", file.NuTimg());
-  show("lorec", file.LoRec());
-  show("hirec", file.HiRec());
-  show("filename", file.FileName());
-  showDate("filedatetime", *file.FileDate());
-  show("comments", *file.Comments());
+  showEach("caladj nuavg prwndo powndo nutimg lorec hirec filename filedatetime comments",
+           file.CalAdj(), file.NuAvg(), file.PrWndo(), file.PoWndo(), file.NuTimg(), file.LoRec(),
+           file.HiRec(), file.FileName(), *file.FileDate(), *file.Comments());
 }
 
 /// `options` are the delimiter, two digits a byte, and 1 for fields that may be quoted: `2c:1`.
@@ -305,8 +291,7 @@ void printASCII(const std::string& path, const std::string& options) {
   showResult(file.readFields(path), file);
   show("lines", file.Lines()->Count());
   for (int place = 1; place <= file.Lines()->Count(); ++place) {
-    show("line", file.Lines()->Item(place));
-    show("fields", *file.Fields()->Item(place));
+    showEach("line fields", file.Lines()->Item(place), *file.Fields()->Item(place));
   }
 }
 
