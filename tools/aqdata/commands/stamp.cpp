@@ -69,6 +69,7 @@ void stamp(Session& session, const StampChoice& choice) {
   aq::AQ_Time reference = timeFrom(choice.reference);
   setDates(start, reference);
   try {
+    // NOLINTNEXTLINE(readability-suspicious-call-argument): two times, each with its type
     read.history->setTimeStamps(start, type, reference, referenceType);
   } catch (const aq::Error& error) {
     throw Failure(fmt::format("{}: {}", aq::escaped(choice.file), error.what()));
