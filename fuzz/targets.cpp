@@ -1,6 +1,7 @@
 #include "fuzz/targets.h"
 
 #include <aq/aq.h>
+#include <aq/check/check_file.h>
 
 #include <algorithm>
 #include <array>
@@ -31,15 +32,25 @@ std::string fileWith(std::string_view input) {
   return path;
 }
 
+/// A line that the input certainly does not have.
+std::size_t behind(std::string_view input) {
+  return static_cast<std::size_t>(std::count(input.begin(), input.end(), '\n')) + 2;
+}
+
 void readFormat(const Target& target, std::string_view input) {
   const std::string path = fileWith(input);
   const auto [failure, handedOut, sound] = test::kFormats.at(target.name).read(path);
   expect(sound, "a result that agrees with what was handed out");
   static_cast<void>(kindOfFile(path));
   if (!failure) return;
-  const auto lines = static_cast<std::size_t>(std::count(input.begin(), input.end(), '\n'));
-  expect(failure->line >= 1 && failure->line <= lines + 2, "a failure with its place");
+  expect(failure->line >= 1 && failure->line <= behind(input), "a failure with its place");
   expect(failure->message().find(failure->expected) != std::string::npos, "a message");
+}
+
+void checkAny(const Target&, std::string_view input) {
+  checkFile(fileWith(input), [&](const Finding& finding) {
+    expect(finding.place.line <= behind(input) && !finding.message.empty(), "a finding");
+  });
 }
 
 /// The lines of a text as they are counted: a carriage return in front of the line end is part of
@@ -163,6 +174,7 @@ const std::array kTargets{Target{"spectral-time-history", readFormat},
                           Target{"spectrum-record", readFormat},
                           Target{"tracking", readFormat},
                           Target{"delimited-text", readDelimited},
+                          Target{"check", checkAny},
                           Target{"round-trip", roundTrip},
                           Target{"numbers", numbers},
                           Target{"model", model}};
