@@ -1,7 +1,7 @@
 #pragma once
 
-// Arrays of numbers in one pass over the objects. Two shapes: levels and masks, one row a record
-// and one column a band; and tables, one row an object and one named column a property.
+// Arrays of numbers in one pass over the objects: levels and masks, one row a record and one column
+// a band.
 
 #include <pybind11/numpy.h>
 
@@ -24,32 +24,43 @@ inline py::object shown(const py::object& given) {
   return given.attr("astype")("f8").attr("filled")(std::numeric_limits<double>::quiet_NaN());
 }
 
+/// What numpy makes of anything; an exception of it, as for a file that is gone, passes.
+inline py::array arrayFrom(const py::object& given) {
+  return py::module_::import("numpy").attr("asarray")(shown(given));
+}
+
+inline std::string numberText(double number) {
+  return py::str(py::float_(number)).cast<std::string>();
+}
+
 /// Throws `ValueError` for a cell that would lose something as an integer.
 inline void checkWhole(const Doubles& cells) {
   for (const double cell : std::span(cells.data(), static_cast<std::size_t>(cells.size()))) {
-    if (std::isfinite(cell) && std::trunc(cell) == cell) continue;
-    throw py::value_error("expected whole numbers, found " +
-                          py::str(py::float_(cell)).cast<std::string>());
+    if (!std::isfinite(cell) || std::trunc(cell) != cell) {
+      throw py::value_error("expected whole numbers, found " + numberText(cell));
+    }
+    if (std::abs(cell) < 0x1p63) continue;
+    throw py::value_error("the number " + numberText(cell) + " is beyond 64 bits");
   }
 }
 
 /// Numbers of one type in a row of memory, whatever their type and layout were; NaN where it is
 /// missing. Throws `TypeError` for what is no number, `ValueError` for another count of dimensions
-/// and for a fraction where integers are wanted.
+/// and, where integers are wanted, for a fraction and for what has no 64 bits.
 template <class Number>
 py::array_t<Number, py::array::c_style> numbersFrom(const py::object& given, py::ssize_t dimensions,
                                                     const char* wanted) {
-  const auto array = py::array::ensure(shown(given));
-  if (!array || std::string("iuf").find(array.dtype().kind()) == std::string::npos) {
-    const std::string found = array ? "an array of " + py::str(array.dtype()).cast<std::string>()
-                                    : py::str(py::type::of(given)).cast<std::string>();
-    throw py::type_error(std::string("expected ") + wanted + ", found " + found);
+  const py::array array = arrayFrom(given);
+  const char kind = array.dtype().kind();
+  if (std::string_view("iuf").find(kind) == std::string_view::npos) {
+    throw py::type_error(std::string("expected ") + wanted + ", found an array of " +
+                         py::str(array.dtype()).cast<std::string>());
   }
   if (array.ndim() != dimensions) {
     throw py::value_error(std::string("expected ") + wanted + ", found an array of " +
                           std::to_string(array.ndim()) + " dimensions");
   }
-  if (std::is_integral_v<Number> && array.dtype().kind() == 'f') checkWhole(Doubles(array));
+  if (std::is_integral_v<Number> && kind != 'i') checkWhole(Doubles(array));
   return py::array_t<Number, py::array::c_style | py::array::forcecast>(array);
 }
 
@@ -90,6 +101,7 @@ inline std::vector<std::int16_t> recordNumbers(const py::object& given, py::ssiz
 }
 
 inline void checkBands(std::int16_t low, py::ssize_t count) {
+  if (low < 0) throw py::value_error("the band number " + std::to_string(low) + " is below 0");
   if (!std::in_range<std::int16_t>(low + count - 1)) {
     throw py::value_error("the band number " + std::to_string(low + count - 1) +
                           " is beyond 16 bits");
@@ -110,6 +122,11 @@ NumberRange bandsOf(const Objects& objects) {
     bands.widen(object->HighBand());
   }
   return bands;
+}
+
+inline std::string bandsText(const NumberRange& bands) {
+  if (bands.high < bands.low) return "no bands";
+  return "bands " + std::to_string(bands.low) + " to " + std::to_string(bands.high);
 }
 
 inline py::ssize_t countOf(const NumberRange& range) {
@@ -141,6 +158,21 @@ struct Numbered {
   std::vector<std::shared_ptr<Object>> objects;
 };
 
+/// The number that is taken but has no object.
+template <class Get>
+int emptyNumber(const Get& get) {
+  int number = -32768;
+  const auto isEmpty = [&] {
+    try {
+      return !get(static_cast<std::int16_t>(number));
+    } catch (const Error&) {
+      return false;
+    }
+  };
+  while (!isEmpty() && number < 32767) ++number;
+  return number;
+}
+
 /// All `count` objects that `get` finds: mostly they are numbered from 1 on.
 template <class Object, class Get>
 Numbered<Object> numbered(std::int32_t count, const Get& get) {
@@ -158,96 +190,7 @@ Numbered<Object> numbered(std::int32_t count, const Get& get) {
   all = {};
   collect(-32768, 32767);
   if (std::ssize(all.objects) == count) return all;
-  throw Error(ErrorCode::ObjectNotSet, "an object is missing");
-}
-
-template <class Object>
-struct Column {
-  const char* name;
-  double (*get)(Object&);
-  void (*set)(Object&, double);
-};
-
-/// One row an object; the columns are named fields, so the table is a pandas frame at once.
-template <class Object>
-py::array tableOf(const std::vector<std::shared_ptr<Object>>& objects,
-                  std::span<const Column<Object>> columns) {
-  py::list names;
-  for (const auto& column : columns) names.append(py::make_tuple(column.name, "f8"));
-  py::array table(py::dtype::from_args(names), std::vector<py::ssize_t>{std::ssize(objects)});
-  auto* cell = static_cast<double*>(table.mutable_data());
-  for (const auto& object : objects) {
-    for (const auto& column : columns) *cell++ = column.get(required(object));
-  }
-  return table;
-}
-
-/// Anything that gives a column of numbers by name: a table, a dictionary, a frame or a dataset.
-class TableSource {
- public:
-  template <class Object>
-  TableSource(const py::object& given, std::span<const Column<Object>> columns) {
-    py::object names = py::getattr(given, "dtype", py::none());
-    names = py::getattr(names, "names", py::none());
-    if (names.is_none()) names = given;
-    if (!py::isinstance<py::iterable>(names) || !py::hasattr(given, "__getitem__")) {
-      throw py::type_error("expected an array with named columns or a mapping of columns, found " +
-                           py::str(py::type::of(given)).cast<std::string>());
-    }
-    py::list known;
-    for (const auto& column : columns) {
-      known.append(column.name);
-      if (!names.contains(column.name)) continue;
-      columns_.push_back(take(given, column.name));
-      places_.push_back(static_cast<std::size_t>(&column - columns.data()));
-    }
-    if (columns_.empty()) {
-      throw py::value_error("expected columns of " + py::str(known).cast<std::string>() +
-                            ", found none of them");
-    }
-  }
-
-  [[nodiscard]] py::ssize_t rows() const { return columns_.front().size(); }
-
-  template <class Object>
-  void fill(const std::vector<std::shared_ptr<Object>>& objects,
-            std::span<const Column<Object>> columns) const {
-    if (std::ssize(objects) != rows()) {
-      throw py::value_error("expected " + std::to_string(objects.size()) + " rows, found " +
-                            std::to_string(rows()));
-    }
-    for (std::size_t i = 0; i < columns_.size(); ++i) {
-      const double* value = columns_[i].data();
-      for (const auto& object : objects) columns[places_[i]].set(required(object), *value++);
-    }
-  }
-
- private:
-  using Values = py::array_t<double, py::array::c_style>;
-
-  Values take(const py::object& given, const char* name) {
-    const auto wanted = std::string("a column ") + name + " of numbers";
-    auto values = numbersFrom<double>(given[name], 1, wanted.c_str());
-    if (!columns_.empty() && values.size() != rows()) {
-      throw py::value_error(std::string("expected ") + std::to_string(rows()) + " rows in column " +
-                            name + ", found " + std::to_string(values.size()));
-    }
-    return values;
-  }
-
-  std::vector<Values> columns_;
-  std::vector<std::size_t> places_;
-};
-
-/// New objects, one a row.
-template <class Object>
-std::vector<std::shared_ptr<Object>> objectsFrom(const py::object& given,
-                                                 std::span<const Column<Object>> columns) {
-  const TableSource source(given, columns);
-  std::vector<std::shared_ptr<Object>> objects(static_cast<std::size_t>(source.rows()));
-  for (auto& object : objects) object = std::make_shared<Object>();
-  source.fill(objects, columns);
-  return objects;
+  throw Error(ErrorCode::ObjectNotSet, "number " + std::to_string(emptyNumber(get)) + " is None");
 }
 
 }  // namespace aq::python

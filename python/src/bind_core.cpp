@@ -1,4 +1,5 @@
 #include <aq/core/band_label.h>
+#include <aq/core/date_text.h>
 
 #include <initializer_list>
 
@@ -140,7 +141,10 @@ void bindTime(const py::module_& module) {
       .def("setWorkingTime", &AQ_Time::setWorkingTime, py::arg("mode"),
            "Chooses the time that WorkingTime gives")
       .def("__repr__", [](const AQ_Time& self) {
-        return "<AQ_Time: " + std::to_string(self.TODseconds()) + " s of day, " +
+        const double day = self.CurrentDate();
+        const bool dated = day >= 1 && day < 2.9e6;  // a date that has a text
+        return "<AQ_Time: " + (dated ? dateText(day) + ", " : "") +
+               std::to_string(self.TODseconds()) + " s of day, " +
                std::to_string(self.RelSeconds()) + " s relative>";
       });
   time.def(py::pickle(
@@ -177,13 +181,20 @@ class HostInformation : public FileInformation {
   template <class... Path>
   std::string ask(const char* method, const Path&... path) {
     const py::gil_scoped_acquire locked;
-    return host_.attr(method)(path...).template cast<std::string>();
+    const py::object given = host_.attr(method)(path...);
+    if (py::isinstance<py::str>(given)) return given.cast<std::string>();
+    throw py::type_error(std::string(method) + ": expected text, found " + typeText(given));
   }
 
   py::object host_;
 };
 
 void putInForce(const py::object& host) {
+  for (const char* const method : {"recordedName", "fileDateTime", "currentDateTime"}) {
+    if (host.is_none() || py::hasattr(host, method)) continue;
+    throw py::type_error(std::string("expected an object with the method ") + method + ", found " +
+                         typeText(host));
+  }
   setFileInformation(host.is_none() ? nullptr : std::make_shared<HostInformation>(host));
 }
 

@@ -1,4 +1,5 @@
 #include "levels.h"
+#include "tables.h"
 
 namespace aq::python {
 namespace {
@@ -17,17 +18,16 @@ void blankMasked(AQ_MaskRow& row, std::int16_t low, std::span<double> cells) {
   }
 }
 
-/// The row of each record, none where the map lacks it; a map of no record is another one's.
+/// The row of each record.
 std::vector<std::shared_ptr<AQ_MaskRow>> rowsBeside(const std::vector<std::int16_t>& records,
                                                     const AQ_MaskMap& mask) {
   std::vector<std::shared_ptr<AQ_MaskRow>> rows;
   for (const std::int16_t record : records) {
     rows.push_back(found([&](std::int16_t n) { return mask.Row(n); }, record));
+    if (rows.back()) continue;
+    throw py::value_error("the map has no row for record " + std::to_string(record));
   }
-  if (rows.empty() || std::any_of(rows.begin(), rows.end(), [](auto& row) { return !!row; })) {
-    return rows;
-  }
-  throw py::value_error("expected a map with rows of the history's records, found none of them");
+  return rows;
 }
 
 Levels levelsOf(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* mask) {
@@ -62,34 +62,36 @@ std::shared_ptr<AQ_SpectralTimeHistory> historyFrom(const py::object& given, std
 
 constexpr Column<AQ_Spectrum> kTimes[] = {
     {"CurrentDate", [](AQ_Spectrum& s) { return s.timeValue().CurrentDate(); },
-     [](AQ_Spectrum& s, double days) { s.Time()->CurrentDate(days); }},
+     [](AQ_Spectrum& s, double days) { s.Time()->CurrentDate(days); }, kFinite},
     {"TODseconds", [](AQ_Spectrum& s) { return s.timeValue().TODseconds(); },
      [](AQ_Spectrum& s, double seconds) {
        s.Time()->assignSeconds(seconds, s.Time()->RelSeconds());
-     }},
+     },
+     kFinite},
     {"RelSeconds", [](AQ_Spectrum& s) { return s.timeValue().RelSeconds(); },
      [](AQ_Spectrum& s, double seconds) {
        s.Time()->assignSeconds(s.Time()->TODseconds(), seconds);
-     }},
+     },
+     kFinite},
 };
 
 template <AQ_METRIC_TYPE Type>
-constexpr Column<AQ_Spectrum> metric(const char* name) {
+constexpr Column<AQ_Spectrum> metric(const char* name, Cells cells) {
   return {name, [](AQ_Spectrum& s) { return s.Metric()->MetricValue(Type).toDouble(); },
-          [](AQ_Spectrum& s, double value) { s.Metric()->MetricValue(Type, value); }};
+          [](AQ_Spectrum& s, double value) { s.Metric()->MetricValue(Type, value); }, cells};
 }
 
 constexpr Column<AQ_Spectrum> kMetrics[] = {
-    metric<AQ_METRIC_AWT>("AWT"),
-    metric<AQ_METRIC_CWT>("CWT"),
-    metric<AQ_METRIC_DWT>("DWT"),
-    metric<AQ_METRIC_OA>("OA"),
-    metric<AQ_METRIC_PNL>("PNL"),
-    metric<AQ_METRIC_PNLT>("PNLT"),
-    metric<AQ_METRIC_TONECOR>("TONECOR"),
-    metric<AQ_METRIC_TONEBND>("TONEBND"),
-    metric<AQ_METRIC_LGB>("LGB"),
-    metric<AQ_METRIC_INTEG>("INTEG"),
+    metric<AQ_METRIC_AWT>("AWT", kAnyNumber),
+    metric<AQ_METRIC_CWT>("CWT", kSingle),
+    metric<AQ_METRIC_DWT>("DWT", kSingle),
+    metric<AQ_METRIC_OA>("OA", kSingle),
+    metric<AQ_METRIC_PNL>("PNL", kSingle),
+    metric<AQ_METRIC_PNLT>("PNLT", kSingle),
+    metric<AQ_METRIC_TONECOR>("TONECOR", kSingle),
+    metric<AQ_METRIC_TONEBND>("TONEBND", kWhole<std::int16_t>),
+    metric<AQ_METRIC_LGB>("LGB", kWhole<std::int16_t>),
+    metric<AQ_METRIC_INTEG>("INTEG", kWhole<std::int32_t>),
     {"Level", [](AQ_Spectrum& s) { return s.Level(); },
      [](AQ_Spectrum& s, double level) { s.Level(level); }},
 };
@@ -102,7 +104,8 @@ void bindColumns(py::class_<AQ_SpectralTimeHistory, std::shared_ptr<AQ_SpectralT
         return tableOf(spectraOf(self).objects, columns);
       },
       [columns](const AQ_SpectralTimeHistory& self, const py::object& given) {
-        TableSource(given, columns).fill(spectraOf(self).objects, columns);
+        const auto spectra = spectraOf(self);
+        TableSource(given, columns).fill(spectra.objects, columns, spectra.numbers);
       },
       doc);
 }

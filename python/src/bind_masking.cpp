@@ -39,28 +39,43 @@ py::tuple mapToArrays(const AQ_MaskMap& map) {
 
 using Numbers = py::array_t<std::int64_t, py::array::c_style>;
 
+/// A member of an enumeration of masks, which goes from `first` to `Last`.
+template <auto Last>
+decltype(Last) member(const char* what, std::int64_t number, std::int32_t first) {
+  if (number >= first && number <= Last) return static_cast<decltype(Last)>(number);
+  throw py::value_error(std::string("expected ") + what + " of " + std::to_string(first) + " to " +
+                        std::to_string(std::int32_t{Last}) + ", found " + std::to_string(number));
+}
+
+constexpr auto modeOf = member<MASKED_BY_POST_DETECT>;
+constexpr auto adjustmentOf = member<ADJ_TO_REFERENCE>;
+
 /// One row from a line of modes and of adjustments, which there need not be.
 std::shared_ptr<AQ_MaskRow> rowFrom(const Numbers& modes, const Numbers& adjustments,
                                     py::ssize_t line, std::int16_t low) {
   auto row = std::make_shared<AQ_MaskRow>();
   for (py::ssize_t cell = 0; cell < modes.shape(1); ++cell) {
-    const std::int8_t mode = code(modes.at(line, cell));
+    const AQ_MASK_MODE mode = modeOf("a mask mode", modes.at(line, cell), kNoDecision);
     if (mode == kNoDecision) continue;
     AQ_Mask decision;
-    decision.MaskMode(static_cast<AQ_MASK_MODE>(mode));
+    decision.MaskMode(mode);
     if (adjustments.ndim() == 2) {
-      decision.AdjustMode(static_cast<AQ_MASK_ADJUST>(code(adjustments.at(line, cell))));
+      decision.AdjustMode(adjustmentOf("an adjustment", adjustments.at(line, cell), 0));
     }
     row->store(static_cast<std::int16_t>(low + cell), decision);
   }
   return row;
 }
 
-/// Codes of modes or adjustments: a frame or an array that was aligned has NaN for no decision.
+/// Codes of modes or adjustments: a frame or an array that was aligned has NaN for no decision, a
+/// comparison has True for masked.
 Numbers codesFrom(const py::object& given) {
   const char* const wanted = "numbers in two dimensions, (records, bands)";
-  const auto array = py::array::ensure(shown(given));
-  if (!array || array.dtype().kind() != 'f') return numbersFrom<std::int64_t>(given, 2, wanted);
+  const py::array array = arrayFrom(given);
+  if (array.dtype().kind() == 'b') {
+    return numbersFrom<std::int64_t>(array.attr("astype")("i1"), 2, wanted);
+  }
+  if (array.dtype().kind() != 'f') return numbersFrom<std::int64_t>(array, 2, wanted);
   Doubles cells(array.attr("copy")());
   std::replace_if(
       cells.mutable_data(), cells.mutable_data() + cells.size(),
@@ -137,9 +152,8 @@ void bindRow(const py::module_& module) {
           py::arg("spectrum"),
           "Whether the bands of an object with LowBand and HighBand lie inside the row's")
       .def("__repr__", [](const AQ_MaskRow& self) {
-        return "<AQ_MaskRow: bands " + std::to_string(self.LowBand()) + " to " +
-               std::to_string(self.HighBand()) + ", last good band " + std::to_string(self.LGB()) +
-               ">";
+        return "<AQ_MaskRow: " + bandsText({self.LowBand(), self.HighBand()}) +
+               ", last good band " + std::to_string(self.LGB()) + ">";
       });
   row.container(savedMasks, loadMasks);
 }
@@ -175,7 +189,8 @@ void bindMap(const py::module_& module) {
                   "A new map from modes and adjustments, shape (rows, bands); -1 stores no mask. "
                   "Records are numbered from 1 unless their numbers are given")
       .def("__repr__", [](const AQ_MaskMap& self) {
-        return "<AQ_MaskMap: " + std::to_string(self.Count()) + " rows>";
+        return "<AQ_MaskMap: " + std::to_string(self.Count()) + " rows, " +
+               bandsText(bandsOf(rowsOf(self).objects)) + ">";
       });
   map.container(
       [](const AQ_MaskMap& self) {
@@ -195,9 +210,16 @@ void bindMasking(py::module_& module) {
   Bound<AQ_Mask> mask(module, "AQ_Mask",
                       "One masking decision: whether and by which test the level of one band of "
                       "one record is masked by the ambient, and how it was adjusted.");
-  mask.property("MaskMode", &AQ_Mask::MaskMode, &AQ_Mask::MaskMode, "Whether and by which test")
-      .property("AdjustMode", &AQ_Mask::AdjustMode, &AQ_Mask::AdjustMode,
-                "How the level was adjusted");
+  mask.settable(
+          "MaskMode", [](const AQ_Mask& self) { return self.MaskMode(); },
+          [](AQ_Mask& self, AQ_MASK_MODE mode) { self.MaskMode(modeOf("a mask mode", mode, 0)); },
+          "Whether and by which test")
+      .settable(
+          "AdjustMode", [](const AQ_Mask& self) { return self.AdjustMode(); },
+          [](AQ_Mask& self, AQ_MASK_ADJUST mode) {
+            self.AdjustMode(adjustmentOf("an adjustment", mode, 0));
+          },
+          "How the level was adjusted");
   mask.def_property(
           "MaskString", [](const AQ_Mask& self) { return self.MaskString(); },
           [](AQ_Mask& self, const std::string& letters) { self.MaskString(letters); },

@@ -84,8 +84,7 @@ void bindSpectrum(const py::module_& module) {
           },
           "The band numbers from LowBand to HighBand, shape (bands,)")
       .def("__repr__", [](const AQ_Spectrum& self) {
-        return "<AQ_Spectrum: bands " + std::to_string(self.LowBand()) + " to " +
-               std::to_string(self.HighBand()) + ">";
+        return "<AQ_Spectrum: " + bandsText({self.LowBand(), self.HighBand()}) + ">";
       });
   spectrum.container(savedLevels, loadLevels);
 }

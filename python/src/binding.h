@@ -16,6 +16,10 @@
 
 namespace aq::python {
 
+inline std::string typeText(const py::object& given) {
+  return py::type::of(given).attr("__name__").cast<std::string>();
+}
+
 /// Any object with the attributes `LowBand` and `HighBand`.
 class Banded {
  public:
@@ -67,6 +71,14 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
   template <class Field>
   Bound& field(const char* name, Field C::*member, const char* doc) {
     this->def_readwrite(name, member, doc);
+    fields_.append(name);
+    return *this;
+  }
+
+  /// A property of any pair of functions.
+  template <class Get, class Set>
+  Bound& settable(const char* name, Get get, Set set, const char* doc) {
+    this->def_property(name, get, set, doc);
     fields_.append(name);
     return *this;
   }
@@ -144,13 +156,6 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
   }
 
  private:
-  template <class Get, class Set>
-  Bound& settable(const char* name, Get get, Set set, const char* doc) {
-    this->def_property(name, get, set, doc);
-    fields_.append(name);
-    return *this;
-  }
-
   void keepFields() { this->attr("_fields") = py::tuple(fields_); }
 
   static py::tuple state(const py::object& self, const py::list& fields) {
@@ -180,5 +185,6 @@ void bindGeometry(py::module_& module);
 void bindEmission(const py::module_& module);  // of the geometry room
 void bindFiles(py::module_& module);
 void bindCheck(py::module_& module);
+void bindWritable(py::module_& module);
 
 }  // namespace aq::python

@@ -86,6 +86,7 @@ class type_caster<aq::python::Path> {
   bool load(handle source, bool /*convert*/) {
     PyObject* encoded = nullptr;
     if (PyUnicode_FSConverter(source.ptr(), &encoded) == 0) {
+      if (PyErr_ExceptionMatches(PyExc_TypeError) == 0) throw error_already_set();
       PyErr_Clear();
       return false;
     }

@@ -26,4 +26,5 @@ PYBIND11_MODULE(_core, module) {
   aq::python::bindGeometry(module);
   aq::python::bindFiles(module);
   aq::python::bindCheck(module);
+  aq::python::bindWritable(module);
 }

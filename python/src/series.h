@@ -3,7 +3,7 @@
 // Series of objects that have times and positions: the columns of their tables, and what every
 // series has in Python. `all(series)` gives its objects.
 
-#include "arrays.h"
+#include "tables.h"
 
 namespace aq::python {
 
@@ -13,7 +13,8 @@ constexpr Column<Object> todColumn(const char* name) {
   return {name, [](Object& o) { return (o.*Time)()->TODseconds(); },
           [](Object& o, double seconds) {
             (o.*Time)()->assignSeconds(seconds, (o.*Time)()->RelSeconds());
-          }};
+          },
+          kFinite};
 }
 
 template <class Object, std::shared_ptr<AQ_Time> (Object::*Time)()>
@@ -21,13 +22,14 @@ constexpr Column<Object> relColumn(const char* name) {
   return {name, [](Object& o) { return (o.*Time)()->RelSeconds(); },
           [](Object& o, double seconds) {
             (o.*Time)()->assignSeconds((o.*Time)()->TODseconds(), seconds);
-          }};
+          },
+          kFinite};
 }
 
 template <class Object, std::shared_ptr<AQ_Time> (Object::*Time)()>
 constexpr Column<Object> dateColumn(const char* name) {
   return {name, [](Object& o) { return (o.*Time)()->CurrentDate(); },
-          [](Object& o, double days) { (o.*Time)()->CurrentDate(days); }};
+          [](Object& o, double days) { (o.*Time)()->CurrentDate(days); }, kFinite};
 }
 
 template <class Object, auto Member>

@@ -13,6 +13,15 @@ import aq_data as aq
 NAN = float("nan")
 History, Map, Spectrum = aq.AQ_SpectralTimeHistory, aq.AQ_MaskMap, aq.AQ_Spectrum
 LEVELS = np.array([[60.5, 61.0, NAN], [NAN, 62.5, 63.0]])
+PAIR = History.from_numpy(LEVELS, records=[7, 8])
+HUGE = np.array([2**64 - 1], dtype=np.uint64)
+
+
+class Gone:
+    """An array of a file that is no longer there."""
+
+    def __array__(self, *_: Any) -> Any:
+        return open("gone.csv")
 
 
 def test_levels_go_by_band_and_record_number() -> None:
@@ -27,7 +36,8 @@ def test_levels_go_by_band_and_record_number() -> None:
 def test_masked_levels_are_missing_on_request() -> None:
     history = History.from_numpy(LEVELS, low_band=24, records=[5, 7])
     mask = Map()
-    mask.Row[7] = aq.AQ_MaskRow()  # record 5 has no row, which masks nothing
+    mask.Row[5] = aq.AQ_MaskRow()  # without a band, which masks nothing
+    mask.Row[7] = aq.AQ_MaskRow()
     mask.Row[7].Mask[25].MaskMode = aq.MASKED_BY_PRE_DETECT
     mask.Row[7].Mask[40].MaskMode = aq.MASKED_BY_PRE_DETECT  # a band that the history lacks
     expected = LEVELS.copy()
@@ -73,9 +83,15 @@ def test_any_layout_and_type_of_number_is_right(given: Any) -> None:
         (lambda: History.from_numpy([[1.0]], records=[1.5]), ValueError, "numbers, found 1.5"),
         (lambda: Map.from_numpy([[1.7]]), ValueError, "whole numbers, found 1.7"),
         (lambda: setattr(Map.from_numpy([[0]]), "last_good_bands", [36.5]), ValueError, "36.5"),
-        (lambda: History.from_numpy(LEVELS).to_numpy(Map()), ValueError, "found none of them"),
+        (lambda: History.from_numpy(LEVELS).to_numpy(Map()), ValueError, "no row for record 1"),
         (lambda: Spectrum.from_numpy(LEVELS), ValueError, "one dimension"),
-        (lambda: Map.from_numpy([[0.0, 300.0]]), OverflowError, "300"),
+        (lambda: History.from_numpy([[0.0]], low_band=-1), ValueError, "-1 is below 0"),
+        (lambda: History.from_numpy([[0]], records=HUGE), ValueError, "beyond 64 bits"),
+        (lambda: History.from_numpy(Gone()), FileNotFoundError, "gone.csv"),
+        (lambda: Map.from_numpy([[0.0, 300.0]]), ValueError, "mask mode of -1 to 3, found 300"),
+        (lambda: Map.from_numpy([[1]], [[-1]]), ValueError, "adjustment of 0 to 6, found -1"),
+        (lambda: setattr(aq.AQ_Mask(), "MaskMode", 9), ValueError, "0 to 3, found 9"),
+        (lambda: setattr(aq.AQ_Mask(), "AdjustMode", 7), ValueError, "0 to 6, found 7"),
         (lambda: Map.from_numpy([[0]], [[0, 0]]), ValueError, "one shape"),
         (
             lambda: setattr(Map.from_numpy([[0]]), "last_good_bands", [1, 2]),
@@ -90,6 +106,18 @@ def test_any_layout_and_type_of_number_is_right(given: Any) -> None:
             "1 rows in column Y",
         ),
         (lambda: setattr(History(), "times", {"RelSeconds": [1.0]}), ValueError, "0 rows, found 1"),
+        (
+            lambda: setattr(PAIR, "times", {"RelSeconds": [1, NAN]}),
+            ValueError,
+            "record 8.*found nan",
+        ),
+        (
+            lambda: setattr(PAIR, "times", {"RelSeconds": [1, 2], "TOD": [1, 2]}),
+            ValueError,
+            "'TOD'",
+        ),
+        (lambda: setattr(PAIR, "metrics", {"LGB": [30, 1.5]}), ValueError, "whole.*found 1.5"),
+        (lambda: aq.AQ_PositionTimeHistory.from_numpy({"TODseconds": [NAN]}), ValueError, "row 1"),
     ],
 )
 def test_what_is_no_such_array_is_refused(action: Any, kind: type, text: str) -> None:
@@ -101,6 +129,9 @@ def test_a_level_that_is_no_number_has_no_array() -> None:
     history = History.from_numpy(LEVELS)
     history.spectrum[1].SPL[18] = "loud"
     with pytest.raises(TypeError, match="record 1: band 18"):
+        history.to_numpy()
+    history.spectrum[2] = None  # type: ignore[assignment]
+    with pytest.raises(TypeError, match="number 2 is None"):
         history.to_numpy()
 
 
@@ -114,6 +145,7 @@ def test_masks_keep_modes_adjustments_and_gaps() -> None:
     np.testing.assert_array_equal(back, [modes[::-1], adjustments[::-1]])
     hidden = np.ma.array(modes, mask=modes == 2)
     assert Map.from_numpy(hidden).to_numpy()[0].tolist() == [[-1, 1, 0], [3, -1, -1]]
+    assert Map.from_numpy(modes > 1).to_numpy()[0].tolist() == [[0, 0, 0], [1, 1, 0]]
     assert back[0].dtype == np.int8 and list(mask.bands) == [27, 28, 29]
 
 
@@ -124,7 +156,9 @@ def test_tables_of_times_metrics_positions_and_geometry() -> None:
     first = history.spectrum(1)
     assert (first.Time.TODseconds, first.Time.CurrentDate) == (90000, 37695)  # nothing wraps
     assert (first.Metric.PNLT, first.Metric.INTEG, first.Level) == (95.5, 5, 70)
-    assert history.metrics["PNLT"].tolist() == [95.5, 90.25]
+    with pytest.raises(ValueError, match="LGB, record 2"):
+        history.metrics = {"PNLT": [1.0, 2.0], "LGB": [30, 1e9]}
+    assert history.metrics["PNLT"].tolist() == [95.5, 90.25]  # all of it or nothing
     rows = [(37695, 36000.1, -1.5, 1.0, 2.0, 3.0), (0, 36000.2, 0, 4, 5, 6)]
     names = ["CurrentDate", "TODseconds", "RelSeconds", "X", "Y", "Z"]
     table = np.array(rows, dtype=[(name, "f8") for name in names])

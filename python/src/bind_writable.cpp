@@ -1,0 +1,72 @@
+#include "levels.h"
+
+// What a file of one table cannot hold. The file classes write each record with its own bands, but
+// a file says once which bands its columns are: other records would come back under wrong numbers.
+
+namespace aq::python {
+namespace {
+
+void checkAny(const NumberRange& bands) {
+  if (bands.high < bands.low) throw py::value_error("expected an object with bands, found none");
+}
+
+/// Every band between the lowest and the highest has a level; those in one block all have.
+void checkLevels(const AQ_Spectrum& spectrum) {
+  if (!spectrum.levelCodes().empty() || !spectrum.levelDoubles().empty()) return;
+  for (const std::int16_t band : numbersOf({spectrum.LowBand(), spectrum.HighBand()})) {
+    (void)spectrum.SPL(band);
+  }
+}
+
+void checkLevels(const AQ_MaskRow& /*row*/) {}  // a band without a mask is written as not masked
+
+/// `get` has an object under each number from `first` to `last`, and all have the same bands.
+template <class Get>
+void checkRecords(std::int32_t first, std::int32_t last, const Get& get) {
+  if (last < first) throw py::value_error("expected an object with records, found none");
+  NumberRange bands;
+  for (std::int32_t number = first; number <= last; ++number) {
+    const auto record = static_cast<std::int16_t>(number);
+    const auto object = found(get, record);
+    if (!object) {
+      throw py::value_error("expected all records from " + std::to_string(first) + " to " +
+                            std::to_string(last) + ", found no record " + std::to_string(number));
+    }
+    const NumberRange own{object->LowBand(), object->HighBand()};
+    if (number == first) bands = own;
+    if (own.low != bands.low || own.high != bands.high) {
+      throw py::value_error("record " + std::to_string(number) + " has " + bandsText(own) +
+                            ", record " + std::to_string(first) + " has " + bandsText(bands));
+    }
+    at("record", record, [&] { checkLevels(*object); });
+  }
+  checkAny(bands);
+}
+
+}  // namespace
+
+void bindWritable(py::module_& module) {
+  constexpr const char* kName = "_checkWritable";
+  module.def(
+      kName,
+      [](AQ_SpectralTimeHistory& history) {
+        checkRecords(history.LoRec(), history.HiRec(),
+                     [&](std::int16_t number) { return history.spectrum(number); });
+      },
+      py::arg("model"), "Raises for what the file of an object would not give back");
+  module.def(
+      kName,
+      [](const AQ_MaskMap& map) {
+        checkRecords(1, map.Count(), [&](std::int16_t number) { return map.Row(number); });
+      },
+      py::arg("model"));
+  module.def(
+      kName,
+      [](const AQ_Spectrum& spectrum) {
+        checkAny({spectrum.LowBand(), spectrum.HighBand()});
+        checkLevels(spectrum);
+      },
+      py::arg("model"));
+}
+
+}  // namespace aq::python
