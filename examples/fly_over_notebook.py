@@ -28,7 +28,7 @@ ds
 
 # %%
 overall = ds.aq.unmasked().aq.overall()
-loudest = int(overall.argmax())
+loudest = int(overall.argmax("time"))
 within = overall >= overall[loudest] - 10
 print(f"{float(overall[loudest]):.1f} dB at {float(ds.relative_time[loudest]):+.2f} s")
 print(f"within 10 dB for {0.5 * int(within.sum()):.1f} s")

@@ -42,8 +42,11 @@ class Accessor:
     def between(self, low: float, high: float) -> xr.Dataset:
         """The bands with a nominal frequency from `low` to `high`, in Hz."""
         need(self._ds, "frequency")
-        frequency = self._ds["frequency"]
-        return self._ds.isel(band=((frequency >= low) & (frequency <= high)).values)
+        frequency = self._ds["frequency"].values
+        chosen = (frequency >= low) & (frequency <= high)
+        if not chosen.any():
+            raise ValueError(f"expected bands from {low:g} to {high:g} Hz, found none")
+        return self._ds.isel(band=chosen)
 
     def overall(self, bands: Optional[Iterable[int]] = None) -> xr.DataArray:
         """The energy sum over bands, all unless given, in dB; NaN where no band has a level."""

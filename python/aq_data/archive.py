@@ -22,6 +22,7 @@ from .files import Path, Reading, read
 Item = TypeVar("Item")
 Result = TypeVar("Result")
 FILES_PER_TASK = 16
+ONE_PATH = (str, bytes, os.PathLike)
 
 _HEADER_COLUMNS = {
     "project": ("sProjectName", "ProjectName"),
@@ -48,9 +49,12 @@ def in_threads(work: Callable[[Item], Result], paths: list[Item], progress: bool
 
 def expanded(paths: Union[Path, Iterable[Path]]) -> list[str]:
     """Absolute paths, which hold wherever a task runs: a file or pattern, or those of a list."""
-    if not isinstance(paths, (str, os.PathLike)):
-        return [os.path.abspath(path) for path in paths]
-    name = os.fspath(paths)  # a file may be called as a pattern is
+    if not isinstance(paths, ONE_PATH):
+        if not isinstance(paths, Iterable):
+            raise TypeError(f"expected a path, a pattern or a list, found {type(paths).__name__}")
+        names: Iterable[Any] = paths
+        return [os.path.abspath(os.fsdecode(name)) for name in names]
+    name = os.fsdecode(paths)  # a file may be called as a pattern is
     found = [name] if os.path.exists(name) else sorted(glob.glob(name, recursive=True))
     if not found:
         raise FileNotFoundError(f"no file matches {name}")
@@ -109,7 +113,7 @@ def scan(folder: Path, pattern: str = "**/*", progress: Optional[bool] = None) -
 
     Files are read in threads; the progress bar shows on a terminal unless `progress` says else.
     """
-    root = FolderPath(folder)
+    root = FolderPath(os.path.abspath(os.fsdecode(folder)))
     if not root.is_dir():
         raise NotADirectoryError(f"expected a folder, found {root}")
     paths = sorted(str(path) for path in root.glob(pattern) if path.is_file())

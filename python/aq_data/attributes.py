@@ -49,6 +49,8 @@ def nominal_frequency(bands: npt.ArrayLike) -> npt.NDArray[np.float64]:
 
 # Headers and settings as plain values and back.
 
+_FOLLOWING = ("LoRec", "HiRec")  # from the records, of which a dataset may have fewer
+
 
 def plain(value: Any) -> Any:
     if isinstance(value, (_core.TextCollection, _core.MetricTypeCollection)):
@@ -56,14 +58,25 @@ def plain(value: Any) -> Any:
     if isinstance(value, _core.AQ_Time):
         return [value.CurrentDate, value.TODseconds, value.RelSeconds]
     if hasattr(value, "_fields"):
-        values = {name: plain(getattr(value, name)) for name in value._fields}
+        names = [name for name in value._fields if name not in _FOLLOWING]
+        values = {name: plain(getattr(value, name)) for name in names}
         if isinstance(value, _core.AQ_MetricSummary):
             values["MetricTypes"] = plain(value.MetricTypes)
         return values
     return value
 
 
-def restored(target: Any, values: dict[str, Any]) -> Any:
+def restored(target: Any, values: Any) -> Any:
+    """The target with these values, which `plain` gave."""
+    try:
+        return _restored(target, values)
+    except (AttributeError, LookupError, TypeError, ValueError) as error:
+        raise ValueError(
+            f"the attribute aq has another {type(target).__name__}: {error}"
+        ) from error
+
+
+def _restored(target: Any, values: dict[str, Any]) -> Any:
     for name, value in values.items():
         if name == "MetricTypes":
             for metric in value:
@@ -73,7 +86,7 @@ def restored(target: Any, values: dict[str, Any]) -> Any:
             time.CurrentDate = value[0]
             time.assignSeconds(*value[1:])  # not through the setter, which wraps into the day
         elif isinstance(value, dict):
-            restored(getattr(target, name), value)
+            _restored(getattr(target, name), value)
         else:
             setattr(target, name, value)
     return target
@@ -103,7 +116,17 @@ def attributes(
 
 
 def kept(ds: xr.Dataset) -> dict[str, Any]:
-    return dict(json.loads(ds.attrs.get("aq", "{}")))
+    """What the attribute `aq` keeps: kind, headers and settings; nothing when there is none."""
+    text = ds.attrs.get("aq", "{}")
+    try:
+        values = json.loads(text)
+    except (TypeError, ValueError):
+        values = None
+    if not isinstance(values, dict) or values.get("kind") not in (None, "emission", *HEADERS):
+        raise ValueError(
+            f"expected the attribute aq of a dataset of the library, found {text!r:.60}"
+        )
+    return values
 
 
 def header_of(ds: xr.Dataset, name: str, cls: type) -> Any:
@@ -133,8 +156,13 @@ def dataset_of(data: Any, *names: str) -> xr.Dataset:
 
 
 def need_once(ds: xr.Dataset) -> None:
-    """Refuses a dataset that has a record number twice, as one of several files does."""
+    """Refuses a dataset that has a record number twice, as one of several files does, and a record
+    that was taken out of its dimension."""
     need(ds, "record")
+    if ds["record"].ndim != 1:
+        raise ValueError(
+            "expected records in one dimension; isel(time=[4]) keeps it for one record"
+        )
     numbers, counts = np.unique(ds["record"].values, return_counts=True)
     if (counts > 1).any():
         hint = "; select one file by the coordinate file first" if "file" in ds.variables else ""

@@ -9,7 +9,7 @@ from . import _core
 from ._core import FileKind
 from .errors import FileError
 
-Path = Union[str, "os.PathLike[str]"]
+Path = Union[str, bytes, "os.PathLike[str]", "os.PathLike[bytes]"]
 
 
 class Reading(NamedTuple):
@@ -84,6 +84,7 @@ _WRITERS: dict[type, tuple[type, type]] = {
     _core.AQ_PositionTimeHistory: (_core.AQ_DataPTH, _core.AQ_HeaderPTH),
     _core.AQ_GeometryTimeHistory: (_core.AQ_DataGTH, _core.AQ_HeaderGTH),
 }
+_TABLES = (_core.AQ_SpectralTimeHistory, _core.AQ_MaskMap, _core.AQ_Spectrum)
 
 
 def read(path: Path) -> Reading:
@@ -91,7 +92,7 @@ def read(path: Path) -> Reading:
 
     A file that does not read raises `FileError`, one that is not there `FileNotFoundError`.
     """
-    name = os.fspath(path)
+    name = os.fsdecode(path)
     kind = _core.kindOfFile(name)
     if kind == FileKind.Unknown:
         with open(name, "rb"):  # the system's own reason, if it cannot be opened
@@ -102,8 +103,10 @@ def read(path: Path) -> Reading:
 def write(obj: Any, path: Path, header: Any = None) -> None:
     """Writes an object, what `read` gave, or a dataset; without a header it gets a new one.
 
-    A dataset with masks is two files: `measurement` gives what to write into each.
+    A dataset with masks is two files: `measurement` gives what to write into each. What would not
+    come back as it is raises: records with other bands than the first, gaps between records.
     """
+    path = os.fsdecode(path)
     if isinstance(obj, tuple):
         if isinstance(obj, Tracking) or len(obj) != 2:
             raise TypeError(f"expected (header, object), found {type(obj).__name__} of {len(obj)}")
@@ -125,6 +128,8 @@ def write(obj: Any, path: Path, header: Any = None) -> None:
         return
     for model, (file_class, header_class) in _WRITERS.items():
         if isinstance(obj, model):
+            if isinstance(obj, _TABLES):
+                _core._checkWritable(obj)
             file_class().writeFile(path, header_class() if header is None else header, obj)
             return
     raise TypeError(f"expected an object that has a file, found {type(obj).__name__}")

@@ -35,8 +35,7 @@ def _by_record(ds: xr.Dataset) -> tuple[xr.Dataset, Any]:
     if "record" not in ds.variables:
         return ds, None
     need_once(ds)
-    if ds["record"].ndim == 1:
-        ds = ds.isel({ds["record"].dims[0]: np.argsort(ds["record"].values, kind="stable")})
+    ds = ds.isel({ds["record"].dims[0]: np.argsort(ds["record"].values, kind="stable")})
     return ds, ds["record"].values
 
 

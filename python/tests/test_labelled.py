@@ -12,8 +12,11 @@ import xarray as xr
 import aq_data as aq
 from conftest import values
 
-HISTORY = aq.AQ_SpectralTimeHistory.from_numpy([[60.0, 61.0]])
+History, Map, NAN = aq.AQ_SpectralTimeHistory.from_numpy, aq.AQ_MaskMap.from_numpy, float("nan")
+HISTORY = History([[60.0, 61.0]])
 GRID, TWICE, BANDS = (("time", "band"), [[1.0], [2.0]]), ("time", [4, 4]), {"band": [17]}
+POINTS = aq.AQ_GeometryTimeHistory.from_numpy({"SRe": [1.0]})
+UNEVEN = "record 2 has bands 17 to 18, record 1 has bands 18 to 18"
 LABELLED = ["fly-over.ssr.csv", "fly-over.mask.csv", "fly-over.sth.csv", "fly-over.tspi.csv"]
 
 
@@ -150,6 +153,22 @@ def test_a_dataset_without_what_it_needs_says_so(ds: xr.Dataset, text: str) -> N
         (lambda ds: ds.aq.with_geometry(ds), ValueError, "lacks slant_range"),
         (lambda ds: ds.drop_vars("frequency").aq.between(1, 2), ValueError, "lacks frequency"),
         (lambda ds: ds.aq.overall([99]), ValueError, "99"),
+        (lambda ds: ds.aq.between(1e6, 1e7), ValueError, "1e\\+06 to 1e\\+07 Hz, found none"),
+        (lambda ds: ds.isel(time=0).aq.with_geometry(POINTS), ValueError, "in one dimension"),
+        (lambda ds: aq.from_xarray(ds.assign_attrs(aq="x")), ValueError, "attribute aq.*'x'"),
+        (
+            lambda ds: aq.from_xarray(ds.assign_attrs(aq='{"kind": "x"}')),
+            ValueError,
+            "attribute aq",
+        ),
+        (lambda ds: aq.from_xarray(ds.assign_attrs(aq='{"header": {"x": 1}}')), ValueError, "'x'"),
+        (lambda ds: aq.write(History([[1], [2]], 17, [5, 7]), "x.csv"), ValueError, "no record 6"),
+        (lambda ds: aq.write(History([[NAN, 5], [4, 5]]), "x.csv"), ValueError, UNEVEN),
+        (lambda ds: aq.write(Map([[-1, 1], [1, 1]]), "x.csv"), ValueError, UNEVEN),
+        (lambda ds: aq.write(History([[4, NAN, 5]]), "x.csv"), ValueError, "record 1: band 18 has"),
+        (lambda ds: aq.write(History([[NAN]]), "x.csv"), ValueError, "with bands, found none"),
+        (lambda ds: aq.write(Map(np.zeros((0, 1))), "x.csv"), ValueError, "records, found none"),
+        (lambda ds: aq.write(aq.AQ_Spectrum(), "x.csv"), ValueError, "with bands, found none"),
         (lambda ds: aq.write(ds.assign(mask_mode=ds.level), "x.csv"), ValueError, "measurement"),
         (lambda ds: aq.write(aq.Tracking(None, None), "x.csv"), TypeError, "Tracking"),  # type: ignore
         (lambda ds: aq.plot.page(aq.AQ_SpectralTimeHistory()), ValueError, "levels, found none"),
@@ -160,6 +179,16 @@ def test_a_dataset_without_what_it_needs_says_so(ds: xr.Dataset, text: str) -> N
 def test_what_people_get_wrong_is_named(action: Any, kind: type, text: str) -> None:
     with pytest.raises(kind, match=text):
         action(HISTORY.to_xarray())
+
+
+def test_a_selection_is_written_with_its_own_records(history: Any, tmp_path: Path) -> None:
+    ds = history.to_xarray()
+    first, later = ds.isel(time=slice(10)), ds.isel(time=slice(10, 15))
+    for part in (first, later, xr.concat([first, later], "time")):
+        aq.write(part, tmp_path / "part.sth.csv")
+        assert (
+            aq.read(tmp_path / "part.sth.csv").data.records.tolist() == part.record.values.tolist()
+        )
 
 
 def test_a_map_of_another_measurement_is_refused(history: Any, mask: Any) -> None:
