@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import ntpath
 import os
 import warnings
 from typing import Any, Iterable, NamedTuple, Optional, Sequence, Union
@@ -14,10 +15,10 @@ import numpy.typing as npt
 import xarray as xr
 
 from . import _core
-from .archive import expanded, in_threads
+from .archive import ONE_PATH, expanded, in_threads
 from .attributes import NO_DECISION, band_coordinates, level_variable, table_variables, variable
 from .errors import Error, FileError
-from .files import Path, read
+from .files import Path, Reading, read
 from .labelled import RECORD_TIMES, check_map, mask_variables
 
 
@@ -32,33 +33,51 @@ class _Shape(NamedTuple):
     last_good_bands: Any
 
 
-def _read(path: str, cls: Any, wanted: str) -> Any:
-    data = read(path).data
-    if not isinstance(data, cls):
+class _WrongPair(ValueError):
+    """A pattern gave a history the map of another one, which no `errors` skips."""
+
+
+def _read(path: str, cls: Any, wanted: str) -> Reading:
+    reading = read(path)
+    if not isinstance(reading.data, cls):
         raise FileError(path, 0, 0, wanted, _core.kindOfFile(path).name)
-    return data
+    return reading
 
 
 def _history(path: str) -> _core.AQ_SpectralTimeHistory:
-    return _read(path, _core.AQ_SpectralTimeHistory, "a spectral time history")  # type: ignore
+    reading = _read(path, _core.AQ_SpectralTimeHistory, "a spectral time history")
+    return reading.data  # type: ignore[no-any-return]
 
 
-def _map(path: str) -> _core.AQ_MaskMap:
-    return _read(path, _core.AQ_MaskMap, "a masking map")  # type: ignore
+def _map(path: str) -> Reading:
+    return _read(path, _core.AQ_MaskMap, "a masking map")
 
 
-def _shape(paths: tuple[str, Optional[str]]) -> Union[_Shape, Exception]:
+def _check_pair(path: str, mask: str, header: _core.AQ_HeaderMask) -> None:
+    """Refuses a map that says that it was made from another history, in whatever folder."""
+    own, named = os.path.basename(path), ntpath.basename(header.sGenerationFile)
+    if named and named.lower() != own.lower():
+        raise _WrongPair(f"{mask}: expected a map of {own}, found one of {named}")
+
+
+def _shape(job: tuple[str, Optional[str], bool]) -> Union[_Shape, Exception]:
+    """What is known of a history and its map; whether a pattern joined them comes third."""
+    path, map_path, joined = job
     try:
-        history, last = _history(paths[0]), None
-        if paths[1] is not None:
-            mask = _map(paths[1])
+        history, last = _history(path), None
+        if map_path is not None:
+            header, mask = _map(map_path)
+            if joined:
+                _check_pair(path, map_path, header)
             check_map(history, mask)
             last = mask.last_good_bands
-        return _Shape(*paths, history.records, history.bands, history.times, last)
+        return _Shape(path, map_path, history.records, history.bands, history.times, last)
+    except _WrongPair:
+        raise
     except (Error, OSError) as error:
         return error
     except ValueError as error:
-        return ValueError(f"{paths[1]}: {error}")
+        return ValueError(f"{map_path}: {error}")
 
 
 def _wide(values: Any, own: Any, bands: Any, shape: tuple[int, int], fill: float) -> Any:
@@ -77,12 +96,12 @@ def _levels(path: str, bands: Any, shape: tuple[int, int]) -> Any:
 
 
 def _modes(path: str, bands: Any, shape: tuple[int, int]) -> Any:
-    mask = _map(path)
+    mask = _map(path).data
     return _wide(mask.to_numpy()[0], mask.bands, bands, shape, NO_DECISION)
 
 
 def _adjustments(path: str, bands: Any, shape: tuple[int, int]) -> Any:
-    mask = _map(path)
+    mask = _map(path).data
     return _wide(mask.to_numpy()[1], mask.bands, bands, shape, NO_DECISION)
 
 
@@ -141,9 +160,10 @@ def open_many(
     """Many spectral time histories as one dataset, record after record; levels and masks load when
     they are computed.
 
-    `paths` is a pattern or a list; `masks` names the map of each. `file(time)` is the place in
-    `path`. Files that do not read and maps that do not fit raise, or with `errors="skip"` the
-    history is left out with a warning.
+    `paths` is a pattern or a list; `masks` names the map of each, in the same order; maps of a
+    pattern that say that they are of other histories raise. `file(time)` is the place in `path`.
+    Files that do not read and maps that do not fit raise, or with `errors="skip"` the history is
+    left out with a warning.
     """
     if errors not in ("raise", "skip"):
         raise ValueError(f"expected errors='raise' or 'skip', found {errors!r}")
@@ -155,7 +175,9 @@ def open_many(
         raise ValueError(
             f"expected a map for each of {len(names)} histories, found {len(map_names)}"
         )
-    shapes = _kept(in_threads(_shape, list(zip(names, map_names)), progress=False), errors)
+    joined = isinstance(masks, ONE_PATH)
+    jobs = [(path, map_path, joined) for path, map_path in zip(names, map_names)]
+    shapes = _kept(in_threads(_shape, jobs, progress=False), errors)
     if not shapes:
         raise ValueError("expected at least one history that reads, found none")
     bands = np.unique(np.concatenate([shape.bands for shape in shapes]))

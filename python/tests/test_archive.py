@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import os
 import subprocess
 import sys
 from pathlib import Path
@@ -27,7 +28,7 @@ def test_a_scan_lists_all_and_what_is_wrong(archive: Archive, tmp_path: Path, ca
     late = tmp_path / "late.gth.csv"  # records 5 and 6
     text = (PROJECT / "tests/data/geometric-time-history/good/two-points.csv").read_text()
     late.write_text(text.replace("\n1,", "\n5,").replace("\n2,", "\n6,"))
-    frame = aq.scan(tmp_path, progress=True)
+    frame = aq.scan(os.fsencode(tmp_path), progress=True)
     assert "100%" in capfd.readouterr().err
     assert len(frame) == 42 and list(frame[~frame.ok].path) == [
         str(paths[17]),
@@ -57,7 +58,7 @@ def test_a_check_finds_what_the_tool_finds(archive: Archive, tmp_path: Path, sam
     assert set(errors.path) >= {str(damaged)} and str(short) in set(found.path)
     assert errors[errors.path == str(damaged)].iloc[0].line == 80
     assert set(found.kind) <= set(aq.FINDING_KINDS)
-    assert len(aq.check(sample / "fly-over.s*.csv")) == 0
+    assert len(aq.check(os.fsencode(sample / "fly-over.s*.csv"))) == 0
 
 
 def test_many_histories_are_one_lazy_dataset(
@@ -90,6 +91,19 @@ def test_many_histories_are_one_lazy_dataset(
         assert list(aq.open_many(paths[:2], maps, errors="skip").path) == [str(paths[0])]
 
 
+def test_a_pattern_gives_no_history_the_map_of_another(
+    archive: Archive, tmp_path: Path, mask: Any
+) -> None:
+    paths, maps = archive(2), [tmp_path / "b.mask.csv", tmp_path / "a.mask.csv"]
+    for path, map_path in zip(paths, maps):
+        header = aq.AQ_HeaderMask()
+        header.sGenerationFile = path.name
+        aq.write((header, mask), map_path)
+    with pytest.raises(ValueError, match="a map of 0000.sth.csv, found one of 0001.sth.csv"):
+        aq.open_many(tmp_path / "*.sth.csv", tmp_path / "*.mask.csv", errors="skip")
+    assert aq.open_many(paths, maps[::-1]).sizes["path"] == 2  # a list is taken as given
+
+
 def test_a_damaged_file_raises_or_is_left_out(archive: Archive, tmp_path: Path) -> None:
     paths = archive(3)
     aq.write(aq.read(paths[0]), tmp_path / "[0].sth.csv")  # a name that is also a pattern
@@ -111,6 +125,7 @@ def test_a_damaged_file_raises_or_is_left_out(archive: Archive, tmp_path: Path) 
     [
         (("none*.csv",), FileNotFoundError, "no file matches"),
         (([],), ValueError, "at least one history"),
+        ((5,), TypeError, "a path, a pattern or a list, found int"),
         ((["a"], ["b", "c"]), ValueError, "a map for each of 1"),
         ((["a"], None, "ignore"), ValueError, "'ignore'"),
         (([PROJECT / "examples/data/fly-over.mask.csv"],), aq.FileError, "MaskingMap"),
