@@ -36,25 +36,32 @@ def history_of(data: Any) -> xr.Dataset:
     return ds
 
 
-def complete(ds: xr.Dataset) -> xr.Dataset:
-    """Every record and band from first to last: those that a history lacks have no level.
+def every_record(ds: xr.Dataset) -> xr.Dataset:
+    """Every record from first to last, in their order: those that are missing have no values.
 
     Gaps then look like gaps, and cells are as wide as a record.
     """
-    ds = ds.sortby("band").isel(time=np.argsort(ds["record"].values))
-    records, bands = (
-        np.arange(values[0], values[-1] + 1) for values in (ds["record"].values, ds["band"].values)
-    )
+    ds = ds.isel(time=np.argsort(ds["record"].values))
+    own = ds["record"].values
+    if not own.size:
+        return ds
+    records = np.arange(own[0], own[-1] + 1)
+    times = {name: ds[name].values for name in ("time", "relative_time") if name in ds.variables}
+    times["time"] = np.unwrap(times["time"], period=DAY)  # a gap may be over midnight
     coordinates: dict[str, Any] = {
-        name: ("time", np.interp(records, ds["record"].values, ds[name].values), ds[name].attrs)
-        for name in ("time", "relative_time")
-        if name in ds.variables
+        name: ("time", np.interp(records, own, values), ds[name].attrs)
+        for name, values in times.items()
     }
-    wide = ds.assign_coords(time=ds["record"].values).reindex(
-        time=records, band=bands, fill_value={"mask_mode": NO_DECISION}
-    )
-    coordinates.update(band_coordinates(bands), record=("time", records))
-    return wide.assign_coords(coordinates)
+    wide = ds.assign_coords(time=own).reindex(time=records, fill_value={"mask_mode": NO_DECISION})
+    return wide.assign_coords({**coordinates, "record": ("time", records)})
+
+
+def complete(ds: xr.Dataset) -> xr.Dataset:
+    """Every record and every band from first to last."""
+    ds = every_record(ds.sortby("band"))
+    bands = np.arange(ds["band"].values[0], ds["band"].values[-1] + 1)
+    wide = ds.reindex(band=bands, fill_value={"mask_mode": NO_DECISION})
+    return wide.assign_coords(band_coordinates(bands))
 
 
 # Axes.
@@ -72,21 +79,25 @@ def _tells(values: Any) -> bool:
     return bool(values.any() if values.size == 1 else values.size and np.ptp(values) > 0)
 
 
-def time_axis(ax: Axes, first: xr.Dataset, *others: xr.Dataset) -> list[Any]:
-    """The times of datasets for a picture, of the kind that the first one has.
+def time_axis(ax: Axes, *datasets: xr.Dataset) -> list[Any]:
+    """The times of datasets for a picture, of the kind that the first one with any has.
 
     Relative to the reference where there are such times, else of day, else record numbers.
     """
+    first = next((ds for ds in datasets if ds["time"].size), datasets[0])
     kinds = [name for name in _TIMES if name in first.variables]
     name = next((kind for kind in kinds if _tells(first[kind].values)), kinds[-1])
     ax.set_xlabel(_TIMES[name])
     ax.xaxis.set_major_locator(matplotlib.ticker.MaxNLocator(5 if name == "time" else "auto"))
-    times = [ds[name].values for ds in (first, *others)]
-    if name != "time" or not times[0].size:
-        return times
-    ax.xaxis.set_major_formatter(_clock)
-    start = times[0][0]  # a flight over midnight goes on to the right
-    return [start + (each - start + DAY / 2) % DAY - DAY / 2 for each in times]
+    times = [ds[name].values for ds in datasets]
+    if name == "time" and first["time"].size:
+        ax.xaxis.set_major_formatter(_clock)
+        start = first["time"].values[0]  # a flight over midnight goes on to the right
+        times = [start + (each - start + DAY / 2) % DAY - DAY / 2 for each in times]
+    ticks = np.unique(np.concatenate(times))
+    if ticks.size == 1:
+        ax.set_xticks(ticks)
+    return times
 
 
 def _frequency_label(hertz: float) -> str:
@@ -104,22 +115,25 @@ def frequency_axis(axis: Any, ds: xr.Dataset) -> None:
     axis.set_label_text("One-third-octave band (Hz)")
 
 
-def edges(centres: Any) -> Any:
-    """Cell edges half-way between centres; a centre alone gets a cell of half a second."""
+def edges(ax: Axes, centres: Any) -> Any:
+    """Cell edges half-way between centres; a centre alone gets a cell of one record."""
     if len(centres) < 2:
-        return np.concatenate([centres - 0.25, centres + 0.25])
+        half = 0.5 if ax.get_xlabel() == _TIMES["record"] else 0.25
+        return np.concatenate([centres - half, centres + half])
     middles = (centres[1:] + centres[:-1]) / 2
     first, last = centres[0] - (middles[0] - centres[0]), centres[-1] * 2 - middles[-1]
     return np.concatenate([[first], middles, [last]])
 
 
 def legend_above(ax: Axes, handles: list[Any]) -> None:
-    """Where it hides no data; titles of a page stand left of it."""
+    """Where it hides no data; titles of a page stand left of it, so long labels take two rows."""
+    is_long = sum(len(handle.get_label()) for handle in handles) > 40
     ax.legend(
         handles=handles,
         loc="lower right",
         bbox_to_anchor=(1, 1),
-        ncols=len(handles),
+        ncols=2 if is_long else len(handles),
+        fontsize="small",
         frameon=False,
         handlelength=1.4,
         columnspacing=1.0,

@@ -13,12 +13,22 @@ from matplotlib.figure import Figure
 from matplotlib.patches import Patch
 
 from . import _core
-from .attributes import dataset_of, expect
-from .axes import axes, complete, edges, frequency_axis, history_of, legend_above, time_axis
+from .attributes import dataset_of, expect, need_once
+from .axes import (
+    axes,
+    complete,
+    edges,
+    every_record,
+    frequency_axis,
+    history_of,
+    legend_above,
+    time_axis,
+)
 from .files import Tracking
 
 History = Union[xr.Dataset, _core.AQ_SpectralTimeHistory]
 AMBIENT, MASKED, NO_LEVEL = "0.35", "0.25", "0.7"
+ALONE: dict[str, Any] = {"marker": ".", "ms": 3}  # a record between gaps has no line
 GOOD, REJECTED = "tab:blue", "tab:red"
 NO_BAND_IS_GOOD = int(_core.AQ_CONSTANTS.AQ_INVALID_LEVEL)
 
@@ -39,7 +49,7 @@ def spectrogram(history: History, ax: Optional[Axes] = None) -> Axes:
     ds, ax = complete(history_of(history)), axes(ax)
     (seconds,) = time_axis(ax, ds)
     bands, level = ds["band"].values, ds.aq.level.values
-    x, y = edges(seconds), np.append(bands - 0.5, bands[-1] + 0.5)
+    x, y = edges(ax, seconds), np.append(bands - 0.5, bands[-1] + 0.5)
     ax.set_facecolor(NO_LEVEL)
     mesh = ax.pcolormesh(x, y, level.T, cmap="viridis", rasterized=True)
     ax.figure.colorbar(mesh, ax=ax, label="Band level (dB)", pad=0.02)
@@ -96,11 +106,10 @@ def level_time(
     """The overall level of unmasked bands over time; events are times in the axis's seconds."""
     ds, ax = complete(history_of(history)), axes(ax)
     (seconds,) = time_axis(ax, ds)
-    alone: dict[str, Any] = {"marker": ".", "ms": 3}  # a record between gaps has no line
-    ax.plot(seconds, ds.aq.overall(), color=AMBIENT, lw=1, label="all bands", **alone)
+    ax.plot(seconds, ds.aq.overall(), color=AMBIENT, lw=1, label="all bands", **ALONE)
     if ds.aq.masked.values.any():
         good = ds.aq.unmasked().aq.overall()
-        ax.plot(seconds, good, color=GOOD, label="bands that are not masked", **alone)
+        ax.plot(seconds, good, color=GOOD, label="bands that are not masked", **ALONE)
     for name, second in (events or {}).items():
         ax.axvline(second, color=REJECTED, ls=":")
         ax.annotate(
@@ -164,12 +173,16 @@ def height(positions: Any, ax: Optional[Axes] = None, unit: str = "m") -> Axes:
 
 def geometry(geometry: Any, ax: Optional[Axes] = None, unit: str = "m") -> Axes:
     """Slant range, left, and emission angles, right, over the time of the record."""
-    ds, ax = dataset_of(geometry, "time", "slant_range", "theta", "beta"), axes(ax)
+    ds = dataset_of(geometry, "time", "record", "slant_range", "theta", "beta")
+    need_once(ds)
+    ds, ax = every_record(ds), axes(ax)
     (seconds,) = time_axis(ax, ds)
-    lines = ax.plot(seconds, ds["slant_range"], color=GOOD, label="range")
+    lines = ax.plot(seconds, ds["slant_range"], color=GOOD, label="range", **ALONE)
     angles = ax.twinx()
-    lines += angles.plot(seconds, ds["theta"], color="tab:orange", label="first angle")
-    lines += angles.plot(seconds, ds["beta"], "--", color="tab:green", label="second angle")
+    lines += angles.plot(seconds, ds["theta"], color="tab:orange", label="first angle", **ALONE)
+    lines += angles.plot(
+        seconds, ds["beta"], "--", color="tab:green", label="second angle", **ALONE
+    )
     ax.set_ylabel(f"Slant range at emission ({unit})")
     angles.set_ylabel("Emission angle (degrees)")
     legend_above(ax, lines)
@@ -187,8 +200,10 @@ def page(
     geometry: Any = None,
     microphone: Any = None,
     events: Optional[dict[str, float]] = None,
+    unit: str = "m",
 ) -> Figure:
-    """All of a measurement on one page; what is not given is left out."""
+    """All of a measurement on one page; what is not given is left out. `unit` is that of positions
+    and geometry."""
     ds = history_of(history)
     loudest = int(ds["record"].values[np.nanargmax(ds.aq.overall().values)])
     panels: list[Any] = [
@@ -197,10 +212,10 @@ def page(
         (lambda ax: spectrum(ds, loudest, ambient, ax), "Spectrum of the loudest record"),
     ]
     if positions is not None:
-        panels.append((lambda ax: ground_track(positions, microphone, ax), "Ground track"))
-        panels.append((lambda ax: height(positions, ax), "Height"))
+        panels.append((lambda ax: ground_track(positions, microphone, ax, unit), "Ground track"))
+        panels.append((lambda ax: height(positions, ax, unit), "Height"))
     if geometry is not None:
-        panels.append((lambda ax: _draw_geometry(geometry, ax), "Geometry"))
+        panels.append((lambda ax: _draw_geometry(geometry, ax, unit), "Geometry"))
     rows = (len(panels) + 1) // 2
     figure = plt.figure(figsize=(12, 3.6 * rows), layout="constrained")
     for place, (draw, title) in enumerate(panels, start=1):

@@ -33,6 +33,12 @@ def map_to_pandas(self: _core.AQ_MaskMap, tidy: bool = False) -> pd.DataFrame:
     return pd.DataFrame(self.to_numpy()[0], index, pd.Index(self.bands, name="band"))
 
 
+@attach(_core.AQ_Spectrum, name="to_pandas")
+def spectrum_to_pandas(self: _core.AQ_Spectrum) -> pd.Series:
+    """Levels in dB by band."""
+    return pd.Series(self.to_numpy(), pd.Index(self.bands, name="band"), name="level")
+
+
 def _tidy(ds: xr.Dataset, keys: list[str]) -> pd.DataFrame:
     frame = ds.reset_coords().to_dataframe().reset_index()
     return frame[keys + [name for name in frame.columns if name not in keys]]

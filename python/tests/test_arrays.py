@@ -12,6 +12,7 @@ import aq_data as aq
 
 NAN = float("nan")
 History, Map, Spectrum = aq.AQ_SpectralTimeHistory, aq.AQ_MaskMap, aq.AQ_Spectrum
+Positions = aq.AQ_PositionTimeHistory
 LEVELS = np.array([[60.5, 61.0, NAN], [NAN, 62.5, 63.0]])
 PAIR = History.from_numpy(LEVELS, records=[7, 8])
 HUGE = np.array([2**64 - 1], dtype=np.uint64)
@@ -73,16 +74,13 @@ def test_any_layout_and_type_of_number_is_right(given: Any) -> None:
     [
         (lambda: History.from_numpy(np.zeros(3)), ValueError, "two dimensions.*1 dim"),
         (lambda: History.from_numpy([["a"]]), TypeError, "expected numbers.*U1"),
-        (lambda: History.from_numpy(None), TypeError, "expected numbers"),
         (lambda: History.from_numpy(np.zeros((2, 2), complex)), TypeError, "complex128"),
         (lambda: History.from_numpy(np.zeros((1, 9)), low_band=32760), ValueError, "32768"),
-        (lambda: History.from_numpy(np.zeros((32768, 1))), ValueError, "32768"),
         (lambda: History.from_numpy(np.zeros((2, 2)), records=[1]), ValueError, "2 of them"),
         (lambda: History.from_numpy(np.zeros((1, 2)), records=[40000]), ValueError, "40000"),
         (lambda: History.from_numpy([[0], [0]], records=[1, 1]), ValueError, "1 stands twice"),
         (lambda: History.from_numpy([[1.0]], records=[1.5]), ValueError, "numbers, found 1.5"),
         (lambda: Map.from_numpy([[1.7]]), ValueError, "whole numbers, found 1.7"),
-        (lambda: setattr(Map.from_numpy([[0]]), "last_good_bands", [36.5]), ValueError, "36.5"),
         (lambda: History.from_numpy(LEVELS).to_numpy(Map()), ValueError, "no row for record 1"),
         (lambda: Spectrum.from_numpy(LEVELS), ValueError, "one dimension"),
         (lambda: History.from_numpy([[0.0]], low_band=-1), ValueError, "-1 is below 0"),
@@ -93,18 +91,10 @@ def test_any_layout_and_type_of_number_is_right(given: Any) -> None:
         (lambda: setattr(aq.AQ_Mask(), "MaskMode", 9), ValueError, "0 to 3, found 9"),
         (lambda: setattr(aq.AQ_Mask(), "AdjustMode", 7), ValueError, "0 to 6, found 7"),
         (lambda: Map.from_numpy([[0]], [[0, 0]]), ValueError, "one shape"),
-        (
-            lambda: setattr(Map.from_numpy([[0]]), "last_good_bands", [1, 2]),
-            ValueError,
-            "1 of them",
-        ),
-        (lambda: aq.AQ_PositionTimeHistory.from_numpy({"A": [1]}), ValueError, "TODseconds"),
-        (lambda: aq.AQ_PositionTimeHistory.from_numpy(5), TypeError, "named columns"),
-        (
-            lambda: aq.AQ_PositionTimeHistory.from_numpy({"X": [1.0], "Y": [1.0, 2.0]}),
-            ValueError,
-            "1 rows in column Y",
-        ),
+        (lambda: setattr(Map(), "last_good_bands", [1, 2]), ValueError, "0 of them, found 2"),
+        (lambda: Positions.from_numpy({"A": [1]}), ValueError, "TODseconds"),
+        (lambda: Positions.from_numpy(5), TypeError, "named columns"),
+        (lambda: Positions.from_numpy({"X": [1.0], "Y": [1.0, 2.0]}), ValueError, "1 rows in.* Y"),
         (lambda: setattr(History(), "times", {"RelSeconds": [1.0]}), ValueError, "0 rows, found 1"),
         (
             lambda: setattr(PAIR, "times", {"RelSeconds": [1, NAN]}),
@@ -117,7 +107,7 @@ def test_any_layout_and_type_of_number_is_right(given: Any) -> None:
             "'TOD'",
         ),
         (lambda: setattr(PAIR, "metrics", {"LGB": [30, 1.5]}), ValueError, "whole.*found 1.5"),
-        (lambda: aq.AQ_PositionTimeHistory.from_numpy({"TODseconds": [NAN]}), ValueError, "row 1"),
+        (lambda: Positions.from_numpy({"TODseconds": [NAN]}), ValueError, "row 1"),
     ],
 )
 def test_what_is_no_such_array_is_refused(action: Any, kind: type, text: str) -> None:

@@ -26,13 +26,14 @@ def pictures(sample: Path, history: Any, mask: Any) -> Any:
         "ground_track": (lambda ax: aq.plot.ground_track(track, ax=ax), "X (m)", "Y (m)"),
         "height": (lambda ax: aq.plot.height(track, ax), "(h:min:s)", "(m)"),
         "geometry": (lambda ax: aq.plot.geometry(geometry, ax), "(h:min:s)", "(m)"),
-        "page": lambda: aq.plot.page(ds, ambient, track, geometry, events={"x": 3.0}),
+        "page": lambda: aq.plot.page(ds, ambient, track, geometry, events={"x": 3.0}, unit="ft"),
     }
 
 
 def test_each_picture_takes_and_returns_its_axes(pictures: Any) -> None:
     page = pictures.pop("page")()
     assert [ax.get_title("left") for ax in page.axes if ax.get_title("left")][-1] == "Geometry"
+    assert sum("(ft)" in ax.get_xlabel() + ax.get_ylabel() for ax in page.axes) == 3
     for draw, x, y in pictures.values():
         _, ax = plt.subplots()
         assert draw(ax) is ax
@@ -42,7 +43,7 @@ def test_each_picture_takes_and_returns_its_axes(pictures: Any) -> None:
     plt.close("all")
 
 
-def test_pictures_show_the_masks_and_the_rejected(pictures: Any) -> None:
+def test_pictures_show_the_masks_and_the_rejected(pictures: Any, sample: Path) -> None:
     ax = pictures["spectrogram"][0](None)
     legend = [text.get_text() for text in ax.get_legend().get_texts()]
     assert legend == ["masked", "last good band"]
@@ -53,6 +54,9 @@ def test_pictures_show_the_masks_and_the_rejected(pictures: Any) -> None:
     assert list(masked) == [17, 18, 37, 38, 39, 40]
     rejected = pictures["height"][0](None).lines[1]
     assert rejected.get_label() == "4 rejected" and len(rejected.get_xdata()) == 4
+    _, bad = aq.read_tracking(sample / "fly-over.tspi.csv")
+    only_bad = aq.Tracking(aq.AQ_PositionTimeHistory(), bad)
+    assert "h:min:s" in aq.plot.height(only_bad).get_xlabel()
     with pytest.raises(ValueError, match="found 999"):
         aq.plot.spectrum(aq.AQ_SpectralTimeHistory.from_numpy([[1.0]]), 999)
     plt.close("all")
@@ -70,7 +74,12 @@ def test_a_spectrogram_shows_gaps_and_what_lies_outside(history: Any, mask: Any)
     assert [text.get_text() for text in over.texts] == ["a", "b"]
     history.times = {"TODseconds": 86390 + np.arange(60) / 2 - 86400 * (np.arange(60) > 19)}
     history.times = {"RelSeconds": np.zeros(60)}
-    assert np.ptp(aq.plot.level_time(history).lines[0].get_xdata()) == 29.5
+    over_midnight = history.to_xarray().isel(time=np.r_[:10, 30:60])
+    assert np.ptp(aq.plot.level_time(over_midnight).lines[0].get_xdata()) == 29.5
+    assert aq.plot.spectrogram(ds.isel(time=[4])).get_xticks().tolist() == [-12.5]
     history.times = {"TODseconds": np.zeros(60)}
     assert aq.plot.level_time(history).get_xlabel() == "Record"
+    points = aq.AQ_GeometryTimeHistory.from_numpy({"SRe": [1.0, 2.0, 3.0]}, records=[1, 2, 5])
+    line = aq.plot.geometry(points.to_xarray().isel(time=[2, 0, 1])).lines[0]
+    np.testing.assert_array_equal(line.get_ydata(), [1, 2, np.nan, np.nan, 3])
     plt.close("all")
