@@ -183,11 +183,12 @@ void bindMap(const py::module_& module) {
       .def("to_numpy", mapToArrays,
            "Mask modes and adjustments as two arrays of int8, shape (rows, bands); -1 where a row "
            "has no mask")
-      .def_static("from_numpy", mapFromArrays, py::arg("modes"),
-                  py::arg("adjustments") = py::none(), py::arg("low_band") = 17,
-                  py::arg("records") = py::none(),
-                  "A new map from modes and adjustments, shape (rows, bands); -1 stores no mask. "
-                  "Records are numbered from 1 unless their numbers are given")
+      .def_static(
+          "from_numpy", mapFromArrays, py::arg("modes"), py::arg("adjustments") = py::none(),
+          py::arg("low_band") = 17, py::arg("records") = py::none(),
+          "A new map from modes, 0 to 3 or truth, and adjustments, 0 to 6, shape (rows, bands); -1 "
+          "stores no mask. "
+          "Records are numbered from 1 unless their numbers are given")
       .def("__repr__", [](const AQ_MaskMap& self) {
         return "<AQ_MaskMap: " + std::to_string(self.Count()) + " rows, " +
                bandsText(bandsOf(rowsOf(self).objects)) + ">";
