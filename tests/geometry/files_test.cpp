@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <utility>
 
 #include "tests/support/errors.h"
 
@@ -79,6 +80,8 @@ TEST(DataPTH, DataLinesAreCountedWithSixteenBits) {
 TEST(DataTSPI, DropsPoorPositions) {
   AQ_DataTSPI file;
   EXPECT_EQ(file.RT20Limit(), 1);
+  std::size_t headerLines = 0;
+  file.watchHeader([&](const HeaderLine& line) { EXPECT_EQ(line.number, ++headerLines); });
   std::shared_ptr<AQ_PositionTimeHistory> history;
   AQ_DataMessage result = AQ_DATA_FILE_ERROR;
   for (const auto& [limit, kept] : {std::pair{1, 2}, {254, 3}, {255, 4}, {0, 1}}) {
@@ -87,6 +90,7 @@ TEST(DataTSPI, DropsPoorPositions) {
     EXPECT_EQ(result, AQ_DATA_OK);
     EXPECT_EQ(history->Count(), kept);
     EXPECT_EQ(file.nBadPositions(), 4 - kept);
+    EXPECT_EQ(std::exchange(headerLines, 0), 6U);
   }
   file.readFile("no such file", history, result);
   EXPECT_EQ(result, AQ_DATA_FILE_ERROR);

@@ -15,6 +15,8 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <iomanip>
+#include <sstream>
 #include <thread>
 
 #include "tests/support/files.h"
@@ -83,6 +85,18 @@ TEST(Platform, LocalTimesAreOfTheYearsOneTo9999) {
   }
 }
 
+TEST(Platform, AFileHasTheTimeOfItsLastChange) {
+  const test::Folder folder;
+  const std::string path = folder.with("a", "");
+  std::tm local{};
+  std::istringstream("2004-03-14 07:05:09") >> std::get_time(&local, "%Y-%m-%d %H:%M:%S");
+  const std::time_t changed = std::mktime(&local);
+  const timespec both[] = {{changed, 0}, {changed, 0}};
+  ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), static_cast<const timespec*>(both), 0), 0);
+  EXPECT_EQ(fileInformation()->fileDateTime(path), "03/14/2004,07:05:09");
+  EXPECT_NE(fileInformation()->fileDateTime(folder.file("none")), "03/14/2004,07:05:09");
+}
+
 TEST(Write, LinksStayAndOtherNamesKeepTheOldFile) {
   const test::Folder folder;
   fs::create_directory(folder.file("sub"));
@@ -102,8 +116,9 @@ TEST(Write, LinksStayAndOtherNamesKeepTheOldFile) {
   EXPECT_EQ(test::contentOf(folder.file("sub/none")), "new\n");
   EXPECT_EQ(test::contentOf(folder.file("other")), "old");
   // What /proc leads to is a file as any, unless it is the number of an open one.
-  EXPECT_TRUE(writes("/proc/self/root" + folder.file("other")));
-  EXPECT_EQ(test::contentOf(folder.file("other")), "new\n");
+  fs::create_directory(folder.file("fd"));
+  fs::create_hard_link(file, folder.file("fd/1"));
+  EXPECT_TRUE(writes("/proc/self/root" + folder.file("fd/1")));
   EXPECT_EQ(fs::hard_link_count(file), 1U);
 }
 
