@@ -56,7 +56,7 @@ bool LineReader::fill() {
   begin_ = 0;
   end_ = kept;
   const std::size_t wanted = std::min(room_ - end_, most_);
-  const std::size_t got = wanted == 0 ? 0 : file_.read({block_.get() + end_, wanted});
+  const std::size_t got = file_.read({block_.get() + end_, wanted});
   end_ += got;
   most_ -= got;
   return got != 0;

@@ -149,8 +149,10 @@ TEST(DataGTH, TheDebugTimeIsWrittenAndNotRead) {
   ReadGTH read(kGTH);
   ASSERT_EQ(read.result, AQ_DATA_OK);
   const test::Folder folder;
+  read.header->NumberRecords = 77;
   read.model->Point(1)->debugTime = 0.5;  // the eleventh column, which is not read back
   read.file.writeFile(folder.file("out"), read.header, *read.model, read.result);
+  EXPECT_EQ(read.header->NumberRecords, 2);
   EXPECT_TRUE(test::linesOf(contentOf(folder.file("out")))[19].ends_with(",0.1,0.5"));
   EXPECT_EQ(ReadGTH(folder.file("out")).model->Point(1)->debugTime, 0);
 }

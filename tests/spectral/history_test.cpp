@@ -105,6 +105,7 @@ TEST(History, ResizeSharesAndCopyDoesNot) {
   EXPECT_EQ(part->Count(), 3);
   EXPECT_EQ(part->spectrum(3), made->spectrum(3));
   EXPECT_EQ(part->Metrics()->MetricTypes()->Count(), 0);
+  EXPECT_NE(made->Resize(1, 5), nullptr);
   EXPECT_EQ(made->Resize(0, 4), nullptr);
   EXPECT_EQ(made->Resize(2, 6), nullptr);
   const auto copy = made->Copy();

@@ -12,6 +12,7 @@ TEST(Spectrum, RangeOnlyWidens) {
   AQ_Spectrum spectrum;
   EXPECT_EQ(spectrum.LowBand(), 9999);
   EXPECT_EQ(spectrum.HighBand(), -1);
+  EXPECT_EQ(spectrum.Level(), 0);
   EXPECT_TRUE(spectrum.Encompasses(AQ_Spectrum()));
   spectrum.SPL(20, 60.0);
   spectrum.SPL(14, 61.0);
