@@ -85,6 +85,7 @@ const Change kChanges[] = {
     {kHistory, "\n3,14", ",1\n3,14", {"23:28 extra-fields"}},
     {kMap, "NumberOfRows**,60", "NumberOfRows**,61", {"4:2 record-count"}},
     {kMap, "2,M-,M-", "2,MX,M-", {"13:2 mask-letters r2 b17"}},
+    {kMap, "M-,36\n2,", "MX,36\n2,", {"12:25 mask-letters r1 b40"}},
     {kMap, "2,M-,M-", "2,M-,M", {"13:3 unreadable"}},
     {kMap, "M-,36", "M-,37", {"12:26 last-good-band r1"}},
     {kMap, "\n5,M", "\n6,M", {"17:1 record-repeated r6", "17:1 record-gap r6"}},
