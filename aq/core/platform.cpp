@@ -131,12 +131,11 @@ bool isNumber(std::string_view text) {
   return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
 }
 
-/// Whether `path` is the number of an open file: of this process, or below /proc of any. Other
-/// names there lead to files as any.
+/// Whether `path` names an open file: of this process, or below /proc of any. Other names there lead
+/// to files as any.
 bool namesOpenFile(const std::string& path) {
   constexpr std::string_view kProcesses = "/proc/";
   constexpr std::string_view kFiles = "/fd/";
-  if (!isNumber(fileName(path))) return false;
   const std::string folder = folderOf(path);
   if (folder == "/dev/fd/") return true;
   if (!folder.starts_with(kProcesses) || !folder.ends_with(kFiles)) return false;

@@ -26,9 +26,9 @@ void RemovedSlots::add(std::size_t slot, std::size_t slots) {
 }
 
 void RemovedSlots::makeRoom() {
-  removed_.push_back(false);
+  removed_.emplace_back();
   removed_.pop_back();
-  inUse_.push_back(0);
+  inUse_.emplace_back();
   inUse_.pop_back();
 }
 

@@ -85,6 +85,8 @@ const Change kChanges[] = {
     {kHistory, "\n3,14", ",1\n3,14", {"23:28 extra-fields"}},
     {kMap, "NumberOfRows**,60", "NumberOfRows**,61", {"4:2 record-count"}},
     {kMap, "2,M-,M-", "2,MX,M-", {"13:2 mask-letters r2 b17"}},
+    {kMap, "B18/63Hz", "B18/64Hz", {"11:3 heading"}},
+    {kMap, ",36\n2,", ",36,1\n2,", {"12:27 extra-fields"}},
     {kMap, "M-,36\n2,", "MX,36\n2,", {"12:25 mask-letters r1 b40"}},
     {kMap, "2,M-,M-", "2,M-,M", {"13:3 unreadable"}},
     {kMap, "M-,36", "M-,37", {"12:26 last-good-band r1"}},

@@ -176,6 +176,9 @@ TEST(DataSTH, BandsBelowTheRangesStartAreNotWrittenShort) {
   ASSERT_EQ(read.result, AQ_DATA_OK);
   EXPECT_ERROR(read.file.writeFile(folder.file("out"), read.header, *read.history),
                InvalidArgument);
+  lines[13] = "Bands**,19,17";  // no band at all
+  const Read none(folder.with("in", test::textOf(lines)));
+  EXPECT_EQ(none.history->spectrum(none.history->LoRec())->HighBand(), -1);
 }
 
 TEST(DataSTH, RawHeader) {

@@ -179,6 +179,7 @@ TEST(DataGTH, PointsAreKeyedByTheirNumberInTheFile) {
   ASSERT_EQ(read.result, AQ_DATA_OK);
   EXPECT_EQ(read.model->Count(), 2);
   EXPECT_EQ(read.model->Point(5)->Tm()->TODstring(), "11:00:00");
+  EXPECT_EQ(read.model->Point(5)->Te()->RelSeconds(), 0);
   AQ_DataGTH file;
   AQ_DataMessage result = AQ_DATA_OK;
   EXPECT_ERROR(file.writeFile(folder.file("out"), read.header, *read.model, result),

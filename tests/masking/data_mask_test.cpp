@@ -56,11 +56,13 @@ TEST(DataMask, RowOneDecidesTheBands) {
 TEST(DataMask, BandsThatComeInBetweenAreNotMasked) {
   const test::Folder folder;
   Read read(kGood);
-  read.map->setLGB();  // looks at bands 28 and 29, the file ends at 19
+  for (const std::int16_t row : {std::int16_t{1}, std::int16_t{2}}) {
+    read.map->Row(row)->store(30, AQ_Mask());  // the file ends at 19
+  }
   ASSERT_EQ(read.file.writeFile(folder.file("out"), read.header, *read.map), AQ_DATA_OK);
   const Read again(folder.file("out"));
   ASSERT_EQ(again.result, AQ_DATA_OK);
-  EXPECT_EQ(again.header->iBandHigh, 29);
+  EXPECT_EQ(again.header->iBandHigh, 30);
   EXPECT_EQ(again.map->Row(2)->Mask(19)->MaskString(), "FR");
   EXPECT_EQ(again.map->Row(2)->Mask(20)->MaskString(), "--");
 }
