@@ -18,6 +18,9 @@ TEST(Collection, PlacesCountFromOne) {
   const Collection<std::string> copy = lines;
   lines.Item(1) = "c";
   EXPECT_EQ(copy.Item(1), "b");
+  auto at = copy.begin();
+  EXPECT_EQ(*at++, "b");
+  EXPECT_EQ(at, copy.end());
   const Collection<std::string> moved = std::move(lines);
   EXPECT_EQ(moved.Item(1), "c");
   EXPECT_EQ(lines.Count(), 0);  // NOLINT(bugprone-use-after-move): empty, as promised

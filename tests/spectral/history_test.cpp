@@ -43,7 +43,7 @@ TEST(History, ARecordRangeOfZeroIsFilledInOnReading) {
 
 TEST(History, TextForms) {
   AQ_SpectralTimeHistory made;
-  for (const char* text : {"TRUSLO", "4S100", "4S95", "CONTEXPO", "NA", "LINEAR"}) {
+  for (const char* text : {"LINEAR", "TRUSLO", "4S100", "4S95", "CONTEXPO", "NA"}) {
     made.sAveragingMethod(text);
     EXPECT_EQ(made.sAveragingMethod(), text);
   }
@@ -51,8 +51,8 @@ TEST(History, TextForms) {
     made.sTimeStampType(text);
     EXPECT_EQ(made.sTimeStampType(), text);
   }
-  made.sAveragingMethod("truslo");
-  EXPECT_EQ(made.AverageMethod(), AQ_LINEAR);
+  for (const char* other : {"linear", ""}) made.sAveragingMethod(other);
+  EXPECT_EQ(made.sAveragingMethod(), "NA");
   made.AverageMethod(static_cast<AQ_AverageMethod>(5));
   EXPECT_EQ(made.sAveragingMethod(), "");
   std::string all;
