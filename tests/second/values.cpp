@@ -102,7 +102,17 @@ void printLevels(const AQ_Spectrum& spectrum) {
   out += '\n';
 }
 
-void printHistory(AQ_SpectralTimeHistory& history) {
+void printHeader(const AQ_HeaderSTH& header) {
+  showEach(
+      "fileName fileDate project microphone adjustment generator generationFile generationDate",
+      header.sFileName, *header.aqFileDateTime, header.sProjectName, header.sMicrophoneID,
+      header.sAdjustmentCode, header.sGeneratedBy, header.sGenerationFile,
+      *header.aqGenerationDateTime);
+  show("other", header.cOtherRecords->Count(), *header.cOtherRecords);
+  show("comments", header.cCommentLines->Count(), *header.cCommentLines);
+}
+
+void printModel(AQ_SpectralTimeHistory& history) {
   showEach("averaging stamp start reference", history.AverageMethod(), history.TimeStampType(),
            history.startTime()->TODseconds(), history.ReferenceTime()->TODseconds());
   show("records", history.Count(), history.LoRec(), history.HiRec());
@@ -116,21 +126,15 @@ void printHistory(AQ_SpectralTimeHistory& history) {
       });
 }
 
-void printSTH(const std::string& path) {
-  AQ_DataSTH file;
-  std::shared_ptr<AQ_HeaderSTH> header;
-  std::shared_ptr<AQ_SpectralTimeHistory> history;
-  showResult(file.readFile(path, header, history), file);
-  if (header) {
-    showEach(
-        "fileName fileDate project microphone adjustment generator generationFile generationDate",
-        header->sFileName, *header->aqFileDateTime, header->sProjectName, header->sMicrophoneID,
-        header->sAdjustmentCode, header->sGeneratedBy, header->sGenerationFile,
-        *header->aqGenerationDateTime);
-    show("other", header->cOtherRecords->Count(), *header->cOtherRecords);
-    show("comments", header->cCommentLines->Count(), *header->cCommentLines);
-  }
-  if (history) printHistory(*history);
+void printHeader(const AQ_HeaderMask& header) {
+  showEach("title fileName fileDate rows", header.sFileType, header.sFileName,
+           *header.aqFileDateTime, header.lNumberRows);
+  show("bands", header.iBandLow, header.iBandHigh);
+  showEach("generator generationFile generationDate", header.sGeneratedBy, header.sGenerationFile,
+           *header.aqGenerationDateTime);
+  show("other", header.nOtherRecords, *header.cOtherRecords);
+  show("comments", header.nCommentLines, *header.cCommentLines);
+  show("columns", header.sColumnLabels);
 }
 
 void printRow(std::int32_t number, AQ_MaskRow& row) {
@@ -148,27 +152,21 @@ void printRow(std::int32_t number, AQ_MaskRow& row) {
   out += '\n';
 }
 
-void printMask(const std::string& path) {
-  AQ_DataMask file;
-  std::shared_ptr<AQ_HeaderMask> header;
-  std::shared_ptr<AQ_MaskMap> map;
-  showResult(file.readFile(path, header, map), file);
-  if (header) {
-    showEach("title fileName fileDate rows", header->sFileType, header->sFileName,
-             *header->aqFileDateTime, header->lNumberRows);
-    show("bands", header->iBandLow, header->iBandHigh);
-    showEach("generator generationFile generationDate", header->sGeneratedBy,
-             header->sGenerationFile, *header->aqGenerationDateTime);
-    show("other", header->nOtherRecords, *header->cOtherRecords);
-    show("comments", header->nCommentLines, *header->cCommentLines);
-    show("columns", header->sColumnLabels);
-  }
-  if (!map) return;
+void printModel(const AQ_MaskMap& map) {
   eachNumbered(
-      map->Count(), [&](std::int16_t n) { return map->Row(n); }, printRow);
+      map.Count(), [&](std::int16_t n) { return map.Row(n); }, printRow);
 }
 
-void printPositions(const AQ_PositionTimeHistory& history) {
+void printHeader(const AQ_HeaderPTH& header) {
+  showEach("title fileName fileDate project generator trackFile trackDate records",
+           header.sFileType, header.sFileName, *header.aqFileDateTime, header.sProjectName,
+           header.sGeneratedBy, header.sTSPIFileName, header.sTSPIFileDateTime,
+           header.lNumberRecords);
+  show("other", header.nOtherRecords, *header.cOtherRecords);
+  show("comments", header.nCommentLines, *header.cCommentLines);
+}
+
+void printModel(const AQ_PositionTimeHistory& history) {
   show("positions", history.Count());
   for (int place = 1; place <= history.Count(); ++place) {
     const AQ_Position& position = *history.Position(place);
@@ -176,20 +174,19 @@ void printPositions(const AQ_PositionTimeHistory& history) {
   }
 }
 
-void printPTH(const std::string& path) {
-  AQ_DataPTH file;
-  std::shared_ptr<AQ_HeaderPTH> header;
-  std::shared_ptr<AQ_PositionTimeHistory> history;
-  showResult(readInto(file, path, header, history), file);
-  if (header) {
-    showEach("title fileName fileDate project generator trackFile trackDate records",
-             header->sFileType, header->sFileName, *header->aqFileDateTime, header->sProjectName,
-             header->sGeneratedBy, header->sTSPIFileName, header->sTSPIFileDateTime,
-             header->lNumberRecords);
-    show("other", header->nOtherRecords, *header->cOtherRecords);
-    show("comments", header->nCommentLines, *header->cCommentLines);
-  }
-  if (history) printPositions(*history);
+void printHeader(const AQ_HeaderGTH& header) {
+  const AQ_Position& microphone = *header.MicrophonePosition;
+  showEach("title fileName fileDate project generator microphone", header.FileType,
+           header.GTHFileName, *header.GTHFileDateTime, header.ProjectName, header.GeneratedBy,
+           header.MicrophoneID);
+  show("position", microphone.X(), microphone.Y(), microphone.Z());
+  showEach(
+      "temperature historyFile historyDate positionFile positionDate microphoneFile "
+      "microphoneDate records",
+      header.Temperature, header.STHFileName, header.STHFileDateTime, header.PTHFileName,
+      header.PTHFileDateTime, header.MICFileName, header.MICFileDateTime, header.NumberRecords);
+  show("other", header.OtherRecords, *header.colOtherRecords);
+  show("comments", header.nCommentLines, *header.colCommentLines);
 }
 
 void printPoint(std::int32_t number, AQ_Geometry& point) {
@@ -198,30 +195,37 @@ void printPoint(std::int32_t number, AQ_Geometry& point) {
        source.X(), source.Y(), source.Z(), point.SRe, point.THETAe, point.BETAe);
 }
 
-void printGTH(const std::string& path) {
-  AQ_DataGTH file;
-  std::shared_ptr<AQ_HeaderGTH> header;
-  std::shared_ptr<AQ_GeometryTimeHistory> history;
-  showResult(readInto(file, path, header, history), file);
-  if (header) {
-    const AQ_Position& microphone = *header->MicrophonePosition;
-    showEach("title fileName fileDate project generator microphone", header->FileType,
-             header->GTHFileName, *header->GTHFileDateTime, header->ProjectName,
-             header->GeneratedBy, header->MicrophoneID);
-    show("position", microphone.X(), microphone.Y(), microphone.Z());
-    showEach(
-        "temperature historyFile historyDate positionFile positionDate microphoneFile "
-        "microphoneDate records",
-        header->Temperature, header->STHFileName, header->STHFileDateTime, header->PTHFileName,
-        header->PTHFileDateTime, header->MICFileName, header->MICFileDateTime,
-        header->NumberRecords);
-    show("other", header->OtherRecords, *header->colOtherRecords);
-    show("comments", header->nCommentLines, *header->colCommentLines);
-  }
-  if (!history) return;
-  show("points", history->Count());
+void printModel(AQ_GeometryTimeHistory& history) {
+  show("points", history.Count());
   eachNumbered(
-      history->Count(), [&](std::int16_t n) { return history->Point(n); }, printPoint);
+      history.Count(), [&](std::int16_t n) { return history.Point(n); }, printPoint);
+}
+
+void printHeader(const AQ_HeaderMIC& header) {
+  showEach("title fileName fileDate project microphone", header.sFileType, header.sFileName,
+           *header.aqFileDateTime, header.sProjectName, header.sMicrophoneID);
+  show("other", header.nOtherRecords, *header.cOtherRecords);
+  show("comments", header.nCommentLines, *header.cCommentLines);
+}
+
+void printHeader(const AQ_HeaderSSR& header) {
+  showEach("fileName fileDate", header.sFileName, *header.aqFileDateTime);
+  show("comments", header.cCommentLines->Count(), *header.cCommentLines);
+}
+
+void printModel(const AQ_Spectrum& spectrum) {
+  out += "spectrum";
+  printLevels(spectrum);
+}
+
+template <class File, class Header, class Model>
+void printFile(const std::string& path) {
+  File file;
+  std::shared_ptr<Header> header;
+  std::shared_ptr<Model> model;
+  showResult(readInto(file, path, header, model), file);
+  if (header) printHeader(*header);
+  if (model) printModel(*model);
 }
 
 void printMIC(const std::string& path) {
@@ -229,12 +233,7 @@ void printMIC(const std::string& path) {
   std::shared_ptr<AQ_HeaderMIC> header;
   const auto microphone = std::make_shared<AQ_Microphone>(AQ_Microphone{1, 2, 3, 4});
   showResult(readInto(file, path, header, microphone), file);
-  if (header) {
-    showEach("title fileName fileDate project microphone", header->sFileType, header->sFileName,
-             *header->aqFileDateTime, header->sProjectName, header->sMicrophoneID);
-    show("other", header->nOtherRecords, *header->cOtherRecords);
-    show("comments", header->nCommentLines, *header->cCommentLines);
-  }
+  if (header) printHeader(*header);
   show("microphone", microphone->X, microphone->Y, microphone->Z, microphone->Height);
 }
 
@@ -242,22 +241,8 @@ void printTSPI(const std::string& path) {
   AQ_DataTSPI file;
   std::shared_ptr<AQ_PositionTimeHistory> history;
   showResult(readInto(file, path, history), file);
-  if (history) printPositions(*history);
+  if (history) printModel(*history);
   show("dropped", file.nBadPositions());
-}
-
-void printSSR(const std::string& path) {
-  AQ_DataSSR file;
-  std::shared_ptr<AQ_Spectrum> spectrum;
-  std::shared_ptr<AQ_HeaderSSR> header;
-  showResult(file.readFile(path, spectrum, header), file);
-  if (header) {
-    showEach("fileName fileDate", header->sFileName, *header->aqFileDateTime);
-    show("comments", header->cCommentLines->Count(), *header->cCommentLines);
-  }
-  if (!spectrum) return;
-  out += "spectrum";
-  printLevels(*spectrum);
 }
 
 void printINI(const std::string& path) {
@@ -300,9 +285,14 @@ void printASCII(const std::string& path, const std::string& options) {
 std::string aq::test::valuesOf(const std::string& format, const std::string& path) {
   out.clear();
   static const std::map<std::string, void (*)(const std::string&)> kFormats = {
-      {"STH", printSTH}, {"MASK", printMask}, {"PTH", printPTH}, {"GTH", printGTH},
-      {"MIC", printMIC}, {"TSPI", printTSPI}, {"SSR", printSSR}, {"INI", printINI},
-  };
+      {"STH", printFile<AQ_DataSTH, AQ_HeaderSTH, AQ_SpectralTimeHistory>},
+      {"MASK", printFile<AQ_DataMask, AQ_HeaderMask, AQ_MaskMap>},
+      {"PTH", printFile<AQ_DataPTH, AQ_HeaderPTH, AQ_PositionTimeHistory>},
+      {"GTH", printFile<AQ_DataGTH, AQ_HeaderGTH, AQ_GeometryTimeHistory>},
+      {"SSR", printFile<AQ_DataSSR, AQ_HeaderSSR, AQ_Spectrum>},
+      {"MIC", printMIC},
+      {"TSPI", printTSPI},
+      {"INI", printINI}};
   try {
     if (format.starts_with("ASCII:")) {
       printASCII(path, format.substr(6));
