@@ -81,7 +81,7 @@ ROWS = [  # command, status, in the output, in the messages
     ("info --json bad.sth.csv", 2, '{"file":"bad.sth.csv","error":"bad.sth.csv, line 22', "6x.2"),
     ("info --json gap.sth.csv", 0, '"first":-3,"last":60,"missing":4', ""),
     ("mkdir -p up && cp bad.sth.csv up/R.CSV; check up up/", 1, "1 file checked", ""),
-    ("info deep/.hidden/none deep/.hidden up/none", 2, "", "no such file"),
+    ("mkdir -p up/none; check up/none 'u*'", 2, "1 file checked", "up/none: holds no measurement"),
     (f"cat {STH} | aqdata info --json /dev/stdin", 2, '{"file":"/dev/stdin","error"', "a pipe"),
     (f"check {STH} {MAP}", 0, "2 files checked, 2 without findings", ""),
     ("check bad.sth.csv", 1, 'line 22, field 4: error: expected a level, found "6x.2" [unreadable]',

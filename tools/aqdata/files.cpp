@@ -28,40 +28,45 @@ void complainOf(const std::string& path, std::string_view why, Session& session)
   session.complain(fmt::format("{}: {}", aq::escaped(path), why), path);
 }
 
-/// Goes on behind a folder that cannot be read. Links to folders may lead in a circle, so they are
-/// not followed.
-void walk(const fs::path& folder, Session& session, std::vector<std::string>& files) {
+/// Goes on behind a folder that cannot be read, and gives whether there was none. Links to folders
+/// may lead in a circle, so they are not followed.
+bool walk(const fs::path& folder, Session& session, std::vector<std::string>& files) {
   std::error_code error;
   std::vector<fs::path> entries;
   for (fs::directory_iterator entry(folder, error); !error && entry != fs::directory_iterator();
        entry.increment(error)) {
     if (!isHidden(entry->path())) entries.push_back(entry->path());
   }
+  bool whole = !error;
   if (error) complainOf(folder.string(), error.message(), session);
   std::sort(entries.begin(), entries.end());
   for (const fs::path& entry : entries) {
     if (fs::is_directory(fs::symlink_status(entry, error))) {
-      walk(entry, session, files);
+      whole = walk(entry, session, files) && whole;
     } else if (fs::is_regular_file(entry, error) && isMeasurement(entry)) {
       files.push_back(entry.string());
     }
   }
+  return whole;
 }
 
-/// What is there under a name: a file, or those of a folder.
-void take(const std::string& name, Session& session, std::vector<std::string>& files) {
+/// Takes what is there under a name: a file, or those of a folder; gives whether it is a folder that
+/// was read as a whole.
+bool take(const std::string& name, Session& session, std::vector<std::string>& files) {
   std::error_code error;
-  const std::size_t before = files.size();
-  if (!fs::is_directory(name, error)) {
-    onFile(session, name, [&] { expectFile(name), files.push_back(name); });
-  } else if (walk(name, session, files); files.size() == before) {
-    complainOf(name, "holds no measurement file", session);
-  }
+  if (fs::is_directory(name, error)) return walk(name, session, files);
+  onFile(session, name, [&] { expectFile(name), files.push_back(name); });
+  return false;
 }
 
 void choose(const std::string& given, Session& session, std::vector<std::string>& files) {
   std::error_code error;
-  if (fs::exists(given, error)) return take(given, session, files);
+  const std::size_t before = files.size();
+  if (fs::exists(given, error)) {
+    const bool folder = take(given, session, files);
+    if (folder && files.size() == before) complainOf(given, "holds no measurement file", session);
+    return;
+  }
   const auto found = terminal::matches(given);
   for (const std::string& match : found) take(match, session, files);
   if (found.empty()) complainOf(given, "no such file", session);
