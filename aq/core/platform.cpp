@@ -284,13 +284,14 @@ void replaceFile(const std::string& path, std::string_view bytes) {
 }
 
 void appendToFile(const std::string& path, std::string_view bytes) {
-  for (;;) {
+  constexpr int kMostTimes = 100;  // some file systems number a file anew each time it is asked for
+  for (int times = 1;; ++times) {
     const int own = ownHandle(entryOf(path));
     const OutputFile file = own >= 0 ? OutputFile(own) : OutputFile(path, O_CREAT | O_APPEND);
     file.lock();
     const struct stat before = file.status();
     // While it was waited for, another file may have taken the name.
-    if (own < 0 && !sameFile(statusOf(path), before)) continue;
+    if (own < 0 && times < kMostTimes && !sameFile(statusOf(path), before)) continue;
     return appendTo(file, path, before, bytes);
   }
 }
