@@ -131,8 +131,8 @@ bool isNumber(std::string_view text) {
   return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
 }
 
-/// Whether `path` names an open file: of this process, or below /proc of any. Other names there lead
-/// to files as any.
+/// Whether `path` names an open file: of this process, or below /proc of any. Other names there
+/// lead to files as any.
 bool namesOpenFile(const std::string& path) {
   constexpr std::string_view kProcesses = "/proc/";
   constexpr std::string_view kFiles = "/fd/";

@@ -74,6 +74,9 @@ TEST(Write, PermissionsStayAndNewFilesHaveTheUsual) {
     ::umask(before);
     EXPECT_EQ(fs::status(made).permissions(), fs::perms(0666 & ~mask));
   }
+  // A host without standard input gets its handle.
+  EXPECT_TRUE(inChild([&] { return ::close(0) == 0 && writes(path); }));
+  EXPECT_EQ(std::distance(fs::directory_iterator(fs::path(path).parent_path()), {}), 3);
 }
 
 TEST(Platform, LocalTimesAreOfTheYearsOneTo9999) {
