@@ -128,9 +128,9 @@ void AQ_SpectralTimeHistory::sTimeStampType(std::string_view text) {
 bool AQ_SpectralTimeHistory::EncompassesMask(const AQ_MaskMap& MapMask) const {
   const std::int16_t count = Count();
   if (count != MapMask.Count()) return false;
-  for (std::int16_t record = 1; record <= count; ++record) {
+  for (std::int32_t number = 1; number <= count; ++number) {
+    const auto record = static_cast<std::int16_t>(number);
     if (!required(spectrum(record)).Encompasses(required(MapMask.Row(record)))) return false;
-    if (record == count) break;  // the count may be the last 16-bit number
   }
   return true;
 }

@@ -91,6 +91,7 @@ TEST(FileFailure, SaysWhereAndWhatInOneLine) {
   EXPECT_EQ(FileFailure({"a\nb\t", 0, 0, "x", "y"}).message(), "a\\x0ab\\t: expected x, found y");
   EXPECT_EQ(FileFailure({"", 0, 0, "x", "y"}).message(), "expected x, found y");
   EXPECT_EQ(shown(std::string(60, 'a')), '"' + std::string(60, 'a') + '"');
+  EXPECT_EQ(shown(std::string(61, 'a')), '"' + std::string(57, 'a') + "...\"");
   EXPECT_EQ(shown(std::string(56, 'a') + "\x01 and more!"), '"' + std::string(56, 'a') + "...\"");
 }
 

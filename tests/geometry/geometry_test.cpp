@@ -131,6 +131,7 @@ TEST(GeometryTimeHistory, StampsHalfSeconds) {
   history.TimeStampType(AQ_END);
   EXPECT_EQ(history.TimeStampType(), AQ_END);
   EXPECT_EQ(history.ReferenceType(), AQ_AMAX);
+  EXPECT_EQ(history.Copy()->Count(), 3);
   EXPECT_EQ(history.Copy()->ReferenceTime()->TODseconds(), 0);  // points only
   history.Point(5, std::make_shared<AQ_Geometry>());
   EXPECT_ERROR(history.setTimeStamps(at(10), AQ_END, at(0), AQ_HACK), InvalidArgument);

@@ -31,6 +31,7 @@ TEST(DataMask, LinesAreCountedAfresh) {
   EXPECT_EQ(Read(folder.file("out")).header->nCommentLines, 1);
   EXPECT_EQ(header.nCommentLines, 7);
   EXPECT_EQ(header.lNumberRows, 2);
+  EXPECT_EQ(AQ_HeaderMask().iBandHigh, 0);
   EXPECT_EQ(header.sFileName, folder.file("out"));
 }
 
