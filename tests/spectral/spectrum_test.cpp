@@ -89,8 +89,8 @@ TEST(Metric, MissingValuesReadAsZeroAndAreCopiedSo) {
   EXPECT_EQ(copy->PNL(), 101.1F);
   EXPECT_EQ(copy->INTEG() & ~AQ_INTEG_MAX, AQ_INTEG_2ND);
   EXPECT_EQ(copy->MetricValue(AQ_METRIC_DWT), Variant(0.0F));
-  copy->DWT(95.5F);
-  EXPECT_EQ(copy->DWT(), 95.5F);
+  copy->CWT(85), copy->DWT(95.5F);
+  EXPECT_EQ(copy->CWT() + copy->DWT(), 180.5F);
 }
 
 TEST(MetricSummary, OrderAndText) {
