@@ -58,6 +58,7 @@ TEST(DataSSR, WritesOneBandOrMoreWithoutAGap) {
   AQ_Spectrum one;
   one.SPL(50, 9999);
   ASSERT_EQ(file.writeFile(folder.file("one"), header, one), AQ_DATA_OK);
+  EXPECT_EQ(header->sFileName, folder.file("one"));
   ASSERT_EQ(file.readFile(folder.file("one"), spectrum), AQ_DATA_OK);
   EXPECT_EQ(spectrum->SPL(50), Variant(9999.0));
   EXPECT_EQ(bandLabel(2), "B2/1.6Hz");

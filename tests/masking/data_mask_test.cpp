@@ -31,7 +31,9 @@ TEST(DataMask, LinesAreCountedAfresh) {
   EXPECT_EQ(Read(folder.file("out")).header->nCommentLines, 1);
   EXPECT_EQ(header.nCommentLines, 7);
   EXPECT_EQ(header.lNumberRows, 2);
-  EXPECT_EQ(AQ_HeaderMask().iBandHigh, 0);
+  const AQ_HeaderMask none;
+  EXPECT_EQ(none.lNumberRows + none.iBandLow + none.iBandHigh, 0);
+  EXPECT_EQ(none.nOtherRecords + none.nCommentLines, 0);
   EXPECT_EQ(header.sFileName, folder.file("out"));
 }
 
