@@ -99,6 +99,7 @@ const Change kChanges[] = {
     {"fly-over.ini.csv", "Lines**,0\n", "Lines**,1\na,b\n", {"5:2 lost-text"}},
     {"fly-over.ini.csv", "MIDPT", "MIDDLE", {"5:2 other-word"}},
     {"fly-over.ini.csv", "NuTimg", "NuAvg", {"5:2 other-word"}},
+    {"fly-over.ini.csv", "MIDPT", "MIDPT,x", {"5:3 lost-text"}},
     {"fly-over.ini.csv", "PrWndo**, 10", "PrWndo**, 10,x", {"6:3 lost-text"}},
     {"fly-over.ini.csv", "PrWndo", "PreWindow", {"6:0 unknown-keyword"}},
     {"fly-over.tspi.csv",

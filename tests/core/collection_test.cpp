@@ -19,6 +19,7 @@ TEST(Collection, PlacesCountFromOne) {
   lines.Item(1) = "c";
   EXPECT_EQ(copy.Item(1), "b");
   auto at = copy.begin();
+  EXPECT_EQ(at->size(), 1U);
   EXPECT_EQ(*at++, "b");
   EXPECT_EQ(at, copy.end());
   const Collection<std::string> moved = std::move(lines);

@@ -119,9 +119,10 @@ TEST(Time, CopyWrapsALongDayAndKeepsTheMode) {
   AQ_Time time = at("12:30:00 PM");
   time.RelSeconds(4);
   time.setWorkingTime(AQ_TIME_REF);
+  time.CurrentDate(38000);
   const auto copy = time.Copy();
   EXPECT_EQ(copy->TODseconds(), 1800);
-  EXPECT_EQ(copy->CurrentDate(), 1);
+  EXPECT_EQ(copy->CurrentDate(), 38001);
   EXPECT_EQ(copy->WorkingTime(), 4);
   EXPECT_EQ(time.TODseconds(), 88200);
   time.setWorkingTime(static_cast<AQ_OPTIME>(5));

@@ -88,7 +88,8 @@ TEST(DataSTH, LinesAreTakenByPlaceAndRecordsByNumber) {
 TEST(FileFailure, SaysWhereAndWhatInOneLine) {
   EXPECT_EQ(FileFailure({"landing.csv", 24, 7, "a level", "\"6x.2\""}).message(),
             "landing.csv, line 24, field 7: expected a level, found \"6x.2\"");
-  EXPECT_EQ(FileFailure({"a\nb\t", 0, 0, "x", "y"}).message(), "a\\x0ab\\t: expected x, found y");
+  EXPECT_EQ(FileFailure({"\u00e4\nb\t", 0, 0, "x", "y"}).message(),
+            "\u00e4\\x0ab\\t: expected x, found y");
   EXPECT_EQ(FileFailure({"", 0, 0, "x", "y"}).message(), "expected x, found y");
   EXPECT_EQ(shown(std::string(60, 'a')), '"' + std::string(60, 'a') + '"');
   EXPECT_EQ(shown(std::string(61, 'a')), '"' + std::string(57, 'a') + "...\"");

@@ -185,13 +185,14 @@ TEST(Write, ForeignFilesKeepTheirOwnerWhereTheSystemAllows) {
   const std::string theirs = folder.with("theirs", "old");
   const std::string roots = folder.with("roots", "old");
   fs::permissions(fs::path(roots).parent_path(), kAll);
-  ASSERT_EQ(::chown(theirs.c_str(), kNobody, kNobody), 0);
+  ASSERT_EQ(::chown(theirs.c_str(), kNobody, 12345), 0);
   ASSERT_EQ(::chmod(theirs.c_str(), 06700) + ::chmod(roots.c_str(), 06777), 0);
   EXPECT_TRUE(writes(theirs));
   EXPECT_TRUE(inChild([&] { return becomeNobody() && writes(roots); }));
   struct stat status {};
   ASSERT_EQ(::stat(theirs.c_str(), &status), 0);
   EXPECT_EQ(status.st_uid, kNobody);
+  EXPECT_EQ(status.st_gid, 12345U);
   EXPECT_EQ(status.st_mode & 07777U, 06700U);
   ASSERT_EQ(::stat(roots.c_str(), &status), 0);
   EXPECT_EQ(status.st_uid, kNobody);
