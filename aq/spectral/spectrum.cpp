@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <string>
+#include <utility>
 
 namespace aq {
 namespace {
@@ -22,8 +23,14 @@ std::shared_ptr<AQ_Spectrum> AQ_Spectrum::Copy() {
   copy->Level(level_);
   copy->levels_ = levels_;
   copy->bands_ = bands_;
-  copy->Metric(Metric()->Copy());
+  if (metric_) copy->metric_ = metric_->Copy();
+  copy->copied_ = !metric_;
   return copy;
+}
+
+std::shared_ptr<AQ_Metric> AQ_Spectrum::Metric() {
+  if (!metric_ && std::exchange(copied_, false)) metric_ = AQ_Metric().Copy();
+  return created(metric_);
 }
 
 Variant AQ_Spectrum::SPL(std::int16_t nBand) const {

@@ -49,8 +49,11 @@ class AQ_API AQ_Spectrum {
   void Time(std::shared_ptr<AQ_Time> time) { time_.share(std::move(time)); }
 
   /// Created on first read; setting shares the caller's object.
-  std::shared_ptr<AQ_Metric> Metric() { return created(metric_); }
-  void Metric(std::shared_ptr<AQ_Metric> metric) { metric_ = std::move(metric); }
+  std::shared_ptr<AQ_Metric> Metric();
+  void Metric(std::shared_ptr<AQ_Metric> metric) {
+    metric_ = std::move(metric);
+    copied_ = false;
+  }
 
   /// The time by value, without making an object for it.
   [[nodiscard]] AQ_Time timeValue() const { return time_.value(); }
@@ -72,6 +75,7 @@ class AQ_API AQ_Spectrum {
   KeptTime time_;
   BandLevels levels_;
   NumberRange bands_;
+  bool copied_ = false;  // a metric to be made is the copy of one without values
   double level_ = 0;
   std::shared_ptr<AQ_Metric> metric_;
 };
