@@ -12,7 +12,7 @@ import aq_data as aq
 
 NAN = float("nan")
 History, Map, Spectrum = aq.AQ_SpectralTimeHistory, aq.AQ_MaskMap, aq.AQ_Spectrum
-Positions = aq.AQ_PositionTimeHistory
+Positions, REL = aq.AQ_PositionTimeHistory, "RelSeconds"
 LEVELS = np.array([[60.5, 61.0, NAN], [NAN, 62.5, 63.0]])
 PAIR = History.from_numpy(LEVELS, records=[7, 8])
 HUGE = np.array([2**64 - 1], dtype=np.uint64)
@@ -93,16 +93,8 @@ def test_any_layout_and_type_of_number_is_right(given: Any) -> None:
         (lambda: Positions.from_numpy(5), TypeError, "named columns"),
         (lambda: Positions.from_numpy({"X": [1.0], "Y": [1.0, 2.0]}), ValueError, "1 rows in.* Y"),
         (lambda: setattr(History(), "times", {"RelSeconds": [1.0]}), ValueError, "0 rows, found 1"),
-        (
-            lambda: setattr(PAIR, "times", {"RelSeconds": [1, NAN]}),
-            ValueError,
-            "record 8.*found nan",
-        ),
-        (
-            lambda: setattr(PAIR, "times", {"RelSeconds": [1, 2], "TOD": [1, 2]}),
-            ValueError,
-            "'TOD'",
-        ),
+        (lambda: setattr(PAIR, "times", {REL: [1, NAN]}), ValueError, "record 8.*found nan"),
+        (lambda: setattr(PAIR, "times", {REL: [1, 2], "TOD": [1, 2]}), ValueError, "'TOD'"),
         (lambda: setattr(PAIR, "metrics", {"LGB": [30, 1.5]}), ValueError, "whole.*found 1.5"),
         (lambda: Positions.from_numpy({"TODseconds": [NAN]}), ValueError, "row 1"),
     ],

@@ -5,7 +5,7 @@ from __future__ import annotations
 import copy
 import gc
 import pickle
-import threading
+from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 from typing import Any, Callable
 
@@ -152,9 +152,6 @@ def test_threads_read_at_once_with_one_file_object(sample: Path) -> None:
                 errors.append(error.line)
 
     names = ["fly-over.sth.csv", "fly-over.mask.csv"] * 3
-    threads = [threading.Thread(target=work, args=(name,)) for name in names]
-    for thread in threads:
-        thread.start()
-    for thread in threads:
-        thread.join()
+    with ThreadPoolExecutor(len(names)) as threads:
+        list(threads.map(work, names))
     assert found == [60] * 60 and errors == [1] * 60

@@ -139,13 +139,6 @@ TEST(GeometryTimeHistory, StampsHalfSeconds) {
   EXPECT_ERROR(history.Copy(), InvalidArgument);
 }
 
-TEST(GeometryTimeHistory, PointsAreFoundByNumber) {
-  auto history = points(3);
-  const auto other = std::make_shared<AQ_Geometry>();
-  history.Point(2, other);
-  EXPECT_EQ(history.Point(2), other);
-}
-
 TEST(SPointTrk, EachValueIsItsOwn) {
   AQ_SPointTrk point;
   const auto values = [&] {
