@@ -50,8 +50,8 @@ bool walk(const fs::path& folder, Session& session, std::vector<std::string>& fi
   return whole;
 }
 
-/// Takes what is there under a name: a file, or those of a folder; gives whether it is a folder that
-/// was read as a whole.
+/// Takes what is there under a name: a file, or those of a folder; gives whether it is a folder
+/// that was read as a whole.
 bool take(const std::string& name, Session& session, std::vector<std::string>& files) {
   std::error_code error;
   if (fs::is_directory(name, error)) return walk(name, session, files);
