@@ -103,6 +103,7 @@ def main() -> None:
     parser.add_argument("--folder", type=Path)
     arguments = parser.parse_args()
     if arguments.folder is not None:
+        arguments.folder.mkdir(parents=True, exist_ok=True)
         run(arguments.folder, arguments.files)
         return
     with tempfile.TemporaryDirectory() as folder:
