@@ -117,10 +117,15 @@ TEST(Check, OneChangeIsFoundWhereItWasMade) {
     const std::string path = folder.with("changed", replaced(text, change.from, change.to));
     EXPECT_EQ(findingsIn(path), change.findings);
   }
-  std::string message;
-  const std::string fewer = replaced(test::contentOf(kSamples / kHistory), ",B40/10kHz", "");
-  checkFile(folder.with("changed", fewer), [&](const Finding& found) { message = found.message; });
-  EXPECT_EQ(message, "expected 27 headings, found 26");
+  const std::string history = test::contentOf(kSamples / kHistory);
+  const auto lastOf = [&](const char* from, const char* to) {
+    std::string last;
+    checkFile(folder.with("changed", replaced(history, from, to)),
+              [&](const Finding& found) { last = found.message; });
+    return last;
+  };
+  EXPECT_EQ(lastOf(",B40/10kHz", ""), "expected 27 headings, found 26");
+  EXPECT_EQ(lastOf("Name**,F", "Name**xF"), "in place of a comma \"x\" is not read");
   EXPECT_EQ(findingsIn(folder.file("none")), std::vector<std::string>{"0:0 unreadable"});
 }
 
@@ -133,6 +138,8 @@ TEST(Check, PositionsAndGeometry) {
   using Found = std::vector<std::string>;
   const char* const positions = "position-time-history/good/three-positions.csv";
   const char* const geometry = "geometric-time-history/good/two-points.csv";
+  const char* const history = "spectral-time-history/good/three-records.csv";
+  EXPECT_EQ(changed(history, "Bands**,17, 19", "Bands**,19,17").front(), "24:4 extra-fields");
   EXPECT_EQ(changed(positions, "NumberRecords**,3", "NumberRecords**,4"),
             Found{"8:2 record-count"});
   EXPECT_EQ(changed(positions, "10:00:00.2", "10:00:00.1"), Found{"15:1 time-order"});

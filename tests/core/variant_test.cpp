@@ -74,6 +74,11 @@ TEST(Variant, RefusesWhatDoesNotConvert) {
     EXPECT_ERROR(none.toBoolean(), TypeMismatch);
   }
   EXPECT_ERROR(Variant().toString(), TypeMismatch);
+  try {
+    static_cast<void>(Variant().toDouble());
+  } catch (const Error& error) {
+    EXPECT_STREQ(error.what(), "expected a number, found an empty value");
+  }
   EXPECT_ERROR(Variant(nullptr).toString(), TypeMismatch);
   EXPECT_ERROR(Variant("2.5").toInt32(), TypeMismatch);
   EXPECT_ERROR(Variant(32767.5).toInt16(), Overflow);
