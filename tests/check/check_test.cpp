@@ -140,6 +140,7 @@ TEST(Check, PositionsAndGeometry) {
   const char* const geometry = "geometric-time-history/good/two-points.csv";
   const char* const history = "spectral-time-history/good/three-records.csv";
   EXPECT_EQ(changed(history, "Bands**,17, 19", "Bands**,19,17").front(), "24:4 extra-fields");
+  EXPECT_EQ(changed(history, "Bands**,17, 19", "Bands**,18,18").at(1), "24:5 extra-fields");
   EXPECT_EQ(changed(positions, "NumberRecords**,3", "NumberRecords**,4"),
             Found{"8:2 record-count"});
   EXPECT_EQ(changed(positions, "10:00:00.2", "10:00:00.1"), Found{"15:1 time-order"});
