@@ -31,19 +31,19 @@ std::vector<Row> gathered(const Check& check) {
 }  // namespace
 
 void bindCheck(py::module_& module) {
-  module.def(
-      "checkFile",
-      [](const Path& path) {
-        return gathered([&](const FindingSink& sink) { checkFile(path.name, sink); });
-      },
-      py::arg("path"),
+  const auto ofOneFile = [&](const char* name, auto* check, const char* doc) {
+    module.def(
+        name,
+        [check](const Path& path) {
+          return gathered([&](const FindingSink& sink) { check(path.name, sink); });
+        },
+        py::arg("path"), doc);
+  };
+  ofOneFile(
+      "checkFile", checkFile,
       "What a person should know about a file: severity, kind, line, field, record, band, message");
-  module.def(
-      "checkWithHistory",
-      [](const Path& path) {
-        return gathered([&](const FindingSink& sink) { checkWithHistory(path.name, sink); });
-      },
-      py::arg("path"),
+  ofOneFile(
+      "checkWithHistory", checkWithHistory,
       "As checkFile; a masking map is also compared with the history beside it that it names");
   module.def(
       "checkFit",

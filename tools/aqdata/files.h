@@ -11,9 +11,8 @@
 namespace aqdata {
 
 /// The files that the user's arguments stand for: a folder for the measurement files in it and
-/// below, that is those whose name ends in ".csv", small or
-/// large, or whose kind is known, without hidden ones; a
-/// pattern for what it matches; each file once. Complains about what is not there.
+/// below, that is those whose name ends in ".csv", small or large, or whose kind is known, without
+/// hidden ones; a pattern for what it matches; each file once. Complains about what is not there.
 [[nodiscard]] std::vector<std::string> chosenFiles(Session& session);
 
 /// The session's output, for a file class to write. Throws `Failure` when it is there and may not

@@ -36,9 +36,13 @@ const KindNames& namesOf(aq::FileKind kind) {
                        [kind](const KindNames& names) { return names.kind == kind; });
 }
 
-void expectKind(const std::string& path, aq::FileKind expected) {
+aq::FileKind kindOf(const std::string& path) {
   expectFile(path);
-  const aq::FileKind found = aq::kindOfFile(path);
+  return aq::kindOfFile(path);
+}
+
+void expectKind(const std::string& path, aq::FileKind expected) {
+  const aq::FileKind found = kindOf(path);
   // What cannot be read or has lost its title fails in its reader, which says why.
   if (found == expected || found == aq::FileKind::Unknown) return;
   throw Failure(fmt::format("{}: expected a {} file, found a {} file", aq::escaped(path),
@@ -60,25 +64,58 @@ void read(const std::string& path, const aq::HeaderWatch& watch, Out&... out) {
                             empty ? "an empty file" : aq::shown(lines.Lines()->Item(1))));
 }
 
-Positions openPositions(const std::string& path, const aq::HeaderWatch& watch) {
+History readHistory(const std::string& path, const aq::HeaderWatch& watch) {
+  History read;
+  const auto watchAll = [&](const aq::HeaderLine& line) {
+    if (line.keyword == "ReferenceTimeType") read.referenceType = line.value;
+    if (watch) watch(line);
+  };
+  aqdata::read<aq::AQ_DataSTH>(path, watchAll, read.header, read.history);
+  return read;
+}
+
+MaskingMap readMap(const std::string& path, const aq::HeaderWatch& watch) {
+  MaskingMap read;
+  aqdata::read<aq::AQ_DataMask>(path, watch, read.header, read.map);
+  return read;
+}
+
+SpectrumRecord readSpectrum(const std::string& path, const aq::HeaderWatch& watch) {
+  SpectrumRecord read;
+  aqdata::read<aq::AQ_DataSSR>(path, watch, read.header, read.spectrum);
+  return read;
+}
+
+Tracking readTracking(const std::string& path, const aq::HeaderWatch& watch,
+                      std::uint8_t rt20Limit) {
+  Tracking read;
+  aq::AQ_DataTSPI file;
+  file.watchHeader(watch);
+  file.RT20Limit(rt20Limit);
+  expectGood(aq::readInto(file, path, read.history), file);
+  read.rejected = file.nBadPositions();
+  return read;
+}
+
+Positions readPositions(const std::string& path, const aq::HeaderWatch& watch) {
   Positions read;
   aqdata::read<aq::AQ_DataPTH>(path, watch, read.header, read.history);
   return read;
 }
 
-Microphone openMicrophone(const std::string& path, const aq::HeaderWatch& watch) {
+Microphone readMicrophone(const std::string& path, const aq::HeaderWatch& watch) {
   Microphone read;
   aqdata::read<aq::AQ_DataMIC>(path, watch, read.header, read.microphone);
   return read;
 }
 
-Geometry openGeometry(const std::string& path, const aq::HeaderWatch& watch) {
+Geometry readGeometry(const std::string& path, const aq::HeaderWatch& watch) {
   Geometry read;
   aqdata::read<aq::AQ_DataGTH>(path, watch, read.header, read.history);
   return read;
 }
 
-Parameters openParameters(const std::string& path, const aq::HeaderWatch& watch) {
+Parameters readParameters(const std::string& path, const aq::HeaderWatch& watch) {
   Parameters read{std::make_shared<aq::AQ_DataINI>()};
   read.parameters->watchHeader(watch);
   expectGood(read.parameters->readFile(path), *read.parameters);
@@ -103,38 +140,30 @@ void expectFile(const std::string& path) {
                             aq::escaped(path)));
 }
 
-Measurement openFile(const std::string& path, const aq::HeaderWatch& watch) {
-  expectFile(path);
-  switch (aq::kindOfFile(path)) {
-    case aq::FileKind::SpectralTimeHistory: return openHistory(path, watch);
-    case aq::FileKind::PositionTimeHistory: return openPositions(path, watch);
-    case aq::FileKind::MicrophonePosition: return openMicrophone(path, watch);
-    case aq::FileKind::GeometricTimeHistory: return openGeometry(path, watch);
-    case aq::FileKind::MaskingMap: return openMap(path, watch);
-    case aq::FileKind::VariableInitialization: return openParameters(path, watch);
-    case aq::FileKind::SpectrumRecord: return openSpectrum(path, watch);
-    case aq::FileKind::Tracking: return openTracking(path, watch);
+Measurement openFile(const std::string& path, const aq::HeaderWatch& watch,
+                     std::uint8_t rt20Limit) {
+  switch (kindOf(path)) {
+    case aq::FileKind::SpectralTimeHistory: return readHistory(path, watch);
+    case aq::FileKind::PositionTimeHistory: return readPositions(path, watch);
+    case aq::FileKind::MicrophonePosition: return readMicrophone(path, watch);
+    case aq::FileKind::GeometricTimeHistory: return readGeometry(path, watch);
+    case aq::FileKind::MaskingMap: return readMap(path, watch);
+    case aq::FileKind::VariableInitialization: return readParameters(path, watch);
+    case aq::FileKind::SpectrumRecord: return readSpectrum(path, watch);
+    case aq::FileKind::Tracking: return readTracking(path, watch, rt20Limit);
     case aq::FileKind::Unknown: break;
   }
   failUnknown(path);
 }
 
 History openHistory(const std::string& path, const aq::HeaderWatch& watch) {
-  History read;
   expectKind(path, aq::FileKind::SpectralTimeHistory);
-  const auto watchAll = [&](const aq::HeaderLine& line) {
-    if (line.keyword == "ReferenceTimeType") read.referenceType = line.value;
-    if (watch) watch(line);
-  };
-  aqdata::read<aq::AQ_DataSTH>(path, watchAll, read.header, read.history);
-  return read;
+  return readHistory(path, watch);
 }
 
 MaskingMap openMap(const std::string& path, const aq::HeaderWatch& watch) {
-  MaskingMap read;
   expectKind(path, aq::FileKind::MaskingMap);
-  aqdata::read<aq::AQ_DataMask>(path, watch, read.header, read.map);
-  return read;
+  return readMap(path, watch);
 }
 
 MaskingMap openMapOf(const std::string& history, const std::string& map) {
@@ -148,22 +177,14 @@ MaskingMap openMapOf(const std::string& history, const std::string& map) {
 }
 
 SpectrumRecord openSpectrum(const std::string& path, const aq::HeaderWatch& watch) {
-  SpectrumRecord read;
   expectKind(path, aq::FileKind::SpectrumRecord);
-  aqdata::read<aq::AQ_DataSSR>(path, watch, read.header, read.spectrum);
-  return read;
+  return readSpectrum(path, watch);
 }
 
 Tracking openTracking(const std::string& path, const aq::HeaderWatch& watch,
                       std::uint8_t rt20Limit) {
-  Tracking read;
   expectKind(path, aq::FileKind::Tracking);
-  aq::AQ_DataTSPI file;
-  file.watchHeader(watch);
-  file.RT20Limit(rt20Limit);
-  expectGood(aq::readInto(file, path, read.history), file);
-  read.rejected = file.nBadPositions();
-  return read;
+  return readTracking(path, watch, rt20Limit);
 }
 
 std::string timeText(const aq::AQ_Time& time) {

@@ -54,8 +54,10 @@ using Measurement = std::variant<History, MaskingMap, SpectrumRecord, Positions,
 /// In one word, as in "history".
 [[nodiscard]] std::string_view kindWord(const Measurement& read);
 
-/// Reads a file of any kind; `watch` sees its header lines. Throws `Failure`.
-[[nodiscard]] Measurement openFile(const std::string& path, const aq::HeaderWatch& watch = {});
+/// Reads a file of any kind; `watch` sees its header lines, tracking is read up to `rt20Limit`.
+/// Throws `Failure`.
+[[nodiscard]] Measurement openFile(const std::string& path, const aq::HeaderWatch& watch = {},
+                                   std::uint8_t rt20Limit = 1);
 
 /// Throws `Failure` for a pipe or a device: files are read more than once.
 void expectFile(const std::string& path);

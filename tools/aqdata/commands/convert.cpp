@@ -85,20 +85,16 @@ void putSpectrum(const Session& session, const ConvertChoice& choice, const Meas
   writeOutput<aq::AQ_DataSSR>(session, header, *spectrum);
 }
 
-Measurement openFor(const ConvertChoice& choice) {
-  if (aq::kindOfFile(choice.file) != aq::FileKind::Tracking) return openFile(choice.file);
-  return openTracking(choice.file, {}, choice.rt20);
-}
-
 void convert(Session& session, const ConvertChoice& choice) {
   const std::string form = choice.to.empty() ? formOf(session.output) : choice.to;
   if (session.output.empty() && (form == "positions" || form == "spectrum"))
     throw Failure(
         fmt::format("{} go to a file: -o says which", form == "spectrum" ? "spectra" : form));
-  if (form == "positions" && choice.record) throw Failure("positions are those of all fixes");
-  if (form == "positions")
+  if (form == "positions") {
+    if (choice.record) throw Failure("positions are those of all fixes");
     return writePositions(session, openTracking(choice.file, {}, choice.rt20), choice.file);
-  const Measurement read = openFor(choice);
+  }
+  const Measurement read = openFile(choice.file, {}, choice.rt20);
   if (form == "spectrum") {
     putSpectrum(session, choice, read);
   } else {
