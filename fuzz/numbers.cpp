@@ -1,10 +1,10 @@
 // The short ways of numbers, levels and times, compared with the exact ones of the standard library
 // and with the general ones.
-#include <aq/core/date_text.h>
-#include <aq/core/level_text.h>
-#include <aq/core/number_text.h>
-#include <aq/core/plain_number.h>
 #include <aq/core/time.h>
+#include <aq/text/date_text.h>
+#include <aq/text/level_code.h>
+#include <aq/text/number_text.h>
+#include <aq/text/plain_number.h>
 
 #include <algorithm>
 #include <array>

@@ -5,14 +5,17 @@ import re
 import sys
 
 ALLOWED = {  # each room, and the rooms that it may know besides itself
-    "core": set(),
-    "text": {"core"},
-    "masking": {"core", "text"},
-    "spectral": {"core", "masking"},
-    "geometry": {"core", "text"},
-    "files": {"core", "text", "spectral", "geometry"},
-    "check": {"core", "text", "masking", "spectral", "geometry", "files"},
+    "core": {"detail"},
+    "detail": {"core"},
+    "text": {"core", "detail"},
+    "masking": {"core", "detail", "text"},
+    "spectral": {"core", "detail", "text", "masking"},
+    "geometry": {"core", "detail", "text"},
+    "files": {"core", "detail", "text", "spectral", "geometry"},
+    "check": {"core", "detail", "text", "masking", "spectral", "geometry", "files"},
 }
+# A variant, a time and the dates of files have text forms: these sources, not their headers, use them.
+WITH_TEXT = {"aq/core/variant.cpp", "aq/core/time.cpp", "aq/core/file_information.cpp"}
 
 
 def includes(root):
@@ -47,6 +50,8 @@ def main():
                 faults.append(f"{name} includes {target}, which is not there")
             other = target.split("/")[1]
             if room in ALLOWED and other != room and other not in ALLOWED[room]:
+                if name in WITH_TEXT and other == "text":
+                    continue
                 faults.append(f"{name} may not include {target}")
         circle = circle_from(name, graph)
         if circle:

@@ -4,7 +4,6 @@
 
 #include "aq/check/checks.h"
 #include "aq/check/header_check.h"
-#include "aq/core/number_text.h"
 #include "aq/core/platform.h"
 #include "aq/files/data_ini.h"
 #include "aq/files/file_kind.h"
@@ -12,6 +11,7 @@
 #include "aq/text/checked_keywords.h"
 #include "aq/text/fields.h"
 #include "aq/text/line_reader.h"
+#include "aq/text/number_text.h"
 
 namespace aq {
 namespace {
@@ -51,8 +51,8 @@ void checking(const Reporter& reporter, const Check& check) {
 void checkParameterWord(const HeaderLine& line, const Reporter& report) {
   const bool averaging = line.keyword == keywords::kNuAvg;
   if (!averaging && line.keyword != keywords::kNuTimg) return;
-  std::string room;
-  const std::string_view word = cleanField(line.value.substr(0, line.value.find(',')), room);
+  std::string scratch;
+  const std::string_view word = cleanField(line.value.substr(0, line.value.find(',')), scratch);
   AQ_SpectralTimeHistory history;
   averaging ? history.sAveragingMethod(word) : history.sTimeStampType(word);
   checkWord(line.number, word, averaging ? history.sAveragingMethod() : history.sTimeStampType(),
@@ -87,7 +87,7 @@ void checkWithHistory(const std::string& path, const FindingSink& report) {
 void checkParameters(const std::string& path, const Reporter& report) {
   constexpr std::string_view kTitle = "FILETYPE";  // that the file carries and nobody reads
   AQ_DataINI file;
-  file.watchHeader([&](const HeaderLine& line) {
+  file.observeHeader([&](const HeaderLine& line) {
     const std::string_view text = trimmed(line.text);
     if (line.use != HeaderLine::Use::Unused) checkFieldsBehind(line, report);
     checkParameterWord(line, report);

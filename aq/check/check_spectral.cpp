@@ -5,12 +5,12 @@
 #include "aq/check/header_check.h"
 #include "aq/check/record_lines.h"
 #include "aq/core/enumerations.h"
-#include "aq/core/number_text.h"
 #include "aq/core/time.h"
 #include "aq/files/data_ssr.h"
 #include "aq/files/data_sth.h"
 #include "aq/text/checked_keywords.h"
 #include "aq/text/fields.h"
+#include "aq/text/number_text.h"
 
 namespace aq {
 namespace {

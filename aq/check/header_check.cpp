@@ -4,8 +4,8 @@
 
 #include "aq/core/band_label.h"
 #include "aq/core/error.h"
-#include "aq/core/number_text.h"
 #include "aq/text/fields.h"
+#include "aq/text/number_text.h"
 
 namespace aq {
 namespace {

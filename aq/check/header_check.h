@@ -10,7 +10,7 @@
 
 #include "aq/check/reporter.h"
 #include "aq/text/call_file.h"
-#include "aq/text/header_watch.h"
+#include "aq/text/header_observer.h"
 #include "aq/text/line_reader.h"
 
 namespace aq {
@@ -35,7 +35,7 @@ class HeaderCheck {
   template <class File, class... Out>
   [[nodiscard]] bool reads(const std::string& path, Out&... out) {
     File file;
-    file.watchHeader([this](const HeaderLine& line) { see(line); });
+    file.observeHeader([this](const HeaderLine& line) { see(line); });
     if (readInto(file, path, out...) == AQ_DATA_OK) return true;
     report_.unreadable(*file.lastFailure());
     return false;

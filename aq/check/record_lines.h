@@ -8,9 +8,9 @@
 
 #include "aq/check/header_check.h"
 #include "aq/check/reporter.h"
-#include "aq/core/band_block.h"
-#include "aq/core/number_text.h"
 #include "aq/core/time.h"
+#include "aq/detail/band_block.h"
+#include "aq/text/number_text.h"
 
 namespace aq {
 

@@ -9,8 +9,8 @@
 #include <utility>
 
 #include "aq/core/error.h"
-#include "aq/core/on_demand.h"
-#include "aq/core/ordered_slots.h"
+#include "aq/detail/lazy_part.h"
+#include "aq/detail/tombstone_list.h"
 
 namespace aq {
 
@@ -20,21 +20,21 @@ template <class T>
 class Collection {
  public:
   void Add(T value) {
-    slots_.makeRoom();
+    slots_.reserveNext();
     slots_.append(std::move(value));
   }
 
   /// Adds a value made of `arguments` in its place.
   template <class... Arguments>
   void Emplace(Arguments&&... arguments) {
-    slots_.makeRoom();
+    slots_.reserveNext();
     slots_.append(std::forward<Arguments>(arguments)...);
   }
 
   /// Throws `InvalidArgument`, and adds nothing, when the key is taken.
   void Add(T value, std::string_view key) {
-    slots_.makeRoom();
-    if (!keys_.made().emplace(key, slots_.slots()).second) {
+    slots_.reserveNext();
+    if (!keys_.orCreate().emplace(key, slots_.slots()).second) {
       throw Error(ErrorCode::InvalidArgument, "the collection has an entry " + shown(key));
     }
     slots_.append(std::move(value));
@@ -55,7 +55,7 @@ class Collection {
   /// Throws as `Item` does.
   void Remove(std::int32_t place) {
     const std::size_t slot = slots_.slotOf(place);
-    Keys& keys = keys_.made();
+    Keys& keys = keys_.orCreate();
     const auto key = std::find_if(keys.begin(), keys.end(),
                                   [slot](const auto& entry) { return entry.second == slot; });
     removeSlot(slot);
@@ -64,7 +64,7 @@ class Collection {
   void Remove(std::string_view key) {
     const auto entry = entryOf(key);
     removeSlot(entry->second);
-    keys_.made().erase(entry);
+    keys_.orCreate().erase(entry);
   }
 
   [[nodiscard]] auto begin() { return slots_.begin(); }
@@ -94,12 +94,12 @@ class Collection {
 
   void removeSlot(std::size_t slot) {
     slots_.remove(slot, [this](const auto& newSlot) {
-      for (auto& [key, keySlot] : keys_.made()) keySlot = newSlot(keySlot);
+      for (auto& [key, keySlot] : keys_.orCreate()) keySlot = newSlot(keySlot);
     });
   }
 
-  OrderedSlots<T> slots_;
-  OnDemand<Keys> keys_;
+  TombstoneList<T> slots_;
+  LazyPart<Keys> keys_;
 };
 
 }  // namespace aq

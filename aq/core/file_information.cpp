@@ -3,8 +3,8 @@
 #include <mutex>
 #include <utility>
 
-#include "aq/core/date_text.h"
 #include "aq/core/platform.h"
+#include "aq/text/date_text.h"
 
 namespace aq {
 namespace {

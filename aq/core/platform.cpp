@@ -117,8 +117,8 @@ class OutputFile {
  private:
   /// Until a pipe that its reader set not to wait takes more.
   void waitForRoom() const {
-    pollfd room{.fd = handle_, .events = POLLOUT, .revents = 0};
-    static_cast<void>(uninterrupted([&] { return ::poll(&room, 1, -1); }));
+    pollfd space{.fd = handle_, .events = POLLOUT, .revents = 0};
+    static_cast<void>(uninterrupted([&] { return ::poll(&space, 1, -1); }));
   }
 
   int handle_;
@@ -259,8 +259,8 @@ InputFile::InputFile(const std::string& path)
 
 InputFile::~InputFile() { ::close(handle_); }
 
-std::size_t InputFile::read(std::span<char> room) {
-  const ssize_t got = uninterrupted([&] { return ::read(handle_, room.data(), room.size()); });
+std::size_t InputFile::read(std::span<char> buffer) {
+  const ssize_t got = uninterrupted([&] { return ::read(handle_, buffer.data(), buffer.size()); });
   if (got < 0) failBy("a file that can be read", errno);
   return static_cast<std::size_t>(got);
 }

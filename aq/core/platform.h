@@ -37,8 +37,8 @@ class AQ_API InputFile {
   InputFile& operator=(const InputFile&) = delete;
   ~InputFile();
 
-  /// Fills `room` from its front; gives the number of bytes, 0 only at the end of the file.
-  [[nodiscard]] std::size_t read(std::span<char> room);
+  /// Fills `buffer` from its start; gives the number of bytes, 0 only at the end of the file.
+  [[nodiscard]] std::size_t read(std::span<char> buffer);
 
  private:
   int handle_;

@@ -4,8 +4,8 @@
 #include <cmath>
 #include <optional>
 
-#include "aq/core/date_text.h"
-#include "aq/core/number_text.h"
+#include "aq/text/date_text.h"
+#include "aq/text/number_text.h"
 
 namespace aq {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <cmath>
 
-#include "aq/core/date_text.h"
-#include "aq/core/number_text.h"
 #include "aq/core/time.h"
+#include "aq/text/date_text.h"
+#include "aq/text/number_text.h"
 
 namespace aq {
 namespace {

@@ -4,11 +4,11 @@
 #include <utility>
 #include <vector>
 
-#include "aq/core/number_text.h"
 #include "aq/core/platform.h"
-#include "aq/core/required.h"
+#include "aq/detail/pointers.h"
 #include "aq/text/fields.h"
 #include "aq/text/line_reader.h"
+#include "aq/text/number_text.h"
 
 namespace aq {
 namespace {
@@ -41,7 +41,7 @@ AQ_DataMessage AQ_DataASCII::readFields(const std::string& sFileName) {
   return reading(sFileName, [&](const std::string& name) {
     auto fields = std::make_shared<FieldLines>();
     LineReader lines(name);
-    std::vector<std::string_view> pieces;  // room that all lines share
+    std::vector<std::string_view> pieces;  // shared by all lines
     while (lines.next()) fields->Add(divided(lines.line(), pieces));
     fields_ = std::move(fields);
   });
@@ -126,15 +126,15 @@ std::string AQ_DataASCII::withPlaceholders(std::string_view line) const {
 }
 
 std::string AQ_DataASCII::restored(std::string_view field) const {
-  std::string room;
-  const std::string_view clean = cleanField(field, room);
+  std::string scratch;
+  const std::string_view clean = cleanField(field, scratch);
   if (!quotedFields_ || clean.find(kPlaceholder) == clean.npos) return std::string(clean);
   return std::string(trimmed(replaced(clean, {&kPlaceholder, 1}, delimiter_)));
 }
 
 std::string AQ_DataASCII::linesText() const {
   std::string text;
-  for (const std::string& line : required(lines_)) {
+  for (const std::string& line : orThrow(lines_)) {
     text += line;
     text += platform::lineEnd;
   }
@@ -143,9 +143,9 @@ std::string AQ_DataASCII::linesText() const {
 
 std::string AQ_DataASCII::fieldsText(bool quoted) const {
   std::string text;
-  for (const auto& line : required(fields_)) {
+  for (const auto& line : orThrow(fields_)) {
     std::string_view between;
-    for (const std::string& field : required(line)) {
+    for (const std::string& field : orThrow(line)) {
       text += between;
       text += quoted ? kQuote + field + kQuote : field;
       between = delimiter_;

@@ -3,13 +3,13 @@
 #include <optional>
 #include <string_view>
 
-#include "aq/core/date_text.h"
-#include "aq/core/number_text.h"
 #include "aq/spectral/spectral_time_history.h"
 #include "aq/text/checked_keywords.h"
+#include "aq/text/date_text.h"
 #include "aq/text/fields.h"
 #include "aq/text/file_titles.h"
 #include "aq/text/header_writer.h"
+#include "aq/text/number_text.h"
 
 namespace aq {
 namespace {
@@ -92,7 +92,7 @@ std::string_view keywordOf(std::string_view upperCase) {
 }
 
 /// Takes `count` comment lines, each up to its first comma; empty ones are dropped.
-void readComments(std::int16_t count, LineReader& lines, const HeaderWatch& watch,
+void readComments(std::int16_t count, LineReader& lines, const HeaderObserver& watch,
                   Collection<std::string>& comments) {
   for (std::int32_t i = 1; i <= count; ++i) {
     takeLine(lines, "one more comment line");
@@ -111,7 +111,7 @@ void readDateTime(FieldReader& fields, AQ_Time& time) {
 
 /// Takes one line, and those that belong to it. Keywords are known in any case; unknown ones and
 /// lines without one are passed over.
-void readLine(LineReader& lines, const HeaderWatch& watch, AQ_DataINI& parameters) {
+void readLine(LineReader& lines, const HeaderObserver& watch, AQ_DataINI& parameters) {
   FieldReader fields(lines);
   const std::string_view first = fields.text("a keyword");
   const std::size_t mark = first.find("**");
@@ -159,7 +159,7 @@ AQ_DataMessage AQ_DataINI::readFile(const std::string& sFileName) {
     bool more = lines.next();
     averaging_ = AQ_NA;
     timing_ = kTimingNotSet;
-    for (; more; more = lines.next()) readLine(lines, headerWatch(), *this);
+    for (; more; more = lines.next()) readLine(lines, headerObserver(), *this);
   });
 }
 

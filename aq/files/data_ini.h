@@ -6,10 +6,10 @@
 #include <utility>
 
 #include "aq/core/collection.h"
-#include "aq/core/created.h"
 #include "aq/core/enumerations.h"
 #include "aq/core/export.h"
 #include "aq/core/time.h"
+#include "aq/detail/pointers.h"
 #include "aq/text/file_class.h"
 
 namespace aq {
@@ -58,9 +58,9 @@ class AQ_API AQ_DataINI : public FileClass {
   void FileName(std::string name) { fileName_ = std::move(name); }
 
   /// Date and time of the file read last.
-  std::shared_ptr<AQ_Time> FileDate() { return created(fileDate_); }
+  std::shared_ptr<AQ_Time> FileDate() { return orCreate(fileDate_); }
 
-  std::shared_ptr<Collection<std::string>> Comments() { return created(comments_); }
+  std::shared_ptr<Collection<std::string>> Comments() { return orCreate(comments_); }
   void Comments(std::shared_ptr<Collection<std::string>> comments) {
     comments_ = std::move(comments);
   }

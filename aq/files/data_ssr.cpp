@@ -1,13 +1,13 @@
 #include "aq/files/data_ssr.h"
 
 #include "aq/core/band_label.h"
-#include "aq/core/number_text.h"
-#include "aq/core/required.h"
+#include "aq/detail/pointers.h"
 #include "aq/files/level_columns.h"
 #include "aq/text/fields.h"
 #include "aq/text/file_titles.h"
 #include "aq/text/header_reader.h"
 #include "aq/text/header_writer.h"
+#include "aq/text/number_text.h"
 
 namespace aq {
 namespace {
@@ -43,7 +43,7 @@ AQ_DataMessage AQ_DataSSR::writeFile(const std::string& sFileName,
                                      const AQ_Spectrum& spectrum) {
   return writing(sFileName, [&](const std::string& name) {
     header_ = aqHeader;
-    required(header_).sFileName = name;
+    orThrow(header_).sFileName = name;
     std::string text;
     HeaderWriter lines(text);
     header(lines, *header_);
@@ -62,12 +62,12 @@ AQ_DataMessage AQ_DataSSR::readFile(const std::string& sFileName,
                                     std::shared_ptr<AQ_HeaderSSR>& ssrHeader) {
   return reading(sFileName, [&](const std::string& name) {
     LineReader lines(name);
-    HeaderReader headerLines(lines, headerWatch());
+    HeaderReader headerLines(lines, headerObserver());
     header_ = std::make_shared<AQ_HeaderSSR>();
     header(headerLines, *header_);
     ssrHeader = header_;
     takeLine(lines, "the line of band labels");
-    showLine(headerWatch(), {lines.number(), HeaderLine::Use::Headings, {}, lines.line(), {}});
+    showLine(headerObserver(), {lines.number(), HeaderLine::Use::Headings, {}, lines.line(), {}});
     LevelColumns columns = columnsFrom(FieldReader(lines));
     takeLine(lines, "the line of levels");
     FieldReader levels(lines);

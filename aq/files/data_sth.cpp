@@ -1,16 +1,16 @@
 #include "aq/files/data_sth.h"
 
 #include "aq/core/band_label.h"
-#include "aq/core/number_text.h"
 #include "aq/core/platform.h"
-#include "aq/core/required.h"
-#include "aq/core/shared_blocks.h"
+#include "aq/detail/pointers.h"
+#include "aq/detail/shared_blocks.h"
 #include "aq/files/level_columns.h"
 #include "aq/text/checked_keywords.h"
 #include "aq/text/fields.h"
 #include "aq/text/file_titles.h"
 #include "aq/text/header_reader.h"
 #include "aq/text/header_writer.h"
+#include "aq/text/number_text.h"
 
 namespace aq {
 namespace {
@@ -79,7 +79,7 @@ void readRecord(FieldReader fields, LevelColumns& columns, std::shared_ptr<AQ_Sp
   const std::int16_t record = fields.int16("a record number");
   const double timeOfDay = fields.timeOfDay();
   const float relative = fields.single("a relative time in seconds");
-  spectrum->keptTime().assign(timeOfDay, static_cast<double>(relative));
+  spectrum->lazyTime().assign(timeOfDay, static_cast<double>(relative));
   columns.read(fields, *spectrum);
   history.spectrum(record, std::move(spectrum));
 }
@@ -91,11 +91,11 @@ AQ_DataMessage AQ_DataSTH::writeFile(const std::string& sFileName,
                                      AQ_SpectralTimeHistory& aqTimeHistory) {
   return writing(sFileName, [&](const std::string& name) {
     header_ = aqHeader;
-    required(header_).sFileName = name;
+    orThrow(header_).sFileName = name;
     const std::int32_t low = aqTimeHistory.LoRec();
     const std::int32_t high = aqTimeHistory.HiRec();
     const auto record = [&](std::int32_t number) -> AQ_Spectrum& {
-      return required(aqTimeHistory.spectrum(static_cast<std::int16_t>(number)));
+      return orThrow(aqTimeHistory.spectrum(static_cast<std::int16_t>(number)));
     };
     LevelColumns columns{record(low).LowBand(), record(low).HighBand()};
     std::string text;
@@ -115,7 +115,7 @@ AQ_DataMessage AQ_DataSTH::readFile(const std::string& sFileName,
   return reading(sFileName, [&](const std::string& name) {
     auto history = std::make_shared<AQ_SpectralTimeHistory>();
     LineReader lines(name);
-    HeaderReader headerLines(lines, headerWatch());
+    HeaderReader headerLines(lines, headerObserver());
     header_ = std::make_shared<AQ_HeaderSTH>();
     LevelColumns columns;
     header(headerLines, *header_, *history, columns);

@@ -2,14 +2,14 @@
 
 #include <algorithm>
 
-#include "aq/core/level_text.h"
+#include "aq/text/level_code.h"
 
 namespace aq {
 
 void LevelColumns::read(FieldReader& fields, AQ_Spectrum& spectrum) {
   const std::size_t count = low <= high ? static_cast<std::size_t>(high - low) + 1 : 0;
   codes.resize(std::min(count, fields.mostLeft()));  // whatever the header says
-  const std::size_t plain = fields.some(std::span(codes), levelsAtFront);
+  const std::size_t plain = fields.takeRun(std::span(codes), levelsAtFront);
   if (plain == count) {
     spectrum.assignCodes(low, codes);
     return;

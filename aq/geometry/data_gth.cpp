@@ -1,14 +1,14 @@
 #include "aq/geometry/data_gth.h"
 
-#include "aq/core/number_text.h"
 #include "aq/core/platform.h"
-#include "aq/core/required.h"
+#include "aq/detail/pointers.h"
 #include "aq/text/checked_keywords.h"
 #include "aq/text/data_line_limit.h"
 #include "aq/text/fields.h"
 #include "aq/text/file_titles.h"
 #include "aq/text/header_reader.h"
 #include "aq/text/header_writer.h"
+#include "aq/text/number_text.h"
 
 namespace aq {
 namespace {
@@ -16,7 +16,7 @@ namespace {
 // Three keywords differ from the fields that they carry: hosts know the lines so.
 template <class Lines>
 void header(Lines& lines, AQ_HeaderGTH& header) {
-  AQ_Position& microphone = required(header.MicrophonePosition);
+  AQ_Position& microphone = orThrow(header.MicrophonePosition);
   double x = microphone.X();
   double y = microphone.Y();
   double z = microphone.Z();
@@ -88,7 +88,7 @@ void AQ_DataGTH::writeFile(const std::string& sFileName,
                            const AQ_GeometryTimeHistory& aqTimeHistory, AQ_DataMessage& result) {
   result = writing(sFileName, [&](const std::string& name) {
     header_ = aqHeader;
-    required(header_).GTHFileName = name;
+    orThrow(header_).GTHFileName = name;
     const std::int32_t count = aqTimeHistory.Count();
     header_->NumberRecords = count;
     std::string text;
@@ -96,7 +96,7 @@ void AQ_DataGTH::writeFile(const std::string& sFileName,
     header(lines, *header_);
     lines.columns(kColumns);
     appendRows(text, 1, count, [&](std::int32_t record) {
-      appendPoint(text, record, required(aqTimeHistory.Point(record)));
+      appendPoint(text, record, orThrow(aqTimeHistory.Point(record)));
     });
     return text;
   });
@@ -106,7 +106,7 @@ void AQ_DataGTH::readFile(const std::string& sFileName, std::shared_ptr<AQ_Heade
                           std::shared_ptr<AQ_GeometryTimeHistory>& GTH, AQ_DataMessage& result) {
   result = reading(sFileName, [&](const std::string& name) {
     LineReader lines(name);
-    HeaderReader headerLines(lines, headerWatch());
+    HeaderReader headerLines(lines, headerObserver());
     header_ = std::make_shared<AQ_HeaderGTH>();
     header(headerLines, *header_);
     header_->FileType = titles::kGeometricTimeHistory;

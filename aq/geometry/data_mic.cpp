@@ -31,7 +31,7 @@ void AQ_DataMIC::readFile(const std::string& sFileName, std::shared_ptr<AQ_Heade
                           const std::shared_ptr<AQ_Microphone>& MIC, AQ_DataMessage& result) {
   result = reading(sFileName, [&](const std::string& name) {
     LineReader lines(name);
-    HeaderReader headerLines(lines, headerWatch());
+    HeaderReader headerLines(lines, headerObserver());
     header_ = std::make_shared<AQ_HeaderMIC>();
     readHeader(headerLines, *header_);
     aqHeader = header_;

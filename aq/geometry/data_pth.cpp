@@ -1,15 +1,15 @@
 #include "aq/geometry/data_pth.h"
 
-#include "aq/core/number_text.h"
 #include "aq/core/platform.h"
-#include "aq/core/required.h"
-#include "aq/core/shared_blocks.h"
+#include "aq/detail/pointers.h"
+#include "aq/detail/shared_blocks.h"
 #include "aq/text/checked_keywords.h"
 #include "aq/text/data_line_limit.h"
 #include "aq/text/fields.h"
 #include "aq/text/file_titles.h"
 #include "aq/text/header_reader.h"
 #include "aq/text/header_writer.h"
+#include "aq/text/number_text.h"
 
 namespace aq {
 namespace {
@@ -29,7 +29,7 @@ void header(Lines& lines, AQ_HeaderPTH& header) {
 }
 
 void appendPosition(std::string& text, const AQ_Position& position) {
-  position.keptTime().value().appendTODstring(text);
+  position.lazyTime().value().appendTODstring(text);
   for (const double coordinate : {position.X(), position.Y(), position.Z()}) {
     text += ',';
     appendNumber(text, coordinate);
@@ -38,7 +38,7 @@ void appendPosition(std::string& text, const AQ_Position& position) {
 }
 
 void readPosition(FieldReader fields, AQ_Position& position) {
-  position.keptTime().assign(fields.timeOfDay());
+  position.lazyTime().assign(fields.timeOfDay());
   position.X(fields.number("a coordinate"));
   position.Y(fields.number("a coordinate"));
   position.Z(fields.number("a coordinate"));
@@ -51,7 +51,7 @@ void AQ_DataPTH::writeFile(const std::string& sFileName,
                            const AQ_PositionTimeHistory& aqTimeHistory, AQ_DataMessage& result) {
   result = writing(sFileName, [&](const std::string& name) {
     header_ = aqHeader;
-    required(header_).sFileName = name;
+    orThrow(header_).sFileName = name;
     const std::int32_t count = aqTimeHistory.Count();
     header_->lNumberRecords = count;
     std::string text;
@@ -59,7 +59,7 @@ void AQ_DataPTH::writeFile(const std::string& sFileName,
     header(lines, *header_);
     lines.columns("TOD,X,Y,Z");
     appendRows(text, 1, count, [&](std::int32_t place) {
-      appendPosition(text, required(aqTimeHistory.Position(place)));
+      appendPosition(text, orThrow(aqTimeHistory.Position(place)));
     });
     return text;
   });
@@ -69,7 +69,7 @@ void AQ_DataPTH::readFile(const std::string& sFileName, std::shared_ptr<AQ_Heade
                           std::shared_ptr<AQ_PositionTimeHistory>& PTH, AQ_DataMessage& result) {
   result = reading(sFileName, [&](const std::string& name) {
     LineReader lines(name);
-    HeaderReader headerLines(lines, headerWatch());
+    HeaderReader headerLines(lines, headerObserver());
     header_ = std::make_shared<AQ_HeaderPTH>();
     header(headerLines, *header_);
     header_->sFileType = titles::kPositionTimeHistory;

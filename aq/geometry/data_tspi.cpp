@@ -16,7 +16,7 @@ void AQ_DataTSPI::readFile(const std::string& sFileName,
     DataLineLimit limit;  // here it counts the header's lines too
     for (; more; more = lines.next()) {
       if (limit.count(lines) <= static_cast<std::int32_t>(kTrackingHeaderLines)) {
-        showLine(headerWatch(), {lines.number(), HeaderLine::Use::Unused, {}, lines.line(), {}});
+        showLine(headerObserver(), {lines.number(), HeaderLine::Use::Unused, {}, lines.line(), {}});
         continue;
       }
       TrackingLine line = trackingLineFrom(lines);

@@ -3,8 +3,8 @@
 #include <memory>
 #include <utility>
 
-#include "aq/core/created.h"
 #include "aq/core/time.h"
+#include "aq/detail/pointers.h"
 #include "aq/geometry/position.h"
 
 namespace aq {
@@ -17,15 +17,15 @@ class AQ_EmtRcvRecord {
   double Tprop = 0;  ///< propagation time
 
   /// The time of emission. Created on first read; setting shares the caller's object.
-  std::shared_ptr<AQ_Time> T() { return created(emission_); }
+  std::shared_ptr<AQ_Time> T() { return orCreate(emission_); }
   void T(std::shared_ptr<AQ_Time> time) { emission_ = std::move(time); }
 
   /// The time of reception. Created on first read; setting shares the caller's object.
-  std::shared_ptr<AQ_Time> Tr() { return created(reception_); }
+  std::shared_ptr<AQ_Time> Tr() { return orCreate(reception_); }
   void Tr(std::shared_ptr<AQ_Time> time) { reception_ = std::move(time); }
 
   /// Created on first read; setting shares the caller's object.
-  std::shared_ptr<AQ_Position> ACPosition() { return created(position_); }
+  std::shared_ptr<AQ_Position> ACPosition() { return orCreate(position_); }
   void ACPosition(std::shared_ptr<AQ_Position> position) { position_ = std::move(position); }
 
  private:

@@ -1,7 +1,7 @@
 #include "aq/geometry/emt_rcv_table.h"
 
-#include "aq/core/count.h"
-#include "aq/core/required.h"
+#include "aq/detail/number_range.h"
+#include "aq/detail/pointers.h"
 
 namespace aq {
 
@@ -9,7 +9,7 @@ template <class Value>
 AQ_EmtRcvTable::Column AQ_EmtRcvTable::column(const Value& value) const {
   auto values = std::make_shared<Collection<double>>();
   values->reserve(static_cast<std::size_t>(Count()));
-  for (const auto& record : records_) values->Add(value(required(record)));
+  for (const auto& record : records_) values->Add(value(orThrow(record)));
   return values;
 }
 

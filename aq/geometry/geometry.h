@@ -3,9 +3,9 @@
 #include <memory>
 #include <utility>
 
-#include "aq/core/created.h"
 #include "aq/core/export.h"
 #include "aq/core/time.h"
+#include "aq/detail/pointers.h"
 #include "aq/geometry/position.h"
 
 namespace aq {
@@ -24,16 +24,16 @@ class AQ_API AQ_Geometry {
   [[nodiscard]] std::shared_ptr<AQ_Geometry> Copy();
 
   /// The source's position at emission. Created on first read; setting shares the caller's object.
-  std::shared_ptr<AQ_Position> Pe() { return created(emissionPosition_); }
+  std::shared_ptr<AQ_Position> Pe() { return orCreate(emissionPosition_); }
   void Pe(std::shared_ptr<AQ_Position> position) { emissionPosition_ = std::move(position); }
 
   /// The time of emission. Created on first read; setting shares the caller's object.
-  std::shared_ptr<AQ_Time> Te() { return created(emissionTime_); }
+  std::shared_ptr<AQ_Time> Te() { return orCreate(emissionTime_); }
   void Te(std::shared_ptr<AQ_Time> time) { emissionTime_ = std::move(time); }
 
   /// The time of the record at the microphone. Created on first read; setting shares the caller's
   /// object.
-  std::shared_ptr<AQ_Time> Tm() { return created(measuredTime_); }
+  std::shared_ptr<AQ_Time> Tm() { return orCreate(measuredTime_); }
   void Tm(std::shared_ptr<AQ_Time> time) { measuredTime_ = std::move(time); }
 
  private:

@@ -1,7 +1,7 @@
 #include "aq/geometry/geometry_time_history.h"
 
-#include "aq/core/half_second.h"
-#include "aq/core/required.h"
+#include "aq/detail/half_second.h"
+#include "aq/detail/pointers.h"
 
 namespace aq {
 
@@ -9,7 +9,7 @@ std::shared_ptr<AQ_GeometryTimeHistory> AQ_GeometryTimeHistory::Copy() const {
   const std::int32_t count = Count();
   auto copy = std::make_shared<AQ_GeometryTimeHistory>();
   for (std::int32_t record = 1; record <= count; ++record) {
-    copy->Point(record, required(Point(record)).Copy());
+    copy->Point(record, orThrow(Point(record)).Copy());
   }
   return copy;
 }
@@ -19,7 +19,7 @@ void AQ_GeometryTimeHistory::setRelTimes(const std::shared_ptr<AQ_Time>& Referen
   referenceTime_ = ReferenceTime;
   referenceType_ = RefType;
   if (Count() == 0) return;
-  static_cast<void>(required(Point(1)));
+  static_cast<void>(orThrow(Point(1)));
   throw Error(ErrorCode::MemberNotSupported, "a geometry point has no member Time");
 }
 
@@ -32,7 +32,7 @@ void AQ_GeometryTimeHistory::setTimeStamps(const AQ_Time& startTime, AQ_TimeStam
   const HalfSecondStamps stamps(*this->startTime(), StartTimeType);
   const std::int32_t count = Count();
   for (std::int32_t record = 1; record <= count; ++record) {
-    stamps.stamp(record, *required(Point(record)).Tm());
+    stamps.stamp(record, *orThrow(Point(record)).Tm());
   }
   for (std::int32_t record = 1; record <= count; ++record) {
     Point(record)->Tm()->setRelTime(RefTime);

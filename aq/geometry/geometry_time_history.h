@@ -4,11 +4,11 @@
 #include <memory>
 #include <utility>
 
-#include "aq/core/created.h"
 #include "aq/core/enumerations.h"
 #include "aq/core/export.h"
-#include "aq/core/numbered_series.h"
 #include "aq/core/time.h"
+#include "aq/detail/numbered_series.h"
+#include "aq/detail/pointers.h"
 #include "aq/geometry/geometry.h"
 
 namespace aq {
@@ -29,7 +29,7 @@ class AQ_API AQ_GeometryTimeHistory {
   void setRelTimes(const std::shared_ptr<AQ_Time>& ReferenceTime, AQ_RefTimeType RefType);
 
   /// Created on first read; setting shares the caller's object.
-  std::shared_ptr<AQ_Time> startTime() { return created(startTime_); }
+  std::shared_ptr<AQ_Time> startTime() { return orCreate(startTime_); }
   void startTime(std::shared_ptr<AQ_Time> time) { startTime_ = std::move(time); }
 
   [[nodiscard]] AQ_TimeStampType TimeStampType() const { return timeStampType_; }
@@ -42,7 +42,7 @@ class AQ_API AQ_GeometryTimeHistory {
                      const AQ_Time& RefTime, AQ_RefTimeType RefType);
 
   /// Created on first read; setting shares the caller's object.
-  std::shared_ptr<AQ_Time> ReferenceTime() { return created(referenceTime_); }
+  std::shared_ptr<AQ_Time> ReferenceTime() { return orCreate(referenceTime_); }
   void ReferenceTime(std::shared_ptr<AQ_Time> time) { referenceTime_ = std::move(time); }
 
   /// The point under a record number, not at a place. Reading throws `InvalidArgument` when there

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "aq/core/export.h"
-#include "aq/core/kept_time.h"
+#include "aq/detail/lazy_time.h"
 
 namespace aq {
 
@@ -28,11 +28,11 @@ class AQ_API AQ_Position {
   void Z(double z) { z_ = z; }
 
   /// The time by value, without making an object for it.
-  [[nodiscard]] KeptTime& keptTime() { return time_; }
-  [[nodiscard]] const KeptTime& keptTime() const { return time_; }
+  [[nodiscard]] LazyTime& lazyTime() { return time_; }
+  [[nodiscard]] const LazyTime& lazyTime() const { return time_; }
 
  private:
-  KeptTime time_;
+  LazyTime time_;
   double x_ = 0;
   double y_ = 0;
   double z_ = 0;

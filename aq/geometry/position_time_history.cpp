@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "aq/core/required.h"
+#include "aq/detail/pointers.h"
 
 namespace aq {
 
@@ -10,7 +10,7 @@ std::shared_ptr<AQ_PositionTimeHistory> AQ_PositionTimeHistory::Copy() const {
   const std::int32_t count = Count();
   auto copy = std::make_shared<AQ_PositionTimeHistory>();
   for (std::int32_t place = 1; place <= count; ++place) {
-    copy->Position(place, required(Position(place)).Copy());
+    copy->Position(place, orThrow(Position(place)).Copy());
   }
   return copy;
 }
@@ -19,9 +19,9 @@ std::shared_ptr<AQ_Position> AQ_PositionTimeHistory::PositionAt(const AQ_Time& a
   if (Count() < 2) return nullptr;
   const double time = aqTime.TODseconds();
   auto before = positions_.begin();
-  double timeBefore = required(*before).keptTime().secondsOfDay();
+  double timeBefore = orThrow(*before).lazyTime().secondsOfDay();
   for (auto after = before; ++after != positions_.end(); before = after) {
-    const double timeAfter = required(*after).keptTime().secondsOfDay();
+    const double timeAfter = orThrow(*after).lazyTime().secondsOfDay();
     if (timeBefore <= time && timeAfter >= time) {
       return std::abs(timeBefore - time) < std::abs(timeAfter - time) ? *before : *after;
     }
@@ -31,8 +31,8 @@ std::shared_ptr<AQ_Position> AQ_PositionTimeHistory::PositionAt(const AQ_Time& a
 }
 
 bool AQ_PositionTimeHistory::GoodTime(const AQ_Time& aqTime) const {
-  const double first = required(Position(1)).keptTime().secondsOfDay();
-  const double last = required(Position(Count())).keptTime().secondsOfDay();
+  const double first = orThrow(Position(1)).lazyTime().secondsOfDay();
+  const double last = orThrow(Position(Count())).lazyTime().secondsOfDay();
   return first <= aqTime.TODseconds() && aqTime.TODseconds() <= last;
 }
 

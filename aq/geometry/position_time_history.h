@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "aq/core/export.h"
-#include "aq/core/numbered_series.h"
 #include "aq/core/time.h"
+#include "aq/detail/numbered_series.h"
 #include "aq/geometry/position.h"
 
 namespace aq {

@@ -7,7 +7,7 @@ namespace aq {
 TrackingLine trackingLineFrom(const LineReader& lines) {
   FieldReader fields(lines, FieldReader::Form::Raw);
   TrackingLine line{std::make_shared<AQ_Position>(), 0};
-  line.position->keptTime().assign(fields.timeOfDay());
+  line.position->lazyTime().assign(fields.timeOfDay());
   line.quality = fields.byte("a whole RT20 figure");
   fields.skip(6, "a field in front of the coordinates");
   line.position->X(fields.number("a coordinate"));

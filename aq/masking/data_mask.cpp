@@ -4,15 +4,15 @@
 #include <vector>
 
 #include "aq/core/band_label.h"
-#include "aq/core/number_text.h"
 #include "aq/core/platform.h"
-#include "aq/core/required.h"
-#include "aq/core/shared_blocks.h"
+#include "aq/detail/pointers.h"
+#include "aq/detail/shared_blocks.h"
 #include "aq/text/checked_keywords.h"
 #include "aq/text/fields.h"
 #include "aq/text/file_titles.h"
 #include "aq/text/header_reader.h"
 #include "aq/text/header_writer.h"
+#include "aq/text/number_text.h"
 
 namespace aq {
 namespace {
@@ -48,7 +48,7 @@ void appendRow(std::string& text, std::int16_t record, AQ_MaskRow& row) {
   const auto codes = row.fetchedCodes();
   const std::size_t begin = text.size();
   const auto bands = static_cast<std::size_t>(std::max(row.HighBand() - row.LowBand() + 1, 0));
-  text.resize(begin + 2 * kIntegerRoom + maskRoom(bands));
+  text.resize(begin + 2 * kIntegerSize + maskBytes(bands));
   char* at = putNumber(text.data() + begin, record);
   *at++ = ',';
   at = putMasks(at, codes);
@@ -83,7 +83,7 @@ void readRow(FieldReader fields, const AQ_HeaderMask& header, std::vector<MaskCo
   const std::int16_t record = fields.int16("a record number");
   const std::size_t count = bandCount(header);
   codes.resize(std::min(count, fields.mostLeft()));  // whatever the header says
-  codes.resize(fields.some(std::span(codes), masksAtFront));
+  codes.resize(fields.takeRun(std::span(codes), masksAtFront));
   while (codes.size() < count) codes.push_back(maskCodeOf(maskFrom(fields)));
   row->assign(header.iBandLow, codes);
   row->LGB(fields.int16("the last good band"));
@@ -97,19 +97,19 @@ AQ_DataMessage AQ_DataMask::writeFile(const std::string& sFileName,
                                       const AQ_MaskMap& aqMaskMap) {
   return writing(sFileName, [&](const std::string& name) {
     header_ = aqHeader;
-    AQ_HeaderMask& header = required(header_);
+    AQ_HeaderMask& header = orThrow(header_);
     const std::int32_t count = aqMaskMap.Count();
     header.sFileName = name;
     header.lNumberRows = count;
-    header.iBandLow = required(aqMaskMap.Row(1)).LowBand();
-    header.iBandHigh = required(aqMaskMap.Row(1)).HighBand();
+    header.iBandLow = orThrow(aqMaskMap.Row(1)).LowBand();
+    header.iBandHigh = orThrow(aqMaskMap.Row(1)).HighBand();
     std::string text;
     HeaderWriter lines(text);
     aq::header(lines, header);
     lines.columns(columnHeading(header));
     appendRows(text, 1, count, [&](std::int32_t number) {
       const auto record = static_cast<std::int16_t>(number);
-      appendRow(text, record, required(aqMaskMap.heldRow(record)));
+      appendRow(text, record, orThrow(aqMaskMap.heldRow(record)));
     });
     return text;
   });
@@ -120,7 +120,7 @@ AQ_DataMessage AQ_DataMask::readFile(const std::string& sFileName,
                                      std::shared_ptr<AQ_MaskMap>& MaskMap) {
   return reading(sFileName, [&](const std::string& name) {
     LineReader lines(name);
-    HeaderReader headerLines(lines, headerWatch());
+    HeaderReader headerLines(lines, headerObserver());
     header_ = std::make_shared<AQ_HeaderMask>();
     aq::header(headerLines, *header_);
     header_->sFileType = titles::kMaskingMap;

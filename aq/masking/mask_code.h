@@ -8,8 +8,8 @@
 #include <string_view>
 
 #include "aq/core/export.h"
-#include "aq/core/fields_taken.h"
 #include "aq/masking/mask.h"
+#include "aq/text/fields_taken.h"
 
 namespace aq {
 
@@ -30,9 +30,9 @@ inline constexpr MaskCode kDefaultMaskCode = 1;
 [[nodiscard]] AQ_API FieldsTaken masksAtFront(std::string_view text, std::span<MaskCode> codes);
 
 /// The room that so many masks need while they are written.
-constexpr std::size_t maskRoom(std::size_t masks) { return 3 * masks + 5; }
+constexpr std::size_t maskBytes(std::size_t masks) { return 3 * masks + 5; }
 
-/// Writes the letters of each code, with "," behind them, where there is `maskRoom`, and returns
+/// Writes the letters of each code, with "," behind them, where there is `maskBytes`, and returns
 /// their end. None of them is `kNoMaskCode`.
 [[nodiscard]] AQ_API char* putMasks(char* at, std::span<const MaskCode> codes);
 

@@ -1,6 +1,6 @@
 #include "aq/masking/mask_map.h"
 
-#include "aq/core/required.h"
+#include "aq/detail/pointers.h"
 #include "aq/masking/last_good_band.h"
 
 namespace aq {
@@ -10,13 +10,13 @@ std::shared_ptr<AQ_MaskMap> AQ_MaskMap::Copy() const {
   const std::int32_t count = Count();
   for (std::int32_t record = 1; record <= count; ++record) {
     const auto nRecord = static_cast<std::int16_t>(record);
-    copy->Row(nRecord, required(Row(nRecord)).Copy());
+    copy->Row(nRecord, orThrow(Row(nRecord)).Copy());
   }
   return copy;
 }
 
 void AQ_MaskMap::setLGB() {
-  for (const auto& row : rows_) required(row).LGB(lastGoodBand(required(row)));
+  for (const auto& row : rows_) orThrow(row).LGB(lastGoodBand(orThrow(row)));
 }
 
 }  // namespace aq

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "aq/core/export.h"
-#include "aq/core/numbered_series.h"
+#include "aq/detail/numbered_series.h"
 #include "aq/masking/mask_row.h"
 
 namespace aq {

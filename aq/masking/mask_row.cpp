@@ -18,13 +18,13 @@ std::shared_ptr<AQ_MaskRow> AQ_MaskRow::Copy() {
 
 std::shared_ptr<AQ_Mask> AQ_MaskRow::Mask(std::int16_t nBand) {
   const MaskCode code = fetch(nBand);
-  auto& object = objects_.made().touch(nBand);
+  auto& object = objects_.orCreate().touch(nBand);
   if (!object) object = maskOf(code).Copy();
   return object;
 }
 
 void AQ_MaskRow::Mask(std::int16_t nBand, std::shared_ptr<AQ_Mask> mask) {
-  auto& object = objects_.made().touch(nBand);  // first, since it may lack memory
+  auto& object = objects_.orCreate().touch(nBand);  // first, since it may lack memory
   if (place(nBand) != nullptr) object = std::move(mask);
 }
 
@@ -71,7 +71,7 @@ MaskCode& AQ_MaskRow::fetch(std::int16_t band) {
 MaskCode* AQ_MaskRow::place(std::int16_t band) {
   bands_.widen(band);
   MaskCode& code = codes_.touch(band);
-  if (objects_) objects_.made().touch(band).reset();
+  if (objects_) objects_.orCreate().touch(band).reset();
   const bool hadMask = std::exchange(code, kNoMaskCode) != kNoMaskCode;
   if (hadMask) return nullptr;
   code = kDefaultMaskCode;

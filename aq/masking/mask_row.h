@@ -5,11 +5,11 @@
 #include <memory>
 #include <span>
 
-#include "aq/core/band_block.h"
 #include "aq/core/export.h"
-#include "aq/core/number_range.h"
-#include "aq/core/on_demand.h"
-#include "aq/core/short_vector.h"
+#include "aq/detail/band_block.h"
+#include "aq/detail/inline_vector.h"
+#include "aq/detail/lazy_part.h"
+#include "aq/detail/number_range.h"
 #include "aq/masking/mask.h"
 #include "aq/masking/mask_code.h"
 
@@ -60,11 +60,11 @@ class AQ_API AQ_MaskRow {
   [[nodiscard]] MaskCode& fetch(std::int16_t band);
   [[nodiscard]] MaskCode* place(std::int16_t band);
 
-  static constexpr std::size_t kRoom = 34;  // bands from 10 Hz to 20 kHz
+  static constexpr std::size_t kInline = 34;  // bands from 10 Hz to 20 kHz
 
-  BandBlock<MaskCode, ShortVector<MaskCode, kRoom>> codes_;
+  BandBlock<MaskCode, InlineVector<MaskCode, kInline>> codes_;
   // A decision stays a code until somebody asks for its object; then the object counts.
-  OnDemand<BandBlock<std::shared_ptr<AQ_Mask>>> objects_;
+  LazyPart<BandBlock<std::shared_ptr<AQ_Mask>>> objects_;
   NumberRange bands_;
   std::int16_t lastGoodBand_ = 0;
 };

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "aq/core/number_text.h"
+#include "aq/text/number_text.h"
 
 namespace aq {
 namespace {

@@ -50,16 +50,16 @@ void BandLevels::store(std::int16_t band, const Variant& level) {
   const Kind kind = kindOf(level);
   if (kind != Kind::Double || !adjoins(doubles.numbers, band)) startMixed(doubles);
   // What may lack memory comes first, so that a failure leaves the old level.
-  if (doubles.mixed) static_cast<void>(doubles.mixed.made().kinds.touch(band));
+  if (doubles.mixed) static_cast<void>(doubles.mixed.orCreate().kinds.touch(band));
   double& number = doubles.numbers.touch(band);
   if (kind == Kind::Other) {
-    doubles.mixed.made().others.insert_or_assign(band, level);
+    doubles.mixed.orCreate().others.insert_or_assign(band, level);
   } else {
     number = level.toDouble();
   }
   if (!doubles.mixed) return;
-  doubles.mixed.made().kinds.touch(band) = kind;
-  if (kind != Kind::Other) doubles.mixed.made().others.erase(band);
+  doubles.mixed.orCreate().kinds.touch(band) = kind;
+  if (kind != Kind::Other) doubles.mixed.orCreate().others.erase(band);
 }
 
 void BandLevels::assign(std::int16_t low, std::span<const double> levels) {
@@ -82,8 +82,8 @@ void BandLevels::assign(std::int16_t low, std::span<const LevelCode> codes) {
 }
 
 void BandLevels::assignDoubles(std::int16_t low, std::span<const double> levels) {
-  OnDemand<Doubles> doubles;
-  doubles.made().numbers.assign(low, levels);
+  LazyPart<Doubles> doubles;
+  doubles.orCreate().numbers.assign(low, levels);
   doubles_ = std::move(doubles);
   codes_ = {};
 }
@@ -114,17 +114,17 @@ bool BandLevels::storeCode(std::int16_t band, const Variant& level) {
 
 BandLevels::Doubles& BandLevels::asDoubles() {
   if (!doubles_) assignDoubles(codes_.first(), levelsOf(codes()));
-  return doubles_.made();
+  return doubles_.orCreate();
 }
 
 void BandLevels::startMixed(Doubles& doubles) {
   if (doubles.mixed) return;
-  OnDemand<Mixed> mixed;
+  LazyPart<Mixed> mixed;
   for (std::size_t i = 0; i < doubles.numbers.size(); ++i) {
     const int band = doubles.numbers.first() + static_cast<int>(i);
-    mixed.made().kinds.touch(static_cast<std::int16_t>(band)) = Kind::Double;
+    mixed.orCreate().kinds.touch(static_cast<std::int16_t>(band)) = Kind::Double;
   }
-  static_cast<void>(mixed.made());
+  static_cast<void>(mixed.orCreate());
   doubles.mixed = std::move(mixed);
 }
 

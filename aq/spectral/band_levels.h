@@ -6,12 +6,12 @@
 #include <optional>
 #include <span>
 
-#include "aq/core/band_block.h"
 #include "aq/core/export.h"
-#include "aq/core/level_text.h"
-#include "aq/core/on_demand.h"
-#include "aq/core/short_vector.h"
 #include "aq/core/variant.h"
+#include "aq/detail/band_block.h"
+#include "aq/detail/inline_vector.h"
+#include "aq/detail/lazy_part.h"
+#include "aq/text/level_code.h"
 
 namespace aq {
 
@@ -44,7 +44,7 @@ class AQ_API BandLevels {
   };
   struct Doubles {
     BandBlock<double> numbers;
-    OnDemand<Mixed> mixed;
+    LazyPart<Mixed> mixed;
   };
 
   [[nodiscard]] static Kind kindOf(const Variant& level);
@@ -53,10 +53,10 @@ class AQ_API BandLevels {
   [[nodiscard]] Doubles& asDoubles();
   static void startMixed(Doubles& doubles);
 
-  static constexpr std::size_t kRoom = 34;  // bands from 10 Hz to 20 kHz
+  static constexpr std::size_t kInline = 34;  // bands from 10 Hz to 20 kHz
 
-  BandBlock<LevelCode, ShortVector<LevelCode, kRoom>> codes_;
-  OnDemand<Doubles> doubles_;  // in place of the codes
+  BandBlock<LevelCode, InlineVector<LevelCode, kInline>> codes_;
+  LazyPart<Doubles> doubles_;  // in place of the codes
 };
 
 }  // namespace aq

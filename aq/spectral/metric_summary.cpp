@@ -4,7 +4,7 @@
 #include <array>
 #include <cstddef>
 
-#include "aq/core/number_text.h"
+#include "aq/text/number_text.h"
 
 namespace aq {
 namespace {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "aq/core/half_second.h"
-#include "aq/core/required.h"
+#include "aq/detail/half_second.h"
+#include "aq/detail/pointers.h"
 #include "aq/masking/last_good_band.h"
 
 namespace aq {
@@ -97,7 +97,7 @@ std::shared_ptr<AQ_SpectralTimeHistory> AQ_SpectralTimeHistory::Resize(std::int1
 std::shared_ptr<AQ_SpectralTimeHistory> AQ_SpectralTimeHistory::Copy() {
   auto history = withoutSpectra();
   forEach(LoRec(), HiRec(), [&](std::int16_t record) {
-    history->spectrum(record, required(spectrum(record)).Copy());
+    history->spectrum(record, orThrow(spectrum(record)).Copy());
   });
   history->Metrics(Metrics()->Copy());
   return history;
@@ -130,16 +130,16 @@ bool AQ_SpectralTimeHistory::EncompassesMask(const AQ_MaskMap& MapMask) const {
   if (count != MapMask.Count()) return false;
   for (std::int32_t number = 1; number <= count; ++number) {
     const auto record = static_cast<std::int16_t>(number);
-    if (!required(spectrum(record)).Encompasses(required(MapMask.Row(record)))) return false;
+    if (!orThrow(spectrum(record)).Encompasses(orThrow(MapMask.Row(record)))) return false;
   }
   return true;
 }
 
 void AQ_SpectralTimeHistory::setLGB(const AQ_MaskMap& MapMask) {
   forEach(1, MapMask.Count(), [&](std::int16_t record) {
-    const auto metric = required(spectrum(record)).Metric();
+    const auto metric = orThrow(spectrum(record)).Metric();
     metric->LGB(0);
-    metric->LGB(static_cast<float>(lastGoodBand(required(MapMask.Row(record)))));
+    metric->LGB(static_cast<float>(lastGoodBand(orThrow(MapMask.Row(record)))));
   });
 }
 
@@ -151,7 +151,7 @@ void AQ_SpectralTimeHistory::setTimeStamps(const AQ_Time& startTime, AQ_TimeStam
   referenceType_ = RefType;
   const HalfSecondStamps stamps(*this->startTime(), StartTimeType);
   forEach(records_.low, records_.high,
-          [&](std::int16_t record) { stamps.stamp(record, *required(spectrum(record)).Time()); });
+          [&](std::int16_t record) { stamps.stamp(record, *orThrow(spectrum(record)).Time()); });
   relateRecords(RefTime);
 }
 
@@ -166,7 +166,7 @@ std::shared_ptr<AQ_Band> AQ_SpectralTimeHistory::Band(std::int16_t nBand) const 
   auto band = std::make_shared<AQ_Band>();
   try {
     forEach(records_.low, records_.high,
-            [&](std::int16_t record) { band->SPL(record, required(spectrum(record)).SPL(nBand)); });
+            [&](std::int16_t record) { band->SPL(record, orThrow(spectrum(record)).SPL(nBand)); });
   } catch (const Error&) {
     return nullptr;
   }
@@ -176,9 +176,8 @@ std::shared_ptr<AQ_Band> AQ_SpectralTimeHistory::Band(std::int16_t nBand) const 
 void AQ_SpectralTimeHistory::Band(std::int16_t nBand, const AQ_Band& aqBand) {
   if (spectra_.size() == 0) return;
   try {
-    forEach(records_.low, records_.high, [&](std::int16_t record) {
-      required(spectrum(record)).SPL(nBand, aqBand.SPL(record));
-    });
+    forEach(records_.low, records_.high,
+            [&](std::int16_t record) { orThrow(spectrum(record)).SPL(nBand, aqBand.SPL(record)); });
   } catch (const Error&) {
     return;  // the records before keep their new levels: hosts rely on it
   }
@@ -186,7 +185,7 @@ void AQ_SpectralTimeHistory::Band(std::int16_t nBand, const AQ_Band& aqBand) {
 
 void AQ_SpectralTimeHistory::setRelTimes(const std::shared_ptr<AQ_Time>& ReferenceTime,
                                          AQ_RefTimeType RefType) {
-  const AQ_Time& reference = required(ReferenceTime);
+  const AQ_Time& reference = orThrow(ReferenceTime);
   referenceTime_ = ReferenceTime;
   referenceType_ = RefType;
   relateRecords(reference);
@@ -194,7 +193,7 @@ void AQ_SpectralTimeHistory::setRelTimes(const std::shared_ptr<AQ_Time>& Referen
 
 void AQ_SpectralTimeHistory::relateRecords(const AQ_Time& reference) {
   forEach(records_.low, records_.high,
-          [&](std::int16_t record) { required(spectrum(record)).Time()->setRelTime(reference); });
+          [&](std::int16_t record) { orThrow(spectrum(record)).Time()->setRelTime(reference); });
 }
 
 std::int16_t AQ_SpectralTimeHistory::HiRec() {

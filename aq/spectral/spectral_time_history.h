@@ -7,9 +7,9 @@
 
 #include "aq/core/enumerations.h"
 #include "aq/core/export.h"
-#include "aq/core/number_range.h"
-#include "aq/core/numbered_series.h"
 #include "aq/core/time.h"
+#include "aq/detail/number_range.h"
+#include "aq/detail/numbered_series.h"
 #include "aq/masking/mask_map.h"
 #include "aq/spectral/band.h"
 #include "aq/spectral/metric_summary.h"
@@ -73,7 +73,7 @@ class AQ_API AQ_SpectralTimeHistory {
   void spectrum(std::int16_t nRecord, std::shared_ptr<AQ_Spectrum> aqSpectrum);
 
   /// Created on first read; setting shares the caller's object.
-  std::shared_ptr<AQ_Time> ReferenceTime() { return created(referenceTime_); }
+  std::shared_ptr<AQ_Time> ReferenceTime() { return orCreate(referenceTime_); }
   void ReferenceTime(std::shared_ptr<AQ_Time> time) { referenceTime_ = std::move(time); }
 
   /// A deep copy of the records from `LoRec` to `HiRec`. Of the two times, date and time of day are
@@ -94,7 +94,7 @@ class AQ_API AQ_SpectralTimeHistory {
   void setRelTimes(const std::shared_ptr<AQ_Time>& ReferenceTime, AQ_RefTimeType RefType);
 
   /// The time of the first record. Created on first read; setting shares the caller's object.
-  std::shared_ptr<AQ_Time> startTime() { return created(startTime_); }
+  std::shared_ptr<AQ_Time> startTime() { return orCreate(startTime_); }
   void startTime(std::shared_ptr<AQ_Time> time) { startTime_ = std::move(time); }
 
   [[nodiscard]] AQ_AverageMethod AverageMethod() const { return averageMethod_; }
@@ -104,7 +104,7 @@ class AQ_API AQ_SpectralTimeHistory {
   void ReferenceType(AQ_RefTimeType type) { referenceType_ = type; }
 
   /// Created on first read; setting shares the caller's object.
-  std::shared_ptr<AQ_MetricSummary> Metrics() { return created(metrics_); }
+  std::shared_ptr<AQ_MetricSummary> Metrics() { return orCreate(metrics_); }
   void Metrics(std::shared_ptr<AQ_MetricSummary> metrics) { metrics_ = std::move(metrics); }
 
   /// The highest and lowest record number ever stored; -1 and 9999 when there is none. Reading

@@ -30,7 +30,7 @@ std::shared_ptr<AQ_Spectrum> AQ_Spectrum::Copy() {
 
 std::shared_ptr<AQ_Metric> AQ_Spectrum::Metric() {
   if (!metric_ && std::exchange(copied_, false)) metric_ = AQ_Metric().Copy();
-  return created(metric_);
+  return orCreate(metric_);
 }
 
 Variant AQ_Spectrum::SPL(std::int16_t nBand) const {

@@ -5,14 +5,14 @@
 #include <span>
 #include <vector>
 
-#include "aq/core/created.h"
 #include "aq/core/export.h"
-#include "aq/core/kept_time.h"
-#include "aq/core/level_text.h"
-#include "aq/core/number_range.h"
 #include "aq/core/variant.h"
+#include "aq/detail/lazy_time.h"
+#include "aq/detail/number_range.h"
+#include "aq/detail/pointers.h"
 #include "aq/spectral/band_levels.h"
 #include "aq/spectral/metric.h"
+#include "aq/text/level_code.h"
 
 namespace aq {
 
@@ -57,7 +57,7 @@ class AQ_API AQ_Spectrum {
 
   /// The time by value, without making an object for it.
   [[nodiscard]] AQ_Time timeValue() const { return time_.value(); }
-  [[nodiscard]] KeptTime& keptTime() { return time_; }
+  [[nodiscard]] LazyTime& lazyTime() { return time_; }
 
   /// Stores the levels of consecutive bands, from `low` up, in place of all there are.
   void assignLevels(std::int16_t low, std::span<const double> levels);
@@ -72,7 +72,7 @@ class AQ_API AQ_Spectrum {
   [[nodiscard]] std::span<const double> levelDoubles() const;
 
  private:
-  KeptTime time_;
+  LazyTime time_;
   BandLevels levels_;
   NumberRange bands_;
   bool copied_ = false;  // a metric to be made is the copy of one without values

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "aq/core/date_text.h"
-#include "aq/core/plain_number.h"
+#include "aq/text/date_text.h"
+#include "aq/text/plain_number.h"
 
 namespace aq {
 
@@ -27,11 +27,11 @@ std::string expectedFor(const char* expected, const Error& error) {
   return words;
 }
 
-std::string_view cleanField(std::string_view text, std::string& room) {
+std::string_view cleanField(std::string_view text, std::string& scratch) {
   if (text.find('"') != text.npos) {
-    room.assign(text);
-    std::erase(room, '"');
-    text = room;
+    scratch.assign(text);
+    std::erase(scratch, '"');
+    text = scratch;
   }
   return trimmed(text);
 }
@@ -59,7 +59,7 @@ std::string_view FieldReader::text(const char* expected) {
 }
 
 std::string_view FieldReader::cleanText() {
-  return raw_ ? trimmed(field_) : cleanField(field_, room_);
+  return raw_ ? trimmed(field_) : cleanField(field_, scratch_);
 }
 
 /// Takes a number that is written plainly, in one pass; other fields are left for `convert`.

@@ -9,11 +9,11 @@
 
 #include "aq/core/error.h"
 #include "aq/core/export.h"
-#include "aq/core/fields_taken.h"
 #include "aq/core/file_failure.h"
-#include "aq/core/number_text.h"
 #include "aq/core/time.h"
+#include "aq/text/fields_taken.h"
 #include "aq/text/line_reader.h"
+#include "aq/text/number_text.h"
 
 namespace aq {
 
@@ -33,8 +33,8 @@ AQ_API void takeLine(LineReader& lines, const char* what, std::string_view keywo
 [[nodiscard]] AQ_API std::string expectedFor(const char* expected, const Error& error);
 
 /// `text` without its double quotes and outer blanks, as a field of delimited text is read.
-/// `room` holds the result when there are quotes.
-[[nodiscard]] AQ_API std::string_view cleanField(std::string_view text, std::string& room);
+/// `scratch` holds the result when there are quotes.
+[[nodiscard]] AQ_API std::string_view cleanField(std::string_view text, std::string& scratch);
 
 /// Appends to `pieces` the parts of `text` between its delimiters: n of them give n + 1 parts. An
 /// empty delimiter divides nothing.
@@ -67,9 +67,9 @@ class AQ_API FieldReader {
   [[nodiscard]] double timeOfDay();
 
   /// Takes fields by `takeSome`, which gives `FieldsTaken`, as long as they have the form that it
-  /// knows and `values` has room; gives how many. The field that stopped it is still to be taken.
+  /// knows and `values` has space; gives how many. The field that stopped it is still to be taken.
   template <class Value, class TakeSome>
-  [[nodiscard]] std::size_t some(std::span<Value> values, const TakeSome& takeSome) {
+  [[nodiscard]] std::size_t takeRun(std::span<Value> values, const TakeSome& takeSome) {
     if (done_) return 0;
     const FieldsTaken taken = takeSome(rest_, values);
     number_ += taken.count;
@@ -120,7 +120,7 @@ class AQ_API FieldReader {
   bool done_ = false;  // the last field was taken
   std::size_t line_;
   std::size_t number_ = 0;  // of the field taken last
-  std::string room_;
+  std::string scratch_;
 };
 
 }  // namespace aq

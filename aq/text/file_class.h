@@ -7,7 +7,7 @@
 #include "aq/core/enumerations.h"
 #include "aq/core/export.h"
 #include "aq/core/file_failure.h"
-#include "aq/text/header_watch.h"
+#include "aq/text/header_observer.h"
 
 namespace aq {
 
@@ -19,7 +19,7 @@ class AQ_API FileClass {
 
   /// Shows `watch` the header lines of every read from now on, as far as it comes. What `watch`
   /// throws ends the read and goes to the caller.
-  void watchHeader(HeaderWatch watch) { watch_ = std::move(watch); }
+  void observeHeader(HeaderObserver watch) { observer_ = std::move(watch); }
 
  protected:
   FileClass() = default;
@@ -27,7 +27,7 @@ class AQ_API FileClass {
   FileClass& operator=(const FileClass&) = default;
   ~FileClass() = default;
 
-  [[nodiscard]] const HeaderWatch& headerWatch() const { return watch_; }
+  [[nodiscard]] const HeaderObserver& headerObserver() const { return observer_; }
 
   // Each works on a copy of the name: the caller's may be a part of what the call replaces, as the
   // name in a header or in the last failure.
@@ -71,7 +71,7 @@ class AQ_API FileClass {
   [[nodiscard]] AQ_DataMessage append(const std::string& name, const std::string& text);
 
   std::optional<FileFailure> lastFailure_;
-  HeaderWatch watch_;
+  HeaderObserver observer_;
 };
 
 }  // namespace aq

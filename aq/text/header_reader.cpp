@@ -3,8 +3,8 @@
 #include <optional>
 #include <utility>
 
-#include "aq/core/date_text.h"
-#include "aq/core/number_text.h"
+#include "aq/text/date_text.h"
+#include "aq/text/number_text.h"
 
 namespace aq {
 namespace {
@@ -137,7 +137,7 @@ bool HeaderReader::findValue() {
   value_ = {};
   const auto behindMark = piece(trimmed(lines_.line()), kMark, 2);
   if (!behindMark) return false;
-  value_ = cleanField(*behindMark, room_);
+  value_ = cleanField(*behindMark, scratch_);
   if (!value_.empty()) value_.remove_prefix(1);
   value_ = trimmed(value_);
   return true;
@@ -156,13 +156,13 @@ void HeaderReader::fail(std::size_t number, std::string expected, std::string_vi
 }
 
 void HeaderReader::show(HeaderLine::Use use, std::string_view keyword, std::size_t fields) const {
-  if (watch_ == nullptr) return;
-  showLine(*watch_, {lines_.number(), use, keyword, lines_.line(), value_, fields});
+  if (observer_ == nullptr) return;
+  showLine(*observer_, {lines_.number(), use, keyword, lines_.line(), value_, fields});
 }
 
 std::string HeaderReader::beforeMark() {
   const std::string_view line = trimmed(lines_.line());
-  return std::string(cleanField(line.substr(0, line.find(kMark)), room_));
+  return std::string(cleanField(line.substr(0, line.find(kMark)), scratch_));
 }
 
 }  // namespace aq

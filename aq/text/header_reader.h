@@ -11,7 +11,7 @@
 #include "aq/core/export.h"
 #include "aq/core/time.h"
 #include "aq/text/fields.h"
-#include "aq/text/header_watch.h"
+#include "aq/text/header_observer.h"
 #include "aq/text/line_reader.h"
 
 namespace aq {
@@ -23,7 +23,7 @@ class AQ_API HeaderReader {
  public:
   explicit HeaderReader(LineReader& lines) : lines_(lines) {}
   /// Shows `watch` every line that it takes; `watch` lives as long.
-  HeaderReader(LineReader& lines, const HeaderWatch& watch) : lines_(lines), watch_(&watch) {}
+  HeaderReader(LineReader& lines, const HeaderObserver& watch) : lines_(lines), observer_(&watch) {}
 
   /// What the first line names as the file's type; nothing when there is no such line.
   [[nodiscard]] std::string_view anyTitle();
@@ -113,8 +113,8 @@ class AQ_API HeaderReader {
   }
 
   LineReader& lines_;
-  const HeaderWatch* watch_ = nullptr;
-  std::string room_;
+  const HeaderObserver* observer_ = nullptr;
+  std::string scratch_;
   std::string_view value_;  // of the line taken last
 };
 

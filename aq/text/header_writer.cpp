@@ -1,8 +1,8 @@
 #include "aq/text/header_writer.h"
 
 #include "aq/core/file_information.h"
-#include "aq/core/number_text.h"
 #include "aq/core/platform.h"
+#include "aq/text/number_text.h"
 
 namespace aq {
 

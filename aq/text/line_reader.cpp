@@ -13,7 +13,7 @@ constexpr std::size_t kBlock = std::size_t{64} * 1024;
 LineReader::LineReader(const std::string& path, std::size_t most)
     : file_(path),
       block_(std::make_unique_for_overwrite<char[]>(kBlock)),
-      room_(kBlock),
+      capacity_(kBlock),
       most_(most) {}
 
 bool LineReader::next() {
@@ -45,17 +45,17 @@ void LineReader::take(std::size_t size, std::size_t withEnd) {
 /// Reads on behind the bytes not yet taken; false at the end of the file.
 bool LineReader::fill() {
   const std::size_t kept = end_ - begin_;
-  if (kept == room_) {
-    auto larger = std::make_unique_for_overwrite<char[]>(room_ * 2);
+  if (kept == capacity_) {
+    auto larger = std::make_unique_for_overwrite<char[]>(capacity_ * 2);
     std::memcpy(larger.get(), block_.get() + begin_, kept);
     block_ = std::move(larger);
-    room_ *= 2;
+    capacity_ *= 2;
   } else if (begin_ != 0) {
     std::memmove(block_.get(), block_.get() + begin_, kept);
   }
   begin_ = 0;
   end_ = kept;
-  const std::size_t wanted = std::min(room_ - end_, most_);
+  const std::size_t wanted = std::min(capacity_ - end_, most_);
   const std::size_t got = file_.read({block_.get() + end_, wanted});
   end_ += got;
   most_ -= got;

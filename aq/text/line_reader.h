@@ -34,7 +34,7 @@ class AQ_API LineReader {
 
   platform::InputFile file_;
   std::unique_ptr<char[]> block_;
-  std::size_t room_;       // of the block
+  std::size_t capacity_;   // of the block
   std::size_t most_;       // bytes still to be read at the most
   std::size_t begin_ = 0;  // the bytes not yet taken: from here
   std::size_t end_ = 0;    // up to here

@@ -1,5 +1,5 @@
 #include <aq/core/band_label.h>
-#include <aq/core/date_text.h>
+#include <aq/text/date_text.h>
 
 #include <initializer_list>
 

@@ -3,7 +3,7 @@
 // How a class of the library becomes one of Python: properties as attributes, indexed ones as
 // views, and what follows from the list of a class's settable properties: pickling, copying, repr.
 
-#include <aq/core/required.h>
+#include <aq/detail/pointers.h>
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 

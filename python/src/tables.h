@@ -41,7 +41,7 @@ py::array tableOf(const std::vector<std::shared_ptr<Object>>& objects,
   py::array table(py::dtype::from_args(names), std::vector<py::ssize_t>{std::ssize(objects)});
   auto* cell = static_cast<double*>(table.mutable_data());
   for (const auto& object : objects) {
-    for (const auto& column : columns) *cell++ = column.get(required(object));
+    for (const auto& column : columns) *cell++ = column.get(orThrow(object));
   }
   return table;
 }
@@ -80,7 +80,7 @@ class TableSource {
     for (std::size_t i = 0; i < columns_.size(); ++i) check(i, columns[places_[i]], records);
     for (std::size_t i = 0; i < columns_.size(); ++i) {
       const double* value = columns_[i].data();
-      for (const auto& object : objects) columns[places_[i]].set(required(object), *value++);
+      for (const auto& object : objects) columns[places_[i]].set(orThrow(object), *value++);
     }
   }
 

@@ -1,5 +1,5 @@
 #include <aq/core/collection.h>
-#include <aq/core/numbered_series.h>
+#include <aq/detail/numbered_series.h>
 #include <gtest/gtest.h>
 
 #include "tests/support/errors.h"

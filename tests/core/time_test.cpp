@@ -1,5 +1,5 @@
-#include <aq/core/date_text.h>
 #include <aq/core/time.h>
+#include <aq/text/date_text.h>
 #include <gtest/gtest.h>
 
 #include <limits>

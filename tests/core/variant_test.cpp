@@ -1,6 +1,6 @@
-#include <aq/core/date_text.h>
 #include <aq/core/enumerations.h>
 #include <aq/core/variant.h>
+#include <aq/text/date_text.h>
 #include <gtest/gtest.h>
 
 #include "tests/support/errors.h"

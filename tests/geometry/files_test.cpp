@@ -81,7 +81,7 @@ TEST(DataTSPI, DropsPoorPositions) {
   AQ_DataTSPI file;
   EXPECT_EQ(file.RT20Limit(), 1);
   std::size_t headerLines = 0;
-  file.watchHeader([&](const HeaderLine& line) { EXPECT_EQ(line.number, ++headerLines); });
+  file.observeHeader([&](const HeaderLine& line) { EXPECT_EQ(line.number, ++headerLines); });
   std::shared_ptr<AQ_PositionTimeHistory> history;
   AQ_DataMessage result = AQ_DATA_FILE_ERROR;
   for (const auto& [limit, kept] : {std::pair{1, 2}, {254, 3}, {255, 4}, {0, 1}}) {

@@ -170,7 +170,7 @@ void printModel(const AQ_PositionTimeHistory& history) {
   show("positions", history.Count());
   for (int place = 1; place <= history.Count(); ++place) {
     const AQ_Position& position = *history.Position(place);
-    show("position", position.keptTime().secondsOfDay(), position.X(), position.Y(), position.Z());
+    show("position", position.lazyTime().secondsOfDay(), position.X(), position.Y(), position.Z());
   }
 }
 

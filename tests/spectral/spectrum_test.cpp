@@ -54,7 +54,7 @@ TEST(Spectrum, SharesAndCopiesItsObjects) {
   time->TODseconds(5);
   spectrum.Metric()->PNLT(0);
   EXPECT_EQ(spectrum.Time()->TODseconds(), 5);
-  spectrum.keptTime().assign(7, 8);
+  spectrum.lazyTime().assign(7, 8);
   spectrum.Time(nullptr);
   EXPECT_EQ(spectrum.Time()->TODseconds() + spectrum.Time()->RelSeconds(), 0);
   EXPECT_EQ(copy->Time()->TODseconds(), 0);

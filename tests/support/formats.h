@@ -1,8 +1,8 @@
 #pragma once
 
 #include <aq/aq.h>
-#include <aq/core/number_text.h>
 #include <aq/text/call_file.h>
+#include <aq/text/number_text.h>
 
 #include <functional>
 #include <map>

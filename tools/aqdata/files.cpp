@@ -1,9 +1,9 @@
 #include "tools/aqdata/files.h"
 
 #include <aq/core/error.h>
-#include <aq/core/number_text.h>
 #include <aq/files/data_ascii.h>
 #include <aq/files/file_kind.h>
+#include <aq/text/number_text.h>
 #include <fmt/format.h>
 
 #include <algorithm>

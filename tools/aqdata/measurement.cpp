@@ -50,9 +50,9 @@ void expectKind(const std::string& path, aq::FileKind expected) {
 }
 
 template <class File, class... Out>
-void read(const std::string& path, const aq::HeaderWatch& watch, Out&... out) {
+void read(const std::string& path, const aq::HeaderObserver& watch, Out&... out) {
   File file;
-  file.watchHeader(watch);
+  file.observeHeader(watch);
   expectGood(aq::readInto(file, path, out...), file);
 }
 
@@ -64,7 +64,7 @@ void read(const std::string& path, const aq::HeaderWatch& watch, Out&... out) {
                             empty ? "an empty file" : aq::shown(lines.Lines()->Item(1))));
 }
 
-History readHistory(const std::string& path, const aq::HeaderWatch& watch) {
+History readHistory(const std::string& path, const aq::HeaderObserver& watch) {
   History read;
   const auto watchAll = [&](const aq::HeaderLine& line) {
     if (line.keyword == "ReferenceTimeType") read.referenceType = line.value;
@@ -74,50 +74,50 @@ History readHistory(const std::string& path, const aq::HeaderWatch& watch) {
   return read;
 }
 
-MaskingMap readMap(const std::string& path, const aq::HeaderWatch& watch) {
+MaskingMap readMap(const std::string& path, const aq::HeaderObserver& watch) {
   MaskingMap read;
   aqdata::read<aq::AQ_DataMask>(path, watch, read.header, read.map);
   return read;
 }
 
-SpectrumRecord readSpectrum(const std::string& path, const aq::HeaderWatch& watch) {
+SpectrumRecord readSpectrum(const std::string& path, const aq::HeaderObserver& watch) {
   SpectrumRecord read;
   aqdata::read<aq::AQ_DataSSR>(path, watch, read.header, read.spectrum);
   return read;
 }
 
-Tracking readTracking(const std::string& path, const aq::HeaderWatch& watch,
+Tracking readTracking(const std::string& path, const aq::HeaderObserver& watch,
                       std::uint8_t rt20Limit) {
   Tracking read;
   aq::AQ_DataTSPI file;
-  file.watchHeader(watch);
+  file.observeHeader(watch);
   file.RT20Limit(rt20Limit);
   expectGood(aq::readInto(file, path, read.history), file);
   read.rejected = file.nBadPositions();
   return read;
 }
 
-Positions readPositions(const std::string& path, const aq::HeaderWatch& watch) {
+Positions readPositions(const std::string& path, const aq::HeaderObserver& watch) {
   Positions read;
   aqdata::read<aq::AQ_DataPTH>(path, watch, read.header, read.history);
   return read;
 }
 
-Microphone readMicrophone(const std::string& path, const aq::HeaderWatch& watch) {
+Microphone readMicrophone(const std::string& path, const aq::HeaderObserver& watch) {
   Microphone read;
   aqdata::read<aq::AQ_DataMIC>(path, watch, read.header, read.microphone);
   return read;
 }
 
-Geometry readGeometry(const std::string& path, const aq::HeaderWatch& watch) {
+Geometry readGeometry(const std::string& path, const aq::HeaderObserver& watch) {
   Geometry read;
   aqdata::read<aq::AQ_DataGTH>(path, watch, read.header, read.history);
   return read;
 }
 
-Parameters readParameters(const std::string& path, const aq::HeaderWatch& watch) {
+Parameters readParameters(const std::string& path, const aq::HeaderObserver& watch) {
   Parameters read{std::make_shared<aq::AQ_DataINI>()};
-  read.parameters->watchHeader(watch);
+  read.parameters->observeHeader(watch);
   expectGood(read.parameters->readFile(path), *read.parameters);
   return read;
 }
@@ -140,7 +140,7 @@ void expectFile(const std::string& path) {
                             aq::escaped(path)));
 }
 
-Measurement openFile(const std::string& path, const aq::HeaderWatch& watch,
+Measurement openFile(const std::string& path, const aq::HeaderObserver& watch,
                      std::uint8_t rt20Limit) {
   switch (kindOf(path)) {
     case aq::FileKind::SpectralTimeHistory: return readHistory(path, watch);
@@ -156,12 +156,12 @@ Measurement openFile(const std::string& path, const aq::HeaderWatch& watch,
   failUnknown(path);
 }
 
-History openHistory(const std::string& path, const aq::HeaderWatch& watch) {
+History openHistory(const std::string& path, const aq::HeaderObserver& watch) {
   expectKind(path, aq::FileKind::SpectralTimeHistory);
   return readHistory(path, watch);
 }
 
-MaskingMap openMap(const std::string& path, const aq::HeaderWatch& watch) {
+MaskingMap openMap(const std::string& path, const aq::HeaderObserver& watch) {
   expectKind(path, aq::FileKind::MaskingMap);
   return readMap(path, watch);
 }
@@ -176,12 +176,12 @@ MaskingMap openMapOf(const std::string& history, const std::string& map) {
   return read;
 }
 
-SpectrumRecord openSpectrum(const std::string& path, const aq::HeaderWatch& watch) {
+SpectrumRecord openSpectrum(const std::string& path, const aq::HeaderObserver& watch) {
   expectKind(path, aq::FileKind::SpectrumRecord);
   return readSpectrum(path, watch);
 }
 
-Tracking openTracking(const std::string& path, const aq::HeaderWatch& watch,
+Tracking openTracking(const std::string& path, const aq::HeaderObserver& watch,
                       std::uint8_t rt20Limit) {
   expectKind(path, aq::FileKind::Tracking);
   return readTracking(path, watch, rt20Limit);

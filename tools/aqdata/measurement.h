@@ -56,20 +56,20 @@ using Measurement = std::variant<History, MaskingMap, SpectrumRecord, Positions,
 
 /// Reads a file of any kind; `watch` sees its header lines, tracking is read up to `rt20Limit`.
 /// Throws `Failure`.
-[[nodiscard]] Measurement openFile(const std::string& path, const aq::HeaderWatch& watch = {},
+[[nodiscard]] Measurement openFile(const std::string& path, const aq::HeaderObserver& watch = {},
                                    std::uint8_t rt20Limit = 1);
 
 /// Throws `Failure` for a pipe or a device: files are read more than once.
 void expectFile(const std::string& path);
 
 // Read a file of one kind. Throw `Failure`, for a file of another kind too.
-[[nodiscard]] History openHistory(const std::string& path, const aq::HeaderWatch& watch = {});
-[[nodiscard]] MaskingMap openMap(const std::string& path, const aq::HeaderWatch& watch = {});
+[[nodiscard]] History openHistory(const std::string& path, const aq::HeaderObserver& watch = {});
+[[nodiscard]] MaskingMap openMap(const std::string& path, const aq::HeaderObserver& watch = {});
 /// For a history that the map has to fit, which was read before.
 [[nodiscard]] MaskingMap openMapOf(const std::string& history, const std::string& map);
 [[nodiscard]] SpectrumRecord openSpectrum(const std::string& path,
-                                          const aq::HeaderWatch& watch = {});
-[[nodiscard]] Tracking openTracking(const std::string& path, const aq::HeaderWatch& watch = {},
+                                          const aq::HeaderObserver& watch = {});
+[[nodiscard]] Tracking openTracking(const std::string& path, const aq::HeaderObserver& watch = {},
                                     std::uint8_t rt20Limit = 1);
 
 /// Throws `Failure` unless a read or a write went well.

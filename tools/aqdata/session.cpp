@@ -1,7 +1,7 @@
 #include "tools/aqdata/session.h"
 
 #include <aq/core/error.h>
-#include <aq/core/number_text.h>
+#include <aq/text/number_text.h>
 #include <fmt/format.h>
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include <fmt/format.h>
 
-#include "aq/core/date_text.h"
+#include "aq/text/date_text.h"
 #include "tools/aqdata/files.h"
 #include "tools/aqdata/measurement.h"
 #include "tools/aqdata/program.h"

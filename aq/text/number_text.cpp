@@ -1,4 +1,4 @@
-#include "aq/core/number_text.h"
+#include "aq/text/number_text.h"
 
 #include <algorithm>
 #include <array>
@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "aq/core/error.h"
-#include "aq/core/plain_number.h"
+#include "aq/text/plain_number.h"
 
 namespace aq {
 namespace {
@@ -276,12 +276,12 @@ void appendNumber(std::string& text, double value) {
 void appendNumber(std::string& text, float value) { appendReal(text, value, kSingleDigits); }
 
 void appendNumber(std::string& text, std::int32_t value) {
-  std::array<char, kIntegerRoom> buffer;
+  std::array<char, kIntegerSize> buffer;
   text.append(buffer.data(), putNumber(buffer.data(), value));
 }
 
 char* putNumber(char* at, std::int32_t value) {
-  return std::to_chars(at, at + kIntegerRoom, value).ptr;
+  return std::to_chars(at, at + kIntegerSize, value).ptr;
 }
 
 std::string numberText(double value) {

@@ -9,7 +9,7 @@ namespace aq {
 
 /// The time of an object of which there are many: two values, until somebody asks for the object
 /// or shares one; then that counts.
-class KeptTime {
+class LazyTime {
  public:
   /// Made on first use and then kept.
   const std::shared_ptr<AQ_Time>& object() {
@@ -28,8 +28,8 @@ class KeptTime {
   }
 
   /// A time of its own with what `AQ_Time::Copy` keeps.
-  [[nodiscard]] KeptTime copied() const {
-    KeptTime copy = *this;
+  [[nodiscard]] LazyTime copied() const {
+    LazyTime copy = *this;
     if (object_ || timeOfDay_ > kSecondsPerDay) copy.share(value().Copy());
     return copy;
   }

@@ -8,16 +8,48 @@
 #include <vector>
 
 #include "aq/core/error.h"
-#include "aq/core/on_demand.h"
-#include "aq/core/removed_slots.h"
+#include "aq/core/export.h"
+#include "aq/detail/lazy_part.h"
 
 namespace aq {
+
+/// Which slots of a list are removed but not yet closed up. Finds the slot of a place, that is
+/// the n-th slot still in use, in logarithmic time.
+class AQ_API Tombstones {
+ public:
+  [[nodiscard]] std::size_t count() const { return count_; }
+  [[nodiscard]] bool contains(std::size_t slot) const { return count() != 0 && removed_[slot]; }
+
+  /// Removes one of `slots` slots. The slot is in use. A failure changes nothing.
+  void add(std::size_t slot, std::size_t slots);
+
+  /// Makes room for one more slot, so that `grow` cannot fail.
+  void reserveNext();
+
+  /// A slot in use was appended to the list.
+  void grow();
+
+  /// The slot of a zero-based place below the number of slots in use.
+  [[nodiscard]] std::size_t slotOf(std::size_t place) const;
+
+  /// How many slots in use stand before `slot`.
+  [[nodiscard]] std::size_t placeOf(std::size_t slot) const;
+
+ private:
+  void start(std::size_t slots);
+
+  std::size_t count_ = 0;
+  std::vector<bool> removed_;
+  // A binary indexed tree: entry i, one-based, counts the slots in use among the last
+  // (lowest set bit of i) slots up to i. Empty while nothing is removed.
+  std::vector<std::size_t> inUse_;
+};
 
 /// The values of a list in the order in which they were added. A removed value leaves an unused
 /// slot behind, and the unused ones are closed up once they outnumber the others, so that removing
 /// and adding again costs the same however long the list is.
 template <class T>
-class OrderedSlots {
+class TombstoneList {
  public:
   template <class List, class Value>
   class Iterator {
@@ -48,8 +80,8 @@ class OrderedSlots {
     List* list_ = nullptr;
     std::size_t slot_ = 0;
   };
-  using iterator = Iterator<OrderedSlots, T>;
-  using const_iterator = Iterator<const OrderedSlots, const T>;
+  using iterator = Iterator<TombstoneList, T>;
+  using const_iterator = Iterator<const TombstoneList, const T>;
 
   [[nodiscard]] std::size_t size() const { return values_.size() - removedCount(); }
   [[nodiscard]] std::size_t slots() const { return values_.size(); }
@@ -69,16 +101,16 @@ class OrderedSlots {
   }
 
   /// Makes room for one more value, so that `append` cannot fail.
-  void makeRoom() {
+  void reserveNext() {
     if (values_.size() == values_.capacity()) values_.reserve(values_.size() * 2 + 1);
-    if (removed_) removed_.made().makeRoom();
+    if (removed_) removed_.orCreate().reserveNext();
   }
 
   /// Appends a value made of `arguments`. Room was made.
   template <class... Arguments>
   void append(Arguments&&... arguments) {
     values_.emplace_back(std::forward<Arguments>(arguments)...);
-    if (removed_) removed_.made().grow();
+    if (removed_) removed_.orCreate().grow();
   }
 
   /// Removes the value in `slot`; calls `renumber(newSlot)`, which gives the new slot of an old
@@ -89,7 +121,7 @@ class OrderedSlots {
       values_.pop_back();
       return;
     }
-    removed_.made().add(slot, values_.size());
+    removed_.orCreate().add(slot, values_.size());
     values_[slot] = T();
     if (removed_->count() <= size()) return;
     renumber([this](std::size_t old) { return removed_->placeOf(old); });
@@ -119,7 +151,7 @@ class OrderedSlots {
   }
 
   std::vector<T> values_;
-  OnDemand<RemovedSlots> removed_;
+  LazyPart<Tombstones> removed_;
 };
 
 }  // namespace aq

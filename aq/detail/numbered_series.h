@@ -2,10 +2,15 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <string>
 #include <unordered_map>
 #include <utility>
 
+#include "aq/core/error.h"
 #include "aq/core/export.h"
+#include "aq/detail/number_range.h"
+#include "aq/detail/tombstone_list.h"
 
 namespace aq {
 
@@ -38,9 +43,9 @@ class AQ_API NumberIndex {
 
   /// Makes room for a number, so that `set` cannot fail. Nothing else may happen in between but
   /// `renumber`.
-  void makeRoom(std::int32_t number) {
+  void reserveNext(std::int32_t number) {
     const bool followsRun = length_.value == 0 || number == afterRun() || number == afterRun() - 1;
-    if (!isRun() || !followsRun) makeRoomInTable(number);
+    if (!isRun() || !followsRun) reserveInTable(number);
   }
 
   /// The number now stands in `slot`, the last one.
@@ -54,7 +59,7 @@ class AQ_API NumberIndex {
 
  private:
   [[nodiscard]] std::size_t findInTable(std::int32_t number) const;
-  void makeRoomInTable(std::int32_t number);
+  void reserveInTable(std::int32_t number);
   [[nodiscard]] bool isRun() const { return table_.empty(); }
   [[nodiscard]] std::int64_t afterRun() const {
     return first_ + static_cast<std::int64_t>(length_.value);
@@ -63,6 +68,51 @@ class AQ_API NumberIndex {
   std::int32_t first_ = 0;  // of the run; its numbers stand in slots 0, 1, 2 …
   Counter length_;          // of the run
   std::unordered_map<std::int32_t, std::size_t> table_;  // in place of a run
+};
+
+/// Shared objects in order, each under a record number. Storing under a number that is taken
+/// removes the old object and appends the new one: its place is then the last.
+template <class T>
+class NumberedSeries {
+ public:
+  using Object = std::shared_ptr<T>;
+
+  void store(std::int32_t number, Object&& object) {
+    const std::size_t slot = index_.find(number);
+    slots_.reserveNext();
+    index_.reserveNext(number);
+    if (slot != NumberIndex::kNoSlot) {
+      slots_.remove(slot, [this](const auto& newSlot) { index_.renumber(newSlot); });
+    }
+    slots_.append(std::move(object));
+    index_.set(number, slots_.slots() - 1);
+  }
+
+  /// The object under `number`; none throws `InvalidArgument`.
+  [[nodiscard]] const Object& at(std::int32_t number) const {
+    const std::size_t slot = index_.find(number);
+    if (slot == NumberIndex::kNoSlot) {
+      throw Error(ErrorCode::InvalidArgument, "no record " + std::to_string(number));
+    }
+    return slots_.at(slot);
+  }
+
+  /// The object at a place from 1 on; throws `InvalidIndex` elsewhere.
+  [[nodiscard]] const Object& atPlace(std::int32_t place) const {
+    return slots_.at(slots_.slotOf(place));
+  }
+
+  [[nodiscard]] std::size_t size() const { return slots_.size(); }
+
+  /// The size as the 16-bit count of the interface; throws `Overflow` above 32767.
+  [[nodiscard]] std::int16_t count() const { return count16(size()); }
+
+  [[nodiscard]] auto begin() const { return slots_.begin(); }
+  [[nodiscard]] auto end() const { return slots_.end(); }
+
+ private:
+  TombstoneList<Object> slots_;
+  NumberIndex index_;
 };
 
 }  // namespace aq

@@ -10,7 +10,7 @@
 
 #include "aq/core/enumerations.h"
 #include "aq/core/export.h"
-#include "aq/core/fields_taken.h"
+#include "aq/text/fields_taken.h"
 
 // Levels as text and back. Nearly every level is a whole number of hundredths of a decibel, so
 // that a short integer stands for it on the way and in memory.

@@ -24,9 +24,9 @@ struct HeaderLine {
 };
 
 /// Sees every header line that a read takes.
-using HeaderWatch = std::function<void(const HeaderLine&)>;
+using HeaderObserver = std::function<void(const HeaderLine&)>;
 
-inline void showLine(const HeaderWatch& watch, const HeaderLine& line) {
+inline void showLine(const HeaderObserver& watch, const HeaderLine& line) {
   if (watch) watch(line);
 }
 

@@ -1,4 +1,4 @@
-#include "aq/core/half_second.h"
+#include "aq/detail/half_second.h"
 
 namespace aq {
 namespace {

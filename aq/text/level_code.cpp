@@ -1,4 +1,4 @@
-#include "aq/core/level_text.h"
+#include "aq/text/level_code.h"
 
 #include <array>
 #include <bit>

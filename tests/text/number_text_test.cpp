@@ -1,7 +1,7 @@
-#include <aq/core/date_text.h>
-#include <aq/core/level_text.h>
-#include <aq/core/number_text.h>
-#include <aq/core/plain_number.h>
+#include <aq/text/date_text.h>
+#include <aq/text/level_code.h>
+#include <aq/text/number_text.h>
+#include <aq/text/plain_number.h>
 #include <gtest/gtest.h>
 
 #include <array>

@@ -11,26 +11,26 @@
 
 namespace aq {
 
-/// A vector of plain cells that holds up to `kRoom` of them within itself, so that what nearly
+/// A vector of plain cells that holds up to `kInline` of them within itself, so that what nearly
 /// every object needs costs it no allocation.
-template <class Cell, std::size_t kRoom>
-class ShortVector {
+template <class Cell, std::size_t kInline>
+class InlineVector {
   static_assert(std::is_trivially_copyable_v<Cell>);
 
  public:
-  ShortVector() = default;
-  ShortVector(const ShortVector& other) { assign(other.data(), other.data() + other.size()); }
-  ShortVector(ShortVector&& other) noexcept { swap(other); }
-  ShortVector& operator=(ShortVector other) noexcept {
+  InlineVector() = default;
+  InlineVector(const InlineVector& other) { assign(other.data(), other.data() + other.size()); }
+  InlineVector(InlineVector&& other) noexcept { swap(other); }
+  InlineVector& operator=(InlineVector other) noexcept {
     swap(other);
     return *this;
   }
-  ~ShortVector() = default;
+  ~InlineVector() = default;
 
   [[nodiscard]] std::size_t size() const { return size_; }
   [[nodiscard]] bool empty() const { return size() == 0; }
-  [[nodiscard]] Cell* data() { return more_ ? more_.get() : room_.data(); }
-  [[nodiscard]] const Cell* data() const { return more_ ? more_.get() : room_.data(); }
+  [[nodiscard]] Cell* data() { return more_ ? more_.get() : inline_.data(); }
+  [[nodiscard]] const Cell* data() const { return more_ ? more_.get() : inline_.data(); }
   [[nodiscard]] Cell* begin() { return data(); }
   [[nodiscard]] Cell& operator[](std::size_t i) { return data()[i]; }
   [[nodiscard]] const Cell& operator[](std::size_t i) const { return data()[i]; }
@@ -56,14 +56,14 @@ class ShortVector {
   void resize(std::size_t larger) { insert(data() + size(), larger - size(), Cell()); }
 
  private:
-  void swap(ShortVector& other) noexcept {
+  void swap(InlineVector& other) noexcept {
     std::swap(more_, other.more_);
     std::swap(size_, other.size_);
-    std::swap(room_, other.room_);
+    std::swap(inline_, other.inline_);
   }
 
   void reserve(std::size_t size) {
-    const std::size_t room = more_ ? std::bit_ceil(this->size()) : kRoom;
+    const std::size_t room = more_ ? std::bit_ceil(this->size()) : kInline;
     if (size <= room) return;
     auto more = std::make_unique<Cell[]>(std::bit_ceil(size));
     std::copy_n(data(), size_, more.get());
@@ -72,7 +72,7 @@ class ShortVector {
 
   std::unique_ptr<Cell[]> more_;  // in place of the room
   std::uint32_t size_ = 0;
-  std::array<Cell, kRoom> room_{};
+  std::array<Cell, kInline> inline_{};
 };
 
 }  // namespace aq

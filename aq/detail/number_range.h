@@ -5,8 +5,15 @@
 #include <cstdint>
 
 #include "aq/core/enumerations.h"
+#include "aq/core/error.h"
 
 namespace aq {
+
+/// A size as the 16-bit count of the interface. Throws `Overflow` above 32767.
+[[nodiscard]] inline std::int16_t count16(std::size_t size) {
+  if (size > 32767) throw Error(ErrorCode::Overflow, "more than 32767 entries to count");
+  return static_cast<std::int16_t>(size);
+}
 
 /// The lowest and highest band or record number ever stored. It only widens; an empty one is 9999
 /// to -1, and 9999 stays the low end when only larger numbers are stored, as hosts know it.

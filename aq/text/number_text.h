@@ -40,9 +40,9 @@ AQ_API void appendNumber(std::string& text, std::int32_t value);
 [[nodiscard]] AQ_API std::string numberText(float value);
 [[nodiscard]] AQ_API std::string numberText(std::int32_t value);
 
-inline constexpr std::size_t kIntegerRoom = 11;  // a sign and ten digits
+inline constexpr std::size_t kIntegerSize = 11;  // a sign and ten digits
 
-/// Writes an integer where there is `kIntegerRoom`, and returns its end.
+/// Writes an integer where there is `kIntegerSize`, and returns its end.
 [[nodiscard]] AQ_API char* putNumber(char* at, std::int32_t value);
 
 /// Appends the fraction of the text that `value` has with 7 significant digits, from its point on;

@@ -7,22 +7,22 @@ namespace aq {
 
 /// A part that most objects never need: made on first use, copied with its owner.
 template <class T>
-class OnDemand {
+class LazyPart {
  public:
-  OnDemand() = default;
-  OnDemand(const OnDemand& other)
+  LazyPart() = default;
+  LazyPart(const LazyPart& other)
       : part_(other.part_ ? std::make_unique<T>(*other.part_) : nullptr) {}
-  OnDemand(OnDemand&&) noexcept = default;
-  OnDemand& operator=(OnDemand other) noexcept {
+  LazyPart(LazyPart&&) noexcept = default;
+  LazyPart& operator=(LazyPart other) noexcept {
     std::swap(part_, other.part_);
     return *this;
   }
-  ~OnDemand() = default;
+  ~LazyPart() = default;
 
   [[nodiscard]] explicit operator bool() const { return part_ != nullptr; }
   [[nodiscard]] const T& operator*() const { return *part_; }
   [[nodiscard]] const T* operator->() const { return part_.get(); }
-  [[nodiscard]] T& made() {
+  [[nodiscard]] T& orCreate() {
     if (!part_) part_ = std::make_unique<T>();
     return *part_;
   }

@@ -1,4 +1,4 @@
-#include "aq/core/date_text.h"
+#include "aq/text/date_text.h"
 
 #include <algorithm>
 #include <array>
@@ -8,7 +8,7 @@
 #include <optional>
 
 #include "aq/core/error.h"
-#include "aq/core/number_text.h"
+#include "aq/text/number_text.h"
 
 namespace aq {
 namespace {

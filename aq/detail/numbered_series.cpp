@@ -1,4 +1,4 @@
-#include "aq/core/number_index.h"
+#include "aq/detail/numbered_series.h"
 
 namespace aq {
 
@@ -8,7 +8,7 @@ std::size_t NumberIndex::findInTable(std::int32_t number) const {
 }
 
 /// A number that does not follow the run needs a table; as does every one from then on.
-void NumberIndex::makeRoomInTable(std::int32_t number) {
+void NumberIndex::reserveInTable(std::int32_t number) {
   if (isRun()) {
     std::unordered_map<std::int32_t, std::size_t> table;
     table.reserve(length_.value + 1);
