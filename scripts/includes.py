@@ -13,6 +13,7 @@ ALLOWED = {  # each room, and the rooms that it may know besides itself
     "geometry": {"core", "detail", "text"},
     "files": {"core", "detail", "text", "spectral", "geometry"},
     "check": {"core", "detail", "text", "masking", "spectral", "geometry", "files"},
+    "describe": {"core", "masking", "spectral", "geometry", "files"},
 }
 # A variant, a time and the dates of files have text forms: these sources, not their headers, use them.
 WITH_TEXT = {"aq/core/variant.cpp", "aq/core/time.cpp", "aq/core/file_information.cpp"}

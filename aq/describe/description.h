@@ -1,0 +1,364 @@
+#pragma once
+
+#include <array>
+#include <charconv>
+#include <concepts>
+#include <cstddef>
+#include <limits>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+#include "aq/core/file_failure.h"
+#include "aq/core/variant.h"
+
+// What a host needs to show the object model under its own names: each class, enumeration and
+// member once, with what it means in the field. A host gives `forMembers<C>` a function that takes
+// any of the kinds of member below; types come from the pointers to members. What a new object
+// holds is not said here: ask one. Members stand in the order of the interface, and new ones come
+// at the end, as some hosts know a member by its place.
+
+namespace aq::describe {
+
+/// The unit of a number and the range in which it has a meaning. Setters take any value of the type
+/// unless the text says otherwise.
+struct Quantity {
+  std::string_view unit;
+  double low = -std::numeric_limits<double>::infinity();
+  double high = std::numeric_limits<double>::infinity();
+};
+
+/// A number that is a date: days since 1899-12-30, the time of day as the fraction.
+struct Date {};
+/// Text that names a file of the system.
+struct FileName {};
+/// The one word under which hosts list a value, as in `project`. It never changes.
+struct Key {
+  std::string_view word;
+};
+
+inline constexpr Quantity kDecibels{"dB"};
+inline constexpr Quantity kSeconds{"s"};
+inline constexpr Quantity kSecondsOfDay{"s", 0, 86400};
+inline constexpr Quantity kBand{"band", 2, 50};
+inline constexpr Quantity kRecord{"record", -32768, 32767};
+inline constexpr Quantity kPlace{"place", 1, 32767};
+inline constexpr Quantity kCount{"count", 0, 32767};
+inline constexpr Quantity kRecords{"count", 0, 2147483647};
+/// Coordinates and lengths are never converted: they have the unit of the file that they came from.
+inline constexpr Quantity kLength{"that of the file"};
+/// Known to the program that stores it, and only kept here.
+inline constexpr Quantity kOfTheProgram{"that of the program"};
+
+/// What is said of a member or of a parameter beyond its type.
+struct About {
+  std::string_view text;   ///< a sentence without its full stop
+  Quantity quantity = {};  ///< without a unit for what is no number
+  bool isDate = false;
+  bool isFileName = false;
+  std::string_view key = {};
+
+  constexpr void add(const Quantity& given) { quantity = given; }
+  constexpr void add(Date /*date*/) {
+    quantity = {"days since 1899-12-30"};
+    isDate = true;
+  }
+  constexpr void add(FileName /*name*/) { isFileName = true; }
+  constexpr void add(Key given) { key = given.word; }
+};
+
+/// That knows whether it has a unit.
+template <class... Parts>
+struct Told : About {};
+
+template <class... Parts>
+constexpr Told<Parts...> about(std::string_view text, Parts... parts) {
+  Told<Parts...> all{{text}};
+  (all.add(parts), ...);
+  return all;
+}
+
+/// As in "dB", "s, 0 to 86400"; empty for what is no number.
+[[nodiscard]] inline std::string quantityText(const Quantity& quantity) {
+  std::string text(quantity.unit);
+  if (quantity.low > quantity.high || quantity.high - quantity.low > 1e300) return text;
+  for (const double end : {quantity.low, quantity.high}) {
+    std::array<char, 32> digits{};
+    char* const past = std::to_chars(digits.begin(), digits.end(), end).ptr;
+    text.append(end == quantity.low ? ", " : " to ").append(digits.begin(), past);
+  }
+  return text;
+}
+
+// The kinds of member.
+
+/// Read by `get`, and set by `set` unless that is `nullptr_t`. A getter that is not const makes the
+/// object that it gives when there is none; setting an object shares it.
+template <class Get, class Set>
+struct Property {
+  const char* name;
+  Get get;
+  Set set;
+  About about;
+};
+
+/// A property that shows in another form what other properties hold.
+template <class Get, class Set>
+struct Form : Property<Get, Set> {};
+
+/// A data member.
+template <class Member>
+struct Field {
+  const char* name;
+  Member member;
+  About about;
+};
+
+struct Parameter {
+  const char* name;
+  About about;
+  bool isOptional = false;
+};
+
+/// A property that is only set.
+template <class Set>
+struct Setter {
+  const char* name;
+  Set set;
+  Parameter value;
+  About about;
+};
+
+/// Values by a number or a type: `get(key)`, `set(key, value)`.
+template <class Get, class Set>
+struct Indexed {
+  const char* name;
+  Get get;
+  Set set;
+  Parameter key;
+  About about;
+};
+
+/// What a call gives back through references that are not const is an out argument.
+template <class Call, std::size_t Count>
+struct Method {
+  const char* name;
+  Call call;
+  std::array<Parameter, Count> parameters;
+  About about;
+};
+
+/// `call(object, other)` for any other object that has `LowBand` and `HighBand`.
+template <class Call>
+struct Banded {
+  const char* name;
+  Call call;
+  Parameter other;
+  About about;
+};
+
+/// One method for a place and for a key.
+template <class ByPlace, class ByKey>
+struct Keyed {
+  const char* name;
+  ByPlace byPlace;
+  ByKey byKey;
+  About about;
+};
+
+/// A member of an enumeration.
+template <class E>
+struct Enumerator {
+  const char* name;
+  E value;
+  std::string_view text;
+};
+
+template <class T>
+inline constexpr bool isNumber = (std::is_arithmetic_v<std::remove_cvref_t<T>> &&
+                                  !std::same_as<std::remove_cvref_t<T>, bool>) ||
+                                 std::same_as<std::remove_cvref_t<T>, Variant>;
+
+template <class... Parts>
+inline constexpr bool hasQuantity = ((std::same_as<Parts, Quantity> || std::same_as<Parts, Date>) ||
+                                     ...);
+
+/// Every number says its unit, and nothing else has one.
+template <class T, class... Parts>
+constexpr bool saysItsUnit() {
+  static_assert(!isNumber<T> || hasQuantity<Parts...>, "a number without its unit and range");
+  static_assert(isNumber<T> || !hasQuantity<Parts...>, "a unit for what is no number");
+  return true;
+}
+
+template <class... Parts>
+struct In : Parameter {};
+
+template <class... Parts>
+constexpr In<Parts...> in(const char* name, std::string_view text, Parts... parts) {
+  return {{name, about(text, parts...)}};
+}
+
+template <class... Parts>
+constexpr In<Parts...> optionally(const char* name, std::string_view text, Parts... parts) {
+  return {{name, about(text, parts...), true}};
+}
+
+template <class Argument, class... Parts>
+constexpr bool fits(const In<Parts...>& /*parameter*/) {
+  return saysItsUnit<Argument, Parts...>();
+}
+
+/// The words in which members are described; each goes to `visit` as one of the kinds above.
+template <class C, class Visit, bool IsEnumeration = std::is_enum_v<C>>
+class Members {
+ public:
+  explicit Members(Visit& visit) : visit_(visit) {}
+
+  template <class Get, class... Parts>
+  Members& property(const char* name, Get (C::*get)() const, std::string_view text,
+                    Parts... parts) {
+    saysItsUnit<Get, Parts...>();
+    return take(Property<decltype(get), std::nullptr_t>{name, get, nullptr, about(text, parts...)});
+  }
+  template <class Get, class... Parts>
+  Members& property(const char* name, Get (C::*get)(), std::string_view text, Parts... parts) {
+    saysItsUnit<Get, Parts...>();
+    return take(Property<decltype(get), std::nullptr_t>{name, get, nullptr, about(text, parts...)});
+  }
+  template <class Get, class Set, class... Parts>
+  Members& property(const char* name, Get (C::*get)() const, void (C::*set)(Set),
+                    std::string_view text, Parts... parts) {
+    saysItsUnit<Get, Parts...>();
+    return take(Property<decltype(get), decltype(set)>{name, get, set, about(text, parts...)});
+  }
+  template <class Get, class Set, class... Parts>
+  Members& property(const char* name, Get (C::*get)(), void (C::*set)(Set), std::string_view text,
+                    Parts... parts) {
+    saysItsUnit<Get, Parts...>();
+    return take(Property<decltype(get), decltype(set)>{name, get, set, about(text, parts...)});
+  }
+
+  /// That of every file class.
+  Members& lastFailure() {
+    using Get = const std::optional<FileFailure>& (C::*)() const;
+    return take(Property<Get, std::nullptr_t>{
+        "lastFailure", &C::lastFailure, nullptr,
+        about("Why the last call gave AQ_DATA_FILE_ERROR; none when it did not")});
+  }
+
+  template <class Get, class Set>
+  Members& form(const char* name, Get (C::*get)() const, void (C::*set)(Set),
+                std::string_view text) {
+    return take(Form<decltype(get), decltype(set)>{{name, get, set, about(text)}});
+  }
+
+  template <class Value, class... Parts>
+  Members& field(const char* name, Value C::*member, std::string_view text, Parts... parts) {
+    saysItsUnit<Value, Parts...>();
+    return take(Field<Value C::*>{name, member, about(text, parts...)});
+  }
+
+  /// For what several classes have in common.
+  template <class Value, class... Parts>
+  Members& field(const char* name, Value C::*member, const Told<Parts...>& told) {
+    saysItsUnit<Value, Parts...>();
+    return take(Field<Value C::*>{name, member, told});
+  }
+
+  template <class Set, class... Parts>
+  Members& setter(const char* name, void (C::*set)(Set), std::string_view text,
+                  const In<Parts...>& value) {
+    fits<Set>(value);
+    return take(Setter<decltype(set)>{name, set, value, about(text)});
+  }
+
+  template <class Key, class Value, class Given, class... KeyParts, class... Parts>
+  Members& indexed(const char* name, Value (C::*get)(Key) const, void (C::*set)(Key, Given),
+                   const In<KeyParts...>& key, std::string_view text, Parts... parts) {
+    saysItsUnit<Value, Parts...>();
+    fits<Key>(key);
+    return take(Indexed<decltype(get), decltype(set)>{name, get, set, key, about(text, parts...)});
+  }
+  template <class Key, class Value, class Given, class... KeyParts, class... Parts>
+  Members& indexed(const char* name, Value (C::*get)(Key), void (C::*set)(Key, Given),
+                   const In<KeyParts...>& key, std::string_view text, Parts... parts) {
+    saysItsUnit<Value, Parts...>();
+    fits<Key>(key);
+    return take(Indexed<decltype(get), decltype(set)>{name, get, set, key, about(text, parts...)});
+  }
+
+  template <class Result, class... Arguments, class... Given>
+  Members& method(const char* name, Result (C::*call)(Arguments...), std::string_view text,
+                  const Given&... parameters) {
+    return called<Result, Arguments...>(name, call, text, parameters...);
+  }
+  template <class Result, class... Arguments, class... Given>
+  Members& method(const char* name, Result (C::*call)(Arguments...) const, std::string_view text,
+                  const Given&... parameters) {
+    return called<Result, Arguments...>(name, call, text, parameters...);
+  }
+
+  template <class Call>
+  Members& banded(const char* name, Call call, std::string_view text, const In<>& other) {
+    return take(Banded<Call>{name, call, other, about(text)});
+  }
+
+  template <class ByPlace, class ByKey>
+  Members& keyed(const char* name, ByPlace byPlace, ByKey byKey, std::string_view text) {
+    return take(Keyed<ByPlace, ByKey>{name, byPlace, byKey, about(text)});
+  }
+
+ private:
+  template <class Result, class... Arguments, class Call, class... Given>
+  Members& called(const char* name, Call call, std::string_view text, const Given&... parameters) {
+    static_assert(!isNumber<Result>, "a number comes from a property, which says its unit");
+    static_assert(sizeof...(Arguments) == sizeof...(Given), "a parameter without its name");
+    (fits<Arguments>(parameters), ...);
+    return take(
+        Method<Call, sizeof...(Given)>{name, call, {Parameter(parameters)...}, about(text)});
+  }
+
+  template <class Kind>
+  Members& take(const Kind& kind) {
+    visit_(kind);
+    return *this;
+  }
+
+  Visit& visit_;
+};
+
+/// The same for the members of an enumeration.
+template <class E, class Visit>
+class Members<E, Visit, true> {
+ public:
+  explicit Members(Visit& visit) : visit_(visit) {}
+
+  Members& member(const char* name, E value, std::string_view text) {
+    visit_(Enumerator<E>{name, value, text});
+    return *this;
+  }
+
+ private:
+  Visit& visit_;
+};
+
+/// A class or an enumeration: its `name`, for a class its `number`, by which hosts know it and
+/// which is never used again, a `text` and its `members`.
+template <class C>
+struct Description;
+
+template <class C>
+concept Described = requires {
+  Description<C>::name;
+};
+
+/// Calls `visit(member)` for each member of a class or an enumeration, in order.
+template <Described C, class Visit>
+void forMembers(Visit&& visit) {
+  Members<C, std::remove_reference_t<Visit>> members(visit);
+  Description<C>::members(members);
+}
+
+}  // namespace aq::describe

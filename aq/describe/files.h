@@ -1,0 +1,232 @@
+#pragma once
+
+#include "aq/describe/description.h"
+#include "aq/files/data_ascii.h"
+#include "aq/files/data_ini.h"
+#include "aq/files/data_ssr.h"
+#include "aq/files/data_sth.h"
+#include "aq/files/file_kind.h"
+#include "aq/geometry/data_gth.h"
+#include "aq/geometry/data_mic.h"
+#include "aq/geometry/data_pth.h"
+#include "aq/geometry/data_tspi.h"
+#include "aq/masking/data_mask.h"
+
+// The file classes: a file's name first, then its header and what it holds.
+
+namespace aq::describe {
+
+inline constexpr auto kPath = in("sFileName", "The name of the file", FileName{});
+inline constexpr auto kHeaderIn = in("aqHeader", "The file's header, which gets the file's name");
+inline constexpr auto kHeaderOut = in("aqHeader", "Gets a new header");
+inline constexpr auto kResult = in("result", "Gets the outcome");
+inline constexpr char kWrites[] =
+    "Writes a file, replacing it; a failure leaves the disk as it was";
+inline constexpr char kReads[] = "Reads a file into a new header and a new object";
+
+template <>
+struct Description<FileKind> {
+  static constexpr char name[] = "FileKind";
+  static constexpr char text[] = "The kinds of file that the library reads";
+  template <class To>
+  static void members(To& to) {
+    to.member("SpectralTimeHistory", FileKind::SpectralTimeHistory,
+              "Levels of the records of a measurement")
+        .member("PositionTimeHistory", FileKind::PositionTimeHistory, "Positions of a source")
+        .member("MicrophonePosition", FileKind::MicrophonePosition, "Where a microphone stands")
+        .member("GeometricTimeHistory", FileKind::GeometricTimeHistory,
+                "Emission geometry of the records of a measurement")
+        .member("MaskingMap", FileKind::MaskingMap,
+                "Masking decisions for the records of a measurement")
+        .member("VariableInitialization", FileKind::VariableInitialization,
+                "Processing parameters of an analysis")
+        .member("SpectrumRecord", FileKind::SpectrumRecord, "One spectrum")
+        .member("Tracking", FileKind::Tracking, "Fixes of a tracking system")
+        .member("Unknown", FileKind::Unknown, "Another kind, or a file that cannot be read");
+  }
+};
+
+template <>
+struct Description<AQ_DataSTH> {
+  static constexpr char name[] = "AQ_DataSTH";
+  static constexpr int number = 71;
+  static constexpr char text[] = "Reads and writes spectral time history files";
+  template <class To>
+  static void members(To& to) {
+    using F = AQ_DataSTH;
+    to.method("writeFile", &F::writeFile, kWrites, kPath, kHeaderIn,
+              in("aqTimeHistory", "The history, of which records LoRec to HiRec are written"))
+        .method("readFile", &F::readFile, kReads, kPath, kHeaderOut,
+                in("STH", "Gets a new history"))
+        .method("getRawHeader", &F::getRawHeader,
+                "The header's lines as they stand, up to the column headings; false when they "
+                "cannot be read",
+                kPath, in("colHeader", "Gets the lines"))
+        .lastFailure();
+  }
+};
+
+template <>
+struct Description<AQ_DataMask> {
+  static constexpr char name[] = "AQ_DataMask";
+  static constexpr int number = 72;
+  static constexpr char text[] = "Reads and writes masking map files";
+  template <class To>
+  static void members(To& to) {
+    using F = AQ_DataMask;
+    to.method("writeFile", &F::writeFile, kWrites, kPath, kHeaderIn,
+              in("aqMaskMap", "The map, of which rows 1 to Count are written"))
+        .method("readFile", &F::readFile, kReads, kPath, kHeaderOut,
+                in("MaskMap", "Gets a new map; after a failure in a row, those before it"))
+        .lastFailure();
+  }
+};
+
+template <>
+struct Description<AQ_DataPTH> {
+  static constexpr char name[] = "AQ_DataPTH";
+  static constexpr int number = 73;
+  static constexpr char text[] = "Reads and writes position time history files";
+  template <class To>
+  static void members(To& to) {
+    using F = AQ_DataPTH;
+    to.method("writeFile", &F::writeFile, kWrites, kPath, kHeaderIn,
+              in("aqTimeHistory", "The positions"), kResult)
+        .method("readFile", &F::readFile, kReads, kPath, kHeaderOut,
+                in("PTH", "Gets the positions, a new history"), kResult)
+        .lastFailure();
+  }
+};
+
+template <>
+struct Description<AQ_DataTSPI> {
+  static constexpr char name[] = "AQ_DataTSPI";
+  static constexpr int number = 74;
+  static constexpr char text[] = "Reads tracking files. Positions of poor quality are dropped";
+  template <class To>
+  static void members(To& to) {
+    using F = AQ_DataTSPI;
+    to.method("readFile", &F::readFile, "Reads a file into a new history, numbered from 1", kPath,
+              in("PTH", "Gets the positions, a new history"), kResult)
+        .property("RT20Limit", &F::RT20Limit, &F::RT20Limit,
+                  "The highest quality figure that is accepted; 0 is the best",
+                  Quantity{"quality figure", 0, 255})
+        .property("nBadPositions", &F::nBadPositions, "How many positions the last read dropped",
+                  kRecords)
+        .lastFailure();
+  }
+};
+
+template <>
+struct Description<AQ_DataMIC> {
+  static constexpr char name[] = "AQ_DataMIC";
+  static constexpr int number = 75;
+  static constexpr char text[] = "Reads microphone position files";
+  template <class To>
+  static void members(To& to) {
+    using F = AQ_DataMIC;
+    to.method("readFile", &F::readFile, "Reads a file into a new header and a microphone", kPath,
+              kHeaderOut, in("MIC", "The microphone that gets the position"), kResult)
+        .lastFailure();
+  }
+};
+
+template <>
+struct Description<AQ_DataGTH> {
+  static constexpr char name[] = "AQ_DataGTH";
+  static constexpr int number = 76;
+  static constexpr char text[] = "Reads and writes geometric time history files";
+  template <class To>
+  static void members(To& to) {
+    using F = AQ_DataGTH;
+    to.method("writeFile", &F::writeFile, kWrites, kPath, kHeaderIn,
+              in("aqTimeHistory", "The points, of which 1 to Count are written"), kResult)
+        .method("readFile", &F::readFile, kReads, kPath, kHeaderOut,
+                in("GTH", "Gets the points, a new history"), kResult)
+        .lastFailure();
+  }
+};
+
+template <>
+struct Description<AQ_DataSSR> {
+  static constexpr char name[] = "AQ_DataSSR";
+  static constexpr int number = 77;
+  static constexpr char text[] = "Reads and writes spectrum record files";
+  template <class To>
+  static void members(To& to) {
+    using F = AQ_DataSSR;
+    using Reads = AQ_DataMessage (F::*)(const std::string&, std::shared_ptr<AQ_Spectrum>&,
+                                        std::shared_ptr<AQ_HeaderSSR>&);
+    to.method("writeFile", &F::writeFile, kWrites, kPath, kHeaderIn,
+              in("spectrum", "The spectrum, which has a level in every band of its range"))
+        .method("readFile", static_cast<Reads>(&F::readFile), kReads, kPath,
+                in("specNew", "Gets a new spectrum"), optionally("ssrHeader", "Gets a new header"))
+        .lastFailure();
+  }
+};
+
+template <>
+struct Description<AQ_DataASCII> {
+  static constexpr char name[] = "AQ_DataASCII";
+  static constexpr int number = 78;
+  static constexpr char text[] = "Any delimited text file as lines or as lines of fields";
+  template <class To>
+  static void members(To& to) {
+    using F = AQ_DataASCII;
+    to.method("readFields", &F::readFields, "Reads a file into new Fields, one entry a line", kPath)
+        .method("readLines", &F::readLines, "Reads a file into new Lines", kPath)
+        .property("Fields", &F::Fields, &F::Fields, "Lines of fields")
+        .property("Lines", &F::Lines, &F::Lines, "Lines")
+        .method("writeFields", &F::writeFields, "Writes Fields, replacing the file", kPath)
+        .method("appendFields", &F::appendFields, "Writes Fields after what the file holds", kPath)
+        .method("writeLines", &F::writeLines, "Writes Lines, replacing the file", kPath)
+        .method("appendLines", &F::appendLines, "Writes Lines after what the file holds", kPath)
+        .setter("Delimiter", &F::Delimiter, "What divides fields, a comma at first",
+                in("text", "The delimiter; an empty one divides nothing"))
+        .setter("CommentFields", &F::CommentFields,
+                "Whether fields may stand in double quotes, with delimiters inside",
+                in("quoted", "False at first"))
+        .lastFailure();
+  }
+};
+
+template <>
+struct Description<AQ_DataINI> {
+  static constexpr char name[] = "AQ_DataINI";
+  static constexpr int number = 79;
+  static constexpr char text[] =
+      "The processing parameters of an analysis, and the file that holds them";
+  template <class To>
+  static void members(To& to) {
+    using F = AQ_DataINI;
+    to.method("writeFile", &F::writeFile, "Writes the parameters that are set, replacing the file",
+              kPath)
+        .method("readFile", &F::readFile,
+                "Reads parameters; what the file does not name keeps its value, but for NuAvg and "
+                "NuTimg, which are then not set",
+                kPath)
+        .property("CalAdj", &F::CalAdj, &F::CalAdj, "Calibration adjustment; 0 is not written",
+                  kDecibels, Key{"calibration_adjustment_db"})
+        .property("NuAvg", &F::NuAvg, &F::NuAvg, "Averaging method; AQ_NA when not set",
+                  Key{"averaging"})
+        .property("PrWndo", &F::PrWndo, &F::PrWndo, "Window before the event; 0 is not written",
+                  kSeconds, Key{"window_before_s"})
+        .property("PoWndo", &F::PoWndo, &F::PoWndo, "Window after the event; 0 is not written",
+                  kSeconds, Key{"window_behind_s"})
+        .property("NuTimg", &F::NuTimg, &F::NuTimg,
+                  "Timing convention; 99, which is no member of the enumeration, when not set",
+                  Key{"time_stamp"})
+        .property("LoRec", &F::LoRec, &F::LoRec, "First record; 0 is not written", kRecord,
+                  Key{"low_record"})
+        .property("HiRec", &F::HiRec, &F::HiRec, "Last record; 0 is not written", kRecord,
+                  Key{"high_record"})
+        .property("FileName", &F::FileName, &F::FileName,
+                  "The file's name; its recorded name is written", FileName{}, Key{"file_name"})
+        .property("FileDate", &F::FileDate, "The date and time of the file read last",
+                  Key{"file_date"})
+        .property("Comments", &F::Comments, &F::Comments, "Comments, one a line", Key{"comments"})
+        .lastFailure();
+  }
+};
+
+}  // namespace aq::describe

@@ -1,0 +1,187 @@
+#pragma once
+
+#include "aq/describe/description.h"
+#include "aq/files/header_ssr.h"
+#include "aq/files/header_sth.h"
+#include "aq/geometry/header_gth.h"
+#include "aq/geometry/header_mic.h"
+#include "aq/geometry/header_pth.h"
+#include "aq/masking/header_mask.h"
+
+// The headers of files. What most of them have is said once.
+
+namespace aq::describe {
+
+inline constexpr auto kFileType = about("The title in the first line of the file, as read");
+inline constexpr auto kName = about("The file's name; its recorded name is written", FileName{},  //
+                                    Key{"file_name"});
+inline constexpr auto kDateTime =
+    about("The file's date and time, as read; the time of writing is written", Key{"file_date"});
+inline constexpr auto kProject = about("The project", Key{"project"});
+inline constexpr auto kMicrophone = about("Which microphone it was", Key{"microphone"});
+inline constexpr auto kGeneratedBy =
+    about("The program or person that made the file", Key{"generated_by"});
+inline constexpr auto kGenerationFile =
+    about("The file from which this one was made; its recorded name is written", FileName{},
+          Key{"generation_file"});
+inline constexpr auto kGenerationDateTime =
+    about("The date and time of that file, as read; the writer asks the file itself",
+          Key{"generation_file_date"});
+inline constexpr auto kOtherCount =
+    about("How many other records there are, as read; the writer counts them", kCount);
+inline constexpr auto kOtherRecords =
+    about("Other records, one a line, kept as they are", Key{"other_records"});
+inline constexpr auto kCommentCount =
+    about("How many comments there are, as read; the writer counts them", kCount);
+inline constexpr auto kComments = about("Comments, one a line", Key{"comments"});
+
+template <>
+struct Description<AQ_HeaderSTH> {
+  static constexpr char name[] = "AQ_HeaderSTH";
+  static constexpr int number = 61;
+  static constexpr char text[] = "The header of a spectral time history file";
+  template <class To>
+  static void members(To& to) {
+    using H = AQ_HeaderSTH;
+    to.field("sAdjustmentCode", &H::sAdjustmentCode,
+             "The adjustment that was applied to the levels, free text", Key{"adjustment"})
+        .field("sGeneratedBy", &H::sGeneratedBy, kGeneratedBy)
+        .field("sGenerationFile", &H::sGenerationFile, kGenerationFile)
+        .field("aqGenerationDateTime", &H::aqGenerationDateTime, kGenerationDateTime)
+        .field("sProjectName", &H::sProjectName, kProject)
+        .field("sMicrophoneID", &H::sMicrophoneID, kMicrophone)
+        .field("cCommentLines", &H::cCommentLines, kComments)
+        .field("cOtherRecords", &H::cOtherRecords, kOtherRecords)
+        .field("sFileName", &H::sFileName, kName)
+        .field("aqFileDateTime", &H::aqFileDateTime, kDateTime);
+  }
+};
+
+template <>
+struct Description<AQ_HeaderMask> {
+  static constexpr char name[] = "AQ_HeaderMask";
+  static constexpr int number = 62;
+  static constexpr char text[] = "The header of a masking map file";
+  template <class To>
+  static void members(To& to) {
+    using H = AQ_HeaderMask;
+    to.field("sFileType", &H::sFileType, kFileType)
+        .field("sFileName", &H::sFileName, kName)
+        .field("aqFileDateTime", &H::aqFileDateTime, kDateTime)
+        .field("lNumberRows", &H::lNumberRows, "How many rows the map has", kRecords)
+        .field("iBandLow", &H::iBandLow, "The lowest band of the rows", kBand)
+        .field("iBandHigh", &H::iBandHigh, "The highest band of the rows", kBand)
+        .field("sGeneratedBy", &H::sGeneratedBy, kGeneratedBy)
+        .field("sGenerationFile", &H::sGenerationFile, kGenerationFile)
+        .field("aqGenerationDateTime", &H::aqGenerationDateTime, kGenerationDateTime)
+        .field("nOtherRecords", &H::nOtherRecords, kOtherCount)
+        .field("cOtherRecords", &H::cOtherRecords, kOtherRecords)
+        .field("nCommentLines", &H::nCommentLines, kCommentCount)
+        .field("cCommentLines", &H::cCommentLines, kComments)
+        .field("sColumnLabels", &H::sColumnLabels, "The column headings, as read");
+  }
+};
+
+template <>
+struct Description<AQ_HeaderSSR> {
+  static constexpr char name[] = "AQ_HeaderSSR";
+  static constexpr int number = 63;
+  static constexpr char text[] = "The header of a spectrum record file";
+  template <class To>
+  static void members(To& to) {
+    using H = AQ_HeaderSSR;
+    to.field("cCommentLines", &H::cCommentLines, kComments)
+        .field("sFileName", &H::sFileName, kName)
+        .field("aqFileDateTime", &H::aqFileDateTime, kDateTime);
+  }
+};
+
+template <>
+struct Description<AQ_HeaderPTH> {
+  static constexpr char name[] = "AQ_HeaderPTH";
+  static constexpr int number = 64;
+  static constexpr char text[] = "The header of a position time history file";
+  template <class To>
+  static void members(To& to) {
+    using H = AQ_HeaderPTH;
+    to.field("sFileType", &H::sFileType, kFileType)
+        .field("sFileName", &H::sFileName, kName)
+        .field("aqFileDateTime", &H::aqFileDateTime, kDateTime)
+        .field("sProjectName", &H::sProjectName, kProject)
+        .field("sGeneratedBy", &H::sGeneratedBy, kGeneratedBy)
+        .field("sTSPIFileName", &H::sTSPIFileName,
+               "The tracking file from which the positions came; its recorded name is written",
+               FileName{}, Key{"tracking_file"})
+        .field("sTSPIFileDateTime", &H::sTSPIFileDateTime,
+               "The date and time of that file, as read; the writer asks the file itself",
+               Key{"tracking_file_date"})
+        .field("lNumberRecords", &H::lNumberRecords, "How many positions there are", kRecords)
+        .field("nOtherRecords", &H::nOtherRecords, kOtherCount)
+        .field("cOtherRecords", &H::cOtherRecords, kOtherRecords)
+        .field("nCommentLines", &H::nCommentLines, kCommentCount)
+        .field("cCommentLines", &H::cCommentLines, kComments);
+  }
+};
+
+template <>
+struct Description<AQ_HeaderMIC> {
+  static constexpr char name[] = "AQ_HeaderMIC";
+  static constexpr int number = 65;
+  static constexpr char text[] = "The header of a microphone position file";
+  template <class To>
+  static void members(To& to) {
+    using H = AQ_HeaderMIC;
+    to.field("sFileType", &H::sFileType, kFileType)
+        .field("sFileName", &H::sFileName, kName)
+        .field("aqFileDateTime", &H::aqFileDateTime, kDateTime)
+        .field("sProjectName", &H::sProjectName, kProject)
+        .field("sMicrophoneID", &H::sMicrophoneID, kMicrophone)
+        .field("lNumberRecords", &H::lNumberRecords, "Free: the file has no such number", kRecords)
+        .field("nOtherRecords", &H::nOtherRecords, kOtherCount)
+        .field("cOtherRecords", &H::cOtherRecords, kOtherRecords)
+        .field("nCommentLines", &H::nCommentLines, kCommentCount)
+        .field("cCommentLines", &H::cCommentLines, kComments);
+  }
+};
+
+template <>
+struct Description<AQ_HeaderGTH> {
+  static constexpr char name[] = "AQ_HeaderGTH";
+  static constexpr int number = 66;
+  static constexpr char text[] =
+      "The header of a geometric time history file, which names the three files that the geometry "
+      "was computed from; the writer asks them for their dates and times";
+  template <class To>
+  static void members(To& to) {
+    using H = AQ_HeaderGTH;
+    to.field("FileType", &H::FileType, kFileType)
+        .field("GTHFileName", &H::GTHFileName, kName)
+        .field("GTHFileDateTime", &H::GTHFileDateTime, kDateTime)
+        .field("ProjectName", &H::ProjectName, kProject)
+        .field("GeneratedBy", &H::GeneratedBy, kGeneratedBy)
+        .field("MicrophoneID", &H::MicrophoneID, kMicrophone)
+        .field("MicrophonePosition", &H::MicrophonePosition,
+               "Where the microphone stands, as X, Y and Z", Key{"microphone_position"})
+        .field("Temperature", &H::Temperature, "The temperature of the air", Key{"temperature"},
+               kOfTheProgram)
+        .field("STHFileName", &H::STHFileName, "The file of the spectral time history", FileName{},
+               Key{"history_file"})
+        .field("STHFileDateTime", &H::STHFileDateTime, "Its date and time, as read",
+               Key{"history_file_date"})
+        .field("PTHFileName", &H::PTHFileName, "The file of the source's positions", FileName{},
+               Key{"position_file"})
+        .field("PTHFileDateTime", &H::PTHFileDateTime, "Its date and time, as read",
+               Key{"position_file_date"})
+        .field("MICFileName", &H::MICFileName, "The file of the microphone's position", FileName{},
+               Key{"microphone_file"})
+        .field("MICFileDateTime", &H::MICFileDateTime, "Its date and time, as read",
+               Key{"microphone_file_date"})
+        .field("NumberRecords", &H::NumberRecords, "How many points there are", kRecords)
+        .field("OtherRecords", &H::OtherRecords, kOtherCount)
+        .field("colOtherRecords", &H::colOtherRecords, kOtherRecords)
+        .field("nCommentLines", &H::nCommentLines, kCommentCount)
+        .field("colCommentLines", &H::colCommentLines, kComments);
+  }
+};
+
+}  // namespace aq::describe
