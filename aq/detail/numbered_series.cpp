@@ -1,10 +1,18 @@
 #include "aq/detail/numbered_series.h"
 
+#include <algorithm>
+
 namespace aq {
 
 std::size_t NumberIndex::findInTable(std::int32_t number) const {
   const auto entry = table_.find(number);
   return entry == table_.end() ? kNoSlot : entry->second;
+}
+
+std::vector<std::pair<std::int32_t, std::size_t>> NumberIndex::sorted() const {
+  std::vector<std::pair<std::int32_t, std::size_t>> numbers(table_.begin(), table_.end());
+  std::sort(numbers.begin(), numbers.end());
+  return numbers;
 }
 
 /// A number that does not follow the run needs a table; as does every one from then on.

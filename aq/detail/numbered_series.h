@@ -2,10 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "aq/core/error.h"
 #include "aq/core/export.h"
@@ -51,6 +53,11 @@ class AQ_API NumberIndex {
   /// The number now stands in `slot`, the last one.
   void set(std::int32_t number, std::size_t slot);
 
+  /// All numbers, ascending, each with its slot; empty when they follow each other from the first
+  /// slot on.
+  [[nodiscard]] std::vector<std::pair<std::int32_t, std::size_t>> sorted() const;
+  [[nodiscard]] std::int32_t first() const { return first_; }
+
   /// Slots were closed up: `newSlot` gives the new slot of an old one.
   template <class NewSlot>
   void renumber(const NewSlot& newSlot) {
@@ -71,11 +78,57 @@ class AQ_API NumberIndex {
 };
 
 /// Shared objects in order, each under a record number. Storing under a number that is taken
-/// removes the old object and appends the new one: its place is then the last.
-template <class T>
+/// removes the old object and appends the new one: its place is then the last. `Number` is what a
+/// walk gives as the number.
+template <class T, class Number = std::int32_t>
 class NumberedSeries {
  public:
   using Object = std::shared_ptr<T>;
+
+  /// Goes through the objects in the order of their numbers.
+  class Walk {
+   public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = std::pair<Number, Object>;
+    using difference_type = std::ptrdiff_t;
+    using pointer = void;
+    using reference = std::pair<Number, const Object&>;
+
+    Walk() = default;
+    Walk(const NumberedSeries* series, std::size_t at) : series_(series), at_(at) {
+      if (auto sorted = series->index_.sorted(); !sorted.empty()) {
+        sorted_ = std::make_shared<const Sorted>(std::move(sorted));
+      }
+    }
+    [[nodiscard]] static Walk end(const NumberedSeries* series) {
+      Walk walk;
+      walk.series_ = series;
+      walk.at_ = series->size();
+      return walk;
+    }
+
+    reference operator*() const {
+      if (sorted_) {
+        const auto& [number, slot] = (*sorted_)[at_];
+        return {static_cast<Number>(number), series_->slots_.at(slot)};
+      }
+      const std::int64_t number = std::int64_t{series_->index_.first()} + std::int64_t(at_);
+      return {static_cast<Number>(number), series_->slots_.at(at_)};
+    }
+    Walk& operator++() {
+      ++at_;
+      return *this;
+    }
+    Walk operator++(int) { return std::exchange(*this, ++Walk(*this)); }
+    friend bool operator==(const Walk& a, const Walk& b) { return a.at_ == b.at_; }
+
+   private:
+    using Sorted = std::vector<std::pair<std::int32_t, std::size_t>>;
+
+    const NumberedSeries* series_ = nullptr;
+    std::size_t at_ = 0;
+    std::shared_ptr<const Sorted> sorted_;  // where the numbers are not those of the slots
+  };
 
   void store(std::int32_t number, Object&& object) {
     const std::size_t slot = index_.find(number);
@@ -86,6 +139,10 @@ class NumberedSeries {
     }
     slots_.append(std::move(object));
     index_.set(number, slots_.slots() - 1);
+  }
+
+  [[nodiscard]] bool contains(std::int32_t number) const {
+    return index_.find(number) != NumberIndex::kNoSlot;
   }
 
   /// The object under `number`; none throws `InvalidArgument`.
@@ -107,8 +164,11 @@ class NumberedSeries {
   /// The size as the 16-bit count of the interface; throws `Overflow` above 32767.
   [[nodiscard]] std::int16_t count() const { return count16(size()); }
 
-  [[nodiscard]] auto begin() const { return slots_.begin(); }
-  [[nodiscard]] auto end() const { return slots_.end(); }
+  [[nodiscard]] Walk begin() const { return {this, 0}; }
+  [[nodiscard]] Walk end() const { return Walk::end(this); }
+
+  /// The objects in the order of their places.
+  [[nodiscard]] const TombstoneList<Object>& placed() const { return slots_; }
 
  private:
   TombstoneList<Object> slots_;

@@ -57,6 +57,12 @@ class AQ_API AQ_GeometryTimeHistory {
   /// The number of points. Throws `Overflow` above 32767.
   [[nodiscard]] std::int16_t Count() const { return points_.count(); }
 
+  // The points that are stored, as pairs of record number and object, in the order of the numbers.
+  // Storing one ends a walk. `contains` creates nothing.
+  [[nodiscard]] auto begin() const { return points_.begin(); }
+  [[nodiscard]] auto end() const { return points_.end(); }
+  [[nodiscard]] bool contains(std::int32_t number) const { return points_.contains(number); }
+
  private:
   NumberedSeries<AQ_Geometry> points_;
   std::shared_ptr<AQ_Time> startTime_;

@@ -18,9 +18,10 @@ std::shared_ptr<AQ_PositionTimeHistory> AQ_PositionTimeHistory::Copy() const {
 std::shared_ptr<AQ_Position> AQ_PositionTimeHistory::PositionAt(const AQ_Time& aqTime) const {
   if (Count() < 2) return nullptr;
   const double time = aqTime.TODseconds();
-  auto before = positions_.begin();
+  const auto& placed = positions_.placed();
+  auto before = placed.begin();
   double timeBefore = orThrow(*before).lazyTime().secondsOfDay();
-  for (auto after = before; ++after != positions_.end(); before = after) {
+  for (auto after = before; ++after != placed.end(); before = after) {
     const double timeAfter = orThrow(*after).lazyTime().secondsOfDay();
     if (timeBefore <= time && timeAfter >= time) {
       return std::abs(timeBefore - time) < std::abs(timeAfter - time) ? *before : *after;

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <utility>
 
@@ -15,7 +17,35 @@ namespace aq {
 /// ascending time order; nothing sorts or checks them. In memory it may hold more than the 32767
 /// samples that `Count` can tell.
 class AQ_API AQ_PositionTimeHistory {
+  using Placed = TombstoneList<std::shared_ptr<AQ_Position>>::const_iterator;
+
  public:
+  /// Goes through the samples by place.
+  class Walk {
+   public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = std::pair<std::int32_t, std::shared_ptr<AQ_Position>>;
+    using difference_type = std::ptrdiff_t;
+    using pointer = void;
+    using reference = std::pair<std::int32_t, const std::shared_ptr<AQ_Position>&>;
+
+    Walk() = default;
+    explicit Walk(Placed at) : at_(at) {}
+
+    reference operator*() const { return {place_, *at_}; }
+    Walk& operator++() {
+      ++at_;
+      ++place_;
+      return *this;
+    }
+    Walk operator++(int) { return std::exchange(*this, ++Walk(*this)); }
+    friend bool operator==(const Walk& a, const Walk& b) { return a.at_ == b.at_; }
+
+   private:
+    Placed at_;
+    std::int32_t place_ = 1;
+  };
+
   /// A deep copy in the order of places, numbered from 1. Throws `Overflow` above 32767 samples.
   [[nodiscard]] std::shared_ptr<AQ_PositionTimeHistory> Copy() const;
 
@@ -41,6 +71,14 @@ class AQ_API AQ_PositionTimeHistory {
 
   /// The number of samples. Throws `Overflow` above 32767.
   [[nodiscard]] std::int16_t Count() const { return positions_.count(); }
+
+  // The samples as pairs of place and position, in the order of their places. Storing one ends a
+  // walk. `contains` says whether there is such a place.
+  [[nodiscard]] Walk begin() const { return Walk(positions_.placed().begin()); }
+  [[nodiscard]] Walk end() const { return Walk(positions_.placed().end()); }
+  [[nodiscard]] bool contains(std::int32_t place) const {
+    return place >= 1 && static_cast<std::size_t>(place) <= positions_.size();
+  }
 
  private:
   NumberedSeries<AQ_Position> positions_;

@@ -16,7 +16,7 @@ std::shared_ptr<AQ_MaskMap> AQ_MaskMap::Copy() const {
 }
 
 void AQ_MaskMap::setLGB() {
-  for (const auto& row : rows_) orThrow(row).LGB(lastGoodBand(orThrow(row)));
+  for (const auto& row : rows_.placed()) orThrow(row).LGB(lastGoodBand(orThrow(row)));
 }
 
 }  // namespace aq

@@ -36,8 +36,14 @@ class AQ_API AQ_MaskMap {
   /// row has none.
   void setLGB();
 
+  // The rows that are stored, as pairs of record number and object, in the order of the numbers.
+  // Storing one ends a walk. `contains` creates nothing.
+  [[nodiscard]] auto begin() const { return rows_.begin(); }
+  [[nodiscard]] auto end() const { return rows_.end(); }
+  [[nodiscard]] bool contains(std::int32_t number) const { return rows_.contains(number); }
+
  private:
-  NumberedSeries<AQ_MaskRow> rows_;
+  NumberedSeries<AQ_MaskRow, std::int16_t> rows_;
 };
 
 }  // namespace aq

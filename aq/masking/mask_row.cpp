@@ -28,10 +28,21 @@ void AQ_MaskRow::Mask(std::int16_t nBand, std::shared_ptr<AQ_Mask> mask) {
   if (place(nBand) != nullptr) object = std::move(mask);
 }
 
+bool AQ_MaskRow::contains(std::int32_t band) const {
+  if (!std::in_range<std::int16_t>(band)) return false;
+  const MaskCode* const code = codes_.find(static_cast<std::int16_t>(band));
+  return code != nullptr && *code != kNoMaskCode;
+}
+
 AQ_Mask AQ_MaskRow::decision(std::int16_t band) {
-  const MaskCode code = fetch(band);
+  static_cast<void>(fetch(band));
+  return held(band);
+}
+
+/// The mask of a band that has one.
+AQ_Mask AQ_MaskRow::held(std::int16_t band) const {
   const auto* const object = objects_ ? objects_->find(band) : nullptr;
-  return object != nullptr && *object ? **object : maskOf(code);
+  return object != nullptr && *object ? **object : maskOf(*codes_.find(band));
 }
 
 void AQ_MaskRow::store(std::int16_t band, const AQ_Mask& decision) {

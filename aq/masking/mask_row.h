@@ -4,12 +4,14 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <utility>
 
 #include "aq/core/export.h"
 #include "aq/detail/band_block.h"
 #include "aq/detail/inline_vector.h"
 #include "aq/detail/lazy_part.h"
 #include "aq/detail/number_range.h"
+#include "aq/detail/number_walk.h"
 #include "aq/masking/mask.h"
 #include "aq/masking/mask_code.h"
 
@@ -43,6 +45,12 @@ class AQ_API AQ_MaskRow {
   [[nodiscard]] std::int16_t LGB() const { return lastGoodBand_; }
   void LGB(std::int16_t band) { lastGoodBand_ = band; }
 
+  // The bands that have a mask, as pairs of band and mask by value, ascending. Storing or fetching
+  // one ends a walk. Neither a walk nor `contains` gives a band a mask.
+  [[nodiscard]] NumberWalk<AQ_MaskRow> begin() const { return {this, codes_.first(), afterLast()}; }
+  [[nodiscard]] NumberWalk<AQ_MaskRow> end() const { return {this, afterLast(), afterLast()}; }
+  [[nodiscard]] bool contains(std::int32_t band) const;
+
   /// The decision of a band by value: as the getter, without making an object for it.
   [[nodiscard]] AQ_Mask decision(std::int16_t band);
 
@@ -57,6 +65,14 @@ class AQ_API AQ_MaskRow {
   [[nodiscard]] std::span<const MaskCode> fetchedCodes();
 
  private:
+  friend NumberWalk<AQ_MaskRow>;
+  [[nodiscard]] std::pair<std::int16_t, AQ_Mask> entry(std::int16_t band) const {
+    return {band, held(band)};
+  }
+  [[nodiscard]] std::int32_t afterLast() const {
+    return codes_.first() + static_cast<std::int32_t>(codes_.size());
+  }
+  [[nodiscard]] AQ_Mask held(std::int16_t band) const;
   [[nodiscard]] MaskCode& fetch(std::int16_t band);
   [[nodiscard]] MaskCode* place(std::int16_t band);
 

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
+#include <map>
 #include <memory>
+#include <utility>
 
-#include "aq/core/collection.h"
 #include "aq/core/export.h"
 #include "aq/core/variant.h"
 
@@ -11,7 +14,39 @@ namespace aq {
 
 /// The levels of one band across a series of spectra, by spectrum number.
 class AQ_API AQ_Band {
+  using Levels = std::map<double, Variant>;  // by the number that the key's text gives
+
  public:
+  /// Goes through the levels by record number.
+  class Walk {
+   public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = std::pair<std::int32_t, Variant>;
+    using difference_type = std::ptrdiff_t;
+    using pointer = void;
+    using reference = std::pair<std::int32_t, const Variant&>;
+
+    Walk() = default;
+    Walk(Levels::const_iterator at, Levels::const_iterator end) : at_(at), end_(end) {
+      skipOthers();
+    }
+
+    reference operator*() const { return {static_cast<std::int32_t>(at_->first), at_->second}; }
+    Walk& operator++() {
+      ++at_;
+      skipOthers();
+      return *this;
+    }
+    Walk operator++(int) { return std::exchange(*this, ++Walk(*this)); }
+    friend bool operator==(const Walk& a, const Walk& b) { return a.at_ == b.at_; }
+
+   private:
+    void skipOthers();
+
+    Levels::const_iterator at_;
+    Levels::const_iterator end_;
+  };
+
   /// Makes no copy: gives no object for an empty band and throws `ObjectNotSet` for any other, as
   /// hosts know it. A band of a history is copied by asking the history for it again.
   [[nodiscard]] std::shared_ptr<AQ_Band> Copy() const;
@@ -22,10 +57,16 @@ class AQ_API AQ_Band {
   void SPL(const Variant& nSpectrum, const Variant& level);
 
   /// How many levels are stored.
-  [[nodiscard]] std::int32_t Count() const { return levels_.Count(); }
+  [[nodiscard]] std::int32_t Count() const { return static_cast<std::int32_t>(levels_.size()); }
+
+  // The levels as pairs of record number and level, ascending. Storing one ends a walk. A level
+  // under a fraction or beyond 32 bits is reached by `SPL` alone.
+  [[nodiscard]] Walk begin() const { return {levels_.begin(), levels_.end()}; }
+  [[nodiscard]] Walk end() const { return {levels_.end(), levels_.end()}; }
+  [[nodiscard]] bool contains(std::int32_t number) const { return levels_.contains(number); }
 
  private:
-  Collection<Variant> levels_;
+  Levels levels_;
 };
 
 }  // namespace aq

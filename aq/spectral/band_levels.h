@@ -25,6 +25,14 @@ class AQ_API BandLevels {
 
   [[nodiscard]] bool contains(std::int16_t band) const;
 
+  // The block in which all levels are: its lowest band, and how many bands it has.
+  [[nodiscard]] std::int16_t first() const {
+    return doubles_ ? doubles_->numbers.first() : codes_.first();
+  }
+  [[nodiscard]] std::size_t size() const {
+    return doubles_ ? doubles_->numbers.size() : codes_.size();
+  }
+
   void store(std::int16_t band, const Variant& level);
 
   /// Replaces all by one block of doubles, from band `low` up.

@@ -114,13 +114,19 @@ class AQ_API AQ_SpectralTimeHistory {
   void LoRec(std::int16_t nRecord) { records_.low = nRecord; }
   void HiRec(std::int16_t nRecord) { records_.high = nRecord; }
 
+  // The spectra that are stored, as pairs of record number and object, in the order of the numbers.
+  // Storing one ends a walk. `contains` creates nothing.
+  [[nodiscard]] auto begin() const { return spectra_.begin(); }
+  [[nodiscard]] auto end() const { return spectra_.end(); }
+  [[nodiscard]] bool contains(std::int32_t number) const { return spectra_.contains(number); }
+
  private:
   [[nodiscard]] std::shared_ptr<AQ_SpectralTimeHistory> withoutSpectra();
   void relateRecords(const AQ_Time& reference);
 
   std::shared_ptr<AQ_Time> startTime_;
   AQ_TimeStampType timeStampType_ = AQ_START;
-  NumberedSeries<AQ_Spectrum> spectra_;
+  NumberedSeries<AQ_Spectrum, std::int16_t> spectra_;
   std::shared_ptr<AQ_Time> referenceTime_;
   AQ_RefTimeType referenceType_ = AQ_START_REF;
   AQ_AverageMethod averageMethod_ = AQ_LINEAR;

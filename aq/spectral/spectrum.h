@@ -3,12 +3,14 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "aq/core/export.h"
 #include "aq/core/variant.h"
 #include "aq/detail/lazy_time.h"
 #include "aq/detail/number_range.h"
+#include "aq/detail/number_walk.h"
 #include "aq/detail/pointers.h"
 #include "aq/spectral/band_levels.h"
 #include "aq/spectral/metric.h"
@@ -55,6 +57,15 @@ class AQ_API AQ_Spectrum {
     copied_ = false;
   }
 
+  // The bands that have a level, as pairs of band and level, ascending. Storing one ends a walk.
+  [[nodiscard]] NumberWalk<AQ_Spectrum> begin() const {
+    return {this, levels_.first(), afterLast()};
+  }
+  [[nodiscard]] NumberWalk<AQ_Spectrum> end() const { return {this, afterLast(), afterLast()}; }
+  [[nodiscard]] bool contains(std::int32_t band) const {
+    return std::in_range<std::int16_t>(band) && levels_.contains(static_cast<std::int16_t>(band));
+  }
+
   /// The time by value, without making an object for it.
   [[nodiscard]] AQ_Time timeValue() const { return time_.value(); }
   [[nodiscard]] LazyTime& lazyTime() { return time_; }
@@ -72,6 +83,14 @@ class AQ_API AQ_Spectrum {
   [[nodiscard]] std::span<const double> levelDoubles() const;
 
  private:
+  friend NumberWalk<AQ_Spectrum>;
+  [[nodiscard]] std::pair<std::int16_t, Variant> entry(std::int16_t band) const {
+    return {band, SPL(band)};
+  }
+  [[nodiscard]] std::int32_t afterLast() const {
+    return levels_.first() + static_cast<std::int32_t>(levels_.size());
+  }
+
   LazyTime time_;
   BandLevels levels_;
   NumberRange bands_;
