@@ -19,6 +19,7 @@
 #include "aq/files/file_kind.h"
 #include "aq/files/header_ssr.h"
 #include "aq/files/header_sth.h"
+#include "aq/files/reference_type_line.h"
 #include "aq/geometry/data_gth.h"
 #include "aq/geometry/data_mic.h"
 #include "aq/geometry/data_pth.h"

@@ -33,6 +33,22 @@ class SystemFileInformation : public FileInformation {
   }
 };
 
+class KeepingFileInformation : public FileInformation {
+ public:
+  std::string recordedName(const std::string& path) override {
+    return fileInformation()->recordedName(path);
+  }
+  std::string fileDateTime(const std::string& path) override {
+    return fileInformation()->fileDateTime(path);
+  }
+  std::string currentDateTime() override { return fileInformation()->currentDateTime(); }
+
+  std::string sourceDateTime(const std::string& path, const std::string& recorded) override {
+    const bool known = !recorded.empty() && recorded != kNoDateTime;
+    return known || !platform::lastChanged(path) ? recorded : fileDateTime(path);
+  }
+};
+
 struct Service {
   std::mutex lock;
   std::shared_ptr<FileInformation> inForce;
@@ -47,11 +63,20 @@ Service& service() {
 
 FileInformation::~FileInformation() = default;
 
+std::string FileInformation::sourceDateTime(const std::string& path,
+                                            const std::string& /*recorded*/) {
+  return fileDateTime(path);
+}
+
 std::shared_ptr<FileInformation> fileInformation() {
   Service& one = service();
   const std::lock_guard guard(one.lock);
   if (!one.inForce) one.inForce = std::make_shared<SystemFileInformation>();
   return one.inForce;
+}
+
+std::shared_ptr<FileInformation> keepingFileInformation() {
+  return std::make_shared<KeepingFileInformation>();
 }
 
 void setFileInformation(std::shared_ptr<FileInformation> information) {

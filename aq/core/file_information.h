@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "aq/core/export.h"
 
@@ -24,10 +25,21 @@ class AQ_API FileInformation {
 
   /// Now, as `mm/dd/yyyy,hh:mm:ss`.
   virtual std::string currentDateTime() = 0;
+
+  /// The date to write of the file from which another was made. `recorded` is what the header holds
+  /// of it, in the same form. The default takes `fileDateTime`, as hosts know it.
+  virtual std::string sourceDateTime(const std::string& path, const std::string& recorded);
 };
 
 /// The one in force. May be called from any thread.
 [[nodiscard]] AQ_API std::shared_ptr<FileInformation> fileInformation();
+
+/// What `CurrentDate` 0 and midnight are as text: in a header, a date that is not known.
+inline constexpr std::string_view kNoDateTime = "12/30/1899,00:00:00";
+
+/// As the one in force, but for source files: a date that the header has stays, and one that is not
+/// known comes from the file when it is there. So a file read and written again keeps its dates.
+[[nodiscard]] AQ_API std::shared_ptr<FileInformation> keepingFileInformation();
 
 /// Puts a host's own in force, `nullptr` the default again. May be called from any thread.
 AQ_API void setFileInformation(std::shared_ptr<FileInformation> information);

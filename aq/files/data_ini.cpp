@@ -140,7 +140,7 @@ AQ_DataMessage AQ_DataINI::writeFile(const std::string& sFileName) {
   return writing(sFileName, [&](const std::string& name) {
     fileName_ = name;
     std::string text;
-    HeaderWriter lines(text);
+    HeaderWriter lines(text, fileInformation());
     lines.title(titles::kVariableInitialization);
     lines.recordedName(kFileName, fileName_);
     lines.currentDateTime(kFileDateTime, FileDate());

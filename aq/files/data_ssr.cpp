@@ -45,7 +45,7 @@ AQ_DataMessage AQ_DataSSR::writeFile(const std::string& sFileName,
     header_ = aqHeader;
     orThrow(header_).sFileName = name;
     std::string text;
-    HeaderWriter lines(text);
+    HeaderWriter lines(text, fileInformation());
     header(lines, *header_);
     std::string line;
     appendBandLabels(line, spectrum.LowBand(), spectrum.HighBand());

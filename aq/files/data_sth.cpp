@@ -41,7 +41,7 @@ void header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHistory& history,
   lines.timeOfDay("StartTime", *history.startTime());
   lines.timeOfDay("ReferenceTime", *history.ReferenceTime());
   lines.value(
-      "ReferenceTimeType", [&] { return history.sReferenceTimeType(); },
+      keywords::kReferenceTimeType, [&] { return history.sReferenceTimeType(); },
       [&](std::string_view text) { history.sReferenceTimeType(upperCased(text)); });
   lines.integer(keywords::kNumberOfSpectrum, count);
   lines.integers(keywords::kRecordNumbers, ",", low, high);
@@ -99,7 +99,7 @@ AQ_DataMessage AQ_DataSTH::writeFile(const std::string& sFileName,
     };
     LevelColumns columns{record(low).LowBand(), record(low).HighBand()};
     std::string text;
-    HeaderWriter lines(text);
+    HeaderWriter lines(text, fileInformation());
     header(lines, *header_, aqTimeHistory, columns);
     lines.columns(columnHeading());
     appendRows(text, low, high, [&](std::int32_t number) {

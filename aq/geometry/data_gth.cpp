@@ -92,7 +92,7 @@ void AQ_DataGTH::writeFile(const std::string& sFileName,
     const std::int32_t count = aqTimeHistory.Count();
     header_->NumberRecords = count;
     std::string text;
-    HeaderWriter lines(text);
+    HeaderWriter lines(text, fileInformation());
     header(lines, *header_);
     lines.columns(kColumns);
     appendRows(text, 1, count, [&](std::int32_t record) {

@@ -55,7 +55,7 @@ void AQ_DataPTH::writeFile(const std::string& sFileName,
     const std::int32_t count = aqTimeHistory.Count();
     header_->lNumberRecords = count;
     std::string text;
-    HeaderWriter lines(text);
+    HeaderWriter lines(text, fileInformation());
     header(lines, *header_);
     lines.columns("TOD,X,Y,Z");
     appendRows(text, 1, count, [&](std::int32_t place) {

@@ -104,7 +104,7 @@ AQ_DataMessage AQ_DataMask::writeFile(const std::string& sFileName,
     header.iBandLow = orThrow(aqMaskMap.Row(1)).LowBand();
     header.iBandHigh = orThrow(aqMaskMap.Row(1)).HighBand();
     std::string text;
-    HeaderWriter lines(text);
+    HeaderWriter lines(text, fileInformation());
     aq::header(lines, header);
     lines.columns(columnHeading(header));
     appendRows(text, 1, count, [&](std::int32_t number) {

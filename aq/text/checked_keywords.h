@@ -8,6 +8,7 @@ namespace aq::keywords {
 
 inline constexpr std::string_view kAveragingMethod = "AveragingMethod";
 inline constexpr std::string_view kTimeStampType = "TimeStampType";
+inline constexpr std::string_view kReferenceTimeType = "ReferenceTimeType";
 inline constexpr std::string_view kNuAvg = "NuAvg";
 inline constexpr std::string_view kNuTimg = "NuTimg";
 inline constexpr std::string_view kNumberOfSpectrum = "NumberOfSpectrum";

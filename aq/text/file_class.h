@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -7,6 +8,7 @@
 #include "aq/core/enumerations.h"
 #include "aq/core/export.h"
 #include "aq/core/file_failure.h"
+#include "aq/core/file_information.h"
 #include "aq/text/header_observer.h"
 
 namespace aq {
@@ -20,6 +22,17 @@ class AQ_API FileClass {
   /// Shows `watch` the header lines of every read from now on, as far as it comes. What `watch`
   /// throws ends the read and goes to the caller.
   void observeHeader(HeaderObserver watch) { observer_ = std::move(watch); }
+
+  /// Has writes ask `information` for names and dates; `nullptr`, as at first, stands for the one in
+  /// force.
+  void fileInformation(std::shared_ptr<FileInformation> information) {
+    information_ = std::move(information);
+  }
+
+  /// The one that writes ask.
+  [[nodiscard]] std::shared_ptr<FileInformation> fileInformation() const {
+    return information_ ? information_ : aq::fileInformation();
+  }
 
  protected:
   FileClass() = default;
@@ -72,6 +85,7 @@ class AQ_API FileClass {
 
   std::optional<FileFailure> lastFailure_;
   HeaderObserver observer_;
+  std::shared_ptr<FileInformation> information_;
 };
 
 }  // namespace aq

@@ -1,10 +1,30 @@
 #include "aq/text/header_writer.h"
 
-#include "aq/core/file_information.h"
+#include "aq/core/error.h"
 #include "aq/core/platform.h"
+#include "aq/text/date_text.h"
 #include "aq/text/number_text.h"
 
 namespace aq {
+namespace {
+
+/// What no header can say counts as not known.
+std::string dateTimeText(const AQ_Time& time) {
+  constexpr double kDay = 86400;
+  const double seconds = time.TODseconds();
+  if (!(seconds >= 0 && seconds < kDay)) return std::string(kNoDateTime);
+  try {
+    std::string text = dateText(time.CurrentDate());
+    text += ',';
+    const auto whole = static_cast<int>(seconds);
+    appendClockTime(text, whole / 3600, whole / 60 % 60, whole % 60);
+    return text;
+  } catch (const Error&) {
+    return std::string(kNoDateTime);
+  }
+}
+
+}  // namespace
 
 void HeaderWriter::title(std::string_view fileType) { line("FileType", fileType); }
 
@@ -43,15 +63,16 @@ void HeaderWriter::timeOfDay(std::string_view keyword, const AQ_Time& time) {
 }
 
 void HeaderWriter::recordedName(std::string_view keyword, const std::string& file) {
-  line(keyword, fileInformation()->recordedName(file));
+  line(keyword, information_->recordedName(file));
 }
 
 void HeaderWriter::currentDateTime(std::string_view keyword, const std::shared_ptr<AQ_Time>&) {
-  line(keyword, fileInformation()->currentDateTime());
+  line(keyword, information_->currentDateTime());
 }
 
-void HeaderWriter::fileDateTime(std::string_view keyword, const std::string& file) {
-  line(keyword, fileInformation()->fileDateTime(file));
+void HeaderWriter::dateTimeOf(std::string_view keyword, const std::string& file,
+                              const std::shared_ptr<AQ_Time>& recorded) {
+  dateTimeOf(keyword, file, recorded ? dateTimeText(*recorded) : std::string(kNoDateTime));
 }
 
 void HeaderWriter::lines(std::string_view keyword,

@@ -6,9 +6,11 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "aq/core/collection.h"
 #include "aq/core/export.h"
+#include "aq/core/file_information.h"
 #include "aq/core/time.h"
 
 namespace aq {
@@ -17,7 +19,9 @@ namespace aq {
 /// members, so that one description of a file's header serves both ways.
 class AQ_API HeaderWriter {
  public:
-  explicit HeaderWriter(std::string& text) : text_(text) {}
+  /// Names and dates of files come from `information`.
+  HeaderWriter(std::string& text, std::shared_ptr<FileInformation> information)
+      : text_(text), information_(std::move(information)) {}
 
   /// The first line, which says what kind of file it is.
   void title(std::string_view fileType);
@@ -46,10 +50,12 @@ class AQ_API HeaderWriter {
     currentDateTime(keyword, time);
   }
 
-  /// The date and time of `file` as it is now; a header's own is not written.
-  template <class HeadersOwn>
-  void dateTimeOf(std::string_view keyword, const std::string& file, const HeadersOwn&) {
-    fileDateTime(keyword, file);
+  /// The date and time of a source file; the information service chooses between the header's own,
+  /// which is handed to it, and the file's.
+  void dateTimeOf(std::string_view keyword, const std::string& file,
+                  const std::shared_ptr<AQ_Time>& recorded);
+  void dateTimeOf(std::string_view keyword, const std::string& file, const std::string& recorded) {
+    line(keyword, information_->sourceDateTime(file, recorded));
   }
 
   /// A line with their number, then the lines themselves as they are; a header's own count is not
@@ -61,10 +67,10 @@ class AQ_API HeaderWriter {
   void columns(std::string_view heading);
 
  private:
-  void fileDateTime(std::string_view keyword, const std::string& file);
   void line(std::string_view keyword, std::string_view value);
 
   std::string& text_;
+  std::shared_ptr<FileInformation> information_;
 };
 
 /// Appends the rows from `first` to `last` by `append(number)`. The first one tells how much room

@@ -1,4 +1,5 @@
 #include <aq/files/data_sth.h>
+#include <aq/files/reference_type_line.h>
 #include <gtest/gtest.h>
 
 #include <clocale>
@@ -60,6 +61,47 @@ TEST(DataSTH, WhatAFileDoesNotCarry) {
   EXPECT_EQ(again.history->spectrum(5)->Time()->RelSeconds(), static_cast<double>(0.1F));
   EXPECT_EQ(again.header->cCommentLines->Item(2), "cut");
   EXPECT_EQ(again.header->cCommentLines->Item(3), "quoted");
+}
+
+TEST(DataSTH, AFileClassOfItsOwnInformationKeepsTheDateOfTheSource) {
+  const test::FixedInformation fixed;  // gives 2004
+  const test::Folder folder;
+  Read read(kGood);
+  const auto dateWith = [&](std::shared_ptr<FileInformation> information, const char* source) {
+    read.file.fileInformation(std::move(information));
+    read.header->sGenerationFile = source;
+    static_cast<void>(read.file.writeFile(folder.file("out"), read.header, *read.history));
+    return test::linesOf(contentOf(folder.file("out")))[16];
+  };
+  *read.header->aqGenerationDateTime = AQ_Time();
+  const auto keeping = keepingFileInformation();
+  EXPECT_EQ(dateWith(keeping, ""), "GenerationFileDateTime**,12/30/1899,00:00:00");
+  EXPECT_EQ(dateWith(keeping, kGood.c_str()), "GenerationFileDateTime**,03/14/2004,07:05:09");
+  read.header->aqGenerationDateTime->CurrentDate(45000);
+  read.header->aqGenerationDateTime->TODseconds(86399.5);
+  EXPECT_EQ(dateWith(keeping, kGood.c_str()), "GenerationFileDateTime**,03/15/2023,23:59:59");
+  EXPECT_EQ(dateWith(nullptr, kGood.c_str()), "GenerationFileDateTime**,03/14/2004,07:05:09");
+}
+
+TEST(DataSTH, TheReferenceTypeOfTheHeaderIsThereForWhoWatches) {
+  const test::Folder folder;
+  const auto typeOf = [&](const std::string& word) {
+    auto lines = test::linesOf(contentOf(kGood));
+    lines[10] = "ReferenceTimeType**," + word;
+    ReferenceTypeLine reference;
+    AQ_DataSTH file;
+    file.observeHeader([&](const HeaderLine& line) { reference.see(line); });
+    std::shared_ptr<AQ_HeaderSTH> header;
+    std::shared_ptr<AQ_SpectralTimeHistory> history;
+    static_cast<void>(file.readFile(folder.with("in", test::textOf(lines)), header, history));
+    EXPECT_EQ(history->ReferenceType(), AQ_START_REF);
+    EXPECT_EQ(reference.word(), word);
+    return reference.type();
+  };
+  EXPECT_EQ(typeOf("START"), AQ_START_REF);
+  EXPECT_EQ(typeOf("oaMax"), AQ_OAMAX);
+  EXPECT_EQ(typeOf("OTHER"), AQ_OTHER);
+  EXPECT_EQ(typeOf("PEAK"), std::nullopt);
 }
 
 TEST(DataSTH, LinesAreTakenByPlaceAndRecordsByNumber) {
