@@ -1,8 +1,8 @@
 #include "aq/files/reference_type_line.h"
 
-#include "aq/text/number_text.h"
 #include "aq/spectral/spectral_time_history.h"
 #include "aq/text/checked_keywords.h"
+#include "aq/text/number_text.h"
 
 namespace aq {
 

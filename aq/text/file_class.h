@@ -23,8 +23,8 @@ class AQ_API FileClass {
   /// throws ends the read and goes to the caller.
   void observeHeader(HeaderObserver watch) { observer_ = std::move(watch); }
 
-  /// Has writes ask `information` for names and dates; `nullptr`, as at first, stands for the one in
-  /// force.
+  /// Has writes ask `information` for names and dates; `nullptr`, as at first, stands for the one
+  /// in force.
   void fileInformation(std::shared_ptr<FileInformation> information) {
     information_ = std::move(information);
   }
