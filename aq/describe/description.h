@@ -43,7 +43,8 @@ inline constexpr Quantity kSeconds{"s"};
 inline constexpr Quantity kSecondsOfDay{"s", 0, 86400};
 inline constexpr Quantity kBand{"band", 2, 50};
 inline constexpr Quantity kRecord{"record", -32768, 32767};
-inline constexpr Quantity kPlace{"place", 1, 32767};
+inline constexpr Quantity kRecordOf32Bits{"record", -2147483648.0, 2147483647};
+inline constexpr Quantity kPlace{"place", 1, 2147483647};
 inline constexpr Quantity kCount{"count", 0, 32767};
 inline constexpr Quantity kRecords{"count", 0, 2147483647};
 /// Coordinates and lengths are never converted: they have the unit of the file that they came from.
@@ -164,6 +165,15 @@ struct Keyed {
   const char* name;
   ByPlace byPlace;
   ByKey byKey;
+  About about;
+};
+
+/// A function of the library that belongs to no class.
+template <class Call, std::size_t Count>
+struct Function {
+  const char* name;
+  Call call;
+  std::array<Parameter, Count> parameters;
   About about;
 };
 
@@ -308,6 +318,16 @@ class Members {
   template <class ByPlace, class ByKey>
   Members& keyed(const char* name, ByPlace byPlace, ByKey byKey, std::string_view text) {
     return take(Keyed<ByPlace, ByKey>{name, byPlace, byKey, about(text)});
+  }
+
+  template <class Result, class... Arguments, class... Parts, class... Given>
+  Members& function(const char* name, Result (*call)(Arguments...), const Told<Parts...>& told,
+                    const Given&... parameters) {
+    saysItsUnit<Result, Parts...>();
+    static_assert(sizeof...(Arguments) == sizeof...(Given), "a parameter without its name");
+    (fits<Arguments>(parameters), ...);
+    return take(
+        Function<decltype(call), sizeof...(Given)>{name, call, {Parameter(parameters)...}, told});
   }
 
  private:

@@ -27,7 +27,7 @@ class AQ_API AQ_Position {
   void Y(double y) { y_ = y; }
   void Z(double z) { z_ = z; }
 
-  /// The time by value, without making an object for it.
+  /// The time as it is held, without making an object for it.
   [[nodiscard]] LazyTime& lazyTime() { return time_; }
   [[nodiscard]] const LazyTime& lazyTime() const { return time_; }
 

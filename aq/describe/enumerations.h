@@ -1,0 +1,189 @@
+#pragma once
+
+#include "aq/core/enumerations.h"
+#include "aq/core/error.h"
+#include "aq/describe/description.h"
+
+// The enumerations, and what their members mean in the field.
+
+namespace aq::describe {
+
+template <>
+struct Description<AQ_AverageMethod> {
+  static constexpr char name[] = "AQ_AverageMethod";
+  static constexpr char text[] = "How the levels of one record were averaged";
+  template <class To>
+  static void members(To& to) {
+    to.member("AQ_LINEAR", AQ_LINEAR, "The mean energy of the record, each instant with one weight")
+        .member("AQ_TRUSLO", AQ_TRUSLO, "The slow response of the analyzer's own detector")
+        .member("AQ_4S100", AQ_4S100,
+                "Slow response made of four records in a row, weighted so that the weights add up "
+                "to 100 %")
+        .member("AQ_4S95", AQ_4S95,
+                "Slow response made of four records in a row, weighted so that the weights add up "
+                "to 95 %")
+        .member("AQ_CONTEXPO", AQ_CONTEXPO,
+                "Slow response made by continuous exponential averaging of the records")
+        .member("AQ_NA", AQ_NA, "Not set");
+  }
+};
+
+template <>
+struct Description<AQ_TimeStampType> {
+  static constexpr char name[] = "AQ_TimeStampType";
+  static constexpr char text[] = "Which instant of a record of half a second its time stamp names";
+  template <class To>
+  static void members(To& to) {
+    to.member("AQ_START", AQ_START, "Its start")
+        .member("AQ_MIDPT", AQ_MIDPT, "Its middle")
+        .member("AQ_END", AQ_END, "Its end")
+        .member("AQ_ICAOSLO", AQ_ICAOSLO,
+                "0.75 s before its end, the instant that a level of slow response belongs to")
+        .member("AQ_OLDSLO", AQ_OLDSLO, "1 s before its end, the older rule for slow response");
+  }
+};
+
+template <>
+struct Description<AQ_RefTimeType> {
+  static constexpr char name[] = "AQ_RefTimeType";
+  static constexpr char text[] = "Which event the reference time of a history marks";
+  template <class To>
+  static void members(To& to) {
+    to.member("AQ_START_REF", AQ_START_REF, "The start of the measurement")
+        .member("AQ_OVERHEAD", AQ_OVERHEAD, "The source is overhead")
+        .member("AQ_AMAX", AQ_AMAX, "The largest A-weighted level")
+        .member("AQ_PMAX", AQ_PMAX, "The largest perceived noise level")
+        .member("AQ_TMAX", AQ_TMAX, "The largest tone-corrected perceived noise level")
+        .member("AQ_OAMAX", AQ_OAMAX, "The largest overall level")
+        .member("AQ_HACK", AQ_HACK, "A time mark that was set during the measurement")
+        .member("AQ_OTHER", AQ_OTHER, "Another event");
+  }
+};
+
+template <>
+struct Description<AQ_CONSTANTS> {
+  static constexpr char name[] = "AQ_CONSTANTS";
+  static constexpr char text[] = "Numbers with a meaning of their own";
+  template <class To>
+  static void members(To& to) {
+    to.member("AQ_INVALID_LEVEL", AQ_INVALID_LEVEL,
+              "As a level: not valid; as a last good band: there is none; as the lowest band or "
+              "record: nothing was stored yet");
+  }
+};
+
+template <>
+struct Description<AQ_OPTIME> {
+  static constexpr char name[] = "AQ_OPTIME";
+  static constexpr char text[] = "Which of its two times a time value works in";
+  template <class To>
+  static void members(To& to) {
+    to.member("AQ_TIME_TOD", AQ_TIME_TOD, "The time of day")
+        .member("AQ_TIME_REF", AQ_TIME_REF, "The time relative to a reference");
+  }
+};
+
+template <>
+struct Description<AQ_DataMessage> {
+  static constexpr char name[] = "AQ_DataMessage";
+  static constexpr char text[] = "How a read or a write of a file ended";
+  template <class To>
+  static void members(To& to) {
+    to.member("AQ_DATA_OK", AQ_DATA_OK, "Well")
+        .member("AQ_DATA_FILE_ERROR", AQ_DATA_FILE_ERROR,
+                "The file could not be read or written; lastFailure says why");
+  }
+};
+
+template <>
+struct Description<AQ_MASK_MODE> {
+  static constexpr char name[] = "AQ_MASK_MODE";
+  static constexpr char text[] =
+      "Whether, and by which test, one band of one record is masked by the ambient";
+  template <class To>
+  static void members(To& to) {
+    to.member("NOT_MASKED", NOT_MASKED, "The level is that of the source")
+        .member("MASKED_BY_MASK_CRITERION", MASKED_BY_MASK_CRITERION,
+                "The level does not exceed the masking criterion")
+        .member("MASKED_BY_PRE_DETECT", MASKED_BY_PRE_DETECT,
+                "Masked by pre-detection noise: ambient and electrical noise that adds its energy "
+                "to the source's")
+        .member("MASKED_BY_POST_DETECT", MASKED_BY_POST_DETECT,
+                "Masked by post-detection noise: the floor of the instruments, which adds nothing");
+  }
+};
+
+template <>
+struct Description<AQ_MASK_ADJUST> {
+  static constexpr char name[] = "AQ_MASK_ADJUST";
+  static constexpr char text[] = "How a masked level was adjusted";
+  template <class To>
+  static void members(To& to) {
+    to.member("NOT_ADJUSTED", NOT_ADJUSTED, "Not at all")
+        .member("ENERGY_SUBTRACTION", ENERGY_SUBTRACTION,
+                "The energy of the ambient was subtracted")
+        .member("FREQUENCY_EXTRAPOLATION", FREQUENCY_EXTRAPOLATION,
+                "Extrapolated from other bands of its record")
+        .member("TIME_EXTRAPOLATION", TIME_EXTRAPOLATION,
+                "Extrapolated from its band in other records")
+        .member("AVG_OF_ADJACENT", AVG_OF_ADJACENT, "The mean of the adjacent bands")
+        .member("CORRECTIONS_APPLIED", CORRECTIONS_APPLIED, "Corrections were applied")
+        .member("ADJ_TO_REFERENCE", ADJ_TO_REFERENCE, "Adjusted to reference conditions");
+  }
+};
+
+template <>
+struct Description<AQ_METRIC_INTEG_VALUE> {
+  static constexpr char name[] = "AQ_METRIC_INTEG_VALUE";
+  static constexpr char text[] =
+      "Which part a record plays in the integration of a metric; flags that combine";
+  template <class To>
+  static void members(To& to) {
+    to.member("AQ_INTEG_MAX", AQ_INTEG_MAX, "It has the maximum")
+        .member("AQ_INTEG_FST", AQ_INTEG_FST, "It is the first that is integrated")
+        .member("AQ_INTEG_LST", AQ_INTEG_LST, "It is the last that is integrated")
+        .member("AQ_INTEG_2ND", AQ_INTEG_2ND, "It has a second peak");
+  }
+};
+
+template <>
+struct Description<AQ_METRIC_TYPE> {
+  static constexpr char name[] = "AQ_METRIC_TYPE";
+  static constexpr char text[] = "The kinds of metric of a record";
+  template <class To>
+  static void members(To& to) {
+    to.member("AQ_METRIC_AWT", AQ_METRIC_AWT, "A-weighted level, dB")
+        .member("AQ_METRIC_CWT", AQ_METRIC_CWT, "C-weighted level, dB")
+        .member("AQ_METRIC_DWT", AQ_METRIC_DWT, "D-weighted level, dB")
+        .member("AQ_METRIC_OA", AQ_METRIC_OA, "Overall level, dB")
+        .member("AQ_METRIC_PNL", AQ_METRIC_PNL, "Perceived noise level, PNdB")
+        .member("AQ_METRIC_PNLT", AQ_METRIC_PNLT, "Tone-corrected perceived noise level, TPNdB")
+        .member("AQ_METRIC_TONECOR", AQ_METRIC_TONECOR, "Tone correction, dB")
+        .member("AQ_METRIC_TONEBND", AQ_METRIC_TONEBND, "The band that caused the tone correction")
+        .member("AQ_METRIC_LGB", AQ_METRIC_LGB, "The last good band")
+        .member("AQ_METRIC_INTEG", AQ_METRIC_INTEG, "The part in the integration, flags");
+  }
+};
+
+template <>
+struct Description<ErrorCode> {
+  static constexpr char name[] = "ErrorCode";
+  static constexpr char text[] = "What kind of fault an Error reports";
+  template <class To>
+  static void members(To& to) {
+    to.member("InvalidArgument", ErrorCode::InvalidArgument,
+              "No entry under that key or number, no such label, text that has no such form")
+        .member("InvalidIndex", ErrorCode::InvalidIndex, "No entry at that place")
+        .member("InvalidValue", ErrorCode::InvalidValue,
+                "A value that has no written form, such as a time of day of 90,000 s")
+        .member("TypeMismatch", ErrorCode::TypeMismatch,
+                "A value that does not convert to the type that is wanted")
+        .member("Overflow", ErrorCode::Overflow,
+                "A value outside the range of the type that is wanted")
+        .member("ObjectNotSet", ErrorCode::ObjectNotSet, "An object is wanted and there is none")
+        .member("MemberNotSupported", ErrorCode::MemberNotSupported,
+                "An object is asked for a member that it does not have");
+  }
+};
+
+}  // namespace aq::describe

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "aq/describe/enumerations.h"
+#include "aq/masking/mask.h"
+#include "aq/masking/mask_map.h"
+#include "aq/masking/mask_row.h"
+
+namespace aq::describe {
+
+template <>
+struct Description<AQ_Mask> {
+  static constexpr char name[] = "AQ_Mask";
+  static constexpr int number = 21;
+  static constexpr char text[] =
+      "One masking decision: whether and by which test the level of one band of one record is "
+      "masked by the ambient, and how it was adjusted";
+  template <class To>
+  static void members(To& to) {
+    using M = AQ_Mask;
+    to.method("Copy", &M::Copy, "A new mask with the same values")
+        .property("MaskMode", &M::MaskMode, &M::MaskMode, "Whether and by which test")
+        .property("AdjustMode", &M::AdjustMode, &M::AdjustMode, "How the level was adjusted")
+        .form("MaskString", &M::MaskString, &M::MaskString,
+              "The letters of mode (-MAF) and adjustment (-SFTACR)");
+  }
+};
+
+template <>
+struct Description<AQ_MaskRow> {
+  static constexpr char name[] = "AQ_MaskRow";
+  static constexpr int number = 22;
+  static constexpr char text[] =
+      "The masking decisions of one record, by band, and its last good band. Masks are shared, not "
+      "copied";
+  template <class To>
+  static void members(To& to) {
+    using R = AQ_MaskRow;
+    to.method("Copy", &R::Copy, "A deep copy")
+        .indexed("Mask", &R::Mask, &R::Mask, in("nBand", "The band", kBand),
+                 "The mask of a band; a band without one gets a default mask. Storing one for a "
+                 "band that has one only removes that: change the mask itself instead")
+        .property("HighBand", &R::HighBand, "The highest band with a mask; -1 when none has", kBand)
+        .property("LowBand", &R::LowBand, "The lowest band with a mask; 9999 when none has", kBand)
+        .banded(
+            "Encompasses",
+            [](const R& self, const auto& spectrum) { return self.Encompasses(spectrum); },
+            "Whether the bands of an object with LowBand and HighBand lie inside the row's",
+            in("spectrum", "Any object with LowBand and HighBand"))
+        .property("LGB", &R::LGB, &R::LGB,
+                  "The last good band: 0 when no band from 29 up is masked, 9999 when bands 28 and "
+                  "29 both are",
+                  kBand)
+        .method("contains", &R::contains, "Whether a band has a mask; it gets none by this",
+                in("band", "The band", kBand));
+  }
+};
+
+template <>
+struct Description<AQ_MaskMap> {
+  static constexpr char name[] = "AQ_MaskMap";
+  static constexpr int number = 23;
+  static constexpr char text[] =
+      "The masking map of a measurement: one row per record, numbered like the records of the "
+      "spectral time history. Rows are shared, not copied";
+  template <class To>
+  static void members(To& to) {
+    using M = AQ_MaskMap;
+    to.method("Copy", &M::Copy, "A deep copy of rows 1 to Count")
+        .indexed("Row", &M::Row, &M::Row, in("nRecord", "The record", kRecord),
+                 "The row of a record; reading one that is missing raises")
+        .property("Count", &M::Count, "The number of rows", kCount)
+        .method("setLGB", &M::setLGB, "Finds each row's last good band from its masks")
+        .method("contains", &M::contains, "Whether a record has a row",
+                in("number", "The record", kRecord));
+  }
+};
+
+}  // namespace aq::describe

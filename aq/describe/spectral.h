@@ -1,0 +1,174 @@
+#pragma once
+
+#include "aq/describe/enumerations.h"
+#include "aq/spectral/band.h"
+#include "aq/spectral/metric.h"
+#include "aq/spectral/metric_summary.h"
+#include "aq/spectral/spectral_time_history.h"
+#include "aq/spectral/spectrum.h"
+
+namespace aq::describe {
+
+template <>
+struct Description<AQ_Metric> {
+  static constexpr char name[] = "AQ_Metric";
+  static constexpr int number = 11;
+  static constexpr char text[] =
+      "The noise metrics computed for one spectrum. One that was never set reads as 0";
+  template <class To>
+  static void members(To& to) {
+    using M = AQ_Metric;
+    to.property("AWT", &M::AWT, &M::AWT, "A-weighted level", kDecibels)
+        .method("Copy", &M::Copy, "A new metric with the same values, 0 where there was none")
+        .property("CWT", &M::CWT, &M::CWT, "C-weighted level", kDecibels)
+        .property("DWT", &M::DWT, &M::DWT, "D-weighted level", kDecibels)
+        .property("OA", &M::OA, &M::OA, "Overall level", kDecibels)
+        .property("PNL", &M::PNL, &M::PNL, "Perceived noise level", Quantity{"PNdB"})
+        .property("PNLT", &M::PNLT, &M::PNLT, "Tone-corrected perceived noise level",
+                  Quantity{"TPNdB"})
+        .property("TONECOR", &M::TONECOR, &M::TONECOR, "Tone correction", kDecibels)
+        .property("TONEBND", &M::TONEBND, &M::TONEBND, "The band that caused the tone correction",
+                  kBand)
+        .property("LGB", &M::LGB, &M::LGB,
+                  "The last good band: 0 when no band from 29 up is masked, 9999 when bands 28 and "
+                  "29 both are",
+                  kBand)
+        .property("INTEG", &M::INTEG, &M::INTEG,
+                  "The part that the record plays in the integration")
+        .indexed("MetricValue", &M::MetricValue, &M::MetricValue, in("aqMetric", "Which metric"),
+                 "Any metric by its type", Quantity{"that of the metric"});
+  }
+};
+
+template <>
+struct Description<AQ_MetricSummary> {
+  static constexpr char name[] = "AQ_MetricSummary";
+  static constexpr int number = 12;
+  static constexpr char text[] = "Which metrics a spectral time history carries, in order";
+  template <class To>
+  static void members(To& to) {
+    using S = AQ_MetricSummary;
+    to.method("Copy", &S::Copy, "A new summary with the same list")
+        .setter("MetricType", &S::MetricType, "Adds a metric; one that is listed moves to the end",
+                in("aqMetric", "Which metric"))
+        .property("MetricTypes", &S::MetricTypes, "The summary's own list, not a copy")
+        .method("isMetric", &S::isMetric, "Whether a metric is listed",
+                in("aqMetric", "Which metric"))
+        .form("MetricTypeString", &S::MetricTypeString, &S::MetricTypeString,
+              "The list as text, AWT, PNLT; setting adds the one metric of that name");
+  }
+};
+
+template <>
+struct Description<AQ_Spectrum> {
+  static constexpr char name[] = "AQ_Spectrum";
+  static constexpr int number = 13;
+  static constexpr char text[] =
+      "One measured one-third-octave spectrum: a level for each band that has one, in dB, the time "
+      "of the measurement, an overall level and the metrics. Band n is centred at 10^(n/10) Hz; "
+      "9999 is a level that is not valid";
+  template <class To>
+  static void members(To& to) {
+    using S = AQ_Spectrum;
+    to.method("Copy", &S::Copy, "A deep copy; a band of the range without a level raises")
+        .indexed("SPL", &S::SPL, &S::SPL, in("nBand", "The band", kBand),
+                 "The level of a band; reading a band without one raises", kDecibels)
+        .property("LowBand", &S::LowBand, "The lowest band ever stored; 9999 when none was", kBand)
+        .property("HighBand", &S::HighBand, "The highest band ever stored; -1 when none was", kBand)
+        .banded(
+            "Encompasses",
+            [](const S& self, const auto& spectrum) { return self.Encompasses(spectrum); },
+            "Whether the bands of an object with LowBand and HighBand lie inside this one's",
+            in("spectrum", "Any object with LowBand and HighBand"))
+        .property("Level", &S::Level, &S::Level, "An overall level", kDecibels)
+        .property("Time", &S::Time, &S::Time, "When it was measured")
+        .property("Metric", &S::Metric, &S::Metric, "The metrics")
+        .method("contains", &S::contains, "Whether a band has a level",
+                in("band", "The band", kBand));
+  }
+};
+
+template <>
+struct Description<AQ_Band> {
+  static constexpr char name[] = "AQ_Band";
+  static constexpr int number = 14;
+  static constexpr char text[] =
+      "The levels of one band across a series of spectra, by spectrum number";
+  template <class To>
+  static void members(To& to) {
+    using B = AQ_Band;
+    to.method("Copy", &B::Copy, "No object for an empty band; any other raises")
+        .indexed("SPL", &B::SPL, &B::SPL, in("nSpectrum", "The spectrum's number", kRecord),
+                 "The level of a spectrum number; reading one that is missing raises", kDecibels)
+        .property("Count", &B::Count, "How many levels are stored", kRecords)
+        .method("contains", &B::contains, "Whether a spectrum number has a level",
+                in("number", "The spectrum's number", kRecord));
+  }
+};
+
+template <>
+struct Description<AQ_SpectralTimeHistory> {
+  static constexpr char name[] = "AQ_SpectralTimeHistory";
+  static constexpr int number = 15;
+  static constexpr char text[] =
+      "A numbered series of spectra measured one after another, half a second each, with the time "
+      "of the first record, a reference time, how the levels were averaged and where in each "
+      "record its time stamp lies. Spectra are shared, not copied";
+  template <class To>
+  static void members(To& to) {
+    using H = AQ_SpectralTimeHistory;
+    to.method("Init", &H::Init, "A new history of these records with level 0 in these bands",
+              in("LoRec", "The first record", kRecord), in("HiRec", "The last record", kRecord),
+              in("loBand", "The lowest band", kBand), in("hiBand", "The highest band", kBand))
+        .method("Resize", &H::Resize,
+                "A new history that shares these spectra; no object when they are not all there",
+                in("LoRec", "The first record", kRecord), in("HiRec", "The last record", kRecord))
+        .form("sAveragingMethod", &H::sAveragingMethod, &H::sAveragingMethod,
+              "AverageMethod as LINEAR, TRUSLO, 4S100, 4S95, CONTEXPO or NA; other text changes "
+              "nothing")
+        .form("sReferenceTimeType", &H::sReferenceTimeType, &H::sReferenceTimeType,
+              "ReferenceType as START, OVERHEAD, AMAX, PMAX, TMAX, OAMAX, HACK or OTHER; setting "
+              "never changes it")
+        .form("sTimeStampType", &H::sTimeStampType, &H::sTimeStampType,
+              "TimeStampType as START, MIDPT, END, ICAOSLO or OLDSLO; other text changes nothing")
+        .property("Count", &H::Count, "The number of spectra", kCount)
+        .method("EncompassesMask", &H::EncompassesMask,
+                "Whether the map has as many records and no band that the history lacks",
+                in("MapMask", "The masking map"))
+        .setter("setLGB", &H::setLGB,
+                "Sets the metric LGB of each spectrum from the map's row of the same number",
+                in("MapMask", "The masking map"))
+        .property("TimeStampType", &H::TimeStampType, &H::TimeStampType,
+                  "Which instant of a record its time stamp names")
+        .method("setTimeStamps", &H::setTimeStamps,
+                "Stamps every record, half a second each, and makes it relative to the reference",
+                in("startTime", "The time of the first record"),
+                in("StartTimeType", "Which instant of a record its stamp names"),
+                in("RefTime", "The reference time"), in("RefType", "Which event that marks"))
+        .indexed("spectrum", &H::spectrum, &H::spectrum, in("nRecord", "The record", kRecord),
+                 "The spectrum of a record, shared")
+        .property("ReferenceTime", &H::ReferenceTime, &H::ReferenceTime, "The reference time")
+        .method("Copy", &H::Copy, "A deep copy")
+        .indexed("Band", &H::Band,
+                 static_cast<void (H::*)(std::int16_t, const std::shared_ptr<AQ_Band>&)>(&H::Band),
+                 in("nBand", "The band", kBand),
+                 "The levels of one band over all records; no object when a record lacks it")
+        .method("setRelTimes", &H::setRelTimes,
+                "Shares the reference time and makes every record relative to it",
+                in("ReferenceTime", "The reference time"), in("RefType", "Which event that marks"))
+        .property("startTime", &H::startTime, &H::startTime, "The time of the first record")
+        .property("AverageMethod", &H::AverageMethod, &H::AverageMethod,
+                  "How the levels of a record were averaged")
+        .property("ReferenceType", &H::ReferenceType, &H::ReferenceType,
+                  "Which event the reference time marks")
+        .property("Metrics", &H::Metrics, &H::Metrics, "Which metrics the history carries")
+        .property("HiRec", &H::HiRec, &H::HiRec,
+                  "The highest record number ever stored; -1 when none was", kRecord)
+        .property("LoRec", &H::LoRec, &H::LoRec,
+                  "The lowest record number ever stored; 9999 when none was", kRecord)
+        .method("contains", &H::contains, "Whether a record has a spectrum",
+                in("number", "The record", kRecord));
+  }
+};
+
+}  // namespace aq::describe
