@@ -96,9 +96,16 @@ void driveSeries(Calls& calls) {
     series.store(record, std::shared_ptr(plain.back().second));
     history.spectrum(record, plain.back().second);
     range.widen(record);
-    expect(std::equal(series.begin(), series.end(), plain.begin(), plain.end(),
+    expect(std::equal(series.placed().begin(), series.placed().end(), plain.begin(), plain.end(),
                       [](const auto& a, const auto& b) { return a == b.second; }),
            "the order of storing");
+    auto sorted = plain;
+    std::sort(sorted.begin(), sorted.end());
+    expect(std::equal(history.begin(), history.end(), sorted.begin(), sorted.end(),
+                      [](const auto& a, const auto& b) {
+                        return a.first == b.first && a.second == b.second;
+                      }),
+           "the order of numbers");
     const auto place = static_cast<std::size_t>(calls.below(20)) % plain.size();
     expect(series.atPlace(static_cast<int>(place) + 1) == plain[place].second, "a place");
     expect(history.Count() == static_cast<int>(plain.size()), "the count");

@@ -51,28 +51,21 @@ void checkLastGoodBands(const RecordLines& records, const AQ_MaskMap& map, std::
   });
 }
 
-/// What `get()` returns; nothing for a record that is not there.
-template <class Get>
-auto ifThere(const Get& get) -> decltype(get()) {
-  try {
-    return get();
-  } catch (const Error&) {
-    return nullptr;
-  }
-}
-
 void compareRecords(const AQ_SpectralTimeHistory& history, const AQ_MaskMap& map,
                     const Reporter& report) {
   const std::int32_t count = map.Count();
   for (std::int32_t number = 1; number <= count; ++number) {
     const auto record = static_cast<std::int16_t>(number);
-    const auto row = ifThere([&] { return map.Row(record); });
-    const auto spectrum = ifThere([&] { return history.spectrum(record); });
     FindingPlace place;
     place.record = number;
-    if (!row || !spectrum) {
-      report(Kind::MapMisfit, place, row ? "the history lacks it" : "the map has no row for it");
-    } else if (!spectrum->Encompasses(*row)) {
+    if (!map.contains(record) || !history.contains(record)) {
+      report(Kind::MapMisfit, place,
+             map.contains(record) ? "the history lacks it" : "the map has no row for it");
+      continue;
+    }
+    const auto row = map.Row(record);
+    const auto spectrum = history.spectrum(record);
+    if (!spectrum->Encompasses(*row)) {
       report(Kind::MapMisfit, place,
              "the map's bands " + std::to_string(row->LowBand()) + " to " +
                  std::to_string(row->HighBand()) + " are not all in the history's " +

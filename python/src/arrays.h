@@ -141,16 +141,6 @@ inline std::vector<std::int16_t> numbersOf(const NumberRange& range) {
   return numbers;
 }
 
-/// The object under `number`, nothing where there is none.
-template <class Get>
-auto found(const Get& get, std::int16_t number) -> decltype(get(number)) {
-  try {
-    return get(number);
-  } catch (const Error&) {
-    return nullptr;
-  }
-}
-
 /// Objects under 16-bit numbers, in the order of their numbers.
 template <class Object>
 struct Numbered {
@@ -158,39 +148,23 @@ struct Numbered {
   std::vector<std::shared_ptr<Object>> objects;
 };
 
-/// The number that is taken but has no object.
-template <class Get>
-int emptyNumber(const Get& get) {
-  int number = -32768;
-  const auto isEmpty = [&] {
-    try {
-      return !get(static_cast<std::int16_t>(number));
-    } catch (const Error&) {
-      return false;
-    }
-  };
-  while (!isEmpty() && number < 32767) ++number;
-  return number;
+[[noreturn]] inline void failNumber(ErrorCode code, std::int32_t number, const char* what) {
+  throw Error(code, "number " + std::to_string(number) + what);
 }
 
-/// All `count` objects that `get` finds: mostly they are numbered from 1 on.
-template <class Object, class Get>
-Numbered<Object> numbered(std::int32_t count, const Get& get) {
+/// All objects of a series, for arrays that have a 16-bit number a line.
+template <class Object, class Series>
+Numbered<Object> numbered(const Series& series) {
   Numbered<Object> all;
-  const auto collect = [&](int from, int to) {
-    for (int number = from; number <= to && std::ssize(all.objects) < count; ++number) {
-      auto object = found(get, static_cast<std::int16_t>(number));
-      if (!object) continue;
-      all.numbers.push_back(static_cast<std::int16_t>(number));
-      all.objects.push_back(std::move(object));
+  for (const auto& [number, object] : series) {
+    if (!object) failNumber(ErrorCode::ObjectNotSet, number, " is None");
+    if (!std::in_range<std::int16_t>(number)) {
+      failNumber(ErrorCode::Overflow, number, " is beyond 16 bits");
     }
-  };
-  collect(1, 32767);
-  if (std::ssize(all.objects) == count) return all;
-  all = {};
-  collect(-32768, 32767);
-  if (std::ssize(all.objects) == count) return all;
-  throw Error(ErrorCode::ObjectNotSet, "number " + std::to_string(emptyNumber(get)) + " is None");
+    all.numbers.push_back(static_cast<std::int16_t>(number));
+    all.objects.push_back(object);
+  }
+  return all;
 }
 
 }  // namespace aq::python

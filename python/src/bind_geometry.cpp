@@ -34,17 +34,12 @@ constexpr Column<AQ_Geometry> kGeometry[] = {
 
 auto positionsOf(const AQ_PositionTimeHistory& history) {
   std::vector<std::shared_ptr<AQ_Position>> all;
-  try {  // a history may hold more than `Count` can tell
-    for (std::int32_t place = 1;; ++place) all.push_back(history.Position(place));
-  } catch (const Error& end) {
-    if (end.code() != ErrorCode::InvalidIndex) throw;
-  }
+  for (const auto& [place, position] : history) all.push_back(position);
   return all;
 }
 
 Numbered<AQ_Geometry> pointsOf(const AQ_GeometryTimeHistory& history) {
-  return numbered<AQ_Geometry>(history.Count(),
-                               [&](std::int16_t record) { return history.Point(record); });
+  return numbered<AQ_Geometry>(history);
 }
 
 using Points = std::vector<std::shared_ptr<AQ_Geometry>>;

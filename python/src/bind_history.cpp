@@ -5,8 +5,7 @@ namespace aq::python {
 namespace {
 
 Numbered<AQ_Spectrum> spectraOf(const AQ_SpectralTimeHistory& history) {
-  return numbered<AQ_Spectrum>(history.Count(),
-                               [&](std::int16_t record) { return history.spectrum(record); });
+  return numbered<AQ_Spectrum>(history);
 }
 
 void blankMasked(AQ_MaskRow& row, std::int16_t low, std::span<double> cells) {
@@ -23,9 +22,10 @@ std::vector<std::shared_ptr<AQ_MaskRow>> rowsBeside(const std::vector<std::int16
                                                     const AQ_MaskMap& mask) {
   std::vector<std::shared_ptr<AQ_MaskRow>> rows;
   for (const std::int16_t record : records) {
-    rows.push_back(found([&](std::int16_t n) { return mask.Row(n); }, record));
-    if (rows.back()) continue;
-    throw py::value_error("the map has no row for record " + std::to_string(record));
+    if (!mask.contains(record)) {
+      throw py::value_error("the map has no row for record " + std::to_string(record));
+    }
+    rows.push_back(mask.Row(record));
   }
   return rows;
 }

@@ -6,9 +6,7 @@ namespace {
 using Codes = py::array_t<std::int8_t, py::array::c_style>;
 constexpr std::int8_t kNoDecision = -1;  // in arrays: the row has no mask for the band
 
-Numbered<AQ_MaskRow> rowsOf(const AQ_MaskMap& map) {
-  return numbered<AQ_MaskRow>(map.Count(), [&](std::int16_t record) { return map.Row(record); });
-}
+Numbered<AQ_MaskRow> rowsOf(const AQ_MaskMap& map) { return numbered<AQ_MaskRow>(map); }
 
 std::int8_t code(std::int64_t value) {
   if (!std::in_range<std::int8_t>(value)) {

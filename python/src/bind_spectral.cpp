@@ -10,10 +10,8 @@ py::tuple savedLevels(const AQ_Spectrum& spectrum) {
                                                         plain.size() * sizeof(double)));
   }
   py::list levels;
-  for (const std::int16_t band : numbersOf({spectrum.LowBand(), spectrum.HighBand()})) {
-    const auto level = storedLevel(spectrum, band);
-    if (!level) continue;
-    levels.append(py::make_tuple(band, *level, level->type() == Variant::Type::Single));
+  for (const auto& [band, level] : spectrum) {
+    levels.append(py::make_tuple(band, level, level.type() == Variant::Type::Single));
   }
   return py::make_tuple(py::none(), levels);
 }
@@ -154,12 +152,8 @@ void bindBand(const py::module_& module) {
       });
   band.container(
       [](const AQ_Band& self) {
-        const auto levels = numbered<Variant>(
-            self.Count(), [&](std::int16_t n) { return std::make_shared<Variant>(self.SPL(n)); });
         py::list kept;
-        for (std::size_t i = 0; i < levels.numbers.size(); ++i) {
-          kept.append(py::make_tuple(levels.numbers[i], *levels.objects[i]));
-        }
+        for (const auto& [record, level] : self) kept.append(py::make_tuple(record, level));
         return kept;
       },
       [](AQ_Band& self, const py::handle& kept) {

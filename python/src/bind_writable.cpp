@@ -20,14 +20,15 @@ void checkLevels(const AQ_Spectrum& spectrum) {
 
 void checkLevels(const AQ_MaskRow& /*row*/) {}  // a band without a mask is written as not masked
 
-/// `get` has an object under each number from `first` to `last`, and all have the same bands.
-template <class Get>
-void checkRecords(std::int32_t first, std::int32_t last, const Get& get) {
+/// `series` has an object under each number from `first` to `last`, and all have the same bands.
+template <class Series, class Object>
+void checkRecords(std::int32_t first, std::int32_t last, const Series& series,
+                  std::shared_ptr<Object> (Series::*get)(std::int16_t) const) {
   if (last < first) throw py::value_error("expected an object with records, found none");
   NumberRange bands;
   for (std::int32_t number = first; number <= last; ++number) {
     const auto record = static_cast<std::int16_t>(number);
-    const auto object = found(get, record);
+    const auto object = series.contains(record) ? (series.*get)(record) : nullptr;
     if (!object) {
       throw py::value_error("expected all records from " + std::to_string(first) + " to " +
                             std::to_string(last) + ", found no record " + std::to_string(number));
@@ -50,15 +51,11 @@ void bindWritable(py::module_& module) {
   module.def(
       kName,
       [](AQ_SpectralTimeHistory& history) {
-        checkRecords(history.LoRec(), history.HiRec(),
-                     [&](std::int16_t number) { return history.spectrum(number); });
+        checkRecords(history.LoRec(), history.HiRec(), history, &AQ_SpectralTimeHistory::spectrum);
       },
       py::arg("model"), "Raises for what the file of an object would not give back");
   module.def(
-      kName,
-      [](const AQ_MaskMap& map) {
-        checkRecords(1, map.Count(), [&](std::int16_t number) { return map.Row(number); });
-      },
+      kName, [](const AQ_MaskMap& map) { checkRecords(1, map.Count(), map, &AQ_MaskMap::Row); },
       py::arg("model"));
   module.def(
       kName,

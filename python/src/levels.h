@@ -7,11 +7,6 @@ namespace aq::python {
 using Levels = py::array_t<double, py::array::c_style>;
 constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
 
-/// The level of a band, nothing when it has none.
-inline std::shared_ptr<Variant> storedLevel(const AQ_Spectrum& spectrum, std::int16_t band) {
-  return found([&](std::int16_t n) { return std::make_shared<Variant>(spectrum.SPL(n)); }, band);
-}
-
 /// Runs `work`; what the model throws says `place` first.
 template <class Work>
 auto at(const char* place, std::int16_t number, const Work& work) {
@@ -33,11 +28,11 @@ inline void takeLevels(const AQ_Spectrum& spectrum, std::int16_t low, std::span<
     std::copy(doubles.begin(), doubles.end(), first);
     return;
   }
-  for (const std::int16_t band : numbersOf({spectrum.LowBand(), spectrum.HighBand()})) {
-    const auto level = storedLevel(spectrum, band);
-    if (!level) continue;
-    cells[static_cast<std::size_t>(band - low)] =
-        at("band", band, [&] { return level->toDouble(); });
+  for (const auto& [band, level] : spectrum) {
+    const int cell = band - low;
+    if (cell < 0 || cell >= std::ssize(cells)) continue;  // below -1 or above 9999
+    cells[static_cast<std::size_t>(cell)] =
+        at("band", band, [&level = level] { return level.toDouble(); });
   }
 }
 

@@ -76,23 +76,6 @@ void showResult(AQ_DataMessage result, const File& file) {
   out += '\n';
 }
 
-/// Calls `use(number, object)` for each of the `count` numbers that have an object, found from 0
-/// outwards; `at(number)` throws for the others.
-template <class At, class Use>
-void eachNumbered(std::int32_t count, const At& at, const Use& use) {
-  std::map<std::int32_t, decltype(at(0))> found;
-  for (std::int32_t distance = 0; std::cmp_less(found.size(), count); ++distance) {
-    for (const std::int32_t number : {distance, -distance - 1}) {
-      try {
-        if (number <= INT16_MAX) found.emplace(number, at(static_cast<std::int16_t>(number)));
-      } catch (const Error&) {
-        continue;
-      }
-    }
-  }
-  for (const auto& [number, object] : found) use(number, *object);
-}
-
 void printLevels(const AQ_Spectrum& spectrum) {
   put(spectrum.LowBand());
   put(spectrum.HighBand());
@@ -116,14 +99,12 @@ void printModel(AQ_SpectralTimeHistory& history) {
   showEach("averaging stamp start reference", history.AverageMethod(), history.TimeStampType(),
            history.startTime()->TODseconds(), history.ReferenceTime()->TODseconds());
   show("records", history.Count(), history.LoRec(), history.HiRec());
-  eachNumbered(
-      history.Count(), [&](std::int16_t n) { return history.spectrum(n); },
-      [](std::int32_t number, AQ_Spectrum& spectrum) {
-        print("record %d", number);
-        put(spectrum.Time()->TODseconds());
-        put(spectrum.Time()->RelSeconds());
-        printLevels(spectrum);
-      });
+  for (const auto& [number, spectrum] : history) {
+    print("record %d", number);
+    put(spectrum->Time()->TODseconds());
+    put(spectrum->Time()->RelSeconds());
+    printLevels(*spectrum);
+  }
 }
 
 void printHeader(const AQ_HeaderMask& header) {
@@ -153,8 +134,7 @@ void printRow(std::int32_t number, AQ_MaskRow& row) {
 }
 
 void printModel(const AQ_MaskMap& map) {
-  eachNumbered(
-      map.Count(), [&](std::int16_t n) { return map.Row(n); }, printRow);
+  for (const auto& [number, row] : map) printRow(number, *row);
 }
 
 void printHeader(const AQ_HeaderPTH& header) {
@@ -197,8 +177,7 @@ void printPoint(std::int32_t number, AQ_Geometry& point) {
 
 void printModel(AQ_GeometryTimeHistory& history) {
   show("points", history.Count());
-  eachNumbered(
-      history.Count(), [&](std::int16_t n) { return history.Point(n); }, printPoint);
+  for (const auto& [number, point] : history) printPoint(number, *point);
 }
 
 void printHeader(const AQ_HeaderMIC& header) {

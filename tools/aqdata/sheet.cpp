@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "tools/aqdata/records.h"
-
 namespace aqdata {
 namespace {
 
@@ -33,15 +31,12 @@ std::vector<Json> levelsOf(const aq::AQ_Spectrum& spectrum) {
 
 Sheet sheetFrom(const History& read) {
   Sheet sheet{.columns = {"record", "time", "time_s", "relative_s"}, .ofBand = "level_db"};
-  const aq::AQ_SpectralTimeHistory& history = *read.history;
-  forRecords(
-      history.Count(), [&](std::int16_t record) { return history.spectrum(record); },
-      [&](std::int16_t record, const aq::AQ_Spectrum& spectrum) {
-        const aq::AQ_Time time = spectrum.timeValue();
-        setBands(sheet, spectrum.LowBand(), spectrum.HighBand());  // the header's, for all
-        const double relative = tidy(static_cast<float>(time.RelSeconds()));
-        addRow(sheet, record, {timeText(time), secondsOf(time), relative}, levelsOf(spectrum));
-      });
+  for (const auto& [record, spectrum] : *read.history) {
+    const aq::AQ_Time time = spectrum->timeValue();
+    setBands(sheet, spectrum->LowBand(), spectrum->HighBand());  // the header's, for all
+    const double relative = tidy(static_cast<float>(time.RelSeconds()));
+    addRow(sheet, record, {timeText(time), secondsOf(time), relative}, levelsOf(*spectrum));
+  }
   return sheet;
 }
 
@@ -55,25 +50,22 @@ Sheet sheetFrom(const SpectrumRecord& read) {
 Sheet sheetFrom(const MaskingMap& read) {
   Sheet sheet{.columns = {"record", "last_good_band"}, .ofBand = "mask"};
   setBands(sheet, read.header->iBandLow, read.header->iBandHigh);
-  forRecords(
-      read.map->Count(), [&](std::int16_t record) { return read.map->Row(record); },
-      [&](std::int16_t record, aq::AQ_MaskRow& row) {
-        std::vector<Json> masks;
-        for (std::int32_t band = sheet.low; band <= sheet.high; ++band) {
-          masks.emplace_back(row.decision(static_cast<std::int16_t>(band)).MaskString());
-        }
-        addRow(sheet, record, {row.LGB()}, std::move(masks));
-      });
+  for (const auto& [record, row] : *read.map) {
+    std::vector<Json> masks;
+    for (std::int32_t band = sheet.low; band <= sheet.high; ++band) {
+      masks.emplace_back(row->decision(static_cast<std::int16_t>(band)).MaskString());
+    }
+    addRow(sheet, record, {row->LGB()}, std::move(masks));
+  }
   return sheet;
 }
 
 Sheet positionSheet(const aq::AQ_PositionTimeHistory& history) {
   Sheet sheet{.columns = {"position", "time", "time_s", "x", "y", "z"}};
-  for (std::int32_t place = 1; place <= history.Count(); ++place) {
-    aq::AQ_Position& position = *history.Position(place);
+  for (const auto& [place, position] : history) {
+    const aq::AQ_Time time = position->lazyTime().value();
     addRow(sheet, place,
-           {timeText(*position.Time()), secondsOf(*position.Time()), position.X(), position.Y(),
-            position.Z()});
+           {timeText(time), secondsOf(time), position->X(), position->Y(), position->Z()});
   }
   return sheet;
 }
@@ -84,14 +76,12 @@ Sheet sheetFrom(const Tracking& read) { return positionSheet(*read.history); }
 Sheet sheetFrom(const Geometry& read) {
   Sheet sheet{.columns = {"record", "time", "time_s", "emission_time", "emission_time_s",
                           "propagation_s", "x", "y", "z", "slant_range", "theta", "beta"}};
-  forRecords(
-      read.history->Count(), [&](std::int16_t record) { return read.history->Point(record); },
-      [&](std::int16_t record, aq::AQ_Geometry& point) {
-        addRow(sheet, record,
-               {timeText(*point.Tm()), secondsOf(*point.Tm()), timeText(*point.Te()),
-                secondsOf(*point.Te()), point.Tprope, point.Pe()->X(), point.Pe()->Y(),
-                point.Pe()->Z(), point.SRe, tidy(point.THETAe), tidy(point.BETAe)});
-      });
+  for (const auto& [record, point] : *read.history) {
+    addRow(sheet, record,
+           {timeText(*point->Tm()), secondsOf(*point->Tm()), timeText(*point->Te()),
+            secondsOf(*point->Te()), point->Tprope, point->Pe()->X(), point->Pe()->Y(),
+            point->Pe()->Z(), point->SRe, tidy(point->THETAe), tidy(point->BETAe)});
+  }
   return sheet;
 }
 

@@ -7,7 +7,6 @@
 #include "tools/aqdata/files.h"
 #include "tools/aqdata/parallel.h"
 #include "tools/aqdata/program.h"
-#include "tools/aqdata/records.h"
 #include "tools/aqdata/sheet.h"
 #include "tools/aqdata/terminal.h"
 #include "tools/aqdata/text.h"
@@ -57,25 +56,20 @@ void addBands(Json& info, std::int16_t low, std::int16_t high) {
 
 void describe(const History& read, Json& info) {
   Extent extent;
-  const aq::AQ_SpectralTimeHistory& history = *read.history;
   std::int16_t low = 0;
   std::int16_t high = -1;
-  forRecords(
-      history.Count(), [&](std::int16_t record) { return history.spectrum(record); },
-      [&](std::int16_t record, const aq::AQ_Spectrum& spectrum) {
-        extent.see(record, spectrum.timeValue());
-        low = spectrum.LowBand();
-        high = spectrum.HighBand();
-      });
+  for (const auto& [record, spectrum] : *read.history) {
+    extent.see(record, spectrum->timeValue());
+    low = spectrum->LowBand();
+    high = spectrum->HighBand();
+  }
   extent.addTo(info, "records");
   if (extent.count != 0) addBands(info, low, high);
 }
 
 void describe(const MaskingMap& read, Json& info) {
   Extent extent;
-  forRecords(
-      read.map->Count(), [&](std::int16_t record) { return read.map->Row(record); },
-      [&](std::int16_t record, const aq::AQ_MaskRow&) { extent.see(record); });
+  for (const auto& [record, row] : *read.map) extent.see(record);
   extent.addTo(info, "records");
   addBands(info, read.header->iBandLow, read.header->iBandHigh);
 }
@@ -87,9 +81,7 @@ void describe(const SpectrumRecord& read, Json& info) {
 
 void describePositions(const aq::AQ_PositionTimeHistory& history, Json& info) {
   Extent extent;
-  for (std::int32_t place = 1; place <= history.Count(); ++place) {
-    extent.see(place, *history.Position(place)->Time());
-  }
+  for (const auto& [place, position] : history) extent.see(place, position->lazyTime().value());
   extent.addTo(info, "positions");
 }
 
@@ -98,9 +90,7 @@ void describe(const Tracking& read, Json& info) { describePositions(*read.histor
 
 void describe(const Geometry& read, Json& info) {
   Extent extent;
-  forRecords(
-      read.history->Count(), [&](std::int16_t record) { return read.history->Point(record); },
-      [&](std::int16_t record, aq::AQ_Geometry& point) { extent.see(record, *point.Tm()); });
+  for (const auto& [record, point] : *read.history) extent.see(record, *point->Tm());
   extent.addTo(info, "records");
 }
 

@@ -3,7 +3,6 @@
 
 #include "tools/aqdata/measurement.h"
 #include "tools/aqdata/program.h"
-#include "tools/aqdata/records.h"
 #include "tools/aqdata/text.h"
 
 namespace aqdata {
@@ -26,14 +25,12 @@ void lgb(Session& session, const LgbChoice& choice) {
   read.history->setLGB(*map.map);
   Table table({{"record", true}, {"time"}, {"last good band", true}, {""}});
   Json rows = Json::array();
-  forRecords(
-      read.history->Count(), [&](std::int16_t record) { return read.history->spectrum(record); },
-      [&](std::int16_t record, aq::AQ_Spectrum& spectrum) {
-        const int band = static_cast<int>(spectrum.Metric()->LGB());
-        rows.push_back({{"record", record}, {"last_good_band", band}});
-        table.add({std::to_string(record), timeText(spectrum.timeValue()), std::to_string(band),
-                   text(band)});
-      });
+  for (const auto& [record, spectrum] : *read.history) {
+    const int band = static_cast<int>(spectrum->Metric()->LGB());
+    rows.push_back({{"record", record}, {"last_good_band", band}});
+    table.add({std::to_string(record), timeText(spectrum->timeValue()), std::to_string(band),
+               text(band)});
+  }
   if (!session.json) return table.print(session);
   session.printDocument(
       Json{{"file", choice.history}, {"map", choice.map}, {"records", std::move(rows)}});

@@ -5,7 +5,6 @@
 #include "tools/aqdata/files.h"
 #include "tools/aqdata/measurement.h"
 #include "tools/aqdata/program.h"
-#include "tools/aqdata/records.h"
 #include "tools/aqdata/text.h"
 
 namespace aqdata {
@@ -53,14 +52,12 @@ aq::AQ_MaskMap mapOf(const History& read, const aq::AQ_Spectrum& ambient,
   if (count == 0) throw Failure(fmt::format("{}: has no records", aq::escaped(choice.history)));
   for (std::int32_t number = 1; number <= count; ++number) {
     const auto record = static_cast<std::int16_t>(number);
-    std::shared_ptr<aq::AQ_Spectrum> spectrum;
-    try {
-      spectrum = read.history->spectrum(record);
-    } catch (const aq::Error&) {
+    if (!read.history->contains(record)) {
       throw Failure(
           fmt::format("{}: a map needs records numbered from 1 without a gap, record {} is missing",
                       aq::escaped(choice.history), number));
     }
+    const auto spectrum = read.history->spectrum(record);
     if (!ambient.Encompasses(*spectrum)) {
       throw Failure(fmt::format("{}: expected levels for bands {} to {}, found {} to {}",
                                 aq::escaped(choice.ambient), spectrum->LowBand(),
@@ -85,26 +82,21 @@ std::shared_ptr<aq::AQ_HeaderMask> headerFor(const MaskChoice& choice) {
 
 std::size_t invalidIn(const aq::AQ_SpectralTimeHistory& history) {
   std::size_t invalid = 0;
-  forRecords(
-      history.Count(), [&](std::int16_t record) { return history.spectrum(record); },
-      [&](std::int16_t, const aq::AQ_Spectrum& spectrum) {
-        const std::vector<double> levels = spectrum.plainLevels();
-        invalid += static_cast<std::size_t>(
-            std::count(levels.begin(), levels.end(), double{aq::AQ_INVALID_LEVEL}));
-      });
+  for (const auto& [record, spectrum] : history) {
+    const std::vector<double> levels = spectrum->plainLevels();
+    invalid += static_cast<std::size_t>(
+        std::count(levels.begin(), levels.end(), double{aq::AQ_INVALID_LEVEL}));
+  }
   return invalid;
 }
 
 std::size_t maskedIn(const aq::AQ_MaskMap& map) {
   std::size_t masked = 0;
-  forRecords(
-      map.Count(), [&](std::int16_t record) { return map.Row(record); },
-      [&](std::int16_t, aq::AQ_MaskRow& row) {
-        for (std::int32_t band = row.LowBand(); band <= row.HighBand(); ++band) {
-          const aq::AQ_Mask decision = row.decision(static_cast<std::int16_t>(band));
-          if (decision.MaskMode() != aq::NOT_MASKED) ++masked;
-        }
-      });
+  for (const auto& [record, row] : map) {
+    for (const auto& [band, decision] : *row) {
+      if (decision.MaskMode() != aq::NOT_MASKED) ++masked;
+    }
+  }
   return masked;
 }
 
