@@ -3,12 +3,14 @@
 from __future__ import annotations
 
 import contextlib
+import errno
 import glob
 import os
 import sys
 import warnings
+from functools import partial
 from pathlib import Path as FolderPath
-from typing import Any, Callable, Iterable, Optional, TypeVar, Union
+from typing import Any, Callable, Iterable, Iterator, NamedTuple, Optional, TypeVar, Union
 
 import dask
 import numpy as np
@@ -23,6 +25,7 @@ Item = TypeVar("Item")
 Result = TypeVar("Result")
 FILES_PER_TASK = 16
 ONE_PATH = (str, bytes, os.PathLike)
+UNKNOWN = _core.FileKind.Unknown
 
 _HEADER_COLUMNS = {
     "project": ("sProjectName", "ProjectName"),
@@ -31,8 +34,8 @@ _HEADER_COLUMNS = {
 }
 _DATA_COLUMNS = {"averaging": "sAveragingMethod", "stamp": "sTimeStampType"}
 _COUNTS = ["records", "first_record", "last_record", "low_band", "high_band"]
-_SEVERITIES = {"errors": "error", "warnings": "warning", "notes": "note"}
-_COLUMNS = ["path", "kind", *_HEADER_COLUMNS, "begin", *_DATA_COLUMNS, *_COUNTS, *_SEVERITIES]
+SEVERITIES = {"errors": "error", "warnings": "warning", "notes": "note"}
+_COLUMNS = ["path", "kind", *_HEADER_COLUMNS, "begin", *_DATA_COLUMNS, *_COUNTS, *SEVERITIES]
 _COLUMNS += ["ok", "line", "field", "expected", "found"]
 
 
@@ -47,7 +50,7 @@ def in_threads(work: Callable[[Item], Result], paths: list[Item], progress: bool
     return [result for part in done for result in part]
 
 
-def expanded(paths: Union[Path, Iterable[Path]]) -> list[str]:
+def absolute(paths: Union[Path, Iterable[Path]]) -> list[str]:
     """Absolute paths, which hold wherever a task runs: a file or pattern, or those of a list."""
     if not isinstance(paths, ONE_PATH):
         if not isinstance(paths, Iterable):
@@ -57,14 +60,70 @@ def expanded(paths: Union[Path, Iterable[Path]]) -> list[str]:
     name = os.fsdecode(paths)  # a file may be called as a pattern is
     found = [name] if os.path.exists(name) else sorted(glob.glob(name, recursive=True))
     if not found:
-        raise FileNotFoundError(f"no file matches {name}")
+        raise FileNotFoundError(errno.ENOENT, "no file matches", name)
     return [os.path.abspath(path) for path in found]
+
+
+def _walked(path: str, seen: set[str]) -> Iterator[str]:
+    """The path itself, or the measurement files below a folder, each folder once, as links may lead
+    in a circle. A link that leads nowhere is a file that does not read."""
+    if not os.path.isdir(path):
+        yield path
+        return
+    if os.path.realpath(path) in seen:
+        return
+    seen.add(os.path.realpath(path))
+    for name in sorted(os.listdir(path)):
+        entry = os.path.join(path, name)
+        if name.startswith("."):
+            continue
+        if os.path.isdir(entry):
+            yield from _walked(entry, seen)
+        elif name.lower().endswith(".csv") or _core.kindOfFile(entry) != UNKNOWN:
+            yield entry
+
+
+# What is wrong with a file.
+
+# Warnings of the header, of times or of headings: the levels are those that were written.
+_LEVELS_HOLD = frozenset(
+    ("keyword", "unknown-keyword", "lost-text", "other-word", "heading")
+    + ("time-step", "time-order", "relative-time")
+)
+
+
+class Finding(NamedTuple):
+    severity: str
+    kind: str
+    line: int
+    field: int
+    record: Optional[int]
+    band: Optional[int]
+    message: str
+
+    @property
+    def doubts_levels(self) -> bool:
+        """Whether the levels that are read may not be those that were measured."""
+        return self.severity == "error" or (
+            self.severity == "warning" and self.kind not in _LEVELS_HOLD
+        )
+
+
+def findings(path: str) -> list[Finding]:
+    return [Finding(*each) for each in _core.checkWithHistory(path)]
+
+
+def counts(found: list[Finding]) -> dict[str, int]:
+    """How many findings of each severity there are."""
+    severities = [finding.severity for finding in found]
+    return {column: severities.count(severity) for column, severity in SEVERITIES.items()}
 
 
 # What is in a folder.
 
 
-def _header_row(header: Any) -> dict[str, str]:
+def header_words(header: Any) -> dict[str, str]:
+    """Project, microphone and program by whatever names a header has for them."""
     return {
         column: next((getattr(header, name) for name in names if hasattr(header, name)), "")
         for column, names in _HEADER_COLUMNS.items()
@@ -84,18 +143,17 @@ def _data_row(data: Any) -> dict[str, Any]:
     return {**row, **{column: getattr(data, name, "") for column, name in _DATA_COLUMNS.items()}}
 
 
-def _severities(path: str) -> dict[str, int]:
-    """How many findings of each severity the check of a file has."""
-    found = [severity for _, severity, *_ in _findings(path)]
-    return {column: found.count(severity) for column, severity in _SEVERITIES.items()}
-
-
-def _row(path: str) -> dict[str, Any]:
+def _row(path: str, strict: bool) -> dict[str, Any]:
     row = {"path": path, "kind": _core.kindOfFile(path).name, "ok": True, **_data_row(None)}
-    reading = Reading(None, None)
+    reading: Any = Reading(None, None)
+    found = findings(path)
     try:
         reading = read(path)
         row.update(_data_row(reading.data))
+        doubt = next((finding for finding in found if finding.doubts_levels), None)
+        if strict and doubt:
+            row.update(ok=False, line=doubt.line, field=doubt.field)
+            row.update(expected="levels as measured", found=doubt.message)
     except FileError as error:
         reading = Reading(*error.partial) if error.partial else reading
         row.update(ok=False, line=error.line, field=error.field)
@@ -104,39 +162,53 @@ def _row(path: str) -> dict[str, Any]:
         row.update(ok=False, expected="a file that can be opened", found=error.strerror)
     except Error as error:
         row.update(ok=False, expected="values that go together", found=str(error))
-    return {**row, **_severities(path), **_header_row(reading.header)}
+    return {**row, **counts(found), **header_words(reading.header)}
 
 
-def scan(folder: Path, pattern: str = "**/*", progress: Optional[bool] = None) -> pd.DataFrame:
-    """One row a file below a folder: kind, header, records, bands, why it does not read, and how
-    many findings `check` has for it.
+def scan(
+    folder: Path,
+    pattern: str = "**/*",
+    progress: Optional[bool] = None,
+    strict: bool = True,
+) -> pd.DataFrame:
+    """Lists the files below a folder: one row a file, in the order of their paths.
+
+    The columns are `path`, `kind`, what the header says (`project`, `microphone`, `generated_by`,
+    `begin`, `averaging`, `stamp`), record and band numbers, how many `errors`, `warnings` and
+    `notes` `check` has for the file, whether it is `ok`, and if not, why: `line`, `field` (from 1,
+    0 for all of it), `expected`, `found`. A file is not ok when it does not read and, unless
+    `strict` is false, when an error or a warning of its levels is found.
 
     Files are read in threads; the progress bar shows on a terminal unless `progress` says else.
+    Raises `NotADirectoryError` for what is no folder.
+
+    >>> found = aq_data.scan("season-7")
+    >>> found[~found.ok]
     """
     root = FolderPath(os.path.abspath(os.fsdecode(folder)))
     if not root.is_dir():
-        raise NotADirectoryError(f"expected a folder, found {root}")
+        raise NotADirectoryError(errno.ENOTDIR, "expected a folder, found", str(root))
     paths = sorted(str(path) for path in root.glob(pattern) if path.is_file())
     shown = sys.stderr.isatty() if progress is None else progress
-    frame = pd.DataFrame(in_threads(_row, paths, shown), columns=_COLUMNS)
-    counts = [*_COUNTS, *_SEVERITIES, "line", "field"]
-    return frame.astype({"ok": bool}).astype({count: "Int32" for count in counts})
-
-
-# What a person should know about files.
-
-_FINDING = ["severity", "kind", "line", "field", "record", "band", "message"]
-
-
-def _findings(path: str) -> list[tuple[Any, ...]]:
-    return [(path, *finding) for finding in _core.checkWithHistory(path)]
+    frame = pd.DataFrame(in_threads(partial(_row, strict=strict), paths, shown), columns=_COLUMNS)
+    integers = [*_COUNTS, *SEVERITIES, "line", "field"]
+    return frame.astype({"ok": bool}).astype({column: "Int32" for column in integers})
 
 
 def check(paths: Union[Path, Iterable[Path]]) -> pd.DataFrame:
-    """The findings of `aqdata check`, one a row: `paths` is a file, a pattern or a list.
+    """The findings of `aqdata check`, one a row, in the order of the paths and their lines.
 
-    `FINDING_KINDS` says what each kind means; line and field are 0 for the whole file or line.
+    `paths` is a file, a folder, a pattern or a list of files and folders. Of a folder and those in
+    it, files that end in `.csv` or whose kind is known are checked, hidden ones are not. The columns
+    are `path`, `severity` ("error", "warning", "note"), `kind`, `line` and `field` (from 1, 0 for
+    all of it), `record`, `band`, `message`; `FINDING_KINDS` says what each kind means. Raises
+    `FileNotFoundError` when nothing matches; a file that does not read is a finding.
+
+    >>> aq_data.check("season-7").groupby(["severity", "kind"]).size()
     """
-    rows = in_threads(_findings, expanded(paths), progress=False)
-    frame = pd.DataFrame([row for found in rows for row in found], columns=["path", *_FINDING])
+    seen: set[str] = set()
+    files = [file for path in absolute(paths) for file in _walked(path, seen)]
+    found = in_threads(findings, files, progress=False)
+    rows = [(path, *each) for path, some in zip(files, found) for each in some]
+    frame = pd.DataFrame(rows, columns=["path", *Finding._fields])
     return frame.astype({"record": "Int32", "band": "Int16"})

@@ -7,7 +7,6 @@ import os
 import warnings
 from typing import Any, Iterable, NamedTuple, Optional, Sequence, Union
 
-import dask
 import dask.array
 import dask.base
 import numpy as np
@@ -15,11 +14,22 @@ import numpy.typing as npt
 import xarray as xr
 
 from . import _core
-from .archive import ONE_PATH, expanded, in_threads
+from .archive import ONE_PATH, SEVERITIES, Finding, absolute, counts, header_words, in_threads
 from .attributes import NO_DECISION, band_coordinates, level_variable, table_variables, variable
 from .errors import Error, FileError
 from .files import Path, Reading, read
 from .labelled import RECORD_TIMES, check_map, mask_variables
+
+RECORDS_PER_CHUNK = 4096  # of short files several are one task, whose own cost they share
+
+
+class _Job(NamedTuple):
+    """A history and its map, if it has one."""
+
+    path: str
+    mask: Optional[str]
+    joined: bool  # by a pattern, and not by the caller
+    strict: bool  # whether findings of the levels keep it out
 
 
 class _Shape(NamedTuple):
@@ -31,6 +41,12 @@ class _Shape(NamedTuple):
     bands: npt.NDArray[np.int16]
     times: npt.NDArray[Any]
     last_good_bands: Any
+    words: dict[str, Any]  # of the coordinates by file
+
+    def state(self) -> list[Any]:
+        """What changes when a file is written anew."""
+        stats = [os.stat(path) for path in (self.path, self.mask) if path]
+        return [self.path, self.mask, *((s.st_mtime_ns, s.st_size) for s in stats)]
 
 
 class _WrongPair(ValueError):
@@ -44,9 +60,8 @@ def _read(path: str, cls: Any, wanted: str) -> Reading:
     return reading
 
 
-def _history(path: str) -> _core.AQ_SpectralTimeHistory:
-    reading = _read(path, _core.AQ_SpectralTimeHistory, "a spectral time history")
-    return reading.data  # type: ignore[no-any-return]
+def _history(path: str) -> Reading:
+    return _read(path, _core.AQ_SpectralTimeHistory, "a spectral time history")
 
 
 def _map(path: str) -> Reading:
@@ -60,64 +75,114 @@ def _check_pair(path: str, mask: str, header: _core.AQ_HeaderMask) -> None:
         raise _WrongPair(f"{mask}: expected a map of {own}, found one of {named}")
 
 
-def _shape(job: tuple[str, Optional[str], bool]) -> Union[_Shape, Exception]:
-    """What is known of a history and its map; whether a pattern joined them comes third."""
-    path, map_path, joined = job
+def _findings(job: _Job) -> list[Finding]:
+    """Those of a history and of its map, each error and warning of the levels raised if strict."""
+    found = [(job.path, _core.checkFile(job.path))]
+    if job.mask is not None:
+        found.append((job.mask, _core.checkFile(job.mask)))
+        found.append((job.mask, _core.checkFit(job.path, job.mask)))
+    placed = [(path, Finding(*finding)) for path, some in found for finding in some]
+    for path, finding in placed:
+        if job.strict and finding.doubts_levels:
+            place = (path, finding.line, finding.field)
+            raise FileError(*place, "levels as measured (strict)", finding.message)
+    return [finding for _, finding in placed]
+
+
+def _words(header: Any, history: _core.AQ_SpectralTimeHistory, found: list[Finding]) -> Any:
+    words = header_words(header)
+    own = {"project": words["project"], "microphone": words["microphone"]}
+    return {**own, "begin": history.startTime.TODstring, **counts(found)}
+
+
+def _shape(job: _Job) -> Union[_Shape, Exception]:
+    """What is known of a history and its map, or why they are left out."""
     try:
-        history, last = _history(path), None
-        if map_path is not None:
-            header, mask = _map(map_path)
-            if joined:
-                _check_pair(path, map_path, header)
+        header, history = _history(job.path)
+        last = None
+        if job.mask is not None:
+            mask_header, mask = _map(job.mask)
+            if job.joined:
+                _check_pair(job.path, job.mask, mask_header)
             check_map(history, mask)
             last = mask.last_good_bands
-        return _Shape(path, map_path, history.records, history.bands, history.times, last)
+        words = _words(header, history, _findings(job))
+        own = (history.records, history.bands, history.times)
+        return _Shape(job.path, job.mask, *own, last, words)
     except _WrongPair:
         raise
     except (Error, OSError) as error:
         return error
     except ValueError as error:
-        return ValueError(f"{map_path}: {error}")
+        return ValueError(f"{job.mask}: {error}")
 
 
-def _wide(values: Any, own: Any, bands: Any, shape: tuple[int, int], fill: float) -> Any:
-    """Values of a file's own bands on the bands of all files."""
-    if values.shape[0] != shape[0] or not np.isin(own, bands).all():
-        raise ValueError(f"a file has changed since it was opened: expected {shape}")
-    wide = np.full(shape, fill, dtype=values.dtype)
-    if len(own):
-        wide[:, np.searchsorted(bands, own)] = values
-    return wide
+# Levels and masks, read when they are computed.
 
 
-def _levels(path: str, bands: Any, shape: tuple[int, int]) -> Any:
-    history = _history(path)
-    return _wide(history.to_numpy(), history.bands, bands, shape, np.nan)
+def _levels(path: str) -> tuple[Any, Any]:
+    history = _history(path).data
+    return history.to_numpy(), history.bands
 
 
-def _modes(path: str, bands: Any, shape: tuple[int, int]) -> Any:
+def _modes(path: str) -> tuple[Any, Any]:
     mask = _map(path).data
-    return _wide(mask.to_numpy()[0], mask.bands, bands, shape, NO_DECISION)
+    return mask.to_numpy()[0], mask.bands
 
 
-def _adjustments(path: str, bands: Any, shape: tuple[int, int]) -> Any:
+def _adjustments(path: str) -> tuple[Any, Any]:
     mask = _map(path).data
-    return _wide(mask.to_numpy()[1], mask.bands, bands, shape, NO_DECISION)
+    return mask.to_numpy()[1], mask.bands
 
 
-def _lazy(
-    load: Any, paths: list[str], shapes: list[_Shape], bands: Any, dtype: type
-) -> dask.array.Array:
-    """One chunk a file; a worker gets the path and no more."""
-    chunks = []
-    for path, shape in zip(paths, shapes):
-        size = (len(shape.records), len(bands))
-        now = os.stat(path)  # a file written anew is another task
-        state = (now.st_mtime_ns, now.st_size)
-        key = f"{load.__name__}-{dask.base.tokenize(path, state, bands, size)}"
-        chunk = dask.delayed(load)(path, bands, size, dask_key_name=key)
-        chunks.append(dask.array.from_delayed(chunk, size, dtype))
-    return dask.array.concatenate(chunks)
+def _chunk(read_file: Any, files: tuple[tuple[str, int], ...], bands: Any, empty: Any) -> Any:
+    """The values of files, each with its count of records, one after another on common bands."""
+    values = np.full((sum(count for _, count in files), len(bands)), empty)
+    first = 0
+    for path, count in files:
+        own, own_bands = read_file(path)
+        places = np.searchsorted(bands, own_bands)
+        if len(own) != count or (bands.take(places, mode="clip") != own_bands).any():
+            raise ValueError(
+                f"{path} has changed since it was opened: expected {count} records of bands that"
+                f" were there, found {len(own)}"
+            )
+        values[first : first + count, places] = own
+        first += count
+    return values
+
+
+def _chunks(shapes: list[_Shape]) -> list[list[_Shape]]:
+    """Files that follow each other, as many as a task reads."""
+    chunks: list[list[_Shape]] = []
+    room = 0
+    for shape in shapes:
+        room -= len(shape.records)
+        if room < 0:
+            chunks.append([])
+            room = RECORDS_PER_CHUNK - len(shape.records)
+        chunks[-1].append(shape)
+    return chunks
+
+
+class _Lazy:
+    """Arrays of all files, of which a worker gets paths and no more."""
+
+    def __init__(self, shapes: list[_Shape], bands: Any) -> None:
+        self.bands = bands
+        self.chunks = _chunks(shapes)
+        self.token = dask.base.tokenize([shape.state() for shape in shapes], bands)
+
+    def array(self, read_file: Any, attribute: str, empty: Any) -> dask.array.Array:
+        """`read_file` of the file that each shape names by `attribute`."""
+        name = f"aq{read_file.__name__}-{self.token}"
+        tasks, sizes = {}, []
+        for place, chunk in enumerate(self.chunks):
+            files = tuple((getattr(shape, attribute), len(shape.records)) for shape in chunk)
+            tasks[(name, place, 0)] = (_chunk, read_file, files, self.bands, empty)
+            sizes.append(sum(count for _, count in files))
+        chunks = (tuple(sizes), (len(self.bands),))
+        return dask.array.Array(tasks, name, chunks, meta=np.empty((0, 0), type(empty)))
 
 
 def _kept(results: list[Union[_Shape, Exception]], errors: str) -> list[_Shape]:
@@ -129,25 +194,40 @@ def _kept(results: list[Union[_Shape, Exception]], errors: str) -> list[_Shape]:
     return [result for result in results if not isinstance(result, Exception)]
 
 
-def _mask_variables(shapes: list[_Shape], bands: Any) -> dict[str, xr.Variable]:
-    paths = [shape.mask or "" for shape in shapes]
+def _mask_variables(shapes: list[_Shape], lazy: _Lazy) -> dict[str, xr.Variable]:
+    none = np.int8(NO_DECISION)
     return mask_variables(
-        _lazy(_modes, paths, shapes, bands, np.int8),
-        _lazy(_adjustments, paths, shapes, bands, np.int8),
+        lazy.array(_modes, "mask", none),
+        lazy.array(_adjustments, "mask", none),
         np.concatenate([shape.last_good_bands for shape in shapes]),
     )
 
 
+_BY_FILE = {
+    "project": "project of the file",
+    "microphone": "microphone of the file",
+    "begin": "start time of the file, hh:mm:ss",
+    **{column: f"{column} that check has for the file and its map" for column in SEVERITIES},
+}
+
+
 def _coordinates(shapes: list[_Shape], bands: Any) -> dict[str, Any]:
-    counts = [len(shape.records) for shape in shapes]
+    sizes = [len(shape.records) for shape in shapes]
     numbers = np.concatenate([shape.records for shape in shapes])
-    files = np.repeat(np.arange(len(shapes), dtype=np.int32), counts)
+    files = np.repeat(np.arange(len(shapes), dtype=np.int32), sizes)
     times = np.concatenate([shape.times for shape in shapes])
+    by_file = {}
+    for name, long_name in _BY_FILE.items():
+        values = np.array([shape.words[name] for shape in shapes])
+        units = "1" if values.dtype.kind == "i" else ""
+        values = values.astype(np.int32) if units else values
+        by_file[name] = variable("path", values, units, long_name)
     return {
         **table_variables(times, RECORD_TIMES, "time"),
         "record": variable("time", numbers, "1", "record number"),
         "file": variable("time", files, "1", "place in path"),
         "path": ("path", [shape.path for shape in shapes]),
+        **by_file,
         **band_coordinates(bands),
     }
 
@@ -156,33 +236,45 @@ def open_many(
     paths: Union[Path, Iterable[Path]],
     masks: Union[Path, Iterable[Path], None] = None,
     errors: str = "raise",
+    strict: bool = True,
 ) -> xr.Dataset:
-    """Many spectral time histories as one dataset, record after record; levels and masks load when
-    they are computed.
+    """Many spectral time histories as one dataset, record after record, whose levels (and masks)
+    load when they are computed.
 
-    `paths` is a pattern or a list; `masks` names the map of each, in the same order; maps of a
-    pattern that say that they are of other histories raise. `file(time)` is the place in `path`.
-    Files that do not read and maps that do not fit raise, or with `errors="skip"` the history is
-    left out with a warning.
+    `paths` is a pattern or a list; `masks` names the map of each, in the same order. Of patterns, a
+    map whose header names another history raises; a list is taken as it stands.
+
+    The dataset has `level(time, band)` in dB, NaN where a record has no level in a band, with masks
+    `mask_mode` and `mask_adjustment` of that shape. `file(time)` is the place in `path`; by file
+    there are `project`, `microphone`, `begin` (start time as text) and how many `errors`,
+    `warnings` and `notes` `check` has for the history and its map.
+
+    A file that does not read, a map that does not fit and, unless `strict` is false, a file with an
+    error or a warning of its levels raise what reading them does (`FileError`, `OSError`,
+    `ValueError`); with `errors="skip"` the history is left out with a warning.
+
+    >>> many = aq_data.open_many("season-7/*.sth.csv", "season-7/*.mask.csv", errors="skip")
+    >>> many.aq.unmasked().level.max().compute()
     """
     if errors not in ("raise", "skip"):
         raise ValueError(f"expected errors='raise' or 'skip', found {errors!r}")
-    names = expanded(paths)
+    names = absolute(paths)
     map_names: Sequence[Optional[str]] = [None] * len(names)
     if masks is not None:
-        map_names = expanded(masks)
+        map_names = absolute(masks)
     if len(map_names) != len(names):
         raise ValueError(
             f"expected a map for each of {len(names)} histories, found {len(map_names)}"
         )
     joined = isinstance(masks, ONE_PATH)
-    jobs = [(path, map_path, joined) for path, map_path in zip(names, map_names)]
+    jobs = [_Job(path, map_path, joined, strict) for path, map_path in zip(names, map_names)]
     shapes = _kept(in_threads(_shape, jobs, progress=False), errors)
     if not shapes:
         raise ValueError("expected at least one history that reads, found none")
     bands = np.unique(np.concatenate([shape.bands for shape in shapes]))
-    level = _lazy(_levels, [shape.path for shape in shapes], shapes, bands, float)
-    variables = {"level": level_variable(("time", "band"), level)}
+    lazy = _Lazy(shapes, bands)
+    level = level_variable(("time", "band"), lazy.array(_levels, "path", np.nan))
+    variables = {"level": level}
     if masks is not None:
-        variables.update(_mask_variables(shapes, bands))
-    return xr.Dataset(variables, _coordinates(shapes, bands), {"Conventions": "CF-1.8"})
+        variables.update(_mask_variables(shapes, lazy))
+    return xr.Dataset(variables, _coordinates(shapes, bands))

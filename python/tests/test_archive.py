@@ -67,8 +67,9 @@ def test_many_histories_are_one_lazy_dataset(
     paths = archive(5)
     narrow = aq.AQ_SpectralTimeHistory.from_numpy([[50.0]], low_band=42)
     aq.write(narrow, tmp_path / "0005.sth.csv")
+    monkeypatch.setattr("aq_data.many.RECORDS_PER_CHUNK", 130)
     ds = aq.open_many(tmp_path / "*.sth.csv")
-    assert ds.level.chunks[0] == (60,) * 5 + (1,) and list(ds.band) == [*range(17, 41), 42]
+    assert ds.level.chunks[0] == (120, 120, 61) and list(ds.band) == [*range(17, 41), 42]
     assert [str(p) for p in ds.path.values[:5]] == [str(p) for p in paths]
     for scheduler in ("synchronous", "threads"):
         with dask.config.set(scheduler=scheduler):
@@ -81,7 +82,7 @@ def test_many_histories_are_one_lazy_dataset(
     monkeypatch.chdir(PROJECT)
     assert int(masked.aq.masked.sum().compute()) == 5 * 146
     alone = aq.read(paths[4]).data.to_xarray(mask)
-    part = masked.isel(time=(masked.file == 4).values).drop_vars(["file", "path"]).compute()
+    part = masked.isel(time=(masked.file == 4).values).drop_dims("path").drop_vars("file").compute()
     assert set(alone.variables) == set(part.variables)
     for name in alone.variables:
         xr.testing.assert_identical(part[name].variable, alone[name].variable)
@@ -89,6 +90,42 @@ def test_many_histories_are_one_lazy_dataset(
     with pytest.warns(UserWarning, match="misfit.csv: expected a map of the history's 60 records"):
         maps = [tmp_path / "mask.csv", tmp_path / "misfit.csv"]
         assert list(aq.open_many(paths[:2], maps, errors="skip").path) == [str(paths[0])]
+
+
+def test_a_file_whose_levels_are_in_doubt_is_not_fine(
+    archive: Archive, tmp_path: Path, sample: Path
+) -> None:
+    paths = archive(3)
+    text = (sample / "fly-over.sth.csv").read_text()
+    paths[1].write_text(text.replace(",61.51,", ",615.1,", 1))
+    paths[2].write_text(text.replace("MicrophoneID**,", "MicrophoneID**,M7 "))
+    assert list(aq.scan(tmp_path).ok) == [True, False, True]
+    row = aq.scan(tmp_path).iloc[1]
+    assert (row.line, row.warnings) == (22, 1) and "615.1" in row.found
+    assert aq.scan(tmp_path, strict=False).ok.all()
+    with pytest.raises(aq.FileError, match="0001.sth.csv, line 22, .*615.1"):
+        aq.open_many(paths)
+    with pytest.warns(UserWarning, match="levels as measured"):
+        assert aq.open_many(paths, errors="skip").sizes["path"] == 2
+    many = aq.open_many(paths, strict=False)
+    assert many.warnings[1:].values.tolist() == [1, 0] and many.errors.sum() == 0
+    assert many.microphone[2].item()[:3] == "M7 " and many.begin[2] == "14:30:00"
+    assert many.project[2] == "Fly-over sample"
+
+
+def test_a_folder_is_checked_as_a_whole(archive: Archive, tmp_path: Path) -> None:
+    (tmp_path / "a" / ".hidden").mkdir(parents=True)
+    path = archive(1)[0].rename(tmp_path / "a" / "x.dat")  # known by its title
+    (tmp_path / "a" / ".hidden" / "x.csv").write_text("not looked at")
+    path.write_text(path.read_text().replace("FileName**", "Name**"))
+    (tmp_path / "a" / "notes.txt").write_text("no measurement")
+    (tmp_path / "a" / "again").symlink_to(tmp_path)
+    (tmp_path / "gone.csv").symlink_to(tmp_path / "nowhere")
+    found = aq.check(tmp_path)
+    assert found.path.map(os.path.basename).unique().tolist() == ["x.dat", "gone.csv"]
+    assert found.kind.iloc[0] == "keyword" and found.severity.iloc[-1] == "error"
+    with pytest.raises(FileNotFoundError):
+        aq.check(tmp_path / "none")
 
 
 def test_a_pattern_gives_no_history_the_map_of_another(
