@@ -12,6 +12,7 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import unicodedata
 
 PROGRAM, PROJECT = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
 SAMPLES = PROJECT / "examples" / "data"
@@ -74,6 +75,14 @@ ROWS = [  # command, status, in the output, in the messages
     ("info", 2, "", "FILES is required"),
     ("info none.csv", 2, "", "none.csv: no such file"),
     (f"info {STH}", 0, "duration s                 29.5", ""),
+    (f"--json -q info {STH}", 0, '{"file":"fly-over.sth.csv","kind"', ""),
+    (f"--color=never --jobs 1 info {STH}", 0, "duration s", ""),
+    ("--json", 2, "", "expected a command"),
+    ("help diff", 0, "aqdata diff [OPTIONS] A B", ""),
+    ("help", 0, "Commands:", ""),
+    ("help x", 2, "", 'unknown command "x"'),
+    ("info --color sometimes x", 2, "", 'info: --color: expected auto, always, never, found "some'),
+    ("info --color", 2, "", "info: --color: expected a value"),
     ("info '*.csv' bad.sth.csv", 2, "near.sth.csv", ""),
     ("info deep", 0, "deep/one.csv", ""),
     ("info notes.txt fly-over.mic.csv", 2, "M1", 'found "no measurement"'),
@@ -99,13 +108,18 @@ ROWS = [  # command, status, in the output, in the messages
     (f"show {STH} --records 29:30", 0, "30  14:30:14.75           0", ""),
     (f"show {STH} --records 29:30 --bands 17:18 --mask {MAP}", 0, "17     18", ""),
     (f"show {STH} --records 1 --bands 17 --mask {MAP}", 0, "61.51*", ""),
-    (f"show {STH} --records 2:1", 2, "", 'expected records as in 10:40, found "2:1"'),
+    (f"show {STH} --records 2:1", 2, "", '--records: expected records as in 10:40, found "2:1"'),
     (f"show {STH} --records 200:300", 2, "", "has no record from 200 to 300"),
     (f"show {STH} --bands 50", 2, "", "has no band 50"),
     (f"show gap.sth.csv --mask {MAP}", 2, "", "record 30: the history lacks it"),
     (f"show {MAP} --mask {MAP}", 2, "", "has no records to mask"),
     (f"show --json {STH} --records 1 --bands 17:18 --mask {MAP}", 0, '"masked":[true,', ""),
     (f"show {STH} --plot", 0, "Level of all bands together in dB", ""),
+    (f"show {STH} --plot --mask {MAP}", 0, "all bands together, without those that are masked, in", ""),
+    (f"show {STH} --plot --bands 17 --mask {MAP} | tail -2 | head -1", 0, "└────", ""),
+    (f"show {STH} --plot --bands 17 --mask {MAP} | tail -3 | head -1", 0, "│░░░", ""),
+    (f"show {STH} --plot --records 1 --mask {MAP} | head -1", 0, "61.51* ░░", ""),
+    (f"show {STH} --spectrogram --mask {MAP} | head -1", 0, "B40/10kHz   ····", ""),
     (f"show {STH} --plot --records 30", 0, "B17/50Hz", ""),
     (f"show {STH} --plot --bands 30", 0, "Level of B30/1kHz in dB", ""),
     (f"show {STH} --spectrogram", 0, "B40/10kHz", ""),
@@ -117,6 +131,16 @@ ROWS = [  # command, status, in the output, in the messages
     ("show fly-over.ini.csv", 0, "window_before_s            10", ""),
     (f"convert {STH} -o tidy.csv", 0, "tidy.csv: written", ""),
     (f"convert {STH} -o tidy.csv", 2, "", "tidy.csv: is there already; --force replaces it"),
+    (f"convert {STH} -o q.nc", 2, "", "q.nc: expected a name that ends in .pth.csv, .ssr.csv, .json, .csv"),
+    (f"convert {STH} -o q.mask.CSV", 2, "", "q.mask.CSV: expected a name that ends in"),
+    (f"convert {STH} --to json -o q.csv", 2, "", "ends in .json, .txt"),
+    (f"convert {STH} --to Table -o q.TXT", 0, "q.TXT: written", ""),
+    (f"convert --json {STH} -o q.JSON", 0, '{"output":"q.JSON"}', ""),
+    (f"ln {STH} same.csv; convert {STH} -f -o same.csv", 2, "", "same.csv: is what is read"),
+    (f"mask {STH} --ambient fly-over.ssr.csv -f -o same.csv", 2, "", "same.csv: is what is read"),
+    (f"track fly-over.tspi.csv -o x.sth.csv", 2, "", "expected a name that ends in .pth.csv, .csv"),
+    (f"cp {STH} /dev/shm/aqdata-$$.csv; convert {STH} -o /dev/shm/aqdata-$$.csv; s=$?; "
+     "rm /dev/shm/aqdata-$$.csv; exit $s", 2, "", "is there already; --force replaces it"),
     (f"convert {STH} --to spectrum --record 30", 2, "", "-o says which"),
     (f"convert {STH} --to spectrum --record 30 -o /dev/stdout | head -n 1", 0, "FileType**,", ""),
     (f"convert {STH} --record 30", 0, "30,14:30:14.75,52214.75,0,17,", ""),
@@ -141,14 +165,24 @@ ROWS = [  # command, status, in the output, in the messages
     (f"diff --json {MAP} made.mask.csv", 1, '"only_in_b":[],"columns":[],"bands":[]', ""),
     (f"stamp {STH} --start 14:30:00 --type midpt --ref 14:30:14.75 --ref-type overhead -o s.sth.csv",
      0, "60 records", ""),
-    (f"diff {STH} s.sth.csv", 0, "no difference", ""),
+    (f"diff --dates {STH} s.sth.csv", 0, "no difference", ""),
+    (f"sed 's/,OVERHEAD/,PEAK/' {STH} > peak.csv; stamp peak.csv --start 9:00:00 --ref 9:00:00 -o x",
+     2, "", 'has the reference time type "PEAK", which is not known; --ref-type says'),
+    ("stamp words.sth.csv --start 9:00:00 --ref 9:00:00 -o x", 2, "",
+     'has the averaging method "FOOLINEAR", which is not known'),
+    (f"sed 's/^Gen.*Date.*/GenerationFileDateTime**,01\/02\/2003,04:05:06/' {STH} > dated.csv; "
+     f"diff --dates {STH} dated.csv", 1, "generation_file_date", ""),
+    (f"diff {STH} dated.csv", 0, "no difference", ""),
+    ("sed -i -e s/,OVERHEAD/,PMAX/ -e 's/^GenerationFile..,/&made.dat/' dated.csv; stamp dated.csv "
+     "--start 14:30:00 --type MIDPT --ref 14:30:14.75 -o r.sth.csv", 0, "r.sth.csv: 60 records", ""),
+    ("diff --dates dated.csv r.sth.csv", 0, "no difference", ""),
     (f"stamp {STH} --start 23:59:50 --ref 0:00:04 -o night.sth.csv", 0, "60 records", ""),
     ("check night.sth.csv", 0, "1 without findings", ""),
     ("convert night.sth.csv --record 1", 0, "1,23:59:50,86390,-14,17,", ""),
     ("stamp gap.sth.csv --start 10:00:00 --ref 10:00:00 -o x.csv", 2, "", "gap.sth.csv: no record"),
     (f"sed 's/,OVERHEAD/,PMAX/' {STH} > pmax.csv; diff {STH} pmax.csv", 1, "reference_time_type", ""),
-    (f"stamp {STH} --start 10 --ref 10:00:00 -o x.csv", 2, "", "expected a time of day hh:mm:ss"),
-    (f"stamp {STH} --start 10:00:00 --type MID --ref 10:00:00 -o x.csv", 2, "", "one of START"),
+    (f"stamp {STH} --start 10 --ref 10:00:00 -o x.csv", 2, "", "--start: expected a time of day"),
+    (f"stamp {STH} --start 10:00:00 --type MID --ref 10:00:00 -o x.csv", 2, "", "--type: expected START"),
     (f"cp {STH} self.sth.csv; stamp self.sth.csv --start 9:00:00 --ref 9:00:00 --force -o "
      "self.sth.csv", 0, "from 9:00:00 on", ""),
     (f"diff {STH} near.sth.csv", 1, "band 17: differs in 1 record, by 0.01 at the most, as in 1", ""),
@@ -158,10 +192,11 @@ ROWS = [  # command, status, in the output, in the messages
     (f"diff {STH} {MAP}", 2, "", "is a spectral time history file"),
     (f"cat {STH}", 0, "\nReferenceTimeType**,OVERHEAD\n", ""),
     ("cat --json fly-over.tspi.csv", 0, '"Rate: 5 a second"', ""),
+    ("head -n 0x1 fly-over.tspi.csv", 2, "", '--lines: expected a number from 0 to 32767, found "0x1"'),
     ("head -n 1 fly-over.tspi.csv", 0, "1  14:30:00  -1258  0  150", ""),
     (f"head -n 1 fly-over.mic.csv {STH}", 0, f"==> {STH} <==\nrecord", ""),
-    ("completion zsh", 0, "#compdef aqdata", ""),
-    ("completion fish", 0, "-l tolerance", ""),
+    ("completion zsh", 0, "convert:--to) compadd -- table json", ""),
+    ("completion fish", 0, "-x -l ref-type -a 'START OVERHEAD", ""),
     ("completion tcsh", 2, "", "tcsh"),
     ("info --json odd*", 0, r'"file":"odd name\né.sth.csv"', ""),
     ("info odd* deep/one.csv", 0, "odd name\\x0aé.sth.csv", ""),
@@ -198,7 +233,6 @@ def check_json(folder):
     bad = [d["file"] for d in documents if "unreadable" in d.get("counts", {})]
     expect("files that do not read", bad, ["./bad.sth.csv", "./up/R.CSV"])
     expect("hidden files", [d for d in documents if "hidden" in d["file"]], [])
-    expect("times as numbers", len(documents) > 30, True)
 
 
 def check_streams(folder):
@@ -207,7 +241,48 @@ def check_streams(folder):
     expect("a closed pipe: messages", done.stderr, b"")
     plain = run(f"aqdata check --jobs 1 .", folder).stdout
     expect("two threads or one", run("aqdata check --jobs 4 .", folder).stdout, plain)
-    expect("leftovers", list(folder.glob(".aqdata-*")), [])
+    expect("leftovers", list(folder.rglob(".aq-*")), [])
+
+
+def check_folders(parent):
+    """Links to folders are walked once, and what leads nowhere or cannot be read is told."""
+    folder = parent / "links"
+    (folder / "b" / "c").mkdir(parents=True)
+    shutil.copy(SAMPLES / "fly-over.mic.csv", folder / "b" / "c" / "m.csv")
+    for link, target in (("a", "b"), ("b/up", ".."), ("gone.csv", "nowhere")):
+        (folder / link).symlink_to(target)
+    done = run("aqdata info . a b ./a/c gone.csv", folder)
+    expect("walked once", done.stdout.decode().splitlines()[0], "./b/c/m.csv  microphone position")
+    expect("links to nothing", done.stderr.decode().count("gone.csv: a link to nothing: nowhere"), 2)
+    shutil.rmtree(folder)
+
+
+def check_completion(folder):
+    """What bash offers after a command line."""
+    for line, offered in (("aqdata co", "convert completion"), ("aqdata --color a", "auto always"),
+                          ("aqdata -q convert x --to j", "json"), ("aqdata check --only record-g",
+                          "record-gap"), ("aqdata check --color=al", "always"),
+                          ("aqdata help sta", "stamp"), ("aqdata info --js", "--json")):
+        words = re.sub("=", " = ", line).split()
+        script = (f"source <(aqdata completion bash); COMP_WORDS=({' '.join(words)}); "
+                  f"COMP_CWORD={len(words) - 1}; _aqdata; echo ${{COMPREPLY[@]}}")
+        expect(line, run(script, folder).stdout.decode().strip(), offered)
+
+
+def check_widths(folder):
+    """Columns line up, also where names take two columns a character or none."""
+    names = ["fly-\u98db\u884c.csv", "fly-e\u0301.csv", "fly-plain.csv"]
+    for name in names:
+        shutil.copy(SAMPLES / "fly-over.mic.csv", folder / name)
+    lines = run("aqdata info fly-\u98db* fly-e* fly-p*", folder).stdout.decode().splitlines()
+    places = {unicodedata.normalize("NFC", line).replace("\u98db\u884c", "four").find("microphone")
+              for line in lines[1:4]}
+    expect("names of wide characters", len(places), 1)
+    wide = pathlib.Path(folder / "narrow.txt")
+    run(f"stty cols 60 2>/dev/null; script -qc 'stty cols 60; aqdata info {names[0]} {STH}' {wide}",
+        folder)
+    if shutil.which("script"):
+        expect_in("columns left out", wide.read_text(errors="replace"), "no room for ")
 
 
 def check_documents(parent):
@@ -245,7 +320,8 @@ def check_field_data(folder):
 with tempfile.TemporaryDirectory() as name:
     place = pathlib.Path(name)
     samples(place)
-    for check in (check_rows, check_json, check_streams, check_documents, check_field_data):
+    for check in (check_rows, check_json, check_streams, check_folders, check_completion,
+                  check_widths, check_documents, check_field_data):
         check(place)
 print("\n".join(faults) or f"{len(ROWS)} commands, no fault")
 sys.exit(1 if faults else 0)

@@ -1,6 +1,7 @@
 #include "tools/aqdata/files.h"
 
 #include <aq/core/error.h>
+#include <aq/core/platform.h>
 #include <aq/files/data_ascii.h>
 #include <aq/files/file_kind.h>
 #include <aq/text/number_text.h>
@@ -28,60 +29,146 @@ void complainOf(const std::string& path, std::string_view why, Session& session)
   session.complain(fmt::format("{}: {}", aq::escaped(path), why), path);
 }
 
-/// Goes on behind a folder that cannot be read, and gives whether there was none. Links to folders
-/// may lead in a circle, so they are not followed.
-bool walk(const fs::path& folder, Session& session, std::vector<std::string>& files) {
+/// A link that leads nowhere, told where to; empty for anything else.
+std::string danglingLink(const fs::path& path) {
   std::error_code error;
-  std::vector<fs::path> entries;
-  for (fs::directory_iterator entry(folder, error); !error && entry != fs::directory_iterator();
-       entry.increment(error)) {
-    if (!isHidden(entry->path())) entries.push_back(entry->path());
+  if (!fs::is_symlink(fs::symlink_status(path, error)) || fs::exists(path, error)) return {};
+  return "a link to nothing: " + aq::escaped(fs::read_symlink(path, error).string());
+}
+
+/// Finds the files that the user's arguments stand for. A folder is walked once, by however many
+/// links it is reached: links may lead in a circle.
+class Choice {
+ public:
+  explicit Choice(Session& session) : session_(session) {}
+
+  void add(const std::string& given) {
+    std::error_code error;
+    if (fs::exists(given, error)) return addFound(given);
+    const std::string dangling = danglingLink(given);
+    if (!dangling.empty()) return complainOf(given, dangling, session_);
+    const auto found = terminal::matches(given);
+    for (const std::string& match : found) addFound(match);
+    if (found.empty()) complainOf(given, "no such file", session_);
   }
-  bool whole = !error;
-  if (error) complainOf(folder.string(), error.message(), session);
-  std::sort(entries.begin(), entries.end());
-  for (const fs::path& entry : entries) {
-    if (fs::is_directory(fs::symlink_status(entry, error))) {
-      whole = walk(entry, session, files) && whole;
-    } else if (fs::is_regular_file(entry, error) && isMeasurement(entry)) {
-      files.push_back(entry.string());
+
+  [[nodiscard]] std::vector<std::string> files() && { return std::move(files_); }
+
+ private:
+  void addFound(const std::string& name) {
+    std::error_code error;
+    if (!fs::is_directory(name, error)) {
+      onFile(session_, name, [&] { expectFile(name), addFile(name); });
+    } else if (walkNew(name) && !seenMeasurement_) {
+      complainOf(name, "holds no measurement file", session_);
     }
   }
-  return whole;
-}
 
-/// Takes what is there under a name: a file, or those of a folder; gives whether it is a folder
-/// that was read as a whole.
-bool take(const std::string& name, Session& session, std::vector<std::string>& files) {
-  std::error_code error;
-  if (fs::is_directory(name, error)) return walk(name, session, files);
-  onFile(session, name, [&] { expectFile(name), files.push_back(name); });
-  return false;
-}
-
-void choose(const std::string& given, Session& session, std::vector<std::string>& files) {
-  std::error_code error;
-  const std::size_t before = files.size();
-  if (fs::exists(given, error)) {
-    const bool folder = take(given, session, files);
-    if (folder && files.size() == before) complainOf(given, "holds no measurement file", session);
-    return;
+  /// Walks a folder and those that its links lead to; gives whether it was new, and read as a
+  /// whole.
+  bool walkNew(const std::string& folder) {
+    seenMeasurement_ = false;
+    const std::size_t before = walked_.size();
+    bool whole = walk(folder);
+    while (!links_.empty()) {
+      const fs::path link = links_.back();
+      links_.pop_back();
+      whole = walk(link) && whole;
+    }
+    return whole && walked_.size() != before;
   }
-  const auto found = terminal::matches(given);
-  for (const std::string& match : found) take(match, session, files);
-  if (found.empty()) complainOf(given, "no such file", session);
+
+  /// Goes on after a folder that cannot be read, and gives whether there was none.
+  bool walk(const fs::path& folder) {
+    std::error_code error;
+    if (!walked_.insert(fs::canonical(folder, error).string()).second) return true;
+    std::vector<fs::path> entries;
+    for (fs::directory_iterator entry(folder, error); !error && entry != fs::directory_iterator();
+         entry.increment(error)) {
+      if (!isHidden(entry->path())) entries.push_back(entry->path());
+    }
+    bool whole = !error;
+    if (error) complainOf(folder.string(), error.message(), session_);
+    std::sort(entries.begin(), entries.end());
+    for (const fs::path& entry : entries) whole = take(entry) && whole;
+    return whole;
+  }
+
+  bool take(const fs::path& entry) {
+    std::error_code error;
+    const std::string dangling = danglingLink(entry);
+    if (!dangling.empty()) {
+      complainOf(entry.string(), dangling, session_);
+    } else if (fs::is_directory(fs::symlink_status(entry, error))) {
+      return walk(entry);
+    } else if (fs::is_directory(entry, error)) {
+      links_.insert(links_.begin(), entry);  // after the folders themselves
+    } else if (fs::is_regular_file(entry, error) && isMeasurement(entry)) {
+      seenMeasurement_ = true;
+      addFile(entry.string());
+    }
+    return true;
+  }
+
+  void addFile(const std::string& file) {
+    if (seen_.insert(fs::path(file).lexically_normal().string()).second) files_.push_back(file);
+  }
+
+  Session& session_;
+  std::vector<std::string> files_;
+  std::unordered_set<std::string> seen_;
+  std::unordered_set<std::string> walked_;
+  std::vector<fs::path> links_;  // to folders, the next one last
+  bool seenMeasurement_ = false;
+};
+
+constexpr std::string_view kEndings[] = {".sth.csv",  ".mask.csv", ".ssr.csv", ".pth.csv",
+                                         ".tspi.csv", ".mic.csv",  ".gth.csv", ".ini.csv"};
+
+/// Whether a file called `name` may be one whose name ends so: a table's name is no other kind's.
+bool mayEnd(const std::string& name, std::string_view ending) {
+  const auto endsIn = [upper = aq::upperCased(name)](std::string_view end) {
+    return upper.ends_with(aq::upperCased(end));
+  };
+  return endsIn(ending) &&
+         (ending != ".csv" || std::none_of(std::begin(kEndings), std::end(kEndings), endsIn));
 }
 
 }  // namespace
 
 std::vector<std::string> chosenFiles(Session& session) {
-  std::vector<std::string> files;
-  for (const std::string& given : session.files) choose(given, session, files);
-  std::unordered_set<std::string> seen;
-  std::erase_if(files, [&](const std::string& file) {
-    return !seen.insert(fs::path(file).lexically_normal().string()).second;
-  });
-  return files;
+  Choice choice(session);
+  for (const std::string& given : session.files) choice.add(given);
+  return std::move(choice).files();
+}
+
+void expectOpens(const std::string& path) {
+  try {
+    const aq::platform::InputFile file(path);
+  } catch (const aq::platform::SystemError& error) {
+    throw Failure(
+        fmt::format("{}: expected {}, found {}", aq::escaped(path), error.wanted(), error.what()));
+  }
+}
+
+void expectOutput(const Session& session, const std::vector<std::string_view>& endings,
+                  const std::vector<std::string>& inputs) {
+  if (session.output.empty() || session.intoStream()) return;
+  const fs::path output = session.output;
+  const std::string name = output.filename().string();
+  const bool fits = output.extension().empty() ||
+                    std::any_of(endings.begin(), endings.end(),
+                                [&](std::string_view ending) { return mayEnd(name, ending); });
+  if (!fits) {
+    throw Failure(fmt::format("{}: expected a name that ends in {}", aq::escaped(session.output),
+                              fmt::join(endings, ", ")));
+  }
+  std::error_code error;
+  for (const std::string& input : inputs) {
+    if (!fs::equivalent(output, input, error)) continue;
+    throw Failure(fmt::format("{}: is what is read, and would become a file of another kind",
+                              aq::escaped(session.output)));
+  }
 }
 
 std::string outputPlace(const Session& session) {

@@ -17,7 +17,11 @@
 namespace aqdata {
 namespace {
 
-using Level = std::optional<double>;
+struct Drawn {
+  double level;  // dB
+  bool masked = false;
+};
+using Level = std::optional<Drawn>;
 
 /// The span of the levels that are drawn, on whole tens.
 struct Scale {
@@ -26,8 +30,8 @@ struct Scale {
 
   void see(const Level& level) {
     if (!level) return;
-    low = std::min(low, std::floor(*level / 10) * 10);
-    high = std::max(high, std::ceil(*level / 10) * 10);
+    low = std::min(low, std::floor(level->level / 10) * 10);
+    high = std::max(high, std::ceil(level->level / 10) * 10);
   }
   [[nodiscard]] bool empty() const { return low > high; }
 
@@ -37,7 +41,18 @@ struct Scale {
   }
 };
 
-Level levelOf(const Json& cell) { return isLevel(cell) ? Level(cell.get<double>()) : Level(); }
+Level levelOf(const Json& cell, bool masked = false) {
+  return isLevel(cell) ? Level({cell.get<double>(), masked}) : Level();
+}
+
+/// The level of all bands together, masked ones left out.
+Level sumOf(const Sheet::Row& row) {
+  std::vector<Json> heard;
+  for (std::size_t i = 0; i < row.bands.size(); ++i) {
+    if (!row.masks(i)) heard.push_back(row.bands[i]);
+  }
+  return levelOf(energySum(heard));
+}
 
 /// The loudest of the records that share a column, so that no peak is lost.
 std::vector<Level> resampled(const std::vector<Level>& levels, std::size_t columns) {
@@ -45,7 +60,7 @@ std::vector<Level> resampled(const std::vector<Level>& levels, std::size_t colum
   std::vector<Level> fewer(columns);
   for (std::size_t i = 0; i < levels.size(); ++i) {
     Level& level = fewer[i * columns / levels.size()];
-    if (levels[i] && (!level || *levels[i] > *level)) level = levels[i];
+    if (levels[i] && (!level || levels[i]->level > level->level)) level = levels[i];
   }
   return fewer;
 }
@@ -58,6 +73,8 @@ std::string bandName(std::int16_t band) {
   }
 }
 
+constexpr std::string_view kMaskedBlock = "░";
+constexpr std::string_view kMaskedCell = "·";
 constexpr std::array<std::string_view, 9> kBlocks{" ", "▁", "▂", "▃", "▄", "▅", "▆", "▇", "█"};
 
 /// A bar's part in a line of characters; `height` is in lines.
@@ -66,13 +83,13 @@ std::string_view blockIn(double height, int line) {
   return kBlocks[static_cast<std::size_t>(std::lround(part * 8))];
 }
 
-std::string bar(double share, std::size_t width) {
+std::string bar(double share, std::size_t width, bool masked) {
   constexpr std::array<std::string_view, 8> kParts{"", "▏", "▎", "▍", "▌", "▋", "▊", "▉"};
   const auto eighths =
       static_cast<std::size_t>(std::lround(share * static_cast<double>(width) * 8));
   std::string text;
-  for (std::size_t i = 0; i < eighths / 8; ++i) text += "█";
-  return text.append(kParts[eighths % 8]);
+  for (std::size_t i = 0; i < eighths / 8; ++i) text += masked ? kMaskedBlock : "█";
+  return masked ? text : text.append(kParts[eighths % 8]);
 }
 
 /// The first and the last time below the ends of a picture.
@@ -108,15 +125,17 @@ std::array<int, 3> colourAt(double share) {
 /// One cell of a spectrogram: a coloured blank, or a shade where there are no colours.
 std::string cellAt(const Level& level, const Scale& scale, terminal::Colours colours) {
   if (!level) return " ";
-  const double share = scale.share(*level);
+  const double share = scale.share(level->level);
+  const std::string_view sign = level->masked ? kMaskedCell : " ";
   const auto [red, green, blue] = colourAt(share);
   if (colours == terminal::Colours::True) {
-    return fmt::format("\x1b[48;2;{};{};{}m ", red, green, blue);
+    return fmt::format("\x1b[48;2;{};{};{}m{}", red, green, blue, sign);
   }
   if (colours == terminal::Colours::Many256) {
     const auto cube = [](int value) { return (value * 5 + 127) / 255; };
-    return fmt::format("\x1b[48;5;{}m ", 16 + 36 * cube(red) + 6 * cube(green) + cube(blue));
+    return fmt::format("\x1b[48;5;{}m{}", 16 + 36 * cube(red) + 6 * cube(green) + cube(blue), sign);
   }
+  if (level->masked) return std::string(sign);
   constexpr std::array<std::string_view, 5> kShades{" ", "░", "▒", "▓", "█"};
   return std::string(kShades[static_cast<std::size_t>(std::lround(share * 4))]);
 }
@@ -158,10 +177,12 @@ void plotSpectrum(Session& session, const Sheet& sheet, const Sheet::Row& row) {
   Scale scale;
   for (const Json& cell : row.bands) scale.see(levelOf(cell));
   for (std::size_t i = 0; i < row.bands.size(); ++i) {
-    const Level level = levelOf(row.bands[i]);
-    const std::string drawn = level ? bar(scale.share(*level), room(kMargin)) : "";
-    session.print(fmt::format("{:<11} {:>7}  {}\n", bandName(sheet.band(i)),
-                              level ? fmt::format("{:.2f}", *level) : "-",
+    const Level level = levelOf(row.bands[i], row.masks(i));
+    const std::string drawn =
+        level ? bar(scale.share(level->level), room(kMargin), level->masked) : "";
+    const char* const star = row.masks(i) ? "*" : " ";
+    session.print(fmt::format("{:<11} {:>7}{} {}\n", bandName(sheet.band(i)),
+                              level ? fmt::format("{:.2f}", level->level) : "-", star,
                               session.painted("36", drawn)));
   }
   if (!scale.empty()) session.print(session.faint(fmt::format("bars from {}\n", scaleText(scale))));
@@ -172,18 +193,24 @@ void plotHistory(Session& session, const Sheet& sheet) {
   constexpr int kLines = 12;
   const bool single = sheet.low == sheet.high;
   const auto levelIn = [single](const Sheet::Row& row) {
-    return levelOf(single && !row.bands.empty() ? row.bands.front() : energySum(row.bands));
+    return single && !row.bands.empty() ? levelOf(row.bands.front(), row.masks(0)) : sumOf(row);
   };
+  const bool masked = !sheet.rows.front().masked.empty();
   const std::vector<Level> levels = resampled(levelsAcross(sheet, levelIn), room(kMargin));
   Scale scale;
   for (const Level& level : levels) scale.see(level);
   if (scale.empty()) return session.print("no valid level to draw\n");
-  session.print(fmt::format("{} in dB\n", single ? "Level of " + bandName(sheet.low)
-                                                 : std::string("Level of all bands together")));
+  session.print(fmt::format("Level of {}{} in dB\n",
+                            single ? bandName(sheet.low) : std::string("all bands together"),
+                            !masked  ? ""
+                            : single ? ", light where it is masked"
+                                     : ", without those that are masked,"));
   for (int line = kLines - 1; line >= 0; --line) {
     std::string drawn;
     for (const Level& level : levels) {
-      drawn += blockIn(level ? std::max(0.125, scale.share(*level) * kLines) : 0, line);
+      const std::string_view block =
+          blockIn(level ? std::max(0.125, scale.share(level->level) * kLines) : 0, line);
+      drawn += level && level->masked && block != " " ? kMaskedBlock : block;
     }
     const double at = scale.low + (scale.high - scale.low) * (line + 1) / kLines;
     const bool labelled = line == kLines - 1 || line == kLines / 2 - 1;
@@ -208,7 +235,7 @@ void plotSpectrogram(Session& session, const Sheet& sheet) {
   std::vector<std::vector<Level>> bands;
   for (std::int32_t band = sheet.low; band <= sheet.high; ++band) {
     const auto levelIn = [place = bands.size()](const Sheet::Row& row) {
-      return place < row.bands.size() ? levelOf(row.bands[place]) : Level();
+      return place < row.bands.size() ? levelOf(row.bands[place], row.masks(place)) : Level();
     };
     bands.push_back(resampled(levelsAcross(sheet, levelIn), room(kMargin)));
     for (const Level& level : bands.back()) scale.see(level);
@@ -224,9 +251,11 @@ void plotSpectrogram(Session& session, const Sheet& sheet) {
   printTimes(session, sheet, kMargin, bands.front().size());
   std::string legend;
   for (int i = 0; i <= 20; ++i)
-    legend += cellAt(scale.low + (scale.high - scale.low) * i / 20, scale, colours);
-  session.print(fmt::format("{}{}{} {}\n", std::string(kMargin, ' '), legend,
-                            coloured ? "\x1b[0m" : "", scaleText(scale)));
+    legend += cellAt(Drawn{scale.low + (scale.high - scale.low) * i / 20}, scale, colours);
+  const bool masked = !sheet.rows.front().masked.empty();
+  session.print(fmt::format("{}{}{} {}{}\n", std::string(kMargin, ' '), legend,
+                            coloured ? "\x1b[0m" : "", scaleText(scale),
+                            masked ? fmt::format(", {} masked", kMaskedCell) : ""));
 }
 
 }  // namespace aqdata

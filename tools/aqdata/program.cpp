@@ -3,6 +3,8 @@
 #include <aq/core/error.h>
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <set>
 #include <utility>
 
 #include "tools/aqdata/text.h"
@@ -12,7 +14,8 @@ namespace {
 
 constexpr const char* kFooter =
     "Exit status: 0 fine, 1 findings or differences, 2 could not do it.\n"
-    "aqdata COMMAND --help says more about a command.";
+    "aqdata help COMMAND says more about a command. --json, --quiet and --color\n"
+    "may stand before it too.";
 
 std::vector<std::string> optionNames(const CLI::App& command) {
   std::vector<std::string> names;
@@ -35,11 +38,43 @@ std::string unknown(const char* what, const std::string& found,
                      meant.empty() ? "" : fmt::format("; did you mean {}?", meant));
 }
 
+/// How many of the first words are an option that all commands know, with its value.
+std::size_t sharedOption(const std::vector<std::string>& words) {
+  static const std::set<std::string> kFlags{"--json", "-q", "--quiet"};
+  static const std::set<std::string> kWithValue{"--color", "-j", "--jobs"};
+  if (words.empty()) return 0;
+  const std::string name = words.front().substr(0, words.front().find('='));
+  if (kFlags.contains(words.front())) return 1;
+  if (!kWithValue.contains(name)) return 0;
+  return name == words.front() ? std::min<std::size_t>(2, words.size()) : 1;
+}
+
+/// The words of a command line as the commands take them: their options may stand before them, and
+/// `help` is another way to ask for it.
+std::vector<std::string> arranged(std::vector<std::string> words) {
+  std::vector<std::string> before;
+  while (const std::size_t count = sharedOption(words)) {
+    const auto end = words.begin() + static_cast<std::ptrdiff_t>(count);
+    before.insert(before.end(), words.begin(), end);
+    words.erase(words.begin(), end);
+  }
+  const bool help = !words.empty() && words.front() == "help";
+  if (help) words.erase(words.begin());
+  if (help && (words.empty() || !words.front().starts_with('-'))) {
+    words.resize(std::min<std::size_t>(1, words.size()));
+    words.emplace_back("--help");
+  }
+  if (words.empty() || words.front().starts_with('-')) return words;
+  words.insert(words.begin() + 1, before.begin(), before.end());
+  return words;
+}
+
 /// What is wrong with a command line.
-std::string wrongText(CLI::App& program, const CLI::ParseError& error, int argc, char** argv) {
+std::string wrongText(CLI::App& program, const CLI::ParseError& error,
+                      const std::vector<std::string>& words) {
   const auto chosen = program.get_subcommands();
   if (chosen.empty()) {
-    const std::string first = argc > 1 ? argv[1] : "";
+    const std::string first = words.empty() ? "" : words.front();
     if (first.empty()) return "expected a command; aqdata --help lists them";
     if (first.starts_with('-')) return unknown("option", first, optionNames(program));
     return unknown("command", first, commandNames(program));
@@ -48,7 +83,12 @@ std::string wrongText(CLI::App& program, const CLI::ParseError& error, int argc,
     if (!rest.starts_with('-')) continue;
     return unknown("option", rest.substr(0, rest.find('=')), optionNames(*chosen.front()));
   }
-  return fmt::format("{}: {}", chosen.front()->get_name(), error.what());
+  const std::string text = error.what();
+  const bool noValue = dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr;
+  return fmt::format("{}: {}", chosen.front()->get_name(),
+                     noValue && text.starts_with('-')
+                         ? text.substr(0, text.find(':')) + ": expected a value"
+                         : text);
 }
 
 }  // namespace
@@ -70,8 +110,9 @@ CLI::App* addCommand(CLI::App& program, Session& session, const char* name, cons
 
 void addCommands(CLI::App& program, Session& session) {
   for (const auto add : {addInfo, addCheck, addShow, addConvert, addTrack, addLgb, addMask,
-                         addStamp, addDiff, addCat, addHead, addCompletion, addManual}) {
+                         addStamp, addDiff, addCat, addHead, addCompletion, addHelp, addManual}) {
     add(program, session);
+    addOutputOptions(*program.get_subcommands({}).back(), session);
   }
 }
 
@@ -91,14 +132,20 @@ int run(int argc, char** argv) {
   program.set_version_flag("--version", AQDATA_VERSION);
   program.footer(kFooter);
   addCommands(program, session);
+  const std::vector<std::string> words = arranged({argv + std::min(argc, 1), argv + argc});
   try {
-    program.parse(argc, argv);
+    program.parse(std::vector<std::string>(words.rbegin(), words.rend()));
     session.finish();
     return session.status();
   } catch (const CLI::Success& asked) {
+    const bool ofCommand = !words.empty() && !words.front().starts_with('-');
+    if (ofCommand && program.get_subcommands().empty()) {
+      session.complain(unknown("command", words.front(), commandNames(program)));
+      return kCouldNot;
+    }
     return program.exit(asked);  // --help and --version
   } catch (const CLI::ParseError& error) {
-    session.complain(wrongText(program, error, argc, argv));
+    session.complain(wrongText(program, error, words));
     return kCouldNot;
   }
 }

@@ -9,6 +9,7 @@
 #include <cstdlib>
 
 #include "tools/aqdata/terminal.h"
+#include "tools/aqdata/text.h"
 
 namespace aqdata {
 
@@ -34,8 +35,15 @@ void Session::title(const std::string& file) {
 
 void Session::printDocument(const Json& document) { print(lineOf(document) + '\n'); }
 
+bool Session::intoStream() const { return !output.empty() && terminal::isStream(output); }
+
 void Session::tell(std::string_view text) {
   if (!quiet && !json && !intoStream()) print(fmt::format("{}\n", text));
+}
+
+void Session::wrote(std::string_view what) {
+  if (json && !intoStream()) return printDocument(Json{{"output", output}});
+  tell(fmt::format("{}: {}", aq::escaped(output), what));
 }
 
 void Session::complain(std::string_view text, const std::string& file) {
@@ -101,12 +109,44 @@ std::string finiteNumber(const std::string& text) {
   }
 }
 
+Check wholeNumber(std::int32_t lowest, std::int32_t highest) {
+  return [=](const std::string& text) -> std::string {
+    try {
+      const std::int32_t number = aq::int32From(text);
+      if (number >= lowest && number <= highest) return {};
+    } catch (const aq::Error&) {
+      // told below
+    }
+    return fmt::format("expected a number from {} to {}, found {}", lowest, highest,
+                       aq::shown(text));
+  };
+}
+
+void addWords(Session& session, CLI::Option& option, std::vector<std::string> words) {
+  const auto known = [words](std::string& text) -> std::string {
+    for (const std::string& word : words) {
+      if (aq::upperCased(word) != aq::upperCased(text)) continue;
+      text = word;
+      return {};
+    }
+    constexpr std::size_t kFew = 8;  // that a line holds
+    const std::string meant = nearest(text, words);
+    const std::string all =
+        words.size() > kFew ? "" : fmt::format("expected {}, ", fmt::join(words, ", "));
+    return fmt::format("{}{} {}{}", all, all.empty() ? "unknown" : "found", aq::shown(text),
+                       meant.empty() ? "" : fmt::format("; did you mean {}?", meant));
+  };
+  option.transform(CLI::Validator(known, ""));
+  session.words[&option] = std::move(words);
+}
+
 void addOutputOptions(CLI::App& command, Session& session) {
   command.add_flag("--json", session.json, "One JSON document a file, one a line");
   command.add_flag("-q,--quiet", session.quiet, "Nothing but the result itself");
-  command.add_option("--color", session.colour, "Colours: auto, always or never")
-      ->check(CLI::IsMember({"auto", "always", "never"}))
-      ->option_text("WHEN");
+  CLI::Option* const colour =
+      command.add_option("--color", session.colour, "Colours: auto, always or never")
+          ->option_text("WHEN");
+  addWords(session, *colour, {"auto", "always", "never"});
 }
 
 void addFiles(CLI::App& command, Session& session) {
@@ -121,7 +161,7 @@ void addFile(CLI::App& command, std::string& file, const char* name, const char*
 
 void addJobs(CLI::App& command, Session& session) {
   command.add_option("-j,--jobs", session.jobs, "Files to work on at once (2)")
-      ->check(CLI::Range(1, 256))
+      ->check(wholeNumber(1, 256), "")
       ->option_text("N");
 }
 

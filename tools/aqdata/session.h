@@ -1,6 +1,9 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <cstdint>
+#include <functional>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
@@ -30,6 +33,7 @@ class Session {
   std::vector<std::string> files;  ///< as given
   std::string output;              ///< the file to write
   bool force = false;              ///< replaces a file that is there
+  std::map<const CLI::Option*, std::vector<std::string>> words = {};  ///< that options take
 
   [[nodiscard]] int status() const { return status_; }
 
@@ -49,10 +53,13 @@ class Session {
   void printDocument(const Json& document);
 
   /// Whether the output is a device or one of the program's own streams, as /dev/stdout.
-  [[nodiscard]] bool intoStream() const { return output.starts_with("/dev/"); }
+  [[nodiscard]] bool intoStream() const;
 
   /// Says on standard output what was done, unless that is taken by data or unwanted.
   void tell(std::string_view text);
+
+  /// Says that the output is written, and what of, or gives a document where those are wanted.
+  void wrote(std::string_view what);
 
   /// Says on standard error what went wrong, with `file` if it is one file of several, and in a
   /// document where those are wanted; the run has failed then.
@@ -86,15 +93,23 @@ void onFile(Session& session, const std::string& path, const std::function<void(
 /// The message of a failure to work on `path`.
 [[nodiscard]] std::string failureText(const std::string& path, const std::exception& error);
 
-// Options that several commands have.
+/// The options that every command has.
 void addOutputOptions(CLI::App& command, Session& session);
 
-/// A check of an option's text: why it is no finite number; empty when it is one.
-std::string finiteNumber(const std::string& text);
+// Options that several commands have.
 void addFiles(CLI::App& command, Session& session);
 void addFile(CLI::App& command, std::string& file, const char* name, const char* what);
 void addJobs(CLI::App& command, Session& session);
 void addOutputFile(CLI::App& command, Session& session, const char* what, bool needed = true);
+
+/// Lets an option take these words alone, in any case, several with commas if it takes several;
+/// shells offer them.
+void addWords(Session& session, CLI::Option& option, std::vector<std::string> words);
+
+// Checks of an option's text: why it is no such number; empty when it is one.
+std::string finiteNumber(const std::string& text);
+using Check = std::function<std::string(const std::string&)>;
+[[nodiscard]] Check wholeNumber(std::int32_t lowest, std::int32_t highest);
 
 // The commands, one a file in commands/.
 void addCat(CLI::App& program, Session& session);
@@ -103,6 +118,7 @@ void addCompletion(CLI::App& program, Session& session);
 void addConvert(CLI::App& program, Session& session);
 void addDiff(CLI::App& program, Session& session);
 void addHead(CLI::App& program, Session& session);
+void addHelp(CLI::App& program, Session& session);
 void addInfo(CLI::App& program, Session& session);
 void addLgb(CLI::App& program, Session& session);
 void addManual(CLI::App& program, Session& session);

@@ -14,9 +14,14 @@ namespace aqdata {
 /// The data of a file as rows, whatever its kind: what is shown, converted and compared.
 struct Sheet {
   struct Row {
-    std::int32_t number;      ///< of the record; the place of a position
-    std::vector<Json> cells;  ///< one a column
-    std::vector<Json> bands;  ///< one a band, of the lowest up; null where there is none
+    std::int32_t number;            ///< of the record; the place of a position
+    std::vector<Json> cells;        ///< one a column
+    std::vector<Json> bands;        ///< one a band, of the lowest up; null where there is none
+    std::vector<bool> masked = {};  ///< one a band; empty without a map
+
+    [[nodiscard]] bool masks(std::size_t place) const {
+      return place < masked.size() && masked[place];
+    }
   };
 
   std::vector<std::string> columns = {};  ///< the first is the number's

@@ -1,11 +1,14 @@
 #include "tools/aqdata/terminal.h"
 
 #include <glob.h>
+#include <locale.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
+#include <wchar.h>
 
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 
 namespace aqdata::terminal {
 namespace {
@@ -14,6 +17,23 @@ std::string_view environment(const char* name) {
   const char* const value = std::getenv(name);
   return value == nullptr ? std::string_view() : value;
 }
+
+/// The system's tables of characters, whatever the user's locale, while the object lives.
+class Utf8 {
+ public:
+  Utf8() : before_(::uselocale(tables())) {}
+  Utf8(const Utf8&) = delete;
+  Utf8& operator=(const Utf8&) = delete;
+  ~Utf8() { ::uselocale(before_); }
+
+ private:
+  static locale_t tables() {
+    static const locale_t kTables = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    return kTables;  // none where the system lacks them: the locale then stays
+  }
+
+  locale_t before_;
+};
 
 }  // namespace
 
@@ -33,6 +53,27 @@ int width() {
   winsize size{};
   if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kUsual;
   return size.ws_col;
+}
+
+Character firstOf(std::string_view text) {
+  if (static_cast<unsigned char>(text.front()) < 0x80) return {1, 1};
+  const Utf8 tables;
+  wchar_t character = 0;
+  std::mbstate_t state{};
+  const std::size_t bytes = std::mbrtowc(&character, text.data(), text.size(), &state);
+  if (bytes == 0 || bytes > text.size()) return {1, 1};
+  const int columns = ::wcwidth(character);
+  return {bytes, columns < 0 ? 1 : static_cast<std::size_t>(columns)};
+}
+
+bool isStream(const std::string& path) {
+  namespace fs = std::filesystem;
+  std::error_code error;
+  if (fs::is_other(fs::status(path, error))) return true;
+  const fs::path name = fs::path(path).lexically_normal();
+  const fs::path folder = name.parent_path();
+  return name == "/dev/stdout" || name == "/dev/stderr" || folder == "/dev/fd" ||
+         folder == "/proc/self/fd";
 }
 
 void endQuietlyOnClosedPipe() { std::signal(SIGPIPE, SIG_DFL); }

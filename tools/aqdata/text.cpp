@@ -14,15 +14,25 @@ namespace {
 
 constexpr std::size_t kGap = 2;  // between two columns
 
-bool beginsCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }
-
-/// Where the character behind the first `count` of `text` begins.
-std::size_t offsetOf(std::string_view text, std::size_t count) {
+/// How many bytes of `text` fit into so many columns.
+std::size_t bytesWithin(std::string_view text, std::size_t columns) {
   std::size_t at = 0;
-  while (at < text.size() && (count != 0 || !beginsCharacter(text[at]))) {
-    if (beginsCharacter(text[at])) --count;
-    ++at;
-    while (at < text.size() && !beginsCharacter(text[at])) ++at;
+  while (at < text.size()) {
+    const auto [bytes, width] = terminal::firstOf(text.substr(at));
+    if (width > columns) break;
+    columns -= width;
+    at += bytes;
+  }
+  return at;
+}
+
+/// Where the last characters of `text` begin that fit into so many columns.
+std::size_t lastWithin(std::string_view text, std::size_t columns) {
+  std::size_t at = 0;
+  for (std::size_t left = widthOf(text); left > columns && at < text.size();) {
+    const auto [bytes, width] = terminal::firstOf(text.substr(at));
+    left -= width;
+    at += bytes;
   }
   return at;
 }
@@ -45,23 +55,22 @@ std::size_t editsBetween(std::string_view a, std::string_view b) {
 
 std::size_t widthOf(std::string_view text) {
   std::size_t width = 0;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    if (text[at] == '\x1b') {
-      at = std::min(text.find('m', at), text.size() - 1);
-    } else if (beginsCharacter(text[at])) {
-      ++width;
-    }
+  while (!text.empty()) {
+    const bool colour = text.front() == '\x1b';
+    const auto [bytes, columns] =
+        colour ? terminal::Character{std::min(text.find('m'), text.size() - 1) + 1, 0}
+               : terminal::firstOf(text);
+    width += columns;
+    text.remove_prefix(bytes);
   }
   return width;
 }
 
 std::string shortened(std::string_view text, std::size_t width) {
-  const std::size_t whole = widthOf(text);
-  if (whole <= width || width < 3) return std::string(text);
-  const std::size_t front = (width - 1) / 2;
-  const std::size_t behind = width - 1 - front;
-  return fmt::format("{}…{}", text.substr(0, offsetOf(text, front)),
-                     text.substr(offsetOf(text, whole - behind)));
+  if (widthOf(text) <= width || width < 3) return std::string(text);
+  const std::size_t before = (width - 1) / 2;
+  return fmt::format("{}…{}", text.substr(0, bytesWithin(text, before)),
+                     text.substr(lastWithin(text, width - 1 - before)));
 }
 
 std::string cellText(const Json& value) {
@@ -84,9 +93,10 @@ std::vector<std::string> wrapped(std::string_view text, std::size_t width) {
   std::vector<std::string> lines;
   width = std::max<std::size_t>(width, 1);
   while (widthOf(text) > width) {
-    const std::size_t most = offsetOf(text, width + 1);
+    const std::size_t most = bytesWithin(text, width);
     const std::size_t blank = text.rfind(' ', most);
-    const std::size_t at = blank == text.npos || blank == 0 ? offsetOf(text, width) : blank;
+    const std::size_t at =
+        blank == text.npos || blank == 0 ? std::max(most, terminal::firstOf(text).bytes) : blank;
     lines.emplace_back(text.substr(0, at));
     text.remove_prefix(at == blank ? at + 1 : at);
   }
@@ -123,7 +133,7 @@ Range rangeFrom(const std::string& text, std::string_view ofWhat) {
   } catch (const aq::Error&) {
     // told below
   }
-  throw Failure(fmt::format("expected {} as in 10:40, found {}", ofWhat, aq::shown(text)));
+  throw Failure(fmt::format("--{0}: expected {0} as in 10:40, found {1}", ofWhat, aq::shown(text)));
 }
 
 std::vector<std::size_t> Table::widths() const {
@@ -143,6 +153,7 @@ std::size_t Table::width() const {
 void Table::fit(std::size_t width) {
   for (std::size_t i = columns_.size(); i-- > 0 && this->width() > width;) {
     if (!columns_[i].optional) continue;
+    leftOut_.insert(leftOut_.begin(), columns_[i].heading);
     columns_.erase(columns_.begin() + static_cast<std::ptrdiff_t>(i));
     for (auto& row : rows_) row.erase(row.begin() + static_cast<std::ptrdiff_t>(i));
   }
@@ -170,6 +181,8 @@ void Table::print(Session& session) const {
     }
     printBlock(session, places, all);
   } while (next < all.size());
+  if (leftOut_.empty() || session.quiet) return;
+  session.print(session.faint(fmt::format("no room for {}\n", fmt::join(leftOut_, ", "))));
 }
 
 void Table::printBlock(Session& session, const std::vector<std::size_t>& places,

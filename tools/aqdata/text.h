@@ -9,7 +9,7 @@
 
 namespace aqdata {
 
-/// How many columns of a terminal `text` takes: bytes that begin a character, without colours.
+/// How many columns of a terminal `text` takes, without colours.
 [[nodiscard]] std::size_t widthOf(std::string_view text);
 
 /// `text` in at most `width` columns; what is cut out of its middle is marked.
@@ -35,6 +35,7 @@ struct Range {
   std::int16_t first = -32768;
   std::int16_t last = 32767;
 };
+/// Of what an option --records, if `ofWhat` is "records", was given. Throws `Failure`.
 [[nodiscard]] Range rangeFrom(const std::string& text, std::string_view ofWhat);
 
 /// Lines of cells in columns that line up.
@@ -51,7 +52,8 @@ class Table {
   /// Cells may have colours.
   void add(std::vector<std::string> cells) { rows_.push_back(std::move(cells)); }
 
-  /// Makes the table fit: leaves optional columns out, then shortens the first column.
+  /// Makes the table fit: leaves optional columns out, which its last line then names, and shortens
+  /// the first column.
   void fit(std::size_t width);
 
   /// Columns that a terminal has no room for follow below, with the first beside them.
@@ -65,6 +67,7 @@ class Table {
 
   std::vector<Column> columns_;
   std::vector<std::vector<std::string>> rows_;
+  std::vector<std::string> leftOut_;  // headings
 };
 
 }  // namespace aqdata

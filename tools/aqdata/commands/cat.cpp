@@ -35,7 +35,6 @@ void addCat(CLI::App& program, Session& session) {
                    }
                  });
   addFiles(*command, session);
-  addOutputOptions(*command, session);
 }
 
 }  // namespace aqdata

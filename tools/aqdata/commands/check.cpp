@@ -160,16 +160,6 @@ std::string kindNames() {
   return text;
 }
 
-/// Refuses what is no name of a finding.
-std::string expectName(const std::string& found) {
-  std::vector<std::string> names;
-  for (const aq::FindingKind& kind : aq::findingKinds()) names.emplace_back(kind.name);
-  if (std::find(names.begin(), names.end(), found) != names.end()) return {};
-  const std::string meant = nearest(found, names);
-  return fmt::format("no finding is named {}{}", aq::shown(found),
-                     meant.empty() ? "" : fmt::format("; did you mean {}?", meant));
-}
-
 }  // namespace
 
 void addCheck(CLI::App& program, Session& session) {
@@ -182,20 +172,22 @@ void addCheck(CLI::App& program, Session& session) {
                  [&session, choice] { check(session, *choice); });
   command->footer(command->get_footer() + kindNames());
   addFiles(*command, session);
+  std::vector<std::string> known;
+  for (const aq::FindingKind& kind : aq::findingKinds()) known.emplace_back(kind.name);
   const auto addNames = [&](const char* name, std::vector<std::string>& names, const char* what) {
-    command->add_option(name, names, what)
-        ->delimiter(',')
-        ->allow_extra_args(false)
-        ->check(expectName, "")
-        ->option_text("NAMES");
+    CLI::Option* const option = command->add_option(name, names, what)
+                                    ->delimiter(',')
+                                    ->allow_extra_args(false)
+                                    ->option_text("NAMES");
+    addWords(session, *option, known);
   };
   addNames("--only", choice->only, "Report these findings alone");
   addNames("--ignore", choice->ignore, "Report all but these findings");
   command->add_flag("--strict", choice->strict, "Exit status 1 for notes too");
   command
       ->add_option("--limit", choice->limit, "How many findings of a kind are listed a file (20)")
+      ->check(wholeNumber(0, 1000000), "")
       ->option_text("N");
-  addOutputOptions(*command, session);
   addJobs(*command, session);
 }
 

@@ -31,7 +31,33 @@ std::string quoted(const std::string& text) {
   return result + '\'';
 }
 
-std::string bash(CLI::App& program) {
+/// Calls `visit(names, words)` for what a command takes words of: an option's names with their
+/// dashes, none for an argument.
+template <class Visit>
+void forWords(const CLI::App& command, const Session& session, const Visit& visit) {
+  for (const CLI::Option* option : command.get_options()) {
+    const auto words = session.words.find(option);
+    if (words == session.words.end()) continue;
+    std::vector<std::string> names;
+    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+    visit(names, fmt::format("{}", fmt::join(words->second, " ")));
+  }
+}
+
+/// The branches of a shell's `case` over a command and the word before the one that is completed.
+std::string wordCases(CLI::App& program, const Session& session, const char* branch) {
+  std::string cases;
+  std::string arguments;  // which any word may stand before, so they come last
+  for (const CLI::App* command : commandsOf(program)) {
+    forWords(*command, session, [&](const auto& names, const std::string& words) {
+      const std::string pattern = command->get_name() + ':' + (names.empty() ? "*" : names.front());
+      (names.empty() ? arguments : cases) += fmt::format(fmt::runtime(branch), pattern, words);
+    });
+  }
+  return cases + arguments;
+}
+
+std::string bash(CLI::App& program, const Session& session) {
   std::string names;
   std::string cases;
   for (const CLI::App* command : commandsOf(program)) {
@@ -40,21 +66,34 @@ std::string bash(CLI::App& program) {
   }
   return fmt::format(
       "_aqdata() {{\n"
-      "  local current=${{COMP_WORDS[COMP_CWORD]}} words=\n"
-      "  if [ \"$COMP_CWORD\" -eq 1 ]; then\n"
+      "  local current=${{COMP_WORDS[COMP_CWORD]}} before=${{COMP_WORDS[COMP_CWORD-1]}}\n"
+      "  local command= words= i\n"
+      "  for ((i = 1; i < COMP_CWORD; ++i)); do\n"
+      "    case ${{COMP_WORDS[i]}} in\n"
+      "      --color|-j|--jobs) ((++i)) ;;\n"
+      "      -*|=) ;;\n"
+      "      *) command=${{COMP_WORDS[i]}}; break ;;\n"
+      "    esac\n"
+      "  done\n"
+      "  [ \"$before\" = = ] && before=${{COMP_WORDS[COMP_CWORD-2]}}\n"  // as in --color=auto
+      "  [ \"$current\" = = ] && before=${{COMP_WORDS[COMP_CWORD-1]}} current=\n"
+      "  case ${{command:-info}}:$before in\n{}  esac\n"
+      "  if [ -z \"$command\" ]; then\n"
       "    COMPREPLY=($(compgen -W {} -- \"$current\"))\n"
       "    return\n"
       "  fi\n"
-      "  case ${{COMP_WORDS[1]}} in\n{}  esac\n"
+      "  case $command in\n{}  esac\n"
       "  case $current in\n"
       "    -*) COMPREPLY=($(compgen -W \"$words\" -- \"$current\")) ;;\n"
       "  esac\n"
       "}}\n"
       "complete -o default -F _aqdata aqdata\n",
-      quoted(names + optionsOf(program)), cases);
+      wordCases(program, session,
+                "    {}) COMPREPLY=($(compgen -W '{}' -- \"$current\")); return ;;\n"),
+      quoted(names + optionsOf(program) + " --json --quiet --color"), cases);
 }
 
-std::string zsh(CLI::App& program) {
+std::string zsh(CLI::App& program, const Session& session) {
   std::string commands;
   std::string cases;
   for (const CLI::App* command : commandsOf(program)) {
@@ -66,12 +105,21 @@ std::string zsh(CLI::App& program) {
       "#compdef aqdata\n"
       "_aqdata() {{\n"
       "  local -a commands options\n"
+      "  local command= i\n"
       "  commands=(\n{}  )\n"
-      "  if (( CURRENT == 2 )); then\n"
+      "  for ((i = 2; i < CURRENT; ++i)); do\n"
+      "    case $words[i] in\n"
+      "      --color|-j|--jobs) ((++i)) ;;\n"
+      "      -*) ;;\n"
+      "      *) command=$words[i]; break ;;\n"
+      "    esac\n"
+      "  done\n"
+      "  case ${{command:-info}}:$words[CURRENT-1] in\n{}  esac\n"
+      "  if [[ -z $command ]]; then\n"
       "    _describe command commands\n"
       "    return\n"
       "  fi\n"
-      "  case $words[2] in\n{}  esac\n"
+      "  case $command in\n{}  esac\n"
       "  if [[ $words[CURRENT] == -* ]]; then\n"
       "    compadd -- $options\n"
       "  else\n"
@@ -84,22 +132,31 @@ std::string zsh(CLI::App& program) {
       "else\n"
       "  compdef _aqdata aqdata\n"
       "fi\n",
-      commands, cases);
+      commands, wordCases(program, session, "    {}) compadd -- {}; return ;;\n"), cases);
 }
 
-std::string fish(CLI::App& program) {
+/// The part of a fish line that says for which command it counts.
+std::string fishLine(const CLI::App& command) {
+  return fmt::format("complete -c aqdata -n {}",
+                     quoted("__fish_seen_subcommand_from " + command.get_name()));
+}
+
+std::string fish(CLI::App& program, const Session& session) {
   std::string text;
   for (const CLI::App* command : commandsOf(program)) {
     text += fmt::format("complete -c aqdata -n __fish_use_subcommand -a {} -d {}\n",
                         command->get_name(), quoted(command->get_description()));
     forOptions(*command, [&](const auto& names, const auto& description) {
-      text += fmt::format("complete -c aqdata -n {}",
-                          quoted("__fish_seen_subcommand_from " + command->get_name()));
+      text += fishLine(*command);
       for (const std::string& name : names) {
         const bool isLong = name.starts_with("--");
         text += fmt::format(" {} {}", isLong ? "-l" : "-s", name.substr(isLong ? 2 : 1));
       }
       text += fmt::format(" -d {}\n", quoted(description));
+    });
+    forWords(*command, session, [&](const auto& names, const std::string& words) {
+      const std::string option = names.empty() ? "-f" : "-x -l " + names.front().substr(2);
+      text += fmt::format("{} {} -a {}\n", fishLine(*command), option, quoted(words));
     });
   }
   return text;
@@ -114,14 +171,13 @@ void addCompletion(CLI::App& program, Session& session) {
                                        "Examples:\n"
                                        "  source <(aqdata completion bash)\n",
                                        [&program, &session, shell] {
-                                         session.print(*shell == "bash"  ? bash(program)
-                                                       : *shell == "zsh" ? zsh(program)
-                                                                         : fish(program));
+                                         session.print(*shell == "bash"  ? bash(program, session)
+                                                       : *shell == "zsh" ? zsh(program, session)
+                                                                         : fish(program, session));
                                        });
-  command->add_option("SHELL", *shell, "bash, zsh or fish")
-      ->required()
-      ->check(CLI::IsMember({"bash", "zsh", "fish"}))
-      ->type_name("");
+  CLI::Option* const option =
+      command->add_option("SHELL", *shell, "bash, zsh or fish")->required()->type_name("");
+  addWords(session, *option, {"bash", "zsh", "fish"});
 }
 
 }  // namespace aqdata

@@ -1,6 +1,7 @@
 #include "tools/aqdata/convert.h"
 
 #include <aq/core/band_label.h>
+#include <aq/text/number_text.h>
 #include <fmt/format.h>
 
 #include <optional>
@@ -20,12 +21,26 @@ struct ConvertChoice {
   std::uint8_t rt20 = 1;
 };
 
-/// The form that an output's name asks for.
-std::string formOf(const std::string& output) {
-  if (output.ends_with(".json")) return "json";
-  if (output.ends_with(".pth.csv")) return "positions";
-  if (output.ends_with(".ssr.csv")) return "spectrum";
-  return "table";
+struct Form {
+  std::string name;
+  std::string_view ending;  // of the names of such files
+};
+const Form kForms[] = {
+    {"positions", ".pth.csv"}, {"spectrum", ".ssr.csv"}, {"json", ".json"}, {"table", ".csv"}};
+
+/// The form that was asked for, or that the output's name asks for.
+std::string formOf(const Session& session, const ConvertChoice& choice) {
+  std::vector<std::string_view> endings;
+  std::string named = "table";
+  for (const Form& form : kForms) {
+    if (named == "table" && aq::upperCased(session.output).ends_with(aq::upperCased(form.ending))) {
+      named = form.name;
+    }
+    if (choice.to.empty() || choice.to == form.name) endings.push_back(form.ending);
+  }
+  if (!choice.to.empty()) endings.push_back(".txt");
+  expectOutput(session, endings, {choice.file});
+  return choice.to.empty() ? named : choice.to;
 }
 
 std::string rowText(const std::vector<Json>& cells) {
@@ -86,7 +101,7 @@ void putSpectrum(const Session& session, const ConvertChoice& choice, const Meas
 }
 
 void convert(Session& session, const ConvertChoice& choice) {
-  const std::string form = choice.to.empty() ? formOf(session.output) : choice.to;
+  const std::string form = formOf(session, choice);
   if (session.output.empty() && (form == "positions" || form == "spectrum"))
     throw Failure(
         fmt::format("{} go to a file: -o says which", form == "spectrum" ? "spectra" : form));
@@ -106,8 +121,7 @@ void convert(Session& session, const ConvertChoice& choice) {
       put(session, sheet.columns.empty() ? headerLines(headerOf(read)) : tidyLines(sheet));
     }
   }
-  if (!session.output.empty())
-    session.tell(fmt::format("{}: written", aq::escaped(session.output)));
+  if (!session.output.empty()) session.wrote("written");
 }
 
 }  // namespace
@@ -133,9 +147,8 @@ void writePositions(Session& session, const Tracking& track, const std::string& 
   header->sGeneratedBy = "aqdata";
   header->sTSPIFileName = from;
   writeOutput<aq::AQ_DataPTH>(session, header, *track.history);
-  session.tell(fmt::format("{}: {}, {} rejected", aq::escaped(session.output),
-                           counted(static_cast<std::size_t>(track.history->Count()), "position"),
-                           track.rejected));
+  const auto count = static_cast<std::size_t>(track.history->Count());
+  session.wrote(fmt::format("{}, {} rejected", counted(count, "position"), track.rejected));
 }
 
 void addConvert(CLI::App& program, Session& session) {
@@ -143,8 +156,8 @@ void addConvert(CLI::App& program, Session& session) {
   CLI::App* const command =
       addCommand(program, session, "convert", "Write a file in another form",
                  "The name of OUT says the form: .json, .pth.csv (positions), .ssr.csv (one\n"
-                 "spectrum), else a table of one observation a line. Without OUT, tables and JSON\n"
-                 "go to standard output.\n\n"
+                 "spectrum) or .csv, a table of one observation a line. With --to it may end in\n"
+                 ".txt too. Without OUT, tables and JSON go to standard output.\n\n"
                  "Examples:\n"
                  "  aqdata convert fly-over.sth.csv -o levels.csv\n"
                  "  aqdata convert fly-over.sth.csv --record 30 -o overhead.ssr.csv\n"
@@ -152,14 +165,16 @@ void addConvert(CLI::App& program, Session& session) {
                  [&session, choice] { convert(session, *choice); });
   addFile(*command, choice->file, "FILE", "The file to convert");
   addOutputFile(*command, session, "The file to write", false);
-  command->add_option("--to", choice->to, "The form: table, json, positions or spectrum")
-      ->check(CLI::IsMember({"table", "json", "positions", "spectrum"}))
-      ->option_text("FORM");
-  command->add_option("--record", choice->record, "One record alone")->option_text("N");
-  command->add_option("--rt20", choice->rt20, "The highest RT20 figure that is accepted (1)")
-      ->check(CLI::Range(0, 255))
+  CLI::Option* const form =
+      command->add_option("--to", choice->to, "The form: table, json, positions or spectrum")
+          ->option_text("FORM");
+  addWords(session, *form, {"table", "json", "positions", "spectrum"});
+  command->add_option("--record", choice->record, "One record alone")
+      ->check(wholeNumber(-32768, 32767), "")
       ->option_text("N");
-  command->add_flag("-q,--quiet", session.quiet, "Say nothing");
+  command->add_option("--rt20", choice->rt20, "The highest RT20 figure that is accepted (1)")
+      ->check(wholeNumber(0, 255), "")
+      ->option_text("N");
 }
 
 }  // namespace aqdata

@@ -16,6 +16,7 @@ struct DiffChoice {
   std::string a;
   std::string b;
   double tolerance = 0;
+  bool dates = false;
 };
 
 /// How two files differ in one column, or in one band.
@@ -52,12 +53,16 @@ struct Difference {
   }
 };
 
-/// Names and dates of files say where the data lie, not what they are.
-bool isOfFile(const std::string& key) { return key == "file_name" || key.ends_with("_date"); }
+/// The files' own names and dates say where the data lie and when they were written, not what they
+/// are; dates of source files are compared when they are asked for.
+bool isCompared(const std::string& key, bool dates) {
+  if (key == "file_name" || key == "file_date") return false;
+  return dates || !key.ends_with("_date");
+}
 
-void compareHeaders(const Json& a, const Json& b, Difference& difference) {
+void compareHeaders(const Json& a, const Json& b, bool dates, Difference& difference) {
   for (const auto& [key, value] : a.items()) {
-    if (isOfFile(key) || value == b[key]) continue;
+    if (!isCompared(key, dates) || value == b[key]) continue;
     difference.header.push_back({{"key", key}, {"a", value}, {"b", b[key]}});
   }
 }
@@ -194,7 +199,7 @@ void diff(Session& session, const DiffChoice& choice) {
                               aq::escaped(choice.b), kindText(b)));
   }
   Difference difference;
-  compareHeaders(headerOf(a), headerOf(b), difference);
+  compareHeaders(headerOf(a), headerOf(b), choice.dates, difference);
   Sheet sheetA = sheetOf(a);
   Sheet sheetB = sheetOf(b);
   for (Sheet* const sheet : {&sheetA, &sheetB}) sheet->dropColumns("time");
@@ -217,16 +222,17 @@ void addDiff(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<DiffChoice>();
   CLI::App* const command =
       addCommand(program, session, "diff", "Say what two files differ in",
-                 "File names and dates are no difference.\n\n"
+                 "The files' own names and dates are no difference, and those of the files that\n"
+                 "they were made of are one with --dates alone.\n\n"
                  "Examples:\n"
                  "  aqdata diff fly-over.sth.csv stamped.sth.csv --tolerance 0.01\n",
                  [&session, choice] { diff(session, *choice); });
   addFile(*command, choice->a, "A", "A file");
   addFile(*command, choice->b, "B", "Another of the same kind");
   command->add_option("--tolerance", choice->tolerance, "Numbers this far apart are equal (0)")
-      ->check(tolerance)
+      ->check(tolerance, "")
       ->option_text("D");
-  addOutputOptions(*command, session);
+  command->add_flag("--dates", choice->dates, "Compare the dates of source files too");
 }
 
 }  // namespace aqdata

@@ -228,7 +228,6 @@ void addInfo(CLI::App& program, Session& session) {
                                        "  aqdata info --json .\n",
                                        [&session] { info(session); });
   addFiles(*command, session);
-  addOutputOptions(*command, session);
   addJobs(*command, session);
 }
 

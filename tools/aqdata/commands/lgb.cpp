@@ -49,7 +49,6 @@ void addLgb(CLI::App& program, Session& session) {
                  [&session, choice] { lgb(session, *choice); });
   addFile(*command, choice->history, "HISTORY", "The spectral time history");
   addFile(*command, choice->map, "MAP", "Its masking map");
-  addOutputOptions(*command, session);
 }
 
 }  // namespace aqdata

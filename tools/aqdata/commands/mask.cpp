@@ -101,15 +101,16 @@ std::size_t maskedIn(const aq::AQ_MaskMap& map) {
 }
 
 void mask(Session& session, const MaskChoice& choice) {
+  expectOutput(session, {".mask.csv", ".csv"}, {choice.history, choice.ambient});
   const History read = openHistory(choice.history);
   const SpectrumRecord ambient = openSpectrum(choice.ambient);
   const aq::AQ_MaskMap map = mapOf(read, *ambient.spectrum, choice);
   const auto header = headerFor(choice);
   writeOutput<aq::AQ_DataMask>(session, header, map);
   const std::size_t invalid = invalidIn(*read.history);
-  session.tell(fmt::format(
-      "{}: {}, {} masked{}", aq::escaped(session.output),
-      counted(static_cast<std::size_t>(map.Count()), "row"), counted(maskedIn(map), "level"),
+  session.wrote(fmt::format(
+      "{}, {} masked{}", counted(static_cast<std::size_t>(map.Count()), "row"),
+      counted(maskedIn(map), "level"),
       invalid == 0
           ? ""
           : fmt::format("; {} of 9999, not valid and not masked", counted(invalid, "level"))));
@@ -132,10 +133,9 @@ void addMask(CLI::App& program, Session& session) {
   command
       ->add_option("--margin", choice->margin,
                    "Levels less than this above the ambient are masked (3)")
-      ->check(finiteNumber)
+      ->check(finiteNumber, "")
       ->option_text("DB");
   addOutputFile(*command, session, "The masking map to write");
-  command->add_flag("-q,--quiet", session.quiet, "Say nothing");
 }
 
 }  // namespace aqdata

@@ -21,22 +21,19 @@ struct ShowChoice {
   bool spectrogram = false;
 };
 
-/// Which levels a map masks; none without a map.
-class Masks {
- public:
-  Masks(const std::string& history, const std::string& map) {
-    if (!map.empty()) map_ = openMapOf(history, map).map;
+/// Takes from the map, if there is one, which levels it masks.
+void takeMasks(Sheet& sheet, const Measurement& read, const ShowChoice& choice) {
+  if (choice.map.empty()) return;
+  if (!std::holds_alternative<History>(read))
+    throw Failure(fmt::format("{}: has no records to mask", aq::escaped(choice.file)));
+  const auto map = openMapOf(choice.file, choice.map).map;
+  for (Sheet::Row& row : sheet.rows) {
+    const auto decisions = map->Row(static_cast<std::int16_t>(row.number));
+    for (std::size_t i = 0; i < row.bands.size(); ++i) {
+      row.masked.push_back(decisions->decision(sheet.band(i)).MaskMode() != aq::NOT_MASKED);
+    }
   }
-
-  [[nodiscard]] bool any() const { return map_ != nullptr; }
-  [[nodiscard]] bool masks(std::int32_t record, std::int16_t band) const {
-    return any() && map_->Row(static_cast<std::int16_t>(record))->decision(band).MaskMode() !=
-                        aq::NOT_MASKED;
-  }
-
- private:
-  std::shared_ptr<aq::AQ_MaskMap> map_;
-};
+}
 
 std::string bandText(Session& session, const Json& cell, bool masked) {
   const std::string text =
@@ -45,7 +42,7 @@ std::string bandText(Session& session, const Json& cell, bool masked) {
 }
 
 /// A column a band.
-void printBands(Session& session, const Sheet& sheet, const Masks& masks) {
+void printBands(Session& session, const Sheet& sheet) {
   std::vector<Table::Column> columns;
   for (const std::string& name : sheet.columns) columns.push_back({name, true});
   for (std::int32_t band = sheet.low; band <= sheet.high; ++band) {
@@ -56,7 +53,7 @@ void printBands(Session& session, const Sheet& sheet, const Masks& masks) {
     std::vector<std::string> cells;
     for (const Json& cell : row.cells) cells.push_back(cellText(cell));
     for (std::size_t i = 0; i < row.bands.size(); ++i) {
-      cells.push_back(bandText(session, row.bands[i], masks.masks(row.number, sheet.band(i))));
+      cells.push_back(bandText(session, row.bands[i], row.masks(i)));
     }
     table.add(std::move(cells));
   }
@@ -64,11 +61,11 @@ void printBands(Session& session, const Sheet& sheet, const Masks& masks) {
 }
 
 /// What the bands of a row come to: their sum, the loudest, and how many are masked.
-std::vector<std::string> summaryOf(const Sheet& sheet, const Sheet::Row& row, const Masks& masks) {
+std::vector<std::string> summaryOf(const Sheet& sheet, const Sheet::Row& row) {
   std::size_t loudest = row.bands.size();
   std::size_t masked = 0;
   for (std::size_t i = 0; i < row.bands.size(); ++i) {
-    if (masks.masks(row.number, sheet.band(i))) ++masked;
+    if (row.masks(i)) ++masked;
     if (!isLevel(row.bands[i])) continue;
     if (loudest == row.bands.size() || row.bands[i] > row.bands[loudest]) loudest = i;
   }
@@ -77,20 +74,20 @@ std::vector<std::string> summaryOf(const Sheet& sheet, const Sheet::Row& row, co
   const bool none = loudest == row.bands.size();
   cells.push_back(none ? "-" : fmt::format("{:.2f}", row.bands[loudest].get<double>()));
   cells.push_back(none ? "-" : fmt::format("{}", sheet.band(loudest)));
-  if (masks.any()) cells.push_back(fmt::format("{}", masked));
+  if (!row.masked.empty()) cells.push_back(fmt::format("{}", masked));
   return cells;
 }
 
-void printSummaries(Session& session, const Sheet& sheet, const Masks& masks) {
+void printSummaries(Session& session, const Sheet& sheet, bool masked) {
   std::vector<Table::Column> columns;
   for (const std::string& name : sheet.columns) columns.push_back({name, true});
   columns.insert(columns.end(), {{"all_db", true}, {"loudest_db", true}, {"in_band", true}});
-  if (masks.any()) columns.push_back({"masked", true});
+  if (masked) columns.push_back({"masked", true});
   Table table(columns);
   for (const Sheet::Row& row : sheet.rows) {
     std::vector<std::string> cells;
     for (const Json& cell : row.cells) cells.push_back(cellText(cell));
-    for (std::string& cell : summaryOf(sheet, row, masks)) cells.push_back(std::move(cell));
+    for (std::string& cell : summaryOf(sheet, row)) cells.push_back(std::move(cell));
     table.add(std::move(cells));
   }
   table.print(session);
@@ -106,12 +103,11 @@ void plot(Session& session, const Sheet& sheet, const ShowChoice& choice) {
   plotHistory(session, sheet);
 }
 
-void printTable(Session& session, const Sheet& sheet, const Masks& masks,
-                const ShowChoice& choice) {
+void printTable(Session& session, const Sheet& sheet, const ShowChoice& choice) {
   const bool levels = sheet.ofBand == "level_db";
   if (levels && !choice.levels && choice.bands.empty())
-    return printSummaries(session, sheet, masks);
-  printBands(session, sheet, masks);
+    return printSummaries(session, sheet, !choice.map.empty());
+  printBands(session, sheet);
 }
 
 void printHeader(Session& session, const Measurement& read) {
@@ -121,32 +117,22 @@ void printHeader(Session& session, const Measurement& read) {
   table.print(session);
 }
 
-Json maskedIn(const Sheet& sheet, const Sheet::Row& row, const Masks& masks) {
-  Json masked = Json::array();
-  for (std::size_t i = 0; i < row.bands.size(); ++i) {
-    masked.push_back(masks.masks(row.number, sheet.band(i)));
-  }
-  return masked;
-}
-
-void printJson(Session& session, const Measurement& read, const Sheet& sheet, const Masks& masks,
+void printJson(Session& session, const Measurement& read, const Sheet& sheet,
                const ShowChoice& choice) {
   Json document = documentOf(choice.file, read, sheet);
-  for (std::size_t i = 0; masks.any() && i < sheet.rows.size(); ++i) {
-    document["rows"][i]["masked"] = maskedIn(sheet, sheet.rows[i], masks);
+  for (std::size_t i = 0; !choice.map.empty() && i < sheet.rows.size(); ++i) {
+    document["rows"][i]["masked"] = sheet.rows[i].masked;
   }
   session.printDocument(document);
 }
 
 void print(Session& session, const Measurement& read, Sheet& sheet, const ShowChoice& choice) {
-  if (!choice.map.empty() && !std::holds_alternative<History>(read))
-    throw Failure(fmt::format("{}: has no records to mask", aq::escaped(choice.file)));
-  const Masks masks(choice.file, choice.map);
-  if (session.json) return printJson(session, read, sheet, masks, choice);
+  takeMasks(sheet, read, choice);
+  if (session.json) return printJson(session, read, sheet, choice);
   sheet.dropColumns("time_s");
   if (choice.plot || choice.spectrogram) return plot(session, sheet, choice);
   if (sheet.columns.empty()) return printHeader(session, read);
-  printTable(session, sheet, masks, choice);
+  printTable(session, sheet, choice);
 }
 
 void show(Session& session, const ShowChoice& choice) {
@@ -178,7 +164,8 @@ void addShow(CLI::App& program, Session& session) {
   CLI::App* const command =
       addCommand(program, session, "show", "Show the records of a file as a table or drawn",
                  "A drawing of one record is its spectrum; of one band, its level history; else\n"
-                 "it is that of all bands together. Masked levels carry a star.\n\n"
+                 "it is that of all bands together. Masked levels carry a star in tables, are\n"
+                 "drawn as dots or light bars, and are no part of all bands together.\n\n"
                  "Examples:\n"
                  "  aqdata show fly-over.sth.csv --records 28:32 --bands 20:30 \\\n"
                  "    --mask fly-over.mask.csv\n"
@@ -192,14 +179,10 @@ void addShow(CLI::App& program, Session& session) {
   addRange("--records", choice->records, "These records alone");
   addRange("--bands", choice->bands, "The levels of these bands");
   command->add_flag("--levels", choice->levels, "The levels of all bands");
-  CLI::Option* const map =
-      command->add_option("--mask", choice->map, "The masking map that marks levels in a table")
-          ->option_text("MAP");
-  command->add_flag("--plot", choice->plot, "Draw the levels")->option_text(" ")->excludes(map);
-  command->add_flag("--spectrogram", choice->spectrogram, "Draw all levels in colours")
-      ->option_text(" ")
-      ->excludes(map);
-  addOutputOptions(*command, session);
+  command->add_option("--mask", choice->map, "The masking map that marks levels")
+      ->option_text("MAP");
+  command->add_flag("--plot", choice->plot, "Draw the levels");
+  command->add_flag("--spectrogram", choice->spectrogram, "Draw all levels in colours");
 }
 
 void addHead(CLI::App& program, Session& session) {
@@ -213,9 +196,8 @@ void addHead(CLI::App& program, Session& session) {
                                        });
   addFiles(*command, session);
   command->add_option("-n,--lines", choice->most, "How many records (10)")
-      ->check(CLI::Range(0, 32767))
+      ->check(wholeNumber(0, 32767), "")
       ->option_text("N");
-  addOutputOptions(*command, session);
 }
 
 }  // namespace aqdata

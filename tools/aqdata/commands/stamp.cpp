@@ -1,4 +1,9 @@
+#include <aq/files/reference_type_line.h>
+#include <aq/text/checked_keywords.h>
+#include <aq/text/number_text.h>
 #include <fmt/format.h>
+
+#include <algorithm>
 
 #include "aq/text/date_text.h"
 #include "tools/aqdata/files.h"
@@ -14,33 +19,84 @@ struct StampChoice {
   std::string start;
   std::string type = "START";
   std::string reference;
-  std::string referenceType = "OTHER";
+  std::string referenceType = {};  // the file's own
 };
 
-aq::AQ_Time timeFrom(const std::string& text) {
+aq::AQ_Time timeFrom(const char* option, const std::string& text) {
   aq::AQ_Time time;
   try {
     time.TODstring(aq::clockTimeFrom(text.substr(0, text.find('.'))));  // refuses hours past 23
     time.TODstring(text);
   } catch (const aq::Error&) {
-    throw Failure(fmt::format("expected a time of day hh:mm:ss, found {}", aq::shown(text)));
+    throw Failure(
+        fmt::format("{}: expected a time of day hh:mm:ss, found {}", option, aq::shown(text)));
   }
   return time;
 }
 
-/// The value of an enumeration, counted from 0, whose text a history gives as `text`.
+/// The words of an enumeration counted from 0, as a history gives them by `textOf`.
 template <class Enumeration, class TextOf>
-Enumeration valueFrom(const std::string& text, const char* what, const TextOf& textOf) {
-  std::vector<std::string> known;
+std::vector<std::string> wordsOf(const TextOf& textOf) {
+  std::vector<std::string> words;
   for (std::int32_t number = 0;; ++number) {
-    const auto value = static_cast<Enumeration>(number);
-    known.push_back(textOf(value));
-    if (known.back().empty()) break;
-    if (CLI::detail::to_lower(known.back()) == CLI::detail::to_lower(text)) return value;
+    words.push_back(textOf(static_cast<Enumeration>(number)));
+    if (words.back().empty()) break;
   }
-  known.pop_back();
-  throw Failure(fmt::format("expected a {}, one of {}, found {}", what, fmt::join(known, ", "),
-                            aq::shown(text)));
+  words.pop_back();
+  return words;
+}
+
+std::vector<std::string> stampWords() {
+  return wordsOf<aq::AQ_TimeStampType>([](auto value) {
+    aq::AQ_SpectralTimeHistory texts;
+    texts.TimeStampType(value);
+    return texts.sTimeStampType();
+  });
+}
+
+std::vector<std::string> referenceWords() {
+  return wordsOf<aq::AQ_RefTimeType>([](auto value) {
+    aq::AQ_SpectralTimeHistory texts;
+    texts.ReferenceType(value);
+    return texts.sReferenceTimeType();
+  });
+}
+
+/// The place of a word that is one of them.
+template <class Enumeration>
+Enumeration valueOf(const std::vector<std::string>& words, const std::string& word) {
+  return static_cast<Enumeration>(std::find(words.begin(), words.end(), word) - words.begin());
+}
+
+/// What is read of a header by words. One that is not known would be written as another.
+struct Words {
+  std::string averaging = {};
+  aq::ReferenceTypeLine reference = {};
+
+  void see(const aq::HeaderLine& line) {
+    if (line.keyword == aq::keywords::kAveragingMethod) averaging = line.value;
+    reference.see(line);
+  }
+};
+
+/// The reference type to write: the one that was asked for, or the file's own.
+aq::AQ_RefTimeType referenceOf(const Words& words, const StampChoice& choice) {
+  if (!choice.referenceType.empty()) {
+    return valueOf<aq::AQ_RefTimeType>(referenceWords(), choice.referenceType);
+  }
+  if (const auto own = words.reference.type()) return *own;
+  throw Failure(
+      fmt::format("{}: has the reference time type {}, which is not known; --ref-type "
+                  "says which to write",
+                  aq::escaped(choice.file), aq::shown(words.reference.word())));
+}
+
+void expectKnown(const Words& words, const History& read, const std::string& file) {
+  if (aq::upperCased(words.averaging) == read.history->sAveragingMethod()) return;
+  throw Failure(
+      fmt::format("{}: has the averaging method {}, which is not known, and would be "
+                  "written as {}",
+                  aq::escaped(file), aq::shown(words.averaging), read.history->sAveragingMethod()));
 }
 
 /// A run lasts minutes, so a reference half a day away is one on the other side of midnight.
@@ -53,20 +109,14 @@ void setDates(aq::AQ_Time& start, aq::AQ_Time& reference) {
 }
 
 void stamp(Session& session, const StampChoice& choice) {
-  const History read = openHistory(choice.file);
-  aq::AQ_SpectralTimeHistory texts;
-  const auto type =
-      valueFrom<aq::AQ_TimeStampType>(choice.type, "time stamp type", [&](auto value) {
-        texts.TimeStampType(value);
-        return texts.sTimeStampType();
-      });
-  const auto referenceType =
-      valueFrom<aq::AQ_RefTimeType>(choice.referenceType, "reference time type", [&](auto value) {
-        texts.ReferenceType(value);
-        return texts.sReferenceTimeType();
-      });
-  aq::AQ_Time start = timeFrom(choice.start);
-  aq::AQ_Time reference = timeFrom(choice.reference);
+  expectOutput(session, {".sth.csv", ".csv"}, {});
+  aq::AQ_Time start = timeFrom("--start", choice.start);
+  aq::AQ_Time reference = timeFrom("--ref", choice.reference);
+  Words words;
+  const History read = openHistory(choice.file, [&](const auto& line) { words.see(line); });
+  expectKnown(words, read, choice.file);
+  const auto type = valueOf<aq::AQ_TimeStampType>(stampWords(), choice.type);
+  const auto referenceType = referenceOf(words, choice);
   setDates(start, reference);
   try {
     // NOLINTNEXTLINE(readability-suspicious-call-argument): two times, each with its type
@@ -75,9 +125,9 @@ void stamp(Session& session, const StampChoice& choice) {
     throw Failure(fmt::format("{}: {}", aq::escaped(choice.file), error.what()));
   }
   writeOutput<aq::AQ_DataSTH>(session, read.header, *read.history);
-  session.tell(fmt::format("{}: {} from {} on, relative to {}", aq::escaped(session.output),
-                           counted(static_cast<std::size_t>(read.history->Count()), "record"),
-                           choice.start, choice.reference));
+  session.wrote(fmt::format("{} from {} on, relative to {}",
+                            counted(static_cast<std::size_t>(read.history->Count()), "record"),
+                            choice.start, choice.reference));
 }
 
 }  // namespace
@@ -86,6 +136,7 @@ void addStamp(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<StampChoice>();
   CLI::App* const command =
       addCommand(program, session, "stamp", "Stamp the records of a history, half a second each",
+                 "A reference is START, OVERHEAD, AMAX, PMAX, TMAX, OAMAX, HACK or OTHER.\n\n"
                  "Examples:\n"
                  "  aqdata stamp fly-over.sth.csv --start 10:00:00 --type MIDPT \\\n"
                  "    --ref 10:00:14.75 --ref-type OVERHEAD -o stamped.sth.csv\n",
@@ -95,12 +146,16 @@ void addStamp(CLI::App& program, Session& session) {
     return command->add_option(name, value, what)->option_text(form);
   };
   add("--start", choice->start, "The time of day at which record 1 begins", "TIME")->required();
-  add("--type", choice->type, "What a stamp names: START, MIDPT, END, ICAOSLO or OLDSLO", "TYPE");
+  addWords(session,
+           *add("--type", choice->type, "What a stamp names: START, MIDPT, END, ICAOSLO or OLDSLO",
+                "TYPE"),
+           stampWords());
   add("--ref", choice->reference, "The time of day that times are relative to", "TIME")->required();
-  add("--ref-type", choice->referenceType,
-      "START, OVERHEAD, AMAX, PMAX, TMAX, OAMAX, HACK or OTHER", "TYPE");
+  addWords(session,
+           *add("--ref-type", choice->referenceType,
+                "What the reference is, as OVERHEAD (what the file says)", "TYPE"),
+           referenceWords());
   addOutputFile(*command, session, "The history to write");
-  command->add_flag("-q,--quiet", session.quiet, "Say nothing");
 }
 
 }  // namespace aqdata

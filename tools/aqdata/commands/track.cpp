@@ -2,6 +2,7 @@
 #include <fmt/format.h>
 
 #include "tools/aqdata/convert.h"
+#include "tools/aqdata/files.h"
 #include "tools/aqdata/program.h"
 
 namespace aqdata {
@@ -17,6 +18,7 @@ void track(Session& session, const TrackChoice& choice) {
   if (choice.list && session.intoStream()) {
     throw Failure("the list of fixes needs standard output, so -o has to name a file");
   }
+  expectOutput(session, {".pth.csv", ".csv"}, {choice.file});
   writePositions(session, openTracking(choice.file, {}, choice.rt20), choice.file);
   if (!choice.list) return;
   aq::checkFixes(choice.file, choice.rt20, [&](const aq::Finding& finding) {
@@ -37,10 +39,9 @@ void addTrack(CLI::App& program, Session& session) {
   addFile(*command, choice->file, "TRACKING", "The tracking file");
   addOutputFile(*command, session, "The position file to write");
   command->add_option("--rt20", choice->rt20, "The highest RT20 figure that is accepted (1)")
-      ->check(CLI::Range(0, 255))
+      ->check(wholeNumber(0, 255), "")
       ->option_text("N");
   command->add_flag("--list", choice->list, "List the lines of rejected fixes");
-  command->add_flag("-q,--quiet", session.quiet, "Say nothing");
 }
 
 }  // namespace aqdata

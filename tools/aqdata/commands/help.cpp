@@ -1,0 +1,17 @@
+#include "tools/aqdata/program.h"
+
+namespace aqdata {
+
+/// The command line has become that of --help before it is parsed; here is what lists the command.
+void addHelp(CLI::App& program, Session& session) {
+  const auto name = std::make_shared<std::string>();
+  CLI::App* const command = addCommand(program, session, "help", "Say more about a command",
+                                       "Examples:\n"
+                                       "  aqdata help check\n",
+                                       [&program, &session] { session.print(program.help()); });
+  std::vector<std::string> names;
+  for (const CLI::App* known : commandsOf(program)) names.push_back(known->get_name());
+  addWords(session, *command->add_option("COMMAND", *name, "A command")->type_name(""), names);
+}
+
+}  // namespace aqdata
