@@ -11,9 +11,10 @@ ALLOWED = {  # each room, and the rooms that it may know besides itself
     "masking": {"core", "detail", "text"},
     "spectral": {"core", "detail", "text", "masking"},
     "geometry": {"core", "detail", "text"},
+    "noise": {"core", "detail", "text", "masking", "spectral", "geometry"},
     "files": {"core", "detail", "text", "spectral", "geometry"},
-    "check": {"core", "detail", "text", "masking", "spectral", "geometry", "files"},
-    "describe": {"core", "masking", "spectral", "geometry", "files"},
+    "check": {"core", "detail", "text", "masking", "spectral", "geometry", "noise", "files"},
+    "describe": {"core", "masking", "spectral", "geometry", "noise", "files"},
 }
 # A variant, a time and the dates of files have text forms: these sources, not their headers, use them.
 WITH_TEXT = {"aq/core/variant.cpp", "aq/core/time.cpp", "aq/core/file_information.cpp"}

@@ -21,4 +21,17 @@ std::int16_t lastGoodBand(AQ_MaskRow& row) {
   return 0;
 }
 
+std::int16_t lastGoodBand(const AQ_MaskRow& row) {
+  bool firstMasked = false;
+  for (const auto& [band, decision] : row) {
+    if (band < kFirst || decision.MaskMode() == NOT_MASKED) continue;
+    if (band > kFirst) {
+      if (firstMasked && band == kFirst + 1) return AQ_INVALID_LEVEL;
+      return static_cast<std::int16_t>(band - 1);
+    }
+    firstMasked = true;
+  }
+  return 0;
+}
+
 }  // namespace aq

@@ -12,4 +12,7 @@ namespace aq {
 /// get a default mask.
 [[nodiscard]] AQ_API std::int16_t lastGoodBand(AQ_MaskRow& row);
 
+/// The same, and the row stays unchanged: a band that it lacks is not masked.
+[[nodiscard]] AQ_API std::int16_t lastGoodBand(const AQ_MaskRow& row);
+
 }  // namespace aq

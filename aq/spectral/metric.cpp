@@ -38,4 +38,10 @@ void AQ_Metric::MetricValue(AQ_METRIC_TYPE aqMetric, const Variant& value) {
   }
 }
 
+bool AQ_Metric::contains(AQ_METRIC_TYPE aqMetric) const {
+  return std::any_of(values_.begin(), values_.end(), hasType(aqMetric));
+}
+
+void AQ_Metric::remove(AQ_METRIC_TYPE aqMetric) { std::erase_if(values_, hasType(aqMetric)); }
+
 }  // namespace aq

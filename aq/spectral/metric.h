@@ -60,6 +60,10 @@ class AQ_API AQ_Metric {
   [[nodiscard]] Variant MetricValue(AQ_METRIC_TYPE aqMetric) const;
   void MetricValue(AQ_METRIC_TYPE aqMetric, const Variant& value);
 
+  /// Whether a metric was set; one that is removed never was.
+  [[nodiscard]] bool contains(AQ_METRIC_TYPE aqMetric) const;
+  void remove(AQ_METRIC_TYPE aqMetric);
+
  private:
   [[nodiscard]] float single(AQ_METRIC_TYPE metric) const { return MetricValue(metric).toSingle(); }
 

@@ -66,6 +66,9 @@ class AQ_API AQ_Spectrum {
     return std::in_range<std::int16_t>(band) && levels_.contains(static_cast<std::int16_t>(band));
   }
 
+  /// Whether there is an object for the metrics, so that reading makes none.
+  [[nodiscard]] bool hasMetric() const { return metric_ != nullptr; }
+
   /// The time by value, without making an object for it.
   [[nodiscard]] AQ_Time timeValue() const { return time_.value(); }
   [[nodiscard]] LazyTime& lazyTime() { return time_; }

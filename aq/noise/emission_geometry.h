@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+
+#include "aq/core/export.h"
+#include "aq/geometry/geometry_time_history.h"
+#include "aq/geometry/position.h"
+#include "aq/geometry/position_time_history.h"
+#include "aq/spectral/spectral_time_history.h"
+
+namespace aq {
+
+/// The speed of sound in air of that temperature in m/s (ISO 9613-1). Throws `InvalidValue` at or
+/// below -273.15 degrees Celsius, and for what is not finite.
+[[nodiscard]] AQ_API double speedOfSound(double celsius);
+
+/// Where and when the sound of each record was emitted: the source flies straight between its
+/// positions, by their times of day, over midnight too, and the sound needs the distance to the
+/// microphone over the speed of sound. Coordinates are in metres, record and point have the same
+/// number. `Tm` is the record's time, `Te` and `Pe` are time of day and position at emission,
+/// `Tprope` is in seconds, `SRe` in metres. `THETAe` is the angle between the direction of flight
+/// and the line to the microphone, 0 to 180 degrees. `BETAe` is the angle of that line about the
+/// direction of flight, from the vertical plane below the source, positive to the left of the
+/// flight, -180 to 180 degrees; 0 for a vertical flight. Where two positions are the same, the
+/// direction is that of the nearest piece that moves; both angles are NaN when none does.
+///
+/// A record whose sound was emitted before the first or after the last position has no point:
+/// nothing is extrapolated. Start, reference time and their types are those of the records. Above
+/// the speed of sound there may be several emissions, of which the point is one.
+///
+/// Throws `InvalidValue` for a temperature without a speed of sound, a coordinate that is not
+/// finite and a position that is earlier than the one before, `ObjectNotSet` for an empty object.
+[[nodiscard]] AQ_API std::shared_ptr<AQ_GeometryTimeHistory> emissionGeometry(
+    const AQ_PositionTimeHistory& positions, const AQ_Position& microphone,
+    const AQ_SpectralTimeHistory& records, double celsius);
+
+}  // namespace aq

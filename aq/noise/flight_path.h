@@ -1,0 +1,52 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include "aq/geometry/position_time_history.h"
+
+namespace aq {
+
+/// A place or a direction, in metres.
+using Vector3 = std::array<double, 3>;
+
+[[nodiscard]] Vector3 operator-(const Vector3& a, const Vector3& b);
+[[nodiscard]] double dot(const Vector3& a, const Vector3& b);
+[[nodiscard]] double lengthOf(const Vector3& a);
+
+/// The way of a source: straight pieces between its positions. Seconds count on over midnight.
+class FlightPath {
+ public:
+  /// Throws `InvalidValue` for a coordinate that is not finite and a position that is earlier than
+  /// the one before, `ObjectNotSet` for an empty one.
+  explicit FlightPath(const AQ_PositionTimeHistory& positions);
+
+  /// A point of the path.
+  struct Place {
+    double seconds;
+    Vector3 position;
+    std::size_t piece;
+  };
+
+  /// Where the sound was emitted that comes to `receiver` at a time of day. Nothing when that was
+  /// before the first position or after the last one.
+  [[nodiscard]] std::optional<Place> emission(const Vector3& receiver, double timeOfDay,
+                                              double speedOfSound) const;
+
+  /// The seconds that stand for a time of day: those from the first position on.
+  [[nodiscard]] double secondsOf(double timeOfDay) const;
+
+  /// The direction of flight, of length 1; of the nearest piece that moves. Nothing when none does.
+  [[nodiscard]] std::optional<Vector3> direction(const Place& place) const;
+
+ private:
+  [[nodiscard]] std::size_t movingPiece(const Place& place) const;
+
+  std::vector<double> seconds_;
+  std::vector<Vector3> positions_;
+  std::vector<std::size_t> moving_;  // pieces that have a length, in order
+};
+
+}  // namespace aq

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "aq/core/enumerations.h"
+#include "aq/core/export.h"
+#include "aq/masking/mask_map.h"
+#include "aq/noise/noise_event.h"
+#include "aq/spectral/spectral_time_history.h"
+
+namespace aq {
+
+/// The metrics of one record as they are computed, before a metric record narrows them. NaN is no
+/// value.
+struct RecordMetrics {
+  std::int16_t record = 0;
+  std::int16_t perceivedBands = 0;  ///< how many of bands 17 to 40 have a level that counts
+  std::array<double, AQ_METRIC_INTEG> values{};  ///< by type, from `AQ_METRIC_AWT` on
+
+  [[nodiscard]] double value(AQ_METRIC_TYPE metric) const { return values[at(metric)]; }
+  void value(AQ_METRIC_TYPE metric, double number) { values[at(metric)] = number; }
+  [[nodiscard]] bool has(AQ_METRIC_TYPE metric) const { return !std::isnan(value(metric)); }
+
+ private:
+  static std::size_t at(AQ_METRIC_TYPE metric) {
+    return static_cast<std::size_t>(metric - AQ_METRIC_AWT);
+  }
+};
+
+/// The metrics of a history.
+struct HistoryMetrics {
+  std::vector<RecordMetrics> records;  ///< in the order of their numbers
+  /// Places count from the lowest record number. Nothing when no record has a PNLT.
+  std::optional<NoiseEvent> event;
+};
+
+/// What `setMetrics` stores, unrounded; the history stays unchanged. Throws as `setMetrics`.
+[[nodiscard]] AQ_API HistoryMetrics historyMetrics(const AQ_SpectralTimeHistory& history,
+                                                   const AQ_MaskMap* map = nullptr);
+
+}  // namespace aq

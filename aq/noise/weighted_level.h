@@ -1,0 +1,24 @@
+#pragma once
+
+#include <optional>
+
+#include "aq/core/enumerations.h"
+#include "aq/core/export.h"
+#include "aq/masking/mask_row.h"
+#include "aq/spectral/spectrum.h"
+
+namespace aq {
+
+/// The A-, C- or D-weighted level (`AQ_METRIC_AWT`, `AQ_METRIC_CWT`, `AQ_METRIC_DWT`) or the
+/// overall level (`AQ_METRIC_OA`) of a spectrum in dB: the energy sum of the levels that count,
+/// weighted by the tenths of a decibel of IEC 61672-1, table 3 (A, C), and of IEC 537 (D). The
+/// weightings take bands 10 to 43 (10 Hz to 20 kHz), the overall level takes all bands.
+///
+/// A level counts when it is a finite number other than 9999, and, with a row of masks, when its
+/// band is not masked or its masked level was adjusted. Nothing when no level counts. Any other
+/// metric throws `InvalidArgument`.
+[[nodiscard]] AQ_API std::optional<double> weightedLevel(const AQ_Spectrum& spectrum,
+                                                         AQ_METRIC_TYPE weighting,
+                                                         const AQ_MaskRow* masks = nullptr);
+
+}  // namespace aq
