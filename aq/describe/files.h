@@ -229,4 +229,17 @@ struct Description<AQ_DataINI> {
   }
 };
 
+/// Functions of the room.
+struct FileFunctions;
+
+template <>
+struct Description<FileFunctions> {
+  static constexpr char name[] = "files";
+  template <class To>
+  static void members(To& to) {
+    to.function("kindOfFile", &kindOfFile, about("What a file is, judged by its first lines"),
+                in("path", "The name of the file", FileName{}));
+  }
+};
+
 }  // namespace aq::describe

@@ -1,3 +1,5 @@
+#include <aq/describe/geometry.h>
+
 #include "series.h"
 
 namespace aq::python {
@@ -80,31 +82,10 @@ void bindNumberedPoints(Bound<AQ_GeometryTimeHistory>& history) {
 }
 
 void bindPositions(const py::module_& module) {
-  Bound<AQ_Position> position(
-      module, "AQ_Position",
-      "One sample of a source's position: a time of day and three Cartesian "
-      "coordinates, in the unit of the file that held them.");
-  position
-      .property("Time", &AQ_Position::Time, &AQ_Position::Time,
-                "The time of day. Created on first read; setting shares the object")
-      .property("X", &AQ_Position::X, &AQ_Position::X, "First coordinate, in the file's unit")
-      .property("Y", &AQ_Position::Y, &AQ_Position::Y, "Second coordinate, in the file's unit")
-      .property("Z", &AQ_Position::Z, &AQ_Position::Z, "The height, in the file's unit")
-      .def("Copy", &AQ_Position::Copy, "A deep copy");
-  position.record();
+  Bound<AQ_Position>(module).record();
 
   using H = AQ_PositionTimeHistory;
-  Bound<H> history(module, "AQ_PositionTimeHistory",
-                   "The ordered series of a source's positions, shared, not copied.");
-  history
-      .indexed("Position", &H::Position, &H::Position,
-               "The sample at a place from 1 on; storing goes by record number")
-      .property("Count", &H::Count, "The number of samples; above 32767 it raises")
-      .def("PositionAt", &H::PositionAt, py::arg("aqTime"),
-           "The stored sample nearest in time of day, None when no two samples enclose it")
-      .def("GoodTime", &H::GoodTime, py::arg("aqTime"),
-           "Whether a time of day lies between those of the first and the last sample")
-      .def("Copy", &H::Copy, "A deep copy, numbered from 1");
+  Bound<H> history(module);
   bindSeries<H, AQ_Position>(history, "AQ_PositionTimeHistory", positionsOf, kPosition,
                              "CurrentDate, TODseconds (s), RelSeconds (s), X, Y and Z of each "
                              "sample as a table, shape (samples,)");
@@ -113,44 +94,15 @@ void bindPositions(const py::module_& module) {
 
 void bindGeometryHistory(const py::module_& module) {
   using G = AQ_Geometry;
-  Bound<G> point(module, "AQ_Geometry",
-                 "The emission geometry of one measured record: when its sound was emitted, where "
-                 "the source was then, and how the sound came to the microphone.");
-  point.field("SRe", &G::SRe, "Slant range at emission, in the file's unit")
-      .field("THETAe", &G::THETAe, "First emission angle, degrees")
-      .field("BETAe", &G::BETAe, "Second emission angle, degrees")
-      .field("Tprope", &G::Tprope, "Propagation time from emission to measurement, s")
-      .field("debugTime", &G::debugTime, "Free, for diagnostics; written and not read back")
-      .property("Pe", &G::Pe, &G::Pe, "The source's position at emission. Created on first read")
-      .property("Te", &G::Te, &G::Te, "The time of emission. Created on first read")
-      .property("Tm", &G::Tm, &G::Tm, "The record's time at the microphone. Created on first read")
-      .def("Copy", &G::Copy, "A deep copy, without debugTime");
-  point.record();
+  Bound<G>(module).record();
 
   using H = AQ_GeometryTimeHistory;
-  Bound<H> history(module, "AQ_GeometryTimeHistory",
-                   "The emission geometry of the records of a measurement, by record number. "
-                   "Points are shared, not copied.");
-  history.indexed("Point", &H::Point, &H::Point, "The point under a record number")
-      .property("Count", &H::Count, "The number of points")
-      .property("ReferenceType", &H::ReferenceType, &H::ReferenceType,
-                "Which event the reference time marks")
-      .property("TimeStampType", &H::TimeStampType, &H::TimeStampType,
-                "Which instant of a record its time stamp names")
-      .property("startTime", &H::startTime, &H::startTime,
-                "The time of the first record. Created on first read")
-      .property("ReferenceTime", &H::ReferenceTime, &H::ReferenceTime,
-                "The reference time. Created on first read")
-      .def("setTimeStamps", &H::setTimeStamps, py::arg("startTime"), py::arg("StartTimeType"),
-           py::arg("RefTime"), py::arg("RefType"), "Stamps Tm of every point, half a second each")
-      .def("setRelTimes", &H::setRelTimes, py::arg("ReferenceTime"), py::arg("RefType"),
-           "Shares the reference time; with any points it raises, setTimeStamps relates them")
-      .def("Copy", &H::Copy, "A deep copy of points 1 to Count, and of nothing else");
+  Bound<H> history(module);
   bindSeries<H, G>(
       history, "AQ_GeometryTimeHistory", [](const H& self) { return pointsOf(self).objects; },
       kGeometry,
-      "Times in s of day, propagation time in s, position, slant range and angles of "
-      "each point as a table, shape (points,)");
+      "Times in s of day, propagation time, position, slant range and angles of each point as a "
+      "table, shape (points,)");
   bindNumberedPoints(history);
 }
 

@@ -1,3 +1,5 @@
+#include <aq/describe/spectral.h>
+
 #include "levels.h"
 #include "tables.h"
 
@@ -117,62 +119,9 @@ std::string describe(AQ_SpectralTimeHistory& history) {
 
 using BoundHistory = Bound<AQ_SpectralTimeHistory>;
 
-void bindProperties(BoundHistory& history) {
+void bindSequence(BoundHistory& history) {
   using H = AQ_SpectralTimeHistory;
-  history.indexed("spectrum", &H::spectrum, &H::spectrum, "The spectrum of a record, shared")
-      .view<std::int16_t, std::shared_ptr<AQ_Band>>(
-          "Band", [](const H& self, std::int16_t band) { return self.Band(band); },
-          [](H& self, std::int16_t band, const std::shared_ptr<AQ_Band>& levels) {
-            self.Band(band, levels);
-          },
-          "The levels of one band over all records; None when a record lacks it")
-      .property("Count", &H::Count, "The number of spectra")
-      .property("startTime", &H::startTime, &H::startTime,
-                "The time of the first record. Created on first read; setting shares the object")
-      .property("ReferenceTime", &H::ReferenceTime, &H::ReferenceTime,
-                "The reference time. Created on first read; setting shares the object")
-      .property("AverageMethod", &H::AverageMethod, &H::AverageMethod,
-                "How the levels of a record were averaged")
-      .property("ReferenceType", &H::ReferenceType, &H::ReferenceType,
-                "Which event the reference time marks")
-      .property("TimeStampType", &H::TimeStampType, &H::TimeStampType,
-                "Which instant of a record its time stamp names")
-      .property("Metrics", &H::Metrics, &H::Metrics,
-                "Which metrics the history carries. Created on first read")
-      .property("LoRec", &H::LoRec, &H::LoRec, "The lowest record number ever stored")
-      .property("HiRec", &H::HiRec, &H::HiRec, "The highest record number ever stored");
-  const auto text = [&](const char* name, auto get, auto set, const char* doc) {
-    history.def_property(
-        name, [get](const H& self) { return (self.*get)(); },
-        [set](H& self, const std::string& given) { (self.*set)(given); }, doc);
-  };
-  using Get = std::string (H::*)() const;
-  using Set = void (H::*)(std::string_view);
-  text("sAveragingMethod", Get(&H::sAveragingMethod), Set(&H::sAveragingMethod),
-       "LINEAR, TRUSLO, 4S100, 4S95, CONTEXPO or NA; other text changes nothing");
-  text("sReferenceTimeType", Get(&H::sReferenceTimeType), Set(&H::sReferenceTimeType),
-       "START, OVERHEAD, AMAX, PMAX, TMAX, OAMAX, HACK or OTHER; setting never changes it");
-  text("sTimeStampType", Get(&H::sTimeStampType), Set(&H::sTimeStampType),
-       "START, MIDPT, END, ICAOSLO or OLDSLO; other text changes nothing");
-}
-
-void bindMethods(BoundHistory& history) {
-  using H = AQ_SpectralTimeHistory;
-  history
-      .def("Init", &H::Init, py::arg("LoRec"), py::arg("HiRec"), py::arg("loBand"),
-           py::arg("hiBand"), "A new history of these records with level 0 in these bands")
-      .def("Resize", &H::Resize, py::arg("LoRec"), py::arg("HiRec"),
-           "A new history that shares these spectra; None when they are not all there")
-      .def("Copy", &H::Copy, "A deep copy")
-      .def("EncompassesMask", &H::EncompassesMask, py::arg("MapMask"),
-           "Whether the map has as many records and no band that the history lacks")
-      .def("setLGB", &H::setLGB, py::arg("MapMask"),
-           "Sets the metric LGB of each spectrum from the map's row of the same number")
-      .def("setTimeStamps", &H::setTimeStamps, py::arg("startTime"), py::arg("StartTimeType"),
-           py::arg("RefTime"), py::arg("RefType"), "Stamps every record, half a second each")
-      .def("setRelTimes", &H::setRelTimes, py::arg("ReferenceTime"), py::arg("RefType"),
-           "Shares the reference time and makes every record relative to it")
-      .def("__len__", &H::Count)
+  history.def("__len__", &H::Count)
       .def("__iter__", [](const H& self) { return py::iter(py::cast(spectraOf(self).objects)); })
       .def("__repr__", describe);
 }
@@ -203,13 +152,8 @@ void bindArrays(BoundHistory& history) {
 }  // namespace
 
 void bindHistory(const py::module_& module) {
-  BoundHistory history(
-      module, "AQ_SpectralTimeHistory",
-      "A numbered series of spectra measured one after another, half a second each, with the time "
-      "of the first record, a reference time, how the levels were averaged and where in each "
-      "record its time stamp lies. Spectra are shared, not copied.");
-  bindProperties(history);
-  bindMethods(history);
+  BoundHistory history(module);
+  bindSequence(history);
   bindArrays(history);
   history.container(
       [](const AQ_SpectralTimeHistory& self) {

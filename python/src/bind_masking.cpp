@@ -1,3 +1,5 @@
+#include <aq/describe/masking.h>
+
 #include "arrays.h"
 
 namespace aq::python {
@@ -128,43 +130,17 @@ void loadMasks(AQ_MaskRow& row, const py::handle& masks) {
 }
 
 void bindRow(const py::module_& module) {
-  Bound<AQ_MaskRow> row(module, "AQ_MaskRow",
-                        "The masking decisions of one record, by band, and its last good band. "
-                        "Masks are shared, not copied.");
-  row.indexed(
-         "Mask", &AQ_MaskRow::Mask, &AQ_MaskRow::Mask,
-         "The mask of a band; a band without one gets a default mask. Storing one for a band that "
-         "has one only removes that: change the mask itself instead.")
-      .property("LowBand", &AQ_MaskRow::LowBand, "The lowest band with a mask; 9999 when none has")
-      .property("HighBand", &AQ_MaskRow::HighBand, "The highest band with a mask; -1 when none has")
-      .property(
-          "LGB", &AQ_MaskRow::LGB, &AQ_MaskRow::LGB,
-          "The last good band: 0 when no band from 29 up is masked, 9999 when bands 28 and 29 "
-          "both are");
-  row.def("Copy", &AQ_MaskRow::Copy, "A deep copy")
-      .def(
-          "Encompasses",
-          [](const AQ_MaskRow& self, const py::object& spectrum) {
-            return self.Encompasses(Banded(spectrum));
-          },
-          py::arg("spectrum"),
-          "Whether the bands of an object with LowBand and HighBand lie inside the row's")
-      .def("__repr__", [](const AQ_MaskRow& self) {
-        return "<AQ_MaskRow: " + bandsText({self.LowBand(), self.HighBand()}) +
-               ", last good band " + std::to_string(self.LGB()) + ">";
-      });
+  Bound<AQ_MaskRow> row(module);
+  row.def("__repr__", [](const AQ_MaskRow& self) {
+    return "<AQ_MaskRow: " + bandsText({self.LowBand(), self.HighBand()}) + ", last good band " +
+           std::to_string(self.LGB()) + ">";
+  });
   row.container(savedMasks, loadMasks);
 }
 
 void bindMap(const py::module_& module) {
-  Bound<AQ_MaskMap> map(module, "AQ_MaskMap",
-                        "The masking map of a measurement: one row per record, numbered like the "
-                        "records of the spectral time history. Rows are shared, not copied.");
-  map.indexed("Row", &AQ_MaskMap::Row, &AQ_MaskMap::Row, "The row of a record")
-      .property("Count", &AQ_MaskMap::Count, "The number of rows");
-  map.def("Copy", &AQ_MaskMap::Copy, "A deep copy of rows 1 to Count")
-      .def("setLGB", &AQ_MaskMap::setLGB, "Finds each row's last good band from its masks")
-      .def("__len__", &AQ_MaskMap::Count)
+  Bound<AQ_MaskMap> map(module);
+  map.def("__len__", &AQ_MaskMap::Count)
       .def("__iter__",
            [](const AQ_MaskMap& self) { return py::iter(py::cast(rowsOf(self).objects)); })
       .def_property_readonly(
@@ -206,24 +182,18 @@ void bindMap(const py::module_& module) {
 }  // namespace
 
 void bindMasking(py::module_& module) {
-  Bound<AQ_Mask> mask(module, "AQ_Mask",
-                      "One masking decision: whether and by which test the level of one band of "
-                      "one record is masked by the ambient, and how it was adjusted.");
-  mask.settable(
+  Bound<AQ_Mask> mask(module);
+  // Python takes no other numbers than those of members.
+  mask.def_property(
           "MaskMode", [](const AQ_Mask& self) { return self.MaskMode(); },
           [](AQ_Mask& self, AQ_MASK_MODE mode) { self.MaskMode(modeOf("a mask mode", mode, 0)); },
-          "Whether and by which test")
-      .settable(
+          docOf<AQ_Mask>("MaskMode").c_str())
+      .def_property(
           "AdjustMode", [](const AQ_Mask& self) { return self.AdjustMode(); },
           [](AQ_Mask& self, AQ_MASK_ADJUST mode) {
             self.AdjustMode(adjustmentOf("an adjustment", mode, 0));
           },
-          "How the level was adjusted");
-  mask.def_property(
-          "MaskString", [](const AQ_Mask& self) { return self.MaskString(); },
-          [](AQ_Mask& self, const std::string& letters) { self.MaskString(letters); },
-          "The letters of mode (-MAF) and adjustment (-SFTACR)")
-      .def("Copy", &AQ_Mask::Copy, "A new mask with the same values");
+          docOf<AQ_Mask>("AdjustMode").c_str());
   mask.record();
   bindRow(module);
   bindMap(module);

@@ -1,15 +1,19 @@
 #pragma once
 
-// How a class of the library becomes one of Python: properties as attributes, indexed ones as
-// views, and what follows from the list of a class's settable properties: pickling, copying, repr.
+// How a described class of the library becomes one of Python: properties as attributes, indexed
+// ones as views, and what follows from the list of a class's settable properties: pickling,
+// copying, repr.
 
+#include <aq/describe/description.h>
 #include <aq/detail/pointers.h>
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "casters.h"
@@ -20,10 +24,10 @@ inline std::string typeText(const py::object& given) {
   return py::type::of(given).attr("__name__").cast<std::string>();
 }
 
-/// Any object with the attributes `LowBand` and `HighBand`.
-class Banded {
+/// The range of any object with the attributes `LowBand` and `HighBand`.
+class BandRange {
  public:
-  explicit Banded(const py::object& object)
+  explicit BandRange(const py::object& object)
       : low_(object.attr("LowBand").cast<std::int16_t>()),
         high_(object.attr("HighBand").cast<std::int16_t>()) {}
   [[nodiscard]] std::int16_t LowBand() const { return low_; }
@@ -40,82 +44,94 @@ struct Indexed {
   std::shared_ptr<Owner> owner;
 };
 
+/// The sentence of a description, and the unit and range of a number.
+inline std::string docOf(const describe::About& about) {
+  std::string doc(about.text);
+  const std::string quantity = describe::quantityText(about.quantity);
+  if (!quantity.empty()) doc.append(" [").append(quantity).append("]");
+  return doc;
+}
+
+/// That of a member which Python has in a form of its own.
+template <class C>
+std::string docOf(std::string_view name) {
+  std::string doc;
+  describe::forMembers<C>([&](const auto& member) {
+    if (member.name == name) doc = docOf(member.about);
+  });
+  if (doc.empty()) throw std::logic_error("no description of " + std::string(name));
+  return doc;
+}
+
 template <class C>
 class Bound : public py::class_<C, std::shared_ptr<C>> {
   using Object = std::shared_ptr<C>;
 
  public:
+  /// With all that the description has and Python has in the same form.
+  explicit Bound(const py::module_& module)
+      : Bound(module, describe::Description<C>::name, describe::Description<C>::text) {
+    describe::forMembers<C>(*this);
+  }
   Bound(const py::module_& module, const char* name, const char* doc)
       : py::class_<C, Object>(module, name, doc), module_(module), name_(name) {
     if constexpr (std::is_default_constructible_v<C>) this->def(py::init<>());
   }
 
+  template <class Get, class Set>
+  void operator()(const describe::Property<Get, Set>& property) {
+    const std::string doc = docOf(property.about) + sharing(property);
+    if constexpr (std::is_null_pointer_v<Set>) {
+      this->def_property_readonly(property.name, byValue(property.get), doc.c_str());
+    } else {
+      this->def_property(property.name, property.get, property.set, doc.c_str());
+      fields_.append(property.name);
+    }
+  }
   template <class Get>
-  Bound& property(const char* name, Get (C::*get)() const, const char* doc) {
-    this->def_property_readonly(name, get, doc);
-    return *this;
+  void operator()(const describe::Form<Get, void (C::*)(std::string_view)>& form) {
+    this->def_property(
+        form.name, form.get,
+        [set = form.set](C& self, const std::string& text) { (self.*set)(text); },
+        docOf(form.about).c_str());
   }
-  template <class Get>
-  Bound& property(const char* name, Get (C::*get)(), const char* doc) {
-    this->def_property_readonly(name, get, doc);
-    return *this;
+  template <class Member>
+  void operator()(const describe::Field<Member>& field) {
+    this->def_readwrite(field.name, field.member, docOf(field.about).c_str());
+    fields_.append(field.name);
   }
-  template <class Get, class Set>
-  Bound& property(const char* name, Get (C::*get)() const, void (C::*set)(Set), const char* doc) {
-    return settable(name, get, set, doc);
-  }
-  template <class Get, class Set>
-  Bound& property(const char* name, Get (C::*get)(), void (C::*set)(Set), const char* doc) {
-    return settable(name, get, set, doc);
-  }
-  template <class Field>
-  Bound& field(const char* name, Field C::*member, const char* doc) {
-    this->def_readwrite(name, member, doc);
-    fields_.append(name);
-    return *this;
-  }
-
-  /// A property of any pair of functions.
-  template <class Get, class Set>
-  Bound& settable(const char* name, Get get, Set set, const char* doc) {
-    this->def_property(name, get, set, doc);
-    fields_.append(name);
-    return *this;
-  }
-
-  /// `get(owner, key)` and `set(owner, key, value)`.
-  template <class Key, class Value, class Get, class Set>
-  Bound& view(const char* name, Get get, Set set, const char* doc) {
-    using View = Indexed<C, Key, Value>;
-    const auto read = [get](const View& view, Key key) -> Value {
-      return std::invoke(get, *view.owner, key);
-    };
-    const auto viewName = "_" + name_.substr(3) + "_" + name;
-    py::class_<View>(module_, viewName.c_str(), doc)
-        .def("__call__", read, py::arg("number"))
-        .def("__getitem__", read, py::arg("number"))
-        .def(
-            "__setitem__",
-            [set](const View& view, Key key, Value value) {
-              std::invoke(set, *view.owner, key, std::move(value));
-            },
-            py::arg("number"), py::arg("value"))
-        .def("__repr__", [text = "<" + name_ + "." + name +
-                                 ": by number, in () or []>"](const View&) { return text; })
-        .attr("__iter__") = py::none();
-    this->def_property_readonly(
-        name, [](Object self) { return View{std::move(self)}; }, doc);
-    return *this;
+  template <class Set>
+  void operator()(const describe::Setter<Set>& setter) {
+    this->def(setter.name, setter.set, py::arg(setter.value.name), docOf(setter.about).c_str());
   }
   template <class Key, class Value, class Given>
-  Bound& indexed(const char* name, Value (C::*get)(Key) const, void (C::*set)(Key, Given),
-                 const char* doc) {
-    return view<std::decay_t<Key>, Value>(name, get, set, doc);
+  void operator()(const describe::Indexed<Value (C::*)(Key) const, void (C::*)(Key, Given)>& view) {
+    bindView<std::decay_t<Key>, Value>(view);
   }
   template <class Key, class Value, class Given>
-  Bound& indexed(const char* name, Value (C::*get)(Key), void (C::*set)(Key, Given),
-                 const char* doc) {
-    return view<std::decay_t<Key>, Value>(name, get, set, doc);
+  void operator()(const describe::Indexed<Value (C::*)(Key), void (C::*)(Key, Given)>& view) {
+    bindView<std::decay_t<Key>, Value>(view);
+  }
+  /// Those of file classes take paths and give what they read: `BoundFile` has them.
+  template <class Call, std::size_t Count>
+  void operator()(const describe::Method<Call, Count>& method) {
+    if constexpr (!std::is_base_of_v<FileClass, C>) {
+      std::apply(
+          [&](const auto&... parameters) {
+            this->def(method.name, method.call, py::arg(parameters.name)...,
+                      docOf(method.about).c_str());
+          },
+          method.parameters);
+    }
+  }
+  template <class Call>
+  void operator()(const describe::Banded<Call>& banded) {
+    this->def(
+        banded.name,
+        [call = banded.call](const C& self, const py::object& other) {
+          return call(self, BandRange(other));
+        },
+        py::arg(banded.other.name), docOf(banded.about).c_str());
   }
 
   /// Ends a class that its settable properties describe in full.
@@ -156,6 +172,56 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
   }
 
  private:
+  /// Objects of which the library hands out its own are copied.
+  template <class Get>
+  static auto byValue(Get get) {
+    if constexpr (std::is_reference_v<std::invoke_result_t<Get, C&>>) {
+      return [get](const C& self) { return (self.*get)(); };
+    } else {
+      return get;
+    }
+  }
+
+  template <class Get, class Set>
+  static const char* sharing(const describe::Property<Get, Set>& /*property*/) {
+    constexpr bool isObject = requires(std::invoke_result_t<Get, C&> object) {
+      object.use_count();
+    };
+    if constexpr (!isObject) {
+      return "";
+    } else if constexpr (std::is_invocable_v<Get, const C&>) {
+      return std::is_null_pointer_v<Set> ? "" : ". Setting shares the object";
+    } else {
+      return std::is_null_pointer_v<Set> ? ". Created on first read"
+                                         : ". Created on first read; setting shares the object";
+    }
+  }
+
+  /// `view(number)`, `view[number]` and `view[number] = value`.
+  template <class Key, class Value, class Get, class Set>
+  void bindView(const describe::Indexed<Get, Set>& indexed) {
+    using View = Indexed<C, Key, Value>;
+    const std::string doc = docOf(indexed.about);
+    const auto read = [get = indexed.get](const View& view, Key key) -> Value {
+      return std::invoke(get, *view.owner, key);
+    };
+    const auto viewName = "_" + name_.substr(3) + "_" + indexed.name;
+    py::class_<View>(module_, viewName.c_str(), doc.c_str())
+        .def("__call__", read, py::arg("number"))
+        .def("__getitem__", read, py::arg("number"))
+        .def(
+            "__setitem__",
+            [set = indexed.set](const View& view, Key key, Value value) {
+              std::invoke(set, *view.owner, key, std::move(value));
+            },
+            py::arg("number"), py::arg("value"))
+        .def("__repr__", [text = "<" + name_ + "." + indexed.name +
+                                 ": by number, in () or []>"](const View&) { return text; })
+        .attr("__iter__") = py::none();
+    this->def_property_readonly(
+        indexed.name, [](Object self) { return View{std::move(self)}; }, doc.c_str());
+  }
+
   void keepFields() { this->attr("_fields") = py::tuple(fields_); }
 
   static py::tuple state(const py::object& self, const py::list& fields) {

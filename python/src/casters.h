@@ -4,6 +4,7 @@
 // settled before anything of pybind11 casts one.
 
 #include <aq/aq.h>
+#include <aq/describe/enumerations.h>
 #include <pybind11/cast.h>
 
 #include <limits>
@@ -18,10 +19,6 @@ struct Path {
   std::string name;
 };
 
-/// The name of an enumeration in Python; given for every one that has a class there.
-template <class E>
-struct EnumName;
-
 /// The enumeration's Python class. It lives as long as the interpreter.
 template <class E>
 py::handle& enumClass() {
@@ -30,25 +27,6 @@ py::handle& enumClass() {
 }
 
 }  // namespace aq::python
-
-#define AQ_ENUM_NAME(Enum)                                             \
-  template <>                                                          \
-  struct aq::python::EnumName<aq::Enum> {                              \
-    static constexpr auto value = pybind11::detail::const_name(#Enum); \
-  };
-AQ_ENUM_NAME(AQ_AverageMethod)
-AQ_ENUM_NAME(AQ_TimeStampType)
-AQ_ENUM_NAME(AQ_RefTimeType)
-AQ_ENUM_NAME(AQ_CONSTANTS)
-AQ_ENUM_NAME(AQ_OPTIME)
-AQ_ENUM_NAME(AQ_DataMessage)
-AQ_ENUM_NAME(AQ_MASK_MODE)
-AQ_ENUM_NAME(AQ_MASK_ADJUST)
-AQ_ENUM_NAME(AQ_METRIC_INTEG_VALUE)
-AQ_ENUM_NAME(AQ_METRIC_TYPE)
-AQ_ENUM_NAME(ErrorCode)
-AQ_ENUM_NAME(FileKind)
-#undef AQ_ENUM_NAME
 
 namespace pybind11::detail {
 
@@ -160,15 +138,13 @@ class type_caster<aq::Variant> {
 };
 
 template <class E>
-concept NamedEnum = requires {
-  aq::python::EnumName<E>::value;
-};
+concept NamedEnum = std::is_enum_v<E> && aq::describe::Described<E>;
 
 /// Members of a Python `IntEnum`. As in the library any number passes, named or not.
 template <class E>
 class type_caster<E, enable_if_t<NamedEnum<E>>> {
  public:
-  PYBIND11_TYPE_CASTER(E, aq::python::EnumName<E>::value);
+  PYBIND11_TYPE_CASTER(E, const_name(aq::describe::Description<E>::name));
 
   bool load(handle source, bool /*convert*/) {
     if (PyIndex_Check(source.ptr()) == 0) return false;

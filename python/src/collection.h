@@ -1,5 +1,7 @@
 #pragma once
 
+#include <aq/describe/core.h>
+
 #include <string>
 #include <string_view>
 
@@ -24,9 +26,11 @@ void bindCollection(const py::module_& module, const char* name) {
     for (const py::handle value : values) list->Add(value.cast<T>());
     return list;
   };
+  const std::string about = describe::Description<List>::text;
   Bound<List> bound(module, name,
-                    "An ordered list of values whose entries may have a text key.\n\nItem and "
-                    "Remove count from 1; [] and iteration are those of a Python sequence.");
+                    (about + ".\n\nItem and Remove count from 1; [] and iteration are those of a "
+                             "Python sequence.")
+                        .c_str());
   bound.def(py::init([filled](const py::iterable& values) { return filled(values); }),
             py::arg("values"));
   bound.def(
@@ -34,19 +38,19 @@ void bindCollection(const py::module_& module, const char* name) {
       [](List& list, T value, const std::optional<std::string>& key) {
         key ? list.Add(std::move(value), *key) : list.Add(std::move(value));
       },
-      py::arg("value"), py::arg("key") = py::none(), "Appends a value; a key that is taken raises");
+      py::arg("value"), py::arg("key") = py::none(), docOf<List>("Add").c_str());
   bound.def(
       "Item", [](const List& list, std::int32_t at) { return list.Item(at); }, py::arg("place"),
-      "The entry at a place, from 1 to Count");
+      docOf<List>("Item").c_str());
   bound.def(
       "Item", [](const List& list, const std::string& key) { return list.Item(key); },
       py::arg("key"));
   bound.def(
       "Remove", [](List& list, std::int32_t at) { list.Remove(at); }, py::arg("place"),
-      "Removes the entry at a place or with a key");
+      docOf<List>("Remove").c_str());
   bound.def(
       "Remove", [](List& list, const std::string& key) { list.Remove(key); }, py::arg("key"));
-  bound.property("Count", &List::Count, "The number of entries");
+  bound.def_property_readonly("Count", &List::Count, docOf<List>("Count").c_str());
   bound.def("__len__", &List::Count);
   bound.def("__getitem__",
             [place](const List& list, py::ssize_t index) { return list.Item(place(list, index)); });
