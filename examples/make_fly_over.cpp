@@ -36,18 +36,13 @@ double level(int band, double seconds) {
   return 10 * std::log10(std::pow(10, source / 10) + std::pow(10, ambient(band) / 10));
 }
 
-void fill(aq::AQ_SpectralTimeHistory& history, aq::AQ_MaskMap& map) {
+void fill(aq::AQ_SpectralTimeHistory& history) {
   for (std::int16_t record = 1; record <= kRecords; ++record) {
     auto spectrum = std::make_shared<aq::AQ_Spectrum>();
-    auto row = std::make_shared<aq::AQ_MaskRow>();
     for (std::int16_t band = kLow; band <= kHigh; ++band) {
-      const double decibels = level(band, (record - kOverhead) * 0.5);
-      spectrum->SPL(band, decibels);
-      const bool masked = decibels < ambient(band) + kCriterion;
-      row->Mask(band)->MaskMode(masked ? aq::MASKED_BY_MASK_CRITERION : aq::NOT_MASKED);
+      spectrum->SPL(band, level(band, (record - kOverhead) * 0.5));
     }
     history.spectrum(record, spectrum);
-    map.Row(record, row);
   }
 }
 
@@ -76,13 +71,17 @@ bool writeTrack(const std::string& path) {
   return isGood(file.writeLines(path), file);
 }
 
-bool writeAmbient(const std::string& path) {
+aq::AQ_Spectrum ambientSpectrum() {
   aq::AQ_Spectrum spectrum;
   for (std::int16_t band = kLow; band <= kHigh; ++band) spectrum.SPL(band, ambient(band));
+  return spectrum;
+}
+
+bool writeAmbient(const std::string& path) {
   const auto header = std::make_shared<aq::AQ_HeaderSSR>();
   header->cCommentLines->Add("Assumed ambient of the fly-over sample");
   aq::AQ_DataSSR file;
-  return isGood(file.writeFile(path, header, spectrum), file);
+  return isGood(file.writeFile(path, header, ambientSpectrum()), file);
 }
 
 bool writeParameters(const std::string& path) {
@@ -97,10 +96,9 @@ bool writeParameters(const std::string& path) {
 
 bool writeHistoryAndMap(const std::string& historyPath, const std::string& mapPath) {
   aq::AQ_SpectralTimeHistory history;
-  aq::AQ_MaskMap map;
-  fill(history, map);
+  fill(history);
   stamp(history);
-  map.setLGB();
+  const auto map = aq::maskByAmbient(history, ambientSpectrum(), kCriterion);
   const auto header = std::make_shared<aq::AQ_HeaderSTH>();
   header->sProjectName = "Fly-over sample";
   header->sMicrophoneID = "M1";
@@ -113,7 +111,7 @@ bool writeHistoryAndMap(const std::string& historyPath, const std::string& mapPa
   aq::AQ_DataSTH historyFile;
   aq::AQ_DataMask mapFile;
   return isGood(historyFile.writeFile(historyPath, header, history), historyFile) &&
-         isGood(mapFile.writeFile(mapPath, mapHeader, map), mapFile);
+         isGood(mapFile.writeFile(mapPath, mapHeader, *map), mapFile);
 }
 
 }  // namespace

@@ -4,20 +4,6 @@
 
 #include "examples/outcome.h"
 
-namespace {
-
-std::shared_ptr<aq::AQ_MaskRow> maskedRow(const aq::AQ_Spectrum& spectrum,
-                                          const aq::AQ_Spectrum& ambient, double margin) {
-  auto row = std::make_shared<aq::AQ_MaskRow>();
-  for (std::int16_t band = spectrum.LowBand(); band <= spectrum.HighBand(); ++band) {
-    const double above = spectrum.SPL(band).toDouble() - ambient.SPL(band).toDouble();
-    row->Mask(band)->MaskMode(above < margin ? aq::MASKED_BY_MASK_CRITERION : aq::NOT_MASKED);
-  }
-  return row;
-}
-
-}  // namespace
-
 int main(int argc, char** argv) {
   if (argc != 5) return 2;
   aq::AQ_DataSTH historyFile;
@@ -28,14 +14,10 @@ int main(int argc, char** argv) {
   std::shared_ptr<aq::AQ_Spectrum> ambient;
   if (!isGood(ambientFile.readFile(argv[2], ambient), ambientFile)) return 1;
 
-  aq::AQ_MaskMap map;
-  for (std::int16_t record = history->LoRec(); record <= history->HiRec(); ++record) {
-    map.Row(record, maskedRow(*history->spectrum(record), *ambient, std::atof(argv[3])));
-  }
-  map.setLGB();
+  const auto map = aq::maskByAmbient(*history, *ambient, std::atof(argv[3]));
   const auto mapHeader = std::make_shared<aq::AQ_HeaderMask>();
   mapHeader->sGeneratedBy = "mask_by_ambient";
   mapHeader->sGenerationFile = argv[1];
   aq::AQ_DataMask mapFile;
-  return isGood(mapFile.writeFile(argv[4], mapHeader, map), mapFile) ? 0 : 1;
+  return isGood(mapFile.writeFile(argv[4], mapHeader, *map), mapFile) ? 0 : 1;
 }

@@ -5,6 +5,7 @@
 #include "aq/check/checks.h"
 #include "aq/check/header_check.h"
 #include "aq/core/platform.h"
+#include "aq/core/words.h"
 #include "aq/files/data_ini.h"
 #include "aq/files/file_kind.h"
 #include "aq/spectral/spectral_time_history.h"
@@ -47,16 +48,16 @@ void checking(const Reporter& reporter, const Check& check) {
   }
 }
 
-/// A word that a history does not know is read as what a fresh one holds.
+/// A word that is not known is read as the first one.
 void checkParameterWord(const HeaderLine& line, const Reporter& report) {
   const bool averaging = line.keyword == keywords::kNuAvg;
   if (!averaging && line.keyword != keywords::kNuTimg) return;
   std::string scratch;
   const std::string_view word = cleanField(line.value.substr(0, line.value.find(',')), scratch);
-  AQ_SpectralTimeHistory history;
-  averaging ? history.sAveragingMethod(word) : history.sTimeStampType(word);
-  checkWord(line.number, word, averaging ? history.sAveragingMethod() : history.sTimeStampType(),
-            report);
+  AQ_AverageMethod method{};
+  AQ_TimeStampType type{};
+  averaging ? setByWord(method, word) : setByWord(type, word);
+  checkWord(line.number, word, averaging ? wordOf(method) : wordOf(type), report);
 }
 
 }  // namespace

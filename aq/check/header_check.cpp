@@ -37,7 +37,7 @@ void checkFieldsBehind(const HeaderLine& line, const Reporter& report) {
   }
 }
 
-void checkWord(std::size_t line, std::string_view word, const std::string& readAs,
+void checkWord(std::size_t line, std::string_view word, std::string_view readAs,
                const Reporter& report) {
   if (upperCased(word) == readAs) return;
   report(Kind::OtherWord, {.line = line, .field = 2},

@@ -20,7 +20,7 @@ namespace aq {
 void checkFieldsBehind(const HeaderLine& line, const Reporter& report);
 
 /// Reports a word of the header that is not the one that it is read as.
-void checkWord(std::size_t line, std::string_view word, const std::string& readAs,
+void checkWord(std::size_t line, std::string_view word, std::string_view readAs,
                const Reporter& report);
 
 /// Watches a header that is read by its lines' places, and keeps what a check of the data needs.

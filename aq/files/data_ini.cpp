@@ -3,7 +3,7 @@
 #include <optional>
 #include <string_view>
 
-#include "aq/spectral/spectral_time_history.h"
+#include "aq/core/words.h"
 #include "aq/text/checked_keywords.h"
 #include "aq/text/date_text.h"
 #include "aq/text/fields.h"
@@ -33,41 +33,31 @@ std::optional<std::string> textUnlessZero(Number value) {
   return numberText(value);
 }
 
-// The text forms of the two enumerations are the history's; what it does not know gives what a
-// fresh history holds.
-
-std::optional<std::string> averagingText(const AQ_DataINI& parameters) {
-  if (parameters.NuAvg() == AQ_NA) return std::nullopt;
-  AQ_SpectralTimeHistory history;
-  history.AverageMethod(parameters.NuAvg());
-  return history.sAveragingMethod();
+/// The word of an enumeration, nothing for the value that says that it is not set.
+template <class Enumeration>
+std::optional<std::string> wordUnless(Enumeration notSet, Enumeration value) {
+  if (value == notSet) return std::nullopt;
+  return std::string(wordOf(value));
 }
 
-void setAveraging(AQ_DataINI& parameters, std::string_view text) {
-  AQ_SpectralTimeHistory history;
-  history.sAveragingMethod(text);
-  parameters.NuAvg(history.AverageMethod());
-}
-
-std::optional<std::string> timingText(const AQ_DataINI& parameters) {
-  if (parameters.NuTimg() == AQ_DataINI::kTimingNotSet) return std::nullopt;
-  AQ_SpectralTimeHistory history;
-  history.TimeStampType(parameters.NuTimg());
-  return history.sTimeStampType();
-}
-
-void setTiming(AQ_DataINI& parameters, std::string_view text) {
-  AQ_SpectralTimeHistory history;
-  history.sTimeStampType(text);
-  parameters.NuTimg(history.TimeStampType());
+/// A word that is not known gives the enumeration's first member, as in a new history.
+template <class Enumeration>
+Enumeration valueOf(std::string_view word) {
+  Enumeration value{};
+  setByWord(value, word);
+  return value;
 }
 
 using Text = std::string_view;
 const Parameter kParameters[] = {
     {"CalAdj", "a number", [](const AQ_DataINI& p) { return textUnlessZero(p.CalAdj()); },
      [](AQ_DataINI& p, Text text) { p.CalAdj(singleFrom(text)); }},
-    {keywords::kNuAvg, "an averaging method", averagingText, setAveraging},
-    {keywords::kNuTimg, "a time stamp type", timingText, setTiming},
+    {keywords::kNuAvg, "an averaging method",
+     [](const AQ_DataINI& p) { return wordUnless(AQ_NA, p.NuAvg()); },
+     [](AQ_DataINI& p, Text text) { p.NuAvg(valueOf<AQ_AverageMethod>(text)); }},
+    {keywords::kNuTimg, "a time stamp type",
+     [](const AQ_DataINI& p) { return wordUnless(AQ_DataINI::kTimingNotSet, p.NuTimg()); },
+     [](AQ_DataINI& p, Text text) { p.NuTimg(valueOf<AQ_TimeStampType>(text)); }},
     {"PrWndo", "a number", [](const AQ_DataINI& p) { return textUnlessZero(p.PrWndo()); },
      [](AQ_DataINI& p, Text text) { p.PrWndo(singleFrom(text)); }},
     {"PoWndo", "a number", [](const AQ_DataINI& p) { return textUnlessZero(p.PoWndo()); },

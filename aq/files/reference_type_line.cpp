@@ -1,6 +1,6 @@
 #include "aq/files/reference_type_line.h"
 
-#include "aq/spectral/spectral_time_history.h"
+#include "aq/core/words.h"
 #include "aq/text/checked_keywords.h"
 #include "aq/text/number_text.h"
 
@@ -11,13 +11,9 @@ void ReferenceTypeLine::see(const HeaderLine& line) {
 }
 
 std::optional<AQ_RefTimeType> ReferenceTypeLine::type() const {
-  const std::string wanted = upperCased(word_);
-  AQ_SpectralTimeHistory words;
-  for (std::int32_t number = AQ_START_REF; number <= AQ_OTHER; ++number) {
-    words.ReferenceType(static_cast<AQ_RefTimeType>(number));
-    if (words.sReferenceTimeType() == wanted) return words.ReferenceType();
-  }
-  return std::nullopt;
+  AQ_RefTimeType type = AQ_START_REF;
+  if (!setByWord(type, upperCased(word_))) return std::nullopt;
+  return type;
 }
 
 }  // namespace aq

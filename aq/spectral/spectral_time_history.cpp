@@ -1,55 +1,14 @@
 #include "aq/spectral/spectral_time_history.h"
 
-#include <algorithm>
-#include <array>
+#include <utility>
 
+#include "aq/core/words.h"
 #include "aq/detail/half_second.h"
 #include "aq/detail/pointers.h"
 #include "aq/masking/last_good_band.h"
 
 namespace aq {
 namespace {
-
-template <class Enumeration>
-struct TextForm {
-  Enumeration value;
-  std::string_view text;
-};
-
-constexpr std::array<TextForm<AQ_AverageMethod>, 6> kAveraging{{{AQ_LINEAR, "LINEAR"},
-                                                                {AQ_TRUSLO, "TRUSLO"},
-                                                                {AQ_4S100, "4S100"},
-                                                                {AQ_4S95, "4S95"},
-                                                                {AQ_CONTEXPO, "CONTEXPO"},
-                                                                {AQ_NA, "NA"}}};
-constexpr std::array<TextForm<AQ_TimeStampType>, 5> kTimeStamps{{{AQ_START, "START"},
-                                                                 {AQ_MIDPT, "MIDPT"},
-                                                                 {AQ_END, "END"},
-                                                                 {AQ_ICAOSLO, "ICAOSLO"},
-                                                                 {AQ_OLDSLO, "OLDSLO"}}};
-constexpr std::array<TextForm<AQ_RefTimeType>, 8> kReferences{{{AQ_START_REF, "START"},
-                                                               {AQ_OVERHEAD, "OVERHEAD"},
-                                                               {AQ_AMAX, "AMAX"},
-                                                               {AQ_PMAX, "PMAX"},
-                                                               {AQ_TMAX, "TMAX"},
-                                                               {AQ_OAMAX, "OAMAX"},
-                                                               {AQ_HACK, "HACK"},
-                                                               {AQ_OTHER, "OTHER"}}};
-
-template <class Forms, class Enumeration>
-std::string textOf(const Forms& forms, Enumeration value) {
-  for (const auto& form : forms) {
-    if (form.value == value) return std::string(form.text);
-  }
-  return {};
-}
-
-template <class Forms, class Enumeration>
-void setFrom(const Forms& forms, std::string_view text, Enumeration& value) {
-  for (const auto& form : forms) {
-    if (form.text == text) value = form.value;
-  }
-}
 
 /// Calls `visit(number)` for every number of the range, which may end at the last 16-bit one.
 template <class Visit>
@@ -104,25 +63,25 @@ std::shared_ptr<AQ_SpectralTimeHistory> AQ_SpectralTimeHistory::Copy() {
 }
 
 std::string AQ_SpectralTimeHistory::sAveragingMethod() const {
-  return textOf(kAveraging, averageMethod_);
+  return std::string(wordOf(averageMethod_));
 }
 
 std::string AQ_SpectralTimeHistory::sReferenceTimeType() const {
-  return textOf(kReferences, referenceType_);
+  return std::string(wordOf(referenceType_));
 }
 
 std::string AQ_SpectralTimeHistory::sTimeStampType() const {
-  return textOf(kTimeStamps, timeStampType_);
+  return std::string(wordOf(timeStampType_));
 }
 
 void AQ_SpectralTimeHistory::sAveragingMethod(std::string_view text) {
-  setFrom(kAveraging, text, averageMethod_);
+  setByWord(averageMethod_, text);
 }
 
 void AQ_SpectralTimeHistory::sReferenceTimeType(std::string_view) {}
 
 void AQ_SpectralTimeHistory::sTimeStampType(std::string_view text) {
-  setFrom(kTimeStamps, text, timeStampType_);
+  setByWord(timeStampType_, text);
 }
 
 bool AQ_SpectralTimeHistory::EncompassesMask(const AQ_MaskMap& MapMask) const {

@@ -1,4 +1,4 @@
-#include <aq/spectral/spectral_time_history.h>
+#include <aq/spectral/ambient_masking.h>
 #include <gtest/gtest.h>
 
 #include "tests/support/errors.h"
@@ -220,6 +220,42 @@ TEST(History, EncompassesTheMapRowByRow) {
   EXPECT_FALSE(made->EncompassesMask(map));
   const auto shifted = history(2, 3);
   EXPECT_ERROR(shifted->EncompassesMask(map), InvalidArgument);
+}
+
+/// Which bands of 20 to 23 a map by this ambient and a margin of 3 dB masks, or the error.
+std::string maskedBy(const AQ_SpectralTimeHistory& history, const std::vector<double>& ambient) {
+  AQ_Spectrum spectrum;
+  spectrum.assignLevels(20, ambient);
+  std::string bands;
+  try {
+    const auto map = maskByAmbient(history, spectrum, 3);
+    for (const auto& [record, row] : *map) {
+      for (const auto& [band, mask] : *row) bands += mask.MaskString();
+      bands += ' ' + std::to_string(row->LGB());
+    }
+  } catch (const Error& error) {
+    return error.what();
+  }
+  return bands;
+}
+
+TEST(AmbientMasking, ALevelTheMarginAboveIsNotMasked) {
+  AQ_SpectralTimeHistory history;
+  EXPECT_EQ(maskedBy(history, {}),
+            "a map needs records numbered from 1 without a gap, record 1 is missing");
+  auto spectrum = std::make_shared<AQ_Spectrum>();
+  for (const double level : {63.0, 62.99, 9999.0}) {
+    spectrum->SPL(static_cast<std::int16_t>(std::max<int>(20, spectrum->HighBand() + 1)), level);
+  }
+  history.spectrum(1, spectrum);
+  // Bands 28 and 29 come in with the last good band.
+  EXPECT_EQ(maskedBy(history, {60.0000000004, 60, 60}), "--M------- 0");
+  EXPECT_EQ(maskedBy(history, {60, 60}), "expected a level of the ambient in band 22, found none");
+  EXPECT_EQ(maskedBy(history, {60, 9999, 60}),
+            "expected a level of the ambient in band 21, found 9999");
+  history.spectrum(3, spectrum);
+  EXPECT_EQ(maskedBy(history, {60, 60, 60}),
+            "a map needs records numbered from 1 without a gap, record 2 is missing");
 }
 
 }  // namespace

@@ -161,7 +161,7 @@ ROWS = [  # command, status, in the output, in the messages
     (f"mask invalid.sth.csv --ambient fly-over.ssr.csv -o y.csv", 0, "1 level of 9999", ""),
     (f"mask gap.sth.csv --ambient fly-over.ssr.csv -o x.csv", 2, "", "record 30 is missing"),
     (f"sed 's/,..\\.../,9999/' fly-over.ssr.csv > no.ssr.csv; mask {STH} --ambient no.ssr.csv -o x.csv",
-     2, "", "no.ssr.csv: expected a level in band 18, found 9999"),
+     2, "", "no.ssr.csv: expected a level of the ambient in band 18, found 9999"),
     (f"diff --json {MAP} made.mask.csv", 1, '"only_in_b":[],"columns":[],"bands":[]', ""),
     (f"stamp {STH} --start 14:30:00 --type midpt --ref 14:30:14.75 --ref-type overhead -o s.sth.csv",
      0, "60 records", ""),

@@ -99,14 +99,11 @@ Json headerFrom(const Geometry& read) {
 
 Json headerFrom(const Parameters& read) {
   aq::AQ_DataINI& parameters = *read.parameters;
-  aq::AQ_SpectralTimeHistory texts;  // that knows the words of both conventions
-  texts.AverageMethod(parameters.NuAvg());
-  texts.TimeStampType(parameters.NuTimg());
   return {{"file_name", parameters.FileName()},
           {"file_date", dateOf(parameters.FileDate())},
           {"calibration_adjustment_db", tidy(parameters.CalAdj())},
-          {"averaging", texts.sAveragingMethod()},
-          {"time_stamp", texts.sTimeStampType()},
+          {"averaging", aq::wordOf(parameters.NuAvg())},
+          {"time_stamp", aq::wordOf(parameters.NuTimg())},
           {"window_before_s", tidy(parameters.PrWndo())},
           {"window_behind_s", tidy(parameters.PoWndo())},
           {"low_record", parameters.LoRec()},

@@ -16,58 +16,15 @@ struct MaskChoice {
   double margin = 3;
 };
 
-/// Levels have two decimals, so a difference of 2.9999999996 dB is one of 3 dB, and not less.
-bool isMasked(double level, double ambient, double margin) {
-  constexpr double kRounding = 1e-6;
-  return level - ambient < margin - kRounding;
-}
-
-std::shared_ptr<aq::AQ_MaskRow> maskedRow(const aq::AQ_Spectrum& spectrum,
-                                          const aq::AQ_Spectrum& ambient, double margin) {
-  auto row = std::make_shared<aq::AQ_MaskRow>();
-  for (std::int32_t number = spectrum.LowBand(); number <= spectrum.HighBand(); ++number) {
-    const auto band = static_cast<std::int16_t>(number);
-    const bool masked =
-        isMasked(spectrum.SPL(band).toDouble(), ambient.SPL(band).toDouble(), margin);
-    row->Mask(band)->MaskMode(masked ? aq::MASKED_BY_MASK_CRITERION : aq::NOT_MASKED);
+std::shared_ptr<aq::AQ_MaskMap> mapOf(const History& read, const aq::AQ_Spectrum& ambient,
+                                      const MaskChoice& choice) {
+  try {
+    return aq::maskByAmbient(*read.history, ambient, choice.margin);
+  } catch (const aq::Error& error) {
+    const bool isOfHistory = error.code() == aq::ErrorCode::InvalidArgument;
+    throw Failure(fmt::format("{}: {}", aq::escaped(isOfHistory ? choice.history : choice.ambient),
+                              error.what()));
   }
-  return row;
-}
-
-/// An ambient without a level in a band of the spectrum would mask that band throughout.
-void expectValid(const aq::AQ_Spectrum& ambient, const aq::AQ_Spectrum& spectrum,
-                 const std::string& file) {
-  for (std::int32_t band = spectrum.LowBand(); band <= spectrum.HighBand(); ++band) {
-    if (ambient.SPL(static_cast<std::int16_t>(band)).toDouble() != double{aq::AQ_INVALID_LEVEL})
-      continue;
-    throw Failure(
-        fmt::format("{}: expected a level in band {}, found 9999", aq::escaped(file), band));
-  }
-}
-
-aq::AQ_MaskMap mapOf(const History& read, const aq::AQ_Spectrum& ambient,
-                     const MaskChoice& choice) {
-  aq::AQ_MaskMap map;
-  const std::int16_t count = read.history->Count();
-  if (count == 0) throw Failure(fmt::format("{}: has no records", aq::escaped(choice.history)));
-  for (std::int32_t number = 1; number <= count; ++number) {
-    const auto record = static_cast<std::int16_t>(number);
-    if (!read.history->contains(record)) {
-      throw Failure(
-          fmt::format("{}: a map needs records numbered from 1 without a gap, record {} is missing",
-                      aq::escaped(choice.history), number));
-    }
-    const auto spectrum = read.history->spectrum(record);
-    if (!ambient.Encompasses(*spectrum)) {
-      throw Failure(fmt::format("{}: expected levels for bands {} to {}, found {} to {}",
-                                aq::escaped(choice.ambient), spectrum->LowBand(),
-                                spectrum->HighBand(), ambient.LowBand(), ambient.HighBand()));
-    }
-    expectValid(ambient, *spectrum, choice.ambient);
-    map.Row(record, maskedRow(*spectrum, ambient, choice.margin));
-  }
-  map.setLGB();
-  return map;
 }
 
 std::shared_ptr<aq::AQ_HeaderMask> headerFor(const MaskChoice& choice) {
@@ -104,13 +61,13 @@ void mask(Session& session, const MaskChoice& choice) {
   expectOutput(session, {".mask.csv", ".csv"}, {choice.history, choice.ambient});
   const History read = openHistory(choice.history);
   const SpectrumRecord ambient = openSpectrum(choice.ambient);
-  const aq::AQ_MaskMap map = mapOf(read, *ambient.spectrum, choice);
+  const auto map = mapOf(read, *ambient.spectrum, choice);
   const auto header = headerFor(choice);
-  writeOutput<aq::AQ_DataMask>(session, header, map);
+  writeOutput<aq::AQ_DataMask>(session, header, *map);
   const std::size_t invalid = invalidIn(*read.history);
   session.wrote(fmt::format(
-      "{}, {} masked{}", counted(static_cast<std::size_t>(map.Count()), "row"),
-      counted(maskedIn(map), "level"),
+      "{}, {} masked{}", counted(static_cast<std::size_t>(map->Count()), "row"),
+      counted(maskedIn(*map), "level"),
       invalid == 0
           ? ""
           : fmt::format("; {} of 9999, not valid and not masked", counted(invalid, "level"))));

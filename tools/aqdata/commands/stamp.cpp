@@ -34,38 +34,23 @@ aq::AQ_Time timeFrom(const char* option, const std::string& text) {
   return time;
 }
 
-/// The words of an enumeration counted from 0, as a history gives them by `textOf`.
-template <class Enumeration, class TextOf>
-std::vector<std::string> wordsOf(const TextOf& textOf) {
+/// The words of an enumeration counted from 0.
+template <class Enumeration>
+std::vector<std::string> wordsOf() {
   std::vector<std::string> words;
   for (std::int32_t number = 0;; ++number) {
-    words.push_back(textOf(static_cast<Enumeration>(number)));
-    if (words.back().empty()) break;
+    const std::string_view word = aq::wordOf(static_cast<Enumeration>(number));
+    if (word.empty()) return words;
+    words.emplace_back(word);
   }
-  words.pop_back();
-  return words;
 }
 
-std::vector<std::string> stampWords() {
-  return wordsOf<aq::AQ_TimeStampType>([](auto value) {
-    aq::AQ_SpectralTimeHistory texts;
-    texts.TimeStampType(value);
-    return texts.sTimeStampType();
-  });
-}
-
-std::vector<std::string> referenceWords() {
-  return wordsOf<aq::AQ_RefTimeType>([](auto value) {
-    aq::AQ_SpectralTimeHistory texts;
-    texts.ReferenceType(value);
-    return texts.sReferenceTimeType();
-  });
-}
-
-/// The place of a word that is one of them.
+/// The member with a word that has one.
 template <class Enumeration>
-Enumeration valueOf(const std::vector<std::string>& words, const std::string& word) {
-  return static_cast<Enumeration>(std::find(words.begin(), words.end(), word) - words.begin());
+Enumeration valueOf(const std::string& word) {
+  Enumeration value{};
+  aq::setByWord(value, word);
+  return value;
 }
 
 /// What is read of a header by words. One that is not known would be written as another.
@@ -82,7 +67,7 @@ struct Words {
 /// The reference type to write: the one that was asked for, or the file's own.
 aq::AQ_RefTimeType referenceOf(const Words& words, const StampChoice& choice) {
   if (!choice.referenceType.empty()) {
-    return valueOf<aq::AQ_RefTimeType>(referenceWords(), choice.referenceType);
+    return valueOf<aq::AQ_RefTimeType>(choice.referenceType);
   }
   if (const auto own = words.reference.type()) return *own;
   throw Failure(
@@ -115,7 +100,7 @@ void stamp(Session& session, const StampChoice& choice) {
   Words words;
   const History read = openHistory(choice.file, [&](const auto& line) { words.see(line); });
   expectKnown(words, read, choice.file);
-  const auto type = valueOf<aq::AQ_TimeStampType>(stampWords(), choice.type);
+  const auto type = valueOf<aq::AQ_TimeStampType>(choice.type);
   const auto referenceType = referenceOf(words, choice);
   setDates(start, reference);
   try {
@@ -149,12 +134,12 @@ void addStamp(CLI::App& program, Session& session) {
   addWords(session,
            *add("--type", choice->type, "What a stamp names: START, MIDPT, END, ICAOSLO or OLDSLO",
                 "TYPE"),
-           stampWords());
+           wordsOf<aq::AQ_TimeStampType>());
   add("--ref", choice->reference, "The time of day that times are relative to", "TIME")->required();
   addWords(session,
            *add("--ref-type", choice->referenceType,
                 "What the reference is, as OVERHEAD (what the file says)", "TYPE"),
-           referenceWords());
+           wordsOf<aq::AQ_RefTimeType>());
   addOutputFile(*command, session, "The history to write");
 }
 

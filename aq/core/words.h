@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string_view>
+
+#include "aq/core/enumerations.h"
+#include "aq/core/export.h"
+
+namespace aq {
+
+// The words by which files and settings name the members of an enumeration: "LINEAR", "TRUSLO",
+// "4S100", "4S95", "CONTEXPO", "NA"; "START", "MIDPT", "END", "ICAOSLO", "OLDSLO"; "START",
+// "OVERHEAD", "AMAX", "PMAX", "TMAX", "OAMAX", "HACK", "OTHER".
+
+/// Empty for a value that is no member.
+[[nodiscard]] AQ_API std::string_view wordOf(AQ_AverageMethod value);
+[[nodiscard]] AQ_API std::string_view wordOf(AQ_TimeStampType value);
+[[nodiscard]] AQ_API std::string_view wordOf(AQ_RefTimeType value);
+
+/// Makes `value` the member with that word, to the letter. False, and `value` unchanged, for any
+/// other text.
+AQ_API bool setByWord(AQ_AverageMethod& value, std::string_view word);
+AQ_API bool setByWord(AQ_TimeStampType& value, std::string_view word);
+AQ_API bool setByWord(AQ_RefTimeType& value, std::string_view word);
+
+}  // namespace aq
