@@ -34,11 +34,11 @@ AQ_DataMessage FileClass::failed(const std::string& name) {
 }
 
 AQ_DataMessage FileClass::replace(const std::string& name, const std::string& text) {
-  return reading(name, [&](const std::string& file) { platform::replaceFile(file, text); });
+  return withFile(name, [&](const std::string& file) { platform::replaceFile(file, text); });
 }
 
 AQ_DataMessage FileClass::append(const std::string& name, const std::string& text) {
-  return reading(name, [&](const std::string& file) { platform::appendToFile(file, text); });
+  return withFile(name, [&](const std::string& file) { platform::appendToFile(file, text); });
 }
 
 }  // namespace aq

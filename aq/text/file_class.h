@@ -48,15 +48,7 @@ class AQ_API FileClass {
   /// Runs `read(name)`; what it finds wrong with the file becomes the last failure.
   template <class Read>
   [[nodiscard]] AQ_DataMessage reading(const std::string& file, const Read& read) {
-    std::string name;
-    try {
-      name = file;
-      lastFailure_.reset();
-      read(std::as_const(name));
-      return AQ_DATA_OK;
-    } catch (...) {
-      return failed(name);
-    }
+    return withFile(file, read);
   }
 
   /// Makes the text that `build(name)` gives the content of `file`. What `build` throws goes to the
@@ -79,6 +71,20 @@ class AQ_API FileClass {
   }
 
  private:
+  /// Runs `work(name)`; a failure of the file becomes the last failure.
+  template <class Work>
+  [[nodiscard]] AQ_DataMessage withFile(const std::string& file, const Work& work) {
+    std::string name;
+    try {
+      name = file;
+      lastFailure_.reset();
+      work(std::as_const(name));
+      return AQ_DATA_OK;
+    } catch (...) {
+      return failed(name);
+    }
+  }
+
   [[nodiscard]] AQ_DataMessage failed(const std::string& name);
   [[nodiscard]] AQ_DataMessage replace(const std::string& name, const std::string& text);
   [[nodiscard]] AQ_DataMessage append(const std::string& name, const std::string& text);

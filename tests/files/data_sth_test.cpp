@@ -244,7 +244,8 @@ TEST(DataSTH, RawHeader) {
   EXPECT_TRUE(file.getRawHeader(first(24), header));
   EXPECT_FALSE(file.getRawHeader(folder.with("in", "FileType, spectral time-history\n"), header));
   EXPECT_EQ(file.lastFailure()->found, "\"FileType, spectral time-history\"");
-  EXPECT_EQ(file.lastFailure()->line * 10 + file.lastFailure()->field, 10U);
+  EXPECT_EQ(file.lastFailure()->line, 1U);
+  EXPECT_EQ(file.lastFailure()->field, 0U);
   EXPECT_TRUE(file.getRawHeader(folder.with("in", "any, Spectral Time-History \n"), header));
   EXPECT_FALSE(file.getRawHeader(first(0), header));
   EXPECT_FALSE(file.getRawHeader(folder.file("none"), header));

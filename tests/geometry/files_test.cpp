@@ -136,13 +136,19 @@ TEST(Geometry, FreshObjectsHoldZeros) {
   const AQ_HeaderGTH gth;
   const AQ_HeaderPTH pth;
   const AQ_HeaderMIC header;
-  EXPECT_EQ(mic.X + mic.Y + mic.Z + mic.Height + record.SR + record.Tprop, 0);
-  EXPECT_EQ(point.SRe + point.Tprope + point.debugTime, 0);
-  EXPECT_EQ(position.X() + position.Y() + position.Z(), 0);
-  EXPECT_EQ(point.THETAe + point.BETAe + gth.Temperature, 0);
-  EXPECT_EQ(gth.NumberRecords + gth.OtherRecords + gth.nCommentLines, 0);
-  EXPECT_EQ(pth.lNumberRecords + pth.nOtherRecords + pth.nCommentLines, 0);
-  EXPECT_EQ(header.lNumberRecords + header.nOtherRecords + header.nCommentLines, 0);
+  for (const double value :
+       {mic.X, mic.Y, mic.Z, mic.Height, record.SR, record.Tprop, point.SRe, point.Tprope,
+        point.debugTime, position.X(), position.Y(), position.Z()}) {
+    EXPECT_EQ(value, 0);
+  }
+  for (const float value : {point.THETAe, point.BETAe, gth.Temperature}) EXPECT_EQ(value, 0);
+  for (const std::int32_t count :
+       {std::int32_t{gth.NumberRecords}, std::int32_t{gth.OtherRecords},
+        std::int32_t{gth.nCommentLines}, pth.lNumberRecords, std::int32_t{pth.nOtherRecords},
+        std::int32_t{pth.nCommentLines}, header.lNumberRecords, std::int32_t{header.nOtherRecords},
+        std::int32_t{header.nCommentLines}}) {
+    EXPECT_EQ(count, 0);
+  }
 }
 
 TEST(DataGTH, TheDebugTimeIsWrittenAndNotRead) {

@@ -32,8 +32,10 @@ TEST(DataMask, LinesAreCountedAfresh) {
   EXPECT_EQ(header.nCommentLines, 7);
   EXPECT_EQ(header.lNumberRows, 2);
   const AQ_HeaderMask none;
-  EXPECT_EQ(none.lNumberRows + none.iBandLow + none.iBandHigh, 0);
-  EXPECT_EQ(none.nOtherRecords + none.nCommentLines, 0);
+  EXPECT_EQ(none.lNumberRows, 0);
+  for (const int value : {none.iBandLow, none.iBandHigh, none.nOtherRecords, none.nCommentLines}) {
+    EXPECT_EQ(value, 0);
+  }
   EXPECT_EQ(header.sFileName, folder.file("out"));
 }
 
