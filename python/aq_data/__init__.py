@@ -12,7 +12,8 @@ from . import tables as _tables  # attaches to_pandas
 from . import accessor as _accessor  # registers Dataset.aq
 from .archive import check, scan
 from .many import open_many
-from .files import Reading, Tracking, read, read_tracking, write
+from .files import read, read_tracking, write
+from .reading import Reading, Tracking
 from .restore import from_xarray, measurement
 
 __all__ = [
@@ -25,11 +26,16 @@ __all__ = [
     "from_xarray",
     "measurement",
     "open_many",
+    "plot",
     "read",
     "read_tracking",
     "scan",
     "write",
 ]
+
+
+def __dir__() -> list[str]:
+    return sorted({*globals(), *__all__})
 
 
 def __getattr__(name: str) -> _Any:

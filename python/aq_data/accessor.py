@@ -72,6 +72,8 @@ class Accessor:
         places = np.array([found.get(int(r), -1) for r in self._ds["record"].values], dtype=int)
         joined = {}
         for name, column in points.data_vars.items():
-            values = np.append(column.values, np.nan)[places]  # place -1 is the NaN
+            dates = column.dtype.kind == "M"
+            none = np.array([np.datetime64("NaT") if dates else np.nan])
+            values = np.append(column.values, none)[places]  # place -1 is the one without a value
             joined[name] = ("time", values, column.attrs)
         return self._ds.assign(joined)

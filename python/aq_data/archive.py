@@ -19,7 +19,8 @@ from dask.diagnostics import ProgressBar
 
 from . import _core
 from .errors import Error, FileError
-from .files import Path, Reading, read
+from .files import read
+from .reading import Path, Reading
 
 Item = TypeVar("Item")
 Result = TypeVar("Result")

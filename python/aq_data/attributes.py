@@ -14,6 +14,8 @@ import numpy.typing as npt
 import xarray as xr
 
 from . import _core
+from .errors import Error
+from .times import OWN, clock, going_on
 
 Function = TypeVar("Function", bound=Callable[..., Any])
 
@@ -24,9 +26,26 @@ HEADERS: dict[str, Any] = {
     "positions": _core.AQ_HeaderPTH,
     "geometry": _core.AQ_HeaderGTH,
 }
-_TITLES = ("sProjectName", "ProjectName")
-_SOURCES = ("sGeneratedBy", "GeneratedBy")
+# Words of a header as attributes for people, by the fields that headers have for them. Two are names
+# that the CF conventions give: title and source.
+_WORDS: dict[str, tuple[str, ...]] = {
+    "title": ("sProjectName", "ProjectName"),
+    "source": ("sGeneratedBy", "GeneratedBy"),
+    "microphone": ("sMicrophoneID", "MicrophoneID"),
+    "adjustment_code": ("sAdjustmentCode",),
+    "file_name": ("sFileName", "GTHFileName"),
+    "generation_file": ("sGenerationFile",),
+    "tracking_file": ("sTSPIFileName",),
+    "history_file": ("STHFileName",),
+    "position_file": ("PTHFileName",),
+    "microphone_file": ("MICFileName",),
+}
 _COMMENTS = ("cCommentLines", "colCommentLines")
+_METHODS = {
+    "averaging_method": ("AverageMethod", _core.AQ_AverageMethod),
+    "time_stamp_type": ("TimeStampType", _core.AQ_TimeStampType),
+    "reference_time_type": ("ReferenceType", _core.AQ_RefTimeType),
+}
 
 
 def attach(*classes: type, name: str) -> Callable[[Function], Function]:
@@ -92,27 +111,94 @@ def _restored(target: Any, values: dict[str, Any]) -> Any:
     return target
 
 
-def attributes(
-    kind: str, header: Any, settings: Any = None, mask_header: Any = None
-) -> dict[str, Any]:
-    """Attributes of a dataset: those of the CF conventions for people, and all of it as JSON."""
+def _word(member: Any) -> str:
+    """What a header says for a member of an enumeration."""
+    return str(member.name).replace("AQ_", "").replace("_REF", "")
 
+
+def _clock_text(time: _core.AQ_Time) -> str:
+    try:
+        return time.TODstring
+    except Error:  # not within a day
+        return f"{time.TODseconds!r} s"
+
+
+def _moment(time: _core.AQ_Time) -> str:
+    date = clock([time.CurrentDate])[0][0]
+    if not isinstance(date, np.datetime64) or np.isnat(date):
+        return ""
+    return f"{date.astype('datetime64[D]')}T{_clock_text(time)}"
+
+
+def _words_of(header: Any, prefix: str = "") -> dict[str, str]:
+    words = {
+        prefix + word: getattr(header, name)
+        for word, names in _WORDS.items()
+        for name in names
+        if hasattr(header, name)
+    }
+    lines = next((getattr(header, name) for name in _COMMENTS if hasattr(header, name)), ())
+    return {**words, prefix + "comment": "\n".join(lines)}
+
+
+def _readable(kind: str, header: Any, settings: Any, mask_header: Any) -> dict[str, Any]:
+    """All that an object's header and settings say, as attributes for people."""
+    words: dict[str, Any] = _words_of(header)
+    for name, (field, _) in _METHODS.items():
+        member = getattr(settings, field, None)
+        words[name] = _word(member) if hasattr(member, "name") else ""
+    if hasattr(settings, "ReferenceTime"):
+        words["reference_time"] = _clock_text(settings.ReferenceTime)
+    dates = {"file_date": "aqFileDateTime", "generation_date": "aqGenerationDateTime"}
+    words.update(
+        {
+            name: _moment(getattr(header, field))
+            for name, field in dates.items()
+            if hasattr(header, field)
+        }
+    )
+    if hasattr(header, "Temperature"):
+        words["temperature"] = header.Temperature
+        at = header.MicrophonePosition
+        words["microphone_position"] = [at.X, at.Y, at.Z]
+    words.update(_words_of(mask_header, "" if kind == "map" else "mask_"))
+    return {
+        name: value.encode(errors="replace").decode() if isinstance(value, str) else value
+        for name, value in words.items()
+        if value != ""
+    }
+
+
+def attributes(
+    kind: str, header: Any, settings: Any = None, mask_header: Any = None, first: Any = None
+) -> dict[str, Any]:
+    """Attributes of a dataset: those of the CF conventions and the header's words for people, and
+    all of it as JSON. `first` is what `restore` knows a cut dataset by."""
     for given, its_kind in ((header, kind), (mask_header, "map")):
         if given is not None:
             expect(given, HEADERS[its_kind])
-
-    def first(names: tuple[str, ...]) -> Any:
-        return next((getattr(header, n) for n in names if hasattr(header, n)), "")
-
     all_of_it = {"kind": kind, "header": plain(header), "settings": plain(settings)}
-    all_of_it["mask_header"] = plain(mask_header)
-    readable = {
-        "title": first(_TITLES),
-        "source": first(_SOURCES),
-        "comment": "\n".join(first(_COMMENTS)),
-    }
-    text = {n: v.encode(errors="replace").decode() for n, v in readable.items() if v}
-    return {"Conventions": "CF-1.8", **text, "aq": json.dumps(all_of_it)}
+    all_of_it.update(mask_header=plain(mask_header), first=first)
+    words = _readable(kind, header, settings, mask_header)
+    return {"Conventions": "CF-1.8", **words, "aq": json.dumps(all_of_it)}
+
+
+def changed_words(ds: xr.Dataset, kind: str, header: Any, settings: Any, mask_header: Any) -> None:
+    """Takes over the words of text that people have changed in the attributes."""
+    was = _readable(kind, header, settings, mask_header)
+    for target, prefix in ((header, ""), (mask_header, "" if kind == "map" else "mask_")):
+        for word, names in (*_WORDS.items(), ("comment", _COMMENTS)):
+            now = ds.attrs.get(prefix + word)
+            field = next((name for name in names if hasattr(target, name)), None)
+            if field and now is not None and now != was.get(prefix + word):
+                setattr(target, field, str(now).split("\n") if word == "comment" else str(now))
+    for word, (field, members) in _METHODS.items():
+        now = ds.attrs.get(word)
+        if now is not None and hasattr(settings, field) and now != was.get(word):
+            named = {_word(member): member for member in members}
+            if now not in named:
+                raise ValueError(f"expected {word} to be one of {', '.join(named)}, found {now!r}")
+            setattr(settings, field, named[now])
 
 
 def kept(ds: xr.Dataset) -> dict[str, Any]:
@@ -127,10 +213,6 @@ def kept(ds: xr.Dataset) -> dict[str, Any]:
             f"expected the attribute aq of a dataset of the library, found {text!r:.60}"
         )
     return values
-
-
-def header_of(ds: xr.Dataset, name: str, cls: type) -> Any:
-    return restored(cls(), kept(ds).get(name) or {})
 
 
 def expect(value: Any, cls: type) -> None:
@@ -175,9 +257,13 @@ NO_DECISION = -1  # a flag of a mask variable: the row has no mask for the band
 
 
 def variable(dims: Any, values: Any, units: str, long_name: str, **more: Any) -> xr.Variable:
+    """A variable with its attributes; one that lacks no value says so in a netCDF file."""
     attrs = {"units": units} if units else {}
     attrs.update(long_name=long_name, **more)
-    return xr.Variable(dims, values, attrs)  # type: ignore[no-untyped-call]
+    made: xr.Variable = xr.Variable(dims, values, attrs)  # type: ignore[no-untyped-call]
+    if isinstance(values, np.ndarray) and values.dtype.kind == "f" and not np.isnan(values).any():
+        made.encoding = {"_FillValue": None}
+    return made
 
 
 def band_coordinates(bands: Any) -> dict[str, xr.Variable]:
@@ -202,11 +288,36 @@ def flags(dims: tuple[str, str], values: Any, enum: Any, long_name: str) -> xr.V
     return variable(dims, values, "", long_name, **values_and_meanings)
 
 
-def table_variables(table: Any, columns: Any, dim: str) -> dict[str, xr.Variable]:
-    return {
-        name: variable(dim, np.ascontiguousarray(table[column]), units, long_name)
-        for column, name, units, long_name in columns
-    }
+DATE, CLOCK, CLOCK_BESIDE, LENGTH = "date", "clock", "clock beside time", "length"  # for units
+
+
+def _own_times(name: str, dim: str, own: Any, seconds: Any) -> dict[str, xr.Variable]:
+    """The times of the file, where those of the dataset differ."""
+    if np.array_equal(own, seconds, equal_nan=True):
+        return {}
+    return {name + OWN: variable(dim, own, "s", "time of day, as in the file")}
+
+
+def table_variables(table: Any, columns: Any, dim: str, unit: str = "m") -> dict[str, xr.Variable]:
+    """The columns of a table of the library, in the units and words of datasets; dates that no
+    record has are left out."""
+    made: dict[str, xr.Variable] = {}
+    for column, name, units, long_name in columns:
+        values = np.ascontiguousarray(table[column])
+        if units == DATE:
+            if not values.any():
+                continue  # no record has one
+            dates, attrs, encoding = clock(values)
+            made[name] = variable(dim, dates, attrs.get("units", ""), long_name)
+            made[name].encoding.update(encoding)
+        elif units in (CLOCK, CLOCK_BESIDE):
+            beside = made["time"].values if units == CLOCK_BESIDE else None
+            seconds = going_on(values, beside)
+            made[name] = variable(dim, seconds, "s", long_name)
+            made.update(_own_times(name, dim, values, seconds))
+        else:
+            made[name] = variable(dim, values, unit if units == LENGTH else units, long_name)
+    return made
 
 
 def level_variable(dims: Any, values: Any) -> xr.Variable:

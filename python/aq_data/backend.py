@@ -9,7 +9,8 @@ import xarray as xr
 from xarray.backends import BackendEntrypoint
 
 from ._core import AQ_SpectralTimeHistory, FileKind, kindOfFile
-from .files import Path, Reading, read
+from .files import read
+from .reading import Path, Reading
 
 LABELLED = (
     FileKind.SpectralTimeHistory,
@@ -21,7 +22,7 @@ LABELLED = (
 )
 
 
-def to_dataset(reading: Reading, mask: Optional[Path] = None) -> xr.Dataset:
+def to_dataset(reading: Reading[Any, Any], mask: Optional[Path] = None) -> xr.Dataset:
     """The dataset of what `read` gave; the map of a history may be a second file."""
     if not hasattr(reading.data, "to_xarray"):
         raise ValueError(f"expected a file that is a dataset, found {reading.data!r}")

@@ -2,32 +2,29 @@
 
 from __future__ import annotations
 
+import errno
 import os
-from typing import Any, Callable, NamedTuple, Union
+from typing import Any, Callable, Optional, TypeVar, overload
 
 from . import _core
 from ._core import FileKind
 from .errors import FileError
+from .reading import Path, Reading, Tracking
+from .restore import writable
 
-Path = Union[str, bytes, "os.PathLike[str]", "os.PathLike[bytes]"]
-
-
-class Reading(NamedTuple):
-    """What a file holds. `header` is `None` where the kind has none of its own."""
-
-    header: Any
-    data: Any
-
-
-class Tracking(NamedTuple):
-    """The fixes of a tracking file: those that are good, and those of poor quality."""
-
-    positions: _core.AQ_PositionTimeHistory
-    rejected: _core.AQ_PositionTimeHistory
+AnyReading = Reading[Any, Any]
+Data = TypeVar("Data")
 
 
 def read_tracking(path: Path, limit: int = 1) -> Tracking:
-    """Fixes with a quality figure up to `limit` (0 is the best), and the rejected others."""
+    """The fixes of a tracking file, `(positions, rejected)`: those with a quality figure up to
+    `limit` (0 is the best, 255 the worst), numbered from 1, and the others.
+
+    Raises as `read`.
+
+    >>> track = aq_data.read_tracking("fly-over.tspi.csv", limit=2)
+    >>> track.positions.to_numpy()["Z"].max(), len(track.rejected)
+    """
     reader = _core.AQ_DataTSPI()
     reader.RT20Limit = limit
     good = reader.readFile(path)
@@ -52,21 +49,21 @@ def _without(
     return rest
 
 
-def _read_parameters(path: Path) -> Reading:
+def _read_parameters(path: Path) -> AnyReading:
     parameters = _core.AQ_DataINI()
     parameters.readFile(path)
     return Reading(None, parameters)
 
 
-def _read_positions(path: Path) -> Reading:
+def _read_positions(path: Path) -> AnyReading:
     return Reading(None, _core.AQ_DataTSPI().readFile(path))
 
 
-def _with_header(file_class: Callable[[], Any]) -> Callable[[Path], Reading]:
+def _with_header(file_class: Callable[[], Any]) -> Callable[[Path], AnyReading]:
     return lambda path: Reading(*file_class().readFile(path))
 
 
-_READERS: dict[FileKind, Callable[[Path], Reading]] = {
+_READERS: dict[FileKind, Callable[[Path], AnyReading]] = {
     FileKind.SpectralTimeHistory: _with_header(_core.AQ_DataSTH),
     FileKind.MaskingMap: _with_header(_core.AQ_DataMask),
     FileKind.SpectrumRecord: _with_header(_core.AQ_DataSSR),
@@ -87,24 +84,141 @@ _WRITERS: dict[type, tuple[type, type]] = {
 _TABLES = (_core.AQ_SpectralTimeHistory, _core.AQ_MaskMap, _core.AQ_Spectrum)
 
 
-def read(path: Path) -> Reading:
-    """Header and object of a file of any kind: `header, history = aq_data.read("x.sth.csv")`.
+_TYPES: dict[FileKind, type] = {
+    FileKind.SpectralTimeHistory: _core.AQ_SpectralTimeHistory,
+    FileKind.MaskingMap: _core.AQ_MaskMap,
+    FileKind.SpectrumRecord: _core.AQ_Spectrum,
+    FileKind.PositionTimeHistory: _core.AQ_PositionTimeHistory,
+    FileKind.GeometricTimeHistory: _core.AQ_GeometryTimeHistory,
+    FileKind.MicrophonePosition: _core.AQ_Microphone,
+    FileKind.Tracking: _core.AQ_PositionTimeHistory,
+    FileKind.VariableInitialization: _core.AQ_DataINI,
+}
 
-    A file that does not read raises `FileError`, one that is not there `FileNotFoundError`.
+
+def _beginning(name: str) -> str:
+    """How a file begins, as the tool says it of one that it does not know."""
+    with open(name, "rb") as file:  # the system's own reason, if it cannot be opened
+        line = file.readline(400).rstrip(b"\r\n")
+    if not line:
+        return "nothing" if os.path.getsize(name) == 0 else "an empty first line"
+    text = line[:40].decode("utf-8", "backslashreplace")
+    shown = "".join(c if c.isprintable() else f"\\x{ord(c):02x}" for c in text)
+    return f'"{shown}{"..." if len(line) > 40 else ""}"'
+
+
+@overload
+def read(path: Path) -> AnyReading:
+    ...
+
+
+@overload
+def read(
+    path: Path, wanted: type[_core.AQ_SpectralTimeHistory]
+) -> Reading[_core.AQ_HeaderSTH, _core.AQ_SpectralTimeHistory]:
+    ...
+
+
+@overload
+def read(
+    path: Path, wanted: type[_core.AQ_MaskMap]
+) -> Reading[_core.AQ_HeaderMask, _core.AQ_MaskMap]:
+    ...
+
+
+@overload
+def read(
+    path: Path, wanted: type[_core.AQ_Spectrum]
+) -> Reading[_core.AQ_HeaderSSR, _core.AQ_Spectrum]:
+    ...
+
+
+@overload
+def read(
+    path: Path, wanted: type[_core.AQ_PositionTimeHistory]
+) -> Reading[Optional[_core.AQ_HeaderPTH], _core.AQ_PositionTimeHistory]:
+    ...
+
+
+@overload
+def read(
+    path: Path, wanted: type[_core.AQ_GeometryTimeHistory]
+) -> Reading[_core.AQ_HeaderGTH, _core.AQ_GeometryTimeHistory]:
+    ...
+
+
+@overload
+def read(
+    path: Path, wanted: type[_core.AQ_Microphone]
+) -> Reading[_core.AQ_HeaderMIC, _core.AQ_Microphone]:
+    ...
+
+
+@overload
+def read(path: Path, wanted: type[_core.AQ_DataINI]) -> Reading[None, _core.AQ_DataINI]:
+    ...
+
+
+def read(path: Path, wanted: Optional[type[Any]] = None) -> AnyReading:
+    """Header and object of a file of any kind.
+
+    With `wanted`, the class of the object, an editor knows what comes back, and a file of another
+    kind raises. Levels are in dB, times in seconds, lengths in the unit of the file.
+
+    Raises `FileError` with line and field for a file that does not read, and what the system says
+    (`FileNotFoundError`, `PermissionError`, another `OSError`) for one that cannot be opened.
+
+    >>> header, history = aq_data.read("fly-over.sth.csv")
+    >>> mask = aq_data.read("fly-over.mask.csv", aq_data.AQ_MaskMap).data
     """
     name = os.fsdecode(path)
     kind = _core.kindOfFile(name)
     if kind == FileKind.Unknown:
-        with open(name, "rb"):  # the system's own reason, if it cannot be opened
-            raise FileError(name, 0, 0, "a file of a kind that is known", "another one")
+        raise FileError(name, 0, 0, "the title of a kind that is known", _beginning(name))
+    if wanted is not None and _TYPES[kind] is not wanted:
+        raise FileError(
+            name, 0, 0, f"a file of {_named(wanted)}", f"one of {_TYPES[kind].__name__}"
+        )
     return _READERS[kind](name)
 
 
-def write(obj: Any, path: Path, header: Any = None) -> None:
-    """Writes an object, what `read` gave, or a dataset; without a header it gets a new one.
+def _named(cls: Any) -> str:
+    if cls not in _TYPES.values():
+        classes = sorted({own.__name__ for own in _TYPES.values()})
+        raise TypeError(f"expected a class that has a file, {', '.join(classes)}, found {cls!r}")
+    return str(cls.__name__)
 
-    A dataset with masks is two files: `measurement` gives what to write into each. What would not
-    come back as it is raises: records with other bands than the first, gaps between records.
+
+def _file_of(obj: Any) -> tuple[type, type]:
+    for model, classes in _WRITERS.items():
+        if isinstance(obj, model):
+            return classes
+    raise TypeError(f"expected an object that has a file, found {type(obj).__name__}")
+
+
+def _of_one_file(ds: Any) -> AnyReading:
+    reading = writable(ds)
+    if "mask_mode" in ds.variables and not isinstance(reading.data, _core.AQ_MaskMap):
+        raise ValueError(
+            "expected a dataset for one file, found levels and masks: write both readings of"
+            " measurement(dataset), or drop_vars('mask_mode')"
+        )
+    return reading
+
+
+def write(obj: Any, path: Path, header: Any = None, exist_ok: bool = True) -> None:
+    """Writes an object, `(header, object)` as `read` gives it, or a dataset; all or nothing.
+
+    Without a header it gets a new one. A dataset with masks is two files: `measurement` gives what
+    to write into each. The records of a map or a geometry that was cut from a dataset are numbered
+    from 1, and a comment has the numbers that were. A file that is there is replaced, or with
+    `exist_ok=False` raises `FileExistsError`.
+
+    Raises `ValueError` for what would not come back as it is (records with other bands than the
+    first, gaps between records), `TypeError` for what has no file, `OSError` when the system
+    refuses; the disk then stays as it was.
+
+    >>> aq_data.write((header, history), "mended.sth.csv", exist_ok=False)
     """
     path = os.fsdecode(path)
     if isinstance(obj, tuple):
@@ -113,23 +227,14 @@ def write(obj: Any, path: Path, header: Any = None) -> None:
         own_header, obj = obj
         header = own_header if header is None else header
     elif hasattr(obj, "data_vars"):
-        from .restore import from_xarray
-
-        reading = from_xarray(obj)
-        if "mask_mode" in obj.variables and not isinstance(reading.data, _core.AQ_MaskMap):
-            raise ValueError(
-                "expected a dataset for one file, found levels and masks: write both readings of"
-                " measurement(dataset), or drop_vars('mask_mode')"
-            )
-        write(reading, path, header)
-        return
+        own_header, obj = _of_one_file(obj)
+        header = own_header if header is None else header
+    if not exist_ok and os.path.lexists(path):
+        raise FileExistsError(errno.EEXIST, os.strerror(errno.EEXIST), path)
     if isinstance(obj, _core.AQ_DataINI):
         obj.writeFile(path)
         return
-    for model, (file_class, header_class) in _WRITERS.items():
-        if isinstance(obj, model):
-            if isinstance(obj, _TABLES):
-                _core._checkWritable(obj)
-            file_class().writeFile(path, header_class() if header is None else header, obj)
-            return
-    raise TypeError(f"expected an object that has a file, found {type(obj).__name__}")
+    file_class, header_class = _file_of(obj)
+    if isinstance(obj, _TABLES):
+        _core._checkWritable(obj)
+    file_class().writeFile(path, header_class() if header is None else header, obj)

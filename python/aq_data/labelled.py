@@ -11,14 +11,16 @@ import numpy as np
 import xarray as xr
 
 from . import _core
-from .attributes import NO_DECISION, attach, attributes, band_coordinates, expect, flags
-from .attributes import level_variable, plain, table_variables, variable
+from .attributes import CLOCK, CLOCK_BESIDE, DATE, LENGTH, NO_DECISION, attach, attributes
+from .attributes import band_coordinates, expect, flags, level_variable, plain, table_variables
+from .attributes import variable
+from .times import OWN
 
 # Variables by the columns of the library's tables: name there, name here, unit, long name.
 RECORD_TIMES = (
-    ("TODseconds", "time", "s", "time of day"),
+    ("TODseconds", "time", CLOCK, "time of day, going on beyond midnight"),
     ("RelSeconds", "relative_time", "s", "time relative to the reference time"),
-    ("CurrentDate", "date", "d", "days since 1899-12-30"),
+    ("CurrentDate", "date", DATE, "date"),
 )
 METRICS = (
     ("AWT", "dB", "A-weighted sound level"),
@@ -34,35 +36,36 @@ METRICS = (
     ("Level", "dB", "overall level"),
 )
 POSITION = RECORD_TIMES + (
-    ("X", "x", "", "first coordinate, in the unit of the file"),
-    ("Y", "y", "", "second coordinate, in the unit of the file"),
-    ("Z", "z", "", "height, in the unit of the file"),
+    ("X", "x", LENGTH, "first coordinate"),
+    ("Y", "y", LENGTH, "second coordinate"),
+    ("Z", "z", LENGTH, "height"),
 )
 GEOMETRY = (
-    ("Tm", "time", "s", "time of day of the record at the microphone"),
+    ("Tm", "time", CLOCK, "time of day of the record at the microphone, going on beyond midnight"),
     ("Tm_RelSeconds", "relative_time", "s", "time of the record relative to the reference time"),
-    ("Tm_CurrentDate", "date", "d", "date of the record, days since 1899-12-30"),
-    ("Te", "emission_time", "s", "time of day of the emission"),
+    ("Tm_CurrentDate", "date", DATE, "date of the record"),
+    ("Te", "emission_time", CLOCK_BESIDE, "time of day of the emission, beside that of the record"),
     ("Te_RelSeconds", "emission_relative_time", "s", "emission relative to the reference time"),
-    ("Te_CurrentDate", "emission_date", "d", "date of the emission, days since 1899-12-30"),
+    ("Te_CurrentDate", "emission_date", DATE, "date of the emission"),
     ("Tprope", "propagation_time", "s", "propagation time from emission to measurement"),
-    ("Xe", "x", "", "first coordinate of the source at emission, in the unit of the file"),
-    ("Ye", "y", "", "second coordinate of the source at emission, in the unit of the file"),
-    ("Ze", "z", "", "height of the source at emission, in the unit of the file"),
-    ("SRe", "slant_range", "", "slant range at emission, in the unit of the file"),
+    ("Xe", "x", LENGTH, "first coordinate of the source at emission"),
+    ("Ye", "y", LENGTH, "second coordinate of the source at emission"),
+    ("Ze", "z", LENGTH, "height of the source at emission"),
+    ("SRe", "slant_range", LENGTH, "slant range at emission"),
     ("THETAe", "theta", "degree", "first emission angle"),
     ("BETAe", "beta", "degree", "second emission angle"),
-    ("debugTime", "debug_time", "", "free value for diagnostics"),
+    ("debugTime", "debug_time", "1", "free value for diagnostics"),
 )
 EMISSION = (
-    ("T", "time", "s", "time of day of the emission"),
-    ("Tr", "reception_time", "s", "time of day of the reception"),
-    ("X", "x", "", "first coordinate of the aircraft, in the unit of the file"),
-    ("Y", "y", "", "second coordinate of the aircraft, in the unit of the file"),
-    ("Z", "z", "", "height of the aircraft, in the unit of the file"),
-    ("SR", "slant_range", "", "slant range, in the unit of the file"),
+    ("T", "time", CLOCK, "time of day of the emission, going on beyond midnight"),
+    ("Tr", "reception_time", CLOCK_BESIDE, "time of day of the reception, beside the emission's"),
+    ("X", "x", LENGTH, "first coordinate of the aircraft"),
+    ("Y", "y", LENGTH, "second coordinate of the aircraft"),
+    ("Z", "z", LENGTH, "height of the aircraft"),
+    ("SR", "slant_range", LENGTH, "slant range"),
     ("Tprop", "propagation_time", "s", "propagation time"),
 )
+UNITS = ("m", "km", "ft", "nautical_mile")  # of lengths, which the files do not name
 
 
 # Histories and maps.
@@ -79,6 +82,30 @@ def mask_variables(modes: Any, adjustments: Any, last_good_bands: Any) -> dict[s
             "time", last_good_bands, "1", "last good band; 0 all, 9999 none"
         ),
     }
+
+
+def _first(records: Any, times: Any = None) -> dict[str, Any]:
+    """What a dataset is known by before it is cut: its records, and the time of the first."""
+    first: dict[str, Any] = {
+        "records": [len(records), *map(int, records[:1]), *map(int, records[-1:])]
+    }
+    if times is not None and len(times):
+        first["time"] = float(times[0])
+    return first
+
+
+def _named(attrs: dict[str, Any], coordinates: dict[str, Any]) -> dict[str, Any]:
+    """The attributes, without the conventions where they ask for times that always rise."""
+    time = coordinates.get("time")
+    if time is not None and not (np.diff(time.values) > 0).all():
+        del attrs["Conventions"]
+    return attrs
+
+
+def check_unit(unit: str) -> str:
+    if unit not in UNITS:
+        raise ValueError(f"expected a unit of length, {', '.join(UNITS)}, found {unit!r}")
+    return unit
 
 
 def check_map(history: _core.AQ_SpectralTimeHistory, mask: _core.AQ_MaskMap) -> None:
@@ -121,7 +148,16 @@ def history_to_xarray(
     header: Optional[_core.AQ_HeaderSTH] = None,
     mask_header: Optional[_core.AQ_HeaderMask] = None,
 ) -> xr.Dataset:
-    """A dataset with `level(time, band)` in dB, its coordinates, masks and metrics."""
+    """A dataset with `level(time, band)` in dB, NaN where a record has no level in a band.
+
+    Its coordinates are `time`, `relative_time` (s), `date`, `record`, `band` and `frequency` (Hz);
+    with a map there are `mask_mode` and `mask_adjustment(time, band)` (flags, -1 where a row has no
+    mask) and `last_good_band(time)`; metrics that the history has come besides. Headers and settings
+    go into the attributes. Raises `ValueError` for a map of other records or bands.
+
+    >>> ds = history.to_xarray(mask, header, mask_header)
+    >>> ds.level.sel(time=52210, method="nearest")
+    """
     times = table_variables(self.times, RECORD_TIMES, "time")
     level = level_variable(("time", "band"), self.to_numpy())
     variables = {"level": level, **_metric_variables(self)}
@@ -132,21 +168,26 @@ def history_to_xarray(
         "record": variable("time", self.records, "1", "record number"),
         **band_coordinates(self.bands),
     }
-    attrs = attributes("history", header, self, mask_header=mask_header)
-    return xr.Dataset(variables, coordinates, attrs)
+    first = _first(self.records, times["time"].values)
+    attrs = attributes("history", header, self, mask_header, first)
+    return xr.Dataset(variables, coordinates, _named(attrs, coordinates))
 
 
 @attach(_core.AQ_MaskMap, name="to_xarray")
 def map_to_xarray(
     self: _core.AQ_MaskMap, header: Optional[_core.AQ_HeaderMask] = None
 ) -> xr.Dataset:
-    """A dataset with `mask_mode(time, band)`, `mask_adjustment` and the last good band."""
+    """A dataset with `mask_mode(time, band)`, `mask_adjustment` of that shape, both flags, -1 where
+    a row has no mask, and `last_good_band(time)`, 0 for all and 9999 for none.
+
+    >>> (mask.to_xarray().mask_mode > 0).sum()
+    """
     record = variable("time", self.records, "1", "record number")
     modes, adjustments = self.to_numpy()
     return xr.Dataset(
         mask_variables(modes, adjustments, self.last_good_bands),
         {"record": record, **band_coordinates(self.bands)},
-        attributes("map", None, mask_header=header),
+        attributes("map", None, mask_header=header, first=_first(self.records)),
     )
 
 
@@ -154,7 +195,10 @@ def map_to_xarray(
 def spectrum_to_xarray(
     self: _core.AQ_Spectrum, header: Optional[_core.AQ_HeaderSSR] = None
 ) -> xr.Dataset:
-    """A dataset with `level(band)` in dB."""
+    """A dataset with `level(band)` in dB, NaN between levels where a band has none.
+
+    >>> spectrum.to_xarray().level.sel(band=30)
+    """
     level = level_variable("band", self.to_numpy())
     settings = {"Level": self.Level, "Time": plain(self.Time), "Metric": plain(self.Metric)}
     attrs = attributes("spectrum", header, settings)
@@ -164,33 +208,56 @@ def spectrum_to_xarray(
 # Series of positions and of geometry.
 
 
-def _series_to_xarray(kind: str, series: Any, columns: Any, dim: str, header: Any) -> xr.Dataset:
-    variables = table_variables(series.to_numpy(), columns, dim)
+def _series_to_xarray(
+    kind: str, series: Any, columns: Any, header: Any = None, unit: str = "m"
+) -> xr.Dataset:
+    variables = table_variables(series.to_numpy(), columns, "time", check_unit(unit))
     numbers = getattr(series, "records", np.arange(1, len(series) + 1, dtype=np.int32))
-    coordinates = {
-        name: variables.pop(name) for name in ("time", "relative_time", "date") if name in variables
-    }
-    coordinates["record"] = variable(dim, numbers, "1", "record number")
-    return xr.Dataset(variables, coordinates, attributes(kind, header, series))
+    of_records = ("time", "time" + OWN, "relative_time", "date")
+    coordinates = {name: variables.pop(name) for name in of_records if name in variables}
+    coordinates["record"] = variable("time", numbers, "1", "record number")
+    first = _first(numbers, coordinates["time"].values)
+    attrs = attributes(kind, header, series, first=first)
+    return xr.Dataset(variables, coordinates, _named(attrs, coordinates))
 
 
 @attach(_core.AQ_PositionTimeHistory, name="to_xarray")
 def positions_to_xarray(
-    self: _core.AQ_PositionTimeHistory, header: Optional[_core.AQ_HeaderPTH] = None
+    self: _core.AQ_PositionTimeHistory,
+    header: Optional[_core.AQ_HeaderPTH] = None,
+    unit: str = "m",
 ) -> xr.Dataset:
-    """A dataset with `x`, `y` and `z` over `time`, the time of day in seconds."""
-    return _series_to_xarray("positions", self, POSITION, "time", header)
+    """A dataset with `x`, `y` and `z` over `time`, the time of day in seconds.
+
+    `unit` is that of the coordinates, which a file does not name: m, km, ft or nautical_mile; any
+    other raises `ValueError`.
+
+    >>> track.positions.to_xarray(unit="ft").z.max()
+    """
+    return _series_to_xarray("positions", self, POSITION, header, unit)
 
 
 @attach(_core.AQ_GeometryTimeHistory, name="to_xarray")
 def geometry_to_xarray(
-    self: _core.AQ_GeometryTimeHistory, header: Optional[_core.AQ_HeaderGTH] = None
+    self: _core.AQ_GeometryTimeHistory,
+    header: Optional[_core.AQ_HeaderGTH] = None,
+    unit: str = "m",
 ) -> xr.Dataset:
-    """A dataset with the emission time, position, slant range and angles of each record."""
-    return _series_to_xarray("geometry", self, GEOMETRY, "time", header)
+    """A dataset over `time`, s, of each record: emission time, position, slant range and angles.
+
+    `unit` is that of lengths, as for positions; angles are in degrees.
+
+    >>> geometry.to_xarray().slant_range.min()
+    """
+    return _series_to_xarray("geometry", self, GEOMETRY, header, unit)
 
 
 @attach(_core.AQ_EmtRcvTable, name="to_xarray")
-def emission_to_xarray(self: _core.AQ_EmtRcvTable) -> xr.Dataset:
-    """A dataset with reception time, position and slant range over the time of emission."""
-    return _series_to_xarray("emission", self, EMISSION, "time", None)
+def emission_to_xarray(self: _core.AQ_EmtRcvTable, unit: str = "m") -> xr.Dataset:
+    """A dataset with reception time, s, position and slant range over the time of emission.
+
+    `unit` is that of lengths, as for positions.
+
+    >>> table.to_xarray().reception_time - table.to_xarray().time
+    """
+    return _series_to_xarray("emission", self, EMISSION, None, unit)

@@ -17,7 +17,8 @@ from . import _core
 from .archive import ONE_PATH, SEVERITIES, Finding, absolute, counts, header_words, in_threads
 from .attributes import NO_DECISION, band_coordinates, level_variable, table_variables, variable
 from .errors import Error, FileError
-from .files import Path, Reading, read
+from .files import read
+from .reading import Path, Reading
 from .labelled import RECORD_TIMES, check_map, mask_variables
 
 RECORDS_PER_CHUNK = 4096  # of short files several are one task, whose own cost they share
@@ -53,18 +54,18 @@ class _WrongPair(ValueError):
     """A pattern gave a history the map of another one, which no `errors` skips."""
 
 
-def _read(path: str, cls: Any, wanted: str) -> Reading:
+def _read(path: str, cls: Any, wanted: str) -> Reading[Any, Any]:
     reading = read(path)
     if not isinstance(reading.data, cls):
         raise FileError(path, 0, 0, wanted, _core.kindOfFile(path).name)
     return reading
 
 
-def _history(path: str) -> Reading:
+def _history(path: str) -> Reading[Any, Any]:
     return _read(path, _core.AQ_SpectralTimeHistory, "a spectral time history")
 
 
-def _map(path: str) -> Reading:
+def _map(path: str) -> Reading[Any, Any]:
     return _read(path, _core.AQ_MaskMap, "a masking map")
 
 

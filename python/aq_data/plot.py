@@ -24,7 +24,7 @@ from .axes import (
     legend_above,
     time_axis,
 )
-from .files import Tracking
+from .reading import Tracking
 
 History = Union[xr.Dataset, _core.AQ_SpectralTimeHistory]
 AMBIENT, MASKED, NO_LEVEL = "0.35", "0.25", "0.7"

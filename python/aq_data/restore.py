@@ -2,15 +2,17 @@
 
 from __future__ import annotations
 
-from typing import Any
+from typing import Any, Optional
 
 import numpy as np
 import xarray as xr
 
 from . import _core
-from .attributes import HEADERS, header_of, kept, need, need_once, restored
-from .files import Reading
+from .attributes import CLOCK, CLOCK_BESIDE, DATE, HEADERS, changed_words, kept, need, need_once
+from .attributes import restored
+from .reading import Reading
 from .labelled import EMISSION, GEOMETRY, METRICS, POSITION, RECORD_TIMES
+from .times import DAY, days_of, of_day
 
 
 def _by_band(ds: xr.Dataset, name: str, *dims: str) -> tuple[xr.Dataset, int]:
@@ -39,8 +41,33 @@ def _by_record(ds: xr.Dataset) -> tuple[xr.Dataset, Any]:
     return ds, ds["record"].values
 
 
+def _column(ds: xr.Dataset, name: str, units: str) -> Any:
+    if units in (CLOCK, CLOCK_BESIDE):
+        return of_day(ds, name)
+    return days_of(ds[name].values) if units == DATE else ds[name].values
+
+
 def _table(ds: xr.Dataset, columns: Any) -> dict[str, Any]:
-    return {column: ds[name].values for column, name, *_ in columns if name in ds.variables}
+    return {
+        column: _column(ds, name, units)
+        for column, name, units, _ in columns
+        if name in ds.variables
+    }
+
+
+def _settings(ds: xr.Dataset, target: Any) -> Any:
+    """The target with its settings; its start time follows the first record."""
+    restored(target, kept(ds).get("settings") or {})
+    before = (kept(ds).get("first") or {}).get("time")
+    if before is None or "time" not in ds.variables or not ds["time"].size:
+        return target
+    shift = float(ds["time"].values[0]) - before
+    if shift:
+        start = target.startTime
+        days, seconds = divmod(start.TODseconds + shift, DAY)
+        start.assignSeconds(seconds, start.RelSeconds)
+        start.CurrentDate += days if start.CurrentDate else 0
+    return target
 
 
 def _history_from(ds: xr.Dataset) -> _core.AQ_SpectralTimeHistory:
@@ -54,7 +81,7 @@ def _history_from(ds: xr.Dataset) -> _core.AQ_SpectralTimeHistory:
     metrics = {name: ds[name].values for name, *_ in METRICS if name in ds.variables}
     if metrics:
         history.metrics = metrics
-    return restored(history, kept(ds).get("settings") or {})  # type: ignore[no-any-return]
+    return _settings(ds, history)  # type: ignore[no-any-return]
 
 
 def _map_from(ds: xr.Dataset) -> _core.AQ_MaskMap:
@@ -86,7 +113,7 @@ def _geometry_from(ds: xr.Dataset) -> _core.AQ_GeometryTimeHistory:
     need(ds, "time", "slant_range")
     ds, records = _by_record(ds)
     made = _core.AQ_GeometryTimeHistory.from_numpy(_table(ds, GEOMETRY), records)
-    return restored(made, kept(ds).get("settings") or {})  # type: ignore[no-any-return]
+    return _settings(ds, made)  # type: ignore[no-any-return]
 
 
 def _emission_from(ds: xr.Dataset) -> _core.AQ_EmtRcvTable:
@@ -114,20 +141,102 @@ def _kind(ds: xr.Dataset) -> str:
     return str(kind)
 
 
-def from_xarray(ds: xr.Dataset) -> Any:
-    """The object of a dataset with its header, as `read` gives them.
+def _headers(ds: xr.Dataset, kind: str, data: Any) -> tuple[Any, Any]:
+    """Header of the object and of the map, with what people changed in the attributes."""
+    header, mask_header = (
+        restored(cls(), kept(ds).get(name) or {}) if cls else None
+        for name, cls in (
+            ("header", HEADERS.get(kind) if kind != "map" else None),
+            ("mask_header", _core.AQ_HeaderMask),
+        )
+    )
+    changed_words(ds, kind, header, data, mask_header)
+    return header, mask_header
 
-    Of a history with its masks it is the history; `measurement` gives both.
+
+def from_xarray(ds: xr.Dataset) -> Reading[Any, Any]:
+    """The object of a dataset with its header, as `read` gives them: `(header, data)`.
+
+    Records keep their numbers. The start time of a dataset that was cut, or whose times were
+    changed, follows its first record. Of a history with its masks it is the history; `measurement`
+    gives both. Raises `ValueError` for a dataset that lacks what the object needs.
+
+    >>> header, history = aq_data.from_xarray(ds.sel(time=slice(52205, 52215)))
     """
     kind = _kind(ds)
-    name = "mask_header" if kind == "map" else "header"
-    header = header_of(ds, name, HEADERS[kind]) if kind in HEADERS else None
-    return Reading(header, _MAKERS[kind](ds))
+    data = _MAKERS[kind](ds)
+    header, mask_header = _headers(ds, kind, data)
+    return Reading(mask_header if kind == "map" else header, data)
 
 
-def measurement(ds: xr.Dataset) -> tuple[Any, Any]:
-    """History and map of a dataset, each with its header: `(Reading, Reading or None)`."""
-    history = from_xarray(ds)
+# Datasets that were cut.
+
+
+def _runs(numbers: Any) -> str:
+    """Numbers as text: 3, 7 to 9."""
+    parts = np.split(numbers, np.flatnonzero(np.diff(numbers) != 1) + 1)
+    return ", ".join(f"{p[0]} to {p[-1]}" if len(p) > 1 else f"{p[0]}" for p in parts)
+
+
+def _is_cut(ds: xr.Dataset) -> bool:
+    """Whether a dataset has other records than it was made with."""
+    before = (kept(ds).get("first") or {}).get("records")
+    numbers = np.sort(ds["record"].values) if "record" in ds.variables else np.array([])
+    now = [numbers.size, *map(int, numbers[:1]), *map(int, numbers[-1:])]
+    return before is not None and now != before
+
+
+def _renumbered(ds: xr.Dataset) -> tuple[xr.Dataset, list[str]]:
+    """A dataset whose records are numbered from 1 if it was cut, and the comment that says so."""
+    if not _is_cut(ds) or not ds["record"].size:
+        return ds, []
+    ds, numbers = _by_record(ds)
+    own = np.arange(1, len(numbers) + 1, dtype=np.int32)
+    if np.array_equal(own, numbers):
+        return ds, []
+    ds = ds.assign_coords(record=(ds["record"].dims, own, ds["record"].attrs))
+    return ds, [f"Records 1 to {own[-1]} were {_runs(numbers)}"]
+
+
+def _commented(header: Any, comments: list[str]) -> Any:
+    name = "colCommentLines" if hasattr(header, "colCommentLines") else "cCommentLines"
+    if comments:
+        setattr(header, name, [*getattr(header, name), *comments])
+    return header
+
+
+def measurement(
+    ds: xr.Dataset,
+) -> tuple[
+    Reading[_core.AQ_HeaderSTH, _core.AQ_SpectralTimeHistory],
+    Optional[Reading[_core.AQ_HeaderMask, _core.AQ_MaskMap]],
+]:
+    """History and map of a dataset, each with its header, as `write` takes them; `None` for the map
+    when the dataset has no masks.
+
+    Of a dataset that was cut, the records of a history with its map are numbered from 1, as a map's
+    must be, and a comment in both headers has the numbers that were; without masks they keep theirs.
+
+    >>> history, mask = aq_data.measurement(ds.isel(time=slice(10, 50)))
+    >>> aq_data.write(history, "cut.sth.csv")
+    >>> aq_data.write(mask, "cut.mask.csv")
+    """
+    need(ds)
     if "mask_mode" not in ds.variables:
-        return history, None
-    return history, Reading(header_of(ds, "mask_header", _core.AQ_HeaderMask), _map_from(ds))
+        return from_xarray(ds), None
+    ds, comments = _renumbered(ds)
+    history, mask = _history_from(ds), _map_from(ds)
+    header, mask_header = _headers(ds, "history", history)
+    return (
+        Reading(_commented(header, comments), history),
+        Reading(_commented(mask_header, comments), mask),
+    )
+
+
+def writable(ds: xr.Dataset) -> Reading[Any, Any]:
+    """As `from_xarray`; where the file numbers its records from 1, those of a cut dataset are."""
+    if _kind(ds) not in ("map", "geometry"):
+        return from_xarray(ds)
+    ds, comments = _renumbered(ds)
+    header, data = from_xarray(ds)
+    return Reading(_commented(header, comments), data)

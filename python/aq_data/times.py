@@ -1,0 +1,62 @@
+"""Clock times and dates of the library's tables as those of datasets, and back.
+
+A file's times are seconds of the day, which begin again at midnight; those of a dataset go on, as
+what looks a time up needs them ascending. The file's own stay beside them where they differ.
+"""
+
+from __future__ import annotations
+
+from typing import Any, Optional
+
+import numpy as np
+import xarray as xr
+
+DAY = 86400.0
+EPOCH = np.datetime64("1899-12-30", "D")
+OWN = "_of_day"  # ends the name of the variable that has a file's own times
+_CF_DATE = {"units": "days since 1899-12-30", "calendar": "standard", "dtype": "float64"}
+
+
+def going_on(seconds: Any, beside: Optional[Any] = None) -> Any:
+    """Seconds of the day that go on beyond midnight: where they fall by more than half a day, the
+    next one begins. `beside` are times that go on: each is of the day that is nearest to them."""
+    if beside is not None:
+        return seconds + DAY * np.round((beside - seconds) / DAY)
+    falls = np.round(-np.diff(seconds) / DAY).clip(min=0)
+    return seconds + DAY * np.concatenate([[0.0][: len(seconds)], np.cumsum(falls)])
+
+
+def of_day(ds: xr.Dataset, name: str) -> Any:
+    """The file's own times: those beside the variable, unless it was changed since, by more than
+    rounding or by no whole number of days."""
+    seconds = np.asarray(ds[name].values, dtype=float)
+    if name + OWN not in ds.variables:
+        return seconds
+    own = np.asarray(ds[name + OWN].values, dtype=float)
+    apart = (seconds - own) / DAY
+    return np.where(abs(apart - np.round(apart)) * DAY < 1e-6, own, seconds % DAY)
+
+
+def clock(days: Any) -> tuple[Any, dict[str, Any], dict[str, Any]]:
+    """Dates, what they are, and how a netCDF file has them; 0, not known, is no date.
+
+    What is no whole day of the years 1694 to 2241 stays the number that it is.
+    """
+    days = np.asarray(days, dtype=float)
+    if not (np.isfinite(days).all() and (days % 1 == 0).all() and (abs(days - 25000) < 1e5).all()):
+        return days, {"units": "d"}, {}
+    dates = (EPOCH + days.astype(int)).astype("datetime64[ns]")
+    dates[days == 0] = np.datetime64("NaT")
+    return dates, {}, dict(_CF_DATE)
+
+
+def days_of(dates: Any) -> Any:
+    """Days since 1899-12-30 of dates or of such days; 0 where there is none."""
+    dates = np.asarray(dates)
+    if dates.dtype.kind == "M":
+        none = np.isnat(dates)
+        since = dates.astype("datetime64[ns]") - EPOCH.astype("datetime64[ns]")
+        whole, rest = np.divmod(since.astype(np.int64), np.int64(DAY) * 10**9)
+        return np.where(none, 0.0, whole + rest / (DAY * 1e9))
+    days = dates.astype(float)
+    return np.where(np.isnan(days), 0.0, days)
