@@ -130,4 +130,6 @@ struct Description<CoreFunctions> {
   }
 };
 
+inline constexpr List<AQ_Time, Collection<std::string>, FileFailure, FileInformation> kCoreClasses;
+
 }  // namespace aq::describe

@@ -6,9 +6,11 @@
 #include <cstddef>
 #include <limits>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <vector>
 
 #include "aq/core/file_failure.h"
 #include "aq/core/variant.h"
@@ -52,6 +54,8 @@ inline constexpr Quantity kLength{"that of the file"};
 /// Known to the program that stores it, and only kept here.
 inline constexpr Quantity kOfTheProgram{"that of the program"};
 
+inline constexpr Quantity kOfTheMetric{"that of the metric"};
+
 /// What is said of a member or of a parameter beyond its type.
 struct About {
   std::string_view text;   ///< a sentence without its full stop
@@ -80,15 +84,17 @@ constexpr Told<Parts...> about(std::string_view text, Parts... parts) {
   return all;
 }
 
-/// As in "dB", "s, 0 to 86400"; empty for what is no number.
+/// As in "dB", "s, from 0", "band, 2 to 50"; empty for what is no number.
 [[nodiscard]] inline std::string quantityText(const Quantity& quantity) {
+  constexpr double kNoEnd = std::numeric_limits<double>::infinity();
   std::string text(quantity.unit);
-  if (quantity.low > quantity.high || quantity.high - quantity.low > 1e300) return text;
-  for (const double end : {quantity.low, quantity.high}) {
+  const auto append = [&](std::string_view word, double number) {
     std::array<char, 32> digits{};
-    char* const past = std::to_chars(digits.begin(), digits.end(), end).ptr;
-    text.append(end == quantity.low ? ", " : " to ").append(digits.begin(), past);
-  }
+    char* const past = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    text.append(word).append(digits.data(), past);
+  };
+  if (quantity.low != -kNoEnd) append(quantity.high == kNoEnd ? ", from " : ", ", quantity.low);
+  if (quantity.high != kNoEnd) append(" to ", quantity.high);
   return text;
 }
 
@@ -185,10 +191,24 @@ struct Enumerator {
   std::string_view text;
 };
 
+/// The type of one value, where there may be none or several.
 template <class T>
-inline constexpr bool isNumber = (std::is_arithmetic_v<std::remove_cvref_t<T>> &&
-                                  !std::same_as<std::remove_cvref_t<T>, bool>) ||
-                                 std::same_as<std::remove_cvref_t<T>, Variant>;
+struct One {
+  using Type = T;
+};
+template <class T>
+struct One<std::optional<T>> : One<T> {};
+template <class T>
+struct One<std::vector<T>> : One<T> {};
+template <class T>
+struct One<std::span<T>> : One<std::remove_const_t<T>> {};
+template <class T>
+using OneOf = typename One<std::remove_cvref_t<T>>::Type;
+
+template <class T>
+inline constexpr bool isNumber = (std::is_arithmetic_v<OneOf<T>> &&
+                                  !std::same_as<OneOf<T>, bool>) ||
+                                 std::same_as<OneOf<T>, Variant>;
 
 template <class... Parts>
 inline constexpr bool hasQuantity = ((std::same_as<Parts, Quantity> || std::same_as<Parts, Date>) ||
@@ -196,10 +216,9 @@ inline constexpr bool hasQuantity = ((std::same_as<Parts, Quantity> || std::same
 
 /// Every number says its unit, and nothing else has one.
 template <class T, class... Parts>
-constexpr bool saysItsUnit() {
+constexpr void saysItsUnit() {
   static_assert(!isNumber<T> || hasQuantity<Parts...>, "a number without its unit and range");
   static_assert(isNumber<T> || !hasQuantity<Parts...>, "a unit for what is no number");
-  return true;
 }
 
 template <class... Parts>
@@ -216,8 +235,8 @@ constexpr In<Parts...> optionally(const char* name, std::string_view text, Parts
 }
 
 template <class Argument, class... Parts>
-constexpr bool fits(const In<Parts...>& /*parameter*/) {
-  return saysItsUnit<Argument, Parts...>();
+constexpr void fits(const In<Parts...>& /*parameter*/) {
+  saysItsUnit<Argument, Parts...>();
 }
 
 /// The words in which members are described; each goes to `visit` as one of the kinds above.
@@ -373,6 +392,16 @@ template <class C>
 concept Described = requires {
   Description<C>::name;
 };
+
+/// Classes or enumerations of a room, in the order in which they build on each other.
+template <class... C>
+struct List {};
+
+/// Calls `visit.operator()<C>()` for each class C of a list.
+template <class... C, class Visit>
+void forClasses(List<C...> /*list*/, const Visit& visit) {
+  (visit.template operator()<C>(), ...);
+}
 
 /// Calls `visit(member)` for each member of a class or an enumeration, in order.
 template <Described C, class Visit>

@@ -186,4 +186,9 @@ struct Description<ErrorCode> {
   }
 };
 
+inline constexpr List<AQ_AverageMethod, AQ_TimeStampType, AQ_RefTimeType, AQ_CONSTANTS, AQ_OPTIME,
+                      AQ_DataMessage, AQ_MASK_MODE, AQ_MASK_ADJUST, AQ_METRIC_INTEG_VALUE,
+                      AQ_METRIC_TYPE, ErrorCode>
+    kEnumerations;
+
 }  // namespace aq::describe

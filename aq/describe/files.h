@@ -242,4 +242,8 @@ struct Description<FileFunctions> {
   }
 };
 
+inline constexpr List<AQ_DataSTH, AQ_DataMask, AQ_DataSSR, AQ_DataPTH, AQ_DataTSPI, AQ_DataMIC,
+                      AQ_DataGTH, AQ_DataINI, AQ_DataASCII>
+    kFileClasses;
+
 }  // namespace aq::describe

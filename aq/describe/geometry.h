@@ -76,7 +76,7 @@ struct Description<AQ_Geometry> {
   static constexpr char text[] =
       "The emission geometry of one measured record: when its sound was emitted, where the source "
       "was then, and how the sound came to the microphone. Units are those of the program that "
-      "fills it";
+      "fills it; emissionGeometry gives metres, degrees and seconds";
   template <class To>
   static void members(To& to) {
     using G = AQ_Geometry;
@@ -188,5 +188,9 @@ struct Description<AQ_SPointTrk> {
         .property("MAX", &P::MAX, &P::MAX, "Record of the maximum", kRecord);
   }
 };
+
+inline constexpr List<AQ_Position, AQ_PositionTimeHistory, AQ_Microphone, AQ_Geometry,
+                      AQ_GeometryTimeHistory, AQ_EmtRcvRecord, AQ_EmtRcvTable, AQ_SPointTrk>
+    kGeometryClasses;
 
 }  // namespace aq::describe

@@ -184,4 +184,8 @@ struct Description<AQ_HeaderGTH> {
   }
 };
 
+inline constexpr List<AQ_HeaderSTH, AQ_HeaderMask, AQ_HeaderSSR, AQ_HeaderPTH, AQ_HeaderMIC,
+                      AQ_HeaderGTH>
+    kHeaders;
+
 }  // namespace aq::describe

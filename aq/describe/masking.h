@@ -75,4 +75,6 @@ struct Description<AQ_MaskMap> {
   }
 };
 
+inline constexpr List<AQ_Mask, AQ_MaskRow, AQ_MaskMap> kMaskingClasses;
+
 }  // namespace aq::describe

@@ -36,7 +36,7 @@ struct Description<AQ_Metric> {
         .property("INTEG", &M::INTEG, &M::INTEG,
                   "The part that the record plays in the integration")
         .indexed("MetricValue", &M::MetricValue, &M::MetricValue, in("aqMetric", "Which metric"),
-                 "Any metric by its type", Quantity{"that of the metric"});
+                 "Any metric by its type", kOfTheMetric);
   }
 };
 
@@ -170,5 +170,8 @@ struct Description<AQ_SpectralTimeHistory> {
                 in("number", "The record", kRecord));
   }
 };
+
+inline constexpr List<AQ_Metric, AQ_MetricSummary, AQ_Spectrum, AQ_Band, AQ_SpectralTimeHistory>
+    kSpectralClasses;
 
 }  // namespace aq::describe

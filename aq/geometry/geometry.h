@@ -11,7 +11,8 @@
 namespace aq {
 
 /// The emission geometry of one measured record: when its sound was emitted, where the source was
-/// then, and how the sound came to the microphone. Units are those of the program that fills it.
+/// then, and how the sound came to the microphone. Units are those of the program that fills it;
+/// `emissionGeometry` gives metres, degrees and seconds.
 class AQ_API AQ_Geometry {
  public:
   double SRe = 0;        ///< slant range at emission
