@@ -12,7 +12,7 @@ ALLOWED = {  # each room, and the rooms that it may know besides itself
     "spectral": {"core", "detail", "text", "masking"},
     "geometry": {"core", "detail", "text"},
     "noise": {"core", "detail", "text", "masking", "spectral", "geometry"},
-    "files": {"core", "detail", "text", "spectral", "geometry"},
+    "files": {"core", "detail", "text", "masking", "spectral", "geometry"},
     "check": {"core", "detail", "text", "masking", "spectral", "geometry", "noise", "files"},
     "describe": {"core", "masking", "spectral", "geometry", "noise", "files"},
 }

@@ -6,8 +6,6 @@
 #include "aq/check/header_check.h"
 #include "aq/core/platform.h"
 #include "aq/core/words.h"
-#include "aq/files/data_ini.h"
-#include "aq/files/file_kind.h"
 #include "aq/spectral/spectral_time_history.h"
 #include "aq/text/checked_keywords.h"
 #include "aq/text/fields.h"
@@ -17,21 +15,17 @@
 namespace aq {
 namespace {
 
-void checkKind(const std::string& path, const Reporter& report) {
-  switch (kindOfFile(path)) {
-    case FileKind::SpectralTimeHistory: return checkHistory(path, report);
-    case FileKind::PositionTimeHistory: return checkPositions(path, report);
-    case FileKind::MicrophonePosition: return checkMicrophone(path, report);
-    case FileKind::GeometricTimeHistory: return checkGeometry(path, report);
-    case FileKind::MaskingMap: return checkMaskingMap(path, report);
-    case FileKind::VariableInitialization: return checkParameters(path, report);
-    case FileKind::SpectrumRecord: return checkSpectrumRecord(path, report);
-    case FileKind::Tracking: return checkTracking(path, report);
-    case FileKind::Unknown: break;
-  }
+void reportUnknown(const std::string& path, const Reporter& report) {
   LineReader lines(path);
   report(Kind::UnknownKind, {.line = 1},
          lines.next() ? "it begins with " + shown(lines.line()) : "it is empty");
+}
+
+void checkAs(FileKind kind, const std::string& path, const Reporter& report) {
+  if (kind == FileKind::Unknown) return reportUnknown(path, report);
+  forFormats([&]<class File, class Header, class Model>(const Format<File, Header, Model>& format) {
+    if (format.kind == kind) check(FileOf<File>{path}, report);
+  });
 }
 
 /// Runs `check`; a file that changes meanwhile does not read.
@@ -60,32 +54,66 @@ void checkParameterWord(const HeaderLine& line, const Reporter& report) {
   checkWord(line.number, word, averaging ? wordOf(method) : wordOf(type), report);
 }
 
+/// Where the history that a map names as its source should be: beside the map, whatever folders it
+/// names, as a file must not lead to any place of the disk. Empty when it names none.
+std::string historyOf(const AQ_HeaderMask& header, const std::string& mapPath) {
+  if (header.sGenerationFile.empty()) return {};
+  const std::size_t folder = mapPath.size() - platform::fileName(mapPath).size();
+  return mapPath.substr(0, folder) + platform::fileName(header.sGenerationFile);
+}
+
+/// Says nothing of a history that does not read.
+void checkFitOf(const std::string& historyPath, const AQ_MaskMap& map, const Reporter& report) {
+  AQ_DataSTH file;
+  Content<AQ_HeaderSTH, AQ_SpectralTimeHistory> read;
+  if (readContent(file, historyPath, read) != AQ_DATA_OK) return;
+  checkMapFit(*read.model, platform::fileName(historyPath), map, report);
+}
+
 }  // namespace
 
 void checkFile(const std::string& path, const FindingSink& report) {
   const Reporter reporter(report);
-  checking(reporter, [&] { checkKind(path, reporter); });
+  checking(reporter, [&] { checkAs(kindOfFile(path), path, reporter); });
 }
 
 void checkFixes(const std::string& path, std::uint8_t limit, const FindingSink& report) {
   const Reporter reporter(report);
-  checking(reporter, [&] { checkFixQuality(path, limit, reporter); });
+  checking(reporter, [&] { checkQuality(FileOf<AQ_DataTSPI>{path}, limit, reporter); });
+}
+
+void checkFit(const AQ_SpectralTimeHistory& history, const std::string& historyName,
+              const AQ_MaskMap& map, const FindingSink& report) {
+  checkMapFit(history, historyName, map, Reporter(report));
 }
 
 void checkFit(const std::string& historyPath, const std::string& mapPath,
               const FindingSink& report) {
   const Reporter reporter(report);
-  checking(reporter, [&] { checkMapFit(historyPath, mapPath, reporter); });
+  checking(reporter, [&] {
+    AQ_DataMask file;
+    Content<AQ_HeaderMask, AQ_MaskMap> read;
+    if (readContent(file, mapPath, read) == AQ_DATA_OK)
+      checkFitOf(historyPath, *read.model, reporter);
+  });
 }
 
 void checkWithHistory(const std::string& path, const FindingSink& report) {
-  checkFile(path, report);
-  const std::string history = historyOfMap(path);
-  std::error_code error;
-  if (std::filesystem::is_regular_file(history, error)) checkFit(history, path, report);
+  const Reporter reporter(report);
+  checking(reporter, [&] {
+    const FileKind kind = kindOfFile(path);
+    if (kind != FileKind::MaskingMap) return checkAs(kind, path, reporter);
+    const auto read = check(FileOf<AQ_DataMask>{path}, reporter);
+    if (!read.model) return;
+    const std::string history = historyOf(*read.header, path);
+    std::error_code error;
+    if (std::filesystem::is_regular_file(history, error)) {
+      checkFitOf(history, *read.model, reporter);
+    }
+  });
 }
 
-void checkParameters(const std::string& path, const Reporter& report) {
+void check(FileOf<AQ_DataINI> of, const Reporter& report) {
   constexpr std::string_view kTitle = "FILETYPE";  // that the file carries and nobody reads
   AQ_DataINI file;
   file.observeHeader([&](const HeaderLine& line) {
@@ -96,7 +124,7 @@ void checkParameters(const std::string& path, const Reporter& report) {
     if (line.number == 1 && upperCased(text).starts_with(kTitle)) return;
     report(Kind::UnknownKeyword, {.line = line.number}, shown(text) + " is passed over");
   });
-  if (file.readFile(path) != AQ_DATA_OK) report.unreadable(*file.lastFailure());
+  if (file.readFile(of.path) != AQ_DATA_OK) report.unreadable(*file.lastFailure());
 }
 
 void checkNothingBehind(const std::string& path, std::size_t last, const Reporter& report) {

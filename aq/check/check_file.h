@@ -5,6 +5,8 @@
 
 #include "aq/check/finding.h"
 #include "aq/core/export.h"
+#include "aq/masking/mask_map.h"
+#include "aq/spectral/spectral_time_history.h"
 
 namespace aq {
 
@@ -16,8 +18,12 @@ AQ_API void checkFile(const std::string& path, const FindingSink& report);
 /// Reports the fixes of a tracking file that a reader with this `RT20Limit` drops.
 AQ_API void checkFixes(const std::string& path, std::uint8_t limit, const FindingSink& report);
 
-/// Reports why a masking map does not fit the history that it was made for. Says nothing of a file
-/// that does not read: `checkFile` does.
+/// Reports why a masking map does not fit the history that it was made for, which messages call
+/// `historyName`.
+AQ_API void checkFit(const AQ_SpectralTimeHistory& history, const std::string& historyName,
+                     const AQ_MaskMap& map, const FindingSink& report);
+
+/// As above, of files. Says nothing of a file that does not read: `checkFile` does.
 AQ_API void checkFit(const std::string& historyPath, const std::string& mapPath,
                      const FindingSink& report);
 

@@ -4,12 +4,7 @@
 #include "aq/check/checks.h"
 #include "aq/check/header_check.h"
 #include "aq/check/record_lines.h"
-#include "aq/geometry/data_gth.h"
-#include "aq/geometry/data_mic.h"
-#include "aq/geometry/data_pth.h"
-#include "aq/geometry/data_tspi.h"
 #include "aq/geometry/tracking_line.h"
-#include "aq/text/call_file.h"
 #include "aq/text/checked_keywords.h"
 #include "aq/text/line_reader.h"
 
@@ -53,54 +48,50 @@ void checkQuality(const TrackingLine& fix, std::uint8_t limit, std::size_t line,
 
 }  // namespace
 
-void checkPositions(const std::string& path, const Reporter& report) {
+void check(FileOf<AQ_DataPTH> file, const Reporter& report) {
   HeaderCheck header(report);
-  std::shared_ptr<AQ_HeaderPTH> fields;
-  std::shared_ptr<AQ_PositionTimeHistory> history;
-  if (!header.reads<AQ_DataPTH>(path, fields, history)) return;
-  const std::int32_t count = history->Count();
+  Content<AQ_HeaderPTH, AQ_PositionTimeHistory> read;
+  if (!header.reads<AQ_DataPTH>(file.path, read)) return;
+  const std::int32_t count = read.model->Count();
   header.expectCount(keywords::kNumberRecords, static_cast<std::size_t>(count), "positions");
   TimeOrder order(report);
   for (std::int32_t place = 1; place <= count; ++place) {
-    order.see(*history->Position(place), header.lines() + static_cast<std::size_t>(place));
+    order.see(*read.model->Position(place), header.lines() + static_cast<std::size_t>(place));
   }
 }
 
-void checkTracking(const std::string& path, const Reporter& report) {
+void check(FileOf<AQ_DataTSPI> of, const Reporter& report) {
   AQ_DataTSPI file;
-  std::shared_ptr<AQ_PositionTimeHistory> history;
-  const AQ_DataMessage result = readInto(file, path, history);
-  if (result != AQ_DATA_OK) return report.unreadable(*file.lastFailure());
+  Content<void, AQ_PositionTimeHistory> read;
+  if (readContent(file, of.path, read) != AQ_DATA_OK) return report.unreadable(*file.lastFailure());
   TimeOrder order(report);
-  forFixes(path, [&](const TrackingLine& fix, std::size_t line) {
+  forFixes(of.path, [&](const TrackingLine& fix, std::size_t line) {
     order.see(*fix.position, line);
     checkQuality(fix, file.RT20Limit(), line, report);
   });
 }
 
-void checkMicrophone(const std::string& path, const Reporter& report) {
+void check(FileOf<AQ_DataMIC> file, const Reporter& report) {
   HeaderCheck header(report);
-  std::shared_ptr<AQ_HeaderMIC> fields;
-  const auto microphone = std::make_shared<AQ_Microphone>();
-  if (!header.reads<AQ_DataMIC>(path, fields, microphone)) return;
-  checkNothingBehind(path, header.lines() + 1, report);
+  Content<AQ_HeaderMIC, AQ_Microphone> read;
+  if (!header.reads<AQ_DataMIC>(file.path, read)) return;
+  checkNothingBehind(file.path, header.lines() + 1, report);
 }
 
-void checkGeometry(const std::string& path, const Reporter& report) {
+void check(FileOf<AQ_DataGTH> file, const Reporter& report) {
   constexpr std::size_t kFields = 11;
   HeaderCheck header(report);
-  std::shared_ptr<AQ_HeaderGTH> fields;
-  std::shared_ptr<AQ_GeometryTimeHistory> history;
-  if (!header.reads<AQ_DataGTH>(path, fields, history)) return;
-  const RecordLines records(path, header, kFields, report);
+  Content<AQ_HeaderGTH, AQ_GeometryTimeHistory> read;
+  if (!header.reads<AQ_DataGTH>(file.path, read)) return;
+  const RecordLines records(file.path, header, kFields, report);
   header.expectCount(keywords::kNumberRecords, records.count(), "points");
   checkTimeSteps(
-      records, [&](std::int16_t record) { return history->Point(record)->Tm()->TODseconds(); },
+      records, [&](std::int16_t record) { return read.model->Point(record)->Tm()->TODseconds(); },
       report);
 }
 
-void checkFixQuality(const std::string& path, std::uint8_t limit, const Reporter& report) {
-  forFixes(path, [&](const TrackingLine& fix, std::size_t line) {
+void checkQuality(FileOf<AQ_DataTSPI> file, std::uint8_t limit, const Reporter& report) {
+  forFixes(file.path, [&](const TrackingLine& fix, std::size_t line) {
     checkQuality(fix, limit, line, report);
   });
 }

@@ -1,10 +1,6 @@
-#include "aq/check/check_file.h"
 #include "aq/check/checks.h"
 #include "aq/check/header_check.h"
 #include "aq/check/record_lines.h"
-#include "aq/core/platform.h"
-#include "aq/files/data_sth.h"
-#include "aq/masking/data_mask.h"
 #include "aq/masking/last_good_band.h"
 #include "aq/text/checked_keywords.h"
 #include "aq/text/fields.h"
@@ -12,11 +8,6 @@
 
 namespace aq {
 namespace {
-
-struct ReadMap {
-  std::shared_ptr<AQ_HeaderMask> header;
-  std::shared_ptr<AQ_MaskMap> map;
-};
 
 /// Letters that stand for nothing do not come back.
 void checkLetters(const std::string& path, const HeaderCheck& header, const Reporter& report) {
@@ -77,46 +68,29 @@ void compareRecords(const AQ_SpectralTimeHistory& history, const AQ_MaskMap& map
 
 }  // namespace
 
-void checkMaskingMap(const std::string& path, const Reporter& report) {
+Content<AQ_HeaderMask, AQ_MaskMap> check(FileOf<AQ_DataMask> file, const Reporter& report) {
   HeaderCheck header(report);
-  ReadMap read;
-  if (!header.reads<AQ_DataMask>(path, read.header, read.map)) return;
+  Content<AQ_HeaderMask, AQ_MaskMap> read;
+  if (!header.reads<AQ_DataMask>(file.path, read)) return {};
   const auto [low, high] = header.integersOf(keywords::kBands);
   const std::size_t bands = low <= high ? static_cast<std::size_t>(high - low) + 1 : 0;
   // The highest band's label stands twice in a map's headings, unless somebody put that right.
   header.expectLabels(2, low, high);
-  const RecordLines records(path, header, bands + 2, report);
+  const RecordLines records(file.path, header, bands + 2, report);
   header.expectCount(keywords::kNumberOfRows, records.count(), "rows");
-  checkLetters(path, header, report);
-  checkLastGoodBands(records, *read.map, bands + 2, report);
+  checkLetters(file.path, header, report);
+  checkLastGoodBands(records, *read.model, bands + 2, report);
+  return read;
 }
 
-void checkMapFit(const std::string& historyPath, const std::string& mapPath,
-                 const Reporter& report) {
-  AQ_DataSTH historyFile;
-  AQ_DataMask mapFile;
-  std::shared_ptr<AQ_HeaderSTH> header;
-  std::shared_ptr<AQ_SpectralTimeHistory> history;
-  ReadMap read;
-  if (historyFile.readFile(historyPath, header, history) != AQ_DATA_OK) return;
-  if (mapFile.readFile(mapPath, read.header, read.map) != AQ_DATA_OK) return;
-  if (history->Count() != read.map->Count()) {
+void checkMapFit(const AQ_SpectralTimeHistory& history, const std::string& historyName,
+                 const AQ_MaskMap& map, const Reporter& report) {
+  if (history.Count() != map.Count()) {
     report(Kind::MapMisfit, {},
-           "the map has " + std::to_string(read.map->Count()) + " rows, its history " +
-               shown(platform::fileName(historyPath)) + " has " + std::to_string(history->Count()) +
-               " records");
+           "the map has " + std::to_string(map.Count()) + " rows, its history " +
+               shown(historyName) + " has " + std::to_string(history.Count()) + " records");
   }
-  compareRecords(*history, *read.map, report);
-}
-
-std::string historyOfMap(const std::string& mapPath) {
-  AQ_DataMask file;
-  ReadMap read;
-  static_cast<void>(file.readFile(mapPath, read.header, read.map));
-  if (!read.header || read.header->sGenerationFile.empty()) return {};
-  const std::size_t folder = mapPath.size() - platform::fileName(mapPath).size();
-  // Whatever folders it names: a file must not lead to any place of the disk.
-  return mapPath.substr(0, folder) + platform::fileName(read.header->sGenerationFile);
+  compareRecords(history, map, report);
 }
 
 }  // namespace aq

@@ -6,8 +6,6 @@
 #include "aq/check/record_lines.h"
 #include "aq/core/enumerations.h"
 #include "aq/core/time.h"
-#include "aq/files/data_ssr.h"
-#include "aq/files/data_sth.h"
 #include "aq/text/checked_keywords.h"
 #include "aq/text/fields.h"
 #include "aq/text/number_text.h"
@@ -66,16 +64,15 @@ void checkRelativeTimes(const RecordLines& records, AQ_SpectralTimeHistory& hist
 
 }  // namespace
 
-void checkHistory(const std::string& path, const Reporter& report) {
+void check(FileOf<AQ_DataSTH> file, const Reporter& report) {
   HeaderCheck header(report);
-  std::shared_ptr<AQ_HeaderSTH> fields;
-  std::shared_ptr<AQ_SpectralTimeHistory> read;
-  if (!header.reads<AQ_DataSTH>(path, fields, read)) return;
-  AQ_SpectralTimeHistory& history = *read;
+  Content<AQ_HeaderSTH, AQ_SpectralTimeHistory> read;
+  if (!header.reads<AQ_DataSTH>(file.path, read)) return;
+  AQ_SpectralTimeHistory& history = *read.model;
   const auto [low, high] = header.integersOf(keywords::kBands);
   header.expectLabels(kBeforeLevels + 1, low, high);
   const std::size_t bands = low <= high ? static_cast<std::size_t>(high - low) + 1 : 0;
-  const RecordLines records(path, header, kBeforeLevels + bands, report);
+  const RecordLines records(file.path, header, kBeforeLevels + bands, report);
   header.expectWord(keywords::kAveragingMethod, history.sAveragingMethod());
   header.expectWord(keywords::kTimeStampType, history.sTimeStampType());
   header.expectCount(keywords::kNumberOfSpectrum, records.count(), "records");
@@ -92,14 +89,14 @@ void checkHistory(const std::string& path, const Reporter& report) {
   });
 }
 
-void checkSpectrumRecord(const std::string& path, const Reporter& report) {
+void check(FileOf<AQ_DataSSR> file, const Reporter& report) {
   HeaderCheck header(report);
-  std::shared_ptr<AQ_Spectrum> spectrum;
-  if (!header.reads<AQ_DataSSR>(path, spectrum)) return;
-  header.expectLabels(1, spectrum->LowBand(), spectrum->HighBand());
+  Content<AQ_HeaderSSR, AQ_Spectrum> read;
+  if (!header.reads<AQ_DataSSR>(file.path, read)) return;
+  header.expectLabels(1, read.model->LowBand(), read.model->HighBand());
   const std::size_t levels = header.lines() + 1;
-  checkLevels(*spectrum, {.line = levels}, report);
-  checkNothingBehind(path, levels, report);
+  checkLevels(*read.model, {.line = levels}, report);
+  checkNothingBehind(file.path, levels, report);
 }
 
 }  // namespace aq

@@ -4,28 +4,31 @@
 #include <string>
 
 #include "aq/check/reporter.h"
-#include "aq/spectral/spectrum.h"
+#include "aq/files/formats.h"
 
-// The checks of each kind of file. They throw what readers of text throw when a file changes while
-// it is checked.
 namespace aq {
 
-void checkHistory(const std::string& path, const Reporter& report);
-void checkSpectrumRecord(const std::string& path, const Reporter& report);
-void checkMaskingMap(const std::string& path, const Reporter& report);
-void checkMapFit(const std::string& historyPath, const std::string& mapPath,
-                 const Reporter& report);
+/// A file of the format that `File` reads.
+template <class File>
+struct FileOf {
+  const std::string& path;
+};
 
-/// Where the history that a masking map names as its source should be: beside the map. Empty when
-/// the map does not read or names none.
-std::string historyOfMap(const std::string& mapPath);
+// The checks of each format. They throw what readers of text throw when a file changes while it is
+// checked.
+void check(FileOf<AQ_DataSTH> file, const Reporter& report);
+void check(FileOf<AQ_DataSSR> file, const Reporter& report);
+void check(FileOf<AQ_DataPTH> file, const Reporter& report);
+void check(FileOf<AQ_DataTSPI> file, const Reporter& report);
+void check(FileOf<AQ_DataMIC> file, const Reporter& report);
+void check(FileOf<AQ_DataGTH> file, const Reporter& report);
+void check(FileOf<AQ_DataINI> file, const Reporter& report);
+/// Gives the map, as far as it was read.
+Content<AQ_HeaderMask, AQ_MaskMap> check(FileOf<AQ_DataMask> file, const Reporter& report);
 
-void checkPositions(const std::string& path, const Reporter& report);
-void checkTracking(const std::string& path, const Reporter& report);
-void checkFixQuality(const std::string& path, std::uint8_t limit, const Reporter& report);
-void checkMicrophone(const std::string& path, const Reporter& report);
-void checkGeometry(const std::string& path, const Reporter& report);
-void checkParameters(const std::string& path, const Reporter& report);
+void checkQuality(FileOf<AQ_DataTSPI> file, std::uint8_t limit, const Reporter& report);
+void checkMapFit(const AQ_SpectralTimeHistory& history, const std::string& historyName,
+                 const AQ_MaskMap& map, const Reporter& report);
 
 /// Reports lines behind line `last` that hold anything: nobody reads them.
 void checkNothingBehind(const std::string& path, std::size_t last, const Reporter& report);

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "aq/check/reporter.h"
-#include "aq/text/call_file.h"
+#include "aq/files/formats.h"
 #include "aq/text/header_observer.h"
 #include "aq/text/line_reader.h"
 
@@ -32,11 +32,11 @@ class HeaderCheck {
   ~HeaderCheck() = default;
 
   /// Reads a file of one class under watch; false, and reported, when it does not read.
-  template <class File, class... Out>
-  [[nodiscard]] bool reads(const std::string& path, Out&... out) {
+  template <class File, class Header, class Model>
+  [[nodiscard]] bool reads(const std::string& path, Content<Header, Model>& content) {
     File file;
     file.observeHeader([this](const HeaderLine& line) { see(line); });
-    if (readInto(file, path, out...) == AQ_DATA_OK) return true;
+    if (readContent(file, path, content) == AQ_DATA_OK) return true;
     report_.unreadable(*file.lastFailure());
     return false;
   }

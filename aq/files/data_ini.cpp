@@ -7,7 +7,6 @@
 #include "aq/text/checked_keywords.h"
 #include "aq/text/date_text.h"
 #include "aq/text/fields.h"
-#include "aq/text/file_titles.h"
 #include "aq/text/header_writer.h"
 #include "aq/text/number_text.h"
 
@@ -131,7 +130,7 @@ AQ_DataMessage AQ_DataINI::writeFile(const std::string& sFileName) {
     fileName_ = name;
     std::string text;
     HeaderWriter lines(text, fileInformation());
-    lines.title(titles::kVariableInitialization);
+    lines.title(AQ_DataINI::kTitle);
     lines.recordedName(kFileName, fileName_);
     lines.currentDateTime(kFileDateTime, FileDate());
     lines.lines(kComments, Comments());

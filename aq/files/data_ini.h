@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "aq/core/collection.h"
@@ -18,6 +19,9 @@ namespace aq {
 /// (docs/formats/variable-initialization.md). Setters store any value.
 class AQ_API AQ_DataINI : public FileClass {
  public:
+  /// What the first line of a file names as its type.
+  static constexpr std::string_view kTitle = "Variable Initialization File";
+
   /// `NuTimg` while it is not set.
   static constexpr auto kTimingNotSet = static_cast<AQ_TimeStampType>(99);
 

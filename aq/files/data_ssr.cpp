@@ -4,7 +4,6 @@
 #include "aq/detail/pointers.h"
 #include "aq/files/level_columns.h"
 #include "aq/text/fields.h"
-#include "aq/text/file_titles.h"
 #include "aq/text/header_reader.h"
 #include "aq/text/header_writer.h"
 #include "aq/text/number_text.h"
@@ -14,7 +13,7 @@ namespace {
 
 template <class Lines>
 void header(Lines& lines, AQ_HeaderSSR& header) {
-  lines.title(titles::kSpectrumRecord);
+  lines.title(AQ_DataSSR::kTitle);
   lines.recordedName("FileName", header.sFileName);
   lines.currentDateTime("FileDateTime", header.aqFileDateTime);
   lines.lines("NumberOfCommentLines", header.cCommentLines);

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "aq/core/enumerations.h"
 #include "aq/core/export.h"
@@ -14,6 +15,9 @@ namespace aq {
 /// Writes and reads spectrum record files, one spectrum each (docs/formats/spectrum-record.md).
 class AQ_API AQ_DataSSR : public FileClass {
  public:
+  /// What the first line of a file names as its type.
+  static constexpr std::string_view kTitle = "Spectrum Record";
+
   /// Writes a spectrum, replacing the file; the header gets the file's name. Throws, and writes
   /// nothing, when a band has no label or no level (`InvalidArgument`), a level is no number
   /// (`TypeMismatch`) or not finite (`InvalidValue`), or there is no header (`ObjectNotSet`).

@@ -7,7 +7,6 @@
 #include "aq/files/level_columns.h"
 #include "aq/text/checked_keywords.h"
 #include "aq/text/fields.h"
-#include "aq/text/file_titles.h"
 #include "aq/text/header_reader.h"
 #include "aq/text/header_writer.h"
 #include "aq/text/number_text.h"
@@ -26,7 +25,7 @@ void header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHistory& history,
   std::int16_t count = history.Count();
   std::int16_t low = history.LoRec();
   std::int16_t high = history.HiRec();
-  lines.title(titles::kSpectralTimeHistory);
+  lines.title(AQ_DataSTH::kTitle);
   lines.recordedName("FileName", header.sFileName);
   lines.currentDateTime("FileDateTime", header.aqFileDateTime);
   lines.text("ProjectName", header.sProjectName);
@@ -132,7 +131,7 @@ bool AQ_DataSTH::getRawHeader(const std::string& sFileName,
   const AQ_DataMessage result = reading(sFileName, [&](const std::string& name) {
     auto header = std::make_shared<Collection<std::string>>();
     LineReader lines(name);
-    HeaderReader(lines).titleBehindComma(titles::kSpectralTimeHistory);
+    HeaderReader(lines).titleBehindComma(AQ_DataSTH::kTitle);
     bool more = true;
     for (; more && !lines.line().starts_with(kColumns); more = lines.next()) {
       header->Add(std::string(lines.line()));

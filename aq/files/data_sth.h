@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "aq/core/collection.h"
 #include "aq/core/enumerations.h"
@@ -15,6 +16,9 @@ namespace aq {
 /// Writes and reads spectral time history files (docs/formats/spectral-time-history.md).
 class AQ_API AQ_DataSTH : public FileClass {
  public:
+  /// What the first line of a file names as its type.
+  static constexpr std::string_view kTitle = "Spectral Time-History";
+
   /// Writes records `LoRec` to `HiRec`, replacing the file; the header gets the file's name.
   /// Throws, and writes nothing, when a record of the range is missing (`InvalidArgument`), a level
   /// is no number (`TypeMismatch`) or not finite, a time of day has no clock form (`InvalidValue`),

@@ -1,12 +1,11 @@
 #include "aq/files/file_kind.h"
 
 #include <string_view>
-#include <utility>
 
 #include "aq/core/platform.h"
+#include "aq/files/formats.h"
 #include "aq/geometry/tracking_line.h"
 #include "aq/text/fields.h"
-#include "aq/text/file_titles.h"
 #include "aq/text/header_reader.h"
 
 namespace aq {
@@ -14,14 +13,16 @@ namespace {
 
 constexpr std::size_t kLookedAt = std::size_t{64} * 1024;
 
-constexpr std::pair<std::string_view, FileKind> kTitles[] = {
-    {titles::kSpectralTimeHistory, FileKind::SpectralTimeHistory},
-    {titles::kPositionTimeHistory, FileKind::PositionTimeHistory},
-    {titles::kMicrophonePosition, FileKind::MicrophonePosition},
-    {titles::kGeometricTimeHistory, FileKind::GeometricTimeHistory},
-    {titles::kMaskingMap, FileKind::MaskingMap},
-    {titles::kVariableInitialization, FileKind::VariableInitialization},
-    {titles::kSpectrumRecord, FileKind::SpectrumRecord}};
+/// The kind whose title it is; `Unknown` if none.
+FileKind kindOfTitle(std::string_view title) {
+  auto kind = FileKind::Unknown;
+  forFormats([&]<class File, class Header, class Model>(const Format<File, Header, Model>& format) {
+    if constexpr (requires { File::kTitle; }) {
+      if (title == File::kTitle) kind = format.kind;
+    }
+  });
+  return kind;
+}
 
 bool isTrackingLine(const LineReader& lines) {
   try {
@@ -48,11 +49,8 @@ FileKind kindOfFile(const std::string& path) {
   try {
     LineReader lines(path, kLookedAt);
     HeaderReader header(lines);
-    const std::string_view title = header.anyTitle();
-    for (const auto& [name, kind] : kTitles) {
-      if (title == name) return kind;
-    }
-    return kindByShape(lines);
+    const FileKind kind = kindOfTitle(header.anyTitle());
+    return kind == FileKind::Unknown ? kindByShape(lines) : kind;
   } catch (const platform::SystemError&) {
     return FileKind::Unknown;
   }

@@ -5,7 +5,6 @@
 #include "aq/text/checked_keywords.h"
 #include "aq/text/data_line_limit.h"
 #include "aq/text/fields.h"
-#include "aq/text/file_titles.h"
 #include "aq/text/header_reader.h"
 #include "aq/text/header_writer.h"
 #include "aq/text/number_text.h"
@@ -20,7 +19,7 @@ void header(Lines& lines, AQ_HeaderGTH& header) {
   double x = microphone.X();
   double y = microphone.Y();
   double z = microphone.Z();
-  lines.title(titles::kGeometricTimeHistory);
+  lines.title(AQ_DataGTH::kTitle);
   lines.recordedName("FileName", header.GTHFileName);
   lines.currentDateTime12("FileDateTime", header.GTHFileDateTime);
   lines.text("ProjectName", header.ProjectName);
@@ -109,7 +108,7 @@ void AQ_DataGTH::readFile(const std::string& sFileName, std::shared_ptr<AQ_Heade
     HeaderReader headerLines(lines, headerObserver());
     header_ = std::make_shared<AQ_HeaderGTH>();
     header(headerLines, *header_);
-    header_->FileType = titles::kGeometricTimeHistory;
+    header_->FileType = AQ_DataGTH::kTitle;
     headerLines.skipColumns();
     aqHeader = header_;
     auto history = std::make_shared<AQ_GeometryTimeHistory>();

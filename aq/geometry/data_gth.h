@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "aq/core/enumerations.h"
 #include "aq/core/export.h"
@@ -14,6 +15,9 @@ namespace aq {
 /// Writes and reads geometric time history files (docs/formats/geometric-time-history.md).
 class AQ_API AQ_DataGTH : public FileClass {
  public:
+  /// What the first line of a file names as its type.
+  static constexpr std::string_view kTitle = "Geometric Time-History";
+
   /// Writes points 1 to `Count`, replacing the file; the header gets the file's name and the number
   /// of points. Throws, and writes nothing, for more than 32767 points (`Overflow`), a missing
   /// point

@@ -1,15 +1,14 @@
 #include "aq/geometry/data_mic.h"
 
 #include "aq/text/fields.h"
-#include "aq/text/file_titles.h"
 #include "aq/text/header_reader.h"
 
 namespace aq {
 namespace {
 
 void readHeader(HeaderReader& lines, AQ_HeaderMIC& header) {
-  lines.title(titles::kMicrophonePosition);
-  header.sFileType = titles::kMicrophonePosition;
+  lines.title(AQ_DataMIC::kTitle);
+  header.sFileType = AQ_DataMIC::kTitle;
   lines.recordedName("FileName", header.sFileName);
   lines.currentDateTime("FileDateTime", header.aqFileDateTime);
   lines.text("ProjectName", header.sProjectName);

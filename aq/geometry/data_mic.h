@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "aq/core/enumerations.h"
 #include "aq/core/export.h"
@@ -14,6 +15,9 @@ namespace aq {
 /// Reads microphone position files (docs/formats/microphone-position.md).
 class AQ_API AQ_DataMIC : public FileClass {
  public:
+  /// What the first line of a file names as its type.
+  static constexpr std::string_view kTitle = "Microphone Position File";
+
   /// Reads a file into a new header and into the caller's microphone. When the header fails,
   /// neither is touched; when the microphone's line does, the header is set, and the coordinates in
   /// front of the failure too.

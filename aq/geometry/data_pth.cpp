@@ -6,7 +6,6 @@
 #include "aq/text/checked_keywords.h"
 #include "aq/text/data_line_limit.h"
 #include "aq/text/fields.h"
-#include "aq/text/file_titles.h"
 #include "aq/text/header_reader.h"
 #include "aq/text/header_writer.h"
 #include "aq/text/number_text.h"
@@ -16,7 +15,7 @@ namespace {
 
 template <class Lines>
 void header(Lines& lines, AQ_HeaderPTH& header) {
-  lines.title(titles::kPositionTimeHistory);
+  lines.title(AQ_DataPTH::kTitle);
   lines.recordedName("FileName", header.sFileName);
   lines.currentDateTime("FileDateTime", header.aqFileDateTime);
   lines.textAfterBlank("ProjectName", header.sProjectName);
@@ -72,7 +71,7 @@ void AQ_DataPTH::readFile(const std::string& sFileName, std::shared_ptr<AQ_Heade
     HeaderReader headerLines(lines, headerObserver());
     header_ = std::make_shared<AQ_HeaderPTH>();
     header(headerLines, *header_);
-    header_->sFileType = titles::kPositionTimeHistory;
+    header_->sFileType = AQ_DataPTH::kTitle;
     headerLines.skipColumns();
     aqHeader = header_;
     auto history = std::make_shared<AQ_PositionTimeHistory>();

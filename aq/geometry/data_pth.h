@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "aq/core/enumerations.h"
 #include "aq/core/export.h"
@@ -14,6 +15,9 @@ namespace aq {
 /// Writes and reads position time history files (docs/formats/position-time-history.md).
 class AQ_API AQ_DataPTH : public FileClass {
  public:
+  /// What the first line of a file names as its type.
+  static constexpr std::string_view kTitle = "Position Time-History";
+
   /// Writes a history, replacing the file; the header gets the file's name and the number of
   /// positions. Throws, and writes nothing, for more than 32767 positions (`Overflow`), a time of
   /// day without a clock form or a coordinate that is not finite (`InvalidValue`), no header or a

@@ -9,7 +9,6 @@
 #include "aq/detail/shared_blocks.h"
 #include "aq/text/checked_keywords.h"
 #include "aq/text/fields.h"
-#include "aq/text/file_titles.h"
 #include "aq/text/header_reader.h"
 #include "aq/text/header_writer.h"
 #include "aq/text/number_text.h"
@@ -19,7 +18,7 @@ namespace {
 
 template <class Lines>
 void header(Lines& lines, AQ_HeaderMask& header) {
-  lines.title(titles::kMaskingMap);
+  lines.title(AQ_DataMask::kTitle);
   lines.recordedName("FileName", header.sFileName);
   lines.currentDateTime("FileDateTime", header.aqFileDateTime);
   lines.integer(keywords::kNumberOfRows, header.lNumberRows);
@@ -123,7 +122,7 @@ AQ_DataMessage AQ_DataMask::readFile(const std::string& sFileName,
     HeaderReader headerLines(lines, headerObserver());
     header_ = std::make_shared<AQ_HeaderMask>();
     aq::header(headerLines, *header_);
-    header_->sFileType = titles::kMaskingMap;
+    header_->sFileType = AQ_DataMask::kTitle;
     header_->sColumnLabels = headerLines.columns();
     aqHeader = header_;
     MaskMap = std::make_shared<AQ_MaskMap>();

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "aq/core/enumerations.h"
 #include "aq/core/export.h"
@@ -14,6 +15,9 @@ namespace aq {
 /// Writes and reads masking map files (docs/formats/masking-map.md).
 class AQ_API AQ_DataMask : public FileClass {
  public:
+  /// What the first line of a file names as its type.
+  static constexpr std::string_view kTitle = "Masking Map";
+
   /// Writes a map, replacing the file. The header gets the file's name, the number of rows and the
   /// band range, which row 1 decides. Throws, and writes nothing, when rows are not numbered from 1
   /// without a gap (`InvalidArgument`), row 1 has a band without a label (`InvalidArgument`) or an

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "aq/core/enumerations.h"
@@ -21,6 +22,15 @@ template <class File, class... Out>
     return [&](auto& header, auto& model) { return file.readFile(path, model, header); }(out...);
   }
 }
+
+/// Whether a file class reads into the caller's object rather than a new one.
+template <class File, class Header, class Model>
+inline constexpr bool fillsCallers = requires(File file, std::string path,
+                                              std::shared_ptr<Header> header,
+                                              const std::shared_ptr<Model> model,
+                                              AQ_DataMessage result) {
+  file.readFile(path, header, model, result);
+};
 
 /// `file.writeFile` for a header and a model.
 template <class File, class... In>

@@ -15,16 +15,14 @@ import xarray as xr
 
 from . import _core
 from .errors import Error
+from .formats import FORMATS
 from .times import OWN, clock, going_on
 
 Function = TypeVar("Function", bound=Callable[..., Any])
 
+# By the word for what they describe; only what is written back has one.
 HEADERS: dict[str, Any] = {
-    "history": _core.AQ_HeaderSTH,
-    "map": _core.AQ_HeaderMask,
-    "spectrum": _core.AQ_HeaderSSR,
-    "positions": _core.AQ_HeaderPTH,
-    "geometry": _core.AQ_HeaderGTH,
+    f.word: f.header for f in FORMATS.values() if f.writes and f.header is not None
 }
 # Words of a header as attributes for people, by the fields that headers have for them. Two are names
 # that the CF conventions give: title and source.

@@ -4,11 +4,12 @@ from __future__ import annotations
 
 import errno
 import os
-from typing import Any, Callable, Optional, TypeVar, overload
+from typing import Any, Optional, TypeVar, overload
 
 from . import _core
 from ._core import FileKind
 from .errors import FileError
+from .formats import FORMATS, format_for
 from .reading import Path, Reading, Tracking
 from .restore import writable
 
@@ -49,51 +50,7 @@ def _without(
     return rest
 
 
-def _read_parameters(path: Path) -> AnyReading:
-    parameters = _core.AQ_DataINI()
-    parameters.readFile(path)
-    return Reading(None, parameters)
-
-
-def _read_positions(path: Path) -> AnyReading:
-    return Reading(None, _core.AQ_DataTSPI().readFile(path))
-
-
-def _with_header(file_class: Callable[[], Any]) -> Callable[[Path], AnyReading]:
-    return lambda path: Reading(*file_class().readFile(path))
-
-
-_READERS: dict[FileKind, Callable[[Path], AnyReading]] = {
-    FileKind.SpectralTimeHistory: _with_header(_core.AQ_DataSTH),
-    FileKind.MaskingMap: _with_header(_core.AQ_DataMask),
-    FileKind.SpectrumRecord: _with_header(_core.AQ_DataSSR),
-    FileKind.PositionTimeHistory: _with_header(_core.AQ_DataPTH),
-    FileKind.GeometricTimeHistory: _with_header(_core.AQ_DataGTH),
-    FileKind.MicrophonePosition: _with_header(_core.AQ_DataMIC),
-    FileKind.Tracking: _read_positions,
-    FileKind.VariableInitialization: _read_parameters,
-}
-
-_WRITERS: dict[type, tuple[type, type]] = {
-    _core.AQ_SpectralTimeHistory: (_core.AQ_DataSTH, _core.AQ_HeaderSTH),
-    _core.AQ_MaskMap: (_core.AQ_DataMask, _core.AQ_HeaderMask),
-    _core.AQ_Spectrum: (_core.AQ_DataSSR, _core.AQ_HeaderSSR),
-    _core.AQ_PositionTimeHistory: (_core.AQ_DataPTH, _core.AQ_HeaderPTH),
-    _core.AQ_GeometryTimeHistory: (_core.AQ_DataGTH, _core.AQ_HeaderGTH),
-}
 _TABLES = (_core.AQ_SpectralTimeHistory, _core.AQ_MaskMap, _core.AQ_Spectrum)
-
-
-_TYPES: dict[FileKind, type] = {
-    FileKind.SpectralTimeHistory: _core.AQ_SpectralTimeHistory,
-    FileKind.MaskingMap: _core.AQ_MaskMap,
-    FileKind.SpectrumRecord: _core.AQ_Spectrum,
-    FileKind.PositionTimeHistory: _core.AQ_PositionTimeHistory,
-    FileKind.GeometricTimeHistory: _core.AQ_GeometryTimeHistory,
-    FileKind.MicrophonePosition: _core.AQ_Microphone,
-    FileKind.Tracking: _core.AQ_PositionTimeHistory,
-    FileKind.VariableInitialization: _core.AQ_DataINI,
-}
 
 
 def _beginning(name: str) -> str:
@@ -175,25 +132,20 @@ def read(path: Path, wanted: Optional[type[Any]] = None) -> AnyReading:
     kind = _core.kindOfFile(name)
     if kind == FileKind.Unknown:
         raise FileError(name, 0, 0, "the title of a kind that is known", _beginning(name))
-    if wanted is not None and _TYPES[kind] is not wanted:
+    found = FORMATS[kind]
+    if wanted is not None and found.model is not wanted:
         raise FileError(
-            name, 0, 0, f"a file of {_named(wanted)}", f"one of {_TYPES[kind].__name__}"
+            name, 0, 0, f"a file of {_named(wanted)}", f"one of {found.model.__name__}"
         )
-    return _READERS[kind](name)
+    return found.read(name)
 
 
 def _named(cls: Any) -> str:
-    if cls not in _TYPES.values():
-        classes = sorted({own.__name__ for own in _TYPES.values()})
+    models = {format.model for format in FORMATS.values()}
+    if cls not in models:
+        classes = sorted(own.__name__ for own in models)
         raise TypeError(f"expected a class that has a file, {', '.join(classes)}, found {cls!r}")
     return str(cls.__name__)
-
-
-def _file_of(obj: Any) -> tuple[type, type]:
-    for model, classes in _WRITERS.items():
-        if isinstance(obj, model):
-            return classes
-    raise TypeError(f"expected an object that has a file, found {type(obj).__name__}")
 
 
 def _of_one_file(ds: Any) -> AnyReading:
@@ -231,10 +183,7 @@ def write(obj: Any, path: Path, header: Any = None, exist_ok: bool = True) -> No
         header = own_header if header is None else header
     if not exist_ok and os.path.lexists(path):
         raise FileExistsError(errno.EEXIST, os.strerror(errno.EEXIST), path)
-    if isinstance(obj, _core.AQ_DataINI):
-        obj.writeFile(path)
-        return
-    file_class, header_class = _file_of(obj)
+    format = format_for(obj, path)
     if isinstance(obj, _TABLES):
         _core._checkWritable(obj)
-    file_class().writeFile(path, header_class() if header is None else header, obj)
+    format.write(path, header, obj)

@@ -79,6 +79,19 @@ class BoundFile : public Bound<File> {
     return *this;
   }
 
+  /// Files without a header of their own.
+  template <class Model>
+  void readsAlone() {
+    this->def(
+        "readFile",
+        [](File& self, const Path& path) {
+          std::shared_ptr<Model> model;
+          runFile(self, [&](File& file) { return readInto(file, path.name, model); });
+          return model;
+        },
+        py::arg("sFileName"), docOf<File>("readFile").c_str());
+  }
+
  private:
   using Call = AQ_DataMessage (File::*)(const std::string&);
 
@@ -107,16 +120,7 @@ void bindFailure(py::module_& module) {
       py::arg("path"), docOf<describe::FileFunctions>("kindOfFile").c_str());
 }
 
-template <class... Headers>
-void bindHeaders(const py::module_& module) {
-  (Bound<Headers>(module).record(), ...);
-}
-
-void bindModelFiles(const py::module_& module) {
-  BoundFile<AQ_DataSTH> history(module);
-  history.reads<AQ_HeaderSTH, AQ_SpectralTimeHistory>()
-      .writes<AQ_HeaderSTH, AQ_SpectralTimeHistory>()
-      .record();
+void bindRawHeader(BoundFile<AQ_DataSTH>& history) {
   history.def(
       "getRawHeader",
       [](AQ_DataSTH& self, const Path& path) {
@@ -127,44 +131,54 @@ void bindModelFiles(const py::module_& module) {
         return lines;
       },
       py::arg("sFileName"), "The header's lines as they stand, up to the column headings");
-  BoundFile<AQ_DataMask>(module)
-      .reads<AQ_HeaderMask, AQ_MaskMap>()
-      .writes<AQ_HeaderMask, AQ_MaskMap>()
-      .record();
-  BoundFile<AQ_DataSSR>(module)
-      .reads<AQ_HeaderSSR, AQ_Spectrum>()
-      .writes<AQ_HeaderSSR, AQ_Spectrum>()
-      .record();
-  BoundFile<AQ_DataPTH>(module)
-      .reads<AQ_HeaderPTH, AQ_PositionTimeHistory>()
-      .writes<AQ_HeaderPTH, AQ_PositionTimeHistory>()
-      .record();
-  BoundFile<AQ_DataGTH>(module)
-      .reads<AQ_HeaderGTH, AQ_GeometryTimeHistory>()
-      .writes<AQ_HeaderGTH, AQ_GeometryTimeHistory>()
-      .record();
-  BoundFile<AQ_DataMIC>(module).reads<AQ_HeaderMIC, AQ_Microphone>().record();
-  BoundFile<AQ_DataTSPI> tracking(module);
-  tracking.def(
-      "readFile",
-      [](AQ_DataTSPI& self, const Path& path) {
-        std::shared_ptr<AQ_PositionTimeHistory> positions;
-        runFile(self, [&](AQ_DataTSPI& file) { return readInto(file, path.name, positions); });
-        return positions;
-      },
-      py::arg("sFileName"), docOf<AQ_DataTSPI>("readFile").c_str());
-  tracking.record();
+}
+
+template <class File, class Header, class Model>
+void bindFormat(const py::module_& module) {
+  if constexpr (!std::is_void_v<Header>) {
+    if (!py::hasattr(module, describe::Description<Header>::name)) Bound<Header>(module).record();
+  }
+  BoundFile<File> file(module);
+  if constexpr (std::is_void_v<Header> && !std::is_same_v<File, Model>) {
+    file.template readsAlone<Model>();
+  } else if constexpr (!std::is_void_v<Header>) {
+    file.template reads<Header, Model>();
+    if constexpr (writesFiles<File>) file.template writes<Header, Model>();
+  }
+  if constexpr (std::is_same_v<File, AQ_DataSTH>) bindRawHeader(file);
+  file.record();
+}
+
+template <class T>
+py::object typeOf() {
+  if constexpr (std::is_void_v<T>) {
+    return py::none();
+  } else {
+    return py::type::of<T>();
+  }
+}
+
+/// The list of formats, as tuples.
+py::object formats() {
+  py::list rows;
+  forFormats([&]<class File, class Header, class Model>(const Format<File, Header, Model>& format) {
+    rows.append(py::make_tuple(format.kind, format.text, format.word, format.ending, typeOf<File>(),
+                               typeOf<Header>(), typeOf<Model>(), writesFiles<File>));
+  });
+  return rows;
 }
 
 }  // namespace
 
 void bindFiles(py::module_& module) {
   bindFailure(module);
-  bindHeaders<AQ_HeaderSTH, AQ_HeaderMask, AQ_HeaderSSR, AQ_HeaderPTH, AQ_HeaderMIC, AQ_HeaderGTH>(
-      module);
-  bindModelFiles(module);
-  BoundFile<AQ_DataINI>(module).record();
+  forFormats([&]<class File, class Header, class Model>(const Format<File, Header, Model>&) {
+    bindFormat<File, Header, Model>(module);
+  });
   const BoundFile<AQ_DataASCII> text(module);
+  module.def("_formats", formats,
+             "Of each format: kind, name in words and in one, ending, file class, header class if "
+             "it has one, class of the data, and whether such files are written");
 }
 
 }  // namespace aq::python

@@ -16,22 +16,16 @@
 namespace aq {
 namespace {
 
-using test::Format;
+using test::FormatCalls;
 using test::forSamples;
 using test::kFormats;
 using test::Outcome;
-
-const std::map<std::string, std::string> kCodes = {
-    {"spectral-time-history", "STH"}, {"masking-map", "MASK"},
-    {"position-time-history", "PTH"}, {"geometric-time-history", "GTH"},
-    {"microphone-position", "MIC"},   {"tracking", "TSPI"},
-    {"spectrum-record", "SSR"},       {"variable-initialization", "INI"}};
 
 TEST(Formats, GoodSamplesComeBackByteByByte) {
   const test::FixedInformation fixed;
   const test::Folder folder;
   forSamples("good", [&](const std::string& name, const std::filesystem::path& sample) {
-    const Format& format = kFormats.at(name);
+    const FormatCalls& format = kFormats.at(name);
     const Outcome outcome = format.read(sample.string());
     EXPECT_TRUE(!outcome.failure.has_value() && outcome.sound);
     if (!format.rewrite) return;
@@ -44,7 +38,7 @@ TEST(Formats, GoodSamplesComeBackByteByByte) {
 /// The file beside a good sample that ends in `.values` lists all that is read of it.
 TEST(Formats, GoodSamplesHaveTheListedValues) {
   forSamples("good", [](const std::string& name, std::filesystem::path sample) {
-    const std::string found = test::valuesOf(kCodes.at(name), sample.string());
+    const std::string found = test::valuesOf(kFormats.at(name).code, sample.string());
     EXPECT_EQ(found, test::contentOf(sample.replace_extension("values")));
   });
 }
@@ -99,8 +93,9 @@ TEST_F(FieldData, EveryFileReadsAndIsStableFromItsSecondWriteOn) {
     ASSERT_EQ(rewrite(folder.file(file), folder.file(file)), AQ_DATA_OK);
     EXPECT_EQ(test::contentOf(folder.file(file)), once);
   }
-  EXPECT_EQ(test::readTracking(path("landing.tspi.csv")).handedOut, "8 dropped ");
-  EXPECT_FALSE(test::readMicrophone(path("landing.mic.csv")).failure.has_value());
+  EXPECT_EQ(kFormats.at("tracking").read(path("landing.tspi.csv")).handedOut, "8 dropped ");
+  EXPECT_FALSE(
+      kFormats.at("microphone-position").read(path("landing.mic.csv")).failure.has_value());
 }
 
 TEST_F(FieldData, TheMapGivesItsLastGoodBands) {

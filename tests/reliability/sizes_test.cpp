@@ -28,7 +28,7 @@ constexpr std::size_t kBlock = std::size_t{160} << 10;  // the reader's block, a
 
 /// Reads `content` by `format`, and expects a place where it fails and memory for four times the
 /// bytes at the most.
-void readModestly(const test::Format& format, const std::string& content) {
+void readModestly(const test::FormatCalls& format, const std::string& content) {
   const test::Folder folder;
   const std::string path = folder.with("a", content);
   test::Outcome outcome;

@@ -1,9 +1,10 @@
 #pragma once
 
 #include <aq/aq.h>
-#include <aq/text/call_file.h>
+#include <aq/describe/files.h>
 #include <aq/text/number_text.h>
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <memory>
@@ -21,77 +22,71 @@ struct Outcome {
 };
 
 /// A kind of file with what reads it and, if there is a writer, what reads and writes it again.
-struct Format {
+struct FormatCalls {
+  std::string code;  ///< as in "STH", its name for `valuesOf`
   std::function<Outcome(const std::string& path)> read;
   std::function<AQ_DataMessage(const std::string& from, const std::string& to)> rewrite = nullptr;
 };
 
-inline Outcome outcomeOf(const FileClass& file, AQ_DataMessage result, bool header, bool model) {
-  const bool good = result == AQ_DATA_OK;
-  return {file.lastFailure(), std::string(header ? "header " : "") + (model ? "model " : ""),
-          good == !file.lastFailure().has_value() && (!good || (header && model))};
+// What a failed read leaves in the caller's hands.
+template <class Header, class Model>
+std::string handedOut(const FileClass& /*file*/, const Content<Header, Model>& content) {
+  return std::string(content.header ? "header " : "") + (content.model ? "model " : "");
+}
+inline std::string handedOut(const AQ_DataTSPI& file,
+                             const Content<void, AQ_PositionTimeHistory>&) {
+  return std::to_string(file.nBadPositions()) + " dropped ";
+}
+inline std::string handedOut(const AQ_DataINI& file, const Content<void, AQ_DataINI>&) {
+  return "LoRec " + numberText(std::int32_t{file.LoRec()}) + ' ';
+}
+template <class Header>
+std::string handedOut(const FileClass& /*file*/, const Content<Header, AQ_Microphone>& content) {
+  std::string text = content.header ? "header model " : "model ";
+  if (content.model->Y != 0) text += "Y " + numberText(content.model->Y) + ' ';
+  return text;
+}
+
+template <class Content>
+bool isWhole(const Content& content) {
+  if constexpr (requires { content.header; }) {
+    if (!content.header) return false;
+  }
+  return content.model != nullptr;
 }
 
 template <class File, class Header, class Model>
-Format format() {
-  const auto read = [](const std::string& path) {
+FormatCalls callsOf(const Format<File, Header, Model>& /*format*/) {
+  constexpr std::string_view kClass = describe::Description<File>::name;
+  FormatCalls calls;
+  calls.code = upperCased(kClass.substr(std::string_view("AQ_Data").size()));
+  calls.read = [](const std::string& path) {
     File file;
-    std::shared_ptr<Header> header;
-    std::shared_ptr<Model> model;
-    const AQ_DataMessage result = readInto(file, path, header, model);
-    return outcomeOf(file, result, header != nullptr, model != nullptr);
+    Content<Header, Model> content;
+    const bool good = readContent(file, path, content) == AQ_DATA_OK;
+    return Outcome{file.lastFailure(), handedOut(file, content),
+                   good == !file.lastFailure().has_value() && (!good || isWhole(content))};
   };
-  const auto rewrite = [](const std::string& from, const std::string& to) {
-    File file;
-    std::shared_ptr<Header> header;
-    std::shared_ptr<Model> model;
-    const AQ_DataMessage result = readInto(file, from, header, model);
-    return result == AQ_DATA_OK ? writeFrom(file, to, header, *model) : result;
-  };
-  return {read, rewrite};
+  if constexpr (writesFiles<File>) {
+    calls.rewrite = [](const std::string& from, const std::string& to) {
+      File file;
+      Content<Header, Model> content;
+      const AQ_DataMessage result = readContent(file, from, content);
+      return result == AQ_DATA_OK ? writeContent(file, to, content) : result;
+    };
+  }
+  return calls;
 }
 
-inline Outcome readTracking(const std::string& path) {
-  AQ_DataTSPI file;
-  std::shared_ptr<AQ_PositionTimeHistory> history;
-  const AQ_DataMessage result = readInto(file, path, history);
-  Outcome outcome = outcomeOf(file, result, true, history != nullptr);
-  outcome.handedOut = std::to_string(file.nBadPositions()) + " dropped ";
-  return outcome;
-}
-
-inline Outcome readMicrophone(const std::string& path) {
-  AQ_DataMIC file;
-  std::shared_ptr<AQ_HeaderMIC> header;
-  const auto microphone = std::make_shared<AQ_Microphone>();
-  const AQ_DataMessage result = readInto(file, path, header, microphone);
-  Outcome outcome = outcomeOf(file, result, header != nullptr, true);
-  if (microphone->Y != 0) outcome.handedOut += "Y " + numberText(microphone->Y) + ' ';
-  return outcome;
-}
-
-inline Outcome readParameters(const std::string& path) {
-  AQ_DataINI file;
-  const AQ_DataMessage result = file.readFile(path);
-  Outcome outcome = outcomeOf(file, result, true, true);
-  outcome.handedOut = "LoRec " + numberText(std::int32_t{file.LoRec()}) + ' ';
-  return outcome;
-}
-
-inline AQ_DataMessage rewriteParameters(const std::string& from, const std::string& to) {
-  AQ_DataINI file;
-  const AQ_DataMessage result = file.readFile(from);
-  return result == AQ_DATA_OK ? file.writeFile(to) : result;
-}
-
-inline const std::map<std::string, Format> kFormats{
-    {"spectral-time-history", format<AQ_DataSTH, AQ_HeaderSTH, AQ_SpectralTimeHistory>()},
-    {"masking-map", format<AQ_DataMask, AQ_HeaderMask, AQ_MaskMap>()},
-    {"position-time-history", format<AQ_DataPTH, AQ_HeaderPTH, AQ_PositionTimeHistory>()},
-    {"geometric-time-history", format<AQ_DataGTH, AQ_HeaderGTH, AQ_GeometryTimeHistory>()},
-    {"spectrum-record", format<AQ_DataSSR, AQ_HeaderSSR, AQ_Spectrum>()},
-    {"tracking", {readTracking}},
-    {"microphone-position", {readMicrophone}},
-    {"variable-initialization", {readParameters, rewriteParameters}}};
+/// By the names of their folders, as in "spectral-time-history".
+inline const std::map<std::string, FormatCalls> kFormats = [] {
+  std::map<std::string, FormatCalls> calls;
+  forFormats([&](const auto& format) {
+    std::string folder(format.text);
+    std::replace(folder.begin(), folder.end(), ' ', '-');
+    calls.emplace(folder, callsOf(format));
+  });
+  return calls;
+}();
 
 }  // namespace aq::test

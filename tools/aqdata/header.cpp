@@ -1,120 +1,110 @@
+#include <aq/describe/files.h>
+#include <aq/describe/headers.h>
+
 #include <algorithm>
+#include <array>
+#include <functional>
 
 #include "tools/aqdata/sheet.h"
 
 namespace aqdata {
 namespace {
 
-Json dateOf(const std::shared_ptr<aq::AQ_Time>& time) {
-  if (!time || time->CurrentDate() == 0) return nullptr;
-  return aq::Variant::date(time->CurrentDate() + time->TODseconds() / 86400).toString();
-}
+/// The order of a card's keys; members stand in the order of the interface.
+constexpr std::array<std::string_view, 20> kCardOrder{"file_name",
+                                                      "file_date",
+                                                      "project",
+                                                      "microphone",
+                                                      "calibration_adjustment_db",
+                                                      "averaging",
+                                                      "time_stamp",
+                                                      "adjustment",
+                                                      "start_time",
+                                                      "reference_time",
+                                                      "reference_time_type",
+                                                      "window_before_s",
+                                                      "window_behind_s",
+                                                      "low_record",
+                                                      "high_record",
+                                                      "generated_by",
+                                                      "generation_file",
+                                                      "generation_file_date",
+                                                      "other_records",
+                                                      "comments"};
 
-Json linesOf(const std::shared_ptr<aq::Collection<std::string>>& lines) {
+// The values that members with a key have.
+
+Json jsonOf(const std::string& text) { return text; }
+Json jsonOf(std::int16_t number) { return number; }
+Json jsonOf(std::int32_t number) { return number; }
+Json jsonOf(float value) { return tidy(value); }
+Json jsonOf(const std::shared_ptr<aq::AQ_Time>& date) {
+  if (!date || date->CurrentDate() == 0) return nullptr;
+  return aq::Variant::date(date->CurrentDate() + date->TODseconds() / 86400).toString();
+}
+Json jsonOf(const std::shared_ptr<aq::AQ_Position>& at) { return {at->X(), at->Y(), at->Z()}; }
+Json jsonOf(const std::shared_ptr<aq::Collection<std::string>>& lines) {
   Json all = Json::array();
   for (const std::string& line : *lines) all.push_back(line);
   return all;
 }
 
+Json jsonOf(aq::AQ_AverageMethod method) { return aq::wordOf(method); }
+Json jsonOf(aq::AQ_TimeStampType type) { return aq::wordOf(type); }
+
+/// The members of an object that have a key.
+template <class Object>
+Json keyed(Object& object) {
+  Json values = Json::object();
+  const auto put = [&](const auto& member, const auto& value) {
+    if constexpr (requires { jsonOf(value); }) {
+      if (!member.about.key.empty()) values[std::string(member.about.key)] = jsonOf(value);
+    }
+  };
+  aq::describe::forMembers<Object>([&](const auto& member) {
+    if constexpr (requires { object.*member.member; }) {
+      put(member, object.*member.member);
+    } else if constexpr (requires { std::invoke(member.get, object); }) {
+      put(member, std::invoke(member.get, object));
+    }
+  });
+  return values;
+}
+
+/// As a card has them; what has them in order already keeps them.
+Json inCardOrder(const Json& values) {
+  if (values.empty() || values.begin().key() == kCardOrder.front()) return values;
+  Json ordered = Json::object();
+  for (const std::string_view key : kCardOrder) {
+    const auto value = values.find(key);
+    if (value != values.end()) ordered[std::string(key)] = *value;
+  }
+  return ordered;
+}
+
+template <class Header, class Model>
+Json headerFrom(const Held<Header, Model>& read) {
+  return inCardOrder(keyed(*read.header));
+}
+
 Json headerFrom(const History& read) {
-  const aq::AQ_HeaderSTH& header = *read.header;
-  aq::AQ_SpectralTimeHistory& history = *read.history;
-  return {{"file_name", header.sFileName},
-          {"file_date", dateOf(header.aqFileDateTime)},
-          {"project", header.sProjectName},
-          {"microphone", header.sMicrophoneID},
-          {"averaging", history.sAveragingMethod()},
-          {"time_stamp", history.sTimeStampType()},
-          {"adjustment", header.sAdjustmentCode},
-          {"start_time", timeText(*history.startTime())},
-          {"reference_time", timeText(*history.ReferenceTime())},
-          {"reference_time_type", read.referenceType},
-          {"generated_by", header.sGeneratedBy},
-          {"generation_file", header.sGenerationFile},
-          {"generation_file_date", dateOf(header.aqGenerationDateTime)},
-          {"other_records", linesOf(header.cOtherRecords)},
-          {"comments", linesOf(header.cCommentLines)}};
-}
-
-Json headerFrom(const MaskingMap& read) {
-  const aq::AQ_HeaderMask& header = *read.header;
-  return {{"file_name", header.sFileName},
-          {"file_date", dateOf(header.aqFileDateTime)},
-          {"generated_by", header.sGeneratedBy},
-          {"generation_file", header.sGenerationFile},
-          {"generation_file_date", dateOf(header.aqGenerationDateTime)},
-          {"other_records", linesOf(header.cOtherRecords)},
-          {"comments", linesOf(header.cCommentLines)}};
-}
-
-Json headerFrom(const SpectrumRecord& read) {
-  return {{"file_name", read.header->sFileName},
-          {"file_date", dateOf(read.header->aqFileDateTime)},
-          {"comments", linesOf(read.header->cCommentLines)}};
-}
-
-Json headerFrom(const Positions& read) {
-  const aq::AQ_HeaderPTH& header = *read.header;
-  return {{"file_name", header.sFileName},
-          {"file_date", dateOf(header.aqFileDateTime)},
-          {"project", header.sProjectName},
-          {"generated_by", header.sGeneratedBy},
-          {"tracking_file", header.sTSPIFileName},
-          {"tracking_file_date", header.sTSPIFileDateTime},
-          {"other_records", linesOf(header.cOtherRecords)},
-          {"comments", linesOf(header.cCommentLines)}};
+  aq::AQ_SpectralTimeHistory& history = *read.model;
+  Json values = keyed(*read.header);
+  values["averaging"] = history.sAveragingMethod();
+  values["time_stamp"] = history.sTimeStampType();
+  values["start_time"] = timeText(*history.startTime());
+  values["reference_time"] = timeText(*history.ReferenceTime());
+  values["reference_time_type"] = read.referenceType;
+  return inCardOrder(values);
 }
 
 Json headerFrom(const Tracking& read) { return {{"rejected_fixes", read.rejected}}; }
-
-Json headerFrom(const Microphone& read) {
-  const aq::AQ_HeaderMIC& header = *read.header;
-  return {{"file_name", header.sFileName},
-          {"file_date", dateOf(header.aqFileDateTime)},
-          {"project", header.sProjectName},
-          {"microphone", header.sMicrophoneID},
-          {"other_records", linesOf(header.cOtherRecords)},
-          {"comments", linesOf(header.cCommentLines)}};
-}
-
-Json headerFrom(const Geometry& read) {
-  const aq::AQ_HeaderGTH& header = *read.header;
-  const aq::AQ_Position& at = *header.MicrophonePosition;
-  return {{"file_name", header.GTHFileName},
-          {"file_date", dateOf(header.GTHFileDateTime)},
-          {"project", header.ProjectName},
-          {"generated_by", header.GeneratedBy},
-          {"microphone", header.MicrophoneID},
-          {"microphone_position", {at.X(), at.Y(), at.Z()}},
-          {"temperature", tidy(header.Temperature)},
-          {"history_file", header.STHFileName},
-          {"history_file_date", header.STHFileDateTime},
-          {"position_file", header.PTHFileName},
-          {"position_file_date", header.PTHFileDateTime},
-          {"microphone_file", header.MICFileName},
-          {"microphone_file_date", header.MICFileDateTime},
-          {"other_records", linesOf(header.colOtherRecords)},
-          {"comments", linesOf(header.colCommentLines)}};
-}
-
-Json headerFrom(const Parameters& read) {
-  aq::AQ_DataINI& parameters = *read.parameters;
-  return {{"file_name", parameters.FileName()},
-          {"file_date", dateOf(parameters.FileDate())},
-          {"calibration_adjustment_db", tidy(parameters.CalAdj())},
-          {"averaging", aq::wordOf(parameters.NuAvg())},
-          {"time_stamp", aq::wordOf(parameters.NuTimg())},
-          {"window_before_s", tidy(parameters.PrWndo())},
-          {"window_behind_s", tidy(parameters.PoWndo())},
-          {"low_record", parameters.LoRec()},
-          {"high_record", parameters.HiRec()},
-          {"comments", linesOf(parameters.Comments())}};
-}
+Json headerFrom(const Parameters& read) { return inCardOrder(keyed(*read.model)); }
 
 }  // namespace
 
 Json headerOf(const Measurement& measurement) {
-  return std::visit([](const auto& read) { return headerFrom(read); }, measurement);
+  return std::visit([](const auto& read) { return headerFrom(read); }, measurement.data);
 }
 
 }  // namespace aqdata

@@ -1,59 +1,18 @@
 #include "tools/aqdata/measurement.h"
 
 #include <aq/check/check_file.h>
-#include <aq/text/call_file.h>
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <filesystem>
-#include <iterator>
 
 #include "tools/aqdata/session.h"
 
 namespace aqdata {
 namespace {
 
-struct KindNames {
-  aq::FileKind kind;
-  std::string_view text;
-  std::string_view word;
-};
-
-constexpr KindNames kKinds[] = {  // in the order of `Measurement`
-    {aq::FileKind::SpectralTimeHistory, "spectral time history", "history"},
-    {aq::FileKind::MaskingMap, "masking map", "map"},
-    {aq::FileKind::SpectrumRecord, "spectrum record", "spectrum"},
-    {aq::FileKind::PositionTimeHistory, "position time history", "positions"},
-    {aq::FileKind::Tracking, "tracking", "tracking"},
-    {aq::FileKind::MicrophonePosition, "microphone position", "microphone"},
-    {aq::FileKind::GeometricTimeHistory, "geometric time history", "geometry"},
-    {aq::FileKind::VariableInitialization, "variable initialization", "parameters"},
-    {aq::FileKind::Unknown, "unknown", "unknown"}};
-static_assert(std::size(kKinds) == std::variant_size_v<Measurement> + 1);
-
-const KindNames& namesOf(aq::FileKind kind) {
-  return *std::find_if(std::begin(kKinds), std::end(kKinds),
-                       [kind](const KindNames& names) { return names.kind == kind; });
-}
-
 aq::FileKind kindOf(const std::string& path) {
   expectFile(path);
   return aq::kindOfFile(path);
-}
-
-void expectKind(const std::string& path, aq::FileKind expected) {
-  const aq::FileKind found = kindOf(path);
-  // What cannot be read or has lost its title fails in its reader, which says why.
-  if (found == expected || found == aq::FileKind::Unknown) return;
-  throw Failure(fmt::format("{}: expected a {} file, found a {} file", aq::escaped(path),
-                            kindText(expected), kindText(found)));
-}
-
-template <class File, class... Out>
-void read(const std::string& path, const aq::HeaderObserver& watch, Out&... out) {
-  File file;
-  file.observeHeader(watch);
-  expectGood(aq::readInto(file, path, out...), file);
 }
 
 [[noreturn]] void failUnknown(const std::string& path) {
@@ -64,69 +23,72 @@ void read(const std::string& path, const aq::HeaderObserver& watch, Out&... out)
                             empty ? "an empty file" : aq::shown(lines.Lines()->Item(1))));
 }
 
-History readHistory(const std::string& path, const aq::HeaderObserver& watch) {
-  History read;
-  const auto watchAll = [&](const aq::HeaderLine& line) {
-    if (line.keyword == "ReferenceTimeType") read.referenceType = line.value;
-    if (watch) watch(line);
-  };
-  aqdata::read<aq::AQ_DataSTH>(path, watchAll, read.header, read.history);
+/// What a command wants of a read beyond the data.
+struct Reading {
+  const aq::HeaderObserver& watch;
+  std::uint8_t rt20Limit = 1;
+};
+
+template <class File, class Header, class Model>
+Held<Header, Model> readBy(const std::string& path, const Reading& how) {
+  Held<Header, Model> held;
+  File file;
+  file.observeHeader(how.watch);
+  if constexpr (requires { held.referenceType; }) {
+    file.observeHeader([&](const aq::HeaderLine& line) {
+      if (line.keyword == "ReferenceTimeType") held.referenceType = line.value;
+      if (how.watch) how.watch(line);
+    });
+  }
+  if constexpr (requires { file.RT20Limit(how.rt20Limit); }) file.RT20Limit(how.rt20Limit);
+  expectGood(aq::readContent(file, path, held), file);
+  if constexpr (requires { held.rejected; }) held.rejected = file.nBadPositions();
+  return held;
+}
+
+Measurement readAs(aq::FileKind kind, const std::string& path, const Reading& how) {
+  Measurement read{kind, {}};
+  aq::forFormats(
+      [&]<class File, class Header, class Model>(const aq::Format<File, Header, Model>& format) {
+        if (format.kind == kind) read.data = readBy<File, Header, Model>(path, how);
+      });
   return read;
 }
 
-MaskingMap readMap(const std::string& path, const aq::HeaderObserver& watch) {
-  MaskingMap read;
-  aqdata::read<aq::AQ_DataMask>(path, watch, read.header, read.map);
-  return read;
+/// `found` when its files hold such data, else the first kind whose files do.
+template <class Wanted>
+aq::FileKind kindHolding(aq::FileKind found) {
+  auto kind = aq::FileKind::Unknown;
+  aq::forFormats(
+      [&]<class File, class Header, class Model>(const aq::Format<File, Header, Model>& format) {
+        if constexpr (std::is_same_v<Held<Header, Model>, Wanted>) {
+          if (kind == aq::FileKind::Unknown || format.kind == found) kind = format.kind;
+        }
+      });
+  return kind;
 }
 
-SpectrumRecord readSpectrum(const std::string& path, const aq::HeaderObserver& watch) {
-  SpectrumRecord read;
-  aqdata::read<aq::AQ_DataSSR>(path, watch, read.header, read.spectrum);
-  return read;
-}
-
-Tracking readTracking(const std::string& path, const aq::HeaderObserver& watch,
-                      std::uint8_t rt20Limit) {
-  Tracking read;
-  aq::AQ_DataTSPI file;
-  file.observeHeader(watch);
-  file.RT20Limit(rt20Limit);
-  expectGood(aq::readInto(file, path, read.history), file);
-  read.rejected = file.nBadPositions();
-  return read;
-}
-
-Positions readPositions(const std::string& path, const aq::HeaderObserver& watch) {
-  Positions read;
-  aqdata::read<aq::AQ_DataPTH>(path, watch, read.header, read.history);
-  return read;
-}
-
-Microphone readMicrophone(const std::string& path, const aq::HeaderObserver& watch) {
-  Microphone read;
-  aqdata::read<aq::AQ_DataMIC>(path, watch, read.header, read.microphone);
-  return read;
-}
-
-Geometry readGeometry(const std::string& path, const aq::HeaderObserver& watch) {
-  Geometry read;
-  aqdata::read<aq::AQ_DataGTH>(path, watch, read.header, read.history);
-  return read;
-}
-
-Parameters readParameters(const std::string& path, const aq::HeaderObserver& watch) {
-  Parameters read{std::make_shared<aq::AQ_DataINI>()};
-  read.parameters->observeHeader(watch);
-  expectGood(read.parameters->readFile(path), *read.parameters);
-  return read;
+template <class Wanted>
+Wanted openHeld(const std::string& path, const Reading& how) {
+  const aq::FileKind found = kindOf(path);
+  const aq::FileKind kind = kindHolding<Wanted>(found);
+  // What cannot be read or has lost its title fails in its reader, which says why.
+  if (found != kind && found != aq::FileKind::Unknown) {
+    throw Failure(fmt::format("{}: expected a {} file, found a {} file", aq::escaped(path),
+                              kindText(kind), kindText(found)));
+  }
+  return std::get<Wanted>(readAs(kind, path, how).data);
 }
 
 }  // namespace
 
-std::string_view kindText(aq::FileKind kind) { return namesOf(kind).text; }
-std::string_view kindText(const Measurement& read) { return kKinds[read.index()].text; }
-std::string_view kindWord(const Measurement& read) { return kKinds[read.index()].word; }
+std::string_view kindWord(aq::FileKind kind) {
+  std::string_view word;
+  aq::forFormats([&](const auto& format) {
+    if (format.kind == kind) word = format.word;
+  });
+  return word;
+}
 
 void expectGood(aq::AQ_DataMessage result, const aq::FileClass& file) {
   if (result != aq::AQ_DATA_OK) throw Failure(file.lastFailure()->message());
@@ -142,33 +104,24 @@ void expectFile(const std::string& path) {
 
 Measurement openFile(const std::string& path, const aq::HeaderObserver& watch,
                      std::uint8_t rt20Limit) {
-  switch (kindOf(path)) {
-    case aq::FileKind::SpectralTimeHistory: return readHistory(path, watch);
-    case aq::FileKind::PositionTimeHistory: return readPositions(path, watch);
-    case aq::FileKind::MicrophonePosition: return readMicrophone(path, watch);
-    case aq::FileKind::GeometricTimeHistory: return readGeometry(path, watch);
-    case aq::FileKind::MaskingMap: return readMap(path, watch);
-    case aq::FileKind::VariableInitialization: return readParameters(path, watch);
-    case aq::FileKind::SpectrumRecord: return readSpectrum(path, watch);
-    case aq::FileKind::Tracking: return readTracking(path, watch, rt20Limit);
-    case aq::FileKind::Unknown: break;
-  }
-  failUnknown(path);
+  const aq::FileKind kind = kindOf(path);
+  if (kind == aq::FileKind::Unknown) failUnknown(path);
+  return readAs(kind, path, {watch, rt20Limit});
 }
 
 History openHistory(const std::string& path, const aq::HeaderObserver& watch) {
-  expectKind(path, aq::FileKind::SpectralTimeHistory);
-  return readHistory(path, watch);
+  return openHeld<History>(path, {watch});
 }
 
 MaskingMap openMap(const std::string& path, const aq::HeaderObserver& watch) {
-  expectKind(path, aq::FileKind::MaskingMap);
-  return readMap(path, watch);
+  return openHeld<MaskingMap>(path, {watch});
 }
 
-MaskingMap openMapOf(const std::string& history, const std::string& map) {
+MaskingMap openMapOf(const History& history, const std::string& historyPath,
+                     const std::string& map) {
   MaskingMap read = openMap(map);
-  aq::checkFit(history, map, [&](const aq::Finding& finding) {
+  const std::string name = std::filesystem::path(historyPath).filename().string();
+  aq::checkFit(*history.model, name, *read.model, [&](const aq::Finding& finding) {
     const std::string record =
         finding.place.record ? fmt::format(", record {}", *finding.place.record) : "";
     throw Failure(fmt::format("{}{}: {}", aq::escaped(map), record, finding.message));
@@ -177,14 +130,12 @@ MaskingMap openMapOf(const std::string& history, const std::string& map) {
 }
 
 SpectrumRecord openSpectrum(const std::string& path, const aq::HeaderObserver& watch) {
-  expectKind(path, aq::FileKind::SpectrumRecord);
-  return readSpectrum(path, watch);
+  return openHeld<SpectrumRecord>(path, {watch});
 }
 
 Tracking openTracking(const std::string& path, const aq::HeaderObserver& watch,
                       std::uint8_t rt20Limit) {
-  expectKind(path, aq::FileKind::Tracking);
-  return readTracking(path, watch, rt20Limit);
+  return openHeld<Tracking>(path, {watch, rt20Limit});
 }
 
 std::string timeText(const aq::AQ_Time& time) {

@@ -5,54 +5,60 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <tuple>
+#include <type_traits>
 #include <variant>
 
 namespace aqdata {
 
-// What each kind of file holds, as read.
+/// What a file holds, as read.
+template <class Header, class Model>
+struct Held : aq::Content<Header, Model> {};
 
-struct History {
-  std::shared_ptr<aq::AQ_HeaderSTH> header;
-  std::shared_ptr<aq::AQ_SpectralTimeHistory> history;
-  std::string referenceType = {};  // as written, since no history takes it from a file
-};
-struct MaskingMap {
-  std::shared_ptr<aq::AQ_HeaderMask> header;
-  std::shared_ptr<aq::AQ_MaskMap> map;
-};
-struct SpectrumRecord {
-  std::shared_ptr<aq::AQ_HeaderSSR> header;
-  std::shared_ptr<aq::AQ_Spectrum> spectrum;
-};
-struct Positions {
-  std::shared_ptr<aq::AQ_HeaderPTH> header;
-  std::shared_ptr<aq::AQ_PositionTimeHistory> history;
-};
-struct Tracking {
-  std::shared_ptr<aq::AQ_PositionTimeHistory> history;
-  std::int32_t rejected = 0;
-};
-struct Microphone {
-  std::shared_ptr<aq::AQ_HeaderMIC> header;
-  std::shared_ptr<aq::AQ_Microphone> microphone = std::make_shared<aq::AQ_Microphone>();
-};
-struct Geometry {
-  std::shared_ptr<aq::AQ_HeaderGTH> header;
-  std::shared_ptr<aq::AQ_GeometryTimeHistory> history;
-};
-struct Parameters {
-  std::shared_ptr<aq::AQ_DataINI> parameters;
+template <>
+struct Held<aq::AQ_HeaderSTH, aq::AQ_SpectralTimeHistory>
+    : aq::Content<aq::AQ_HeaderSTH, aq::AQ_SpectralTimeHistory> {
+  std::string referenceType = {};  // as written, since no history takes it from every file
 };
 
-using Measurement = std::variant<History, MaskingMap, SpectrumRecord, Positions, Tracking,
-                                 Microphone, Geometry, Parameters>;
+template <>
+struct Held<void, aq::AQ_PositionTimeHistory> : aq::Content<void, aq::AQ_PositionTimeHistory> {
+  std::int32_t rejected = 0;  // fixes
+};
 
-/// As in "spectral time history".
-[[nodiscard]] std::string_view kindText(aq::FileKind kind);
-[[nodiscard]] std::string_view kindText(const Measurement& read);
+using History = Held<aq::AQ_HeaderSTH, aq::AQ_SpectralTimeHistory>;
+using MaskingMap = Held<aq::AQ_HeaderMask, aq::AQ_MaskMap>;
+using SpectrumRecord = Held<aq::AQ_HeaderSSR, aq::AQ_Spectrum>;
+using Tracking = Held<void, aq::AQ_PositionTimeHistory>;
+using Parameters = Held<void, aq::AQ_DataINI>;
+
+/// A variant of types, each once.
+template <class... Types>
+struct OneOf {
+  using Variant = std::variant<Types...>;
+
+  template <class File, class Header, class Model>
+  constexpr auto operator+(const aq::Format<File, Header, Model>&) const {
+    using Next = Held<Header, Model>;
+    if constexpr ((std::is_same_v<Types, Next> || ...)) {
+      return *this;
+    } else {
+      return OneOf<Types..., Next>();
+    }
+  }
+};
+
+/// A file of any format, as read.
+struct Measurement {
+  using Data = decltype(std::apply(
+      [](const auto&... formats) { return (OneOf<>() + ... + formats); }, aq::kFormats))::Variant;
+
+  aq::FileKind kind;
+  Data data;
+};
 
 /// In one word, as in "history".
-[[nodiscard]] std::string_view kindWord(const Measurement& read);
+[[nodiscard]] std::string_view kindWord(aq::FileKind kind);
 
 /// Reads a file of any kind; `watch` sees its header lines, tracking is read up to `rt20Limit`.
 /// Throws `Failure`.
@@ -65,8 +71,9 @@ void expectFile(const std::string& path);
 // Read a file of one kind. Throw `Failure`, for a file of another kind too.
 [[nodiscard]] History openHistory(const std::string& path, const aq::HeaderObserver& watch = {});
 [[nodiscard]] MaskingMap openMap(const std::string& path, const aq::HeaderObserver& watch = {});
-/// For a history that the map has to fit, which was read before.
-[[nodiscard]] MaskingMap openMapOf(const std::string& history, const std::string& map);
+/// For a history that the map has to fit, which was read from `historyPath`.
+[[nodiscard]] MaskingMap openMapOf(const History& history, const std::string& historyPath,
+                                   const std::string& map);
 [[nodiscard]] SpectrumRecord openSpectrum(const std::string& path,
                                           const aq::HeaderObserver& watch = {});
 [[nodiscard]] Tracking openTracking(const std::string& path, const aq::HeaderObserver& watch = {},

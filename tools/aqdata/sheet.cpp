@@ -31,7 +31,7 @@ std::vector<Json> levelsOf(const aq::AQ_Spectrum& spectrum) {
 
 Sheet sheetFrom(const History& read) {
   Sheet sheet{.columns = {"record", "time", "time_s", "relative_s"}, .ofBand = "level_db"};
-  for (const auto& [record, spectrum] : *read.history) {
+  for (const auto& [record, spectrum] : *read.model) {
     const aq::AQ_Time time = spectrum->timeValue();
     setBands(sheet, spectrum->LowBand(), spectrum->HighBand());  // the header's, for all
     const double relative = tidy(static_cast<float>(time.RelSeconds()));
@@ -42,15 +42,15 @@ Sheet sheetFrom(const History& read) {
 
 Sheet sheetFrom(const SpectrumRecord& read) {
   Sheet sheet{.columns = {"record"}, .ofBand = "level_db"};
-  setBands(sheet, read.spectrum->LowBand(), read.spectrum->HighBand());
-  addRow(sheet, 1, {}, levelsOf(*read.spectrum));
+  setBands(sheet, read.model->LowBand(), read.model->HighBand());
+  addRow(sheet, 1, {}, levelsOf(*read.model));
   return sheet;
 }
 
 Sheet sheetFrom(const MaskingMap& read) {
   Sheet sheet{.columns = {"record", "last_good_band"}, .ofBand = "mask"};
   setBands(sheet, read.header->iBandLow, read.header->iBandHigh);
-  for (const auto& [record, row] : *read.map) {
+  for (const auto& [record, row] : *read.model) {
     std::vector<Json> masks;
     for (std::int32_t band = sheet.low; band <= sheet.high; ++band) {
       masks.emplace_back(row->decision(static_cast<std::int16_t>(band)).MaskString());
@@ -60,7 +60,9 @@ Sheet sheetFrom(const MaskingMap& read) {
   return sheet;
 }
 
-Sheet positionSheet(const aq::AQ_PositionTimeHistory& history) {
+template <class Header>
+Sheet sheetFrom(const Held<Header, aq::AQ_PositionTimeHistory>& read) {
+  const aq::AQ_PositionTimeHistory& history = *read.model;
   Sheet sheet{.columns = {"position", "time", "time_s", "x", "y", "z"}};
   for (const auto& [place, position] : history) {
     const aq::AQ_Time time = position->lazyTime().value();
@@ -70,13 +72,11 @@ Sheet positionSheet(const aq::AQ_PositionTimeHistory& history) {
   return sheet;
 }
 
-Sheet sheetFrom(const Positions& read) { return positionSheet(*read.history); }
-Sheet sheetFrom(const Tracking& read) { return positionSheet(*read.history); }
-
-Sheet sheetFrom(const Geometry& read) {
+template <class Header>
+Sheet sheetFrom(const Held<Header, aq::AQ_GeometryTimeHistory>& read) {
   Sheet sheet{.columns = {"record", "time", "time_s", "emission_time", "emission_time_s",
                           "propagation_s", "x", "y", "z", "slant_range", "theta", "beta"}};
-  for (const auto& [record, point] : *read.history) {
+  for (const auto& [record, point] : *read.model) {
     addRow(sheet, record,
            {timeText(*point->Tm()), secondsOf(*point->Tm()), timeText(*point->Te()),
             secondsOf(*point->Te()), point->Tprope, point->Pe()->X(), point->Pe()->Y(),
@@ -85,9 +85,10 @@ Sheet sheetFrom(const Geometry& read) {
   return sheet;
 }
 
-Sheet sheetFrom(const Microphone& read) {
+template <class Header>
+Sheet sheetFrom(const Held<Header, aq::AQ_Microphone>& read) {
   Sheet sheet{.columns = {"microphone", "x", "y", "z", "height"}};
-  const aq::AQ_Microphone& at = *read.microphone;
+  const aq::AQ_Microphone& at = *read.model;
   addRow(sheet, 1, {at.X, at.Y, at.Z, at.Height});
   return sheet;
 }
@@ -133,7 +134,7 @@ void Sheet::dropColumns(std::string_view ending) {
 }
 
 Sheet sheetOf(const Measurement& measurement) {
-  Sheet sheet = std::visit([](const auto& read) { return sheetFrom(read); }, measurement);
+  Sheet sheet = std::visit([](const auto& read) { return sheetFrom(read); }, measurement.data);
   std::sort(sheet.rows.begin(), sheet.rows.end(),
             [](const auto& a, const auto& b) { return a.number < b.number; });
   return sheet;

@@ -110,7 +110,7 @@ void printJson(Session& session, const std::string& file, const Report& report) 
     for (const aq::Finding& finding : found.kept) findings.push_back(findingJson(finding));
   }
   session.printDocument(Json{{"file", file},
-                             {"kind", kindText(aq::kindOfFile(file))},
+                             {"kind", aq::kindText(aq::kindOfFile(file))},
                              {"findings", std::move(findings)},
                              {"counts", std::move(counts)}});
 }

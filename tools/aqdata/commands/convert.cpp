@@ -84,12 +84,12 @@ void put(Session& session, const std::vector<std::string>& lines) {
 }
 
 void putSpectrum(const Session& session, const ConvertChoice& choice, const Measurement& read) {
-  const auto* const history = std::get_if<History>(&read);
+  const auto* const history = std::get_if<History>(&read.data);
   if (history == nullptr) throw Failure("a spectrum record is made of a history alone");
   if (!choice.record) throw Failure("which record? --record says it");
   const auto spectrum = [&] {
     try {
-      return history->history->spectrum(*choice.record);
+      return history->model->spectrum(*choice.record);
     } catch (const aq::Error&) {
       throw Failure(fmt::format("{}: has no record {}", aq::escaped(choice.file), *choice.record));
     }
@@ -127,7 +127,7 @@ void convert(Session& session, const ConvertChoice& choice) {
 }  // namespace
 
 Json documentOf(const std::string& path, const Measurement& read, const Sheet& sheet) {
-  Json document{{"file", path}, {"kind", kindText(read)}, {"header", headerOf(read)}};
+  Json document{{"file", path}, {"kind", kindText(read.kind)}, {"header", headerOf(read)}};
   if (sheet.hasBands()) {
     document["low_band"] = sheet.low;
     document["high_band"] = sheet.high;
@@ -146,8 +146,8 @@ void writePositions(Session& session, const Tracking& track, const std::string& 
   const auto header = std::make_shared<aq::AQ_HeaderPTH>();
   header->sGeneratedBy = "aqdata";
   header->sTSPIFileName = from;
-  writeOutput<aq::AQ_DataPTH>(session, header, *track.history);
-  const auto count = static_cast<std::size_t>(track.history->Count());
+  writeOutput<aq::AQ_DataPTH>(session, header, *track.model);
+  const auto count = static_cast<std::size_t>(track.model->Count());
   session.wrote(fmt::format("{}, {} rejected", counted(count, "position"), track.rejected));
 }
 

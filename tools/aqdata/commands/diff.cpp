@@ -194,9 +194,9 @@ void printJson(Session& session, const DiffChoice& choice, const Difference& dif
 void diff(Session& session, const DiffChoice& choice) {
   const Measurement a = openFile(choice.a);
   const Measurement b = openFile(choice.b);
-  if (a.index() != b.index()) {
-    throw Failure(fmt::format("{} is a {} file, {} a {} file", aq::escaped(choice.a), kindText(a),
-                              aq::escaped(choice.b), kindText(b)));
+  if (a.data.index() != b.data.index()) {
+    throw Failure(fmt::format("{} is a {} file, {} a {} file", aq::escaped(choice.a),
+                              kindText(a.kind), aq::escaped(choice.b), kindText(b.kind)));
   }
   Difference difference;
   compareHeaders(headerOf(a), headerOf(b), choice.dates, difference);

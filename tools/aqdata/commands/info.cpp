@@ -58,7 +58,7 @@ void describe(const History& read, Json& info) {
   Extent extent;
   std::int16_t low = 0;
   std::int16_t high = -1;
-  for (const auto& [record, spectrum] : *read.history) {
+  for (const auto& [record, spectrum] : *read.model) {
     extent.see(record, spectrum->timeValue());
     low = spectrum->LowBand();
     high = spectrum->HighBand();
@@ -69,33 +69,34 @@ void describe(const History& read, Json& info) {
 
 void describe(const MaskingMap& read, Json& info) {
   Extent extent;
-  for (const auto& [record, row] : *read.map) extent.see(record);
+  for (const auto& [record, row] : *read.model) extent.see(record);
   extent.addTo(info, "records");
   addBands(info, read.header->iBandLow, read.header->iBandHigh);
 }
 
 void describe(const SpectrumRecord& read, Json& info) {
   info["records"] = 1;
-  addBands(info, read.spectrum->LowBand(), read.spectrum->HighBand());
+  addBands(info, read.model->LowBand(), read.model->HighBand());
 }
 
-void describePositions(const aq::AQ_PositionTimeHistory& history, Json& info) {
+template <class Header>
+void describe(const Held<Header, aq::AQ_PositionTimeHistory>& read, Json& info) {
+  const aq::AQ_PositionTimeHistory& history = *read.model;
   Extent extent;
   for (const auto& [place, position] : history) extent.see(place, position->lazyTime().value());
   extent.addTo(info, "positions");
 }
 
-void describe(const Positions& read, Json& info) { describePositions(*read.history, info); }
-void describe(const Tracking& read, Json& info) { describePositions(*read.history, info); }
-
-void describe(const Geometry& read, Json& info) {
+template <class Header>
+void describe(const Held<Header, aq::AQ_GeometryTimeHistory>& read, Json& info) {
   Extent extent;
-  for (const auto& [record, point] : *read.history) extent.see(record, *point->Tm());
+  for (const auto& [record, point] : *read.model) extent.see(record, *point->Tm());
   extent.addTo(info, "records");
 }
 
-void describe(const Microphone& read, Json& info) {
-  const aq::AQ_Microphone& at = *read.microphone;
+template <class Header>
+void describe(const Held<Header, aq::AQ_Microphone>& read, Json& info) {
+  const aq::AQ_Microphone& at = *read.model;
   info["position"] = {at.X, at.Y, at.Z};
   info["height"] = at.Height;
 }
@@ -110,10 +111,10 @@ struct Outcome {
 
 Outcome infoOf(const std::string& path) {
   const Measurement read = openFile(path);
-  Json info{{"file", path}, {"kind", kindText(read)}};
-  std::visit([&](const auto& kind) { describe(kind, info); }, read);
+  Json info{{"file", path}, {"kind", kindText(read.kind)}};
+  std::visit([&](const auto& held) { describe(held, info); }, read.data);
   info["header"] = headerOf(read);
-  return {std::move(info), kindWord(read), {}};
+  return {std::move(info), kindWord(read.kind), {}};
 }
 
 /// The lines of a value: an entry of a list of texts each begins one.

@@ -21,11 +21,11 @@ std::string text(int band) {
 
 void lgb(Session& session, const LgbChoice& choice) {
   const History read = openHistory(choice.history);
-  const MaskingMap map = openMapOf(choice.history, choice.map);
-  read.history->setLGB(*map.map);
+  const MaskingMap map = openMapOf(read, choice.history, choice.map);
+  read.model->setLGB(*map.model);
   Table table({{"record", true}, {"time"}, {"last good band", true}, {""}});
   Json rows = Json::array();
-  for (const auto& [record, spectrum] : *read.history) {
+  for (const auto& [record, spectrum] : *read.model) {
     const int band = static_cast<int>(spectrum->Metric()->LGB());
     rows.push_back({{"record", record}, {"last_good_band", band}});
     table.add({std::to_string(record), timeText(spectrum->timeValue()), std::to_string(band),

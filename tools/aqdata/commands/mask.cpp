@@ -19,7 +19,7 @@ struct MaskChoice {
 std::shared_ptr<aq::AQ_MaskMap> mapOf(const History& read, const aq::AQ_Spectrum& ambient,
                                       const MaskChoice& choice) {
   try {
-    return aq::maskByAmbient(*read.history, ambient, choice.margin);
+    return aq::maskByAmbient(*read.model, ambient, choice.margin);
   } catch (const aq::Error& error) {
     const bool isOfHistory = error.code() == aq::ErrorCode::InvalidArgument;
     throw Failure(fmt::format("{}: {}", aq::escaped(isOfHistory ? choice.history : choice.ambient),
@@ -61,10 +61,10 @@ void mask(Session& session, const MaskChoice& choice) {
   expectOutput(session, {".mask.csv", ".csv"}, {choice.history, choice.ambient});
   const History read = openHistory(choice.history);
   const SpectrumRecord ambient = openSpectrum(choice.ambient);
-  const auto map = mapOf(read, *ambient.spectrum, choice);
+  const auto map = mapOf(read, *ambient.model, choice);
   const auto header = headerFor(choice);
   writeOutput<aq::AQ_DataMask>(session, header, *map);
-  const std::size_t invalid = invalidIn(*read.history);
+  const std::size_t invalid = invalidIn(*read.model);
   session.wrote(fmt::format(
       "{}, {} masked{}", counted(static_cast<std::size_t>(map->Count()), "row"),
       counted(maskedIn(*map), "level"),

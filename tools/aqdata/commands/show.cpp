@@ -24,9 +24,10 @@ struct ShowChoice {
 /// Takes from the map, if there is one, which levels it masks.
 void takeMasks(Sheet& sheet, const Measurement& read, const ShowChoice& choice) {
   if (choice.map.empty()) return;
-  if (!std::holds_alternative<History>(read))
+  const auto* const history = std::get_if<History>(&read.data);
+  if (history == nullptr)
     throw Failure(fmt::format("{}: has no records to mask", aq::escaped(choice.file)));
-  const auto map = openMapOf(choice.file, choice.map).map;
+  const auto map = openMapOf(*history, choice.file, choice.map).model;
   for (Sheet::Row& row : sheet.rows) {
     const auto decisions = map->Row(static_cast<std::int16_t>(row.number));
     for (std::size_t i = 0; i < row.bands.size(); ++i) {

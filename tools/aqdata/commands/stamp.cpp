@@ -77,11 +77,11 @@ aq::AQ_RefTimeType referenceOf(const Words& words, const StampChoice& choice) {
 }
 
 void expectKnown(const Words& words, const History& read, const std::string& file) {
-  if (aq::upperCased(words.averaging) == read.history->sAveragingMethod()) return;
+  if (aq::upperCased(words.averaging) == read.model->sAveragingMethod()) return;
   throw Failure(
       fmt::format("{}: has the averaging method {}, which is not known, and would be "
                   "written as {}",
-                  aq::escaped(file), aq::shown(words.averaging), read.history->sAveragingMethod()));
+                  aq::escaped(file), aq::shown(words.averaging), read.model->sAveragingMethod()));
 }
 
 /// A run lasts minutes, so a reference half a day away is one on the other side of midnight.
@@ -105,13 +105,13 @@ void stamp(Session& session, const StampChoice& choice) {
   setDates(start, reference);
   try {
     // NOLINTNEXTLINE(readability-suspicious-call-argument): two times, each with its type
-    read.history->setTimeStamps(start, type, reference, referenceType);
+    read.model->setTimeStamps(start, type, reference, referenceType);
   } catch (const aq::Error& error) {
     throw Failure(fmt::format("{}: {}", aq::escaped(choice.file), error.what()));
   }
-  writeOutput<aq::AQ_DataSTH>(session, read.header, *read.history);
+  writeOutput<aq::AQ_DataSTH>(session, read.header, *read.model);
   session.wrote(fmt::format("{} from {} on, relative to {}",
-                            counted(static_cast<std::size_t>(read.history->Count()), "record"),
+                            counted(static_cast<std::size_t>(read.model->Count()), "record"),
                             choice.start, choice.reference));
 }
 

@@ -1,0 +1,126 @@
+#pragma once
+
+#include <concepts>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <tuple>
+
+#include "aq/files/data_ini.h"
+#include "aq/files/data_ssr.h"
+#include "aq/files/data_sth.h"
+#include "aq/files/file_kind.h"
+#include "aq/geometry/data_gth.h"
+#include "aq/geometry/data_mic.h"
+#include "aq/geometry/data_pth.h"
+#include "aq/geometry/data_tspi.h"
+#include "aq/masking/data_mask.h"
+#include "aq/text/call_file.h"
+
+// The formats, once: whoever serves all of them goes through this list.
+
+namespace aq {
+
+/// What a file of some format holds. `Header` is void where the format has none of its own.
+template <class Header_, class Model_>
+struct Content {
+  using Header = Header_;
+  using Model = Model_;
+  std::shared_ptr<Header> header = {};
+  std::shared_ptr<Model> model = {};
+};
+template <class Model_>
+struct Content<void, Model_> {
+  using Header = void;
+  using Model = Model_;
+  std::shared_ptr<Model> model = {};
+};
+
+/// A kind of file: how it is named, the class that reads it and, with some, writes it, and what
+/// such a file holds. Files that name their type do so by `File::kTitle`.
+template <class File_, class Header_, class Model_>
+struct Format {
+  using File = File_;
+  using Header = Header_;
+  using Model = Model_;
+  using Content = aq::Content<Header, Model>;
+
+  FileKind kind;
+  std::string_view text;    ///< in words, as in "spectral time history"
+  std::string_view word;    ///< in one, as in "history"
+  std::string_view ending;  ///< that names of such files have, as a habit
+};
+
+inline constexpr std::tuple kFormats{
+    Format<AQ_DataSTH, AQ_HeaderSTH, AQ_SpectralTimeHistory>{
+        FileKind::SpectralTimeHistory, "spectral time history", "history", ".sth.csv"},
+    Format<AQ_DataMask, AQ_HeaderMask, AQ_MaskMap>{
+        //
+        FileKind::MaskingMap, "masking map", "map", ".mask.csv"},
+    Format<AQ_DataSSR, AQ_HeaderSSR, AQ_Spectrum>{
+        //
+        FileKind::SpectrumRecord, "spectrum record", "spectrum", ".ssr.csv"},
+    Format<AQ_DataPTH, AQ_HeaderPTH, AQ_PositionTimeHistory>{
+        FileKind::PositionTimeHistory, "position time history", "positions", ".pth.csv"},
+    Format<AQ_DataTSPI, void, AQ_PositionTimeHistory>{
+        //
+        FileKind::Tracking, "tracking", "tracking", ".tspi.csv"},
+    Format<AQ_DataMIC, AQ_HeaderMIC, AQ_Microphone>{
+        //
+        FileKind::MicrophonePosition, "microphone position", "microphone", ".mic.csv"},
+    Format<AQ_DataGTH, AQ_HeaderGTH, AQ_GeometryTimeHistory>{
+        FileKind::GeometricTimeHistory, "geometric time history", "geometry", ".gth.csv"},
+    Format<AQ_DataINI, void, AQ_DataINI>{FileKind::VariableInitialization,
+                                         "variable initialization", "parameters", ".ini.csv"}};
+
+/// Calls `visit(format)` for each format, in the order of the list.
+template <class Visit>
+constexpr void forFormats(const Visit& visit) {
+  std::apply([&](const auto&... formats) { (visit(formats), ...); }, kFormats);
+}
+
+/// As in "spectral time history"; "unknown" for a kind that is no format's.
+[[nodiscard]] constexpr std::string_view kindText(FileKind kind) {
+  std::string_view text = "unknown";
+  forFormats([&](const auto& format) {
+    if (format.kind == kind) text = format.text;
+  });
+  return text;
+}
+
+/// Reads a file of the format of `file` into new objects. What a failure leaves of them is the file
+/// class's to say.
+template <class File, class Header, class Model>
+[[nodiscard]] AQ_DataMessage readContent(File& file, const std::string& path,
+                                         Content<Header, Model>& content) {
+  if constexpr (std::same_as<File, Model>) {  // the file class holds the data itself
+    const AQ_DataMessage result = file.readFile(path);
+    content.model = std::make_shared<File>(file);
+    return result;
+  } else if constexpr (std::is_void_v<Header>) {
+    return readInto(file, path, content.model);
+  } else {
+    // Where the caller's object is filled, there has to be one.
+    if constexpr (fillsCallers<File, Header, Model>) content.model = std::make_shared<Model>();
+    return readInto(file, path, content.header, content.model);
+  }
+}
+
+/// Writes what a file of the format of `file` holds.
+template <class File, class Header, class Model>
+[[nodiscard]] AQ_DataMessage writeContent(File& file, const std::string& path,
+                                          const Content<Header, Model>& content) {
+  if constexpr (std::same_as<File, Model>) {
+    return content.model->writeFile(path);
+  } else {
+    return writeFrom(file, path, content.header, *content.model);
+  }
+}
+
+/// Whether a file class writes files too.
+template <class File>
+inline constexpr bool writesFiles = requires {
+  &File::writeFile;
+};
+
+}  // namespace aq

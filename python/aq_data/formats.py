@@ -1,0 +1,48 @@
+"""The formats, as the library lists them."""
+
+from __future__ import annotations
+
+from typing import Any, NamedTuple
+
+from . import _core
+from ._core import FileKind
+from .reading import Path, Reading
+
+
+class Format(NamedTuple):
+    """A kind of file: its names, and the classes that read it and hold what is in it."""
+
+    kind: FileKind
+    text: str  # in words
+    word: str  # in one
+    ending: str  # of file names, as a habit
+    file: Any
+    header: Any  # None where the kind has no header of its own
+    model: Any
+    writes: bool
+
+    def read(self, path: Path) -> Reading[Any, Any]:
+        file = self.file()
+        given = file.readFile(path)
+        if self.header is not None:
+            return Reading(*given)
+        return Reading(None, file if self.model is self.file else given)
+
+    def write(self, path: Path, header: Any, model: Any) -> None:
+        if self.header is None:
+            model.writeFile(path)
+        else:
+            self.file().writeFile(path, self.header() if header is None else header, model)
+
+
+_rows: Any = _core._formats()
+FORMATS: dict[FileKind, Format] = {row[0]: Format(*row) for row in _rows}
+"""By their kinds."""
+
+
+def format_for(obj: Any, path: str) -> Format:
+    """The format in which an object is written: by the name's ending, or else its first."""
+    written = [f for f in FORMATS.values() if f.writes and isinstance(obj, f.model)]
+    if not written:
+        raise TypeError(f"expected an object that has a file, found {type(obj).__name__}")
+    return next((f for f in written if path.lower().endswith(f.ending)), written[0])
