@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <numeric>
 #include <span>
 #include <string>
@@ -85,6 +86,13 @@ std::optional<double> weightedLevelOf(const CountedLevels& record, AQ_METRIC_TYP
   const double energy = std::inner_product(energies.begin(), energies.end(), factors.begin(), 0.0);
   return levelOfSum(energy, record.levels().subspan(place, count),
                     std::span(table.weights).subspan(weight, count));
+}
+
+std::optional<double> energySum(std::span<const double> levels) {
+  std::vector<double> counted;
+  std::copy_if(levels.begin(), levels.end(), std::back_inserter(counted),
+               [](double level) { return std::isfinite(level) && level != kInvalidLevel; });
+  return relativeSum(counted, {});
 }
 
 std::optional<double> weightedLevel(const AQ_Spectrum& spectrum, AQ_METRIC_TYPE weighting,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 
 #include "aq/core/enumerations.h"
 #include "aq/core/export.h"
@@ -20,5 +21,9 @@ namespace aq {
 [[nodiscard]] AQ_API std::optional<double> weightedLevel(const AQ_Spectrum& spectrum,
                                                          AQ_METRIC_TYPE weighting,
                                                          const AQ_MaskRow* masks = nullptr);
+
+/// The energy sum of levels in dB, those of 9999 and those that are no finite number left out.
+/// Nothing when none is left.
+[[nodiscard]] AQ_API std::optional<double> energySum(std::span<const double> levels);
 
 }  // namespace aq

@@ -19,31 +19,32 @@ void blankMasked(AQ_MaskRow& row, std::int16_t low, std::span<double> cells) {
   }
 }
 
-/// The row of each record.
-std::vector<std::shared_ptr<AQ_MaskRow>> rowsBeside(const std::vector<std::int16_t>& records,
-                                                    const AQ_MaskMap& mask) {
-  std::vector<std::shared_ptr<AQ_MaskRow>> rows;
-  for (const std::int16_t record : records) {
-    if (!mask.contains(record)) {
-      throw py::value_error("the map has no row for record " + std::to_string(record));
-    }
-    rows.push_back(mask.Row(record));
+/// The bands of all records. Throws where a number has no object.
+NumberRange bandsOfAll(const AQ_SpectralTimeHistory& history) {
+  NumberRange bands;
+  for (const auto& [record, spectrum] : history) {
+    if (!spectrum) failNumber(ErrorCode::ObjectNotSet, record, " is None");
+    if (spectrum->HighBand() < spectrum->LowBand()) continue;
+    bands.widen(spectrum->LowBand());
+    bands.widen(spectrum->HighBand());
   }
-  return rows;
+  return bands;
 }
 
 Levels levelsOf(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* mask) {
-  const auto spectra = spectraOf(history);
-  std::vector<std::shared_ptr<AQ_MaskRow>> rows(spectra.numbers.size());
-  if (mask != nullptr) rows = rowsBeside(spectra.numbers, *mask);
-  const NumberRange bands = bandsOf(spectra.objects);
+  const NumberRange bands = bandsOfAll(history);
   const auto width = static_cast<std::size_t>(countOf(bands));
-  Levels levels({std::ssize(spectra.objects), countOf(bands)});
+  Levels levels({std::distance(history.begin(), history.end()), countOf(bands)});
   double* line = levels.mutable_data();
-  for (std::size_t i = 0; i < spectra.objects.size(); ++i, line += width) {
+  for (const auto& [record, spectrum] : history) {
     const std::span<double> cells(line, width);
-    at("record", spectra.numbers[i], [&] { takeLevels(*spectra.objects[i], bands.low, cells); });
-    if (rows[i]) blankMasked(*rows[i], bands.low, cells);
+    at("record", record, [&, &held = *spectrum] { takeLevels(held, bands.low, cells); });
+    line += width;
+    if (mask == nullptr) continue;
+    if (!mask->contains(record) || !mask->heldRow(record)) {
+      throw py::value_error("the map has no row for record " + std::to_string(record));
+    }
+    blankMasked(*mask->heldRow(record), bands.low, cells);
   }
   return levels;
 }
@@ -133,8 +134,7 @@ void bindArrays(BoundHistory& history) {
           "records", [](const H& self) { return numberArray(spectraOf(self).numbers); },
           "The record numbers, ascending, shape (records,)")
       .def_property_readonly(
-          "bands",
-          [](const H& self) { return numberArray(numbersOf(bandsOf(spectraOf(self).objects))); },
+          "bands", [](const H& self) { return numberArray(numbersOf(bandsOfAll(self))); },
           "The band numbers from the lowest of any record to the highest, shape (bands,)")
       .def("to_numpy", levelsOf, py::arg("mask") = py::none(),
            "The levels in dB, shape (records, bands), NaN where a band is missing and, with a "

@@ -19,9 +19,11 @@ auto at(const char* place, std::int16_t number, const Work& work) {
 
 /// Puts the levels of a spectrum from band `low` on, into `cells`, which have room for all.
 inline void takeLevels(const AQ_Spectrum& spectrum, std::int16_t low, std::span<double> cells) {
-  std::fill(cells.begin(), cells.end(), kMissing);
   const auto codes = spectrum.levelCodes();
   const auto doubles = spectrum.levelDoubles();
+  if (codes.size() + doubles.size() != cells.size()) {
+    std::fill(cells.begin(), cells.end(), kMissing);
+  }
   if (!codes.empty() || !doubles.empty()) {
     const auto first = cells.begin() + (spectrum.LowBand() - low);
     std::transform(codes.begin(), codes.end(), first, levelOf);

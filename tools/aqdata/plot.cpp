@@ -3,6 +3,7 @@
 #include <aq/core/band_label.h>
 #include <aq/core/enumerations.h>
 #include <aq/core/error.h>
+#include <aq/noise/weighted_level.h>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -158,18 +159,18 @@ std::string scaleText(const Scale& scale) {
 }  // namespace
 
 bool isLevel(const Json& cell) {
-  constexpr double kSummable = 3000;  // what is beyond is no sound, and its energy no double
+  constexpr double kSummable = 3000;  // what is beyond is no sound, and no axis shows it
   return cell.is_number() && cell.get<double>() != double{aq::AQ_INVALID_LEVEL} &&
          std::abs(cell.get<double>()) <= kSummable;
 }
 
 Json energySum(const std::vector<Json>& levels) {
-  double sum = 0;
+  std::vector<double> valid;
   for (const Json& level : levels) {
-    if (isLevel(level)) sum += std::pow(10, level.get<double>() / 10);
+    if (isLevel(level)) valid.push_back(level.get<double>());
   }
-  if (sum == 0) return nullptr;
-  return std::round(10 * std::log10(sum) * 100) / 100;
+  const auto sum = aq::energySum(valid);
+  return sum ? Json(std::round(*sum * 100) / 100) : Json();
 }
 
 void plotSpectrum(Session& session, const Sheet& sheet, const Sheet::Row& row) {
