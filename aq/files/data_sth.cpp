@@ -14,7 +14,7 @@
 namespace aq {
 namespace {
 
-constexpr std::string_view kColumns = "Rec#";
+constexpr std::string_view kFirstHeading = "Rec#";
 // The heading names these bands whatever the records hold: hosts rely on it.
 constexpr std::int16_t kHeadingLow = 17;
 constexpr std::int16_t kHeadingHigh = 40;
@@ -55,7 +55,7 @@ void header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHistory& history,
 }
 
 std::string columnHeading() {
-  std::string heading(kColumns);
+  std::string heading(kFirstHeading);
   heading += ",TOD,RelTime,";
   appendBandLabels(heading, kHeadingLow, kHeadingHigh);
   return heading;
@@ -133,7 +133,7 @@ bool AQ_DataSTH::getRawHeader(const std::string& sFileName,
     LineReader lines(name);
     HeaderReader(lines).titleBehindComma(AQ_DataSTH::kTitle);
     bool more = true;
-    for (; more && !lines.line().starts_with(kColumns); more = lines.next()) {
+    for (; more && !lines.line().starts_with(kFirstHeading); more = lines.next()) {
       header->Add(std::string(lines.line()));
     }
     if (more && !lines.next()) failRead(lines.number() + 1, 0, "a record", "the end of the file");
