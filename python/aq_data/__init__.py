@@ -9,6 +9,7 @@ from ._core import FileKind, kindOfFile
 from .errors import Error, FileError
 from . import labelled as _labelled  # attaches to_xarray to the classes
 from . import tables as _tables  # attaches to_pandas
+from . import objects as _objects  # [], ==, notebooks
 from . import accessor as _accessor  # registers Dataset.aq
 from .archive import check, scan
 from .many import open_many

@@ -10,7 +10,8 @@ import numpy as np
 import xarray as xr
 from matplotlib.axes import Axes
 
-from .attributes import NO_DECISION, band_coordinates, dataset_of, need_once
+from .attributes import NO_DECISION, band_coordinates, dataset_of, expect, need_once
+from .labelled import check_unit
 
 DAY = 86400.0
 _TIMES = {
@@ -21,7 +22,22 @@ _TIMES = {
 
 
 def axes(ax: Optional[Axes]) -> Axes:
+    """The axes that are given, else new ones."""
+    if ax is not None:
+        expect(ax, Axes)
     return plt.subplots(figsize=(8, 4.5), layout="constrained")[1] if ax is None else ax
+
+
+def length_unit(unit: Optional[str], ds: xr.Dataset, name: str) -> str:
+    """The unit of a picture's lengths: the one that is given, else that of the dataset."""
+    return check_unit(ds[name].attrs.get("units", "m") if unit is None else unit)
+
+
+def finite(ds: xr.Dataset, name: str, what: str) -> xr.Dataset:
+    """Refuses a dataset that has nothing to draw."""
+    if not np.isfinite(np.asarray(ds[name].values, dtype=float)).any():
+        raise ValueError(f"expected {what} to draw, found none")
+    return ds
 
 
 # Histories.

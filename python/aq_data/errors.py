@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import errno
+import os
 
 
 class Error(Exception):
@@ -63,7 +64,47 @@ class FileError(Error):
         return self.message
 
 
-_NOT_THERE = "No such file or directory"  # as the library says it under any locale
+class SystemFileError(FileError, OSError):
+    """A file that the system refused: an `OSError` too, with `errno`, `strerror` and `filename`."""
+
+    def __init__(
+        self,
+        file: str,
+        line: int,
+        field: int,
+        expected: str,
+        found: str,
+        partial: tuple[object, ...] = (),
+    ) -> None:
+        super().__init__(file, line, field, expected, found, partial)
+        self.errno, self.strerror, self.filename = _NUMBERS[found], found, file
+
+
+class MissingFileError(SystemFileError, FileNotFoundError):
+    """A file that is not there."""
+
+
+class RefusedFileError(SystemFileError, PermissionError):
+    """A file that may not be read or written."""
+
+
+class FolderFileError(SystemFileError, IsADirectoryError):
+    """A folder where a file is expected."""
+
+
+class NoFolderFileError(SystemFileError, NotADirectoryError):
+    """A path through what is no folder."""
+
+
+# By the reasons that the library gives, which are in English under any locale.
+_NUMBERS = {os.strerror(number): number for number in errno.errorcode}
+_CLASSES = {
+    errno.ENOENT: MissingFileError,
+    errno.EACCES: RefusedFileError,
+    errno.EPERM: RefusedFileError,
+    errno.EISDIR: FolderFileError,
+    errno.ENOTDIR: NoFolderFileError,
+}
 
 _KINDS = (
     NoEntryError,
@@ -84,7 +125,7 @@ def error(message: str, code: int) -> Error:
 def file_error(
     file: str, line: int, field: int, expected: str, found: str, partial: tuple[object, ...]
 ) -> Exception:
-    """The exception for a file's failure: Python's own when there is no such file."""
-    if line == 0 and found == _NOT_THERE:
-        return FileNotFoundError(errno.ENOENT, found, file)
-    return FileError(file, line, field, expected, found, partial)
+    """The exception for a file's failure: Python's own too when the system refused."""
+    number = _NUMBERS.get(found) if line == 0 else None
+    cls = FileError if number is None else _CLASSES.get(number, SystemFileError)
+    return cls(file, line, field, expected, found, partial)

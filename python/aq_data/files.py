@@ -134,9 +134,7 @@ def read(path: Path, wanted: Optional[type[Any]] = None) -> AnyReading:
         raise FileError(name, 0, 0, "the title of a kind that is known", _beginning(name))
     found = FORMATS[kind]
     if wanted is not None and found.model is not wanted:
-        raise FileError(
-            name, 0, 0, f"a file of {_named(wanted)}", f"one of {found.model.__name__}"
-        )
+        raise FileError(name, 0, 0, f"a file of {_named(wanted)}", f"one of {found.model.__name__}")
     return found.read(name)
 
 

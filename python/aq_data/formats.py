@@ -23,16 +23,19 @@ class Format(NamedTuple):
 
     def read(self, path: Path) -> Reading[Any, Any]:
         file = self.file()
-        given = file.readFile(path)
+        given = getattr(file, "_readWithReferenceType", file.readFile)(path)
         if self.header is not None:
             return Reading(*given)
         return Reading(None, file if self.model is self.file else given)
 
     def write(self, path: Path, header: Any, model: Any) -> None:
+        """Source files keep the dates that the header has for them."""
         if self.header is None:
             model.writeFile(path)
-        else:
-            self.file().writeFile(path, self.header() if header is None else header, model)
+            return
+        file = self.file()
+        file.fileInformation(_core.keepingFileInformation())
+        file.writeFile(path, self.header() if header is None else header, model)
 
 
 _rows: Any = _core._formats()

@@ -19,9 +19,11 @@ from .axes import (
     complete,
     edges,
     every_record,
+    finite,
     frequency_axis,
     history_of,
     legend_above,
+    length_unit,
     time_axis,
 )
 from .reading import Tracking
@@ -45,7 +47,12 @@ def _last_good_band(ds: xr.Dataset) -> tuple[Any, bool]:
 
 
 def spectrogram(history: History, ax: Optional[Axes] = None) -> Axes:
-    """Levels over time and band; masked cells are hatched, the last good band is a line."""
+    """Levels in dB over time and band; masked cells are hatched, the last good band is a line.
+
+    Raises `ValueError` for a history without levels, as all pictures of one do.
+
+    >>> aq_data.plot.spectrogram(history.to_xarray(mask))
+    """
     ds, ax = complete(history_of(history)), axes(ax)
     (seconds,) = time_axis(ax, ds)
     bands, level = ds["band"].values, ds.aq.level.values
@@ -79,7 +86,12 @@ def spectrum(
     ambient: Union[xr.Dataset, _core.AQ_Spectrum, None] = None,
     ax: Optional[Axes] = None,
 ) -> Axes:
-    """The levels of one record by band, masked ones hollow, with the ambient."""
+    """The levels of one record, in dB by band, masked ones hollow, with the ambient, a spectrum.
+
+    Raises `ValueError` for a record that the history lacks.
+
+    >>> aq_data.plot.spectrum(ds, 30, ambient)
+    """
     ds, ax = history_of(history).sortby("band"), axes(ax)
     places = np.flatnonzero(ds["record"].values == record)
     if len(places) == 0:
@@ -92,6 +104,11 @@ def spectrum(
         ax.plot(bands[masked], level[masked], "o", color=GOOD, mfc="white", label="masked")
     if ambient is not None:
         floor = dataset_of(ambient, "level", "band")
+        if floor["level"].dims != ("band",):
+            raise ValueError(
+                "expected the ambient as one spectrum, found levels over more than band"
+            )
+        finite(floor, "level", "levels of the ambient")
         ax.plot(floor["band"], floor.aq.level, "--", color=AMBIENT, label="ambient")
     ax.set_ylabel("Band level (dB)")
     ax.legend()
@@ -100,10 +117,21 @@ def spectrum(
     return ax
 
 
+def _check_events(events: Any) -> None:
+    for name, second in (events or {}).items():
+        if not isinstance(second, (int, float, np.number)) or not np.isfinite(second):
+            raise ValueError(f"expected events as seconds, found {second!r} for {name}")
+
+
 def level_time(
     history: History, events: Optional[dict[str, float]] = None, ax: Optional[Axes] = None
 ) -> Axes:
-    """The overall level of unmasked bands over time; events are times in the axis's seconds."""
+    """The overall level in dB over time, of all bands and of those that are not masked. `events` are
+    times in the axis's seconds, by name.
+
+    >>> aq_data.plot.level_time(ds, {"overhead": 0.0})
+    """
+    _check_events(events)
     ds, ax = complete(history_of(history)), axes(ax)
     (seconds,) = time_axis(ax, ds)
     ax.plot(seconds, ds.aq.overall(), color=AMBIENT, lw=1, label="all bands", **ALONE)
@@ -133,7 +161,9 @@ def _fixes(positions: Any) -> list[xr.Dataset]:
     some = [positions]
     if isinstance(positions, Tracking):
         some = list(positions) if len(positions.rejected) else [positions.positions]
-    return [dataset_of(each, "time", "x", "y", "z") for each in some]
+    fixes = [dataset_of(each, "time", "x", "y", "z") for each in some]
+    finite(max(fixes, key=lambda ds: ds["x"].size), "x", "fixes")
+    return fixes
 
 
 def _draw_fixes(ax: Axes, xs: list[Any], ys: list[Any]) -> None:
@@ -146,10 +176,17 @@ def _draw_fixes(ax: Axes, xs: list[Any], ys: list[Any]) -> None:
 
 
 def ground_track(
-    positions: Any, microphone: Any = None, ax: Optional[Axes] = None, unit: str = "m"
+    positions: Any, microphone: Any = None, ax: Optional[Axes] = None, unit: Optional[str] = None
 ) -> Axes:
-    """The path over the ground, to scale, with rejected fixes and the microphone."""
+    """The path over the ground, to scale, with rejected fixes and the microphone.
+
+    `unit` names the lengths: m, km, ft or nautical_mile, else that of the dataset; any other raises
+    `ValueError`, as do positions without a fix.
+
+    >>> aq_data.plot.ground_track(track, microphone)
+    """
     fixes, ax = _fixes(positions), axes(ax)
+    unit = length_unit(unit, fixes[0], "x")
     _draw_fixes(ax, [ds["x"].values for ds in fixes], [ds["y"].values for ds in fixes])
     if microphone is not None:
         expect(microphone, _core.AQ_Microphone)
@@ -163,18 +200,27 @@ def ground_track(
     return ax
 
 
-def height(positions: Any, ax: Optional[Axes] = None, unit: str = "m") -> Axes:
-    """The height over time, with rejected fixes."""
+def height(positions: Any, ax: Optional[Axes] = None, unit: Optional[str] = None) -> Axes:
+    """The height over time, with rejected fixes; `unit` as for the ground track.
+
+    >>> aq_data.plot.height(track, unit="ft")
+    """
     fixes, ax = _fixes(positions), axes(ax)
+    unit = length_unit(unit, fixes[0], "z")
     _draw_fixes(ax, time_axis(ax, *fixes), [ds["z"].values for ds in fixes])
     ax.set_ylabel(f"Height Z ({unit})")
     return ax
 
 
-def geometry(geometry: Any, ax: Optional[Axes] = None, unit: str = "m") -> Axes:
-    """Slant range, left, and emission angles, right, over the time of the record."""
+def geometry(geometry: Any, ax: Optional[Axes] = None, unit: Optional[str] = None) -> Axes:
+    """Slant range, left, and emission angles in degrees, right, over the time of the record; `unit`
+    as for the ground track.
+
+    >>> aq_data.plot.geometry(points)
+    """
     ds = dataset_of(geometry, "time", "record", "slant_range", "theta", "beta")
-    need_once(ds)
+    need_once(finite(ds, "slant_range", "points"))
+    unit = length_unit(unit, ds, "slant_range")
     ds, ax = every_record(ds), axes(ax)
     (seconds,) = time_axis(ax, ds)
     lines = ax.plot(seconds, ds["slant_range"], color=GOOD, label="range", **ALONE)
@@ -200,10 +246,13 @@ def page(
     geometry: Any = None,
     microphone: Any = None,
     events: Optional[dict[str, float]] = None,
-    unit: str = "m",
+    unit: Optional[str] = None,
 ) -> Figure:
     """All of a measurement on one page; what is not given is left out. `unit` is that of positions
-    and geometry."""
+    and geometry. Raises what its pictures raise, and leaves no figure open then.
+
+    >>> aq_data.plot.page(ds, ambient, track).savefig("fly-over.png")
+    """
     ds = history_of(history)
     loudest = int(ds["record"].values[np.nanargmax(ds.aq.overall().values)])
     panels: list[Any] = [
@@ -218,7 +267,11 @@ def page(
         panels.append((lambda ax: _draw_geometry(geometry, ax, unit), "Geometry"))
     rows = (len(panels) + 1) // 2
     figure = plt.figure(figsize=(12, 3.6 * rows), layout="constrained")
-    for place, (draw, title) in enumerate(panels, start=1):
-        draw(figure.add_subplot(rows, 2, place)).set_title(title, loc="left")
+    try:
+        for place, (draw, title) in enumerate(panels, start=1):
+            draw(figure.add_subplot(rows, 2, place)).set_title(title, loc="left")
+    except Exception:
+        plt.close(figure)
+        raise
     figure.suptitle(ds.attrs.get("title", "Measurement"))
     return figure

@@ -41,6 +41,13 @@ class BoundFile : public Bound<File> {
  public:
   explicit BoundFile(const py::module_& module) : Bound<File>(module) {
     describe::forMembers<File>([this](const auto& member) { call(member); });
+    this->def(
+        "fileInformation",
+        [](File& self, std::shared_ptr<FileInformation> information) {
+          self.fileInformation(std::move(information));
+        },
+        py::arg("information"),
+        "Has writes ask this service for names and dates; None the one in force");
   }
 
   template <class Header, class Model>
@@ -120,7 +127,26 @@ void bindFailure(py::module_& module) {
       py::arg("path"), docOf<describe::FileFunctions>("kindOfFile").c_str());
 }
 
-void bindRawHeader(BoundFile<AQ_DataSTH>& history) {
+/// As `readFile`, but the history gets the reference time type that the header names, which the
+/// file class leaves out, as hosts know it.
+auto readWithReferenceType(AQ_DataSTH& self, const Path& path) {
+  std::shared_ptr<AQ_HeaderSTH> header;
+  std::shared_ptr<AQ_SpectralTimeHistory> history;
+  ReferenceTypeLine line;
+  const auto outcome = unlocked(self, [&](AQ_DataSTH& file) {
+    file.observeHeader([&](const HeaderLine& seen) { line.see(seen); });
+    const auto result = readInto(file, path.name, header, history);
+    file.observeHeader(nullptr);
+    return result;
+  });
+  if (outcome != AQ_DATA_OK) raise(*self.lastFailure(), py::make_tuple(header, history));
+  history->ReferenceType(line.type().value_or(history->ReferenceType()));
+  return std::pair(header, history);
+}
+
+void bindHistoryFile(BoundFile<AQ_DataSTH>& history) {
+  history.def("_readWithReferenceType", readWithReferenceType, py::arg("sFileName"),
+              "As readFile; the history gets the reference time type that the header names");
   history.def(
       "getRawHeader",
       [](AQ_DataSTH& self, const Path& path) {
@@ -145,7 +171,7 @@ void bindFormat(const py::module_& module) {
     file.template reads<Header, Model>();
     if constexpr (writesFiles<File>) file.template writes<Header, Model>();
   }
-  if constexpr (std::is_same_v<File, AQ_DataSTH>) bindRawHeader(file);
+  if constexpr (std::is_same_v<File, AQ_DataSTH>) bindHistoryFile(file);
   file.record();
 }
 
@@ -176,6 +202,8 @@ void bindFiles(py::module_& module) {
     bindFormat<File, Header, Model>(module);
   });
   const BoundFile<AQ_DataASCII> text(module);
+  module.def("keepingFileInformation", &keepingFileInformation,
+             "The service in force, but dates that a header has of source files stay");
   module.def("_formats", formats,
              "Of each format: kind, name in words and in one, ending, file class, header class if "
              "it has one, class of the data, and whether such files are written");

@@ -232,6 +232,7 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
 
   static void restore(const py::object& self, const py::list& fields, const py::tuple& values) {
     if (values.size() != fields.size()) throw py::value_error("a pickle of another version");
+    const AnyNumber asItWas;
     for (std::size_t i = 0; i < fields.size(); ++i) {
       self.attr(py::object(fields[i])) = values[i];
     }

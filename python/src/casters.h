@@ -26,6 +26,16 @@ py::handle& enumClass() {
   return type;
 }
 
+/// While one lives, enumerations take any number in this thread.
+struct AnyNumber {
+  static inline thread_local bool inForce = false;
+
+  AnyNumber() { inForce = true; }
+  ~AnyNumber() { inForce = false; }
+  AnyNumber(const AnyNumber&) = delete;
+  AnyNumber& operator=(const AnyNumber&) = delete;
+};
+
 }  // namespace aq::python
 
 namespace pybind11::detail {
@@ -140,7 +150,24 @@ class type_caster<aq::Variant> {
 template <class E>
 concept NamedEnum = std::is_enum_v<E> && aq::describe::Described<E>;
 
-/// Members of a Python `IntEnum`. As in the library any number passes, named or not.
+/// Whether a number is one of the enumeration's, or a combination of its flags.
+template <class E>
+bool isMember(std::int32_t number) {
+  constexpr bool combines = requires(E member) {
+    { member | member } -> std::same_as<E>;
+  };
+  std::int32_t flags = 0;
+  bool named = false;
+  aq::describe::forMembers<E>([&](const auto& member) {
+    const auto value = static_cast<std::int32_t>(member.value);
+    flags |= value;
+    named = named || value == number;
+  });
+  return named || (combines && (number & ~flags) == 0);
+}
+
+/// Members of a Python `IntEnum`, by name or number. The library takes any number; what is none of
+/// them has no word in a file, so Python passes it only where an object is made again as it was.
 template <class E>
 class type_caster<E, enable_if_t<NamedEnum<E>>> {
  public:
@@ -151,7 +178,9 @@ class type_caster<E, enable_if_t<NamedEnum<E>>> {
     const Py_ssize_t number = PyNumber_AsSsize_t(source.ptr(), PyExc_OverflowError);
     if (number == -1 && PyErr_Occurred() != nullptr) PyErr_Clear();
     if (!std::in_range<std::int32_t>(number)) return false;
-    value = static_cast<E>(number);
+    const auto small = static_cast<std::int32_t>(number);
+    if (!aq::python::AnyNumber::inForce && !isMember<E>(small)) return false;
+    value = static_cast<E>(small);
     return true;
   }
 

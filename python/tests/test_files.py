@@ -2,6 +2,9 @@
 
 from __future__ import annotations
 
+import errno
+import pickle
+import re
 from pathlib import Path
 from typing import Any
 
@@ -58,6 +61,26 @@ def test_failures_name_the_place(tmp_path: Path, sample: Path) -> None:
     assert str(error) == f'{damaged}, line 24, field 4: expected a level, found "6x.2"'
 
 
+SAMPLES = sorted((PROJECT / "examples" / "data").glob("*.csv"))
+
+
+def same_line(line: str) -> str:
+    """A line without the name and date of the file itself, and without a bare number's zeros."""
+    return "" if re.match("(FileName|FileDateTime)[*]", line) else line
+
+
+@pytest.mark.parametrize("path", SAMPLES, ids=lambda path: path.name)
+def test_a_read_and_write_keeps_every_word_and_date(path: Path, tmp_path: Path) -> None:
+    if any(kind in path.name for kind in (".mic.", ".tspi.")):
+        return  # read only
+    text = path.read_text().replace("ReferenceTimeType**,START", "ReferenceTimeType**,AMAX")
+    (tmp_path / "in.csv").write_text(text)
+    aq.write(aq.read(tmp_path / "in.csv"), tmp_path / "out.csv")
+    out = (tmp_path / "out.csv").read_text()
+    pairs = zip(text.splitlines(), out.splitlines())
+    assert [pair for pair in pairs if same_line(pair[0]) != same_line(pair[1])] == []
+
+
 @pytest.mark.parametrize("name, kind", [("none.csv", FileNotFoundError), (".", IsADirectoryError)])
 def test_what_cannot_be_opened_raises_as_open_does(name: str, kind: type, tmp_path: Path) -> None:
     with pytest.raises(kind):
@@ -75,9 +98,30 @@ def test_each_file_class_says_that_a_file_is_missing(tmp_path: Path) -> None:
         aq.write(aq.AQ_DataINI(), tmp_path / "no folder" / "x.csv")
 
 
+def test_what_the_system_refuses_has_its_number(tmp_path: Path, history: Any) -> None:
+    (tmp_path / "x.csv").write_text("")
+    for path, number in ((tmp_path / "x.csv" / "y.csv", errno.ENOTDIR), (tmp_path, errno.EISDIR)):
+        with pytest.raises(OSError) as raised:
+            aq.write(history, path)
+        for error in (raised.value, pickle.loads(pickle.dumps(raised.value))):
+            assert isinstance(error, aq.FileError)
+            assert (error.errno, error.filename) == (number, str(path))
+    with pytest.raises(FileExistsError):
+        aq.write(history, tmp_path / "x.csv", exist_ok=False)
+    aq.write(history, tmp_path / "new.csv", exist_ok=False)
+
+
+def test_a_file_of_another_class_than_wanted_is_refused(sample: Path) -> None:
+    assert aq.read(sample / "fly-over.mask.csv", aq.AQ_MaskMap).header.lNumberRows == 60
+    with pytest.raises(aq.FileError, match="a file of AQ_MaskMap, found one of AQ_Spectral"):
+        aq.read(sample / "fly-over.sth.csv", aq.AQ_MaskMap)
+    with pytest.raises(TypeError, match="a class that has a file"):
+        aq.read(sample / "fly-over.sth.csv", str)  # type: ignore[call-overload]
+
+
 def test_what_has_no_file_is_refused(tmp_path: Path, history: Any) -> None:
     (tmp_path / "letter.txt").write_text("Dear colleague,\n")
-    with pytest.raises(aq.FileError, match="a kind that is known"):
+    with pytest.raises(aq.FileError, match='a kind that is known, found "Dear colleague,"'):
         aq.read(tmp_path / "letter.txt")
     for thing in (aq.AQ_Microphone(), "text", (1, 2, 3), None):
         with pytest.raises(TypeError, match="expected"):

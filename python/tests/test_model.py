@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import copy
+import datetime
 import gc
 import pickle
 from concurrent.futures import ThreadPoolExecutor
@@ -74,10 +75,16 @@ def test_enumerations_are_integers() -> None:
     history = aq.AQ_SpectralTimeHistory()
     history.AverageMethod = aq.AQ_4S100
     assert (history.AverageMethod, history.sAveragingMethod) == (2, "4S100")
-    history.AverageMethod = 9  # type: ignore[assignment]
-    assert history.AverageMethod == 9  # any number passes, as in the library
+    history.AverageMethod = 1  # type: ignore[assignment]
+    assert history.AverageMethod is aq.AQ_TRUSLO
+    with pytest.raises(ValueError, match="Method: expected a member of AQ_Av.*AQ_NA.*found 77"):
+        history.AverageMethod = 77  # type: ignore[assignment]
+    parameters = aq.AQ_DataINI()  # 99, not set, comes back though it is no member
+    assert pickle.loads(pickle.dumps(parameters)).NuTimg == parameters.NuTimg == 99
     metric = aq.AQ_Metric()
     metric.INTEG = aq.AQ_INTEG_MAX | aq.AQ_INTEG_LST
+    with pytest.raises(ValueError, match="INTEG"):
+        metric.INTEG = 64  # type: ignore[assignment]
     assert metric.INTEG == 5 and aq.AQ_INTEG_LST in metric.INTEG
 
 
@@ -155,3 +162,67 @@ def test_threads_read_at_once_with_one_file_object(sample: Path) -> None:
     with ThreadPoolExecutor(len(names)) as threads:
         list(threads.map(work, names))
     assert found == [60] * 60 and errors == [1] * 60
+
+
+def test_series_are_asked_by_number_and_slice(sample: Path, history: Any, mask: Any) -> None:
+    part = history[10:50]
+    assert history[12] is history.spectrum(12) is part[12]
+    assert (part.records[0], part.records[-1], part.sTimeStampType) == (10, 49, "MIDPT")
+    assert part.startTime.TODseconds == history.startTime.TODseconds + 4.5
+    assert history.startTime.TODseconds == 52200  # its own
+    assert len(history[70:]) == 0 and history[5:20:5].records.tolist() == [5, 10, 15]
+    assert mask[3:5].records.tolist() == [3, 4] and mask[3] is mask.Row(3)
+    track = aq.read(sample / "fly-over.tspi.csv").data
+    assert track[2:4][1] is track[2]
+    with pytest.raises(KeyError):
+        history[999]
+    assert dict(spectrum(60.5, 61)) == {24: 60.5, 25: 61} and spectrum(60.5)[24] == 60.5
+    assert list(aq.AQ_Spectrum()) == []
+
+
+def test_objects_are_equal_when_their_values_are(sample: Path) -> None:
+    for thing, twin in zip(everything(sample), everything(sample)):
+        assert thing == twin and not thing != twin and thing != 5
+    history, other = (aq.read(sample / "fly-over.sth.csv").data for _ in range(2))
+    other.spectrum[60].SPL[40] = 1.5
+    assert history != other and history[1:60] == other[1:60]
+
+
+def test_a_notebook_shows_tables(sample: Path) -> None:
+    for thing in everything(sample):
+        assert "<table" in thing._repr_html_()
+    header = aq.AQ_HeaderSTH()
+    header.sProjectName = "<b>"
+    assert "&lt;b&gt;" in header._repr_html_()
+    microphone = aq.read(sample / "fly-over.mic.csv").data
+    assert microphone.to_xarray(unit="ft").height.attrs["units"] == "ft"
+    assert microphone.to_pandas()["Height"] == microphone.Height == microphone.to_xarray().height
+    parameters = aq.read(sample / "fly-over.ini.csv").data
+    assert parameters.to_xarray().window_before == parameters.PrWndo
+    assert parameters.to_pandas()["LoRec"] == parameters.LoRec
+
+
+def test_times_take_text_and_those_of_python(history: Any) -> None:
+    for given in ("10:00:05.5", datetime.time(10, 0, 5, 500000)):
+        history.startTime = given
+        assert history.startTime.TODseconds == 36005.5
+    history.ReferenceTime = datetime.datetime(2024, 6, 14, 10)
+    assert (history.ReferenceTime.CurrentDate, history.ReferenceTime.TODseconds) == (45457, 36000)
+    history.setTimeStamps("10:00:00", aq.AQ_END, datetime.time(10), aq.AQ_AMAX)
+    assert history[1].Time.TODstring == "10:00:00.5" and history[1].Time.RelSeconds == 0.5
+    with pytest.raises(ValueError):
+        history.startTime = "noon"
+
+
+@pytest.mark.parametrize(
+    "owner, name, value, text",
+    [
+        (aq.AQ_SpectralTimeHistory, "startTime", 5, "startTime: expected an AQ_Time, a datetime.t"),
+        (aq.AQ_HeaderSTH, "sProjectName", 5, "AQ_HeaderSTH.sProjectName: expected str, found 5"),
+        (aq.AQ_Microphone, "X", "left", "AQ_Microphone.X: expected float, found 'left'"),
+        (aq.AQ_Time, "TODseconds", "noon", "AQ_Time.TODseconds: "),
+    ],
+)
+def test_errors_name_the_property(owner: Any, name: str, value: Any, text: str) -> None:
+    with pytest.raises(TypeError, match=text):
+        setattr(owner(), name, value)

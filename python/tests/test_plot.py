@@ -83,3 +83,32 @@ def test_a_spectrogram_shows_gaps_and_what_lies_outside(history: Any, mask: Any)
     line = aq.plot.geometry(points.to_xarray().isel(time=[2, 0, 1])).lines[0]
     np.testing.assert_array_equal(line.get_ydata(), [1, 2, np.nan, np.nan, 3])
     plt.close("all")
+
+
+EMPTY, HISTORY = aq.AQ_PositionTimeHistory(), aq.AQ_SpectralTimeHistory.from_numpy([[60.0, 61.0]])
+
+
+@pytest.mark.parametrize(
+    "draw, kind, text",
+    [
+        (lambda: aq.plot.ground_track(EMPTY), ValueError, "expected fixes to draw, found none"),
+        (lambda: aq.plot.geometry(aq.AQ_GeometryTimeHistory()), ValueError, "points to draw"),
+        (lambda: aq.plot.spectrum(HISTORY, 1, HISTORY), ValueError, "ambient as one spectrum"),
+        (lambda: aq.plot.level_time(HISTORY, {"x": "noon"}), ValueError, "'noon' for x"),
+        (lambda: aq.plot.spectrogram(HISTORY, plt), TypeError, "expected Axes, found module"),
+        (lambda: aq.plot.page(HISTORY, positions=EMPTY), ValueError, "fixes to draw"),
+    ],
+)
+def test_what_cannot_be_drawn_is_refused(draw: Any, kind: type, text: str) -> None:
+    with pytest.raises(kind, match=text):
+        draw()
+    plt.close("all")
+
+
+def test_units_are_those_of_the_data_or_known(sample: Path) -> None:
+    track = aq.read(sample / "fly-over.tspi.csv").data.to_xarray(unit="ft")
+    assert aq.plot.height(track).get_ylabel() == "Height Z (ft)"
+    with pytest.raises(ValueError, match="unit of length, m, km, ft, nautical_mile, found 'mile'"):
+        aq.plot.height(track, unit="mile")
+    assert "plot" in dir(aq)
+    plt.close("all")

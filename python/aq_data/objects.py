@@ -1,0 +1,277 @@
+"""What Python expects of the library's objects: `[]` and slices, `==`, tables in notebooks, times as
+text, and errors that name the property."""
+
+from __future__ import annotations
+
+import copy
+import datetime
+import html
+import re
+from typing import Any, Callable, Iterator, Union
+
+import pandas as pd
+import xarray as xr
+
+from . import _core
+from .attributes import attach, variable
+from .errors import Error
+from .labelled import check_unit
+from .times import DAY, going_on
+
+Clock = Union[_core.AQ_Time, datetime.time, datetime.datetime, str]
+CLASSES = [cls for cls in vars(_core).values() if hasattr(cls, "_fields")]
+
+
+def as_time(given: Clock) -> _core.AQ_Time:
+    """The time value of a time of day: text `hh:mm:ss` with a fraction or none, or Python's own;
+    one with a date gives that too. Raises `ValueError` for text that is none."""
+    if isinstance(given, _core.AQ_Time):
+        return given
+    time = _core.AQ_Time()
+    if isinstance(given, str):
+        time.TODstring = given
+        return time
+    if isinstance(given, datetime.datetime):
+        time.CurrentDate = float((given.date() - datetime.date(1899, 12, 30)).days)
+    seconds = given.hour * 3600 + given.minute * 60 + given.second + given.microsecond / 1e6
+    time.assignSeconds(seconds, 0.0)
+    return time
+
+
+# Properties.
+
+
+def _taken(cls: type, name: str) -> str:
+    """What a property takes, in words."""
+    setter = getattr(getattr(cls, name, None), "fset", None)
+    found = re.search(r"arg\d: ([^,)]*)\)", getattr(setter, "__doc__", None) or "")
+    kind = found[1].rpartition(".")[2] if found else "another value"
+    members = getattr(getattr(_core, kind, None), "__members__", None)
+    if members:
+        return f"a member of {kind} ({', '.join(members)})"
+    return "an AQ_Time, a datetime.time or text hh:mm:ss" if kind == "AQ_Time" else kind
+
+
+def _set(self: Any, name: str, value: Any) -> None:
+    try:
+        object.__setattr__(self, name, value)
+    except Error as error:
+        raise type(error)(f"{type(self).__name__}.{name}: {error}", error.code) from None
+    except TypeError:
+        is_clock = isinstance(value, (str, datetime.time, datetime.datetime))
+        if is_clock and isinstance(getattr(self, name, None), _core.AQ_Time):
+            object.__setattr__(self, name, as_time(value))
+            return
+        place = f"{type(self).__name__}.{name}"
+        text = f"{place}: expected {_taken(type(self), name)}, found {value!r:.60}"
+        raise (ValueError if "a member of" in text and isinstance(value, int) else TypeError)(
+            text
+        ) from None
+
+
+def _equal(self: Any, other: object) -> bool:
+    """Whether both hold the same values, of the same types."""
+    if type(other) is not type(self):
+        return NotImplemented
+    return bool(self.__getstate__() == other.__getstate__())  # type: ignore[attr-defined]
+
+
+for _cls in CLASSES:
+    _cls.__setattr__ = _set
+    _cls.__eq__ = _equal
+    _cls.__hash__ = None
+
+
+def _taking_clocks(cls: type, name: str) -> None:
+    """Has a method take times of any form in its first places."""
+    method: Callable[..., Any] = getattr(cls, name)
+
+    def call(self: Any, *arguments: Any, **named: Any) -> Any:
+        clocks = (str, datetime.time, datetime.datetime)
+        given = [as_time(each) if isinstance(each, clocks) else each for each in arguments]
+        return method(
+            self,
+            *given,
+            **{k: as_time(v) if isinstance(v, clocks) else v for k, v in named.items()},
+        )
+
+    call.__doc__, call.__name__ = method.__doc__, name
+    setattr(cls, name, call)
+
+
+_taking_clocks(_core.AQ_SpectralTimeHistory, "setTimeStamps")
+_taking_clocks(_core.AQ_SpectralTimeHistory, "setRelTimes")
+_taking_clocks(_core.AQ_Time, "setRelTime")
+
+
+# Series by number.
+
+
+def _chosen(numbers: Any, part: slice) -> list[int]:
+    """The numbers from start to stop, stop excluded."""
+    start = part.start if part.start is not None else -(2**15)
+    stop = part.stop if part.stop is not None else 2**15
+    return [int(n) for n in numbers if start <= n < stop][:: part.step or 1]
+
+
+@attach(_core.AQ_SpectralTimeHistory, name="__getitem__")
+def history_getitem(self: _core.AQ_SpectralTimeHistory, number: Any) -> Any:
+    """The spectrum of a record; of a slice, a history of the records from its start to its stop, which
+    is excluded, that shares their spectra and keeps their numbers. Its start time follows.
+
+    >>> history[12].SPL[24], len(history[10:50])
+    """
+    if not isinstance(number, slice):
+        return self.spectrum(number)
+    part = _core.AQ_SpectralTimeHistory()
+    for record in _chosen(self.records, number):
+        part.spectrum[record] = self.spectrum(record)
+    for name in ("startTime", "ReferenceTime", "Metrics"):
+        setattr(part, name, copy.deepcopy(getattr(self, name)))
+    for name in ("AverageMethod", "ReferenceType", "TimeStampType"):
+        setattr(part, name, getattr(self, name))
+    seconds = going_on(self.times["TODseconds"])
+    if len(part):
+        place = list(self.records).index(part.records[0])
+        shift, start = float(seconds[place] - seconds[0]), part.startTime
+        if shift:
+            days, rest = divmod(start.TODseconds + shift, DAY)
+            start.assignSeconds(rest, start.RelSeconds)
+            start.CurrentDate += days if start.CurrentDate else 0
+    return part
+
+
+@attach(_core.AQ_MaskMap, name="__getitem__")
+def map_getitem(self: _core.AQ_MaskMap, number: Any) -> Any:
+    """The row of a record; of a slice, a map of the rows from its start to its stop, which is excluded,
+    that shares them and keeps their numbers.
+
+    >>> mask[12].Mask[40].MaskMode
+    """
+    if not isinstance(number, slice):
+        return self.Row(number)
+    part = _core.AQ_MaskMap()
+    for record in _chosen(self.records, number):
+        part.Row[record] = self.Row(record)
+    return part
+
+
+@attach(_core.AQ_PositionTimeHistory, name="__getitem__")
+def positions_getitem(self: _core.AQ_PositionTimeHistory, number: Any) -> Any:
+    """The position at a place from 1; of a slice, a series of those from its start to its stop, which is
+    excluded, that shares them.
+
+    >>> track.positions[1].X
+    """
+    if not isinstance(number, slice):
+        return self.Position(number)
+    part = _core.AQ_PositionTimeHistory()
+    for place in _chosen(range(1, len(self) + 1), number):
+        part.Position[len(part) + 1] = self.Position(place)
+    return part
+
+
+@attach(_core.AQ_Spectrum, name="__getitem__")
+def spectrum_getitem(self: _core.AQ_Spectrum, band: int) -> Any:
+    """The level of a band, in dB. Raises a `KeyError` where there is none.
+
+    >>> spectrum[24]
+    """
+    return self.SPL(band)
+
+
+@attach(_core.AQ_Spectrum, name="__iter__")
+def spectrum_iter(self: _core.AQ_Spectrum) -> Iterator[tuple[int, Any]]:
+    """Band and level in dB of each band, ascending; bands without a level are left out.
+
+    >>> loudest, level = max(spectrum, key=lambda each: each[1])
+    """
+    for band in self.bands.tolist():
+        try:
+            level = self.SPL(band)
+        except KeyError:
+            continue
+        yield band, level
+
+
+# Microphone and parameters.
+
+
+def _fields(self: Any) -> dict[str, Any]:
+    values = {name: getattr(self, name) for name in self._fields}
+    return {
+        name: list(value) if isinstance(value, _core.TextCollection) else value
+        for name, value in values.items()
+    }
+
+
+@attach(_core.AQ_Microphone, _core.AQ_DataINI, name="to_pandas")
+def fields_to_pandas(self: Any) -> "pd.Series[Any]":
+    """The properties by name.
+
+    >>> aq_data.read("fly-over.mic.csv").data.to_pandas()
+    """
+    return pd.Series(_fields(self), dtype=object)
+
+
+@attach(_core.AQ_Microphone, name="to_xarray")
+def microphone_to_xarray(
+    self: _core.AQ_Microphone, header: Any = None, unit: str = "m"
+) -> xr.Dataset:
+    """A dataset of `x`, `y`, `z` and `height`, without dimensions; `unit` as for positions.
+
+    >>> aq_data.read("fly-over.mic.csv").data.to_xarray().height
+    """
+    told = {"X": "first coordinate", "Y": "second coordinate", "Z": "height of the ground"}
+    told["Height"] = "height of the microphone above the ground"
+    check_unit(unit)
+    variables = {n.lower(): variable((), getattr(self, n), unit, text) for n, text in told.items()}
+    words = {"title": header.sProjectName, "microphone": header.sMicrophoneID} if header else {}
+    return xr.Dataset(variables, attrs={"Conventions": "CF-1.8", **words})
+
+
+@attach(_core.AQ_DataINI, name="to_xarray")
+def parameters_to_xarray(self: _core.AQ_DataINI) -> xr.Dataset:
+    """A dataset of `calibration_adjustment` in dB, `window_before` and `window_after` the event in s,
+    `first_record` and `last_record`; methods and comments are attributes.
+
+    >>> aq_data.read("fly-over.ini.csv").data.to_xarray().window_before
+    """
+    told = {
+        "calibration_adjustment": ("CalAdj", "dB", "calibration adjustment"),
+        "window_before": ("PrWndo", "s", "window before the event"),
+        "window_after": ("PoWndo", "s", "window after the event"),
+        "first_record": ("LoRec", "1", "first record, 0 when not set"),
+        "last_record": ("HiRec", "1", "last record, 0 when not set"),
+    }
+    variables = {
+        name: variable((), getattr(self, own), unit, text)
+        for name, (own, unit, text) in told.items()
+    }
+    words = {
+        name: method.name.replace("AQ_", "")
+        for name, method in (("averaging_method", self.NuAvg), ("time_stamp_type", self.NuTimg))
+        if hasattr(method, "name")
+    }
+    comment = {"comment": "\n".join(self.Comments)} if len(self.Comments) else {}
+    return xr.Dataset(variables, attrs={"Conventions": "CF-1.8", **words, **comment})
+
+
+# Notebooks.
+
+
+def _html(self: Any) -> str:
+    """A table for a notebook: of a series its first and last entries, else the properties."""
+    is_table = hasattr(self, "to_pandas") and not isinstance(
+        self, (_core.AQ_Microphone, _core.AQ_DataINI)
+    )
+    if not is_table:
+        rows = {name: str(value) for name, value in _fields(self).items()}
+        return str(pd.Series(rows, dtype=object).to_frame(type(self).__name__).to_html())
+    table = self.to_pandas()
+    frame = table.to_frame() if isinstance(table, pd.Series) else table
+    return f"<p>{html.escape(repr(self))}</p>" + str(frame.to_html(max_rows=10, max_cols=12))
+
+
+for _cls in CLASSES:
+    _cls._repr_html_ = _html
