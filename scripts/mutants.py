@@ -28,40 +28,88 @@ SLOW_MILLISECONDS = 100
 ENOUGH = 95  # per cent of the changes
 MEMORY = 4 << 30
 COMPILE_SECONDS = 900  # of all that a changed header reaches
-FLAGS = ["-std=c++20", "-O0", "-D_GLIBCXX_ASSERTIONS", "-fstack-protector-all", "-fPIC",
-         "-fvisibility=hidden", "-fvisibility-inlines-hidden",
-         "-Werror=return-type", "-Werror=return-stack-address"]
-STANDARD = ["algorithm", "charconv", "filesystem", "fstream", "functional", "map", "memory",
-            "random", "sstream", "string", "variant", "vector", "gtest/gtest.h"]
+FLAGS = [
+    "-std=c++20",
+    "-O0",
+    "-D_GLIBCXX_ASSERTIONS",
+    "-fstack-protector-all",
+    "-fPIC",
+    "-fvisibility=hidden",
+    "-fvisibility-inlines-hidden",
+    "-Werror=return-type",
+    "-Werror=return-stack-address",
+]
+STANDARD = [
+    "algorithm",
+    "charconv",
+    "filesystem",
+    "fstream",
+    "functional",
+    "map",
+    "memory",
+    "random",
+    "sstream",
+    "string",
+    "variant",
+    "vector",
+    "gtest/gtest.h",
+]
 
 Mutant = collections.namedtuple("Mutant", "file line begin end text")
 
 # What a piece of code becomes. The source is formatted: binary operators stand between spaces,
 # template brackets do not.
-OPERATORS = {"<": ("<=", ">="), "<=": ("<", ">"), ">": (">=", "<="), ">=": (">", "<"),
-             "==": ("!=",), "!=": ("==",), "&&": ("||",), "||": ("&&",), "+": ("-",), "-": ("+",),
-             "*": ("/",), "/": ("*",), "%": ("*",), "+=": ("-=",), "-=": ("+=",),
-             "<<": (">>",), ">>": ("<<",), "|": ("&",), "&": ("|",), "|=": ("&=",), "&=": ("|=",)}
+OPERATORS = {
+    "<": ("<=", ">="),
+    "<=": ("<", ">"),
+    ">": (">=", "<="),
+    ">=": (">", "<"),
+    "==": ("!=",),
+    "!=": ("==",),
+    "&&": ("||",),
+    "||": ("&&",),
+    "+": ("-",),
+    "-": ("+",),
+    "*": ("/",),
+    "/": ("*",),
+    "%": ("*",),
+    "+=": ("-=",),
+    "-=": ("+=",),
+    "<<": (">>",),
+    ">>": ("<<",),
+    "|": ("&",),
+    "&": ("|",),
+    "|=": ("&=",),
+    "&=": ("|=",),
+}
 WORDS = {"true": "false", "false": "true", "++": "--", "--": "++", "!": ""}
 NUMBER = r"(?<![\w.'])(?:0x[\dA-Fa-f']+|\d[\d']*(?:\.\d+)?(?:e[+-]?\d+)?)[FUL]*(?![\w.'])"
 EMPTY = ("{}", "0", "false", "true", "nullptr", "std::nullopt", "AQ_DATA_OK", "*this")
 CHARACTER = r"'(?:\\.|[^'\\])'"
-HIDDEN = re.compile(r"(?P<kept>'(?:\\.|[^'\\])')|"
-                    r'//[^\n]*|/\*.*?\*/|R"\((?:.|\n)*?\)"|"(?:\\.|[^"\\\n])*"'
-                    r"|^ *#(?:[^\n]*\\\n)*[^\n]*|static_assert\([^;]*;|^using [^;]*;"
-                    r"|^namespace [^\n]*", re.M | re.S)
+HIDDEN = re.compile(
+    r"(?P<kept>'(?:\\.|[^'\\])')|"
+    r'//[^\n]*|/\*.*?\*/|R"\((?:.|\n)*?\)"|"(?:\\.|[^"\\\n])*"'
+    r"|^ *#(?:[^\n]*\\\n)*[^\n]*|static_assert\([^;]*;|^using [^;]*;"
+    r"|^namespace [^\n]*",
+    re.M | re.S,
+)
 # A line that is one statement, and no declaration: that one has two words, or a word for it.
 STATEMENT = re.compile(r" +((?!return )[^ ].*;) *$")
 DECLARATION = re.compile(
     r"(?!throw|if|for|while|delete)(?:\[\[\w+\]\] )?[\w:]+(?:<.*>)?[&*]*"
     r"(?: (?:const |operator)?[&*]*\w+|.* = default|.* = delete)"
-    r"|(?:friend|using|constexpr|static|explicit|virtual|template|case|~)\b")
+    r"|(?:friend|using|constexpr|static|explicit|virtual|template|case|~)\b"
+)
 
 
 def visible(source):
     """The source with comments, strings, directives and the like as blanks."""
-    return HIDDEN.sub(lambda part: "'" + "c" * (len(part[0]) - 2) + "'" if part["kept"]
-                      else re.sub(r"[^\n]", " ", part[0]), source)
+    return HIDDEN.sub(
+        lambda part: "'" + "c" * (len(part[0]) - 2) + "'"
+        if part["kept"]
+        else re.sub(r"[^\n]", " ", part[0]),
+        source,
+    )
 
 
 def statements(code):
@@ -94,10 +142,12 @@ def arguments(code, opening):
 def swaps(code, source):
     """Neighbouring arguments of calls in each other's place."""
     for call in re.finditer(r"[\w>]\(", code):
-        if re.search(r"\b(?:if|for|while|switch|return|swap)$", code[:call.end() - 1]):
+        if re.search(r"\b(?:if|for|while|switch|return|swap)$", code[: call.end() - 1]):
             continue
-        places = [(b + len(source[b:e]) - len(source[b:e].lstrip()), e)
-                  for b, e in arguments(code, call.end() - 1)]
+        places = [
+            (b + len(source[b:e]) - len(source[b:e].lstrip()), e)
+            for b, e in arguments(code, call.end() - 1)
+        ]
         for (b1, e1), (b2, e2) in zip(places, places[1:]):
             one, two = source[b1:e1], source[b2:e2]
             declares = re.search(r"\w[&*]* [&*]*\w+$", one) or re.search(r"\w[&*]* [&*]*\w+$", two)
@@ -131,8 +181,9 @@ def mutants():
         if path.suffix in (".h", ".cpp"):
             source = path.read_text(encoding="utf-8")
             for begin, end, text in sorted(set(changes(source))):
-                yield Mutant(str(path.relative_to(ROOT)), source.count("\n", 0, begin) + 1,
-                             begin, end, text)
+                yield Mutant(
+                    str(path.relative_to(ROOT)), source.count("\n", 0, begin) + 1, begin, end, text
+                )
 
 
 class Hung(Exception):
@@ -146,15 +197,31 @@ class Worker:
         self.source, self.build = folder / "source", folder / "build"
         self.fresh, self.room = folder / "fresh", folder / "room"
         folder.mkdir()
-        shutil.copytree(ROOT, self.source, symlinks=True,
-                        ignore=shutil.ignore_patterns(".git", "build", "__pycache__"))
+        shutil.copytree(
+            ROOT,
+            self.source,
+            symlinks=True,
+            ignore=shutil.ignore_patterns(".git", "build", "__pycache__"),
+        )
         # Compiled fast rather than run fast; what may end without a result does not compile.
-        self.run(["cmake", "-S", self.source, "-B", self.build, "-G", "Ninja",
-                  "-DCMAKE_CXX_COMPILER=clang++-14", "-DBUILD_SHARED_LIBS=ON", "-DAQ_TESTS=ON",
-                  "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON",
-                  "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST",
-                  f"-DCMAKE_CXX_FLAGS={' '.join(FLAGS)} -include-pch {self.precompiled(folder)}"],
-                 required=True)
+        self.run(
+            [
+                "cmake",
+                "-S",
+                self.source,
+                "-B",
+                self.build,
+                "-G",
+                "Ninja",
+                "-DCMAKE_CXX_COMPILER=clang++-14",
+                "-DBUILD_SHARED_LIBS=ON",
+                "-DAQ_TESTS=ON",
+                "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON",
+                "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST",
+                f"-DCMAKE_CXX_FLAGS={' '.join(FLAGS)} -include-pch {self.precompiled(folder)}",
+            ],
+            required=True,
+        )
         self.make("aq_tests", "fuzz_replay", "print_file", "examples/all", required=True)
         self.slow, self.limits = [], []
         self.measure()
@@ -164,22 +231,30 @@ class Worker:
         """A header with the standard ones that most sources read, compiled."""
         header = folder / "standard.h"
         header.write_text("".join(f"#include <{name}>\n" for name in STANDARD), encoding="ascii")
-        self.run(["clang++-14", *FLAGS, "-x", "c++-header", header,
-                  "-o", f"{header}.pch"], required=True)
+        self.run(
+            ["clang++-14", *FLAGS, "-x", "c++-header", header, "-o", f"{header}.pch"], required=True
+        )
         return f"{header}.pch"
 
     def run(self, command, seconds=COMPILE_SECONDS, required=False):
         """The command's success; `Hung` when it takes more seconds of processor or five times as
         long by the clock."""
+
         def limit():
             resource.setrlimit(resource.RLIMIT_CPU, (seconds, seconds))
             resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
             resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+
         shutil.rmtree(self.room, ignore_errors=True)
         self.room.mkdir()
-        process = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                                   preexec_fn=limit, start_new_session=True,
-                                   env={**os.environ, "TMPDIR": str(self.room)})
+        process = subprocess.Popen(
+            command,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.STDOUT,
+            preexec_fn=limit,
+            start_new_session=True,
+            env={**os.environ, "TMPDIR": str(self.room)},
+        )
         try:
             output = process.communicate(timeout=5 * seconds)[0]
         except subprocess.TimeoutExpired as error:
@@ -199,14 +274,32 @@ class Worker:
         tests = [program, "--gtest_fail_fast", "--gtest_brief=1"]
         slow = ":".join(self.slow)
         compare = self.source / "tests/second/compare.py"
-        return [("aq_tests", [*tests, f"--gtest_filter=-{slow}"]),
-                ("aq_tests", [*tests, f"--gtest_filter={slow}"]),
-                ("fuzz_replay", [self.build / "fuzz/fuzz_replay", self.source / "fuzz/corpus",
-                                 self.source / "tests/data"]),
-                ("print_file", [sys.executable, compare, self.build / "tests/print_file",
-                                self.room / "second", "240"]),
-                ("examples/all", ["ctest", "--test-dir", self.build, "-R", "^example",
-                                  "--stop-on-failure"])]
+        return [
+            ("aq_tests", [*tests, f"--gtest_filter=-{slow}"]),
+            ("aq_tests", [*tests, f"--gtest_filter={slow}"]),
+            (
+                "fuzz_replay",
+                [
+                    self.build / "fuzz/fuzz_replay",
+                    self.source / "fuzz/corpus",
+                    self.source / "tests/data",
+                ],
+            ),
+            (
+                "print_file",
+                [
+                    sys.executable,
+                    compare,
+                    self.build / "tests/print_file",
+                    self.room / "second",
+                    "240",
+                ],
+            ),
+            (
+                "examples/all",
+                ["ctest", "--test-dir", self.build, "-R", "^example", "--stop-on-failure"],
+            ),
+        ]
 
     def measure(self):
         """Times the stages as they are, for the time limits; tells the slow tests from the rest."""
@@ -223,8 +316,9 @@ class Worker:
         """True or false; None when the mutant does not compile."""
         path = self.source / mutant.file
         source, status = path.read_text(encoding="utf-8"), path.stat()
-        path.write_text(source[:mutant.begin] + mutant.text + source[mutant.end:],
-                        encoding="utf-8")
+        path.write_text(
+            source[: mutant.begin] + mutant.text + source[mutant.end :], encoding="utf-8"
+        )
         try:
             for (target, command), seconds in zip(self.stages(), self.limits):
                 if not self.make(target):
@@ -246,7 +340,7 @@ def described(mutant):
     source = (ROOT / mutant.file).read_text(encoding="utf-8")
     begin = source.rfind("\n", 0, mutant.begin) + 1
     end = source.find("\n", mutant.end)
-    after = source[begin:mutant.begin] + mutant.text + source[mutant.end:end]
+    after = source[begin : mutant.begin] + mutant.text + source[mutant.end : end]
     return mutant.file, " ".join(source[begin:end].split()), " ".join(after.split())
 
 
@@ -295,8 +389,9 @@ def main():
     taken = [mutant for mutant in taken if mutant not in equal]
     begin = time.monotonic()
     # Interrupted, it tells what it has.
-    with (tempfile.TemporaryDirectory(prefix="aq-mutants-") as folder,
-          contextlib.suppress(KeyboardInterrupt)):
+    with tempfile.TemporaryDirectory(prefix="aq-mutants-") as folder, contextlib.suppress(
+        KeyboardInterrupt
+    ):
         os.chmod(folder, 0o755)  # some tests give up their privileges, and their files lie in it
         for mutant, survives in tried(taken, options.jobs, pathlib.Path(folder)):
             counts[survives] += 1
@@ -307,9 +402,11 @@ def main():
                 print(f"\r{counts.total()} of {len(taken)}", end="\r", file=sys.stderr)
     compiled = counts[True] + counts[False]
     killed = 100 * counts[False] / max(compiled, 1)
-    print(f"{counts.total()} of {len(taken)} tried, besides {len(equal)} equal: {compiled} compiled,"
-          f" {counts[False]} killed, {counts[True]} survived, {killed:.1f} % killed,"
-          f" {(time.monotonic() - begin) / max(counts.total(), 1):.1f} s each")
+    print(
+        f"{counts.total()} of {len(taken)} tried, besides {len(equal)} equal: {compiled} compiled,"
+        f" {counts[False]} killed, {counts[True]} survived, {killed:.1f} % killed,"
+        f" {(time.monotonic() - begin) / max(counts.total(), 1):.1f} s each"
+    )
     return 0 if killed >= ENOUGH else 1
 
 

@@ -21,9 +21,14 @@ BATCH = 250
 
 def library(program, paths):
     """The lines that the program prints for each path, up to one that ends it."""
-    run = subprocess.run([program], input="".join(f"{name} {path}\n" for name, path in paths),
-                         capture_output=True, encoding="ascii", check=False)
-    answers = [answer.splitlines() for answer in run.stdout.split("end\n")][:len(paths)]
+    run = subprocess.run(
+        [program],
+        input="".join(f"{name} {path}\n" for name, path in paths),
+        capture_output=True,
+        encoding="ascii",
+        check=False,
+    )
+    answers = [answer.splitlines() for answer in run.stdout.split("end\n")][: len(paths)]
     if run.returncode != 0:
         answers[-1].append(f"print_file ended with {run.returncode}: {run.stderr}")
     return answers
@@ -45,10 +50,12 @@ def compare(program, kept, seed, name, first, count):
             good += expected[0] == "result 0"
             if answer != expected:
                 (kept / path.name).write_bytes(content.encode("latin-1"))
-                ours, theirs = next(pair for pair in itertools.zip_longest(expected, answer)
-                                    if pair[0] != pair[1])
-                differences.append(f"{variant} {kept / path.name}\n"
-                                   f"  second:  {ours}\n  library: {theirs}")
+                ours, theirs = next(
+                    pair for pair in itertools.zip_longest(expected, answer) if pair[0] != pair[1]
+                )
+                differences.append(
+                    f"{variant} {kept / path.name}\n" f"  second:  {ours}\n  library: {theirs}"
+                )
     return name, count, good, differences
 
 
@@ -63,9 +70,19 @@ def main():
     each = -(-options.count // len(files.SAMPLES))
     table = {name: [0, 0, 0] for name in files.SAMPLES}
     with concurrent.futures.ProcessPoolExecutor(2) as pool:
-        jobs = [pool.submit(compare, options.program, options.folder, options.seed, name, first,
-                            min(BATCH, each - first))
-                for name in table for first in range(0, each, BATCH)]
+        jobs = [
+            pool.submit(
+                compare,
+                options.program,
+                options.folder,
+                options.seed,
+                name,
+                first,
+                min(BATCH, each - first),
+            )
+            for name in table
+            for first in range(0, each, BATCH)
+        ]
         for job in concurrent.futures.as_completed(jobs):
             name, count, good, differences = job.result()
             print(*differences[:10], sep="\n", end="\n" * bool(differences))

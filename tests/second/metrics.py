@@ -46,11 +46,11 @@ def tenths(value):
 
 def pole_frequencies():
     """f1 to f4 of the analytical curves of A and C."""
-    f_r, f_l, f_h = 1000.0, 10 ** 1.5, 10 ** 3.9
+    f_r, f_l, f_h = 1000.0, 10**1.5, 10**3.9
     d = math.sqrt(0.5)
-    b = (f_r ** 2 + f_l ** 2 * f_h ** 2 / f_r ** 2 - d * (f_l ** 2 + f_h ** 2)) / (1 - d)
-    c = f_l ** 2 * f_h ** 2
-    f_a = 10 ** 2.45
+    b = (f_r**2 + f_l**2 * f_h**2 / f_r**2 - d * (f_l**2 + f_h**2)) / (1 - d)
+    c = f_l**2 * f_h**2
+    f_a = 10**2.45
     f1 = math.sqrt((-b - math.sqrt(b * b - 4 * c)) / 2)
     f4 = math.sqrt((-b + math.sqrt(b * b - 4 * c)) / 2)
     return f1, (3 - math.sqrt(5)) / 2 * f_a, (3 + math.sqrt(5)) / 2 * f_a, f4
@@ -58,19 +58,21 @@ def pole_frequencies():
 
 def curve_c(f):
     f1, _, _, f4 = pole_frequencies()
-    return 20 * math.log10(f4 ** 2 * f ** 2 / ((f ** 2 + f1 ** 2) * (f ** 2 + f4 ** 2)))
+    return 20 * math.log10(f4**2 * f**2 / ((f**2 + f1**2) * (f**2 + f4**2)))
 
 
 def curve_a(f):
     _, f2, f3, _ = pole_frequencies()
-    return curve_c(f) + 20 * math.log10(f ** 2 / math.sqrt((f ** 2 + f2 ** 2) * (f ** 2 + f3 ** 2)))
+    return curve_c(f) + 20 * math.log10(f**2 / math.sqrt((f**2 + f2**2) * (f**2 + f3**2)))
 
 
 def curve_d(f):
-    h = (((1037918.48 - f * f) ** 2 + 1080768.16 * f * f)
-         / ((9837328 - f * f) ** 2 + 11723776 * f * f))
+    h = ((1037918.48 - f * f) ** 2 + 1080768.16 * f * f) / (
+        (9837328 - f * f) ** 2 + 11723776 * f * f
+    )
     return 20 * math.log10(
-        f / 6.8966888496476e-5 * math.sqrt(h / ((f * f + 79919.29) * (f * f + 1345600))))
+        f / 6.8966888496476e-5 * math.sqrt(h / ((f * f + 79919.29) * (f * f + 1345600)))
+    )
 
 
 def weights(curve, bands=range(10, 44)):
@@ -144,8 +146,7 @@ def tone(levels):
                 marked.add(i - 1)
     adjusted = dict(level)
     for i in marked:
-        adjusted[i] = ((level[i - 1] + level[i + 1]) / 2 if i < n
-                       else level[n - 1] + slope[n - 1])
+        adjusted[i] = (level[i - 1] + level[i + 1]) / 2 if i < n else level[n - 1] + slope[n - 1]
     new_slope = {i: adjusted[i] - adjusted[i - 1] for i in range(4, n + 1)}
     new_slope[3] = new_slope[4]
     new_slope[n + 1] = new_slope[n]
@@ -172,8 +173,10 @@ def tone(levels):
 
 def last_good_band(masks):
     """9999 where 28 and 29 are masked, else the band below the first masked one from 29 up."""
+
     def masked(band):
         return masks.get(band, (0, 0))[0] != 0
+
     if masked(28) and masked(29):
         return INVALID
     return next((band - 1 for band in range(29, max(masks, default=0) + 1) if masked(band)), 0)
@@ -218,15 +221,31 @@ def event(pnlt, seconds, corrections=None):
     epnl = 10 * math.log10(energy) - 10 * math.log10(10)
     sharing = 0.0
     if corrections is not None and corrections[at] is not None:
-        near = [corrections[k] for k in range(at - 2, at + 3)
-                if 0 <= k < count and corrections[k] is not None]
+        near = [
+            corrections[k]
+            for k in range(at - 2, at + 3)
+            if 0 <= k < count and corrections[k] is not None
+        ]
         sharing = max(0.0, sum(near) / len(near) - corrections[at])
-    second = [k for k in range(max(begin, 1), min(end, count - 2) + 1)
-              if k != at and value[k] >= top - 2
-              and value[k] - value[k - 1] >= 0.1 and value[k] - value[k + 1] >= 0.1]
-    return {"maximum": at, "first": first, "last": last, "secondPeaks": second, "pnltm": top,
-            "epnl": epnl, "bandSharing": sharing, "epnlWithBandSharing": epnl + sharing,
-            "duration": epnl - top}
+    second = [
+        k
+        for k in range(max(begin, 1), min(end, count - 2) + 1)
+        if k != at
+        and value[k] >= top - 2
+        and value[k] - value[k - 1] >= 0.1
+        and value[k] - value[k + 1] >= 0.1
+    ]
+    return {
+        "maximum": at,
+        "first": first,
+        "last": last,
+        "secondPeaks": second,
+        "pnltm": top,
+        "epnl": epnl,
+        "bandSharing": sharing,
+        "epnlWithBandSharing": epnl + sharing,
+        "duration": epnl - top,
+    }
 
 
 def metrics(history, masks=None):
@@ -256,8 +275,11 @@ def metrics(history, masks=None):
     found = event(pnlt, seconds, corrections)
     if found:
         by_number = {record["number"] - lowest: row for record, row in zip(history, rows)}
-        for place, flag in [(found["maximum"], MAX), (found["first"], FIRST),
-                            (found["last"], LAST)] + [(p, SECOND) for p in found["secondPeaks"]]:
+        for place, flag in [
+            (found["maximum"], MAX),
+            (found["first"], FIRST),
+            (found["last"], LAST),
+        ] + [(p, SECOND) for p in found["secondPeaks"]]:
             if place is not None and place in by_number:
                 by_number[place]["INTEG"] |= flag
     return rows, found
@@ -311,5 +333,11 @@ def emission(fixes, microphone, received, celsius):
         left = [-way[1] / across, way[0] / across, 0.0]
         down = [way[2] * way[0] / across, way[2] * way[1] / across, -across]
         beta = math.degrees(cmath.phase(complex(dot(line, down), dot(line, left))))
-    return {"Te": high % DAY, "Tprope": received - high, "SRe": distance, "THETAe": theta,
-            "BETAe": beta, "Pe": source}
+    return {
+        "Te": high % DAY,
+        "Tprope": received - high,
+        "SRe": distance,
+        "THETAe": theta,
+        "BETAe": beta,
+        "Pe": source,
+    }

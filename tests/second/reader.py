@@ -10,7 +10,9 @@ import re
 import struct
 
 LAYOUTS = {
-    "STH": ("Spectral Time-History", """
+    "STH": (
+        "Spectral Time-History",
+        """
         fileName text
         fileDate date clock
         project text
@@ -28,8 +30,11 @@ LAYOUTS = {
         generationFile text
         generationDate date clock
         other lines
-        comments lines"""),
-    "MASK": ("Masking Map", """
+        comments lines""",
+    ),
+    "MASK": (
+        "Masking Map",
+        """
         fileName text
         fileDate date clock
         rows int32
@@ -38,8 +43,11 @@ LAYOUTS = {
         generationFile text
         generationDate date clock
         other lines
-        comments lines"""),
-    "PTH": ("Position Time-History", """
+        comments lines""",
+    ),
+    "PTH": (
+        "Position Time-History",
+        """
         fileName text
         fileDate date clock
         project text
@@ -48,8 +56,11 @@ LAYOUTS = {
         trackDate text
         records int32
         other lines
-        comments lines"""),
-    "GTH": ("Geometric Time-History", """
+        comments lines""",
+    ),
+    "GTH": (
+        "Geometric Time-History",
+        """
         fileName text
         fileDate date twelve
         project text
@@ -65,21 +76,30 @@ LAYOUTS = {
         microphoneDate text
         records int32
         other lines
-        comments lines"""),
-    "MIC": ("Microphone Position File", """
+        comments lines""",
+    ),
+    "MIC": (
+        "Microphone Position File",
+        """
         fileName text
         fileDate date clock
         project text
         microphone text
         other lines
-        comments lines"""),
-    "SSR": ("Spectrum Record", """
+        comments lines""",
+    ),
+    "SSR": (
+        "Spectrum Record",
+        """
         fileName text
         fileDate date clock
-        comments lines"""),
+        comments lines""",
+    ),
 }
-LAYOUTS = {name: (title, [line.split() for line in text.split("\n")[1:]])
-           for name, (title, text) in LAYOUTS.items()}
+LAYOUTS = {
+    name: (title, [line.split() for line in text.split("\n")[1:]])
+    for name, (title, text) in LAYOUTS.items()
+}
 ROWS = {
     "STH": ["int16", "time", "single"],
     "MASK": ["int16"],
@@ -90,13 +110,26 @@ ROWS = {
     "SSR": [],
 }
 INI = {
-    "CalAdj": ["single"], "NuAvg": ["averaging"], "PrWndo": ["single"], "PoWndo": ["single"],
-    "NuTimg": ["stamp"], "LoRec": ["int16"], "HiRec": ["int16"], "FileName": ["text"],
+    "CalAdj": ["single"],
+    "NuAvg": ["averaging"],
+    "PrWndo": ["single"],
+    "PoWndo": ["single"],
+    "NuTimg": ["stamp"],
+    "LoRec": ["int16"],
+    "HiRec": ["int16"],
+    "FileName": ["text"],
     "FileDateTime": ["date", "clock"],
 }
 INI_BEFORE = {  # what print_file sets; a read takes back two of them
-    "caladj": [1], "nuavg": [99], "prwndo": [2], "powndo": [3], "nutimg": [99], "lorec": [4],
-    "hirec": [5], "filename": ["name"], "filedatetime": [0, 0],
+    "caladj": [1],
+    "nuavg": [99],
+    "prwndo": [2],
+    "powndo": [3],
+    "nutimg": [99],
+    "lorec": [4],
+    "hirec": [5],
+    "filename": ["name"],
+    "filedatetime": [0, 0],
 }
 AVERAGING = {"LINEAR": 0, "TRUSLO": 1, "4S100": 2, "4S95": 3, "CONTEXPO": 4, "NA": 99}
 STAMPS = {"START": 0, "MIDPT": 1, "END": 2, "ICAOSLO": 3, "OLDSLO": 4}
@@ -146,6 +179,7 @@ def integer(low, high):
         if not low <= value <= high:
             raise ValueError
         return value
+
     return convert
 
 
@@ -154,7 +188,8 @@ def time_of_day(text):
     if len(parts) < 3:
         raise ValueError
     hours, minutes, seconds = (
-        single(number.group() if (number := NUMBER.match(part)) else "0") for part in parts[:3])
+        single(number.group() if (number := NUMBER.match(part)) else "0") for part in parts[:3]
+    )
     hours = narrowed(hours + 12 * ("PM" in text.upper()))
     if hours == 12 and "AM" in text.upper():
         hours = 0
@@ -163,8 +198,9 @@ def time_of_day(text):
 
 def date(text):
     month, day, year = re.fullmatch(r" *([0-9]{1,2})/([0-9]{1,2})/([0-9]{4}) *", text).groups()
-    return float((datetime.date(int(year), int(month), int(day)) -
-                  datetime.date(1899, 12, 30)).days)
+    return float(
+        (datetime.date(int(year), int(month), int(day)) - datetime.date(1899, 12, 30)).days
+    )
 
 
 def clock(text):
@@ -190,9 +226,18 @@ def mask(text):
 
 
 KINDS = {
-    "int16": integer(-32768, 32767), "int32": integer(-2**31, 2**31 - 1),
-    "quality": integer(0, 255), "double": double, "single": single, "time": time_of_day,
-    "date": date, "clock": clock, "twelve": twelve, "mask": mask, "any": str, "text": str,
+    "int16": integer(-32768, 32767),
+    "int32": integer(-(2**31), 2**31 - 1),
+    "quality": integer(0, 255),
+    "double": double,
+    "single": single,
+    "time": time_of_day,
+    "date": date,
+    "clock": clock,
+    "twelve": twelve,
+    "mask": mask,
+    "any": str,
+    "text": str,
     "averaging": lambda text: AVERAGING.get(text, 0),
     "stamp": lambda text: STAMPS.get(text, 0),
     "AVERAGING": lambda text: AVERAGING.get(text.upper(), 0),  # in any case
@@ -229,7 +274,7 @@ class File:
 
     def rows(self, kinds, most=math.inf):
         """The values of all lines that are left."""
-        for count, line in enumerate(self.lines[self.number:], 1):
+        for count, line in enumerate(self.lines[self.number :], 1):
             self.number += 1
             if count > most:
                 raise Failure(self.number, 0)
@@ -264,6 +309,7 @@ class File:
 
 # Values to the lines of print_file.
 
+
 def shown(value):
     if isinstance(value, list):
         return " ".join(map(shown, value))
@@ -291,6 +337,7 @@ def show_header(out, name, header, hidden=()):
 
 
 # The formats.
+
 
 def read_sth(file, out):
     header = file.header("STH")
@@ -347,7 +394,7 @@ def read_mic(file, out):
         file.next()
         fields = file.fields(file.next())
         for place, kind in enumerate(ROWS["MIC"]):
-            microphone[place], = take(file.number, fields[place:], [kind], place + 1)
+            (microphone[place],) = take(file.number, fields[place:], [kind], place + 1)
     finally:
         show(out, "microphone", microphone)
 
@@ -391,13 +438,13 @@ def read_ini(file, out):
             first, *fields = file.fields(file.next())
             key = first.partition("**")[0].lower()
             if "**" in first and key == "numberofcommentlines":
-                count, = take(file.number, fields, ["int16"], 2)
+                (count,) = take(file.number, fields, ["int16"], 2)
                 for _ in range(count):
                     comments.append(file.fields(file.next())[0])
             elif "**" in first and key in kinds:
                 values[key] = list(values[key])
                 for place, kind in enumerate(kinds[key]):
-                    values[key][place], = take(file.number, fields[place:], [kind], place + 2)
+                    (values[key][place],) = take(file.number, fields[place:], [kind], place + 2)
     finally:
         for key, value in values.items():
             show(out, key, value)

@@ -24,8 +24,14 @@ faults = []
 def run(command, folder, **more):
     path = f"{PROGRAM.parent}:{os.environ['PATH']}"
     environment = {**os.environ, "PATH": path, "COLUMNS": "80"}
-    return subprocess.run(["bash", "-c", command], cwd=folder, capture_output=True, timeout=60,
-                          env=environment, **more)
+    return subprocess.run(
+        ["bash", "-c", command],
+        cwd=folder,
+        capture_output=True,
+        timeout=60,
+        env=environment,
+        **more,
+    )
 
 
 def expect(what, found, wanted):
@@ -93,8 +99,12 @@ ROWS = [  # command, status, in the output, in the messages
     ("mkdir -p up/none; check up/none 'u*'", 2, "1 file checked", "up/none: holds no measurement"),
     (f"cat {STH} | aqdata info --json /dev/stdin", 2, '{"file":"/dev/stdin","error"', "a pipe"),
     (f"check {STH} {MAP}", 0, "2 files checked, 2 without findings", ""),
-    ("check bad.sth.csv", 1, 'line 22, field 4: error: expected a level, found "6x.2" [unreadable]',
-     ""),
+    (
+        "check bad.sth.csv",
+        1,
+        'line 22, field 4: error: expected a level, found "6x.2" [unreadable]',
+        "",
+    ),
     ("check words.sth.csv", 1, 'line 6, field 2: warning: "FOOLINEAR" is not known', ""),
     ("check loud.sth.csv", 1, "line 22, field 4, record 1, band 17: warning: 261.51 dB", ""),
     ("check --only heading loud.sth.csv", 0, "1 without findings", ""),
@@ -115,7 +125,12 @@ ROWS = [  # command, status, in the output, in the messages
     (f"show {MAP} --mask {MAP}", 2, "", "has no records to mask"),
     (f"show --json {STH} --records 1 --bands 17:18 --mask {MAP}", 0, '"masked":[true,', ""),
     (f"show {STH} --plot", 0, "Level of all bands together in dB", ""),
-    (f"show {STH} --plot --mask {MAP}", 0, "all bands together, without those that are masked, in", ""),
+    (
+        f"show {STH} --plot --mask {MAP}",
+        0,
+        "all bands together, without those that are masked, in",
+        "",
+    ),
     (f"show {STH} --plot --bands 17 --mask {MAP} | tail -2 | head -1", 0, "└────", ""),
     (f"show {STH} --plot --bands 17 --mask {MAP} | tail -3 | head -1", 0, "│░░░", ""),
     (f"show {STH} --plot --records 1 --mask {MAP} | head -1", 0, "61.51* ░░", ""),
@@ -124,14 +139,24 @@ ROWS = [  # command, status, in the output, in the messages
     (f"show {STH} --plot --bands 30", 0, "Level of B30/1kHz in dB", ""),
     (f"show {STH} --spectrogram", 0, "B40/10kHz", ""),
     (f"TERM=xterm-256color show {STH} --spectrogram --color always", 0, "\x1b[48;5;", ""),
-    (f"COLORTERM=truecolor TERM=xterm show {STH} --spectrogram --color always", 0, "\x1b[48;2;", ""),
+    (
+        f"COLORTERM=truecolor TERM=xterm show {STH} --spectrogram --color always",
+        0,
+        "\x1b[48;2;",
+        "",
+    ),
     ("show fly-over.mic.csv --plot", 2, "", "has no levels to draw"),
     ("show fly-over.ini.csv --records 1", 2, "", "has no record 1"),
     (f"show gap.sth.csv --plot --bands 17 --records 26:33 | tail -4 | head -1", 0, "███ ███", ""),
     ("show fly-over.ini.csv", 0, "window_before_s            10", ""),
     (f"convert {STH} -o tidy.csv", 0, "tidy.csv: written", ""),
     (f"convert {STH} -o tidy.csv", 2, "", "tidy.csv: is there already; --force replaces it"),
-    (f"convert {STH} -o q.nc", 2, "", "q.nc: expected a name that ends in .pth.csv, .ssr.csv, .json, .csv"),
+    (
+        f"convert {STH} -o q.nc",
+        2,
+        "",
+        "q.nc: expected a name that ends in .pth.csv, .ssr.csv, .json, .csv",
+    ),
     (f"convert {STH} -o q.mask.CSV", 2, "", "q.mask.CSV: expected a name that ends in"),
     (f"convert {STH} --to json -o q.csv", 2, "", "ends in .json, .txt"),
     (f"convert {STH} --to Table -o q.TXT", 0, "q.TXT: written", ""),
@@ -139,8 +164,13 @@ ROWS = [  # command, status, in the output, in the messages
     (f"ln {STH} same.csv; convert {STH} -f -o same.csv", 2, "", "same.csv: is what is read"),
     (f"mask {STH} --ambient fly-over.ssr.csv -f -o same.csv", 2, "", "same.csv: is what is read"),
     (f"track fly-over.tspi.csv -o x.sth.csv", 2, "", "expected a name that ends in .pth.csv, .csv"),
-    (f"cp {STH} /dev/shm/aqdata-$$.csv; convert {STH} -o /dev/shm/aqdata-$$.csv; s=$?; "
-     "rm /dev/shm/aqdata-$$.csv; exit $s", 2, "", "is there already; --force replaces it"),
+    (
+        f"cp {STH} /dev/shm/aqdata-$$.csv; convert {STH} -o /dev/shm/aqdata-$$.csv; s=$?; "
+        "rm /dev/shm/aqdata-$$.csv; exit $s",
+        2,
+        "",
+        "is there already; --force replaces it",
+    ),
     (f"convert {STH} --to spectrum --record 30", 2, "", "-o says which"),
     (f"convert {STH} --to spectrum --record 30 -o /dev/stdout | head -n 1", 0, "FileType**,", ""),
     (f"convert {STH} --record 30", 0, "30,14:30:14.75,52214.75,0,17,", ""),
@@ -157,42 +187,98 @@ ROWS = [  # command, status, in the output, in the messages
     (f"lgb {STH} {MAP}", 0, "1  14:30:00.25              36  B36/4kHz", ""),
     (f"lgb gap.sth.csv {MAP}", 2, "", "record 30: the history lacks it"),
     (f"lgb {MAP} {STH}", 2, "", "expected a spectral time history file"),
-    (f"mask {STH} --ambient fly-over.ssr.csv -o made.mask.csv", 0, "60 rows, 146 levels masked", ""),
+    (
+        f"mask {STH} --ambient fly-over.ssr.csv -o made.mask.csv",
+        0,
+        "60 rows, 146 levels masked",
+        "",
+    ),
     (f"mask invalid.sth.csv --ambient fly-over.ssr.csv -o y.csv", 0, "1 level of 9999", ""),
     (f"mask gap.sth.csv --ambient fly-over.ssr.csv -o x.csv", 2, "", "record 30 is missing"),
-    (f"sed 's/,..\\.../,9999/' fly-over.ssr.csv > no.ssr.csv; mask {STH} --ambient no.ssr.csv -o x.csv",
-     2, "", "no.ssr.csv: expected a level of the ambient in band 18, found 9999"),
+    (
+        f"sed 's/,..\\.../,9999/' fly-over.ssr.csv > no.ssr.csv; mask {STH} --ambient no.ssr.csv -o x.csv",
+        2,
+        "",
+        "no.ssr.csv: expected a level of the ambient in band 18, found 9999",
+    ),
     (f"diff --json {MAP} made.mask.csv", 1, '"only_in_b":[],"columns":[],"bands":[]', ""),
-    (f"stamp {STH} --start 14:30:00 --type midpt --ref 14:30:14.75 --ref-type overhead -o s.sth.csv",
-     0, "60 records", ""),
+    (
+        f"stamp {STH} --start 14:30:00 --type midpt --ref 14:30:14.75 --ref-type overhead -o s.sth.csv",
+        0,
+        "60 records",
+        "",
+    ),
     (f"diff --dates {STH} s.sth.csv", 0, "no difference", ""),
-    (f"sed 's/,OVERHEAD/,PEAK/' {STH} > peak.csv; stamp peak.csv --start 9:00:00 --ref 9:00:00 -o x",
-     2, "", 'has the reference time type "PEAK", which is not known; --ref-type says'),
-    ("stamp words.sth.csv --start 9:00:00 --ref 9:00:00 -o x", 2, "",
-     'has the averaging method "FOOLINEAR", which is not known'),
-    (f"sed 's/^Gen.*Date.*/GenerationFileDateTime**,01\/02\/2003,04:05:06/' {STH} > dated.csv; "
-     f"diff --dates {STH} dated.csv", 1, "generation_file_date", ""),
+    (
+        f"sed 's/,OVERHEAD/,PEAK/' {STH} > peak.csv; stamp peak.csv --start 9:00:00 --ref 9:00:00 -o x",
+        2,
+        "",
+        'has the reference time type "PEAK", which is not known; --ref-type says',
+    ),
+    (
+        "stamp words.sth.csv --start 9:00:00 --ref 9:00:00 -o x",
+        2,
+        "",
+        'has the averaging method "FOOLINEAR", which is not known',
+    ),
+    (
+        f"sed 's/^Gen.*Date.*/GenerationFileDateTime**,01\/02\/2003,04:05:06/' {STH} > dated.csv; "
+        f"diff --dates {STH} dated.csv",
+        1,
+        "generation_file_date",
+        "",
+    ),
     (f"diff {STH} dated.csv", 0, "no difference", ""),
-    ("sed -i -e s/,OVERHEAD/,PMAX/ -e 's/^GenerationFile..,/&made.dat/' dated.csv; stamp dated.csv "
-     "--start 14:30:00 --type MIDPT --ref 14:30:14.75 -o r.sth.csv", 0, "r.sth.csv: 60 records", ""),
+    (
+        "sed -i -e s/,OVERHEAD/,PMAX/ -e 's/^GenerationFile..,/&made.dat/' dated.csv; stamp dated.csv "
+        "--start 14:30:00 --type MIDPT --ref 14:30:14.75 -o r.sth.csv",
+        0,
+        "r.sth.csv: 60 records",
+        "",
+    ),
     ("diff --dates dated.csv r.sth.csv", 0, "no difference", ""),
     (f"stamp {STH} --start 23:59:50 --ref 0:00:04 -o night.sth.csv", 0, "60 records", ""),
     ("check night.sth.csv", 0, "1 without findings", ""),
     ("convert night.sth.csv --record 1", 0, "1,23:59:50,86390,-14,17,", ""),
     ("stamp gap.sth.csv --start 10:00:00 --ref 10:00:00 -o x.csv", 2, "", "gap.sth.csv: no record"),
-    (f"sed 's/,OVERHEAD/,PMAX/' {STH} > pmax.csv; diff {STH} pmax.csv", 1, "reference_time_type", ""),
+    (
+        f"sed 's/,OVERHEAD/,PMAX/' {STH} > pmax.csv; diff {STH} pmax.csv",
+        1,
+        "reference_time_type",
+        "",
+    ),
     (f"stamp {STH} --start 10 --ref 10:00:00 -o x.csv", 2, "", "--start: expected a time of day"),
-    (f"stamp {STH} --start 10:00:00 --type MID --ref 10:00:00 -o x.csv", 2, "", "--type: expected START"),
-    (f"cp {STH} self.sth.csv; stamp self.sth.csv --start 9:00:00 --ref 9:00:00 --force -o "
-     "self.sth.csv", 0, "from 9:00:00 on", ""),
-    (f"diff {STH} near.sth.csv", 1, "band 17: differs in 1 record, by 0.01 at the most, as in 1", ""),
+    (
+        f"stamp {STH} --start 10:00:00 --type MID --ref 10:00:00 -o x.csv",
+        2,
+        "",
+        "--type: expected START",
+    ),
+    (
+        f"cp {STH} self.sth.csv; stamp self.sth.csv --start 9:00:00 --ref 9:00:00 --force -o "
+        "self.sth.csv",
+        0,
+        "from 9:00:00 on",
+        "",
+    ),
+    (
+        f"diff {STH} near.sth.csv",
+        1,
+        "band 17: differs in 1 record, by 0.01 at the most, as in 1",
+        "",
+    ),
     (f"diff --tolerance 0.01 {STH} near.sth.csv", 0, "no difference", ""),
     (f"diff --tolerance -1 {STH} {STH}", 2, "", "expected 0 or more, found -1"),
     (f"diff {STH} gap.sth.csv", 1, "records only in the first file: 30", ""),
     (f"diff {STH} {MAP}", 2, "", "is a spectral time history file"),
     (f"cat {STH}", 0, "\nReferenceTimeType**,OVERHEAD\n", ""),
     ("cat --json fly-over.tspi.csv", 0, '"Rate: 5 a second"', ""),
-    ("head -n 0x1 fly-over.tspi.csv", 2, "", '--lines: expected a number from 0 to 32767, found "0x1"'),
+    (
+        "head -n 0x1 fly-over.tspi.csv",
+        2,
+        "",
+        '--lines: expected a number from 0 to 32767, found "0x1"',
+    ),
     ("head -n 1 fly-over.tspi.csv", 0, "1  14:30:00  -1258  0  150", ""),
     (f"head -n 1 fly-over.mic.csv {STH}", 0, f"==> {STH} <==\nrecord", ""),
     ("completion zsh", 0, "convert:--to) compadd -- table json", ""),
@@ -209,8 +295,9 @@ ROWS = [  # command, status, in the output, in the messages
 def command_line(row):
     """The words in front of the command are the shell's: variables, or another command."""
     words = row.split(" ")
-    first = next((i for i, word in enumerate(words)
-                  if not re.fullmatch(r"[A-Z]+=\S*", word)), len(words))
+    first = next(
+        (i for i, word in enumerate(words) if not re.fullmatch(r"[A-Z]+=\S*", word)), len(words)
+    )
     if "; " in row:
         before, row = row.split("; ", 1)
         return f"{before}; aqdata {row}"
@@ -253,19 +340,28 @@ def check_folders(parent):
         (folder / link).symlink_to(target)
     done = run("aqdata info . a b ./a/c gone.csv", folder)
     expect("walked once", done.stdout.decode().splitlines()[0], "./b/c/m.csv  microphone position")
-    expect("links to nothing", done.stderr.decode().count("gone.csv: a link to nothing: nowhere"), 2)
+    expect(
+        "links to nothing", done.stderr.decode().count("gone.csv: a link to nothing: nowhere"), 2
+    )
     shutil.rmtree(folder)
 
 
 def check_completion(folder):
     """What bash offers after a command line."""
-    for line, offered in (("aqdata co", "convert completion"), ("aqdata --color a", "auto always"),
-                          ("aqdata -q convert x --to j", "json"), ("aqdata check --only record-g",
-                          "record-gap"), ("aqdata check --color=al", "always"),
-                          ("aqdata help sta", "stamp"), ("aqdata info --js", "--json")):
+    for line, offered in (
+        ("aqdata co", "convert completion"),
+        ("aqdata --color a", "auto always"),
+        ("aqdata -q convert x --to j", "json"),
+        ("aqdata check --only record-g", "record-gap"),
+        ("aqdata check --color=al", "always"),
+        ("aqdata help sta", "stamp"),
+        ("aqdata info --js", "--json"),
+    ):
         words = re.sub("=", " = ", line).split()
-        script = (f"source <(aqdata completion bash); COMP_WORDS=({' '.join(words)}); "
-                  f"COMP_CWORD={len(words) - 1}; _aqdata; echo ${{COMPREPLY[@]}}")
+        script = (
+            f"source <(aqdata completion bash); COMP_WORDS=({' '.join(words)}); "
+            f"COMP_CWORD={len(words) - 1}; _aqdata; echo ${{COMPREPLY[@]}}"
+        )
         expect(line, run(script, folder).stdout.decode().strip(), offered)
 
 
@@ -275,12 +371,16 @@ def check_widths(folder):
     for name in names:
         shutil.copy(SAMPLES / "fly-over.mic.csv", folder / name)
     lines = run("aqdata info fly-\u98db* fly-e* fly-p*", folder).stdout.decode().splitlines()
-    places = {unicodedata.normalize("NFC", line).replace("\u98db\u884c", "four").find("microphone")
-              for line in lines[1:4]}
+    places = {
+        unicodedata.normalize("NFC", line).replace("\u98db\u884c", "four").find("microphone")
+        for line in lines[1:4]
+    }
     expect("names of wide characters", len(places), 1)
     wide = pathlib.Path(folder / "narrow.txt")
-    run(f"stty cols 60 2>/dev/null; script -qc 'stty cols 60; aqdata info {names[0]} {STH}' {wide}",
-        folder)
+    run(
+        f"stty cols 60 2>/dev/null; script -qc 'stty cols 60; aqdata info {names[0]} {STH}' {wide}",
+        folder,
+    )
     if shutil.which("script"):
         expect_in("columns left out", wide.read_text(errors="replace"), "no room for ")
 
@@ -309,8 +409,11 @@ def check_field_data(folder):
     data = os.environ.get("AQ_FIELD_DATA")
     if data is None:
         return
-    run(f"aqdata mask '{data}/landing.sth.csv' --ambient '{data}/landing.ambient.ssr.csv' "
-        "-o landing.csv", folder)
+    run(
+        f"aqdata mask '{data}/landing.sth.csv' --ambient '{data}/landing.ambient.ssr.csv' "
+        "-o landing.csv",
+        folder,
+    )
     done = run(f"aqdata diff --json '{data}/landing.mask.csv' landing.csv", folder)
     difference = json.loads(done.stdout)
     for part in ("only_in_a", "only_in_b", "columns", "bands"):
@@ -320,8 +423,16 @@ def check_field_data(folder):
 with tempfile.TemporaryDirectory() as name:
     place = pathlib.Path(name)
     samples(place)
-    for check in (check_rows, check_json, check_streams, check_folders, check_completion,
-                  check_widths, check_documents, check_field_data):
+    for check in (
+        check_rows,
+        check_json,
+        check_streams,
+        check_folders,
+        check_completion,
+        check_widths,
+        check_documents,
+        check_field_data,
+    ):
         check(place)
 print("\n".join(faults) or f"{len(ROWS)} commands, no fault")
 sys.exit(1 if faults else 0)
