@@ -19,7 +19,8 @@ from .labelled import check_unit
 from .times import DAY, going_on
 
 Clock = Union[_core.AQ_Time, datetime.time, datetime.datetime, str]
-CLASSES = [cls for cls in vars(_core).values() if hasattr(cls, "_fields")]
+COLLECTIONS = ("TextCollection", "FieldLines", "NumberCollection", "MetricTypeCollection")
+CLASSES: list[Any] = [cls for cls in vars(_core).values() if hasattr(cls, "_fields")]
 
 
 def as_time(given: Clock) -> _core.AQ_Time:
@@ -78,6 +79,7 @@ def _equal(self: Any, other: object) -> bool:
 
 for _cls in CLASSES:
     _cls.__setattr__ = _set
+for _cls in (*CLASSES, *(cls for name, cls in vars(_core).items() if name in COLLECTIONS)):
     _cls.__eq__ = _equal
     _cls.__hash__ = None
 
