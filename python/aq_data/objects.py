@@ -21,6 +21,7 @@ from .times import DAY, going_on
 Clock = Union[_core.AQ_Time, datetime.time, datetime.datetime, str]
 COLLECTIONS = ("TextCollection", "FieldLines", "NumberCollection", "MetricTypeCollection")
 CLASSES: list[Any] = [cls for cls in vars(_core).values() if hasattr(cls, "_fields")]
+CLASSES.append(_core.AQ_Time)
 
 
 def as_time(given: Clock) -> _core.AQ_Time:
@@ -200,7 +201,8 @@ def spectrum_iter(self: _core.AQ_Spectrum) -> Iterator[tuple[int, Any]]:
 
 
 def _fields(self: Any) -> dict[str, Any]:
-    values = {name: getattr(self, name) for name in self._fields}
+    names = getattr(self, "_fields", ("CurrentDate", "TODseconds", "RelSeconds"))
+    values = {name: getattr(self, name) for name in names}
     return {
         name: list(value) if isinstance(value, _core.TextCollection) else value
         for name, value in values.items()
