@@ -4,6 +4,7 @@
 
 #include "aq/check/check_file.h"
 #include "aq/check/finding.h"
+#include "aq/check/same_levels.h"
 #include "aq/core/band_label.h"
 #include "aq/core/collection.h"
 #include "aq/core/enumerations.h"

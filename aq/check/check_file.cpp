@@ -4,6 +4,8 @@
 
 #include "aq/check/checks.h"
 #include "aq/check/header_check.h"
+#include "aq/check/line_shapes.h"
+#include "aq/check/text_form.h"
 #include "aq/core/platform.h"
 #include "aq/core/words.h"
 #include "aq/spectral/spectral_time_history.h"
@@ -26,6 +28,25 @@ void checkAs(FileKind kind, const std::string& path, const Reporter& report) {
   forFormats([&]<class File, class Header, class Model>(const Format<File, Header, Model>& format) {
     if (format.kind == kind) check(FileOf<File>{path}, report);
   });
+}
+
+/// What other programs made of the text comes first: where it explains all else, alone. `checkData`
+/// checks a file of the kind that it is given.
+template <class CheckData>
+void checkText(const std::string& path, Reporter& report, const CheckData& checkData) {
+  const std::string head = headOf(path);
+  const FileKind kind = kindOfFile(path);
+  const auto fault =
+      kind == FileKind::Unknown && !faultOfBytes(head) ? faultOfLines(head) : faultOfBytes(head);
+  if (fault) return report(fault->kind, {.line = 1}, fault->message);
+  if (head.starts_with(kByteOrderMark)) {
+    report(
+        Kind::ByteOrderMark, {.line = 1},
+        "a byte order mark stands before the first line; save the file as plain text without it");
+  }
+  report.fileBegins(head);
+  checkData(kind);
+  report.fileBegins({});
 }
 
 /// Runs `check`; a file that changes meanwhile does not read.
@@ -73,35 +94,41 @@ void checkFitOf(const std::string& historyPath, const AQ_MaskMap& map, const Rep
 }  // namespace
 
 void checkFile(const std::string& path, const FindingSink& report) {
-  const Reporter reporter(report);
-  checking(reporter, [&] { checkAs(kindOfFile(path), path, reporter); });
+  Reporter reporter(report);
+  checking(reporter, [&] {
+    checkText(path, reporter, [&](FileKind kind) { checkAs(kind, path, reporter); });
+  });
+  reporter.finish();
 }
 
 void checkFixes(const std::string& path, std::uint8_t limit, const FindingSink& report) {
-  const Reporter reporter(report);
+  Reporter reporter(report);
   checking(reporter, [&] { checkQuality(FileOf<AQ_DataTSPI>{path}, limit, reporter); });
+  reporter.finish();
 }
 
 void checkFit(const AQ_SpectralTimeHistory& history, const std::string& historyName,
               const AQ_MaskMap& map, const FindingSink& report) {
-  checkMapFit(history, historyName, map, Reporter(report));
+  Reporter reporter(report);
+  checkMapFit(history, historyName, map, reporter);
+  reporter.finish();
 }
 
 void checkFit(const std::string& historyPath, const std::string& mapPath,
               const FindingSink& report) {
-  const Reporter reporter(report);
+  Reporter reporter(report);
   checking(reporter, [&] {
     AQ_DataMask file;
     Content<AQ_HeaderMask, AQ_MaskMap> read;
     if (readContent(file, mapPath, read) == AQ_DATA_OK)
       checkFitOf(historyPath, *read.model, reporter);
   });
+  reporter.finish();
 }
 
-void checkWithHistory(const std::string& path, const FindingSink& report) {
-  const Reporter reporter(report);
-  checking(reporter, [&] {
-    const FileKind kind = kindOfFile(path);
+Checked checkWithHistory(const std::string& path, const FindingSink& report) {
+  Reporter reporter(report);
+  const auto checkData = [&](FileKind kind) {
     if (kind != FileKind::MaskingMap) return checkAs(kind, path, reporter);
     const auto read = check(FileOf<AQ_DataMask>{path}, reporter);
     if (!read.model) return;
@@ -110,21 +137,29 @@ void checkWithHistory(const std::string& path, const FindingSink& report) {
     if (std::filesystem::is_regular_file(history, error)) {
       checkFitOf(history, *read.model, reporter);
     }
-  });
+  };
+  checking(reporter, [&] { checkText(path, reporter, checkData); });
+  reporter.finish();
+  return {reporter.levels()};
 }
 
 void check(FileOf<AQ_DataINI> of, const Reporter& report) {
   constexpr std::string_view kTitle = "FILETYPE";  // that the file carries and nobody reads
   AQ_DataINI file;
+  std::size_t nameLine = 0;
   file.observeHeader([&](const HeaderLine& line) {
-    const std::string_view text = trimmed(line.text);
+    std::string_view text = trimmed(line.text);
+    if (line.number == 1 && text.starts_with(kByteOrderMark)) text.remove_prefix(3);
     if (line.use != HeaderLine::Use::Unused) checkFieldsBehind(line, report);
     checkParameterWord(line, report);
+    if (line.keyword == "FileName") nameLine = line.number;
     if (line.use != HeaderLine::Use::Unused || text.empty()) return;
     if (line.number == 1 && upperCased(text).starts_with(kTitle)) return;
     report(Kind::UnknownKeyword, {.line = line.number}, shown(text) + " is passed over");
   });
-  if (file.readFile(of.path) != AQ_DATA_OK) report.unreadable(*file.lastFailure());
+  if (file.readFile(of.path) != AQ_DATA_OK) return report.unreadable(*file.lastFailure());
+  if (nameLine != 0) checkFileName(nameLine, file.FileName(), of.path, report);
+  checkEnd(of.path, report);
 }
 
 void checkNothingBehind(const std::string& path, std::size_t last, const Reporter& report) {

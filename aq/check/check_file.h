@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "aq/check/finding.h"
@@ -27,8 +28,13 @@ AQ_API void checkFit(const AQ_SpectralTimeHistory& history, const std::string& h
 AQ_API void checkFit(const std::string& historyPath, const std::string& mapPath,
                      const FindingSink& report);
 
+/// What a check keeps of a file beyond its findings.
+struct Checked {
+  std::optional<std::uint64_t> levels = {};  ///< a digest of all levels of a history
+};
+
 /// As `checkFile`; a masking map is also compared with the history that it names, when that is a
 /// file beside it.
-AQ_API void checkWithHistory(const std::string& path, const FindingSink& report);
+AQ_API Checked checkWithHistory(const std::string& path, const FindingSink& report);
 
 }  // namespace aq

@@ -1,8 +1,13 @@
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
+#include <set>
+#include <vector>
 
 #include "aq/check/checks.h"
 #include "aq/check/header_check.h"
+#include "aq/check/line_shapes.h"
 #include "aq/check/record_lines.h"
 #include "aq/geometry/tracking_line.h"
 #include "aq/text/checked_keywords.h"
@@ -23,10 +28,25 @@ class TimeOrder {
               time.TODstring() + " is not later than the line before");
     }
     before_ = time.TODseconds();
+    const std::array<double, 3> at{position.X(), position.Y(), position.Z()};
+    at == at_ ? ++stays_ : (finish(), stays_ = 0);
+    at_ = at;
+    line_ = line;
+  }
+
+  /// A tracker that is stuck, or a source that stands still: one finding a run of positions.
+  void finish() const {
+    constexpr std::size_t kEnough = 4;  // of a slow source, a few may well be the same
+    if (stays_ < kEnough) return;
+    report_(Kind::PositionStuck, {.line = line_ - stays_},
+            "the position stays the same in the next " + std::to_string(stays_) + " lines");
   }
 
  private:
   const Reporter& report_;
+  std::array<double, 3> at_{};
+  std::size_t stays_ = 0;  // lines that repeat the position of the one before
+  std::size_t line_ = 0;
   double before_ = std::numeric_limits<double>::quiet_NaN();  // nothing is later or not than it
 };
 
@@ -46,6 +66,77 @@ void checkQuality(const TrackingLine& fix, std::uint8_t limit, std::size_t line,
          "RT20 figure " + std::to_string(fix.quality) + " is above " + std::to_string(limit));
 }
 
+constexpr std::size_t kPositionFields = 4;
+
+/// Slant range, propagation time, emission time and source position of a point, each of which
+/// follows from others. One finding a point.
+class Contradictions {
+ public:
+  Contradictions(const AQ_Position& microphone, const Reporter& report)
+      : microphone_(microphone), report_(report) {}
+
+  /// Of all points but those whose time is known to be `wrong`.
+  void check(const RecordLines& records, const AQ_GeometryTimeHistory& history,
+             const std::set<std::int32_t>& wrong) {
+    std::vector<double> speeds;
+    records.forEach([&](std::int16_t record, std::size_t) {
+      const AQ_Geometry& point = *history.Point(record);
+      if (point.Tprope > 0) speeds.push_back(point.SRe / point.Tprope);
+    });
+    if (!speeds.empty()) {
+      const auto middle = speeds.begin() + static_cast<std::ptrdiff_t>(speeds.size() / 2);
+      std::nth_element(speeds.begin(), middle, speeds.end());
+      speed_ = *middle;
+      expectSound();
+    }
+    records.forEach([&](std::int16_t record, std::size_t line) {
+      if (wrong.contains(record)) return;
+      const std::string fault = faultOf(*history.Point(record), speeds.size());
+      if (fault.empty()) return;
+      report_(Kind::Contradiction, {.line = line, .record = record}, fault);
+    });
+  }
+
+ private:
+  /// In metres or feet a second, at any temperature of a measurement.
+  void expectSound() const {
+    const bool metres = speed_ > 290 && speed_ < 370;
+    const bool feet = speed_ > 950 && speed_ < 1220;
+    if (metres || feet) return;
+    report_(Kind::Contradiction, {},
+            "slant ranges and propagation times give a speed of " + numberText(rounded(speed_)) +
+                " a second; that of sound is about 340 m or 1120 ft");
+  }
+
+  [[nodiscard]] std::string faultOf(AQ_Geometry& point, std::size_t points) const {
+    constexpr double kTolerance = 0.0201;  // hundredths of both times of day
+    constexpr std::size_t kEnough = 3;     // points, to know which of them is wrong
+    const double between =
+        std::remainder(point.Tm()->TODseconds() - point.Te()->TODseconds(), kSecondsPerDay);
+    if (std::abs(between - point.Tprope) > kTolerance) {
+      return "the sound is emitted " + secondsText(between) + " before it is measured, its " +
+             "propagation time is " + secondsText(point.Tprope);
+    }
+    const double range = point.Tprope * speed_;
+    if (points >= kEnough && std::abs(point.SRe - range) > 0.005 * range + 0.1) {
+      return "the slant range is " + numberText(point.SRe) + ", the propagation time gives " +
+             numberText(rounded(range));
+    }
+    const double distance =
+        std::hypot(point.Pe()->X() - microphone_.X(), point.Pe()->Y() - microphone_.Y(),
+                   point.Pe()->Z() - microphone_.Z());
+    if (std::abs(point.SRe - distance) <= 0.01 * distance + 2) return {};
+    return "the slant range is " + numberText(point.SRe) + ", the position is " +
+           numberText(rounded(distance)) + " from the microphone";
+  }
+
+  static double rounded(double value) { return std::round(value * 100) / 100; }
+
+  const AQ_Position& microphone_;
+  const Reporter& report_;
+  double speed_ = 0;  // of sound, as most points have it
+};
+
 }  // namespace
 
 void check(FileOf<AQ_DataPTH> file, const Reporter& report) {
@@ -54,10 +145,14 @@ void check(FileOf<AQ_DataPTH> file, const Reporter& report) {
   if (!header.reads<AQ_DataPTH>(file.path, read)) return;
   const std::int32_t count = read.model->Count();
   header.expectCount(keywords::kNumberRecords, static_cast<std::size_t>(count), "positions");
+  const LineShapes shapes(file.path, header.lines(), kPositionFields, 3);
+  shapes.report(file.path, report);
+  if (shapes.decimalCommas()) return;
   TimeOrder order(report);
   for (std::int32_t place = 1; place <= count; ++place) {
     order.see(*read.model->Position(place), header.lines() + static_cast<std::size_t>(place));
   }
+  order.finish();
 }
 
 void check(FileOf<AQ_DataTSPI> of, const Reporter& report) {
@@ -69,12 +164,19 @@ void check(FileOf<AQ_DataTSPI> of, const Reporter& report) {
     order.see(*fix.position, line);
     checkQuality(fix, file.RT20Limit(), line, report);
   });
+  order.finish();
+  // Fields beyond the coordinates are the tracker's own.
+  const LineShapes shapes(of.path, kTrackingHeaderLines,
+                          std::numeric_limits<std::size_t>::max() / 2, 0);
+  shapes.report(path, report);
 }
 
 void check(FileOf<AQ_DataMIC> file, const Reporter& report) {
   HeaderCheck header(report);
   Content<AQ_HeaderMIC, AQ_Microphone> read;
   if (!header.reads<AQ_DataMIC>(file.path, read)) return;
+  const LineShapes shapes(file.path, header.lines(), kPositionFields, kPositionFields);
+  if (shapes.count() == 1) shapes.report(file.path, report);
   checkNothingBehind(file.path, header.lines() + 1, report);
 }
 
@@ -83,11 +185,15 @@ void check(FileOf<AQ_DataGTH> file, const Reporter& report) {
   HeaderCheck header(report);
   Content<AQ_HeaderGTH, AQ_GeometryTimeHistory> read;
   if (!header.reads<AQ_DataGTH>(file.path, read)) return;
-  const RecordLines records(file.path, header, kFields, report);
+  const RecordLines records(file.path, header, kFields, kFields - 1, report);
+  if (!records.readable()) return;
   header.expectCount(keywords::kNumberRecords, records.count(), "points");
-  checkTimeSteps(
+  const auto wrong = checkTimeSteps(
       records, [&](std::int16_t record) { return read.model->Point(record)->Tm()->TODseconds(); },
       report);
+  if (records.count() != 0) {
+    Contradictions(*read.header->MicrophonePosition, report).check(records, *read.model, wrong);
+  }
 }
 
 void checkQuality(FileOf<AQ_DataTSPI> file, std::uint8_t limit, const Reporter& report) {

@@ -1,8 +1,15 @@
+#include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstddef>
+#include <limits>
+#include <set>
+#include <utility>
+#include <vector>
 
 #include "aq/check/checks.h"
 #include "aq/check/header_check.h"
+#include "aq/check/line_shapes.h"
 #include "aq/check/record_lines.h"
 #include "aq/core/enumerations.h"
 #include "aq/core/time.h"
@@ -15,6 +22,7 @@ namespace {
 
 constexpr double kLowest = -20;
 constexpr double kHighest = 200;
+constexpr std::string_view kStartTime = "StartTime";
 constexpr std::size_t kBeforeLevels = 3;  // record number, time of day and relative time
 
 /// `place` is that of the level in front of the first.
@@ -43,13 +51,14 @@ void checkRange(const HeaderCheck& header, const RecordLines& records, const Rep
 
 /// One finding a file: a wrong reference time makes every relative time wrong.
 void checkRelativeTimes(const RecordLines& records, AQ_SpectralTimeHistory& history,
-                        const Reporter& report) {
+                        const std::set<std::int32_t>& offInTime, const Reporter& report) {
   constexpr double kTolerance = 0.0201;  // hundredths of the time of day, and single precision
   const double reference = history.ReferenceTime()->TODseconds();
   FindingPlace place;
   std::size_t wrong = 0;
   std::string first;
   records.forEach([&](std::int16_t record, std::size_t line) {
+    if (offInTime.contains(record)) return;
     const AQ_Time time = history.spectrum(record)->timeValue();
     const double expected = std::remainder(time.TODseconds() - reference, kSecondsPerDay);
     if (std::abs(time.RelSeconds() - expected) <= kTolerance) return;
@@ -62,6 +71,115 @@ void checkRelativeTimes(const RecordLines& records, AQ_SpectralTimeHistory& hist
          first + "; wrong in " + std::to_string(wrong) + (wrong == 1 ? " record" : " records"));
 }
 
+/// How long after the begin of a record its stamp is, by its type.
+double shiftOf(AQ_TimeStampType type) {
+  switch (type) {
+    case AQ_START: break;
+    case AQ_MIDPT: return 0.25;
+    case AQ_END: return 0.5;
+    case AQ_ICAOSLO: return -0.25;
+    case AQ_OLDSLO: return -0.5;
+  }
+  return 0;
+}
+
+/// The start is that of record 1, or of the lowest record that the file has.
+void checkStartTime(const HeaderCheck& header, const RecordLines& records,
+                    AQ_SpectralTimeHistory& history, const Reporter& report) {
+  constexpr double kTolerance = 0.0201;  // hundredths of both times of day, and single precision
+  const auto low = static_cast<std::int16_t>(records.low());
+  const double stamp = history.spectrum(low)->timeValue().TODseconds();
+  const double expected = history.startTime()->TODseconds() + shiftOf(history.TimeStampType());
+  const auto fits = [&](double first) {
+    return std::abs(std::remainder(stamp - first, kSecondsPerDay)) <= kTolerance;
+  };
+  if (fits(expected) || fits(expected + (low - 1) * 0.5)) return;
+  report(Kind::StartTime, {.line = header.lineOf(kStartTime), .field = 2},
+         "the start gives a first stamp " +
+             secondsText(std::remainder(expected - stamp, kSecondsPerDay)) +
+             " from the one that is there, " + history.spectrum(low)->timeValue().TODstring());
+}
+
+bool isAnyValid(const std::vector<double>& levels) {
+  return std::any_of(levels.begin(), levels.end(),
+                     [](double level) { return level != double{AQ_INVALID_LEVEL}; });
+}
+
+/// Real levels are never all the same again. One finding a run of records.
+class StuckRecords {
+ public:
+  explicit StuckRecords(const Reporter& report) : report_(report) {}
+
+  void see(std::int16_t record, std::size_t line, std::vector<double> levels) {
+    const bool same = record == last_ + 1 && levels == levels_ && isAnyValid(levels);
+    if (same && first_ == 0) first_ = line, before_ = last_;
+    if (!same) finish();
+    last_ = record;
+    levels_ = std::move(levels);
+  }
+
+  void finish() {
+    constexpr std::size_t kEnough = 8;  // levels: one or two may well be the same by chance
+    const auto count = static_cast<std::size_t>(last_ - before_);
+    if (first_ != 0 && count * levels_.size() >= kEnough) {
+      const std::string last = count == 1 ? "" : " to " + std::to_string(last_);
+      FindingPlace place{.line = first_};
+      place.record = before_ + 1;
+      report_(Kind::RecordStuck, place,
+              "all levels of record " + std::to_string(before_) + " come again in record " +
+                  std::to_string(before_ + 1) + last);
+    }
+    first_ = 0;
+  }
+
+ private:
+  const Reporter& report_;
+  std::vector<double> levels_;
+  std::int32_t last_ = std::numeric_limits<std::int16_t>::min() - 1;
+  std::int32_t before_ = 0;  // the record whose levels come again
+  std::size_t first_ = 0;    // the line where they do; 0 outside a run
+};
+
+/// Mixes all levels into a number that other levels have as good as never (FNV-1a over their bits).
+class Digest {
+ public:
+  void see(const std::vector<double>& levels) {
+    for (const double level : levels) {
+      const auto bits = std::bit_cast<std::uint64_t>(level);
+      for (int shift = 0; shift < 64; shift += 8) {
+        value_ = (value_ ^ ((bits >> shift) & 0xFF)) * 0x100000001B3U;
+      }
+    }
+    count_ += levels.size();
+    valid_ = valid_ || isAnyValid(levels);
+  }
+
+  void report(const Reporter& to) const {
+    constexpr std::size_t kEnough = 8;  // levels
+    if (valid_ && count_ >= kEnough) to.levels(value_);
+  }
+
+ private:
+  std::uint64_t value_ = 0xCBF29CE484222325U;
+  std::size_t count_ = 0;
+  bool valid_ = false;
+};
+
+void checkAllLevels(const RecordLines& records, const AQ_SpectralTimeHistory& history,
+                    const Reporter& report) {
+  StuckRecords stuck(report);
+  Digest digest;
+  records.forEach([&](std::int16_t record, std::size_t line) {
+    const auto spectrum = history.spectrum(record);
+    checkLevels(*spectrum, {.line = line, .field = kBeforeLevels, .record = record}, report);
+    std::vector<double> levels = spectrum->plainLevels();
+    digest.see(levels);
+    stuck.see(record, line, std::move(levels));
+  });
+  stuck.finish();
+  digest.report(report);
+}
+
 }  // namespace
 
 void check(FileOf<AQ_DataSTH> file, const Reporter& report) {
@@ -70,31 +188,38 @@ void check(FileOf<AQ_DataSTH> file, const Reporter& report) {
   if (!header.reads<AQ_DataSTH>(file.path, read)) return;
   AQ_SpectralTimeHistory& history = *read.model;
   const auto [low, high] = header.integersOf(keywords::kBands);
-  header.expectLabels(kBeforeLevels + 1, low, high);
   const std::size_t bands = low <= high ? static_cast<std::size_t>(high - low) + 1 : 0;
-  const RecordLines records(file.path, header, kBeforeLevels + bands, report);
+  const RecordLines records(file.path, header, kBeforeLevels + bands, bands, report);
+  if (!records.readable()) return;
+  header.expectLabels(kBeforeLevels + 1, low, high);
   header.expectWord(keywords::kAveragingMethod, history.sAveragingMethod());
   header.expectWord(keywords::kTimeStampType, history.sTimeStampType());
+  header.expectReferenceType();
   header.expectCount(keywords::kNumberOfSpectrum, records.count(), "records");
   if (records.count() == 0) return;
   checkRange(header, records, report);
-  checkTimeSteps(
+  const auto offInTime = checkTimeSteps(
       records,
       [&](std::int16_t record) { return history.spectrum(record)->timeValue().TODseconds(); },
       report);
-  checkRelativeTimes(records, history, report);
-  records.forEach([&](std::int16_t record, std::size_t line) {
-    checkLevels(*history.spectrum(record), {.line = line, .field = kBeforeLevels, .record = record},
-                report);
-  });
+  checkRelativeTimes(records, history, offInTime, report);
+  const bool stamped =
+      upperCased(header.valueOf(keywords::kTimeStampType)) == history.sTimeStampType();
+  if (stamped) checkStartTime(header, records, history, report);
+  checkAllLevels(records, history, report);
 }
 
 void check(FileOf<AQ_DataSSR> file, const Reporter& report) {
   HeaderCheck header(report);
   Content<AQ_HeaderSSR, AQ_Spectrum> read;
   if (!header.reads<AQ_DataSSR>(file.path, read)) return;
-  header.expectLabels(1, read.model->LowBand(), read.model->HighBand());
   const std::size_t levels = header.lines() + 1;
+  const auto bands =
+      static_cast<std::size_t>(std::max(0, read.model->HighBand() - read.model->LowBand() + 1));
+  const LineShapes shapes(file.path, header.lines(), bands, bands);
+  shapes.report(file.path, report);
+  if (shapes.decimalCommas()) return;
+  header.expectLabels(1, read.model->LowBand(), read.model->HighBand());
   checkLevels(*read.model, {.line = levels}, report);
   checkNothingBehind(file.path, levels, report);
 }

@@ -1,6 +1,10 @@
 #include "aq/check/finding.h"
 
+#include <algorithm>
+#include <numeric>
+
 #include "aq/check/reporter.h"
+#include "aq/check/text_form.h"
 
 namespace aq {
 namespace {
@@ -12,7 +16,14 @@ constexpr auto kNote = Severity::Note;
 constexpr FindingKind kKinds[] = {
     {"unreadable", kError, "the reader fails here"},
     {"unknown-kind", kError, "the first lines are those of no kind of file"},
+    {"compressed", kError, "the file is packed or a workbook, and no text"},
+    {"utf-16", kError, "the text has two bytes a character"},
+    {"line-ends", kError, "lines end in carriage returns alone"},
+    {"spreadsheet", kError, "a spreadsheet added commas, or other separators"},
+    {"decimal-comma", kError, "numbers are divided at their decimal commas"},
     {"map-misfit", kError, "a masking map and its history do not fit each other"},
+    {"byte-order-mark", kWarning, "a byte order mark stands before the first line"},
+    {"file-name", kWarning, "the header has the name of another file"},
     {"keyword", kWarning, "a header line has the keyword of another place"},
     {"unknown-keyword", kWarning, "a line of parameters that is passed over"},
     {"lost-text", kWarning, "text of a header line that is not read"},
@@ -28,9 +39,18 @@ constexpr FindingKind kKinds[] = {
     {"time-step", kWarning, "a time is not half a second a record on"},
     {"time-order", kWarning, "a position is not later than the one before"},
     {"relative-time", kWarning, "a relative time does not fit the time of day"},
+    {"start-time", kWarning, "the start time does not fit the first time stamp"},
+    {"record-stuck", kWarning, "a record repeats all levels of the one before"},
+    {"contradiction", kWarning, "ranges and times of sound do not fit each other"},
     {"level-range", kWarning, "a level is outside -20 to 200 dB"},
     {"mask-letters", kWarning, "a mask has letters that stand for nothing"},
     {"last-good-band", kWarning, "a last good band is not the one that the masks give"},
+    {"cut-short", kWarning, "the file ends within its last line, or seems to"},
+    {"same-levels", kWarning, "another file of the archive has the same levels"},
+    {"quotes", kNote, "a spreadsheet's quotes stand around header lines"},
+    {"renamed", kNote, "the header has another name than the file"},
+    {"source-missing", kNote, "a file that the header names is not beside it"},
+    {"position-stuck", kNote, "positions stay the same while time goes on"},
     {"level-invalid", kNote, "a level is 9999, not valid"},
     {"fix-rejected", kNote, "a tracking fix has a figure above the usual limit"},
 };
@@ -50,8 +70,29 @@ std::string_view severityText(Severity severity) {
 }
 
 void Reporter::unreadable(const FileFailure& failure) const {
+  if (const auto fault = faultOfLines(head_)) {
+    findings_.clear();  // they follow from it
+    return (*this)(fault->kind, {.line = 1}, fault->message);
+  }
+  const std::string_view found = failure.found;
+  if (found.size() > 2 && isDecimalComma(found.substr(1, found.size() - 2))) {
+    return (*this)(Kind::DecimalComma, {.line = failure.line, .field = failure.field},
+                   failure.found + ": " + std::string(kDecimalCommaCure));
+  }
   const FileFailure placed{.file = {}, .expected = failure.expected, .found = failure.found};
   (*this)(Kind::Unreadable, {.line = failure.line, .field = failure.field}, placed.message());
+}
+
+void Reporter::finish() {
+  std::vector<std::size_t> order(findings_.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::stable_sort(order.begin(), order.end(), [this](std::size_t a, std::size_t b) {
+    const FindingPlace& one = findings_[a].place;
+    const FindingPlace& other = findings_[b].place;
+    return one.line != other.line ? one.line < other.line : one.field < other.field;
+  });
+  for (const std::size_t place : order) sink_(findings_[place]);
+  findings_.clear();
 }
 
 }  // namespace aq

@@ -26,7 +26,7 @@ struct FindingKind {
   std::string_view meaning;  ///< in one line
 };
 
-/// All kinds of finding, in the order of their severity and then of a file's lines.
+/// All kinds of finding, in the order of their severity.
 [[nodiscard]] AQ_API std::span<const FindingKind> findingKinds();
 
 /// "note", "warning" or "error".
@@ -47,7 +47,7 @@ struct Finding {
   std::string message;  ///< in one line, without the place
 };
 
-/// Takes findings one by one, so that a file with very many of them needs no memory for them.
+/// Takes findings one by one, in the order of the file's lines; those of the whole file come first.
 using FindingSink = std::function<void(const Finding&)>;
 
 }  // namespace aq

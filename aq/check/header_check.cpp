@@ -1,9 +1,14 @@
 #include "aq/check/header_check.h"
 
+#include <algorithm>
+#include <filesystem>
 #include <utility>
 
+#include "aq/check/text_form.h"
 #include "aq/core/band_label.h"
 #include "aq/core/error.h"
+#include "aq/core/platform.h"
+#include "aq/text/checked_keywords.h"
 #include "aq/text/fields.h"
 #include "aq/text/number_text.h"
 
@@ -23,7 +28,38 @@ std::string expectedLabels(std::int16_t low, std::int16_t high, std::string_view
   }
 }
 
+bool isPlainNumber(std::string_view text) {
+  text = trimmed(text);
+  if (text.starts_with('-')) text.remove_prefix(1);
+  return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
+}
+
+/// The name that a header records, without folders of whatever system.
+std::string bareName(std::string_view name) {
+  return std::string(name.substr(name.find_last_of("/\\") + 1));
+}
+
+bool isBeside(const std::string& path, const std::string& name) {
+  std::error_code error;
+  return std::filesystem::exists(std::filesystem::path(path).parent_path() / name, error);
+}
+
+constexpr std::string_view kFileName = "FileName";
+/// Keywords of files that another was made of.
+constexpr std::string_view kSources[] = {"GenerationFile", "TSPIFileName", "STHFileName",
+                                         "PTHFileName", "MICFileName"};
+
 }  // namespace
+
+void checkFileName(std::size_t line, std::string_view name, const std::string& path,
+                   const Reporter& report) {
+  const std::string recorded = bareName(name);
+  if (recorded.empty() || upperCased(recorded) == upperCased(platform::fileName(path))) return;
+  const bool others = isBeside(path, recorded);
+  report(others ? Kind::FileName : Kind::Renamed, {.line = line, .field = 2},
+         others ? shown(recorded) + " is another file beside this one"
+                : "the file is called " + shown(recorded) + " here");
+}
 
 void checkFieldsBehind(const HeaderLine& line, const Reporter& report) {
   if (line.fields == 0) return;
@@ -32,6 +68,12 @@ void checkFieldsBehind(const HeaderLine& line, const Reporter& report) {
   split(line.value, ",", found);
   for (std::size_t i = line.fields; i < found.size(); ++i) {
     if (trimmed(found[i]).empty()) continue;
+    const bool comma = line.fields != 2 && i == line.fields && isPlainNumber(found[i - 1]) &&
+                       isPlainNumber(found[i]);
+    if (comma) {
+      return report(Kind::DecimalComma, {.line = line.number, .field = before + i + 1},
+                    shown(trimmed(line.value)) + ": " + std::string(kDecimalCommaCure));
+    }
     return report(Kind::LostText, {.line = line.number, .field = before + i + 1},
                   shown(found[i]) + " behind the value is not read");
   }
@@ -73,6 +115,23 @@ void HeaderCheck::expectWord(std::string_view keyword, const std::string& readAs
   checkWord(lineOf(keyword), valueOf(keyword), readAs, report_);
 }
 
+void HeaderCheck::expectReferenceType() const {
+  if (reference_.type()) return;
+  report_(Kind::OtherWord, {.line = lineOf(keywords::kReferenceTimeType), .field = 2},
+          shown(reference_.word()) +
+              " is not known; it is START, OVERHEAD, AMAX, PMAX, TMAX, OAMAX, HACK or OTHER");
+}
+
+void HeaderCheck::expectFiles(const std::string& path) const {
+  checkFileName(lineOf(kFileName), valueOf(kFileName), path, report_);
+  for (const std::string_view keyword : kSources) {
+    const std::string name = bareName(valueOf(keyword));
+    if (name.empty() || isBeside(path, name)) continue;
+    report_(Kind::SourceMissing, {.line = lineOf(keyword), .field = 2},
+            shown(name) + " is not beside this file");
+  }
+}
+
 void HeaderCheck::expectLabels(std::size_t first, std::int16_t low, std::int16_t high,
                                std::string_view behind) const {
   const std::string labels = expectedLabels(low, high, behind);
@@ -98,6 +157,7 @@ void HeaderCheck::expectLabels(std::size_t first, std::int16_t low, std::int16_t
 
 void HeaderCheck::see(const HeaderLine& line) {
   lines_ = line.number;
+  reference_.see(line);
   if (line.use == HeaderLine::Use::Headings) headings_ = line.text;
   std::vector<std::string_view> pieces;
   split(line.text, kMark, pieces);
@@ -109,7 +169,16 @@ void HeaderCheck::see(const HeaderLine& line) {
   if (line.use != HeaderLine::Use::Headings) seeMarks(line, pieces);
 }
 
-void HeaderCheck::seeKeyword(const HeaderLine& line, std::string_view found) const {
+void HeaderCheck::seeKeyword(const HeaderLine& line, std::string_view found) {
+  if (line.number == 1 && found.starts_with(kByteOrderMark)) {
+    found.remove_prefix(kByteOrderMark.size());  // told by itself
+  }
+  if (found.starts_with('"')) {
+    found.remove_prefix(1);
+    if (std::exchange(quotes_, line.number) == 0) {
+      report_(Kind::Quotes, {.line = line.number}, "header lines stand in quotes");
+    }
+  }
   if (upperCased(found) == upperCased(line.keyword)) return;
   report_(Kind::Keyword, {.line = line.number, .field = 1},
           "this line is read as " + std::string(line.keyword) + ", its keyword is " + shown(found));
@@ -123,8 +192,11 @@ void HeaderCheck::seeMarks(const HeaderLine& line,
   const auto lost = [&](std::string_view text, const char* where) {
     report_(Kind::LostText, {.line = line.number}, where + shown(text) + " is not read");
   };
-  if (keyword && pieces.size() > 1 && !pieces[1].empty() && pieces[1].front() != ',') {
-    lost(pieces[1].substr(0, 1), "in place of a comma ");
+  const std::string_view behind = pieces.size() > 1 ? pieces[1] : std::string_view();
+  const std::string_view value =
+      behind.substr(std::min(behind.find_first_not_of('"'), behind.size()));
+  if (keyword && !value.empty() && value.front() != ',') {
+    lost(value.substr(0, 1), "in place of a comma ");
   }
   const std::size_t read = keyword ? 2 : 1;
   if (pieces.size() > read) lost(pieces[read], "behind \"**\" ");

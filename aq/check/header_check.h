@@ -10,20 +10,26 @@
 
 #include "aq/check/reporter.h"
 #include "aq/files/formats.h"
+#include "aq/files/reference_type_line.h"
 #include "aq/text/header_observer.h"
 #include "aq/text/line_reader.h"
 
 namespace aq {
 
-/// Reports what stands behind the fields of a value that are read. Empty fields are what
-/// spreadsheets add.
+/// Reports the first field after those of a value that are read, empty ones aside: the digits after
+/// a decimal comma, or text that is lost.
 void checkFieldsBehind(const HeaderLine& line, const Reporter& report);
 
 /// Reports a word of the header that is not the one that it is read as.
 void checkWord(std::size_t line, std::string_view word, std::string_view readAs,
                const Reporter& report);
 
-/// Watches a header that is read by its lines' places, and keeps what a check of the data needs.
+/// Reports that a header names another file than the one it stands in: a warning where that file is
+/// beside it, a note where it is not.
+void checkFileName(std::size_t line, std::string_view name, const std::string& path,
+                   const Reporter& report);
+
+/// Watches the header of a file with column headings, and keeps what a check of the data needs.
 class HeaderCheck {
  public:
   explicit HeaderCheck(const Reporter& report) : report_(report) {}
@@ -36,7 +42,9 @@ class HeaderCheck {
   [[nodiscard]] bool reads(const std::string& path, Content<Header, Model>& content) {
     File file;
     file.observeHeader([this](const HeaderLine& line) { see(line); });
-    if (readContent(file, path, content) == AQ_DATA_OK) return true;
+    const AQ_DataMessage result = readContent(file, path, content);
+    expectFiles(path);
+    if (result == AQ_DATA_OK) return true;
     report_.unreadable(*file.lastFailure());
     return false;
   }
@@ -64,6 +72,9 @@ class HeaderCheck {
   /// Compares the word behind a keyword with the one that it is read as.
   void expectWord(std::string_view keyword, const std::string& readAs) const;
 
+  /// Reports a reference time type that is no word for one: readers leave the type out.
+  void expectReferenceType() const;
+
   /// Compares the headings, from field `first` on, with the labels of the bands and what follows.
   void expectLabels(std::size_t first, std::int16_t low, std::int16_t high,
                     std::string_view behind = {}) const;
@@ -74,14 +85,18 @@ class HeaderCheck {
     std::string value;
   };
 
+  /// Compares the names in the header with the file's own, and with what is beside it.
+  void expectFiles(const std::string& path) const;
   void see(const HeaderLine& line);
-  void seeKeyword(const HeaderLine& line, std::string_view found) const;
+  void seeKeyword(const HeaderLine& line, std::string_view found);
   void seeMarks(const HeaderLine& line, const std::vector<std::string_view>& pieces) const;
 
   const Reporter& report_;
   std::size_t lines_ = 0;
   std::map<std::string, Entry, std::less<>> entries_;
   std::string headings_;
+  ReferenceTypeLine reference_;
+  std::size_t quotes_ = 0;  // the first line in quotes
 };
 
 }  // namespace aq

@@ -1,24 +1,25 @@
 #include "aq/check/record_lines.h"
 
-#include <algorithm>
-
+#include "aq/check/line_shapes.h"
 #include "aq/text/fields.h"
 #include "aq/text/line_reader.h"
 
 namespace aq {
 
 RecordLines::RecordLines(const std::string& path, const HeaderCheck& header, std::size_t fields,
-                         const Reporter& report) {
+                         std::size_t numbers, const Reporter& report) {
+  LineShapes shapes(fields, numbers);
+  LineReader shaped(path);
+  header.passHeader(shaped);
+  while (shaped.next()) shapes.see(shaped);
+  shapes.report(path, report);
+  readable_ = !shapes.decimalCommas();
+  if (!readable_) return;
   LineReader lines(path);
   header.passHeader(lines);
   while (lines.next()) {
     ++count_;
-    const std::string_view line = lines.line();
     see(FieldReader(lines).int16("a record number"), lines.number(), report);
-    const auto found = static_cast<std::size_t>(std::count(line.begin(), line.end(), ',')) + 1;
-    if (found <= fields) continue;
-    report(Kind::ExtraFields, {.line = lines.number(), .field = fields + 1},
-           "expected " + std::to_string(fields) + " fields, found " + std::to_string(found));
   }
   if (count_ != 0) reportGaps(report);
 }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "aq/check/header_check.h"
@@ -14,13 +15,17 @@
 
 namespace aq {
 
-/// Which record stands in which data line of a file that reads. Reports what is odd about the
-/// numbers on the way.
+/// Which record stands in which data line of a file that reads. Reports what is odd about the lines
+/// and the numbers on the way.
 class RecordLines {
  public:
-  /// Passes the header; a data line has `fields` fields at the most.
+  /// Passes the header; a data line has `fields` fields at the most, `numbers` of them with
+  /// decimals.
   RecordLines(const std::string& path, const HeaderCheck& header, std::size_t fields,
-              const Reporter& report);
+              std::size_t numbers, const Reporter& report);
+
+  /// False, and there are no records, where decimal commas left no value as it was.
+  [[nodiscard]] bool readable() const { return readable_; }
 
   /// How many data lines there are.
   [[nodiscard]] std::size_t count() const { return count_; }
@@ -46,6 +51,7 @@ class RecordLines {
   void reportGaps(const Reporter& report) const;
 
   BandBlock<std::size_t> lines_;  // by record number; 0 for a number that is left out
+  bool readable_ = true;
   std::size_t count_ = 0;
   std::size_t setBegins_ = 0;  // the first line of this data set
   std::int32_t first_ = 0;     // its number
@@ -58,24 +64,39 @@ inline std::string secondsText(double seconds) {
 }
 
 /// Reports records whose time of day, which `timeOf(record)` gives, is not half a second a record
-/// after that of the record before.
+/// after that of a record before; gives them. One record off is told once, as is where all go on
+/// from another time.
 template <class TimeOf>
-void checkTimeSteps(const RecordLines& records, const TimeOf& timeOf, const Reporter& report) {
+std::set<std::int32_t> checkTimeSteps(const RecordLines& records, const TimeOf& timeOf,
+                                      const Reporter& report) {
   constexpr double kTolerance = 0.0101;  // a written time of day keeps hundredths
-  std::optional<std::pair<std::int32_t, double>> before;
+  struct Seen {
+    std::int32_t record;
+    double time;
+  };
+  std::optional<Seen> good;
+  std::optional<Seen> odd;  // that may turn out to be where times go on from
+  std::set<std::int32_t> wrong;
   records.forEach([&](std::int16_t record, std::size_t line) {
-    const double time = timeOf(record);
-    if (before) {
-      const double expected = (record - before->first) * 0.5;
-      const double step = std::remainder(time - before->second, kSecondsPerDay);
-      if (std::abs(std::remainder(step - expected, kSecondsPerDay)) > kTolerance) {
-        report(Kind::TimeStep, {.line = line, .field = 2, .record = record},
-               "expected " + secondsText(expected) + " after record " +
-                   std::to_string(before->first) + ", found " + secondsText(step));
-      }
+    const Seen here{record, timeOf(record)};
+    const auto expectedAfter = [&](const Seen& seen) { return (record - seen.record) * 0.5; };
+    const auto follows = [&](const std::optional<Seen>& seen) {
+      const double off = seen ? here.time - seen->time - expectedAfter(*seen) : kSecondsPerDay / 2;
+      return std::abs(std::remainder(off, kSecondsPerDay)) <= kTolerance;
+    };
+    if (!good || follows(good) || follows(odd)) {
+      good = here;
+      odd.reset();
+      return;
     }
-    before = {record, time};
+    wrong.insert(record);
+    odd = here;
+    report(Kind::TimeStep, {.line = line, .field = 2, .record = record},
+           "expected " + secondsText(expectedAfter(*good)) + " after record " +
+               std::to_string(good->record) + ", found " +
+               secondsText(std::remainder(here.time - good->time, kSecondsPerDay)));
   });
+  return wrong;
 }
 
 }  // namespace aq

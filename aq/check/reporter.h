@@ -1,8 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 #include "aq/check/finding.h"
 #include "aq/core/file_failure.h"
@@ -13,7 +17,14 @@ namespace aq {
 enum class Kind : std::size_t {
   Unreadable,
   UnknownKind,
+  Compressed,
+  WideText,
+  LineEnds,
+  Spreadsheet,
+  DecimalComma,
   MapMisfit,
+  ByteOrderMark,
+  FileName,
   Keyword,
   UnknownKeyword,
   LostText,
@@ -29,26 +40,50 @@ enum class Kind : std::size_t {
   TimeStep,
   TimeOrder,
   RelativeTime,
+  StartTime,
+  RecordStuck,
+  Contradiction,
   LevelRange,
   MaskLetters,
   LastGoodBand,
+  CutShort,
+  SameLevels,
+  Quotes,
+  Renamed,
+  SourceMissing,
+  PositionStuck,
   LevelInvalid,
   FixRejected,
 };
 
-/// Hands findings on to whoever asked for them.
+/// Keeps the findings of a file until all are known, and hands them on in the order of its lines.
 class Reporter {
  public:
   explicit Reporter(const FindingSink& sink) : sink_(sink) {}
 
   void operator()(Kind kind, const FindingPlace& place, std::string message) const {
-    sink_({findingKinds()[static_cast<std::size_t>(kind)], place, std::move(message)});
+    findings_.push_back(
+        {findingKinds()[static_cast<std::size_t>(kind)], place, std::move(message)});
   }
 
+  /// `head` is how the file begins, where the cause of a failure may show.
+  void fileBegins(std::string_view head) { head_ = head; }
   void unreadable(const FileFailure& failure) const;
+
+  /// Keeps a digest of the levels of a history, for a comparison with others.
+  void levels(std::uint64_t digest) const { levels_ = digest; }
+  [[nodiscard]] std::optional<std::uint64_t> levels() const { return levels_; }
+
+  /// Hands on what was found: what concerns the whole file first. What the sink throws goes to the
+  /// caller.
+  void finish();
 
  private:
   const FindingSink& sink_;
+  std::string_view head_;
+  // Checks see a reporter that they cannot change.
+  mutable std::vector<Finding> findings_;
+  mutable std::optional<std::uint64_t> levels_;
 };
 
 }  // namespace aq

@@ -38,6 +38,7 @@ bool LineReader::next() {
 
 void LineReader::take(std::size_t size, std::size_t withEnd) {
   line_ = {block_.get() + begin_, size};
+  ended_ = size != withEnd;
   begin_ += withEnd;
   ++number_;
 }

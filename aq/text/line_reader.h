@@ -25,6 +25,9 @@ class AQ_API LineReader {
   /// The line without its end. Valid until `next`.
   [[nodiscard]] std::string_view line() const { return line_; }
 
+  /// Whether the line has an end: the last one may lack it. True before the first line.
+  [[nodiscard]] bool ended() const { return ended_; }
+
   /// From 1; behind the last line, the number of lines.
   [[nodiscard]] std::size_t number() const { return number_; }
 
@@ -40,6 +43,7 @@ class AQ_API LineReader {
   std::size_t end_ = 0;    // up to here
   std::string_view line_;
   std::size_t number_ = 0;
+  bool ended_ = true;
 };
 
 }  // namespace aq

@@ -1,7 +1,9 @@
 // A clean sample with one change, and what a check then finds.
 #include <aq/check/check_file.h>
+#include <aq/check/same_levels.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <set>
 
 #include "tests/support/files.h"
@@ -63,19 +65,37 @@ const Change kChanges[] = {
     {kHistory,
      "\n4,14",
      "\n3,14",
-     {"25:1 record-repeated r3", "26:1 record-gap r5", "25:2 time-step r3", "26:2 time-step r5"}},
+     {"25:1 record-repeated r3", "25:2 time-step r3", "26:1 record-gap r5"}},
     {kHistory,
      "\n3,14:30:01.25",
      "\n61,14:30:30.25",
-     {"25:1 record-falls r4", "25:1 record-gap r4", "13:2 record-range", "24:3 relative-time r61"}},
+     {"13:2 record-range", "24:3 relative-time r61", "25:1 record-falls r4", "25:1 record-gap r4"}},
     {kHistory,
      "\n60,14:30:29.75,15",
      "\n1,14:30:00.25,-14.5",
-     {"81:1 second-data-set r1", "13:2 record-range"}},
+     {"13:2 record-range", "81:1 second-data-set r1"}},
+    {kHistory, "Time**,14:30:00\n", "Time**,14:31:00\n", {"9:2 start-time"}},
+    {kHistory, "StartTime**,14:30:00", "StartTime**,14:29:59.98", {}},
+    {kHistory, ",OVERHEAD", ",PEAK", {"11:2 other-word"}},
+    {kHistory, "FileName**,fly-over.sth", "FileName**,C:\\other", {"2:2 file-name"}},
+    {kHistory, "FileName**,fly-over.sth", "FileName**,Fly-Over.sth", {}},
+    {kHistory, "FileName**,fly-over.sth", "FileName**,none", {"2:2 renamed"}},
+    {kHistory, "GenerationFile**,", "GenerationFile**,none", {"16:2 source-missing"}},
     {kHistory,
-     "14:30:01.25",
-     "14:30:01.45",
-     {"24:2 time-step r3", "25:2 time-step r4", "24:3 relative-time r3"}},
+     "FileType**,",
+     "\xEF\xBB\xBF"
+     "FileType**,",
+     {"1:0 byte-order-mark"}},
+    {kHistory, "FileType**,", "\"FileType**\",", {"1:0 quotes"}},
+    {kHistory,
+     "FileType**,Spectral Time-History",
+     "FileType**,Spectral Time-History,,",
+     {"1:0 spreadsheet"}},
+    {kHistory, "FileType", "\x1F\x8B", {"1:0 compressed"}},
+    {kHistory, "FileType", "\xFF\xFE", {"1:0 utf-16"}},
+    {kHistory, "-History\n", "-History\r", {"1:0 line-ends"}},
+    {kHistory, "\n3,14", ",,\n3,14", {"23:28 extra-fields"}},
+    {kHistory, "14:30:01.25", "14:30:01.45", {"24:2 time-step r3"}},
     {kHistory, "14:30:14.75", "14:30:15.75", {"22:3 relative-time r1"}},
     {kHistory, "61.62", "200.00", {}},
     {kHistory, "61.62", "-20.00", {}},
@@ -83,6 +103,7 @@ const Change kChanges[] = {
     {kHistory, "61.62", "-20.01", {"23:5 level-range r2 b18"}},
     {kHistory, "61.62", "9999", {"23:5 level-invalid r2 b18"}},
     {kHistory, "\n3,14", ",1\n3,14", {"23:28 extra-fields"}},
+    {kMap, "FileName**,fly-over.mask.csv", "FileName**,other.csv", {"2:2 file-name"}},
     {kMap, "NumberOfRows**,60", "NumberOfRows**,61", {"4:2 record-count"}},
     {kMap, "2,M-,M-", "2,MX,M-", {"13:2 mask-letters r2 b17"}},
     {kMap, "B18/63Hz", "B18/64Hz", {"11:3 heading"}},
@@ -96,11 +117,17 @@ const Change kChanges[] = {
     {"fly-over.ssr.csv", "34.70\n", "34.70\n\n1\n2\n", {"9:0 second-data-set"}},
     {"fly-over.mic.csv", "1.2\n", "1.2\n1,2,3,4\n", {"10:0 second-data-set"}},
     {"fly-over.mic.csv", "1.2\n", "x\n", {"9:4 unreadable"}},
+    {"fly-over.mic.csv", "1.2\n", "1.2", {"9:4 cut-short"}},
+    {"fly-over.mic.csv", "0,0,0,1.2", "0,5,-1,25,0,1,2", {"9:0 decimal-comma"}},
+    {"fly-over.ssr.csv", "34.70\n", "34.7", {"7:24 cut-short"}},
+    {"fly-over.ini.csv", "HiRec**, 60\n", "HiRec**, 6", {"9:0 cut-short"}},
+    {"fly-over.ini.csv", "FileName**,fly", "FileName**,x", {"2:2 renamed"}},
     {"fly-over.ini.csv", "Lines**,0\n", "Lines**,1\na,b\n", {"5:2 lost-text"}},
     {"fly-over.ini.csv", "MIDPT", "MIDDLE", {"5:2 other-word"}},
     {"fly-over.ini.csv", "NuTimg", "NuAvg", {"5:2 other-word"}},
     {"fly-over.ini.csv", "MIDPT", "MIDPT,x", {"5:3 lost-text"}},
     {"fly-over.ini.csv", "PrWndo**, 10", "PrWndo**, 10,x", {"6:3 lost-text"}},
+    {"fly-over.ini.csv", "PrWndo**, 10", "PrWndo**, 10,5", {"6:3 decimal-comma"}},
     {"fly-over.ini.csv", "PrWndo", "PreWindow", {"6:0 unknown-keyword"}},
     {"fly-over.tspi.csv",
      "14:30:00.4,0",
@@ -111,10 +138,12 @@ const Change kChanges[] = {
 
 TEST(Check, OneChangeIsFoundWhereItWasMade) {
   const test::Folder folder;
+  static_cast<void>(folder.with("other.csv", ""));
+  static_cast<void>(folder.with(kHistory, ""));  // the map's source
   for (const Change& change : kChanges) {
     SCOPED_TRACE(change.sample + ": " + change.from + " > " + change.to);
     const std::string text = test::contentOf(kSamples / change.sample);
-    const std::string path = folder.with("changed", replaced(text, change.from, change.to));
+    const std::string path = folder.with(change.sample, replaced(text, change.from, change.to));
     EXPECT_EQ(findingsIn(path), change.findings);
   }
   const std::string history = test::contentOf(kSamples / kHistory);
@@ -127,25 +156,96 @@ TEST(Check, OneChangeIsFoundWhereItWasMade) {
   EXPECT_EQ(lastOf(",B40/10kHz", ""), "expected 27 headings, found 26");
   EXPECT_EQ(lastOf("Name**,F", "Name**xF"), "in place of a comma \"x\" is not read");
   EXPECT_EQ(findingsIn(folder.file("none")), std::vector<std::string>{"0:0 unreadable"});
+  // What is wrong with every line is told once; a spreadsheet's cure is named.
+  using Found = std::vector<std::string>;
+  const auto all = [&](std::string text, char from, const std::string& to) {
+    for (std::size_t at = 0; (at = text.find(from, at)) != text.npos; at += to.size()) {
+      text.replace(at, 1, to);
+    }
+    return findingsIn(folder.with(kHistory, text));
+  };
+  const std::size_t data = history.find("\n1,") + 1;
+  const auto ofData = [&](char from, const char* to) {
+    std::string lines = history.substr(data);
+    for (std::size_t at = 0; (at = lines.find(from, at)) != lines.npos; at += std::strlen(to)) {
+      lines.replace(at, 1, to);
+    }
+    return findingsIn(folder.with(kHistory, history.substr(0, data) + lines));
+  };
+  EXPECT_EQ(ofData('.', ","), Found{"22:0 decimal-comma"});
+  EXPECT_EQ(ofData('\n', ",,\n"), Found{"22:28 extra-fields"});
+  EXPECT_EQ(all(history, '\n', "\r"), Found{"1:0 line-ends"});
+  EXPECT_EQ(all(history, '\n', "\r\n"), Found());
+  EXPECT_EQ(all(history, ',', ";"), Found{"1:0 spreadsheet"});
+  std::string quoted;
+  for (const std::string& line : test::linesOf(history)) {
+    quoted += '"';
+    for (const char c : line) quoted += c == ',' ? "\",\"" : std::string(1, c);
+    quoted += "\"\n";
+  }
+  EXPECT_EQ(findingsIn(folder.with(kHistory, quoted)), Found{"1:0 quotes"});
+}
+
+TEST(Check, ACutLastLineAndRecordsThatRepeat) {
+  using Found = std::vector<std::string>;
+  const test::Folder folder;
+  const std::string text = test::contentOf(kSamples / kHistory);
+  const auto found = [&](const std::string& changed) {
+    return findingsIn(folder.with(kHistory, changed));
+  };
+  EXPECT_EQ(found(text.substr(0, text.size() - 1)), Found{"81:27 cut-short"});
+  EXPECT_EQ(found(text.substr(0, text.size() - 2) + "\n"), Found{"81:27 cut-short"});
+  const auto recordAt = [&](int record) {
+    return text.find("\n" + std::to_string(record) + ",14");
+  };
+  const auto levelsOf = [&](int record) {
+    std::size_t at = recordAt(record) + 1;
+    for (int i = 0; i < 3; ++i) at = text.find(',', at) + 1;
+    return at;
+  };
+  const std::string levels =
+      text.substr(levelsOf(30), text.find('\n', levelsOf(30)) - levelsOf(30));
+  std::string stuck = text;
+  for (const int record : {33, 32, 31}) {
+    const std::size_t at = levelsOf(record);
+    stuck.replace(at, text.find('\n', at) - at, levels);
+  }
+  EXPECT_EQ(found(stuck), Found{"52:0 record-stuck r31"});
+  const std::string first = folder.with("a", text);
+  const std::string second = folder.with("b", text);
+  SameLevels same;
+  Found pairs;
+  for (const std::string& path : {first, second, first}) {
+    const Checked checked = checkWithHistory(path, [](const Finding&) {});
+    same.see(path, checked, [&](const Finding& finding) { pairs.push_back(shortForm(finding)); });
+  }
+  EXPECT_EQ(pairs, Found{"0:0 same-levels"});
 }
 
 TEST(Check, PositionsAndGeometry) {
   const test::Folder folder;
-  const auto changed = [&](const char* sample, const char* from, const char* to) {
+  for (const char* source :
+       {"track.csv", "flight.dat", "flight.sth.csv", "flight.pth.csv", "flight.mic.csv"}) {
+    static_cast<void>(folder.with(source, ""));
+  }
+  const auto changed = [&](const std::string& sample, const char* from, const char* to) {
     const std::string text = test::contentOf(test::kData / sample);
-    return findingsIn(folder.with("changed", replaced(text, from, to)));
+    return findingsIn(folder.with(sample.substr(sample.rfind('/') + 1), replaced(text, from, to)));
   };
   using Found = std::vector<std::string>;
   const char* const positions = "position-time-history/good/three-positions.csv";
   const char* const geometry = "geometric-time-history/good/two-points.csv";
   const char* const history = "spectral-time-history/good/three-records.csv";
-  EXPECT_EQ(changed(history, "Bands**,17, 19", "Bands**,19,17").front(), "24:4 extra-fields");
-  EXPECT_EQ(changed(history, "Bands**,17, 19", "Bands**,18,18").at(1), "24:5 extra-fields");
+  EXPECT_EQ(changed(history, "Bands**,17, 19", "Bands**,19,17").at(1), "24:4 extra-fields");
+  EXPECT_EQ(changed(history, "Bands**,17, 19", "Bands**,18,18").at(2), "24:5 extra-fields");
   EXPECT_EQ(changed(positions, "NumberRecords**,3", "NumberRecords**,4"),
             Found{"8:2 record-count"});
   EXPECT_EQ(changed(positions, "10:00:00.2", "10:00:00.1"), Found{"15:1 time-order"});
   EXPECT_EQ(changed(positions, "10:00:00.1", "23:59:59.9"), Found());  // over midnight
   EXPECT_EQ(changed(geometry, "2,10:00:05.5", "2,10:00:06"), Found{"21:2 time-step r2"});
+  EXPECT_EQ(changed(geometry, "10:00:00.48", "10:00:01.48"), Found{"20:0 contradiction r1"});
+  EXPECT_EQ(changed(geometry, "1545.4736", "1595.4736"), Found{"20:0 contradiction r1"});
+  EXPECT_EQ(changed(positions, "516.9\n", "516.9,7\n"), Found{"14:5 extra-fields"});
   EXPECT_EQ(changed(geometry, "NumberRecords**,2", "NumberRecords**,3"),
             Found{"15:2 record-count"});
   EXPECT_EQ(changed(geometry, "\n2,10", ",1,2\n2,10"), Found{"20:12 extra-fields"});
@@ -160,7 +260,7 @@ TEST(Check, PositionsAndGeometry) {
 TEST(Check, AMapAndItsHistoryThatDoNotFit) {
   const test::Folder folder;
   const std::string map =
-      folder.with("map", replaced(test::contentOf(kSamples / kMap), "fly-over.sth.csv", "history"));
+      folder.with(kMap, replaced(test::contentOf(kSamples / kMap), "fly-over.sth.csv", "history"));
   const std::string text = test::contentOf(kSamples / kHistory);
   const auto misfits = [&](const std::string& history) {
     std::vector<std::string> found;

@@ -48,9 +48,12 @@ def samples(folder):
     shutil.copytree(SAMPLES, folder, dirs_exist_ok=True)
     history = (folder / "fly-over.sth.csv").read_text()
 
+    def named(name):
+        return history.replace("FileName**,fly-over.sth.csv", f"FileName**,{name}")
+
     def changed(name, before, after):
         assert before in history, before
-        (folder / name).write_text(history.replace(before, after, 1))
+        (folder / name).write_text(named(name).replace(before, after, 1))
 
     changed("bad.sth.csv", "61.51", "6x.2")
     changed("loud.sth.csv", "61.51", "261.51")
@@ -60,7 +63,7 @@ def samples(folder):
     changed("words.sth.csv", "AveragingMethod**,", "AveragingMethod**,FOO")
     changed("near.sth.csv", "61.51", "61.52")
     last = history.splitlines(keepends=True)[-1]
-    (folder / "again.sth.csv").write_text(history + last * 5000)
+    (folder / "again.sth.csv").write_text(named("again.sth.csv") + last * 5000)
     (folder / "notes.txt").write_text("no measurement\n")
     (folder / "deep" / "er").mkdir(parents=True)
     (folder / "deep" / ".hidden").mkdir()
@@ -69,6 +72,7 @@ def samples(folder):
         source = "notes.txt" if name == "notes.txt" else "fly-over.sth.csv"
         shutil.copy(folder / source, folder / "deep" / name)
     shutil.copy(folder / "fly-over.sth.csv", folder / ODD_NAME)
+    os.link(folder / STH, folder / "same.csv")
     shutil.copy(folder / "fly-over.sth.csv", os.fsencode(folder) + b"/" + NO_TEXT)
 
 
@@ -113,7 +117,32 @@ ROWS = [  # command, status, in the output, in the messages
     ("check invalid.sth.csv", 0, "9999, no valid level [level-invalid]", ""),
     ("check --strict invalid.sth.csv", 1, "1 note", ""),
     ("check -q again.sth.csv", 1, "warning: 4980 more [record-repeated]", ""),
-    ("check --json again.sth.csv", 1, '"counts":{"record-repeated":5000,"record-count":1}', ""),
+    ("check --json again.sth.csv", 1, '"counts":{"record-count":1,"record-repeated":5000}', ""),
+    (
+        "check --summary again.sth.csv short.sth.csv",
+        1,
+        "record-count     warning       2      2",
+        "",
+    ),
+    (
+        "check --summary --json again.sth.csv",
+        1,
+        '"record-repeated":{"severity":"warning","count":5000',
+        "",
+    ),
+    (
+        "check --severity warning invalid.sth.csv",
+        0,
+        "1 without findings: 0 errors, 0 warnings, 0 no",
+        "",
+    ),
+    ("check --severity warning short.sth.csv", 1, "0 errors, 1 warning", ""),
+    (
+        f"check {STH} same.csv deep/one.csv",
+        1,
+        'deep/one.csv: warning: all levels are those of "fly-over.sth.csv" [same-levels]',
+        "",
+    ),
     ("check notes.txt short.sth.csv", 1, "[unknown-kind]", ""),
     (f"show {STH} --records 29:30", 0, "30  14:30:14.75           0", ""),
     (f"show {STH} --records 29:30 --bands 17:18 --mask {MAP}", 0, "17     18", ""),
@@ -161,7 +190,7 @@ ROWS = [  # command, status, in the output, in the messages
     (f"convert {STH} --to json -o q.csv", 2, "", "ends in .json, .txt"),
     (f"convert {STH} --to Table -o q.TXT", 0, "q.TXT: written", ""),
     (f"convert --json {STH} -o q.JSON", 0, '{"output":"q.JSON"}', ""),
-    (f"ln {STH} same.csv; convert {STH} -f -o same.csv", 2, "", "same.csv: is what is read"),
+    (f"ln -f {STH} same.csv; convert {STH} -f -o same.csv", 2, "", "same.csv: is what is read"),
     (f"mask {STH} --ambient fly-over.ssr.csv -f -o same.csv", 2, "", "same.csv: is what is read"),
     (f"track fly-over.tspi.csv -o x.sth.csv", 2, "", "expected a name that ends in .pth.csv, .csv"),
     (
@@ -286,7 +315,7 @@ ROWS = [  # command, status, in the output, in the messages
     ("completion tcsh", 2, "", "tcsh"),
     ("info --json odd*", 0, r'"file":"odd name\né.sth.csv"', ""),
     ("info odd* deep/one.csv", 0, "odd name\\x0aé.sth.csv", ""),
-    ("check -q odd* bytes*", 0, "", ""),
+    ("check -q --ignore file-name,same-levels odd* bytes*", 0, "", ""),
     (f"info {STH} >/dev/full", 2, "", "cannot write to standard output"),
     (f"convert {STH} -o /dev/full", 2, "", "/dev/full"),
 ]
@@ -343,6 +372,11 @@ def check_folders(parent):
     expect(
         "links to nothing", done.stderr.decode().count("gone.csv: a link to nothing: nowhere"), 2
     )
+    if os.geteuid() != 0:
+        for name, refused in (("b/c", "b/c"), ("b/c/m.csv", "b")):
+            (folder / name).chmod(0)
+            expect(f"{name} is refused", run(f"aqdata check {refused}", folder).returncode, 2)
+            (folder / name).chmod(0o755)
     shutil.rmtree(folder)
 
 

@@ -51,7 +51,7 @@ void inOrder(std::size_t count, int jobs, const Work& work, const Take& take) {
       std::unique_lock lock(mutex);
       changed.wait(lock, [&] { return waiting.contains(taken) || failure; });
       if (failure) break;
-      const auto result = waiting.extract(taken);
+      auto result = waiting.extract(taken);
       lock.unlock();
       take(taken, result.mapped());
       lock.lock();

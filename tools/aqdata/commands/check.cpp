@@ -1,4 +1,5 @@
 #include <aq/check/check_file.h>
+#include <aq/check/same_levels.h>
 #include <aq/files/file_kind.h>
 #include <fmt/format.h>
 
@@ -17,39 +18,61 @@ namespace {
 struct CheckChoice {
   std::vector<std::string> only;
   std::vector<std::string> ignore;
+  std::string severity = "note";  // the lowest that is reported
   bool strict = false;
+  bool summary = false;
   std::size_t limit = 20;  // findings of one kind that are listed, a file
 
-  [[nodiscard]] bool wants(std::string_view name) const {
-    const auto has = [name](const auto& names) {
-      return std::find(names.begin(), names.end(), name) != names.end();
+  [[nodiscard]] bool wants(const aq::FindingKind& kind) const {
+    const auto has = [&kind](const auto& names) {
+      return std::find(names.begin(), names.end(), kind.name) != names.end();
     };
-    return (only.empty() || has(only)) && !has(ignore);
+    return (only.empty() || has(only)) && !has(ignore) && kind.severity >= least();
+  }
+
+  [[nodiscard]] aq::Severity least() const {
+    for (const auto known : {aq::Severity::Warning, aq::Severity::Error}) {
+      if (severity == aq::severityText(known)) return known;
+    }
+    return aq::Severity::Note;
   }
 };
 
-/// What was found in one file. Only so many findings of a kind are kept that a broken file of a
-/// million lines needs no memory for them; all are counted.
+/// What was found in one file. Only so many findings of a kind are kept that results which wait for
+/// their turn stay small; all are counted.
 struct Report {
-  struct Kind {
+  struct Count {
+    const aq::FindingKind* kind;
     std::size_t count = 0;
-    std::vector<aq::Finding> kept = {};
+    std::size_t kept = 0;
   };
-  std::vector<const aq::FindingKind*> order = {};  // as they came
-  std::map<std::string_view, Kind> kinds = {};
+  std::vector<Count> counts = {};       // in the order of their first findings
+  std::vector<aq::Finding> whole = {};  // of the file as a whole
+  std::vector<aq::Finding> kept = {};   // in the order of the file's lines
+  aq::Checked checked = {};
+  std::string failure = {};  // why the file could not be checked
 
   void take(const aq::Finding& finding, const CheckChoice& choice) {
-    if (!choice.wants(finding.kind.name)) return;
-    Kind& kind = kinds[finding.kind.name];
-    if (kind.count == 0) order.push_back(&finding.kind);
-    ++kind.count;
-    if (kind.kept.size() < choice.limit) kind.kept.push_back(finding);
+    if (!choice.wants(finding.kind)) return;
+    auto count = std::find_if(counts.begin(), counts.end(), [&finding](const Count& known) {
+      return known.kind == &finding.kind;
+    });
+    if (count == counts.end()) count = counts.insert(count, {&finding.kind});
+    if (++count->count > choice.limit) return;
+    ++count->kept;
+    (finding.place.line == 0 ? whole : kept).push_back(finding);
   }
 };
 
 Report reportOf(const std::string& file, const CheckChoice& choice) {
   Report report;
-  aq::checkWithHistory(file, [&](const aq::Finding& finding) { report.take(finding, choice); });
+  try {
+    expectOpens(file);
+    report.checked = aq::checkWithHistory(
+        file, [&](const aq::Finding& finding) { report.take(finding, choice); });
+  } catch (const Failure& refused) {
+    report.failure = refused.what();
+  }
   return report;
 }
 
@@ -72,19 +95,21 @@ const char* colourOf(aq::Severity severity) {
 }
 
 void print(Session& session, const std::string& file, const Report& report) {
-  for (const aq::FindingKind* const kind : report.order) {
-    const Report::Kind& found = report.kinds.at(kind->name);
-    const std::string severity =
-        session.painted(colourOf(kind->severity), aq::severityText(kind->severity));
-    for (const aq::Finding& finding : found.kept) {
-      session.print(fmt::format("{}{}: {}: {} {}\n", aq::escaped(file), placeText(finding.place),
-                                severity, finding.message,
-                                session.faint(fmt::format("[{}]", kind->name))));
+  const auto print = [&](const aq::FindingKind& kind, const std::string& place,
+                         const std::string& message) {
+    session.print(
+        fmt::format("{}{}: {}: {} {}\n", aq::escaped(file), place,
+                    session.painted(colourOf(kind.severity), aq::severityText(kind.severity)),
+                    message, session.faint(fmt::format("[{}]", kind.name))));
+  };
+  for (const auto* const findings : {&report.whole, &report.kept}) {
+    for (const aq::Finding& finding : *findings) {
+      print(finding.kind, placeText(finding.place), finding.message);
     }
-    if (found.count == found.kept.size()) continue;
-    session.print(fmt::format("{}: {}: {} more {}\n", aq::escaped(file), severity,
-                              found.count - found.kept.size(),
-                              session.faint(fmt::format("[{}]", kind->name))));
+  }
+  for (const Report::Count& found : report.counts) {
+    if (found.count == found.kept) continue;
+    print(*found.kind, "", fmt::format("{} more", found.count - found.kept));
   }
 }
 
@@ -104,10 +129,11 @@ Json findingJson(const aq::Finding& finding) {
 void printJson(Session& session, const std::string& file, const Report& report) {
   Json findings = Json::array();
   Json counts = Json::object();
-  for (const aq::FindingKind* const kind : report.order) {
-    const Report::Kind& found = report.kinds.at(kind->name);
-    counts[std::string(kind->name)] = found.count;
-    for (const aq::Finding& finding : found.kept) findings.push_back(findingJson(finding));
+  for (const Report::Count& found : report.counts) {
+    counts[std::string(found.kind->name)] = found.count;
+  }
+  for (const auto* const kept : {&report.whole, &report.kept}) {
+    for (const aq::Finding& finding : *kept) findings.push_back(findingJson(finding));
   }
   session.printDocument(Json{{"file", file},
                              {"kind", aq::kindText(aq::kindOfFile(file))},
@@ -120,13 +146,41 @@ struct Summary {
   std::size_t files = 0;
   std::size_t sound = 0;  // files without a finding
   std::map<aq::Severity, std::size_t> counts = {};
+  struct Found {
+    std::size_t count = 0;
+    std::size_t files = 0;
+  };
+  std::map<std::string_view, Found> kinds = {};
 
   void add(const Report& report, const CheckChoice& choice, Session& session) {
     ++files;
-    if (report.order.empty()) ++sound;
-    for (const aq::FindingKind* const kind : report.order) {
-      counts[kind->severity] += report.kinds.at(kind->name).count;
-      if (choice.strict || kind->severity != aq::Severity::Note) session.end(kFindings);
+    if (report.counts.empty()) ++sound;
+    for (const Report::Count& found : report.counts) {
+      counts[found.kind->severity] += found.count;
+      kinds[found.kind->name].count += found.count;
+      ++kinds[found.kind->name].files;
+      if (choice.strict || found.kind->severity != aq::Severity::Note) session.end(kFindings);
+    }
+  }
+
+  /// A line a kind of finding, or a document of them all.
+  void print(Session& session) const {
+    Table table({{"finding"}, {"severity"}, {"count", true}, {"files", true}, {"meaning"}});
+    Json findings = Json::object();
+    for (const aq::FindingKind& kind : aq::findingKinds()) {
+      const auto found = kinds.find(kind.name);
+      if (found == kinds.end()) continue;
+      const auto [count, in] = found->second;
+      findings[std::string(kind.name)] = {
+          {"severity", aq::severityText(kind.severity)}, {"count", count}, {"files", in}};
+      table.add({std::string(kind.name), std::string(aq::severityText(kind.severity)),
+                 std::to_string(count), std::to_string(in), std::string(kind.meaning)});
+    }
+    if (session.json) {
+      session.printDocument(
+          Json{{"files", files}, {"sound", sound}, {"findings", std::move(findings)}});
+    } else if (!kinds.empty()) {
+      table.print(session);
     }
   }
 
@@ -141,13 +195,19 @@ struct Summary {
 void check(Session& session, const CheckChoice& choice) {
   const std::vector<std::string> files = chosenFiles(session);
   Summary summary;
+  aq::SameLevels same;
   inOrder(
       files.size(), session.jobs, [&](std::size_t i) { return reportOf(files[i], choice); },
-      [&](std::size_t i, const Report& report) {
+      [&](std::size_t i, Report& report) {
         session.progress(i + 1, files.size());
+        if (!report.failure.empty()) return session.complain(report.failure, files[i]);
+        same.see(files[i], report.checked,
+                 [&](const aq::Finding& finding) { report.take(finding, choice); });
         summary.add(report, choice, session);
+        if (choice.summary) return;
         session.json ? printJson(session, files[i], report) : print(session, files[i], report);
       });
+  if (choice.summary) summary.print(session);
   session.tell(summary.text());
 }
 
@@ -183,6 +243,11 @@ void addCheck(CLI::App& program, Session& session) {
   };
   addNames("--only", choice->only, "Report these findings alone");
   addNames("--ignore", choice->ignore, "Report all but these findings");
+  CLI::Option* const severity =
+      command->add_option("--severity", choice->severity, "Leave out what is below: note, warning")
+          ->option_text("WORD");
+  addWords(session, *severity, {"note", "warning", "error"});
+  command->add_flag("--summary", choice->summary, "Count by finding, of all files together");
   command->add_flag("--strict", choice->strict, "Exit status 1 for notes too");
   command
       ->add_option("--limit", choice->limit, "How many findings of a kind are listed a file (20)")

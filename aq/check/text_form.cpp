@@ -1,0 +1,89 @@
+#include "aq/check/text_form.h"
+
+#include <algorithm>
+
+#include "aq/core/platform.h"
+#include "aq/text/number_text.h"
+
+namespace aq {
+namespace {
+
+constexpr std::size_t kLookedAt = std::size_t{64} * 1024;
+
+struct Packed {
+  std::string_view begin;
+  std::string_view message;
+};
+
+constexpr Packed kPacked[] = {
+    {"\x1F\x8B", "the file is compressed by gzip; gunzip makes text of it"},
+    {"BZh", "the file is compressed by bzip2; bunzip2 makes text of it"},
+    {"\xFD\x37zXZ", "the file is compressed by xz; unxz makes text of it"},
+    {"\x28\xB5\x2F\xFD", "the file is compressed by zstd; unzstd makes text of it"},
+    {"PK\x03\x04",
+     "the file is a zip archive, or a spreadsheet's workbook; unpack it, or save it as text"},
+    {"\xD0\xCF\x11\xE0", "the file is a spreadsheet's workbook; save it as text with commas"}};
+
+bool isDigits(std::string_view text) {
+  return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
+}
+
+/// A carriage return that is no part of a line end.
+bool hasBareReturn(std::string_view head) {
+  std::size_t at = head.find('\r');
+  while (at < head.size() && head.substr(at + 1).starts_with('\n')) at = head.find('\r', at + 1);
+  return at < head.size() && at + 1 != head.size();
+}
+
+}  // namespace
+
+std::string headOf(const std::string& path) {
+  platform::InputFile file(path);
+  std::string head(kLookedAt, '\0');
+  std::size_t size = 0;
+  while (const std::size_t got = file.read({head.data() + size, head.size() - size})) size += got;
+  head.resize(size);
+  return head;
+}
+
+std::optional<TextFault> faultOfBytes(std::string_view head) {
+  for (const Packed& packed : kPacked) {
+    if (head.starts_with(packed.begin)) {
+      return TextFault{Kind::Compressed, std::string(packed.message)};
+    }
+  }
+  const bool mark = head.starts_with("\xFF\xFE") || head.starts_with("\xFE\xFF");
+  const bool zero = head.size() > 1 && (head[0] == '\0') != (head[1] == '\0');
+  if (!mark && !zero) return std::nullopt;
+  return TextFault{Kind::WideText,
+                   "the text is UTF-16; iconv -f UTF-16 -t UTF-8 makes plain text of it"};
+}
+
+std::optional<TextFault> faultOfLines(std::string_view head) {
+  if (hasBareReturn(head)) {
+    return TextFault{Kind::LineEnds,
+                     "lines end in carriage returns, as on old systems; tr '\\r' '\\n' mends it"};
+  }
+  const std::string_view first = trimmed(head.substr(0, head.find_first_of("\r\n")));
+  const std::size_t mark = first.find("**");
+  if (mark == first.npos) return std::nullopt;
+  if (first.ends_with(',')) {
+    return TextFault{Kind::Spreadsheet,
+                     "a spreadsheet has filled lines up with commas; sed 's/,*$//' takes them off"};
+  }
+  const std::string_view after = first.substr(mark + 2);
+  if (!after.starts_with(';') && !after.starts_with('\t')) return std::nullopt;
+  return TextFault{Kind::Spreadsheet,
+                   "a spreadsheet has divided fields by semicolons or tabs; save it with commas, "
+                   "and with decimal points"};
+}
+
+bool isDecimalComma(std::string_view text) {
+  const std::size_t comma = text.find(',');
+  if (comma == text.npos) return false;
+  std::string_view whole = trimmed(text.substr(0, comma));
+  if (whole.starts_with('-')) whole.remove_prefix(1);
+  return isDigits(whole) && isDigits(text.substr(comma + 1));
+}
+
+}  // namespace aq
