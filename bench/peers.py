@@ -1,8 +1,8 @@
-"""Times numpy and pandas beside the library on the same history, reading and writing.
+"""Times numpy and pandas beside the library on the same history: reading, writing, noise metrics.
 
 peers.py FOLDER TABLE: FOLDER holds the history that the benchmark program made, TABLE is what it
 wrote with --json. Prints `name ratio median spread`: the ratio is that of the peer's median to the
-library's in this run.
+library's in this run. aq_data has to be on the path of modules.
 """
 
 import json
@@ -12,20 +12,48 @@ import time
 from collections.abc import Callable
 from pathlib import Path
 
+import metrics_peer
 import numpy
 import pandas
+
+import aq_data
 
 REPETITIONS = 5
 
 
-def timed(work: Callable[[], object]) -> list[float]:
+def timed(work: Callable[[], object], repetitions: int = REPETITIONS) -> list[float]:
     """Milliseconds of each repetition."""
     times = []
-    for _ in range(REPETITIONS):
+    for _ in range(repetitions):
         begin = time.perf_counter()
         work()
         times.append((time.perf_counter() - begin) * 1000)
     return times
+
+
+def printed(name: str, times: list[float], own: float) -> None:
+    median = statistics.median(times)
+    spread = 100 * statistics.stdev(times) / median
+    print(f"{name:<36} {median / own:5.1f} {median:9.3f} ms {spread:5.1f} %")
+
+
+def compare_metrics(history: Path) -> None:
+    """The ten metrics of every record and the EPNL: the same to 1e-9, and the ratio of times."""
+    read = aq_data.read(history).data
+    levels = read.to_numpy()
+    expected, found = metrics_peer.metrics(levels), aq_data.metrics(read)
+    for name, values in expected.items():
+        own = found.attrs[name] if name in found.attrs else found[name].values
+        numpy.testing.assert_allclose(own, values, rtol=0, atol=1e-9, err_msg=name)
+    works = (
+        lambda: metrics_peer.metrics(levels),
+        lambda: aq_data.metrics(read),
+        lambda: aq_data.setMetrics(read),
+    )
+    rounds = [[timed(work, 1)[0] for work in works] for _ in range(REPETITIONS)]
+    numpys, tables, stored = zip(*rounds)
+    printed("numpy metrics 32,767 to dataset", list(numpys), statistics.median(tables))
+    printed("numpy metrics 32,767 to history", list(numpys), statistics.median(stored))
 
 
 def main() -> None:
@@ -53,13 +81,8 @@ def main() -> None:
     for name, works in peers.items():
         for kind, work in zip(("read", "write"), works, strict=True):
             times = timed(work)
-            median = statistics.median(times)
-            ratio = median / library[f"history 32,767 {kind}"]
-            spread = 100 * statistics.stdev(times) / median
-            print(
-                f"{name + ' history 32,767 ' + kind:<36} {ratio:5.1f} {median:9.3f} ms "
-                f"{spread:5.1f} %"
-            )
+            printed(f"{name} history 32,767 {kind}", times, library[f"history 32,767 {kind}"])
+    compare_metrics(history)
 
 
 main()

@@ -10,7 +10,7 @@
 namespace aq {
 namespace {
 
-constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+constexpr double kNotComputed = std::numeric_limits<double>::quiet_NaN();
 
 bool isLevel(AQ_METRIC_TYPE metric) {
   return metric != AQ_METRIC_TONEBND && metric != AQ_METRIC_LGB && metric != AQ_METRIC_INTEG;
@@ -21,7 +21,7 @@ double storedNumber(const Variant& stored) {
   try {
     return stored.toDouble();
   } catch (const Error&) {
-    return kNone;
+    return kNotComputed;
   }
 }
 

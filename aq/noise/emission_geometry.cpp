@@ -50,13 +50,13 @@ std::shared_ptr<AQ_Geometry> pointAt(const FlightPath& path, const FlightPath::P
   const double received = path.secondsOf(recorded.TODseconds());
   const Vector3 line = receiver - place.position;
   const auto direction = path.direction(place);
-  constexpr float kNone = std::numeric_limits<float>::quiet_NaN();
+  constexpr float kNoAngle = std::numeric_limits<float>::quiet_NaN();
 
   auto point = std::make_shared<AQ_Geometry>();
   point->SRe = lengthOf(line);
   point->Tprope = received - place.seconds;
-  point->THETAe = direction ? static_cast<float>(angleBetween(*direction, line)) : kNone;
-  point->BETAe = direction ? static_cast<float>(angleAbout(*direction, line)) : kNone;
+  point->THETAe = direction ? static_cast<float>(angleBetween(*direction, line)) : kNoAngle;
+  point->BETAe = direction ? static_cast<float>(angleAbout(*direction, line)) : kNoAngle;
   point->Tm(std::make_shared<AQ_Time>(recorded));
   point->Te(emissionTime(recorded, received, place.seconds));
   point->Pe()->X(place.position[0]);

@@ -14,7 +14,7 @@
 namespace aq {
 namespace {
 
-constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+constexpr double kNoValue = std::numeric_limits<double>::quiet_NaN();
 constexpr double kRecordSeconds = 0.5;  // of a record without a next one
 
 const AQ_MaskRow* rowOf(const AQ_MaskMap* map, std::int16_t record) {
@@ -23,7 +23,9 @@ const AQ_MaskRow* rowOf(const AQ_MaskMap* map, std::int16_t record) {
 }
 
 void findPerceivedNoise(const CountedLevels& levels, RecordMetrics& metrics) {
-  metrics.perceivedBands = levels.countOf(kFirstNoyBand, kLastNoyBand);
+  const auto perceived = levels.levelsFrom<kNoyBands.size()>(kFirstNoyBand);
+  metrics.perceivedBands = static_cast<std::int16_t>(std::count_if(
+      perceived.begin(), perceived.end(), [](double level) { return !std::isnan(level); }));
   if (metrics.perceivedBands == 0) return;
   const double pnl = perceivedNoiseLevelOf(levels);
   if (!std::isfinite(pnl)) {
@@ -40,10 +42,9 @@ void findPerceivedNoise(const CountedLevels& levels, RecordMetrics& metrics) {
 RecordMetrics metricsOf(std::int16_t record, const CountedLevels& levels) {
   RecordMetrics metrics;
   metrics.record = record;
-  metrics.values.fill(kNone);
-  for (const AQ_METRIC_TYPE type : {AQ_METRIC_AWT, AQ_METRIC_CWT, AQ_METRIC_DWT, AQ_METRIC_OA}) {
-    metrics.value(type, weightedLevelOf(levels, type).value_or(kNone));
-  }
+  metrics.values.fill(kNoValue);
+  const WeightedLevels weighted = weightedLevelsOf(levels);
+  std::copy(weighted.begin(), weighted.end(), metrics.values.begin());
   findPerceivedNoise(levels, metrics);
   metrics.value(AQ_METRIC_INTEG, 0);
   return metrics;
@@ -73,8 +74,8 @@ std::optional<NoiseEvent> eventOf(const std::vector<RecordMetrics>& records,
   if (std::none_of(records.begin(), records.end(), hasPnlt)) return std::nullopt;
   const int low = records.front().record;
   const auto places = static_cast<std::size_t>(records.back().record - low) + 1;
-  std::vector<double> pnlt(places, kNone);
-  std::vector<double> corrections(places, kNone);
+  std::vector<double> pnlt(places, kNoValue);
+  std::vector<double> corrections(places, kNoValue);
   std::vector<double> seconds(places, kRecordSeconds);
   for (std::size_t i = 0; i < records.size(); ++i) {
     const auto place = static_cast<std::size_t>(records[i].record - low);

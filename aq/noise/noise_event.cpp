@@ -16,7 +16,7 @@ constexpr double kSecondWithin = 2;   // dB, from the maximum to second peaks
 constexpr double kSecondAbove = 0.1;  // dB, from a second peak to its neighbours
 constexpr double kReferenceSeconds = 10;
 constexpr double kRounding = 1e-9;  // dB, that decimals are off as doubles
-constexpr double kNone = -std::numeric_limits<double>::infinity();
+constexpr double kBelowAll = -std::numeric_limits<double>::infinity();
 
 void check(std::span<const double> pnlt, std::span<const double> seconds,
            std::span<const double> toneCorrections) {
@@ -42,7 +42,7 @@ std::vector<double> lowered(std::span<const double> pnlt) {
   std::vector<double> values(pnlt.begin(), pnlt.end());
   for (double& value : values) {
     if (std::isinf(value)) throw Error(ErrorCode::InvalidValue, "a PNLT is infinite");
-    if (std::isnan(value)) value = kNone;
+    if (std::isnan(value)) value = kBelowAll;
   }
   return values;
 }
@@ -107,7 +107,7 @@ NoiseEvent noiseEvent(std::span<const double> pnlt, std::span<const double> seco
   check(pnlt, seconds, toneCorrections);
   const std::vector<double> values = lowered(pnlt);
   const auto maximum = std::max_element(values.begin(), values.end());
-  if (*maximum == kNone) throw Error(ErrorCode::InvalidArgument, "no record has a PNLT");
+  if (*maximum == kBelowAll) throw Error(ErrorCode::InvalidArgument, "no record has a PNLT");
 
   NoiseEvent event;
   event.maximum = static_cast<std::size_t>(maximum - values.begin());

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <optional>
+#include <array>
 
 #include "aq/core/enumerations.h"
 #include "aq/noise/counted_levels.h"
@@ -9,9 +9,11 @@
 
 namespace aq {
 
+/// Levels by type, from `AQ_METRIC_AWT` to `AQ_METRIC_OA`; NaN for none.
+using WeightedLevels = std::array<double, AQ_METRIC_OA>;
+
 /// See `weightedLevel`.
-[[nodiscard]] std::optional<double> weightedLevelOf(const CountedLevels& record,
-                                                    AQ_METRIC_TYPE weighting);
+[[nodiscard]] WeightedLevels weightedLevelsOf(const CountedLevels& record);
 
 /// See `perceivedNoiseLevel`; infinite instead of throwing.
 [[nodiscard]] double perceivedNoiseLevelOf(const CountedLevels& record);

@@ -1,12 +1,13 @@
 #include "aq/noise/tone_procedure.h"
 
+#include <algorithm>
 #include <cmath>
+#include <tuple>
 
 namespace aq {
 namespace {
 
-constexpr double kSlopeChange = 5;        // dB, beyond which a slope is marked
-constexpr double kLeastDifference = 1.5;  // dB above the background
+constexpr double kSlopeChange = 5;  // dB, beyond which a slope is marked
 
 std::int16_t bandAt(std::size_t place) {
   return static_cast<std::int16_t>(kFirstToneBand + static_cast<int>(place));
@@ -15,24 +16,20 @@ std::int16_t bandAt(std::size_t place) {
 /// A tone counts double from 500 to 5000 Hz.
 bool countsDouble(std::int16_t band) { return band >= 27 && band <= 37; }
 
-/// dB, from the difference to the background.
+/// dB, from the difference to the background. The pieces of the curve are the least of their three
+/// lines, so that no branch is to be guessed.
 double correctionOf(double difference, std::int16_t band) {
-  if (difference < kLeastDifference) return 0;
   if (countsDouble(band)) {
-    if (difference < 3) return 2 * difference / 3 - 1;
-    return difference < 20 ? difference / 3 : 20.0 / 3;
+    return std::max(0.0, std::min({2 * difference / 3 - 1, difference / 3, 20.0 / 3}));
   }
-  if (difference < 3) return difference / 3 - 0.5;
-  return difference < 20 ? difference / 6 : 10.0 / 3;
+  return std::max(0.0, std::min({difference / 3 - 0.5, difference / 6, 10.0 / 3}));
 }
 
 }  // namespace
 
 ToneProcedure::ToneProcedure(const CountedLevels& record) {
-  for (; count < level.size(); ++count) {
-    level[count] = record.level(bandAt(count));
-    if (std::isnan(level[count])) break;
-  }
+  level = record.levelsFrom<std::tuple_size_v<Column>>(kFirstToneBand);
+  while (count < level.size() && !std::isnan(level[count])) ++count;
   if (count == 0) return;
   findSlopes();
   markLevels();

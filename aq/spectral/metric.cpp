@@ -9,11 +9,17 @@ auto hasType(AQ_METRIC_TYPE type) {
   return [type](const auto& entry) { return entry.first == type; };
 }
 
+bool isMetric(AQ_METRIC_TYPE type) { return type >= AQ_METRIC_AWT && type <= AQ_METRIC_INTEG; }
+
+std::size_t bitOf(AQ_METRIC_TYPE type) { return static_cast<std::size_t>(type); }
+
+/// The place of a metric that is kept in single precision.
+std::size_t singleOf(AQ_METRIC_TYPE type) { return static_cast<std::size_t>(type - AQ_METRIC_CWT); }
+
 }  // namespace
 
 std::shared_ptr<AQ_Metric> AQ_Metric::Copy() const {
   auto copy = std::make_shared<AQ_Metric>();
-  copy->values_.reserve(AQ_METRIC_INTEG);
   for (std::int32_t type = AQ_METRIC_AWT; type <= AQ_METRIC_INTEG; ++type) {
     const auto metric = static_cast<AQ_METRIC_TYPE>(type);
     copy->MetricValue(metric, MetricValue(metric));
@@ -22,26 +28,45 @@ std::shared_ptr<AQ_Metric> AQ_Metric::Copy() const {
 }
 
 Variant AQ_Metric::MetricValue(AQ_METRIC_TYPE aqMetric) const {
-  const auto entry = std::find_if(values_.begin(), values_.end(), hasType(aqMetric));
-  return entry == values_.end() ? Variant(std::int16_t{0}) : entry->second;
+  if (!contains(aqMetric)) return std::int16_t{0};
+  if (aqMetric == AQ_METRIC_AWT) return awt_;
+  if (aqMetric == AQ_METRIC_INTEG) return flags_;
+  if (isMetric(aqMetric)) return singles_[singleOf(aqMetric)];
+  return std::find_if(others_->begin(), others_->end(), hasType(aqMetric))->second;
 }
 
 void AQ_Metric::MetricValue(AQ_METRIC_TYPE aqMetric, const Variant& value) {
-  Variant stored = value;
-  if (aqMetric >= AQ_METRIC_CWT && aqMetric <= AQ_METRIC_LGB) stored = value.toSingle();
-  if (aqMetric == AQ_METRIC_INTEG) stored = value.toInt32();
-  const auto entry = std::find_if(values_.begin(), values_.end(), hasType(aqMetric));
-  if (entry == values_.end()) {
-    values_.emplace_back(aqMetric, std::move(stored));
-  } else {
-    entry->second = std::move(stored);
+  if (!isMetric(aqMetric)) {
+    Others& others = others_.orCreate();
+    const auto entry = std::find_if(others.begin(), others.end(), hasType(aqMetric));
+    if (entry == others.end()) {
+      others.emplace_back(aqMetric, value);
+    } else {
+      entry->second = value;
+    }
+    return;
   }
+  if (aqMetric == AQ_METRIC_AWT) {
+    awt_ = value;
+  } else if (aqMetric == AQ_METRIC_INTEG) {
+    flags_ = value.toInt32();
+  } else {
+    singles_[singleOf(aqMetric)] = value.toSingle();
+  }
+  set_.set(bitOf(aqMetric));
 }
 
 bool AQ_Metric::contains(AQ_METRIC_TYPE aqMetric) const {
-  return std::any_of(values_.begin(), values_.end(), hasType(aqMetric));
+  if (isMetric(aqMetric)) return set_.test(bitOf(aqMetric));
+  return others_ && std::any_of(others_->begin(), others_->end(), hasType(aqMetric));
 }
 
-void AQ_Metric::remove(AQ_METRIC_TYPE aqMetric) { std::erase_if(values_, hasType(aqMetric)); }
+void AQ_Metric::remove(AQ_METRIC_TYPE aqMetric) {
+  if (isMetric(aqMetric)) {
+    set_.reset(bitOf(aqMetric));
+  } else if (others_) {
+    std::erase_if(others_.orCreate(), hasType(aqMetric));
+  }
+}
 
 }  // namespace aq

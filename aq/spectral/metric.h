@@ -1,5 +1,9 @@
 #pragma once
 
+#include <array>
+#include <bitset>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -7,6 +11,7 @@
 #include "aq/core/enumerations.h"
 #include "aq/core/export.h"
 #include "aq/core/variant.h"
+#include "aq/detail/lazy_part.h"
 
 namespace aq {
 
@@ -67,8 +72,15 @@ class AQ_API AQ_Metric {
  private:
   [[nodiscard]] float single(AQ_METRIC_TYPE metric) const { return MetricValue(metric).toSingle(); }
 
-  std::vector<std::pair<AQ_METRIC_TYPE, Variant>>
-      values_;  // those that were set, ten and seldom more
+  // Every record has metrics, so they take no allocation: by type from `AQ_METRIC_CWT` on.
+  static constexpr std::size_t kSingles = AQ_METRIC_LGB - AQ_METRIC_CWT + 1;
+  using Others = std::vector<std::pair<AQ_METRIC_TYPE, Variant>>;
+
+  std::bitset<AQ_METRIC_INTEG + 1> set_;  // by type
+  std::array<float, kSingles> singles_{};
+  std::int32_t flags_ = 0;
+  Variant awt_;
+  LazyPart<Others> others_;  // types that are no metric
 };
 
 }  // namespace aq

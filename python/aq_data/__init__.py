@@ -13,6 +13,7 @@ from . import objects as _objects  # [], ==, notebooks
 from . import accessor as _accessor  # registers Dataset.aq
 from .archive import check, scan
 from .many import open_many
+from .noise import audit, emission_geometry, epnl, events, explain, metrics, tone_correction
 from .files import read, read_tracking, write
 from .reading import Reading, Tracking
 from .restore import from_xarray, measurement
@@ -23,14 +24,21 @@ __all__ = [
     "FileError",
     "Reading",
     "Tracking",
+    "audit",
     "check",
+    "emission_geometry",
+    "epnl",
+    "events",
+    "explain",
     "from_xarray",
     "measurement",
+    "metrics",
     "open_many",
     "plot",
     "read",
     "read_tracking",
     "scan",
+    "tone_correction",
     "write",
 ]
 

@@ -9,6 +9,7 @@ import xarray as xr
 
 from ._core import AQ_CONSTANTS, AQ_GeometryTimeHistory, AQ_MASK_MODE
 from .attributes import dataset_of, need, need_once
+from .noise import dataset_metrics
 
 INVALID_LEVEL = float(AQ_CONSTANTS.AQ_INVALID_LEVEL)
 
@@ -55,6 +56,11 @@ class Accessor:
         total: xr.DataArray = 10.0 * np.log10(energy)
         total.attrs = {"units": "dB", "long_name": "overall sound pressure level"}
         return total.rename("overall_level")
+
+    def metrics(self) -> xr.Dataset:
+        """The ten noise metrics of each record over `time`, as `aq_data.metrics` has them over
+        `record`; of `open_many` they load when they are computed, each file an event of its own."""
+        return dataset_metrics(self._ds)
 
     def _levels(self, bands: list[int]) -> xr.DataArray:
         need(self._ds, "level", "band")

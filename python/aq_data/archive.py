@@ -19,8 +19,9 @@ from dask.diagnostics import ProgressBar
 
 from . import _core
 from .errors import Error, FileError
-from .files import read
-from .reading import Path, Reading
+from .files import Path, read
+from .noise import metric_findings
+from .reading import Reading
 
 Item = TypeVar("Item")
 Result = TypeVar("Result")
@@ -80,7 +81,7 @@ def _walked(path: str, seen: set[str]) -> Iterator[str]:
             continue
         if os.path.isdir(entry):
             yield from _walked(entry, seen)
-        elif name.lower().endswith(".csv") or _core.kindOfFile(entry) != UNKNOWN:
+        elif name.lower().endswith((".csv", ".nc")) or _core.kindOfFile(entry) != UNKNOWN:
             yield entry
 
 
@@ -111,6 +112,8 @@ class Finding(NamedTuple):
 
 
 def findings(path: str) -> list[Finding]:
+    if path.lower().endswith(".nc"):
+        return [Finding(*each) for each in metric_findings(path)]
     return [Finding(*each) for each in _core.checkWithHistory(path)]
 
 
@@ -200,7 +203,8 @@ def check(paths: Union[Path, Iterable[Path]]) -> pd.DataFrame:
     """The findings of `aqdata check`, one a row, in the order of the paths and their lines.
 
     `paths` is a file, a folder, a pattern or a list of files and folders. Of a folder and those in
-    it, files that end in `.csv` or whose kind is known are checked, hidden ones are not. The columns
+    it, files that end in `.csv` or `.nc` or whose kind is known are checked, hidden ones are not. Of
+    a netCDF file it is the metrics that it carries, which its levels have to give. The columns
     are `path`, `severity` ("error", "warning", "note"), `kind`, `line` and `field` (from 1, 0 for
     all of it), `record`, `band`, `message`; `FINDING_KINDS` says what each kind means. Raises
     `FileNotFoundError` when nothing matches; a file that does not read is a finding.

@@ -26,12 +26,13 @@ from .axes import (
     length_unit,
     time_axis,
 )
+from .noise import epnl, explain
 from .reading import Tracking
 
 History = Union[xr.Dataset, _core.AQ_SpectralTimeHistory]
 AMBIENT, MASKED, NO_LEVEL = "0.35", "0.25", "0.7"
 ALONE: dict[str, Any] = {"marker": ".", "ms": 3}  # a record between gaps has no line
-GOOD, REJECTED = "tab:blue", "tab:red"
+GOOD, REJECTED, TONE = "tab:blue", "tab:red", "tab:purple"
 NO_BAND_IS_GOOD = int(_core.AQ_CONSTANTS.AQ_INVALID_LEVEL)
 
 
@@ -123,11 +124,53 @@ def _check_events(events: Any) -> None:
             raise ValueError(f"expected events as seconds, found {second!r} for {name}")
 
 
+def tone(
+    history: Union[History, _core.AQ_Spectrum],
+    record: Optional[int] = None,
+    mask: Optional[_core.AQ_MaskMap] = None,
+    ax: Optional[Axes] = None,
+) -> Axes:
+    """The levels of one record and their background, from which the tone correction follows."""
+    steps, ax = explain(history, record, mask), axes(ax)
+    if steps.empty:
+        raise ValueError("expected levels that count from 80 Hz up, found none")
+    label = "spectrum" if record is None else f"record {record}"
+    ax.plot(steps.index, steps["level"], ".-", color=GOOD, label=label)
+    ax.plot(steps.index, steps["background"], "--", color=AMBIENT, label="background")
+    band, correction = steps.attrs["band"], steps.attrs["correction"]
+    if band:
+        hertz = steps.loc[band, "frequency"]
+        ends = steps.loc[band, ["background", "level"]]
+        text = f"band {band}, {hertz:g} Hz: {correction:.2f} dB"
+        ax.plot([band, band], ends, color=REJECTED, lw=2, label=text)
+    ax.set_ylabel("Band level (dB)")
+    ax.legend()
+    ax.grid(alpha=0.3)
+    frequency_axis(ax.xaxis, steps.reset_index().to_xarray().swap_dims(index="band"))
+    return ax
+
+
+def _draw_event(ax: Axes, seconds: Any, ds: xr.Dataset) -> list[Any]:
+    """PNLT, the level 10 dB down, the records that are summed and the EPNL; gives the lines."""
+    pnlt = np.where(ds["PNLT"].values > 0, ds["PNLT"].values, np.nan)
+    lines = ax.plot(seconds, pnlt, color=TONE, lw=1, label="PNLT (TPNdB)", **ALONE)
+    steps = np.diff(ds["time"].values)
+    steps = np.append(steps, steps[-1:]) if steps.size and (steps > 0).all() else 0.5
+    event = epnl(pnlt, steps)
+    ends = [0 if event.first is None else event.first]
+    ends.append(len(pnlt) - 1 if event.last is None else event.last)
+    bound = "" if None not in (event.first, event.last) else ", a lower bound"
+    label = f"10 dB down, EPNL {event.epnl:.1f} EPNdB{bound}"
+    lines += ax.plot(seconds[ends], [event.pnltm - 10] * 2, "|-", color=TONE, lw=1, label=label)
+    ax.plot(seconds[event.maximum], event.pnltm, "v", color=TONE)
+    return list(lines)
+
+
 def level_time(
     history: History, events: Optional[dict[str, float]] = None, ax: Optional[Axes] = None
 ) -> Axes:
-    """The overall level in dB over time, of all bands and of those that are not masked. `events` are
-    times in the axis's seconds, by name.
+    """The overall level in dB over time, of all bands and of those that are not masked, and the event
+    when the history carries PNLT. `events` are times in the axis's seconds, by name.
 
     >>> aq_data.plot.level_time(ds, {"overhead": 0.0})
     """
@@ -151,7 +194,11 @@ def level_time(
             ha="right",
         )
     ax.set_ylabel("Overall level (dB)")
-    legend_above(ax, ax.lines[: 2 if ds.aq.masked.values.any() else 1])
+    lines = list(ax.lines[: 2 if ds.aq.masked.values.any() else 1])
+    if "PNLT" in ds.variables and (ds["PNLT"].values > 0).any():
+        lines += _draw_event(ax, seconds, ds)
+        ax.set_ylabel("Level (dB)")
+    legend_above(ax, lines)
     ax.grid(alpha=0.3)
     return ax
 

@@ -26,5 +26,6 @@ PYBIND11_MODULE(_core, module) {
   aq::python::bindGeometry(module);
   aq::python::bindFiles(module);
   aq::python::bindCheck(module);
+  aq::python::bindNoise(module);
   aq::python::bindWritable(module);
 }

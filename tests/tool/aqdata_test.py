@@ -312,6 +312,26 @@ ROWS = [  # command, status, in the output, in the messages
     (f"head -n 1 fly-over.mic.csv {STH}", 0, f"==> {STH} <==\nrecord", ""),
     ("completion zsh", 0, "convert:--to) compadd -- table json", ""),
     ("completion fish", 0, "-x -l ref-type -a 'START OVERHEAD", ""),
+    (f"metrics {STH} --mask {MAP}", 0, "EPNL ", ""),
+    (f"metrics {STH} again.sth.csv", 0, "duration", ""),
+    (f"metrics deep --masks", 2, "", "er/two.mask.csv: no such file"),
+    (f"metrics {STH} deep/one.csv --mask {MAP}", 2, "", "--mask is the map of one history"),
+    (f"metrics --json {STH}", 0, '"event":{"EPNL":', ""),
+    (f"metrics {STH} --masks -o made.csv; metrics -q {STH} -o made.csv", 2, "", "made.csv"),
+    (f"metrics fly-over.mic.csv", 2, "", "expected a spectral time history"),
+    ("metrics invalid.sth.csv", 0, "bands count", ""),
+    (f"explain {STH} --record 30", 0, "Record 30 has ", ""),
+    (f"explain {STH} --record 99", 2, "", "has no record 99"),
+    (f"explain {STH}", 2, "", "--record N says which"),
+    ("explain fly-over.ssr.csv", 0, "The spectrum has", ""),
+    ("explain fly-over.mic.csv --record 1", 2, "", "found a microphone position file"),
+    (f"explain {STH} --record 30 --mask {MAP} --json", 0, '"last_band":', ""),
+    (f"geometry {STH} fly-over.tspi.csv fly-over.mic.csv --celsius 20 -o g.gth.csv", 2, "",
+     "no position for the emission of"),
+    (f"geometry {STH} fly-over.tspi.csv fly-over.mic.csv --celsius -300 -o g.gth.csv", 2, "",
+     "above -273.15"),
+    (f"geometry {STH} {STH} fly-over.mic.csv --celsius 20 -o g.gth.csv", 2, "",
+     "expected a position time history or tracking"),
     ("completion tcsh", 2, "", "tcsh"),
     ("info --json odd*", 0, r'"file":"odd name\né.sth.csv"', ""),
     ("info odd* deep/one.csv", 0, "odd name\\x0aé.sth.csv", ""),
@@ -423,7 +443,7 @@ def check_documents(parent):
     """Every console block of the documentation shows what the program prints."""
     folder = parent / "documents"
     shutil.copytree(SAMPLES, folder)
-    for page in ("README.md", "docs/aqdata.md"):
+    for page in ("README.md", "docs/aqdata.md", "docs/metrics.md"):
         for block in re.findall(r"```console\n(.*?)```", (PROJECT / page).read_text(), re.S):
             for part in re.split(r"^\$ ", block, flags=re.M)[1:]:
                 command, _, shown = part.partition("\n")

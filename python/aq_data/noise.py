@@ -1,0 +1,354 @@
+"""Noise metrics of spectra and histories, events, audits and emission geometry."""
+
+from __future__ import annotations
+
+from typing import Any, Iterator, NamedTuple, Optional, Union
+
+import dask
+import dask.array
+import numpy as np
+import numpy.typing as npt
+import pandas as pd
+import xarray as xr
+
+from . import _core
+from .attributes import NO_DECISION, band_coordinates, expect, need, variable
+from .errors import Error
+from .labelled import METRICS
+from .restore import measurement
+
+NAMES = [name for name, *_ in METRICS[:10]]  # AWT to INTEG, in the order of their numbers
+_WORDS = {name: (units, long_name) for name, units, long_name in METRICS}
+History = Union[_core.AQ_SpectralTimeHistory, xr.Dataset]
+EVENT = {
+    "EPNL": "epnl",
+    "EPNL_with_band_sharing": "epnlWithBandSharing",
+    "PNLTM": "pnltm",
+    "band_sharing": "bandSharing",
+    "duration_correction": "duration",
+}
+_LIMITS = ("first", "maximum", "last")
+NO_RECORD = -1
+RECORDS_PER_CHUNK = 4096  # of short files several are one task, whose own cost they share
+
+
+def _pair(history: History, mask: Optional[_core.AQ_MaskMap]) -> tuple[Any, Any]:
+    """The history and the map, of a dataset its own if it has masks."""
+    if isinstance(history, xr.Dataset):
+        own, own_mask = measurement(history)
+        return own.data, own_mask.data if mask is None and own_mask is not None else mask
+    expect(history, _core.AQ_SpectralTimeHistory)
+    if mask is not None:
+        expect(mask, _core.AQ_MaskMap)
+    return history, mask
+
+
+def event_words(event: Optional[_core.NoiseEvent], first_record: int) -> dict[str, Any]:
+    """An event by the names of attributes and columns; its places are record numbers."""
+    if event is None:
+        return {**dict.fromkeys(EVENT, np.nan), **dict.fromkeys(_LIMITS, NO_RECORD)}
+    words: dict[str, Any] = {name: getattr(event, own) for name, own in EVENT.items()}
+    for name in _LIMITS:
+        place = getattr(event, name)
+        words[name] = NO_RECORD if place is None else first_record + place
+    return words
+
+
+def metric_variables(values: Any, dim: str) -> dict[str, xr.Variable]:
+    """The ten metrics of an array by record and type."""
+    return {
+        name: variable(dim, values[:, place], *_WORDS[name]) for place, name in enumerate(NAMES)
+    }
+
+
+def metrics(history: History, mask: Optional[_core.AQ_MaskMap] = None) -> xr.Dataset:
+    """The ten metrics of each record and the event.
+
+    The dataset has `AWT`, `CWT`, `DWT`, `OA`, `PNL`, `PNLT`, `TONECOR`, `TONEBND`, `LGB` and `INTEG`
+    over `record`, doubles that are NaN where there is no value (`LGB` without a map), and `time`. Its
+    attributes are the event: `EPNL`, `EPNL_with_band_sharing`, `PNLTM`, `band_sharing`,
+    `duration_correction`, and the record numbers `first`, `maximum` and `last`, -1 where there is
+    none. A row of `mask` belongs to the record of its number; the history stays as it is.
+
+    >>> m = aq_data.metrics(history, mask)
+    >>> m.attrs["EPNL"], m.PNLT.sel(record=30)
+    """
+    own, own_mask = _pair(history, mask)
+    numbers, values, event = _core.historyMetrics(own, own_mask)
+    time = own.times["TODseconds"]
+    coordinates = {
+        "record": variable("record", numbers, "1", "record number"),
+        "time": variable("record", np.ascontiguousarray(time), "s", "time of day"),
+    }
+    first = int(numbers[0]) if numbers.size else 0
+    return xr.Dataset(metric_variables(values, "record"), coordinates, event_words(event, first))
+
+
+def tone_correction(levels: npt.ArrayLike) -> npt.NDArray[Any]:
+    """Tone corrections of levels of bands 17 to 40, an array `(records, 24)` or `(24,)`.
+
+    Gives `correction` in dB, `band` (0 for none) and `last_band` (18 where 80 Hz does not count) of
+    each record. A level that is NaN or 9999 does not count.
+
+    >>> aq_data.tone_correction(history.to_numpy())["correction"]
+    """
+    found = np.asanyarray(levels)
+    rows = _core.toneCorrections(found[np.newaxis] if found.ndim == 1 else found)
+    return rows[0] if found.ndim == 1 else rows  # type: ignore[no-any-return]
+
+
+def epnl(
+    pnlt: npt.ArrayLike,
+    seconds: npt.ArrayLike = 0.5,
+    tone_corrections: Optional[npt.ArrayLike] = None,
+) -> _core.NoiseEvent:
+    """The event of a series of PNLT, NaN where a record has none.
+
+    `seconds` is how long records last, one number for all or one each; `tone_corrections` give the
+    band sharing adjustment, which is 0 without them. Places of records count from 0.
+
+    >>> aq_data.epnl(m.PNLT, tone_corrections=m.TONECOR).epnl
+    """
+    corrections = np.empty(0) if tone_corrections is None else np.asarray(tone_corrections)
+    return _core.noiseEvent(np.asarray(pnlt), np.atleast_1d(np.asarray(seconds)), corrections)
+
+
+def explain(
+    history: Union[History, _core.AQ_Spectrum],
+    record: Optional[int] = None,
+    mask: Optional[_core.AQ_MaskMap] = None,
+) -> pd.DataFrame:
+    """The steps of the tone correction of a record, or of a spectrum: a row a band from 80 Hz up.
+
+    The columns are `frequency` in Hz, `level`, `slope` and whether it is marked, whether the level
+    is taken out, `adjusted` level, its slope, the mean slope, `background`, `difference` and
+    `correction`, NaN where a step has no value; the attributes `correction`, `band` and `last_band`
+    are the result.
+
+    >>> aq_data.explain(history, 30, mask)[["level", "background", "correction"]]
+    """
+    spectrum, row = history, None
+    if not isinstance(history, _core.AQ_Spectrum):
+        if record is None:
+            raise TypeError("expected the number of a record to explain")
+        own, own_mask = _pair(history, mask)
+        if record not in own.records:
+            raise ValueError(f"expected a record of the history, found {record}")
+        spectrum = own.spectrum(record)
+        if own_mask is not None and record in own_mask.records:
+            row = own_mask.Row(record)
+    frame = pd.DataFrame(_core.toneSteps(spectrum, row)).set_index("band")
+    frame.insert(0, "frequency", band_coordinates(frame.index.to_numpy())["frequency"].values)
+    best = frame["correction"].max() if len(frame) else 0.0
+    found = int(frame["correction"].idxmax()) if best > 0 else 0
+    last = int(frame.index[-1]) if len(frame) else 18
+    frame.attrs.update(correction=float(best), band=found, last_band=last)
+    return frame
+
+
+def audit(
+    history: History, mask: Optional[_core.AQ_MaskMap] = None, tolerance: float = 0.05
+) -> pd.DataFrame:
+    """The metrics that a history carries and that its levels do not give: `record`, `metric`,
+    `stored` and `computed`, NaN for a value that there is none of.
+
+    Levels and corrections differ when more than `tolerance` dB apart, bands and flags when not
+    equal. The last good band is compared with a map only.
+
+    >>> aq_data.audit(aq_data.from_xarray(xarray.open_dataset("season.nc")).data)
+    """
+    own, own_mask = _pair(history, mask)
+    found = _core.auditMetrics(own, own_mask, tolerance)
+    frame = pd.DataFrame(found, columns=["record", "metric", "stored", "computed"])
+    frame["metric"] = [metric.name.rpartition("_")[2] for _, metric, *_ in found]
+    return frame.astype({"record": "int16", "stored": float, "computed": float})
+
+
+_core.FINDING_KINDS["metric"] = "a stored metric is not what the levels give"
+
+
+def metric_findings(path: str) -> list[tuple[Any, ...]]:
+    """What `check` tells of a netCDF file: severity, kind, line, field, record, band, message."""
+    try:
+        with xr.open_dataset(path) as opened:
+            ds = opened.load()
+        if "level" not in ds.variables or not {*NAMES} & {*ds.variables}:
+            return []
+        differences = audit(ds)
+    except (ValueError, OSError, Error) as error:
+        return [("error", "unreadable", 0, 0, None, None, str(error))]
+    return [
+        ("warning", "metric", 0, 0, int(row.record), None, _difference(row))
+        for row in differences.itertuples()
+    ]
+
+
+def _difference(row: Any) -> str:
+    computed = "no value" if np.isnan(row.computed) else f"{row.computed:.2f}"
+    return f"{row.metric} is {row.stored:.2f}, its levels give {computed}"
+
+
+def emission_geometry(
+    positions: Any,
+    microphone: Union[_core.AQ_Position, _core.AQ_Microphone],
+    history: History,
+    celsius: float,
+) -> _core.AQ_GeometryTimeHistory:
+    """Where and when the sound of each record was emitted, in metres and seconds.
+
+    The source flies straight between its positions; a record whose sound was emitted outside them
+    has no point. A microphone stands at X, Y and Z + Height.
+
+    >>> geometry = aq_data.emission_geometry(positions, microphone, history, 18.5)
+    >>> geometry.to_xarray().slant_range
+    """
+    expect(positions, _core.AQ_PositionTimeHistory)
+    own, _ = _pair(history, None)
+    place = microphone
+    if isinstance(microphone, _core.AQ_Microphone):
+        place = _core.AQ_Position()
+        place.X, place.Y = microphone.X, microphone.Y
+        place.Z = microphone.Z + microphone.Height
+    expect(place, _core.AQ_Position)
+    return _core.emissionGeometry(positions, place, own, celsius)
+
+
+# Datasets, lazy ones of many files too.
+
+
+class _Measured(NamedTuple):
+    """Levels and masks of whole files, record after record, with numbers of the records."""
+
+    level: Any  # (records, bands)
+    modes: Any  # of that shape, or None
+    adjustments: Any
+    numbers: Any  # (records, 3): time of day, record number and place of the file
+    bands: Any
+
+    def by_file(self) -> Iterator[tuple[slice, _core.AQ_SpectralTimeHistory, Any]]:
+        """Each file's records and its objects."""
+        files = self.numbers[:, 2]
+        starts = np.flatnonzero(np.diff(files, prepend=np.nan) != 0)
+        for start, end in zip(starts, [*starts[1:], len(files)]):
+            yield slice(start, end), *self._objects(slice(start, end))
+
+    def _objects(self, part: slice) -> tuple[_core.AQ_SpectralTimeHistory, Any]:
+        low = int(self.bands[0])
+        records = self.numbers[part, 1].astype(int)
+        level = self._wide(self.level[part], np.nan)
+        history = _core.AQ_SpectralTimeHistory.from_numpy(level, low, records)
+        order = np.argsort(records, kind="stable")
+        history.times = {"TODseconds": self.numbers[part, 0][order]}
+        if self.modes is None:
+            return history, None
+        decisions = [self._wide(each[part], NO_DECISION) for each in (self.modes, self.adjustments)]
+        return history, _core.AQ_MaskMap.from_numpy(*decisions, low, records)
+
+    def _wide(self, values: Any, empty: Any) -> Any:
+        """Columns for every band from the lowest to the highest."""
+        if self.bands[-1] - self.bands[0] + 1 == len(self.bands):
+            return values
+        wide = np.full((len(values), self.bands[-1] - self.bands[0] + 1), empty, values.dtype)
+        wide[:, self.bands - self.bands[0]] = values
+        return wide
+
+
+def _block_metrics(*arrays: Any, bands: Any) -> Any:
+    """The ten metrics of each record of a block of whole files."""
+    block = _Measured(*_filled(arrays), bands)
+    values = np.full((len(block.numbers), len(NAMES)), np.nan)
+    for part, history, mask in block.by_file():
+        order = np.argsort(block.numbers[part, 1], kind="stable")
+        values[part][order] = _core.historyMetrics(history, mask)[1]
+    return values
+
+
+def _block_events(*arrays: Any, bands: Any) -> list[dict[str, Any]]:
+    """The event of each file of a block of whole files."""
+    block = _Measured(*_filled(arrays), bands)
+    rows = []
+    for part, history, mask in block.by_file():
+        numbers, _, event = _core.historyMetrics(history, mask)
+        place = int(block.numbers[part.start, 2])
+        rows.append({"file": place, "records": len(numbers), **event_words(event, int(numbers[0]))})
+    return rows
+
+
+def _filled(arrays: tuple[Any, ...]) -> tuple[Any, ...]:
+    """Level, masks and numbers, where there may be no masks."""
+    return arrays if len(arrays) == 4 else (arrays[0], None, None, arrays[1])
+
+
+def _file_sizes(files: Any) -> tuple[int, ...]:
+    """Records by block, each of whole files that follow each other."""
+    starts = np.flatnonzero(np.diff(files, prepend=np.nan) != 0)
+    sizes: list[int] = []
+    for size in np.diff([*starts, len(files)]):
+        if not sizes or sizes[-1] + size > RECORDS_PER_CHUNK:
+            sizes.append(0)
+        sizes[-1] += int(size)
+    return tuple(sizes)
+
+
+def _arrays(ds: xr.Dataset) -> tuple[list[Any], Any]:
+    """What a dataset gives to compute from, lazy if its levels are, and its bands."""
+    need(ds, "level", "band", "time", "record")
+    ds = ds.sortby("band")
+    bands = ds["band"].values
+    if not bands.size or not ds["time"].size:
+        raise ValueError("expected a history with levels, found none")
+    names = ["level"]
+    if "mask_mode" in ds.variables:
+        names += ["mask_mode", "mask_adjustment"]
+    arrays = [ds[name].transpose("time", "band").data for name in names]
+    files = ds["file"].values if "file" in ds.variables else np.zeros(ds["time"].size)
+    columns = [ds["time"].values, ds["record"].values, files]
+    numbers = np.stack([np.asarray(column, dtype=float) for column in columns], axis=1)
+    if not dask.is_dask_collection(ds["level"].data):
+        return [*map(np.asarray, arrays), numbers], bands
+    rows = _file_sizes(files)
+    lazy = [dask.array.asarray(array).rechunk((rows, -1)) for array in arrays]
+    return [*lazy, dask.array.from_array(numbers, chunks=(rows, -1))], bands
+
+
+def dataset_metrics(ds: xr.Dataset) -> xr.Dataset:
+    """The ten metrics over `time`, with the dataset's coordinates; lazy where its levels are."""
+    arrays, bands = _arrays(ds)
+    attrs: dict[str, Any] = {}
+    if dask.is_dask_collection(arrays[0]):
+        values = dask.array.map_blocks(
+            _block_metrics,
+            *arrays,
+            bands=bands,
+            dtype=float,
+            chunks=(arrays[0].chunks[0], (len(NAMES),)),
+        )
+    else:
+        values = _block_metrics(*arrays, bands=bands)
+        if "file" not in ds.variables:
+            attrs = _block_events(*arrays, bands=bands)[0]
+            attrs = {name: attrs[name] for name in (*EVENT, *_LIMITS)}
+    variables = metric_variables(values, "time")
+    own = {name: each for name, each in ds.coords.items() if each.dims == ("time",)}
+    return xr.Dataset(variables, own, attrs)
+
+
+def events(many: xr.Dataset) -> pd.DataFrame:
+    """The event of each history of `open_many`, a row a file, computed by dask: `path`, `project`,
+    `microphone`, `begin`, `records`, then as the attributes of `metrics`.
+
+    >>> aq_data.events(aq_data.open_many("season/*.sth.csv", "season/*.mask.csv"))
+    """
+    arrays, bands = _arrays(many)
+    if dask.is_dask_collection(arrays[0]):
+        blocks = zip(*(np.ravel(array.to_delayed()) for array in arrays))
+        parts = dask.compute(
+            *(dask.delayed(_block_events)(*block, bands=bands) for block in blocks)
+        )
+    else:
+        parts = (_block_events(*arrays, bands=bands),)
+    frame = pd.DataFrame([row for part in parts for row in part])
+    by_file = [name for name in ("path", "project", "microphone", "begin") if name in many.coords]
+    for place, name in enumerate(by_file):
+        frame.insert(place, name, many[name].values[frame["file"]])
+    return frame.drop(columns="file")

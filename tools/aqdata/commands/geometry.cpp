@@ -1,0 +1,142 @@
+#include <aq/core/error.h>
+#include <aq/text/number_text.h>
+#include <fmt/format.h>
+
+#include <cmath>
+
+#include "tools/aqdata/files.h"
+#include "tools/aqdata/measurement.h"
+#include "tools/aqdata/noise.h"
+#include "tools/aqdata/program.h"
+#include "tools/aqdata/text.h"
+
+namespace aqdata {
+namespace {
+
+struct GeometryChoice {
+  std::string history;
+  std::string positions;
+  std::string microphone;
+  std::string celsius;
+  std::string records;
+};
+
+using Microphone = Held<aq::AQ_HeaderMIC, aq::AQ_Microphone>;
+using Positions = Held<aq::AQ_HeaderPTH, aq::AQ_PositionTimeHistory>;
+
+std::shared_ptr<aq::AQ_PositionTimeHistory> positionsFrom(const std::string& path) {
+  const Measurement read = openFile(path);
+  if (const auto* const positions = std::get_if<Positions>(&read.data)) return positions->model;
+  if (const auto* const tracking = std::get_if<Tracking>(&read.data)) return tracking->model;
+  throw Failure(
+      fmt::format("{}: expected a position time history or tracking file, found a {} file",
+                  aq::escaped(path), aq::kindText(read.kind)));
+}
+
+Microphone microphoneFrom(const std::string& path) {
+  const Measurement read = openFile(path);
+  if (const auto* const microphone = std::get_if<Microphone>(&read.data)) return *microphone;
+  throw Failure(fmt::format("{}: expected a microphone position file, found a {} file",
+                            aq::escaped(path), aq::kindText(read.kind)));
+}
+
+/// The membrane stands above the ground point.
+std::shared_ptr<aq::AQ_Position> membrane(const aq::AQ_Microphone& microphone) {
+  auto position = std::make_shared<aq::AQ_Position>();
+  position->X(microphone.X);
+  position->Y(microphone.Y);
+  position->Z(microphone.Z + microphone.Height);
+  return position;
+}
+
+/// The points numbered from 1, as a file holds them. Throws `Failure` where a record of the range
+/// has none.
+aq::AQ_GeometryTimeHistory numberedPoints(const aq::AQ_SpectralTimeHistory& history,
+                                          const aq::AQ_GeometryTimeHistory& points,
+                                          const Range& range, const std::string& file) {
+  aq::AQ_GeometryTimeHistory geometry;
+  std::vector<int> without;
+  std::int32_t next = 0;
+  for (const auto& [record, spectrum] : history) {
+    if (record < range.first || record > range.last) continue;
+    if (!points.contains(record)) {
+      without.push_back(record);
+      continue;
+    }
+    const auto point = points.Point(record);
+    if (std::isnan(point->THETAe)) {
+      throw Failure(
+          fmt::format("{}: the source does not move, so there are no angles", aq::escaped(file)));
+    }
+    geometry.Point(++next, point);
+  }
+  if (!without.empty()) {
+    throw Failure(
+        fmt::format("{}: no position for the emission of {}: {}; --records A:B takes others alone",
+                    aq::escaped(file), counted(without.size(), "record"), recordsText(without)));
+  }
+  if (next == 0) throw Failure(fmt::format("{}: has no such record", aq::escaped(file)));
+  return geometry;
+}
+
+std::shared_ptr<aq::AQ_HeaderGTH> headerFor(const GeometryChoice& choice, const History& read,
+                                            const Microphone& microphone, double celsius,
+                                            const Range& range) {
+  auto header = std::make_shared<aq::AQ_HeaderGTH>();
+  header->ProjectName = read.header->sProjectName;
+  header->GeneratedBy = "aqdata";
+  header->MicrophoneID = microphone.header->sMicrophoneID;
+  header->MicrophonePosition = membrane(*microphone.model);
+  header->Temperature = static_cast<float>(celsius);
+  header->STHFileName = choice.history;
+  header->PTHFileName = choice.positions;
+  header->MICFileName = choice.microphone;
+  if (!choice.records.empty() || read.model->LoRec() != 1) {
+    const int low = std::max(range.first, read.model->LoRec());
+    header->colCommentLines->Add(fmt::format("Point 1 is that of record {}", low));
+  }
+  return header;
+}
+
+void geometry(Session& session, const GeometryChoice& choice) {
+  expectOutput(session, {".gth.csv", ".csv"},
+               {choice.history, choice.positions, choice.microphone});
+  const double celsius = aq::doubleFrom(choice.celsius);
+  const Range range = choice.records.empty() ? Range() : rangeFrom(choice.records, "records");
+  const History read = openHistory(choice.history);
+  const auto positions = positionsFrom(choice.positions);
+  const Microphone microphone = microphoneFrom(choice.microphone);
+  const auto points =
+      aq::emissionGeometry(*positions, *membrane(*microphone.model), *read.model, celsius);
+  const auto made = numberedPoints(*read.model, *points, range, choice.positions);
+  const auto header = headerFor(choice, read, microphone, celsius, range);
+  writeOutput<aq::AQ_DataGTH>(session, header, made);
+  session.wrote(fmt::format("{}, sound at {:.2f} m/s",
+                            counted(static_cast<std::size_t>(made.Count()), "point"),
+                            aq::speedOfSound(celsius)));
+}
+
+}  // namespace
+
+void addGeometry(CLI::App& program, Session& session) {
+  const auto choice = std::make_shared<GeometryChoice>();
+  CLI::App* const command = addCommand(
+      program, session, "geometry", "Find where the source was when it emitted each record",
+      "Coordinates are in metres. Positions are flown straight from one to the next; the\n"
+      "sound of every record has to be emitted between them.\n\n"
+      "Examples:\n"
+      "  aqdata geometry fly-over.sth.csv fly-over.tspi.csv fly-over.mic.csv \\\n"
+      "    --celsius 20 --records 10:50 -o made.gth.csv\n",
+      [&session, choice] { geometry(session, *choice); });
+  addFile(*command, choice->history, "HISTORY", "The spectral time history");
+  addFile(*command, choice->positions, "POSITIONS", "A position time history or tracking file");
+  addFile(*command, choice->microphone, "MICROPHONE", "The microphone position file");
+  command->add_option("--celsius", choice->celsius, "The temperature of the air in degrees Celsius")
+      ->required()
+      ->check(finiteNumber, "")
+      ->option_text("T");
+  command->add_option("--records", choice->records, "These records alone")->option_text("A:B");
+  addOutputFile(*command, session, "The geometric time history to write");
+}
+
+}  // namespace aqdata

@@ -1,0 +1,336 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <optional>
+
+#include "tools/aqdata/files.h"
+#include "tools/aqdata/noise.h"
+#include "tools/aqdata/parallel.h"
+#include "tools/aqdata/program.h"
+#include "tools/aqdata/terminal.h"
+#include "tools/aqdata/text.h"
+
+namespace aqdata {
+namespace {
+
+struct MetricsChoice {
+  std::string map;
+  bool maps = false;  // beside the histories
+};
+
+/// What a file's metrics say.
+struct FileMetrics {
+  Json document = {};  // with the records where they are wanted
+  std::size_t records = 0;
+  std::vector<std::string> words = {};  // of the event and what could not be computed
+  std::string failure = {};
+};
+
+/// The name of the map beside a history: landing.mask.csv for landing.sth.csv.
+std::string mapBeside(const std::string& history) {
+  const std::filesystem::path path(history);
+  const std::string name = path.filename().string();
+  constexpr std::string_view kEnding = ".sth.csv";
+  const bool usual = name.ends_with(kEnding);
+  const std::string stem =
+      usual ? name.substr(0, name.size() - kEnding.size()) : path.stem().string();
+  return (path.parent_path() / (stem + ".mask.csv")).string();
+}
+
+Json recordsJson(const aq::HistoryMetrics& metrics) {
+  Json records = Json::array();
+  for (const aq::RecordMetrics& record : metrics.records) {
+    Json row{{"record", record.record}};
+    for (const MetricName& name : kMetricNames) row[name.text] = metricJson(record, name.type);
+    records.push_back(std::move(row));
+  }
+  return records;
+}
+
+Json eventJson(const aq::HistoryMetrics& metrics) {
+  if (!metrics.event) return nullptr;
+  const aq::NoiseEvent& event = *metrics.event;
+  const auto record = [&](std::size_t place) {
+    return metrics.records.front().record + static_cast<int>(place);
+  };
+  const auto limit = [&](const std::optional<std::size_t>& place) -> Json {
+    return place ? Json(record(*place)) : Json();
+  };
+  Json peaks = Json::array();
+  for (const std::size_t place : event.secondPeaks) peaks.push_back(record(place));
+  return {{"EPNL", event.epnl},
+          {"EPNL_with_band_sharing", event.epnlWithBandSharing},
+          {"PNLTM", event.pnltm},
+          {"band_sharing", event.bandSharing},
+          {"duration_correction", event.duration},
+          {"first", limit(event.first)},
+          {"maximum", record(event.maximum)},
+          {"last", limit(event.last)},
+          {"second_peaks", std::move(peaks)}};
+}
+
+std::string limitsText(const Json& event) {
+  const Json& first = event["first"];
+  const Json& last = event["last"];
+  const auto side = [](const Json& limit, const char* ofWhat) {
+    return limit.is_null() ? fmt::format("the {} of the records lies above it", ofWhat)
+                           : fmt::format("record {}", limit.dump());
+  };
+  const bool both = !first.is_null() && !last.is_null();
+  return fmt::format("10 dB-down limits: {} to {}{}", side(first, "begin"), side(last, "end"),
+                     both ? "" : ", so that the EPNL is a lower bound");
+}
+
+/// Which records lack a value, and which one.
+std::vector<std::string> missingWords(const aq::HistoryMetrics& metrics,
+                                      const aq::AQ_MaskMap* map) {
+  std::vector<std::string> words;
+  const auto add = [&](aq::AQ_METRIC_TYPE type, const char* what) {
+    std::vector<int> without;
+    for (const aq::RecordMetrics& record : metrics.records) {
+      if (!record.has(type)) without.push_back(record.record);
+    }
+    if (without.empty()) return;
+    words.push_back(
+        fmt::format("{} of {}: {}", counted(without.size(), "record"), what, recordsText(without)));
+  };
+  std::vector<int> unmapped;
+  for (const aq::RecordMetrics& record : metrics.records) {
+    if (map != nullptr && !map->contains(record.record)) unmapped.push_back(record.record);
+  }
+  if (!unmapped.empty()) {
+    words.push_back(fmt::format("{} without a row in the map, taken as not masked: {}",
+                                counted(unmapped.size(), "record"), recordsText(unmapped)));
+  }
+  add(aq::AQ_METRIC_OA, "no level that counts, without any metric");
+  add(aq::AQ_METRIC_PNL, "no level that counts in bands 17 to 40, without PNL, PNLT and tone");
+  return words;
+}
+
+std::vector<std::string> eventWords(const aq::HistoryMetrics& metrics, const Json& event,
+                                    const aq::AQ_SpectralTimeHistory& history,
+                                    const aq::AQ_MaskMap* map) {
+  if (event.is_null()) return {"no event: no record has a PNLT"};
+  const aq::NoiseEvent& found = *metrics.event;
+  const auto number = event["maximum"].get<std::int16_t>();
+  const auto at = std::find_if(metrics.records.begin(), metrics.records.end(),
+                               [&](const auto& record) { return record.record == number; });
+  const aq::AQ_Spectrum& spectrum = *history.spectrum(number);
+  const aq::ToneCorrection tone = aq::toneCorrection(spectrum, rowOf(map, number));
+  std::vector<std::string> words{
+      fmt::format("EPNL {:.2f} EPNdB, with band sharing {:.2f} EPNdB ({:+.2f} dB)", found.epnl,
+                  found.epnlWithBandSharing, found.bandSharing),
+      fmt::format("PNLTM {:.2f} TPNdB at record {}, {}; duration correction {:+.2f} dB",
+                  found.pnltm, number, timeText(spectrum.timeValue()), found.duration),
+      limitsText(event),
+      fmt::format("at the maximum: {} of 24 bands count; {}", at->perceivedBands, toneText(tone))};
+  if (at->has(aq::AQ_METRIC_LGB)) {
+    words.back() +=
+        fmt::format("; {}", lastGoodBandText(static_cast<int>(at->value(aq::AQ_METRIC_LGB))));
+  }
+  std::vector<int> peaks;
+  for (const Json& peak : event["second_peaks"]) peaks.push_back(peak.get<int>());
+  words.push_back(peaks.empty()
+                      ? "no second peak within 2 dB"
+                      : fmt::format("second {} within 2 dB: {}",
+                                    peaks.size() == 1 ? "peak" : "peaks", recordsText(peaks)));
+  return words;
+}
+
+FileMetrics metricsOf(const std::string& file, const MetricsChoice& choice, bool withRecords) {
+  const History read = openHistory(file);
+  const std::string mapFile = choice.maps ? mapBeside(file) : choice.map;
+  const auto map = mapFile.empty() ? nullptr : openMap(mapFile).model;
+  const aq::HistoryMetrics metrics = aq::historyMetrics(*read.model, map.get());
+  FileMetrics outcome;
+  outcome.records = metrics.records.size();
+  outcome.document = {{"file", file}, {"mask", mapFile.empty() ? Json() : Json(mapFile)}};
+  if (withRecords) outcome.document["records"] = recordsJson(metrics);
+  outcome.document["event"] = eventJson(metrics);
+  if (!withRecords) return outcome;
+  outcome.words = eventWords(metrics, outcome.document["event"], *read.model, map.get());
+  for (std::string& words : missingWords(metrics, map.get()))
+    outcome.words.push_back(std::move(words));
+  return outcome;
+}
+
+std::string metricCell(const Json& value, aq::AQ_METRIC_TYPE type) {
+  if (value.is_null()) return "-";
+  if (type == aq::AQ_METRIC_INTEG) return flagsText(value.get<int>());
+  return isBand(type) ? value.dump() : fmt::format("{:.2f}", value.get<double>());
+}
+
+void printMetrics(Session& session, const Json& document) {
+  std::vector<Table::Column> columns{{"record", true}};
+  const bool withMap = !document["mask"].is_null();
+  for (const MetricName& name : kMetricNames) {
+    if (name.type == aq::AQ_METRIC_LGB && !withMap) continue;
+    columns.push_back({name.text, name.type != aq::AQ_METRIC_INTEG});
+  }
+  Table table(columns);
+  for (const Json& record : document["records"]) {
+    std::vector<std::string> cells{record["record"].dump()};
+    for (const MetricName& name : kMetricNames) {
+      if (name.type == aq::AQ_METRIC_LGB && !withMap) continue;
+      cells.push_back(metricCell(record[name.text], name.type));
+    }
+    table.add(std::move(cells));
+  }
+  table.print(session);
+}
+
+constexpr const char* kEventKeys[] = {"EPNL",
+                                      "EPNL_with_band_sharing",
+                                      "PNLTM",
+                                      "band_sharing",
+                                      "duration_correction",
+                                      "first",
+                                      "maximum",
+                                      "last"};
+
+/// The line of a file in the table of many, each number as `text` gives it.
+template <class Text>
+std::vector<std::string> eventCells(const FileMetrics& outcome, const Text& text) {
+  const Json& event = outcome.document["event"];
+  std::vector<std::string> cells{outcome.document["file"].get<std::string>(),
+                                 std::to_string(outcome.records)};
+  for (const char* key : kEventKeys) cells.push_back(text(event.is_null() ? Json() : event[key]));
+  return cells;
+}
+
+std::string shortNumber(const Json& value) {
+  if (value.is_null()) return "-";
+  return value.is_number_float() ? fmt::format("{:.2f}", value.get<double>()) : value.dump();
+}
+
+/// The lines of a table of comma-separated values.
+class CsvLines {
+ public:
+  void add(const std::vector<std::string>& fields) {
+    std::vector<std::string> quoted;
+    for (const std::string& field : fields) quoted.push_back(csvField(field));
+    lines_.push_back(fmt::format("{}", fmt::join(quoted, ",")));
+  }
+  [[nodiscard]] const std::vector<std::string>& all() const { return lines_; }
+
+ private:
+  std::vector<std::string> lines_;
+};
+
+void addMetricLines(const Json& document, CsvLines& lines) {
+  std::vector<std::string> fields{"record"};
+  for (const MetricName& name : kMetricNames) fields.emplace_back(name.text);
+  lines.add(fields);
+  for (const Json& record : document["records"]) {
+    fields.clear();
+    for (const auto& [key, value] : record.items()) fields.push_back(cellText(value));
+    lines.add(fields);
+  }
+}
+
+/// Where the outcomes of a run go, one after the other.
+class MetricsReport {
+ public:
+  MetricsReport(Session& session, bool oneFile) : session_(session), oneFile_(oneFile) {
+    std::vector<std::string> heads{"file", "records"};
+    heads.insert(heads.end(), std::begin(kEventKeys), std::end(kEventKeys));
+    if (!oneFile) lines_.add(heads);
+  }
+
+  void take(const FileMetrics& outcome) {
+    if (!session_.output.empty()) {
+      if (oneFile_)
+        addMetricLines(outcome.document, lines_);
+      else
+        lines_.add(eventCells(outcome, cellText));
+    } else if (session_.json) {
+      session_.printDocument(outcome.document);
+    } else if (oneFile_) {
+      printMetrics(session_, outcome.document);
+      session_.print("\n");
+      for (const std::string& words : outcome.words) session_.print(words + "\n");
+    } else {
+      auto cells = eventCells(outcome, shortNumber);
+      cells.front() = aq::escaped(cells.front());
+      table_.add(std::move(cells));
+    }
+  }
+
+  void finish(std::size_t files) {
+    if (!session_.output.empty()) {
+      if (session_.status() != kFine) throw Failure("nothing is written, as not all was computed");
+      writeLines(session_, lines_.all());
+      session_.wrote(
+          fmt::format("the {} of {}", oneFile_ ? "metrics" : "events", counted(files, "file")));
+    } else if (!session_.json && !oneFile_) {
+      if (terminal::onOutput()) table_.fit(static_cast<std::size_t>(terminal::width()));
+      table_.print(session_);
+    }
+  }
+
+ private:
+  Session& session_;
+  bool oneFile_;
+  CsvLines lines_;
+  Table table_{{{"file"},
+                {"records", true, true},
+                {"EPNL", true},
+                {"with_sharing", true},
+                {"PNLTM", true},
+                {"sharing", true, true},
+                {"duration", true, true},
+                {"first", true},
+                {"maximum", true},
+                {"last", true}}};
+};
+
+void metrics(Session& session, const MetricsChoice& choice) {
+  const std::vector<std::string> files = chosenHistories(session);
+  const bool oneFile = files.size() == 1;
+  if (!choice.map.empty() && !oneFile) {
+    throw Failure("--mask is the map of one history; --masks takes those beside several");
+  }
+  if (!session.output.empty()) expectOutput(session, {".csv"}, files);
+  const bool withRecords = oneFile || (session.json && session.output.empty());
+  MetricsReport report(session, oneFile);
+  inOrder(
+      files.size(), session.jobs,
+      [&](std::size_t i) -> FileMetrics {
+        try {
+          return metricsOf(files[i], choice, withRecords);
+        } catch (const std::exception& error) {
+          FileMetrics outcome;
+          outcome.failure = failureText(files[i], error);
+          return outcome;
+        }
+      },
+      [&](std::size_t i, const FileMetrics& outcome) {
+        session.progress(i + 1, files.size());
+        if (!outcome.failure.empty()) return session.complain(outcome.failure, files[i]);
+        report.take(outcome);
+      });
+  if (!oneFile || session.status() == kFine) report.finish(files.size());
+}
+
+}  // namespace
+
+void addMetrics(CLI::App& program, Session& session) {
+  const auto choice = std::make_shared<MetricsChoice>();
+  CLI::App* const command = addCommand(
+      program, session, "metrics", "Compute noise metrics and events: levels, PNL, PNLT, EPNL",
+      "One history gives a table of its records and the event in words, several a line\n"
+      "each; of a folder, its histories are taken. INTEG says which part a record plays.\n\n"
+      "Examples:\n"
+      "  aqdata metrics fly-over.sth.csv --mask fly-over.mask.csv\n"
+      "  aqdata metrics --masks -o events.csv .\n",
+      [&session, choice] { metrics(session, *choice); });
+  addFiles(*command, session);
+  command->add_option("--mask", choice->map, "The masking map of the history")->option_text("MAP");
+  command->add_flag("--masks", choice->maps, "Maps beside the histories: x.mask.csv of x.sth.csv");
+  addOutputFile(*command, session, "A table to write, comma-separated", false);
+  addJobs(*command, session);
+}
+
+}  // namespace aqdata

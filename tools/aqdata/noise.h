@@ -1,0 +1,56 @@
+#pragma once
+
+#include <aq/aq.h>
+
+#include <string>
+#include <vector>
+
+#include "tools/aqdata/session.h"
+
+namespace aqdata {
+
+/// What a metric is called in tables and documents.
+struct MetricName {
+  aq::AQ_METRIC_TYPE type;
+  const char* text;
+};
+inline constexpr MetricName kMetricNames[] = {
+    {aq::AQ_METRIC_AWT, "AWT"},         {aq::AQ_METRIC_CWT, "CWT"},
+    {aq::AQ_METRIC_DWT, "DWT"},         {aq::AQ_METRIC_OA, "OA"},
+    {aq::AQ_METRIC_PNL, "PNL"},         {aq::AQ_METRIC_PNLT, "PNLT"},
+    {aq::AQ_METRIC_TONECOR, "TONECOR"}, {aq::AQ_METRIC_TONEBND, "TONEBND"},
+    {aq::AQ_METRIC_LGB, "LGB"},         {aq::AQ_METRIC_INTEG, "INTEG"}};
+
+/// Whether a metric's value is a number of a band.
+[[nodiscard]] constexpr bool isBand(aq::AQ_METRIC_TYPE type) {
+  return type == aq::AQ_METRIC_TONEBND || type == aq::AQ_METRIC_LGB;
+}
+
+/// A computed metric; null where there is none.
+[[nodiscard]] Json metricJson(const aq::RecordMetrics& record, aq::AQ_METRIC_TYPE type);
+
+/// The part that a record plays, as in "max" or "first 2nd".
+[[nodiscard]] std::string flagsText(int flags);
+
+/// Record numbers, as in "3, 5-9"; after twenty runs it says how many follow.
+[[nodiscard]] std::string recordsText(const std::vector<int>& records);
+
+/// As in "34 (2.5 kHz)".
+[[nodiscard]] std::string bandText(std::int16_t band);
+
+/// What the last good band of a record says.
+[[nodiscard]] std::string lastGoodBandText(int band);
+
+/// The row of a record; none without a map, or without one there.
+[[nodiscard]] const aq::AQ_MaskRow* rowOf(const aq::AQ_MaskMap* map, std::int16_t record);
+
+/// As in "tone of 2.00 dB in band 34 (2.5 kHz)".
+[[nodiscard]] std::string toneText(const aq::ToneCorrection& tone);
+
+/// A field of comma-separated values.
+[[nodiscard]] std::string csvField(const std::string& text);
+
+/// The files that the user's arguments stand for: those named, and of a folder the histories.
+[[nodiscard]] std::vector<std::string> chosenHistories(Session& session);
+
+}  // namespace aqdata
