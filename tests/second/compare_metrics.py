@@ -41,8 +41,10 @@ def history(rng):
     records, masks = [], None if map_chance is None else {}
     for k in range(count):
         mean = top - slope * abs(k - closest)
-        levels = {band: level(rng, mean - abs(band - 27) * rng.choice([0.5, 1]))
-                  for band in range(low, high + 1)}
+        levels = {
+            band: level(rng, mean - abs(band - 27) * rng.choice([0.5, 1]))
+            for band in range(low, high + 1)
+        }
         band = rng.randint(low, high)
         if rng.random() < 0.5 and levels[band] < 200:  # a tone
             levels[band] = round(levels[band] + rng.uniform(0, 30), 2)
@@ -52,9 +54,13 @@ def history(rng):
             levels = dict.fromkeys(levels, 9999.0)
         records.append({"number": number, "seconds": seconds, "levels": levels})
         if masks is not None and rng.random() < 0.95:
-            masks[number] = {band: (rng.randint(1, 3), rng.choice([0, 0, 0, 1, 4, 6]))
-                             if rng.random() < map_chance else (0, rng.choice([0, 0, 2]))
-                             for band in range(17, 41) if rng.random() < 0.95} or {30: (0, 0)}
+            masks[number] = {
+                band: (rng.randint(1, 3), rng.choice([0, 0, 0, 1, 4, 6]))
+                if rng.random() < map_chance
+                else (0, rng.choice([0, 0, 2]))
+                for band in range(17, 41)
+                if rng.random() < 0.95
+            } or {30: (0, 0)}
         number += rng.choice([1, 2, 5]) if gaps else 1
         seconds = (seconds + (0.5 if regular else rng.uniform(0.01, 3))) % metrics.DAY
     return records, masks
@@ -84,8 +90,10 @@ def metrics_opinion(records, masks):
     if event:
         places = [event["maximum"], event["first"], event["last"]]
         last = [(NONE if place is None else place, 0) for place in places]
-        last += [(event[name], LEVEL) for name in ("pnltm", "epnl", "epnlWithBandSharing",
-                                                    "duration", "bandSharing")]
+        last += [
+            (event[name], LEVEL)
+            for name in ("pnltm", "epnl", "epnlWithBandSharing", "duration", "bandSharing")
+        ]
         last += [(place, 0) for place in event["secondPeaks"]]
     return lines + [last]
 
@@ -100,8 +108,7 @@ def flight(rng):
         fixes.append((seconds % metrics.DAY, tuple(place)))
         step = rng.choice([0.1, 0.5, rng.uniform(0.05, 5)])
         hovers = rng.random() < 0.1
-        place = [x if hovers else x + step * (v + rng.gauss(0, 2))
-                 for x, v in zip(place, speed)]
+        place = [x if hovers else x + step * (v + rng.gauss(0, 2)) for x, v in zip(place, speed)]
         seconds += step
     microphone = [rng.uniform(-500, 500), rng.uniform(-500, 500), rng.choice([0, 1.2, 10])]
     times = [(start + rng.uniform(-2, seconds - start + 12)) % metrics.DAY for _ in range(20)]
@@ -123,9 +130,17 @@ def flight_opinion(fixes, microphone, celsius, times):
     for number, received in enumerate(times, start=1):
         point = metrics.emission(fixes, microphone, received, celsius)
         if point:
-            lines.append([(number, 0), (point["Te"], SECONDS), (point["Tprope"], SECONDS),
-                          (point["SRe"], METRES), (point["THETAe"], DEGREES),
-                          (point["BETAe"], DEGREES), *((x, METRES) for x in point["Pe"])])
+            lines.append(
+                [
+                    (number, 0),
+                    (point["Te"], SECONDS),
+                    (point["Tprope"], SECONDS),
+                    (point["SRe"], METRES),
+                    (point["THETAe"], DEGREES),
+                    (point["BETAe"], DEGREES),
+                    *((x, METRES) for x in point["Pe"]),
+                ]
+            )
     return lines
 
 
@@ -140,15 +155,21 @@ def made(seed):
 
 
 def agrees(line, answer):
-    numbers = [float(word) for word in answer.split()[answer.startswith("event"):]]
+    numbers = [float(word) for word in answer.split()[answer.startswith("event") :]]
     return len(numbers) == len(line) and all(
-        abs(number - value) <= tolerance for number, (value, tolerance) in zip(numbers, line))
+        abs(number - value) <= tolerance for number, (value, tolerance) in zip(numbers, line)
+    )
 
 
 def compare(program, seeds):
     cases = [(seed, *made(seed)) for seed in seeds]
-    run = subprocess.run([program], input="".join(text for _, text, _ in cases),
-                         capture_output=True, encoding="ascii", check=True)
+    run = subprocess.run(
+        [program],
+        input="".join(text for _, text, _ in cases),
+        capture_output=True,
+        encoding="ascii",
+        check=True,
+    )
     differences = []
     for (seed, _, opinion), answer in zip(cases, run.stdout.split("end\n")):
         lines = answer.splitlines()
@@ -172,7 +193,7 @@ def main():
     seeds = [f"{options.seed}-{i}" for i in range(options.count)]
     differences = []
     with concurrent.futures.ProcessPoolExecutor(2) as pool:
-        batches = [seeds[i:i + BATCH] for i in range(0, len(seeds), BATCH)]
+        batches = [seeds[i : i + BATCH] for i in range(0, len(seeds), BATCH)]
         for found in pool.map(compare, [options.program] * len(batches), batches):
             differences += found
     print(*differences[:10], sep="\n", end="\n" * bool(differences))
