@@ -168,7 +168,7 @@ void check(FileOf<AQ_DataTSPI> of, const Reporter& report) {
   // Fields beyond the coordinates are the tracker's own.
   const LineShapes shapes(of.path, kTrackingHeaderLines,
                           std::numeric_limits<std::size_t>::max() / 2, 0);
-  shapes.report(path, report);
+  shapes.report(of.path, report);
 }
 
 void check(FileOf<AQ_DataMIC> file, const Reporter& report) {
