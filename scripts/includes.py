@@ -9,12 +9,13 @@ ALLOWED = {  # each room, and the rooms that it may know besides itself
     "core": {"detail"},
     "detail": {"core"},
     "text": {"core", "detail"},
+    "sdf": {"core", "detail", "text"},
     "masking": {"core", "detail", "text"},
     "spectral": {"core", "detail", "text", "masking"},
     "geometry": {"core", "detail", "text"},
     "noise": {"core", "detail", "text", "masking", "spectral", "geometry"},
-    "files": {"core", "detail", "text", "masking", "spectral", "geometry"},
-    "check": {"core", "detail", "text", "masking", "spectral", "geometry", "noise", "files"},
+    "files": {"core", "detail", "text", "sdf", "masking", "spectral", "geometry"},
+    "check": {"core", "detail", "text", "sdf", "masking", "spectral", "geometry", "noise", "files"},
     "describe": {"core", "masking", "spectral", "geometry", "noise", "files"},
 }
 # A variant, a time and the dates of files have text forms: these sources, not their headers, use them.

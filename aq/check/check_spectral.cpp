@@ -13,6 +13,9 @@
 #include "aq/check/record_lines.h"
 #include "aq/core/enumerations.h"
 #include "aq/core/time.h"
+#include "aq/files/recording_history.h"
+#include "aq/files/recording_trace.h"
+#include "aq/sdf/recording.h"
 #include "aq/text/checked_keywords.h"
 #include "aq/text/fields.h"
 #include "aq/text/number_text.h"
@@ -222,6 +225,14 @@ void check(FileOf<AQ_DataSSR> file, const Reporter& report) {
   header.expectLabels(1, read.model->LowBand(), read.model->HighBand());
   checkLevels(*read.model, {.line = levels}, report);
   checkNothingBehind(file.path, levels, report);
+}
+
+void check(FileOf<AQ_DataHP3565> file, const Reporter& report) {
+  const auto recording = sdf::Recording::fromFile(file.path);
+  for (std::string& mark : marksOf(traceOf(recording, 1))) {
+    report(Kind::AnalyzerMark, {}, std::move(mark));
+  }
+  static_cast<void>(historyOf(recording, {}));  // fails where the levels do
 }
 
 }  // namespace aq

@@ -46,6 +46,7 @@ enum class Kind : std::size_t {
   LevelRange,
   MaskLetters,
   LastGoodBand,
+  AnalyzerMark,
   CutShort,
   SameLevels,
   Quotes,

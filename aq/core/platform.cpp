@@ -1,14 +1,19 @@
 #include "aq/core/platform.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <poll.h>
+#include <spawn.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <charconv>
 #include <climits>
+#include <csignal>
 #include <cstring>
 
 namespace aq::platform {
@@ -250,6 +255,124 @@ void appendTo(const OutputFile& file, const std::string& path, const struct stat
   }
 }
 
+/// A folder open for reading.
+class Folder {
+ public:
+  explicit Folder(const std::string& path) : folder_(::opendir(path.c_str())) {
+    if (folder_ == nullptr) failBy(kRead, errno);
+  }
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+  ~Folder() { ::closedir(folder_); }
+
+  /// The name of the next entry; `nullptr` after the last one.
+  [[nodiscard]] const char* next() const {
+    errno = 0;
+    const dirent* const entry = ::readdir(folder_);
+    if (entry == nullptr && errno != 0) failBy(kRead, errno);
+    return entry != nullptr ? entry->d_name : nullptr;
+  }
+
+ private:
+  static constexpr const char* kRead = "a folder that can be read";
+
+  DIR* folder_;
+};
+
+constexpr const char* kRun = "a program that can be run";
+constexpr const char* kSucceeds = "a program that ends with status 0";
+
+/// The ends of a new pipe, closed with the object or before.
+class Pipe {
+ public:
+  Pipe() {
+    if (::pipe2(ends_.data(), O_CLOEXEC) != 0) failBy(kRun, errno);
+  }
+  Pipe(const Pipe&) = delete;
+  Pipe& operator=(const Pipe&) = delete;
+  ~Pipe() {
+    ::close(ends_[0]);
+    closeInput();
+  }
+
+  [[nodiscard]] int output() const { return ends_[0]; }
+  [[nodiscard]] int input() const { return ends_[1]; }
+  void closeInput() {
+    if (ends_[1] >= 0) ::close(ends_[1]);
+    ends_[1] = -1;
+  }
+
+ private:
+  std::array<int, 2> ends_{};
+};
+
+/// What a process that is started finds open: no input, `output`, and nothing for its errors.
+class Openings {
+ public:
+  explicit Openings(int output) {
+    if (const int error = ::posix_spawn_file_actions_init(&actions_); error != 0) {
+      failBy(kRun, error);
+    }
+    const bool done =
+        ::posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, kNull, O_RDONLY, 0) == 0 &&
+        ::posix_spawn_file_actions_addopen(&actions_, STDERR_FILENO, kNull, O_WRONLY, 0) == 0 &&
+        ::posix_spawn_file_actions_adddup2(&actions_, output, STDOUT_FILENO) == 0;
+    if (!done) {
+      ::posix_spawn_file_actions_destroy(&actions_);
+      failBy(kRun, ENOMEM);
+    }
+  }
+  Openings(const Openings&) = delete;
+  Openings& operator=(const Openings&) = delete;
+  ~Openings() { ::posix_spawn_file_actions_destroy(&actions_); }
+
+  [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions_; }
+
+ private:
+  static constexpr const char* kNull = "/dev/null";
+
+  posix_spawn_file_actions_t actions_{};
+};
+
+/// A process, waited for with the object or before.
+class Process {
+ public:
+  Process(const std::string& program, const std::vector<std::string>& arguments, int output) {
+    std::vector<std::string> words{program};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<char*> texts;
+    texts.reserve(words.size() + 1);
+    for (std::string& word : words) {
+      if (word.find('\0') != word.npos) failBy(kRun, EINVAL);
+      texts.push_back(word.data());
+    }
+    texts.push_back(nullptr);
+    const Openings openings(output);
+    const int error =
+        ::posix_spawn(&number_, program.c_str(), openings.get(), nullptr, texts.data(), environ);
+    if (error != 0) failBy(kRun, error);
+  }
+  Process(const Process&) = delete;
+  Process& operator=(const Process&) = delete;
+  ~Process() {
+    if (number_ <= 0) return;
+    ::kill(number_, SIGKILL);
+    static_cast<void>(status());
+  }
+
+  /// How it ended; waits for that.
+  int status() {
+    int status = 0;
+    const pid_t ended = uninterrupted([&] { return ::waitpid(number_, &status, 0); });
+    number_ = 0;
+    if (ended < 0) failBy(kSucceeds, errno);
+    return status;
+  }
+
+ private:
+  pid_t number_ = 0;
+};
+
 }  // namespace
 
 const std::string_view lineEnd = "\n";
@@ -294,6 +417,42 @@ void appendToFile(const std::string& path, std::string_view bytes) {
     if (own < 0 && times < kMostTimes && !sameFile(statusOf(path), before)) continue;
     return appendTo(file, path, before, bytes);
   }
+}
+
+std::vector<std::string> filesIn(const std::string& folder) {
+  std::vector<std::string> names;
+  const Folder entries(folder);
+  while (const char* const name = entries.next()) {
+    struct stat status {};
+    const std::string path = folder + '/' + name;
+    if (::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode)) names.emplace_back(name);
+  }
+  return names;
+}
+
+std::string outputOf(const std::string& program, const std::vector<std::string>& arguments) {
+  constexpr std::size_t kBlock = std::size_t{64} * 1024;
+  Pipe pipe;
+  Process process(program, arguments, pipe.input());
+  pipe.closeInput();
+  std::string output;
+  for (;;) {
+    const std::size_t size = output.size();
+    output.resize(size + kBlock);
+    const ssize_t got =
+        uninterrupted([&] { return ::read(pipe.output(), output.data() + size, kBlock); });
+    if (got < 0) failBy(kSucceeds, errno);
+    output.resize(size + static_cast<std::size_t>(got));
+    if (got == 0) break;
+  }
+  const int status = process.status();
+  if (WIFSIGNALED(status)) {
+    throw SystemError(kSucceeds, "signal " + std::to_string(WTERMSIG(status)));
+  }
+  if (WEXITSTATUS(status) != 0) {
+    throw SystemError(kSucceeds, "status " + std::to_string(WEXITSTATUS(status)));
+  }
+  return output;
 }
 
 std::optional<std::time_t> lastChanged(const std::string& path) {

@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "aq/core/export.h"
 
@@ -53,6 +54,15 @@ AQ_API void replaceFile(const std::string& path, std::string_view bytes);
 /// Puts `bytes` behind the content of a file, which is made if needed. Throws `SystemError`; the
 /// file is then cut back to its former length.
 AQ_API void appendToFile(const std::string& path, std::string_view bytes);
+
+/// The names of the files in a folder, links to files among them, in no order; no folders. Throws
+/// `SystemError`.
+[[nodiscard]] AQ_API std::vector<std::string> filesIn(const std::string& folder);
+
+/// Runs a program, no shell between, and gives what it writes to its standard output; it has no
+/// input. Throws `SystemError` when it cannot be started or ends with another status than 0.
+[[nodiscard]] AQ_API std::string outputOf(const std::string& program,
+                                          const std::vector<std::string>& arguments);
 
 /// When a file was last changed; nothing when it is not there.
 [[nodiscard]] AQ_API std::optional<std::time_t> lastChanged(const std::string& path);

@@ -2,6 +2,7 @@
 
 #include "aq/describe/description.h"
 #include "aq/files/data_ascii.h"
+#include "aq/files/data_hp3565.h"
 #include "aq/files/data_ini.h"
 #include "aq/files/data_ssr.h"
 #include "aq/files/data_sth.h"
@@ -42,7 +43,10 @@ struct Description<FileKind> {
                 "Processing parameters of an analysis")
         .member("SpectrumRecord", FileKind::SpectrumRecord, "One spectrum")
         .member("Tracking", FileKind::Tracking, "Fixes of a tracking system")
-        .member("Unknown", FileKind::Unknown, "Another kind, or a file that cannot be read");
+        .member("Unknown", FileKind::Unknown, "Another kind, or a file that cannot be read")
+        .member("FixedColumnHistory", FileKind::FixedColumnHistory,
+                "Levels of the records of a measurement in fixed columns")
+        .member("AnalyzerRecording", FileKind::AnalyzerRecording, "A recording of an analyzer");
   }
 };
 
@@ -242,8 +246,38 @@ struct Description<FileFunctions> {
   }
 };
 
+template <>
+struct Description<AQ_DataHP3565> {
+  static constexpr char name[] = "AQ_DataHP3565";
+  static constexpr int number = 81;
+  static constexpr char text[] = "Reads analyzer recordings as spectral time histories";
+  template <class To>
+  static void members(To& to) {
+    using F = AQ_DataHP3565;
+    to.method("readDirectory", &F::readDirectory, "Lists the files of an analyzer's folder",
+              in("sDirectory", "The folder", FileName{}),
+              in("colIndex", "Gets the names that begin with INDEX"),
+              in("colTimeDat", "Gets the names that begin with TIMEDAT"),
+              in("colRecordings", "Gets the other names that end in .DAT"))
+        .method("DAT_to_ASC", &F::DAT_to_ASC, "Writes a recording as text",
+                in("sDatFile", "The recording", FileName{}),
+                in("sAscFile", "The text, which is replaced", FileName{}))
+        .method("ParseASC", &F::ParseASC, "Reads the text of a recording",
+                in("sAscFile", "The text", FileName{}), kHeaderOut, in("STH", "Gets a new history"))
+        .method("readFile", &F::readFile, kReads, in("sDatFile", "The recording", FileName{}),
+                kHeaderOut, in("STH", "Gets a new history"))
+        .property("SDFPRINT", &F::SDFPRINT, &F::SDFPRINT,
+                  "The path of an external converter; empty for our own", FileName{})
+        .property("Channel", &F::Channel, &F::Channel, "The trace of each scan, from 1", kPlace)
+        .property("RecordLength", &F::RecordLength, &F::RecordLength,
+                  "From record to record where scans have no time; above 0", kSeconds)
+        .property("CalAdj", &F::CalAdj, &F::CalAdj, "Added to every level; finite", kDecibels)
+        .lastFailure();
+  }
+};
+
 inline constexpr List<AQ_DataSTH, AQ_DataMask, AQ_DataSSR, AQ_DataPTH, AQ_DataTSPI, AQ_DataMIC,
-                      AQ_DataGTH, AQ_DataINI, AQ_DataASCII>
+                      AQ_DataGTH, AQ_DataINI, AQ_DataHP3565, AQ_DataASCII>
     kFileClasses;
 
 }  // namespace aq::describe

@@ -24,6 +24,10 @@ FileKind kindOfTitle(std::string_view title) {
   return kind;
 }
 
+// The first bytes of a recording as a line of text: the type of its first record, 10, is a line
+// end.
+constexpr std::string_view kRecordingLine{"B\0\0", 3};
+
 bool isTrackingLine(const LineReader& lines) {
   try {
     static_cast<void>(trackingLineFrom(lines));
@@ -50,6 +54,7 @@ FileKind kindOfFile(const std::string& path) {
     LineReader lines(path, kLookedAt);
     HeaderReader header(lines);
     const FileKind kind = kindOfTitle(header.anyTitle());
+    if (lines.line() == kRecordingLine) return FileKind::AnalyzerRecording;
     return kind == FileKind::Unknown ? kindByShape(lines) : kind;
   } catch (const platform::SystemError&) {
     return FileKind::Unknown;

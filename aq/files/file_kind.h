@@ -17,6 +17,8 @@ enum class FileKind {
   SpectrumRecord,
   Tracking,
   Unknown,
+  FixedColumnHistory,
+  AnalyzerRecording,
 };
 
 /// What a file is: by the title in its first line, or as a tracking file by the shape of the lines

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <tuple>
 
+#include "aq/files/data_hp3565.h"
 #include "aq/files/data_ini.h"
 #include "aq/files/data_ssr.h"
 #include "aq/files/data_sth.h"
@@ -71,7 +72,9 @@ inline constexpr std::tuple kFormats{
     Format<AQ_DataGTH, AQ_HeaderGTH, AQ_GeometryTimeHistory>{
         FileKind::GeometricTimeHistory, "geometric time history", "geometry", ".gth.csv"},
     Format<AQ_DataINI, void, AQ_DataINI>{FileKind::VariableInitialization,
-                                         "variable initialization", "parameters", ".ini.csv"}};
+                                         "variable initialization", "parameters", ".ini.csv"},
+    Format<AQ_DataHP3565, AQ_HeaderSTH, AQ_SpectralTimeHistory>{
+        FileKind::AnalyzerRecording, "analyzer recording", "recording", ".dat"}};
 
 /// Calls `visit(format)` for each format, in the order of the list.
 template <class Visit>

@@ -235,6 +235,23 @@ bool appendThousandths(std::string& text, double value) {
   return true;
 }
 
+template <class Real, class... Form>
+void appendChars(std::string& text, Real value, Form... form) {
+  if (std::isnan(value)) {
+    text += "nan";
+    return;
+  }
+  std::array<char, 32> buffer;
+  const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, form...);
+  text.append(buffer.data(), written.ptr);
+}
+
+template <class Real>
+void appendEveryDigit(std::string& text, Real value) {
+  constexpr int kDecimals = std::numeric_limits<Real>::max_digits10 - 1;
+  appendChars(text, value, std::chars_format::scientific, kDecimals);
+}
+
 }  // namespace
 
 std::string_view trimmed(std::string_view text) {
@@ -279,6 +296,11 @@ void appendNumber(std::string& text, std::int32_t value) {
   std::array<char, kIntegerSize> buffer;
   text.append(buffer.data(), putNumber(buffer.data(), value));
 }
+
+void appendExact(std::string& text, double value) { appendChars(text, value); }
+void appendExact(std::string& text, float value) { appendChars(text, value); }
+void appendAllDigits(std::string& text, double value) { appendEveryDigit(text, value); }
+void appendAllDigits(std::string& text, float value) { appendEveryDigit(text, value); }
 
 char* putNumber(char* at, std::int32_t value) {
   return std::to_chars(at, at + kIntegerSize, value).ptr;

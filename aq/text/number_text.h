@@ -40,6 +40,13 @@ AQ_API void appendNumber(std::string& text, std::int32_t value);
 [[nodiscard]] AQ_API std::string numberText(float value);
 [[nodiscard]] AQ_API std::string numberText(std::int32_t value);
 
+// Text that reads back as just this value: the shortest there is, and with all its digits and an
+// exponent, as in 4.58634312e-07. What is no finite number is nan, inf or -inf.
+AQ_API void appendExact(std::string& text, double value);
+AQ_API void appendExact(std::string& text, float value);
+AQ_API void appendAllDigits(std::string& text, double value);
+AQ_API void appendAllDigits(std::string& text, float value);
+
 inline constexpr std::size_t kIntegerSize = 11;  // a sign and ten digits
 
 /// Writes an integer where there is `kIntegerSize`, and returns its end.

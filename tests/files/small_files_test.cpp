@@ -132,7 +132,8 @@ TEST(FileKind, ByTitleOrByShape) {
       {"masking-map", FileKind::MaskingMap},
       {"variable-initialization", FileKind::VariableInitialization},
       {"spectrum-record", FileKind::SpectrumRecord},
-      {"tracking", FileKind::Tracking}};
+      {"tracking", FileKind::Tracking},
+      {"analyzer-recording", FileKind::AnalyzerRecording}};
   test::forSamples("good", [&](const std::string& format, const std::filesystem::path& sample) {
     EXPECT_EQ(kindOfFile(sample.string()), kinds.at(format));
   });

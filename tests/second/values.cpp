@@ -241,6 +241,53 @@ void printINI(const std::string& path) {
            file.HiRec(), file.FileName(), *file.FileDate(), *file.Comments());
 }
 
+/// Of the notes, the words by which the second reader knows them.
+template <class Read>
+void printRecording(const std::string& path, const Read& read) {
+  AQ_DataHP3565 file;
+  std::shared_ptr<AQ_HeaderSTH> header;
+  std::shared_ptr<AQ_SpectralTimeHistory> history;
+  showResult(read(file, path, header, history), file);
+  if (!history) return;
+  showEach("project microphone generator averaging start", header->sProjectName,
+           header->sMicrophoneID, header->sGeneratedBy, history->AverageMethod(),
+           *history->startTime());
+  out += "notes";
+  for (const char* const word : {"weight", "overload", "valid", "correct"}) {
+    const auto& notes = *header->cCommentLines;
+    const auto has = [&](const std::string& note) { return note.find(word) != note.npos; };
+    if (std::any_of(notes.begin(), notes.end(), has)) out += std::string(" ") + word;
+  }
+  out += '\n';
+  for (std::int16_t number = 1; number <= history->HiRec(); ++number) {
+    AQ_Spectrum& spectrum = *history->spectrum(number);
+    print("record %d", number);
+    put(*spectrum.Time());
+    put(spectrum.Time()->RelSeconds());
+    for (std::int16_t band = spectrum.LowBand(); band <= spectrum.HighBand(); ++band) {
+      if (!spectrum.contains(band)) continue;
+      print(" %d", band);
+      put(spectrum.SPL(band).toDouble());
+    }
+    out += '\n';
+  }
+}
+
+void printSDF(const std::string& path) {
+  printRecording(path, [](AQ_DataHP3565& file, auto&... to) { return file.readFile(to...); });
+}
+
+/// The same through its text.
+void printSDFText(const std::string& path) {
+  printRecording(path, [](AQ_DataHP3565& file, const std::string& from, auto&... to) {
+    const std::string text = from + ".asc";
+    const AQ_DataMessage written = file.DAT_to_ASC(from, text);
+    const AQ_DataMessage read = written == AQ_DATA_OK ? file.ParseASC(text, to...) : written;
+    std::remove(text.c_str());
+    return read;
+  });
+}
+
 /// `options` are the delimiter, two digits a byte, and 1 for fields that may be quoted: `2c:1`.
 void printASCII(const std::string& path, const std::string& options) {
   AQ_DataASCII file;
@@ -269,6 +316,8 @@ std::string aq::test::valuesOf(const std::string& format, const std::string& pat
       {"PTH", printFile<AQ_DataPTH, AQ_HeaderPTH, AQ_PositionTimeHistory>},
       {"GTH", printFile<AQ_DataGTH, AQ_HeaderGTH, AQ_GeometryTimeHistory>},
       {"SSR", printFile<AQ_DataSSR, AQ_HeaderSSR, AQ_Spectrum>},
+      {"HP3565", printSDF},
+      {"HP3565TEXT", printSDFText},
       {"MIC", printMIC},
       {"TSPI", printTSPI},
       {"INI", printINI}};

@@ -471,6 +471,22 @@ def check_documents(parent):
             expect(f"{example}: status", done.returncode in (0, 1), True)
 
 
+def check_recordings(folder):
+    samples = PROJECT / "tests" / "data" / "analyzer-recording"
+    done = run(f"aqdata analyzer --json '{samples}/good'", folder)
+    found = {line["file"]: line for line in json.loads(done.stdout)["files"]}
+    expect("recordings", sorted(found), sorted(p.name for p in (samples / "good").glob("*.dat")))
+    expect("records", found["third-octaves-by-scan.dat"]["records"], 3)
+    expect("bad recordings: status", run(f"aqdata analyzer '{samples}/bad'", folder).returncode, 1)
+    run(f"aqdata convert '{samples}/good/third-octaves-by-header.dat' -o recording.sth.csv", folder)
+    info = json.loads(run("aqdata info --json recording.sth.csv", folder).stdout)
+    expect(
+        "a recording as a history", (info["kind"], info["records"]), ("spectral time history", 7)
+    )
+    done = run(f"aqdata check '{samples}/good/third-octaves-by-scan.dat'", folder)
+    expect_in("marks", done.stdout.decode(), "analyzer-mark")
+
+
 def check_field_data(folder):
     data = os.environ.get("AQ_FIELD_DATA")
     if data is None:
@@ -497,6 +513,7 @@ with tempfile.TemporaryDirectory() as name:
         check_completion,
         check_widths,
         check_documents,
+        check_recordings,
         check_field_data,
     ):
         check(place)

@@ -109,9 +109,9 @@ CLI::App* addCommand(CLI::App& program, Session& session, const char* name, cons
 }
 
 void addCommands(CLI::App& program, Session& session) {
-  for (const auto add :
-       {addInfo, addCheck, addShow, addConvert, addTrack, addLgb, addMask, addStamp, addMetrics,
-        addExplain, addGeometry, addDiff, addCat, addHead, addCompletion, addHelp, addManual}) {
+  for (const auto add : {addInfo, addCheck, addShow, addConvert, addTrack, addLgb, addMask,
+                         addStamp, addMetrics, addExplain, addGeometry, addDiff, addAnalyzer,
+                         addCat, addHead, addCompletion, addHelp, addManual}) {
     add(program, session);
     addOutputOptions(*program.get_subcommands({}).back(), session);
   }

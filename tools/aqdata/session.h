@@ -112,6 +112,7 @@ using Check = std::function<std::string(const std::string&)>;
 [[nodiscard]] Check wholeNumber(std::int32_t lowest, std::int32_t highest);
 
 // The commands, one a file in commands/.
+void addAnalyzer(CLI::App& program, Session& session);
 void addCat(CLI::App& program, Session& session);
 void addCheck(CLI::App& program, Session& session);
 void addCompletion(CLI::App& program, Session& session);

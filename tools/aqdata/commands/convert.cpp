@@ -25,8 +25,11 @@ struct Form {
   std::string name;
   std::string_view ending;  // of the names of such files
 };
-const Form kForms[] = {
-    {"positions", ".pth.csv"}, {"spectrum", ".ssr.csv"}, {"json", ".json"}, {"table", ".csv"}};
+const Form kForms[] = {{"positions", ".pth.csv"},
+                       {"spectrum", ".ssr.csv"},
+                       {"history", ".sth.csv"},
+                       {"json", ".json"},
+                       {"table", ".csv"}};
 
 /// The form that was asked for, or that the output's name asks for.
 std::string formOf(const Session& session, const ConvertChoice& choice) {
@@ -100,11 +103,19 @@ void putSpectrum(const Session& session, const ConvertChoice& choice, const Meas
   writeOutput<aq::AQ_DataSSR>(session, header, *spectrum);
 }
 
+void putHistory(const Session& session, const ConvertChoice& choice, const Measurement& read) {
+  const auto* const history = std::get_if<History>(&read.data);
+  if (history == nullptr) throw Failure("a history is made of a history or a recording alone");
+  if (choice.record) throw Failure("a history is that of all records");
+  writeOutput<aq::AQ_DataSTH>(session, history->header, *history->model);
+}
+
 void convert(Session& session, const ConvertChoice& choice) {
   const std::string form = formOf(session, choice);
-  if (session.output.empty() && (form == "positions" || form == "spectrum"))
-    throw Failure(
-        fmt::format("{} go to a file: -o says which", form == "spectrum" ? "spectra" : form));
+  if (session.output.empty() && form != "json" && form != "table")
+    throw Failure(fmt::format("{} go to a file: -o says which", form == "spectrum"  ? "spectra"
+                                                                : form == "history" ? "histories"
+                                                                                    : form));
   if (form == "positions") {
     if (choice.record) throw Failure("positions are those of all fixes");
     return writePositions(session, openTracking(choice.file, {}, choice.rt20), choice.file);
@@ -112,6 +123,8 @@ void convert(Session& session, const ConvertChoice& choice) {
   const Measurement read = openFile(choice.file, {}, choice.rt20);
   if (form == "spectrum") {
     putSpectrum(session, choice, read);
+  } else if (form == "history") {
+    putHistory(session, choice, read);
   } else {
     Sheet sheet = sheetOf(read);
     if (choice.record) sheet.keepRows({*choice.record, *choice.record}, choice.file);
@@ -156,7 +169,8 @@ void addConvert(CLI::App& program, Session& session) {
   CLI::App* const command =
       addCommand(program, session, "convert", "Write a file in another form",
                  "The name of OUT says the form: .json, .pth.csv (positions), .ssr.csv (one\n"
-                 "spectrum) or .csv, a table of one observation a line. With --to it may end in\n"
+                 "spectrum), .sth.csv (a history) or .csv, a table of one observation a line. With "
+                 "--to it may end in\n"
                  ".txt too. Without OUT, tables and JSON go to standard output.\n\n"
                  "Examples:\n"
                  "  aqdata convert fly-over.sth.csv -o levels.csv\n"
@@ -166,9 +180,10 @@ void addConvert(CLI::App& program, Session& session) {
   addFile(*command, choice->file, "FILE", "The file to convert");
   addOutputFile(*command, session, "The file to write", false);
   CLI::Option* const form =
-      command->add_option("--to", choice->to, "The form: table, json, positions or spectrum")
+      command
+          ->add_option("--to", choice->to, "The form: table, json, positions, spectrum or history")
           ->option_text("FORM");
-  addWords(session, *form, {"table", "json", "positions", "spectrum"});
+  addWords(session, *form, {"table", "json", "positions", "spectrum", "history"});
   command->add_option("--record", choice->record, "One record alone")
       ->check(wholeNumber(-32768, 32767), "")
       ->option_text("N");

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "aq/files/header_sth.h"
+#include "aq/sdf/recording.h"
+#include "aq/spectral/spectral_time_history.h"
+
+namespace aq {
+
+/// What a host chooses for the levels of a recording.
+struct RecordingSettings {
+  std::int16_t channel = 1;
+  double recordLength = 0.5;  ///< seconds, where scans have no time of their own
+  double calibration = 0;     ///< dB added to every level
+};
+
+/// The header of the history that a recording gives. Throws `ReadFailure`.
+[[nodiscard]] std::shared_ptr<AQ_HeaderSTH> headerOf(const sdf::Recording& recording,
+                                                     const std::string& file,
+                                                     const RecordingSettings& settings);
+
+/// The levels of one trace of a recording, a record a scan. Throws `ReadFailure`.
+[[nodiscard]] std::shared_ptr<AQ_SpectralTimeHistory> historyOf(const sdf::Recording& recording,
+                                                                const RecordingSettings& settings);
+
+}  // namespace aq

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "aq/core/export.h"
+
+namespace aq::sdf {
+
+/// A number that stands for one of several things, and its word in the instrument's own text.
+struct Code {
+  std::int16_t number;
+  std::string_view word;
+  std::string_view otherWord = {};
+};
+
+/// The codes of a field. What every word of it begins or ends with, as "_DATA", may be left out
+/// when it is read.
+struct Codes {
+  std::span<const Code> codes;
+  std::string_view affix;
+};
+
+/// What a number of no code, or a word of none, stands for.
+inline constexpr std::int16_t kUnknownCode = -99;
+
+/// The word for `number`; empty when there is none.
+[[nodiscard]] AQ_API std::string_view wordOf(const Codes& codes, std::int32_t number);
+
+/// The number of a word, in any case, with blanks or underscores between its parts;
+/// `kUnknownCode` when there is none.
+[[nodiscard]] std::int16_t numberOf(const Codes& codes, std::string_view word);
+
+/// How a field is stored. Numbers are big-endian; a text ends at its first NUL, if it has one.
+enum class Type : std::uint8_t { Short, Long, Float, Double, Byte, Text, Unit, Window };
+
+/// A field of a record.
+struct Field {
+  std::string_view name;
+  std::size_t first;  ///< its first byte in the record, counted from 1
+  Type type;
+  std::size_t count = 1;  ///< elements of an array, bytes of a text
+  const Codes* codes = nullptr;
+};
+
+/// Bytes of one element, of a text its only one.
+[[nodiscard]] constexpr std::size_t sizeOf(const Field& field) {
+  switch (field.type) {
+    case Type::Short: return 2;
+    case Type::Long:
+    case Type::Float: return 4;
+    case Type::Double: return 8;
+    case Type::Byte: return 1;
+    case Type::Unit: return 22;
+    case Type::Window: return 24;
+    default: return field.count;
+  }
+}
+
+/// Where a field ends in its record.
+[[nodiscard]] constexpr std::size_t endOf(const Field& field) {
+  const std::size_t elements = field.type == Type::Text ? 1 : field.count;
+  return field.first - 1 + elements * sizeOf(field);
+}
+
+}  // namespace aq::sdf

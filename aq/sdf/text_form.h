@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+// What the text of a recording looks like, for its writer and its reader.
+namespace aq::sdf::form {
+
+inline constexpr std::size_t kDots = 39;         // in the line above a record
+inline constexpr std::size_t kValueColumn = 30;  // where values begin, from 0
+
+// The fields of the values of a trace.
+inline constexpr std::string_view kData = "data";
+inline constexpr std::string_view kVector = "vector";
+inline constexpr std::string_view kScan = "scan";
+inline constexpr std::string_view kScanVariable = "scanVariable";
+inline constexpr std::string_view kPoints = "points";
+
+inline constexpr std::string_view kRecordType = "recordType";
+inline constexpr std::string_view kRecordSize = "recordSize";
+
+/// A text in double quotes, control characters and backslashes as in `\x0a`, so that it fits into a
+/// line.
+[[nodiscard]] std::string quoted(std::string_view text);
+
+/// The number that a text stands for, also one that is not finite. Throws as `doubleFrom`.
+[[nodiscard]] double storedFrom(std::string_view text);
+
+/// The text of a value that `quoted` gave, or that has no quotes.
+[[nodiscard]] std::string unquoted(std::string_view value);
+
+}  // namespace aq::sdf::form

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+#include "aq/core/export.h"
+#include "aq/sdf/recording.h"
+
+namespace aq::sdf {
+
+/// A recording as text: its records field by field, as the instrument itself prints them, then the
+/// values of each trace and scan as they are stored. `textRecording` reads it back to the same
+/// values.
+[[nodiscard]] AQ_API std::string textOf(const Recording& recording);
+
+/// Appends a value as it is written there: with the digits that its type needs.
+AQ_API void appendStored(std::string& text, double value, NumberType type);
+
+/// Appends the value of a field's element: a number, the word of a code, or a text in quotes.
+AQ_API void appendValue(std::string& text, const Record& record, const Field& field,
+                        std::size_t element);
+
+}  // namespace aq::sdf
