@@ -44,7 +44,7 @@ bool isBeside(const std::string& path, const std::string& name) {
   return std::filesystem::exists(std::filesystem::path(path).parent_path() / name, error);
 }
 
-constexpr std::string_view kFileName = "FileName";
+constexpr std::string_view kOwnName = "FileName";
 /// Keywords of files that another was made of.
 constexpr std::string_view kSources[] = {"GenerationFile", "TSPIFileName", "STHFileName",
                                          "PTHFileName", "MICFileName"};
@@ -123,7 +123,7 @@ void HeaderCheck::expectReferenceType() const {
 }
 
 void HeaderCheck::expectFiles(const std::string& path) const {
-  checkFileName(lineOf(kFileName), valueOf(kFileName), path, report_);
+  checkFileName(lineOf(kOwnName), valueOf(kOwnName), path, report_);
   for (const std::string_view keyword : kSources) {
     const std::string name = bareName(valueOf(keyword));
     if (name.empty() || isBeside(path, name)) continue;

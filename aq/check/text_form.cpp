@@ -8,7 +8,7 @@
 namespace aq {
 namespace {
 
-constexpr std::size_t kLookedAt = std::size_t{64} * 1024;
+constexpr std::size_t kHeadSize = std::size_t{64} * 1024;
 
 struct Packed {
   std::string_view begin;
@@ -39,7 +39,7 @@ bool hasBareReturn(std::string_view head) {
 
 std::string headOf(const std::string& path) {
   platform::InputFile file(path);
-  std::string head(kLookedAt, '\0');
+  std::string head(kHeadSize, '\0');
   std::size_t size = 0;
   while (const std::size_t got = file.read({head.data() + size, head.size() - size})) size += got;
   head.resize(size);
