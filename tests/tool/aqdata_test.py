@@ -314,7 +314,7 @@ ROWS = [  # command, status, in the output, in the messages
     ("completion fish", 0, "-x -l ref-type -a 'START OVERHEAD", ""),
     (f"metrics {STH} --mask {MAP}", 0, "EPNL ", ""),
     (f"metrics {STH} again.sth.csv", 0, "duration", ""),
-    (f"metrics deep --masks", 2, "", "er/two.mask.csv: no such file"),
+    (f"metrics deep --masks", 2, "", "er/two.mask.csv: expected a file that can be opened"),
     (f"metrics {STH} deep/one.csv --mask {MAP}", 2, "", "--mask is the map of one history"),
     (f"metrics --json {STH}", 0, '"event":{"EPNL":', ""),
     (f"metrics {STH} --masks -o made.csv; metrics -q {STH} -o made.csv", 2, "", "made.csv"),

@@ -321,7 +321,7 @@ void addMetrics(CLI::App& program, Session& session) {
   CLI::App* const command = addCommand(
       program, session, "metrics", "Compute noise metrics and events: levels, PNL, PNLT, EPNL",
       "One history gives a table of its records and the event in words, several a line\n"
-      "each; of a folder, its histories are taken. INTEG says which part a record plays.\n\n"
+      "each; of a folder, its histories are taken. INTEG is the part a record plays.\n\n"
       "Examples:\n"
       "  aqdata metrics fly-over.sth.csv --mask fly-over.mask.csv\n"
       "  aqdata metrics --masks -o events.csv .\n",
