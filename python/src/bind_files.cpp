@@ -40,7 +40,7 @@ template <class File>
 class BoundFile : public Bound<File> {
  public:
   explicit BoundFile(const py::module_& module) : Bound<File>(module) {
-    describe::forMembers<File>([this](const auto& member) { call(member); });
+    describe::forMembers<File>([this](const auto& member) { this->call(member); });
     this->def(
         "fileInformation",
         [](File& self, std::shared_ptr<FileInformation> information) {
