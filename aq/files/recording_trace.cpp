@@ -106,9 +106,9 @@ std::size_t rowOf(const TraceSet& set, std::int16_t channel) {
 bool isOctaves(const TraceSet& set) { return set.header.integer(kData["domain"]) == kOctave; }
 
 std::size_t validPoints(const Recording& recording, const TraceSet& set, std::size_t points) {
-  constexpr int kLongs = 3;
+  constexpr int kSinceLongs = 3;
   const std::int64_t last = recording.records().integer(set.header, kData["last_valid_index"],
-                                                        kLongs, kData["last_valid_indexOld"]);
+                                                        kSinceLongs, kData["last_valid_indexOld"]);
   return std::min(points, static_cast<std::size_t>(std::max<std::int64_t>(last + 1, 0)));
 }
 
