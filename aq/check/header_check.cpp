@@ -15,8 +15,6 @@
 namespace aq {
 namespace {
 
-constexpr std::string_view kMark = "**";
-
 /// What stands in the columns; nothing for bands that have no label.
 std::string expectedLabels(std::int16_t low, std::int16_t high, std::string_view behind) {
   try {
@@ -160,7 +158,7 @@ void HeaderCheck::see(const HeaderLine& line) {
   reference_.see(line);
   if (line.use == HeaderLine::Use::Headings) headings_ = line.text;
   std::vector<std::string_view> pieces;
-  split(line.text, kMark, pieces);
+  split(line.text, kKeywordMark, pieces);
   if (line.use == HeaderLine::Use::Keyword) {
     entries_.emplace(line.keyword, Entry{line.number, std::string(line.value)});
     seeKeyword(line, trimmed(pieces.front()));

@@ -102,16 +102,10 @@ void readDateTime(FieldReader& fields, AQ_Time& time) {
 /// lines without one are passed over.
 void readLine(LineReader& lines, const HeaderObserver& watch, AQ_DataINI& parameters) {
   FieldReader fields(lines);
-  const std::string_view first = fields.text("a keyword");
-  const std::size_t mark = first.find("**");
-  const std::string_view key =
-      mark == first.npos ? std::string_view() : keywordOf(upperCased(first.substr(0, mark)));
+  const std::string_view key = keywordOf(upperCased(keywordIn(fields.text("a keyword"))));
   const auto use = key.empty() ? HeaderLine::Use::Unused : HeaderLine::Use::Keyword;
-  const std::string_view line = lines.line();
-  const std::size_t comma = line.find(',');
-  const std::string_view value = comma == line.npos ? std::string_view() : line.substr(comma + 1);
   const std::size_t read = key == kFileDateTime ? 2 : 1;
-  showLine(watch, {lines.number(), use, key, line, value, read});
+  showLine(watch, {lines.number(), use, key, lines.line(), fields.rest(), read});
   if (key == kFileName) parameters.FileName(std::string(fields.text("a file name")));
   if (key == kFileDateTime) readDateTime(fields, *parameters.FileDate());
   if (key == kComments) {

@@ -36,6 +36,11 @@ std::string_view cleanField(std::string_view text, std::string& scratch) {
   return trimmed(text);
 }
 
+std::string_view keywordIn(std::string_view field) {
+  const std::size_t mark = field.find(kKeywordMark);
+  return mark == field.npos ? std::string_view() : field.substr(0, mark);
+}
+
 void split(std::string_view text, std::string_view delimiter,
            std::vector<std::string_view>& pieces) {
   for (;;) {

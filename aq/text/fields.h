@@ -36,6 +36,12 @@ AQ_API void takeLine(LineReader& lines, const char* what, std::string_view keywo
 /// `scratch` holds the result when there are quotes.
 [[nodiscard]] AQ_API std::string_view cleanField(std::string_view text, std::string& scratch);
 
+/// What separates the keyword of a header line from its value.
+inline constexpr std::string_view kKeywordMark = "**";
+
+/// What comes before the mark in a header line's first field; empty when there is no mark.
+[[nodiscard]] AQ_API std::string_view keywordIn(std::string_view field);
+
 /// Appends to `pieces` the parts of `text` between its delimiters: n of them give n + 1 parts. An
 /// empty delimiter divides nothing.
 AQ_API void split(std::string_view text, std::string_view delimiter,
@@ -77,6 +83,9 @@ class AQ_API FieldReader {
     done_ = taken.last;
     return taken.count;
   }
+
+  /// What of the line is still to be taken.
+  [[nodiscard]] std::string_view rest() const { return done_ ? std::string_view() : rest_; }
 
   /// How many fields the rest of the line may have at the most.
   [[nodiscard]] std::size_t mostLeft() const { return done_ ? 0 : rest_.size() + 1; }

@@ -9,7 +9,6 @@
 namespace aq {
 namespace {
 
-constexpr std::string_view kMark = "**";
 constexpr std::string_view kFileType = "FileType";
 
 std::string fileTypeWords(std::string_view fileType) {
@@ -135,7 +134,7 @@ void HeaderReader::takeValue(std::string_view keyword, std::size_t fields) {
 /// comma in front. False when there is no "**".
 bool HeaderReader::findValue() {
   value_ = {};
-  const auto behindMark = piece(trimmed(lines_.line()), kMark, 2);
+  const auto behindMark = piece(trimmed(lines_.line()), kKeywordMark, 2);
   if (!behindMark) return false;
   value_ = cleanField(*behindMark, scratch_);
   if (!value_.empty()) value_.remove_prefix(1);
@@ -162,7 +161,7 @@ void HeaderReader::show(HeaderLine::Use use, std::string_view keyword, std::size
 
 std::string HeaderReader::beforeMark() {
   const std::string_view line = trimmed(lines_.line());
-  return std::string(cleanField(line.substr(0, line.find(kMark)), scratch_));
+  return std::string(cleanField(line.substr(0, line.find(kKeywordMark)), scratch_));
 }
 
 }  // namespace aq
