@@ -45,7 +45,7 @@ constexpr FindingKind kKinds[] = {
     {"level-range", kWarning, "a level is outside -20 to 200 dB"},
     {"mask-letters", kWarning, "a mask has letters that stand for nothing"},
     {"last-good-band", kWarning, "a last good band is not the one that the masks give"},
-    {"analyzer-mark", kWarning, "the analyzer marked its data: weighted, overloaded, not valid"},
+    {"analyzer-mark", kWarning, "the data is weighted, overloaded or not valid"},
     {"cut-short", kWarning, "the file ends within its last line, or seems to"},
     {"same-levels", kWarning, "another file of the archive has the same levels"},
     {"quotes", kNote, "a spreadsheet's quotes stand around header lines"},

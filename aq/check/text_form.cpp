@@ -53,7 +53,8 @@ std::optional<TextFault> faultOfBytes(std::string_view head) {
     }
   }
   const bool mark = head.starts_with("\xFF\xFE") || head.starts_with("\xFE\xFF");
-  const bool zero = head.size() > 1 && (head[0] == '\0') != (head[1] == '\0');
+  const bool isRecording = head.starts_with(std::string_view("B\0", 2));
+  const bool zero = !isRecording && head.size() > 1 && (head[0] == '\0') != (head[1] == '\0');
   if (!mark && !zero) return std::nullopt;
   return TextFault{Kind::WideText,
                    "the text is UTF-16; iconv -f UTF-16 -t UTF-8 makes plain text of it"};

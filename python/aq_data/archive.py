@@ -90,7 +90,7 @@ def _walked(path: str, seen: set[str]) -> Iterator[str]:
 # Warnings of the header, of times or of headings: the levels are those that were written.
 _LEVELS_HOLD = frozenset(
     ("keyword", "unknown-keyword", "lost-text", "other-word", "heading")
-    + ("time-step", "time-order", "relative-time")
+    + ("time-step", "time-order", "relative-time", "start-time", "file-name")
 )
 
 

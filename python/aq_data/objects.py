@@ -14,7 +14,7 @@ import xarray as xr
 
 from . import _core
 from .attributes import attach, variable
-from .errors import Error
+from .errors import Error, MismatchError
 from .labelled import check_unit
 from .times import DAY, going_on
 
@@ -272,7 +272,10 @@ def _html(self: Any) -> str:
     if not is_table:
         rows = {name: str(value) for name, value in _fields(self).items()}
         return str(pd.Series(rows, dtype=object).to_frame(type(self).__name__).to_html())
-    table = self.to_pandas()
+    try:
+        table = self.to_pandas()
+    except MismatchError:  # a level that is no number has no place in a table
+        return f"<table><tr><td>{html.escape(repr(self))}</td></tr></table>"
     frame = table.to_frame() if isinstance(table, pd.Series) else table
     return f"<p>{html.escape(repr(self))}</p>" + str(frame.to_html(max_rows=10, max_cols=12))
 

@@ -35,7 +35,8 @@ void readModestly(const test::FormatCalls& format, const std::string& content) {
   const std::string begin = content.substr(0, 2000);
   EXPECT_LT(memoryOf([&] { outcome = format.read(path); }), 4 * content.size() + kBlock) << begin;
   EXPECT_TRUE(outcome.sound) << begin;
-  if (outcome.failure) {
+  const bool hasLines = format.code != "HP3565";  // a recording has none
+  if (outcome.failure && hasLines) {
     EXPECT_GT(outcome.failure->line, 0U) << begin;
   }
 }

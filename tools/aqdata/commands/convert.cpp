@@ -169,9 +169,9 @@ void addConvert(CLI::App& program, Session& session) {
   CLI::App* const command =
       addCommand(program, session, "convert", "Write a file in another form",
                  "The name of OUT says the form: .json, .pth.csv (positions), .ssr.csv (one\n"
-                 "spectrum), .sth.csv (a history) or .csv, a table of one observation a line. With "
-                 "--to it may end in\n"
-                 ".txt too. Without OUT, tables and JSON go to standard output.\n\n"
+                 "spectrum), .sth.csv (a history) or .csv, a table of one observation a line.\n"
+                 "With --to it may end in .txt too. Without OUT, tables and JSON go to standard\n"
+                 "output.\n\n"
                  "Examples:\n"
                  "  aqdata convert fly-over.sth.csv -o levels.csv\n"
                  "  aqdata convert fly-over.sth.csv --record 30 -o overhead.ssr.csv\n"

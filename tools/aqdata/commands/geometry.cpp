@@ -122,8 +122,8 @@ void addGeometry(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<GeometryChoice>();
   CLI::App* const command = addCommand(
       program, session, "geometry", "Find where the source was when it emitted each record",
-      "Coordinates are in metres. Positions are flown straight from one to the next; the\n"
-      "sound of every record has to be emitted between them.\n\n"
+      "Coordinates are in metres. Positions are flown straight from one to the next;\n"
+      "the sound of every record has to be emitted between them.\n\n"
       "Examples:\n"
       "  aqdata geometry fly-over.sth.csv fly-over.tspi.csv fly-over.mic.csv \\\n"
       "    --celsius 20 --records 10:50 -o made.gth.csv\n",

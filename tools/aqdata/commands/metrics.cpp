@@ -318,14 +318,14 @@ void metrics(Session& session, const MetricsChoice& choice) {
 
 void addMetrics(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<MetricsChoice>();
-  CLI::App* const command = addCommand(
-      program, session, "metrics", "Compute noise metrics and events: levels, PNL, PNLT, EPNL",
-      "One history gives a table of its records and the event in words, several a line\n"
-      "each; of a folder, its histories are taken. INTEG is the part a record plays.\n\n"
-      "Examples:\n"
-      "  aqdata metrics fly-over.sth.csv --mask fly-over.mask.csv\n"
-      "  aqdata metrics --masks -o events.csv .\n",
-      [&session, choice] { metrics(session, *choice); });
+  CLI::App* const command =
+      addCommand(program, session, "metrics", "Compute noise metrics and the event: PNLT, EPNL",
+                 "One history gives a table of its records and the event in words, several a line\n"
+                 "each; of a folder, its histories are taken. INTEG is the part a record plays.\n\n"
+                 "Examples:\n"
+                 "  aqdata metrics fly-over.sth.csv --mask fly-over.mask.csv\n"
+                 "  aqdata metrics --masks -o events.csv .\n",
+                 [&session, choice] { metrics(session, *choice); });
   addFiles(*command, session);
   command->add_option("--mask", choice->map, "The masking map of the history")->option_text("MAP");
   command->add_flag("--masks", choice->maps, "Maps beside the histories: x.mask.csv of x.sth.csv");
