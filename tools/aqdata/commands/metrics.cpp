@@ -324,7 +324,7 @@ void addMetrics(CLI::App& program, Session& session) {
                  "each; of a folder, its histories are taken. INTEG is the part a record plays.\n\n"
                  "Examples:\n"
                  "  aqdata metrics fly-over.sth.csv --mask fly-over.mask.csv\n"
-                 "  aqdata metrics --masks -o events.csv .\n",
+                 "  aqdata metrics fly-over.sth.csv --masks -o metrics.csv\n",
                  [&session, choice] { metrics(session, *choice); });
   addFiles(*command, session);
   command->add_option("--mask", choice->map, "The masking map of the history")->option_text("MAP");
