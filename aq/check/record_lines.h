@@ -81,7 +81,8 @@ std::set<std::int32_t> checkTimeSteps(const RecordLines& records, const TimeOf& 
     const Seen here{record, timeOf(record)};
     const auto expectedAfter = [&](const Seen& seen) { return (record - seen.record) * 0.5; };
     const auto follows = [&](const std::optional<Seen>& seen) {
-      const double off = seen ? here.time - seen->time - expectedAfter(*seen) : kSecondsPerDay / 2;
+      const double off =
+          seen ? here.time - seen->time - expectedAfter(*seen) : kSecondsPerDay / 2.0;
       return std::abs(std::remainder(off, kSecondsPerDay)) <= kTolerance;
     };
     if (!good || follows(good) || follows(odd)) {

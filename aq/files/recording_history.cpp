@@ -44,7 +44,8 @@ AQ_Time startOf(const Record& file) {
   }
   AQ_Time start;
   start.CurrentDate(dateFrom(year, month, day));
-  start.assignSeconds((clock / kHundred * kMinutes + clock % kHundred) * kMinutes, 0);
+  const auto minutes = clock / kHundred * kMinutes + clock % kHundred;
+  start.assignSeconds(minutes * kMinutes, 0);
   return start;
 }
 

@@ -34,7 +34,8 @@ class PowersOfLevels {
   }
 
   [[nodiscard]] double of(LevelCode code) const {
-    const auto at = static_cast<std::size_t>(code + kZero);
+    const int place = code + kZero;
+    const auto at = static_cast<std::size_t>(place);
     return high_[at / kLows] * low_[at % kLows];
   }
 

@@ -122,7 +122,7 @@ void Recording::readScans() {
       record.fail("a last_scan_index below " + std::to_string(scans_.kept),
                   std::to_string(lastScan));
     }
-    scans_.valid = static_cast<std::size_t>(lastScan + 1);
+    scans_.valid = static_cast<std::size_t>(lastScan) + 1;
     const std::int32_t code = record.integer(order);
     if (code != 0 && code != 1) record.fail("a scan_type of 0 or 1", std::to_string(code));
     scans_.byData = code == 0;

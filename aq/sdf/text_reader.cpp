@@ -70,10 +70,8 @@ class TextReader {
   void read() {
     while (lines_.next()) {
       const std::string_view line = trimmed(lines_.line());
-      if (line.empty()) continue;
-      if (isSeparator(line)) {
-        continue;
-      } else if (line.starts_with("SDF_")) {
+      if (line.empty() || isSeparator(line)) continue;
+      if (line.starts_with("SDF_")) {
         begin(line);
       } else if (numbersOf(line, numbers_)) {
         addNumbers();

@@ -30,7 +30,7 @@ _Value = Union[None, bool, float, str]
 WORDS = {
     r"aq_data\._core\.": "",
     r"numpy\.ndarray\[numpy\.(\w+)\]": r"npt.NDArray[np.\1]",
-    r"numpy\.ndarray": "npt.NDArray[Any]",
+    r"numpy\.ndarray(?:\[[^\]]*\])?": "npt.NDArray[Any]",
     r"\b(Path|Value)\b": r"_\1",
     r"\bobject\b": "Any",
     r"\bhandle\b": "Any",

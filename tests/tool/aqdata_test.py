@@ -317,7 +317,7 @@ ROWS = [  # command, status, in the output, in the messages
     (f"metrics deep --masks", 2, "", "er/two.mask.csv: expected a file that can be opened"),
     (f"metrics {STH} deep/one.csv --mask {MAP}", 2, "", "--mask is the map of one history"),
     (f"metrics --json {STH}", 0, '"event":{"EPNL":', ""),
-    (f"metrics {STH} --masks -o made.csv; aqdata metrics -q {STH} -o made.csv", 2, "", "made.csv"),
+    (f"aqdata metrics {STH} --masks -o made.csv; metrics -q {STH} -o made.csv", 2, "", "made.csv"),
     (f"metrics fly-over.mic.csv", 2, "", "expected a spectral time history"),
     ("metrics invalid.sth.csv", 0, "bands count", ""),
     (f"explain {STH} --record 30", 0, "Record 30 has ", ""),
