@@ -210,6 +210,7 @@ class CsvLines {
  public:
   void add(const std::vector<std::string>& fields) {
     std::vector<std::string> quoted;
+    quoted.reserve(fields.size());
     for (const std::string& field : fields) quoted.push_back(csvField(field));
     lines_.push_back(fmt::format("{}", fmt::join(quoted, ",")));
   }
