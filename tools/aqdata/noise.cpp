@@ -67,9 +67,9 @@ const aq::AQ_MaskRow* rowOf(const aq::AQ_MaskMap* map, std::int16_t record) {
 }
 
 std::string toneText(const aq::ToneCorrection& tone) {
-  const std::string text = tone.band == 0 ? "no tone"
-                                          : fmt::format("tone correction of {:.2f} dB for band {}",
-                                                        tone.correction, bandText(tone.band));
+  std::string text = tone.band == 0 ? "no tone"
+                                    : fmt::format("tone correction of {:.2f} dB for band {}",
+                                                  tone.correction, bandText(tone.band));
   if (tone.lastBand == 40) return text;
   return tone.rows.empty() ? fmt::format("{}, as band 19 (80 Hz) does not count", text)
                            : fmt::format("{}, of bands up to {}", text, bandText(tone.lastBand));

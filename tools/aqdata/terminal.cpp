@@ -1,13 +1,13 @@
 #include "tools/aqdata/terminal.h"
 
 #include <glob.h>
-#include <locale.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
-#include <wchar.h>
 
+#include <clocale>
 #include <csignal>
 #include <cstdlib>
+#include <cwchar>
 #include <filesystem>
 
 namespace aqdata::terminal {
