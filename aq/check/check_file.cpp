@@ -1,6 +1,7 @@
 #include "aq/check/check_file.h"
 
 #include <filesystem>
+#include <utility>
 
 #include "aq/check/checks.h"
 #include "aq/check/header_check.h"
@@ -34,7 +35,7 @@ void checkAs(FileKind kind, const std::string& path, const Reporter& report) {
 /// checks a file of the kind that it is given.
 template <class CheckData>
 void checkText(const std::string& path, Reporter& report, const CheckData& checkData) {
-  const std::string head = headOf(path);
+  std::string head = headOf(path);
   const FileKind kind = kindOfFile(path);
   const auto fault =
       kind == FileKind::Unknown && !faultOfBytes(head) ? faultOfLines(head) : faultOfBytes(head);
@@ -44,7 +45,7 @@ void checkText(const std::string& path, Reporter& report, const CheckData& check
         Kind::ByteOrderMark, {.line = 1},
         "a byte order mark stands before the first line; save the file as plain text without it");
   }
-  report.fileBegins(head);
+  report.fileBegins(std::move(head));
   checkData(kind);
   report.fileBegins({});
 }

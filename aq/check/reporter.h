@@ -68,7 +68,7 @@ class Reporter {
   }
 
   /// `head` is how the file begins, where the cause of a failure may show.
-  void fileBegins(std::string_view head) { head_ = head; }
+  void fileBegins(std::string head) { head_ = std::move(head); }
   void unreadable(const FileFailure& failure) const;
 
   /// Keeps a digest of the levels of a history, for a comparison with others.
@@ -81,7 +81,7 @@ class Reporter {
 
  private:
   const FindingSink& sink_;
-  std::string_view head_;
+  std::string head_;
   // Checks see a reporter that they cannot change.
   mutable std::vector<Finding> findings_;
   mutable std::optional<std::uint64_t> levels_;
