@@ -19,9 +19,9 @@ from dask.diagnostics import ProgressBar
 
 from . import _core
 from .errors import Error, FileError
-from .files import Path, read
+from .files import read
 from .noise import metric_findings
-from .reading import Reading
+from .reading import Path, Reading
 
 Item = TypeVar("Item")
 Result = TypeVar("Result")

@@ -127,7 +127,8 @@ def explain(
 
     >>> aq_data.explain(history, 30, mask)[["level", "background", "correction"]]
     """
-    spectrum, row = history, None
+    spectrum: Any = history
+    row: Any = None
     if not isinstance(history, _core.AQ_Spectrum):
         if record is None:
             raise TypeError("expected the number of a record to explain")
@@ -204,7 +205,7 @@ def emission_geometry(
     """
     expect(positions, _core.AQ_PositionTimeHistory)
     own, _ = _pair(history, None)
-    place = microphone
+    place: Any = microphone
     if isinstance(microphone, _core.AQ_Microphone):
         place = _core.AQ_Position()
         place.X, place.Y = microphone.X, microphone.Y
@@ -241,8 +242,10 @@ class _Measured(NamedTuple):
         history.times = {"TODseconds": self.numbers[part, 0][order]}
         if self.modes is None:
             return history, None
-        decisions = [self._wide(each[part], NO_DECISION) for each in (self.modes, self.adjustments)]
-        return history, _core.AQ_MaskMap.from_numpy(*decisions, low, records)
+        modes, adjustments = (
+            self._wide(each[part], NO_DECISION) for each in (self.modes, self.adjustments)
+        )
+        return history, _core.AQ_MaskMap.from_numpy(modes, adjustments, low, records)
 
     def _wide(self, values: Any, empty: Any) -> Any:
         """Columns for every band from the lowest to the highest."""
@@ -255,7 +258,7 @@ class _Measured(NamedTuple):
 
 def _block_metrics(*arrays: Any, bands: Any) -> Any:
     """The ten metrics of each record of a block of whole files."""
-    block = _Measured(*_filled(arrays), bands)
+    block = _Measured._make([*_filled(arrays), bands])
     values = np.full((len(block.numbers), len(NAMES)), np.nan)
     for part, history, mask in block.by_file():
         order = np.argsort(block.numbers[part, 1], kind="stable")
@@ -265,7 +268,7 @@ def _block_metrics(*arrays: Any, bands: Any) -> Any:
 
 def _block_events(*arrays: Any, bands: Any) -> list[dict[str, Any]]:
     """The event of each file of a block of whole files."""
-    block = _Measured(*_filled(arrays), bands)
+    block = _Measured._make([*_filled(arrays), bands])
     rows = []
     for part, history, mask in block.by_file():
         numbers, _, event = _core.historyMetrics(history, mask)

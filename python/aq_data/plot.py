@@ -154,7 +154,7 @@ def _draw_event(ax: Axes, seconds: Any, ds: xr.Dataset) -> list[Any]:
     """PNLT, the level 10 dB down, the records that are summed and the EPNL; gives the lines."""
     pnlt = np.where(ds["PNLT"].values > 0, ds["PNLT"].values, np.nan)
     lines = ax.plot(seconds, pnlt, color=TONE, lw=1, label="PNLT (TPNdB)", **ALONE)
-    steps = np.diff(ds["time"].values)
+    steps: Any = np.diff(ds["time"].values)
     steps = np.append(steps, steps[-1:]) if steps.size and (steps > 0).all() else 0.5
     event = epnl(pnlt, steps)
     ends = [0 if event.first is None else event.first]

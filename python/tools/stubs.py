@@ -57,7 +57,8 @@ def typed(text: str) -> str:
 def signatures(function: Any) -> list[tuple[str, str]]:
     """Parameters and result of each overload."""
     if inspect.isfunction(function):
-        signature = str(inspect.signature(function)).replace("'", "")
+        signature = re.sub(r"= '([^']*)'", r'= "\1"', str(inspect.signature(function)))
+        signature = signature.replace("'", "")
         parameters, _, result = typed(signature).rpartition(" -> ")
         return [(parameters.replace("(self: Any", "(self"), result)]
     found = re.findall(r"^(?:\d+\. )?\w*(\(.*\)) -> (.*)$", function.__doc__ or "", re.MULTILINE)
