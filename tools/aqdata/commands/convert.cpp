@@ -41,7 +41,7 @@ std::string formOf(const Session& session, const ConvertChoice& choice) {
     }
     if (choice.to.empty() || choice.to == form.name) endings.push_back(form.ending);
   }
-  if (!choice.to.empty()) endings.push_back(".txt");
+  if (!choice.to.empty()) endings.emplace_back(".txt");
   expectOutput(session, endings, {choice.file});
   return choice.to.empty() ? named : choice.to;
 }
