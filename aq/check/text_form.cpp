@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "aq/core/platform.h"
+#include "aq/text/fields.h"
 #include "aq/text/number_text.h"
 
 namespace aq {
@@ -66,13 +67,13 @@ std::optional<TextFault> faultOfLines(std::string_view head) {
                      "lines end in carriage returns, as on old systems; tr '\\r' '\\n' mends it"};
   }
   const std::string_view first = trimmed(head.substr(0, head.find_first_of("\r\n")));
-  const std::size_t mark = first.find("**");
+  const std::size_t mark = first.find(kKeywordMark);
   if (mark == first.npos) return std::nullopt;
   if (first.ends_with(',')) {
     return TextFault{Kind::Spreadsheet,
                      "a spreadsheet has filled lines up with commas; sed 's/,*$//' takes them off"};
   }
-  const std::string_view after = first.substr(mark + 2);
+  const std::string_view after = first.substr(mark + kKeywordMark.size());
   if (!after.starts_with(';') && !after.starts_with('\t')) return std::nullopt;
   return TextFault{Kind::Spreadsheet,
                    "a spreadsheet has divided fields by semicolons or tabs; save it with commas, "
