@@ -28,18 +28,29 @@ constexpr double kHighest = 200;
 constexpr std::string_view kStartTime = "StartTime";
 constexpr std::size_t kBeforeLevels = 3;  // record number, time of day and relative time
 
-/// `place` is that of the level in front of the first.
-void checkLevels(const AQ_Spectrum& spectrum, FindingPlace place, const Reporter& report) {
-  std::int16_t band = spectrum.LowBand();
-  for (const double level : spectrum.plainLevels()) {
-    ++place.field;
-    place.band = band++;
-    if (level == double{AQ_INVALID_LEVEL}) {
-      report(Kind::LevelInvalid, place, "9999, no valid level");
-    } else if (level < kLowest || level > kHighest) {
-      report(Kind::LevelRange, place, numberText(level) + " dB is outside -20 to 200 dB");
-    }
+void checkLevel(double level, const FindingPlace& place, const Reporter& report) {
+  if (level == double{AQ_INVALID_LEVEL}) {
+    report(Kind::LevelInvalid, place, "9999, no valid level");
+  } else if (level < kLowest || level > kHighest) {
+    report(Kind::LevelRange, place, numberText(level) + " dB is outside -20 to 200 dB");
   }
+}
+
+/// `place` is that of the level of `low`.
+void checkLevels(const AQ_Spectrum& spectrum, std::int16_t low, FindingPlace place,
+                 const Reporter& report) {
+  const std::size_t first = place.field;
+  for (const auto& [band, level] : spectrum) {
+    place.field = first + static_cast<std::size_t>(band - low);
+    place.band = band;
+    checkLevel(level.toDouble(), place, report);
+  }
+}
+
+std::vector<double> levelsOf(const AQ_Spectrum& spectrum) {
+  std::vector<double> levels;
+  for (const auto& [band, level] : spectrum) levels.push_back(level.toDouble());
+  return levels;
 }
 
 void checkRange(const HeaderCheck& header, const RecordLines& records, const Reporter& report) {
@@ -53,7 +64,8 @@ void checkRange(const HeaderCheck& header, const RecordLines& records, const Rep
 }
 
 /// One finding a file: a wrong reference time makes every relative time wrong.
-void checkRelativeTimes(const RecordLines& records, AQ_SpectralTimeHistory& history,
+template <class Records>
+void checkRelativeTimes(const Records& records, AQ_SpectralTimeHistory& history,
                         const std::set<std::int32_t>& offInTime, const Reporter& report) {
   constexpr double kTolerance = 0.0201;  // hundredths of the time of day, and single precision
   const double reference = history.ReferenceTime()->TODseconds();
@@ -168,22 +180,63 @@ class Digest {
   bool valid_ = false;
 };
 
-void checkAllLevels(const RecordLines& records, const AQ_SpectralTimeHistory& history,
+/// The first level column is that of `low`.
+template <class Records>
+void checkAllLevels(const Records& records, const AQ_SpectralTimeHistory& history, std::int16_t low,
                     const Reporter& report) {
   StuckRecords stuck(report);
-  Digest digest;
   records.forEach([&](std::int16_t record, std::size_t line) {
-    const auto spectrum = history.spectrum(record);
-    checkLevels(*spectrum, {.line = line, .field = kBeforeLevels, .record = record}, report);
-    std::vector<double> levels = spectrum->plainLevels();
-    digest.see(levels);
-    stuck.see(record, line, std::move(levels));
+    const AQ_Spectrum& spectrum = *history.spectrum(record);
+    checkLevels(spectrum, low, {.line = line, .field = kBeforeLevels + 1, .record = record},
+                report);
+    stuck.see(record, line, levelsOf(spectrum));
   });
   stuck.finish();
+}
+
+void digestLevels(const RecordLines& records, const AQ_SpectralTimeHistory& history,
+                  const Reporter& report) {
+  Digest digest;
+  records.forEach([&](std::int16_t record, std::size_t /*line*/) {
+    digest.see(levelsOf(*history.spectrum(record)));
+  });
   digest.report(report);
 }
 
+/// The records of fixed columns: their reader expects all, in order.
+struct FixedRecords {
+  std::int16_t first;
+  std::int16_t last;
+  std::size_t firstLine;
+
+  template <class Visit>
+  void forEach(const Visit& visit) const {
+    for (std::int32_t record = first; record <= last; ++record) {
+      visit(static_cast<std::int16_t>(record),
+            firstLine + static_cast<std::size_t>(record - first));
+    }
+  }
+};
+
 }  // namespace
+
+void check(FileOf<AQ_DataSPC> of, const Reporter& report) {
+  AQ_DataSPC file;
+  std::size_t headings = 0;
+  file.observeHeader([&](const HeaderLine& line) { headings = line.number; });
+  Content<AQ_HeaderSTH, AQ_SpectralTimeHistory> read;
+  if (readContent(file, of.path, read) != AQ_DATA_OK) {
+    return report.unreadable(*file.lastFailure());
+  }
+  AQ_SpectralTimeHistory& history = *read.model;
+  const FixedRecords records{file.NumberFirstRecord(), file.NumberLastRecord(), headings + 1};
+  const auto offInTime = checkTimeSteps(
+      records,
+      [&](std::int16_t record) { return history.spectrum(record)->timeValue().TODseconds(); },
+      report, file.RecordLength());
+  checkRelativeTimes(records, history, offInTime, report);
+  checkAllLevels(records, history, file.BandLow(), report);
+}
 
 void check(FileOf<AQ_DataSTH> file, const Reporter& report) {
   HeaderCheck header(report);
@@ -209,7 +262,8 @@ void check(FileOf<AQ_DataSTH> file, const Reporter& report) {
   const bool stamped =
       upperCased(header.valueOf(keywords::kTimeStampType)) == history.sTimeStampType();
   if (stamped) checkStartTime(header, records, history, report);
-  checkAllLevels(records, history, report);
+  checkAllLevels(records, history, low, report);
+  digestLevels(records, history, report);
 }
 
 void check(FileOf<AQ_DataSSR> file, const Reporter& report) {
@@ -223,7 +277,7 @@ void check(FileOf<AQ_DataSSR> file, const Reporter& report) {
   shapes.report(file.path, report);
   if (shapes.decimalCommas()) return;
   header.expectLabels(1, read.model->LowBand(), read.model->HighBand());
-  checkLevels(*read.model, {.line = levels}, report);
+  checkLevels(*read.model, read.model->LowBand(), {.line = levels, .field = 1}, report);
   checkNothingBehind(file.path, levels, report);
 }
 

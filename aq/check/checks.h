@@ -24,6 +24,7 @@ void check(FileOf<AQ_DataMIC> file, const Reporter& report);
 void check(FileOf<AQ_DataGTH> file, const Reporter& report);
 void check(FileOf<AQ_DataHP3565> file, const Reporter& report);
 void check(FileOf<AQ_DataINI> of, const Reporter& report);
+void check(FileOf<AQ_DataSPC> of, const Reporter& report);
 /// Gives the map, as far as it was read.
 Content<AQ_HeaderMask, AQ_MaskMap> check(FileOf<AQ_DataMask> file, const Reporter& report);
 

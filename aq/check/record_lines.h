@@ -63,12 +63,12 @@ inline std::string secondsText(double seconds) {
   return numberText(std::round(seconds * 1e3) / 1e3) + " s";
 }
 
-/// Reports records whose time of day, which `timeOf(record)` gives, is not half a second a record
-/// after that of a record before; gives them. One record off is told once, as is where all go on
-/// from another time.
-template <class TimeOf>
-std::set<std::int32_t> checkTimeSteps(const RecordLines& records, const TimeOf& timeOf,
-                                      const Reporter& report) {
+/// Reports records whose time of day, which `timeOf(record)` gives, is not `recordLength` seconds a
+/// record after that of a record before; gives them. One record off is told once, as is where all
+/// go on from another time.
+template <class Records, class TimeOf>
+std::set<std::int32_t> checkTimeSteps(const Records& records, const TimeOf& timeOf,
+                                      const Reporter& report, double recordLength = 0.5) {
   constexpr double kTolerance = 0.0101;  // a written time of day keeps hundredths
   struct Seen {
     std::int32_t record;
@@ -79,7 +79,9 @@ std::set<std::int32_t> checkTimeSteps(const RecordLines& records, const TimeOf& 
   std::set<std::int32_t> wrong;
   records.forEach([&](std::int16_t record, std::size_t line) {
     const Seen here{record, timeOf(record)};
-    const auto expectedAfter = [&](const Seen& seen) { return (record - seen.record) * 0.5; };
+    const auto expectedAfter = [&](const Seen& seen) {
+      return (record - seen.record) * recordLength;
+    };
     const auto follows = [&](const std::optional<Seen>& seen) {
       const double off =
           seen ? here.time - seen->time - expectedAfter(*seen) : kSecondsPerDay / 2.0;

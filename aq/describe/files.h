@@ -4,6 +4,7 @@
 #include "aq/files/data_ascii.h"
 #include "aq/files/data_hp3565.h"
 #include "aq/files/data_ini.h"
+#include "aq/files/data_spc.h"
 #include "aq/files/data_ssr.h"
 #include "aq/files/data_sth.h"
 #include "aq/files/file_kind.h"
@@ -170,6 +171,40 @@ struct Description<AQ_DataSSR> {
 };
 
 template <>
+struct Description<AQ_DataSPC> {
+  static constexpr char name[] = "AQ_DataSPC";
+  static constexpr int number = 80;
+  static constexpr char text[] = "Writes and reads fixed-column spectral time histories";
+  template <class To>
+  static void members(To& to) {
+    using F = AQ_DataSPC;
+    to.method("setHeader", &F::setHeader, "What the header of the next file says",
+              in("aqHeader", "The header; with none, the texts of a file are empty"))
+        .property("RecordLength", &F::RecordLength, &F::RecordLength,
+                  "From a record to the next, 0.5 at first; a read stores the file's",
+                  Quantity{"s", 0, 1000})
+        .property("NumberFirstRecord", &F::NumberFirstRecord, &F::NumberFirstRecord,
+                  "First record that is written; 0 is the history's own. A read stores the file's",
+                  kRecord)
+        .property("NumberLastRecord", &F::NumberLastRecord, &F::NumberLastRecord,
+                  "Last record that is written; 0 is the history's own. A read stores the file's",
+                  kRecord)
+        .property("BandLow", &F::BandLow, &F::BandLow,
+                  "Lowest band that is written; 0 is that of the records. A read stores the file's",
+                  Quantity{"band", 0, 50})
+        .property("BandHigh", &F::BandHigh, &F::BandHigh,
+                  "Highest band that is written; 0 is that of the records. A read stores the "
+                  "file's",
+                  Quantity{"band", 0, 50})
+        .method("writeFile", &F::writeFile, kWrites, kPath,
+                in("aqTimeHistory", "The history, of which the chosen part is written"))
+        .method("readFile", &F::readFile, kReads, kPath, kHeaderOut,
+                in("STH", "Gets a new history"))
+        .lastFailure();
+  }
+};
+
+template <>
 struct Description<AQ_DataASCII> {
   static constexpr char name[] = "AQ_DataASCII";
   static constexpr int number = 78;
@@ -277,7 +312,7 @@ struct Description<AQ_DataHP3565> {
 };
 
 inline constexpr List<AQ_DataSTH, AQ_DataMask, AQ_DataSSR, AQ_DataPTH, AQ_DataTSPI, AQ_DataMIC,
-                      AQ_DataGTH, AQ_DataINI, AQ_DataHP3565, AQ_DataASCII>
+                      AQ_DataGTH, AQ_DataINI, AQ_DataSPC, AQ_DataHP3565, AQ_DataASCII>
     kFileClasses;
 
 }  // namespace aq::describe

@@ -13,12 +13,14 @@ namespace {
 
 constexpr std::size_t kLookedAt = std::size_t{64} * 1024;
 
-/// The kind whose title it is; `Unknown` if none.
-FileKind kindOfTitle(std::string_view title) {
+/// The kind whose title or beginning it is; `Unknown` if none.
+FileKind kindOfFirstLine(std::string_view line, std::string_view title) {
   auto kind = FileKind::Unknown;
   forFormats([&]<class File, class Header, class Model>(const Format<File, Header, Model>& format) {
     if constexpr (requires { File::kTitle; }) {
       if (title == File::kTitle) kind = format.kind;
+    } else if constexpr (requires { File::kBeginning; }) {
+      if (line.starts_with(File::kBeginning)) kind = format.kind;
     }
   });
   return kind;
@@ -53,8 +55,9 @@ FileKind kindOfFile(const std::string& path) {
   try {
     LineReader lines(path, kLookedAt);
     HeaderReader header(lines);
-    const FileKind kind = kindOfTitle(header.anyTitle());
+    const std::string_view title = header.anyTitle();
     if (lines.line() == kRecordingLine) return FileKind::AnalyzerRecording;
+    const FileKind kind = kindOfFirstLine(lines.line(), title);
     return kind == FileKind::Unknown ? kindByShape(lines) : kind;
   } catch (const platform::SystemError&) {
     return FileKind::Unknown;

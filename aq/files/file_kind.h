@@ -21,9 +21,9 @@ enum class FileKind {
   AnalyzerRecording,
 };
 
-/// What a file is: by the title in its first line, or as a tracking file by the shape of the lines
-/// behind its header. Looks at no more than its first 64 KiB. A file that cannot be read is
-/// `Unknown`.
+/// What a file is: by the title in its first line or how that begins, or as a tracking file by the
+/// shape of the lines behind its header. Looks at no more than its first 64 KiB. A file that cannot
+/// be read is `Unknown`.
 [[nodiscard]] AQ_API FileKind kindOfFile(const std::string& path);
 
 }  // namespace aq

@@ -8,6 +8,7 @@
 
 #include "aq/files/data_hp3565.h"
 #include "aq/files/data_ini.h"
+#include "aq/files/data_spc.h"
 #include "aq/files/data_ssr.h"
 #include "aq/files/data_sth.h"
 #include "aq/files/file_kind.h"
@@ -38,7 +39,8 @@ struct Content<void, Model_> {
 };
 
 /// A kind of file: how it is named, the class that reads it and, with some, writes it, and what
-/// such a file holds. Files that name their type do so by `File::kTitle`.
+/// such a file holds. Files that name their type do so by
+/// `File::kTitle`; others may begin with `File::kBeginning`.
 template <class File_, class Header_, class Model_>
 struct Format {
   using File = File_;
@@ -73,6 +75,8 @@ inline constexpr std::tuple kFormats{
         FileKind::GeometricTimeHistory, "geometric time history", "geometry", ".gth.csv"},
     Format<AQ_DataINI, void, AQ_DataINI>{FileKind::VariableInitialization,
                                          "variable initialization", "parameters", ".ini.csv"},
+    Format<AQ_DataSPC, AQ_HeaderSTH, AQ_SpectralTimeHistory>{
+        FileKind::FixedColumnHistory, "fixed-column history", "columns", ".spc"},
     Format<AQ_DataHP3565, AQ_HeaderSTH, AQ_SpectralTimeHistory>{
         FileKind::AnalyzerRecording, "analyzer recording", "recording", ".dat"}};
 

@@ -37,6 +37,11 @@ template <class File, class... In>
 [[nodiscard]] AQ_DataMessage writeFrom(File& file, const std::string& path, In&... in) {
   if constexpr (requires { AQ_DataMessage(file.writeFile(path, in...)); }) {
     return file.writeFile(path, in...);
+  } else if constexpr (requires { &File::setHeader; }) {
+    return [&](auto& header, auto& model) {
+      file.setHeader(header);
+      return file.writeFile(path, model);
+    }(in...);
   } else {
     AQ_DataMessage result = AQ_DATA_FILE_ERROR;
     file.writeFile(path, in..., result);

@@ -92,6 +92,39 @@ std::string clockTimeFrom(std::string_view text) {
   return clock;
 }
 
+double secondsOfDayFrom(std::string_view text) {
+  constexpr std::size_t kMostDecimals = 9;
+  const std::string_view clock = trimmed(text);
+  const std::size_t point = std::min(clock.find('.'), clock.size());
+  const auto numbers = threeNumbers(clock.substr(0, point), ':', {{{1, 2}, {2, 2}, {2, 2}}});
+  const std::string_view decimals = clock.substr(std::min(point + 1, clock.size()));
+  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+  if (!numbers || (*numbers)[0] > 23 || (*numbers)[1] > 59 || (*numbers)[2] > 59 ||
+      decimals.size() > kMostDecimals || !std::all_of(decimals.begin(), decimals.end(), isDigit)) {
+    throw Error(ErrorCode::TypeMismatch, "expected a time hh:mm:ss.sss, found " + shown(text));
+  }
+  std::int64_t count = (*numbers)[0] * 3600 + (*numbers)[1] * 60 + (*numbers)[2];
+  double scale = 1;
+  for (const char c : decimals) {
+    count = count * 10 + (c - '0');
+    scale *= 10;
+  }
+  return static_cast<double>(count) / scale;
+}
+
+void appendMilliseconds(std::string& text, double secondsOfDay) {
+  constexpr std::int64_t kDay = 86'400'000;
+  const std::int64_t all =
+      secondsOfDay >= 0 && secondsOfDay < 86400 ? scaledBy(secondsOfDay, 1e3) : kDay;
+  if (all >= kDay) {
+    throw Error(ErrorCode::InvalidValue, "a time of day before 00:00:00.000 or after 23:59:59.999");
+  }
+  const auto seconds = static_cast<int>(all / 1000);
+  appendClockTime(text, seconds / 3600, seconds / 60 % 60, seconds % 60);
+  text += '.';
+  for (const std::int64_t unit : {100, 10, 1}) text += static_cast<char>('0' + all / unit % 10);
+}
+
 PlainClock plainClock(std::string_view text) {
   constexpr std::size_t kPoint = 8;
   constexpr std::size_t kLongest = kPoint + 7;

@@ -22,6 +22,15 @@ namespace aq {
 /// Throws `TypeMismatch` for what is no time.
 [[nodiscard]] AQ_API std::string clockTimeFrom(std::string_view text);
 
+/// The seconds after midnight of `hh:mm:ss`, with decimals or without, hours 0 to 23, outer blanks
+/// allowed; correctly rounded to three decimals and more. Throws `TypeMismatch` for what is no
+/// time.
+[[nodiscard]] AQ_API double secondsOfDayFrom(std::string_view text);
+
+/// Appends `hh:mm:ss.sss`, exact halves away from zero. Throws `InvalidValue` below 0 and where
+/// that gives 24 hours or more.
+AQ_API void appendMilliseconds(std::string& text, double secondsOfDay);
+
 /// A clock time written plainly: its seconds after midnight, those behind the last colon in single
 /// precision, and how many characters it has, 0 for none.
 struct PlainClock {

@@ -1,5 +1,6 @@
 #include "aq/text/level_code.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
@@ -226,7 +227,76 @@ bool takeInvalid(Levels& levels) {
   return true;
 }
 
+// In columns: two blanks at least, or one and a sign, three digits with blanks for zeros in front,
+// a point and two digits.
+
+constexpr std::string_view kInvalidInColumns = " 9999.00";
+
+/// The bytes of a text in the order in which `byteOf` counts them.
+constexpr std::uint64_t wordOfText(std::string_view text) {
+  std::uint64_t word = 0;
+  for (std::size_t place = kLevelColumns; place-- > 0;) {
+    word = word << 8 | static_cast<unsigned char>(text[place]);
+  }
+  return word;
+}
+
+std::optional<LevelCode> codeInColumns(std::uint64_t word) {
+  constexpr std::uint64_t kBlankBit = 0x10;              // that "0" has and a blank has not
+  constexpr std::uint64_t kWhole = 0x0000001010101010U;  // of the bytes before the point
+  constexpr std::uint64_t kZeros = wordOfText("00000.00");
+  constexpr std::uint64_t kDigits = 0x0606000606060606U;
+  constexpr std::uint64_t kStrange = 0xF0F0FFF0F0F0F0F0U;
+  static_assert(kBlankBit == ('0' ^ ' '));
+  if (word == wordOfText(kInvalidInColumns)) return kInvalidCode;
+  // Blanks are zeros where no digit comes before them.
+  const std::uint64_t blanks = ~word & kWhole;
+  const std::uint64_t mask = (blanks >> 4) * 0xFF;
+  if ((mask & (mask + 1)) != 0) return std::nullopt;
+  const std::uint64_t digits = (word | kWhole) ^ kZeros;
+  if ((((digits + kDigits) | digits) & kStrange) != 0) return std::nullopt;
+  if ((digits & (mask | 0xFFFF)) != 0) return std::nullopt;
+  const std::int32_t hundredths = byteOf(digits, 2) * 10000 + byteOf(digits, 3) * 1000 +
+                                  byteOf(digits, 4) * 100 + byteOf(digits, 6) * 10 +
+                                  byteOf(digits, 7);
+  if (hundredths > kLargestCode) return std::nullopt;
+  return static_cast<LevelCode>(hundredths);
+}
+
 }  // namespace
+
+std::size_t codesInColumns(std::string_view text, std::span<LevelCode> codes) {
+  if constexpr (std::endian::native != std::endian::little) return 0;
+  const std::size_t most = std::min(codes.size(), text.size() / kLevelColumns);
+  for (std::size_t place = 0; place < most; ++place) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, text.data() + place * kLevelColumns, kLevelColumns);
+    const auto code = codeInColumns(word);
+    if (!code) return place;
+    codes[place] = *code;
+  }
+  return most;
+}
+
+void putInColumns(char* at, LevelCode code) {
+  if (code == kInvalidCode) {
+    std::memcpy(at, kInvalidInColumns.data(), kLevelColumns);
+    return;
+  }
+  const auto size = static_cast<std::uint32_t>(std::abs(code));
+  const std::uint32_t whole = size / 100;
+  std::array<char, kLevelColumns> text{' ', ' ', ' ', ' ', ' ', '.', '0', '0'};
+  char* place = text.data() + 5;
+  std::uint32_t left = whole;
+  do {
+    *--place = static_cast<char>('0' + left % 10);
+    left /= 10;
+  } while (left != 0);
+  if (code < 0) *--place = '-';
+  text[6] = static_cast<char>('0' + size / 10 % 10);
+  text[7] = static_cast<char>('0' + size % 10);
+  std::memcpy(at, text.data(), kLevelColumns);
+}
 
 std::optional<LevelCode> codeOf(double level) {
   if (level == kInvalidLevel) return kInvalidCode;

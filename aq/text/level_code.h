@@ -37,6 +37,15 @@ inline constexpr LevelCode kInvalidCode = std::numeric_limits<LevelCode>::min();
 /// `doubleFrom` may still know. The values are the same.
 [[nodiscard]] AQ_API FieldsTaken levelsAtFront(std::string_view text, std::span<LevelCode> codes);
 
+inline constexpr std::size_t kLevelColumns = 8;
+
+/// Takes levels in columns of eight, right-aligned with two decimals, from the front of `text`
+/// until `codes` is full or another form comes, as eight blanks; gives how many.
+[[nodiscard]] AQ_API std::size_t codesInColumns(std::string_view text, std::span<LevelCode> codes);
+
+/// Writes a level into eight columns as they are read there.
+AQ_API void putInColumns(char* at, LevelCode code);
+
 /// Appends `level` as levels are written: two decimals, no zero before the point (.50, -.25),
 /// exact halves away from zero, no sign on what rounds to zero. Throws `InvalidValue` when not
 /// finite.

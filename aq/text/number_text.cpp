@@ -302,6 +302,15 @@ void appendExact(std::string& text, float value) { appendChars(text, value); }
 void appendAllDigits(std::string& text, double value) { appendEveryDigit(text, value); }
 void appendAllDigits(std::string& text, float value) { appendEveryDigit(text, value); }
 
+std::int64_t scaledBy(double value, double scale) {
+  const double size = std::abs(value);
+  const double below = std::floor(size * scale);
+  // What the product loses to rounding, the fused one has in its sign.
+  const bool up = std::fma(size, scale, -(below + 0.5)) >= 0;
+  const auto whole = static_cast<std::int64_t>(below) + (up ? 1 : 0);
+  return value < 0 ? -whole : whole;
+}
+
 char* putNumber(char* at, std::int32_t value) {
   return std::to_chars(at, at + kIntegerSize, value).ptr;
 }

@@ -47,6 +47,10 @@ AQ_API void appendExact(std::string& text, float value);
 AQ_API void appendAllDigits(std::string& text, double value);
 AQ_API void appendAllDigits(std::string& text, float value);
 
+/// `value` times `scale`, a power of ten, as a whole number, exact halves away from zero. `value`
+/// is finite and the product below 2^52.
+[[nodiscard]] AQ_API std::int64_t scaledBy(double value, double scale);
+
 inline constexpr std::size_t kIntegerSize = 11;  // a sign and ten digits
 
 /// Writes an integer where there is `kIntegerSize`, and returns its end.

@@ -183,5 +183,5 @@ def write(obj: Any, path: Path, header: Any = None, exist_ok: bool = True) -> No
         raise FileExistsError(errno.EEXIST, os.strerror(errno.EEXIST), path)
     format = format_for(obj, path)
     if isinstance(obj, _TABLES):
-        _core._checkWritable(obj)
+        _core._checkWritable(obj, format.kind)
     format.write(path, header, obj)

@@ -35,7 +35,20 @@ class Format(NamedTuple):
             return
         file = self.file()
         file.fileInformation(_core.keepingFileInformation())
-        file.writeFile(path, self.header() if header is None else header, model)
+        header = self.header() if header is None else header
+        if hasattr(file, "setHeader"):
+            file.setHeader(header)
+            file.RecordLength = _record_length(model)
+            file.writeFile(path, model)
+        else:
+            file.writeFile(path, header, model)
+
+
+def _record_length(history: Any) -> float:
+    """Seconds from the first stamp to the next; half a second where they do not say it."""
+    stamps = history.times["TODseconds"][:2]
+    length = round(float(stamps[-1] - stamps[0]) % 86400, 3)
+    return length if 0 < length < 1000 else 0.5
 
 
 _rows: Any = _core._formats()

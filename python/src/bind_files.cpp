@@ -86,6 +86,21 @@ class BoundFile : public Bound<File> {
     return *this;
   }
 
+  /// The header is set first.
+  template <class Header, class Model>
+  void writesSet() {
+    this->def("setHeader", &File::setHeader, py::arg("aqHeader"), docOf<File>("setHeader").c_str());
+    this->def(
+        "writeFile",
+        [](File& self, const Path& path, Model& model) {
+          runFile(self, [&](File& file) { return file.writeFile(path.name, model); });
+        },
+        py::arg("sFileName"), py::arg("model"),
+        (docOf<File>("writeFile") +
+         ". What cannot be written raises. Other threads must leave the object alone")
+            .c_str());
+  }
+
   /// Files without a header of their own.
   template <class Model>
   void readsAlone() {
@@ -169,7 +184,11 @@ void bindFormat(const py::module_& module) {
     file.template readsAlone<Model>();
   } else if constexpr (!std::is_void_v<Header>) {
     file.template reads<Header, Model>();
-    if constexpr (writesFiles<File>) file.template writes<Header, Model>();
+    if constexpr (requires { &File::setHeader; }) {
+      file.template writesSet<Header, Model>();
+    } else if constexpr (writesFiles<File>) {
+      file.template writes<Header, Model>();
+    }
   }
   if constexpr (std::is_same_v<File, AQ_DataSTH>) bindHistoryFile(file);
   file.record();

@@ -1,3 +1,5 @@
+#include <aq/describe/files.h>
+
 #include "levels.h"
 
 // What a file of one table cannot hold. The file classes write each record with its own bands, but
@@ -44,26 +46,37 @@ void checkRecords(std::int32_t first, std::int32_t last, const Series& series,
   checkAny(bands);
 }
 
+void checkDates(AQ_SpectralTimeHistory& history) {
+  if (keepsDates(history)) return;
+  throw py::value_error(
+      "expected records of the date that startTime has, and of the next after midnight");
+}
+
 }  // namespace
 
 void bindWritable(py::module_& module) {
   constexpr const char* kName = "_checkWritable";
   module.def(
       kName,
-      [](AQ_SpectralTimeHistory& history) {
+      [](AQ_SpectralTimeHistory& history, FileKind kind) {
+        if (kind == FileKind::FixedColumnHistory) return checkDates(history);
         checkRecords(history.LoRec(), history.HiRec(), history, &AQ_SpectralTimeHistory::spectrum);
       },
-      py::arg("model"), "Raises for what the file of an object would not give back");
-  module.def(
-      kName, [](const AQ_MaskMap& map) { checkRecords(1, map.Count(), map, &AQ_MaskMap::Row); },
-      py::arg("model"));
+      py::arg("model"), py::arg("kind"),
+      "Raises for what the file of an object would not give back");
   module.def(
       kName,
-      [](const AQ_Spectrum& spectrum) {
+      [](const AQ_MaskMap& map, FileKind /*kind*/) {
+        checkRecords(1, map.Count(), map, &AQ_MaskMap::Row);
+      },
+      py::arg("model"), py::arg("kind"));
+  module.def(
+      kName,
+      [](const AQ_Spectrum& spectrum, FileKind /*kind*/) {
         checkAny({spectrum.LowBand(), spectrum.HighBand()});
         checkLevels(spectrum);
       },
-      py::arg("model"));
+      py::arg("model"), py::arg("kind"));
 }
 
 }  // namespace aq::python

@@ -27,7 +27,7 @@ HELPERS = {
     "AQ_MaskMap.heldRow",
     "FileClass.fileInformation", "FileClass.observeHeader",
     "FileInformation.sourceDateTime",
-    "AQ_DataINI.kTimingNotSet", "kTitle",
+    "AQ_DataINI.kTimingNotSet", "kTitle", "kBeginning",
 }  # fmt: skip
 met = set()  # of them
 KINDS = cindex.CursorKind

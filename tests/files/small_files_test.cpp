@@ -133,6 +133,7 @@ TEST(FileKind, ByTitleOrByShape) {
       {"variable-initialization", FileKind::VariableInitialization},
       {"spectrum-record", FileKind::SpectrumRecord},
       {"tracking", FileKind::Tracking},
+      {"fixed-column-history", FileKind::FixedColumnHistory},
       {"analyzer-recording", FileKind::AnalyzerRecording}};
   test::forSamples("good", [&](const std::string& format, const std::filesystem::path& sample) {
     EXPECT_EQ(kindOfFile(sample.string()), kinds.at(format));

@@ -80,7 +80,11 @@ void printLevels(const AQ_Spectrum& spectrum) {
   put(spectrum.LowBand());
   put(spectrum.HighBand());
   for (int band = spectrum.LowBand(); band <= spectrum.HighBand(); ++band) {
-    put(spectrum.SPL(static_cast<std::int16_t>(band)).toDouble());
+    if (spectrum.contains(band)) {
+      put(spectrum.SPL(static_cast<std::int16_t>(band)).toDouble());
+    } else {
+      out += " none";
+    }
   }
   out += '\n';
 }
@@ -288,6 +292,21 @@ void printSDFText(const std::string& path) {
   });
 }
 
+void printSPC(const std::string& path) {
+  AQ_DataSPC file;
+  std::shared_ptr<AQ_HeaderSTH> header;
+  std::shared_ptr<AQ_SpectralTimeHistory> history;
+  showResult(file.readFile(path, header, history), file);
+  if (header) printHeader(*header);
+  show("settings", file.RecordLength(), file.NumberFirstRecord(), file.NumberLastRecord(),
+       file.BandLow(), file.BandHigh());
+  if (!history) return;
+  show("reference", history->ReferenceType(), history->startTime()->CurrentDate(),
+       history->ReferenceTime()->CurrentDate());
+  printModel(*history);
+  for (const auto& [record, spectrum] : *history) show("date", spectrum->Time()->CurrentDate());
+}
+
 /// `options` are the delimiter, two digits a byte, and 1 for fields that may be quoted: `2c:1`.
 void printASCII(const std::string& path, const std::string& options) {
   AQ_DataASCII file;
@@ -320,6 +339,7 @@ std::string aq::test::valuesOf(const std::string& format, const std::string& pat
       {"HP3565TEXT", printSDFText},
       {"MIC", printMIC},
       {"TSPI", printTSPI},
+      {"SPC", printSPC},
       {"INI", printINI}};
   try {
     if (format.starts_with("ASCII:")) {

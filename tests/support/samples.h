@@ -15,7 +15,8 @@ void forSamples(const char* folder, const Check& check) {
   for (const auto& kind : std::filesystem::directory_iterator(kData)) {
     const std::string name = kind.path().filename().string();
     for (const auto& sample : std::filesystem::directory_iterator(kind.path() / folder)) {
-      if (sample.path().extension() != ".csv" && sample.path().extension() != ".dat") continue;
+      const auto ending = sample.path().extension();
+      if (ending != ".csv" && ending != ".spc" && ending != ".dat") continue;
       SCOPED_TRACE(sample.path().string());
       check(name, sample.path());
     }

@@ -184,7 +184,7 @@ ROWS = [  # command, status, in the output, in the messages
         f"convert {STH} -o q.nc",
         2,
         "",
-        "q.nc: expected a name that ends in .pth.csv, .ssr.csv, .sth.csv, .json, .csv",
+        "q.nc: expected a name that ends in .sth.csv, .spc, .pth.csv, .ssr.csv, .json, .csv",
     ),
     (f"convert {STH} -o q.mask.CSV", 2, "", "q.mask.CSV: expected a name that ends in"),
     (f"convert {STH} --to json -o q.csv", 2, "", "ends in .json, .txt"),
@@ -487,6 +487,28 @@ def check_recordings(folder):
     expect_in("marks", done.stdout.decode(), "analyzer-mark")
 
 
+def check_columns(folder):
+    """Histories and recordings go to fixed columns and back, or say why not."""
+    run(f"aqdata convert {STH} -o there.spc", folder)
+    run("aqdata convert there.spc -o back.sth.csv", folder)
+    expect("there and back", run(f"aqdata diff {STH} back.sth.csv", folder).returncode, 0)
+    info = json.loads(run("aqdata info --json there.spc", folder).stdout)
+    expect("fixed columns", (info["kind"], info["records"]), ("fixed-column history", 60))
+    samples = PROJECT / "tests" / "data"
+    gap = samples / "fixed-column-history" / "good" / "landing.spc"
+    done = run(f"aqdata convert '{gap}' -o gap.sth.csv", folder)
+    expect("a gap: status", done.returncode, 2)
+    expect_in("a gap", done.stderr.decode(), "record 2: band 30 has no level")
+    rows = run(f"aqdata convert '{gap}'", folder).stdout.decode()
+    expect_in("a gap in a table", rows, ",30,\n")
+    found = run(f"aqdata check '{gap}'", folder).stdout.decode()
+    expect_in("findings", found, "line 21, field 7, record 1, band 32: note: 9999")
+    recording = samples / "analyzer-recording" / "good" / "third-octaves-by-scan.dat"
+    run(f"aqdata convert '{recording}' -o recording.spc", folder)
+    done = run("aqdata check recording.spc", folder)
+    expect_in("a recording in columns", done.stdout.decode(), "1 without findings")
+
+
 def check_field_data(folder):
     data = os.environ.get("AQ_FIELD_DATA")
     if data is None:
@@ -514,6 +536,7 @@ with tempfile.TemporaryDirectory() as name:
         check_widths,
         check_documents,
         check_recordings,
+        check_columns,
         check_field_data,
     ):
         check(place)

@@ -3,7 +3,9 @@
 #include <aq/check/check_file.h>
 #include <fmt/format.h>
 
+#include <cmath>
 #include <filesystem>
+#include <optional>
 
 #include "tools/aqdata/session.h"
 
@@ -29,6 +31,17 @@ struct Reading {
   std::uint8_t rt20Limit = 1;
 };
 
+/// What the file says, or how far apart the first two records of a recording are, in seconds.
+template <class File>
+std::optional<double> recordLengthOf(const File& file, const aq::AQ_SpectralTimeHistory& history) {
+  if constexpr (std::is_same_v<File, aq::AQ_DataSPC>) return file.RecordLength();
+  if (!std::is_same_v<File, aq::AQ_DataHP3565> || !history.contains(2)) return std::nullopt;
+  const auto at = [&](std::int16_t record) {
+    return history.spectrum(record)->timeValue().RelSeconds();
+  };
+  return std::round((at(2) - at(1)) * 1e3) / 1e3;
+}
+
 template <class File, class Header, class Model>
 Held<Header, Model> readBy(const std::string& path, const Reading& how) {
   Held<Header, Model> held;
@@ -42,6 +55,9 @@ Held<Header, Model> readBy(const std::string& path, const Reading& how) {
   }
   if constexpr (requires { file.RT20Limit(how.rt20Limit); }) file.RT20Limit(how.rt20Limit);
   expectGood(aq::readContent(file, path, held), file);
+  if constexpr (requires { held.recordLength; }) {
+    held.recordLength = recordLengthOf(file, *held.model).value_or(held.recordLength);
+  }
   if constexpr (requires { held.rejected; }) held.rejected = file.nBadPositions();
   return held;
 }

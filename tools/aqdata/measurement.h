@@ -19,6 +19,7 @@ template <>
 struct Held<aq::AQ_HeaderSTH, aq::AQ_SpectralTimeHistory>
     : aq::Content<aq::AQ_HeaderSTH, aq::AQ_SpectralTimeHistory> {
   std::string referenceType = {};  // as written, since no history takes it from every file
+  double recordLength = 0.5;       // in seconds; not in every file
 };
 
 template <>

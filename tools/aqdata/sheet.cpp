@@ -29,13 +29,28 @@ std::vector<Json> levelsOf(const aq::AQ_Spectrum& spectrum) {
   return levels;
 }
 
+/// As `levelsOf`, from band `low` to `high`, with null where there is no level.
+std::vector<Json> levelsOf(const aq::AQ_Spectrum& spectrum, std::int16_t low, std::int16_t high) {
+  std::vector<Json> levels = levelsOf(spectrum);
+  const bool whole = spectrum.LowBand() == low && spectrum.HighBand() == high;
+  if (whole && !levels.empty()) return levels;
+  levels.clear();
+  for (std::int32_t band = low; band <= high; ++band) {
+    const bool has = spectrum.contains(band);
+    levels.push_back(has ? Json(spectrum.SPL(static_cast<std::int16_t>(band)).toDouble()) : Json());
+  }
+  return levels;
+}
+
 Sheet sheetFrom(const History& read) {
   Sheet sheet{.columns = {"record", "time", "time_s", "relative_s"}, .ofBand = "level_db"};
+  const auto [low, high] = bandsOf(*read.model);
+  setBands(sheet, low, high);
   for (const auto& [record, spectrum] : *read.model) {
     const aq::AQ_Time time = spectrum->timeValue();
-    setBands(sheet, spectrum->LowBand(), spectrum->HighBand());  // the header's, for all
     const double relative = tidy(static_cast<float>(time.RelSeconds()));
-    addRow(sheet, record, {timeText(time), secondsOf(time), relative}, levelsOf(*spectrum));
+    addRow(sheet, record, {timeText(time), secondsOf(time), relative},
+           levelsOf(*spectrum, low, high));
   }
   return sheet;
 }
@@ -131,6 +146,18 @@ void Sheet::dropColumns(std::string_view ending) {
     columns.erase(columns.begin() + static_cast<std::ptrdiff_t>(i));
     for (Row& row : rows) row.cells.erase(row.cells.begin() + static_cast<std::ptrdiff_t>(i));
   }
+}
+
+std::pair<std::int16_t, std::int16_t> bandsOf(const aq::AQ_SpectralTimeHistory& history) {
+  std::pair<std::int16_t, std::int16_t> bands{0, -1};
+  bool any = false;
+  for (const auto& [record, spectrum] : history) {
+    const std::pair own{spectrum->LowBand(), spectrum->HighBand()};
+    bands =
+        any ? std::pair{std::min(bands.first, own.first), std::max(bands.second, own.second)} : own;
+    any = true;
+  }
+  return bands;
 }
 
 Sheet sheetOf(const Measurement& measurement) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tools/aqdata/measurement.h"
@@ -45,6 +46,10 @@ struct Sheet {
   /// Times stand twice, as text and in seconds: drops the columns whose names end so.
   void dropColumns(std::string_view ending);
 };
+
+/// The lowest and the highest band of all records; 0 and -1 when there is none.
+[[nodiscard]] std::pair<std::int16_t, std::int16_t> bandsOf(
+    const aq::AQ_SpectralTimeHistory& history);
 
 [[nodiscard]] Sheet sheetOf(const Measurement& measurement);
 

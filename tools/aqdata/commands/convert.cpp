@@ -1,10 +1,13 @@
 #include "tools/aqdata/convert.h"
 
 #include <aq/core/band_label.h>
+#include <aq/core/words.h>
 #include <aq/text/number_text.h>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "tools/aqdata/files.h"
 #include "tools/aqdata/program.h"
@@ -25,11 +28,8 @@ struct Form {
   std::string name;
   std::string_view ending;  // of the names of such files
 };
-const Form kForms[] = {{"positions", ".pth.csv"},
-                       {"spectrum", ".ssr.csv"},
-                       {"history", ".sth.csv"},
-                       {"json", ".json"},
-                       {"table", ".csv"}};
+const Form kForms[] = {{"history", ".sth.csv"},  {"columns", ".spc"}, {"positions", ".pth.csv"},
+                       {"spectrum", ".ssr.csv"}, {"json", ".json"},   {"table", ".csv"}};
 
 /// The form that was asked for, or that the output's name asks for.
 std::string formOf(const Session& session, const ConvertChoice& choice) {
@@ -103,19 +103,67 @@ void putSpectrum(const Session& session, const ConvertChoice& choice, const Meas
   writeOutput<aq::AQ_DataSSR>(session, header, *spectrum);
 }
 
-void putHistory(const Session& session, const ConvertChoice& choice, const Measurement& read) {
-  const auto* const history = std::get_if<History>(&read.data);
-  if (history == nullptr) throw Failure("a history is made of a history or a recording alone");
-  if (choice.record) throw Failure("a history is that of all records");
-  writeOutput<aq::AQ_DataSTH>(session, history->header, *history->model);
+/// A history file says once which bands all of its records have.
+void expectWhole(const History& read, const std::string& file) {
+  const auto fail = [&](std::int32_t record, const std::string& why) {
+    throw Failure(fmt::format("{}, record {}: {}, which a history file cannot leave out",
+                              aq::escaped(file), record, why));
+  };
+  const auto& history = *read.model;
+  std::optional<std::pair<std::int16_t, std::int16_t>> bands;
+  for (const auto& [record, spectrum] : history) {
+    if (!bands) bands = {spectrum->LowBand(), spectrum->HighBand()};
+    const auto low = std::min(bands->first, spectrum->LowBand());
+    for (std::int32_t band = low; band <= std::max(bands->second, spectrum->HighBand()); ++band) {
+      if (!spectrum->contains(band)) fail(record, fmt::format("band {} has no level", band));
+    }
+    if (low < bands->first || spectrum->HighBand() > bands->second) {
+      fail(record, "other records have no level in some of its bands");
+    }
+  }
+}
+
+/// A history of any file as one of the two text forms.
+void putHistory(Session& session, const ConvertChoice& choice, const Measurement& measurement,
+                bool inColumns) {
+  const auto* const read = std::get_if<History>(&measurement.data);
+  if (read == nullptr) throw Failure("a history is made of a history or a recording alone");
+  if (choice.record) throw Failure("a history has all records");
+  aq::AQ_SpectralTimeHistory& history = *read->model;
+  auto type = history.ReferenceType();
+  const bool worded = measurement.kind != aq::FileKind::AnalyzerRecording;
+  if (worded && !aq::setByWord(type, aq::upperCased(read->referenceType))) {
+    throw Failure(fmt::format("{}: has the reference time type {}, which is not known",
+                              aq::escaped(choice.file), aq::shown(read->referenceType)));
+  }
+  history.ReferenceType(type);
+  if (inColumns) {
+    aq::AQ_DataSPC file;
+    file.RecordLength(read->recordLength);
+    file.setHeader(read->header);
+    expectGood(file.writeFile(outputPlace(session), history), file);
+    if (aq::keepsDates(history)) return;
+    return session.tell(fmt::format("{}: the date is that of the start, with midnights from there",
+                                    aq::escaped(session.output)));
+  }
+  expectWhole(*read, choice.file);
+  writeOutput<aq::AQ_DataSTH>(session, read->header, history);
+  if (history.startTime()->CurrentDate() != 0) {
+    session.tell(fmt::format("{}: dates are left out", aq::escaped(session.output)));
+  }
+  if (read->recordLength != 0.5) {
+    session.tell(fmt::format("{}: the record length of {} s is left out",
+                             aq::escaped(session.output), read->recordLength));
+  }
 }
 
 void convert(Session& session, const ConvertChoice& choice) {
   const std::string form = formOf(session, choice);
-  if (session.output.empty() && form != "json" && form != "table")
-    throw Failure(fmt::format("{} go to a file: -o says which", form == "spectrum"  ? "spectra"
-                                                                : form == "history" ? "histories"
-                                                                                    : form));
+  const bool asHistory = form == "history" || form == "columns";
+  if (session.output.empty() && (asHistory || form == "positions" || form == "spectrum"))
+    throw Failure(fmt::format("{} go to a file: -o says which", asHistory            ? "histories"
+                                                                : form == "spectrum" ? "spectra"
+                                                                                     : form));
   if (form == "positions") {
     if (choice.record) throw Failure("positions are those of all fixes");
     return writePositions(session, openTracking(choice.file, {}, choice.rt20), choice.file);
@@ -123,8 +171,8 @@ void convert(Session& session, const ConvertChoice& choice) {
   const Measurement read = openFile(choice.file, {}, choice.rt20);
   if (form == "spectrum") {
     putSpectrum(session, choice, read);
-  } else if (form == "history") {
-    putHistory(session, choice, read);
+  } else if (asHistory) {
+    putHistory(session, choice, read, form == "columns");
   } else {
     Sheet sheet = sheetOf(read);
     if (choice.record) sheet.keepRows({*choice.record, *choice.record}, choice.file);
@@ -168,22 +216,23 @@ void addConvert(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<ConvertChoice>();
   CLI::App* const command =
       addCommand(program, session, "convert", "Write a file in another form",
-                 "The name of OUT says the form: .json, .pth.csv (positions), .ssr.csv (one\n"
-                 "spectrum), .sth.csv (a history) or .csv, a table of one observation a line.\n"
-                 "With --to it may end in .txt too. Without OUT, tables and JSON go to standard\n"
-                 "output.\n\n"
+                 "The name of OUT says the form: .sth.csv and .spc (histories, with commas and\n"
+                 "in fixed columns), .json, .pth.csv (positions), .ssr.csv (one spectrum) or\n"
+                 ".csv, a table of one observation a line. With --to it may end in .txt too.\n"
+                 "Without OUT, tables and JSON go to standard output.\n\n"
                  "Examples:\n"
                  "  aqdata convert fly-over.sth.csv -o levels.csv\n"
                  "  aqdata convert fly-over.sth.csv --record 30 -o overhead.ssr.csv\n"
+                 "  aqdata convert fly-over.sth.csv -o fly-over.spc\n"
                  "  aqdata convert fly-over.tspi.csv -o track.pth.csv\n",
                  [&session, choice] { convert(session, *choice); });
   addFile(*command, choice->file, "FILE", "The file to convert");
   addOutputFile(*command, session, "The file to write", false);
   CLI::Option* const form =
       command
-          ->add_option("--to", choice->to, "The form: table, json, positions, spectrum or history")
+          ->add_option("--to", choice->to, "table, json, history, columns, positions or spectrum")
           ->option_text("FORM");
-  addWords(session, *form, {"table", "json", "positions", "spectrum", "history"});
+  addWords(session, *form, {"table", "json", "history", "columns", "positions", "spectrum"});
   command->add_option("--record", choice->record, "One record alone")
       ->check(wholeNumber(-32768, 32767), "")
       ->option_text("N");

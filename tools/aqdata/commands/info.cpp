@@ -56,14 +56,9 @@ void addBands(Json& info, std::int16_t low, std::int16_t high) {
 
 void describe(const History& read, Json& info) {
   Extent extent;
-  std::int16_t low = 0;
-  std::int16_t high = -1;
-  for (const auto& [record, spectrum] : *read.model) {
-    extent.see(record, spectrum->timeValue());
-    low = spectrum->LowBand();
-    high = spectrum->HighBand();
-  }
+  for (const auto& [record, spectrum] : *read.model) extent.see(record, spectrum->timeValue());
   extent.addTo(info, "records");
+  const auto [low, high] = bandsOf(*read.model);
   if (extent.count != 0) addBands(info, low, high);
 }
 

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "aq/core/enumerations.h"
+#include "aq/core/export.h"
+#include "aq/core/variant.h"
+#include "aq/files/header_sth.h"
+#include "aq/spectral/spectral_time_history.h"
+#include "aq/text/file_class.h"
+
+namespace aq {
+
+class LineReader;
+
+/// Writes and reads fixed-column spectral time histories (docs/formats/fixed-columns.md). They keep
+/// dates, bands without a level and the reference time type, and no dates of files.
+class AQ_API AQ_DataSPC : public FileClass {
+ public:
+  /// The first line of a file begins with these bytes.
+  static constexpr std::string_view kBeginning = "SPC                 ";
+
+  /// What the header of the next file says, shared; with none, a file's texts are empty.
+  void setHeader(const std::shared_ptr<AQ_HeaderSTH>& aqHeader) { header_ = aqHeader; }
+
+  /// Seconds from a record to the next; 0.5 at first. A read stores the file's. Throws
+  /// `InvalidValue`, and keeps its value, unless it is above 0 and below 1000; `TypeMismatch` for
+  /// what is no number.
+  [[nodiscard]] double RecordLength() const { return settings_.recordLength; }
+  void RecordLength(const Variant& seconds);
+
+  // Which part of a history is written: 0, as at first, is the end of what there is, of bands over
+  // all records that are written. A read stores the file's.
+  [[nodiscard]] std::int16_t NumberFirstRecord() const { return settings_.first; }
+  void NumberFirstRecord(std::int16_t nRecord) { settings_.first = nRecord; }
+  [[nodiscard]] std::int16_t NumberLastRecord() const { return settings_.last; }
+  void NumberLastRecord(std::int16_t nRecord) { settings_.last = nRecord; }
+  [[nodiscard]] std::int16_t BandLow() const { return settings_.low; }
+  void BandLow(std::int16_t nBand) { settings_.low = nBand; }
+  [[nodiscard]] std::int16_t BandHigh() const { return settings_.high; }
+  void BandHigh(std::int16_t nBand) { settings_.high = nBand; }
+
+  /// Writes the chosen part, replacing the file. Throws, and writes nothing, when a record of it is
+  /// missing (`InvalidArgument`); when a level, a time or a word does not fit its columns, bands
+  /// are not between 2 and 50, or a text of the header has a line end or, outside other records and
+  /// comments, a tab (`InvalidValue`); when a level is no number (`TypeMismatch`).
+  AQ_DataMessage writeFile(const std::string& sFileName, AQ_SpectralTimeHistory& aqTimeHistory);
+
+  /// Reads a file into a new header and a new history. When the header fails, neither is set, and
+  /// no setting either; when a record fails, only the header and the settings are.
+  AQ_DataMessage readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderSTH>& aqHeader,
+                          std::shared_ptr<AQ_SpectralTimeHistory>& STH);
+
+ private:
+  struct Settings {
+    double recordLength = 0.5;
+    std::int16_t first = 0;
+    std::int16_t last = 0;
+    std::int16_t low = 0;
+    std::int16_t high = 0;
+  };
+  template <class Lines>
+  static void header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHistory& history,
+                     Settings& settings);
+  static void readRecords(LineReader& lines, const Settings& part, AQ_SpectralTimeHistory& history);
+  [[nodiscard]] Settings chosen(AQ_SpectralTimeHistory& history) const;
+
+  std::shared_ptr<AQ_HeaderSTH> header_;
+  Settings settings_;
+};
+
+/// Whether a file gives back the dates that records of a history have: each is that of `startTime`,
+/// and goes on by a day where the time of day falls back. Records without a date do not count.
+[[nodiscard]] AQ_API bool keepsDates(AQ_SpectralTimeHistory& history);
+
+}  // namespace aq

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "aq/core/error.h"
+#include "aq/core/export.h"
+#include "aq/text/fields.h"
+#include "aq/text/line_reader.h"
+
+// Text in fixed columns, counted from 1, both ways.
+
+namespace aq {
+
+/// The columns of a field, first and last.
+struct Columns {
+  std::size_t first;
+  std::size_t last;
+
+  [[nodiscard]] constexpr std::size_t width() const { return last - first + 1; }
+};
+
+/// The fields of one line by their columns, counted as they are taken. A short line counts as
+/// blanks to its end. A field with a tab, or one that does not convert, throws `ReadFailure` with
+/// its place and its columns.
+class AQ_API FixedFieldReader {
+ public:
+  FixedFieldReader(std::string_view line, std::size_t lineNumber)
+      : line_(line), number_(lineNumber) {}
+  explicit FixedFieldReader(const LineReader& lines)
+      : FixedFieldReader(lines.line(), lines.number()) {}
+
+  /// What stands there, without its outer blanks.
+  [[nodiscard]] std::string_view take(Columns columns, const char* expected);
+
+  /// The same to the end of the line.
+  [[nodiscard]] std::string_view takeRest(std::size_t first, const char* expected);
+
+  template <class Conversion>
+  auto convert(Columns columns, const char* expected, const Conversion& conversion) {
+    const std::string_view text = take(columns, expected);
+    try {
+      return conversion(text);
+    } catch (const Error& error) {
+      fail(expectedFor(expected, error));
+    }
+  }
+
+  /// Fails when the line goes on with other than blanks after that column.
+  void expectEnd(std::size_t last);
+
+  /// Fails at the field taken last; `expected` without its columns.
+  [[noreturn]] void fail(std::string expected) const;
+
+  /// The line from a column on, as it stands.
+  [[nodiscard]] std::string_view from(std::size_t first) const {
+    return line_.substr(std::min(first - 1, line_.size()));
+  }
+
+  /// Counts fields as taken.
+  void pass(std::size_t count) { field_ += count; }
+
+ private:
+  std::string_view line_;
+  std::size_t number_;
+  std::size_t field_ = 0;  // the number of the one taken last
+  Columns columns_{1, 1};  // of that one
+  std::string_view found_;
+};
+
+/// `value` times a power of ten as a whole number, exact halves away from zero. Throws
+/// `InvalidValue`, naming `what`, unless it fits `width` columns with its point, its sign and a
+/// digit before the point.
+[[nodiscard]] AQ_API std::int64_t scaled(double value, int decimals, std::size_t width,
+                                         const char* what);
+
+/// Writes such a number right-aligned into the columns from `at` on, and returns their end.
+AQ_API char* putScaled(char* at, std::int64_t value, int decimals, std::size_t width);
+
+/// Appends `text` right-aligned in so many columns.
+AQ_API void appendRight(std::string& text, std::string_view field, std::size_t width);
+
+/// Ends a line, without the blanks at the end of what was appended from `begin` on.
+AQ_API void endLine(std::string& text, std::size_t begin);
+
+}  // namespace aq

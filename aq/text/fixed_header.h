@@ -1,0 +1,96 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "aq/core/collection.h"
+#include "aq/core/export.h"
+#include "aq/core/time.h"
+#include "aq/core/words.h"
+#include "aq/text/fixed_fields.h"
+#include "aq/text/header_observer.h"
+#include "aq/text/line_reader.h"
+
+// Header lines with a keyword from column 1 and its value from column 21. Reader and writer have
+// the same members, so that one description of a file's header serves both ways.
+
+namespace aq {
+
+/// Takes header lines by their place, and compares their keywords. What is not there, or does not
+/// convert, throws `ReadFailure`: field 1 is the keyword, field 2 the value.
+class AQ_API FixedHeaderReader {
+ public:
+  /// Shows `observer` every line that it takes; `observer` lives as long.
+  FixedHeaderReader(LineReader& lines, const HeaderObserver& observer)
+      : lines_(lines), observer_(observer) {}
+
+  /// A value that is always the same.
+  void constant(std::string_view keyword, std::string_view value, const char* expected);
+
+  void text(std::string_view keyword, std::string& value);
+
+  /// One of the words of an enumeration, in any case.
+  template <class Enumeration>
+  void word(std::string_view keyword, const char* expected, Enumeration& value) {
+    take(keyword, expected);
+    if (!setByWord(value, upperCased(value_))) fail(expected);
+  }
+
+  /// A date and a time of day.
+  void dateTime(std::string_view keyword, AQ_Time& time);
+
+  /// A number of seconds above 0 and below 1000.
+  void seconds(std::string_view keyword, double& value);
+
+  /// An integer from `low` to `high`.
+  void integer(std::string_view keyword, std::int16_t& value, std::int16_t low, std::int16_t high);
+
+  /// A line with their number, then as many lines as they are.
+  void lines(std::string_view keyword, const std::shared_ptr<Collection<std::string>>& block);
+
+  /// Passes the line of column headings.
+  void headings();
+
+ private:
+  void take(std::string_view keyword, const char* expected);
+  [[noreturn]] void fail(std::string expected) const;
+
+  LineReader& lines_;
+  const HeaderObserver& observer_;
+  std::string_view value_;  // of the line taken last
+};
+
+/// Appends header lines to a text. A text with a line end or a tab, a number or a time that its
+/// columns do not hold, and a value without a word throw `InvalidValue`.
+class AQ_API FixedHeaderWriter {
+ public:
+  explicit FixedHeaderWriter(std::string& text) : text_(text) {}
+
+  void constant(std::string_view keyword, std::string_view value, const char* /*expected*/) {
+    line(keyword, value);
+  }
+  void text(std::string_view keyword, const std::string& value);
+
+  template <class Enumeration>
+  void word(std::string_view keyword, const char* expected, Enumeration value) {
+    if (wordOf(value).empty()) throwNoWord(expected);
+    line(keyword, wordOf(value));
+  }
+
+  void dateTime(std::string_view keyword, const AQ_Time& time);
+  void seconds(std::string_view keyword, double value);
+  void integer(std::string_view keyword, std::int16_t value, std::int16_t low, std::int16_t high);
+  void lines(std::string_view keyword, const std::shared_ptr<Collection<std::string>>& block);
+
+ private:
+  [[noreturn]] static void throwNoWord(const char* expected);
+  void line(std::string_view keyword, std::string_view value);
+  void number(std::string_view keyword, std::int32_t value);
+
+  std::string& text_;
+};
+
+}  // namespace aq
