@@ -114,9 +114,9 @@ void HeaderCheck::expectWord(std::string_view keyword, const std::string& readAs
 }
 
 void HeaderCheck::expectReferenceType() const {
-  if (reference_.type()) return;
+  if (words_.referenceType()) return;
   report_(Kind::OtherWord, {.line = lineOf(keywords::kReferenceTimeType), .field = 2},
-          shown(reference_.word()) +
+          shown(words_.reference()) +
               " is not known; it is START, OVERHEAD, AMAX, PMAX, TMAX, OAMAX, HACK or OTHER");
 }
 
@@ -155,7 +155,7 @@ void HeaderCheck::expectLabels(std::size_t first, std::int16_t low, std::int16_t
 
 void HeaderCheck::see(const HeaderLine& line) {
   lines_ = line.number;
-  reference_.see(line);
+  words_.see(line);
   if (line.use == HeaderLine::Use::Headings) headings_ = line.text;
   std::vector<std::string_view> pieces;
   split(line.text, kKeywordMark, pieces);

@@ -10,7 +10,7 @@
 
 #include "aq/check/reporter.h"
 #include "aq/files/formats.h"
-#include "aq/files/reference_type_line.h"
+#include "aq/files/history_words.h"
 #include "aq/text/header_observer.h"
 #include "aq/text/line_reader.h"
 
@@ -95,7 +95,7 @@ class HeaderCheck {
   std::size_t lines_ = 0;
   std::map<std::string, Entry, std::less<>> entries_;
   std::string headings_;
-  ReferenceTypeLine reference_;
+  HistoryWords words_;
   std::size_t quotes_ = 0;  // the first line in quotes
 };
 

@@ -19,7 +19,7 @@ from dask.diagnostics import ProgressBar
 
 from . import _core
 from .errors import Error, FileError
-from .files import read
+from .files import read_quietly
 from .noise import metric_findings
 from .reading import Path, Reading
 
@@ -152,7 +152,7 @@ def _row(path: str, strict: bool) -> dict[str, Any]:
     reading: Any = Reading(None, None)
     found = findings(path)
     try:
-        reading = read(path)
+        reading = read_quietly(path)
         row.update(_data_row(reading.data))
         doubt = next((finding for finding in found if finding.doubts_levels), None)
         if strict and doubt:

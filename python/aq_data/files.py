@@ -2,9 +2,13 @@
 
 from __future__ import annotations
 
+import copy
 import errno
 import os
+import warnings
 from typing import Any, Optional, TypeVar, overload
+
+import numpy as np
 
 from . import _core
 from ._core import FileKind
@@ -123,11 +127,25 @@ def read(path: Path, wanted: Optional[type[Any]] = None) -> AnyReading:
     kind raises. Levels are in dB, times in seconds, lengths in the unit of the file.
 
     Raises `FileError` with line and field for a file that does not read, and what the system says
-    (`FileNotFoundError`, `PermissionError`, another `OSError`) for one that cannot be opened.
+    (`FileNotFoundError`, `PermissionError`, another `OSError`) for one that cannot be opened. Warns
+    of a word of a history's header that is not known, as it would be written as another.
 
     >>> header, history = aq_data.read("fly-over.sth.csv")
     >>> mask = aq_data.read("fly-over.mask.csv", aq_data.AQ_MaskMap).data
     """
+    others: list[Any] = []
+    reading = read_quietly(path, wanted, others)
+    for line, what, word, read_as in others:
+        place = f"{os.fsdecode(path)}, line {line}"
+        text = f'{place}: the {what} "{word}" is not known, and read as {read_as}'
+        warnings.warn(text, stacklevel=2)
+    return reading
+
+
+def read_quietly(
+    path: Path, wanted: Optional[type[Any]] = None, others: Optional[list[Any]] = None
+) -> AnyReading:
+    """As `read`, without its warnings; `others` gets what they are made of."""
     name = os.fsdecode(path)
     kind = _core.kindOfFile(name)
     if kind == FileKind.Unknown:
@@ -135,7 +153,7 @@ def read(path: Path, wanted: Optional[type[Any]] = None) -> AnyReading:
     found = FORMATS[kind]
     if wanted is not None and found.model is not wanted:
         raise FileError(name, 0, 0, f"a file of {_named(wanted)}", f"one of {found.model.__name__}")
-    return found.read(name)
+    return found.read(name, others)
 
 
 def _named(cls: Any) -> str:
@@ -154,6 +172,24 @@ def _of_one_file(ds: Any) -> AnyReading:
             " measurement(dataset), or drop_vars('mask_mode')"
         )
     return reading
+
+
+def _with_clock_times(obj: Any) -> Any:
+    """The object, or a copy where the text of a time, which has seven digits, would give it a second
+    early: that time is the next second there."""
+    if isinstance(obj, _core.AQ_SpectralTimeHistory):
+        columns = [obj.times["TODseconds"], obj.startTime.TODseconds, obj.ReferenceTime.TODseconds]
+    elif isinstance(obj, _core.AQ_PositionTimeHistory):
+        columns = [obj.to_numpy()["TODseconds"]]
+    elif isinstance(obj, _core.AQ_GeometryTimeHistory):
+        columns = [obj.to_numpy()[name] for name in ("Tm", "Te")]
+    else:
+        return obj
+    if not any((np.mod(column, 1) > 0.99).any() for column in columns):
+        return obj
+    obj = copy.deepcopy(obj)
+    _core._roundLateTimes(obj)
+    return obj
 
 
 def write(obj: Any, path: Path, header: Any = None, exist_ok: bool = True) -> None:
@@ -184,4 +220,5 @@ def write(obj: Any, path: Path, header: Any = None, exist_ok: bool = True) -> No
     format = format_for(obj, path)
     if isinstance(obj, _TABLES):
         _core._checkWritable(obj, format.kind)
-    format.write(path, header, obj)
+    is_clock = format.kind != FileKind.FixedColumnHistory  # which has other times
+    format.write(path, header, _with_clock_times(obj) if is_clock else obj)

@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from typing import Any, NamedTuple
+from typing import Any, NamedTuple, Optional
 
 from . import _core
 from ._core import FileKind
@@ -21,9 +21,15 @@ class Format(NamedTuple):
     model: Any
     writes: bool
 
-    def read(self, path: Path) -> Reading[Any, Any]:
+    def read(self, path: Path, others: Optional[list[Any]] = None) -> Reading[Any, Any]:
+        """`others` gets line, meaning, word and what it is read as of words that are not known."""
         file = self.file()
-        given = getattr(file, "_readWithReferenceType", file.readFile)(path)
+        if hasattr(file, "_readWithWords"):
+            *given, unknown = file._readWithWords(path)
+            if others is not None:
+                others += unknown
+            return Reading(*given)
+        given = file.readFile(path)
         if self.header is not None:
             return Reading(*given)
         return Reading(None, file if self.model is self.file else given)

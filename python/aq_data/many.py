@@ -17,7 +17,7 @@ from . import _core
 from .archive import ONE_PATH, SEVERITIES, Finding, absolute, counts, header_words, in_threads
 from .attributes import NO_DECISION, band_coordinates, level_variable, table_variables, variable
 from .errors import Error, FileError
-from .files import read
+from .files import read_quietly
 from .reading import Path, Reading
 from .labelled import RECORD_TIMES, check_map, mask_variables
 
@@ -55,7 +55,7 @@ class _WrongPair(ValueError):
 
 
 def _read(path: str, cls: Any, wanted: str) -> Reading[Any, Any]:
-    reading = read(path)
+    reading = read_quietly(path)
     if not isinstance(reading.data, cls):
         raise FileError(path, 0, 0, wanted, _core.kindOfFile(path).name)
     return reading

@@ -143,25 +143,30 @@ void bindFailure(py::module_& module) {
 }
 
 /// As `readFile`, but the history gets the reference time type that the header names, which the
-/// file class leaves out, as hosts know it.
-auto readWithReferenceType(AQ_DataSTH& self, const Path& path) {
+/// file class leaves out, as hosts know it; and what the header says in words that are not known.
+auto readWithWords(AQ_DataSTH& self, const Path& path) {
   std::shared_ptr<AQ_HeaderSTH> header;
   std::shared_ptr<AQ_SpectralTimeHistory> history;
-  ReferenceTypeLine line;
+  HistoryWords words;
   const auto outcome = unlocked(self, [&](AQ_DataSTH& file) {
-    file.observeHeader([&](const HeaderLine& seen) { line.see(seen); });
+    file.observeHeader([&](const HeaderLine& seen) { words.see(seen); });
     const auto result = readInto(file, path.name, header, history);
     file.observeHeader(nullptr);
     return result;
   });
   if (outcome != AQ_DATA_OK) raise(*self.lastFailure(), py::make_tuple(header, history));
-  history->ReferenceType(line.type().value_or(history->ReferenceType()));
-  return std::pair(header, history);
+  py::list others;
+  for (const auto& [line, what, word, readAs] : words.takeInto(*history)) {
+    others.append(py::make_tuple(line, std::string(what), word, readAs));
+  }
+  return py::make_tuple(header, history, others);
 }
 
 void bindHistoryFile(BoundFile<AQ_DataSTH>& history) {
-  history.def("_readWithReferenceType", readWithReferenceType, py::arg("sFileName"),
-              "As readFile; the history gets the reference time type that the header names");
+  history.def(
+      "_readWithWords", readWithWords, py::arg("sFileName"),
+      "As readFile; the history gets the reference time type that the header names. And line, "
+      "meaning, word and what it is read as of words that are not known");
   history.def(
       "getRawHeader",
       [](AQ_DataSTH& self, const Path& path) {

@@ -1,4 +1,5 @@
 #include <aq/describe/files.h>
+#include <aq/files/late_times.h>
 
 #include "levels.h"
 
@@ -77,6 +78,13 @@ void bindWritable(py::module_& module) {
         checkLevels(spectrum);
       },
       py::arg("model"), py::arg("kind"));
+  const auto rounds = [&module](auto* round, const char* doc) {
+    module.def("_roundLateTimes", round, py::arg("model"), doc);
+  };
+  rounds(static_cast<bool (*)(AQ_SpectralTimeHistory&)>(roundLateTimes),
+         "Makes times that their text would give a second early the next second");
+  rounds(static_cast<bool (*)(const AQ_PositionTimeHistory&)>(roundLateTimes), "");
+  rounds(static_cast<bool (*)(const AQ_GeometryTimeHistory&)>(roundLateTimes), "");
 }
 
 }  // namespace aq::python

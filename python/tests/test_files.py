@@ -32,6 +32,14 @@ GOOD = [
 ]
 
 
+def without_own_name(part: Any) -> Any:
+    """All that a header or an object says, but for the name and date of its own file."""
+    own = re.compile("s?FileName|aqFileDateTime|FileDateTime|GTHFile.*")
+    names = [name for name in getattr(part, "_fields", ()) if not own.fullmatch(name)]
+    entries = list(part) if hasattr(part, "__iter__") else []
+    return values([[getattr(part, name) for name in names], entries])
+
+
 @pytest.mark.parametrize("folder, path", GOOD, ids=lambda x: x.name if isinstance(x, Path) else x)
 def test_every_kind_reads_and_is_written_the_same(folder: str, path: Path, tmp_path: Path) -> None:
     reading = aq.read(path)
@@ -41,10 +49,29 @@ def test_every_kind_reads_and_is_written_the_same(folder: str, path: Path, tmp_p
     copy, again = tmp_path / "copy.csv", tmp_path / "again.csv"
     aq.write(reading, copy)
     aq.write(aq.read(copy), again)
+    for before, after in (
+        (reading.header, aq.read(copy).header),
+        (reading.data, aq.read(copy).data),
+    ):
+        assert without_own_name(before) == without_own_name(after)
     names = [line for line in copy.read_bytes().splitlines() if b"copy.csv" not in line]
     assert len(names) and names == [
         line for line in again.read_bytes().splitlines() if b"again.csv" not in line
     ]
+
+
+def test_what_a_file_cannot_say_is_told(tmp_path: Path, sample: Path) -> None:
+    text = (sample / "fly-over.sth.csv").read_text()
+    odd = tmp_path / "odd.sth.csv"
+    odd.write_text(text.replace("Method**,", "Method**,FOO"))
+    with pytest.warns(UserWarning, match='odd.sth.csv, line 6: .* "FOOLINEAR" .* read as LINEAR'):
+        aq.read(odd)
+    late = aq.AQ_PositionTimeHistory.from_numpy(
+        {"TODseconds": [45296.996], "X": [1], "Y": [2], "Z": [3]}
+    )
+    aq.write(late, tmp_path / "late.pth.csv")  # its text would be 12:34:56
+    assert aq.read(tmp_path / "late.pth.csv").data.to_numpy()["TODseconds"] == 45297
+    assert late.to_numpy()["TODseconds"] == 45296.996
 
 
 def test_failures_name_the_place(tmp_path: Path, sample: Path) -> None:

@@ -1,5 +1,5 @@
 #include <aq/files/data_sth.h>
-#include <aq/files/reference_type_line.h>
+#include <aq/files/history_words.h>
 #include <gtest/gtest.h>
 
 #include <clocale>
@@ -83,25 +83,30 @@ TEST(DataSTH, AFileClassOfItsOwnInformationKeepsTheDateOfTheSource) {
   EXPECT_EQ(dateWith(nullptr, kGood.c_str()), "GenerationFileDateTime**,03/14/2004,07:05:09");
 }
 
-TEST(DataSTH, TheReferenceTypeOfTheHeaderIsThereForWhoWatches) {
+TEST(DataSTH, TheHeadersWordsAreThereForWhoWatches) {
   const test::Folder folder;
-  const auto typeOf = [&](const std::string& word) {
+  const auto othersOf = [&](std::size_t line, const std::string& text, AQ_RefTimeType type) {
     auto lines = test::linesOf(contentOf(kGood));
-    lines[10] = "ReferenceTimeType**," + word;
-    ReferenceTypeLine reference;
+    lines[line - 1] = text;
+    HistoryWords words;
     AQ_DataSTH file;
-    file.observeHeader([&](const HeaderLine& line) { reference.see(line); });
+    file.observeHeader([&](const HeaderLine& seen) { words.see(seen); });
     std::shared_ptr<AQ_HeaderSTH> header;
     std::shared_ptr<AQ_SpectralTimeHistory> history;
     static_cast<void>(file.readFile(folder.with("in", test::textOf(lines)), header, history));
     EXPECT_EQ(history->ReferenceType(), AQ_START_REF);
-    EXPECT_EQ(reference.word(), word);
-    return reference.type();
+    std::string others;
+    for (const auto& other : words.takeInto(*history)) {
+      others += std::to_string(other.line) + ' ' + other.word + '>' + other.readAs;
+    }
+    EXPECT_EQ(history->ReferenceType(), type);
+    return others;
   };
-  EXPECT_EQ(typeOf("START"), AQ_START_REF);
-  EXPECT_EQ(typeOf("oaMax"), AQ_OAMAX);
-  EXPECT_EQ(typeOf("OTHER"), AQ_OTHER);
-  EXPECT_EQ(typeOf("PEAK"), std::nullopt);
+  EXPECT_EQ(othersOf(11, "ReferenceTimeType**,START", AQ_START_REF), "");
+  EXPECT_EQ(othersOf(11, "ReferenceTimeType**,oaMax", AQ_OAMAX), "");
+  EXPECT_EQ(othersOf(11, "ReferenceTimeType**,PEAK", AQ_START_REF), "11 PEAK>START");
+  EXPECT_EQ(othersOf(6, "AveragingMethod**,FOO", AQ_START_REF), "6 FOO>LINEAR");
+  EXPECT_EQ(othersOf(7, "TimeStampType**,MIDDLE", AQ_START_REF), "7 MIDDLE>START");
 }
 
 TEST(DataSTH, LinesAreTakenByPlaceAndRecordsByNumber) {

@@ -64,6 +64,7 @@ def samples(folder):
     changed("near.sth.csv", "61.51", "61.52")
     last = history.splitlines(keepends=True)[-1]
     (folder / "again.sth.csv").write_text(named("again.sth.csv") + last * 5000)
+    (folder / "late.csv").write_text("\n" * 6 + "14:30:03.996,0,,,,,,,7,8,9\n")
     (folder / "notes.txt").write_text("no measurement\n")
     (folder / "deep" / "er").mkdir(parents=True)
     (folder / "deep" / ".hidden").mkdir()
@@ -109,6 +110,9 @@ ROWS = [  # command, status, in the output, in the messages
         'line 22, field 4: error: expected a level, found "6x.2" [unreadable]',
         "",
     ),
+    ("convert words.sth.csv -o w.sth.csv", 2, "", 'method "FOOLINEAR", which is not known'),
+    (f"convert {STH} -o w.sth.csv && aqdata diff --dates {STH} w.sth.csv", 0, "no difference", ""),
+    ("track late.csv -o late.pth.csv && tail -1 late.pth.csv", 0, "14:30:04,7", ""),
     ("check words.sth.csv", 1, 'line 6, field 2: warning: "FOOLINEAR" is not known', ""),
     ("check loud.sth.csv", 1, "line 22, field 4, record 1, band 17: warning: 261.51 dB", ""),
     ("check --only heading loud.sth.csv", 0, "1 without findings", ""),

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <aq/files/late_times.h>
 #include <aq/text/call_file.h>
 
 #include <string>
@@ -30,12 +31,13 @@ void expectOutput(const Session& session, const std::vector<std::string_view>& e
 [[nodiscard]] std::string outputPlace(const Session& session);
 
 /// Writes a header and a model there by a file class. Source files keep the dates that the header
-/// has for them.
-template <class File, class... In>
-void writeOutput(const Session& session, In&... in) {
+/// has for them; times late in a second are written as the next one.
+template <class File, class Header, class Model>
+void writeOutput(const Session& session, Header& header, Model& model) {
+  if constexpr (requires { aq::roundLateTimes(model); }) aq::roundLateTimes(model);
   File file;
   file.fileInformation(aq::keepingFileInformation());
-  expectGood(aq::writeFrom(file, outputPlace(session), in...), file);
+  expectGood(aq::writeFrom(file, outputPlace(session), header, model), file);
 }
 
 /// Writes a file of these lines there.

@@ -94,7 +94,7 @@ Json headerFrom(const History& read) {
   values["time_stamp"] = history.sTimeStampType();
   values["start_time"] = timeText(*history.startTime());
   values["reference_time"] = timeText(*history.ReferenceTime());
-  values["reference_time_type"] = read.referenceType;
+  values["reference_time_type"] = read.words.reference();
   return inCardOrder(values);
 }
 

@@ -1,6 +1,7 @@
 #include "tools/aqdata/measurement.h"
 
 #include <aq/check/check_file.h>
+#include <aq/files/late_times.h>
 #include <fmt/format.h>
 
 #include <cmath>
@@ -47,10 +48,10 @@ Held<Header, Model> readBy(const std::string& path, const Reading& how) {
   Held<Header, Model> held;
   File file;
   file.observeHeader(how.watch);
-  if constexpr (requires { held.referenceType; }) {
+  if constexpr (requires { held.words; }) {
     file.observeHeader([&](const aq::HeaderLine& line) {
-      if (line.keyword == "ReferenceTimeType") held.referenceType = line.value;
-      if (how.watch) how.watch(line);
+      held.words.see(line);
+      aq::showLine(how.watch, line);
     });
   }
   if constexpr (requires { file.RT20Limit(how.rt20Limit); }) file.RT20Limit(how.rt20Limit);
@@ -58,6 +59,7 @@ Held<Header, Model> readBy(const std::string& path, const Reading& how) {
   if constexpr (requires { held.recordLength; }) {
     held.recordLength = recordLengthOf(file, *held.model).value_or(held.recordLength);
   }
+  if constexpr (requires { held.words; }) held.others = held.words.takeInto(*held.model);
   if constexpr (requires { held.rejected; }) held.rejected = file.nBadPositions();
   return held;
 }
@@ -104,6 +106,13 @@ std::string_view kindWord(aq::FileKind kind) {
     if (format.kind == kind) word = format.word;
   });
   return word;
+}
+
+void expectKnownWords(const History& read, const std::string& path) {
+  if (read.others.empty()) return;
+  const aq::HistoryWords::Other& other = read.others.front();
+  throw Failure(fmt::format("{}: has the {} {}, which is not known, and would be written as {}",
+                            aq::escaped(path), other.what, aq::shown(other.word), other.readAs));
 }
 
 void expectGood(aq::AQ_DataMessage result, const aq::FileClass& file) {
@@ -154,8 +163,9 @@ Tracking openTracking(const std::string& path, const aq::HeaderObserver& watch,
   return openHeld<Tracking>(path, {watch, rt20Limit});
 }
 
-std::string timeText(const aq::AQ_Time& time) {
+std::string timeText(aq::AQ_Time time) {
   try {
+    aq::roundLateTime(time);
     return time.TODstring();
   } catch (const aq::Error&) {
     return {};

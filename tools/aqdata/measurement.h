@@ -8,6 +8,7 @@
 #include <tuple>
 #include <type_traits>
 #include <variant>
+#include <vector>
 
 namespace aqdata {
 
@@ -18,8 +19,9 @@ struct Held : aq::Content<Header, Model> {};
 template <>
 struct Held<aq::AQ_HeaderSTH, aq::AQ_SpectralTimeHistory>
     : aq::Content<aq::AQ_HeaderSTH, aq::AQ_SpectralTimeHistory> {
-  std::string referenceType = {};  // as written, since no history takes it from every file
-  double recordLength = 0.5;       // in seconds; not in every file
+  aq::HistoryWords words = {};                       // of the header
+  std::vector<aq::HistoryWords::Other> others = {};  // of them, which would be written as others
+  double recordLength = 0.5;                         // in seconds; not in every file
 };
 
 template <>
@@ -80,10 +82,13 @@ void expectFile(const std::string& path);
 [[nodiscard]] Tracking openTracking(const std::string& path, const aq::HeaderObserver& watch = {},
                                     std::uint8_t rt20Limit = 1);
 
+/// Throws `Failure` for a history whose header has a word that would be written as another.
+void expectKnownWords(const History& read, const std::string& path);
+
 /// Throws `Failure` unless a read or a write went well.
 void expectGood(aq::AQ_DataMessage result, const aq::FileClass& file);
 
-/// The time of day as text; empty when it has no clock form.
-[[nodiscard]] std::string timeText(const aq::AQ_Time& time);
+/// The time of day as text, to the nearest that has one; empty when it has no clock form.
+[[nodiscard]] std::string timeText(aq::AQ_Time time);
 
 }  // namespace aqdata

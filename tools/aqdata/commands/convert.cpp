@@ -130,13 +130,7 @@ void putHistory(Session& session, const ConvertChoice& choice, const Measurement
   if (read == nullptr) throw Failure("a history is made of a history or a recording alone");
   if (choice.record) throw Failure("a history has all records");
   aq::AQ_SpectralTimeHistory& history = *read->model;
-  auto type = history.ReferenceType();
-  const bool worded = measurement.kind != aq::FileKind::AnalyzerRecording;
-  if (worded && !aq::setByWord(type, aq::upperCased(read->referenceType))) {
-    throw Failure(fmt::format("{}: has the reference time type {}, which is not known",
-                              aq::escaped(choice.file), aq::shown(read->referenceType)));
-  }
-  history.ReferenceType(type);
+  expectKnownWords(*read, choice.file);
   if (inColumns) {
     aq::AQ_DataSPC file;
     file.RecordLength(read->recordLength);

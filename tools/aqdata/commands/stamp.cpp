@@ -1,5 +1,3 @@
-#include <aq/files/reference_type_line.h>
-#include <aq/text/checked_keywords.h>
 #include <aq/text/number_text.h>
 #include <fmt/format.h>
 
@@ -53,35 +51,22 @@ Enumeration valueOf(const std::string& word) {
   return value;
 }
 
-/// What is read of a header by words. One that is not known would be written as another.
-struct Words {
-  std::string averaging = {};
-  aq::ReferenceTypeLine reference = {};
-
-  void see(const aq::HeaderLine& line) {
-    if (line.keyword == aq::keywords::kAveragingMethod) averaging = line.value;
-    reference.see(line);
-  }
-};
-
 /// The reference type to write: the one that was asked for, or the file's own.
-aq::AQ_RefTimeType referenceOf(const Words& words, const StampChoice& choice) {
+aq::AQ_RefTimeType referenceOf(const History& read, const StampChoice& choice) {
   if (!choice.referenceType.empty()) {
     return valueOf<aq::AQ_RefTimeType>(choice.referenceType);
   }
-  if (const auto own = words.reference.type()) return *own;
+  if (const auto own = read.words.referenceType()) return *own;
   throw Failure(
       fmt::format("{}: has the reference time type {}, which is not known; --ref-type "
                   "says which to write",
-                  aq::escaped(choice.file), aq::shown(words.reference.word())));
+                  aq::escaped(choice.file), aq::shown(read.words.reference())));
 }
 
-void expectKnown(const Words& words, const History& read, const std::string& file) {
-  if (aq::upperCased(words.averaging) == read.model->sAveragingMethod()) return;
-  throw Failure(
-      fmt::format("{}: has the averaging method {}, which is not known, and would be "
-                  "written as {}",
-                  aq::escaped(file), aq::shown(words.averaging), read.model->sAveragingMethod()));
+/// The types of stamps and reference are written anew; what else has a word has to be known.
+void expectKnownAveraging(History read, const std::string& file) {
+  std::erase_if(read.others, [](const auto& other) { return other.what != "averaging method"; });
+  expectKnownWords(read, file);
 }
 
 /// A run lasts minutes, so a reference half a day away is one on the other side of midnight.
@@ -97,11 +82,10 @@ void stamp(Session& session, const StampChoice& choice) {
   expectOutput(session, {".sth.csv", ".csv"}, {});
   aq::AQ_Time start = timeFrom("--start", choice.start);
   aq::AQ_Time reference = timeFrom("--ref", choice.reference);
-  Words words;
-  const History read = openHistory(choice.file, [&](const auto& line) { words.see(line); });
-  expectKnown(words, read, choice.file);
+  const History read = openHistory(choice.file);
+  expectKnownAveraging(read, choice.file);
   const auto type = valueOf<aq::AQ_TimeStampType>(choice.type);
-  const auto referenceType = referenceOf(words, choice);
+  const auto referenceType = referenceOf(read, choice);
   setDates(start, reference);
   try {
     // NOLINTNEXTLINE(readability-suspicious-call-argument): two times, each with its type
