@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <limits>
+#include <span>
 #include <string>
+#include <utility>
 
 #include "aq/core/error.h"
 #include "aq/detail/pointers.h"
@@ -22,33 +24,61 @@ const AQ_MaskRow* rowOf(const AQ_MaskMap* map, std::int16_t record) {
   return &orThrow(map->heldRow(record));
 }
 
-void findPerceivedNoise(const CountedLevels& levels, RecordMetrics& metrics) {
-  const auto perceived = levels.levelsFrom<kNoyBands.size()>(kFirstNoyBand);
-  metrics.perceivedBands = static_cast<std::int16_t>(std::count_if(
-      perceived.begin(), perceived.end(), [](double level) { return !std::isnan(level); }));
-  if (metrics.perceivedBands == 0) return;
-  const double pnl = perceivedNoiseLevelOf(levels);
-  if (!std::isfinite(pnl)) {
-    throw Error(ErrorCode::Overflow, "record " + std::to_string(metrics.record) +
-                                         ": the levels are too high for a perceived noise level");
+/// How many of bands 17 to 40 of each record have a level that counts.
+BlockRow perceivedBandsOf(const RecordBlock& block) {
+  BlockRow bands{};
+  for (std::int32_t band = kFirstNoyBand; band <= kLastNoyBand; ++band) {
+    const BlockRow& levels = block.levels(band);
+    for (std::size_t r = 0; r < kBlockRecords; ++r) bands[r] += std::isnan(levels[r]) ? 0 : 1;
   }
-  const ToneProcedure tone(levels);
-  metrics.value(AQ_METRIC_PNL, pnl);
-  metrics.value(AQ_METRIC_PNLT, pnl + tone.largest);
-  metrics.value(AQ_METRIC_TONECOR, tone.largest);
-  metrics.value(AQ_METRIC_TONEBND, tone.largestBand);
+  return bands;
 }
 
-RecordMetrics metricsOf(std::int16_t record, const CountedLevels& levels) {
-  RecordMetrics metrics;
-  metrics.record = record;
-  metrics.values.fill(kNoValue);
-  const WeightedLevels weighted = weightedLevelsOf(levels);
-  std::copy(weighted.begin(), weighted.end(), metrics.values.begin());
-  findPerceivedNoise(levels, metrics);
-  metrics.value(AQ_METRIC_INTEG, 0);
-  return metrics;
-}
+/// Computes the metrics of records, a block at a time, in the memory of the one before.
+class BlockMetrics {
+ public:
+  using Records = std::span<RecordMetrics>;  // with their numbers
+
+  /// Gives `metrics` its values, but for those that take a map or an event.
+  void find(std::span<const RecordBlock::Record> records, Records metrics) {
+    block_.take(records);
+    findLevels(metrics);
+    findPerceivedNoise(metrics);
+  }
+
+ private:
+  void findLevels(Records metrics) const {
+    const WeightedLevels levels = weightedLevelsOf(block_);
+    for (std::size_t r = 0; r < metrics.size(); ++r) {
+      for (std::size_t type = 0; type < levels.size(); ++type) {
+        metrics[r].values[type] = levels[type][r];
+      }
+    }
+  }
+
+  void findPerceivedNoise(Records metrics) {
+    const BlockRow bands = perceivedBandsOf(block_);
+    const BlockRow pnl = perceivedNoiseLevelsOf(block_);
+    tone_.take(block_);
+    for (std::size_t r = 0; r < metrics.size(); ++r) {
+      RecordMetrics& record = metrics[r];
+      record.perceivedBands = static_cast<std::int16_t>(bands[r]);
+      if (record.perceivedBands == 0) continue;
+      if (!std::isfinite(pnl[r])) {
+        throw Error(ErrorCode::Overflow,
+                    "record " + std::to_string(record.record) +
+                        ": the levels are too high for a perceived noise level");
+      }
+      record.value(AQ_METRIC_PNL, pnl[r]);
+      record.value(AQ_METRIC_PNLT, pnl[r] + tone_.largest[r]);
+      record.value(AQ_METRIC_TONECOR, tone_.largest[r]);
+      record.value(AQ_METRIC_TONEBND, tone_.largestBand[r]);
+    }
+  }
+
+  RecordBlock block_;
+  ToneProcedure tone_;
+};
 
 /// How long each record lasts, from the seconds of the day of their stamps: until the next stamp,
 /// over midnight too; the last one as long as the one before it.
@@ -99,25 +129,49 @@ void flagRecords(const NoiseEvent& event, std::vector<RecordMetrics>& records) {
   }
 }
 
+/// The metrics of a history's records but for their parts in the event, and the seconds of the day
+/// of their stamps.
+struct Series {
+  std::vector<RecordMetrics> records;
+  std::vector<double> stamps;
+};
+
+Series seriesOf(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map) {
+  Series series;
+  std::vector<RecordBlock::Record> given;
+  const auto count = static_cast<std::size_t>(std::max<std::int16_t>(0, history.Count()));
+  series.records.reserve(count);
+  series.stamps.reserve(count);
+  given.reserve(count);
+  for (const auto& [number, object] : history) {
+    const AQ_Spectrum& spectrum = orThrow(object);
+    RecordMetrics metrics;
+    metrics.record = static_cast<std::int16_t>(number);
+    metrics.values.fill(kNoValue);
+    metrics.value(AQ_METRIC_INTEG, 0);
+    const AQ_MaskRow* const row = rowOf(map, metrics.record);
+    if (map != nullptr) metrics.value(AQ_METRIC_LGB, row == nullptr ? 0 : lastGoodBand(*row));
+    series.records.push_back(metrics);
+    series.stamps.push_back(spectrum.timeValue().TODseconds());
+    given.push_back({&spectrum, row});
+  }
+  BlockMetrics block;
+  for (std::size_t begin = 0; begin < given.size(); begin += kBlockRecords) {
+    const std::size_t size = std::min(kBlockRecords, given.size() - begin);
+    block.find(std::span(given).subspan(begin, size),
+               std::span(series.records).subspan(begin, size));
+  }
+  return series;
+}
+
 }  // namespace
 
 HistoryMetrics historyMetrics(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map) {
+  Series series = seriesOf(history, map);
   HistoryMetrics result;
-  std::vector<double> stamps;
-  CountedLevels levels;
-  for (const auto& [number, object] : history) {
-    const AQ_Spectrum& spectrum = orThrow(object);
-    const auto record = static_cast<std::int16_t>(number);
-    const AQ_MaskRow* const row = rowOf(map, record);
-    levels.take(spectrum, row);
-    result.records.push_back(metricsOf(record, levels));
-    if (map != nullptr) {
-      result.records.back().value(AQ_METRIC_LGB, row == nullptr ? 0 : lastGoodBand(*row));
-    }
-    stamps.push_back(spectrum.timeValue().TODseconds());
-  }
+  result.records = std::move(series.records);
   if (result.records.empty()) return result;
-  result.event = eventOf(result.records, durationsOf(result.records, stamps));
+  result.event = eventOf(result.records, durationsOf(result.records, series.stamps));
   if (result.event) flagRecords(*result.event, result.records);
   return result;
 }

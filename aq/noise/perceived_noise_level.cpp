@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstddef>
 #include <map>
-#include <numeric>
 
 #include "aq/core/error.h"
 #include "aq/noise/noy_table.h"
@@ -30,32 +29,42 @@ class NoyTables {
     const Piece silence{0, 0, &powers_.try_emplace(0, 0).first->second};
     for (std::size_t i = 0; i < bands_.size(); ++i) {
       const NoyBand& band = kNoyBands[i];
-      bands_[i] = {piece(band.splA, 1, band.mC, band.splC), piece(band.splB, 1, band.mB, band.splB),
+      const Piece from = piece(band.splB, 1, band.mB, band.splB);
+      const bool goesOn = !std::isfinite(band.splA);
+      bands_[i] = {goesOn ? from : piece(band.splA, 1, band.mC, band.splC), from,
                    piece(band.splE, 0.3, band.mE, band.splE),
                    piece(band.splD, 0.1, band.mD, band.splD), silence};
     }
   }
 
   /// Of the band at a place of `kNoyBands`.
-  [[nodiscard]] double noys(std::size_t band, LevelCode code) const {
+  [[nodiscard]] BlockRow noys(std::size_t band, const RecordBlock::Codes& codes) const {
     const Band& pieces = bands_[band];
-    std::size_t at = 0;  // counted, as no branch could be guessed
-    for (std::size_t i = 0; i < kPieces; ++i) at += static_cast<std::size_t>(code < pieces[i].from);
-    return pieces[at].factor * pieces[at].powers->of(code);
+    RecordBlock::Codes at{};  // counted, as no branch could be guessed
+    for (std::size_t i = 0; i < kPieces; ++i) {
+      const LevelCode from = pieces[i].from;
+      for (std::size_t r = 0; r < kBlockRecords; ++r) {
+        at[r] = static_cast<LevelCode>(at[r] + (codes[r] < from ? 1 : 0));
+      }
+    }
+    BlockRow noys;
+    for (std::size_t r = 0; r < kBlockRecords; ++r) {
+      const Piece& piece = pieces[static_cast<std::size_t>(at[r])];
+      noys[r] = piece.factor * piece.powers->of(codes[r]);
+    }
+    return noys;
   }
 
  private:
   struct Piece {
-    int from = 0;  // the lowest code
+    LevelCode from = 0;  // the lowest code
     double factor = 0;
     const PowersOfLevels* powers = nullptr;
   };
 
   Piece piece(double begin, double noysThere, double slope, double zero) {
-    constexpr int kNever = 32768;  // above all codes
-    const int from = std::isfinite(begin) ? static_cast<int>(std::lround(begin * 100)) : kNever;
     const PowersOfLevels& powers = powers_.try_emplace(slope, slope).first->second;
-    return {from, noysThere * powerOfTen(-slope * zero), &powers};
+    return {codeOf(begin).value(), noysThere * powerOfTen(-slope * zero), &powers};
   }
 
   static constexpr std::size_t kPieces = 4;
@@ -65,32 +74,39 @@ class NoyTables {
   std::array<Band, kNoyBands.size()> bands_{};
 };
 
-using Noys = std::array<double, kNoyBands.size()>;
-
-Noys noysOf(const CountedLevels& record) {
-  Noys noys{};
-  if (record.hasCodes()) {
-    const auto codes = record.codesFrom<kNoyBands.size()>(kFirstNoyBand);
-    static const NoyTables tables;
-    for (std::size_t i = 0; i < noys.size(); ++i) noys[i] = tables.noys(i, codes[i]);
-  } else {
-    const auto levels = record.levelsFrom<kNoyBands.size()>(kFirstNoyBand);
-    for (std::size_t i = 0; i < noys.size(); ++i) noys[i] = noysOf(kNoyBands[i], levels[i]);
+BlockRow noysOf(std::size_t place, const RecordBlock& block) {
+  static const NoyTables tables;
+  const auto band = kFirstNoyBand + static_cast<std::int32_t>(place);
+  BlockRow noys = tables.noys(place, block.codes(band));
+  for (const std::size_t r : block.uncoded()) {
+    noys[r] = noysOf(kNoyBands[place], block.levels(band)[r]);
   }
   return noys;
 }
 
 }  // namespace
 
-double perceivedNoiseLevelOf(const CountedLevels& record) {
-  const Noys noys = noysOf(record);
-  const double highest = *std::max_element(noys.begin(), noys.end());
-  const double total = 0.85 * highest + 0.15 * std::accumulate(noys.begin(), noys.end(), 0.0);
-  return total > 0 ? 40 + 10 * std::log2(total) : 0;
+BlockRow perceivedNoiseLevelsOf(const RecordBlock& block) {
+  BlockRow highest{};
+  BlockRow sum{};
+  for (std::size_t i = 0; i < kNoyBands.size(); ++i) {
+    const BlockRow noys = noysOf(i, block);
+    for (std::size_t r = 0; r < kBlockRecords; ++r) {
+      const double before = highest[r];
+      highest[r] = noys[r] > before ? noys[r] : before;
+      sum[r] += noys[r];
+    }
+  }
+  BlockRow levels{};
+  for (std::size_t r = 0; r < block.size(); ++r) {
+    const double total = 0.85 * highest[r] + 0.15 * sum[r];
+    levels[r] = total > 0 ? 40 + 10 * std::log2(total) : 0;
+  }
+  return levels;
 }
 
 double perceivedNoiseLevel(const AQ_Spectrum& spectrum, const AQ_MaskRow* masks) {
-  const double level = perceivedNoiseLevelOf(CountedLevels(spectrum, masks));
+  const double level = perceivedNoiseLevelsOf(RecordBlock(spectrum, masks))[0];
   if (std::isfinite(level)) return level;
   throw Error(ErrorCode::Overflow, "the levels are too high for a perceived noise level");
 }

@@ -3,19 +3,19 @@
 #include <array>
 
 #include "aq/core/enumerations.h"
-#include "aq/noise/counted_levels.h"
+#include "aq/noise/record_block.h"
 
-// The metrics of one record from the levels that count, for all who have taken them.
+// The metrics of the records of a block, for all who have taken them.
 
 namespace aq {
 
 /// Levels by type, from `AQ_METRIC_AWT` to `AQ_METRIC_OA`; NaN for none.
-using WeightedLevels = std::array<double, AQ_METRIC_OA>;
+using WeightedLevels = std::array<BlockRow, AQ_METRIC_OA>;
 
 /// See `weightedLevel`.
-[[nodiscard]] WeightedLevels weightedLevelsOf(const CountedLevels& record);
+[[nodiscard]] WeightedLevels weightedLevelsOf(const RecordBlock& block);
 
 /// See `perceivedNoiseLevel`; infinite instead of throwing.
-[[nodiscard]] double perceivedNoiseLevelOf(const CountedLevels& record);
+[[nodiscard]] BlockRow perceivedNoiseLevelsOf(const RecordBlock& block);
 
 }  // namespace aq

@@ -7,33 +7,34 @@
 namespace aq {
 namespace {
 
-ToneStep stepAt(const ToneProcedure& procedure, std::size_t i) {
+/// Of the only record of a block.
+ToneStep stepAt(const ToneProcedure& procedure, std::size_t i, std::size_t count) {
   ToneStep step;
   step.band = static_cast<std::int16_t>(kFirstToneBand + static_cast<int>(i));
-  step.level = procedure.level[i];
-  if (i > 0) step.slope = procedure.slope[i];
-  step.slopeMarked = procedure.slopeMarked[i];
-  step.levelMarked = procedure.levelMarked[i];
-  step.adjusted = procedure.adjusted[i];
-  if (procedure.count > 1) step.adjustedSlope = procedure.adjustedSlope[i];
-  if (i + 1 < procedure.count) step.meanSlope = procedure.meanSlope[i];
-  step.background = procedure.background[i];
-  step.difference = procedure.difference[i];
-  step.correction = procedure.correction[i];
+  step.level = procedure.level[i][0];
+  if (i > 0) step.slope = procedure.slope[i][0];
+  step.slopeMarked = procedure.slopeMarked(i, 0);
+  step.levelMarked = procedure.levelMarked(i, 0);
+  step.adjusted = procedure.adjusted[i][0];
+  if (count > 1) step.adjustedSlope = procedure.adjustedSlope[i][0];
+  if (i + 1 < count) step.meanSlope = procedure.meanSlope[i][0];
+  step.background = procedure.background[i][0];
+  step.difference = procedure.difference[i][0];
+  step.correction = procedure.correction[i][0];
   return step;
 }
 
 }  // namespace
 
 ToneCorrection toneCorrection(const AQ_Spectrum& spectrum, const AQ_MaskRow* masks) {
-  const ToneProcedure procedure{CountedLevels(spectrum, masks)};
+  const ToneProcedure procedure{RecordBlock(spectrum, masks)};
+  const std::size_t count = procedure.count(0);
   ToneCorrection result;
-  result.correction = procedure.largest;
-  result.band = procedure.largestBand;
-  result.lastBand =
-      static_cast<std::int16_t>(kFirstToneBand - 1 + static_cast<int>(procedure.count));
-  result.rows.reserve(procedure.count);
-  for (std::size_t i = 0; i < procedure.count; ++i) result.rows.push_back(stepAt(procedure, i));
+  result.correction = procedure.largest[0];
+  result.band = static_cast<std::int16_t>(procedure.largestBand[0]);
+  result.lastBand = static_cast<std::int16_t>(kFirstToneBand - 1 + static_cast<int>(count));
+  result.rows.reserve(count);
+  for (std::size_t i = 0; i < count; ++i) result.rows.push_back(stepAt(procedure, i, count));
   return result;
 }
 

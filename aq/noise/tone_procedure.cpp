@@ -2,88 +2,146 @@
 
 #include <algorithm>
 #include <cmath>
-#include <tuple>
+#include <limits>
 
 namespace aq {
 namespace {
 
 constexpr double kSlopeChange = 5;  // dB, beyond which a slope is marked
+constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
-std::int16_t bandAt(std::size_t place) {
-  return static_cast<std::int16_t>(kFirstToneBand + static_cast<int>(place));
-}
+double bandAt(std::size_t place) { return kFirstToneBand + static_cast<double>(place); }
 
 /// A tone counts double from 500 to 5000 Hz.
-bool countsDouble(std::int16_t band) { return band >= 27 && band <= 37; }
+double weightAt(std::size_t place) { return bandAt(place) >= 27 && bandAt(place) <= 37 ? 2 : 1; }
 
-/// dB, from the difference to the background. The pieces of the curve are the least of their three
-/// lines, so that no branch is to be guessed.
-double correctionOf(double difference, std::int16_t band) {
-  if (countsDouble(band)) {
-    return std::max(0.0, std::min({2 * difference / 3 - 1, difference / 3, 20.0 / 3}));
-  }
-  return std::max(0.0, std::min({difference / 3 - 0.5, difference / 6, 10.0 / 3}));
+// Steps are written for the compiler to take them for several records in one instruction: all that
+// may be needed is computed, and a choice is one comparison between two values.
+
+/// dB, from the difference to the background, of a tone that counts once; 0 for NaN. The pieces of
+/// the curve are the least of their three lines.
+double correctionOf(double difference) {
+  const double third = difference / 3;
+  const double rising = third - 0.5;
+  const double steady = third / 2;
+  const double below = rising < steady ? rising : steady;
+  const double least = below < 10.0 / 3 ? below : 10.0 / 3;
+  return least > 0 ? least : 0;
 }
 
 }  // namespace
 
-ToneProcedure::ToneProcedure(const CountedLevels& record) {
-  level = record.levelsFrom<std::tuple_size_v<Column>>(kFirstToneBand);
-  while (count < level.size() && !std::isnan(level[count])) ++count;
-  if (count == 0) return;
-  findSlopes();
-  markLevels();
+void ToneProcedure::take(const RecordBlock& block) {
+  findSlopes(block);
   adjustLevels();
   findBackground();
   correct();
+  findLargest();
 }
 
-void ToneProcedure::findSlopes() {
-  for (std::size_t i = 1; i < count; ++i) slope[i] = level[i] - level[i - 1];
+std::size_t ToneProcedure::count(std::size_t record) const {
+  std::size_t count = 0;
+  while (!std::isnan(level[count][record])) ++count;  // no level counts above the last band
+  return count;
 }
 
-void ToneProcedure::markLevels() {
-  for (std::size_t i = 2; i < count; ++i) {
-    slopeMarked[i] = std::abs(slope[i] - slope[i - 1]) > kSlopeChange;
-    if (!slopeMarked[i]) continue;
-    if (slope[i] > 0 && slope[i] > slope[i - 1]) levelMarked[i] = true;
-    if (slope[i] <= 0 && slope[i - 1] > 0) levelMarked[i - 1] = true;
+bool ToneProcedure::levelMarked(std::size_t place, std::size_t record) const {
+  return levelMark[place][record] != 0;
+}
+
+bool ToneProcedure::slopeMarked(std::size_t place, std::size_t record) const {
+  return std::abs(slopeChange[place][record]) > kSlopeChange;
+}
+
+void ToneProcedure::findSlopes(const RecordBlock& block) {
+  for (std::size_t i = 0; i < kBands; ++i)
+    level[i] = block.levels(kFirstToneBand + static_cast<int>(i));
+  level[kBands].fill(kNone);
+  level[kBands + 1].fill(kNone);
+  slope[0].fill(kNone);
+  for (std::size_t i = 1; i < level.size(); ++i) {
+    for (std::size_t r = 0; r < kBlockRecords; ++r) {
+      level[i][r] = std::isnan(level[i - 1][r]) ? kNone : level[i][r];
+      slope[i][r] = level[i][r] - level[i - 1][r];
+      slopeChange[i][r] = slope[i][r] - slope[i - 1][r];
+    }
   }
 }
 
 void ToneProcedure::adjustLevels() {
-  adjusted = level;
-  for (std::size_t i = 1; i + 1 < count; ++i) {
-    if (levelMarked[i]) adjusted[i] = (level[i - 1] + level[i + 1]) / 2;
+  adjusted[0] = level[0];
+  adjustedSlope[0].fill(kNone);
+  for (std::size_t i = 1; i <= kBands; ++i) {
+    for (std::size_t r = 0; r < kBlockRecords; ++r) {
+      const double own = level[i][r];
+      const double below = level[i - 1][r];
+      const double above = level[i + 1][r];
+      const double mean = (below + above) / 2;
+      const double onward = below + slope[i - 1][r];
+      const double other = above == above ? mean : onward;
+      // A rise that bends by more than the limit takes the level out: up below it, or down above it
+      // into a fall.
+      const double fallsAbove = slope[i + 1][r] <= 0 ? 1 : 0;
+      const double bendsDown = slopeChange[i + 1][r] < -kSlopeChange ? fallsAbove : 0;
+      const double bends = slopeChange[i][r] > kSlopeChange ? 1 : bendsDown;
+      const double mark = slope[i][r] > 0 ? bends : 0;
+      const double instead = mark == 0 ? own : other;
+      levelMark[i][r] = mark;
+      adjusted[i][r] = instead;
+      const double change = instead - adjusted[i - 1][r];
+      const double changeBelow = adjustedSlope[i - 1][r];
+      adjustedSlope[i][r] = change == change ? change : changeBelow;
+    }
   }
-  const std::size_t last = count - 1;
-  if (levelMarked[last]) adjusted[last] = level[last - 1] + slope[last - 1];
-  for (std::size_t i = 1; i < count; ++i) adjustedSlope[i] = adjusted[i] - adjusted[i - 1];
-  if (count > 1) adjustedSlope[0] = adjustedSlope[1];
+  adjustedSlope[0] = adjustedSlope[1];
 }
 
 void ToneProcedure::findBackground() {
-  const std::size_t last = count - 1;
-  background[0] = level[0];
-  for (std::size_t i = 0; i < last; ++i) {
-    const double next = adjustedSlope[i + 1];
-    // Above the last band its own slope goes on.
-    const double afterNext = i + 2 <= last ? adjustedSlope[i + 2] : adjustedSlope[last];
-    meanSlope[i] = (adjustedSlope[i] + next + afterNext) / 3;
-    background[i + 1] = background[i] + meanSlope[i];
+  BlockRow current = level[0];
+  background[0] = current;
+  for (std::size_t i = 0; i + 1 < kBands; ++i) {
+    BlockRow mean;
+    for (std::size_t r = 0; r < kBlockRecords; ++r) {
+      mean[r] = (adjustedSlope[i][r] + adjustedSlope[i + 1][r] + adjustedSlope[i + 2][r]) / 3;
+      current[r] += mean[r];
+    }
+    meanSlope[i] = mean;
+    background[i + 1] = current;
   }
 }
 
 void ToneProcedure::correct() {
-  constexpr std::size_t kLeastBands = 3;
-  for (std::size_t i = 0; i < count; ++i) {
-    difference[i] = level[i] - background[i];
-    correction[i] = count < kLeastBands ? 0 : correctionOf(difference[i], bandAt(i));
-    if (correction[i] > largest) {
-      largest = correction[i];
-      largestBand = bandAt(i);
+  for (std::size_t i = 0; i < kBands; ++i) {
+    const double weight = weightAt(i);
+    for (std::size_t r = 0; r < kBlockRecords; ++r) {
+      difference[i][r] = level[i][r] - background[i][r];
+      correction[i][r] = weight * correctionOf(difference[i][r]);
     }
   }
+}
+
+void ToneProcedure::findLargest() {
+  BlockRow most{};
+  for (std::size_t i = 0; i < kBands; ++i) {
+    for (std::size_t r = 0; r < kBlockRecords; ++r) {
+      const double found = correction[i][r];
+      const double before = most[r];
+      most[r] = found > before ? found : before;
+    }
+  }
+  BlockRow lowest{};
+  for (std::size_t i = kBands; i-- > 0;) {
+    const double band = bandAt(i);
+    for (std::size_t r = 0; r < kBlockRecords; ++r) {
+      const double higher = lowest[r];
+      lowest[r] = correction[i][r] == most[r] ? band : higher;
+    }
+  }
+  for (std::size_t r = 0; r < kBlockRecords; ++r) {
+    const double band = lowest[r];
+    largestBand[r] = most[r] > 0 ? band : 0;
+  }
+  largest = most;
 }
 
 }  // namespace aq

@@ -4,42 +4,55 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "aq/noise/counted_levels.h"
+#include "aq/noise/record_block.h"
 
 namespace aq {
 
 inline constexpr std::int16_t kFirstToneBand = 19;  // 80 Hz
 inline constexpr std::int16_t kLastToneBand = 40;   // 10 kHz
 
-/// The tone correction procedure of 14 CFR 36, A36.4.3, step by step, over the bands of a record
-/// from 80 Hz up to the first that does not count. Arrays are by place, the first band being 0.
+/// The tone correction procedure of 14 CFR 36, A36.4.3, step by step, over the bands of each record
+/// of a block from 80 Hz up to the first that does not count. Columns are by place, the first band
+/// being 0, then by record. What a step does not define is NaN, so that no step asks where the
+/// bands of a record end.
 class ToneProcedure {
  public:
-  explicit ToneProcedure(const CountedLevels& record);
+  ToneProcedure() = default;
+  explicit ToneProcedure(const RecordBlock& block) { take(block); }
 
-  using Column = std::array<double, kLastToneBand - kFirstToneBand + 1>;
-  using Marks = std::array<bool, kLastToneBand - kFirstToneBand + 1>;
+  /// Finds the corrections of another block.
+  void take(const RecordBlock& block);
 
-  std::size_t count = 0;  ///< bands taken
+  static constexpr std::size_t kBands = kLastToneBand - kFirstToneBand + 1;
+  using Column = std::array<BlockRow, kBands + 2>;  // two more, as steps look at those above
+
   Column level{};
-  Column slope{};  ///< from place 1 on
-  Marks slopeMarked{};
-  Marks levelMarked{};
-  Column adjusted{};
-  Column adjustedSlope{};  ///< for more than one band
-  Column meanSlope{};      ///< without the last place
+  Column slope{};          ///< from place 1 on
+  Column slopeChange{};    ///< from place 2 on
+  Column levelMark{};      ///< 1 where a level is taken out, else 0
+  Column adjusted{};       ///< the level, or what takes the place of a marked one
+  Column adjustedSlope{};  ///< goes on by one above the last band, and below the first
+  Column meanSlope{};      ///< without the last band
   Column background{};
   Column difference{};
-  Column correction{};
-  double largest = 0;            ///< of the corrections
-  std::int16_t largestBand = 0;  ///< the lowest with it; 0 for none
+  Column correction{};     ///< 0 where it does not count
+  BlockRow largest{};      ///< of the corrections
+  BlockRow largestBand{};  ///< the lowest with it; 0 for none
+
+  /// How many bands were taken.
+  [[nodiscard]] std::size_t count(std::size_t record) const;
+
+  /// Whether a slope changes by more than 5 dB.
+  [[nodiscard]] bool slopeMarked(std::size_t place, std::size_t record) const;
+
+  [[nodiscard]] bool levelMarked(std::size_t place, std::size_t record) const;
 
  private:
-  void findSlopes();
-  void markLevels();
+  void findSlopes(const RecordBlock& block);
   void adjustLevels();
   void findBackground();
   void correct();
+  void findLargest();
 };
 
 }  // namespace aq

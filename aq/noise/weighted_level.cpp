@@ -39,40 +39,28 @@ Factors factorsOfAll() {
   return factors;
 }
 
-/// The level of a sum of energies that are beyond a number's range: relative to the highest. No
-/// weights are weights of 0.
-double relativeSum(std::span<const double> levels, std::span<const double> weights) {
-  std::vector<double> weighted(levels.begin(), levels.end());
-  for (std::size_t i = 0; i < weights.size(); ++i) weighted[i] += weights[i];
-  std::erase_if(weighted, [](double level) { return std::isnan(level); });
-  if (weighted.empty()) return std::numeric_limits<double>::quiet_NaN();
-  const double highest = *std::max_element(weighted.begin(), weighted.end());
+/// The level of the sum of levels that count, relative to the highest, so that their energies may
+/// be beyond a number's range. NaN when there is none.
+double relativeSum(const std::vector<double>& levels) {
+  if (levels.empty()) return std::numeric_limits<double>::quiet_NaN();
+  const double highest = *std::max_element(levels.begin(), levels.end());
   double sum = 0;
-  for (const double level : weighted) sum += powerOfTen(0.1 * (level - highest));
+  for (const double level : levels) sum += powerOfTen(0.1 * (level - highest));
   return highest + 10 * logarithmOfTen(sum);
 }
 
-double levelOfSum(double energy, std::span<const double> levels, std::span<const double> weights) {
-  if (energy > 0 && std::isfinite(energy)) return 10 * logarithmOfTen(energy);
-  return relativeSum(levels, weights);
-}
-
-/// The bands that a record and the weightings share.
-struct SharedBands {
-  explicit SharedBands(const CountedLevels& record) {
-    const auto bands = static_cast<std::int32_t>(record.levels().size());
-    const std::int32_t begin = std::max<std::int32_t>(record.low(), kFirstWeightedBand);
-    const std::int32_t end = std::min<std::int32_t>(record.low() + bands, kLastWeightedBand + 1);
-    if (begin >= end) return;
-    count = static_cast<std::size_t>(end - begin);
-    place = static_cast<std::size_t>(begin - record.low());
-    weight = static_cast<std::size_t>(begin - kFirstWeightedBand);
+/// Without a weighting all bands count.
+double relativeSum(const CountedLevels& record, const Weighting* weighting) {
+  std::vector<double> levels;
+  for (std::int32_t band = record.low(); band < record.end(); ++band) {
+    const double level = record.level(band);
+    const bool isWeighted = band >= kFirstWeightedBand && band <= kLastWeightedBand;
+    if (std::isnan(level) || (weighting != nullptr && !isWeighted)) continue;
+    const auto at = static_cast<std::size_t>(band - kFirstWeightedBand);
+    levels.push_back(weighting == nullptr ? level : level + (*weighting)[at]);
   }
-
-  std::size_t count = 0;
-  std::size_t place = 0;   // of the first one in the record
-  std::size_t weight = 0;  // and in a weighting
-};
+  return relativeSum(levels);
+}
 
 std::optional<double> valueOf(double level) {
   if (std::isnan(level)) return std::nullopt;
@@ -81,24 +69,28 @@ std::optional<double> valueOf(double level) {
 
 }  // namespace
 
-WeightedLevels weightedLevelsOf(const CountedLevels& record) {
+WeightedLevels weightedLevelsOf(const RecordBlock& block) {
   static const Factors kFactors = factorsOfAll();
-  const SharedBands bands(record);
-  const auto levels = record.levels();
-  const auto energies = record.energies();
-  std::array<double, kWeightings> sums{};
-  for (std::size_t i = 0; i < bands.count; ++i) {
-    const auto& factors = kFactors[bands.weight + i];
-    const double energy = energies[bands.place + i];
-    for (std::size_t type = 0; type < kWeightings; ++type) sums[type] += energy * factors[type];
-  }
   WeightedLevels found{};
-  for (std::size_t type = 0; type < kWeightings; ++type) {
-    found[type] = levelOfSum(sums[type], levels.subspan(bands.place, bands.count),
-                             std::span(*kWeights[type]).subspan(bands.weight, bands.count));
+  BlockRow& overall = found[kWeightings];
+  overall = block.otherEnergies();
+  for (std::size_t i = 0; i < kFactors.size(); ++i) {
+    const BlockRow& energies = block.energies(kFirstWeightedBand + static_cast<std::int32_t>(i));
+    for (std::size_t type = 0; type < kWeightings; ++type) {
+      const double factor = kFactors[i][type];
+      for (std::size_t r = 0; r < kBlockRecords; ++r) found[type][r] += energies[r] * factor;
+    }
+    for (std::size_t r = 0; r < kBlockRecords; ++r) overall[r] += energies[r];
   }
-  const double overall = std::accumulate(energies.begin(), energies.end(), 0.0);
-  found[kWeightings] = levelOfSum(overall, levels, {});
+  for (std::size_t type = 0; type < found.size(); ++type) {
+    const Weighting* const weighting = type < kWeightings ? kWeights[type] : nullptr;
+    for (std::size_t r = 0; r < block.size(); ++r) {
+      const double energy = found[type][r];
+      const bool isInRange = energy > 0 && std::isfinite(energy);
+      found[type][r] =
+          isInRange ? 10 * logarithmOfTen(energy) : relativeSum(block.record(r), weighting);
+    }
+  }
   return found;
 }
 
@@ -106,7 +98,7 @@ std::optional<double> energySum(std::span<const double> levels) {
   std::vector<double> counted;
   std::copy_if(levels.begin(), levels.end(), std::back_inserter(counted),
                [](double level) { return std::isfinite(level) && level != kInvalidLevel; });
-  return valueOf(relativeSum(counted, {}));
+  return valueOf(relativeSum(counted));
 }
 
 std::optional<double> weightedLevel(const AQ_Spectrum& spectrum, AQ_METRIC_TYPE weighting,
@@ -116,8 +108,8 @@ std::optional<double> weightedLevel(const AQ_Spectrum& spectrum, AQ_METRIC_TYPE 
                 "expected the type of a weighted or overall level, found " +
                     std::to_string(std::int32_t{weighting}));
   }
-  const WeightedLevels levels = weightedLevelsOf(CountedLevels(spectrum, masks));
-  return valueOf(levels[static_cast<std::size_t>(weighting - AQ_METRIC_AWT)]);
+  const WeightedLevels levels = weightedLevelsOf(RecordBlock(spectrum, masks));
+  return valueOf(levels[static_cast<std::size_t>(weighting - AQ_METRIC_AWT)][0]);
 }
 
 }  // namespace aq
