@@ -1,5 +1,7 @@
 #include "aq/noise/set_metrics.h"
 
+#include <cmath>
+#include <cstddef>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -19,16 +21,23 @@ void forEachMetric(const Visit& visit) {
   }
 }
 
-/// The metric record with the computed values in place of its own.
-AQ_Metric renewed(AQ_Metric metric, const RecordMetrics& computed, bool withLastGoodBand) {
+/// Whether every value fits the single precision of a metric record; throws `Overflow`.
+void checkRange(const RecordMetrics& computed) {
+  for (const double value : computed.values) {
+    if (!std::isnan(value)) static_cast<void>(Variant(value).toSingle());
+  }
+}
+
+/// Puts the computed values in place of those of the metric record. Fails for nothing that
+/// `checkRange` lets through.
+void renew(AQ_Metric& metric, const RecordMetrics& computed, bool withLastGoodBand) {
   forEachMetric([&](AQ_METRIC_TYPE type) {
     if (computed.has(type)) {
-      metric.MetricValue(type, Variant(computed.value(type)).toSingle());
+      metric.MetricValue(type, static_cast<float>(computed.value(type)));
     } else if (type != AQ_METRIC_LGB || withLastGoodBand) {
       metric.remove(type);
     }
   });
-  return metric;
 }
 
 }  // namespace
@@ -37,17 +46,16 @@ std::optional<NoiseEvent> setMetrics(AQ_SpectralTimeHistory& history, const AQ_M
   HistoryMetrics computed = historyMetrics(history, map);
 
   // All that may fail is done before the first record changes.
-  std::vector<std::pair<std::shared_ptr<AQ_Metric>, AQ_Metric>> metrics;
-  metrics.reserve(computed.records.size());
-  for (const RecordMetrics& record : computed.records) {
-    auto held = history.spectrum(record.record)->Metric();
-    AQ_Metric metric = renewed(*held, record, map != nullptr);
-    metrics.emplace_back(std::move(held), std::move(metric));
-  }
+  std::vector<std::shared_ptr<AQ_Metric>> held;
+  held.reserve(computed.records.size());
+  for (const auto& [number, spectrum] : history) held.push_back(spectrum->Metric());
+  for (const RecordMetrics& record : computed.records) checkRange(record);
   auto summary = history.Metrics()->Copy();
   forEachMetric([&](AQ_METRIC_TYPE type) { summary->MetricType(type); });
 
-  for (auto& [held, metric] : metrics) *held = std::move(metric);
+  for (std::size_t i = 0; i < held.size(); ++i) {
+    renew(*held[i], computed.records[i], map != nullptr);
+  }
   *history.Metrics()->MetricTypes() = std::move(*summary->MetricTypes());
   return std::move(computed.event);
 }

@@ -14,7 +14,7 @@ ToneStep stepAt(const ToneProcedure& procedure, std::size_t i, std::size_t count
   step.level = procedure.level[i][0];
   if (i > 0) step.slope = procedure.slope[i][0];
   step.slopeMarked = procedure.slopeMarked(i, 0);
-  step.levelMarked = procedure.levelMarked(i, 0);
+  step.levelMarked = procedure.levelMark[i][0] != 0;
   step.adjusted = procedure.adjusted[i][0];
   if (count > 1) step.adjustedSlope = procedure.adjustedSlope[i][0];
   if (i + 1 < count) step.meanSlope = procedure.meanSlope[i][0];

@@ -24,8 +24,8 @@ double correctionOf(double difference) {
   const double third = difference / 3;
   const double rising = third - 0.5;
   const double steady = third / 2;
-  const double below = rising < steady ? rising : steady;
-  const double least = below < 10.0 / 3 ? below : 10.0 / 3;
+  const double lower = steady < rising ? steady : rising;
+  const double least = 10.0 / 3 < lower ? 10.0 / 3 : lower;
   return least > 0 ? least : 0;
 }
 
@@ -43,10 +43,6 @@ std::size_t ToneProcedure::count(std::size_t record) const {
   std::size_t count = 0;
   while (!std::isnan(level[count][record])) ++count;  // no level counts above the last band
   return count;
-}
-
-bool ToneProcedure::levelMarked(std::size_t place, std::size_t record) const {
-  return levelMark[place][record] != 0;
 }
 
 bool ToneProcedure::slopeMarked(std::size_t place, std::size_t record) const {
@@ -78,7 +74,7 @@ void ToneProcedure::adjustLevels() {
       const double above = level[i + 1][r];
       const double mean = (below + above) / 2;
       const double onward = below + slope[i - 1][r];
-      const double other = above == above ? mean : onward;
+      const double other = std::isnan(above) ? onward : mean;
       // A rise that bends by more than the limit takes the level out: up below it, or down above it
       // into a fall.
       const double fallsAbove = slope[i + 1][r] <= 0 ? 1 : 0;
@@ -90,7 +86,7 @@ void ToneProcedure::adjustLevels() {
       adjusted[i][r] = instead;
       const double change = instead - adjusted[i - 1][r];
       const double changeBelow = adjustedSlope[i - 1][r];
-      adjustedSlope[i][r] = change == change ? change : changeBelow;
+      adjustedSlope[i][r] = std::isnan(change) ? changeBelow : change;
     }
   }
   adjustedSlope[0] = adjustedSlope[1];

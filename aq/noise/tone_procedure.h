@@ -45,8 +45,6 @@ class ToneProcedure {
   /// Whether a slope changes by more than 5 dB.
   [[nodiscard]] bool slopeMarked(std::size_t place, std::size_t record) const;
 
-  [[nodiscard]] bool levelMarked(std::size_t place, std::size_t record) const;
-
  private:
   void findSlopes(const RecordBlock& block);
   void adjustLevels();

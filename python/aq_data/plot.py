@@ -304,7 +304,7 @@ def page(
     loudest = int(ds["record"].values[np.nanargmax(ds.aq.overall().values)])
     panels: list[Any] = [
         (lambda ax: spectrogram(ds, ax), "Spectrogram"),
-        (lambda ax: level_time(ds, events, ax), "Overall level"),
+        (lambda ax: level_time(ds, events, ax), "Level over time"),
         (lambda ax: spectrum(ds, loudest, ambient, ax), "Spectrum of the loudest record"),
     ]
     if positions is not None:
