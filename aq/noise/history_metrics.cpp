@@ -1,6 +1,8 @@
 #include "aq/noise/history_metrics.h"
 
 #include <algorithm>
+#include <array>
+#include <iterator>
 #include <limits>
 #include <span>
 #include <string>
@@ -136,32 +138,51 @@ struct Series {
   std::vector<double> stamps;
 };
 
-Series seriesOf(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map) {
-  Series series;
-  std::vector<RecordBlock::Record> given;
-  const auto count = static_cast<std::size_t>(std::max<std::int16_t>(0, history.Count()));
-  series.records.reserve(count);
-  series.stamps.reserve(count);
-  given.reserve(count);
-  for (const auto& [number, object] : history) {
-    const AQ_Spectrum& spectrum = orThrow(object);
-    RecordMetrics metrics;
-    metrics.record = static_cast<std::int16_t>(number);
+/// Computes the metrics of records as they come, a block at a time.
+class SeriesMaker {
+ public:
+  SeriesMaker(std::size_t count, const AQ_MaskMap* map) : map_(map) {
+    series_.records.reserve(count);
+    series_.stamps.reserve(count);
+  }
+
+  void add(std::int16_t record, const AQ_Spectrum& spectrum) {
+    const AQ_MaskRow* const row = rowOf(map_, record);
+    RecordMetrics& metrics = series_.records.emplace_back();
+    metrics.record = record;
     metrics.values.fill(kNoValue);
     metrics.value(AQ_METRIC_INTEG, 0);
-    const AQ_MaskRow* const row = rowOf(map, metrics.record);
-    if (map != nullptr) metrics.value(AQ_METRIC_LGB, row == nullptr ? 0 : lastGoodBand(*row));
-    series.records.push_back(metrics);
-    series.stamps.push_back(spectrum.timeValue().TODseconds());
-    given.push_back({&spectrum, row});
+    if (map_ != nullptr) metrics.value(AQ_METRIC_LGB, row == nullptr ? 0 : lastGoodBand(*row));
+    series_.stamps.push_back(spectrum.timeValue().TODseconds());
+    waiting_[count_++] = {&spectrum, row};
+    if (count_ == waiting_.size()) findWaiting();
   }
-  BlockMetrics block;
-  for (std::size_t begin = 0; begin < given.size(); begin += kBlockRecords) {
-    const std::size_t size = std::min(kBlockRecords, given.size() - begin);
-    block.find(std::span(given).subspan(begin, size),
-               std::span(series.records).subspan(begin, size));
+
+  [[nodiscard]] Series finish() {
+    findWaiting();
+    return std::move(series_);
   }
-  return series;
+
+ private:
+  void findWaiting() {
+    block_.find(std::span(waiting_).first(count_), std::span(series_.records).last(count_));
+    count_ = 0;
+  }
+
+  const AQ_MaskMap* map_;
+  Series series_;
+  BlockMetrics block_;
+  std::array<RecordBlock::Record, kBlockRecords> waiting_{};
+  std::size_t count_ = 0;
+};
+
+Series seriesOf(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map) {
+  const auto count = std::distance(history.begin(), history.end());
+  SeriesMaker maker(static_cast<std::size_t>(count), map);
+  for (const auto& [number, object] : history) {
+    maker.add(static_cast<std::int16_t>(number), orThrow(object));
+  }
+  return maker.finish();
 }
 
 }  // namespace

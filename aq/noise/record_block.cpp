@@ -39,7 +39,7 @@ void RecordBlock::take(std::span<const Record> records) {
     takeCodes(i);
     addOtherEnergies(i);
   }
-  for (std::size_t row = 0; row < kRows; ++row) decode(row);
+  decodeRows();
   for (const std::size_t place : uncoded_) takeLevels(place);
 }
 
@@ -74,6 +74,24 @@ void RecordBlock::addOtherEnergies(std::size_t place) {
   };
   add(record.low(), std::min<std::int32_t>(record.end(), kFirstWeightedBand));
   add(kLastWeightedBand + 1, record.end());
+}
+
+void RecordBlock::decodeRows() {
+  std::int32_t begin = kLastWeightedBand + 1;
+  std::int32_t end = kFirstWeightedBand;
+  for (std::size_t i = 0; i < size_; ++i) {
+    begin = std::min(begin, firstRowOf(records_[i]));
+    end = std::max(end, afterRowsOf(records_[i]));
+  }
+  for (std::int32_t band = kFirstWeightedBand; band <= kLastWeightedBand; ++band) {
+    const std::size_t row = rowOf(band);
+    if (band >= begin && band < end) {
+      decode(row);
+    } else {
+      levels_[row].fill(kNoLevel);
+      energies_[row].fill(0);
+    }
+  }
 }
 
 void RecordBlock::decode(std::size_t row) {

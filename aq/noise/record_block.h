@@ -62,6 +62,7 @@ class RecordBlock {
   void takeCodes(std::size_t place);
   void takeLevels(std::size_t place);
   void addOtherEnergies(std::size_t place);
+  void decodeRows();
   void decode(std::size_t row);
 
   std::size_t size_ = 0;
