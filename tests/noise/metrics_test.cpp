@@ -73,6 +73,36 @@ TEST(SetMetrics, StoresTheTenOfEveryRecord) {
             AQ_INTEG_LST);
 }
 
+TEST(HistoryMetrics, RecordsSideBySideAreAsAlone) {
+  const std::vector<Variant> tones{70.0, 62.5, 70.25, 81.0, 80.0, 66.0, 65.0};
+  const std::vector<AQ_Spectrum> kinds{
+      spectrumOf(17, tones),          spectrumOf(7, {90.001, 60.0, 61.0, 62.0, 50.0}),
+      spectrumOf(44, {60.0}),         spectrumOf(19, {60.003, 70.0, 60.0, Variant(), 90.0}),
+      spectrumOf(36, tones),          spectrumOf(7, tones),
+      spectrumOf(30, {-4000.0, 20.0})};
+  AQ_SpectralTimeHistory history;
+  for (std::int16_t i = 0; i < 21; ++i) {
+    auto record = std::make_shared<AQ_Spectrum>(kinds[static_cast<std::size_t>(i * 5 % 7)]);
+    record->Time()->TODseconds(i);
+    history.spectrum(i, record);
+  }
+  for (const RecordMetrics& found : historyMetrics(history).records) {
+    SCOPED_TRACE(found.record);
+    const AQ_Spectrum& spectrum = *history.spectrum(found.record);
+    for (const auto type : {AQ_METRIC_AWT, AQ_METRIC_CWT, AQ_METRIC_DWT, AQ_METRIC_OA}) {
+      const auto alone = weightedLevel(spectrum, type);
+      EXPECT_EQ(found.has(type), alone.has_value());
+      EXPECT_EQ(alone.value_or(0), found.has(type) ? found.value(type) : 0);
+    }
+    EXPECT_EQ(found.has(AQ_METRIC_PNL), found.perceivedBands > 0);
+    if (!found.has(AQ_METRIC_PNL)) continue;
+    const ToneCorrection tone = toneCorrection(spectrum);
+    EXPECT_EQ(found.value(AQ_METRIC_PNL), perceivedNoiseLevel(spectrum));
+    EXPECT_EQ(found.value(AQ_METRIC_TONECOR), tone.correction);
+    EXPECT_EQ(found.value(AQ_METRIC_TONEBND), tone.band);
+  }
+}
+
 TEST(SetMetrics, MasksByRecordNumberAndStayAsTheyAre) {
   auto history = historyOf(1, 3600, {60, 60, 60, 60});
   AQ_MaskMap map;
