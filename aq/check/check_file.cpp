@@ -1,6 +1,5 @@
 #include "aq/check/check_file.h"
 
-#include <filesystem>
 #include <utility>
 
 #include "aq/check/checks.h"
@@ -39,7 +38,7 @@ void checkText(const std::string& path, Reporter& report, const CheckData& check
   const FileKind kind = kindOfFile(path);
   const auto fault =
       kind == FileKind::Unknown && !faultOfBytes(head) ? faultOfLines(head) : faultOfBytes(head);
-  if (fault) return report(fault->kind, {.line = 1}, fault->message);
+  if (fault) return report(fault->kind, {.line = fault->line}, fault->message);
   if (head.starts_with(kByteOrderMark)) {
     report(
         Kind::ByteOrderMark, {.line = 1},
@@ -76,20 +75,23 @@ void checkParameterWord(const HeaderLine& line, const Reporter& report) {
   checkWord(line.number, word, averaging ? wordOf(method) : wordOf(type), report);
 }
 
-/// Where the history that a map names as its source should be: beside the map, whatever folders it
-/// names, as a file must not lead to any place of the disk. Empty when it names none.
-std::string historyOf(const AQ_HeaderMask& header, const std::string& mapPath) {
-  if (header.sGenerationFile.empty()) return {};
-  const std::size_t folder = mapPath.size() - platform::fileName(mapPath).size();
-  return mapPath.substr(0, folder) + platform::fileName(header.sGenerationFile);
-}
-
 /// Says nothing of a history that does not read.
 void checkFitOf(const std::string& historyPath, const AQ_MaskMap& map, const Reporter& report) {
   AQ_DataSTH file;
   Content<AQ_HeaderSTH, AQ_SpectralTimeHistory> read;
   if (readContent(file, historyPath, read) != AQ_DATA_OK) return;
   checkMapFit(*read.model, platform::fileName(historyPath), map, report);
+}
+
+void checkParameters(const AQ_DataINI& file, const Reporter& report) {
+  const auto contradicts = [&](const std::string& message) {
+    report(Kind::Contradiction, {}, message);
+  };
+  if (file.LoRec() > 0 && file.HiRec() > 0 && file.HiRec() < file.LoRec()) {
+    contradicts("the last record, " + std::to_string(file.HiRec()) + ", is before the first, " +
+                std::to_string(file.LoRec()));
+  }
+  if (file.PrWndo() < 0 || file.PoWndo() < 0) contradicts("a window of less than no seconds");
 }
 
 }  // namespace
@@ -130,13 +132,19 @@ void checkFit(const std::string& historyPath, const std::string& mapPath,
 Checked checkWithHistory(const std::string& path, const FindingSink& report) {
   Reporter reporter(report);
   const auto checkData = [&](FileKind kind) {
-    if (kind != FileKind::MaskingMap) return checkAs(kind, path, reporter);
-    const auto read = check(FileOf<AQ_DataMask>{path}, reporter);
-    if (!read.model) return;
-    const std::string history = historyOf(*read.header, path);
-    std::error_code error;
-    if (std::filesystem::is_regular_file(history, error)) {
-      checkFitOf(history, *read.model, reporter);
+    if (kind == FileKind::GeometricTimeHistory) {
+      const auto read = check(FileOf<AQ_DataGTH>{path}, reporter);
+      if (read.model && read.model->Count() != 0) checkSources(read, path, reporter);
+    } else if (kind == FileKind::PositionTimeHistory) {
+      const auto read = check(FileOf<AQ_DataPTH>{path}, reporter);
+      if (read.model && read.model->Count() != 0) checkSources(read, path, reporter);
+    } else if (kind == FileKind::MaskingMap) {
+      const auto read = check(FileOf<AQ_DataMask>{path}, reporter);
+      if (!read.model) return;
+      const std::string history = sourceBeside(path, read.header->sGenerationFile);
+      if (!history.empty()) checkFitOf(history, *read.model, reporter);
+    } else {
+      checkAs(kind, path, reporter);
     }
   };
   checking(reporter, [&] { checkText(path, reporter, checkData); });
@@ -160,6 +168,7 @@ void check(FileOf<AQ_DataINI> of, const Reporter& report) {
   });
   if (file.readFile(of.path) != AQ_DATA_OK) return report.unreadable(*file.lastFailure());
   if (nameLine != 0) checkFileName(nameLine, file.FileName(), of.path, report);
+  checkParameters(file, report);
   checkEnd(of.path, report);
 }
 

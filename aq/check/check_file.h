@@ -33,8 +33,8 @@ struct Checked {
   std::optional<std::uint64_t> levels = {};  ///< a digest of all levels of a history
 };
 
-/// As `checkFile`; a masking map is also compared with the history that it names, when that is a
-/// file beside it.
+/// As `checkFile`; a masking map is also compared with the history that it names, a geometry with
+/// the history, positions and microphone, when they are files beside it.
 AQ_API Checked checkWithHistory(const std::string& path, const FindingSink& report);
 
 }  // namespace aq

@@ -8,9 +8,11 @@
 #include "aq/check/checks.h"
 #include "aq/check/header_check.h"
 #include "aq/check/line_shapes.h"
+#include "aq/check/path_check.h"
 #include "aq/check/record_lines.h"
 #include "aq/geometry/tracking_line.h"
 #include "aq/text/checked_keywords.h"
+#include "aq/text/fields.h"
 #include "aq/text/line_reader.h"
 
 namespace aq {
@@ -23,27 +25,36 @@ class TimeOrder {
 
   void see(AQ_Position& position, std::size_t line) {
     const AQ_Time& time = *position.Time();
-    if (std::remainder(time.TODseconds() - before_, kSecondsPerDay) <= 0) {
+    const bool falls = std::remainder(time.TODseconds() - before_, kSecondsPerDay) <= 0;
+    if (falls) {
       report_(Kind::TimeOrder, {.line = line, .field = 1},
               time.TODstring() + " is not later than the line before");
     }
     before_ = time.TODseconds();
     const std::array<double, 3> at{position.X(), position.Y(), position.Z()};
-    at == at_ ? ++stays_ : (finish(), stays_ = 0);
+    at == at_ ? ++stays_ : (reportStay(), stays_ = 0);
     at_ = at;
     line_ = line;
+    if (!falls) path_.push_back({before_, at, line});
   }
 
-  /// A tracker that is stuck, or a source that stands still: one finding a run of positions.
   void finish() const {
+    reportStay();
+    checkJumps(path_, report_);
+    checkGaps(path_, report_);
+  }
+
+ private:
+  /// A tracker that is stuck, or a source that stands still: one finding a run of positions.
+  void reportStay() const {
     constexpr std::size_t kEnough = 4;  // of a slow source, a few may well be the same
     if (stays_ < kEnough) return;
     report_(Kind::PositionStuck, {.line = line_ - stays_},
             "the position stays the same in the next " + std::to_string(stays_) + " lines");
   }
 
- private:
   const Reporter& report_;
+  std::vector<PathPlace> path_;
   std::array<double, 3> at_{};
   std::size_t stays_ = 0;  // lines that repeat the position of the one before
   std::size_t line_ = 0;
@@ -72,8 +83,11 @@ constexpr std::size_t kPositionFields = 4;
 /// follows from others. One finding a point.
 class Contradictions {
  public:
-  Contradictions(const AQ_Position& microphone, const Reporter& report)
-      : microphone_(microphone), report_(report) {}
+  Contradictions(const AQ_HeaderGTH& header, std::size_t temperatureLine, const Reporter& report)
+      : microphone_(*header.MicrophonePosition),
+        temperature_(double{header.Temperature}),
+        temperatureLine_(temperatureLine),
+        report_(report) {}
 
   /// Of all points but those whose time is known to be `wrong`.
   void check(const RecordLines& records, const AQ_GeometryTimeHistory& history,
@@ -102,10 +116,24 @@ class Contradictions {
   void expectSound() const {
     const bool metres = speed_ > 290 && speed_ < 370;
     const bool feet = speed_ > 950 && speed_ < 1220;
-    if (metres || feet) return;
+    if (metres || feet) return expectTemperature(feet ? speed_ * 0.3048 : speed_);
     report_(Kind::Contradiction, {},
             "slant ranges and propagation times give a speed of " + numberText(rounded(speed_)) +
                 " a second; that of sound is about 340 m or 1120 ft");
+  }
+
+  /// That of the air, in degrees Celsius or Fahrenheit, gives the speed of sound in m/s; over the
+  /// whole path it may be another one.
+  void expectTemperature(double speed) const {
+    constexpr double kNear = 20;
+    constexpr double kAtZero = 331.3;  // m/s, at 0 degrees Celsius
+    constexpr double kZero = 273.15;
+    const double celsius = (std::pow(speed / kAtZero, 2) - 1) * kZero;
+    if (std::abs(temperature_ - celsius) <= kNear) return;
+    if (std::abs((temperature_ - 32) / 1.8 - celsius) <= kNear) return;
+    report_(Kind::Contradiction, {.line = temperatureLine_, .field = 2},
+            "slant ranges and propagation times give about " + numberText(std::round(celsius)) +
+                " degrees Celsius, the header says " + numberText(rounded(temperature_)));
   }
 
   [[nodiscard]] std::string faultOf(AQ_Geometry& point, std::size_t points) const {
@@ -133,26 +161,55 @@ class Contradictions {
   static double rounded(double value) { return std::round(value * 100) / 100; }
 
   const AQ_Position& microphone_;
+  double temperature_;
+  std::size_t temperatureLine_;
   const Reporter& report_;
   double speed_ = 0;  // of sound, as most points have it
 };
 
+std::vector<PathPlace> emissionPath(const RecordLines& records,
+                                    const AQ_GeometryTimeHistory& history) {
+  std::vector<PathPlace> path;
+  records.forEach([&](std::int16_t record, std::size_t line) {
+    const auto point = history.Point(record);
+    const AQ_Position& at = *point->Pe();
+    path.push_back({point->Te()->TODseconds(), {at.X(), at.Y(), at.Z()}, line, record});
+  });
+  return path;
+}
+
+/// A last header line that is a fix: the headings are missing, and it is not read.
+void checkTrackingHeadings(const std::string& path, const Reporter& report) {
+  LineReader lines(path);
+  while (lines.number() < kTrackingHeaderLines && lines.next()) continue;
+  try {
+    static_cast<void>(trackingLineFrom(lines));
+  } catch (const ReadFailure&) {
+    return;
+  }
+  report(Kind::Heading, {.line = lines.number()},
+         "the headings are missing; this line is taken for them, and its fix is not read");
+}
+
 }  // namespace
 
-void check(FileOf<AQ_DataPTH> file, const Reporter& report) {
+Content<AQ_HeaderPTH, AQ_PositionTimeHistory> check(FileOf<AQ_DataPTH> file,
+                                                    const Reporter& report) {
   HeaderCheck header(report);
   Content<AQ_HeaderPTH, AQ_PositionTimeHistory> read;
-  if (!header.reads<AQ_DataPTH>(file.path, read)) return;
+  if (!header.reads<AQ_DataPTH>(file.path, read)) return {};
   const std::int32_t count = read.model->Count();
   header.expectCount(keywords::kNumberRecords, static_cast<std::size_t>(count), "positions");
-  const LineShapes shapes(file.path, header.lines(), kPositionFields, 3);
+  const LineShapes shapes(file.path, header.lines(), {kPositionFields, 3});
+  header.expectHeadings(keywords::kPositionHeadings);
   shapes.report(file.path, report);
-  if (shapes.decimalCommas()) return;
+  if (shapes.decimalCommas()) return {};
   TimeOrder order(report);
   for (std::int32_t place = 1; place <= count; ++place) {
     order.see(*read.model->Position(place), header.lines() + static_cast<std::size_t>(place));
   }
   order.finish();
+  return read;
 }
 
 void check(FileOf<AQ_DataTSPI> of, const Reporter& report) {
@@ -165,9 +222,10 @@ void check(FileOf<AQ_DataTSPI> of, const Reporter& report) {
     checkQuality(fix, file.RT20Limit(), line, report);
   });
   order.finish();
+  checkTrackingHeadings(of.path, report);
   // Fields beyond the coordinates are the tracker's own.
   const LineShapes shapes(of.path, kTrackingHeaderLines,
-                          std::numeric_limits<std::size_t>::max() / 2, 0);
+                          {std::numeric_limits<std::size_t>::max() / 2, 0});
   shapes.report(of.path, report);
 }
 
@@ -175,25 +233,30 @@ void check(FileOf<AQ_DataMIC> file, const Reporter& report) {
   HeaderCheck header(report);
   Content<AQ_HeaderMIC, AQ_Microphone> read;
   if (!header.reads<AQ_DataMIC>(file.path, read)) return;
-  const LineShapes shapes(file.path, header.lines(), kPositionFields, kPositionFields);
+  header.expectHeadings(keywords::kMicrophoneHeadings);
+  const LineShapes shapes(file.path, header.lines(), {kPositionFields, kPositionFields});
   if (shapes.count() == 1) shapes.report(file.path, report);
   checkNothingBehind(file.path, header.lines() + 1, report);
 }
 
-void check(FileOf<AQ_DataGTH> file, const Reporter& report) {
+Content<AQ_HeaderGTH, AQ_GeometryTimeHistory> check(FileOf<AQ_DataGTH> file,
+                                                    const Reporter& report) {
   constexpr std::size_t kFields = 11;
   HeaderCheck header(report);
   Content<AQ_HeaderGTH, AQ_GeometryTimeHistory> read;
-  if (!header.reads<AQ_DataGTH>(file.path, read)) return;
-  const RecordLines records(file.path, header, kFields, kFields - 1, report);
-  if (!records.readable()) return;
+  if (!header.reads<AQ_DataGTH>(file.path, read)) return {};
+  header.expectHeadings(keywords::kGeometryHeadings);
+  const RecordLines records(file.path, header, {kFields, kFields - 1}, report);
+  if (!records.readable()) return {};
   header.expectCount(keywords::kNumberRecords, records.count(), "points");
+  if (records.count() == 0) return read;
   const auto wrong = checkTimeSteps(
       records, [&](std::int16_t record) { return read.model->Point(record)->Tm()->TODseconds(); },
       report);
-  if (records.count() != 0) {
-    Contradictions(*read.header->MicrophonePosition, report).check(records, *read.model, wrong);
-  }
+  Contradictions(*read.header, header.lineOf(keywords::kTemperature), report)
+      .check(records, *read.model, wrong);
+  checkJumps(emissionPath(records, *read.model), report);
+  return read;
 }
 
 void checkQuality(FileOf<AQ_DataTSPI> file, std::uint8_t limit, const Reporter& report) {

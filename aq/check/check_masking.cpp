@@ -76,7 +76,7 @@ Content<AQ_HeaderMask, AQ_MaskMap> check(FileOf<AQ_DataMask> file, const Reporte
   const std::size_t bands = low <= high ? static_cast<std::size_t>(high - low) + 1 : 0;
   // The highest band's label stands twice in a map's headings, unless somebody put that right.
   header.expectLabels(2, low, high);
-  const RecordLines records(file.path, header, bands + 2, 0, report);
+  const RecordLines records(file.path, header, {bands + 2, 0}, report);
   header.expectCount(keywords::kNumberOfRows, records.count(), "rows");
   checkLetters(file.path, header, report);
   checkLastGoodBands(records, *read.model, bands + 2, report);

@@ -9,6 +9,7 @@
 
 #include "aq/check/checks.h"
 #include "aq/check/header_check.h"
+#include "aq/check/level_jumps.h"
 #include "aq/check/line_shapes.h"
 #include "aq/check/record_lines.h"
 #include "aq/core/enumerations.h"
@@ -23,15 +24,13 @@
 namespace aq {
 namespace {
 
-constexpr double kLowest = -20;
-constexpr double kHighest = 200;
 constexpr std::string_view kStartTime = "StartTime";
 constexpr std::size_t kBeforeLevels = 3;  // record number, time of day and relative time
 
 void checkLevel(double level, const FindingPlace& place, const Reporter& report) {
   if (level == double{AQ_INVALID_LEVEL}) {
     report(Kind::LevelInvalid, place, "9999, no valid level");
-  } else if (level < kLowest || level > kHighest) {
+  } else if (level < kLowestLevel || level > kHighestLevel) {
     report(Kind::LevelRange, place, numberText(level) + " dB is outside -20 to 200 dB");
   }
 }
@@ -184,12 +183,15 @@ class Digest {
 template <class Records>
 void checkAllLevels(const Records& records, const AQ_SpectralTimeHistory& history, std::int16_t low,
                     const Reporter& report) {
+  constexpr std::size_t kFirst = kBeforeLevels + 1;
   StuckRecords stuck(report);
+  LevelJumps jumps(low, kFirst, report);
   records.forEach([&](std::int16_t record, std::size_t line) {
     const AQ_Spectrum& spectrum = *history.spectrum(record);
-    checkLevels(spectrum, low, {.line = line, .field = kBeforeLevels + 1, .record = record},
-                report);
-    stuck.see(record, line, levelsOf(spectrum));
+    checkLevels(spectrum, low, {.line = line, .field = kFirst, .record = record}, report);
+    std::vector<double> levels = levelsOf(spectrum);
+    stuck.see(record, line, levels);
+    jumps.see(record, line, spectrum.LowBand(), std::move(levels));
   });
   stuck.finish();
 }
@@ -245,7 +247,7 @@ void check(FileOf<AQ_DataSTH> file, const Reporter& report) {
   AQ_SpectralTimeHistory& history = *read.model;
   const auto [low, high] = header.integersOf(keywords::kBands);
   const std::size_t bands = low <= high ? static_cast<std::size_t>(high - low) + 1 : 0;
-  const RecordLines records(file.path, header, kBeforeLevels + bands, bands, report);
+  const RecordLines records(file.path, header, {kBeforeLevels + bands, bands, true}, report);
   if (!records.readable()) return;
   header.expectLabels(kBeforeLevels + 1, low, high);
   header.expectWord(keywords::kAveragingMethod, history.sAveragingMethod());
@@ -273,7 +275,7 @@ void check(FileOf<AQ_DataSSR> file, const Reporter& report) {
   const std::size_t levels = header.lines() + 1;
   const auto bands =
       static_cast<std::size_t>(std::max(0, read.model->HighBand() - read.model->LowBand() + 1));
-  const LineShapes shapes(file.path, header.lines(), bands, bands);
+  const LineShapes shapes(file.path, header.lines(), {bands, bands, true});
   shapes.report(file.path, report);
   if (shapes.decimalCommas()) return;
   header.expectLabels(1, read.model->LowBand(), read.model->HighBand());

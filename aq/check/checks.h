@@ -18,16 +18,27 @@ struct FileOf {
 // checked.
 void check(FileOf<AQ_DataSTH> file, const Reporter& report);
 void check(FileOf<AQ_DataSSR> file, const Reporter& report);
-void check(FileOf<AQ_DataPTH> file, const Reporter& report);
 void check(FileOf<AQ_DataTSPI> of, const Reporter& report);
 void check(FileOf<AQ_DataMIC> file, const Reporter& report);
-void check(FileOf<AQ_DataGTH> file, const Reporter& report);
 void check(FileOf<AQ_DataHP3565> file, const Reporter& report);
 void check(FileOf<AQ_DataINI> of, const Reporter& report);
 void check(FileOf<AQ_DataSPC> of, const Reporter& report);
 /// Gives the map, as far as it was read.
 Content<AQ_HeaderMask, AQ_MaskMap> check(FileOf<AQ_DataMask> file, const Reporter& report);
 
+/// Gives the positions, as far as they were read.
+Content<AQ_HeaderPTH, AQ_PositionTimeHistory> check(FileOf<AQ_DataPTH> file,
+                                                    const Reporter& report);
+
+/// Gives the geometry, as far as it was read.
+Content<AQ_HeaderGTH, AQ_GeometryTimeHistory> check(FileOf<AQ_DataGTH> file,
+                                                    const Reporter& report);
+
+/// Compare positions and geometry with the files beside them that they were made of.
+void checkSources(const Content<AQ_HeaderPTH, AQ_PositionTimeHistory>& read,
+                  const std::string& path, const Reporter& report);
+void checkSources(const Content<AQ_HeaderGTH, AQ_GeometryTimeHistory>& read,
+                  const std::string& path, const Reporter& report);
 void checkQuality(FileOf<AQ_DataTSPI> file, std::uint8_t limit, const Reporter& report);
 void checkMapFit(const AQ_SpectralTimeHistory& history, const std::string& historyName,
                  const AQ_MaskMap& map, const Reporter& report);

@@ -12,6 +12,7 @@ namespace {
 constexpr auto kError = Severity::Error;
 constexpr auto kWarning = Severity::Warning;
 constexpr auto kNote = Severity::Note;
+constexpr bool kHold = true;  // the data are those that were written
 
 constexpr FindingKind kKinds[] = {
     {"unreadable", kError, "the reader fails here"},
@@ -22,13 +23,13 @@ constexpr FindingKind kKinds[] = {
     {"spreadsheet", kError, "a spreadsheet added commas, or other separators"},
     {"decimal-comma", kError, "numbers are divided at their decimal commas"},
     {"map-misfit", kError, "a masking map and its history do not fit each other"},
-    {"byte-order-mark", kWarning, "a byte order mark stands before the first line"},
-    {"file-name", kWarning, "the header has the name of another file"},
-    {"keyword", kWarning, "a header line has the keyword of another place"},
-    {"unknown-keyword", kWarning, "a line of parameters that is passed over"},
-    {"lost-text", kWarning, "text of a header line that is not read"},
-    {"other-word", kWarning, "a word that is not known is read as another"},
-    {"heading", kWarning, "the headings do not name the bands of the data"},
+    {"byte-order-mark", kWarning, "a byte order mark stands before the first line", kHold},
+    {"file-name", kWarning, "the header has the name of another file", kHold},
+    {"keyword", kWarning, "a header line has the keyword of another place", kHold},
+    {"unknown-keyword", kWarning, "a line of parameters that is passed over", kHold},
+    {"lost-text", kWarning, "text of a header line that is not read", kHold},
+    {"other-word", kWarning, "a word that is not known is read as another", kHold},
+    {"heading", kWarning, "the headings are not those of the data", kHold},
     {"record-count", kWarning, "the header counts other than the data lines"},
     {"record-range", kWarning, "the header has other record numbers than the data"},
     {"second-data-set", kWarning, "the data begin again, or go on unread"},
@@ -36,22 +37,27 @@ constexpr FindingKind kKinds[] = {
     {"record-falls", kWarning, "a record number is below the one before it"},
     {"record-gap", kWarning, "record numbers are left out"},
     {"extra-fields", kWarning, "a data line has more fields than are read"},
-    {"time-step", kWarning, "a time is not half a second a record on"},
-    {"time-order", kWarning, "a position is not later than the one before"},
-    {"relative-time", kWarning, "a relative time does not fit the time of day"},
-    {"start-time", kWarning, "the start time does not fit the first time stamp"},
+    {"time-step", kWarning, "a time is not half a second a record on", kHold},
+    {"time-order", kWarning, "a position is not later than the one before", kHold},
+    {"relative-time", kWarning, "a relative time does not fit the time of day", kHold},
+    {"start-time", kWarning, "the start time does not fit the first time stamp", kHold},
     {"record-stuck", kWarning, "a record repeats all levels of the one before"},
-    {"contradiction", kWarning, "ranges and times of sound do not fit each other"},
+    {"contradiction", kWarning, "values do not fit each other"},
+    {"source-misfit", kWarning, "a file does not fit one that it was made of"},
+    {"position-jump", kWarning, "a position is far off those before and after"},
     {"level-range", kWarning, "a level is outside -20 to 200 dB"},
+    {"level-jump", kWarning, "a level is far off those before and after"},
+    {"lost-digits", kWarning, "a number has fewer decimals than the others"},
     {"mask-letters", kWarning, "a mask has letters that stand for nothing"},
     {"last-good-band", kWarning, "a last good band is not the one that the masks give"},
     {"analyzer-mark", kWarning, "the data is weighted, overloaded or not valid"},
     {"cut-short", kWarning, "the file ends within its last line, or seems to"},
-    {"same-levels", kWarning, "another file of the archive has the same levels"},
+    {"same-levels", kWarning, "another file of the archive has the same levels", kHold},
     {"quotes", kNote, "a spreadsheet's quotes stand around header lines"},
     {"renamed", kNote, "the header has another name than the file"},
     {"source-missing", kNote, "a file that the header names is not beside it"},
     {"position-stuck", kNote, "positions stay the same while time goes on"},
+    {"time-gap", kNote, "there are no positions for a while"},
     {"level-invalid", kNote, "a level is 9999, not valid"},
     {"fix-rejected", kNote, "a tracking fix has a figure above the usual limit"},
 };
@@ -73,7 +79,7 @@ std::string_view severityText(Severity severity) {
 void Reporter::unreadable(const FileFailure& failure) const {
   if (const auto fault = faultOfLines(head_)) {
     findings_.clear();  // they follow from it
-    return (*this)(fault->kind, {.line = 1}, fault->message);
+    return (*this)(fault->kind, {.line = fault->line}, fault->message);
   }
   const std::string_view found = failure.found;
   if (found.size() > 2 && isDecimalComma(found.substr(1, found.size() - 2))) {

@@ -24,6 +24,12 @@ struct FindingKind {
   std::string_view name;
   Severity severity;
   std::string_view meaning;  ///< in one line
+  bool dataHold = false;     ///< of a warning: the data are those that were measured even so
+
+  /// Whether the data that are read may not be those that were measured.
+  [[nodiscard]] constexpr bool doubtsData() const {
+    return severity == Severity::Error || (severity == Severity::Warning && !dataHold);
+  }
 };
 
 /// All kinds of finding, in the order of their severity.

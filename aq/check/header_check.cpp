@@ -49,6 +49,14 @@ constexpr std::string_view kSources[] = {"GenerationFile", "TSPIFileName", "STHF
 
 }  // namespace
 
+std::string sourceBeside(const std::string& path, std::string_view recorded) {
+  const std::string name = bareName(recorded);
+  if (name.empty()) return {};
+  std::string source = path.substr(0, path.size() - platform::fileName(path).size()) + name;
+  std::error_code error;
+  return std::filesystem::is_regular_file(source, error) ? source : std::string();
+}
+
 void checkFileName(std::size_t line, std::string_view name, const std::string& path,
                    const Reporter& report) {
   const std::string recorded = bareName(name);
@@ -127,6 +135,20 @@ void HeaderCheck::expectFiles(const std::string& path) const {
     if (name.empty() || isBeside(path, name)) continue;
     report_(Kind::SourceMissing, {.line = lineOf(keyword), .field = 2},
             shown(name) + " is not beside this file");
+  }
+}
+
+void HeaderCheck::expectHeadings(std::string_view headings) const {
+  std::vector<std::string_view> expected;
+  std::vector<std::string_view> found;
+  split(headings, ",", expected);
+  split(headings_, ",", found);
+  for (std::size_t i = 0; i < expected.size(); ++i) {
+    const std::string_view heading = i < found.size() ? trimmed(found[i]) : std::string_view();
+    if (upperCased(heading) == upperCased(trimmed(expected[i]))) continue;
+    return report_(
+        Kind::Heading, {.line = lines_, .field = i + 1},
+        "expected the heading " + shown(trimmed(expected[i])) + ", found " + shown(heading));
   }
 }
 

@@ -29,6 +29,10 @@ void checkWord(std::size_t line, std::string_view word, std::string_view readAs,
 void checkFileName(std::size_t line, std::string_view name, const std::string& path,
                    const Reporter& report);
 
+/// The file beside the one at `path` that its header has recorded by a name, whatever folders that
+/// names; empty when there is none.
+std::string sourceBeside(const std::string& path, std::string_view recorded);
+
 /// Watches the header of a file with column headings, and keeps what a check of the data needs.
 class HeaderCheck {
  public:
@@ -74,6 +78,9 @@ class HeaderCheck {
 
   /// Reports a reference time type that is no word for one: readers leave the type out.
   void expectReferenceType() const;
+
+  /// Compares the headings, in any case, with those that the columns have by their places.
+  void expectHeadings(std::string_view headings) const;
 
   /// Compares the headings, from field `first` on, with the labels of the bands and what follows.
   void expectLabels(std::size_t first, std::int16_t low, std::int16_t high,

@@ -28,9 +28,8 @@ std::size_t fieldsIn(std::string_view line) {
 
 }  // namespace
 
-LineShapes::LineShapes(const std::string& path, std::size_t header, std::size_t fields,
-                       std::size_t numbers)
-    : LineShapes(fields, numbers) {
+LineShapes::LineShapes(const std::string& path, std::size_t header, const DataColumns& columns)
+    : LineShapes(columns) {
   LineReader lines(path);
   while (lines.next()) {
     if (lines.number() > header && !trimmed(lines.line()).empty()) see(lines);
@@ -41,7 +40,8 @@ LineShapes::Shape LineShapes::shapeOf(std::string_view line) {
   line = trimmed(line);
   const std::string_view field = line.substr(line.rfind(',') + 1);
   const std::size_t point = field.find('.');
-  return {fieldsIn(line), point == field.npos ? 0 : field.size() - point - 1};
+  return {fieldsIn(line), point == field.npos ? 0 : field.size() - point - 1, field.empty(),
+          field.empty() || field.ends_with('.')};
 }
 
 void LineShapes::see(const LineReader& lines) {
@@ -50,16 +50,33 @@ void LineShapes::see(const LineReader& lines) {
   } else {
     least_.fields = std::min(least_.fields, last_.fields);
     least_.decimals = std::min(least_.decimals, last_.decimals);
+    least_.open = least_.open || last_.open;
   }
   ++count_;
   last_ = shapeOf(lines.line());
   line_ = lines.number();
   ended_ = lines.ended();
-  if (last_.fields <= fields_) return;
+  seeDecimals(lines);
+  if (last_.fields <= columns_.fields) return;
   ++extended_;
   const std::string_view held = withoutEmptyEnd(lines.line());
-  const std::size_t most = fields_ + std::max<std::size_t>(1, numbers_ / 2);
+  const std::size_t most = columns_.fields + std::max<std::size_t>(1, columns_.numbers / 2);
   if (fieldsIn(held) >= most && afterTwoFields(held).find('.') == held.npos) ++divided_;
+}
+
+void LineShapes::seeDecimals(const LineReader& lines) {
+  if (columns_.numbers == 0) return;
+  const std::size_t first = columns_.fields - columns_.numbers + 1;
+  std::string_view rest = lines.line();
+  for (std::size_t field = 1; field <= columns_.fields; ++field) {
+    const std::size_t comma = std::min(rest.find(','), rest.size());
+    if (field >= first) {
+      Decimals& decimals = decimals_[columns_.alike ? 0 : field - first];
+      decimals.see(rest.substr(0, comma), {.line = lines.number(), .field = field});
+    }
+    if (comma == rest.size()) return;
+    rest.remove_prefix(comma + 1);
+  }
 }
 
 bool LineShapes::decimalCommas() const { return divided_ != 0 && divided_ * 2 > count_; }
@@ -67,12 +84,14 @@ bool LineShapes::decimalCommas() const { return divided_ != 0 && divided_ * 2 > 
 void LineShapes::report(const std::string& path, const Reporter& report) const {
   if (decimalCommas()) {
     report(Kind::DecimalComma, {.line = first_},
-           "lines have more than " + std::to_string(fields_) +
+           "lines have more than " + std::to_string(columns_.fields) +
                " fields: " + std::string(kDecimalCommaCure));
     return;
   }
   if (extended_ != 0) reportExtra(path, report);
-  if (count_ != 0) reportCut(report);
+  if (count_ == 0) return;
+  const FindingPlace told = reportCut(report);
+  for (const Decimals& decimals : decimals_) decimals.report(told, report);
 }
 
 /// Empty fields, which spreadsheets add to every line, are told once.
@@ -82,34 +101,42 @@ void LineShapes::reportExtra(const std::string& path, const Reporter& report) co
   std::size_t firstEmpty = 0;
   while (lines.next()) {
     const std::size_t found = fieldsIn(lines.line());
-    if (lines.number() < first_ || found <= fields_) continue;
-    if (fieldsIn(withoutEmptyEnd(lines.line())) <= fields_) {
+    if (lines.number() < first_ || found <= columns_.fields) continue;
+    if (fieldsIn(withoutEmptyEnd(lines.line())) <= columns_.fields) {
       if (++empty == 1) firstEmpty = lines.number();
       continue;
     }
-    report(Kind::ExtraFields, {.line = lines.number(), .field = fields_ + 1},
-           "expected " + std::to_string(fields_) + " fields, found " + std::to_string(found));
+    report(
+        Kind::ExtraFields, {.line = lines.number(), .field = columns_.fields + 1},
+        "expected " + std::to_string(columns_.fields) + " fields, found " + std::to_string(found));
   }
   if (empty == 0) return;
-  report(Kind::ExtraFields, {.line = firstEmpty, .field = fields_ + 1},
+  report(Kind::ExtraFields, {.line = firstEmpty, .field = columns_.fields + 1},
          "empty fields at the end of " + std::to_string(empty) + (empty == 1 ? " line" : " lines") +
              ", as spreadsheets add them");
 }
 
-void LineShapes::reportCut(const Reporter& report) const {
-  constexpr std::size_t kEnough = 3;  // other lines, to know how many decimals there are
+FindingPlace LineShapes::reportCut(const Reporter& report) const {
+  constexpr std::size_t kLinesEnough = 3;  // others, to know how many decimals there are
+  const auto shorter = [this]() -> std::string {
+    if (!ended_) return kNoEnd;
+    if (count_ > 1 && last_.fields < std::min(least_.fields, columns_.fields)) {
+      return "the last line has " + std::to_string(last_.fields) + " fields, all others " +
+             std::to_string(least_.fields) + " or more";
+    }
+    if (last_.open && !least_.open && (count_ > kLinesEnough || !last_.empty)) {
+      return "the last field is cut off";
+    }
+    if (count_ <= kLinesEnough || last_.fields != least_.fields) return {};
+    if (last_.decimals >= least_.decimals) return {};
+    return "the last number has " + decimalsText(last_.decimals) + ", those above it have " +
+           std::to_string(least_.decimals) + " or more";
+  };
+  const std::string message = shorter();
+  if (message.empty()) return {};
   const FindingPlace place{.line = line_, .field = last_.fields};
-  if (!ended_) return report(Kind::CutShort, place, kNoEnd);
-  if (count_ > 1 && last_.fields < std::min(least_.fields, fields_)) {
-    report(Kind::CutShort, place,
-           "the last line has " + std::to_string(last_.fields) + " fields, all others " +
-               std::to_string(least_.fields) + " or more");
-  } else if (count_ > kEnough && last_.fields == least_.fields &&
-             last_.decimals < least_.decimals) {
-    report(Kind::CutShort, place,
-           "the last number has " + std::to_string(last_.decimals) +
-               " decimals, those above it have " + std::to_string(least_.decimals) + " or more");
-  }
+  report(Kind::CutShort, place, message);
+  return place;
 }
 
 void checkEnd(const std::string& path, const Reporter& report) {

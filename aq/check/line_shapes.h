@@ -4,21 +4,31 @@
 #include <limits>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "aq/check/decimals.h"
 #include "aq/check/reporter.h"
 #include "aq/text/line_reader.h"
 
 namespace aq {
 
+/// The fields of a data line that are read; the last `numbers` of them may have decimals, in all
+/// columns as many where they are `alike`.
+struct DataColumns {
+  std::size_t fields;
+  std::size_t numbers;
+  bool alike = false;
+};
+
 /// The shapes of the data lines of a file that reads: what a cut or a spreadsheet did to them,
 /// which the values do not tell.
 class LineShapes {
  public:
-  /// Data lines have `fields` fields that are read, of which about `numbers` may have decimals.
-  LineShapes(std::size_t fields, std::size_t numbers) : fields_(fields), numbers_(numbers) {}
+  explicit LineShapes(const DataColumns& columns)
+      : columns_(columns), decimals_(columns.alike ? 1 : columns.numbers) {}
 
   /// Takes the lines after line `header`.
-  LineShapes(const std::string& path, std::size_t header, std::size_t fields, std::size_t numbers);
+  LineShapes(const std::string& path, std::size_t header, const DataColumns& columns);
 
   /// How many there are.
   [[nodiscard]] std::size_t count() const { return count_; }
@@ -36,22 +46,27 @@ class LineShapes {
   struct Shape {
     std::size_t fields;
     std::size_t decimals;  // of the last field
+    bool empty;            // the last field
+    bool open;             // it is empty, or ends in its point
   };
 
   static Shape shapeOf(std::string_view line);
   void reportExtra(const std::string& path, const Reporter& report) const;
-  void reportCut(const Reporter& report) const;
+  /// Gives the place of what was reported; none where the last line is as the others.
+  FindingPlace reportCut(const Reporter& report) const;
+  void seeDecimals(const LineReader& lines);
 
-  std::size_t fields_;
-  std::size_t numbers_;
+  DataColumns columns_;
+  std::vector<Decimals> decimals_;
   std::size_t count_ = 0;
   std::size_t first_ = 0;     // the first line's number
   std::size_t line_ = 0;      // the last line's number
   std::size_t divided_ = 0;   // lines with so many fields as decimal commas make
   std::size_t extended_ = 0;  // lines with fields that are not read
-  Shape last_{0, 0};
-  Shape least_{std::numeric_limits<std::size_t>::max(), std::numeric_limits<std::size_t>::max()};
-  bool ended_ = true;  // the last line has a line end
+  Shape last_{0, 0, false, false};
+  Shape least_{std::numeric_limits<std::size_t>::max(), std::numeric_limits<std::size_t>::max(),
+               false, false};  // open where any is
+  bool ended_ = true;          // the last line has a line end
 };
 
 /// Reports a last line that has no line end.

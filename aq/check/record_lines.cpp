@@ -1,14 +1,13 @@
 #include "aq/check/record_lines.h"
 
-#include "aq/check/line_shapes.h"
 #include "aq/text/fields.h"
 #include "aq/text/line_reader.h"
 
 namespace aq {
 
-RecordLines::RecordLines(const std::string& path, const HeaderCheck& header, std::size_t fields,
-                         std::size_t numbers, const Reporter& report) {
-  LineShapes shapes(fields, numbers);
+RecordLines::RecordLines(const std::string& path, const HeaderCheck& header,
+                         const DataColumns& columns, const Reporter& report) {
+  LineShapes shapes(columns);
   LineReader shaped(path);
   header.passHeader(shaped);
   while (shaped.next()) shapes.see(shaped);

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "aq/check/header_check.h"
+#include "aq/check/line_shapes.h"
 #include "aq/check/reporter.h"
 #include "aq/core/time.h"
 #include "aq/detail/band_block.h"
@@ -19,10 +20,9 @@ namespace aq {
 /// and the numbers on the way.
 class RecordLines {
  public:
-  /// Passes the header; a data line has `fields` fields at the most, `numbers` of them with
-  /// decimals.
-  RecordLines(const std::string& path, const HeaderCheck& header, std::size_t fields,
-              std::size_t numbers, const Reporter& report);
+  /// Passes the header.
+  RecordLines(const std::string& path, const HeaderCheck& header, const DataColumns& columns,
+              const Reporter& report);
 
   /// False, and there are no records, where decimal commas left no value as it was.
   [[nodiscard]] bool readable() const { return readable_; }

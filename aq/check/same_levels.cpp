@@ -3,7 +3,6 @@
 #include <filesystem>
 
 #include "aq/check/reporter.h"
-#include "aq/core/error.h"
 
 namespace aq {
 
@@ -13,7 +12,7 @@ void SameLevels::see(const std::string& path, const Checked& checked, const Find
   std::error_code error;
   if (isNew || std::filesystem::equivalent(first->second, path, error)) return;
   Reporter reporter(report);
-  reporter(Kind::SameLevels, {}, "all levels are those of " + shown(first->second));
+  reporter(Kind::SameLevels, {}, "all levels are those of \"" + first->second + '"');
   reporter.finish();
 }
 

@@ -36,6 +36,28 @@ bool hasBareReturn(std::string_view head) {
   return at < head.size() && at + 1 != head.size();
 }
 
+std::size_t fieldsOf(std::string_view line) {
+  return static_cast<std::size_t>(std::count(line.begin(), line.end(), ',')) + 1;
+}
+
+/// The first line with a time of day, unless it has a point or no more fields than its headings.
+std::optional<TextFault> dividedLine(std::string_view head) {
+  std::size_t headings = 0;
+  for (std::size_t number = 1; !head.empty(); ++number) {
+    const std::string_view line = head.substr(0, head.find('\n'));
+    const bool isData =
+        line.find(':') != line.npos && line.find_first_not_of("0123456789:,- \r") == line.npos;
+    if (isData && headings != 0 && fieldsOf(line) >= headings + 2) {
+      return TextFault{Kind::DecimalComma,
+                       "the line has more fields than headings: " + std::string(kDecimalCommaCure),
+                       number};
+    }
+    headings = isData ? 0 : fieldsOf(line);
+    head.remove_prefix(std::min(line.size() + 1, head.size()));
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 std::string headOf(const std::string& path) {
@@ -68,13 +90,13 @@ std::optional<TextFault> faultOfLines(std::string_view head) {
   }
   const std::string_view first = trimmed(head.substr(0, head.find_first_of("\r\n")));
   const std::size_t mark = first.find(kKeywordMark);
-  if (mark == first.npos) return std::nullopt;
+  if (mark == first.npos) return dividedLine(head);
   if (first.ends_with(',')) {
     return TextFault{Kind::Spreadsheet,
                      "a spreadsheet has filled lines up with commas; sed 's/,*$//' takes them off"};
   }
   const std::string_view after = first.substr(mark + kKeywordMark.size());
-  if (!after.starts_with(';') && !after.starts_with('\t')) return std::nullopt;
+  if (!after.starts_with(';') && !after.starts_with('\t')) return dividedLine(head);
   return TextFault{Kind::Spreadsheet,
                    "a spreadsheet has divided fields by semicolons or tabs; save it with commas, "
                    "and with decimal points"};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,6 +21,7 @@ inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 struct TextFault {
   Kind kind;
   std::string message;
+  std::size_t line = 1;
 };
 
 /// Why a file is no text of single bytes; nothing when it is.

@@ -26,7 +26,7 @@ void header(Lines& lines, AQ_HeaderGTH& header) {
   lines.text("GeneratedBy", header.GeneratedBy);
   lines.text("MicrophoneID", header.MicrophoneID);
   lines.numbers("MicrophonePosition", x, y, z);
-  lines.single("PromptTemperature", header.Temperature);
+  lines.single(keywords::kTemperature, header.Temperature);
   lines.recordedName("STHFileName", header.STHFileName);
   lines.dateTimeOf("STHFileDateTime", header.STHFileName, header.STHFileDateTime);
   lines.recordedName("PTHFileName", header.PTHFileName);
@@ -42,7 +42,6 @@ void header(Lines& lines, AQ_HeaderGTH& header) {
 }
 
 /// The last of the eleven columns has no name: hosts know the line so.
-constexpr std::string_view kHeadings = "REC#, Tm, Te, Tprope, Xe, Ye, Ze, SRe, THETAe, BETAe";
 
 void appendPoint(std::string& text, std::int32_t record, AQ_Geometry& point) {
   const auto field = [&text](auto value) {
@@ -93,7 +92,7 @@ void AQ_DataGTH::writeFile(const std::string& sFileName,
     std::string text;
     HeaderWriter lines(text, fileInformation());
     header(lines, *header_);
-    lines.columns(kHeadings);
+    lines.columns(keywords::kGeometryHeadings);
     appendRows(text, 1, count, [&](std::int32_t record) {
       appendPoint(text, record, orThrow(aqTimeHistory.Point(record)));
     });

@@ -56,7 +56,7 @@ void AQ_DataPTH::writeFile(const std::string& sFileName,
     std::string text;
     HeaderWriter lines(text, fileInformation());
     header(lines, *header_);
-    lines.columns("TOD,X,Y,Z");
+    lines.columns(keywords::kPositionHeadings);
     appendRows(text, 1, count, [&](std::int32_t place) {
       appendPosition(text, orThrow(aqTimeHistory.Position(place)));
     });

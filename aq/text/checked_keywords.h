@@ -16,5 +16,12 @@ inline constexpr std::string_view kRecordNumbers = "RecordNumbers";
 inline constexpr std::string_view kBands = "Bands";
 inline constexpr std::string_view kNumberOfRows = "NumberOfRows";
 inline constexpr std::string_view kNumberRecords = "NumberRecords";
+inline constexpr std::string_view kTemperature = "PromptTemperature";
+
+// Column headings, which readers pass over.
+inline constexpr std::string_view kPositionHeadings = "TOD,X,Y,Z";
+inline constexpr std::string_view kMicrophoneHeadings = "X,Y,Z,Height";
+inline constexpr std::string_view kGeometryHeadings =
+    "REC#, Tm, Te, Tprope, Xe, Ye, Ze, SRe, THETAe, BETAe";
 
 }  // namespace aq::keywords

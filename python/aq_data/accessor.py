@@ -23,25 +23,40 @@ class Accessor:
 
     @property
     def level(self) -> xr.DataArray:
-        """Levels in dB, NaN where there is no valid one."""
+        """Levels in dB over `time` and `band`, NaN where there is no valid one. Raises `ValueError`
+        when the dataset has none.
+
+        >>> ds.aq.level.max("time")
+        """
         need(self._ds, "level")
         level = self._ds["level"]
         return level.where(level != INVALID_LEVEL)
 
     @property
     def masked(self) -> xr.DataArray:
-        """Whether the ambient masks a level; all False without masks."""
+        """Whether the ambient masks a level, over `time` and `band`; all False without masks.
+
+        >>> ds.aq.masked.sum("band")
+        """
         if "mask_mode" not in self._ds.variables:
             return xr.zeros_like(self.level, dtype=bool).rename("masked")
         masked: xr.DataArray = self._ds["mask_mode"] > AQ_MASK_MODE.NOT_MASKED
         return masked.rename("masked")
 
     def unmasked(self) -> xr.Dataset:
-        """The dataset with NaN for levels that are masked or not valid."""
+        """The dataset with NaN for levels that are masked or not valid. Raises `ValueError` when it
+        has no levels.
+
+        >>> ds.aq.unmasked().level.max("time")
+        """
         return self._ds.assign(level=self.level.where(~self.masked))
 
     def between(self, low: float, high: float) -> xr.Dataset:
-        """The bands with a nominal frequency from `low` to `high`, in Hz."""
+        """The dataset of the bands with a nominal frequency from `low` to `high`, in Hz, both included.
+        Raises `ValueError` when there is no such band.
+
+        >>> ds.aq.between(500, 5000).level
+        """
         need(self._ds, "frequency")
         frequency = self._ds["frequency"].values
         chosen = (frequency >= low) & (frequency <= high)
@@ -50,7 +65,11 @@ class Accessor:
         return self._ds.isel(band=chosen)
 
     def overall(self, bands: Optional[Iterable[int]] = None) -> xr.DataArray:
-        """The energy sum over bands, all unless given, in dB; NaN where no band has a level."""
+        """The energy sum over the band numbers, all unless given, in dB over `time`; NaN where no band
+        has a level. Raises `ValueError` for a band that the dataset lacks.
+
+        >>> ds.aq.unmasked().aq.overall(range(24, 34)).max()
+        """
         level = self.level if bands is None else self._levels(list(bands))
         energy = (10.0 ** (level / 10.0)).sum("band", min_count=1)
         total: xr.DataArray = 10.0 * np.log10(energy)
@@ -59,7 +78,11 @@ class Accessor:
 
     def metrics(self) -> xr.Dataset:
         """The ten noise metrics of each record over `time`, as `aq_data.metrics` has them over
-        `record`; of `open_many` they load when they are computed, each file an event of its own."""
+        `record`, in the units that their attributes name; of `open_many` they load when they are
+        computed, each file an event of its own. Raises `ValueError` when the dataset has no levels.
+
+        >>> ds.aq.metrics().PNLT.max()
+        """
         return dataset_metrics(self._ds)
 
     def _levels(self, bands: list[int]) -> xr.DataArray:
@@ -70,7 +93,12 @@ class Accessor:
         return self.level.sel(band=bands)
 
     def with_geometry(self, geometry: Union[xr.Dataset, AQ_GeometryTimeHistory]) -> xr.Dataset:
-        """The dataset with the emission geometry of each record, NaN where it has none."""
+        """The dataset with the emission geometry of each record over `time`, by record number, NaN
+        where it has none: `slant_range`, `x`, `theta` and others, in the units of their attributes.
+        Raises `ValueError` for a record number that stands twice.
+
+        >>> ds.aq.with_geometry(geometry).plot.scatter("slant_range", "theta")
+        """
         points = dataset_of(geometry, "record", "slant_range")
         need_once(points)
         need_once(self._ds)

@@ -8,7 +8,6 @@ import glob
 import os
 import sys
 import warnings
-from functools import partial
 from pathlib import Path as FolderPath
 from typing import Any, Callable, Iterable, Iterator, NamedTuple, Optional, TypeVar, Union
 
@@ -87,11 +86,8 @@ def _walked(path: str, seen: set[str]) -> Iterator[str]:
 
 # What is wrong with a file.
 
-# Warnings of the header, of times or of headings: the levels are those that were written.
-_LEVELS_HOLD = frozenset(
-    ("keyword", "unknown-keyword", "lost-text", "other-word", "heading")
-    + ("time-step", "time-order", "relative-time", "start-time", "file-name")
-)
+
+_DOUBTING = frozenset(_core._doubtingKinds())
 
 
 class Finding(NamedTuple):
@@ -106,15 +102,28 @@ class Finding(NamedTuple):
     @property
     def doubts_levels(self) -> bool:
         """Whether the levels that are read may not be those that were measured."""
-        return self.severity == "error" or (
-            self.severity == "warning" and self.kind not in _LEVELS_HOLD
-        )
+        return self.kind in _DOUBTING
 
 
-def findings(path: str) -> list[Finding]:
+class Checked(NamedTuple):
+    """The findings of a file, and a digest of the levels of a history."""
+
+    found: list[Finding]
+    levels: Optional[int] = None
+
+
+def checked(path: str) -> Checked:
     if path.lower().endswith(".nc"):
-        return [Finding(*each) for each in metric_findings(path)]
-    return [Finding(*each) for each in _core.checkWithHistory(path)]
+        return Checked([Finding(*each) for each in metric_findings(path)])
+    rows, levels = _core._checkWithLevels(path)
+    return Checked([Finding(*row) for row in rows], levels)
+
+
+def see_same_levels(paths: Iterable[str], results: Iterable[Checked]) -> None:
+    """Adds what the levels of files that come before give to the findings of each."""
+    same = _core.SameLevels()
+    for path, (found, levels) in zip(paths, results):
+        found[:0] = [Finding(*row) for row in same.see(path, levels)]
 
 
 def counts(found: list[Finding]) -> dict[str, int]:
@@ -147,17 +156,13 @@ def _data_row(data: Any) -> dict[str, Any]:
     return {**row, **{column: getattr(data, name, "") for column, name in _DATA_COLUMNS.items()}}
 
 
-def _row(path: str, strict: bool) -> dict[str, Any]:
+def _row(path: str) -> tuple[dict[str, Any], Checked]:
     row = {"path": path, "kind": _core.kindOfFile(path).name, "ok": True, **_data_row(None)}
     reading: Any = Reading(None, None)
-    found = findings(path)
+    result = checked(path)
     try:
         reading = read_quietly(path)
         row.update(_data_row(reading.data))
-        doubt = next((finding for finding in found if finding.doubts_levels), None)
-        if strict and doubt:
-            row.update(ok=False, line=doubt.line, field=doubt.field)
-            row.update(expected="levels as measured", found=doubt.message)
     except FileError as error:
         reading = Reading(*error.partial) if error.partial else reading
         row.update(ok=False, line=error.line, field=error.field)
@@ -166,7 +171,16 @@ def _row(path: str, strict: bool) -> dict[str, Any]:
         row.update(ok=False, expected="a file that can be opened", found=error.strerror)
     except Error as error:
         row.update(ok=False, expected="values that go together", found=str(error))
-    return {**row, **counts(found), **header_words(reading.header)}
+    return {**row, **header_words(reading.header)}, result
+
+
+def _judged(row: dict[str, Any], found: list[Finding], strict: bool) -> dict[str, Any]:
+    """The row with its counts; strictly, a file that reads is not ok with a doubt of its levels."""
+    doubt = next((finding for finding in found if finding.doubts_levels), None)
+    if row["ok"] and strict and doubt:
+        row.update(ok=False, line=doubt.line, field=doubt.field)
+        row.update(expected="levels as measured", found=doubt.message)
+    return {**row, **counts(found)}
 
 
 def scan(
@@ -194,7 +208,10 @@ def scan(
         raise NotADirectoryError(errno.ENOTDIR, "expected a folder, found", str(root))
     paths = sorted(str(path) for path in root.glob(pattern) if path.is_file())
     shown = sys.stderr.isatty() if progress is None else progress
-    frame = pd.DataFrame(in_threads(partial(_row, strict=strict), paths, shown), columns=_COLUMNS)
+    rows = in_threads(_row, paths, shown)
+    see_same_levels(paths, (result for _, result in rows))
+    judged = [_judged(row, result.found, strict) for row, result in rows]
+    frame = pd.DataFrame(judged, columns=_COLUMNS)
     integers = [*_COUNTS, *SEVERITIES, "line", "field"]
     return frame.astype({"ok": bool}).astype({column: "Int32" for column in integers})
 
@@ -207,13 +224,15 @@ def check(paths: Union[Path, Iterable[Path]]) -> pd.DataFrame:
     a netCDF file it is the metrics that it carries, which its levels have to give. The columns
     are `path`, `severity` ("error", "warning", "note"), `kind`, `line` and `field` (from 1, 0 for
     all of it), `record`, `band`, `message`; `FINDING_KINDS` says what each kind means. Raises
-    `FileNotFoundError` when nothing matches; a file that does not read is a finding.
+    `FileNotFoundError` when nothing matches; a file that does not read is a finding. Histories with
+    the levels of one before them in the list are found too.
 
     >>> aq_data.check("season-7").groupby(["severity", "kind"]).size()
     """
     seen: set[str] = set()
     files = [file for path in absolute(paths) for file in _walked(path, seen)]
-    found = in_threads(findings, files, progress=False)
-    rows = [(path, *each) for path, some in zip(files, found) for each in some]
+    results = in_threads(checked, files, progress=False)
+    see_same_levels(files, results)
+    rows = [(path, *each) for path, result in zip(files, results) for each in result.found]
     frame = pd.DataFrame(rows, columns=["path", *Finding._fields])
     return frame.astype({"record": "Int32", "band": "Int16"})

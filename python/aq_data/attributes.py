@@ -20,10 +20,11 @@ from .times import OWN, clock, going_on
 
 Function = TypeVar("Function", bound=Callable[..., Any])
 
-# By the word for what they describe; only what is written back has one.
+# By the word for what they describe; what has none of its own is not written with one.
 HEADERS: dict[str, Any] = {
-    f.word: f.header for f in FORMATS.values() if f.writes and f.header is not None
+    f.word: f.header for f in FORMATS.values() if f.header is not None and f.word != "recording"
 }
+KINDS = (None, "emission", "parameters", *HEADERS)
 # Words of a header as attributes for people, by the fields that headers have for them. Two are names
 # that the CF conventions give: title and source.
 _WORDS: dict[str, tuple[str, ...]] = {
@@ -206,7 +207,7 @@ def kept(ds: xr.Dataset) -> dict[str, Any]:
         values = json.loads(text)
     except (TypeError, ValueError):
         values = None
-    if not isinstance(values, dict) or values.get("kind") not in (None, "emission", *HEADERS):
+    if not isinstance(values, dict) or values.get("kind") not in KINDS:
         raise ValueError(
             f"expected the attribute aq of a dataset of the library, found {text!r:.60}"
         )

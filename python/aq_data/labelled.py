@@ -65,6 +65,20 @@ EMISSION = (
     ("SR", "slant_range", LENGTH, "slant range"),
     ("Tprop", "propagation_time", "s", "propagation time"),
 )
+MICROPHONE = (
+    ("X", "x", "first coordinate"),
+    ("Y", "y", "second coordinate"),
+    ("Z", "z", "height of the ground"),
+    ("Height", "height", "height of the microphone above the ground"),
+)
+PARAMETERS = (
+    ("CalAdj", "calibration_adjustment", "dB", "calibration adjustment"),
+    ("PrWndo", "window_before", "s", "window before the event"),
+    ("PoWndo", "window_after", "s", "window after the event"),
+    ("LoRec", "first_record", "1", "first record, 0 when not set"),
+    ("HiRec", "last_record", "1", "last record, 0 when not set"),
+)
+ANGLES = ("degree", "rad")  # units of angles, which the files do not name either
 UNITS = ("m", "km", "ft", "nautical_mile")  # of lengths, which the files do not name
 
 
@@ -242,14 +256,21 @@ def geometry_to_xarray(
     self: _core.AQ_GeometryTimeHistory,
     header: Optional[_core.AQ_HeaderGTH] = None,
     unit: str = "m",
+    angle_unit: str = "degree",
 ) -> xr.Dataset:
     """A dataset over `time`, s, of each record: emission time, position, slant range and angles.
 
-    `unit` is that of lengths, as for positions; angles are in degrees.
+    `unit` is that of lengths, as for positions, `angle_unit` that of angles, degree or rad, which are
+    those of the program that filled them; any other raises `ValueError`.
 
     >>> geometry.to_xarray().slant_range.min()
     """
-    return _series_to_xarray("geometry", self, GEOMETRY, header, unit)
+    if angle_unit not in ANGLES:
+        raise ValueError(f"expected a unit of angles, {', '.join(ANGLES)}, found {angle_unit!r}")
+    ds = _series_to_xarray("geometry", self, GEOMETRY, header, unit)
+    for name in ("theta", "beta"):
+        ds[name].attrs["units"] = angle_unit
+    return ds
 
 
 @attach(_core.AQ_EmtRcvTable, name="to_xarray")

@@ -14,7 +14,8 @@ import numpy.typing as npt
 import xarray as xr
 
 from . import _core
-from .archive import ONE_PATH, SEVERITIES, Finding, absolute, counts, header_words, in_threads
+from .archive import ONE_PATH, SEVERITIES, Checked, Finding, absolute, checked, counts
+from .archive import header_words, in_threads, see_same_levels
 from .attributes import NO_DECISION, band_coordinates, level_variable, table_variables, variable
 from .errors import Error, FileError
 from .files import read_quietly
@@ -43,6 +44,7 @@ class _Shape(NamedTuple):
     times: npt.NDArray[Any]
     last_good_bands: Any
     words: dict[str, Any]  # of the coordinates by file
+    levels: Optional[int]  # a digest
 
     def state(self) -> list[Any]:
         """What changes when a file is written anew."""
@@ -76,18 +78,28 @@ def _check_pair(path: str, mask: str, header: _core.AQ_HeaderMask) -> None:
         raise _WrongPair(f"{mask}: expected a map of {own}, found one of {named}")
 
 
-def _findings(job: _Job) -> list[Finding]:
-    """Those of a history and of its map, each error and warning of the levels raised if strict."""
-    found = [(job.path, _core.checkFile(job.path))]
+def _checked(job: _Job) -> Checked:
+    """The findings of a history and of its map, each error and warning of the levels raised if
+    strict."""
+    result = checked(job.path)
+    found = [(job.path, result.found)]
     if job.mask is not None:
-        found.append((job.mask, _core.checkFile(job.mask)))
-        found.append((job.mask, _core.checkFit(job.path, job.mask)))
-    placed = [(path, Finding(*finding)) for path, some in found for finding in some]
+        for rows in (_core.checkFile(job.mask), _core.checkFit(job.path, job.mask)):
+            found.append((job.mask, [Finding(*row) for row in rows]))
+    placed = [(path, finding) for path, some in found for finding in some]
     for path, finding in placed:
         if job.strict and finding.doubts_levels:
             place = (path, finding.line, finding.field)
             raise FileError(*place, "levels as measured (strict)", finding.message)
-    return [finding for _, finding in placed]
+    return Checked([finding for _, finding in placed], result.levels)
+
+
+def _count_copies(shapes: list[_Shape]) -> None:
+    """Counts a warning of each history that has the levels of one before it."""
+    same = [Checked([], shape.levels) for shape in shapes]
+    see_same_levels([shape.path for shape in shapes], same)
+    for shape, (found, _) in zip(shapes, same):
+        shape.words["warnings"] += len(found)
 
 
 def _words(header: Any, history: _core.AQ_SpectralTimeHistory, found: list[Finding]) -> Any:
@@ -107,9 +119,10 @@ def _shape(job: _Job) -> Union[_Shape, Exception]:
                 _check_pair(job.path, job.mask, mask_header)
             check_map(history, mask)
             last = mask.last_good_bands
-        words = _words(header, history, _findings(job))
+        result = _checked(job)
+        words = _words(header, history, result.found)
         own = (history.records, history.bands, history.times)
-        return _Shape(job.path, job.mask, *own, last, words)
+        return _Shape(job.path, job.mask, *own, last, words, result.levels)
     except _WrongPair:
         raise
     except (Error, OSError) as error:
@@ -270,6 +283,7 @@ def open_many(
     joined = isinstance(masks, ONE_PATH)
     jobs = [_Job(path, map_path, joined, strict) for path, map_path in zip(names, map_names)]
     shapes = _kept(in_threads(_shape, jobs, progress=False), errors)
+    _count_copies(shapes)
     if not shapes:
         raise ValueError("expected at least one history that reads, found none")
     bands = np.unique(np.concatenate([shape.bands for shape in shapes]))

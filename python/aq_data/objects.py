@@ -13,9 +13,9 @@ import pandas as pd
 import xarray as xr
 
 from . import _core
-from .attributes import attach, variable
+from .attributes import attach, attributes, plain, variable
 from .errors import Error, MismatchError
-from .labelled import check_unit
+from .labelled import MICROPHONE, PARAMETERS, check_unit
 from .times import DAY, going_on
 
 Clock = Union[_core.AQ_Time, datetime.time, datetime.datetime, str]
@@ -69,6 +69,34 @@ def _set(self: Any, name: str, value: Any) -> None:
         raise (ValueError if "a member of" in text and isinstance(value, int) else TypeError)(
             text
         ) from None
+
+
+def _checked_setting(view: type) -> None:
+    """Has `view[number] = value` say what it takes when it is given something else."""
+    method: Callable[..., Any] = getattr(view, "__setitem__")
+    place = "AQ_" + ".".join(view.__name__[1:].rsplit("_", 1))
+    found = re.search(r"value: ([^)]*)\)", method.__doc__ or "")
+    taken = found[1].rpartition(".")[2] if found else "another value"
+    wanted = "a number, a date, text or None" if taken == "Value" else taken
+
+    def setitem(self: Any, number: int, value: Any) -> None:
+        try:
+            method(self, number, value)
+        except Error:
+            raise
+        except TypeError:
+            if not hasattr(number, "__index__"):
+                raise TypeError(f"{place}: expected a whole number, found {number!r:.60}") from None
+            text = f"{place}[{number}]: expected {wanted}, found {value!r:.60}"
+            raise TypeError(text) from None
+
+    setitem.__doc__, setitem.__name__ = method.__doc__, "__setitem__"
+    setattr(view, "__setitem__", setitem)
+
+
+for _name, _cls in list(vars(_core).items()):
+    if _name.startswith("_") and hasattr(_cls, "__setitem__") and isinstance(_cls, type):
+        _checked_setting(_cls)
 
 
 def _equal(self: Any, other: object) -> bool:
@@ -222,35 +250,28 @@ def fields_to_pandas(self: Any) -> "pd.Series[Any]":
 def microphone_to_xarray(
     self: _core.AQ_Microphone, header: Any = None, unit: str = "m"
 ) -> xr.Dataset:
-    """A dataset of `x`, `y`, `z` and `height`, without dimensions; `unit` as for positions.
+    """A dataset of `x`, `y`, `z` and `height`, without dimensions, which `from_xarray` takes back;
+    `unit` as for positions.
 
     >>> aq_data.read("fly-over.mic.csv").data.to_xarray().height
     """
-    told = {"X": "first coordinate", "Y": "second coordinate", "Z": "height of the ground"}
-    told["Height"] = "height of the microphone above the ground"
     check_unit(unit)
-    variables = {n.lower(): variable((), getattr(self, n), unit, text) for n, text in told.items()}
-    words = {"title": header.sProjectName, "microphone": header.sMicrophoneID} if header else {}
-    return xr.Dataset(variables, attrs={"Conventions": "CF-1.8", **words})
+    variables = {
+        name: variable((), getattr(self, own), unit, text) for own, name, text in MICROPHONE
+    }
+    return xr.Dataset(variables, attrs=attributes("microphone", header))
 
 
 @attach(_core.AQ_DataINI, name="to_xarray")
 def parameters_to_xarray(self: _core.AQ_DataINI) -> xr.Dataset:
     """A dataset of `calibration_adjustment` in dB, `window_before` and `window_after` the event in s,
-    `first_record` and `last_record`; methods and comments are attributes.
+    `first_record` and `last_record`; methods and comments are attributes. `from_xarray` takes it
+    back.
 
     >>> aq_data.read("fly-over.ini.csv").data.to_xarray().window_before
     """
-    told = {
-        "calibration_adjustment": ("CalAdj", "dB", "calibration adjustment"),
-        "window_before": ("PrWndo", "s", "window before the event"),
-        "window_after": ("PoWndo", "s", "window after the event"),
-        "first_record": ("LoRec", "1", "first record, 0 when not set"),
-        "last_record": ("HiRec", "1", "last record, 0 when not set"),
-    }
     variables = {
-        name: variable((), getattr(self, own), unit, text)
-        for name, (own, unit, text) in told.items()
+        name: variable((), getattr(self, own), unit, text) for own, name, unit, text in PARAMETERS
     }
     words = {
         name: method.name.replace("AQ_", "")
@@ -258,7 +279,10 @@ def parameters_to_xarray(self: _core.AQ_DataINI) -> xr.Dataset:
         if hasattr(method, "name")
     }
     comment = {"comment": "\n".join(self.Comments)} if len(self.Comments) else {}
-    return xr.Dataset(variables, attrs={"Conventions": "CF-1.8", **words, **comment})
+    attrs = attributes(
+        "parameters", None, {name: plain(getattr(self, name)) for name in self._fields}
+    )
+    return xr.Dataset(variables, attrs={**attrs, **words, **comment})
 
 
 # Notebooks.

@@ -11,7 +11,7 @@ from . import _core
 from .attributes import CLOCK, CLOCK_BESIDE, DATE, HEADERS, changed_words, kept, need, need_once
 from .attributes import restored
 from .reading import Reading
-from .labelled import EMISSION, GEOMETRY, METRICS, POSITION, RECORD_TIMES
+from .labelled import EMISSION, GEOMETRY, METRICS, MICROPHONE, PARAMETERS, POSITION, RECORD_TIMES
 from .times import DAY, days_of, of_day
 
 
@@ -121,7 +121,30 @@ def _emission_from(ds: xr.Dataset) -> _core.AQ_EmtRcvTable:
     return _core.AQ_EmtRcvTable.from_numpy(_table(ds, EMISSION))
 
 
+def _microphone_from(ds: xr.Dataset) -> _core.AQ_Microphone:
+    need(ds, *(name for _, name, _ in MICROPHONE))
+    made = _core.AQ_Microphone()
+    for own, name, _ in MICROPHONE:
+        setattr(made, own, float(ds[name]))
+    return made
+
+
+def _parameters_from(ds: xr.Dataset) -> _core.AQ_DataINI:
+    """Methods and comments are attributes; a method that is not set has none."""
+    need(ds, *(name for _, name, *_ in PARAMETERS))
+    values = dict(kept(ds).get("settings") or {})
+    if values.get("NuTimg") not in [int(member) for member in _core.AQ_TimeStampType]:
+        values.pop("NuTimg", None)
+    made = restored(_core.AQ_DataINI(), values)
+    for own, name, *_ in PARAMETERS:
+        given = ds[name].item()
+        setattr(made, own, int(given) if own.endswith("Rec") else float(given))
+    return made  # type: ignore[no-any-return]
+
+
 _MAKERS: dict[str, Any] = {
+    "microphone": _microphone_from,
+    "parameters": _parameters_from,
     "history": _history_from,
     "map": _map_from,
     "spectrum": _spectrum_from,
@@ -134,7 +157,8 @@ _MAKERS: dict[str, Any] = {
 def _kind(ds: xr.Dataset) -> str:
     """What a dataset holds: as it says, else by its variables."""
     need(ds)
-    marks = {"level": "history", "mask_mode": "map", "slant_range": "geometry", "x": "positions"}
+    marks = {"level": "history", "mask_mode": "map", "slant_range": "geometry"}
+    marks.update(height="microphone", window_before="parameters", x="positions")
     kind = kept(ds).get("kind") or next((k for v, k in marks.items() if v in ds.variables), None)
     if kind is None:
         raise ValueError(f"the dataset lacks all of {', '.join(marks)}")
@@ -198,6 +222,17 @@ def _renumbered(ds: xr.Dataset) -> tuple[xr.Dataset, list[str]]:
     return ds, [f"Records 1 to {own[-1]} were {_runs(numbers)}"]
 
 
+def _without_source(header: _core.AQ_HeaderMask, comments: list[str]) -> list[str]:
+    """Takes the name of the whole history out of the header of a cut map, which does not fit it;
+    gives the comments with that name."""
+    if not comments or not header.sGenerationFile:
+        return comments
+    comments = [f"{comments[0]} of the map of {header.sGenerationFile}"]
+    header.sGenerationFile = ""
+    header.aqGenerationDateTime = _core.AQ_Time()
+    return comments
+
+
 def _commented(header: Any, comments: list[str]) -> Any:
     name = "colCommentLines" if hasattr(header, "colCommentLines") else "cCommentLines"
     if comments:
@@ -216,6 +251,8 @@ def measurement(
 
     Of a dataset that was cut, the records of a history with its map are numbered from 1, as a map's
     must be, and a comment in both headers has the numbers that were; without masks they keep theirs.
+    The map's header no longer names the whole history, which it does not fit: set `sGenerationFile`
+    to the name of the cut one.
 
     >>> history, mask = aq_data.measurement(ds.isel(time=slice(10, 50)))
     >>> aq_data.write(history, "cut.sth.csv")
@@ -227,9 +264,10 @@ def measurement(
     ds, comments = _renumbered(ds)
     history, mask = _history_from(ds), _map_from(ds)
     header, mask_header = _headers(ds, "history", history)
+    map_comments = _without_source(mask_header, comments)
     return (
         Reading(_commented(header, comments), history),
-        Reading(_commented(mask_header, comments), mask),
+        Reading(_commented(mask_header, map_comments), mask),
     )
 
 
@@ -239,4 +277,6 @@ def writable(ds: xr.Dataset) -> Reading[Any, Any]:
         return from_xarray(ds)
     ds, comments = _renumbered(ds)
     header, data = from_xarray(ds)
+    if isinstance(header, _core.AQ_HeaderMask):
+        comments = _without_source(header, comments)
     return Reading(_commented(header, comments), data)

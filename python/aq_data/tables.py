@@ -17,7 +17,13 @@ def history_to_pandas(
     mask: Optional[_core.AQ_MaskMap] = None,
     tidy: bool = False,
 ) -> pd.DataFrame:
-    """Levels in dB by record and band; tidy: one row a level, with times, frequency and masks."""
+    """Levels in dB, one row a record and one column a band, NaN where there is none and, with a map,
+    where it is masked; `tidy`: one row a record and band, with `time` in s, `frequency` in Hz, `level`
+    and masks as columns. Raises `ValueError` for a map of other records.
+
+    >>> history.to_pandas(mask)[24].max()
+    >>> history.to_pandas(tidy=True).groupby("band").level.max()
+    """
     if tidy:
         return _tidy(self.to_xarray(mask), ["record", "band"])
     index = pd.Index(self.records, name="record")
@@ -26,7 +32,11 @@ def history_to_pandas(
 
 @attach(_core.AQ_MaskMap, name="to_pandas")
 def map_to_pandas(self: _core.AQ_MaskMap, tidy: bool = False) -> pd.DataFrame:
-    """Mask modes by record and band; tidy: one row a mask, with adjustment and last good band."""
+    """Mask modes, one row a record and one column a band, -1 where there is no mask; `tidy`: one row a
+    record and band, with `mask_mode`, `mask_adjustment` and `last_good_band` as columns.
+
+    >>> (mask.to_pandas() > 0).sum(axis="columns")
+    """
     if tidy:
         return _tidy(self.to_xarray(), ["record", "band"])
     index = pd.Index(self.records, name="record")
@@ -35,7 +45,10 @@ def map_to_pandas(self: _core.AQ_MaskMap, tidy: bool = False) -> pd.DataFrame:
 
 @attach(_core.AQ_Spectrum, name="to_pandas")
 def spectrum_to_pandas(self: _core.AQ_Spectrum) -> pd.Series:
-    """Levels in dB by band."""
+    """Levels in dB by band number, NaN where there is none.
+
+    >>> spectrum.to_pandas().idxmax()
+    """
     return pd.Series(self.to_numpy(), pd.Index(self.bands, name="band"), name="level")
 
 
@@ -51,7 +64,11 @@ def _tidy(ds: xr.Dataset, keys: list[str]) -> pd.DataFrame:
     name="to_pandas",
 )
 def series_to_pandas(self: Any) -> pd.DataFrame:
-    """One row an entry, by record number or place; the columns are those of `to_numpy`."""
+    """One row an entry, by record number or by place from 1; the columns are those of `to_numpy`: times
+    in s of the day, lengths in the unit of the file.
+
+    >>> track.positions.to_pandas().Z.max()
+    """
     table = self.to_numpy()
     numbers = getattr(self, "records", range(1, len(table) + 1))
     return pd.DataFrame(table, pd.Index(numbers, name="record"))

@@ -1,4 +1,5 @@
 #include <aq/check/check_file.h>
+#include <aq/check/same_levels.h>
 
 #include "binding.h"
 
@@ -52,11 +53,41 @@ void bindCheck(py::module_& module) {
       },
       py::arg("history"), py::arg("map"),
       "Why a masking map does not fit the history that it was made for, as checkFile tells it");
+  module.def(
+      "_checkWithLevels",
+      [](const Path& path) {
+        Checked checked;
+        auto rows =
+            gathered([&](const FindingSink& sink) { checked = checkWithHistory(path.name, sink); });
+        return std::pair(std::move(rows), checked.levels);
+      },
+      py::arg("path"), "The rows of checkWithHistory, and a digest of a history's levels");
+  py::class_<SameLevels>(
+      module, "SameLevels",
+      "Finds measurements of an archive that have the same levels, as checks see one after another")
+      .def(py::init<>())
+      .def(
+          "see",
+          [](SameLevels& self, const Path& path, std::optional<std::uint64_t> levels) {
+            return gathered([&](const FindingSink& sink) { self.see(path.name, {levels}, sink); });
+          },
+          py::arg("path"), py::arg("levels"),
+          "What checkFile tells of a file whose digest of levels is that of one seen before");
   py::dict kinds;
   for (const FindingKind& kind : findingKinds()) {
     kinds[std::string(kind.name).c_str()] = std::string(kind.meaning);
   }
   module.attr("FINDING_KINDS") = kinds;
+  module.def(
+      "_doubtingKinds",
+      [] {
+        std::vector<std::string> names;
+        for (const FindingKind& kind : findingKinds()) {
+          if (kind.doubtsData()) names.emplace_back(kind.name);
+        }
+        return names;
+      },
+      "The kinds of findings by which the data may not be what was measured");
 }
 
 }  // namespace aq::python

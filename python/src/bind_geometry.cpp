@@ -67,9 +67,13 @@ void bindNumberedPoints(Bound<AQ_GeometryTimeHistory>& history) {
             return made;
           },
           py::arg("columns"), py::arg("records") = py::none(),
-          "A new series from a table or any mapping of columns as to_numpy names them; a column "
-          "that is not there leaves zeros. Points are numbered from 1 unless their numbers are "
-          "given");
+          R"(A new series from a table, or a mapping of columns of shape (points,), as to_numpy has them.
+
+A column that is not there leaves zeros. Points are numbered from 1 unless their numbers are given, each
+once. Raises ValueError for columns of other names, of other lengths, and for what is no number.
+
+>>> geometry = aq_data.AQ_GeometryTimeHistory.from_numpy({"Tm": times, "SRe": ranges})
+)");
   history.container(
       [](const H& self) {
         const auto points = pointsOf(self);

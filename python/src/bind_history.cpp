@@ -139,10 +139,16 @@ void bindArrays(BoundHistory& history) {
       .def("to_numpy", levelsOf, py::arg("mask") = py::none(),
            "The levels in dB, shape (records, bands), NaN where a band is missing and, with a "
            "map, where it is masked")
-      .def_static("from_numpy", historyFrom, py::arg("levels"), py::arg("low_band") = 17,
-                  py::arg("records") = py::none(),
-                  "A new history from levels in dB, shape (records, bands); NaN stores no level. "
-                  "Records are numbered from 1 unless their numbers are given");
+      .def_static(
+          "from_numpy", historyFrom, py::arg("levels"), py::arg("low_band") = 17,
+          py::arg("records") = py::none(),
+          R"(A new history from levels in dB, shape (records, bands), the first band being low_band.
+
+NaN stores no level. Records are numbered from 1 unless their numbers are given, each once. Raises
+ValueError for another shape and for numbers that no record or band has.
+
+>>> history = aq_data.AQ_SpectralTimeHistory.from_numpy(levels, low_band=17)
+)");
   bindColumns(history, "times", kTimes,
               "CurrentDate, TODseconds and RelSeconds of each record as a table, shape (records,)");
   bindColumns(history, "metrics", kMetrics,

@@ -160,9 +160,13 @@ void bindMap(const py::module_& module) {
       .def_static(
           "from_numpy", mapFromArrays, py::arg("modes"), py::arg("adjustments") = py::none(),
           py::arg("low_band") = 17, py::arg("records") = py::none(),
-          "A new map from modes, 0 to 3 or truth, and adjustments, 0 to 6, shape (rows, bands); -1 "
-          "stores no mask. "
-          "Records are numbered from 1 unless their numbers are given")
+          R"(A new map from modes, 0 to 3 or truth, and adjustments, 0 to 6, both of shape (rows, bands).
+
+-1 stores no mask. Rows are those of records from 1 unless their numbers are given, each once. Raises
+ValueError for another shape and for numbers that no mask, record or band has.
+
+>>> mask = aq_data.AQ_MaskMap.from_numpy(levels < ambient + 3, low_band=17)
+)")
       .def("__repr__", [](const AQ_MaskMap& self) {
         return "<AQ_MaskMap: " + std::to_string(self.Count()) + " rows, " +
                bandsText(bandsOf(rowsOf(self).objects)) + ">";

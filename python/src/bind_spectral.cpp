@@ -54,7 +54,12 @@ void bindSpectrum(const py::module_& module) {
             return spectrumFrom({levels.data(), static_cast<std::size_t>(levels.size())}, lowBand);
           },
           py::arg("levels"), py::arg("low_band") = 17,
-          "A new spectrum from levels in dB, shape (bands,); NaN stores no level")
+          R"(A new spectrum from levels in dB, shape (bands,), the first band being low_band.
+
+NaN stores no level. Raises ValueError for another shape and for numbers that no band has.
+
+>>> spectrum = aq_data.AQ_Spectrum.from_numpy([61.5, 60.2, 58.9], low_band=24)
+)")
       .def_property_readonly(
           "bands",
           [](const AQ_Spectrum& self) {

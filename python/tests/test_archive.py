@@ -97,8 +97,9 @@ def test_a_file_whose_levels_are_in_doubt_is_not_fine(
 ) -> None:
     paths = archive(3)
     text = (sample / "fly-over.sth.csv").read_text()
-    paths[1].write_text(text.replace(",61.51,", ",615.1,", 1))
-    paths[2].write_text(text.replace("MicrophoneID**,", "MicrophoneID**,M7 "))
+    paths[1].write_text(text.replace(",61.51,", ",615.10,", 1))
+    other = text.replace(",61.51,", ",61.50,", 1)  # no copy
+    paths[2].write_text(other.replace("MicrophoneID**,", "MicrophoneID**,M7 "))
     assert list(aq.scan(tmp_path).ok) == [True, False, True]
     row = aq.scan(tmp_path).iloc[1]
     assert (row.line, row.warnings) == (22, 1) and "615.1" in row.found
@@ -111,6 +112,18 @@ def test_a_file_whose_levels_are_in_doubt_is_not_fine(
     assert many.warnings[1:].values.tolist() == [1, 0] and many.errors.sum() == 0
     assert many.microphone[2].item()[:3] == "M7 " and many.begin[2] == "14:30:00"
     assert many.project[2] == "Fly-over sample"
+
+
+def test_a_copy_is_found_where_it_comes_second(archive: Archive, tmp_path: Path) -> None:
+    paths = archive(2)
+    copy = tmp_path / "0002.sth.csv"
+    copy.write_text(paths[0].read_text())
+    found = aq.check(tmp_path)
+    copies = found[found.kind == "same-levels"]
+    assert copies.path.tolist() == [str(copy)] and f'"{paths[0]}"' in copies.message.iloc[0]
+    assert aq.scan(tmp_path).warnings.iloc[2] == aq.scan(tmp_path).warnings.iloc[1] + 2
+    warnings = aq.open_many([*paths, copy]).warnings.values
+    assert warnings[2] == warnings[1] + 2
 
 
 def test_a_folder_is_checked_as_a_whole(archive: Archive, tmp_path: Path) -> None:

@@ -200,6 +200,12 @@ def test_a_notebook_shows_tables(sample: Path) -> None:
     parameters = aq.read(sample / "fly-over.ini.csv").data
     assert parameters.to_xarray().window_before == parameters.PrWndo
     assert parameters.to_pandas()["LoRec"] == parameters.LoRec
+    for reading in (aq.read(sample / "fly-over.mic.csv"), aq.read(sample / "fly-over.ini.csv")):
+        named = {} if reading.header is None else {"header": reading.header}
+        assert aq.from_xarray(reading.data.to_xarray(**named)) == reading
+    changed = parameters.to_xarray().assign(window_before=12.5)
+    assert aq.from_xarray(changed).data.PrWndo == 12.5
+    assert aq.from_xarray(aq.AQ_DataINI().to_xarray()).data.NuAvg == aq.AQ_NA
 
 
 def test_times_take_text_and_those_of_python(history: Any) -> None:
@@ -226,3 +232,16 @@ def test_times_take_text_and_those_of_python(history: Any) -> None:
 def test_errors_name_the_property(owner: Any, name: str, value: Any, text: str) -> None:
     with pytest.raises(TypeError, match=text):
         setattr(owner(), name, value)
+
+
+def test_errors_of_views_name_property_and_number(history: Any) -> None:
+    with pytest.raises(
+        TypeError, match=r"AQ_SpectralTimeHistory.spectrum\[3\]: expected AQ_Spectrum, f"
+    ):
+        history.spectrum[3] = 5
+    with pytest.raises(TypeError, match="AQ_SpectralTimeHistory.spectrum: expected a whole number"):
+        history.spectrum["x"] = history[1]
+    with pytest.raises(
+        TypeError, match=r"AQ_Spectrum.SPL\[17\]: expected a number, a date, text or No"
+    ):
+        history[1].SPL[17] = [1]

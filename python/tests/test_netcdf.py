@@ -154,7 +154,8 @@ def test_a_cut_dataset_is_written_again(sample: Path, tmp_path: Path) -> None:
         np.testing.assert_array_equal(again.mask_mode, cut.mask_mode)
         assert list(history_2.records) == [*range(1, len(cut.time) + 1)]
         comment = f"Records 1 to {len(cut.time)} were {numbers}"
-        assert header_2.cCommentLines[-1] == mask_header_2.cCommentLines[-1] == comment
+        assert header_2.cCommentLines[-1] == comment and not mask_header_2.sGenerationFile
+        assert mask_header_2.cCommentLines[-1] == f"{comment} of the map of fly-over.sth.csv"
         first = cut.time.values[0] - ds.time.values[0]
         assert history_2.startTime.TODseconds == 52200 + first
     whole = aq.measurement(ds)[0]

@@ -1,6 +1,9 @@
 // A clean sample with one change, and what a check then finds.
 #include <aq/check/check_file.h>
 #include <aq/check/same_levels.h>
+#include <aq/files/formats.h>
+#include <aq/files/late_times.h>
+#include <aq/noise/emission_geometry.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -97,12 +100,17 @@ const Change kChanges[] = {
     {kHistory, "\n3,14", ",,\n3,14", {"23:28 extra-fields"}},
     {kHistory, "14:30:01.25", "14:30:01.45", {"24:2 time-step r3"}},
     {kHistory, "14:30:14.75", "14:30:15.75", {"22:3 relative-time r1"}},
-    {kHistory, "61.62", "200.00", {}},
-    {kHistory, "61.62", "-20.00", {}},
+    {kHistory, "61.62", "200.00", {"23:5 level-jump r2 b18"}},
+    {kHistory, "61.62", "-20.00", {"23:5 level-jump r2 b18"}},
     {kHistory, "61.62", "200.01", {"23:5 level-range r2 b18"}},
     {kHistory, "61.62", "-20.01", {"23:5 level-range r2 b18"}},
     {kHistory, "61.62", "9999", {"23:5 level-invalid r2 b18"}},
     {kHistory, "\n3,14", ",1\n3,14", {"23:28 extra-fields"}},
+    {kHistory, ",62.66,", ",62.6,", {"22:8 lost-digits"}},
+    {kHistory, ",62.66,", ",6E1,", {"22:8 lost-digits"}},
+    {kHistory, ",62.91,", ",2.91,", {"23:8 level-jump r2 b21"}},
+    {kHistory, ",62.91,", ",162.91,", {"23:8 level-jump r2 b21"}},
+    {kHistory, ",62.91,", ",92.91,", {}},  // a bird
     {kMap, "FileName**,fly-over.mask.csv", "FileName**,other.csv", {"2:2 file-name"}},
     {kMap, "NumberOfRows**,60", "NumberOfRows**,61", {"4:2 record-count"}},
     {kMap, "2,M-,M-", "2,MX,M-", {"13:2 mask-letters r2 b17"}},
@@ -118,9 +126,13 @@ const Change kChanges[] = {
     {"fly-over.mic.csv", "1.2\n", "1.2\n1,2,3,4\n", {"10:0 second-data-set"}},
     {"fly-over.mic.csv", "1.2\n", "x\n", {"9:4 unreadable"}},
     {"fly-over.mic.csv", "1.2\n", "1.2", {"9:4 cut-short"}},
+    {"fly-over.mic.csv", "1.2\n", "1.\n", {"9:4 cut-short"}},
+    {"fly-over.mic.csv", "X,Y,Z", "Y,X,Z", {"8:1 heading"}},
     {"fly-over.mic.csv", "0,0,0,1.2", "0,5,-1,25,0,1,2", {"9:0 decimal-comma"}},
     {"fly-over.ssr.csv", "34.70\n", "34.7", {"7:24 cut-short"}},
     {"fly-over.ini.csv", "HiRec**, 60\n", "HiRec**, 6", {"9:0 cut-short"}},
+    {"fly-over.ini.csv", "LoRec**, 1\n", "LoRec**, 61\n", {"0:0 contradiction"}},
+    {"fly-over.ini.csv", "PrWndo**, 10", "PrWndo**, -10", {"0:0 contradiction"}},
     {"fly-over.ini.csv", "FileName**,fly", "FileName**,x", {"2:2 renamed"}},
     {"fly-over.ini.csv", "Lines**,0\n", "Lines**,1\na,b\n", {"5:2 lost-text"}},
     {"fly-over.ini.csv", "MIDPT", "MIDDLE", {"5:2 other-word"}},
@@ -255,6 +267,99 @@ TEST(Check, PositionsAndGeometry) {
   EXPECT_EQ(rejected, (Found{"7:2 fix-rejected", "10:2 fix-rejected"}));
   EXPECT_EQ(changed(geometry, "\n2,10", "\n3,10"),
             (Found{"21:1 record-gap r3", "21:2 time-step r3"}));
+}
+
+const char* const kTrack = "fly-over.tspi.csv";
+const char* const kPositions = "fly-over.pth.csv";
+const char* const kGeometry = "fly-over.gth.csv";
+
+/// Puts the sample, its positions and its geometry into a folder.
+void makeFlight(const test::Folder& folder) {
+  for (const std::string& name : {kHistory, std::string("fly-over.mic.csv"), std::string(kTrack)}) {
+    static_cast<void>(folder.with(name, test::contentOf(kSamples / name)));
+  }
+  AQ_DataTSPI tracking;
+  Content<void, AQ_PositionTimeHistory> track;
+  static_cast<void>(readContent(tracking, folder.file(kTrack), track));
+  const auto header = std::make_shared<AQ_HeaderPTH>();
+  header->sTSPIFileName = folder.file(kTrack);
+  AQ_DataPTH positions;
+  static_cast<void>(writeFrom(positions, folder.file(kPositions), header, *track.model));
+  AQ_DataSTH file;
+  Content<AQ_HeaderSTH, AQ_SpectralTimeHistory> read;
+  static_cast<void>(readContent(file, folder.file(kHistory), read));
+  AQ_Position microphone;
+  microphone.Z(1.2);
+  const auto all = emissionGeometry(*track.model, microphone, *read.model, 20);
+  AQ_GeometryTimeHistory points;
+  for (const auto& [record, point] : *all) points.Point(points.Count() + 1, point);
+  static_cast<void>(roundLateTimes(points));
+  const auto made = std::make_shared<AQ_HeaderGTH>();
+  made->MicrophoneID = read.header->sMicrophoneID;
+  made->MicrophonePosition = std::make_shared<AQ_Position>(microphone);
+  made->Temperature = 20;
+  made->STHFileName = folder.file(kHistory);
+  made->PTHFileName = folder.file(kPositions);
+  made->MICFileName = folder.file("fly-over.mic.csv");
+  AQ_DataGTH geometry;
+  static_cast<void>(writeFrom(geometry, folder.file(kGeometry), made, points));
+}
+
+TEST(Check, PositionsAndGeometryAgainstTheirSources) {
+  const test::Folder folder;
+  makeFlight(folder);
+  const auto foundIn = [&](const std::string& name) {
+    std::vector<std::string> found;
+    checkWithHistory(folder.file(name),
+                     [&](const Finding& finding) { found.push_back(shortForm(finding)); });
+    return found;
+  };
+  const auto changed = [&](const std::string& name, const char* from, const char* to,
+                           const std::string& checked) {
+    const std::string text = test::contentOf(folder.file(name));
+    static_cast<void>(folder.with(name, replaced(text, from, to)));
+    const auto found = foundIn(checked);
+    static_cast<void>(folder.with(name, text));
+    return found;
+  };
+  using Found = std::vector<std::string>;
+  EXPECT_EQ(foundIn(kPositions), Found());
+  EXPECT_EQ(foundIn(kGeometry), Found());
+  const std::string positions = test::contentOf(folder.file(kPositions));
+  const std::size_t jump = test::linesOf(positions.substr(0, positions.find(",-1037,"))).size();
+  EXPECT_EQ(changed(kPositions, ",-1037,", ",-37,", kPositions),
+            Found{std::to_string(jump) + ":0 position-jump"});
+  EXPECT_EQ(changed(kPositions, "TOD,X,Y", "TOD,Y,X", kPositions), Found{"11:2 heading"});
+  EXPECT_EQ(changed(kHistory, "MicrophoneID**,M1", "MicrophoneID**,M2", kGeometry),
+            Found{"6:2 source-misfit"});
+  EXPECT_EQ(changed("fly-over.mic.csv", "\n0,0,0", "\n5,0,0", kGeometry),
+            Found{"7:2 source-misfit"});
+  EXPECT_EQ(changed(kGeometry, "Temperature**,20", "Temperature**,200", kGeometry),
+            Found{"8:2 contradiction"});
+  EXPECT_EQ(changed(kGeometry, "Xe, Ye", "Ye, Xe", kGeometry), Found{"18:5 heading"});
+  const auto later = [&](const std::string& name, const std::string& checked) {
+    std::string text = test::contentOf(folder.file(name));
+    const std::string before = text;
+    for (std::size_t at = 0; (at = text.find("14:30:", at)) != text.npos; at += 6) {
+      text.replace(at, 6, "15:30:");
+    }
+    static_cast<void>(folder.with(name, text));
+    const auto found = foundIn(checked);
+    static_cast<void>(folder.with(name, before));
+    return found;
+  };
+  EXPECT_EQ(later(kHistory, kGeometry), Found{"9:2 source-misfit"});
+  EXPECT_EQ(later(kPositions, kGeometry), Found{"11:2 source-misfit"});
+  EXPECT_EQ(later(kTrack, kPositions), Found{"6:2 source-misfit"});
+  const std::string track = test::contentOf(folder.file(kTrack));
+  const std::size_t headings = track.find("Time,");
+  static_cast<void>(folder.with(
+      kTrack, track.substr(0, headings) + track.substr(track.find('\n', headings) + 1)));
+  EXPECT_EQ(foundIn(kTrack).front(), "6:0 heading");
+  const std::size_t gap = track.find("14:30:10");
+  static_cast<void>(
+      folder.with(kTrack, track.substr(0, gap) + track.substr(track.find("14:30:15"))));
+  EXPECT_EQ(foundIn(kTrack).at(1), "57:1 time-gap");
 }
 
 TEST(Check, AMapAndItsHistoryThatDoNotFit) {

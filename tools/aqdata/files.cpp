@@ -4,6 +4,7 @@
 #include <aq/core/platform.h>
 #include <aq/files/data_ascii.h>
 #include <aq/files/file_kind.h>
+#include <aq/files/formats.h>
 #include <aq/text/number_text.h>
 #include <fmt/format.h>
 
@@ -122,16 +123,14 @@ class Choice {
   bool seenMeasurement_ = false;
 };
 
-constexpr std::string_view kEndings[] = {".sth.csv",  ".mask.csv", ".ssr.csv", ".pth.csv",
-                                         ".tspi.csv", ".mic.csv",  ".gth.csv", ".ini.csv"};
-
 /// Whether a file called `name` may be one whose name ends so: a table's name is no other kind's.
 bool mayEnd(const std::string& name, std::string_view ending) {
   const auto endsIn = [upper = aq::upperCased(name)](std::string_view end) {
     return upper.ends_with(aq::upperCased(end));
   };
-  return endsIn(ending) &&
-         (ending != ".csv" || std::none_of(std::begin(kEndings), std::end(kEndings), endsIn));
+  bool isOthers = false;
+  aq::forFormats([&](const auto& format) { isOthers = isOthers || endsIn(format.ending); });
+  return endsIn(ending) && (ending != ".csv" || !isOthers);
 }
 
 }  // namespace

@@ -11,7 +11,8 @@ namespace {
 /// Their text keeps hundredths alone for most of the day.
 double secondsOf(const aq::AQ_Time& time) { return tidySeconds(time.TODseconds()); }
 
-/// Takes the bands of `cells`, from `low` up, as a row; the sheet's bands hold those of all rows.
+/// Adds a row: its number, the cells of the other columns, and what it has in each of the sheet's
+/// bands.
 void addRow(Sheet& sheet, std::int32_t number, std::vector<Json> cells,
             std::vector<Json> bands = {}) {
   cells.insert(cells.begin(), number);
