@@ -13,6 +13,7 @@ void addHistories();
 void addMaps();
 void addPositions();
 void addDelimited();
+void addRecordings();
 void addGrowth();
 void addThreads();
 

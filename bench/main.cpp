@@ -96,7 +96,7 @@ nlohmann::ordered_json runPairs(const std::vector<void (*)()>& adders,
 
 nlohmann::ordered_json runGroup(const std::string& group, const std::vector<char*>& arguments) {
   if (group == "formats") {
-    return runPairs({addHistories, addMaps, addPositions, addDelimited}, arguments);
+    return runPairs({addHistories, addMaps, addPositions, addRecordings, addDelimited}, arguments);
   }
   if (group == "growth") return runPairs({addGrowth, addThreads}, arguments);
   return memoryOfReading(fileInFolder("large.sth.csv"));

@@ -75,12 +75,12 @@ BandPlan BandPlan::ofOctaves(std::span<const double> x) {
   return plan;
 }
 
-BandPlan BandPlan::ofBins(std::span<const double> x, std::size_t start, std::size_t stop) {
+BandPlan BandPlan::ofBins(std::span<const double> x, std::size_t start, std::size_t end) {
   constexpr double kFewest = 3;
   constexpr double kHalf = 0.5;  // of a band
   BandPlan plan;
-  if (stop > start) {
-    const std::vector<double> edges = edgesOf(x.subspan(start, stop - start + 1));
+  if (end > start + 1) {
+    const std::vector<double> edges = edgesOf(x.subspan(start, end - start));
     const auto shareOf = [&](std::size_t bin, double low, double high) {
       return (std::min(high, edges[bin + 1]) - std::max(low, edges[bin])) /
              (edges[bin + 1] - edges[bin]);

@@ -15,10 +15,10 @@ class BandPlan {
   /// Fails at any other point, where bands do not rise and where none is from 2 to 50.
   static BandPlan ofOctaves(std::span<const double> x);
 
-  /// Of narrow bands: points `start` to `stop` are added up, what lies on an edge in proportion.
-  /// Only bands that they cover, and that are at least three of them wide. Fails where that is
-  /// none.
-  static BandPlan ofBins(std::span<const double> x, std::size_t start, std::size_t stop);
+  /// Of narrow bands: points from `start` to before `end`, at most the size of `x`, are added up,
+  /// what lies on an edge in proportion. Only bands that they cover, and that are at least three of
+  /// them wide. Fails where there is no such band.
+  static BandPlan ofBins(std::span<const double> x, std::size_t start, std::size_t end);
 
   [[nodiscard]] std::size_t size() const { return parts_.size(); }
   [[nodiscard]] std::int16_t band(std::size_t place) const { return parts_[place].band; }

@@ -17,6 +17,7 @@
 #include "aq/text/header_writer.h"
 #include "aq/text/level_code.h"
 #include "aq/text/number_text.h"
+#include "aq/text/plain_number.h"
 
 namespace aq {
 namespace {
@@ -91,6 +92,11 @@ void appendRecord(std::string& text, std::int32_t record, const AQ_Spectrum& spe
 }
 
 // Reading records.
+
+std::int32_t recordFrom(std::string_view text) {
+  const PlainInteger plain = plainInteger(text);
+  return plain.length == text.size() && plain.length != 0 ? plain.value : int32From(text);
+}
 
 /// The levels of one record; a band without one lies between others, or is left out at an end.
 class LevelRow {
@@ -194,7 +200,7 @@ void AQ_DataSPC::readRecords(LineReader& lines, const Settings& part,
   for (std::int32_t record = part.first; record <= part.last; ++record) {
     takeLine(lines, "the line of record ", numberText(record));
     FixedFieldReader fields(lines);
-    if (fields.convert(kRecord, "a record number", int32From) != record) {
+    if (fields.convert(kRecord, "a record number", recordFrom) != record) {
       fields.fail("the record number " + numberText(record));
     }
     const auto time = times.next();

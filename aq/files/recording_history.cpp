@@ -69,6 +69,8 @@ AQ_AverageMethod averageOf(const Recording& recording) {
 
 /// Gives the levels of one scan after another.
 class LevelReader {
+  static constexpr double kNoLevel = std::numeric_limits<double>::quiet_NaN();
+
  public:
   LevelReader(const Recording& recording, const RecordingTrace& trace, double calibration)
       : recording_(recording), trace_(trace) {
@@ -80,6 +82,7 @@ class LevelReader {
     constant_ = (power_ ? 10 : 20) * std::log10(std::abs(trace.gain)) - 20 * std::log10(reference) +
                 (trace.narrow ? 10 * std::log10(kHalf) : 0) + calibration;
     negative_ = power_ && trace.gain < 0;
+    factor_ = power_ || trace.narrow ? 10 : 20;
   }
 
   void read(std::size_t scan, AQ_Spectrum& spectrum) {
@@ -96,9 +99,14 @@ class LevelReader {
     levels_.resize(plan_.size());
     bool whole = whole_;
     for (std::size_t i = 0; i < plan_.size(); ++i) {
-      levels_[i] = levelOf(i, scan);
-      whole = whole && !std::isnan(levels_[i]);
+      levels_[i] = valueOf(i, scan);
+      whole = whole && levels_[i] > 0;
     }
+    for (double& level : levels_) {
+      level = level > 0 ? factor_ * std::log10(level) + constant_ : kNoLevel;
+    }
+    // Of a finite value, the logarithm is finite.
+    if (!std::isfinite(constant_)) failAt(0, scan, constant_);
     if (whole) return spectrum.assignLevels(plan_.band(0), levels_);
     for (std::size_t i = 0; i < plan_.size(); ++i) {
       if (!std::isnan(levels_[i])) spectrum.SPL(plan_.band(i), levels_[i]);
@@ -127,23 +135,16 @@ class LevelReader {
       measurement.fail("first and last alias-free point from 0 to " + std::to_string(count - 1),
                        std::to_string(start) + " and " + std::to_string(stop));
     }
-    const std::size_t last = std::min(static_cast<std::size_t>(stop) + 1, x.size());
-    return BandPlan::ofBins(x, std::min(static_cast<std::size_t>(start), last), last - 1);
+    return BandPlan::ofBins(x, static_cast<std::size_t>(start),
+                            std::min(static_cast<std::size_t>(stop) + 1, x.size()));
   }
 
-  /// NaN where the band has none.
-  [[nodiscard]] double levelOf(std::size_t place, std::size_t scan) const {
-    double value = plan_.value(place, values_);
+  /// What the level of a band is the logarithm of; the band has none unless it is above 0.
+  [[nodiscard]] double valueOf(std::size_t place, std::size_t scan) const {
+    const double value = plan_.value(place, values_);
     if (!std::isfinite(value)) failAt(place, scan, value);
-    if (negative_) value = -value;
-    if (!power_ && !trace_.narrow) value = std::abs(value);
-    if (value <= 0) return std::numeric_limits<double>::quiet_NaN();
-    constexpr double kPower = 10;
-    constexpr double kAmplitude = 20;
-    const double level =
-        (power_ || trace_.narrow ? kPower : kAmplitude) * std::log10(value) + constant_;
-    if (!std::isfinite(level)) failAt(place, scan, level);
-    return level;
+    if (!power_ && !trace_.narrow) return std::abs(value);
+    return negative_ ? -value : value;
   }
 
   [[noreturn]] void failAt(std::size_t place, std::size_t scan, double value) const {
@@ -158,6 +159,7 @@ class LevelReader {
   const RecordingTrace& trace_;
   bool power_;
   bool negative_;
+  double factor_;
   double constant_;
   BandPlan plan_;
   bool planned_ = false;

@@ -9,6 +9,7 @@
 #include <span>
 #include <string>
 #include <type_traits>
+#include <utility>
 
 namespace aq::sdf {
 
@@ -19,10 +20,12 @@ template <class Number>
       sizeof(Number) == 8, std::uint64_t,
       std::conditional_t<sizeof(Number) == 4, std::uint32_t,
                          std::conditional_t<sizeof(Number) == 2, std::uint16_t, std::uint8_t>>>;
-  Bits bits = 0;
-  for (std::size_t i = 0; i < sizeof(Number); ++i) {
-    bits = static_cast<Bits>((std::uint64_t{bits} << 8U) | static_cast<unsigned char>(at[i]));
+  // One expression, which compilers take for the one load that it is.
+  const auto bits = [at]<std::size_t... i>(std::index_sequence<i...>) {
+    return static_cast<Bits>((
+        (std::uint64_t{static_cast<unsigned char>(at[i])} << 8U * (sizeof(Number) - 1 - i)) | ...));
   }
+  (std::make_index_sequence<sizeof(Number)>());
   return std::bit_cast<Number>(bits);
 }
 

@@ -92,7 +92,30 @@ std::string clockTimeFrom(std::string_view text) {
   return clock;
 }
 
+namespace {
+
+/// The milliseconds of a time of day written as `hh:mm:ss.sss`; nothing for any other text.
+std::optional<std::int32_t> plainMilliseconds(std::string_view text) {
+  constexpr std::string_view kForm = "00:00:00.000";
+  if (text.size() != kForm.size()) return std::nullopt;
+  std::array<int, kForm.size()> digits;
+  bool plain = true;
+  for (std::size_t place = 0; place < kForm.size(); ++place) {
+    digits[place] = text[place] - kForm[place];
+    const int most = kForm[place] == '0' ? 9 : 0;
+    plain = plain && digits[place] >= 0 && digits[place] <= most;
+  }
+  const int hours = digits[0] * 10 + digits[1];
+  if (!plain || hours > 23 || digits[3] > 5 || digits[6] > 5) return std::nullopt;
+  const int minutes = hours * 60 + digits[3] * 10 + digits[4];
+  const int seconds = minutes * 60 + digits[6] * 10 + digits[7];
+  return seconds * 1000 + digits[9] * 100 + digits[10] * 10 + digits[11];
+}
+
+}  // namespace
+
 double secondsOfDayFrom(std::string_view text) {
+  if (const auto milliseconds = plainMilliseconds(text)) return *milliseconds / 1e3;
   constexpr std::size_t kMostDecimals = 9;
   const std::string_view clock = trimmed(text);
   const std::size_t point = std::min(clock.find('.'), clock.size());

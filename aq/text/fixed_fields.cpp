@@ -19,15 +19,6 @@ std::string columnsText(Columns columns) {
 
 }  // namespace
 
-std::string_view FixedFieldReader::take(Columns columns, const char* expected) {
-  ++field_;
-  columns_ = columns;
-  const std::size_t begin = std::min(columns.first - 1, line_.size());
-  found_ = trimmed(line_.substr(begin, columns.last - columns.first + 1));
-  if (found_.find('\t') != found_.npos) fail(expected);
-  return found_;
-}
-
 std::string_view FixedFieldReader::takeRest(std::size_t first, const char* expected) {
   return take({first, std::string_view::npos}, expected);
 }

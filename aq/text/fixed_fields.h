@@ -10,6 +10,7 @@
 #include "aq/core/export.h"
 #include "aq/text/fields.h"
 #include "aq/text/line_reader.h"
+#include "aq/text/number_text.h"
 
 // Text in fixed columns, counted from 1, both ways.
 
@@ -34,7 +35,14 @@ class AQ_API FixedFieldReader {
       : FixedFieldReader(lines.line(), lines.number()) {}
 
   /// What stands there, without its outer blanks.
-  [[nodiscard]] std::string_view take(Columns columns, const char* expected);
+  [[nodiscard]] std::string_view take(Columns columns, const char* expected) {
+    ++field_;
+    columns_ = columns;
+    const std::size_t begin = std::min(columns.first - 1, line_.size());
+    found_ = trimmed(line_.substr(begin, columns.last - columns.first + 1));
+    if (found_.find('\t') != found_.npos) fail(expected);
+    return found_;
+  }
 
   /// The same to the end of the line.
   [[nodiscard]] std::string_view takeRest(std::size_t first, const char* expected);

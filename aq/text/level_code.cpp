@@ -227,8 +227,8 @@ bool takeInvalid(Levels& levels) {
   return true;
 }
 
-// In columns: two blanks at least, or one and a sign, three digits with blanks for zeros in front,
-// a point and two digits.
+// In columns: two blanks at least, three digits with blanks for zeros before them, a point and two
+// digits.
 
 constexpr std::string_view kInvalidInColumns = " 9999.00";
 
@@ -241,27 +241,44 @@ constexpr std::uint64_t wordOfText(std::string_view text) {
   return word;
 }
 
-std::optional<LevelCode> codeInColumns(std::uint64_t word) {
-  constexpr std::uint64_t kBlankBit = 0x10;              // that "0" has and a blank has not
-  constexpr std::uint64_t kWhole = 0x0000001010101010U;  // of the bytes before the point
+constexpr std::int32_t kNoHundredths = -1;
+
+/// The hundredths of such a level; `kNoHundredths` for any other text.
+std::int32_t hundredthsInColumns(std::uint64_t word) {
+  constexpr std::uint64_t kWhole = 0x1010101010U;  // a bit of "0" that a blank has not
   constexpr std::uint64_t kZeros = wordOfText("00000.00");
   constexpr std::uint64_t kDigits = 0x0606000606060606U;
   constexpr std::uint64_t kStrange = 0xF0F0FFF0F0F0F0F0U;
-  static_assert(kBlankBit == ('0' ^ ' '));
-  if (word == wordOfText(kInvalidInColumns)) return kInvalidCode;
-  // Blanks are zeros where no digit comes before them.
+  constexpr std::uint64_t kAlwaysBlank = 0xFFFFU;
+  static_assert(('0' ^ ' ') == 0x10);
   const std::uint64_t blanks = ~word & kWhole;
-  const std::uint64_t mask = (blanks >> 4) * 0xFF;
-  if ((mask & (mask + 1)) != 0) return std::nullopt;
   const std::uint64_t digits = (word | kWhole) ^ kZeros;
-  if ((((digits + kDigits) | digits) & kStrange) != 0) return std::nullopt;
-  if ((digits & (mask | 0xFFFF)) != 0) return std::nullopt;
-  const std::int32_t hundredths = byteOf(digits, 2) * 10000 + byteOf(digits, 3) * 1000 +
-                                  byteOf(digits, 4) * 100 + byteOf(digits, 6) * 10 +
-                                  byteOf(digits, 7);
-  if (hundredths > kLargestCode) return std::nullopt;
-  return static_cast<LevelCode>(hundredths);
+  const std::uint64_t strange = ((digits + kDigits) | digits) & kStrange;
+  const std::uint64_t blankAfterDigit = blanks & ~(blanks << 8 | 0x10U);
+  if ((strange | blankAfterDigit | (digits & kAlwaysBlank)) != 0) return kNoHundredths;
+  const std::uint64_t pairs = digits * 10 + (digits >> 8);
+  return byteOf(digits, 2) * 10000 + byteOf(pairs, 3) * 100 + byteOf(pairs, 6);
 }
+
+/// Every whole part that a code may have, with its sign, in the columns before the decimals.
+constexpr std::size_t kWholeParts = kLargestCode / 100 + 1;
+using WholeInColumns = std::array<char, kLevelColumns>;
+constexpr auto kWholesInColumns = [] {
+  std::array<std::array<WholeInColumns, kWholeParts>, 2> all{};
+  for (std::size_t part = 0; part < 2 * kWholeParts; ++part) {
+    const bool negative = part >= kWholeParts;
+    WholeInColumns& text = all[negative ? 1 : 0][part % kWholeParts];
+    text = {' ', ' ', ' ', ' ', ' ', '.', '0', '0'};
+    std::size_t place = 5;
+    std::size_t left = part % kWholeParts;
+    do {
+      text[--place] = static_cast<char>('0' + left % 10);
+      left /= 10;
+    } while (left != 0);
+    if (negative) text[--place] = '-';
+  }
+  return all;
+}();
 
 }  // namespace
 
@@ -271,9 +288,14 @@ std::size_t codesInColumns(std::string_view text, std::span<LevelCode> codes) {
   for (std::size_t place = 0; place < most; ++place) {
     std::uint64_t word = 0;
     std::memcpy(&word, text.data() + place * kLevelColumns, kLevelColumns);
-    const auto code = codeInColumns(word);
-    if (!code) return place;
-    codes[place] = *code;
+    const std::int32_t hundredths = hundredthsInColumns(word);
+    if (hundredths >= 0 && hundredths <= kLargestCode) {
+      codes[place] = static_cast<LevelCode>(hundredths);
+    } else if (word == wordOfText(kInvalidInColumns)) {
+      codes[place] = kInvalidCode;
+    } else {
+      return place;
+    }
   }
   return most;
 }
@@ -284,18 +306,9 @@ void putInColumns(char* at, LevelCode code) {
     return;
   }
   const auto size = static_cast<std::uint32_t>(std::abs(code));
-  const std::uint32_t whole = size / 100;
-  std::array<char, kLevelColumns> text{' ', ' ', ' ', ' ', ' ', '.', '0', '0'};
-  char* place = text.data() + 5;
-  std::uint32_t left = whole;
-  do {
-    *--place = static_cast<char>('0' + left % 10);
-    left /= 10;
-  } while (left != 0);
-  if (code < 0) *--place = '-';
-  text[6] = static_cast<char>('0' + size / 10 % 10);
-  text[7] = static_cast<char>('0' + size % 10);
-  std::memcpy(at, text.data(), kLevelColumns);
+  std::memcpy(at, kWholesInColumns[code < 0 ? 1 : 0][size / 100].data(), kLevelColumns);
+  at[6] = static_cast<char>('0' + size / 10 % 10);
+  at[7] = static_cast<char>('0' + size % 10);
 }
 
 std::optional<LevelCode> codeOf(double level) {

@@ -14,7 +14,7 @@ from . import accessor as _accessor  # registers Dataset.aq
 from .archive import check, scan
 from .many import open_many
 from .noise import audit, emission_geometry, epnl, events, explain, metrics, tone_correction
-from .files import read, read_tracking, write
+from .files import read, read_sdf, read_tracking, write
 from .reading import Reading, Tracking
 from .restore import from_xarray, measurement
 
@@ -36,6 +36,7 @@ __all__ = [
     "open_many",
     "plot",
     "read",
+    "read_sdf",
     "read_tracking",
     "scan",
     "tone_correction",

@@ -39,6 +39,29 @@ def read_tracking(path: Path, limit: int = 1) -> Tracking:
     return Tracking(good, _without(reader.readFile(path), good))
 
 
+def read_sdf(path: Path) -> dict[str, Any]:
+    """What is in an analyzer recording: its records as dictionaries, its traces as arrays.
+
+    `recording["SDF_CHANNEL_HDR"]` is a list, a dictionary of fields each; so are the others, under
+    the names of their types. `recording["traces"][i]` belongs to data header `i` and has `y` by
+    scan, trace and value, `x` by point and, if there is one, `scan_variable` by scan. All values
+    are as they are stored, in no unit: `read` gives levels. `revision` and `scans`, the number of
+    valid ones, are beside them.
+
+    Raises as `read`.
+
+    >>> recording = aq_data.read_sdf("TRACE1.DAT")
+    >>> recording["SDF_DATA_HDR"][0]["dataTitle"], recording["traces"][0]["y"].shape
+    """
+    name = os.fsdecode(path)
+    with open(name, "rb"):  # the system's own reason, if it cannot be opened
+        pass
+    content: Any = _core._readRecording(name)
+    if isinstance(content, tuple):
+        raise FileError(name, 0, 0, *content)
+    return dict(content)
+
+
 def _without(
     everything: _core.AQ_PositionTimeHistory, good: _core.AQ_PositionTimeHistory
 ) -> _core.AQ_PositionTimeHistory:

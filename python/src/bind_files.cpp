@@ -179,6 +179,37 @@ void bindHistoryFile(BoundFile<AQ_DataSTH>& history) {
       py::arg("sFileName"), "The header's lines as they stand, up to the column headings");
 }
 
+void bindRecordingFile(BoundFile<AQ_DataHP3565>& recording) {
+  using File = AQ_DataHP3565;
+  recording.def(
+      "ParseASC",
+      [](File& self, const Path& path) {
+        std::shared_ptr<AQ_HeaderSTH> header;
+        std::shared_ptr<AQ_SpectralTimeHistory> history;
+        runFile(self, [&](File& file) { return file.ParseASC(path.name, header, history); });
+        return std::pair(header, history);
+      },
+      py::arg("sAscFile"), docOf<File>("ParseASC").c_str());
+  recording.def(
+      "DAT_to_ASC",
+      [](File& self, const Path& from, const Path& to) {
+        runFile(self, [&](File& file) { return file.DAT_to_ASC(from.name, to.name); });
+      },
+      py::arg("sDatFile"), py::arg("sAscFile"), docOf<File>("DAT_to_ASC").c_str());
+  recording.def(
+      "readDirectory",
+      [](File& self, const Path& folder) {
+        std::shared_ptr<Collection<std::string>> index;
+        std::shared_ptr<Collection<std::string>> times;
+        std::shared_ptr<Collection<std::string>> recordings;
+        runFile(self, [&](File& file) {
+          return file.readDirectory(folder.name, index, times, recordings);
+        });
+        return std::tuple(index, times, recordings);
+      },
+      py::arg("sDirectory"), docOf<File>("readDirectory").c_str());
+}
+
 template <class File, class Header, class Model>
 void bindFormat(const py::module_& module) {
   if constexpr (!std::is_void_v<Header>) {
@@ -196,6 +227,7 @@ void bindFormat(const py::module_& module) {
     }
   }
   if constexpr (std::is_same_v<File, AQ_DataSTH>) bindHistoryFile(file);
+  if constexpr (std::is_same_v<File, AQ_DataHP3565>) bindRecordingFile(file);
   file.record();
 }
 

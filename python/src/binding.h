@@ -251,6 +251,7 @@ void bindHistory(const py::module_& module);  // of the spectral room
 void bindGeometry(py::module_& module);
 void bindEmission(const py::module_& module);  // of the geometry room
 void bindFiles(py::module_& module);
+void bindRecording(py::module_& module);
 void bindCheck(py::module_& module);
 void bindNoise(py::module_& module);
 void bindWritable(py::module_& module);

@@ -25,6 +25,7 @@ PYBIND11_MODULE(_core, module) {
   aq::python::bindSpectral(module);
   aq::python::bindGeometry(module);
   aq::python::bindFiles(module);
+  aq::python::bindRecording(module);
   aq::python::bindCheck(module);
   aq::python::bindNoise(module);
   aq::python::bindWritable(module);

@@ -489,6 +489,11 @@ def check_recordings(folder):
     )
     done = run(f"aqdata check '{samples}/good/third-octaves-by-scan.dat'", folder)
     expect_in("marks", done.stdout.decode(), "analyzer-mark")
+    card = run(f"aqdata info '{samples}/bad/complex.dat'", folder).stdout.decode()
+    expect_in("without levels", card, "with real data, found complex data")
+    expect_in("its traces", card, "title Pwr Spec, domain OCTAVE_DOMAIN")
+    done = run(f"aqdata info '{samples}/bad/offset-outside.dat'", folder)
+    expect("a damaged recording", (done.returncode, done.stdout), (2, b""))
 
 
 def check_columns(folder):

@@ -76,7 +76,7 @@ std::string shortened(std::string_view text, std::size_t width) {
 std::string cellText(const Json& value) {
   if (value.is_null()) return {};
   if (value.is_string()) return aq::escaped(value.get_ref<const std::string&>());
-  return value.is_number_float() ? fmt::format("{}", value.get<double>()) : value.dump();
+  return value.is_number_float() ? fmt::format("{}", value.get<double>()) : lineOf(value);
 }
 
 std::string listText(const Json& value, std::string_view between) {

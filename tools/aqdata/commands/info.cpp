@@ -1,3 +1,6 @@
+#include <aq/files/file_kind.h>
+#include <aq/sdf/recording.h>
+#include <aq/text/fields.h>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -98,28 +101,112 @@ void describe(const Held<Header, aq::AQ_Microphone>& read, Json& info) {
 
 void describe(const Parameters&, Json&) {}
 
+/// The word that the instrument has for a code, or the number.
+std::string codeText(const aq::sdf::Record& record, const aq::sdf::Field& field) {
+  const std::int32_t number = record.integer(field);
+  const std::string_view word = aq::sdf::wordOf(*field.codes, number);
+  return word.empty() ? std::to_string(number) : std::string(word);
+}
+
+std::string unitText(const aq::sdf::Record& record, const aq::sdf::Field& field) {
+  return record.unit(field).label;
+}
+
+Json traceInfo(const aq::sdf::Recording& recording, const aq::sdf::TraceSet& set) {
+  using aq::sdf::kData;
+  return {
+      {"title", set.header.text(kData["dataTitle"])},
+      {"domain", codeText(set.header, kData["domain"])},
+      {"data", codeText(set.header, kData["dataType"])},
+      {"traces", set.traces},
+      {"points", set.points},
+      {"scans", recording.scansOf(set)},
+      {"x_unit", unitText(set.header, kData["xUnit"])},
+      {"y_unit", set.header.integer(kData["yUnitValid"]) != 0 ? unitText(set.header, kData["yUnit"])
+                                                              : std::string()}};
+}
+
+Json channelInfo(const aq::sdf::Record& channel) {
+  using aq::sdf::kChannel;
+  return {{"label", channel.text(kChannel["channelLabel"])},
+          {"serial_number", channel.text(kChannel["serialNum"])},
+          {"unit", unitText(channel, kChannel["engUnit"])},
+          {"weighting", codeText(channel, kChannel["weight"])},
+          {"overload", codeText(channel, kChannel["overloaded"])},
+          {"range_db_v_peak", channel.real(kChannel["range"])}};
+}
+
+/// What a recording has beside the levels that come of it.
+void addRecording(const std::string& path, Json& info) {
+  const auto recording = aq::sdf::Recording::fromFile(path);
+  info["revision"] = recording.records().revision();
+  info["scans"] = recording.scans().valid;
+  for (const aq::sdf::TraceSet& set : recording.sets()) {
+    info["traces"].push_back(traceInfo(recording, set));
+  }
+  for (const auto& channel : recording.records().all(aq::sdf::RecordType::Channel)) {
+    info["channels"].push_back(channelInfo(channel));
+  }
+}
+
 struct Outcome {
   Json info = {};
   std::string_view word = {};  // for its kind
   std::string failure = {};
 };
 
-Outcome infoOf(const std::string& path) {
-  const Measurement read = openFile(path);
-  Json info{{"file", path}, {"kind", kindText(read.kind)}};
-  std::visit([&](const auto& held) { describe(held, info); }, read.data);
-  info["header"] = headerOf(read);
-  return {std::move(info), kindWord(read.kind), {}};
+/// A recording that gives no levels, as one of a time signal; nothing for any other file.
+std::optional<Json> infoWithoutLevels(const std::string& path, const std::string& failure) {
+  constexpr auto kKind = aq::FileKind::AnalyzerRecording;
+  if (aq::kindOfFile(path) != kKind) return std::nullopt;
+  Json info{{"file", path}, {"kind", kindText(kKind)}, {"no_levels", failure}};
+  try {
+    addRecording(path, info);
+  } catch (const aq::ReadFailure&) {
+    return std::nullopt;
+  }
+  info["header"] = Json::object();
+  return info;
 }
 
-/// The lines of a value: an entry of a list of texts each begins one.
+Outcome infoOf(const std::string& path) {
+  try {
+    const Measurement read = openFile(path);
+    Json info{{"file", path}, {"kind", kindText(read.kind)}};
+    std::visit([&](const auto& held) { describe(held, info); }, read.data);
+    if (read.kind == aq::FileKind::AnalyzerRecording) addRecording(path, info);
+    info["header"] = headerOf(read);
+    return {std::move(info), kindWord(read.kind), {}};
+  } catch (const Failure& failure) {
+    if (auto info = infoWithoutLevels(path, failure.what())) {
+      return {*std::move(info), kindWord(aq::FileKind::AnalyzerRecording), {}};
+    }
+    throw;
+  }
+}
+
+/// The parts of an object that are not empty, as in `label Mic 1, unit Pa`.
+std::string partsText(const Json& object) {
+  std::string text;
+  for (const auto& [key, value] : object.items()) {
+    const std::string part = cellText(value);
+    if (part.empty()) continue;
+    std::string name = key;
+    std::replace(name.begin(), name.end(), '_', ' ');
+    text += (text.empty() ? "" : ", ") + name + ' ' + part;
+  }
+  return text;
+}
+
+/// The lines of a value: an entry of a list of texts or objects each begins one.
 std::vector<std::string> valueLines(const Json& value, std::size_t width) {
-  if (!value.is_array() || value.empty() || !value.front().is_string()) {
+  if (!value.is_array() || value.empty() || value.front().is_number()) {
     return wrapped(listText(value, ", "), width);
   }
   std::vector<std::string> lines;
   for (const Json& entry : value) {
-    for (std::string& line : wrapped(cellText(entry), width)) lines.push_back(std::move(line));
+    const std::string text = entry.is_object() ? partsText(entry) : cellText(entry);
+    for (std::string& line : wrapped(text, width)) lines.push_back(std::move(line));
   }
   return lines;
 }
@@ -163,7 +250,8 @@ std::vector<std::string> tableRow(const Json& info, std::string_view word) {
   const auto headerText = [&header](const char* key) {
     return header.contains(key) ? cellText(header[key]) : std::string();
   };
-  const std::string count = text("records") + text("positions");
+  const std::string count =
+      info.contains("no_levels") ? "none" : text("records") + text("positions");
   const std::string missing = text("missing");
   return {text("file"),
           std::string(word),
