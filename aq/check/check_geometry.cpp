@@ -229,16 +229,6 @@ void check(FileOf<AQ_DataTSPI> of, const Reporter& report) {
   shapes.report(of.path, report);
 }
 
-void check(FileOf<AQ_DataMIC> file, const Reporter& report) {
-  HeaderCheck header(report);
-  Content<AQ_HeaderMIC, AQ_Microphone> read;
-  if (!header.reads<AQ_DataMIC>(file.path, read)) return;
-  header.expectHeadings(keywords::kMicrophoneHeadings);
-  const LineShapes shapes(file.path, header.lines(), {kPositionFields, kPositionFields});
-  if (shapes.count() == 1) shapes.report(file.path, report);
-  checkNothingBehind(file.path, header.lines() + 1, report);
-}
-
 Content<AQ_HeaderGTH, AQ_GeometryTimeHistory> check(FileOf<AQ_DataGTH> file,
                                                     const Reporter& report) {
   constexpr std::size_t kFields = 11;

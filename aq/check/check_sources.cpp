@@ -36,8 +36,8 @@ std::string countText(std::size_t wrong, const Read& read, const char* ofWhat = 
 void checkMicrophoneOf(const std::string& source, const GeometryRead& read,
                        const Reporter& report) {
   constexpr double kNear = 0.05;
-  AQ_DataMIC file;
-  Content<AQ_HeaderMIC, AQ_Microphone> found;
+  FormatOf<AQ_Microphone>::File file;
+  FormatOf<AQ_Microphone>::Content found;
   if (readContent(file, source, found) != AQ_DATA_OK) return;
   const AQ_Microphone& microphone = *found.model;
   const AQ_Position& at = *read.header->MicrophonePosition;

@@ -86,6 +86,19 @@ constexpr void forFormats(const Visit& visit) {
   std::apply([&](const auto&... formats) { (visit(formats), ...); }, kFormats);
 }
 
+/// The first format of the list whose files hold a `Model`.
+template <class Model, class First, class... Others>
+[[nodiscard]] constexpr auto formatOf(const First& first, const Others&... others) {
+  if constexpr (std::same_as<typename First::Model, Model>) {
+    return first;
+  } else {
+    return formatOf<Model>(others...);
+  }
+}
+template <class Model>
+using FormatOf = decltype(std::apply(
+    [](const auto&... formats) { return formatOf<Model>(formats...); }, kFormats));
+
 /// As in "spectral time history"; "unknown" for a kind that is no format's.
 [[nodiscard]] constexpr std::string_view kindText(FileKind kind) {
   std::string_view text = "unknown";

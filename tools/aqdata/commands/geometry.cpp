@@ -21,7 +21,7 @@ struct GeometryChoice {
   std::string records;
 };
 
-using Microphone = Held<aq::AQ_HeaderMIC, aq::AQ_Microphone>;
+using Microphone = Held<aq::FormatOf<aq::AQ_Microphone>::Header, aq::AQ_Microphone>;
 using Positions = Held<aq::AQ_HeaderPTH, aq::AQ_PositionTimeHistory>;
 
 std::shared_ptr<aq::AQ_PositionTimeHistory> positionsFrom(const std::string& path) {
