@@ -121,12 +121,15 @@ TEST(EmissionGeometry, Angles) {
 }
 
 TEST(EmissionGeometry, WhereTheSourceHovers) {
-  // Flies along +x until 10 s, hovers until 30 s, flies along +y.
-  const auto path = pathOf({{0, -100, 0, 50}, {10, 0, 0, 50}, {30, 0, 0, 50}, {40, 0, 100, 50}});
-  const auto geometry = emissionGeometry(path, at(0, 1, 50), recordsAt({15, 20.01, 25}), kCelsius);
+  // Flies along +x until 10 s, hovers until 30 s, flies along +y, hovers from 40 s on.
+  const auto path = pathOf(
+      {{0, -100, 0, 50}, {10, 0, 0, 50}, {30, 0, 0, 50}, {40, 0, 100, 50}, {60, 0, 100, 50}});
+  const auto geometry =
+      emissionGeometry(path, at(0, 1, 50), recordsAt({15, 20.01, 25, 50}), kCelsius);
   EXPECT_NEAR(geometry->Point(1)->THETAe, 90, 1e-4);
   EXPECT_NEAR(geometry->Point(2)->THETAe, 0, 1e-4);
   EXPECT_NEAR(geometry->Point(3)->THETAe, 0, 1e-4);
+  EXPECT_NEAR(geometry->Point(4)->THETAe, 180, 1e-4);
   EXPECT_NEAR(geometry->Point(3)->Tprope, 1 / 343.2, 1e-9);
 
   const auto still = pathOf({{0, 0, 0, 50}, {30, 0, 0, 50}});
