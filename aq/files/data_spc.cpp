@@ -7,7 +7,6 @@
 
 #include "aq/core/band_label.h"
 #include "aq/core/words.h"
-#include "aq/detail/number_range.h"
 #include "aq/detail/pointers.h"
 #include "aq/detail/shared_blocks.h"
 #include "aq/text/checked_keywords.h"
@@ -165,28 +164,15 @@ void expectOnlyBlanks(LineReader& lines) {
   }
 }
 
-/// From `LoRec` to `HiRec`; an end that names no record (they start from 9999 and -1, and read 0 as
-/// another number) is the first or the last that is there.
-NumberRange recordsOf(AQ_SpectralTimeHistory& history) {
-  NumberRange records{history.LoRec(), history.HiRec()};
-  const bool low = history.contains(records.low);
-  const bool high = history.contains(records.high);
-  bool first = true;
-  for (const auto& [record, spectrum] : history) {
-    if (!low && first) records.low = record;
-    if (!high) records.high = record;
-    first = false;
-  }
-  return records;
-}
-
 }  // namespace
 
 bool keepsDates(AQ_SpectralTimeHistory& history) {
   RecordDates dates(history.startTime()->CurrentDate());
   return std::all_of(history.begin(), history.end(), [&](const auto& numbered) {
     const AQ_Time time = numbered.second->timeValue();
-    const double date = dates.next(time.TODseconds());
+    constexpr double kWritten = 1e3;  // thousandths
+    const double written = static_cast<double>(scaledBy(time.TODseconds(), kWritten)) / kWritten;
+    const double date = dates.next(written);
     return time.CurrentDate() == 0 || time.CurrentDate() == date;
   });
 }
@@ -256,19 +242,30 @@ void AQ_DataSPC::RecordLength(const Variant& seconds) {
   settings_.recordLength = length;
 }
 
-/// The settings, with the history's own ends where there is none.
-AQ_DataSPC::Settings AQ_DataSPC::chosen(AQ_SpectralTimeHistory& history) const {
+/// The settings, with the ends of what there is where they are 0. The history's `LoRec` and `HiRec`
+/// do not count: a 0 in them reads as another number.
+AQ_DataSPC::Settings AQ_DataSPC::chosen(const AQ_SpectralTimeHistory& history) const {
   Settings chosen = settings_;
-  const NumberRange records = recordsOf(history);
-  if (chosen.first == 0) chosen.first = static_cast<std::int16_t>(records.low);
-  if (chosen.last == 0) chosen.last = static_cast<std::int16_t>(records.high);
-  std::int16_t low = std::numeric_limits<std::int16_t>::max();
-  std::int16_t high = std::numeric_limits<std::int16_t>::min();
-  const std::int32_t last = std::max(chosen.first, chosen.last);  // one record, or its absence
-  for (std::int32_t record = chosen.first; record <= last; ++record) {
+  std::optional<std::int16_t> first;
+  std::int16_t last = 0;
+  for (const auto& [record, spectrum] : history) {
+    if (!first) first = record;
+    last = record;
+  }
+  if (!first) throw Error(ErrorCode::InvalidArgument, "a history without records");
+  if (chosen.first == 0) chosen.first = *first;
+  if (chosen.last == 0) chosen.last = last;
+  std::int16_t low = kHighestBand + 1;
+  std::int16_t high = kLowestBand - 1;
+  const std::int32_t end = std::max(chosen.first, chosen.last);  // one record, or its absence
+  for (std::int32_t record = chosen.first; record <= end; ++record) {
     const AQ_Spectrum& spectrum = orThrow(history.spectrum(static_cast<std::int16_t>(record)));
+    if (spectrum.begin() == spectrum.end()) continue;
     low = std::min(low, spectrum.LowBand());
     high = std::max(high, spectrum.HighBand());
+  }
+  if (low > high && (chosen.low == 0 || chosen.high == 0)) {
+    throw Error(ErrorCode::InvalidValue, "no level, and no settings say which bands are written");
   }
   if (chosen.low == 0) chosen.low = low;
   if (chosen.high == 0) chosen.high = high;

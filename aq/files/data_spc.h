@@ -44,7 +44,8 @@ class AQ_API AQ_DataSPC : public FileClass {
   void BandHigh(std::int16_t nBand) { settings_.high = nBand; }
 
   /// Writes the chosen part, replacing the file. Throws, and writes nothing, when a record of it is
-  /// missing (`InvalidArgument`); when a level, a time or a word does not fit its columns, bands
+  /// missing, or there is none (`InvalidArgument`); when there is no level and no setting of bands,
+  /// a level, a time or a word does not fit its columns, bands
   /// are not between 2 and 50, or a text of the header has a line end or, outside other records and
   /// comments, a tab (`InvalidValue`); when a level is no number (`TypeMismatch`).
   AQ_DataMessage writeFile(const std::string& sFileName, AQ_SpectralTimeHistory& aqTimeHistory);
@@ -66,7 +67,7 @@ class AQ_API AQ_DataSPC : public FileClass {
   static void header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHistory& history,
                      Settings& settings);
   static void readRecords(LineReader& lines, const Settings& part, AQ_SpectralTimeHistory& history);
-  [[nodiscard]] Settings chosen(AQ_SpectralTimeHistory& history) const;
+  [[nodiscard]] Settings chosen(const AQ_SpectralTimeHistory& history) const;
 
   std::shared_ptr<AQ_HeaderSTH> header_;
   Settings settings_;

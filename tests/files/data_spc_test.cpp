@@ -99,6 +99,23 @@ TEST_F(Spc, CutsAreNoticedAtEveryLine) {
   }
 }
 
+TEST_F(Spc, RecordZeroAndNoRecord) {
+  AQ_SpectralTimeHistory some;
+  EXPECT_ERROR(AQ_DataSPC().writeFile(folder.file("x.spc"), some), InvalidArgument);
+  for (std::int16_t record = 0; record < 3; ++record) some.spectrum(record, history->spectrum(1));
+  some.LoRec();  // a 0 becomes 1
+  AQ_DataSPC writer;
+  ASSERT_EQ(writer.writeFile(folder.file("x.spc"), some), AQ_DATA_OK);
+  ASSERT_EQ(file.readFile(folder.file("x.spc"), header, history), AQ_DATA_OK);
+  EXPECT_EQ(file.NumberFirstRecord(), 0);
+  some.spectrum(7, std::make_shared<AQ_Spectrum>());
+  writer.NumberFirstRecord(7);
+  EXPECT_ERROR(writer.writeFile(folder.file("x.spc"), some), InvalidValue);
+  writer.BandLow(17);
+  writer.BandHigh(20);
+  EXPECT_EQ(writer.writeFile(folder.file("x.spc"), some), AQ_DATA_OK);
+}
+
 TEST_F(Spc, KnowsWhichDatesComeBack) {
   EXPECT_TRUE(keepsDates(*history));
   history->spectrum(2)->Time()->CurrentDate(0);
