@@ -45,9 +45,9 @@ class AQ_API AQ_DataSPC : public FileClass {
 
   /// Writes the chosen part, replacing the file. Throws, and writes nothing, when a record of it is
   /// missing, or there is none (`InvalidArgument`); when there is no level and no setting of bands,
-  /// a level, a time or a word does not fit its columns, bands
-  /// are not between 2 and 50, or a text of the header has a line end or, outside other records and
-  /// comments, a tab (`InvalidValue`); when a level is no number (`TypeMismatch`).
+  /// a level, a time or a word does not fit its columns, bands are not between 2 and 50, or a text
+  /// of the header has a line end or, outside other records and comments, a tab (`InvalidValue`);
+  /// when a level is no number (`TypeMismatch`).
   AQ_DataMessage writeFile(const std::string& sFileName, AQ_SpectralTimeHistory& aqTimeHistory);
 
   /// Reads a file into a new header and a new history. When the header fails, neither is set, and

@@ -167,6 +167,7 @@ RecordingTrace traceOf(const Recording& recording, std::int16_t channel) {
   if (scaled && (type == sdf::NumberType::Short || type == sdf::NumberType::Long)) {
     trace.offset = trace.channel->real(kChannel["channelOffset"]);
     trace.scale = trace.channel->real(kChannel["channelScale"]);
+    if (trace.scale == 0) trace.channel->fail("a channelScale other than 0", "0");
   }
   return trace;
 }

@@ -1,6 +1,7 @@
 // Analyzer recordings beyond what the second reader compares: folders, texts of other programs and
 // the external converter.
 #include <aq/aq.h>
+#include <aq/sdf/layout.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -233,6 +234,24 @@ TEST(Analyzer, SettingsAreCheckedAndUsed) {
   std::shared_ptr<AQ_SpectralTimeHistory> nothing;
   EXPECT_EQ(file.readFile((kGood / "auto-power.dat").string(), none, nothing), AQ_DATA_FILE_ERROR);
   EXPECT_TRUE(!none && !nothing);
+}
+
+TEST(Analyzer, PageHasEveryFieldAndItsFirstByte) {
+  std::string page = test::contentOf(test::kData / "../../docs/formats/analyzer-recording.md");
+  for (std::size_t end = 0; (end = page.find("\n  ", end)) != page.npos;) page.replace(end, 3, " ");
+  for (const auto type :
+       {sdf::RecordType::File, sdf::RecordType::Measurement, sdf::RecordType::Data,
+        sdf::RecordType::Vector, sdf::RecordType::Channel, sdf::RecordType::Scans,
+        sdf::RecordType::ManyScans, sdf::RecordType::ScanVariable, sdf::RecordType::Comment}) {
+    const sdf::AnyLayout& layout = sdf::layoutOf(type);
+    const std::size_t begin = page.find("- `" + std::string(layout.name) + "`: ");
+    ASSERT_NE(begin, page.npos) << layout.name;
+    const std::string line = page.substr(begin, page.find('\n', begin) - begin);
+    for (const sdf::Field& field : layout.fields) {
+      const std::string text = "`" + std::string(field.name) + "` " + std::to_string(field.first);
+      EXPECT_NE(line.find(text + ' '), line.npos) << text;
+    }
+  }
 }
 
 }  // namespace
