@@ -122,7 +122,7 @@ void plainWriteColumns(const std::string& path, const PlainRecords& records) {
   std::string text;
   text.reserve(records.size() * 226);
   char field[64];
-  const auto append = [&](std::size_t width, char* end) {
+  const auto append = [&](std::size_t width, const char* end) {
     const auto size = static_cast<std::size_t>(end - field);
     text.append(width - size, ' ');
     text.append(static_cast<char*>(field), size);

@@ -53,7 +53,7 @@ class LineShapes {
   static Shape shapeOf(std::string_view line);
   void reportExtra(const std::string& path, const Reporter& report) const;
   /// Gives the place of what was reported; none where the last line is as the others.
-  FindingPlace reportCut(const Reporter& report) const;
+  [[nodiscard]] FindingPlace reportCut(const Reporter& report) const;
   void seeDecimals(const LineReader& lines);
 
   DataColumns columns_;

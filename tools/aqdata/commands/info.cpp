@@ -193,7 +193,7 @@ std::string partsText(const Json& object) {
     if (part.empty()) continue;
     std::string name = key;
     std::replace(name.begin(), name.end(), '_', ' ');
-    text += (text.empty() ? "" : ", ") + name + ' ' + part;
+    text += fmt::format("{}{} {}", text.empty() ? "" : ", ", name, part);
   }
   return text;
 }
