@@ -44,7 +44,7 @@ class MadeRecord {
   std::string bytes_;
 };
 
-/// Revision 3, a third-octave trace a scan in a unit that is none of pressure; its values are the
+/// Revision 3, a third-octave trace a scan in a unit of no pressure; its values are the
 /// last bytes of the file.
 std::string madeRecording() {
   using namespace aq::sdf;

@@ -34,7 +34,7 @@ class AQ_API FixedFieldReader {
   explicit FixedFieldReader(const LineReader& lines)
       : FixedFieldReader(lines.line(), lines.number()) {}
 
-  /// What stands there, without its outer blanks.
+  /// The text of those columns, without its outer blanks.
   [[nodiscard]] std::string_view take(Columns columns, const char* expected) {
     ++field_;
     columns_ = columns;
@@ -63,7 +63,7 @@ class AQ_API FixedFieldReader {
   /// Fails at the field taken last; `expected` without its columns.
   [[noreturn]] void fail(std::string expected) const;
 
-  /// The line from a column on, as it stands.
+  /// The line from a column on, unchanged.
   [[nodiscard]] std::string_view from(std::size_t first) const {
     return line_.substr(std::min(first - 1, line_.size()));
   }
