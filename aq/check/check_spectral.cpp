@@ -46,9 +46,14 @@ void checkLevels(const AQ_Spectrum& spectrum, std::int16_t low, FindingPlace pla
   }
 }
 
+/// From `LowBand` up, 9999 for a band without a level: fixed columns have such between others.
 std::vector<double> levelsOf(const AQ_Spectrum& spectrum) {
+  const std::int32_t low = spectrum.LowBand();
   std::vector<double> levels;
-  for (const auto& [band, level] : spectrum) levels.push_back(level.toDouble());
+  for (const auto& [band, level] : spectrum) {
+    levels.resize(static_cast<std::size_t>(band - low), double{AQ_INVALID_LEVEL});
+    levels.push_back(level.toDouble());
+  }
   return levels;
 }
 
@@ -179,30 +184,24 @@ class Digest {
   bool valid_ = false;
 };
 
-/// The first level column is that of `low`.
+/// The first level column is that of `low`. Gives what the levels mix to.
 template <class Records>
-void checkAllLevels(const Records& records, const AQ_SpectralTimeHistory& history, std::int16_t low,
-                    const Reporter& report) {
+Digest checkAllLevels(const Records& records, const AQ_SpectralTimeHistory& history,
+                      std::int16_t low, const Reporter& report) {
   constexpr std::size_t kFirst = kBeforeLevels + 1;
   StuckRecords stuck(report);
+  Digest digest;
   LevelJumps jumps(low, kFirst, report);
   records.forEach([&](std::int16_t record, std::size_t line) {
     const AQ_Spectrum& spectrum = *history.spectrum(record);
     checkLevels(spectrum, low, {.line = line, .field = kFirst, .record = record}, report);
     std::vector<double> levels = levelsOf(spectrum);
+    digest.see(levels);
     stuck.see(record, line, levels);
     jumps.see(record, line, spectrum.LowBand(), std::move(levels));
   });
   stuck.finish();
-}
-
-void digestLevels(const RecordLines& records, const AQ_SpectralTimeHistory& history,
-                  const Reporter& report) {
-  Digest digest;
-  records.forEach([&](std::int16_t record, std::size_t /*line*/) {
-    digest.see(levelsOf(*history.spectrum(record)));
-  });
-  digest.report(report);
+  return digest;
 }
 
 /// The records of fixed columns: their reader expects all, in order.
@@ -237,7 +236,8 @@ void check(FileOf<AQ_DataSPC> of, const Reporter& report) {
       [&](std::int16_t record) { return history.spectrum(record)->timeValue().TODseconds(); },
       report, file.RecordLength());
   checkRelativeTimes(records, history, offInTime, report);
-  checkAllLevels(records, history, file.BandLow(), report);
+  // A copy in columns is meant to have the levels of another file.
+  static_cast<void>(checkAllLevels(records, history, file.BandLow(), report));
 }
 
 void check(FileOf<AQ_DataSTH> file, const Reporter& report) {
@@ -264,8 +264,7 @@ void check(FileOf<AQ_DataSTH> file, const Reporter& report) {
   const bool stamped =
       upperCased(header.valueOf(keywords::kTimeStampType)) == history.sTimeStampType();
   if (stamped) checkStartTime(header, records, history, report);
-  checkAllLevels(records, history, low, report);
-  digestLevels(records, history, report);
+  checkAllLevels(records, history, low, report).report(report);
 }
 
 void check(FileOf<AQ_DataSSR> file, const Reporter& report) {

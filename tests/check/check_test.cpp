@@ -269,6 +269,21 @@ TEST(Check, PositionsAndGeometry) {
             (Found{"21:1 record-gap r3", "21:2 time-step r3"}));
 }
 
+/// Of bands without a level in between, a level is compared with those of its own band.
+TEST(Check, GapsBetweenBandsAreNoJumps) {
+  const test::Folder folder;
+  std::string text = test::contentOf(test::kData / "fixed-column-history/good/landing.spc");
+  const std::size_t records = text.find(" 61.50");
+  const std::string odd = "   60.00           90.00   60.00";
+  const std::string even = "   60.00   60.00           60.00";
+  std::size_t line = text.rfind('\n', records) + 1;
+  for (const std::string& levels : {odd, even, odd}) {
+    text.replace(line + 32, odd.size(), levels);
+    line = text.find('\n', line) + 1;
+  }
+  EXPECT_EQ(findingsIn(folder.with("x.spc", text)), std::vector<std::string>());
+}
+
 const char* const kTrack = "fly-over.tspi.csv";
 const char* const kPositions = "fly-over.pth.csv";
 const char* const kGeometry = "fly-over.gth.csv";
