@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "aq/core/platform.h"
+#include "aq/sdf/record_list.h"
 #include "aq/text/fields.h"
 #include "aq/text/number_text.h"
 
@@ -76,7 +77,7 @@ std::optional<TextFault> faultOfBytes(std::string_view head) {
     }
   }
   const bool mark = head.starts_with("\xFF\xFE") || head.starts_with("\xFE\xFF");
-  const bool isRecording = head.starts_with(std::string_view("B\0", 2));
+  const bool isRecording = head.starts_with(sdf::kMark);
   const bool zero = !isRecording && head.size() > 1 && (head[0] == '\0') != (head[1] == '\0');
   if (!mark && !zero) return std::nullopt;
   return TextFault{Kind::WideText,

@@ -95,7 +95,7 @@ class Accessor:
     def with_geometry(self, geometry: Union[xr.Dataset, AQ_GeometryTimeHistory]) -> xr.Dataset:
         """The dataset with the emission geometry of each record over `time`, by record number, NaN
         where it has none: `slant_range`, `x`, `theta` and others, in the units of their attributes.
-        Raises `ValueError` for a record number that stands twice.
+        Raises `ValueError` for a duplicate record number.
 
         >>> ds.aq.with_geometry(geometry).plot.scatter("slant_range", "theta")
         """
