@@ -14,8 +14,8 @@
 
 namespace aq {
 
-/// An ordered list of values, counted from 1, whose entries may have a text key. Looking a key up
-/// takes constant time; a key is compared byte by byte. Copying a collection copies its values.
+/// An ordered list of values, counted from 1, whose entries may have a text key. Lookup by key
+/// takes constant time; keys are compared byte by byte. Copying a collection copies its values.
 template <class T>
 class Collection {
  public:
@@ -24,14 +24,14 @@ class Collection {
     slots_.append(std::move(value));
   }
 
-  /// Adds a value made of `arguments` in its place.
+  /// Constructs a value from `arguments` at the end.
   template <class... Arguments>
   void Emplace(Arguments&&... arguments) {
     slots_.reserveNext();
     slots_.append(std::forward<Arguments>(arguments)...);
   }
 
-  /// Throws `InvalidArgument`, and adds nothing, when the key is taken.
+  /// Throws `InvalidArgument`, and adds nothing, when the key already exists.
   void Add(T value, std::string_view key) {
     slots_.reserveNext();
     if (!keys_.orCreate().emplace(key, slots_.slots()).second) {
@@ -40,11 +40,11 @@ class Collection {
     slots_.append(std::move(value));
   }
 
-  /// The entry at a place from 1 to `Count()`. Throws `InvalidIndex` elsewhere.
+  /// The entry at an index from 1 to `Count()`. Throws `InvalidIndex` for any other.
   [[nodiscard]] T& Item(std::int32_t place) { return slots_.at(slots_.slotOf(place)); }
   [[nodiscard]] const T& Item(std::int32_t place) const { return slots_.at(slots_.slotOf(place)); }
 
-  /// The entry with that key. Throws `InvalidArgument` when there is none.
+  /// The entry with that key. Throws `InvalidArgument` if there is none.
   [[nodiscard]] T& Item(std::string_view key) { return slots_.at(entryOf(key)->second); }
   [[nodiscard]] const T& Item(std::string_view key) const {
     return slots_.at(entryOf(key)->second);

@@ -4,7 +4,7 @@
 
 namespace aq {
 
-// The numbers are stored and exchanged by hosts: values and gaps stay as they are.
+// Hosts store and exchange the numbers: values and gaps never change.
 
 /// How the levels of one record were averaged.
 enum AQ_AverageMethod : std::int32_t {
@@ -42,13 +42,13 @@ enum AQ_CONSTANTS : std::int32_t {
   AQ_INVALID_LEVEL = 9999,  ///< no valid level; no good band
 };
 
-/// Which of its two times a time value works in.
+/// Which of its two times a time value uses.
 enum AQ_OPTIME : std::int32_t {
   AQ_TIME_TOD = 0,  ///< time of day
   AQ_TIME_REF = 1,  ///< time relative to a reference
 };
 
-/// How a read or a write of a file ended. There is no 1.
+/// The outcome of reading or writing a file. There is no 1.
 enum AQ_DataMessage : std::int32_t {
   AQ_DATA_OK = 0,
   AQ_DATA_FILE_ERROR = 2,

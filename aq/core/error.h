@@ -10,17 +10,18 @@ namespace aq {
 
 /// What kind of fault an `Error` reports.
 enum class ErrorCode {
-  InvalidArgument,     ///< no entry under that key, no such label, text that has no such form
-  InvalidIndex,        ///< no entry at that place
-  InvalidValue,        ///< a value that has no written form, such as a time of day of 90,000 s
-  TypeMismatch,        ///< a value that does not convert to the type that is wanted
-  Overflow,            ///< a value outside the range of the type that is wanted
-  ObjectNotSet,        ///< an object is wanted and there is none
-  MemberNotSupported,  ///< an object is asked for a member that it does not have
+  InvalidArgument,     ///< no entry with that key, no such label, or text of another form
+  InvalidIndex,        ///< no entry at that index
+  InvalidValue,        ///< a value that has no text form, such as a time of day of 90,000 s
+  TypeMismatch,        ///< a value that does not convert to the requested type
+  Overflow,            ///< a value outside the range of the requested type
+  ObjectNotSet,        ///< an object is required and missing
+  MemberNotSupported,  ///< the object has no such member
 };
 
-/// The one exception that the data model throws. The object that threw is unchanged unless the
-/// operation says otherwise. Readers of files do not throw it: they return `AQ_DATA_FILE_ERROR`.
+/// The only exception type that the data model throws. The object that threw is unchanged unless
+/// the operation says otherwise. Readers of files do not throw it: they return
+/// `AQ_DATA_FILE_ERROR`.
 class AQ_API Error : public std::runtime_error {
  public:
   Error(ErrorCode code, const std::string& message) : std::runtime_error(message), code_(code) {}
@@ -31,7 +32,7 @@ class AQ_API Error : public std::runtime_error {
   ErrorCode code_;
 };
 
-/// `text` with its control bytes escaped; letters of any encoding pass.
+/// `text` with its control bytes escaped; letters of any encoding are kept.
 [[nodiscard]] AQ_API std::string escaped(std::string_view text);
 
 /// `text` as messages show it: in quotes, unprintable bytes escaped, cut at 60 characters.

@@ -7,11 +7,11 @@
 
 namespace aq {
 
-/// Why a read or a write gave `AQ_DATA_FILE_ERROR`, in the user's words.
+/// Why a read or a write returned `AQ_DATA_FILE_ERROR`, in words for the user.
 struct AQ_API FileFailure {
   std::string file;       ///< as the caller named it
-  std::size_t line = 0;   ///< from 1; 0 when it is the whole file
-  std::size_t field = 0;  ///< from 1; 0 when it is the whole line
+  std::size_t line = 0;   ///< from 1; 0 for the whole file
+  std::size_t field = 0;  ///< from 1; 0 for the whole line
   std::string expected;   ///< as in `a level`
   std::string found;      ///< as in `"6x.2"`: text of the file in quotes, escaped and cut
 

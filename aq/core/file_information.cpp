@@ -13,7 +13,7 @@ std::string dateTimeText(const std::tm& at) {
   std::string text = dateText(dateFrom(at.tm_year + 1900, static_cast<unsigned>(at.tm_mon + 1),
                                        static_cast<unsigned>(at.tm_mday)));
   text += ',';
-  // A leap second has no place in the format.
+  // The format has no room for a leap second.
   appendClockTime(text, at.tm_hour, at.tm_min, at.tm_sec < 59 ? at.tm_sec : 59);
   return text;
 }

@@ -8,7 +8,7 @@
 
 namespace aq {
 
-/// What the writers record of files: names and dates. A host may put its own in place.
+/// Supplies the names and dates of files that writers record. A host may install its own.
 class AQ_API FileInformation {
  public:
   FileInformation() = default;
@@ -16,32 +16,33 @@ class AQ_API FileInformation {
   FileInformation& operator=(const FileInformation&) = delete;
   virtual ~FileInformation();
 
-  /// The name under which a file is recorded. The default leaves its folder out.
+  /// The name under which a file is recorded. The default drops the folder.
   virtual std::string recordedName(const std::string& path) = 0;
 
   /// When a file was last changed, as `mm/dd/yyyy,hh:mm:ss`. The default gives local time, and the
-  /// current date and time for a file that is not named or not there.
+  /// current date and time when the name is empty or the file does not exist.
   virtual std::string fileDateTime(const std::string& path) = 0;
 
   /// Now, as `mm/dd/yyyy,hh:mm:ss`.
   virtual std::string currentDateTime() = 0;
 
-  /// The date to write of the file from which another was made. `recorded` is what the header holds
-  /// of it, in the same form. The default takes `fileDateTime`, as hosts know it.
+  /// The date to write of the file from which another was made. `recorded` is the header's own date
+  /// for it, in the same form. The default calls `fileDateTime`: hosts rely on it.
   virtual std::string sourceDateTime(const std::string& path, const std::string& recorded);
 };
 
-/// The one in force. May be called from any thread.
+/// The service in use. May be called from any thread.
 [[nodiscard]] AQ_API std::shared_ptr<FileInformation> fileInformation();
 
-/// What `CurrentDate` 0 and midnight are as text: in a header, a date that is not known.
+/// `CurrentDate` 0 and midnight as text: in a header, an unknown date.
 inline constexpr std::string_view kNoDateTime = "12/30/1899,00:00:00";
 
-/// As the one in force, but for source files: a date that the header has stays, and one that is not
-/// known comes from the file when it is there. So a file read and written again keeps its dates.
+/// As the service in use, except for source files: keeps a date that the header has, and takes an
+/// unknown one from the file if it exists. A file that is read and written again thus keeps its
+/// dates.
 [[nodiscard]] AQ_API std::shared_ptr<FileInformation> keepingFileInformation();
 
-/// Puts a host's own in force, `nullptr` the default again. May be called from any thread.
+/// Installs a host's own service; `nullptr` restores the default. May be called from any thread.
 AQ_API void setFileInformation(std::shared_ptr<FileInformation> information);
 
 }  // namespace aq

@@ -57,7 +57,7 @@ int openFile(const std::string& path, int flags, const char* wanted) {
   return handle;
 }
 
-/// A file open for writing, closed with the object. Whether the bytes arrived, `flush` tells.
+/// A file open for writing, closed with the object. `flush` tells whether the bytes arrived.
 class OutputFile {
  public:
   explicit OutputFile(int handle) : handle_(handle) {}
@@ -81,7 +81,7 @@ class OutputFile {
     }
   }
 
-  /// Waits until the bytes are on the disk, where there is one.
+  /// Waits until the bytes are on the disk, if there is one.
   void flush() const {
     if (uninterrupted([&] { return ::fsync(handle_); }) == 0) return;
     if (errno != EINVAL && errno != ENOTSUP) failBy(kWrite, errno);
@@ -105,12 +105,12 @@ class OutputFile {
       const bool sameGroup = ::fchown(handle_, kKeptOwner, other.st_gid) == 0;
       if (!sameGroup) permissions &= ~static_cast<mode_t>(S_IRWXG);
     }
-    // Some file systems know one owner and one set of permissions alone, and refuse any change.
+    // Some file systems have a single owner and set of permissions, and refuse any change.
     if ((status().st_mode & kPermissions) == permissions) return;
     if (::fchmod(handle_, permissions) != 0) failBy(kWrite, errno);
   }
 
-  /// Keeps other writers of this system away until the file is closed, where that can be done.
+  /// Locks out other writers on this system until the file is closed, where that is possible.
   void lock() const {
     static_cast<void>(uninterrupted([&] { return ::flock(handle_, LOCK_EX); }));
   }
@@ -120,7 +120,7 @@ class OutputFile {
   }
 
  private:
-  /// Until a pipe that its reader set not to wait takes more.
+  /// Waits until a non-blocking pipe takes more.
   void waitForRoom() const {
     pollfd space{.fd = handle_, .events = POLLOUT, .revents = 0};
     static_cast<void>(uninterrupted([&] { return ::poll(&space, 1, -1); }));
@@ -137,7 +137,7 @@ bool isNumber(std::string_view text) {
 }
 
 /// Whether `path` names an open file: of this process, or below /proc of any. Other names there
-/// lead to files as any.
+/// lead to ordinary files.
 bool namesOpenFile(const std::string& path) {
   constexpr std::string_view kProcesses = "/proc/";
   constexpr std::string_view kFiles = "/fd/";
@@ -149,8 +149,8 @@ bool namesOpenFile(const std::string& path) {
   return process == "self" || isNumber(process);
 }
 
-/// A new handle of what this process has open for writing under such a name, so that it goes on
-/// where that stands; -1 for anything else.
+/// A new handle of what this process has open for writing under such a name, so that it continues
+/// at that position; -1 for anything else.
 int ownHandle(const std::string& path) {
   const bool own = path.starts_with("/proc/self/") || path.starts_with("/dev/");
   if (!own || !namesOpenFile(path)) return -1;
@@ -169,7 +169,7 @@ void writeStraight(const std::string& path, std::string_view bytes) {
   file.flush();
 }
 
-/// The text of a symbolic link; nothing for anything else.
+/// The target of a symbolic link; nothing for anything else.
 std::optional<std::string> linkAt(const std::string& path) {
   std::string text(PATH_MAX, '\0');
   const ssize_t size = ::readlink(path.c_str(), text.data(), text.size());
@@ -191,7 +191,7 @@ std::string entryOf(std::string path) {
   failBy(kWrite, ELOOP);
 }
 
-/// A new file beside the one that it is to replace; it goes with the object unless it was renamed.
+/// A new file next to the one that it replaces; removed with the object unless it was renamed.
 class Temporary {
  public:
   Temporary(const std::string& folder, mode_t mode, const char* wanted) {
@@ -221,8 +221,8 @@ class Temporary {
   bool renamed_ = false;
 };
 
-/// Makes a renamed file survive a power cut; not every file system can. Nothing fails here: the
-/// file has its new content.
+/// Makes a renamed file survive a power cut, where the file system can. Never fails: the file
+/// already has its new content.
 void flushFolder(const std::string& folder) {
   const int handle = openHandle(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY);
   if (handle < 0) return;
@@ -230,7 +230,7 @@ void flushFolder(const std::string& folder) {
   ::close(handle);
 }
 
-/// The state of the file that `path` names; nothing when there is none.
+/// The state of the file that `path` names; nothing if it does not exist.
 std::optional<struct stat> statusOf(const std::string& path) {
   struct stat status {};
   if (::stat(path.c_str(), &status) == 0) return status;
@@ -282,7 +282,7 @@ class Folder {
 constexpr const char* kRun = "a program that can be run";
 constexpr const char* kSucceeds = "a program that ends with status 0";
 
-/// The ends of a new pipe, closed with the object or before.
+/// The ends of a new pipe; the destructor closes what is still open.
 class Pipe {
  public:
   Pipe() {
@@ -306,7 +306,7 @@ class Pipe {
   std::array<int, 2> ends_{};
 };
 
-/// What a process that is started finds open: no input, `output`, and nothing for its errors.
+/// What a started process has open: no input, `output`, and nothing for its errors.
 class Openings {
  public:
   explicit Openings(int output) {
@@ -334,7 +334,7 @@ class Openings {
   posix_spawn_file_actions_t actions_{};
 };
 
-/// A process, waited for with the object or before.
+/// A process; the destructor waits for it if nothing else has.
 class Process {
  public:
   Process(const std::string& program, const std::vector<std::string>& arguments, int output) {
@@ -360,7 +360,7 @@ class Process {
     static_cast<void>(status());
   }
 
-  /// How it ended; waits for that.
+  /// Waits for the end of the process and returns its status.
   int status() {
     int status = 0;
     const pid_t ended = uninterrupted([&] { return ::waitpid(number_, &status, 0); });
@@ -395,7 +395,7 @@ void replaceFile(const std::string& path, std::string_view bytes) {
   if ((old && !S_ISREG(old->st_mode)) || namesOpenFile(entry)) return writeStraight(entry, bytes);
   if (old) static_cast<void>(OutputFile(path, 0));  // refuses a file that may not be written
   const std::string folder = folderOf(entry);
-  // Until it has the permissions of the old one, nobody else looks into it.
+  // Nobody else may read it until it has the permissions of the old one.
   Temporary temporary(folder, old ? kOwnFile : kNewFile,
                       old ? "a folder that takes a temporary file" : kWrite);
   OutputFile file(temporary.handle());
@@ -407,13 +407,13 @@ void replaceFile(const std::string& path, std::string_view bytes) {
 }
 
 void appendToFile(const std::string& path, std::string_view bytes) {
-  constexpr int kMostTimes = 100;  // some file systems number a file anew each time it is asked for
+  constexpr int kMostTimes = 100;  // some file systems give a file a new number on each request
   for (int times = 1;; ++times) {
     const int own = ownHandle(entryOf(path));
     const OutputFile file = own >= 0 ? OutputFile(own) : OutputFile(path, O_CREAT | O_APPEND);
     file.lock();
     const struct stat before = file.status();
-    // While it was waited for, another file may have taken the name.
+    // Another file may have taken the name while this one was awaited.
     if (own < 0 && times < kMostTimes && !sameFile(statusOf(path), before)) continue;
     return appendTo(file, path, before, bytes);
   }

@@ -11,19 +11,19 @@
 
 #include "aq/core/export.h"
 
-// All that differs between operating systems: files, their names and dates, local time.
+// Everything that differs between operating systems: files, their names and dates, local time.
 namespace aq::platform {
 
 /// What ends a line of a text file that this system writes.
 extern AQ_API const std::string_view lineEnd;
 
-/// The system refused something; `what()` is its reason in English, whatever the locale.
+/// An operating system error; `what()` is its reason, in English in every locale.
 class AQ_API SystemError : public std::runtime_error {
  public:
   SystemError(const char* wanted, const std::string& reason)
       : std::runtime_error(reason), wanted_(wanted) {}
 
-  /// What was wanted, as in "a file that can be opened".
+  /// What was expected, as in "a file that can be opened".
   [[nodiscard]] const char* wanted() const { return wanted_; }
 
  private:
@@ -38,33 +38,33 @@ class AQ_API InputFile {
   InputFile& operator=(const InputFile&) = delete;
   ~InputFile();
 
-  /// Fills `buffer` from its start; gives the number of bytes, 0 only at the end of the file.
+  /// Fills `buffer` from its start and returns the number of bytes; 0 only at the end of the file.
   [[nodiscard]] std::size_t read(std::span<char> buffer);
 
  private:
   int handle_;
 };
 
-/// Makes `bytes` the whole content of a file, all or nothing: they go to a temporary file in its
-/// folder, then to the disk, and then take its name. Permissions stay; a symbolic link stays one,
-/// and the file behind it is replaced; other names of the file keep the old content. What is no
-/// regular file, as a pipe, is written straight. Throws `SystemError`; the file is then as it was.
+/// Makes `bytes` the whole content of a file, all or nothing: writes a temporary file in its
+/// folder, flushes it to the disk and renames it. Keeps the permissions; a symbolic link stays one,
+/// and its target is replaced; other hard links keep the old content. A file that is not regular,
+/// such as a pipe, is written directly. Throws `SystemError` and leaves the file unchanged.
 AQ_API void replaceFile(const std::string& path, std::string_view bytes);
 
-/// Puts `bytes` behind the content of a file, which is made if needed. Throws `SystemError`; the
-/// file is then cut back to its former length.
+/// Appends `bytes` to a file, which is created if needed. Throws `SystemError` after cutting the
+/// file back to its former length.
 AQ_API void appendToFile(const std::string& path, std::string_view bytes);
 
-/// The names of the files in a folder, links to files among them, in no order; no folders. Throws
-/// `SystemError`.
+/// The names of the files in a folder, including links to files, in no particular order; no
+/// folders. Throws `SystemError`.
 [[nodiscard]] AQ_API std::vector<std::string> filesIn(const std::string& folder);
 
-/// Runs a program, no shell between, and gives what it writes to its standard output; it has no
-/// input. Throws `SystemError` when it cannot be started or ends with another status than 0.
+/// Runs a program without a shell and returns its standard output; it has no input. Throws
+/// `SystemError` when it cannot be started or ends with a status other than 0.
 [[nodiscard]] AQ_API std::string outputOf(const std::string& program,
                                           const std::vector<std::string>& arguments);
 
-/// When a file was last changed; nothing when it is not there.
+/// When a file was last changed; nothing if it does not exist.
 [[nodiscard]] AQ_API std::optional<std::time_t> lastChanged(const std::string& path);
 
 /// `path` without its folders.

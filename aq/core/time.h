@@ -14,50 +14,51 @@ inline constexpr std::int32_t kSecondsPerDay = 86400;
 
 /// The time stamp of a record: a calendar date, a time of day and a time relative to a reference.
 /// The two times are independent of each other; only `setRelTime` derives one from the other. All
-/// are zero at first. Failures leave the object as it was.
+/// start at zero. A failure leaves the object unchanged.
 class AQ_API AQ_Time {
  public:
-  /// A new time with the same values. A time of day above 86400 s passes through the setter: the
-  /// copy has it wrapped, and the date one day later.
+  /// A new time with the same values. A time of day above 86400 s goes through the setter: in the
+  /// copy it is wrapped, and the date is one day later.
   [[nodiscard]] std::shared_ptr<AQ_Time> Copy() const;
 
-  /// Seconds relative to a reference time. Throws `TypeMismatch` for what is no number.
+  /// Seconds relative to a reference time, single precision. Throws `TypeMismatch` for a value that
+  /// is not a number.
   [[nodiscard]] double RelSeconds() const { return relativeSeconds_; }
   void RelSeconds(const Variant& seconds) { relativeSeconds_ = seconds.toDouble(); }
 
-  /// Makes the relative seconds the time since `reference`, days between the two dates included.
-  /// Dates count by day, their years by two digits (30 to 99 are 1930 to 1999). Throws `Overflow`
-  /// when the days between, in seconds, pass 32 bits.
+  /// Sets the relative seconds to the time since `reference`, including the days between the two
+  /// dates. Of the dates only the day counts, and years by two digits (30 to 99 are 1930 to 1999).
+  /// Throws `Overflow` when the days between, in seconds, exceed 32 bits.
   void setRelTime(const AQ_Time& reference);
 
-  /// Seconds after midnight. Above 86400 the value wraps into the day, and the date moves on by
-  /// one day, however many it spans; 86400 and negative values are kept. Throws `TypeMismatch`
-  /// for what is no number, `InvalidValue` for what is not finite.
+  /// Seconds after midnight. A value above 86400 wraps into the day and advances the date by one
+  /// day, even when it spans several; 86400 and negative values are kept. Throws `TypeMismatch` for
+  /// a value that is not a number, `InvalidValue` for one that is not finite.
   [[nodiscard]] double TODseconds() const { return timeOfDay_; }
   void TODseconds(const Variant& seconds);
 
-  /// Sets the time of day from three numbers, each narrowed to single precision first; neither
-  /// range nor date is looked at. Throws as `TODseconds`, and `Overflow` beyond single precision.
+  /// Sets the time of day from three numbers, each narrowed to single precision first; checks no
+  /// range and keeps the date. Throws as `TODseconds`, and `Overflow` beyond single precision.
   void TODnumbers(const Variant& Hours, const Variant& Minutes, const Variant& Seconds);
 
-  /// The time of day as text: `hh:mm:ss`, then the fraction in at most 7 significant digits of
-  /// the whole (12:34:56.5). 24 hours read as 00. Reading throws `InvalidValue` below 0 and from
-  /// 90000 s on. Setting takes three numbers between colons, adds 12 hours for a "PM" anywhere
-  /// (12:30:00 PM gives 24.5 hours), and throws `InvalidArgument` with fewer than two colons.
+  /// The time of day as text: `hh:mm:ss`, then the fraction in at most 7 significant digits of the
+  /// whole (12:34:56.5). 24 hours give 00. Reading throws `InvalidValue` below 0 and from 90000 s
+  /// up. Setting takes three numbers between colons, adds 12 hours for a "PM" anywhere (12:30:00 PM
+  /// gives 24.5 hours), and throws `InvalidArgument` with fewer than two colons.
   [[nodiscard]] std::string TODstring() const;
   void TODstring(std::string_view text);
 
-  /// The calendar date, days since 1899-12-30, stored as given.
+  /// The calendar date, days since 1899-12-30, stored as given; 0 when not set.
   [[nodiscard]] double CurrentDate() const { return date_; }
   void CurrentDate(double date) { date_ = date; }
 
-  /// The relative seconds when the working time is `AQ_TIME_REF`, else the time of day.
+  /// The relative seconds when the working time is `AQ_TIME_REF`, otherwise the time of day.
   [[nodiscard]] double WorkingTime() const {
     return workingTime_ == AQ_TIME_REF ? relativeSeconds_ : timeOfDay_;
   }
   void setWorkingTime(AQ_OPTIME mode) { workingTime_ = mode; }
 
-  /// Stores both times as they are, without wrapping or checking.
+  /// Stores both times without wrapping or checking.
   void assignSeconds(double timeOfDay, double relativeSeconds) {
     timeOfDay_ = timeOfDay;
     relativeSeconds_ = relativeSeconds;

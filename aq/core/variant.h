@@ -17,14 +17,14 @@
 
 namespace aq {
 
-/// An integer type for numbers, rather than for truth or characters.
+/// An integer type for numbers, not for truth values or characters.
 template <class I>
 concept Number = std::integral<I> && !std::same_as<I, bool> && !std::same_as<I, char> &&
                  !std::same_as<I, wchar_t> && !std::same_as<I, char8_t> &&
                  !std::same_as<I, char16_t> && !std::same_as<I, char32_t>;
 
 /// One value of any of the types that a level, a count or a relative time may have. It keeps the
-/// type it was given. An empty variant is no number and no text: converting it throws.
+/// type it was given. An empty variant is neither a number nor a text: converting it throws.
 class AQ_API Variant {
  public:
   enum class Type { Empty, Int16, Int32, Single, Double, Boolean, String, Date, Object };
@@ -44,7 +44,8 @@ class AQ_API Variant {
 
   Variant(long double value) : value_(static_cast<double>(value)) {}
 
-  /// Other integers: 16 bits from one byte, 32 bits from more where the value fits, else a double.
+  /// Other integers: one byte becomes 16 bits; more become 32 bits where the value fits, otherwise
+  /// a double.
   template <Number I>
   Variant(I value) : value_(narrowed(value)) {}
 
@@ -62,8 +63,8 @@ class AQ_API Variant {
   [[nodiscard]] bool isEmpty() const { return type() == Type::Empty; }
 
   // The value as another type. Text must be a number as a whole; a fraction is rounded to the
-  // nearest integer, halves to the even one; true is 1. Throws `TypeMismatch` for what has no such
-  // form and `Overflow` outside the type's range.
+  // nearest integer, halves to the even one; true is 1. Throws `TypeMismatch` for a value that does
+  // not convert and `Overflow` outside the type's range.
   [[nodiscard]] double toDouble() const;
   [[nodiscard]] float toSingle() const;
   [[nodiscard]] std::int16_t toInt16() const;
@@ -76,7 +77,7 @@ class AQ_API Variant {
   /// `InvalidValue` for a number that is not finite.
   [[nodiscard]] std::string toString() const;
 
-  /// The held object. Throws `ObjectNotSet` when there is none of this type.
+  /// The object. Throws `ObjectNotSet` if it holds none of this type.
   template <class T>
   [[nodiscard]] std::shared_ptr<T> toObject() const {
     const Object* const held = std::get_if<Object>(&value_);

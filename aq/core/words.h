@@ -11,13 +11,13 @@ namespace aq {
 // "4S100", "4S95", "CONTEXPO", "NA"; "START", "MIDPT", "END", "ICAOSLO", "OLDSLO"; "START",
 // "OVERHEAD", "AMAX", "PMAX", "TMAX", "OAMAX", "HACK", "OTHER".
 
-/// Empty for a value that is no member.
+/// Empty for a value that is not a member.
 [[nodiscard]] AQ_API std::string_view wordOf(AQ_AverageMethod value);
 [[nodiscard]] AQ_API std::string_view wordOf(AQ_TimeStampType value);
 [[nodiscard]] AQ_API std::string_view wordOf(AQ_RefTimeType value);
 
-/// Makes `value` the member with that word, to the letter. False, and `value` unchanged, for any
-/// other text.
+/// Sets `value` to the member with exactly that word. Returns false and leaves `value` unchanged
+/// for any other text.
 AQ_API bool setByWord(AQ_AverageMethod& value, std::string_view word);
 AQ_API bool setByWord(AQ_TimeStampType& value, std::string_view word);
 AQ_API bool setByWord(AQ_RefTimeType& value, std::string_view word);

@@ -8,8 +8,8 @@
 
 namespace aq {
 
-/// One cell a band in one block of memory, from the lowest band that was touched to the highest;
-/// the cells between are default ones.
+/// One cell per band in one block of memory, from the lowest band that was touched to the highest;
+/// the cells between are defaults.
 template <class Cell, class Cells = std::vector<Cell>>
 class BandBlock {
  public:
@@ -25,7 +25,7 @@ class BandBlock {
     return at < 0 || at >= static_cast<int>(cells_.size()) ? nullptr : &cells_[index(at)];
   }
 
-  /// The cell of `band`; the block grows to hold it.
+  /// The cell of `band`; grows the block to hold it.
   [[nodiscard]] Cell& touch(std::int16_t band) {
     if (cells_.empty()) first_ = band;
     const int at = band - first_;
@@ -38,7 +38,7 @@ class BandBlock {
     return cells_[index(at)];
   }
 
-  /// Replaces the block by these cells from `first` on.
+  /// Replaces the block by these cells, the first for band `first`.
   void assign(std::int16_t first, std::span<const Cell> cells) {
     cells_.assign(cells.data(), cells.data() + cells.size());
     first_ = first;

@@ -8,7 +8,7 @@
 
 namespace aq {
 
-/// Makes the date and the time of day of `to` those of `from`, the time through its setter.
+/// Copies date and time of day from `from` to `to`, the time through its setter.
 AQ_API void copyDateAndTimeOfDay(const AQ_Time& from, AQ_Time& to);
 
 /// The time stamps of records of half a second each.
@@ -21,7 +21,7 @@ class AQ_API HalfSecondStamps {
 
  private:
   double date_;
-  float offset_;  // of record 0; hosts know its rounding to single precision
+  float offset_;  // of record 0; hosts rely on its rounding to single precision
 };
 
 }  // namespace aq

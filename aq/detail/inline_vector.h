@@ -11,8 +11,8 @@
 
 namespace aq {
 
-/// A vector of plain cells that holds up to `kInline` of them within itself, so that what nearly
-/// every object needs costs it no allocation.
+/// A vector of plain cells that stores up to `kInline` of them in place, so that most objects need
+/// no allocation.
 template <class Cell, std::size_t kInline>
 class InlineVector {
   static_assert(std::is_trivially_copyable_v<Cell>);
@@ -70,7 +70,7 @@ class InlineVector {
     more_ = std::move(more);
   }
 
-  std::unique_ptr<Cell[]> more_;  // in place of the room
+  std::unique_ptr<Cell[]> more_;  // instead of the cells in place
   std::uint32_t size_ = 0;
   std::array<Cell, kInline> inline_{};
 };

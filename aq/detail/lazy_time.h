@@ -7,11 +7,11 @@
 
 namespace aq {
 
-/// The time of an object of which there are many: two values, until somebody asks for the object
-/// or shares one; then that counts.
+/// The time of an object of which there are many: two doubles; creates the object on first access.
+/// From then on, or once one is shared, the object holds the time.
 class LazyTime {
  public:
-  /// Made on first use and then kept.
+  /// Created on first use and then kept.
   const std::shared_ptr<AQ_Time>& object() {
     if (!object_) object_ = std::make_shared<AQ_Time>(value());
     return object_;
@@ -21,20 +21,20 @@ class LazyTime {
     assignValues(0, 0);
   }
 
-  /// Makes the time a new one with this time of day and relative seconds.
+  /// Replaces the time by a new one with this time of day and relative seconds.
   void assign(double timeOfDay, double relativeSeconds = 0) {
     object_.reset();
     assignValues(timeOfDay, relativeSeconds);
   }
 
-  /// A time of its own with what `AQ_Time::Copy` keeps.
+  /// A separate time with what `AQ_Time::Copy` keeps.
   [[nodiscard]] LazyTime copied() const {
     LazyTime copy = *this;
     if (object_ || timeOfDay_ > kSecondsPerDay) copy.share(value().Copy());
     return copy;
   }
 
-  /// The time by value, without making an object for it.
+  /// The time by value; creates no object.
   [[nodiscard]] AQ_Time value() const {
     if (object_) return *object_;
     AQ_Time time;

@@ -9,14 +9,14 @@
 
 namespace aq {
 
-/// A size as the 16-bit count of the interface. Throws `Overflow` above 32767.
+/// A size as a 16-bit count. Throws `Overflow` above 32767.
 [[nodiscard]] inline std::int16_t count16(std::size_t size) {
   if (size > 32767) throw Error(ErrorCode::Overflow, "more than 32767 entries to count");
   return static_cast<std::int16_t>(size);
 }
 
 /// The lowest and highest band or record number ever stored. It only widens; an empty one is 9999
-/// to -1, and 9999 stays the low end when only larger numbers are stored, as hosts know it.
+/// to -1, and 9999 stays the low end when only larger numbers are stored: hosts rely on it.
 struct NumberRange {
   std::int16_t low = AQ_INVALID_LEVEL;
   std::int16_t high = -1;
@@ -26,14 +26,14 @@ struct NumberRange {
     high = std::max(high, number);
   }
 
-  /// Widens to `count` numbers from `first` on.
+  /// Widens to include `count` numbers starting at `first`.
   void widen(std::int16_t first, std::size_t count) {
     if (count == 0) return;
     widen(first);
     widen(static_cast<std::int16_t>(first + static_cast<int>(count) - 1));
   }
 
-  /// Whether it holds just so many numbers. A block of all that were stored has fewer when they lie
+  /// Whether it spans exactly `count` numbers. It spans more than were stored when all of them lie
   /// below -1 or above 9999.
   [[nodiscard]] bool holds(std::size_t count) const {
     return high - low + 1 == static_cast<int>(count);

@@ -7,12 +7,12 @@
 
 namespace aq {
 
-/// Goes through the numbers from one to another under which `Series` holds something: asks it for
-/// `contains(number)` and gives what its `entry(number)` gives.
+/// Visits the numbers of a range for which `Series` has an entry: asks `contains(number)` and
+/// yields `entry(number)`.
 template <class Series>
 class NumberWalk {
  public:
-  using iterator_category = std::input_iterator_tag;  // entries are made as they are asked for
+  using iterator_category = std::input_iterator_tag;  // entries are created on demand
   using value_type = decltype(std::declval<const Series&>().entry(0));
   using difference_type = std::ptrdiff_t;
   using pointer = void;

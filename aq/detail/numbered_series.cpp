@@ -15,7 +15,7 @@ std::vector<std::pair<std::int32_t, std::size_t>> NumberIndex::sorted() const {
   return numbers;
 }
 
-/// A number that does not follow the run needs a table; as does every one from then on.
+/// A number that does not continue the run needs a table, as does every number after it.
 void NumberIndex::reserveInTable(std::int32_t number) {
   if (isRun()) {
     std::unordered_map<std::int32_t, std::size_t> table;

@@ -16,7 +16,7 @@
 
 namespace aq {
 
-/// A number that is 0 again once it was moved from.
+/// A number that resets to 0 when moved from.
 struct Counter {
   std::size_t value = 0;
 
@@ -31,11 +31,11 @@ struct Counter {
   ~Counter() = default;
 };
 
-/// Finds the slot of a record number. Records mostly come as n, n+1, n+2 …: as long as they do,
+/// Finds the slot of a record number. Records usually come as n, n+1, n+2 …: as long as they do,
 /// the slot follows from the number and no table is kept.
 class AQ_API NumberIndex {
  public:
-  static constexpr std::size_t kNoSlot = SIZE_MAX;  // a plain number, as every record asks for it
+  static constexpr std::size_t kNoSlot = SIZE_MAX;  // a plain number, since every record needs it
 
   [[nodiscard]] std::size_t find(std::int32_t number) const {
     if (!isRun()) return findInTable(number);
@@ -43,18 +43,17 @@ class AQ_API NumberIndex {
     return static_cast<std::size_t>(std::int64_t{number} - first_);
   }
 
-  /// Makes room for a number, so that `set` cannot fail. Nothing else may happen in between but
-  /// `renumber`.
+  /// Reserves room for a number, so that `set` cannot fail. Only `renumber` may be called in
+  /// between.
   void reserveNext(std::int32_t number) {
     const bool followsRun = length_.value == 0 || number == afterRun() || number == afterRun() - 1;
     if (!isRun() || !followsRun) reserveInTable(number);
   }
 
-  /// The number now stands in `slot`, the last one.
+  /// Records that the number is in `slot`, the last one.
   void set(std::int32_t number, std::size_t slot);
 
-  /// All numbers, ascending, each with its slot; empty when they follow each other from the first
-  /// slot on.
+  /// All numbers, ascending, each with its slot; empty when they are consecutive from slot 0.
   [[nodiscard]] std::vector<std::pair<std::int32_t, std::size_t>> sorted() const;
   [[nodiscard]] std::int32_t first() const { return first_; }
 
@@ -72,20 +71,19 @@ class AQ_API NumberIndex {
     return first_ + static_cast<std::int64_t>(length_.value);
   }
 
-  std::int32_t first_ = 0;  // of the run; its numbers stand in slots 0, 1, 2 …
+  std::int32_t first_ = 0;  // of the run, whose numbers are in slots 0, 1, 2 …
   Counter length_;          // of the run
-  std::unordered_map<std::int32_t, std::size_t> table_;  // in place of a run
+  std::unordered_map<std::int32_t, std::size_t> table_;  // instead of a run
 };
 
-/// Shared objects in order, each under a record number. Storing under a number that is taken
-/// removes the old object and appends the new one: its place is then the last. `Number` is what a
-/// walk gives as the number.
+/// Shared objects in order, each with a record number. Storing under an existing number removes the
+/// old object and appends the new one at the end. `Number` is the type of the number in a walk.
 template <class T, class Number = std::int32_t>
 class NumberedSeries {
  public:
   using Object = std::shared_ptr<T>;
 
-  /// Goes through the objects in the order of their numbers.
+  /// Visits the objects in ascending order of their numbers.
   class Walk {
    public:
     using iterator_category = std::input_iterator_tag;
@@ -127,7 +125,7 @@ class NumberedSeries {
 
     const NumberedSeries* series_ = nullptr;
     std::size_t at_ = 0;
-    std::shared_ptr<const Sorted> sorted_;  // where the numbers are not those of the slots
+    std::shared_ptr<const Sorted> sorted_;  // set when the numbers do not follow the slots
   };
 
   void store(std::int32_t number, Object&& object) {
@@ -145,7 +143,7 @@ class NumberedSeries {
     return index_.find(number) != NumberIndex::kNoSlot;
   }
 
-  /// The object under `number`; none throws `InvalidArgument`.
+  /// The object with that number; throws `InvalidArgument` if there is none.
   [[nodiscard]] const Object& at(std::int32_t number) const {
     const std::size_t slot = index_.find(number);
     if (slot == NumberIndex::kNoSlot) {
@@ -154,7 +152,7 @@ class NumberedSeries {
     return slots_.at(slot);
   }
 
-  /// The object at a place from 1 on; throws `InvalidIndex` elsewhere.
+  /// The object at an index from 1; throws `InvalidIndex` out of range.
   [[nodiscard]] const Object& atPlace(std::int32_t place) const {
     return slots_.at(slots_.slotOf(place));
   }
@@ -167,7 +165,7 @@ class NumberedSeries {
   [[nodiscard]] Walk begin() const { return {this, 0}; }
   [[nodiscard]] Walk end() const { return Walk::end(this); }
 
-  /// The objects in the order of their places.
+  /// The objects in order of their indices.
   [[nodiscard]] const TombstoneList<Object>& placed() const { return slots_; }
 
  private:

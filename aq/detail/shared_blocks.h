@@ -7,8 +7,9 @@
 
 namespace aq {
 
-/// Makes shared objects for the records of a file, with one allocation for many of them. An object
-/// that outlives the others keeps its block, and with it what its neighbours hold.
+/// Creates shared objects for the records of a file, with one allocation for many of them. An
+/// object that outlives the others keeps its whole block alive, and with it what its neighbours
+/// hold.
 template <class T>
 class SharedBlocks {
  public:
@@ -19,7 +20,7 @@ class SharedBlocks {
       used_ = 0;
     }
     T* const object = &(*block_)[used_++];
-    // The last object takes the block over.
+    // The last object takes over the block.
     return used_ == kBlock ? std::shared_ptr<T>(std::move(block_), object)
                            : std::shared_ptr<T>(block_, object);
   }

@@ -23,16 +23,16 @@ class AQ_API Tombstones {
   /// Removes one of `slots` slots. The slot is in use. A failure changes nothing.
   void add(std::size_t slot, std::size_t slots);
 
-  /// Makes room for one more slot, so that `grow` cannot fail.
+  /// Reserves room for one more slot, so that `grow` cannot fail.
   void reserveNext();
 
-  /// A slot in use was appended to the list.
+  /// Records that a slot in use was appended to the list.
   void grow();
 
   /// The slot of a zero-based place below the number of slots in use.
   [[nodiscard]] std::size_t slotOf(std::size_t place) const;
 
-  /// How many slots in use stand before `slot`.
+  /// How many slots in use come before `slot`.
   [[nodiscard]] std::size_t placeOf(std::size_t slot) const;
 
  private:
@@ -46,8 +46,8 @@ class AQ_API Tombstones {
 };
 
 /// The values of a list in the order in which they were added. A removed value leaves an unused
-/// slot behind, and the unused ones are closed up once they outnumber the others, so that removing
-/// and adding again costs the same however long the list is.
+/// slot, and unused slots are closed up once they outnumber the others, so that removing and adding
+/// again costs the same in a list of any length.
 template <class T>
 class TombstoneList {
  public:
@@ -90,7 +90,7 @@ class TombstoneList {
   [[nodiscard]] T& at(std::size_t slot) { return values_[slot]; }
   [[nodiscard]] const T& at(std::size_t slot) const { return values_[slot]; }
 
-  /// The slot of a place from 1 on. Throws `InvalidIndex` outside the list.
+  /// The slot of an index from 1. Throws `InvalidIndex` outside the list.
   [[nodiscard]] std::size_t slotOf(std::int32_t place) const {
     if (place < 1 || static_cast<std::size_t>(place) > size()) {
       throw Error(ErrorCode::InvalidIndex,
@@ -100,13 +100,13 @@ class TombstoneList {
     return removed_ ? removed_->slotOf(zeroBased) : zeroBased;
   }
 
-  /// Makes room for one more value, so that `append` cannot fail.
+  /// Reserves room for one more value, so that `append` cannot fail.
   void reserveNext() {
     if (values_.size() == values_.capacity()) values_.reserve(values_.size() * 2 + 1);
     if (removed_) removed_.orCreate().reserveNext();
   }
 
-  /// Appends a value made of `arguments`. Room was made.
+  /// Appends a value constructed from `arguments`. Requires reserved room.
   template <class... Arguments>
   void append(Arguments&&... arguments) {
     values_.emplace_back(std::forward<Arguments>(arguments)...);

@@ -5,11 +5,11 @@
 
 #include "aq/core/enumerations.h"
 
-// The file classes give the result of a read or a write as a value or through their last parameter,
-// each as its hosts know it. Code that serves every format calls them here, in one way.
+// The file classes return the result of a read or a write as a value or through their last
+// parameter. Code that serves every format calls them through these functions, in one way.
 namespace aq {
 
-/// `file.readFile` for a header and a model, whichever comes first there, or for one object.
+/// `file.readFile` for a header and a model, in either order, or for one object.
 template <class File, class... Out>
 [[nodiscard]] AQ_DataMessage readInto(File& file, const std::string& path, Out&... out) {
   if constexpr (requires { AQ_DataMessage(file.readFile(path, out...)); }) {

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-// The keywords of lines that count the data or name their kind. Readers take what is there; a check
+// The keywords of lines that count the data or name their kind. Readers accept any keyword; a check
 // compares.
 namespace aq::keywords {
 
@@ -18,7 +18,7 @@ inline constexpr std::string_view kNumberOfRows = "NumberOfRows";
 inline constexpr std::string_view kNumberRecords = "NumberRecords";
 inline constexpr std::string_view kTemperature = "PromptTemperature";
 
-// Column headings, which readers pass over.
+// Column headings, which readers skip.
 inline constexpr std::string_view kPositionHeadings = "TOD,X,Y,Z";
 inline constexpr std::string_view kMicrophoneHeadings = "X,Y,Z,Height";
 inline constexpr std::string_view kGeometryHeadings =

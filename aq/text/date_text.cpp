@@ -24,7 +24,7 @@ constexpr sys_days kFirstDay{year{1} / 1 / 1};
 constexpr sys_days kLastDay{year{9999} / 12 / 31};
 
 year_month_day calendarDay(double date) {
-  // Dates before day zero count their time of day forward too, so the day is the whole part.
+  // Before day zero the time of day counts forward too, so the day is the whole part.
   const double whole = std::trunc(date);
   const auto days = [](sys_days at) { return static_cast<double>((at - kDayZero).count()); };
   if (!(whole >= days(kFirstDay) && whole <= days(kLastDay))) {

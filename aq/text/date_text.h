@@ -15,37 +15,36 @@ namespace aq {
 [[nodiscard]] AQ_API double dateFrom(int year, unsigned month, unsigned day);
 
 /// The date value of `mm/dd/yyyy`; months and days may have one digit, outer blanks are allowed.
-/// Throws `TypeMismatch` for what is no date.
+/// Throws `TypeMismatch` for any other text.
 [[nodiscard]] AQ_API double dateFrom(std::string_view text);
 
-/// `hh:mm:ss` from `hh:mm:ss` with hours 0 to 23 of one or two digits, outer blanks allowed.
-/// Throws `TypeMismatch` for what is no time.
+/// `hh:mm:ss` from `hh:mm:ss` with hours 0 to 23 of one or two digits, outer blanks allowed. Throws
+/// `TypeMismatch` for any other text.
 [[nodiscard]] AQ_API std::string clockTimeFrom(std::string_view text);
 
 /// The seconds after midnight of `hh:mm:ss`, with decimals or without, hours 0 to 23, outer blanks
-/// allowed; correctly rounded to three decimals and more. Throws `TypeMismatch` for what is no
-/// time.
+/// allowed; correctly rounded to three decimals and more. Throws `TypeMismatch` for any other text.
 [[nodiscard]] AQ_API double secondsOfDayFrom(std::string_view text);
 
 /// Appends `hh:mm:ss.sss`, exact halves away from zero. Throws `InvalidValue` below 0 and where
-/// that gives 24 hours or more.
+/// that rounds to 24 hours or more.
 AQ_API void appendMilliseconds(std::string& text, double secondsOfDay);
 
-/// A clock time written plainly: its seconds after midnight, those behind the last colon in single
-/// precision, and how many characters it has, 0 for none.
+/// A clock time in plain form: its seconds after midnight, those after the last colon in single
+/// precision, and its number of characters, 0 if there is no such time.
 struct PlainClock {
   double seconds = 0;
   std::size_t length = 0;
 };
 
-/// The `hh:mm:ss` with up to six decimals that fills `text` up to its first comma, or whole.
+/// The `hh:mm:ss` with up to six decimals that fills `text` up to its first comma or its end.
 [[nodiscard]] AQ_API PlainClock plainClock(std::string_view text);
 
 /// A clock time `hh:mm:ss` on the twelve-hour clock, as in "12:30:00 PM".
 [[nodiscard]] AQ_API std::string twelveHourText(std::string_view clockTime);
 
-/// The calendar day of `date`, its century derived again from the two-digit year: 30 to 99 are
-/// 1930 to 1999, 00 to 29 are 2000 to 2029. Throws `Overflow` outside the years 1 to 9999.
+/// The calendar day of `date`, its century derived from the two-digit year: 30 to 99 are 1930 to
+/// 1999, 00 to 29 are 2000 to 2029. Throws `Overflow` outside the years 1 to 9999.
 [[nodiscard]] AQ_API double dayWithWindowedYear(double date);
 
 /// Appends `hours:minutes:seconds`, two digits each.

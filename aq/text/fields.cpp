@@ -67,7 +67,7 @@ std::string_view FieldReader::cleanText() {
   return raw_ ? trimmed(field_) : cleanField(field_, scratch_);
 }
 
-/// Takes a number that is written plainly, in one pass; other fields are left for `convert`.
+/// Takes a number in plain form in one pass; leaves other fields for `convert`.
 template <class Real>
 bool FieldReader::takePlain(Real& number) {
   if (done_) return false;

@@ -17,38 +17,39 @@
 
 namespace aq {
 
-/// Thrown by readers of text: a failure with its place, the file's name still open.
+/// Thrown by readers of text: a failure with its place; the caller adds the file's name.
 struct ReadFailure {
   FileFailure failure;
 };
 
-/// Fails at a line, or at a field of it.
+/// Throws `ReadFailure` for a line, or for a field of it.
 [[noreturn]] AQ_API void failRead(std::size_t line, std::size_t field, std::string expected,
                                   std::string found);
 
-/// Goes to the next line. Where there is none, fails with `what` and `keyword` as the words for it.
+/// Goes to the next line. At the end of the file, fails with `what` and `keyword` as what was
+/// expected.
 AQ_API void takeLine(LineReader& lines, const char* what, std::string_view keyword = {});
 
-/// What a failed conversion wanted: a number that is one, but out of range, is told so.
+/// What a failed conversion expected; says "in range" for a number out of range.
 [[nodiscard]] AQ_API std::string expectedFor(const char* expected, const Error& error);
 
 /// `text` without its double quotes and outer blanks, as a field of delimited text is read.
 /// `scratch` holds the result when there are quotes.
 [[nodiscard]] AQ_API std::string_view cleanField(std::string_view text, std::string& scratch);
 
-/// What separates the keyword of a header line from its value.
+/// Separates the keyword of a header line from its value.
 inline constexpr std::string_view kKeywordMark = "**";
 
-/// What comes before the mark in a header line's first field; empty when there is no mark.
+/// The part before the mark in a header line's first field; empty when there is no mark.
 [[nodiscard]] AQ_API std::string_view keywordIn(std::string_view field);
 
 /// Appends to `pieces` the parts of `text` between its delimiters: n of them give n + 1 parts. An
-/// empty delimiter divides nothing.
+/// empty delimiter splits nothing.
 AQ_API void split(std::string_view text, std::string_view delimiter,
                   std::vector<std::string_view>& pieces);
 
-/// The comma-separated fields of one line, taken from left to right. A field that is missing or
-/// does not convert throws `ReadFailure` with its place.
+/// The comma-separated fields of one line, taken from left to right. Throws `ReadFailure` with the
+/// place for a field that is missing or does not convert.
 class AQ_API FieldReader {
  public:
   /// Whether fields lose their double quotes and outer blanks.
@@ -72,8 +73,8 @@ class AQ_API FieldReader {
   /// In seconds after midnight.
   [[nodiscard]] double timeOfDay();
 
-  /// Takes fields by `takeSome`, which gives `FieldsTaken`, as long as they have the form that it
-  /// knows and `values` has space; gives how many. The field that stopped it is still to be taken.
+  /// Takes fields by `takeSome`, which returns `FieldsTaken`, as long as they have the form that it
+  /// knows and `values` has room; returns how many. Leaves the field that stopped it to be taken.
   template <class Value, class TakeSome>
   [[nodiscard]] std::size_t takeRun(std::span<Value> values, const TakeSome& takeSome) {
     if (done_) return 0;
@@ -84,16 +85,16 @@ class AQ_API FieldReader {
     return taken.count;
   }
 
-  /// What of the line is still to be taken.
+  /// The part of the line not yet taken.
   [[nodiscard]] std::string_view rest() const { return done_ ? std::string_view() : rest_; }
 
-  /// How many fields the rest of the line may have at the most.
+  /// The largest number of fields that the rest of the line can have.
   [[nodiscard]] std::size_t mostLeft() const { return done_ ? 0 : rest_.size() + 1; }
 
-  /// Passes `count` fields.
+  /// Skips `count` fields.
   void skip(int count, const char* expected);
 
-  /// The last field of the line, be it the one taken last, through `conversion`.
+  /// The last field of the line, even if already taken, through `conversion`.
   template <class Conversion>
   auto convertLast(const char* expected, const Conversion& conversion) {
     while (!done_) static_cast<void>(text(expected));
@@ -106,7 +107,7 @@ class AQ_API FieldReader {
  private:
   template <class Real>
   [[nodiscard]] bool takePlain(Real& number);
-  /// Passes a field of so many characters, and the comma behind it if there is one.
+  /// Skips a field of `length` characters, and the comma after it if there is one.
   void take(std::size_t size) {
     field_ = rest_.substr(0, size);
     done_ = size == rest_.size();

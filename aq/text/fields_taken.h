@@ -4,8 +4,8 @@
 
 namespace aq {
 
-/// How many fields were taken from the front of a line, and how many characters, the last comma
-/// among them.
+/// How many fields were taken from the start of a line, and how many characters, including the last
+/// comma.
 struct FieldsTaken {
   std::size_t count = 0;
   std::size_t length = 0;

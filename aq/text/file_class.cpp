@@ -9,7 +9,7 @@
 namespace aq {
 namespace {
 
-/// The failure that the exception in flight reports; one that is no reader's own goes on.
+/// The failure that the current exception reports; rethrows one that does not come from a reader.
 FileFailure failureInFlight() {
   try {
     throw;

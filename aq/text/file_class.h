@@ -13,23 +13,23 @@
 
 namespace aq {
 
-/// What all file classes share: a result value for the outcome of a call, and the reason behind it.
+/// What all file classes share: a result value for each call, and the reason for a failure.
 class AQ_API FileClass {
  public:
   /// Why the last call failed; empty when it gave `AQ_DATA_OK` or threw.
   [[nodiscard]] const std::optional<FileFailure>& lastFailure() const { return lastFailure_; }
 
-  /// Shows `watch` the header lines of every read from now on, as far as it comes. What `watch`
-  /// throws ends the read and goes to the caller.
+  /// Calls `watch` with each header line of every later read, up to a failure. An exception of
+  /// `watch` ends the read and reaches the caller.
   void observeHeader(HeaderObserver watch) { observer_ = std::move(watch); }
 
-  /// Has writes ask `information` for names and dates; `nullptr`, as at first, stands for the one
-  /// in force.
+  /// Makes writes ask `information` for names and dates; `nullptr`, the default, means the service
+  /// in use.
   void fileInformation(std::shared_ptr<FileInformation> information) {
     information_ = std::move(information);
   }
 
-  /// The one that writes ask.
+  /// The service that writes ask.
   [[nodiscard]] std::shared_ptr<FileInformation> fileInformation() const {
     return information_ ? information_ : aq::fileInformation();
   }
@@ -42,17 +42,17 @@ class AQ_API FileClass {
 
   [[nodiscard]] const HeaderObserver& headerObserver() const { return observer_; }
 
-  // Each works on a copy of the name: the caller's may be a part of what the call replaces, as the
-  // name in a header or in the last failure.
+  // Each works on a copy of the name: the caller's may be part of what the call replaces, such as
+  // the name in a header or in the last failure.
 
-  /// Runs `read(name)`; what it finds wrong with the file becomes the last failure.
+  /// Runs `read(name)`; a failure of the file becomes the last failure.
   template <class Read>
   [[nodiscard]] AQ_DataMessage reading(const std::string& file, const Read& read) {
     return withFile(file, read);
   }
 
-  /// Makes the text that `build(name)` gives the content of `file`. What `build` throws goes to the
-  /// caller, and the disk stays as it was.
+  /// Writes the text that `build(name)` returns as the content of `file`. An exception of `build`
+  /// reaches the caller and leaves the disk unchanged.
   template <class Build>
   [[nodiscard]] AQ_DataMessage writing(const std::string& file, const Build& build) {
     std::string name;
@@ -61,7 +61,7 @@ class AQ_API FileClass {
     return replace(name, build(std::as_const(name)));
   }
 
-  /// As `writing`, but behind what the file holds.
+  /// As `writing`, but appends to the file.
   template <class Build>
   [[nodiscard]] AQ_DataMessage appending(const std::string& file, const Build& build) {
     std::string name;

@@ -12,7 +12,7 @@
 #include "aq/text/line_reader.h"
 #include "aq/text/number_text.h"
 
-// Text in fixed columns, counted from 1, both ways.
+// Reading and writing text in fixed columns, counted from 1.
 
 namespace aq {
 
@@ -24,9 +24,9 @@ struct Columns {
   [[nodiscard]] constexpr std::size_t width() const { return last - first + 1; }
 };
 
-/// The fields of one line by their columns, counted as they are taken. A short line counts as
-/// blanks to its end. A field with a tab, or one that does not convert, throws `ReadFailure` with
-/// its place and its columns.
+/// The fields of one line by their columns, counted as they are taken. A short line reads as if
+/// filled up with blanks. Throws `ReadFailure` with place and columns for a field that has a tab or
+/// does not convert.
 class AQ_API FixedFieldReader {
  public:
   FixedFieldReader(std::string_view line, std::size_t lineNumber)
@@ -57,13 +57,13 @@ class AQ_API FixedFieldReader {
     }
   }
 
-  /// Fails when the line goes on with other than blanks after that column.
+  /// Fails when the line has anything but blanks after that column.
   void expectEnd(std::size_t last);
 
   /// Fails at the field taken last; `expected` without its columns.
   [[noreturn]] void fail(std::string expected) const;
 
-  /// The line from a column on, unchanged.
+  /// The line from a column to its end, unchanged.
   [[nodiscard]] std::string_view from(std::size_t first) const {
     return line_.substr(std::min(first - 1, line_.size()));
   }
@@ -79,19 +79,19 @@ class AQ_API FixedFieldReader {
   std::string_view found_;
 };
 
-/// `value` times a power of ten as a whole number, exact halves away from zero. Throws
+/// `value` times a power of ten, rounded to an integer, exact halves away from zero. Throws
 /// `InvalidValue`, naming `what`, unless it fits `width` columns with its point, its sign and a
 /// digit before the point.
 [[nodiscard]] AQ_API std::int64_t scaled(double value, int decimals, std::size_t width,
                                          const char* what);
 
-/// Writes such a number right-aligned into the columns from `at` on, and returns their end.
+/// Writes such a number right-aligned into the columns starting at `at`, and returns their end.
 AQ_API char* putScaled(char* at, std::int64_t value, int decimals, std::size_t width);
 
 /// Appends `text` right-aligned in so many columns.
 AQ_API void appendRight(std::string& text, std::string_view field, std::size_t width);
 
-/// Ends a line, without the blanks at the end of what was appended from `begin` on.
+/// Ends a line, dropping trailing blanks appended since `begin`.
 AQ_API void endLine(std::string& text, std::size_t begin);
 
 }  // namespace aq

@@ -15,19 +15,19 @@
 #include "aq/text/line_reader.h"
 
 // Header lines with a keyword from column 1 and its value from column 21. Reader and writer have
-// the same members, so that one description of a file's header serves both ways.
+// the same members, so that one description of a header serves both.
 
 namespace aq {
 
-/// Takes header lines by their place, and compares their keywords. What is not there, or does not
-/// convert, throws `ReadFailure`: field 1 is the keyword, field 2 the value.
+/// Takes header lines by their place and compares their keywords. Throws `ReadFailure` for a line
+/// that is missing or does not convert: field 1 is the keyword, field 2 the value.
 class AQ_API FixedHeaderReader {
  public:
-  /// Shows `observer` every line that it takes; `observer` lives as long.
+  /// Shows `observer` every line that it takes; `observer` must outlive it.
   FixedHeaderReader(LineReader& lines, const HeaderObserver& observer)
       : lines_(lines), observer_(observer) {}
 
-  /// A value that is always the same.
+  /// A value that never varies.
   void constant(std::string_view keyword, std::string_view value, const char* expected);
 
   void text(std::string_view keyword, std::string& value);
@@ -48,10 +48,10 @@ class AQ_API FixedHeaderReader {
   /// An integer from `low` to `high`.
   void integer(std::string_view keyword, std::int16_t& value, std::int16_t low, std::int16_t high);
 
-  /// A line with their number, then as many lines as they are.
+  /// A line with their number, then that many lines.
   void lines(std::string_view keyword, const std::shared_ptr<Collection<std::string>>& block);
 
-  /// Passes the line of column headings.
+  /// Skips the line of column headings.
   void headings();
 
  private:
@@ -63,8 +63,8 @@ class AQ_API FixedHeaderReader {
   std::string_view value_;  // of the line taken last
 };
 
-/// Appends header lines to a text. A text with a line end or a tab, a number or a time that its
-/// columns do not hold, and a value without a word throw `InvalidValue`.
+/// Appends header lines to a text. Throws `InvalidValue` for a text with a line end or a tab, a
+/// number or a time that does not fit its columns, and a value without a word.
 class AQ_API FixedHeaderWriter {
  public:
   explicit FixedHeaderWriter(std::string& text) : text_(text) {}

@@ -6,21 +6,22 @@
 
 namespace aq {
 
-/// A header line as a reader takes it. Valid while it is shown.
+/// A header line as a reader takes it. Valid during the call only.
 struct HeaderLine {
   enum class Use {
     Keyword,   ///< its value is read
-    Text,      ///< a comment or other record, kept as it is
+    Text,      ///< a comment or other record, kept unchanged
     Headings,  ///< the column headings above the data
-    Unused,    ///< passed over
+    Unused,    ///< skipped
   };
 
   std::size_t number;  ///< from 1
   Use use;
-  std::string_view keyword;  ///< that the place of the line stands for; empty for the other uses
-  std::string_view text;     ///< as it stands
-  std::string_view value;    ///< what is read of a keyword's line, or of a parameter file's comment
-  std::size_t fields = 0;    ///< of the value that are read; 0 when it is read as a whole
+  std::string_view keyword;  ///< that belongs to the place of the line; empty for the other uses
+  std::string_view text;     ///< unchanged
+  std::string_view
+      value;  ///< the part that is read of a keyword's line, or of a comment of a parameter file
+  std::size_t fields = 0;  ///< of the value that are read; 0 when the value is read as a whole
 };
 
 /// Sees every header line that a read takes.

@@ -16,22 +16,22 @@
 
 namespace aq {
 
-/// Reads keyword header lines by their place: each call takes the next line, and its keyword is
-/// there for people only. A line that is missing, has no "**" or does not convert throws
-/// `ReadFailure`. `HeaderWriter` has the same members.
+/// Reads keyword header lines by their place: each call takes the next line and ignores its
+/// keyword. Throws `ReadFailure` for a line that is missing, has no "**" or does not convert.
+/// `HeaderWriter` has the same members.
 class AQ_API HeaderReader {
  public:
   explicit HeaderReader(LineReader& lines) : lines_(lines) {}
-  /// Shows `watch` every line that it takes; `watch` lives as long.
+  /// Shows `watch` every line that it takes; `watch` must outlive it.
   HeaderReader(LineReader& lines, const HeaderObserver& watch) : lines_(lines), observer_(&watch) {}
 
-  /// What the first line names as the file's type; nothing when there is no such line.
+  /// The file type that the first line names; nothing if the file is empty or names none.
   [[nodiscard]] std::string_view anyTitle();
 
-  /// As `title`, but what stands behind the first comma counts, whatever is in front of it.
+  /// As `title`, but takes what follows the first comma and ignores what precedes it.
   void titleBehindComma(std::string_view fileType);
 
-  /// The first line; it must name `fileType` to the letter.
+  /// The first line; it must name exactly `fileType`.
   void title(std::string_view fileType);
 
   /// A line whose value goes to `set`, as text.
@@ -57,7 +57,7 @@ class AQ_API HeaderReader {
   void currentDateTime(std::string_view keyword, const std::shared_ptr<AQ_Time>& time);
 
   /// As `currentDateTime`, the time through a twelve-hour clock: 12:30:00 becomes "12:30:00 PM",
-  /// which the time value reads as 88,200 s. Hosts see it so.
+  /// which the time value reads as 88,200 s: hosts rely on it.
   void currentDateTime12(std::string_view keyword, const std::shared_ptr<AQ_Time>& time);
   void dateTimeOf(std::string_view keyword, const std::string& /*file*/,
                   const std::shared_ptr<AQ_Time>& time) {
@@ -67,16 +67,16 @@ class AQ_API HeaderReader {
     text(keyword, value);
   }
 
-  /// A line with their number, then as many lines, each up to its first "**". A negative number
+  /// A line with their number, then that many lines, each up to its first "**". A negative number
   /// takes no line.
   void lines(std::string_view keyword, const std::shared_ptr<Collection<std::string>>& block,
              std::int16_t& count);
   void lines(std::string_view keyword, const std::shared_ptr<Collection<std::string>>& block);
 
-  /// Takes the line above the data lines; gives it up to its first "**".
+  /// Takes the line above the data lines; returns it up to its first "**".
   std::string columns();
 
-  /// Passes the line above the data lines, which nobody looks at, if it is there.
+  /// Skips the line above the data lines, if there is one, without checking it.
   void skipColumns() {
     if (lines_.next()) show(HeaderLine::Use::Headings);
   }

@@ -16,7 +16,7 @@
 namespace aq {
 
 /// Writes keyword header lines, as in `Bands**,17, 40`, to a text. `HeaderReader` has the same
-/// members, so that one description of a file's header serves both ways.
+/// members, so that one description of a header serves both.
 class AQ_API HeaderWriter {
  public:
   /// Names and dates of files come from `information`.
@@ -26,7 +26,7 @@ class AQ_API HeaderWriter {
   /// The first line, which says what kind of file it is.
   void title(std::string_view fileType);
 
-  /// A line whose value is what `get` returns.
+  /// A line with the value that `get` returns.
   template <class Get, class Set>
   void value(std::string_view keyword, const Get& get, const Set&) {
     line(keyword, get());
@@ -44,22 +44,22 @@ class AQ_API HeaderWriter {
   /// The name under which the file information service records `file`.
   void recordedName(std::string_view keyword, const std::string& file);
 
-  /// The current date and time; a header's own is not written.
+  /// The current date and time; the header's own is not written.
   void currentDateTime(std::string_view keyword, const std::shared_ptr<AQ_Time>&);
   void currentDateTime12(std::string_view keyword, const std::shared_ptr<AQ_Time>& time) {
     currentDateTime(keyword, time);
   }
 
-  /// The date and time of a source file; the information service chooses between the header's own,
-  /// which is handed to it, and the file's.
+  /// The date and time of a source file; the information service gets the header's own and chooses
+  /// between it and the file's.
   void dateTimeOf(std::string_view keyword, const std::string& file,
                   const std::shared_ptr<AQ_Time>& recorded);
   void dateTimeOf(std::string_view keyword, const std::string& file, const std::string& recorded) {
     line(keyword, information_->sourceDateTime(file, recorded));
   }
 
-  /// A line with their number, then the lines themselves as they are; a header's own count is not
-  /// written. No collection counts as an empty one.
+  /// A line with their number, then the lines unchanged; the header's own count is not written. A
+  /// missing collection counts as empty.
   void lines(std::string_view keyword, const std::shared_ptr<Collection<std::string>>& block,
              std::int16_t /*count*/ = 0);
 
@@ -73,7 +73,7 @@ class AQ_API HeaderWriter {
   std::shared_ptr<FileInformation> information_;
 };
 
-/// Appends the rows from `first` to `last` by `append(number)`. The first one tells how much room
+/// Appends the rows from `first` to `last` by `append(number)`. The first row shows how much room
 /// the others are likely to need.
 template <class Append>
 void appendRows(std::string& text, std::int32_t first, std::int32_t last, const Append& append) {

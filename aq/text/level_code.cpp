@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t kLongestQuick = 7;  // a sign, three digits, a point, two decimals
 
-/// The digits of 0 to 999 without zeros in front, none for 0, and how many they are.
+/// The digits of 0 to 999 without leading zeros, none for 0, and their number.
 struct WholeDigits {
   std::array<char, 3> text{};
   std::uint8_t count = 0;
@@ -36,7 +36,7 @@ constexpr auto kWholeDigits = [] {
 
 constexpr std::int32_t kQuickEnd = 99999;  // hundredths with up to three whole digits
 
-/// Writes a level of so many hundredths, less than `kQuickEnd` either way; gives where it ends.
+/// Writes a level given in hundredths, below `kQuickEnd` in magnitude; returns its end.
 char* writeHundredths(char* at, std::int32_t hundredths) {
   *at = '-';
   at += hundredths < 0 ? 1 : 0;
@@ -72,13 +72,13 @@ double exactly(LevelCode code) { return levelOf(code); }
 /// Whether `level` lies exactly half-way between two hundredths: an odd number of eighths.
 bool isHalfway(double level) { return std::fmod(std::abs(level) * 8, 2) == 1; }
 
-/// Any finite level, by its exact decimal expansion.
+/// Appends any finite level, by its exact decimal expansion.
 void appendExactly(std::string& text, double level) {
   if (!std::isfinite(level)) {
     throw Error(ErrorCode::InvalidValue, "a level that is no finite number has no text");
   }
   const bool halfway = isHalfway(level);
-  std::array<char, 400> buffer;  // a double in fixed notation, and room to spare
+  std::array<char, 400> buffer;  // a double in fixed notation, with room to spare
   const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(level),
                                      std::chars_format::fixed, halfway ? 3 : 2);
   char* end = written.ptr;
@@ -121,13 +121,12 @@ constexpr std::int32_t byteOf(std::uint64_t word, unsigned place) {
   return static_cast<std::uint8_t>(word >> (8 * place));
 }
 
-/// A level of so many whole digits with a comma behind it, in a word.
+/// A level with that many whole digits and a comma after it, in a word.
 template <unsigned kWhole>
 struct Form {
   static constexpr std::ptrdiff_t kLength = kWhole + 3;
 
-  /// The digits less their "0", moved to the end of the word; of the point and the comma no bit is
-  /// left.
+  /// The digits minus their "0", moved to the end of the word; point and comma are cleared.
   static std::uint64_t digitsOf(std::uint64_t word) { return (word ^ kText) << kShift; }
 
   static bool fits(std::uint64_t digits) {
@@ -158,7 +157,7 @@ struct Form {
   static constexpr std::uint64_t kStrange = (everyByte(0xFF) << kShift) - kDigits * 0x0F;
 };
 
-/// The way through a text of levels.
+/// A position in a text of levels.
 struct Levels {
   const char* at;
   const char* end;
@@ -174,7 +173,7 @@ struct Levels {
   void add(std::int32_t hundredths) { codes[count++] = static_cast<LevelCode>(hundredths); }
 };
 
-/// Takes levels of one form, as many as follow each other: levels that are neighbours look alike.
+/// Takes consecutive levels of one form: neighbouring levels look alike.
 template <unsigned kWhole>
 void takeRun(Levels& levels) {
   while (!levels.full() && levels.end - levels.at >= static_cast<std::ptrdiff_t>(kWord)) {
@@ -189,7 +188,7 @@ void takeRun(Levels& levels) {
   }
 }
 
-/// Eight bytes of the text, with commas behind its end.
+/// Eight bytes of the text, padded with commas after its end.
 std::uint64_t wordAt(const char* at, const char* end) {
   std::uint64_t word = everyByte(',');
   const auto left = static_cast<std::size_t>(end - at);
@@ -201,7 +200,7 @@ std::uint64_t wordAt(const char* at, const char* end) {
   return word;
 }
 
-/// Takes one level of any form, the last one of the text too; false when there is none.
+/// Takes one level of any form, even the last one of the text; false if there is none.
 template <unsigned kWhole>
 bool takeOne(Levels& levels) {
   const bool negative = *levels.at == '-';
@@ -215,7 +214,7 @@ bool takeOne(Levels& levels) {
   return true;
 }
 
-/// As `takeOne`, for the level that stands for none.
+/// As `takeOne`, for the level that means not valid.
 bool takeInvalid(Levels& levels) {
   constexpr std::string_view kText = "9999.00";
   const std::string_view rest(levels.at, levels.end);
@@ -227,7 +226,7 @@ bool takeInvalid(Levels& levels) {
   return true;
 }
 
-// In columns: two blanks at least, three digits with blanks for zeros before them, a point and two
+// In columns: at least two blanks, three digits with blanks for leading zeros, a point and two
 // digits.
 
 constexpr std::string_view kInvalidInColumns = " 9999.00";
@@ -260,7 +259,7 @@ std::int32_t hundredthsInColumns(std::uint64_t word) {
   return byteOf(digits, 2) * 10000 + byteOf(pairs, 3) * 100 + byteOf(pairs, 6);
 }
 
-/// Every whole part that a code may have, with its sign, in the columns before the decimals.
+/// Every whole part that a code can have, with its sign, in the columns before the decimals.
 constexpr std::size_t kWholeParts = kLargestCode / 100 + 1;
 using WholeInColumns = std::array<char, kLevelColumns>;
 constexpr auto kWholesInColumns = [] {

@@ -11,15 +11,15 @@
 
 namespace aq {
 
-/// Walks the lines of a text file, one block of bytes in memory at a time. LF and CRLF end a line,
-/// the last line needs no end, and any other byte is content. Throws `platform::SystemError`.
+/// Reads a text file line by line, with one block of bytes in memory at a time. LF and CRLF end a
+/// line, the last line needs no end, and any other byte is content. Throws `platform::SystemError`.
 class AQ_API LineReader {
  public:
-  /// Reads `most` bytes at the most; what lies behind them is as if it were not there.
+  /// Reads at most `most` bytes; ignores what follows them.
   explicit LineReader(const std::string& path,
                       std::size_t most = std::numeric_limits<std::size_t>::max());
 
-  /// Goes to the next line; false behind the last one.
+  /// Goes to the next line; false after the last one.
   [[nodiscard]] bool next();
 
   /// The line without its end. Valid until `next`.
@@ -28,7 +28,7 @@ class AQ_API LineReader {
   /// Whether the line has an end: the last one may lack it. True before the first line.
   [[nodiscard]] bool ended() const { return ended_; }
 
-  /// From 1; behind the last line, the number of lines.
+  /// From 1; after the last line, the number of lines.
   [[nodiscard]] std::size_t number() const { return number_; }
 
  private:
@@ -38,7 +38,7 @@ class AQ_API LineReader {
   platform::InputFile file_;
   std::unique_ptr<char[]> block_;
   std::size_t capacity_;   // of the block
-  std::size_t most_;       // bytes still to be read at the most
+  std::size_t most_;       // largest number of bytes still to be read
   std::size_t begin_ = 0;  // the bytes not yet taken: from here
   std::size_t end_ = 0;    // up to here
   std::string_view line_;

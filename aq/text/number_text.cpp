@@ -19,13 +19,13 @@ constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 constexpr bool isSign(char c) { return c == '+' || c == '-'; }
 
-/// Where a number at the front of a text stands.
+/// Where the number at the start of a text is.
 struct Extent {
-  const char* begin = nullptr;  // behind a plus sign, which from_chars does not take
+  const char* begin = nullptr;  // after a plus sign, which from_chars does not accept
   const char* end = nullptr;    // `nullptr` when there is no number
 };
 
-/// Past an exponent, if a whole one stands at `at`.
+/// Skips an exponent, if there is a complete one at `at`.
 const char* skipExponent(const char* at, const char* end) {
   if (at == end || (*at != 'e' && *at != 'E')) return at;
   const char* digits = at + 1;
@@ -56,7 +56,7 @@ Extent extentOf(std::string_view text) {
   throw Error(code, std::string("expected ") + expected + ", found " + shown(text));
 }
 
-/// The power of ten of the first digit that counts: tells what is too small from what is too large.
+/// The power of ten of the first significant digit: tells a number too small from one too large.
 std::int64_t magnitude(const Extent& number) {
   constexpr std::int64_t kHuge = std::int64_t{1} << 48;
   const char* const mark =
@@ -117,7 +117,7 @@ Integer wholeInteger(std::string_view text) {
   return static_cast<Integer>(value);
 }
 
-constexpr std::size_t kLongest = 400;  // a double in fixed notation, and room to spare
+constexpr std::size_t kLongest = 400;  // a double in fixed notation, with room to spare
 using Buffer = std::array<char, kLongest>;
 
 void requireFinite(double value) {
@@ -126,7 +126,7 @@ void requireFinite(double value) {
   }
 }
 
-/// `value`, not 0, with `digits` significant digits as d.ddd…e±xx: gives the digits without
+/// `value`, not 0, with `digits` significant digits as d.ddd…e±xx: returns the digits without
 /// trailing zeros, and the exponent.
 template <class Real>
 std::string_view significantDigits(Real value, int digits, Buffer& buffer, int& exponent) {
@@ -136,7 +136,7 @@ std::string_view significantDigits(Real value, int digits, Buffer& buffer, int& 
   const char* power = mark + 1;
   if (*power == '+') ++power;
   std::from_chars(power, written.ptr, exponent);
-  buffer[1] = buffer[0];  // over the point, so that the digits stand together
+  buffer[1] = buffer[0];  // over the point, so that the digits are contiguous
   const char* last = mark;
   while (last > buffer.data() + 2 && last[-1] == '0') --last;
   return {buffer.data() + 1, last};
@@ -170,7 +170,7 @@ void appendScientific(std::string& text, std::string_view digits, int exponent) 
   appendNumber(text, std::abs(exponent));
 }
 
-constexpr int kSmallestFixed = -7;  // a tenth of a microsecond or micrometre still reads plainly
+constexpr int kSmallestFixed = -7;  // a tenth of a microsecond or micrometre has no exponent yet
 
 template <class Real>
 void appendReal(std::string& text, Real value, int digits) {
@@ -205,8 +205,8 @@ void appendFractionDigits(std::string& text, std::int64_t fraction, int places) 
   text.append(begin, end);
 }
 
-/// The fraction of a value from 1 to below 1e6, in 7 significant digits of the whole. A product
-/// with that power of ten is exact, so that rounding it once is right.
+/// The fraction of a value from 1 to below 1e6, in 7 significant digits of the whole. The product
+/// with that power of ten is exact, so rounding it once is correct.
 void appendDecimals(std::string& text, float value) {
   int places = kSingleDigits - 1;
   std::int64_t scale = 1000000;
@@ -219,7 +219,7 @@ void appendDecimals(std::string& text, float value) {
 }
 
 /// Writes a value that is a whole number of thousandths; false for any other. Its text has at most
-/// 15 digits, so it is the one text that the value has with 15.
+/// 15 digits, so it is the text of the value with 15.
 bool appendThousandths(std::string& text, double value) {
   constexpr double kScale = 1000;
   constexpr double kLargest = 1e11;
@@ -305,7 +305,7 @@ void appendAllDigits(std::string& text, float value) { appendEveryDigit(text, va
 std::int64_t scaledBy(double value, double scale) {
   const double size = std::abs(value);
   const double below = std::floor(size * scale);
-  // What the product loses to rounding, the fused one has in its sign.
+  // The sign of the fused product shows what the product lost to rounding.
   const bool up = std::fma(size, scale, -(below + 0.5)) >= 0;
   const auto whole = static_cast<std::int64_t>(below) + (up ? 1 : 0);
   return value < 0 ? -whole : whole;

@@ -15,20 +15,20 @@ namespace aq {
 /// `text` without its outer blanks.
 [[nodiscard]] AQ_API std::string_view trimmed(std::string_view text);
 
-/// `text` with its letters a to z as capitals; other bytes pass unchanged.
+/// `text` with its letters a to z as capitals; other bytes unchanged.
 [[nodiscard]] AQ_API std::string upperCased(std::string_view text);
 
-// The number that the whole of `text`, outer blanks aside, stands for: an optional sign, digits
-// with an optional point and fraction, an optional exponent; for integers a sign and digits only.
-// Rounded correctly. Throws `TypeMismatch` for any other text, `Overflow` outside the type's range.
+// The number that all of `text` represents, outer blanks aside: an optional sign, digits with an
+// optional point and fraction, an optional exponent; for integers a sign and digits only. Rounded
+// correctly. Throws `TypeMismatch` for any other text, `Overflow` outside the type's range.
 [[nodiscard]] AQ_API double doubleFrom(std::string_view text);
 [[nodiscard]] AQ_API float singleFrom(std::string_view text);
 [[nodiscard]] AQ_API std::int32_t int32From(std::string_view text);
 [[nodiscard]] AQ_API std::int16_t int16From(std::string_view text);
 [[nodiscard]] AQ_API std::uint8_t byteFrom(std::string_view text);
 
-/// The number that `text` begins with, 0 if none: blanks are skipped, and the first character
-/// that cannot continue a number ends it. Throws `Overflow` outside the range of a double.
+/// The number at the start of `text`, 0 if there is none: skips blanks, and ends at the first
+/// character that cannot continue a number. Throws `Overflow` outside the range of a double.
 [[nodiscard]] AQ_API double leadingNumber(std::string_view text);
 
 // Default text: at most 15 (double) or 7 (single) significant digits, a zero before the point, no
@@ -40,24 +40,24 @@ AQ_API void appendNumber(std::string& text, std::int32_t value);
 [[nodiscard]] AQ_API std::string numberText(float value);
 [[nodiscard]] AQ_API std::string numberText(std::int32_t value);
 
-// Text that reads back as just this value: the shortest there is, and with all its digits and an
-// exponent, as in 4.58634312e-07. What is no finite number is nan, inf or -inf.
+// Text that reads back as exactly this value: the shortest one, and one with all digits and an
+// exponent, as in 4.58634312e-07. Values that are not finite give nan, inf or -inf.
 AQ_API void appendExact(std::string& text, double value);
 AQ_API void appendExact(std::string& text, float value);
 AQ_API void appendAllDigits(std::string& text, double value);
 AQ_API void appendAllDigits(std::string& text, float value);
 
-/// `value` times `scale`, a power of ten, as a whole number, exact halves away from zero. `value`
-/// is finite and the product below 2^52.
+/// `value` times `scale`, a power of ten, rounded to an integer, exact halves away from zero.
+/// `value` is finite and the product below 2^52.
 [[nodiscard]] AQ_API std::int64_t scaledBy(double value, double scale);
 
 inline constexpr std::size_t kIntegerSize = 11;  // a sign and ten digits
 
-/// Writes an integer where there is `kIntegerSize`, and returns its end.
+/// Writes an integer into at least `kIntegerSize` characters, and returns its end.
 [[nodiscard]] AQ_API char* putNumber(char* at, std::int32_t value);
 
-/// Appends the fraction of the text that `value` has with 7 significant digits, from its point on;
-/// nothing when those digits hold no fraction. `value` is finite.
+/// Appends the fraction, with its point, of the text of `value` with 7 significant digits; nothing
+/// when those digits hold no fraction. `value` is finite.
 AQ_API void appendFraction(std::string& text, float value);
 
 }  // namespace aq

@@ -7,20 +7,20 @@
 #include <limits>
 #include <string_view>
 
-// The short way for numbers as they mostly stand in files; `number_text.h` knows all. Inline, since
-// a call a number would cost as much as the number.
+// The fast path for numbers in the form that files mostly use; `number_text.h` handles all forms.
+// Inline, since a call would cost as much as the number.
 
 namespace aq {
 
-/// A number written plainly: at most a minus sign, up to 15 digits, a point among them.
+/// A number in plain form: an optional minus sign, up to 15 digits, an optional point.
 struct PlainNumber {
   std::int64_t digits = 0;  // as one integer
   std::size_t decimals = 0;
-  std::size_t length = 0;  // in characters; 0 when there is no such number
+  std::size_t length = 0;  // in characters; 0 if there is no such number
   bool negative = false;
 };
 
-/// The plain number that fills `text` up to its first comma, or whole.
+/// The plain number that fills `text` up to its first comma or its end.
 [[nodiscard]] inline PlainNumber plainNumber(std::string_view text) {
   constexpr std::ptrdiff_t kMostDigits = 15;
   const char* const end = text.data() + text.size();
@@ -65,7 +65,7 @@ struct ExactRange<float> {
                                      1e6F, 1e7F, 1e8F, 1e9F, 1e10F};
 };
 
-/// Gives the number, correctly rounded; false when its parts do not tell it.
+/// Sets the number, correctly rounded; false when the fast path cannot tell.
 template <class Real>
 [[nodiscard]] bool numberFrom(const PlainNumber& plain, Real& number) {
   using Exact = ExactRange<Real>;
@@ -78,13 +78,13 @@ template <class Real>
   return true;
 }
 
-/// A 16-bit integer written plainly: at most a minus sign and up to five digits.
+/// A 16-bit integer in plain form: an optional minus sign and up to five digits.
 struct PlainInteger {
   std::int16_t value = 0;
-  std::size_t length = 0;  // in characters; 0 when there is no such integer
+  std::size_t length = 0;  // in characters; 0 if there is no such integer
 };
 
-/// The plain integer that fills `text` up to its first comma, or whole.
+/// The plain integer that fills `text` up to its first comma or its end.
 [[nodiscard]] inline PlainInteger plainInteger(std::string_view text) {
   constexpr std::size_t kMostDigits = 5;
   constexpr int kLargest = std::numeric_limits<std::int16_t>::max();
