@@ -12,7 +12,7 @@
 namespace aq {
 namespace {
 
-// Three keywords differ from the fields that they carry: hosts know the lines so.
+// Three keywords differ from the fields that they carry: hosts rely on it.
 template <class Lines>
 void header(Lines& lines, AQ_HeaderGTH& header) {
   AQ_Position& microphone = orThrow(header.MicrophonePosition);
@@ -41,7 +41,7 @@ void header(Lines& lines, AQ_HeaderGTH& header) {
   microphone.Z(z);
 }
 
-/// The last of the eleven columns has no name: hosts know the line so.
+/// The last of the eleven columns has no name: hosts rely on it.
 
 void appendPoint(std::string& text, std::int32_t record, AQ_Geometry& point) {
   const auto field = [&text](auto value) {

@@ -15,7 +15,7 @@ namespace aq {
 /// Writes and reads geometric time history files (docs/formats/geometric-time-history.md).
 class AQ_API AQ_DataGTH : public FileClass {
  public:
-  /// What the first line of a file names as its type.
+  /// The file type that the first line names.
   static constexpr std::string_view kTitle = "Geometric Time-History";
 
   /// Writes points 1 to `Count`, replacing the file; the header gets the file's name and the number
@@ -26,8 +26,8 @@ class AQ_API AQ_DataGTH : public FileClass {
   void writeFile(const std::string& sFileName, const std::shared_ptr<AQ_HeaderGTH>& aqHeader,
                  const AQ_GeometryTimeHistory& aqTimeHistory, AQ_DataMessage& result);
 
-  /// Reads a file into a new header and a new history. When the header fails, neither is set; when
-  /// a point fails, only the header is.
+  /// Reads a file into a new header and a new history. When the header fails, sets neither; when a
+  /// point fails, sets only the header.
   void readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderGTH>& aqHeader,
                 std::shared_ptr<AQ_GeometryTimeHistory>& GTH, AQ_DataMessage& result);
 

@@ -15,12 +15,12 @@ namespace aq {
 /// Reads microphone position files (docs/formats/microphone-position.md).
 class AQ_API AQ_DataMIC : public FileClass {
  public:
-  /// What the first line of a file names as its type.
+  /// The file type that the first line names.
   static constexpr std::string_view kTitle = "Microphone Position File";
 
   /// Reads a file into a new header and into the caller's microphone. When the header fails,
-  /// neither is touched; when the microphone's line does, the header is set, and the coordinates in
-  /// front of the failure too.
+  /// neither changes; when the microphone's line does, the header is set, and so are the
+  /// coordinates before the failure.
   void readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderMIC>& aqHeader,
                 const std::shared_ptr<AQ_Microphone>& MIC, AQ_DataMessage& result);
 

@@ -15,7 +15,7 @@ namespace aq {
 /// Writes and reads position time history files (docs/formats/position-time-history.md).
 class AQ_API AQ_DataPTH : public FileClass {
  public:
-  /// What the first line of a file names as its type.
+  /// The file type that the first line names.
   static constexpr std::string_view kTitle = "Position Time-History";
 
   /// Writes a history, replacing the file; the header gets the file's name and the number of
@@ -25,8 +25,8 @@ class AQ_API AQ_DataPTH : public FileClass {
   void writeFile(const std::string& sFileName, const std::shared_ptr<AQ_HeaderPTH>& aqHeader,
                  const AQ_PositionTimeHistory& aqTimeHistory, AQ_DataMessage& result);
 
-  /// Reads a file into a new header and a new history. When the header fails, neither is set; when
-  /// a position fails, only the header is.
+  /// Reads a file into a new header and a new history. When the header fails, sets neither; when a
+  /// position fails, sets only the header.
   void readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderPTH>& aqHeader,
                 std::shared_ptr<AQ_PositionTimeHistory>& PTH, AQ_DataMessage& result);
 

@@ -13,7 +13,7 @@ void AQ_DataTSPI::readFile(const std::string& sFileName,
     badPositions_ = 0;
     auto history = std::make_shared<AQ_PositionTimeHistory>();
     std::int32_t accepted = 0;
-    DataLineLimit limit;  // here it counts the header's lines too
+    DataLineLimit limit;  // counts the header's lines too
     for (; more; more = lines.next()) {
       if (limit.count(lines) <= static_cast<std::int32_t>(kTrackingHeaderLines)) {
         showLine(headerObserver(), {lines.number(), HeaderLine::Use::Unused, {}, lines.line(), {}});

@@ -12,7 +12,7 @@
 namespace aq {
 
 /// Reads tracking files, time-space-position information of the aircraft
-/// (docs/formats/tracking.md). Positions of poor quality are dropped and counted.
+/// (docs/formats/tracking.md). Drops and counts positions of poor quality.
 class AQ_API AQ_DataTSPI : public FileClass {
  public:
   /// Reads a file into a new history, numbered from 1 without gaps. When it fails, the history is
@@ -20,7 +20,7 @@ class AQ_API AQ_DataTSPI : public FileClass {
   void readFile(const std::string& sFileName, std::shared_ptr<AQ_PositionTimeHistory>& PTH,
                 AQ_DataMessage& result);
 
-  /// The highest RT20 figure that is accepted; 0 is the best.
+  /// The highest RT20 quality figure that is accepted, 0 to 255; 0 is the best.
   [[nodiscard]] std::uint8_t RT20Limit() const { return limit_; }
   void RT20Limit(std::uint8_t limit) { limit_ = limit; }
 

@@ -9,12 +9,12 @@
 
 namespace aq {
 
-/// One pair of emission and reception: where the aircraft was when it emitted what the microphone
-/// received later.
+/// One pair of emission and reception: where the aircraft was when it emitted the sound that the
+/// microphone received later. No missing values: numbers start at 0.
 class AQ_EmtRcvRecord {
  public:
-  double SR = 0;     ///< slant range
-  double Tprop = 0;  ///< propagation time
+  double SR = 0;     ///< slant range, m
+  double Tprop = 0;  ///< propagation time, s
 
   /// The time of emission. Created on first read; setting shares the caller's object.
   std::shared_ptr<AQ_Time> T() { return orCreate(emission_); }

@@ -16,13 +16,13 @@ class AQ_API AQ_EmtRcvTable {
  public:
   using Column = std::shared_ptr<Collection<double>>;
 
-  /// The record at a place from 1 on; throws `InvalidIndex` elsewhere.
+  /// The record at an index from 1; throws `InvalidIndex` out of range.
   [[nodiscard]] std::shared_ptr<AQ_EmtRcvRecord> Record(std::int32_t nRecord) const {
     return records_.Item(nRecord);
   }
 
-  // Columns are new collections each time: seconds of the day of emission and of reception, and the
-  // aircraft's coordinates. Above 32767 records they throw `Overflow`.
+  // Each call returns a new collection: seconds of the day of emission and of reception, and the
+  // aircraft's coordinates in the unit of its positions. Throws `Overflow` above 32767 records.
   [[nodiscard]] Column T() const;
   [[nodiscard]] Column Tr() const;
   [[nodiscard]] Column X() const;
@@ -32,7 +32,7 @@ class AQ_API AQ_EmtRcvTable {
   /// The number of records. Throws `Overflow` above 32767.
   [[nodiscard]] std::int16_t Count() const;
 
-  /// Appends a record, whatever the place: hosts rely on it.
+  /// Appends a record and ignores the index: hosts rely on it.
   void Record(std::int32_t /*nRecord*/, std::shared_ptr<AQ_EmtRcvRecord> record) {
     records_.Add(std::move(record));
   }

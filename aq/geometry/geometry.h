@@ -11,17 +11,19 @@
 namespace aq {
 
 /// The emission geometry of one measured record: when its sound was emitted, where the source was
-/// then, and how the sound came to the microphone. Units are those of the program that fills it;
-/// `emissionGeometry` gives metres, degrees and seconds.
+/// then, and how the sound reached the microphone. `emissionGeometry` computes metres, degrees and
+/// seconds; another program's points may have another length unit, and nothing is converted. All
+/// numbers start at 0.
 class AQ_API AQ_Geometry {
  public:
-  double SRe = 0;        ///< slant range at emission
-  float THETAe = 0;      ///< first emission angle
-  float BETAe = 0;       ///< second emission angle
-  double Tprope = 0;     ///< propagation time from emission to measurement
-  double debugTime = 0;  ///< free, for diagnostics; written and not read back, and not copied
+  double SRe = 0;     ///< slant range, m at emission
+  float THETAe = 0;   ///< between direction of flight and line to the microphone, degrees, 0 to 180
+  float BETAe = 0;    ///< of that line about the direction of flight, degrees, -180 to 180
+  double Tprope = 0;  ///< propagation time, s from emission to measurement
+  double debugTime = 0;  ///< s, free for diagnostics; written, but neither read back nor copied
 
-  /// A deep copy, without `debugTime`: hosts rely on it. The objects are created here if not held.
+  /// A deep copy, without `debugTime`: hosts rely on it. Creates the position and times of this
+  /// point if it has none.
   [[nodiscard]] std::shared_ptr<AQ_Geometry> Copy();
 
   /// The source's position at emission. Created on first read; setting shares the caller's object.

@@ -17,15 +17,16 @@ namespace aq {
 /// Points are shared with the caller, not copied.
 class AQ_API AQ_GeometryTimeHistory {
  public:
-  /// A deep copy of points 1 to `Count`, and of nothing else. Throws `InvalidArgument` at a point
-  /// that is missing.
+  /// A deep copy of points 1 to `Count`, and of nothing else. Throws `InvalidArgument` if one of
+  /// them is missing.
   [[nodiscard]] std::shared_ptr<AQ_GeometryTimeHistory> Copy() const;
 
   [[nodiscard]] AQ_RefTimeType ReferenceType() const { return referenceType_; }
   void ReferenceType(AQ_RefTimeType type) { referenceType_ = type; }
 
-  /// Shares the reference time and its type. With any points it then throws `MemberNotSupported`,
-  /// as points have no single time: hosts rely on it, and `setTimeStamps` gives relative times.
+  /// Shares the reference time and its type. If there are points it then throws
+  /// `MemberNotSupported`, since points have no single time: hosts rely on it. `setTimeStamps` sets
+  /// relative times.
   void setRelTimes(const std::shared_ptr<AQ_Time>& ReferenceTime, AQ_RefTimeType RefType);
 
   /// Created on first read; setting shares the caller's object.
@@ -36,8 +37,8 @@ class AQ_API AQ_GeometryTimeHistory {
   void TimeStampType(AQ_TimeStampType type) { timeStampType_ = type; }
 
   /// Stamps `Tm` of points 1 to `Count` as `AQ_SpectralTimeHistory::setTimeStamps` stamps records,
-  /// then makes each relative to `RefTime`. The two times are copied. Throws `InvalidArgument` at a
-  /// point that is missing; those before it are stamped.
+  /// then makes each relative to `RefTime`. Copies the two times. Throws `InvalidArgument` at a
+  /// missing point; those before it are stamped.
   void setTimeStamps(const AQ_Time& startTime, AQ_TimeStampType StartTimeType,
                      const AQ_Time& RefTime, AQ_RefTimeType RefType);
 
@@ -45,8 +46,8 @@ class AQ_API AQ_GeometryTimeHistory {
   std::shared_ptr<AQ_Time> ReferenceTime() { return orCreate(referenceTime_); }
   void ReferenceTime(std::shared_ptr<AQ_Time> time) { referenceTime_ = std::move(time); }
 
-  /// The point under a record number, not at a place. Reading throws `InvalidArgument` when there
-  /// is none; storing replaces one that is there.
+  /// The point with a record number, which is not its index. Reading throws `InvalidArgument` if
+  /// there is none; storing replaces an existing one.
   [[nodiscard]] std::shared_ptr<AQ_Geometry> Point(std::int32_t nRecord) const {
     return points_.at(nRecord);
   }
@@ -57,8 +58,8 @@ class AQ_API AQ_GeometryTimeHistory {
   /// The number of points. Throws `Overflow` above 32767.
   [[nodiscard]] std::int16_t Count() const { return points_.count(); }
 
-  // The points that are stored, as pairs of record number and object, in the order of the numbers.
-  // Storing one ends a walk. `contains` creates nothing.
+  // The stored points as pairs of record number and object, in ascending order of the numbers.
+  // Storing a point invalidates iterators. `contains` creates nothing.
   [[nodiscard]] auto begin() const { return points_.begin(); }
   [[nodiscard]] auto end() const { return points_.end(); }
   [[nodiscard]] bool contains(std::int32_t number) const { return points_.contains(number); }

@@ -2,7 +2,8 @@
 
 namespace aq {
 
-/// Where a microphone stands, in the unit of its file.
+/// The position of a microphone in metres, or in the length unit of its file: nothing is converted.
+/// All start at 0.
 class AQ_Microphone {
  public:
   double X = 0;

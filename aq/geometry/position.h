@@ -8,8 +8,8 @@
 
 namespace aq {
 
-/// One sample of a source's position: a time of day and three Cartesian coordinates, in the unit of
-/// the file or program that filled them.
+/// One sample of a source's position: a time of day and three Cartesian coordinates in metres, or
+/// in the length unit of its file: nothing is converted. All start at 0.
 class AQ_API AQ_Position {
  public:
   /// A deep copy.
@@ -27,7 +27,7 @@ class AQ_API AQ_Position {
   void Y(double y) { y_ = y; }
   void Z(double z) { z_ = z; }
 
-  /// The time as it is held, without making an object for it.
+  /// The time by value; creates no object.
   [[nodiscard]] LazyTime& lazyTime() { return time_; }
   [[nodiscard]] const LazyTime& lazyTime() const { return time_; }
 

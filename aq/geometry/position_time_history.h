@@ -13,14 +13,14 @@
 
 namespace aq {
 
-/// The ordered series of a source's positions, shared with the caller. Samples are expected in
-/// ascending time order; nothing sorts or checks them. In memory it may hold more than the 32767
-/// samples that `Count` can tell.
+/// The ordered series of a source's positions, shared with the caller. Expects samples in ascending
+/// time order; neither sorts nor checks them. May hold more than the 32767 samples that `Count` can
+/// report.
 class AQ_API AQ_PositionTimeHistory {
   using Placed = TombstoneList<std::shared_ptr<AQ_Position>>::const_iterator;
 
  public:
-  /// Goes through the samples by place.
+  /// Visits the samples by index.
   class Walk {
    public:
     using iterator_category = std::input_iterator_tag;
@@ -46,22 +46,22 @@ class AQ_API AQ_PositionTimeHistory {
     std::int32_t place_ = 1;
   };
 
-  /// A deep copy in the order of places, numbered from 1. Throws `Overflow` above 32767 samples.
+  /// A deep copy in order of the indices, numbered from 1. Throws `Overflow` above 32767 samples.
   [[nodiscard]] std::shared_ptr<AQ_PositionTimeHistory> Copy() const;
 
-  /// The sample at a place from 1 on; throws `InvalidIndex` elsewhere.
+  /// The sample at an index from 1; throws `InvalidIndex` out of range.
   [[nodiscard]] std::shared_ptr<AQ_Position> Position(std::int32_t nRecord) const {
     return positions_.atPlace(nRecord);
   }
 
-  /// Stores a sample under a record number. One that is there leaves its place and the new one goes
-  /// to the end, after which place and number differ: hosts rely on it.
+  /// Stores a sample under a record number. Removes an existing one and appends the new one at the
+  /// end, after which index and number differ: hosts rely on it.
   void Position(std::int32_t nRecord, std::shared_ptr<AQ_Position> aqPosition) {
     positions_.store(nRecord, std::move(aqPosition));
   }
 
   /// The stored sample nearest in time of day, the later of two equally near; no object when no two
-  /// neighbours enclose the time. Nothing is interpolated or extrapolated. Throws `Overflow` above
+  /// neighbours enclose the time. Neither interpolates nor extrapolates. Throws `Overflow` above
   /// 32767 samples.
   [[nodiscard]] std::shared_ptr<AQ_Position> PositionAt(const AQ_Time& aqTime) const;
 
@@ -72,8 +72,8 @@ class AQ_API AQ_PositionTimeHistory {
   /// The number of samples. Throws `Overflow` above 32767.
   [[nodiscard]] std::int16_t Count() const { return positions_.count(); }
 
-  // The samples as pairs of place and position, in the order of their places. Storing one ends a
-  // walk. `contains` says whether there is such a place.
+  // The samples as pairs of index and position, in order of the indices. Storing a sample
+  // invalidates iterators. `contains` tells whether there is such an index.
   [[nodiscard]] Walk begin() const { return Walk(positions_.placed().begin()); }
   [[nodiscard]] Walk end() const { return Walk(positions_.placed().end()); }
   [[nodiscard]] bool contains(std::int32_t place) const {

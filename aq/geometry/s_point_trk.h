@@ -8,10 +8,11 @@
 
 namespace aq {
 
-/// Summary values of one point of a flight track. Their meaning beyond their names is the
-/// application's. The times are no objects until they are set.
+/// Summary values of one point of a flight track, kept for the application, which defines what the
+/// names leave open. Any value is stored; numbers are 0 until set, times null.
 class AQ_SPointTrk {
  public:
+  // Times: overhead, of the maximum, and two of the application.
   [[nodiscard]] std::shared_ptr<AQ_Time> TOH() const { return overhead_; }
   void TOH(std::shared_ptr<AQ_Time> time) { overhead_ = std::move(time); }
   [[nodiscard]] std::shared_ptr<AQ_Time> TMAX() const { return maximum_; }
@@ -21,6 +22,7 @@ class AQ_SPointTrk {
   [[nodiscard]] std::shared_ptr<AQ_Time> T2() const { return second_; }
   void T2(std::shared_ptr<AQ_Time> time) { second_ = std::move(time); }
 
+  // Lateral offset and altitude in metres, angles in degrees, or as the application defines them.
   [[nodiscard]] float YOFF() const { return lateralOffset_; }
   void YOFF(float offset) { lateralOffset_ = offset; }
   [[nodiscard]] float PHI() const { return phi_; }
@@ -29,15 +31,16 @@ class AQ_SPointTrk {
   void CYANG(float angle) { cyAngle_ = angle; }
   [[nodiscard]] float ALT() const { return altitude_; }
   void ALT(float altitude) { altitude_ = altitude; }
-  /// Ground speed, knots.
+  /// Ground speed, kn.
   [[nodiscard]] float GSPDKTS() const { return groundSpeed_; }
   void GSPDKTS(float speed) { groundSpeed_ = speed; }
 
+  // Record numbers: first, last, and that of the maximum.
   [[nodiscard]] std::int16_t FIRST() const { return firstRecord_; }
   void FIRST(std::int16_t record) { firstRecord_ = record; }
   [[nodiscard]] std::int16_t LAST() const { return lastRecord_; }
   void LAST(std::int16_t record) { lastRecord_ = record; }
-  // In parentheses, as some systems' headers define a macro of this name.
+  // In parentheses, since some systems' headers define a macro of this name.
   [[nodiscard]] std::int16_t(MAX)() const { return maximumRecord_; }
   void(MAX)(std::int16_t record) { maximumRecord_ = record; }
 

@@ -15,10 +15,10 @@ struct TrackingLine {
   std::uint8_t quality;  ///< the RT20 figure, 0 best
 };
 
-/// How many lines a tracking file has in front of its data.
+/// How many lines a tracking file has before its data.
 inline constexpr std::size_t kTrackingHeaderLines = 6;
 
-/// Takes the line that `lines` stands at apart. Throws `ReadFailure`.
+/// Parses the current line of `lines`. Throws `ReadFailure`.
 [[nodiscard]] AQ_API TrackingLine trackingLineFrom(const LineReader& lines);
 
 }  // namespace aq

@@ -15,19 +15,19 @@ namespace aq {
 /// Writes and reads masking map files (docs/formats/masking-map.md).
 class AQ_API AQ_DataMask : public FileClass {
  public:
-  /// What the first line of a file names as its type.
+  /// The file type that the first line names.
   static constexpr std::string_view kTitle = "Masking Map";
 
   /// Writes a map, replacing the file. The header gets the file's name, the number of rows and the
   /// band range, which row 1 decides. Throws, and writes nothing, when rows are not numbered from 1
-  /// without a gap (`InvalidArgument`), row 1 has a band without a label (`InvalidArgument`) or an
-  /// object is missing (`ObjectNotSet`).
+  /// without gaps or row 1 has a band without a label (`InvalidArgument`), or when an object is
+  /// missing (`ObjectNotSet`).
   AQ_DataMessage writeFile(const std::string& sFileName,
                            const std::shared_ptr<AQ_HeaderMask>& aqHeader,
                            const AQ_MaskMap& aqMaskMap);
 
-  /// Reads a file into a new header and a new map. When the header fails, neither is set; when a
-  /// row fails, the map holds the rows before it.
+  /// Reads a file into a new header and a new map. When the header fails, sets neither; when a row
+  /// fails, the map holds the rows before it.
   AQ_DataMessage readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderMask>& aqHeader,
                           std::shared_ptr<AQ_MaskMap>& MaskMap);
 

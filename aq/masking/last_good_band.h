@@ -8,11 +8,11 @@
 namespace aq {
 
 /// The highest band below the first masked one, from band 29 up: 9999 when bands 28 and 29 are both
-/// masked, 0 when no band from 29 to the row's highest is. Bands that it looks at and the row lacks
-/// get a default mask.
+/// masked, 0 when no band from 29 to the row's highest is masked. Creates a default mask in each
+/// band that it examines and the row lacks.
 [[nodiscard]] AQ_API std::int16_t lastGoodBand(AQ_MaskRow& row);
 
-/// The same, and the row stays unchanged: a band that it lacks is not masked.
+/// The same, but leaves the row unchanged: a missing band counts as not masked.
 [[nodiscard]] AQ_API std::int16_t lastGoodBand(const AQ_MaskRow& row);
 
 }  // namespace aq

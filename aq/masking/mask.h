@@ -9,7 +9,7 @@
 
 namespace aq {
 
-// The letters of both halves of a decision, by value.
+// The letters of mode and adjustment, indexed by value.
 inline constexpr std::string_view kMaskModes = "-MAF";
 inline constexpr std::string_view kMaskAdjustments = "-SFTACR";
 
@@ -26,8 +26,8 @@ class AQ_API AQ_Mask {
   void AdjustMode(AQ_MASK_ADJUST adjust) { adjust_ = adjust; }
 
   /// The mode's letter ("-", "M", "A", "F") and the adjustment's ("-", "S", "F", "T", "A", "C",
-  /// "R"); a value without a letter gives none. Setting takes the first and the last character; one
-  /// that is no such letter leaves its half unchanged.
+  /// "R"); a value without a letter gives no character. Setting uses the first and the last
+  /// character; any other character leaves its half unchanged.
   [[nodiscard]] std::string MaskString() const;
   void MaskString(std::string_view letters);
 

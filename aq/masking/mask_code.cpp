@@ -18,9 +18,9 @@ AQ_Mask maskWith(int mode, int adjustment) {
   return mask;
 }
 
-constexpr unsigned kNoLetter = 0x80;  // above all codes, also when two are added
+constexpr unsigned kNoLetter = 0x80;  // above all codes, and above the sum of two
 
-/// What each byte adds to a code, `kNoLetter` when it is none of `letters`.
+/// What each byte adds to a code, `kNoLetter` for a byte that is not in `letters`.
 constexpr auto codesOf(std::string_view letters, std::size_t first, std::size_t step) {
   std::array<std::uint8_t, 256> codes{};
   codes.fill(kNoLetter);
@@ -43,7 +43,7 @@ constexpr std::array<char, kColumn> columnOf(std::size_t code) {
 }
 
 /// Both columns of all pairs of codes, in a word that is copied at once; the next pair overwrites
-/// what is too much of it.
+/// the excess bytes.
 using TwoColumns = std::array<char, 8>;
 constexpr auto kTwoColumns = [] {
   std::array<TwoColumns, kCodes * kCodes> pairs{};
@@ -77,7 +77,7 @@ AQ_Mask maskOf(MaskCode code) {
 
 namespace {
 
-/// Takes one column; 0 when it has the form of one.
+/// Takes one column; returns 0 if it has the form of one.
 unsigned takeMask(const char* at, MaskCode& code) {
   const unsigned sum = kModeCodes[static_cast<unsigned char>(at[0])] +
                        kAdjustmentCodes[static_cast<unsigned char>(at[1])];

@@ -13,7 +13,7 @@
 
 namespace aq {
 
-/// A masking decision in one byte: from 1 on one for each pair of letters, 0 for no decision.
+/// A masking decision in one byte: 1 and up for each pair of letters, 0 for no decision.
 using MaskCode = std::uint8_t;
 
 inline constexpr MaskCode kNoMaskCode = 0;
@@ -22,18 +22,18 @@ inline constexpr MaskCode kDefaultMaskCode = 1;
 /// The code of a decision; `kNoMaskCode` when its values have no letters.
 [[nodiscard]] AQ_API MaskCode maskCodeOf(const AQ_Mask& mask);
 
-/// The decision behind a code; a default one for none.
+/// The decision of a code; a default one for `kNoMaskCode`.
 [[nodiscard]] AQ_API AQ_Mask maskOf(MaskCode code);
 
-/// Takes masks of two letters, with "," behind each, from the front of `text`, until `codes` is
-/// full or another form comes. What `codes` holds behind those taken may change.
+/// Takes masks of two letters, each followed by ",", from the start of `text`, until `codes` is
+/// full or another form follows. Entries of `codes` after those taken may change.
 [[nodiscard]] AQ_API FieldsTaken masksAtFront(std::string_view text, std::span<MaskCode> codes);
 
-/// The room that so many masks need while they are written.
+/// The number of bytes needed while writing that many masks.
 constexpr std::size_t maskBytes(std::size_t masks) { return 3 * masks + 5; }
 
-/// Writes the letters of each code, with "," behind them, where there is `maskBytes`, and returns
-/// their end. None of them is `kNoMaskCode`.
+/// Writes the letters of each code, each followed by ",", into at least `maskBytes` bytes, and
+/// returns their end. None of the codes may be `kNoMaskCode`.
 [[nodiscard]] AQ_API char* putMasks(char* at, std::span<const MaskCode> codes);
 
 }  // namespace aq

@@ -13,15 +13,15 @@ namespace aq {
 /// time history. Rows are shared with the caller, not copied.
 class AQ_API AQ_MaskMap {
  public:
-  /// A deep copy of rows 1 to `Count`. Throws `InvalidArgument` at a row that is missing.
+  /// A deep copy of rows 1 to `Count`. Throws `InvalidArgument` if one of them is missing.
   [[nodiscard]] std::shared_ptr<AQ_MaskMap> Copy() const;
 
-  /// The row of a record. Reading throws `InvalidArgument` when there is none; storing replaces one
-  /// that is there, which moves to the end.
+  /// The row of a record. Reading throws `InvalidArgument` if there is none; storing replaces an
+  /// existing one and moves its number to the end.
   [[nodiscard]] std::shared_ptr<AQ_MaskRow> Row(std::int16_t nRecord) const {
     return rows_.at(nRecord);
   }
-  /// As the getter, without a new share in the row.
+  /// As the getter, but does not share the row.
   [[nodiscard]] const std::shared_ptr<AQ_MaskRow>& heldRow(std::int16_t nRecord) const {
     return rows_.at(nRecord);
   }
@@ -32,12 +32,12 @@ class AQ_API AQ_MaskMap {
   /// The number of rows. Throws `Overflow` above 32767.
   [[nodiscard]] std::int16_t Count() const { return rows_.count(); }
 
-  /// Finds each row's last good band from its masks. Bands 28 and 29 get a default mask where the
-  /// row has none.
+  /// Finds each row's last good band from its masks. Creates a default mask in bands 28 and 29
+  /// where a row has none.
   void setLGB();
 
-  // The rows that are stored, as pairs of record number and object, in the order of the numbers.
-  // Storing one ends a walk. `contains` creates nothing.
+  // The stored rows as pairs of record number and object, in ascending order of the numbers.
+  // Storing a row invalidates iterators. `contains` creates nothing.
   [[nodiscard]] auto begin() const { return rows_.begin(); }
   [[nodiscard]] auto end() const { return rows_.end(); }
   [[nodiscard]] bool contains(std::int32_t number) const { return rows_.contains(number); }

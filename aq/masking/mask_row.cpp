@@ -24,7 +24,7 @@ std::shared_ptr<AQ_Mask> AQ_MaskRow::Mask(std::int16_t nBand) {
 }
 
 void AQ_MaskRow::Mask(std::int16_t nBand, std::shared_ptr<AQ_Mask> mask) {
-  auto& object = objects_.orCreate().touch(nBand);  // first, since it may lack memory
+  auto& object = objects_.orCreate().touch(nBand);  // first, since this may run out of memory
   if (place(nBand) != nullptr) object = std::move(mask);
 }
 
@@ -77,7 +77,7 @@ MaskCode& AQ_MaskRow::fetch(std::int16_t band) {
   return code;
 }
 
-/// The code to set, that of a default mask; `nullptr` when the band had a mask, which is then
+/// The code to set, that of a default mask; `nullptr` if the band had a mask, which is then
 /// removed.
 MaskCode* AQ_MaskRow::place(std::int16_t band) {
   bands_.widen(band);

@@ -21,47 +21,49 @@ namespace aq {
 /// caller, not copied.
 class AQ_API AQ_MaskRow {
  public:
-  /// A deep copy. Bands of the range without a mask get a default one, here and in the copy.
+  /// A deep copy. Creates a default mask, here and in the copy, in each band of the range that has
+  /// none.
   [[nodiscard]] std::shared_ptr<AQ_MaskRow> Copy();
 
-  /// The mask of a band; a band without one gets a default mask, and the range widens.
+  /// The mask of a band. Creates a default mask if the band has none, which widens the range.
   std::shared_ptr<AQ_Mask> Mask(std::int16_t nBand);
 
-  /// Stores a mask for a band that has none. For a band that has one it only removes that: hosts
-  /// rely on it. To change a decision, change the mask that the getter returns.
+  /// Stores a mask for a band that has none. If the band has one, only removes it: hosts rely on
+  /// it. To change a decision, change the mask that the getter returns.
   void Mask(std::int16_t nBand, std::shared_ptr<AQ_Mask> mask);
 
-  /// The highest and lowest band ever stored or fetched; -1 and 9999 when there is none.
+  /// The highest and lowest band ever stored or fetched; -1 and 9999 if there is none.
   [[nodiscard]] std::int16_t HighBand() const { return bands_.high; }
   [[nodiscard]] std::int16_t LowBand() const { return bands_.low; }
 
-  /// Whether the bands of `spectrum`, which is asked for `LowBand` and `HighBand`, lie inside ours.
+  /// Whether the bands of `spectrum`, from its `LowBand` to its `HighBand`, lie inside this range.
   template <class Banded>
   [[nodiscard]] bool Encompasses(const Banded& spectrum) const {
     return bands_.encompasses(spectrum);
   }
 
-  /// The last good band: 0 when no band from 29 up is masked, 9999 when bands 28 and 29 both are.
+  /// The last good band, 28 to the highest band less 1; 0 when no band from 29 up is masked, 9999
+  /// when bands 28 and 29 both are.
   [[nodiscard]] std::int16_t LGB() const { return lastGoodBand_; }
   void LGB(std::int16_t band) { lastGoodBand_ = band; }
 
   // The bands that have a mask, as pairs of band and mask by value, ascending. Storing or fetching
-  // one ends a walk. Neither a walk nor `contains` gives a band a mask.
+  // a mask invalidates iterators. Iterating and `contains` create no mask.
   [[nodiscard]] NumberWalk<AQ_MaskRow> begin() const { return {this, codes_.first(), afterLast()}; }
   [[nodiscard]] NumberWalk<AQ_MaskRow> end() const { return {this, afterLast(), afterLast()}; }
   [[nodiscard]] bool contains(std::int32_t band) const;
 
-  /// The decision of a band by value: as the getter, without making an object for it.
+  /// The decision of a band by value: as the getter, but creates no object.
   [[nodiscard]] AQ_Mask decision(std::int16_t band);
 
   /// As the setter with a new mask of these values.
   void store(std::int16_t band, const AQ_Mask& decision);
 
-  /// Replaces all masks by those of these codes, of consecutive bands from `low` up.
+  /// Replaces all masks by those of `codes`, for consecutive bands from `low` up.
   void assign(std::int16_t low, std::span<const MaskCode> codes);
 
-  /// The masks from `LowBand` to `HighBand`, as if each was fetched; empty when one has no code or
-  /// was handed out.
+  /// The masks from `LowBand` to `HighBand`, as if each was fetched; empty if one has no code or
+  /// its object was handed out.
   [[nodiscard]] std::span<const MaskCode> fetchedCodes();
 
  private:
@@ -79,7 +81,8 @@ class AQ_API AQ_MaskRow {
   static constexpr std::size_t kInline = 34;  // bands from 10 Hz to 20 kHz
 
   BandBlock<MaskCode, InlineVector<MaskCode, kInline>> codes_;
-  // A decision stays a code until somebody asks for its object; then the object counts.
+  // A decision is kept as a code until its object is first accessed; from then on the object holds
+  // it.
   LazyPart<BandBlock<std::shared_ptr<AQ_Mask>>> objects_;
   NumberRange bands_;
   std::int16_t lastGoodBand_ = 0;

@@ -16,7 +16,7 @@ bool isLevel(AQ_METRIC_TYPE metric) {
   return metric != AQ_METRIC_TONEBND && metric != AQ_METRIC_LGB && metric != AQ_METRIC_INTEG;
 }
 
-/// NaN for a text that is no number.
+/// NaN for a text that is not a number.
 double storedNumber(const Variant& stored) {
   try {
     return stored.toDouble();
@@ -25,7 +25,7 @@ double storedNumber(const Variant& stored) {
   }
 }
 
-/// A computed value in the type of a stored one.
+/// A computed value narrowed to the stored type.
 double narrowed(double computed, const Variant& stored) {
   return stored.type() == Variant::Type::Single ? static_cast<double>(static_cast<float>(computed))
                                                 : computed;

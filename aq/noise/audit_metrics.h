@@ -10,20 +10,19 @@
 
 namespace aq {
 
-/// A metric that a record carries and that is not what its levels give.
+/// A stored metric that differs from the one computed from the levels.
 struct MetricDifference {
   std::int16_t record = 0;
   AQ_METRIC_TYPE metric = AQ_METRIC_AWT;
   double stored = 0;
-  double computed = 0;  ///< in the stored type; NaN when the record has no such value
+  double computed = 0;  ///< in the stored type; NaN when the levels give no value
 };
 
-/// Compares every metric that a record carries with the computed one, narrowed to the stored type:
-/// levels and corrections differ when more than `tolerance` dB apart, bands and flags when not
-/// equal. By record, then by metric. A stored 0 is no difference where there is no value, since
-/// that is what a metric without one reads as. The last good band is compared with a map only.
-/// Throws as `setMetrics`, and `InvalidArgument` for a tolerance that is negative or NaN; the
-/// history stays unchanged.
+/// Compares every stored metric with the computed one, narrowed to the stored type: levels and
+/// corrections differ when more than `tolerance` dB apart, bands and flags when not equal. Sorted
+/// by record, then by metric. A stored 0 does not differ from a missing value, since an unset
+/// metric reads as 0. Compares the last good band only when there is a map. Throws as `setMetrics`,
+/// and `InvalidArgument` for a tolerance that is negative or NaN. Never changes the history.
 [[nodiscard]] AQ_API std::vector<MetricDifference> auditMetrics(
     const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map, double tolerance);
 

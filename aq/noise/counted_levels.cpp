@@ -12,7 +12,7 @@ constexpr double kNotCounted = std::numeric_limits<double>::quiet_NaN();
 
 bool counts(double level) { return std::isfinite(level) && level != kInvalidLevel; }
 
-/// The number that a level is; NaN for text and what else is none.
+/// The level as a number; NaN for text and other values that are not numbers.
 double numberOf(const Variant& level) {
   switch (level.type()) {
     case Variant::Type::Int16:

@@ -9,20 +9,20 @@
 
 namespace aq {
 
-/// The levels of one record that count, by band. Taking the next record uses the same memory.
+/// The levels of one record that count, by band. Taking the next record reuses the memory.
 class CountedLevels {
  public:
-  /// Throws nothing but for a lack of memory.
+  /// Throws only when memory runs out.
   void take(const AQ_Spectrum& spectrum, const AQ_MaskRow* masks);
 
-  /// The band of the first level, and that after the last one.
+  /// The band of the first level, and the band after the last one.
   [[nodiscard]] std::int32_t low() const { return low_; }
   [[nodiscard]] std::int32_t end() const { return low_ + static_cast<std::int32_t>(size()); }
 
   /// The level of a band from `low` to before `end`; NaN for one that does not count.
   [[nodiscard]] double level(std::int32_t band) const;
 
-  /// All levels as codes, `kInvalidCode` for one that does not count; empty when a level has none.
+  /// All levels as codes, `kInvalidCode` for one that does not count; empty if a level has no code.
   [[nodiscard]] std::span<const LevelCode> codes() const { return codes_; }
 
  private:
@@ -32,7 +32,7 @@ class CountedLevels {
 
   std::int32_t low_ = 0;
   std::vector<LevelCode> codes_;
-  std::vector<double> levels_;  // in place of the codes
+  std::vector<double> levels_;  // instead of the codes
 };
 
 }  // namespace aq

@@ -27,18 +27,18 @@ double angleBetween(const Vector3& direction, const Vector3& line) {
 /// The angle of a line about a direction of length 1, from below to the left, in degrees.
 double angleAbout(const Vector3& direction, const Vector3& line) {
   const double level = std::hypot(direction[0], direction[1]);
-  if (level == 0) return 0;  // a vertical flight has no side
+  if (level == 0) return 0;  // a vertical flight has no left or right
   const Vector3 left{-direction[1] / level, direction[0] / level, 0};
   const Vector3 below{direction[0] * direction[2] / level, direction[1] * direction[2] / level,
                       -level};
   return std::atan2(dot(line, left), dot(line, below)) * kDegrees;
 }
 
-/// The time of day of `seconds`, which may lie on another day than the record's `received`.
+/// The time of day of `seconds`, possibly on another day than the record's `received`.
 std::shared_ptr<AQ_Time> emissionTime(const AQ_Time& recorded, double received, double seconds) {
   auto time = std::make_shared<AQ_Time>();
   const double day = std::floor(seconds / kSecondsPerDay);
-  if (recorded.CurrentDate() != 0) {  // 0 is no date
+  if (recorded.CurrentDate() != 0) {  // 0 means no date
     time->CurrentDate(recorded.CurrentDate() + day - std::floor(received / kSecondsPerDay));
   }
   time->TODseconds(seconds - day * kSecondsPerDay);
@@ -93,7 +93,7 @@ std::shared_ptr<AQ_GeometryTimeHistory> emissionGeometry(const AQ_PositionTimeHi
     const auto place = path.emission(receiver, recorded.TODseconds(), speed);
     if (place) geometry->Point(number, pointAt(path, *place, receiver, recorded));
   }
-  AQ_SpectralTimeHistory shared = records;  // its times are made on first read, there
+  AQ_SpectralTimeHistory shared = records;  // so that its times are created there on first read
   copyDateAndTimeOfDay(*shared.startTime(), *geometry->startTime());
   copyDateAndTimeOfDay(*shared.ReferenceTime(), *geometry->ReferenceTime());
   geometry->TimeStampType(records.TimeStampType());

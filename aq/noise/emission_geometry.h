@@ -10,23 +10,23 @@
 
 namespace aq {
 
-/// The speed of sound in air of that temperature in m/s (ISO 9613-1). Throws `InvalidValue` at or
-/// below -273.15 degrees Celsius, and for what is not finite.
+/// The speed of sound in air in m/s, from the temperature in degrees Celsius (ISO 9613-1). Throws
+/// `InvalidValue` at or below -273.15 degrees Celsius, and for a value that is not finite.
 [[nodiscard]] AQ_API double speedOfSound(double celsius);
 
-/// Where and when the sound of each record was emitted: the source flies straight between its
-/// positions, by their times of day, over midnight too, and the sound needs the distance to the
-/// microphone over the speed of sound. Coordinates are in metres, record and point have the same
-/// number. `Tm` is the record's time, `Te` and `Pe` are time of day and position at emission,
+/// Where and when the sound of each record was emitted. The source flies straight between its
+/// positions, at their times of day, across midnight too; the sound takes the distance to the
+/// microphone divided by the speed of sound. Coordinates are in metres; record and point have the
+/// same number. `Tm` is the record's time, `Te` and `Pe` are time of day and position at emission,
 /// `Tprope` is in seconds, `SRe` in metres. `THETAe` is the angle between the direction of flight
 /// and the line to the microphone, 0 to 180 degrees. `BETAe` is the angle of that line about the
 /// direction of flight, from the vertical plane below the source, positive to the left of the
-/// flight, -180 to 180 degrees; 0 for a vertical flight. Where two positions are the same, the
-/// direction is that of the nearest piece that moves; both angles are NaN when none does.
+/// flight, -180 to 180 degrees; 0 for a vertical flight. Where two positions are equal, the
+/// direction is that of the nearest moving piece; both angles are NaN when no piece moves.
 ///
 /// A record whose sound was emitted before the first or after the last position has no point:
-/// nothing is extrapolated. Start, reference time and their types are those of the records. Above
-/// the speed of sound there may be several emissions, of which the point is one.
+/// nothing is extrapolated. Start, reference time and their types come from the records. Above the
+/// speed of sound there may be several emissions; the point is one of them.
 ///
 /// Throws `InvalidValue` for a temperature without a speed of sound, a coordinate that is not
 /// finite and a position that is earlier than the one before, `ObjectNotSet` for an empty object.

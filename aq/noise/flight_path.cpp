@@ -17,19 +17,19 @@ Vector3 along(const Vector3& from, const Vector3& to, double part) {
   return place;
 }
 
-/// The time of day `next` as seconds that go on from `before`.
+/// The time of day `next` as seconds that continue from `before`.
 double continued(double before, double next, std::size_t place) {
   const double step = std::fmod(next - before, kSecondsPerDay);
-  // What goes back by more than half a day has passed midnight.
+  // A step back of more than half a day has passed midnight.
   if (step < -kSecondsPerDay / 2.0) return before + step + kSecondsPerDay;
   if (step >= 0) return before + step;
   throw Error(ErrorCode::InvalidValue,
               "position " + std::to_string(place) + " is earlier than the one before");
 }
 
-/// The seconds from the start of a piece, flown with `velocity`, until the source emits what comes
-/// to the receiver `remaining` seconds after that start; `offset` is the start seen from the
-/// receiver. The root of |offset + velocity x| = speed (remaining - x), in the form that loses no
+/// The seconds from the start of a piece, flown with `velocity`, until the source emits what
+/// reaches the receiver `remaining` seconds after that start; `offset` is the start relative to the
+/// receiver. Solves |offset + velocity x| = speed (remaining - x), in the form that loses no
 /// digits.
 double secondsIntoPiece(const Vector3& offset, const Vector3& velocity, double remaining,
                         double speed) {
@@ -76,7 +76,7 @@ double FlightPath::secondsOf(double timeOfDay) const {
 std::optional<FlightPath::Place> FlightPath::emission(const Vector3& receiver, double timeOfDay,
                                                       double speedOfSound) const {
   const double received = secondsOf(timeOfDay);
-  const auto hasPassed = [&](std::size_t i) {  // whether sound from position i is there by then
+  const auto hasPassed = [&](std::size_t i) {  // whether sound from position i has arrived by then
     return speedOfSound * (received - seconds_[i]) >= lengthOf(positions_[i] - receiver);
   };
   if (seconds_.size() < 2 || !hasPassed(0)) return std::nullopt;

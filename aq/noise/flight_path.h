@@ -16,11 +16,11 @@ using Vector3 = std::array<double, 3>;
 [[nodiscard]] double dot(const Vector3& a, const Vector3& b);
 [[nodiscard]] double lengthOf(const Vector3& a);
 
-/// The way of a source: straight pieces between its positions. Seconds count on over midnight.
+/// The path of a source: straight pieces between its positions. Seconds continue across midnight.
 class FlightPath {
  public:
-  /// Throws `InvalidValue` for a coordinate that is not finite and a position that is earlier than
-  /// the one before, `ObjectNotSet` for an empty one.
+  /// Throws `InvalidValue` for a coordinate that is not finite and a position earlier than the
+  /// previous one, `ObjectNotSet` for a null one.
   explicit FlightPath(const AQ_PositionTimeHistory& positions);
 
   /// A point of the path.
@@ -30,15 +30,16 @@ class FlightPath {
     std::size_t piece;
   };
 
-  /// Where the sound was emitted that comes to `receiver` at a time of day. Nothing when that was
+  /// Where the sound that reaches `receiver` at a time of day was emitted. Nothing if that was
   /// before the first position or after the last one.
   [[nodiscard]] std::optional<Place> emission(const Vector3& receiver, double timeOfDay,
                                               double speedOfSound) const;
 
-  /// The seconds that stand for a time of day: those from the first position on.
+  /// A time of day in seconds of the path: those from the first position on.
   [[nodiscard]] double secondsOf(double timeOfDay) const;
 
-  /// The direction of flight, of length 1; of the nearest piece that moves. Nothing when none does.
+  /// The direction of flight, of length 1, taken from the nearest moving piece. Nothing if no piece
+  /// moves.
   [[nodiscard]] std::optional<Vector3> direction(const Place& place) const;
 
  private:

@@ -19,7 +19,7 @@ namespace aq {
 namespace {
 
 constexpr double kNoValue = std::numeric_limits<double>::quiet_NaN();
-constexpr double kRecordSeconds = 0.5;  // of a record without a next one
+constexpr double kRecordSeconds = 0.5;  // of a single record
 
 const AQ_MaskRow* rowOf(const AQ_MaskMap* map, std::int16_t record) {
   if (map == nullptr || !map->contains(record)) return nullptr;
@@ -36,12 +36,12 @@ BlockRow perceivedBandsOf(const RecordBlock& block) {
   return bands;
 }
 
-/// Computes the metrics of records, a block at a time, in the memory of the one before.
+/// Computes the metrics of records, a block at a time, reusing the memory of the previous block.
 class BlockMetrics {
  public:
-  using Records = std::span<RecordMetrics>;  // with their numbers
+  using Records = std::span<RecordMetrics>;  // with their record numbers
 
-  /// Gives `metrics` its values, but for those that take a map or an event.
+  /// Sets the values of `metrics`, except those that need a map or an event.
   void find(std::span<const RecordBlock::Record> records, Records metrics) {
     block_.take(records);
     findLevels(metrics);
@@ -83,7 +83,7 @@ class BlockMetrics {
 };
 
 /// How long each record lasts, from the seconds of the day of their stamps: until the next stamp,
-/// over midnight too; the last one as long as the one before it.
+/// across midnight too; the last one as long as the one before it.
 std::vector<double> durationsOf(const std::vector<RecordMetrics>& records,
                                 const std::vector<double>& stamps) {
   std::vector<double> durations(stamps.size(), kRecordSeconds);
@@ -131,14 +131,14 @@ void flagRecords(const NoiseEvent& event, std::vector<RecordMetrics>& records) {
   }
 }
 
-/// The metrics of a history's records but for their parts in the event, and the seconds of the day
+/// The metrics of a history's records without their parts in the event, and the seconds of the day
 /// of their stamps.
 struct Series {
   std::vector<RecordMetrics> records;
   std::vector<double> stamps;
 };
 
-/// Computes the metrics of records as they come, a block at a time.
+/// Computes the metrics of records in the order they are taken, a block at a time.
 class SeriesMaker {
  public:
   SeriesMaker(std::size_t count, const AQ_MaskMap* map) : map_(map) {

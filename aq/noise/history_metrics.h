@@ -15,12 +15,12 @@
 
 namespace aq {
 
-/// The metrics of one record as they are computed, before a metric record narrows them. NaN is no
-/// value.
+/// The metrics of one record as computed, before a metric record narrows them. NaN means no value.
 struct RecordMetrics {
   std::int16_t record = 0;
   std::int16_t perceivedBands = 0;  ///< how many of bands 17 to 40 have a level that counts
-  std::array<double, AQ_METRIC_INTEG> values{};  ///< by type, from `AQ_METRIC_AWT` on
+  std::array<double, AQ_METRIC_INTEG>
+      values{};  ///< by type, from `AQ_METRIC_AWT` up; dB, PNdB, TPNdB and bands
 
   [[nodiscard]] double value(AQ_METRIC_TYPE metric) const { return values[at(metric)]; }
   void value(AQ_METRIC_TYPE metric, double number) { values[at(metric)] = number; }
@@ -35,11 +35,11 @@ struct RecordMetrics {
 /// The metrics of a history.
 struct HistoryMetrics {
   std::vector<RecordMetrics> records;  ///< in the order of their numbers
-  /// Places count from the lowest record number. Nothing when no record has a PNLT.
+  /// Indices count from the lowest record number. Empty if no record has a PNLT.
   std::optional<NoiseEvent> event;
 };
 
-/// What `setMetrics` stores, unrounded; the history stays unchanged. Throws as `setMetrics`.
+/// What `setMetrics` stores, unrounded. Never changes the history. Throws as `setMetrics`.
 [[nodiscard]] AQ_API HistoryMetrics historyMetrics(const AQ_SpectralTimeHistory& history,
                                                    const AQ_MaskMap* map = nullptr);
 

@@ -15,7 +15,7 @@ constexpr double kDown = 10;          // dB, from the maximum to the limits
 constexpr double kSecondWithin = 2;   // dB, from the maximum to second peaks
 constexpr double kSecondAbove = 0.1;  // dB, from a second peak to its neighbours
 constexpr double kReferenceSeconds = 10;
-constexpr double kRounding = 1e-9;  // dB, that decimals are off as doubles
+constexpr double kRounding = 1e-9;  // dB, rounding of decimals stored as doubles
 constexpr double kBelowAll = -std::numeric_limits<double>::infinity();
 
 void check(std::span<const double> pnlt, std::span<const double> seconds,
@@ -37,7 +37,7 @@ void check(std::span<const double> pnlt, std::span<const double> seconds,
   }
 }
 
-/// The series with what has no PNLT below any limit.
+/// The series, with records without PNLT below any limit.
 std::vector<double> lowered(std::span<const double> pnlt) {
   std::vector<double> values(pnlt.begin(), pnlt.end());
   for (double& value : values) {
@@ -47,7 +47,7 @@ std::vector<double> lowered(std::span<const double> pnlt) {
   return values;
 }
 
-/// Of the records on either side of a limit the nearer one, of equals the outer one.
+/// Of the records on either side of a limit, the nearer one; the outer one if equally near.
 std::size_t nearer(const std::vector<double>& pnlt, std::size_t outer, std::size_t inner,
                    double limit) {
   const double out = std::abs(pnlt[outer] - limit);
@@ -90,7 +90,7 @@ double bandSharingOf(std::span<const double> corrections, std::size_t maximum) {
   return std::max(0.0, sum / count - corrections[maximum]);
 }
 
-/// 10 lg of the energy from `begin` to `end` over ten seconds, relative to `largest` on the way.
+/// 10 lg of the energy from `begin` to `end` over ten seconds, computed relative to `largest`.
 double effectiveLevel(std::span<const double> pnlt, std::span<const double> seconds,
                       std::size_t begin, std::size_t end, double largest) {
   double energy = 0;

@@ -9,12 +9,13 @@
 
 namespace aq {
 
-/// The noise of one aircraft going by: its largest tone-corrected perceived noise level (PNLT), the
-/// records that count, and the effective perceived noise level (EPNL). Records are places from 0.
+/// The noise of one aircraft passing by: its largest tone-corrected perceived noise level (PNLT),
+/// the records that count, and the effective perceived noise level (EPNL). Records are indices from
+/// 0.
 struct NoiseEvent {
   std::size_t maximum = 0;  ///< the first record of the largest PNLT
-  /// The 10 dB-down limits, both part of the sum. Empty where the records begin or end above them:
-  /// the sum then goes to that end, and the EPNL is a lower bound.
+  /// The 10 dB-down limits, both part of the sum. Empty where the records begin or end above the
+  /// limit: the sum then runs to that end, and the EPNL is a lower bound.
   std::optional<std::size_t> first, last;
   /// Other maxima within 2 dB of the largest, each at least 0.1 dB above both neighbours.
   std::vector<std::size_t> secondPeaks;
@@ -22,18 +23,17 @@ struct NoiseEvent {
   double epnl = 0;                 ///< EPNdB, without `bandSharing`
   double epnlWithBandSharing = 0;  ///< `epnl` + `bandSharing`, EPNdB
   double duration = 0;             ///< the duration correction `epnl` - `pnltm`, dB
-  double bandSharing = 0;          ///< what to add for a tone at the edge of two bands, dB
+  double bandSharing = 0;          ///< adjustment for a tone at the edge of two bands, dB
 };
 
-/// The event of a series of PNLT (14 CFR 36, A36.4.4 to A36.4.6). NaN is a record without a PNLT:
-/// it adds nothing and lies below any limit. `seconds` is how long each record lasts, one for all
-/// or one each. `toneCorrections`, one each and NaN where there is none, give the band sharing
-/// adjustment, which is 0 without them: the mean of the corrections of the five records about the
-/// maximum less that of the maximum, when positive.
+/// The event of a series of PNLT (14 CFR 36, A36.4.4 to A36.4.6). NaN means a record without PNLT:
+/// it adds nothing and lies below any limit. `seconds` is how long each record lasts, one value for
+/// all or one per record. `toneCorrections` in dB, one per record and NaN if missing, give the band
+/// sharing adjustment, which is 0 without them: the mean of the corrections of the five records
+/// around the maximum minus that of the maximum, if positive.
 ///
 /// Comparisons allow 1e-9 dB for the rounding of decimals. Throws `InvalidArgument` when there is
-/// no PNLT or the sizes do not fit, `InvalidValue` for a PNLT that is infinite and a duration that
-/// is not above 0.
+/// no PNLT or the sizes differ, `InvalidValue` for an infinite PNLT and a duration of 0 or less.
 [[nodiscard]] AQ_API NoiseEvent noiseEvent(std::span<const double> pnlt,
                                            std::span<const double> seconds,
                                            std::span<const double> toneCorrections = {});

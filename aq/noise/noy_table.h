@@ -16,7 +16,7 @@ inline constexpr std::int16_t kFirstNoyBand = 17;  // 50 Hz
 inline constexpr std::int16_t kLastNoyBand = 40;   // 10 kHz
 
 namespace noys {
-/// In the bands that have no SPL(a), the piece from SPL(b) goes on, and there is no piece C.
+/// In bands without SPL(a) the piece from SPL(b) continues, and there is no piece C.
 inline constexpr double kNone = std::numeric_limits<double>::infinity();
 }  // namespace noys
 

@@ -19,10 +19,10 @@ double noysOf(const NoyBand& band, double level) {
   if (level >= band.splB) return powerOfTen(band.mB * (level - band.splB));
   if (level >= band.splE) return 0.3 * powerOfTen(band.mE * (level - band.splE));
   if (level >= band.splD) return 0.1 * powerOfTen(band.mD * (level - band.splD));
-  return 0;  // also for a level that does not count
+  return 0;  // also for NaN, a level that does not count
 }
 
-/// The noys of levels that have codes, by band. Bands with the same slope share its powers.
+/// The noys of levels that have codes, by band. Bands with the same slope share a table of powers.
 class NoyTables {
  public:
   NoyTables() {
@@ -37,10 +37,10 @@ class NoyTables {
     }
   }
 
-  /// Of the band at a place of `kNoyBands`.
+  /// Of the band at an index of `kNoyBands`.
   [[nodiscard]] BlockRow noys(std::size_t band, const RecordBlock::Codes& codes) const {
     const Band& pieces = bands_[band];
-    RecordBlock::Codes at{};  // counted, as no branch could be guessed
+    RecordBlock::Codes at{};  // counted, since branches would be unpredictable
     for (std::size_t i = 0; i < kPieces; ++i) {
       const LevelCode from = pieces[i].from;
       for (std::size_t r = 0; r < kBlockRecords; ++r) {
@@ -68,7 +68,7 @@ class NoyTables {
   }
 
   static constexpr std::size_t kPieces = 4;
-  using Band = std::array<Piece, kPieces + 1>;  // from the loudest down; the last is silence
+  using Band = std::array<Piece, kPieces + 1>;  // from the loudest down; the last one gives 0 noys
 
   std::map<double, PowersOfLevels> powers_;  // by slope
   std::array<Band, kNoyBands.size()> bands_{};

@@ -8,20 +8,20 @@
 
 namespace aq {
 
-/// 10^x, by the power of two, which the mathematics library has in a third of the time.
+/// 10^x as a power of two, which the mathematics library computes in a third of the time.
 inline double powerOfTen(double x) {
   constexpr double kLog2Of10 = 3.321928094887362347870319429489390;
   return std::exp2(x * kLog2Of10);
 }
 
-/// lg x, by the logarithm of two, for the same reason.
+/// lg x from the binary logarithm, for the same reason.
 inline double logarithmOfTen(double x) {
   constexpr double kLog10Of2 = 0.301029995663981195213738894724493;
   return std::log2(x) * kLog10Of2;
 }
 
-/// 10^(slope L) of every level L that has a code, correct to a few units in the last place: each is
-/// the product of two numbers of short tables.
+/// 10^(slope L) for every level L that has a code, correct to a few units in the last place: the
+/// product of two numbers from short tables.
 class PowersOfLevels {
  public:
   explicit PowersOfLevels(double slope) {
@@ -40,7 +40,7 @@ class PowersOfLevels {
   }
 
  private:
-  static constexpr int kZero = 32768;  // the place of 0 dB
+  static constexpr int kZero = 32768;  // the index of 0 dB
   static constexpr std::size_t kLows = 256;
   std::array<double, 256> high_{};
   std::array<double, kLows> low_{};

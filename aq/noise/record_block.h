@@ -17,14 +17,14 @@ namespace aq {
 inline constexpr std::size_t kBlockRecords = 8;
 using BlockRow = std::array<double, kBlockRecords>;
 
-/// The levels of a few records that count, with their energies: by band, those of a band side by
-/// side, so that a step is taken for several records in one instruction. Bands are those of the
-/// weightings; places without a record have no level.
+/// The levels of a few records that count, with their energies: by band, the levels of one band
+/// contiguous, so that one instruction handles several records. Bands are those of the weightings;
+/// unused places have no level.
 class RecordBlock {
  public:
   struct Record {
     const AQ_Spectrum* spectrum = nullptr;
-    const AQ_MaskRow* masks = nullptr;  // or none
+    const AQ_MaskRow* masks = nullptr;  // may be null
   };
 
   RecordBlock() = default;
@@ -32,21 +32,22 @@ class RecordBlock {
     take(std::array{Record{&spectrum, masks}});
   }
 
-  /// Takes up to `kBlockRecords` records in place of those that it had. Throws nothing but for a
-  /// lack of memory.
+  /// Takes up to `kBlockRecords` records in place of those that it had. Throws only when memory
+  /// runs out.
   void take(std::span<const Record> records);
 
   [[nodiscard]] std::size_t size() const { return size_; }
   [[nodiscard]] const CountedLevels& record(std::size_t i) const { return records_[i]; }
-  /// The records of which a level has no code.
+  /// The records with a level that has no code.
   [[nodiscard]] std::span<const std::size_t> uncoded() const { return uncoded_; }
 
   /// NaN for a level that does not count.
   [[nodiscard]] const BlockRow& levels(std::int32_t band) const { return levels_[rowOf(band)]; }
 
-  /// 10^(0.1 L) of each level, which may be infinite beyond thousands of decibels; else 0.
+  /// 10^(0.1 L) of each level that counts, infinite for levels of thousands of decibels; otherwise
+  /// 0.
   [[nodiscard]] const BlockRow& energies(std::int32_t band) const { return energies_[rowOf(band)]; }
-  /// The energies of all bands that have no row.
+  /// The energies of the bands without a row.
   [[nodiscard]] const BlockRow& otherEnergies() const { return otherEnergies_; }
 
   using Codes = std::array<LevelCode, kBlockRecords>;

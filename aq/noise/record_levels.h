@@ -5,11 +5,11 @@
 #include "aq/core/enumerations.h"
 #include "aq/noise/record_block.h"
 
-// The metrics of the records of a block, for all who have taken them.
+// The metrics of the records of a block.
 
 namespace aq {
 
-/// Levels by type, from `AQ_METRIC_AWT` to `AQ_METRIC_OA`; NaN for none.
+/// Levels by type, from `AQ_METRIC_AWT` to `AQ_METRIC_OA`; NaN if there is none.
 using WeightedLevels = std::array<BlockRow, AQ_METRIC_OA>;
 
 /// See `weightedLevel`.

@@ -28,8 +28,8 @@ void checkRange(const RecordMetrics& computed) {
   }
 }
 
-/// Puts the computed values in place of those of the metric record. Fails for nothing that
-/// `checkRange` lets through.
+/// Replaces the values of the metric record by the computed ones. Cannot fail for values that
+/// `checkRange` accepts.
 void renew(AQ_Metric& metric, const RecordMetrics& computed, bool withLastGoodBand) {
   forEachMetric([&](AQ_METRIC_TYPE type) {
     if (computed.has(type)) {
@@ -45,7 +45,7 @@ void renew(AQ_Metric& metric, const RecordMetrics& computed, bool withLastGoodBa
 std::optional<NoiseEvent> setMetrics(AQ_SpectralTimeHistory& history, const AQ_MaskMap* map) {
   HistoryMetrics computed = historyMetrics(history, map);
 
-  // All that may fail is done before the first record changes.
+  // Everything that can fail is done before the first record changes.
   std::vector<std::shared_ptr<AQ_Metric>> held;
   held.reserve(computed.records.size());
   for (const auto& [number, spectrum] : history) held.push_back(spectrum->Metric());

@@ -9,18 +9,18 @@
 
 namespace aq {
 
-/// Computes the ten metrics of every record into its `Metric()`, in single precision as that holds
-/// them, and lists them in `Metrics()`. What has no value is unset: levels of a record without a
-/// level that counts, and PNL, PNLT and tone correction of one without any in bands 17 to 40.
-/// Without a map the last good band stays as it is. `INTEG` says which part a record plays in the
-/// event; a record lasts until the stamp of the next one.
+/// Computes the ten metrics of every record into its `Metric()`, in single precision, and lists
+/// them in `Metrics()`. Unsets a metric without a value: weighted and overall levels when no level
+/// of the record counts, and PNL, PNLT and tone correction when none in bands 17 to 40 counts.
+/// Without a map, keeps the last good band. `INTEG` says which part a record plays in the event; a
+/// record lasts until the stamp of the next one.
 ///
-/// A row of the map belongs to the record of its number, and a record without one is not masked.
-/// Map and rows stay unchanged. Gives the event, its places counted from the lowest record number,
-/// from unrounded values; nothing when no record has a PNLT.
+/// A row of the map belongs to the record with the same number; a record without a row is not
+/// masked. Never changes map or rows. Returns the event, with indices counted from the lowest
+/// record number, from unrounded values; nothing if no record has a PNLT.
 ///
-/// Throws `InvalidValue` when a stamp is that of the record before, `ObjectNotSet` for an empty
-/// spectrum or row. The history is then as it was.
+/// Throws `InvalidValue` when a stamp equals that of the previous record, `ObjectNotSet` for a null
+/// spectrum or row, and leaves the history unchanged.
 AQ_API std::optional<NoiseEvent> setMetrics(AQ_SpectralTimeHistory& history,
                                             const AQ_MaskMap* map = nullptr);
 

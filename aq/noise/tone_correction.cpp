@@ -7,7 +7,7 @@
 namespace aq {
 namespace {
 
-/// Of the only record of a block.
+/// Reads the only record of a block.
 ToneStep stepAt(const ToneProcedure& procedure, std::size_t i, std::size_t count) {
   ToneStep step;
   step.band = static_cast<std::int16_t>(kFirstToneBand + static_cast<int>(i));

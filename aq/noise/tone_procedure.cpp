@@ -12,14 +12,14 @@ constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
 double bandAt(std::size_t place) { return kFirstToneBand + static_cast<double>(place); }
 
-/// A tone counts double from 500 to 5000 Hz.
+/// A tone counts double from 500 to 5000 Hz (A36.4.3.1, step 9).
 double weightAt(std::size_t place) { return bandAt(place) >= 27 && bandAt(place) <= 37 ? 2 : 1; }
 
-// Steps are written for the compiler to take them for several records in one instruction: all that
-// may be needed is computed, and a choice is one comparison between two values.
+// Steps are written so that the compiler handles several records in one instruction: every
+// candidate is computed, and a choice is one comparison between two values.
 
-/// dB, from the difference to the background, of a tone that counts once; 0 for NaN. The pieces of
-/// the curve are the least of their three lines.
+/// The correction in dB of a tone that counts once, from its difference to the background; 0 for
+/// NaN. The curve is the minimum of its three lines.
 double correctionOf(double difference) {
   const double third = difference / 3;
   const double rising = third - 0.5;
@@ -75,8 +75,8 @@ void ToneProcedure::adjustLevels() {
       const double mean = (below + above) / 2;
       const double onward = below + slope[i - 1][r];
       const double other = std::isnan(above) ? onward : mean;
-      // A rise that bends by more than the limit takes the level out: up below it, or down above it
-      // into a fall.
+      // A slope that changes by more than the limit removes a level: the one after a rise, or
+      // before a fall.
       const double fallsAbove = slope[i + 1][r] <= 0 ? 1 : 0;
       const double bendsDown = slopeChange[i + 1][r] < -kSlopeChange ? fallsAbove : 0;
       const double bends = slopeChange[i][r] > kSlopeChange ? 1 : bendsDown;

@@ -12,34 +12,34 @@ inline constexpr std::int16_t kFirstToneBand = 19;  // 80 Hz
 inline constexpr std::int16_t kLastToneBand = 40;   // 10 kHz
 
 /// The tone correction procedure of 14 CFR 36, A36.4.3, step by step, over the bands of each record
-/// of a block from 80 Hz up to the first that does not count. Columns are by place, the first band
-/// being 0, then by record. What a step does not define is NaN, so that no step asks where the
-/// bands of a record end.
+/// of a block from 80 Hz up to the first that does not count. Columns are by index, 0 for the first
+/// band, then by record. Values that a step does not define are NaN, so that no step needs to know
+/// where the bands of a record end.
 class ToneProcedure {
  public:
   ToneProcedure() = default;
   explicit ToneProcedure(const RecordBlock& block) { take(block); }
 
-  /// Finds the corrections of another block.
+  /// Computes the corrections of another block.
   void take(const RecordBlock& block);
 
   static constexpr std::size_t kBands = kLastToneBand - kFirstToneBand + 1;
-  using Column = std::array<BlockRow, kBands + 2>;  // two more, as steps look at those above
+  using Column = std::array<BlockRow, kBands + 2>;  // two more, since steps look two bands ahead
 
   Column level{};
-  Column slope{};          ///< from place 1 on
-  Column slopeChange{};    ///< from place 2 on
-  Column levelMark{};      ///< 1 where a level is taken out, else 0
-  Column adjusted{};       ///< the level, or what takes the place of a marked one
-  Column adjustedSlope{};  ///< goes on by one above the last band, and below the first
+  Column slope{};          ///< from index 1
+  Column slopeChange{};    ///< from index 2
+  Column levelMark{};      ///< 1 where a level is removed, otherwise 0
+  Column adjusted{};       ///< the level, or the replacement of a marked one, dB
+  Column adjustedSlope{};  ///< extends by one above the last band, and below the first
   Column meanSlope{};      ///< without the last band
   Column background{};
   Column difference{};
   Column correction{};     ///< 0 where it does not count
   BlockRow largest{};      ///< of the corrections
-  BlockRow largestBand{};  ///< the lowest with it; 0 for none
+  BlockRow largestBand{};  ///< the lowest band that has it; 0 if there is none
 
-  /// How many bands were taken.
+  /// How many bands were used.
   [[nodiscard]] std::size_t count(std::size_t record) const;
 
   /// Whether a slope changes by more than 5 dB.

@@ -23,7 +23,7 @@ namespace {
 
 constexpr std::size_t kWeightings = 3;  // A, C and D
 
-/// The factors by band, those of a band side by side.
+/// The factors by band, those of one band contiguous.
 using Factors = std::array<std::array<double, kWeightings>, std::tuple_size_v<Weighting>>;
 
 constexpr std::array<const Weighting*, kWeightings> kWeights{&kWeightingA, &kWeightingC,
@@ -39,8 +39,8 @@ Factors factorsOfAll() {
   return factors;
 }
 
-/// The level of the sum of levels that count, relative to the highest, so that their energies may
-/// be beyond a number's range. NaN when there is none.
+/// The level of the sum of levels that count, computed relative to the highest, so that energies
+/// may exceed the range of a double. NaN if no level counts.
 double relativeSum(const std::vector<double>& levels) {
   if (levels.empty()) return std::numeric_limits<double>::quiet_NaN();
   const double highest = *std::max_element(levels.begin(), levels.end());
@@ -49,7 +49,7 @@ double relativeSum(const std::vector<double>& levels) {
   return highest + 10 * logarithmOfTen(sum);
 }
 
-/// Without a weighting all bands count.
+/// Without a weighting, all bands count.
 double relativeSum(const CountedLevels& record, const Weighting* weighting) {
   std::vector<double> levels;
   for (std::int32_t band = record.low(); band < record.end(); ++band) {

@@ -15,15 +15,15 @@ namespace aq {
 /// weighted by the tenths of a decibel of IEC 61672-1, table 3 (A, C), and of IEC 537 (D). The
 /// weightings take bands 10 to 43 (10 Hz to 20 kHz), the overall level takes all bands.
 ///
-/// A level counts when it is a finite number other than 9999, and, with a row of masks, when its
-/// band is not masked or its masked level was adjusted. Nothing when no level counts. Any other
-/// metric throws `InvalidArgument`.
+/// A level counts if it is a finite number other than 9999 and, with a row of masks, if its band is
+/// not masked or its masked level was adjusted. Returns nothing if no level counts. Throws
+/// `InvalidArgument` for any other metric.
 [[nodiscard]] AQ_API std::optional<double> weightedLevel(const AQ_Spectrum& spectrum,
                                                          AQ_METRIC_TYPE weighting,
                                                          const AQ_MaskRow* masks = nullptr);
 
-/// The energy sum of levels in dB, those of 9999 and those that are no finite number left out.
-/// Nothing when none is left.
+/// The energy sum of levels in dB, leaving out those of 9999 and those that are not finite. Nothing
+/// if none is left.
 [[nodiscard]] AQ_API std::optional<double> energySum(std::span<const double> levels);
 
 }  // namespace aq

@@ -9,7 +9,7 @@
 namespace aq {
 namespace {
 
-/// Levels have two decimals, so a difference of 2.9999999996 dB is one of 3 dB, and not less.
+/// Levels have two decimals, so a difference of 2.9999999996 dB counts as 3 dB.
 bool isMasked(double level, double ambient, double margin) {
   constexpr double kRounding = 1e-6;
   return level - ambient < margin - kRounding;
@@ -20,7 +20,7 @@ double ambientLevel(const AQ_Spectrum& ambient, std::int16_t band) {
       "expected a level of the ambient in band " + std::to_string(band) + ", found ";
   if (!ambient.contains(band)) throw Error(ErrorCode::InvalidValue, expected + "none");
   const double level = ambient.SPL(band).toDouble();
-  // It would mask its band throughout.
+  // It would mask its band in every record.
   if (level == kInvalidLevel) throw Error(ErrorCode::InvalidValue, expected + "9999");
   return level;
 }

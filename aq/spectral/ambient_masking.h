@@ -8,12 +8,12 @@
 
 namespace aq {
 
-/// A masking map by the ambient: a level that is less than `margin` dB above the ambient's of the
-/// same band is masked (`MASKED_BY_MASK_CRITERION`), and each row has its last good band. A level
-/// that is the margin above, to a millionth of a decibel, is not masked; neither is one of 9999.
-/// Throws `InvalidArgument` when the records are not numbered from 1 without a gap, or there are
-/// none, `InvalidValue` when the ambient lacks a valid level in a band of a record. Level types
-/// that are no number throw `TypeMismatch`.
+/// The masking map of a history by an ambient spectrum: masks a level that is less than `margin` dB
+/// above the ambient's of the same band (`MASKED_BY_MASK_CRITERION`), and sets each row's last good
+/// band. A level that exceeds the ambient by the margin, to a millionth of a decibel, is not
+/// masked; neither is one of 9999. Throws `InvalidArgument` when there are no records or they are
+/// not numbered from 1 without gaps, `InvalidValue` when the ambient lacks a valid level in a band
+/// of a record, and `TypeMismatch` for a level that is not a number.
 [[nodiscard]] AQ_API std::shared_ptr<AQ_MaskMap> maskByAmbient(
     const AQ_SpectralTimeHistory& history, const AQ_Spectrum& ambient, double margin);
 

@@ -14,10 +14,10 @@ namespace aq {
 
 /// The levels of one band across a series of spectra, by spectrum number.
 class AQ_API AQ_Band {
-  using Levels = std::map<double, Variant>;  // by the number that the key's text gives
+  using Levels = std::map<double, Variant>;  // by the number of the key's text
 
  public:
-  /// Goes through the levels by record number.
+  /// Visits the levels by record number.
   class Walk {
    public:
     using iterator_category = std::input_iterator_tag;
@@ -47,20 +47,20 @@ class AQ_API AQ_Band {
     Levels::const_iterator end_;
   };
 
-  /// Makes no copy: gives no object for an empty band and throws `ObjectNotSet` for any other, as
-  /// hosts know it. A band of a history is copied by asking the history for it again.
+  /// Does not copy: returns no object for an empty band and throws `ObjectNotSet` for any other:
+  /// hosts rely on it. To copy a band of a history, ask the history for it again.
   [[nodiscard]] std::shared_ptr<AQ_Band> Copy() const;
 
-  /// The level of a spectrum number; a number given as text is read as a number first. Reading
-  /// throws `InvalidArgument` when there is none.
+  /// The level of a spectrum number; a number given as text is converted first. Reading throws
+  /// `InvalidArgument` if there is none.
   [[nodiscard]] Variant SPL(const Variant& nSpectrum) const;
   void SPL(const Variant& nSpectrum, const Variant& level);
 
   /// How many levels are stored.
   [[nodiscard]] std::int32_t Count() const { return static_cast<std::int32_t>(levels_.size()); }
 
-  // The levels as pairs of record number and level, ascending. Storing one ends a walk. A level
-  // under a fraction or beyond 32 bits is reached by `SPL` alone.
+  // The levels as pairs of record number and level, ascending. Storing a level invalidates
+  // iterators. Only `SPL` reaches a level whose number is a fraction or exceeds 32 bits.
   [[nodiscard]] Walk begin() const { return {levels_.begin(), levels_.end()}; }
   [[nodiscard]] Walk end() const { return {levels_.end(), levels_.end()}; }
   [[nodiscard]] bool contains(std::int32_t number) const { return levels_.contains(number); }

@@ -7,7 +7,7 @@
 namespace aq {
 namespace {
 
-/// Whether `block` stays without a gap when it grows to hold `band`.
+/// Whether `block` stays without gaps when it grows to hold `band`.
 template <class Block>
 bool adjoins(const Block& block, std::int16_t band) {
   const int at = band - block.first();
@@ -49,7 +49,7 @@ void BandLevels::store(std::int16_t band, const Variant& level) {
   Doubles& doubles = asDoubles();
   const Kind kind = kindOf(level);
   if (kind != Kind::Double || !adjoins(doubles.numbers, band)) startMixed(doubles);
-  // What may lack memory comes first, so that a failure leaves the old level.
+  // What may run out of memory comes first, so that a failure keeps the old level.
   if (doubles.mixed) static_cast<void>(doubles.mixed.orCreate().kinds.touch(band));
   double& number = doubles.numbers.touch(band);
   if (kind == Kind::Other) {
@@ -103,7 +103,7 @@ BandLevels::Kind BandLevels::kindOf(const Variant& level) {
   }
 }
 
-/// False when the level cannot join the codes, or there are none any more.
+/// False if the level cannot join the codes, or if they are no longer used.
 bool BandLevels::storeCode(std::int16_t band, const Variant& level) {
   if (doubles_ || kindOf(level) != Kind::Double) return false;
   const auto code = codeOf(level.toDouble());

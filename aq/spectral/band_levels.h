@@ -16,16 +16,16 @@
 namespace aq {
 
 /// The levels of a spectrum in one block by band. Each keeps its own type and value. As long as all
-/// are doubles without a gap, no more than a number a band is kept; as long as these are whole
-/// hundredths of a decibel, as in files, no more than a code.
+/// are doubles without gaps, only a number per band is kept; as long as these are whole hundredths
+/// of a decibel, as in files, only a code.
 class AQ_API BandLevels {
  public:
-  /// The level of `band`; nothing when it has none.
+  /// The level of `band`; nothing if it has none.
   [[nodiscard]] std::optional<Variant> find(std::int16_t band) const;
 
   [[nodiscard]] bool contains(std::int16_t band) const;
 
-  // The block in which all levels are: its lowest band, and how many bands it has.
+  // The block of all levels: its lowest band, and how many bands it has.
   [[nodiscard]] std::int16_t first() const {
     return doubles_ ? doubles_->numbers.first() : codes_.first();
   }
@@ -35,12 +35,12 @@ class AQ_API BandLevels {
 
   void store(std::int16_t band, const Variant& level);
 
-  /// Replaces all by one block of doubles, from band `low` up.
+  /// Replaces all levels by one block of doubles, from band `low` up.
   void assign(std::int16_t low, std::span<const double> levels);
   void assign(std::int16_t low, std::span<const LevelCode> codes);
 
-  // All levels, from the lowest band up, when they are held as codes, or as doubles without a gap;
-  // else nothing.
+  // All levels, from the lowest band up, if they are held as codes, or as doubles without gaps;
+  // otherwise nothing.
   [[nodiscard]] std::span<const LevelCode> codes() const { return codes_.all(); }
   [[nodiscard]] std::span<const double> plain() const;
 
@@ -48,7 +48,7 @@ class AQ_API BandLevels {
   enum class Kind : std::uint8_t { Missing, Int16, Int32, Single, Double, Other };
   struct Mixed {
     BandBlock<Kind> kinds;
-    std::map<std::int16_t, Variant> others;  // what is no number
+    std::map<std::int16_t, Variant> others;  // values that are not doubles
   };
   struct Doubles {
     BandBlock<double> numbers;
@@ -64,7 +64,7 @@ class AQ_API BandLevels {
   static constexpr std::size_t kInline = 34;  // bands from 10 Hz to 20 kHz
 
   BandBlock<LevelCode, InlineVector<LevelCode, kInline>> codes_;
-  LazyPart<Doubles> doubles_;  // in place of the codes
+  LazyPart<Doubles> doubles_;  // instead of the codes
 };
 
 }  // namespace aq

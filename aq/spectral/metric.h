@@ -19,11 +19,12 @@ namespace aq {
 /// never fails. Levels are in decibels.
 class AQ_API AQ_Metric {
  public:
-  /// The A-weighted level, with the type it was given.
+  /// The A-weighted level, dB, with the type it was given.
   [[nodiscard]] Variant AWT() const { return MetricValue(AQ_METRIC_AWT); }
   void AWT(const Variant& level) { MetricValue(AQ_METRIC_AWT, level); }
 
-  /// A new metric with the same values. It has every metric, 0 where this one had none.
+  /// A new metric with the same values. The copy has every metric set, to 0 where this one had
+  /// none.
   [[nodiscard]] std::shared_ptr<AQ_Metric> Copy() const;
 
   [[nodiscard]] float CWT() const { return single(AQ_METRIC_CWT); }
@@ -44,35 +45,36 @@ class AQ_API AQ_Metric {
   [[nodiscard]] float PNLT() const { return single(AQ_METRIC_PNLT); }
   void PNLT(float level) { MetricValue(AQ_METRIC_PNLT, level); }
 
-  /// Tone correction, decibels, and the band that caused it.
+  /// Tone correction, dB, and the number of the band that caused it.
   [[nodiscard]] float TONECOR() const { return single(AQ_METRIC_TONECOR); }
   void TONECOR(float correction) { MetricValue(AQ_METRIC_TONECOR, correction); }
   [[nodiscard]] float TONEBND() const { return single(AQ_METRIC_TONEBND); }
   void TONEBND(float band) { MetricValue(AQ_METRIC_TONEBND, band); }
 
-  /// The last good band: 0 when no band from 29 up is masked, 9999 when bands 28 and 29 both are.
+  /// The last good band, 28 to the highest band less 1; 0 when no band from 29 up is masked, 9999
+  /// when bands 28 and 29 both are.
   [[nodiscard]] float LGB() const { return single(AQ_METRIC_LGB); }
   void LGB(float band) { MetricValue(AQ_METRIC_LGB, band); }
 
-  /// The part this record plays in the integration.
+  /// The part of this record in the EPNL integration.
   [[nodiscard]] AQ_METRIC_INTEG_VALUE INTEG() const {
     return static_cast<AQ_METRIC_INTEG_VALUE>(MetricValue(AQ_METRIC_INTEG).toInt32());
   }
   void INTEG(AQ_METRIC_INTEG_VALUE flags) { MetricValue(AQ_METRIC_INTEG, flags); }
 
   /// Any metric by its type. Setting narrows types 2 to 9 to single precision and type 10 to a
-  /// 32-bit integer, and throws `TypeMismatch` or `Overflow` for what does not convert.
+  /// 32-bit integer, and throws `TypeMismatch` or `Overflow` for a value that does not convert.
   [[nodiscard]] Variant MetricValue(AQ_METRIC_TYPE aqMetric) const;
   void MetricValue(AQ_METRIC_TYPE aqMetric, const Variant& value);
 
-  /// Whether a metric was set; one that is removed never was.
+  /// Whether a metric is set; a removed one is not.
   [[nodiscard]] bool contains(AQ_METRIC_TYPE aqMetric) const;
   void remove(AQ_METRIC_TYPE aqMetric);
 
  private:
   [[nodiscard]] float single(AQ_METRIC_TYPE metric) const { return MetricValue(metric).toSingle(); }
 
-  // Every record has metrics, so they take no allocation: by type from `AQ_METRIC_CWT` on.
+  // Every record has metrics, so they need no allocation: by type from `AQ_METRIC_CWT` up.
   static constexpr std::size_t kSingles = AQ_METRIC_LGB - AQ_METRIC_CWT + 1;
   using Others = std::vector<std::pair<AQ_METRIC_TYPE, Variant>>;
 
@@ -80,7 +82,7 @@ class AQ_API AQ_Metric {
   std::array<float, kSingles> singles_{};
   std::int32_t flags_ = 0;
   Variant awt_;
-  LazyPart<Others> others_;  // types that are no metric
+  LazyPart<Others> others_;  // types that are not metrics
 };
 
 }  // namespace aq

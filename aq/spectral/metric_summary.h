@@ -15,7 +15,7 @@ class AQ_API AQ_MetricSummary {
  public:
   [[nodiscard]] std::shared_ptr<AQ_MetricSummary> Copy() const;
 
-  /// Adds a metric; one that is listed moves to the end.
+  /// Adds a metric; a listed one moves to the end.
   void MetricType(AQ_METRIC_TYPE aqMetric);
 
   /// The summary's own list, not a copy.
@@ -23,8 +23,8 @@ class AQ_API AQ_MetricSummary {
 
   [[nodiscard]] bool isMetric(AQ_METRIC_TYPE aqMetric) const;
 
-  /// The list as text, as in "AWT, PNLT, LGB". Setting adds the one metric of that name, in any
-  /// case; one that is listed stays where it is, and any other text is ignored.
+  /// The list as text, as in "AWT, PNLT, LGB". Setting adds the metric of that name, in any case; a
+  /// listed one keeps its place, and any other text is ignored.
   [[nodiscard]] std::string MetricTypeString() const;
   void MetricTypeString(std::string_view name);
 

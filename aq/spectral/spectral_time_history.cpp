@@ -10,7 +10,7 @@
 namespace aq {
 namespace {
 
-/// Calls `visit(number)` for every number of the range, which may end at the last 16-bit one.
+/// Calls `visit(number)` for every number of the range, which may end at the last 16-bit number.
 template <class Visit>
 void forEach(std::int16_t low, std::int16_t high, const Visit& visit) {
   for (std::int32_t number = low; number <= high; ++number) {
@@ -45,7 +45,7 @@ std::shared_ptr<AQ_SpectralTimeHistory> AQ_SpectralTimeHistory::withoutSpectra()
 
 std::shared_ptr<AQ_SpectralTimeHistory> AQ_SpectralTimeHistory::Resize(std::int16_t LoRec,
                                                                        std::int16_t HiRec) {
-  const std::int16_t low = this->LoRec();  // both are read, as each may fill itself in
+  const std::int16_t low = this->LoRec();  // both are read, since reading may set either
   const std::int16_t high = this->HiRec();
   if (LoRec < low || HiRec > high) return nullptr;
   auto history = withoutSpectra();
@@ -138,7 +138,7 @@ void AQ_SpectralTimeHistory::Band(std::int16_t nBand, const AQ_Band& aqBand) {
     forEach(records_.low, records_.high,
             [&](std::int16_t record) { orThrow(spectrum(record)).SPL(nBand, aqBand.SPL(record)); });
   } catch (const Error&) {
-    return;  // the records before keep their new levels: hosts rely on it
+    return;  // earlier records keep their new levels: hosts rely on it
   }
 }
 

@@ -18,29 +18,29 @@
 namespace aq {
 
 /// A numbered series of spectra measured one after another, half a second each, with the time of
-/// the first record, a reference time, how the levels were averaged and where in each record its
-/// time stamp lies. Spectra are shared with the caller, not copied.
+/// the first record, a reference time, how the levels were averaged and which instant of a record
+/// its time stamp names. Spectra are shared with the caller, not copied.
 class AQ_API AQ_SpectralTimeHistory {
  public:
-  /// A new history of records `LoRec` to `HiRec` with level 0 in bands `loBand` to `hiBand`. This
-  /// one is not changed.
+  /// A new history of records `LoRec` to `HiRec` with level 0 in bands `loBand` to `hiBand`. Does
+  /// not change this one.
   [[nodiscard]] std::shared_ptr<AQ_SpectralTimeHistory> Init(std::int16_t LoRec, std::int16_t HiRec,
                                                              std::int16_t loBand,
                                                              std::int16_t hiBand) const;
 
   /// A new history that shares the spectra of records `LoRec` to `HiRec`, without the metrics; no
-  /// object when they are not all within this one's range.
+  /// object if they are not all within this one's range.
   [[nodiscard]] std::shared_ptr<AQ_SpectralTimeHistory> Resize(std::int16_t LoRec,
                                                                std::int16_t HiRec);
 
   // Text forms: "LINEAR", "TRUSLO", "4S100", "4S95", "CONTEXPO", "NA"; "START", "OVERHEAD", "AMAX",
   // "PMAX", "TMAX", "OAMAX", "HACK", "OTHER"; "START", "MIDPT", "END", "ICAOSLO", "OLDSLO". A value
-  // without one gives an empty text. Setting matches to the letter and ignores other text.
+  // without a text form gives an empty text. Setting matches exactly and ignores other text.
   [[nodiscard]] std::string sAveragingMethod() const;
   [[nodiscard]] std::string sReferenceTimeType() const;
   [[nodiscard]] std::string sTimeStampType() const;
   void sAveragingMethod(std::string_view text);
-  /// Never changes the reference type, whatever the text: hosts rely on it. `ReferenceType` does.
+  /// Setting never changes the reference type: hosts rely on it. `ReferenceType` sets it.
   void sReferenceTimeType(std::string_view text);
   void sTimeStampType(std::string_view text);
 
@@ -51,22 +51,22 @@ class AQ_API AQ_SpectralTimeHistory {
   /// bands contain those of its row. Throws `InvalidArgument` for a missing spectrum or row.
   [[nodiscard]] bool EncompassesMask(const AQ_MaskMap& MapMask) const;
 
-  /// Sets the metric `LGB` of each spectrum from the map's row of the same number, 1 to the map's
-  /// count. Throws `InvalidArgument` at a missing spectrum or row; those before it are set.
+  /// Sets the metric `LGB` of each spectrum from the map's row of the same number, from 1 to the
+  /// map's count. Throws `InvalidArgument` at a missing spectrum or row; those before it are set.
   void setLGB(const AQ_MaskMap& MapMask);
 
   void TimeStampType(AQ_TimeStampType type) { timeStampType_ = type; }
 
   /// Stamps every record: record i at i x 0.5 s after the start time less 0.5 (`AQ_START`), 0.25
   /// (`AQ_MIDPT`), 0 (`AQ_END`), 0.75 (`AQ_ICAOSLO`) or 1 s (`AQ_OLDSLO`), that difference in
-  /// single precision; then each relative to `RefTime`. The two times are copied. Throws
+  /// single precision; then each relative to `RefTime`. Copies the two times. Throws
   /// `InvalidArgument` at the first record of the range without a spectrum; those before it are
   /// stamped.
   void setTimeStamps(const AQ_Time& startTime, AQ_TimeStampType StartTimeType,
                      const AQ_Time& RefTime, AQ_RefTimeType RefType);
 
-  /// The spectrum of a record. Reading throws `InvalidArgument` when there is none; storing
-  /// replaces one that is there, which moves to the end, and widens the record range.
+  /// The spectrum of a record. Reading throws `InvalidArgument` if there is none; storing replaces
+  /// an existing one, moves its number to the end, and widens the record range.
   [[nodiscard]] std::shared_ptr<AQ_Spectrum> spectrum(std::int16_t nRecord) const {
     return spectra_.at(nRecord);
   }
@@ -76,21 +76,21 @@ class AQ_API AQ_SpectralTimeHistory {
   std::shared_ptr<AQ_Time> ReferenceTime() { return orCreate(referenceTime_); }
   void ReferenceTime(std::shared_ptr<AQ_Time> time) { referenceTime_ = std::move(time); }
 
-  /// A deep copy of the records from `LoRec` to `HiRec`. Of the two times, date and time of day are
-  /// copied. Throws `InvalidArgument` for a missing spectrum or level.
+  /// A deep copy of the records from `LoRec` to `HiRec`. Copies date and time of day of the two
+  /// times. Throws `InvalidArgument` for a missing spectrum or level.
   [[nodiscard]] std::shared_ptr<AQ_SpectralTimeHistory> Copy();
 
-  /// The levels of one band over all records; no object when the history is empty, a record of the
-  /// range is missing or has no level in that band.
+  /// The levels of one band over all records; no object if the history is empty, or if a record of
+  /// the range is missing or has no level in that band.
   [[nodiscard]] std::shared_ptr<AQ_Band> Band(std::int16_t nBand) const;
   /// Stores the levels of a band in all records. Stops without an error at the first record that is
-  /// missing or for which `aqBand` has no level; records before it keep their new levels.
+  /// missing or for which `aqBand` has no level; earlier records keep their new levels.
   void Band(std::int16_t nBand, const AQ_Band& aqBand);
   void Band(std::int16_t nBand, const std::shared_ptr<AQ_Band>& aqBand) {
     if (aqBand) Band(nBand, *aqBand);
   }
 
-  /// Shares `ReferenceTime` and makes every record relative to it. Throws as `setTimeStamps`.
+  /// Shares `ReferenceTime` and sets every record's relative time to it. Throws as `setTimeStamps`.
   void setRelTimes(const std::shared_ptr<AQ_Time>& ReferenceTime, AQ_RefTimeType RefType);
 
   /// The time of the first record. Created on first read; setting shares the caller's object.
@@ -107,15 +107,15 @@ class AQ_API AQ_SpectralTimeHistory {
   std::shared_ptr<AQ_MetricSummary> Metrics() { return orCreate(metrics_); }
   void Metrics(std::shared_ptr<AQ_MetricSummary> metrics) { metrics_ = std::move(metrics); }
 
-  /// The highest and lowest record number ever stored; -1 and 9999 when there is none. Reading
-  /// replaces a 0 by `Count` and by 1, and keeps that.
+  /// The highest and lowest record number ever stored; -1 and 9999 if there is none. Reading a 0
+  /// sets it to `Count` and to 1.
   std::int16_t HiRec();
   std::int16_t LoRec();
   void LoRec(std::int16_t nRecord) { records_.low = nRecord; }
   void HiRec(std::int16_t nRecord) { records_.high = nRecord; }
 
-  // The spectra that are stored, as pairs of record number and object, in the order of the numbers.
-  // Storing one ends a walk. `contains` creates nothing.
+  // The stored spectra as pairs of record number and object, in ascending order of the numbers.
+  // Storing a spectrum invalidates iterators. `contains` creates nothing.
   [[nodiscard]] auto begin() const { return spectra_.begin(); }
   [[nodiscard]] auto end() const { return spectra_.end(); }
   [[nodiscard]] bool contains(std::int32_t number) const { return spectra_.contains(number); }

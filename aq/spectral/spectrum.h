@@ -20,29 +20,29 @@ namespace aq {
 
 /// One measured one-third-octave spectrum: a level for each band that has one, the time of the
 /// measurement, an overall level and the noise metrics. Band n is centred at 10^(n/10) Hz (band 30
-/// is 1 kHz). A level is normally in decibels, 9999 where it is not valid; any value is kept as it
-/// is and never interpreted.
+/// is 1 kHz). A level is in decibels re 20 uPa, 9999 where it is not valid; any value is kept
+/// unchanged and never interpreted.
 class AQ_API AQ_Spectrum {
  public:
-  /// A deep copy. Throws `InvalidArgument` when a band between the lowest and the highest has no
-  /// level; a metric is then created here.
+  /// A deep copy. Throws `InvalidArgument` if a band between the lowest and the highest has no
+  /// level; creates this spectrum's metrics even then.
   [[nodiscard]] std::shared_ptr<AQ_Spectrum> Copy();
 
-  /// The level of a band. Reading throws `InvalidArgument` when it has none.
+  /// The level of a band in dB. Reading throws `InvalidArgument` if it has none.
   [[nodiscard]] Variant SPL(std::int16_t nBand) const;
   void SPL(std::int16_t nBand, const Variant& level);
 
-  /// The lowest and highest band ever stored; 9999 and -1 when there is none.
+  /// The lowest and highest band ever stored; 9999 and -1 if there is none.
   [[nodiscard]] std::int16_t LowBand() const { return bands_.low; }
   [[nodiscard]] std::int16_t HighBand() const { return bands_.high; }
 
-  /// Whether the bands of `spectrum`, which is asked for `LowBand` and `HighBand`, lie inside ours.
+  /// Whether the bands of `spectrum`, from its `LowBand` to its `HighBand`, lie inside this range.
   template <class Banded>
   [[nodiscard]] bool Encompasses(const Banded& spectrum) const {
     return bands_.encompasses(spectrum);
   }
 
-  /// An overall level.
+  /// An overall level, dB; 0 at first.
   [[nodiscard]] double Level() const { return level_; }
   void Level(double level) { level_ = level; }
 
@@ -57,7 +57,8 @@ class AQ_API AQ_Spectrum {
     copied_ = false;
   }
 
-  // The bands that have a level, as pairs of band and level, ascending. Storing one ends a walk.
+  // The bands that have a level, as pairs of band and level, ascending. Storing a level invalidates
+  // iterators.
   [[nodiscard]] NumberWalk<AQ_Spectrum> begin() const {
     return {this, levels_.first(), afterLast()};
   }
@@ -66,22 +67,22 @@ class AQ_API AQ_Spectrum {
     return std::in_range<std::int16_t>(band) && levels_.contains(static_cast<std::int16_t>(band));
   }
 
-  /// Whether there is an object for the metrics, so that reading makes none.
+  /// Whether there is a metrics object already; lets callers avoid creating one.
   [[nodiscard]] bool hasMetric() const { return metric_ != nullptr; }
 
   /// The time by value, without making an object for it.
   [[nodiscard]] AQ_Time timeValue() const { return time_.value(); }
   [[nodiscard]] LazyTime& lazyTime() { return time_; }
 
-  /// Stores the levels of consecutive bands, from `low` up, in place of all there are.
+  /// Replaces all levels by those of consecutive bands from `low` up.
   void assignLevels(std::int16_t low, std::span<const double> levels);
   void assignCodes(std::int16_t low, std::span<const LevelCode> codes);
 
-  /// All levels from `LowBand` to `HighBand`, when they are doubles without a gap; else none.
+  /// All levels from `LowBand` to `HighBand`, if they are doubles without gaps; otherwise none.
   [[nodiscard]] std::vector<double> plainLevels() const;
 
-  // The same in the form in which they are held: codes, when each has one, else doubles. Both are
-  // empty when there are gaps or levels of other types.
+  // The same in the form in which they are held: codes if each level has one, otherwise doubles.
+  // Both are empty if there are gaps or levels of other types.
   [[nodiscard]] std::span<const LevelCode> levelCodes() const;
   [[nodiscard]] std::span<const double> levelDoubles() const;
 
@@ -97,7 +98,7 @@ class AQ_API AQ_Spectrum {
   LazyTime time_;
   BandLevels levels_;
   NumberRange bands_;
-  bool copied_ = false;  // a metric to be made is the copy of one without values
+  bool copied_ = false;  // metrics created later are a copy of metrics without values
   double level_ = 0;
   std::shared_ptr<AQ_Metric> metric_;
 };
