@@ -30,8 +30,8 @@ void checkAs(FileKind kind, const std::string& path, const Reporter& report) {
   });
 }
 
-/// What other programs made of the text comes first: where it explains all else, alone. `checkData`
-/// checks a file of the kind that it is given.
+/// Reports first what other programs did to the text, and nothing else if that explains the rest.
+/// `checkData` checks a file of the given kind.
 template <class CheckData>
 void checkText(const std::string& path, Reporter& report, const CheckData& checkData) {
   std::string head = headOf(path);
@@ -49,7 +49,7 @@ void checkText(const std::string& path, Reporter& report, const CheckData& check
   report.fileBegins({});
 }
 
-/// Runs `check`; a file that changes meanwhile does not read.
+/// Runs `check`; reports a file that changes meanwhile as unreadable.
 template <class Check>
 void checking(const Reporter& reporter, const Check& check) {
   try {
@@ -63,7 +63,7 @@ void checking(const Reporter& reporter, const Check& check) {
   }
 }
 
-/// A word that is not known is read as the first one.
+/// An unknown word is read as the first one.
 void checkParameterWord(const HeaderLine& line, const Reporter& report) {
   const bool averaging = line.keyword == keywords::kNuAvg;
   if (!averaging && line.keyword != keywords::kNuTimg) return;
@@ -75,7 +75,7 @@ void checkParameterWord(const HeaderLine& line, const Reporter& report) {
   checkWord(line.number, word, averaging ? wordOf(method) : wordOf(type), report);
 }
 
-/// Says nothing of a history that does not read.
+/// Reports nothing for a history that cannot be read.
 void checkFitOf(const std::string& historyPath, const AQ_MaskMap& map, const Reporter& report) {
   AQ_DataSTH file;
   Content<AQ_HeaderSTH, AQ_SpectralTimeHistory> read;
@@ -153,7 +153,7 @@ Checked checkWithHistory(const std::string& path, const FindingSink& report) {
 }
 
 void check(FileOf<AQ_DataINI> of, const Reporter& report) {
-  constexpr std::string_view kTitle = "FILETYPE";  // that the file carries and nobody reads
+  constexpr std::string_view kTitle = "FILETYPE";  // that the file carries and no reader uses
   AQ_DataINI file;
   std::size_t nameLine = 0;
   file.observeHeader([&](const HeaderLine& line) {

@@ -11,30 +11,30 @@
 
 namespace aq {
 
-/// Reads a file and reports what makes its reader fail, and what the reader lets pass but a person
-/// should know. What `report` throws goes to the caller. Different files may be checked at once in
-/// different threads.
+/// Reads a file and reports what makes its reader fail, and what the reader accepts although it is
+/// probably wrong. Exceptions of `report` reach the caller. Different threads may check different
+/// files at once.
 AQ_API void checkFile(const std::string& path, const FindingSink& report);
 
 /// Reports the fixes of a tracking file that a reader with this `RT20Limit` drops.
 AQ_API void checkFixes(const std::string& path, std::uint8_t limit, const FindingSink& report);
 
-/// Reports why a masking map does not fit the history that it was made for, which messages call
-/// `historyName`.
+/// Reports why a masking map does not fit the history that it was made for, called `historyName` in
+/// messages.
 AQ_API void checkFit(const AQ_SpectralTimeHistory& history, const std::string& historyName,
                      const AQ_MaskMap& map, const FindingSink& report);
 
-/// As above, of files. Says nothing of a file that does not read: `checkFile` does.
+/// As above, for files. Reports nothing for a file that cannot be read: `checkFile` does.
 AQ_API void checkFit(const std::string& historyPath, const std::string& mapPath,
                      const FindingSink& report);
 
-/// What a check keeps of a file beyond its findings.
+/// What a check returns of a file besides its findings.
 struct Checked {
   std::optional<std::uint64_t> levels = {};  ///< a digest of all levels of a history
 };
 
-/// As `checkFile`; a masking map is also compared with the history that it names, a geometry with
-/// the history, positions and microphone, when they are files beside it.
+/// As `checkFile`; also compares a masking map with the history that it names, and a geometry with
+/// its history, positions and microphone, if those files are in the same folder.
 AQ_API Checked checkWithHistory(const std::string& path, const FindingSink& report);
 
 }  // namespace aq

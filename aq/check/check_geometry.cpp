@@ -18,7 +18,7 @@
 namespace aq {
 namespace {
 
-/// Watches the times of positions, one a line.
+/// Checks the times of positions, one per line.
 class TimeOrder {
  public:
   explicit TimeOrder(const Reporter& report) : report_(report) {}
@@ -45,9 +45,9 @@ class TimeOrder {
   }
 
  private:
-  /// A tracker that is stuck, or a source that stands still: one finding a run of positions.
+  /// A stuck tracker or a source at rest: one finding per run of positions.
   void reportStay() const {
-    constexpr std::size_t kEnough = 4;  // of a slow source, a few may well be the same
+    constexpr std::size_t kEnough = 4;  // a few of a slow source may well be equal
     if (stays_ < kEnough) return;
     report_(Kind::PositionStuck, {.line = line_ - stays_},
             "the position stays the same in the next " + std::to_string(stays_) + " lines");
@@ -56,12 +56,13 @@ class TimeOrder {
   const Reporter& report_;
   std::vector<PathPlace> path_;
   std::array<double, 3> at_{};
-  std::size_t stays_ = 0;  // lines that repeat the position of the one before
+  std::size_t stays_ = 0;  // lines that repeat the previous position
   std::size_t line_ = 0;
-  double before_ = std::numeric_limits<double>::quiet_NaN();  // nothing is later or not than it
+  double before_ =
+      std::numeric_limits<double>::quiet_NaN();  // nothing compares as later or earlier
 };
 
-/// Calls `visit(fix, line)` for every fix of a file that reads.
+/// Calls `visit(fix, line)` for every fix of a readable file.
 template <class Visit>
 void forFixes(const std::string& path, const Visit& visit) {
   LineReader lines(path);
@@ -80,7 +81,7 @@ void checkQuality(const TrackingLine& fix, std::uint8_t limit, std::size_t line,
 constexpr std::size_t kPositionFields = 4;
 
 /// Slant range, propagation time, emission time and source position of a point, each of which
-/// follows from others. One finding a point.
+/// follows from the others. One finding per point.
 class Contradictions {
  public:
   Contradictions(const AQ_HeaderGTH& header, std::size_t temperatureLine, const Reporter& report)
@@ -89,7 +90,7 @@ class Contradictions {
         temperatureLine_(temperatureLine),
         report_(report) {}
 
-  /// Of all points but those whose time is known to be `wrong`.
+  /// Of all points except those whose time is known to be `wrong`.
   void check(const RecordLines& records, const AQ_GeometryTimeHistory& history,
              const std::set<std::int32_t>& wrong) {
     std::vector<double> speeds;
@@ -112,7 +113,7 @@ class Contradictions {
   }
 
  private:
-  /// In metres or feet a second, at any temperature of a measurement.
+  /// In metres or feet per second, at any temperature of a measurement.
   void expectSound() const {
     const bool metres = speed_ > 290 && speed_ < 370;
     const bool feet = speed_ > 950 && speed_ < 1220;
@@ -122,8 +123,8 @@ class Contradictions {
                 " a second; that of sound is about 340 m or 1120 ft");
   }
 
-  /// That of the air, in degrees Celsius or Fahrenheit, gives the speed of sound in m/s; over the
-  /// whole path it may be another one.
+  /// The temperature of the air, in degrees Celsius or Fahrenheit, gives the speed of sound in m/s;
+  /// along the path it may vary.
   void expectTemperature(double speed) const {
     constexpr double kNear = 20;
     constexpr double kAtZero = 331.3;  // m/s, at 0 degrees Celsius
@@ -164,7 +165,7 @@ class Contradictions {
   double temperature_;
   std::size_t temperatureLine_;
   const Reporter& report_;
-  double speed_ = 0;  // of sound, as most points have it
+  double speed_ = 0;  // of sound, the value of most points
 };
 
 std::vector<PathPlace> emissionPath(const RecordLines& records,
@@ -178,7 +179,7 @@ std::vector<PathPlace> emissionPath(const RecordLines& records,
   return path;
 }
 
-/// A last header line that is a fix: the headings are missing, and it is not read.
+/// A last header line that is a fix: the headings are missing, and the fix is not read.
 void checkTrackingHeadings(const std::string& path, const Reporter& report) {
   LineReader lines(path);
   while (lines.number() < kTrackingHeaderLines && lines.next()) continue;

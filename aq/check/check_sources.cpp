@@ -8,21 +8,21 @@
 #include "aq/core/time.h"
 #include "aq/text/number_text.h"
 
-// A geometry says of which files it was made; what they hold has to go with it.
+// A geometry names the files that it was made from; their content must agree with it.
 namespace aq {
 namespace {
 
 using PositionsRead = Content<AQ_HeaderPTH, AQ_PositionTimeHistory>;
 using GeometryRead = Content<AQ_HeaderGTH, AQ_GeometryTimeHistory>;
 
-// Header lines, which are taken by their places.
+// Header lines, which are taken by position.
 constexpr std::size_t kMicrophoneLine = 6;
 constexpr std::size_t kMicrophonePositionLine = 7;
 constexpr std::size_t kHistoryLine = 9;
 constexpr std::size_t kPositionsLine = 11;
 constexpr std::size_t kTrackingLine = 6;
 
-/// More points than this are not one that was damaged.
+/// More points than this are not a single damaged one.
 template <class Read>
 bool areMany(std::size_t wrong, const Read& read) {
   return wrong * 10 > static_cast<std::size_t>(read.model->Count());
@@ -91,7 +91,7 @@ std::shared_ptr<AQ_PositionTimeHistory> positionsIn(const std::string& source) {
   return readContent(file, source, found) == AQ_DATA_OK ? found.model : nullptr;
 }
 
-/// A path by times that go on over midnight.
+/// A path by times that continue across midnight.
 class SourcePath {
  public:
   explicit SourcePath(const AQ_PositionTimeHistory& positions) {
@@ -106,15 +106,15 @@ class SourcePath {
     return times_.size() > 1 && std::is_sorted(times_.begin(), times_.end());
   }
 
-  /// Whether the path is known at that time, a tenth of a second more or less.
+  /// Whether the path is known at that time, to a tenth of a second.
   [[nodiscard]] bool covers(double time) const {
     constexpr double kBeyond = 0.1;
     time = near(time);
     return time >= times_.front() - kBeyond && time <= times_.back() + kBeyond;
   }
 
-  /// Whether the source was near `at` at that time, as far as tenths of a second and straight lines
-  /// tell.
+  /// Whether the source was near `at` at that time, within what tenths of a second and straight
+  /// lines can tell.
   [[nodiscard]] bool passes(double time, const AQ_Position& at) const {
     if (!covers(time)) return false;
     time = near(time);

@@ -35,7 +35,7 @@ void checkLevel(double level, const FindingPlace& place, const Reporter& report)
   }
 }
 
-/// `place` is that of the level of `low`.
+/// `place` is where the level of `low` is.
 void checkLevels(const AQ_Spectrum& spectrum, std::int16_t low, FindingPlace place,
                  const Reporter& report) {
   const std::size_t first = place.field;
@@ -46,7 +46,7 @@ void checkLevels(const AQ_Spectrum& spectrum, std::int16_t low, FindingPlace pla
   }
 }
 
-/// From `LowBand` up, 9999 for a band without a level: fixed columns have such between others.
+/// From `LowBand` up, 9999 for a band without a level, which fixed columns can have between others.
 std::vector<double> levelsOf(const AQ_Spectrum& spectrum) {
   const std::int32_t low = spectrum.LowBand();
   std::vector<double> levels;
@@ -67,7 +67,7 @@ void checkRange(const HeaderCheck& header, const RecordLines& records, const Rep
              std::to_string(records.high()));
 }
 
-/// One finding a file: a wrong reference time makes every relative time wrong.
+/// One finding per file: a wrong reference time makes every relative time wrong.
 template <class Records>
 void checkRelativeTimes(const Records& records, AQ_SpectralTimeHistory& history,
                         const std::set<std::int32_t>& offInTime, const Reporter& report) {
@@ -90,7 +90,7 @@ void checkRelativeTimes(const Records& records, AQ_SpectralTimeHistory& history,
          first + "; wrong in " + std::to_string(wrong) + (wrong == 1 ? " record" : " records"));
 }
 
-/// How long after the begin of a record its stamp is, by its type.
+/// How long after the start of a record its stamp is, by its type.
 double shiftOf(AQ_TimeStampType type) {
   switch (type) {
     case AQ_START: break;
@@ -102,7 +102,7 @@ double shiftOf(AQ_TimeStampType type) {
   return 0;
 }
 
-/// The start is that of record 1, or of the lowest record that the file has.
+/// The start belongs to record 1, or to the lowest record in the file.
 void checkStartTime(const HeaderCheck& header, const RecordLines& records,
                     AQ_SpectralTimeHistory& history, const Reporter& report) {
   constexpr double kTolerance = 0.0201;  // hundredths of both times of day, and single precision
@@ -124,7 +124,7 @@ bool isAnyValid(const std::vector<double>& levels) {
                      [](double level) { return level != double{AQ_INVALID_LEVEL}; });
 }
 
-/// Real levels are never all the same again. One finding a run of records.
+/// Real levels never all repeat. One finding per run of records.
 class StuckRecords {
  public:
   explicit StuckRecords(const Reporter& report) : report_(report) {}
@@ -138,7 +138,7 @@ class StuckRecords {
   }
 
   void finish() {
-    constexpr std::size_t kEnough = 8;  // levels: one or two may well be the same by chance
+    constexpr std::size_t kEnough = 8;  // levels: one or two may well be equal by chance
     const auto count = static_cast<std::size_t>(last_ - before_);
     if (first_ != 0 && count * levels_.size() >= kEnough) {
       const std::string last = count == 1 ? "" : " to " + std::to_string(last_);
@@ -155,11 +155,12 @@ class StuckRecords {
   const Reporter& report_;
   std::vector<double> levels_;
   std::int32_t last_ = std::numeric_limits<std::int16_t>::min() - 1;
-  std::int32_t before_ = 0;  // the record whose levels come again
-  std::size_t first_ = 0;    // the line where they do; 0 outside a run
+  std::int32_t before_ = 0;  // the record whose levels are repeated
+  std::size_t first_ = 0;    // the line where they are repeated; 0 outside a run
 };
 
-/// Mixes all levels into a number that other levels have as good as never (FNV-1a over their bits).
+/// Hashes all levels into a number that other levels practically never give (FNV-1a over their
+/// bits).
 class Digest {
  public:
   void see(const std::vector<double>& levels) {
@@ -184,7 +185,7 @@ class Digest {
   bool valid_ = false;
 };
 
-/// The first level column is that of `low`. Gives what the levels mix to.
+/// The first level column is that of `low`. Returns the hash of the levels.
 template <class Records>
 Digest checkAllLevels(const Records& records, const AQ_SpectralTimeHistory& history,
                       std::int16_t low, const Reporter& report) {
@@ -204,7 +205,7 @@ Digest checkAllLevels(const Records& records, const AQ_SpectralTimeHistory& hist
   return digest;
 }
 
-/// The records of fixed columns: their reader expects all, in order.
+/// The records of fixed columns: their reader requires all of them, in order.
 struct FixedRecords {
   std::int16_t first;
   std::int16_t last;
@@ -236,7 +237,7 @@ void check(FileOf<AQ_DataSPC> of, const Reporter& report) {
       [&](std::int16_t record) { return history.spectrum(record)->timeValue().TODseconds(); },
       report, file.RecordLength());
   checkRelativeTimes(records, history, offInTime, report);
-  // A copy in columns is meant to have the levels of another file.
+  // A copy in fixed columns is meant to have the levels of another file.
   static_cast<void>(checkAllLevels(records, history, file.BandLow(), report));
 }
 
@@ -287,7 +288,7 @@ void check(FileOf<AQ_DataHP3565> file, const Reporter& report) {
   for (std::string& mark : marksOf(traceOf(recording, 1))) {
     report(Kind::AnalyzerMark, {}, std::move(mark));
   }
-  static_cast<void>(historyOf(recording, {}));  // fails where the levels do
+  static_cast<void>(historyOf(recording, {}));  // throws where the levels cannot be computed
 }
 
 }  // namespace aq

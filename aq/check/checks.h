@@ -8,14 +8,13 @@
 
 namespace aq {
 
-/// A file of the format that `File` reads.
+/// A file of the format of `File`.
 template <class File>
 struct FileOf {
   const std::string& path;
 };
 
-// The checks of each format. They throw what readers of text throw when a file changes while it is
-// checked.
+// The checks of each format. They throw what text readers throw if a file changes during the check.
 void check(FileOf<AQ_DataSTH> file, const Reporter& report);
 void check(FileOf<AQ_DataSSR> file, const Reporter& report);
 void check(FileOf<AQ_DataTSPI> of, const Reporter& report);
@@ -23,18 +22,18 @@ void check(FileOf<AQ_DataMIC> file, const Reporter& report);
 void check(FileOf<AQ_DataHP3565> file, const Reporter& report);
 void check(FileOf<AQ_DataINI> of, const Reporter& report);
 void check(FileOf<AQ_DataSPC> of, const Reporter& report);
-/// Gives the map, as far as it was read.
+/// Returns the map as far as it was read.
 Content<AQ_HeaderMask, AQ_MaskMap> check(FileOf<AQ_DataMask> file, const Reporter& report);
 
-/// Gives the positions, as far as they were read.
+/// Returns the positions as far as they were read.
 Content<AQ_HeaderPTH, AQ_PositionTimeHistory> check(FileOf<AQ_DataPTH> file,
                                                     const Reporter& report);
 
-/// Gives the geometry, as far as it was read.
+/// Returns the geometry as far as it was read.
 Content<AQ_HeaderGTH, AQ_GeometryTimeHistory> check(FileOf<AQ_DataGTH> file,
                                                     const Reporter& report);
 
-/// Compare positions and geometry with the files beside them that they were made of.
+/// Compare positions and geometry with the files in their folder that they were made from.
 void checkSources(const Content<AQ_HeaderPTH, AQ_PositionTimeHistory>& read,
                   const std::string& path, const Reporter& report);
 void checkSources(const Content<AQ_HeaderGTH, AQ_GeometryTimeHistory>& read,
@@ -43,7 +42,7 @@ void checkQuality(FileOf<AQ_DataTSPI> file, std::uint8_t limit, const Reporter& 
 void checkMapFit(const AQ_SpectralTimeHistory& history, const std::string& historyName,
                  const AQ_MaskMap& map, const Reporter& report);
 
-/// Reports lines behind line `last` that hold anything: nobody reads them.
+/// Reports lines after line `last` that hold anything: no reader takes them.
 void checkNothingBehind(const std::string& path, std::size_t last, const Reporter& report);
 
 }  // namespace aq

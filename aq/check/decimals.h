@@ -11,21 +11,21 @@
 
 namespace aq {
 
-/// The decimals of numbers that belong together. Zeros at their ends show that a program writes as
-/// many throughout; a number with fewer has then lost digits. A plain 0 and a plain 9999, which
-/// stand for no value, are not counted.
+/// The decimals of numbers that belong together. Trailing zeros show that a program always writes
+/// the same number of decimals; a number with fewer has then lost digits. Ignores a plain 0 and a
+/// plain 9999, which mean no value.
 class Decimals {
  public:
   void see(std::string_view field, const FindingPlace& place);
 
-  /// Reports each number that has fewer than nearly all others, but for the one at `told`.
+  /// Reports each number that has fewer than nearly all others, except the one at `told`.
   void report(const FindingPlace& told, const Reporter& report) const;
 
  private:
   struct Seen {
     std::size_t count = 0;
     bool endsInZero = false;               // of any
-    std::vector<FindingPlace> first = {};  // places, as far as they may be reported
+    std::vector<FindingPlace> first = {};  // places, as many as may be reported
   };
 
   std::map<std::size_t, Seen> seen_;  // by the number of decimals

@@ -12,21 +12,21 @@
 
 namespace aq {
 
-/// How much a finding matters.
+/// How serious a finding is.
 enum class Severity {
-  Note,     ///< worth knowing; the data are as they should be
+  Note,     ///< worth knowing; the data are correct
   Warning,  ///< what is read may not be what was measured
-  Error,    ///< the file, or the pair of files, cannot be used
+  Error,    ///< the file, or pair of files, cannot be used
 };
 
-/// One kind of finding. The name stays the same from release to release.
+/// One kind of finding. The name never changes between releases.
 struct FindingKind {
   std::string_view name;
   Severity severity;
   std::string_view meaning;  ///< in one line
-  bool dataHold = false;     ///< of a warning: the data are those that were measured even so
+  bool dataHold = false;     ///< of a warning: the data are as measured even so
 
-  /// Whether the data that are read may not be those that were measured.
+  /// Whether the data may differ from what was measured.
   [[nodiscard]] constexpr bool doubtsData() const {
     return severity == Severity::Error || (severity == Severity::Warning && !dataHold);
   }
@@ -46,14 +46,15 @@ struct FindingPlace {
   std::optional<std::int16_t> band = {};
 };
 
-/// What a person should know about a file.
+/// Something that is or may be wrong with a file.
 struct Finding {
   const FindingKind& kind;
   FindingPlace place;
   std::string message;  ///< in one line, without the place
 };
 
-/// Takes findings one by one, in the order of the file's lines; those of the whole file come first.
+/// Receives findings one by one, in the order of the file's lines; those of the whole file come
+/// first.
 using FindingSink = std::function<void(const Finding&)>;
 
 }  // namespace aq

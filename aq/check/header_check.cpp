@@ -15,7 +15,7 @@
 namespace aq {
 namespace {
 
-/// What stands in the columns; nothing for bands that have no label.
+/// What the columns hold; nothing for bands that have no label.
 std::string expectedLabels(std::int16_t low, std::int16_t high, std::string_view behind) {
   try {
     std::string labels;
@@ -32,7 +32,7 @@ bool isPlainNumber(std::string_view text) {
   return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
 }
 
-/// The name that a header records, without folders of whatever system.
+/// The name that a header records, without the folders of any system.
 std::string bareName(std::string_view name) {
   return std::string(name.substr(name.find_last_of("/\\") + 1));
 }
@@ -43,7 +43,7 @@ bool isBeside(const std::string& path, const std::string& name) {
 }
 
 constexpr std::string_view kOwnName = "FileName";
-/// Keywords of files that another was made of.
+/// Keywords of files that another was made from.
 constexpr std::string_view kSources[] = {"GenerationFile", "TSPIFileName", "STHFileName",
                                          "PTHFileName", "MICFileName"};
 
@@ -191,7 +191,7 @@ void HeaderCheck::see(const HeaderLine& line) {
 
 void HeaderCheck::seeKeyword(const HeaderLine& line, std::string_view found) {
   if (line.number == 1 && found.starts_with(kByteOrderMark)) {
-    found.remove_prefix(kByteOrderMark.size());  // told by itself
+    found.remove_prefix(kByteOrderMark.size());  // reported on its own
   }
   if (found.starts_with('"')) {
     found.remove_prefix(1);
@@ -204,8 +204,8 @@ void HeaderCheck::seeKeyword(const HeaderLine& line, std::string_view found) {
           "this line is read as " + std::string(line.keyword) + ", its keyword is " + shown(found));
 }
 
-/// A keyword's value begins behind the comma behind the mark and ends at the next mark; any other
-/// line ends at its first.
+/// A keyword's value starts after the comma that follows the mark and ends at the next mark; any
+/// other line ends at its first mark.
 void HeaderCheck::seeMarks(const HeaderLine& line,
                            const std::vector<std::string_view>& pieces) const {
   const bool keyword = line.use == HeaderLine::Use::Keyword;

@@ -16,24 +16,24 @@
 
 namespace aq {
 
-/// Reports the first field after those of a value that are read, empty ones aside: the digits after
-/// a decimal comma, or text that is lost.
+/// Reports the first non-empty field after those of a value that are read: the digits after a
+/// decimal comma, or text that is lost.
 void checkFieldsBehind(const HeaderLine& line, const Reporter& report);
 
-/// Reports a word of the header that is not the one that it is read as.
+/// Reports a word of the header that is read as another one.
 void checkWord(std::size_t line, std::string_view word, std::string_view readAs,
                const Reporter& report);
 
-/// Reports that a header names another file than the one it stands in: a warning where that file is
-/// beside it, a note where it is not.
+/// Reports that a header names a file other than its own: a warning if that file is in the same
+/// folder, otherwise a note.
 void checkFileName(std::size_t line, std::string_view name, const std::string& path,
                    const Reporter& report);
 
-/// The file beside the one at `path` that its header has recorded by a name, whatever folders that
-/// names; empty when there is none.
+/// The file in the folder of `path` that the header records by name, ignoring the folders of the
+/// name; empty if there is none.
 std::string sourceBeside(const std::string& path, std::string_view recorded);
 
-/// Watches the header of a file with column headings, and keeps what a check of the data needs.
+/// Checks the header of a file with column headings, and keeps what a check of the data needs.
 class HeaderCheck {
  public:
   explicit HeaderCheck(const Reporter& report) : report_(report) {}
@@ -41,7 +41,7 @@ class HeaderCheck {
   HeaderCheck& operator=(const HeaderCheck&) = delete;
   ~HeaderCheck() = default;
 
-  /// Reads a file of one class under watch; false, and reported, when it does not read.
+  /// Reads a file of one class and checks its header; reports a failure and returns false.
   template <class File, class Header, class Model>
   [[nodiscard]] bool reads(const std::string& path, Content<Header, Model>& content) {
     File file;
@@ -53,7 +53,7 @@ class HeaderCheck {
     return false;
   }
 
-  /// Passes the header in a new pass over the file.
+  /// Skips the header in a new pass over the file.
   void passHeader(LineReader& lines) const {
     while (lines.number() < lines_ && lines.next()) continue;
   }
@@ -61,28 +61,29 @@ class HeaderCheck {
   /// How many lines the header has, the column headings included.
   [[nodiscard]] std::size_t lines() const { return lines_; }
 
-  /// The line of a keyword; 0 when the header has none.
+  /// The line of a keyword; 0 if the header has none.
   [[nodiscard]] std::size_t lineOf(std::string_view keyword) const;
 
-  /// Its value; empty when the header has none.
+  /// Its value; empty if the header has none.
   [[nodiscard]] std::string_view valueOf(std::string_view keyword) const;
 
-  /// The two integers behind a keyword that the header has.
+  /// The two integers after a keyword that the header has.
   [[nodiscard]] std::pair<std::int16_t, std::int16_t> integersOf(std::string_view keyword) const;
 
-  /// Compares the count behind a keyword with what is there.
+  /// Compares the count of a keyword with the actual number.
   void expectCount(std::string_view keyword, std::size_t count, const char* ofWhat) const;
 
-  /// Compares the word behind a keyword with the one that it is read as.
+  /// Compares the word of a keyword with the one that it is read as.
   void expectWord(std::string_view keyword, const std::string& readAs) const;
 
-  /// Reports a reference time type that is no word for one: readers leave the type out.
+  /// Reports an unknown word for the reference time type, which readers ignore.
   void expectReferenceType() const;
 
-  /// Compares the headings, in any case, with those that the columns have by their places.
+  /// Compares the headings, in any case, with those of the columns by position.
   void expectHeadings(std::string_view headings) const;
 
-  /// Compares the headings, from field `first` on, with the labels of the bands and what follows.
+  /// Compares the headings, starting at field `first`, with the labels of the bands and what
+  /// follows.
   void expectLabels(std::size_t first, std::int16_t low, std::int16_t high,
                     std::string_view behind = {}) const;
 
@@ -92,7 +93,7 @@ class HeaderCheck {
     std::string value;
   };
 
-  /// Compares the names in the header with the file's own, and with what is beside it.
+  /// Compares the names in the header with the file's own name and with the files in its folder.
   void expectFiles(const std::string& path) const;
   void see(const HeaderLine& line);
   void seeKeyword(const HeaderLine& line, std::string_view found);

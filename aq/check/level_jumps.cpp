@@ -13,7 +13,7 @@ namespace {
 
 constexpr double kNoJump = std::numeric_limits<double>::quiet_NaN();
 
-/// How far a level is off the middle of those before and after; NaN where these differ too.
+/// How far a level is from the mean of those before and after; NaN if these differ themselves.
 double jumpOf(double before, double here, double after) {
   constexpr double kSame = 6;  // dB
   for (const double level : {before, here, after}) {
@@ -22,7 +22,7 @@ double jumpOf(double before, double here, double after) {
   return std::abs(before - after) <= kSame ? here - (before + after) / 2 : kNoJump;
 }
 
-/// Of levels out of their range that is told.
+/// Levels out of range are reported as such.
 bool isJump(double level, double off) {
   return level >= kLowestLevel && level <= kHighestLevel && (off < -20 || off > 40);
 }

@@ -9,19 +9,19 @@
 
 namespace aq {
 
-// Levels that sound may have, in dB.
+// Levels that sound can have, in dB.
 inline constexpr double kLowestLevel = -20;
 inline constexpr double kHighestLevel = 200;
 
-/// Finds levels that are far off those of the records before and after, alone in their record: no
-/// sound falls by 20 dB in one band for half a second. Above, a bird may sing: 40 dB.
+/// Finds single levels that are far from those of the records before and after: no sound drops by
+/// 20 dB in one band for half a second. A rise takes 40 dB, since a bird may sing.
 class LevelJumps {
  public:
-  /// `firstField` is that of band `low`.
+  /// `firstField` is the field of band `low`.
   LevelJumps(std::int16_t low, std::size_t firstField, const Reporter& report)
       : low_(low), firstField_(firstField), report_(report) {}
 
-  /// Takes the next record, whose first level is that of `band`.
+  /// Takes the next record, whose first level is for `band`.
   void see(std::int16_t record, std::size_t line, std::int16_t band, std::vector<double> levels);
 
  private:
@@ -39,7 +39,7 @@ class LevelJumps {
   std::int16_t low_;
   std::size_t firstField_;
   const Reporter& report_;
-  std::array<Row, 2> rows_;  // the last two; without a line where there was none
+  std::array<Row, 2> rows_;  // the last two; with line 0 until there are two
 };
 
 }  // namespace aq

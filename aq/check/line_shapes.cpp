@@ -10,13 +10,13 @@ namespace {
 
 constexpr const char* kNoEnd = "the last line has no line end, so the file may be cut off";
 
-/// `line` without the empty fields at its end.
+/// `line` without trailing empty fields.
 std::string_view withoutEmptyEnd(std::string_view line) {
   const std::size_t last = line.find_last_not_of(", ");
   return line.substr(0, last == line.npos ? 0 : last + 1);
 }
 
-/// The fields of a line after the first two, of which one may be a time with its own point.
+/// The fields of a line after the first two, one of which may be a time with its own point.
 std::string_view afterTwoFields(std::string_view line) {
   for (int i = 0; i < 2; ++i) line.remove_prefix(std::min(line.find(','), line.size() - 1) + 1);
   return line;
@@ -94,7 +94,7 @@ void LineShapes::report(const std::string& path, const Reporter& report) const {
   for (const Decimals& decimals : decimals_) decimals.report(told, report);
 }
 
-/// Empty fields, which spreadsheets add to every line, are told once.
+/// Empty fields, which spreadsheets add to every line, are reported once.
 void LineShapes::reportExtra(const std::string& path, const Reporter& report) const {
   LineReader lines(path);
   std::size_t empty = 0;
@@ -117,7 +117,7 @@ void LineShapes::reportExtra(const std::string& path, const Reporter& report) co
 }
 
 FindingPlace LineShapes::reportCut(const Reporter& report) const {
-  constexpr std::size_t kLinesEnough = 3;  // others, to know how many decimals there are
+  constexpr std::size_t kLinesEnough = 3;  // other lines, to know the usual number of decimals
   const auto shorter = [this]() -> std::string {
     if (!ended_) return kNoEnd;
     if (count_ > 1 && last_.fields < std::min(least_.fields, columns_.fields)) {

@@ -12,16 +12,16 @@
 
 namespace aq {
 
-/// The fields of a data line that are read; the last `numbers` of them may have decimals, in all
-/// columns as many where they are `alike`.
+/// The fields of a data line that are read; the last `numbers` of them may have decimals, the same
+/// number in all columns if `alike`.
 struct DataColumns {
   std::size_t fields;
   std::size_t numbers;
   bool alike = false;
 };
 
-/// The shapes of the data lines of a file that reads: what a cut or a spreadsheet did to them,
-/// which the values do not tell.
+/// The shapes of the data lines of a readable file: shows what a cut or a spreadsheet did to them,
+/// which the values do not show.
 class LineShapes {
  public:
   explicit LineShapes(const DataColumns& columns)
@@ -36,10 +36,10 @@ class LineShapes {
   /// Takes the next data line.
   void see(const LineReader& lines);
 
-  /// Whether numbers were divided at their decimal commas, so that none is what it was.
+  /// Whether numbers were split at their decimal commas, so that every value is wrong.
   [[nodiscard]] bool decimalCommas() const;
 
-  /// Reports what is odd, as one finding a cause.
+  /// Reports irregular shapes, one finding per cause.
   void report(const std::string& path, const Reporter& report) const;
 
  private:
@@ -47,12 +47,12 @@ class LineShapes {
     std::size_t fields;
     std::size_t decimals;  // of the last field
     bool empty;            // the last field
-    bool open;             // it is empty, or ends in its point
+    bool open;             // it is empty or ends in a point
   };
 
   static Shape shapeOf(std::string_view line);
   void reportExtra(const std::string& path, const Reporter& report) const;
-  /// Gives the place of what was reported; none where the last line is as the others.
+  /// Returns the place of what was reported; nothing if the last line is like the others.
   [[nodiscard]] FindingPlace reportCut(const Reporter& report) const;
   void seeDecimals(const LineReader& lines);
 
@@ -61,11 +61,11 @@ class LineShapes {
   std::size_t count_ = 0;
   std::size_t first_ = 0;     // the first line's number
   std::size_t line_ = 0;      // the last line's number
-  std::size_t divided_ = 0;   // lines with so many fields as decimal commas make
+  std::size_t divided_ = 0;   // lines with the number of fields that decimal commas make
   std::size_t extended_ = 0;  // lines with fields that are not read
   Shape last_{0, 0, false, false};
   Shape least_{std::numeric_limits<std::size_t>::max(), std::numeric_limits<std::size_t>::max(),
-               false, false};  // open where any is
+               false, false};  // open if any is
   bool ended_ = true;          // the last line has a line end
 };
 

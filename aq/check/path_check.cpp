@@ -9,7 +9,7 @@
 namespace aq {
 namespace {
 
-constexpr std::size_t kPlacesEnough = 8;  // places, to know what is usual
+constexpr std::size_t kPlacesEnough = 8;  // positions, to know what is usual
 
 double middleOf(std::vector<double> values) {
   const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
@@ -25,7 +25,7 @@ double lengthBetween(const std::array<double, 3>& one, const std::array<double, 
   return std::hypot(one[0] - other[0], one[1] - other[1], one[2] - other[2]);
 }
 
-/// How far a place is off the line from the one before to the one after, at its time.
+/// The distance of a position from the line between its neighbours, at its time.
 double lineOff(const PathPlace& before, const PathPlace& here, const PathPlace& after) {
   const double whole = secondsFrom(before, after);
   const double part = whole > 0 ? std::clamp(secondsFrom(before, here) / whole, 0.0, 1.0) : 0.5;
@@ -44,7 +44,7 @@ void checkJumps(const std::vector<PathPlace>& path, const Reporter& report) {
   for (std::size_t i = 1; i + 1 < path.size(); ++i) {
     offs[i] = lineOff(path[i - 1], path[i], path[i + 1]);
   }
-  // What turns, tenths of a second and tenths of a metre do is less.
+  // Turns and rounding to tenths of a second or metre cause less.
   const double limit = std::max(20 * middleOf(offs), 10.0);
   const auto isOff = [&](std::size_t i) {
     return offs[i] > limit && offs[i] > lengthBetween(path[i - 1].at, path[i + 1].at) / 4;

@@ -10,7 +10,7 @@
 
 namespace aq {
 
-/// Where a source was at a time of day, in the unit of its file.
+/// Where a source was at a time of day, in the length unit of its file.
 struct PathPlace {
   double time;
   std::array<double, 3> at;
@@ -18,11 +18,11 @@ struct PathPlace {
   std::optional<std::int32_t> record = {};
 };
 
-/// Reports places far off the line between their neighbours, where those of nearly all others are
-/// near it: one finding a run of them.
+/// Reports positions far from the line between their neighbours if nearly all others are near it:
+/// one finding per run.
 void checkJumps(const std::vector<PathPlace>& path, const Reporter& report);
 
-/// Reports times without a place that are much longer than usual.
+/// Reports times without a position that are much longer than usual.
 void checkGaps(const std::vector<PathPlace>& path, const Reporter& report);
 
 }  // namespace aq

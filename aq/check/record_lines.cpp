@@ -34,8 +34,8 @@ void RecordLines::reportGaps(const Reporter& report) const {
   });
 }
 
-/// Where the first number comes again, the data begin again; the records of before are then no
-/// repeated ones.
+/// If the first number appears again, the data start again; the earlier records then do not count
+/// as repeated.
 void RecordLines::see(std::int16_t record, std::size_t line, const Reporter& report) {
   const FindingPlace place{.line = line, .field = 1, .record = record};
   const std::size_t* const stood = lines_.find(record);

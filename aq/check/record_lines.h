@@ -16,28 +16,28 @@
 
 namespace aq {
 
-/// Which record stands in which data line of a file that reads. Reports what is odd about the lines
-/// and the numbers on the way.
+/// Which record is in which data line of a readable file. Reports irregular lines and numbers on
+/// the way.
 class RecordLines {
  public:
-  /// Passes the header.
+  /// Skips the header.
   RecordLines(const std::string& path, const HeaderCheck& header, const DataColumns& columns,
               const Reporter& report);
 
-  /// False, and there are no records, where decimal commas left no value as it was.
+  /// False, without any records, if decimal commas made every value wrong.
   [[nodiscard]] bool readable() const { return readable_; }
 
   /// How many data lines there are.
   [[nodiscard]] std::size_t count() const { return count_; }
 
-  /// The lowest and the highest record number; there is a record.
+  /// The lowest and the highest record number. Requires at least one record.
   [[nodiscard]] std::int32_t low() const { return lines_.first(); }
   [[nodiscard]] std::int32_t high() const {
     return lines_.first() + static_cast<std::int32_t>(lines_.size()) - 1;
   }
 
-  /// Calls `visit(record, line)` for every record there is, in the order of their numbers; of a
-  /// record in several lines, it is the last.
+  /// Calls `visit(record, line)` for every record, in ascending order; for a record in several
+  /// lines, with the last one.
   template <class Visit>
   void forEach(const Visit& visit) const {
     const std::size_t* line = lines_.all().data();
@@ -50,7 +50,7 @@ class RecordLines {
   void see(std::int16_t record, std::size_t line, const Reporter& report);
   void reportGaps(const Reporter& report) const;
 
-  BandBlock<std::size_t> lines_;  // by record number; 0 for a number that is left out
+  BandBlock<std::size_t> lines_;  // by record number; 0 for a missing number
   bool readable_ = true;
   std::size_t count_ = 0;
   std::size_t setBegins_ = 0;  // the first line of this data set
@@ -58,14 +58,14 @@ class RecordLines {
   std::int32_t before_ = 0;    // the number in the line before
 };
 
-/// Seconds as a person reads them: times of day in single precision hold no more.
+/// Seconds as text, with the digits that times of day in single precision hold.
 inline std::string secondsText(double seconds) {
   return numberText(std::round(seconds * 1e3) / 1e3) + " s";
 }
 
-/// Reports records whose time of day, which `timeOf(record)` gives, is not `recordLength` seconds a
-/// record after that of a record before; gives them. One record off is told once, as is where all
-/// go on from another time.
+/// Reports and returns records whose time of day, `timeOf(record)`, is not `recordLength` seconds
+/// per record after an earlier one. Reports a single odd record once, and also once a point from
+/// which all records continue at another time.
 template <class Records, class TimeOf>
 std::set<std::int32_t> checkTimeSteps(const Records& records, const TimeOf& timeOf,
                                       const Reporter& report, double recordLength = 0.5) {
@@ -75,7 +75,7 @@ std::set<std::int32_t> checkTimeSteps(const Records& records, const TimeOf& time
     double time;
   };
   std::optional<Seen> good;
-  std::optional<Seen> odd;  // that may turn out to be where times go on from
+  std::optional<Seen> odd;  // that may turn out to be where times continue from
   std::set<std::int32_t> wrong;
   records.forEach([&](std::int16_t record, std::size_t line) {
     const Seen here{record, timeOf(record)};

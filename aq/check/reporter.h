@@ -62,7 +62,7 @@ enum class Kind : std::size_t {
   FixRejected,
 };
 
-/// Keeps the findings of a file until all are known, and hands them on in the order of its lines.
+/// Collects the findings of a file and passes them on in the order of its lines.
 class Reporter {
  public:
   explicit Reporter(const FindingSink& sink) : sink_(sink) {}
@@ -72,15 +72,15 @@ class Reporter {
         {findingKinds()[static_cast<std::size_t>(kind)], place, std::move(message)});
   }
 
-  /// `head` is how the file begins, where the cause of a failure may show.
+  /// `head` is the start of the file, which may show the cause of a failure.
   void fileBegins(std::string head) { head_ = std::move(head); }
   void unreadable(const FileFailure& failure) const;
 
-  /// Keeps a digest of the levels of a history, for a comparison with others.
+  /// Keeps a digest of the levels of a history for comparison with others.
   void levels(std::uint64_t digest) const { levels_ = digest; }
   [[nodiscard]] std::optional<std::uint64_t> levels() const { return levels_; }
 
-  /// Hands on what was found: what concerns the whole file first. What the sink throws goes to the
+  /// Passes on the findings, those of the whole file first. Exceptions of the sink reach the
   /// caller.
   void finish();
 

@@ -12,10 +12,10 @@
 namespace aq {
 
 /// Finds measurements of an archive that have the same levels: a copy under another name, or one
-/// stored in place of another. Not for several threads at once.
+/// stored instead of another. Not thread-safe.
 class AQ_API SameLevels {
  public:
-  /// Reports that `path` has the levels of a file that was seen before.
+  /// Reports `path` if it has the levels of a file seen before.
   void see(const std::string& path, const Checked& checked, const FindingSink& report);
 
  private:

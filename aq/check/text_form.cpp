@@ -30,7 +30,7 @@ bool isDigits(std::string_view text) {
   return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
 }
 
-/// A carriage return that is no part of a line end.
+/// A carriage return that is not part of a line end.
 bool hasBareReturn(std::string_view head) {
   std::size_t at = head.find('\r');
   while (at < head.size() && head.substr(at + 1).starts_with('\n')) at = head.find('\r', at + 1);

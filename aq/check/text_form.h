@@ -8,14 +8,14 @@
 #include "aq/check/reporter.h"
 #include "aq/core/file_failure.h"
 
-// What other programs make of a text file on its way: told once, with what mends it, instead of all
-// that follows from it.
+// What other programs do to a text file on its way: reported once, with a remedy, instead of every
+// consequence.
 namespace aq {
 
 /// The first 64 KiB of a file. Throws `platform::SystemError`.
 std::string headOf(const std::string& path);
 
-/// What UTF-8 text may begin with, and these files do not.
+/// UTF-8 text may begin with it; these files do not.
 inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 struct TextFault {
@@ -24,14 +24,14 @@ struct TextFault {
   std::size_t line = 1;
 };
 
-/// Why a file is no text of single bytes; nothing when it is.
+/// Why a file is not text of single bytes; nothing if it is.
 std::optional<TextFault> faultOfBytes(std::string_view head);
 
-/// Why a file whose kind is not known, or that does not read, is as it is; nothing when no program
-/// is known that makes it so.
+/// The likely reason why a file is of unknown kind or cannot be read; nothing if no known program
+/// causes it.
 std::optional<TextFault> faultOfLines(std::string_view head);
 
-/// Whether `text` looks like a number that was divided at its decimal comma, as in "18,5".
+/// Whether `text` looks like a number that was split at its decimal comma, as in "18,5".
 bool isDecimalComma(std::string_view text);
 
 inline constexpr std::string_view kDecimalCommaCure =

@@ -7,25 +7,25 @@
 
 namespace aq {
 
-/// How the points of a trace make one-third-octave bands 2 to 50, in rising order.
+/// How the points of a trace form one-third-octave bands 2 to 50, in ascending order.
 class BandPlan {
  public:
-  /// Of octave data: each point is a band, whose centre is 10^(n/10) Hz, its nominal or its base-2
-  /// frequency (IEC 61260-1). Points behind the last that is one, as overall levels, are left out.
-  /// Fails at any other point, where bands do not rise and where none is from 2 to 50.
+  /// For octave data: each point is a band, with its centre at 10^(n/10) Hz, its nominal or its
+  /// base-2 frequency (IEC 61260-1). Leaves out points after the last band, such as overall levels.
+  /// Fails for any other point, for bands that do not ascend, and if none is from 2 to 50.
   static BandPlan ofOctaves(std::span<const double> x);
 
-  /// Of narrow bands: points from `start` to before `end`, at most the size of `x`, are added up,
-  /// what lies on an edge in proportion. Only bands that they cover, and that are at least three of
-  /// them wide. Fails where there is no such band.
+  /// For narrow bands: adds up the points from `start` to before `end`, at most the size of `x`,
+  /// splitting a point on an edge in proportion. Uses only bands that the points cover and that are
+  /// at least three points wide. Fails if there is no such band.
   static BandPlan ofBins(std::span<const double> x, std::size_t start, std::size_t end);
 
   [[nodiscard]] std::size_t size() const { return parts_.size(); }
   [[nodiscard]] std::int16_t band(std::size_t place) const { return parts_[place].band; }
-  /// Whether bands follow each other without a gap.
+  /// Whether the bands are consecutive.
   [[nodiscard]] bool isWhole() const;
 
-  /// The value of the band at a place.
+  /// The value of the band at an index.
   [[nodiscard]] double value(std::size_t place, std::span<const double> y) const {
     const Part& part = parts_[place];
     double sum = y[part.first] * part.ofFirst;

@@ -102,7 +102,7 @@ std::shared_ptr<Collection<std::string>> AQ_DataASCII::divided(
   return fields;
 }
 
-/// The line with a placeholder for every delimiter inside a quoted field.
+/// The line with a placeholder for each delimiter inside a quoted field.
 std::string AQ_DataASCII::withPlaceholders(std::string_view line) const {
   const auto quoteBehindDelimiter = [&](std::size_t from) {
     const std::size_t at = line.find(opening_, from);

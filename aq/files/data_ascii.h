@@ -14,17 +14,18 @@
 namespace aq {
 
 /// Reads any delimited text file as lines or as lines of fields, and writes or appends such lists.
-/// The collections are shared with the caller, not copied. A failed call leaves them as they were.
+/// The collections are shared with the caller, not copied. A failed call leaves them unchanged.
 class AQ_API AQ_DataASCII : public FileClass {
  public:
   using FieldLines = Collection<std::shared_ptr<Collection<std::string>>>;
 
-  /// Reads a file into new `Fields`, one entry a line. A line divides at every delimiter; fields
-  /// lose their double quotes and outer blanks, and a blank line is one empty field. With a single
-  /// space as the delimiter, runs of spaces divide, quotes are kept, and a blank line has no field.
+  /// Reads a file into new `Fields`, one entry per line. Splits a line at every delimiter; removes
+  /// double quotes and outer blanks of fields; a blank line is one empty field. With a single space
+  /// as the delimiter, runs of spaces separate fields, quotes are kept, and a blank line has no
+  /// field.
   AQ_DataMessage readFields(const std::string& sFileName);
 
-  /// Reads a file into new `Lines`, each as it stands.
+  /// Reads a file into new `Lines`, unchanged.
   AQ_DataMessage readLines(const std::string& sFileName);
 
   [[nodiscard]] std::shared_ptr<FieldLines> Fields() const { return fields_; }
@@ -40,11 +41,11 @@ class AQ_API AQ_DataASCII : public FileClass {
   AQ_DataMessage writeLines(const std::string& sFileName);
   AQ_DataMessage appendLines(const std::string& sFileName);
 
-  /// What divides fields, "," at first. An empty text divides nothing.
+  /// The text between fields, "," at first. An empty text splits nothing.
   void Delimiter(std::string text) { delimiter_ = std::move(text); }
 
-  /// Whether fields may stand in double quotes, with delimiters inside. A quoted field begins and
-  /// ends at the delimiter in force when this is called. A "|" then reads as a delimiter.
+  /// Whether fields may be in double quotes, with delimiters inside. A quoted field begins and ends
+  /// at the delimiter set when this is called. A "|" then reads as a delimiter.
   void CommentFields(bool quoted);
 
  private:
@@ -57,8 +58,8 @@ class AQ_API AQ_DataASCII : public FileClass {
 
   std::string delimiter_ = ",";
   bool quotedFields_ = false;
-  std::string opening_;  // in front of a quoted field
-  std::string closing_;  // behind it
+  std::string opening_;  // before a quoted field
+  std::string closing_;  // after it
   std::shared_ptr<Collection<std::string>> lines_ = std::make_shared<Collection<std::string>>();
   std::shared_ptr<FieldLines> fields_ = std::make_shared<FieldLines>();
 };

@@ -22,7 +22,7 @@ namespace {
 
 using Names = std::shared_ptr<Collection<std::string>>;
 
-/// Names in an order that ignores case; those that differ in it alone, by their bytes.
+/// Names in an order that ignores case; names that differ only in case, by their bytes.
 void sort(std::vector<std::string>& names) {
   std::sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
     return std::pair(upperCased(a), std::string_view(a)) <
@@ -41,8 +41,8 @@ bool isRecording(const std::string& path) {
   }
 }
 
-/// The data header that an external converter is to print, from 1: the one that we take, or the
-/// first of a recording that only it knows.
+/// The data header that an external converter is to print, from 1: the one that we use, or the
+/// first one of a recording that only the converter understands.
 std::size_t headerToPrint(const std::string& path) {
   try {
     const auto recording = sdf::Recording::fromFile(path);

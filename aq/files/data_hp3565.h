@@ -18,46 +18,46 @@ class Recording;
 }
 
 /// Reads the recordings of an analyzer, in the Standard Data Format, as spectral time histories:
-/// one-third-octave data as it is, auto power of narrow bands added up to bands
-/// (docs/formats/analyzer-recording.md). What somebody who uses the levels should know is a comment
-/// line of the header each.
+/// one-third-octave data unchanged, auto power of narrow bands summed to bands
+/// (docs/formats/analyzer-recording.md). Each fact that matters to users of the levels becomes a
+/// comment line of the header.
 class AQ_API AQ_DataHP3565 : public FileClass {
  public:
   /// Lists the files of an analyzer's folder, without the folder: names that begin with INDEX,
   /// those that begin with TIMEDAT, and others that end in .DAT, in any case and sorted without
-  /// regard to it. Folders are not listed. When the folder cannot be read, nothing is changed.
+  /// regard to it. Does not list folders. Changes nothing if the folder cannot be read.
   AQ_DataMessage readDirectory(const std::string& sDirectory,
                                std::shared_ptr<Collection<std::string>>& colIndex,
                                std::shared_ptr<Collection<std::string>>& colTimeDat,
                                std::shared_ptr<Collection<std::string>>& colRecordings);
 
-  /// Writes a recording as text, by the external converter if one is set. When it fails, there is
-  /// no new text file, and an old one is as it was. A recording is never replaced.
+  /// Writes a recording as text, by the external converter if one is set. A failure creates no text
+  /// file and leaves an existing one unchanged. Never replaces a recording.
   AQ_DataMessage DAT_to_ASC(const std::string& sDatFile, const std::string& sAscFile);
 
-  /// Reads the text of a recording; one of values alone with the headers of the .HDR file beside
-  /// it. When it fails, neither object is set.
+  /// Reads the text of a recording; takes the headers of a text that has only values from the .HDR
+  /// file in the same folder. A failure sets neither object.
   AQ_DataMessage ParseASC(const std::string& sAscFile, std::shared_ptr<AQ_HeaderSTH>& aqHeader,
                           std::shared_ptr<AQ_SpectralTimeHistory>& STH);
 
-  /// Reads a recording. When it fails, neither object is set.
+  /// Reads a recording. A failure sets neither object.
   AQ_DataMessage readFile(const std::string& sDatFile, std::shared_ptr<AQ_HeaderSTH>& aqHeader,
                           std::shared_ptr<AQ_SpectralTimeHistory>& STH);
 
-  /// The path of an external converter, which is run without a shell; empty for our own.
+  /// The path of an external converter, which is run without a shell; empty for the built-in one.
   [[nodiscard]] const std::string& SDFPRINT() const { return converter_; }
   void SDFPRINT(std::string path) { converter_ = std::move(path); }
 
-  /// The trace of each scan, from 1. A read fails where the recording does not have it.
+  /// The trace of each scan, from 1. Reading fails if the recording does not have it.
   [[nodiscard]] std::int16_t Channel() const { return channel_; }
   void Channel(std::int16_t channel) { channel_ = channel; }
 
-  /// Seconds from record to record where scans have no time of their own. Throws `InvalidValue` for
-  /// what is not above 0.
+  /// Seconds from record to record if scans have no time of their own. Throws `InvalidValue` for a
+  /// value that is not above 0.
   [[nodiscard]] double RecordLength() const { return recordLength_; }
   void RecordLength(double seconds);
 
-  /// Decibels added to every level. Throws `InvalidValue` for what is not finite.
+  /// Decibels added to every level. Throws `InvalidValue` for a value that is not finite.
   [[nodiscard]] double CalAdj() const { return calibration_; }
   void CalAdj(double decibels);
 

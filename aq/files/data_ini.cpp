@@ -17,7 +17,7 @@ constexpr std::string_view kFileName = "FileName";
 constexpr std::string_view kFileDateTime = "FileDateTime";
 constexpr std::string_view kComments = "NumberOfCommentLines";
 
-/// One parameter: its keyword, what it expects, its text, none when it is not set, and how a text
+/// One parameter: its keyword, what it expects, its text (none if it is not set), and how a text
 /// sets it.
 struct Parameter {
   std::string_view keyword;
@@ -32,14 +32,14 @@ std::optional<std::string> textUnlessZero(Number value) {
   return numberText(value);
 }
 
-/// The word of an enumeration, nothing for the value that says that it is not set.
+/// The word of an enumeration member, nothing for the value that means not set.
 template <class Enumeration>
 std::optional<std::string> wordUnless(Enumeration notSet, Enumeration value) {
   if (value == notSet) return std::nullopt;
   return std::string(wordOf(value));
 }
 
-/// A word that is not known gives the enumeration's first member, as in a new history.
+/// An unknown word gives the enumeration's first member, as in a new history.
 template <class Enumeration>
 Enumeration valueOf(std::string_view word) {
   Enumeration value{};
@@ -69,7 +69,7 @@ const Parameter kParameters[] = {
      [](AQ_DataINI& p, Text text) { p.HiRec(int16From(text)); }},
 };
 
-/// The keyword that `upperCase` stands for; empty when there is none.
+/// The keyword that matches `upperCase`; empty if there is none.
 std::string_view keywordOf(std::string_view upperCase) {
   for (const std::string_view keyword : {kFileName, kFileDateTime, kComments}) {
     if (upperCase == upperCased(keyword)) return keyword;
@@ -80,7 +80,7 @@ std::string_view keywordOf(std::string_view upperCase) {
   return {};
 }
 
-/// Takes `count` comment lines, each up to its first comma; empty ones are dropped.
+/// Takes `count` comment lines, each up to its first comma; drops empty ones.
 void readComments(std::int16_t count, LineReader& lines, const HeaderObserver& watch,
                   Collection<std::string>& comments) {
   for (std::int32_t i = 1; i <= count; ++i) {
@@ -98,8 +98,8 @@ void readDateTime(FieldReader& fields, AQ_Time& time) {
   time.TODstring(fields.convert("a time hh:mm:ss", clockTimeFrom));
 }
 
-/// Takes one line, and those that belong to it. Keywords are known in any case; unknown ones and
-/// lines without one are passed over.
+/// Takes one line, and those that belong to it. Keywords match in any case; skips unknown ones and
+/// lines without one.
 void readLine(LineReader& lines, const HeaderObserver& watch, AQ_DataINI& parameters) {
   FieldReader fields(lines);
   const std::string_view key = keywordOf(upperCased(keywordIn(fields.text("a keyword"))));

@@ -22,16 +22,16 @@ class AQ_API AQ_DataINI : public FileClass {
   /// What the first line of a file names as its type.
   static constexpr std::string_view kTitle = "Variable Initialization File";
 
-  /// `NuTimg` while it is not set.
+  /// The value of `NuTimg` while it is not set.
   static constexpr auto kTimingNotSet = static_cast<AQ_TimeStampType>(99);
 
   /// Writes the parameters that are set, replacing the file; `FileName` becomes its name. Throws,
   /// and writes nothing, for a number that is not finite (`InvalidValue`).
   AQ_DataMessage writeFile(const std::string& sFileName);
 
-  /// Reads parameters by their keywords, in any order. `NuAvg` and `NuTimg` are not set unless the
-  /// file sets them; everything else that the file does not name keeps its value, and comments are
-  /// added to those there are. A failure keeps what was read in front of it.
+  /// Reads parameters by their keywords, in any order. Unsets `NuAvg` and `NuTimg` unless the file
+  /// sets them; everything else that the file does not name keeps its value, and comments are added
+  /// to the existing ones. A failure keeps what was read before it.
   AQ_DataMessage readFile(const std::string& sFileName);
 
   /// Calibration adjustment, decibels; 0 is not written.
@@ -42,13 +42,13 @@ class AQ_API AQ_DataINI : public FileClass {
   [[nodiscard]] AQ_AverageMethod NuAvg() const { return averaging_; }
   void NuAvg(AQ_AverageMethod method) { averaging_ = method; }
 
-  /// Windows in front of and behind the event, seconds; 0 is not written.
+  /// Windows before and after the event, seconds; 0 is not written.
   [[nodiscard]] float PrWndo() const { return before_; }
   void PrWndo(float window) { before_ = window; }
   [[nodiscard]] float PoWndo() const { return after_; }
   void PoWndo(float window) { after_ = window; }
 
-  /// Timing convention; 99, which is no member of the enumeration, when not set.
+  /// Timing convention; 99, which is not a member of the enumeration, when not set.
   [[nodiscard]] AQ_TimeStampType NuTimg() const { return timing_; }
   void NuTimg(AQ_TimeStampType type) { timing_ = type; }
 

@@ -97,7 +97,8 @@ std::int32_t recordFrom(std::string_view text) {
   return plain.length == text.size() && plain.length != 0 ? plain.value : int32From(text);
 }
 
-/// The levels of one record; a band without one lies between others, or is left out at an end.
+/// The levels of one record; a band without a level is a gap between others, or is left out at an
+/// end.
 class LevelRow {
  public:
   LevelRow(std::int16_t low, std::int16_t high)
@@ -140,7 +141,7 @@ class LevelRow {
   std::vector<std::optional<double>> levels_;
 };
 
-/// The date of each record: it goes on by a day where the time of day falls back.
+/// The date of each record: advances by a day where the time of day falls back.
 class RecordDates {
  public:
   explicit RecordDates(double date) : date_(date) {}
@@ -156,7 +157,7 @@ class RecordDates {
   double before_ = 0;
 };
 
-/// Empty lines after the last record are passed over.
+/// Skips empty lines after the last record.
 void expectOnlyBlanks(LineReader& lines) {
   while (lines.next()) {
     if (trimmed(lines.line()).empty()) continue;
@@ -242,8 +243,8 @@ void AQ_DataSPC::RecordLength(const Variant& seconds) {
   settings_.recordLength = length;
 }
 
-/// The settings, with the ends of what there is where they are 0. The history's `LoRec` and `HiRec`
-/// do not count: a 0 in them reads as another number.
+/// The settings, with a 0 replaced by the first or last stored number. Does not use the history's
+/// `LoRec` and `HiRec`: a 0 in them reads as another number.
 AQ_DataSPC::Settings AQ_DataSPC::chosen(const AQ_SpectralTimeHistory& history) const {
   Settings chosen = settings_;
   std::optional<std::int16_t> first;

@@ -23,17 +23,17 @@ class AQ_API AQ_DataSPC : public FileClass {
   /// The first line of a file begins with these bytes.
   static constexpr std::string_view kBeginning = "SPC                 ";
 
-  /// What the header of the next file says, shared; with none, a file's texts are empty.
+  /// The header of the next file, shared; without one, the file's texts are empty.
   void setHeader(const std::shared_ptr<AQ_HeaderSTH>& aqHeader) { header_ = aqHeader; }
 
-  /// Seconds from a record to the next; 0.5 at first. A read stores the file's. Throws
-  /// `InvalidValue`, and keeps its value, unless it is above 0 and below 1000; `TypeMismatch` for
-  /// what is no number.
+  /// Seconds from one record to the next; 0.5 at first. A read stores the file's. Throws, and keeps
+  /// the old value, unless above 0 and below 1000 (`InvalidValue`), or if not a number
+  /// (`TypeMismatch`).
   [[nodiscard]] double RecordLength() const { return settings_.recordLength; }
   void RecordLength(const Variant& seconds);
 
-  // Which part of a history is written: 0, as at first, is the end of what there is, of bands over
-  // all records that are written. A read stores the file's.
+  // Which part of a history is written: 0, the default, means the first or last record stored, and
+  // the lowest or highest band of all records written. A read stores the file's.
   [[nodiscard]] std::int16_t NumberFirstRecord() const { return settings_.first; }
   void NumberFirstRecord(std::int16_t nRecord) { settings_.first = nRecord; }
   [[nodiscard]] std::int16_t NumberLastRecord() const { return settings_.last; }
@@ -43,15 +43,15 @@ class AQ_API AQ_DataSPC : public FileClass {
   [[nodiscard]] std::int16_t BandHigh() const { return settings_.high; }
   void BandHigh(std::int16_t nBand) { settings_.high = nBand; }
 
-  /// Writes the chosen part, replacing the file. Throws, and writes nothing, when a record of it is
-  /// missing, or there is none (`InvalidArgument`); when there is no level and no setting of bands,
-  /// a level, a time or a word does not fit its columns, bands are not between 2 and 50, or a text
-  /// of the header has a line end or, outside other records and comments, a tab (`InvalidValue`);
-  /// when a level is no number (`TypeMismatch`).
+  /// Writes the chosen part, replacing the file. Throws, and writes nothing, when one of its
+  /// records is missing, or there is none (`InvalidArgument`); when there is no level and no
+  /// setting of bands, a level, a time or a word does not fit its columns, bands are not between 2
+  /// and 50, or a text of the header has a line end or, outside other records and comments, a tab
+  /// (`InvalidValue`); when a level is not a number (`TypeMismatch`).
   AQ_DataMessage writeFile(const std::string& sFileName, AQ_SpectralTimeHistory& aqTimeHistory);
 
-  /// Reads a file into a new header and a new history. When the header fails, neither is set, and
-  /// no setting either; when a record fails, only the header and the settings are.
+  /// Reads a file into a new header and a new history. When the header fails, sets neither, nor any
+  /// setting; when a record fails, sets only the header and the settings.
   AQ_DataMessage readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderSTH>& aqHeader,
                           std::shared_ptr<AQ_SpectralTimeHistory>& STH);
 
@@ -73,8 +73,8 @@ class AQ_API AQ_DataSPC : public FileClass {
   Settings settings_;
 };
 
-/// Whether a file gives back the dates that records of a history have: each is that of `startTime`,
-/// and goes on by a day where the time of day falls back. Records without a date do not count.
+/// Whether a file restores the dates of a history's records: each is that of `startTime`, a day
+/// later each time the time of day falls back. Ignores records without a date.
 [[nodiscard]] AQ_API bool keepsDates(AQ_SpectralTimeHistory& history);
 
 }  // namespace aq

@@ -19,14 +19,14 @@ void header(Lines& lines, AQ_HeaderSSR& header) {
   lines.lines("NumberOfCommentLines", header.cCommentLines);
 }
 
-/// The band of a label such as "B17/50Hz": what stands between its first character and its slash.
+/// The band of a label such as "B17/50Hz": the text between its first character and its slash.
 std::int16_t bandOf(std::string_view label) {
   const std::size_t slash = label.find('/', 1);
   if (slash == label.npos) throw Error(ErrorCode::InvalidArgument, "a label without a slash");
   return int16From(label.substr(1, slash - 1));
 }
 
-/// The first and the last label decide; those between are not looked at.
+/// The first and the last label decide; those between are ignored.
 LevelColumns columnsFrom(FieldReader labels) {
   constexpr const char* kExpected = "a band label";
   LevelColumns columns;

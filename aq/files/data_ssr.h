@@ -19,14 +19,14 @@ class AQ_API AQ_DataSSR : public FileClass {
   static constexpr std::string_view kTitle = "Spectrum Record";
 
   /// Writes a spectrum, replacing the file; the header gets the file's name. Throws, and writes
-  /// nothing, when a band has no label or no level (`InvalidArgument`), a level is no number
+  /// nothing, when a band has no label or no level (`InvalidArgument`), a level is not a number
   /// (`TypeMismatch`) or not finite (`InvalidValue`), or there is no header (`ObjectNotSet`).
   AQ_DataMessage writeFile(const std::string& sFileName,
                            const std::shared_ptr<AQ_HeaderSSR>& aqHeader,
                            const AQ_Spectrum& spectrum);
 
-  /// Reads a file into a new spectrum and a new header. When the header fails, neither is set; when
-  /// the labels or the levels fail, only the header is.
+  /// Reads a file into a new spectrum and a new header. When the header fails, sets neither; when
+  /// the labels or the levels fail, sets only the header.
   AQ_DataMessage readFile(const std::string& sFileName, std::shared_ptr<AQ_Spectrum>& specNew,
                           std::shared_ptr<AQ_HeaderSSR>& ssrHeader);
   AQ_DataMessage readFile(const std::string& sFileName, std::shared_ptr<AQ_Spectrum>& specNew);

@@ -15,7 +15,7 @@ namespace aq {
 namespace {
 
 constexpr std::string_view kFirstHeading = "Rec#";
-// The heading names these bands whatever the records hold: hosts rely on it.
+// The heading always names these bands, even if the records hold others: hosts rely on it.
 constexpr std::int16_t kHeadingLow = 17;
 constexpr std::int16_t kHeadingHigh = 40;
 

@@ -21,19 +21,19 @@ class AQ_API AQ_DataSTH : public FileClass {
 
   /// Writes records `LoRec` to `HiRec`, replacing the file; the header gets the file's name.
   /// Throws, and writes nothing, when a record of the range is missing (`InvalidArgument`), a level
-  /// is no number (`TypeMismatch`) or not finite, a time of day has no clock form (`InvalidValue`),
-  /// or an object is missing (`ObjectNotSet`).
+  /// is not a number (`TypeMismatch`) or not finite, a time of day has no clock form
+  /// (`InvalidValue`), or an object is missing (`ObjectNotSet`).
   AQ_DataMessage writeFile(const std::string& sFileName,
                            const std::shared_ptr<AQ_HeaderSTH>& aqHeader,
                            AQ_SpectralTimeHistory& aqTimeHistory);
 
-  /// Reads a file into a new header and a new history. When the header fails, neither is set; when
-  /// a record fails, only the header is.
+  /// Reads a file into a new header and a new history. When the header fails, sets neither; when a
+  /// record fails, sets only the header.
   AQ_DataMessage readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderSTH>& aqHeader,
                           std::shared_ptr<AQ_SpectralTimeHistory>& STH);
 
-  /// The header's lines as they stand, up to the column headings. False, with `colHeader` as it
-  /// was, when the file cannot be read, is of another kind or ends with its column headings.
+  /// The header's lines, unchanged, up to the column headings. Returns false and leaves `colHeader`
+  /// unchanged if the file cannot be read, is of another kind or ends with its column headings.
   bool getRawHeader(const std::string& sFileName,
                     std::shared_ptr<Collection<std::string>>& colHeader);
 

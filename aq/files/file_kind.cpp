@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kLookedAt = std::size_t{64} * 1024;
 
-/// The kind whose title or beginning it is; `Unknown` if none.
+/// The kind with that title or beginning; `Unknown` if there is none.
 FileKind kindOfFirstLine(std::string_view line, std::string_view title) {
   auto kind = FileKind::Unknown;
   forFormats([&]<class File, class Header, class Model>(const Format<File, Header, Model>& format) {
@@ -39,8 +39,8 @@ bool isTrackingLine(const LineReader& lines) {
   }
 }
 
-/// `lines` stands at the first line. One good fix among the first ten is enough: the reader then
-/// says what is wrong with the others.
+/// `lines` is at the first line. One good fix among the first ten is enough: the reader then
+/// reports what is wrong with the others.
 FileKind kindByShape(LineReader& lines) {
   constexpr std::size_t kLast = kTrackingHeaderLines + 10;
   while (lines.number() < kLast && lines.next()) {

@@ -21,9 +21,9 @@ enum class FileKind {
   AnalyzerRecording,
 };
 
-/// What a file is: by the title in its first line or how that begins, or as a tracking file by the
-/// shape of the lines behind its header. Looks at no more than its first 64 KiB. A file that cannot
-/// be read is `Unknown`.
+/// The kind of a file, from its title in the first line or the start of that line, or for a
+/// tracking file from the shape of the lines after its header. Reads at most the first 64 KiB. A
+/// file that cannot be read is `Unknown`.
 [[nodiscard]] AQ_API FileKind kindOfFile(const std::string& path);
 
 }  // namespace aq

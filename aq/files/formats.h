@@ -19,11 +19,11 @@
 #include "aq/masking/data_mask.h"
 #include "aq/text/call_file.h"
 
-// The formats, once: whoever serves all of them goes through this list.
+// The one list of formats: code that serves all of them uses this list.
 
 namespace aq {
 
-/// What a file of some format holds. `Header` is void where the format has none of its own.
+/// What a file of a format holds. `Header` is void if the format has none of its own.
 template <class Header_, class Model_>
 struct Content {
   using Header = Header_;
@@ -38,9 +38,9 @@ struct Content<void, Model_> {
   std::shared_ptr<Model> model = {};
 };
 
-/// A kind of file: how it is named, the class that reads it and, with some, writes it, and what
-/// such a file holds. Files that name their type do so by
-/// `File::kTitle`; others may begin with `File::kBeginning`.
+/// A kind of file: its names, the class that reads it and, for some, writes it, and what such a
+/// file holds. Files that name their type do so by `File::kTitle`; others may begin with
+/// `File::kBeginning`.
 template <class File_, class Header_, class Model_>
 struct Format {
   using File = File_;
@@ -51,7 +51,7 @@ struct Format {
   FileKind kind;
   std::string_view text;    ///< in words, as in "spectral time history"
   std::string_view word;    ///< in one, as in "history"
-  std::string_view ending;  ///< that names of such files have, as a habit
+  std::string_view ending;  ///< that names of such files usually have
 };
 
 inline constexpr std::tuple kFormats{
@@ -99,7 +99,7 @@ template <class Model>
 using FormatOf = decltype(std::apply(
     [](const auto&... formats) { return formatOf<Model>(formats...); }, kFormats));
 
-/// As in "spectral time history"; "unknown" for a kind that is no format's.
+/// As in "spectral time history"; "unknown" for a kind without a format.
 [[nodiscard]] constexpr std::string_view kindText(FileKind kind) {
   std::string_view text = "unknown";
   forFormats([&](const auto& format) {
@@ -108,8 +108,8 @@ using FormatOf = decltype(std::apply(
   return text;
 }
 
-/// Reads a file of the format of `file` into new objects. What a failure leaves of them is the file
-/// class's to say.
+/// Reads a file of the format of `file` into new objects. The file class defines what a failure
+/// leaves of them.
 template <class File, class Header, class Model>
 [[nodiscard]] AQ_DataMessage readContent(File& file, const std::string& path,
                                          Content<Header, Model>& content) {
@@ -120,7 +120,7 @@ template <class File, class Header, class Model>
   } else if constexpr (std::is_void_v<Header>) {
     return readInto(file, path, content.model);
   } else {
-    // Where the caller's object is filled, there has to be one.
+    // A class that fills the caller's object needs one.
     if constexpr (fillsCallers<File, Header, Model>) content.model = std::make_shared<Model>();
     return readInto(file, path, content.header, content.model);
   }

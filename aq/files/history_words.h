@@ -13,12 +13,12 @@
 
 namespace aq {
 
-/// The words of a history file's header that stand for members of enumerations. `AQ_DataSTH` reads
-/// a word that it does not know as another, and leaves the reference time type at `AQ_START_REF`,
-/// as hosts know it; who writes the history again has the header watched.
+/// The words of a history file's header that name members of enumerations. `AQ_DataSTH` reads an
+/// unknown word as another one, and leaves the reference time type at `AQ_START_REF`: hosts rely on
+/// it. Code that writes the history again observes the header with this class.
 class AQ_API HistoryWords {
  public:
-  /// A word that no enumeration has, and the one as which it would be written.
+  /// An unknown word, and the word that would be written instead.
   struct Other {
     std::size_t line;
     std::string_view what;
@@ -29,14 +29,14 @@ class AQ_API HistoryWords {
   /// Takes the line's word, if it has one: for `observeHeader`.
   void see(const HeaderLine& line);
 
-  /// The word of the reference time type as it is written; empty when there was none.
+  /// The word of the reference time type as in the file; empty if there was none.
   [[nodiscard]] const std::string& reference() const { return reference_.text; }
 
-  /// What that word stands for, in any case; nothing if it is no word of the interface.
+  /// The member with that word, in any case; nothing for an unknown word.
   [[nodiscard]] std::optional<AQ_RefTimeType> referenceType() const;
 
-  /// Gives a history that was read meanwhile the reference time type, if it is known. Gives the
-  /// words that are not, in the order of their lines.
+  /// Sets the reference time type, if known, of a history that was read meanwhile. Returns the
+  /// unknown words in the order of their lines.
   std::vector<Other> takeInto(AQ_SpectralTimeHistory& history) const;
 
  private:

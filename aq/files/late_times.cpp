@@ -6,7 +6,7 @@ namespace aq {
 namespace {
 
 bool isLate(double seconds) {
-  constexpr double kFirst = 0.99;  // of a second; with five digits before the point two are left
+  constexpr double kFirst = 0.99;  // of a second; five digits before the point leave two after it
   if (!(seconds >= 0 && seconds < kSecondsPerDay)) return false;
   if (seconds - std::floor(seconds) < kFirst) return false;
   AQ_Time time;

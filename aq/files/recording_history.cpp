@@ -22,7 +22,7 @@ using sdf::kMeasurement;
 using sdf::Record;
 using sdf::Recording;
 
-constexpr int kLongs = 3;  // the revision since which counts have 32 bits
+constexpr int kLongs = 3;  // the first revision with 32-bit counts
 
 /// The minute in which a recording was started.
 AQ_Time startOf(const Record& file) {
@@ -49,7 +49,7 @@ AQ_Time startOf(const Record& file) {
   return start;
 }
 
-/// `start`, and so many seconds more.
+/// `start` plus that many seconds.
 AQ_Time later(const AQ_Time& start, double seconds) {
   const double whole = start.TODseconds() + seconds;
   const double days = std::floor(whole / kSecondsPerDay);
@@ -67,14 +67,14 @@ AQ_AverageMethod averageOf(const Recording& recording) {
   return type == kExponential ? AQ_CONTEXPO : AQ_NA;
 }
 
-/// Gives the levels of one scan after another.
+/// Computes the levels of one scan after another.
 class LevelReader {
   static constexpr double kNoLevel = std::numeric_limits<double>::quiet_NaN();
 
  public:
   LevelReader(const Recording& recording, const RecordingTrace& trace, double calibration)
       : recording_(recording), trace_(trace) {
-    // Auto power of a spectrum is the square of a peak; octaves are taken as the square of an rms.
+    // Auto power of a spectrum is the square of a peak; octave data is the square of an rms value.
     constexpr double kHalf = 0.5;
     constexpr double kReference = 20e-6;  // Pa
     power_ = trace.set->header.integer(kData["yIsPowerData"]) != 0;
@@ -105,7 +105,7 @@ class LevelReader {
     for (double& level : levels_) {
       level = level > 0 ? factor_ * std::log10(level) + constant_ : kNoLevel;
     }
-    // Of a finite value, the logarithm is finite.
+    // The logarithm of a finite value is finite.
     if (!std::isfinite(constant_)) failAt(0, scan, constant_);
     if (whole) return spectrum.assignLevels(plan_.band(0), levels_);
     for (std::size_t i = 0; i < plan_.size(); ++i) {
@@ -139,7 +139,7 @@ class LevelReader {
                             std::min(static_cast<std::size_t>(stop) + 1, x.size()));
   }
 
-  /// What the level of a band is the logarithm of; the band has none unless it is above 0.
+  /// The value whose logarithm is the level of a band; the band has no level unless it is above 0.
   [[nodiscard]] double valueOf(std::size_t place, std::size_t scan) const {
     const double value = plan_.value(place, values_);
     if (!std::isfinite(value)) failAt(place, scan, value);

@@ -10,19 +10,19 @@
 
 namespace aq {
 
-/// What a host chooses for the levels of a recording.
+/// A host's settings for the levels of a recording.
 struct RecordingSettings {
   std::int16_t channel = 1;
-  double recordLength = 0.5;  ///< seconds, where scans have no time of their own
+  double recordLength = 0.5;  ///< seconds, used if scans have no time of their own
   double calibration = 0;     ///< dB added to every level
 };
 
-/// The header of the history that a recording gives. Throws `ReadFailure`.
+/// The header of the history of a recording. Throws `ReadFailure`.
 [[nodiscard]] std::shared_ptr<AQ_HeaderSTH> headerOf(const sdf::Recording& recording,
                                                      const std::string& file,
                                                      const RecordingSettings& settings);
 
-/// The levels of one trace of a recording, a record a scan. Throws `ReadFailure`.
+/// The levels of one trace of a recording, one record per scan. Throws `ReadFailure`.
 [[nodiscard]] std::shared_ptr<AQ_SpectralTimeHistory> historyOf(const sdf::Recording& recording,
                                                                 const RecordingSettings& settings);
 

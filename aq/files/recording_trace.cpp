@@ -32,7 +32,7 @@ bool isData(const TraceSet& set, std::int32_t domain, std::int32_t type) {
          set.header.integer(kData["dataType"]) == type;
 }
 
-/// Whether the points are third octaves, one after another.
+/// Whether the points are consecutive third octaves.
 bool hasThirdOctaves(const Recording& recording, const TraceSet& set) {
   if (set.traces == 0) return false;
   try {
@@ -43,7 +43,7 @@ bool hasThirdOctaves(const Recording& recording, const TraceSet& set) {
   }
 }
 
-/// The record of that number; nothing for -1.
+/// The record with that number; nothing for -1.
 const Record* numbered(const std::vector<Record>& records, const Record& by, std::int64_t number,
                        const char* what) {
   if (number == -1) return nullptr;
@@ -62,7 +62,7 @@ const Record* vectorOf(const Recording& recording, const TraceSet& set, std::siz
   return numbered(vectors, set.header, first < 0 ? first : number, "vectors");
 }
 
-/// What power data of narrow bands lacks of the power of a noise, as the factor of an amplitude.
+/// The amplitude factor by which power data of narrow bands falls short of the power of a noise.
 double windowFactor(const Record& channel) {
   const Record window = channel.part(kChannel["window"]);
   const double wide = window.real(kWindow["wideBandCorr"]);
@@ -71,7 +71,7 @@ double windowFactor(const Record& channel) {
   return applied == kNarrow ? wide / window.real(kWindow["narrowBandCorr"]) : wide;
 }
 
-/// The part of a channel in the correction of a trace.
+/// The contribution of a channel to the correction of a trace.
 double factorOf(const Record& channel, double power, bool narrow) {
   constexpr double kWholePower = 48;
   const double internal = channel.real(kChannel["int2engrUnit"]);

@@ -16,10 +16,10 @@ namespace aq {
 /// numbers start at 0.
 class AQ_API AQ_Geometry {
  public:
-  double SRe = 0;     ///< slant range, m at emission
+  double SRe = 0;     ///< slant range at emission, m
   float THETAe = 0;   ///< between direction of flight and line to the microphone, degrees, 0 to 180
   float BETAe = 0;    ///< of that line about the direction of flight, degrees, -180 to 180
-  double Tprope = 0;  ///< propagation time, s from emission to measurement
+  double Tprope = 0;  ///< from emission to measurement, s
   double debugTime = 0;  ///< s, free for diagnostics; written, but neither read back nor copied
 
   /// A deep copy, without `debugTime`: hosts rely on it. Creates the position and times of this

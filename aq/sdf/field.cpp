@@ -11,7 +11,7 @@ char plain(char c) {
   return kept ? c : '_';
 }
 
-/// A word in capitals, other characters than letters and digits as "_".
+/// A word in capitals, with "_" for characters other than letters and digits.
 std::string plainWord(std::string_view word) {
   std::string text(word.size(), '_');
   std::transform(word.begin(), word.end(), text.begin(), plain);

@@ -10,28 +10,28 @@
 
 namespace aq::sdf {
 
-/// A number that stands for one of several things, and its word in the instrument's own text.
+/// A coded number and its word in the instrument's own text.
 struct Code {
   std::int16_t number;
   std::string_view word;
   std::string_view otherWord = {};
 };
 
-/// The codes of a field. What every word of it begins or ends with, as "_DATA", may be left out
-/// when it is read.
+/// The codes of a field. A prefix or suffix that every word has, such as "_DATA", is optional when
+/// read.
 struct Codes {
   std::span<const Code> codes;
   std::string_view affix;
 };
 
-/// What a number of no code, or a word of none, stands for.
+/// Marks a number or a word without a code.
 inline constexpr std::int16_t kUnknownCode = -99;
 
-/// The word for `number`; empty when there is none.
+/// The word for `number`; empty if there is none.
 [[nodiscard]] AQ_API std::string_view wordOf(const Codes& codes, std::int32_t number);
 
-/// The number of a word, in any case, with blanks or underscores between its parts;
-/// `kUnknownCode` when there is none.
+/// The number of a word, in any case, with blanks or underscores between its parts; `kUnknownCode`
+/// if there is none.
 [[nodiscard]] std::int16_t numberOf(const Codes& codes, std::string_view word);
 
 /// How a field is stored. Numbers are big-endian; a text ends at its first NUL, if it has one.
@@ -46,7 +46,7 @@ struct Field {
   const Codes* codes = nullptr;
 };
 
-/// Bytes of one element, of a text its only one.
+/// Bytes of one element, 1 for a text.
 [[nodiscard]] constexpr std::size_t sizeOf(const Field& field) {
   switch (field.type) {
     case Type::Short: return 2;
@@ -60,7 +60,7 @@ struct Field {
   }
 }
 
-/// Where a field ends in its record.
+/// The end of a field in its record.
 [[nodiscard]] constexpr std::size_t endOf(const Field& field) {
   const std::size_t elements = field.type == Type::Text ? 1 : field.count;
   return field.first - 1 + elements * sizeOf(field);

@@ -10,8 +10,8 @@
 #include "aq/sdf/codes.h"
 #include "aq/sdf/field.h"
 
-// The records of the Standard Data Format, each field named once: what is read of a file, what its
-// text has, and what hosts show, comes from these lists.
+// The records of the Standard Data Format, each field named once: reading a file, its text, and
+// what hosts show all use these lists.
 namespace aq::sdf {
 
 enum class RecordType : std::int16_t {
@@ -29,7 +29,7 @@ enum class RecordType : std::int16_t {
   Unique = 1000,  // to 2000, the instrument's own
 };
 
-/// Bytes of the two fields that every record begins with: its type and its whole size.
+/// Bytes of the two fields at the start of every record: its type and its total size.
 inline constexpr std::size_t kRecordHead = 6;
 
 template <std::size_t n>
@@ -38,7 +38,7 @@ struct Layout {
   RecordType type;
   std::array<Field, n> fields;
 
-  /// The field of that name; none does not compile.
+  /// The field of that name; an unknown name does not compile.
   consteval const Field& operator[](std::string_view field) const {
     for (const Field& one : fields) {
       if (one.name == field) return one;
@@ -59,19 +59,19 @@ struct AnyLayout {
   std::span<const Field> fields;
 };
 
-/// The layout of records of that type, of `Unique` for all that are the instrument's own.
+/// The layout of records of that type; that of `Unique` for all of the instrument's own.
 [[nodiscard]] AQ_API const AnyLayout& layoutOf(RecordType type);
 
-/// As above, by its name in the instrument's text; nothing for any other text.
+/// As above, by the name in the instrument's text; nothing for any other text.
 [[nodiscard]] const AnyLayout* layoutNamed(std::string_view name);
 
-/// The parts of a field that has some: of a unit or of a window. Their bytes count from its own.
+/// The parts of a unit or window field. Their bytes count from its start.
 [[nodiscard]] AQ_API std::span<const Field> partsOf(const Field& field);
 
 inline constexpr auto kUnit = layout("SDF_UNIT", {},
                                      {{"label", 1, Type::Text, 10},
                                       {"factor", 11, Type::Float},  // to the SI unit
-                                      // Each is twice the exponent.
+                                      // Each is twice its exponent.
                                       {"mass", 15, Type::Byte},
                                       {"length", 16, Type::Byte},
                                       {"time", 17, Type::Byte},
@@ -144,7 +144,7 @@ inline constexpr auto kData =
             {"xdata_type", 45, Type::Short, 1, &codes::kNumber},
             {"xPerPoint", 47, Type::Short},
             {"ydata_type", 49, Type::Short, 1, &codes::kNumber},
-            {"yPerPoint", 51, Type::Short},  // a real and an imaginary part count as one
+            {"yPerPoint", 51, Type::Short},  // a real and an imaginary part count as one value
             {"yIsComplex", 53, Type::Short},
             {"yIsNormalized", 55, Type::Short},
             {"yIsPowerData", 57, Type::Short},
@@ -186,7 +186,7 @@ inline constexpr auto kChannel =
             {"overloaded", 105, Type::Short, 1, &codes::kOverload},
             {"intLabel", 107, Type::Text, 10},
             {"engUnit", 117, Type::Unit},
-            {"int2engrUnit", 139, Type::Float},  // internal units for each engineering unit
+            {"int2engrUnit", 139, Type::Float},  // internal units per engineering unit
             {"inputImpedance", 143, Type::Float},
             {"channelAttribute", 147, Type::Short, 1, &codes::kAttribute},
             {"aliasProtected", 149, Type::Short},

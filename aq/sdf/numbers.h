@@ -13,14 +13,14 @@
 
 namespace aq::sdf {
 
-/// The number whose bytes, the highest first, begin at `at`.
+/// The big-endian number at `at`.
 template <class Number>
 [[nodiscard]] Number numberAt(const char* at) {
   using Bits = std::conditional_t<
       sizeof(Number) == 8, std::uint64_t,
       std::conditional_t<sizeof(Number) == 4, std::uint32_t,
                          std::conditional_t<sizeof(Number) == 2, std::uint16_t, std::uint8_t>>>;
-  // One expression, which compilers take for the one load that it is.
+  // A single expression, which compilers turn into one load.
   const auto bits = [at]<std::size_t... i>(std::index_sequence<i...>) {
     return static_cast<Bits>((
         (std::uint64_t{static_cast<unsigned char>(at[i])} << 8U * (sizeof(Number) - 1 - i)) | ...));
@@ -59,7 +59,7 @@ struct Numbers {
   const char* at = nullptr;
   std::size_t count = 0;
   NumberType type = NumberType::Double;
-  std::size_t step = 1;  ///< numbers from one that counts to the next
+  std::size_t step = 1;  ///< numbers from one that is used to the next
 
   [[nodiscard]] double operator[](std::size_t place) const {
     double number = 0;
@@ -67,7 +67,7 @@ struct Numbers {
     return number;
   }
 
-  /// Fills `numbers`, which has room for no more than there are.
+  /// Fills `numbers`, which must not be larger than the stored values.
   void copyTo(std::span<double> numbers) const {
     switch (type) {
       case NumberType::Short: return copy<std::int16_t>(numbers);
@@ -91,15 +91,15 @@ struct Numbers {
 /// The nearest float; infinite beyond the range of floats.
 [[nodiscard]] inline float floatOf(double number) {
   constexpr float kMost = std::numeric_limits<float>::max();
-  constexpr double kNone = 0x1.ffffffp127;  // rounds to the power of two that no float has
+  constexpr double kNone = 0x1.ffffffp127;  // rounds to a power of two outside the range of float
   const double size = std::abs(number);
   if (!(size > static_cast<double>(kMost))) return static_cast<float>(number);
   const float most = size < kNone ? kMost : std::numeric_limits<float>::infinity();
   return number < 0 ? -most : most;
 }
 
-// Counts of a file are anything: what passes 64 bits is the largest number, which no file has room
-// for.
+// Counts in a file may be anything: a product above 64 bits becomes the largest number, which no
+// file has room for.
 [[nodiscard]] constexpr std::uint64_t times(std::uint64_t a, std::uint64_t b) {
   constexpr std::uint64_t kMost = std::numeric_limits<std::uint64_t>::max();
   return a != 0 && b > kMost / a ? kMost : a * b;

@@ -11,14 +11,14 @@
 
 namespace aq::sdf {
 
-/// The unit of values: what they are multiplied by to be in SI units, and twice the exponents of
-/// mass, length, time, current, temperature, luminous intensity, amount and plane angle.
+/// The unit of values: their factor to SI units, and twice the exponents of mass, length, time,
+/// current, temperature, luminous intensity, amount and plane angle.
 struct UnitOfValues {
   std::string label;
   double factor = 1;
   std::array<int, 8> exponents{};
 
-  /// Whether it measures what a unit of these exponents of mass, length and time does.
+  /// Whether the unit has these exponents of mass, length and time and no others.
   [[nodiscard]] bool isLike(int mass, int length, int time) const {
     return exponents == std::array<int, 8>{mass, length, time};
   }
@@ -26,36 +26,36 @@ struct UnitOfValues {
   [[nodiscard]] bool isTime() const { return isLike(0, 0, 2); }
 };
 
-/// A record as it is in the bytes of a recording, which it does not copy. A field that does not end
-/// within the record is not there; reading it throws `ReadFailure`.
+/// A record in the bytes of a recording, which it does not copy. A field that does not end within
+/// the record is missing; reading it throws `ReadFailure`.
 class AQ_API Record {
  public:
-  /// `bytes` begin with the record, which has `size` of them as it says itself; a record out of a
-  /// text may have fewer.
+  /// `bytes` starts with the record, whose own size field is `size`; a record from a text may have
+  /// fewer bytes.
   Record(std::string_view bytes, std::size_t size, std::size_t place);
 
   [[nodiscard]] RecordType type() const;
   [[nodiscard]] std::size_t size() const { return size_; }
-  /// Its first byte in the file, from 0.
+  /// The offset of its first byte in the file.
   [[nodiscard]] std::size_t place() const { return place_; }
   [[nodiscard]] const AnyLayout& layout() const { return layoutOf(type()); }
   [[nodiscard]] std::string_view bytes() const { return bytes_; }
 
   [[nodiscard]] bool has(const Field& field) const { return endOf(field) <= bytes_.size(); }
 
-  // Elements of arrays count from 0.
+  // Array elements count from 0.
   [[nodiscard]] std::int32_t integer(const Field& field, std::size_t element = 0) const;
   [[nodiscard]] double real(const Field& field, std::size_t element = 0) const;
   /// Up to its first NUL.
   [[nodiscard]] std::string_view text(const Field& field) const;
   [[nodiscard]] UnitOfValues unit(const Field& field) const;
-  /// The part of a unit or a window, as a record of its own.
+  /// The part of a unit or a window, as a separate record.
   [[nodiscard]] Record part(const Field& field) const;
 
   /// An integer that may not be negative.
   [[nodiscard]] std::uint32_t count(const Field& field) const;
 
-  /// Fails with the record's name and place: `expected` of it, as in "a domain".
+  /// Fails with the record's name and place and what was expected of it, as in "a domain".
   [[noreturn]] void fail(const std::string& expected, const std::string& found) const;
 
  private:

@@ -12,22 +12,22 @@
 
 namespace aq::sdf {
 
-/// The two bytes that a recording begins with.
+/// The first two bytes of a recording.
 inline constexpr std::string_view kMark{"B\0", 2};
 
-/// Whether bytes begin as a recording does.
+/// Whether `bytes` starts like a recording.
 [[nodiscard]] AQ_API bool beginsRecording(std::string_view bytes);
 
-/// The records of a recording, by their type and in the order in which they follow each other.
+/// The records of a recording, by type and in file order.
 class AQ_API RecordList {
  public:
-  /// Of the bytes of a file. Every record that the file header counts has to be of the type that
-  /// is expected there, and to end within the file; otherwise it throws `ReadFailure`. Bytes after
-  /// them, a further recording among them, are not looked at.
+  /// From the bytes of a file. Throws `ReadFailure` unless every record that the file header counts
+  /// is of the expected type and ends within the file. Ignores bytes after them, such as another
+  /// recording.
   explicit RecordList(std::vector<char> bytes);
 
-  /// Of records that follow each other in `bytes`, as they come from a text. A file header, a
-  /// measurement header and a data header have to be among them.
+  /// From consecutive records in `bytes`, as read from a text. A file header, a measurement header
+  /// and a data header must be among them.
   RecordList(std::vector<char> bytes, const std::vector<Record>& records);
 
   RecordList(const RecordList&) = delete;
@@ -39,17 +39,16 @@ class AQ_API RecordList {
   [[nodiscard]] const Record& file() const { return all(RecordType::File).front(); }
   [[nodiscard]] const Record& measurement() const { return all(RecordType::Measurement).front(); }
 
-  /// The records of a type; none for one that there is not.
+  /// The records of a type; empty if there is none.
   [[nodiscard]] const std::vector<Record>& all(RecordType type) const;
 
-  /// 1 to 3, told by the size of the measurement header: what the file header says may be 0.
+  /// 1 to 3, judged by the size of the measurement header, since the file header may say 0.
   [[nodiscard]] int revision() const;
 
-  /// The size of the measurement header whose fields end with byte `used`.
+  /// The size of a measurement header whose fields end with byte `used`.
   [[nodiscard]] static std::size_t measurementSize(std::size_t used);
 
-  // A field of `record` that revision `since` put in the place of `old`, which counts in older
-  // files.
+  // A field of `record` that replaces `old` since revision `since`; older files use `old`.
   [[nodiscard]] std::int32_t integer(const Record& record, const Field& field, int since,
                                      const Field& old) const;
   [[nodiscard]] double real(const Record& record, const Field& field, int since,

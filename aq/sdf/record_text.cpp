@@ -13,7 +13,7 @@
 namespace aq::sdf {
 namespace {
 
-/// A field that a name leads to, its first byte counted from 0 in the record.
+/// A field found by name, with its first byte counted from 0 in the record.
 struct Target {
   const Field* field = nullptr;
   std::size_t at = 0;
@@ -45,7 +45,7 @@ Target targetIn(std::span<const Field> fields, std::string_view name, std::size_
   return {&*field, at + element * sizeOf(*field)};
 }
 
-/// What turns `value` into a number of the field, or fails at the line.
+/// Converts `value` to a number of the field, or fails at the line.
 template <class Conversion>
 auto converted(const Field& field, std::string_view value, std::size_t line,
                const Conversion& conversion) {
@@ -89,7 +89,7 @@ void put(std::string& bytes, const Target& target, std::string_view value, std::
 NamedValue namedValue(std::string_view line) {
   std::size_t end = std::min(line.find("  "), line.find(':'));
   if (end == line.npos && line.size() > form::kValueColumn) end = form::kValueColumn;
-  // A colon or a pair of blanks may be a part of the value.
+  // A colon or a pair of blanks may be part of the value.
   const std::size_t blank = line.find(' ');
   if (end == line.npos || blank < end) end = blank;
   if (end == line.npos || end == 0) return {};
@@ -121,7 +121,7 @@ void RecordText::field(std::string_view name, std::string_view value, std::size_
   part.used = std::max(part.used, target.at + sizeOf(*target.field));
 }
 
-/// What the text says; otherwise what the fields that it gives need.
+/// What the text says; otherwise what its fields need.
 std::size_t RecordText::sizeOfRecord(const Part& part) {
   if (part.size != 0) return part.size;
   switch (part.layout->type) {

@@ -9,23 +9,23 @@
 
 namespace aq::sdf {
 
-/// A line of a text as a name and its value; the name is empty where there is no such line.
+/// A line of a text as a name and its value; the name is empty if the line has another form.
 struct NamedValue {
   std::string_view name;
   std::string_view value;
 };
 
-/// Divides a line at its first two blanks, at a colon, or where values have their column.
+/// Splits a line at its first two blanks, at a colon, or at the column where values begin.
 [[nodiscard]] NamedValue namedValue(std::string_view line);
 
-/// Puts records together from the lines of a text.
+/// Builds records from the lines of a text.
 class RecordText {
  public:
-  /// The fields that follow are those of a new record.
+  /// Starts a new record, which gets the fields that follow.
   void begin(const AnyLayout& layout);
 
-  /// A field of the record; a name that it does not have is passed over. Fails at the line when the
-  /// value is none of the field's kind.
+  /// Sets a field of the record; ignores an unknown name. Fails at the line when the value is not
+  /// of the field's kind.
   void field(std::string_view name, std::string_view value, std::size_t line);
 
   [[nodiscard]] bool empty() const { return parts_.empty(); }
@@ -35,8 +35,8 @@ class RecordText {
   struct Part {
     const AnyLayout* layout;
     std::string bytes;
-    std::size_t size = 0;  // as the text says
-    std::size_t used = 0;  // up to the last field that it gives
+    std::size_t size = 0;  // according to the text
+    std::size_t used = 0;  // up to the last field given
   };
   [[nodiscard]] static std::size_t sizeOfRecord(const Part& part);
 

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::uint64_t kHead = kRecordHead;
 
-/// The whole file, unless its first bytes show that it is no recording.
+/// The whole file, unless its first bytes show that it is not a recording.
 std::vector<char> bytesOf(const std::string& path) {
   constexpr std::size_t kFirst = std::size_t{64} * 1024;
   platform::InputFile file(path);
@@ -28,7 +28,7 @@ std::vector<char> bytesOf(const std::string& path) {
   return bytes;
 }
 
-/// The header of a record of scan variables, after which their values begin.
+/// The header of a record of scan variables, which is followed by their values.
 std::size_t headerOf(const Record& record) {
   constexpr std::size_t kScansHeader = 36;
   constexpr std::size_t kVariableHeader = 54;
@@ -44,7 +44,7 @@ NumberType variableType(const Record& record) {
                                                                : kScanVariable["scanVar_type"]);
 }
 
-/// The records that may have the values of scan variables, those of revision 3 first.
+/// The records that can hold the values of scan variables, those of revision 3 first.
 std::vector<const Record*> variableRecords(const RecordList& records) {
   std::vector<const Record*> found;
   for (const RecordType type : {RecordType::ScanVariable, RecordType::Scans}) {
@@ -67,7 +67,7 @@ bool isTime(const Record& record, const UnitOfValues& unit) {
                            record.integer(kScanVariable["scanBase_type"]) == kTimeBase);
 }
 
-/// The values that end with a record, as a failure names them.
+/// The values that end with a record, in the words of a failure.
 std::string countedText(std::uint64_t end) {
   constexpr std::uint64_t kTooMany = std::numeric_limits<std::uint64_t>::max();
   const std::string bytes = end == kTooMany ? "2^64 or more" : std::to_string(end - kHead);
@@ -147,7 +147,8 @@ void Recording::checkScanValues() const {
 }
 
 TraceSet Recording::setOf(const Record& header) const {
-  constexpr int kScansByData = 2;  // since when data headers tell whether they belong to the scans
+  constexpr int kScansByData =
+      2;  // the first revision whose data headers say whether they belong to the scans
   constexpr int kMultiPass = 3;
   const bool counts32 = records_.revision() >= 3 && header.has(kData["num_of_points"]);
   TraceSet set{.header = header};
@@ -179,7 +180,7 @@ void Recording::readSets() {
 void Recording::placeY() {
   std::uint64_t at = kHead;
   const auto whole = [](const TraceSet& set) { return times(set.traceBytes, set.traces); };
-  std::uint64_t scanBytes = 0;  // of all sets
+  std::uint64_t scanBytes = 0;  // of all sets together
   for (const TraceSet& set : sets_) {
     if (set.scanned) scanBytes = plus(scanBytes, whole(set));
   }
@@ -207,7 +208,7 @@ void Recording::placeX() {
   if (end == kHead) return;
   if (records.empty()) failRead(0, 0, "a record SDF_XDATA_HDR (type 16)", "none");
   const Record& record = records.front();
-  // Files keep the x of a trace once for each scan, or once for all.
+  // Files store the x of a trace once per scan, or once for all.
   axisOfScan_ = end <= record.size();
   if (!axisOfScan_) end = endOfX(false);
   if (end > record.size()) {
@@ -215,7 +216,7 @@ void Recording::placeX() {
   }
 }
 
-/// Lays the x vectors out, and gives the end of the last one.
+/// Finds the places of the x vectors and returns the end of the last one.
 std::uint64_t Recording::endOfX(bool eachScan) {
   std::uint64_t at = kHead;
   for (TraceSet& set : sets_) {

@@ -15,7 +15,7 @@
 
 namespace aq::sdf {
 
-/// How the x of the points of a trace are given.
+/// How the x values of a trace are given.
 enum class Axis : std::int16_t {
   Linear,       ///< x0 + n dx
   Logarithmic,  ///< x0 dx^n
@@ -24,33 +24,35 @@ enum class Axis : std::int16_t {
   OfTrace,      ///< one for each trace
 };
 
-/// The traces that belong to one data header, and where their values are.
+/// The traces of one data header, and where their values are.
 struct TraceSet {
   Record header;
-  std::size_t points = 0;         ///< of a trace
-  std::size_t valuesOfPoint = 1;  ///< real and imaginary part are two
-  std::size_t traces = 0;         ///< of a scan
-  bool scanned = false;           ///< whether each scan has its own; otherwise there is one of each
+  std::size_t points = 0;         ///< per trace
+  std::size_t valuesOfPoint = 1;  ///< two for complex data
+  std::size_t traces = 0;         ///< per scan
+  bool scanned = false;  ///< whether each scan has its own values; otherwise there is one set
   NumberType type = NumberType::Float;
   std::uint64_t traceBytes = 0;
-  std::uint64_t at = 0;         ///< of the first value, from the first byte of the Y record
-  std::uint64_t scanBytes = 0;  ///< from a scan to the next
+  std::uint64_t at = 0;         ///< of the first value, relative to the Y record
+  std::uint64_t scanBytes = 0;  ///< from one scan to the next
   Axis axis = Axis::Linear;
   NumberType axisType = NumberType::Float;
-  std::size_t axisStep = 1;  ///< numbers of the x record for a point, of which the first counts
+  std::size_t axisStep = 1;  ///< numbers of the x record per point, the first of which is used
   std::uint64_t axisBytes = 0;
-  std::uint64_t axisAt = 0;  ///< of the first x, from the first byte of the X record
+  std::uint64_t axisAt = 0;  ///< of the first x, relative to the X record
 };
 
-/// The scans of a recording: how many there is room for, and the first of them that are valid.
+/// The scans of a recording: how many it has room for, and how many of them, from the first, are
+/// valid.
 struct Scans {
-  bool any = false;  ///< otherwise everything was measured once
+  bool any = false;  ///< false: everything was measured once
   std::size_t kept = 1;
   std::size_t valid = 1;
-  bool byData = false;  ///< all scans of a data header follow each other; otherwise those of a scan
+  bool byData = false;  ///< true: all scans of one data header are contiguous; false: all data
+                        ///< headers of one scan are
 };
 
-/// What a scan was measured at, as a time or a speed.
+/// The quantity that a scan was measured at, such as a time or a speed.
 struct ScanVariable {
   const Record* record;
   UnitOfValues unit;
@@ -58,32 +60,32 @@ struct ScanVariable {
   NumberType type;
 };
 
-/// The values of one trace of one scan, as a text gives them.
+/// The values of one trace of one scan, from a text.
 struct TextTrace {
   std::string values;  ///< doubles, stored as in a file
-  std::string x;       ///< the same; empty where the text gives none
+  std::string x;       ///< likewise; empty if the text gives none
   std::optional<double> scanVariable;
 };
 
-/// Everything that is in an analyzer recording: its records, and the values of its traces as they
-/// are stored, in no unit. Traces, scans and points count from 0.
+/// The content of an analyzer recording: its records, and the values of its traces as stored,
+/// without unit. Traces, scans and points count from 0.
 class AQ_API Recording {
  public:
   using TextTraces = std::map<std::tuple<std::size_t, std::size_t, std::size_t>, TextTrace>;
 
-  /// Of a binary file. Throws `ReadFailure` where it contradicts itself or its size, before any
-  /// memory is taken for what it claims, and `platform::SystemError`.
+  /// Reads a binary file. Throws `ReadFailure` if it contradicts itself or its size, before
+  /// allocating any memory that it claims to need, and `platform::SystemError`.
   static Recording fromFile(const std::string& path);
 
   explicit Recording(RecordList records);
-  /// Of a text; `traces` by data header, trace and scan.
+  /// From a text; `traces` by data header, trace and scan.
   Recording(RecordList records, TextTraces traces);
 
   [[nodiscard]] const RecordList& records() const { return records_; }
   [[nodiscard]] const Scans& scans() const { return scans_; }
   [[nodiscard]] const std::vector<TraceSet>& sets() const { return sets_; }
 
-  /// How many scans of a set there are values of.
+  /// How many scans of a set have values.
   [[nodiscard]] std::size_t scansOf(const TraceSet& set) const {
     if (set.traces == 0) return 0;
     return set.scanned ? scans_.kept : 1;
@@ -92,16 +94,16 @@ class AQ_API Recording {
     return static_cast<std::size_t>(&set - sets_.data());
   }
 
-  /// The values of a trace. Of complex data, real and imaginary parts in turn.
+  /// The values of a trace; complex data alternates real and imaginary parts.
   [[nodiscard]] Numbers y(const TraceSet& set, std::size_t trace, std::size_t scan) const;
 
-  /// The x of its first `points` points.
+  /// The x values of its first `points` points.
   [[nodiscard]] std::vector<double> x(const TraceSet& set, std::size_t trace, std::size_t scan,
                                       std::size_t points) const;
 
-  /// The variable of the scans of a set: one that is a time if there is, otherwise the first.
+  /// The variable of the scans of a set: a time if there is one, otherwise the first.
   [[nodiscard]] std::optional<ScanVariable> scanVariable(const TraceSet& set) const;
-  /// Its value, in its own unit. Nothing where a text gives none.
+  /// Its value, in its own unit. Nothing if a text gives none.
   [[nodiscard]] std::optional<double> scanValue(const ScanVariable& variable, const TraceSet& set,
                                                 std::size_t trace, std::size_t scan) const;
 
@@ -122,10 +124,10 @@ class AQ_API Recording {
   TextTraces text_;
   Scans scans_;
   std::vector<TraceSet> sets_;
-  bool axisOfScan_ = true;  // traces of each scan have an x vector of their own
+  bool axisOfScan_ = true;  // the traces of each scan have their own x vectors
 };
 
-/// The type of a number from its code; fails with the record's name when there is no such.
+/// The type of a number from its code; fails with the record's name for an unknown code.
 [[nodiscard]] NumberType numberType(const Record& record, const Field& field);
 
 }  // namespace aq::sdf

@@ -13,7 +13,7 @@ bool isEscaped(char c) {
   return byte < ' ' || byte == 0x7f || c == '\\';
 }
 
-/// The character behind `\x0a` at the front of a text; nothing (0) for what `quoted` never writes.
+/// The character that `\x0a` at the start of a text encodes; 0 for one that `quoted` never writes.
 char escapedAt(std::string_view text) {
   constexpr std::size_t kLength = 4;
   constexpr int kHexadecimal = 16;

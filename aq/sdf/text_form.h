@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-// What the text of a recording looks like, for its writer and its reader.
+// The form of the text of a recording, shared by writer and reader.
 namespace aq::sdf::form {
 
 inline constexpr std::size_t kDots = 39;         // in the line above a record
@@ -20,14 +20,14 @@ inline constexpr std::string_view kPoints = "points";
 inline constexpr std::string_view kRecordType = "recordType";
 inline constexpr std::string_view kRecordSize = "recordSize";
 
-/// A text in double quotes, control characters and backslashes as in `\x0a`, so that it fits into a
-/// line.
+/// A text in double quotes, with control characters and backslashes as in `\x0a`, so that it fits
+/// on one line.
 [[nodiscard]] std::string quoted(std::string_view text);
 
-/// The number that a text stands for, also one that is not finite. Throws as `doubleFrom`.
+/// The number that a text represents, including one that is not finite. Throws as `doubleFrom`.
 [[nodiscard]] double storedFrom(std::string_view text);
 
-/// The text of a value that `quoted` gave, or that has no quotes.
+/// The text of a value from `quoted`, or of one without quotes.
 [[nodiscard]] std::string unquoted(std::string_view value);
 
 }  // namespace aq::sdf::form

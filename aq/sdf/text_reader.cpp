@@ -16,7 +16,7 @@
 namespace aq::sdf {
 namespace {
 
-/// Values that follow each other, with the lines in which they are.
+/// Consecutive values, with their lines.
 struct Values {
   std::optional<std::size_t> set;
   std::optional<std::size_t> trace;
@@ -25,12 +25,13 @@ struct Values {
   std::optional<double> scanVariable;
   std::vector<double> y;
   std::vector<double> x;
-  std::vector<std::pair<std::size_t, std::size_t>> lines;  // how many there were before, and where
+  std::vector<std::pair<std::size_t, std::size_t>>
+      lines;  // the number of values before a line, and the line
   std::size_t lastLine = 0;
 
   [[nodiscard]] bool isNamed() const { return set && trace && scan; }
 
-  /// The line of the value of that place, or after the last one.
+  /// The line of the value at that index, or after the last one.
   [[nodiscard]] std::size_t lineOf(std::size_t place) const {
     const auto after =
         std::upper_bound(lines.begin(), lines.end(), place,
@@ -45,7 +46,7 @@ bool isSeparator(std::string_view line) {
          line.find_first_not_of(line[0]) == line.npos;
 }
 
-/// The numbers of a line of nothing else; none where there is any other word.
+/// The numbers of a line that holds only numbers; empty if there is any other word.
 bool numbersOf(std::string_view line, std::vector<double>& numbers) {
   numbers.clear();
   for (;;) {
@@ -124,7 +125,7 @@ class TextReader {
     }
   }
 
-  /// Numbers in front of any heading, or after a record, are values of no name.
+  /// Numbers before any heading, or after a record, are unnamed values.
   void addNumbers() {
     if (!inValues_) {
       inRecord_ = false;
@@ -154,7 +155,7 @@ class TextReader {
   bool inValues_ = false;
 };
 
-/// The records of the file of headers beside `path`.
+/// The records of the header file in the folder of `path`.
 RecordText recordsBeside(const std::string& path) {
   const std::size_t dot = path.size() - std::min(path.size(), platform::fileName(path).size());
   const std::size_t point = path.rfind('.');
@@ -178,19 +179,19 @@ RecordText recordsBeside(const std::string& path) {
            "none");
 }
 
-/// Numbers as a file stores them, `before` zeros in front of them.
+/// Numbers as a file stores them, after `before` zeros.
 std::string stored(std::span<const double> numbers, std::size_t before, NumberType type) {
   std::string bytes((before + numbers.size()) * sizeof(double), '\0');
   char* at = bytes.data() + before * sizeof(double);
   for (const double number : numbers) {
-    // Digits of a text may be those of a double.
+    // A text may have the digits of a double.
     putNumber(at, type == NumberType::Float ? static_cast<double>(floatOf(number)) : number);
     at += sizeof(double);
   }
   return bytes;
 }
 
-/// Gives the values of a text to the traces of the recording.
+/// Assigns the values of a text to the traces of the recording.
 class Assignment {
  public:
   explicit Assignment(const Recording& recording) : recording_(recording) {
@@ -209,7 +210,7 @@ class Assignment {
     free_ = static_cast<std::size_t>(stop - start) + 1;
   }
 
-  /// Values that say whose they are.
+  /// Assigns values that name their trace.
   void addNamed(const Values& values) {
     const TraceSet* const set =
         *values.set < recording_.sets().size() ? &recording_.sets()[*values.set] : nullptr;
@@ -227,7 +228,7 @@ class Assignment {
     add(values, *set, {*values.set, *values.trace, *values.scan}, 0, count, free ? start_ : 0);
   }
 
-  /// Values that do not.
+  /// Assigns values that do not.
   void addInTurn(const Values& values, const WantedTrace& wanted) {
     const std::size_t count = values.y.size();
     if (count == countOfAll()) return addAll(values);
@@ -258,7 +259,7 @@ class Assignment {
     return all;
   }
 
-  /// All traces in the order in which a file has them.
+  /// All traces in file order.
   void addAll(const Values& values) {
     std::size_t at = 0;
     const auto addScan = [&](const TraceSet& set, std::size_t scan) {
@@ -303,10 +304,10 @@ class Assignment {
 
   const Recording& recording_;
   std::size_t start_ = 0;
-  std::size_t free_ = 0;  // points without aliases; 0 where that is not known
+  std::size_t free_ = 0;  // points without aliases; 0 if unknown
 };
 
-/// All values of no name, one after another: separators and headings among them mean nothing.
+/// All unnamed values, one after another: ignores separators and headings among them.
 std::optional<Values> unnamedOf(const std::vector<Values>& values) {
   std::optional<Values> all;
   for (const Values& one : values) {

@@ -10,17 +10,17 @@
 
 namespace aq::sdf {
 
-/// A trace that is wanted: its place among the sets of traces, and its own in the set.
+/// A requested trace: the index of its set, and its index in the set.
 struct WantedTrace {
   std::size_t set;
   std::size_t trace;
 };
 
-/// Reads the text of a recording: what `textOf` writes, and what other programs print of it (fields
-/// by name, codes by number or word, values one or more a line). A text of values alone is read
-/// with the records of the `.HDR` file beside it. Values that do not say whose they are belong to
-/// all traces in turn, or, when there are fewer, to the scans of the trace that `wanted` names.
-/// Throws `ReadFailure` and `platform::SystemError`.
+/// Reads the text of a recording: what `textOf` writes, and what other programs print (fields by
+/// name, codes by number or word, one or more values per line). Takes the records of a text that
+/// has only values from the `.HDR` file in the same folder. Values that do not name their trace
+/// belong to all traces in turn or, if there are fewer, to the scans of the trace `wanted`. Throws
+/// `ReadFailure` and `platform::SystemError`.
 [[nodiscard]] AQ_API Recording
 textRecording(const std::string& path, const std::function<WantedTrace(const Recording&)>& wanted);
 

@@ -8,11 +8,10 @@
 namespace aq::sdf {
 
 /// A recording as text: its records field by field, as the instrument itself prints them, then the
-/// values of each trace and scan as they are stored. `textRecording` reads it back to the same
-/// values.
+/// stored values of each trace and scan. `textRecording` reads back the same values.
 [[nodiscard]] AQ_API std::string textOf(const Recording& recording);
 
-/// Appends a value as it is written there: with the digits that its type needs.
+/// Appends a value with the digits that its type needs.
 AQ_API void appendStored(std::string& text, double value, NumberType type);
 
 /// Appends the value of a field's element: a number, the word of a code, or a text in quotes.
