@@ -17,7 +17,7 @@ void addRecordings();
 void addGrowth();
 void addThreads();
 
-/// A history of 24 bands, stamped from 10:00:00 on.
+/// A history of 24 bands, stamped from 10:00:00.
 std::shared_ptr<aq::AQ_SpectralTimeHistory> makeHistory(std::int16_t records);
 void writeHistory(const std::string& path, aq::AQ_SpectralTimeHistory& history);
 
@@ -30,8 +30,8 @@ struct History {
   void read(const std::string& path);
 };
 
-/// Rows for what this process holds after it read a history, above its start, and for its peak
-/// while reading, above what it then holds.
+/// Rows for the memory of this process after reading a history, relative to its start, and for its
+/// peak while reading, relative to what it then holds.
 nlohmann::ordered_json memoryOfReading(const std::string& path);
 
 }  // namespace bench

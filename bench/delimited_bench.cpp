@@ -1,4 +1,4 @@
-// Fields of any delimited text, beside a vector of vectors of strings.
+// Fields of any delimited text, compared with a vector of vectors of strings.
 #include <fstream>
 #include <vector>
 

@@ -1,5 +1,5 @@
-// What a record costs in a history of 32,767 records, beside one of 1,000; and what two threads
-// gain.
+// The cost of a record in a history of 32,767 records, compared with one of 1,000; and the gain of
+// two threads.
 #include <array>
 #include <thread>
 

@@ -1,5 +1,5 @@
-// Histories of 24 bands: 32,767 records beside plain loops by from_chars and to_chars, and a small
-// file beside opening, reading and closing it.
+// Histories of 24 bands: 32,767 records compared with plain loops over from_chars and to_chars, and
+// a small file compared with opening, reading and closing it.
 #include <charconv>
 #include <cmath>
 #include <fstream>
@@ -86,7 +86,7 @@ void plainWrite(const std::string& path, const PlainRecords& records) {
   std::ofstream(path, std::ios::binary) << text;
 }
 
-// Fixed columns: the same loops, but fields end where their columns do.
+// Fixed columns: the same loops, but fields end with their columns.
 
 PlainRecords plainReadColumns(const std::string& path) {
   const std::string bytes = bytesOf(path);

@@ -4,7 +4,7 @@
 //
 //   aq_bench FOLDER [--json FILE] [options of Google Benchmark]
 //
-// Each group runs in a process of its own, since what one leaves in memory costs the next.
+// Each group runs in its own process, since what one leaves in memory slows the next.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -61,7 +61,7 @@ class Table : public benchmark::BenchmarkReporter {
     }
   }
 
-  /// The rows of the pairs that were run.
+  /// The rows of the pairs that have run.
   [[nodiscard]] nlohmann::ordered_json rows() const {
     auto rows = nlohmann::ordered_json::array();
     for (const auto& [name, scale] : pairs()) {
@@ -84,7 +84,7 @@ nlohmann::ordered_json runPairs(const std::vector<void (*)()>& adders,
                                 std::vector<char*> arguments) {
   for (const auto& addAll : adders) addAll();
   std::string interleaved = "--benchmark_enable_random_interleaving=true";
-  std::string shorter = "--benchmark_min_time=0.2";  // unless an argument says another
+  std::string shorter = "--benchmark_min_time=0.2";  // unless an argument sets another
   arguments.push_back(interleaved.data());
   arguments.insert(arguments.begin() + 1, shorter.data());
   int count = static_cast<int>(arguments.size());
@@ -112,7 +112,7 @@ void print(const nlohmann::ordered_json& row) {
   }
 }
 
-/// The rows of a group, from a process of its own.
+/// The rows of a group, from its own process.
 nlohmann::ordered_json rowsOf(const std::string& group, const std::vector<char*>& arguments) {
   const std::string rows = fileInFolder(group + ".json");
   std::string command = "'/proc/" + std::to_string(getpid()) + "/exe' --group " + group;
@@ -121,7 +121,7 @@ nlohmann::ordered_json rowsOf(const std::string& group, const std::vector<char*>
   return nlohmann::ordered_json::parse(bytesOf(rows));
 }
 
-/// Takes `name VALUE` from the arguments; gives the value.
+/// Removes `name VALUE` from the arguments and returns the value.
 std::string taken(std::vector<char*>& arguments, std::string_view name) {
   const auto at = std::find(arguments.begin(), arguments.end(), name);
   if (at == arguments.end() || at + 1 == arguments.end()) return {};

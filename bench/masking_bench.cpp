@@ -1,4 +1,4 @@
-// Masking maps of 32,767 rows and 24 bands, beside plain loops over two letters a band.
+// Masking maps of 32,767 rows and 24 bands, compared with plain loops over two letters per band.
 #include <charconv>
 #include <fstream>
 #include <string_view>

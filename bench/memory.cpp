@@ -1,4 +1,4 @@
-// What a process that reads a history holds, and its peak, by what the system says of it.
+// The memory of a process that reads a history, and its peak, as the system reports it.
 #include <sys/resource.h>
 #include <unistd.h>
 

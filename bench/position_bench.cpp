@@ -1,4 +1,4 @@
-// Position histories of 32,767 lines, beside a plain loop by from_chars.
+// Position histories of 32,767 lines, compared with a plain loop over from_chars.
 #include <charconv>
 #include <vector>
 

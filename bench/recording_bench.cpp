@@ -1,4 +1,4 @@
-// A recording of 10,000 scans of 40 third octaves, beside a plain loop over its bytes and
+// A recording of 10,000 scans of 40 third octaves, compared with a plain loop over its bytes and
 // logarithms.
 #include <aq/sdf/layout.h>
 
@@ -23,7 +23,7 @@ void putBigEndian(std::string& bytes, std::size_t at, std::size_t size, std::uin
   for (std::size_t i = size; i-- != 0; value >>= 8) bytes[at + i] = static_cast<char>(value & 0xFF);
 }
 
-/// A record of a type, all zero but what is put.
+/// A record of a type, zero except for what is put.
 class MadeRecord {
  public:
   MadeRecord(aq::sdf::RecordType type, std::size_t head, std::size_t size) : bytes_(head, '\0') {
@@ -44,7 +44,7 @@ class MadeRecord {
   std::string bytes_;
 };
 
-/// Revision 3, a third-octave trace a scan in a unit of no pressure; its values are the
+/// Revision 3, one third-octave trace per scan in a unit that is not a pressure; its values are the
 /// last bytes of the file.
 std::string madeRecording() {
   using namespace aq::sdf;

@@ -1,7 +1,7 @@
-// Makes a measurement from nothing and writes its files, history, masking map, tracking, ambient
-// and parameters, into a folder: a jet that passes 150 m
-// overhead, spherical spreading, an assumed air absorption, bands less than 3 dB above an assumed
-// ambient masked. The sample in examples/data was made by this program.
+// Synthesises a measurement and writes its files, history, masking map, tracking, ambient and
+// parameters, into a folder: a jet that passes 150 m overhead, spherical spreading, an assumed air
+// absorption, and masked bands where the level is less than 3 dB above an assumed ambient. This
+// program made the sample in examples/data.
 #include <algorithm>
 #include <cmath>
 #include <string>

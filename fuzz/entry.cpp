@@ -1,4 +1,4 @@
-// What the fuzzer calls with each input, for the target that the build names.
+// The function that the fuzzer calls with each input, for the target that the build names.
 #include <cstddef>
 #include <cstdint>
 

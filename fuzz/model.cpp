@@ -12,7 +12,7 @@
 namespace aq::fuzz {
 namespace {
 
-/// Takes values from the input; zeros behind its end.
+/// Takes values from the input; zeros after its end.
 struct Calls {
   std::string_view input;
 
@@ -30,7 +30,7 @@ struct Calls {
 
 std::int16_t number(int value) { return static_cast<std::int16_t>(value); }
 
-/// Whether a call succeeds: it has to unless it is `wrong`, when it fails with `code`.
+/// Whether a call succeeds: it must unless it is `wrong`; then it must fail with `code`.
 template <class Call>
 bool succeeds(bool wrong, ErrorCode code, const Call& call) {
   try {
@@ -257,7 +257,7 @@ void driveSpectrum(Calls& calls) {
 
 }  // namespace
 
-/// The first byte chooses what is driven.
+/// The first byte chooses the class under test.
 void model(const Target&, std::string_view input) {
   constexpr std::array kDrives{driveCollection, driveSeries, driveRow, driveSpectrum};
   Calls calls{input};

@@ -1,5 +1,5 @@
-// The short ways of numbers, levels and times, compared with the exact ones of the standard library
-// and with the general ones.
+// The fast paths for numbers, levels and times, compared with the exact ones of the standard
+// library and with the general ones.
 #include <aq/core/time.h>
 #include <aq/text/date_text.h>
 #include <aq/text/level_code.h>
@@ -22,7 +22,7 @@ namespace {
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-/// The same number, zeros of different signs apart.
+/// Whether two numbers are equal, telling zeros of different signs apart.
 bool same(double a, double b) { return std::memcmp(&a, &b, sizeof(a)) == 0; }
 
 std::string_view fieldAt(std::string_view text, std::size_t at) {
@@ -37,7 +37,7 @@ std::optional<Number> exactly(std::string_view field) {
   return whole ? std::optional(number) : std::nullopt;
 }
 
-/// What `convert` gives for a field; nothing when it is refused.
+/// The result of `convert` for a field; nothing if it is rejected.
 template <class Convert>
 auto converted(const Convert& convert, std::string_view field)
     -> std::optional<decltype(convert(field))> {
@@ -89,7 +89,7 @@ void checkClock(std::string_view text) {
   expect(plain.length == (isClock ? field.size() : 0), "a clock time where there is one");
   if (!isClock) return;
   AQ_Time time;
-  time.TODstring(' ' + std::string(field));  // the blank keeps it from the short way
+  time.TODstring(' ' + std::string(field));  // the blank prevents the fast path
   expect(same(time.TODseconds(), plain.seconds), "the same time of day");
 }
 
@@ -129,7 +129,7 @@ std::string printed(const char* form, int digits, double value) {
   return text.data();
 }
 
-/// The default text: so many significant digits without zeros at the end.
+/// The default text: that many significant digits without trailing zeros.
 std::string defaultText(double value, int digits) {
   std::string text = printed("%.*E", digits - 1, value);
   std::string power = text.substr(text.find('E'));
@@ -145,7 +145,7 @@ std::string defaultText(double value, int digits) {
 }
 
 std::string hundredths(double level) {
-  // A tie has three decimals and no more; that far down no other double looks like one.
+  // A tie has exactly three decimals; at this size no other double looks like one.
   const bool tie = printed("%.*f", 40, level).ends_with("5" + std::string(37, '0'));
   std::string text = printed("%.*f", tie ? 3 : 2, level);
   if (tie) text.pop_back();
@@ -194,7 +194,7 @@ Bits bitsOf(std::string_view input) {
 
 }  // namespace
 
-/// The first byte chooses what is tried.
+/// The first byte chooses the function under test.
 void numbers(const Target&, std::string_view input) {
   if (input.empty()) return;
   const std::string_view text = input.substr(1);

@@ -17,7 +17,7 @@
 namespace aq::fuzz {
 namespace {
 
-/// A file of this process, the same ones over and over.
+/// A file of this process; reuses the same few.
 std::string fileNamed(const char* name) {
   static const test::Folder folder;
   return folder.file(name);
@@ -32,7 +32,7 @@ std::string fileWith(std::string_view input) {
   return path;
 }
 
-/// A line that the input certainly does not have.
+/// A line that the input cannot contain.
 std::size_t behind(std::string_view input) {
   return static_cast<std::size_t>(std::count(input.begin(), input.end(), '\n')) + 2;
 }
@@ -43,7 +43,7 @@ void readFormat(const Target& target, std::string_view input) {
   expect(sound, "a result that agrees with what was handed out");
   static_cast<void>(kindOfFile(path));
   if (!failure) return;
-  // A recording is no text: its failures name a record and a byte.
+  // A recording is not text: its failures name a record and a byte.
   const std::size_t first = target.name == "analyzer-recording" ? 0 : 1;
   expect(failure->line >= first && failure->line <= behind(input), "a failure with its place");
   expect(failure->message().find(failure->expected) != std::string::npos, "a message");
@@ -55,8 +55,8 @@ void checkAny(const Target&, std::string_view input) {
   });
 }
 
-/// The lines of a text as they are counted: a carriage return in front of the line end is part of
-/// it, and the last line needs none.
+/// The number of lines of a text: a carriage return before a line end belongs to it, and the last
+/// line needs no end.
 std::vector<std::string> plainLines(std::string_view input) {
   std::vector<std::string> lines;
   while (!input.empty()) {
@@ -98,7 +98,8 @@ void readDelimited(const Target&, std::string_view input) {
   expect(sameFields(file, again), "the fields that were written");
 }
 
-/// Lines of values that a writer does not take from the object: names, dates and counts.
+/// Whether a line holds values that a writer does not take from the object: names, dates and
+/// counts.
 bool isWritersOwn(std::string_view line) {
   const std::string_view key = line.substr(0, line.find(' '));
   return key.ends_with("Name") || key.ends_with("File") || key.ends_with("Date") ||
@@ -106,7 +107,7 @@ bool isWritersOwn(std::string_view line) {
          key == "rows" || key == "bands";
 }
 
-/// A parameter that is 0 stays away from the file.
+/// A parameter that is 0 is not written.
 bool isUnwritten(std::string_view line) {
   constexpr std::array kParameters{"caladj", "prwndo", "powndo", "lorec", "hirec"};
   const bool zero = line.ends_with(" 0") || line.ends_with(" -0");
@@ -114,8 +115,8 @@ bool isUnwritten(std::string_view line) {
          std::count(kParameters.begin(), kParameters.end(), line.substr(0, line.find(' '))) != 0;
 }
 
-/// Whether two lines of values are the same but for what their text cuts off: levels have two
-/// decimals, other numbers seven digits.
+/// Whether two lines of values are equal within their text precision: levels have two decimals,
+/// other numbers seven digits.
 bool sameLine(const std::string& a, const std::string& b) {
   if (a == b || (isWritersOwn(a) && isWritersOwn(b))) return true;
   if (isUnwritten(a)) return true;
@@ -136,7 +137,7 @@ bool sameLine(const std::string& a, const std::string& b) {
   return true;
 }
 
-/// False when the file is not read, or an object that was read has no written form.
+/// False if the file cannot be read, or if an object that was read has no written form.
 bool rewritten(const test::FormatCalls& format, const std::string& from, const std::string& to) {
   try {
     return format.rewrite(from, to) == AQ_DATA_OK;
@@ -159,7 +160,7 @@ void checkCopy(const test::FormatCalls& format, const std::string& path) {
   expect(rewritten(format, copy, copy) && test::contentOf(copy) == once, "the same file again");
 }
 
-/// A target for each format, then the others.
+/// One target per format, then the others.
 std::vector<Target> allTargets() {
   std::vector<Target> all;
   for (const auto& [name, format] : test::kFormats) all.push_back({name, readFormat});
@@ -193,7 +194,7 @@ void expect(bool holds, const char* what) {
 
 void roundTrip(const Target&, std::string_view input) {
   static const test::FixedInformation fixed;
-  if (input.find('\r') != input.npos) return;  // one in front of another is lost with the line end
+  if (input.find('\r') != input.npos) return;  // one before another is lost with the line end
   const std::string path = fileWith(input);
   for (const auto& [name, format] : test::kFormats) {
     if (format.rewrite) checkCopy(format, path);

@@ -1,7 +1,7 @@
 #pragma once
 
-// Arrays of numbers in one pass over the objects: levels and masks, one row a record and one column
-// a band.
+// Arrays of numbers in one pass over the objects: levels and masks, one row per record and one
+// column per band.
 
 #include <pybind11/numpy.h>
 
@@ -18,13 +18,13 @@ namespace aq::python {
 
 using Doubles = py::array_t<double, py::array::c_style | py::array::forcecast>;
 
-/// The array of a `numpy.ma` array has NaN where that hides a value; any other is as it was.
+/// The array of a `numpy.ma` array, with NaN where a value is masked; any other array unchanged.
 inline py::object shown(const py::object& given) {
   if (!py::isinstance(given, py::module_::import("numpy.ma").attr("MaskedArray"))) return given;
   return given.attr("astype")("f8").attr("filled")(std::numeric_limits<double>::quiet_NaN());
 }
 
-/// What numpy makes of anything; an exception of it, as for a file that is gone, passes.
+/// Converts anything to a numpy array; lets exceptions of numpy through, as for a deleted file.
 inline py::array arrayFrom(const py::object& given) {
   return py::module_::import("numpy").attr("asarray")(shown(given));
 }
@@ -33,7 +33,7 @@ inline std::string numberText(double number) {
   return py::str(py::float_(number)).cast<std::string>();
 }
 
-/// Throws `ValueError` for a cell that would lose something as an integer.
+/// Throws `ValueError` for a cell that an integer cannot hold exactly.
 inline void checkWhole(const Doubles& cells) {
   for (const double cell : std::span(cells.data(), static_cast<std::size_t>(cells.size()))) {
     if (!std::isfinite(cell) || std::trunc(cell) != cell) {
@@ -44,9 +44,9 @@ inline void checkWhole(const Doubles& cells) {
   }
 }
 
-/// Numbers of one type in a row of memory, whatever their type and layout were; NaN where it is
-/// missing. Throws `TypeError` for what is no number, `ValueError` for another count of dimensions
-/// and, where integers are wanted, for a fraction and for what has no 64 bits.
+/// Contiguous numbers of one type, converted from any type and layout; NaN for missing values.
+/// Throws `TypeError` for values that are not numbers, `ValueError` for another number of
+/// dimensions and, for integers, for a fraction or a value beyond 64 bits.
 template <class Number>
 py::array_t<Number, py::array::c_style> numbersFrom(const py::object& given, py::ssize_t dimensions,
                                                     const char* wanted) {
@@ -89,7 +89,7 @@ inline void checkOnce(std::vector<std::int16_t> numbers) {
   throw py::value_error("the record number " + std::to_string(*twice) + " stands twice");
 }
 
-/// The numbers of `count` records: those given, else 1 and on.
+/// The numbers of `count` records: those given, otherwise from 1.
 inline std::vector<std::int16_t> recordNumbers(const py::object& given, py::ssize_t count) {
   if (given.is_none()) {
     return shortNumbers(py::module_::import("numpy").attr("arange")(1, count + 1), count,
@@ -112,7 +112,7 @@ inline py::array_t<std::int16_t> numberArray(const std::vector<std::int16_t>& nu
   return py::array_t<std::int16_t>(std::ssize(numbers), numbers.data());
 }
 
-/// The lowest and highest band that any of several objects has.
+/// The lowest and highest band of several objects.
 template <class Objects>
 NumberRange bandsOf(const Objects& objects) {
   NumberRange bands;
@@ -141,7 +141,7 @@ inline std::vector<std::int16_t> numbersOf(const NumberRange& range) {
   return numbers;
 }
 
-/// Objects under 16-bit numbers, in the order of their numbers.
+/// Objects with 16-bit numbers, in ascending order.
 template <class Object>
 struct Numbered {
   std::vector<std::int16_t> numbers;
@@ -152,7 +152,7 @@ struct Numbered {
   throw Error(code, "number " + std::to_string(number) + what);
 }
 
-/// All objects of a series, for arrays that have a 16-bit number a line.
+/// All objects of a series, for arrays that have a 16-bit number per row.
 template <class Object, class Series>
 Numbered<Object> numbered(const Series& series) {
   Numbered<Object> all;

@@ -20,7 +20,7 @@ Row rowOf(const Finding& finding) {
           message};
 }
 
-/// The findings that `check(sink)` reports, gathered without the interpreter's lock.
+/// The findings that `check(sink)` reports, collected without the interpreter's lock.
 template <class Check>
 std::vector<Row> gathered(const Check& check) {
   std::vector<Row> rows;

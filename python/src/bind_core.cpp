@@ -7,7 +7,7 @@
 namespace aq::python {
 namespace {
 
-/// The working mode of a time, which it does not tell.
+/// The working mode of a time, which has no getter.
 AQ_OPTIME workingMode(AQ_Time time) {
   time.assignSeconds(0, 1);
   return time.WorkingTime() == 1 ? AQ_TIME_REF : AQ_TIME_TOD;
@@ -19,7 +19,7 @@ void bindTime(const py::module_& module) {
            py::arg("relativeSeconds"), "Stores both times as they are, without wrapping")
       .def("__repr__", [](const AQ_Time& self) {
         const double day = self.CurrentDate();
-        const bool dated = day >= 1 && day < 2.9e6;  // a date that has a text
+        const bool dated = day >= 1 && day < 2.9e6;  // a date with a text form
         return "<AQ_Time: " + (dated ? dateText(day) + ", " : "") +
                std::to_string(self.TODseconds()) + " s of day, " +
                std::to_string(self.RelSeconds()) + " s relative>";
@@ -38,7 +38,7 @@ void bindTime(const py::module_& module) {
       }));
 }
 
-/// A file information service written in Python: any object with the three methods.
+/// A file information service in Python: any object with the three methods.
 class HostInformation : public FileInformation {
  public:
   explicit HostInformation(py::object host) : host_(std::move(host)) {}

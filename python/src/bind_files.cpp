@@ -8,7 +8,7 @@
 namespace aq::python {
 namespace {
 
-/// Raises the exception for a failure; it carries what was handed out all the same.
+/// Raises the exception for a failure, with the objects that the call still returned.
 [[noreturn]] void raise(const FileFailure& failure, const py::tuple& partial) {
   const py::object raised = py::module_::import("aq_data.errors")
                                 .attr("file_error")(failure.file, failure.line, failure.field,
@@ -17,8 +17,8 @@ namespace {
   throw py::error_already_set();
 }
 
-/// Runs `call(file)` without the interpreter's lock, on a copy of the file object, as two threads
-/// may use one.
+/// Runs `call(file)` without the interpreter's lock, on a copy of the file object, since two
+/// threads may share one.
 template <class File, class Call>
 [[nodiscard]] AQ_DataMessage unlocked(File& file, const Call& call) {
   File working = file;
@@ -101,7 +101,7 @@ class BoundFile : public Bound<File> {
             .c_str());
   }
 
-  /// Files without a header of their own.
+  /// Files that have no header object.
   template <class Model>
   void readsAlone() {
     this->def(
@@ -117,7 +117,7 @@ class BoundFile : public Bound<File> {
  private:
   using Call = AQ_DataMessage (File::*)(const std::string&);
 
-  /// A call that takes a path and gives nothing.
+  /// A call that takes a path and returns nothing.
   void call(const describe::Method<Call, 1>& method) {
     this->def(
         method.name,
@@ -142,8 +142,8 @@ void bindFailure(py::module_& module) {
       py::arg("path"), docOf<describe::FileFunctions>("kindOfFile").c_str());
 }
 
-/// As `readFile`, but the history gets the reference time type that the header names, which the
-/// file class leaves out, as hosts know it; and what the header says in words that are not known.
+/// As `readFile`, but also sets the history's reference time type from the header, which the file
+/// class ignores since hosts rely on that; and returns the unknown words of the header.
 auto readWithWords(AQ_DataSTH& self, const Path& path) {
   std::shared_ptr<AQ_HeaderSTH> header;
   std::shared_ptr<AQ_SpectralTimeHistory> history;

@@ -51,7 +51,7 @@ void putPoints(AQ_GeometryTimeHistory& history, const std::vector<std::int16_t>&
   for (std::size_t i = 0; i < records.size(); ++i) history.Point(records[i], points.at(i));
 }
 
-/// Points go by record number, which arrays and pickles keep.
+/// Points are numbered by record, which arrays and pickles keep.
 void bindNumberedPoints(Bound<AQ_GeometryTimeHistory>& history) {
   using H = AQ_GeometryTimeHistory;
   history

@@ -39,7 +39,7 @@ py::tuple mapToArrays(const AQ_MaskMap& map) {
 
 using Numbers = py::array_t<std::int64_t, py::array::c_style>;
 
-/// A member of an enumeration of masks, which goes from `first` to `Last`.
+/// A member of a mask enumeration, whose values run from `first` to `Last`.
 template <auto Last>
 decltype(Last) member(const char* what, std::int64_t number, std::int32_t first) {
   if (number >= first && number <= Last) return static_cast<decltype(Last)>(number);
@@ -50,7 +50,7 @@ decltype(Last) member(const char* what, std::int64_t number, std::int32_t first)
 constexpr auto modeOf = member<MASKED_BY_POST_DETECT>;
 constexpr auto adjustmentOf = member<ADJ_TO_REFERENCE>;
 
-/// One row from a line of modes and of adjustments, which there need not be.
+/// One row from a line of modes and an optional line of adjustments.
 std::shared_ptr<AQ_MaskRow> rowFrom(const Numbers& modes, const Numbers& adjustments,
                                     py::ssize_t line, std::int16_t low) {
   auto row = std::make_shared<AQ_MaskRow>();
@@ -67,8 +67,8 @@ std::shared_ptr<AQ_MaskRow> rowFrom(const Numbers& modes, const Numbers& adjustm
   return row;
 }
 
-/// Codes of modes or adjustments: a frame or an array that was aligned has NaN for no decision, a
-/// comparison has True for masked.
+/// Codes of modes or adjustments: an aligned frame or array has NaN for no decision, a comparison
+/// has True for masked.
 Numbers codesFrom(const py::object& given) {
   const char* const wanted = "numbers in two dimensions, (records, bands)";
   const py::array array = arrayFrom(given);
@@ -187,7 +187,7 @@ ValueError for another shape and for numbers that no mask, record or band has.
 
 void bindMasking(py::module_& module) {
   Bound<AQ_Mask> mask(module);
-  // Python takes no other numbers than those of members.
+  // Python accepts only the numbers of members.
   mask.def_property(
           "MaskMode", [](const AQ_Mask& self) { return self.MaskMode(); },
           [](AQ_Mask& self, AQ_MASK_MODE mode) { self.MaskMode(modeOf("a mask mode", mode, 0)); },

@@ -52,7 +52,7 @@ py::array_t<StepRow> stepsOf(const AQ_Spectrum& spectrum, const AQ_MaskRow* mask
 constexpr std::int16_t kFirstBand = 17;
 constexpr py::ssize_t kBands = 24;
 
-/// Of each row of levels of bands 17 to 40.
+/// For each row of levels of bands 17 to 40.
 py::array_t<ToneRow> toneCorrections(const py::object& given) {
   const auto levels = numbersFrom<double>(given, 2, "levels of bands 17 to 40, (records, 24)");
   if (levels.shape(1) != kBands) {

@@ -7,7 +7,7 @@
 
 #include "binding.h"
 
-// What is in an analyzer recording, as plain values of Python.
+// The content of an analyzer recording as plain Python values.
 
 namespace aq::python {
 namespace {

@@ -5,7 +5,7 @@
 namespace aq::python {
 namespace {
 
-/// What a level was: a pickle keeps its type, which the written file may show.
+/// The type of a level: a pickle keeps it, since the written file may depend on it.
 py::tuple savedLevels(const AQ_Spectrum& spectrum) {
   if (const auto plain = spectrum.plainLevels(); !plain.empty()) {
     return py::make_tuple(spectrum.LowBand(), py::bytes(reinterpret_cast<const char*>(plain.data()),

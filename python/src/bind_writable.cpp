@@ -3,8 +3,9 @@
 
 #include "levels.h"
 
-// What a file of one table cannot hold. The file classes write each record with its own bands, but
-// a file says once which bands its columns are: other records would come back under wrong numbers.
+// Rejects what a file of one table cannot hold. The file classes write each record with its own
+// bands, but a file names the bands of its columns once: other records would come back under wrong
+// numbers.
 
 namespace aq::python {
 namespace {
@@ -13,7 +14,8 @@ void checkAny(const NumberRange& bands) {
   if (bands.high < bands.low) throw py::value_error("expected an object with bands, found none");
 }
 
-/// Every band between the lowest and the highest has a level; those in one block all have.
+/// Checks that every band between the lowest and the highest has a level; levels in one block have
+/// no gaps.
 void checkLevels(const AQ_Spectrum& spectrum) {
   if (!spectrum.levelCodes().empty() || !spectrum.levelDoubles().empty()) return;
   for (const std::int16_t band : numbersOf({spectrum.LowBand(), spectrum.HighBand()})) {
@@ -23,7 +25,8 @@ void checkLevels(const AQ_Spectrum& spectrum) {
 
 void checkLevels(const AQ_MaskRow& /*row*/) {}  // a band without a mask is written as not masked
 
-/// `series` has an object under each number from `first` to `last`, and all have the same bands.
+/// Checks that `series` has an object for each number from `first` to `last`, all with the same
+/// bands.
 template <class Series, class Object>
 void checkRecords(std::int32_t first, std::int32_t last, const Series& series,
                   std::shared_ptr<Object> (Series::*get)(std::int16_t) const) {

@@ -1,8 +1,7 @@
 #pragma once
 
-// How a described class of the library becomes one of Python: properties as attributes, indexed
-// ones as views, and what follows from the list of a class's settable properties: pickling,
-// copying, repr.
+// Turns a described class of the library into a Python class: properties as attributes, indexed
+// ones as views, and from the list of settable properties pickling, copying and repr.
 
 #include <aq/describe/description.h>
 #include <aq/detail/pointers.h>
@@ -38,7 +37,8 @@ class BandRange {
   std::int16_t high_;
 };
 
-/// What `history.spectrum` gives: the values of one owner by number, read by a call or by `[]`.
+/// The object behind `history.spectrum`: the values of one owner by number, read by a call or by
+/// `[]`.
 template <class Owner, class Key, class Value>
 struct Indexed {
   std::shared_ptr<Owner> owner;
@@ -52,7 +52,7 @@ inline std::string docOf(const describe::About& about) {
   return doc;
 }
 
-/// That of a member which Python has in a form of its own.
+/// The docstring of a member that Python has in its own form.
 template <class C>
 std::string docOf(std::string_view name) {
   std::string doc;
@@ -68,7 +68,7 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
   using Object = std::shared_ptr<C>;
 
  public:
-  /// With all that the description has and Python has in the same form.
+  /// With all members of the description that Python has in the same form.
   explicit Bound(const py::module_& module)
       : Bound(module, describe::Description<C>::name, describe::Description<C>::text) {
     describe::forMembers<C>(*this);
@@ -112,7 +112,7 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
   void operator()(const describe::Indexed<Value (C::*)(Key), void (C::*)(Key, Given)>& view) {
     bindView<std::decay_t<Key>, Value>(view);
   }
-  /// Those of file classes take paths and give what they read: `BoundFile` has them.
+  /// Methods of file classes take paths and return what they read: `BoundFile` binds them.
   template <class Call, std::size_t Count>
   void operator()(const describe::Method<Call, Count>& method) {
     if constexpr (!std::is_base_of_v<FileClass, C>) {
@@ -134,7 +134,7 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
         py::arg(banded.other.name), docOf(banded.about).c_str());
   }
 
-  /// Ends a class that its settable properties describe in full.
+  /// Completes a class that its settable properties describe fully.
   void record() {
     keepFields();
     this->def(py::pickle([fields = fields_](const py::object& self) { return state(self, fields); },
@@ -154,8 +154,8 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
     });
   }
 
-  /// Ends a class that holds more than its settable properties: `save(object)` gives what to keep
-  /// beside them, `load(object, kept)` stores it again.
+  /// Completes a class that holds more than its settable properties: `save(object)` returns what to
+  /// keep besides them, `load(object, kept)` stores it again.
   template <class Save, class Load>
   void container(Save save, Load load) {
     keepFields();
@@ -172,7 +172,7 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
   }
 
  private:
-  /// Objects of which the library hands out its own are copied.
+  /// Copies objects of which the library returns its own.
   template <class Get>
   static auto byValue(Get get) {
     if constexpr (std::is_reference_v<std::invoke_result_t<Get, C&>>) {
@@ -243,7 +243,7 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
   py::list fields_;
 };
 
-// One function a room, in the order in which they build on each other.
+// One function per room, in order of their dependencies.
 void bindCore(py::module_& module);
 void bindMasking(py::module_& module);
 void bindSpectral(py::module_& module);

@@ -1,7 +1,7 @@
 #pragma once
 
-// How plain values cross between Python and the library. Include this first: text has to be
-// settled before anything of pybind11 casts one.
+// Conversion of plain values between Python and the library. Include this first: text casters must
+// be defined before pybind11 casts any text.
 
 #include <aq/aq.h>
 #include <aq/describe/enumerations.h>
@@ -14,7 +14,7 @@ namespace aq::python {
 
 namespace py = pybind11;
 
-/// A file's name as the system has it: text, bytes or anything with `__fspath__` in Python.
+/// A file name in the system's encoding: text, bytes or anything with `__fspath__` in Python.
 struct Path {
   std::string name;
 };
@@ -26,7 +26,7 @@ py::handle& enumClass() {
   return type;
 }
 
-/// While one lives, enumerations take any number in this thread.
+/// While one exists, enumerations accept any number in this thread.
 struct AnyNumber {
   static inline thread_local bool inForce = false;
 
@@ -40,7 +40,8 @@ struct AnyNumber {
 
 namespace pybind11::detail {
 
-/// Text is bytes in no encoding: what is not UTF-8 crosses as surrogates and comes back unchanged.
+/// Text is bytes without an encoding: bytes that are not UTF-8 become surrogates and come back
+/// unchanged.
 template <>
 class type_caster<std::string> {
  public:
@@ -84,7 +85,7 @@ class type_caster<aq::python::Path> {
   }
 };
 
-/// Nothing, truth, numbers and text; an integer beyond 32 bits is stored as a double.
+/// None, truth values, numbers and text; an integer beyond 32 bits is stored as a double.
 template <>
 class type_caster<aq::Variant> {
  public:
@@ -166,8 +167,8 @@ bool isMember(std::int32_t number) {
   return named || (combines && (number & ~flags) == 0);
 }
 
-/// Members of a Python `IntEnum`, by name or number. The library takes any number; what is none of
-/// them has no word in a file, so Python passes it only where an object is made again as it was.
+/// Members of a Python `IntEnum`, by name or number. The library takes any number; one that is not
+/// a member has no word in a file, so Python accepts it only when restoring an object.
 template <class E>
 class type_caster<E, enable_if_t<NamedEnum<E>>> {
  public:

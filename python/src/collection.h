@@ -58,7 +58,7 @@ void bindCollection(const py::module_& module, const char* name) {
   bound.def("__setitem__", [place](List& list, py::ssize_t index, T value) {
     list.Item(place(list, index)) = std::move(value);
   });
-  // Over a copy: the collection may change, or end, while a loop goes over it.
+  // Iterates over a copy: the collection may change or be destroyed during a loop.
   bound.def("__iter__", [](const List& list) -> py::iterator {
     return py::iter(py::list(py::cast(std::vector<T>(list.begin(), list.end()))));
   });

@@ -4,8 +4,8 @@
 
 namespace aq::python {
 
-/// A described enumeration as an `IntEnum`, one of flags as an `IntFlag`. Members of one without a
-/// scope of its own are the module's too.
+/// A described enumeration as an `IntEnum`, or as an `IntFlag` for flags. Members of an unscoped
+/// one become members of the module too.
 template <class E>
 void bindEnum(py::module_& module) {
   using Description = describe::Description<E>;

@@ -7,7 +7,7 @@ namespace aq::python {
 using Levels = py::array_t<double, py::array::c_style>;
 constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
 
-/// Runs `work`; what the model throws says `place` first.
+/// Runs `work`; prefixes errors of the model with `place`.
 template <class Work>
 auto at(const char* place, std::int16_t number, const Work& work) {
   try {
@@ -17,7 +17,8 @@ auto at(const char* place, std::int16_t number, const Work& work) {
   }
 }
 
-/// Puts the levels of a spectrum from band `low` on, into `cells`, which have room for all.
+/// Copies the levels of a spectrum, starting at band `low`, into `cells`, which must have room for
+/// all.
 inline void takeLevels(const AQ_Spectrum& spectrum, std::int16_t low, std::span<double> cells) {
   const auto codes = spectrum.levelCodes();
   const auto doubles = spectrum.levelDoubles();
@@ -38,7 +39,7 @@ inline void takeLevels(const AQ_Spectrum& spectrum, std::int16_t low, std::span<
   }
 }
 
-/// A spectrum of these levels from band `low` on; NaN stores none.
+/// A spectrum of these levels starting at band `low`; NaN stores no level.
 inline std::shared_ptr<AQ_Spectrum> spectrumFrom(std::span<const double> levels, std::int16_t low) {
   auto spectrum = std::make_shared<AQ_Spectrum>();
   if (std::none_of(levels.begin(), levels.end(), [](double level) { return std::isnan(level); })) {

@@ -7,7 +7,7 @@
 
 namespace aq::python {
 
-/// Column of a time: which of its values, of the object that `time` gives.
+/// A column of a time: one of its values, from the object that `time` returns.
 template <class Object, std::shared_ptr<AQ_Time> (Object::*Time)()>
 constexpr Column<Object> todColumn(const char* name) {
   return {name, [](Object& o) { return (o.*Time)()->TODseconds(); },
@@ -66,7 +66,7 @@ void bindSeries(Bound<Series>& series, const char* name, const All& all,
 template <class Series, class Object>
 using Put = void (Series::*)(std::int32_t, std::shared_ptr<Object>);
 
-/// A series whose objects have places: it is made and unpickled in their order.
+/// A series whose objects have indices: constructed and unpickled in that order.
 template <class Series, class Object, class All>
 void bindPlaced(Bound<Series>& series, const All& all, Put<Series, Object> put,
                 std::span<const Column<Object>> columns) {

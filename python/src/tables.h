@@ -1,12 +1,12 @@
 #pragma once
 
-// Tables of numbers: one row an object and one named column a property.
+// Tables of numbers: one row per object and one named column per property.
 
 #include "arrays.h"
 
 namespace aq::python {
 
-/// What the cells of a column may hold.
+/// The types that the cells of a column may have.
 struct Cells {
   const char* wanted;
   bool (*fit)(double);
@@ -32,7 +32,8 @@ struct Column {
   Cells cells = kAnyNumber;
 };
 
-/// One row an object; the columns are named fields, so the table is a pandas frame at once.
+/// One row per object; the columns are named fields, so the table converts directly to a pandas
+/// frame.
 template <class Object>
 py::array tableOf(const std::vector<std::shared_ptr<Object>>& objects,
                   std::span<const Column<Object>> columns) {
@@ -46,7 +47,7 @@ py::array tableOf(const std::vector<std::shared_ptr<Object>>& objects,
   return table;
 }
 
-/// Anything that gives a column of numbers by name: a table, a dictionary, a frame or a dataset.
+/// Anything that has columns of numbers by name: a table, a dictionary, a frame or a dataset.
 class TableSource {
  public:
   template <class Object>
@@ -68,7 +69,7 @@ class TableSource {
 
   [[nodiscard]] py::ssize_t rows() const { return columns_.front().size(); }
 
-  /// Stores all of it or, when a cell does not fit, nothing. Without record numbers it counts rows.
+  /// Stores all of it, or nothing if a cell does not fit. Without record numbers, numbers the rows.
   template <class Object>
   void fill(const std::vector<std::shared_ptr<Object>>& objects,
             std::span<const Column<Object>> columns,
@@ -87,7 +88,7 @@ class TableSource {
  private:
   using Values = py::array_t<double, py::array::c_style>;
 
-  /// A dictionary is written by hand, so a name in it that is not known is a slip of the pen.
+  /// A dictionary is written by hand, so an unknown name in it is a mistake.
   template <class Object>
   static void checkNames(const py::object& names, std::span<const Column<Object>> columns) {
     py::list known;
@@ -133,7 +134,7 @@ class TableSource {
   std::vector<std::size_t> places_;
 };
 
-/// New objects, one a row.
+/// New objects, one per row.
 template <class Object>
 std::vector<std::shared_ptr<Object>> objectsFrom(const py::object& given,
                                                  std::span<const Column<Object>> columns) {

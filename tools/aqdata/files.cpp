@@ -30,15 +30,15 @@ void complainOf(const std::string& path, std::string_view why, Session& session)
   session.complain(fmt::format("{}: {}", aq::escaped(path), why), path);
 }
 
-/// A link that leads nowhere, told where to; empty for anything else.
+/// Describes a broken link with its target; empty for anything else.
 std::string danglingLink(const fs::path& path) {
   std::error_code error;
   if (!fs::is_symlink(fs::symlink_status(path, error)) || fs::exists(path, error)) return {};
   return "a link to nothing: " + aq::escaped(fs::read_symlink(path, error).string());
 }
 
-/// Finds the files that the user's arguments stand for. A folder is walked once, by however many
-/// links it is reached: links may lead in a circle.
+/// Finds the files that the user's arguments name. Visits each folder once, since links may form a
+/// circle.
 class Choice {
  public:
   explicit Choice(Session& session) : session_(session) {}
@@ -65,8 +65,8 @@ class Choice {
     }
   }
 
-  /// Walks a folder and those that its links lead to; gives whether it was new, and read as a
-  /// whole.
+  /// Visits a folder and those that its links lead to; returns whether it was new and completely
+  /// read.
   bool walkNew(const std::string& folder) {
     seenMeasurement_ = false;
     const std::size_t before = walked_.size();
@@ -79,7 +79,7 @@ class Choice {
     return whole && walked_.size() != before;
   }
 
-  /// Goes on after a folder that cannot be read, and gives whether there was none.
+  /// Continues after a folder that cannot be read, and returns whether there was none.
   bool walk(const fs::path& folder) {
     std::error_code error;
     if (!walked_.insert(fs::canonical(folder, error).string()).second) return true;
@@ -119,11 +119,12 @@ class Choice {
   std::vector<std::string> files_;
   std::unordered_set<std::string> seen_;
   std::unordered_set<std::string> walked_;
-  std::vector<fs::path> links_;  // to folders, the next one last
+  std::vector<fs::path> links_;  // to folders, the next one at the end
   bool seenMeasurement_ = false;
 };
 
-/// Whether a file called `name` may be one whose name ends so: a table's name is no other kind's.
+/// Whether the ending of `name` allows this kind of file: the ending of one kind excludes the
+/// others.
 bool mayEnd(const std::string& name, std::string_view ending) {
   const auto endsIn = [upper = aq::upperCased(name)](std::string_view end) {
     return upper.ends_with(aq::upperCased(end));

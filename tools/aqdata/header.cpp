@@ -10,7 +10,7 @@
 namespace aqdata {
 namespace {
 
-/// The order of a card's keys; members stand in the order of the interface.
+/// The order of a card's keys; members are in the order of the interface.
 constexpr std::array<std::string_view, 20> kCardOrder{"file_name",
                                                       "file_date",
                                                       "project",
@@ -52,7 +52,7 @@ Json jsonOf(const std::shared_ptr<aq::Collection<std::string>>& lines) {
 Json jsonOf(aq::AQ_AverageMethod method) { return aq::wordOf(method); }
 Json jsonOf(aq::AQ_TimeStampType type) { return aq::wordOf(type); }
 
-/// The members of an object that have a key.
+/// The members of an object with a key.
 template <class Object>
 Json keyed(Object& object) {
   Json values = Json::object();
@@ -71,7 +71,7 @@ Json keyed(Object& object) {
   return values;
 }
 
-/// As a card has them; what has them in order already keeps them.
+/// Sorts keys as in a card; keys that are already in order stay.
 Json inCardOrder(const Json& values) {
   if (values.empty() || values.begin().key() == kCardOrder.front()) return values;
   Json ordered = Json::object();

@@ -26,13 +26,14 @@ aq::FileKind kindOf(const std::string& path) {
                             empty ? "an empty file" : aq::shown(lines.Lines()->Item(1))));
 }
 
-/// What a command wants of a read beyond the data.
+/// What a command needs from a read besides the data.
 struct Reading {
   const aq::HeaderObserver& watch;
   std::uint8_t rt20Limit = 1;
 };
 
-/// What the file says, or how far apart the first two records of a recording are, in seconds.
+/// The record length in seconds: what the file says, or the distance of the first two records of a
+/// recording.
 template <class File>
 std::optional<double> recordLengthOf(const File& file, const aq::AQ_SpectralTimeHistory& history) {
   if constexpr (std::is_same_v<File, aq::AQ_DataSPC>) return file.RecordLength();
@@ -73,7 +74,7 @@ Measurement readAs(aq::FileKind kind, const std::string& path, const Reading& ho
   return read;
 }
 
-/// `found` when its files hold such data, else the first kind whose files do.
+/// `found` if its files hold such data, otherwise the first kind whose files do.
 template <class Wanted>
 aq::FileKind kindHolding(aq::FileKind found) {
   auto kind = aq::FileKind::Unknown;
@@ -90,7 +91,7 @@ template <class Wanted>
 Wanted openHeld(const std::string& path, const Reading& how) {
   const aq::FileKind found = kindOf(path);
   const aq::FileKind kind = kindHolding<Wanted>(found);
-  // What cannot be read or has lost its title fails in its reader, which says why.
+  // A file that cannot be read or has lost its title fails in its reader, which says why.
   if (found != kind && found != aq::FileKind::Unknown) {
     throw Failure(fmt::format("{}: expected a {} file, found a {} file", aq::escaped(path),
                               kindText(kind), kindText(found)));

@@ -19,9 +19,10 @@ struct Held : aq::Content<Header, Model> {};
 template <>
 struct Held<aq::AQ_HeaderSTH, aq::AQ_SpectralTimeHistory>
     : aq::Content<aq::AQ_HeaderSTH, aq::AQ_SpectralTimeHistory> {
-  aq::HistoryWords words = {};                       // of the header
-  std::vector<aq::HistoryWords::Other> others = {};  // of them, which would be written as others
-  double recordLength = 0.5;                         // in seconds; not in every file
+  aq::HistoryWords words = {};  // of the header
+  std::vector<aq::HistoryWords::Other> others =
+      {};                     // unknown words, which would be written as others
+  double recordLength = 0.5;  // seconds; not in every file
 };
 
 template <>
@@ -63,18 +64,18 @@ struct Measurement {
 /// In one word, as in "history".
 [[nodiscard]] std::string_view kindWord(aq::FileKind kind);
 
-/// Reads a file of any kind; `watch` sees its header lines, tracking is read up to `rt20Limit`.
-/// Throws `Failure`.
+/// Reads a file of any kind; `watch` gets its header lines, and tracking fixes above `rt20Limit`
+/// are dropped. Throws `Failure`.
 [[nodiscard]] Measurement openFile(const std::string& path, const aq::HeaderObserver& watch = {},
                                    std::uint8_t rt20Limit = 1);
 
 /// Throws `Failure` for a pipe or a device: files are read more than once.
 void expectFile(const std::string& path);
 
-// Read a file of one kind. Throw `Failure`, for a file of another kind too.
+// Read a file of one kind. Throw `Failure`, also for a file of another kind.
 [[nodiscard]] History openHistory(const std::string& path, const aq::HeaderObserver& watch = {});
 [[nodiscard]] MaskingMap openMap(const std::string& path, const aq::HeaderObserver& watch = {});
-/// For a history that the map has to fit, which was read from `historyPath`.
+/// For a map that must fit a history, which was read from `historyPath`.
 [[nodiscard]] MaskingMap openMapOf(const History& history, const std::string& historyPath,
                                    const std::string& map);
 [[nodiscard]] SpectrumRecord openSpectrum(const std::string& path,
@@ -82,13 +83,13 @@ void expectFile(const std::string& path);
 [[nodiscard]] Tracking openTracking(const std::string& path, const aq::HeaderObserver& watch = {},
                                     std::uint8_t rt20Limit = 1);
 
-/// Throws `Failure` for a history whose header has a word that would be written as another.
+/// Throws `Failure` for a history whose header has a word that would be written as another one.
 void expectKnownWords(const History& read, const std::string& path);
 
-/// Throws `Failure` unless a read or a write went well.
+/// Throws `Failure` unless a read or write succeeded.
 void expectGood(aq::AQ_DataMessage result, const aq::FileClass& file);
 
-/// The time of day as text, to the nearest that has one; empty when it has no clock form.
+/// The time of day as text, rounded to the nearest with a text form; empty if it has no clock form.
 [[nodiscard]] std::string timeText(aq::AQ_Time time);
 
 }  // namespace aqdata

@@ -9,7 +9,7 @@
 
 namespace aqdata {
 
-/// What a metric is called in tables and documents.
+/// The name of a metric in tables and documents.
 struct MetricName {
   aq::AQ_METRIC_TYPE type;
   const char* text;
@@ -21,27 +21,27 @@ inline constexpr MetricName kMetricNames[] = {
     {aq::AQ_METRIC_TONECOR, "TONECOR"}, {aq::AQ_METRIC_TONEBND, "TONEBND"},
     {aq::AQ_METRIC_LGB, "LGB"},         {aq::AQ_METRIC_INTEG, "INTEG"}};
 
-/// Whether a metric's value is a number of a band.
+/// Whether a metric's value is a band number.
 [[nodiscard]] constexpr bool isBand(aq::AQ_METRIC_TYPE type) {
   return type == aq::AQ_METRIC_TONEBND || type == aq::AQ_METRIC_LGB;
 }
 
-/// A computed metric; null where there is none.
+/// A computed metric; null if there is none.
 [[nodiscard]] Json metricJson(const aq::RecordMetrics& record, aq::AQ_METRIC_TYPE type);
 
-/// The part that a record plays, as in "max" or "first 2nd".
+/// The part of a record in the event, as in "max" or "first 2nd".
 [[nodiscard]] std::string flagsText(int flags);
 
-/// Record numbers, as in "3, 5-9"; after twenty runs it says how many follow.
+/// Record numbers, as in "3, 5-9"; after twenty runs gives the number of the rest.
 [[nodiscard]] std::string recordsText(const std::vector<int>& records);
 
 /// As in "34 (2.5 kHz)".
 [[nodiscard]] std::string bandText(std::int16_t band);
 
-/// What the last good band of a record says.
+/// The meaning of a record's last good band in words.
 [[nodiscard]] std::string lastGoodBandText(int band);
 
-/// The row of a record; none without a map, or without one there.
+/// The row of a record; null without a map or without a row for it.
 [[nodiscard]] const aq::AQ_MaskRow* rowOf(const aq::AQ_MaskMap* map, std::int16_t record);
 
 /// As in "tone of 2.00 dB in band 34 (2.5 kHz)".
@@ -50,7 +50,7 @@ inline constexpr MetricName kMetricNames[] = {
 /// A field of comma-separated values.
 [[nodiscard]] std::string csvField(const std::string& text);
 
-/// The files that the user's arguments stand for: those named, and of a folder the histories.
+/// The files that the user's arguments name: files themselves, and the histories of a folder.
 [[nodiscard]] std::vector<std::string> chosenHistories(Session& session);
 
 }  // namespace aqdata

@@ -12,8 +12,8 @@
 
 namespace aqdata {
 
-/// Does `work(i)` for every i below `count` in `jobs` threads, and hands what it gives to
-/// `take(i, result)` here, in order. Only so many results wait as keep the threads busy.
+/// Runs `work(i)` for every i below `count` in `jobs` threads, and passes each result to `take(i,
+/// result)` in this thread, in order. Keeps only as many results waiting as keep the threads busy.
 template <class Work, class Take>
 void inOrder(std::size_t count, int jobs, const Work& work, const Take& take) {
   using Result = decltype(work(std::size_t{0}));

@@ -24,7 +24,7 @@ struct Drawn {
 };
 using Level = std::optional<Drawn>;
 
-/// The span of the levels that are drawn, on whole tens.
+/// The range of the drawn levels, in whole tens.
 struct Scale {
   double low = std::numeric_limits<double>::max();
   double high = std::numeric_limits<double>::lowest();
@@ -36,7 +36,7 @@ struct Scale {
   }
   [[nodiscard]] bool empty() const { return low > high; }
 
-  /// 0 at the bottom to 1 at the top.
+  /// From 0 at the bottom to 1 at the top.
   [[nodiscard]] double share(double level) const {
     return high > low ? (level - low) / (high - low) : 1;
   }
@@ -46,7 +46,7 @@ Level levelOf(const Json& cell, bool masked = false) {
   return isLevel(cell) ? Level({cell.get<double>(), masked}) : Level();
 }
 
-/// The level of all bands together, masked ones left out.
+/// The level of all bands together, without masked ones.
 Level sumOf(const Sheet::Row& row) {
   std::vector<Json> heard;
   for (std::size_t i = 0; i < row.bands.size(); ++i) {
@@ -78,7 +78,7 @@ constexpr std::string_view kMaskedBlock = "░";
 constexpr std::string_view kMaskedCell = "·";
 constexpr std::array<std::string_view, 9> kBlocks{" ", "▁", "▂", "▃", "▄", "▅", "▆", "▇", "█"};
 
-/// A bar's part in a line of characters; `height` is in lines.
+/// The part of a bar in one line of characters; `height` is in lines.
 std::string_view blockIn(double height, int line) {
   const double part = std::clamp(height - line, 0.0, 1.0);
   return kBlocks[static_cast<std::size_t>(std::lround(part * 8))];
@@ -93,7 +93,7 @@ std::string bar(double share, std::size_t width, bool masked) {
   return masked ? text : text.append(kParts[eighths % 8]);
 }
 
-/// The first and the last time below the ends of a picture.
+/// The line with the first and the last time below the ends of a picture.
 void printTimes(Session& session, const Sheet& sheet, std::size_t margin, std::size_t columns) {
   const auto text = [](const Sheet::Row& row) {
     return row.cells.size() > 1 ? cellText(row.cells[1]) : cellText(row.cells[0]);
@@ -109,7 +109,7 @@ std::size_t room(std::size_t margin) {
   return static_cast<std::size_t>(std::max(40, terminal::width())) - margin - 1;
 }
 
-/// Blue over green and yellow to red.
+/// From blue through green and yellow to red.
 std::array<int, 3> colourAt(double share) {
   static constexpr std::array<std::array<int, 3>, 5> kStops{
       {{20, 20, 70}, {30, 90, 180}, {40, 170, 120}, {240, 210, 60}, {220, 40, 30}}};
@@ -123,7 +123,7 @@ std::array<int, 3> colourAt(double share) {
   return colour;
 }
 
-/// One cell of a spectrogram: a coloured blank, or a shade where there are no colours.
+/// One cell of a spectrogram: a coloured blank, or a shade without colours.
 std::string cellAt(const Level& level, const Scale& scale, terminal::Colours colours) {
   if (!level) return " ";
   const double share = scale.share(level->level);
@@ -141,7 +141,7 @@ std::string cellAt(const Level& level, const Scale& scale, terminal::Colours col
   return std::string(kShades[static_cast<std::size_t>(std::lround(share * 4))]);
 }
 
-/// The level that `levelIn(row)` gives for every record; none for a number that is left out.
+/// The level `levelIn(row)` of every record; none for a missing number.
 template <class LevelIn>
 std::vector<Level> levelsAcross(const Sheet& sheet, const LevelIn& levelIn) {
   std::vector<Level> levels;
@@ -159,7 +159,7 @@ std::string scaleText(const Scale& scale) {
 }  // namespace
 
 bool isLevel(const Json& cell) {
-  constexpr double kSummable = 3000;  // what is beyond is no sound, and no axis shows it
+  constexpr double kSummable = 3000;  // levels beyond are no sound, and no axis shows them
   return cell.is_number() && cell.get<double>() != double{aq::AQ_INVALID_LEVEL} &&
          std::abs(cell.get<double>()) <= kSummable;
 }

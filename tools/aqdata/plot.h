@@ -9,19 +9,19 @@
 
 namespace aqdata {
 
-/// Whether a cell is a valid level.
+/// Whether a cell holds a valid level.
 [[nodiscard]] bool isLevel(const Json& cell);
 
-/// The level of all valid ones together; null without any.
+/// The level of all valid ones together; null if there is none.
 [[nodiscard]] Json energySum(const std::vector<Json>& levels);
 
-/// Draws a spectrum, one bar a band.
+/// Draws a spectrum, one bar per band.
 void plotSpectrum(Session& session, const Sheet& sheet, const Sheet::Row& row);
 
 /// Draws the level of one band across the records, or of all together.
 void plotHistory(Session& session, const Sheet& sheet);
 
-/// Draws all levels: a line a band, a column a record, in the colours that the terminal has.
+/// Draws all levels: one line per band, one column per record, in the colours of the terminal.
 void plotSpectrogram(Session& session, const Sheet& sheet);
 
 }  // namespace aqdata

@@ -38,7 +38,7 @@ std::string unknown(const char* what, const std::string& found,
                      meant.empty() ? "" : fmt::format("; did you mean {}?", meant));
 }
 
-/// How many of the first words are an option that all commands know, with its value.
+/// How many of the first words are an option of all commands, with its value.
 std::size_t sharedOption(const std::vector<std::string>& words) {
   static const std::set<std::string> kFlags{"--json", "-q", "--quiet"};
   static const std::set<std::string> kWithValue{"--color", "-j", "--jobs"};
@@ -49,8 +49,8 @@ std::size_t sharedOption(const std::vector<std::string>& words) {
   return name == words.front() ? std::min<std::size_t>(2, words.size()) : 1;
 }
 
-/// The words of a command line as the commands take them: their options may stand before them, and
-/// `help` is another way to ask for it.
+/// The words of a command line as the commands take them: moves options after the command, and
+/// turns `help` into --help.
 std::vector<std::string> arranged(std::vector<std::string> words) {
   std::vector<std::string> before;
   while (const std::size_t count = sharedOption(words)) {
@@ -69,7 +69,7 @@ std::vector<std::string> arranged(std::vector<std::string> words) {
   return words;
 }
 
-/// What is wrong with a command line.
+/// Describes what is wrong with a command line.
 std::string wrongText(CLI::App& program, const CLI::ParseError& error,
                       const std::vector<std::string>& words) {
   const auto chosen = program.get_subcommands();
@@ -119,7 +119,7 @@ void addCommands(CLI::App& program, Session& session) {
 
 std::vector<CLI::App*> commandsOf(CLI::App& program) {
   return program.get_subcommands([](const CLI::App* command) {
-    return !command->get_group().empty();  // hidden ones are in no group
+    return !command->get_group().empty();  // hidden ones have no group
   });
 }
 

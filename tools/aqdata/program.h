@@ -8,18 +8,18 @@
 
 namespace aqdata {
 
-/// Adds a command. What it does runs when the command line is known to be right; what it throws
-/// beyond complaints about single files ends the program.
+/// Adds a command. Its work runs once the command line is valid; an exception other than a
+/// complaint about one file ends the program.
 CLI::App* addCommand(CLI::App& program, Session& session, const char* name, const char* summary,
                      const char* examples, std::function<void()> run);
 
-/// Makes all commands part of the program.
+/// Adds all commands to the program.
 void addCommands(CLI::App& program, Session& session);
 
 /// The commands that users see, in order.
 [[nodiscard]] std::vector<CLI::App*> commandsOf(CLI::App& program);
 
-/// Runs the program; gives its exit status.
+/// Runs the program and returns its exit status.
 [[nodiscard]] int run(int argc, char** argv);
 
 }  // namespace aqdata

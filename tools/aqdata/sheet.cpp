@@ -8,10 +8,10 @@
 namespace aqdata {
 namespace {
 
-/// Their text keeps hundredths alone for most of the day.
+/// Their text keeps only hundredths for most of the day.
 double secondsOf(const aq::AQ_Time& time) { return tidySeconds(time.TODseconds()); }
 
-/// Adds a row: its number, the cells of the other columns, and what it has in each of the sheet's
+/// Adds a row: its number, the cells of the other columns, and its value in each of the sheet's
 /// bands.
 void addRow(Sheet& sheet, std::int32_t number, std::vector<Json> cells,
             std::vector<Json> bands = {}) {
@@ -30,7 +30,7 @@ std::vector<Json> levelsOf(const aq::AQ_Spectrum& spectrum) {
   return levels;
 }
 
-/// As `levelsOf`, from band `low` to `high`, with null where there is no level.
+/// As `levelsOf`, from band `low` to `high`, with null for a missing level.
 std::vector<Json> levelsOf(const aq::AQ_Spectrum& spectrum, std::int16_t low, std::int16_t high) {
   std::vector<Json> levels = levelsOf(spectrum);
   const bool whole = spectrum.LowBand() == low && spectrum.HighBand() == high;
@@ -116,7 +116,7 @@ Sheet sheetFrom(const Held<Header, aq::AQ_Microphone>& read) {
                                   range.first, range.last));
 }
 
-Sheet sheetFrom(const Parameters&) { return {}; }  // all is in the header
+Sheet sheetFrom(const Parameters&) { return {}; }  // the header has everything
 
 }  // namespace
 

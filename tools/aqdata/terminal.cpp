@@ -18,7 +18,7 @@ std::string_view environment(const char* name) {
   return value == nullptr ? std::string_view() : value;
 }
 
-/// The system's tables of characters, whatever the user's locale, while the object lives.
+/// The system's character tables, independent of the user's locale, during the object's lifetime.
 class Utf8 {
  public:
   Utf8() : before_(::uselocale(tables())) {}
@@ -29,7 +29,7 @@ class Utf8 {
  private:
   static locale_t tables() {
     static const locale_t kTables = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-    return kTables;  // none where the system lacks them: the locale then stays
+    return kTables;  // null if the system lacks them: the locale then stays
   }
 
   locale_t before_;

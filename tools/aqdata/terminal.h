@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-// All of this program that differs between operating systems: its terminal, its streams and file
+// Everything in this program that differs between operating systems: terminal, streams and file
 // name patterns.
 namespace aqdata::terminal {
 
@@ -15,10 +15,10 @@ enum class Colours { None, Some, Many256, True };
 [[nodiscard]] bool onOutput();
 [[nodiscard]] bool onErrors();
 
-/// What the environment says of a terminal's colours, `NO_COLOR` included.
+/// What the environment says about a terminal's colours, including `NO_COLOR`.
 [[nodiscard]] Colours colours();
 
-/// The columns of the terminal on standard output, 80 where there is none.
+/// The columns of the terminal on standard output; 80 if there is none.
 [[nodiscard]] int width();
 
 /// A character of a text: its bytes, and the columns of a terminal that it takes.
@@ -27,17 +27,17 @@ struct Character {
   std::size_t columns;
 };
 
-/// The first character of `text`, which is UTF-8 and not empty; a byte that is none takes a column.
+/// The first character of `text`, which is UTF-8 and not empty; an invalid byte takes one column.
 [[nodiscard]] Character firstOf(std::string_view text);
 
-/// Whether `path` is a device, a pipe or one of the program's own streams, as /dev/stdout is
-/// wherever it leads.
+/// Whether `path` is a device, a pipe or one of the program's own streams, which /dev/stdout always
+/// is.
 [[nodiscard]] bool isStream(const std::string& path);
 
-/// From here on a closed pipe ends the program at once and without a word.
+/// From now on a closed pipe ends the program at once and silently.
 void endQuietlyOnClosedPipe();
 
-/// The files and folders that a pattern with `*`, `?` and `[]` stands for, in order.
+/// The files and folders that match a pattern with `*`, `?` and `[]`, in order.
 [[nodiscard]] std::vector<std::string> matches(const std::string& pattern);
 
 }  // namespace aqdata::terminal

@@ -16,7 +16,7 @@
 namespace reference {
 
 template <class T>
-struct Words;  // of what is no class of the interface
+struct Words;  // for types that are not classes of the interface
 
 template <class T>
 std::string typeWords();

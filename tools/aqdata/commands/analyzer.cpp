@@ -6,7 +6,7 @@
 namespace aqdata {
 namespace {
 
-/// A recording as its line of the table; of one that does not read, why.
+/// A recording as its line of the table, or the reason why it cannot be read.
 Json recordingOf(const std::string& folder, const std::string& name) {
   aq::AQ_DataHP3565 file;
   std::shared_ptr<aq::AQ_HeaderSTH> header;

@@ -5,8 +5,8 @@
 namespace aqdata {
 namespace {
 
-/// Prints each header line when its reader takes it, so that of a file that fails there is what
-/// stands in front of the failure.
+/// Prints each header line when its reader takes it, so that a file that fails shows what precedes
+/// the failure.
 void cat(Session& session, const std::string& path) {
   Json lines = Json::array();
   session.title(path);

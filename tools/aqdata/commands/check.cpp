@@ -21,7 +21,7 @@ struct CheckChoice {
   std::string severity = "note";  // the lowest that is reported
   bool strict = false;
   bool summary = false;
-  std::size_t limit = 20;  // findings of one kind that are listed, a file
+  std::size_t limit = 20;  // findings of one kind that are listed per file
 
   [[nodiscard]] bool wants(const aq::FindingKind& kind) const {
     const auto has = [&kind](const auto& names) {
@@ -38,8 +38,8 @@ struct CheckChoice {
   }
 };
 
-/// What was found in one file. Only so many findings of a kind are kept that results which wait for
-/// their turn stay small; all are counted.
+/// What was found in one file. Keeps a limited number of findings of each kind, so that results
+/// waiting for their turn stay small; counts all.
 struct Report {
   struct Count {
     const aq::FindingKind* kind;
@@ -141,7 +141,7 @@ void printJson(Session& session, const std::string& file, const Report& report) 
                              {"counts", std::move(counts)}});
 }
 
-/// Counts what the files gave, and ends the session as they ask for.
+/// Counts the findings of the files and sets the session's status from them.
 struct Summary {
   std::size_t files = 0;
   std::size_t sound = 0;  // files without a finding
@@ -163,7 +163,7 @@ struct Summary {
     }
   }
 
-  /// A line a kind of finding, or a document of them all.
+  /// One line per kind of finding, or one document with all of them.
   void print(Session& session) const {
     Table table({{"finding"}, {"severity"}, {"count", true}, {"files", true}, {"meaning"}});
     Json findings = Json::object();

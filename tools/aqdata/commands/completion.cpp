@@ -24,15 +24,15 @@ std::string optionsOf(const CLI::App& command) {
   return text;
 }
 
-/// In single quotes of a shell.
+/// `text` in a shell's single quotes.
 std::string quoted(const std::string& text) {
   std::string result = "'";
   for (const char c : text) result += c == '\'' ? std::string("'\\''") : std::string(1, c);
   return result + '\'';
 }
 
-/// Calls `visit(names, words)` for what a command takes words of: an option's names with their
-/// dashes, none for an argument.
+/// Calls `visit(names, words)` for each option or argument of a command that takes words: an
+/// option's names with dashes, none for an argument.
 template <class Visit>
 void forWords(const CLI::App& command, const Session& session, const Visit& visit) {
   for (const CLI::Option* option : command.get_options()) {
@@ -44,10 +44,10 @@ void forWords(const CLI::App& command, const Session& session, const Visit& visi
   }
 }
 
-/// The branches of a shell's `case` over a command and the word before the one that is completed.
+/// The branches of a shell's `case` over a command and the word before the completed one.
 std::string wordCases(CLI::App& program, const Session& session, const char* branch) {
   std::string cases;
-  std::string arguments;  // which any word may stand before, so they come last
+  std::string arguments;  // which any word may precede, so they come last
   for (const CLI::App* command : commandsOf(program)) {
     forWords(*command, session, [&](const auto& names, const std::string& words) {
       const std::string pattern = command->get_name() + ':' + (names.empty() ? "*" : names.front());
@@ -126,7 +126,7 @@ std::string zsh(CLI::App& program, const Session& session) {
       "    _files\n"
       "  fi\n"
       "}}\n"
-      // Loaded by its name on the first use, or sourced.
+      // Loaded by its name on first use, or sourced.
       "if [ \"$funcstack[1]\" = _aqdata ]; then\n"
       "  _aqdata \"$@\"\n"
       "else\n"
@@ -135,7 +135,7 @@ std::string zsh(CLI::App& program, const Session& session) {
       commands, wordCases(program, session, "    {}) compadd -- {}; return ;;\n"), cases);
 }
 
-/// The part of a fish line that says for which command it counts.
+/// The part of a fish line that says which command it applies to.
 std::string fishLine(const CLI::App& command) {
   return fmt::format("complete -c aqdata -n {}",
                      quoted("__fish_seen_subcommand_from " + command.get_name()));

@@ -26,12 +26,12 @@ struct ConvertChoice {
 
 struct Form {
   std::string name;
-  std::string_view ending;  // of the names of such files
+  std::string_view ending;  // of file names
 };
 const Form kForms[] = {{"history", ".sth.csv"},  {"columns", ".spc"}, {"positions", ".pth.csv"},
                        {"spectrum", ".ssr.csv"}, {"json", ".json"},   {"table", ".csv"}};
 
-/// The form that was asked for, or that the output's name asks for.
+/// The requested form, or the one that the output's name implies.
 std::string formOf(const Session& session, const ConvertChoice& choice) {
   std::vector<std::string_view> endings;
   std::string named = "table";
@@ -55,7 +55,7 @@ std::string rowText(const std::vector<Json>& cells) {
   return text;
 }
 
-/// One observation a line: of rows with bands, each band is one.
+/// One observation per line: each band of a row is one.
 std::vector<std::string> tidyLines(const Sheet& sheet) {
   std::string heading = fmt::format("{}", fmt::join(sheet.columns, ","));
   if (sheet.hasBands()) heading += ",band," + sheet.ofBand;
@@ -70,7 +70,7 @@ std::vector<std::string> tidyLines(const Sheet& sheet) {
   return lines;
 }
 
-/// A line a key of the header, for a file that has no rows.
+/// One line per key of the header, for a file that has no rows.
 std::vector<std::string> headerLines(const Json& header) {
   std::vector<std::string> lines{"key,value"};
   for (const auto& [key, value] : header.items()) {
@@ -103,7 +103,7 @@ void putSpectrum(const Session& session, const ConvertChoice& choice, const Meas
   writeOutput<aq::AQ_DataSSR>(session, header, *spectrum);
 }
 
-/// A history file says once which bands all of its records have.
+/// A history file names the bands of all its records once.
 void expectWhole(const History& read, const std::string& file) {
   const auto fail = [&](std::int32_t record, const std::string& why) {
     throw Failure(fmt::format("{}, record {}: {}, which a history file cannot leave out",

@@ -22,8 +22,8 @@ struct DiffChoice {
 /// How two files differ in one column, or in one band.
 struct Column {
   std::size_t count = 0;
-  double largest = -1;      // difference of numbers; of other cells the first is shown
-  std::int32_t record = 0;  // where that is
+  double largest = -1;      // difference of numbers; of other cells, the first one is shown
+  std::int32_t record = 0;  // its record
   Json a = {};
   Json b = {};
 
@@ -53,8 +53,8 @@ struct Difference {
   }
 };
 
-/// The files' own names and dates say where the data lie and when they were written, not what they
-/// are; dates of source files are compared when they are asked for.
+/// The files' own names and dates say where and when the data were written, not what they are;
+/// dates of source files are compared on request.
 bool isCompared(const std::string& key, bool dates) {
   if (key == "file_name" || key == "file_date") return false;
   return dates || !key.ends_with("_date");
@@ -67,7 +67,7 @@ void compareHeaders(const Json& a, const Json& b, bool dates, Difference& differ
   }
 }
 
-/// The cell of a band that both or only one of them may have.
+/// The cell of a band that one file may lack.
 Json bandCell(const Sheet& sheet, const Sheet::Row& row, std::int32_t band) {
   const std::int32_t place = band - sheet.low;
   if (place < 0 || place >= static_cast<std::int32_t>(row.bands.size())) return nullptr;

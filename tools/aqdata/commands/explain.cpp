@@ -17,7 +17,7 @@ struct ExplainChoice {
   std::string map;
 };
 
-/// A spectrum, and how it is spoken of.
+/// A spectrum and its name in the text.
 struct Explained {
   std::shared_ptr<aq::AQ_Spectrum> spectrum;
   std::optional<int> record;
@@ -79,7 +79,7 @@ std::string stepNumber(const std::optional<double>& value) {
   return fmt::format("{:.2f}", std::abs(*value) < kHalfHundredth ? 0 : *value);  // no -0.00
 }
 
-/// Why a step marks a slope or a level; `next` is the step above, if there is one.
+/// Why a step marks a slope or a level; `next` is the step of the band above, if there is one.
 std::string reason(const aq::ToneStep& step, const aq::ToneStep* before, const aq::ToneStep* next) {
   std::vector<std::string> reasons;
   if (step.slopeMarked) {
@@ -123,7 +123,7 @@ void printSteps(Session& session, const std::vector<aq::ToneStep>& rows) {
   table.print(session);
 }
 
-/// The bands of 17 to 40 whose levels do not count.
+/// The bands from 17 to 40 whose levels do not count.
 std::vector<int> bandsWithout(const Explained& explained) {
   std::vector<int> bands;
   for (std::int16_t band = 17; band <= 40; ++band) {
@@ -134,7 +134,7 @@ std::vector<int> bandsWithout(const Explained& explained) {
   return bands;
 }
 
-/// What an analyst writes about the correction of a record.
+/// The explanation of a record's correction, as an analyst would write it.
 std::string sentenceOf(const Explained& explained, const aq::ToneCorrection& tone) {
   const std::string record =
       explained.record ? fmt::format("Record {}", *explained.record) : "The spectrum";

@@ -40,7 +40,7 @@ Microphone microphoneFrom(const std::string& path) {
                             aq::escaped(path), aq::kindText(read.kind)));
 }
 
-/// The membrane stands above the ground point.
+/// The microphone is above its ground point.
 std::shared_ptr<aq::AQ_Position> membrane(const aq::AQ_Microphone& microphone) {
   auto position = std::make_shared<aq::AQ_Position>();
   position->X(microphone.X);
@@ -49,8 +49,8 @@ std::shared_ptr<aq::AQ_Position> membrane(const aq::AQ_Microphone& microphone) {
   return position;
 }
 
-/// The points numbered from 1, as a file holds them. Throws `Failure` where a record of the range
-/// has none.
+/// The points numbered from 1, as a file holds them. Throws `Failure` if a record of the range has
+/// none.
 aq::AQ_GeometryTimeHistory numberedPoints(const aq::AQ_SpectralTimeHistory& history,
                                           const aq::AQ_GeometryTimeHistory& points,
                                           const Range& range, const std::string& file) {

@@ -2,7 +2,7 @@
 
 namespace aqdata {
 
-/// The command line has become that of --help before it is parsed; here is what lists the command.
+/// The command line becomes that of --help before it is parsed; this only lists the command.
 void addHelp(CLI::App& program, Session& session) {
   const auto name = std::make_shared<std::string>();
   CLI::App* const command = addCommand(program, session, "help", "Say more about a command",

@@ -17,13 +17,13 @@
 namespace aqdata {
 namespace {
 
-/// What there is of the records of a file, of whatever kind.
+/// A summary of the records of a file of any kind.
 struct Extent {
   std::size_t count = 0;
   std::int32_t low = 0;
   std::int32_t high = 0;
   std::optional<double> begin = {};  // time of day of the lowest record, in seconds
-  std::optional<double> end = {};    // of the highest
+  std::optional<double> end = {};    // of the highest record
   std::string beginText = {};
   std::string endText = {};
 
@@ -46,7 +46,7 @@ struct Extent {
     if (!begin) return;
     info["begin"] = beginText;
     info["end"] = endText;
-    // Times go on over midnight; what else falls is out of order.
+    // Times continue across midnight; any other step back is out of order.
     const double seconds = *end - *begin;
     info["duration_s"] = tidySeconds(seconds < -43200 ? seconds + 86400 : seconds);
   }
@@ -101,7 +101,7 @@ void describe(const Held<Header, aq::AQ_Microphone>& read, Json& info) {
 
 void describe(const Parameters&, Json&) {}
 
-/// The word that the instrument has for a code, or the number.
+/// The instrument's word for a code, or the number.
 std::string codeText(const aq::sdf::Record& record, const aq::sdf::Field& field) {
   const std::int32_t number = record.integer(field);
   const std::string_view word = aq::sdf::wordOf(*field.codes, number);
@@ -136,7 +136,7 @@ Json channelInfo(const aq::sdf::Record& channel) {
           {"range_db_v_peak", channel.real(kChannel["range"])}};
 }
 
-/// What a recording has beside the levels that come of it.
+/// What a recording has besides its levels.
 void addRecording(const std::string& path, Json& info) {
   const auto recording = aq::sdf::Recording::fromFile(path);
   info["revision"] = recording.records().revision();
@@ -151,11 +151,11 @@ void addRecording(const std::string& path, Json& info) {
 
 struct Outcome {
   Json info = {};
-  std::string_view word = {};  // for its kind
+  std::string_view word = {};  // its kind
   std::string failure = {};
 };
 
-/// A recording that gives no levels, as one of a time signal; nothing for any other file.
+/// A recording without levels, such as a time signal; nothing for any other file.
 std::optional<Json> infoWithoutLevels(const std::string& path, const std::string& failure) {
   constexpr auto kKind = aq::FileKind::AnalyzerRecording;
   if (aq::kindOfFile(path) != kKind) return std::nullopt;
@@ -198,7 +198,7 @@ std::string partsText(const Json& object) {
   return text;
 }
 
-/// The lines of a value: an entry of a list of texts or objects each begins one.
+/// The lines of a value: each entry of a list of texts or objects starts one.
 std::vector<std::string> valueLines(const Json& value, std::size_t width) {
   if (!value.is_array() || value.empty() || value.front().is_number()) {
     return wrapped(listText(value, ", "), width);
@@ -211,7 +211,7 @@ std::vector<std::string> valueLines(const Json& value, std::size_t width) {
   return lines;
 }
 
-/// One key a line; what is empty is left out.
+/// One key per line; leaves out empty values.
 void printValues(Session& session, const Json& values) {
   constexpr std::size_t kKeys = 25;
   constexpr std::size_t kNarrowest = 20;

@@ -7,7 +7,8 @@
 namespace aqdata {
 namespace {
 
-/// As the page's typesetter takes it: no line begins with a command, no dash becomes a hyphen.
+/// `text` escaped for the page's typesetter: no line begins with a command, no dash becomes a
+/// hyphen.
 std::string roff(const std::string& text) {
   std::string result;
   for (const char c : text) {
@@ -74,7 +75,7 @@ std::string manual(CLI::App& program) {
 void addManual(CLI::App& program, Session& session) {
   CLI::App* const command = addCommand(program, session, "manual", "Print the manual page", "",
                                        [&program, &session] { session.print(manual(program)); });
-  command->group("");  // for the build, which installs it
+  command->group("");  // hidden: for the build, which installs the page
 }
 
 }  // namespace aqdata

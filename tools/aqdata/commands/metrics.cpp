@@ -17,18 +17,18 @@ namespace {
 
 struct MetricsChoice {
   std::string map;
-  bool maps = false;  // beside the histories
+  bool maps = false;  // next to the histories
 };
 
-/// What a file's metrics say.
+/// The metrics of a file.
 struct FileMetrics {
-  Json document = {};  // with the records where they are wanted
+  Json document = {};  // with the records if requested
   std::size_t records = 0;
-  std::vector<std::string> words = {};  // of the event and what could not be computed
+  std::vector<std::string> words = {};  // about the event and what could not be computed
   std::string failure = {};
 };
 
-/// The name of the map beside a history: landing.mask.csv for landing.sth.csv.
+/// The name of the map next to a history: landing.mask.csv for landing.sth.csv.
 std::string mapBeside(const std::string& history) {
   const std::filesystem::path path(history);
   const std::string name = path.filename().string();
@@ -83,7 +83,7 @@ std::string limitsText(const Json& event) {
                      both ? "" : ", so that the EPNL is a lower bound");
 }
 
-/// Which records lack a value, and which one.
+/// Which records lack which value.
 std::vector<std::string> missingWords(const aq::HistoryMetrics& metrics,
                                       const aq::AQ_MaskMap* map) {
   std::vector<std::string> words;
@@ -190,7 +190,7 @@ constexpr const char* kEventKeys[] = {"EPNL",
                                       "maximum",
                                       "last"};
 
-/// The line of a file in the table of many, each number as `text` gives it.
+/// The line of a file in the table of several files, with each number as `text` returns it.
 template <class Text>
 std::vector<std::string> eventCells(const FileMetrics& outcome, const Text& text) {
   const Json& event = outcome.document["event"];
@@ -231,7 +231,7 @@ void addMetricLines(const Json& document, CsvLines& lines) {
   }
 }
 
-/// Where the outcomes of a run go, one after the other.
+/// Takes the outcomes of a run, one after the other.
 class MetricsReport {
  public:
   MetricsReport(Session& session, bool oneFile) : session_(session), oneFile_(oneFile) {

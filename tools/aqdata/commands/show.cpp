@@ -21,7 +21,7 @@ struct ShowChoice {
   bool spectrogram = false;
 };
 
-/// Takes from the map, if there is one, which levels it masks.
+/// Marks the levels that the map masks, if there is one.
 void takeMasks(Sheet& sheet, const Measurement& read, const ShowChoice& choice) {
   if (choice.map.empty()) return;
   const auto* const history = std::get_if<History>(&read.data);
@@ -42,7 +42,7 @@ std::string bandText(Session& session, const Json& cell, bool masked) {
   return masked ? session.faint(text + '*') : text;
 }
 
-/// A column a band.
+/// One column per band.
 void printBands(Session& session, const Sheet& sheet) {
   std::vector<Table::Column> columns;
   for (const std::string& name : sheet.columns) columns.push_back({name, true});
@@ -61,7 +61,7 @@ void printBands(Session& session, const Sheet& sheet) {
   table.print(session);
 }
 
-/// What the bands of a row come to: their sum, the loudest, and how many are masked.
+/// A summary of the bands of a row: their sum, the loudest, and how many are masked.
 std::vector<std::string> summaryOf(const Sheet& sheet, const Sheet::Row& row) {
   std::size_t loudest = row.bands.size();
   std::size_t masked = 0;

@@ -23,7 +23,7 @@ struct StampChoice {
 aq::AQ_Time timeFrom(const char* option, const std::string& text) {
   aq::AQ_Time time;
   try {
-    time.TODstring(aq::clockTimeFrom(text.substr(0, text.find('.'))));  // refuses hours past 23
+    time.TODstring(aq::clockTimeFrom(text.substr(0, text.find('.'))));  // rejects hours past 23
     time.TODstring(text);
   } catch (const aq::Error&) {
     throw Failure(
@@ -32,7 +32,7 @@ aq::AQ_Time timeFrom(const char* option, const std::string& text) {
   return time;
 }
 
-/// The words of an enumeration counted from 0.
+/// The words of an enumeration whose values start at 0.
 template <class Enumeration>
 std::vector<std::string> wordsOf() {
   std::vector<std::string> words;
@@ -43,7 +43,7 @@ std::vector<std::string> wordsOf() {
   }
 }
 
-/// The member with a word that has one.
+/// The member with that word, which must exist.
 template <class Enumeration>
 Enumeration valueOf(const std::string& word) {
   Enumeration value{};
@@ -51,7 +51,7 @@ Enumeration valueOf(const std::string& word) {
   return value;
 }
 
-/// The reference type to write: the one that was asked for, or the file's own.
+/// The reference type to write: the requested one, or the file's own.
 aq::AQ_RefTimeType referenceOf(const History& read, const StampChoice& choice) {
   if (!choice.referenceType.empty()) {
     return valueOf<aq::AQ_RefTimeType>(choice.referenceType);
@@ -63,15 +63,15 @@ aq::AQ_RefTimeType referenceOf(const History& read, const StampChoice& choice) {
                   aq::escaped(choice.file), aq::shown(read.words.reference())));
 }
 
-/// The types of stamps and reference are written anew; what else has a word has to be known.
+/// The types of stamp and reference are overwritten; the file's other words must be known.
 void expectKnownAveraging(History read, const std::string& file) {
   std::erase_if(read.others, [](const auto& other) { return other.what != "averaging method"; });
   expectKnownWords(read, file);
 }
 
-/// A run lasts minutes, so a reference half a day away is one on the other side of midnight.
+/// A run lasts minutes, so a reference half a day away is on the other side of midnight.
 void setDates(aq::AQ_Time& start, aq::AQ_Time& reference) {
-  constexpr std::int32_t kDay = 36526;  // any will do: a history's file has no dates of records
+  constexpr std::int32_t kDay = 36526;  // any date will do: a history file has no dates of records
   constexpr double kHalfDay = 43200;
   const double ahead = reference.TODseconds() - start.TODseconds();
   start.CurrentDate(kDay);
