@@ -42,7 +42,11 @@ class AQ_API InputFile {
   [[nodiscard]] std::size_t read(std::span<char> buffer);
 
  private:
+#ifdef _WIN32
+  void* handle_;
+#else
   int handle_;
+#endif
 };
 
 /// Makes `bytes` the whole content of a file, all or nothing: writes a temporary file in its

@@ -1,0 +1,648 @@
+#include "aq/core/platform.h"
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+// clang-format off
+#include <aclapi.h>  // needs what is above
+// clang-format on
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cwctype>
+#include <memory>
+
+namespace aq::platform {
+namespace {
+
+constexpr const char* kOpen = "a file that can be opened";
+constexpr const char* kWrite = "a file that can be written";
+constexpr const char* kReplace = "a folder that lets the file be replaced";
+constexpr const char* kReadFolder = "a folder that can be read";
+constexpr const char* kRun = "a program that can be run";
+constexpr const char* kSucceeds = "a program that ends with status 0";
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+std::string utf8(std::wstring_view text) {
+  const int size = static_cast<int>(text.size());
+  const int length =
+      ::WideCharToMultiByte(CP_UTF8, 0, text.data(), size, nullptr, 0, nullptr, nullptr);
+  std::string bytes(static_cast<std::size_t>(length), '\0');
+  ::WideCharToMultiByte(CP_UTF8, 0, text.data(), size, bytes.data(), length, nullptr, nullptr);
+  return bytes;
+}
+
+struct Reason {
+  DWORD error;
+  const char* text;
+};
+
+// In the words that other systems use, so that a program tells the same everywhere.
+constexpr std::array kReasons{
+    Reason{ERROR_FILE_NOT_FOUND, "No such file or directory"},
+    Reason{ERROR_PATH_NOT_FOUND, "No such file or directory"},
+    Reason{ERROR_INVALID_DRIVE, "No such file or directory"},
+    Reason{ERROR_BAD_NETPATH, "No such file or directory"},
+    Reason{ERROR_BAD_NET_NAME, "No such file or directory"},
+    Reason{ERROR_ACCESS_DENIED, "Permission denied"},
+    Reason{ERROR_SHARING_VIOLATION, "another program holds the file open"},
+    Reason{ERROR_LOCK_VIOLATION, "another program has locked the file"},
+    Reason{ERROR_USER_MAPPED_FILE, "another program holds the file open"},
+    Reason{ERROR_WRITE_PROTECT, "Read-only file system"},
+    Reason{ERROR_DISK_FULL, "No space left on device"},
+    Reason{ERROR_HANDLE_DISK_FULL, "No space left on device"},
+    Reason{ERROR_FILENAME_EXCED_RANGE, "File name too long"},
+    Reason{ERROR_INVALID_NAME, "the system does not take such a name"},
+    Reason{ERROR_BAD_PATHNAME, "the system does not take such a name"},
+    Reason{ERROR_DIRECTORY, "Not a directory"},
+    Reason{ERROR_NOT_ENOUGH_MEMORY, "Cannot allocate memory"},
+    Reason{ERROR_OUTOFMEMORY, "Cannot allocate memory"},
+    Reason{ERROR_BROKEN_PIPE, "Broken pipe"},
+    Reason{ERROR_NO_DATA, "Broken pipe"},
+    Reason{ERROR_BAD_EXE_FORMAT, "Exec format error"},
+    Reason{ERROR_CANT_RESOLVE_FILENAME, "Too many levels of symbolic links"},
+};
+
+/// The system's own words: English where it has them.
+std::string systemText(DWORD error) {
+  constexpr DWORD kFlags = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
+  constexpr DWORD kEnglish = MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US);
+  std::array<wchar_t, 512> text{};
+  const auto size = static_cast<DWORD>(text.size());
+  DWORD length = ::FormatMessageW(kFlags, nullptr, error, kEnglish, text.data(), size, nullptr);
+  if (length == 0) length = ::FormatMessageW(kFlags, nullptr, error, 0, text.data(), size, nullptr);
+  std::wstring_view words(text.data(), length);
+  while (!words.empty() && (words.back() <= L' ' || words.back() == L'.')) words.remove_suffix(1);
+  return words.empty() ? "error " + std::to_string(error) : utf8(words);
+}
+
+[[noreturn]] void failBy(const char* wanted, DWORD error = ::GetLastError()) {
+  const auto* const known =
+      std::find_if(kReasons.begin(), kReasons.end(),
+                   [error](const Reason& reason) { return reason.error == error; });
+  throw SystemError(wanted, known != kReasons.end() ? known->text : systemText(error));
+}
+
+std::wstring wide(const std::string& text, const char* wanted) {
+  if (text.find('\0') != text.npos) throw SystemError(wanted, "Invalid argument");
+  if (text.empty()) return {};
+  const int size = static_cast<int>(text.size());
+  const auto convert = [&](wchar_t* to, int room) {
+    return ::MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(), size, to, room);
+  };
+  const int length = convert(nullptr, 0);
+  if (length == 0) throw SystemError(wanted, "the name is no valid UTF-8");
+  std::wstring characters(static_cast<std::size_t>(length), L'\0');
+  convert(characters.data(), length);
+  return characters;
+}
+
+/// Whether `path` is in the system's own form, which it takes letter by letter: \\?\ or \\.\.
+bool isRaw(std::wstring_view path) {
+  return path.starts_with(L"\\\\?\\") || path.starts_with(L"\\\\.\\");
+}
+
+/// Whether a file name without its endings is a device's, in whatever folder it is.
+bool isDevice(std::wstring_view name) {
+  std::wstring base(name.substr(0, name.find(L'.')));
+  while (base.ends_with(L' ')) base.pop_back();
+  std::transform(base.begin(), base.end(), base.begin(),
+                 [](wchar_t letter) { return static_cast<wchar_t>(std::towupper(letter)); });
+  for (const wchar_t* device : {L"CON", L"PRN", L"AUX", L"NUL", L"CONIN$", L"CONOUT$"}) {
+    if (base == device) return true;
+  }
+  constexpr std::wstring_view kNumbers = L"0123456789\u00B9\u00B2\u00B3";
+  return base.size() == 4 && (base.starts_with(L"COM") || base.starts_with(L"LPT")) &&
+         kNumbers.find(base.back()) != kNumbers.npos;
+}
+
+/// Refuses names that the system takes without a word for another file or a device.
+void checkNames(std::wstring_view path, const char* wanted) {
+  constexpr std::size_t kMostOfName = 255;
+  constexpr std::wstring_view kSeparators = L"/\\";
+  if (path.size() >= 2 && path[1] == L':') path.remove_prefix(2);
+  if (path.find(L':') != path.npos) throw SystemError(wanted, "a colon in the name");
+  for (std::size_t begin = 0; begin <= path.size();) {
+    const std::size_t end = std::min(path.find_first_of(kSeparators, begin), path.size());
+    const std::wstring_view name = path.substr(begin, end - begin);
+    begin = end + 1;
+    if (name.empty() || name == L"." || name == L"..") continue;
+    if (name.size() > kMostOfName) failBy(wanted, ERROR_FILENAME_EXCED_RANGE);
+    if (name.ends_with(L'.') || name.ends_with(L' ')) {
+      throw SystemError(wanted, "a dot or blank at the end of a name, which the system drops");
+    }
+    if (isDevice(name)) {
+      throw SystemError(wanted,
+                        '"' + utf8(name) + "\" is a name that the system keeps for a device");
+    }
+  }
+}
+
+/// A path for the system: absolute, and in its own form where it is longer than usual ones.
+std::wstring systemPath(std::wstring path, const char* wanted) {
+  constexpr std::size_t kMostUsual = 200;  // a temporary's name beside the file fits, too
+  if (path.empty()) failBy(wanted, ERROR_FILE_NOT_FOUND);
+  const DWORD size = ::GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
+  std::wstring full(size, L'\0');
+  const DWORD length = ::GetFullPathNameW(path.c_str(), size, full.data(), nullptr);
+  if (length == 0 || length >= size) failBy(wanted, ERROR_FILENAME_EXCED_RANGE);
+  full.resize(length);
+  if (length < kMostUsual) return full;
+  return full.starts_with(L"\\\\") ? L"\\\\?\\UNC" + full.substr(1) : L"\\\\?\\" + full;
+}
+
+/// `path` for the system. A device is asked for by its bare name, or in the system's own form.
+std::wstring pathOf(const std::string& path, const char* wanted) {
+  std::wstring name = wide(path, wanted);
+  const bool bareDevice = name.find_first_of(L"./\\: ") == name.npos && isDevice(name);
+  if (isRaw(name) || bareDevice) return name;
+  checkNames(name, wanted);
+  return systemPath(std::move(name), wanted);
+}
+
+/// Tries again for a short while what fails because another program looks into the file for a
+/// moment, as virus scanners and indexers do.
+template <class Call>
+bool patiently(const Call& call) {
+  for (DWORD wait = 5;; wait *= 2) {
+    if (call()) return true;
+    const DWORD error = ::GetLastError();
+    const bool mayEnd = error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION ||
+                        error == ERROR_ACCESS_DENIED;
+    if (!mayEnd || wait > 100) return false;
+    ::Sleep(wait);
+    ::SetLastError(error);
+  }
+}
+
+struct Closer {
+  void operator()(HANDLE handle) const { ::CloseHandle(handle); }
+};
+using Handle = std::unique_ptr<void, Closer>;
+
+Handle owned(HANDLE handle) { return Handle(handle == INVALID_HANDLE_VALUE ? nullptr : handle); }
+
+bool isFolder(const std::wstring& path) {
+  const DWORD attributes = ::GetFileAttributesW(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+/// Why `path` cannot be opened, where the system's error is less than what can be seen.
+[[noreturn]] void failToOpen(const std::wstring& path, const char* wanted, DWORD error) {
+  if (error == ERROR_ACCESS_DENIED) {
+    if (isFolder(path)) throw SystemError(wanted, "Is a directory");
+    const DWORD attributes = ::GetFileAttributesW(path.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0 &&
+        wanted != kOpen) {
+      throw SystemError(wanted, "the file is marked as read-only");
+    }
+  }
+  failBy(wanted, error);
+}
+
+struct Opening {
+  DWORD access;
+  DWORD sharing = kShareAll;
+  DWORD disposition = OPEN_EXISTING;
+  DWORD flags = FILE_ATTRIBUTE_NORMAL;
+};
+
+Handle open(const std::wstring& path, const Opening& how, const char* wanted) {
+  Handle handle;
+  const bool opened = patiently([&] {
+    handle = owned(::CreateFileW(path.c_str(), how.access, how.sharing, nullptr, how.disposition,
+                                 how.flags, nullptr));
+    return handle != nullptr || (::GetLastError() == ERROR_ACCESS_DENIED);
+  });
+  if (!opened || handle == nullptr) failToOpen(path, wanted, ::GetLastError());
+  return handle;
+}
+
+/// A new handle of one of the program's own streams, under the names that they have elsewhere;
+/// none for any other path.
+Handle standardStream(const std::string& path) {
+  DWORD stream = 0;
+  if (path == "/dev/stdin") stream = STD_INPUT_HANDLE;
+  if (path == "/dev/stdout") stream = STD_OUTPUT_HANDLE;
+  if (path == "/dev/stderr") stream = STD_ERROR_HANDLE;
+  if (stream == 0) return nullptr;
+  const HANDLE self = ::GetCurrentProcess();
+  HANDLE copy = nullptr;
+  if (::DuplicateHandle(self, ::GetStdHandle(stream), self, &copy, 0, FALSE,
+                        DUPLICATE_SAME_ACCESS) == 0) {
+    failBy(stream == STD_INPUT_HANDLE ? kOpen : kWrite);
+  }
+  return Handle(copy);
+}
+
+void write(const Handle& file, std::string_view bytes) {
+  constexpr std::size_t kMost = std::size_t{16} * 1024 * 1024;  // network drives refuse larger ones
+  while (!bytes.empty()) {
+    const auto size = static_cast<DWORD>(std::min(bytes.size(), kMost));
+    DWORD written = 0;
+    if (::WriteFile(file.get(), bytes.data(), size, &written, nullptr) == 0) failBy(kWrite);
+    bytes.remove_prefix(written);
+  }
+}
+
+/// Waits until the bytes are on the disk, where there is one.
+void flush(const Handle& file) {
+  if (::FlushFileBuffers(file.get()) != 0) return;
+  const DWORD error = ::GetLastError();
+  if (error != ERROR_INVALID_FUNCTION && error != ERROR_NOT_SUPPORTED) failBy(kWrite, error);
+}
+
+bool onDisk(const Handle& file) { return ::GetFileType(file.get()) == FILE_TYPE_DISK; }
+
+/// Who may do what with a file; empty where its file system does not know that.
+class Access {
+ public:
+  explicit Access(const Handle& file) {
+    const DWORD error = ::GetSecurityInfo(file.get(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION,
+                                          nullptr, nullptr, &list_, nullptr, &descriptor_);
+    if (error != ERROR_SUCCESS) descriptor_ = nullptr;
+  }
+  Access(const Access&) = delete;
+  Access& operator=(const Access&) = delete;
+  ~Access() { ::LocalFree(descriptor_); }
+
+  [[nodiscard]] bool known() const { return descriptor_ != nullptr && list_ != nullptr; }
+
+  void giveTo(const Handle& file) const {
+    SECURITY_DESCRIPTOR_CONTROL control{};
+    DWORD revision = 0;
+    ::GetSecurityDescriptorControl(descriptor_, &control, &revision);
+    const DWORD parts = DACL_SECURITY_INFORMATION | ((control & SE_DACL_PROTECTED) != 0
+                                                         ? PROTECTED_DACL_SECURITY_INFORMATION
+                                                         : UNPROTECTED_DACL_SECURITY_INFORMATION);
+    const DWORD error =
+        ::SetSecurityInfo(file.get(), SE_FILE_OBJECT, parts, nullptr, nullptr, list_, nullptr);
+    if (error != ERROR_SUCCESS) failBy(kWrite, error);
+  }
+
+ private:
+  PSECURITY_DESCRIPTOR descriptor_ = nullptr;
+  PACL list_ = nullptr;
+};
+
+/// The file that `path` names, as it was before.
+struct Old {
+  explicit Old(const Handle& file) : access(file) {
+    BY_HANDLE_FILE_INFORMATION information{};
+    if (::GetFileInformationByHandle(file.get(), &information) != 0) {
+      attributes = information.dwFileAttributes & kKept;
+    }
+  }
+
+  static constexpr DWORD kKept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
+                                 FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED |
+                                 FILE_ATTRIBUTE_ENCRYPTED;
+  Access access;
+  DWORD attributes = FILE_ATTRIBUTE_NORMAL;
+};
+
+/// A new file beside the one that it is to replace; it goes with the object unless it was renamed.
+/// Nobody else can open it meanwhile.
+class Temporary {
+ public:
+  Temporary(const std::wstring& folder, const Old* old, const char* wanted) {
+    const bool access = old != nullptr && old->access.known();
+    const DWORD rights = GENERIC_WRITE | (access ? READ_CONTROL | WRITE_DAC : 0U);
+    const std::wstring begin = folder + L".aq-" + std::to_wstring(::GetCurrentProcessId()) + L'-';
+    for (int number = 0; file_ == nullptr; ++number) {
+      path_ = begin + std::to_wstring(number) + L".tmp";
+      file_ =
+          owned(::CreateFileW(path_.c_str(), rights, 0, nullptr, CREATE_NEW,
+                              old != nullptr ? old->attributes : FILE_ATTRIBUTE_NORMAL, nullptr));
+      if (file_ == nullptr && ::GetLastError() != ERROR_FILE_EXISTS) failBy(wanted);
+    }
+    if (access) giveAccess(*old);
+  }
+  Temporary(const Temporary&) = delete;
+  Temporary& operator=(const Temporary&) = delete;
+  ~Temporary() {
+    file_.reset();
+    if (!renamed_) ::DeleteFileW(path_.c_str());
+  }
+
+  [[nodiscard]] const Handle& file() const { return file_; }
+
+  void renameTo(const std::wstring& path, const char* wanted) {
+    file_.reset();
+    constexpr DWORD kHow = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+    renamed_ = patiently([&] { return ::MoveFileExW(path_.c_str(), path.c_str(), kHow) != 0; });
+    if (!renamed_) failBy(wanted);
+  }
+
+ private:
+  void giveAccess(const Old& old) {
+    try {
+      old.access.giveTo(file_);
+    } catch (...) {
+      file_.reset();
+      ::DeleteFileW(path_.c_str());
+      throw;
+    }
+  }
+
+  std::wstring path_;
+  Handle file_;
+  bool renamed_ = false;
+};
+
+/// `path` up to its file name.
+std::wstring folderOf(const std::wstring& path) {
+  return path.substr(0, path.find_last_of(L"/\\") + 1);
+}
+
+/// The path of an open file, links followed.
+std::wstring finalPath(const Handle& file) {
+  const DWORD size = ::GetFinalPathNameByHandleW(file.get(), nullptr, 0, FILE_NAME_NORMALIZED);
+  std::wstring path(size, L'\0');
+  const DWORD length =
+      ::GetFinalPathNameByHandleW(file.get(), path.data(), size, FILE_NAME_NORMALIZED);
+  if (length == 0 || length >= size) failBy(kWrite);
+  path.resize(length);
+  return path;
+}
+
+void replace(const std::wstring& path, const Old* old, std::string_view bytes) {
+  Temporary temporary(folderOf(path), old,
+                      old != nullptr ? "a folder that takes a temporary file" : kWrite);
+  write(temporary.file(), bytes);
+  flush(temporary.file());
+  temporary.renameTo(path, old != nullptr ? kReplace : kWrite);
+}
+
+/// Keeps other writers of this library away while it lives, where that can be done: by a byte
+/// where no file has one, so that readers are not kept away.
+class Lock {
+ public:
+  explicit Lock(const Handle& file) : file_(file) {
+    ::LockFileEx(file_.get(), LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &place_);
+  }
+  Lock(const Lock&) = delete;
+  Lock& operator=(const Lock&) = delete;
+  ~Lock() { ::UnlockFileEx(file_.get(), 0, 1, 0, &place_); }
+
+ private:
+  static OVERLAPPED farPlace() {
+    OVERLAPPED place{};
+    place.Offset = 0xFFFFFFFE;
+    place.OffsetHigh = 0x7FFFFFFF;
+    return place;
+  }
+
+  const Handle& file_;
+  OVERLAPPED place_ = farPlace();
+};
+
+LONGLONG seek(const Handle& file, LONGLONG place, DWORD from) {
+  LARGE_INTEGER to{};
+  to.QuadPart = place;
+  LARGE_INTEGER at{};
+  if (::SetFilePointerEx(file.get(), to, &at, from) == 0) failBy(kWrite);
+  return at.QuadPart;
+}
+
+/// Appends to a file, or leaves it as it was before.
+void appendTo(const Handle& file, std::string_view bytes) {
+  const Lock lock(file);
+  const LONGLONG before = seek(file, 0, FILE_END);
+  try {
+    write(file, bytes);
+    flush(file);
+  } catch (...) {
+    seek(file, before, FILE_BEGIN);
+    ::SetEndOfFile(file.get());
+    throw;
+  }
+}
+
+/// One argument as a started program takes it apart again.
+void appendArgument(std::wstring& line, std::wstring_view argument) {
+  line += line.empty() ? L"\"" : L" \"";
+  std::size_t backslashes = 0;
+  for (const wchar_t letter : argument) {
+    if (letter == L'"') line.append(backslashes + 1, L'\\');
+    backslashes = letter == L'\\' ? backslashes + 1 : 0;
+    line += letter;
+  }
+  line.append(backslashes, L'\\');
+  line += L'"';
+}
+
+/// What a process that is started is given of this one: those handles and no other.
+class Inherited {
+ public:
+  explicit Inherited(std::array<HANDLE, 2>& handles) {
+    SIZE_T size = 0;
+    ::InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
+    room_.resize(size);
+    if (::InitializeProcThreadAttributeList(list(), 1, 0, &size) == 0) failBy(kRun);
+    if (::UpdateProcThreadAttribute(list(), 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, handles.data(),
+                                    sizeof handles, nullptr, nullptr) == 0) {
+      const DWORD error = ::GetLastError();
+      ::DeleteProcThreadAttributeList(list());
+      failBy(kRun, error);
+    }
+  }
+  Inherited(const Inherited&) = delete;
+  Inherited& operator=(const Inherited&) = delete;
+  ~Inherited() { ::DeleteProcThreadAttributeList(list()); }
+
+  LPPROC_THREAD_ATTRIBUTE_LIST list() {
+    return static_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(static_cast<void*>(room_.data()));
+  }
+
+ private:
+  std::vector<char> room_;
+};
+
+/// Starts a program without input whose output goes to `output` and whose errors go nowhere.
+Handle start(const std::wstring& program, std::wstring line, HANDLE output) {
+  SECURITY_ATTRIBUTES shared{
+      .nLength = sizeof shared, .lpSecurityDescriptor = nullptr, .bInheritHandle = TRUE};
+  const Handle nothing = owned(::CreateFileW(L"NUL", GENERIC_READ | GENERIC_WRITE, kShareAll,
+                                             &shared, OPEN_EXISTING, 0, nullptr));
+  if (nothing == nullptr) failBy(kRun);
+  std::array<HANDLE, 2> handles{output, nothing.get()};
+  Inherited inherited(handles);
+  STARTUPINFOEXW how{};
+  how.StartupInfo.cb = sizeof how;
+  how.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
+  how.StartupInfo.hStdInput = nothing.get();
+  how.StartupInfo.hStdOutput = output;
+  how.StartupInfo.hStdError = nothing.get();
+  how.lpAttributeList = inherited.list();
+  PROCESS_INFORMATION started{};
+  if (::CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE,
+                       EXTENDED_STARTUPINFO_PRESENT | CREATE_NO_WINDOW, nullptr, nullptr,
+                       &how.StartupInfo, &started) == 0) {
+    failBy(kRun);
+  }
+  ::CloseHandle(started.hThread);
+  return Handle(started.hProcess);
+}
+
+/// Batch files are read by a shell that takes what it likes out of a file's name.
+bool isBatch(std::wstring_view program) {
+  std::wstring ending(program.substr(std::min(program.rfind(L'.'), program.size())));
+  std::transform(ending.begin(), ending.end(), ending.begin(),
+                 [](wchar_t letter) { return static_cast<wchar_t>(std::towlower(letter)); });
+  return ending == L".bat" || ending == L".cmd";
+}
+
+std::string allOf(const Handle& output) {
+  constexpr DWORD kBlock = DWORD{64} * 1024;
+  std::string text;
+  for (;;) {
+    const std::size_t size = text.size();
+    text.resize(size + kBlock);
+    DWORD got = 0;
+    const bool read = ::ReadFile(output.get(), text.data() + size, kBlock, &got, nullptr) != 0;
+    if (!read && ::GetLastError() != ERROR_BROKEN_PIPE) failBy(kSucceeds);
+    text.resize(size + got);
+    if (!read) return text;
+  }
+}
+
+constexpr long long kTicksOfSecond = 10'000'000;  // of 100 ns
+constexpr long long kSecondsTo1970 = 11'644'473'600;
+
+long long ticksOf(const FILETIME& time) {
+  return static_cast<long long>((std::uint64_t{time.dwHighDateTime} << 32U) | time.dwLowDateTime);
+}
+
+}  // namespace
+
+const std::string_view lineEnd = "\r\n";
+
+InputFile::InputFile(const std::string& path) {
+  Handle file = standardStream(path);
+  if (file == nullptr) {
+    file = open(pathOf(path, kOpen), {.access = GENERIC_READ, .flags = FILE_FLAG_SEQUENTIAL_SCAN},
+                kOpen);
+  }
+  handle_ = file.release();
+}
+
+InputFile::~InputFile() { ::CloseHandle(handle_); }
+
+std::size_t InputFile::read(std::span<char> buffer) {
+  constexpr std::size_t kMost = std::size_t{16} * 1024 * 1024;
+  const auto size = static_cast<DWORD>(std::min(buffer.size(), kMost));
+  DWORD got = 0;
+  if (::ReadFile(handle_, buffer.data(), size, &got, nullptr) != 0) return got;
+  const DWORD error = ::GetLastError();
+  if (error != ERROR_BROKEN_PIPE && error != ERROR_HANDLE_EOF) {
+    failBy("a file that can be read", error);
+  }
+  return 0;
+}
+
+void replaceFile(const std::string& path, std::string_view bytes) {
+  if (const Handle stream = standardStream(path)) return write(stream, bytes);
+  std::wstring entry = pathOf(path, kWrite);
+  const DWORD attributes = ::GetFileAttributesW(entry.c_str());
+  const bool device = isRaw(entry) ? entry[2] == L'.' : isDevice(entry);
+  if (attributes == INVALID_FILE_ATTRIBUTES && !device) return replace(entry, nullptr, bytes);
+  Handle file = open(entry, {.access = GENERIC_WRITE}, kWrite);
+  if (!onDisk(file)) return write(file, bytes);
+  const Old old(file);
+  if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) entry = finalPath(file);
+  file.reset();
+  open(entry, {.access = DELETE}, kReplace).reset();  // others may keep that away
+  replace(entry, &old, bytes);
+}
+
+void appendToFile(const std::string& path, std::string_view bytes) {
+  if (const Handle stream = standardStream(path)) return write(stream, bytes);
+  // Nobody replaces or deletes the file while it is waited for.
+  const Handle file = open(pathOf(path, kWrite),
+                           {.access = GENERIC_WRITE,
+                            .sharing = FILE_SHARE_READ | FILE_SHARE_WRITE,
+                            .disposition = OPEN_ALWAYS},
+                           kWrite);
+  if (!onDisk(file)) return write(file, bytes);
+  appendTo(file, bytes);
+}
+
+std::vector<std::string> filesIn(const std::string& folder) {
+  if (folder.empty()) failBy(kReadFolder, ERROR_PATH_NOT_FOUND);
+  const std::wstring path = pathOf(folder, kReadFolder);
+  WIN32_FIND_DATAW entry{};
+  const HANDLE search = ::FindFirstFileW((path + L"\\*").c_str(), &entry);
+  if (search == INVALID_HANDLE_VALUE) failBy(kReadFolder);
+  const std::unique_ptr<void, decltype(&::FindClose)> closed(search, &::FindClose);
+  std::vector<std::string> names;
+  do {
+    if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+      names.push_back(utf8(static_cast<const wchar_t*>(entry.cFileName)));
+    }
+  } while (::FindNextFileW(search, &entry) != 0);
+  if (::GetLastError() != ERROR_NO_MORE_FILES) failBy(kReadFolder);
+  return names;
+}
+
+std::string outputOf(const std::string& program, const std::vector<std::string>& arguments) {
+  const std::wstring path = pathOf(program, kRun);
+  if (isBatch(path)) throw SystemError(kRun, "a batch file takes file names apart");
+  std::wstring line;
+  appendArgument(line, path);
+  for (const std::string& argument : arguments) appendArgument(line, wide(argument, kRun));
+  SECURITY_ATTRIBUTES shared{
+      .nLength = sizeof shared, .lpSecurityDescriptor = nullptr, .bInheritHandle = TRUE};
+  HANDLE out = nullptr;
+  HANDLE in = nullptr;
+  if (::CreatePipe(&out, &in, &shared, 0) == 0) failBy(kRun);
+  const Handle output(out);
+  Handle input(in);
+  ::SetHandleInformation(out, HANDLE_FLAG_INHERIT, 0);
+  const Handle process = start(path, line, in);
+  input.reset();
+  std::string text = allOf(output);
+  ::WaitForSingleObject(process.get(), INFINITE);
+  DWORD status = 0;
+  if (::GetExitCodeProcess(process.get(), &status) == 0) failBy(kSucceeds);
+  if (status != 0) throw SystemError(kSucceeds, "status " + std::to_string(status));
+  return text;
+}
+
+std::optional<std::time_t> lastChanged(const std::string& path) try {
+  const Handle file =
+      open(pathOf(path, kOpen),
+           {.access = FILE_READ_ATTRIBUTES, .flags = FILE_FLAG_BACKUP_SEMANTICS}, kOpen);
+  FILETIME changed{};
+  if (::GetFileTime(file.get(), nullptr, nullptr, &changed) == 0) return std::nullopt;
+  return static_cast<std::time_t>(ticksOf(changed) / kTicksOfSecond - kSecondsTo1970);
+} catch (const SystemError&) {
+  return std::nullopt;
+}
+
+std::string fileName(const std::string& path) { return path.substr(path.find_last_of("/\\:") + 1); }
+
+std::optional<std::tm> localTime(std::time_t at) {
+  constexpr std::time_t kMost = 253'402'300'799 + 86'400;  // a day behind the year 9999
+  if (at < -kSecondsTo1970 || at > kMost) return std::nullopt;
+  const auto ticks =
+      static_cast<std::uint64_t>((static_cast<long long>(at) + kSecondsTo1970) * kTicksOfSecond);
+  const FILETIME time{.dwLowDateTime = static_cast<DWORD>(ticks & 0xFFFFFFFFU),
+                      .dwHighDateTime = static_cast<DWORD>(ticks >> 32U)};
+  SYSTEMTIME utc{};
+  SYSTEMTIME local{};
+  if (::FileTimeToSystemTime(&time, &utc) == 0) return std::nullopt;
+  if (::SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local) == 0) return std::nullopt;
+  if (local.wYear > 9999) return std::nullopt;
+  std::tm result{};
+  result.tm_year = local.wYear - 1900;
+  result.tm_mon = local.wMonth - 1;
+  result.tm_mday = local.wDay;
+  result.tm_hour = local.wHour;
+  result.tm_min = local.wMinute;
+  result.tm_sec = local.wSecond;
+  result.tm_wday = local.wDayOfWeek;
+  result.tm_isdst = -1;
+  return result;
+}
+
+}  // namespace aq::platform

@@ -1,0 +1,17 @@
+# What both Windows toolchains share.
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR ${processor})
+set(CMAKE_CXX_COMPILER ${host}-g++-posix)  # whose standard library has threads
+set(CMAKE_RC_COMPILER ${host}-windres)
+set(CMAKE_EXE_LINKER_FLAGS_INIT -static)  # nothing to install beside what is built
+set(CMAKE_SHARED_LINKER_FLAGS_INIT -static)
+set(CMAKE_MODULE_LINKER_FLAGS_INIT -static)
+set(CMAKE_FIND_ROOT_PATH /usr/${host})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+find_program(AQ_WINE NAMES wine wine64)
+if(AQ_WINE)
+  set(CMAKE_CROSSCOMPILING_EMULATOR ${AQ_WINE})
+endif()
