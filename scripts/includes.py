@@ -16,7 +16,7 @@ ALLOWED = {  # each room, and the rooms that it may know besides itself
     "noise": {"core", "detail", "text", "masking", "spectral", "geometry"},
     "files": {"core", "detail", "text", "sdf", "masking", "spectral", "geometry"},
     "check": {"core", "detail", "text", "sdf", "masking", "spectral", "geometry", "noise", "files"},
-    "describe": {"core", "masking", "spectral", "geometry", "noise", "files"},
+    "describe": {"core", "masking", "spectral", "geometry", "noise", "files", "check"},
 }
 # A variant, a time and the dates of files have text forms: these sources, not their headers, use them.
 WITH_TEXT = {"aq/core/variant.cpp", "aq/core/time.cpp", "aq/core/file_information.cpp"}

@@ -8,33 +8,33 @@ namespace aq {
 
 /// How the levels of one record were averaged.
 enum AQ_AverageMethod : std::int32_t {
-  AQ_LINEAR = 0,
-  AQ_TRUSLO = 1,
-  AQ_4S100 = 2,
-  AQ_4S95 = 3,
-  AQ_CONTEXPO = 4,
-  AQ_NA = 99,  ///< not set
+  AQ_LINEAR = 0,    ///< linear: mean energy, all instants weighted equally
+  AQ_TRUSLO = 1,    ///< true slow: slow response of the analyzer's own detector
+  AQ_4S100 = 2,     ///< slow response from four records, weights sum to 100 %
+  AQ_4S95 = 3,      ///< slow response from four records, weights sum to 95 %
+  AQ_CONTEXPO = 4,  ///< slow response by continuous exponential averaging
+  AQ_NA = 99,       ///< not set
 };
 
 /// Which instant of a record its time stamp names.
 enum AQ_TimeStampType : std::int32_t {
-  AQ_START = 0,
-  AQ_MIDPT = 1,
-  AQ_END = 2,
-  AQ_ICAOSLO = 3,
-  AQ_OLDSLO = 4,
+  AQ_START = 0,    ///< its start
+  AQ_MIDPT = 1,    ///< its middle
+  AQ_END = 2,      ///< its end
+  AQ_ICAOSLO = 3,  ///< 0.75 s before its end, where a slow-response level belongs
+  AQ_OLDSLO = 4,   ///< 1 s before its end, the older rule for slow response
 };
 
 /// Which event the reference time of a history marks.
 enum AQ_RefTimeType : std::int32_t {
-  AQ_START_REF = 0,
-  AQ_OVERHEAD = 1,
-  AQ_AMAX = 2,
-  AQ_PMAX = 3,
-  AQ_TMAX = 4,
-  AQ_OAMAX = 5,
-  AQ_HACK = 6,
-  AQ_OTHER = 7,
+  AQ_START_REF = 0,  ///< start of the measurement
+  AQ_OVERHEAD = 1,   ///< source overhead
+  AQ_AMAX = 2,       ///< largest A-weighted level
+  AQ_PMAX = 3,       ///< largest perceived noise level
+  AQ_TMAX = 4,       ///< largest tone-corrected perceived noise level
+  AQ_OAMAX = 5,      ///< largest overall level
+  AQ_HACK = 6,       ///< time mark set by hand during the measurement
+  AQ_OTHER = 7,      ///< another event
 };
 
 /// Named constants.
@@ -48,7 +48,7 @@ enum AQ_OPTIME : std::int32_t {
   AQ_TIME_REF = 1,  ///< time relative to a reference
 };
 
-/// The outcome of reading or writing a file. There is no 1.
+/// The outcome of reading or writing a file. There is no 1; `lastFailure()` has the reason.
 enum AQ_DataMessage : std::int32_t {
   AQ_DATA_OK = 0,
   AQ_DATA_FILE_ERROR = 2,
@@ -56,29 +56,29 @@ enum AQ_DataMessage : std::int32_t {
 
 /// Whether, and by which test, one band of one record is masked by the ambient.
 enum AQ_MASK_MODE : std::int32_t {
-  NOT_MASKED = 0,
-  MASKED_BY_MASK_CRITERION = 1,
-  MASKED_BY_PRE_DETECT = 2,
-  MASKED_BY_POST_DETECT = 3,
+  NOT_MASKED = 0,                ///< the level is that of the source
+  MASKED_BY_MASK_CRITERION = 1,  ///< does not exceed the ambient by the criterion
+  MASKED_BY_PRE_DETECT = 2,      ///< ambient or electrical noise that adds its energy
+  MASKED_BY_POST_DETECT = 3,     ///< floor of the instruments, which adds nothing
 };
 
 /// How a masked level was adjusted.
 enum AQ_MASK_ADJUST : std::int32_t {
-  NOT_ADJUSTED = 0,
-  ENERGY_SUBTRACTION = 1,
-  FREQUENCY_EXTRAPOLATION = 2,
-  TIME_EXTRAPOLATION = 3,
-  AVG_OF_ADJACENT = 4,
-  CORRECTIONS_APPLIED = 5,
-  ADJ_TO_REFERENCE = 6,
+  NOT_ADJUSTED = 0,             ///< as measured
+  ENERGY_SUBTRACTION = 1,       ///< energy of the ambient subtracted
+  FREQUENCY_EXTRAPOLATION = 2,  ///< from other bands of its record
+  TIME_EXTRAPOLATION = 3,       ///< from its band in other records
+  AVG_OF_ADJACENT = 4,          ///< mean of the adjacent bands
+  CORRECTIONS_APPLIED = 5,      ///< other corrections
+  ADJ_TO_REFERENCE = 6,         ///< adjusted to reference conditions
 };
 
 /// Which part a record plays in the integration of a metric; flags that combine.
 enum AQ_METRIC_INTEG_VALUE : std::int32_t {
-  AQ_INTEG_MAX = 1,
-  AQ_INTEG_FST = 2,
-  AQ_INTEG_LST = 4,
-  AQ_INTEG_2ND = 8,
+  AQ_INTEG_MAX = 1,  ///< largest PNLT
+  AQ_INTEG_FST = 2,  ///< first record of the sum, at a 10 dB-down limit
+  AQ_INTEG_LST = 4,  ///< last record of the sum, at a 10 dB-down limit
+  AQ_INTEG_2ND = 8,  ///< second peak within 2 dB of the largest
 };
 
 constexpr AQ_METRIC_INTEG_VALUE operator|(AQ_METRIC_INTEG_VALUE a, AQ_METRIC_INTEG_VALUE b) {
@@ -95,16 +95,16 @@ constexpr AQ_METRIC_INTEG_VALUE operator~(AQ_METRIC_INTEG_VALUE a) {
 
 /// The kinds of metric that a metric record holds and a metric summary lists.
 enum AQ_METRIC_TYPE : std::int32_t {
-  AQ_METRIC_AWT = 1,
-  AQ_METRIC_CWT = 2,
-  AQ_METRIC_DWT = 3,
-  AQ_METRIC_OA = 4,
-  AQ_METRIC_PNL = 5,
-  AQ_METRIC_PNLT = 6,
-  AQ_METRIC_TONECOR = 7,
-  AQ_METRIC_TONEBND = 8,
-  AQ_METRIC_LGB = 9,
-  AQ_METRIC_INTEG = 10,
+  AQ_METRIC_AWT = 1,      ///< A-weighted level, dB
+  AQ_METRIC_CWT = 2,      ///< C-weighted level, dB
+  AQ_METRIC_DWT = 3,      ///< D-weighted level, dB
+  AQ_METRIC_OA = 4,       ///< overall level, dB
+  AQ_METRIC_PNL = 5,      ///< perceived noise level, PNdB
+  AQ_METRIC_PNLT = 6,     ///< tone-corrected perceived noise level, TPNdB
+  AQ_METRIC_TONECOR = 7,  ///< tone correction, dB
+  AQ_METRIC_TONEBND = 8,  ///< band that caused the tone correction
+  AQ_METRIC_LGB = 9,      ///< last good band
+  AQ_METRIC_INTEG = 10,   ///< part in the EPNL integration, flags
 };
 
 }  // namespace aq

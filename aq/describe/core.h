@@ -19,26 +19,36 @@ struct Description<AQ_Time> {
   template <class To>
   static void members(To& to) {
     using T = AQ_Time;
-    to.method("Copy", &T::Copy, "A new time with the same values")
+    to.method("Copy", &T::Copy,
+              "A new time with the same values; a time of day above 86400 s is wrapped into the "
+              "next day")
         .property("RelSeconds", &T::RelSeconds, &T::RelSeconds,
-                  "The time relative to a reference time", kSeconds)
+                  "The time relative to a reference time, single precision", kSeconds)
         .setter("setRelTime", &T::setRelTime,
-                "Makes RelSeconds the time since a reference, days between included",
+                "Sets RelSeconds to the time since a reference, including the days between; raises "
+                "above 32 "
+                "bits of seconds",
                 in("reference", "The reference time"))
-        .method("TODnumbers", &T::TODnumbers,
-                "Sets the time of day from three numbers, each of single precision",
-                in("Hours", "Hours", Quantity{"h"}), in("Minutes", "Minutes", Quantity{"min"}),
-                in("Seconds", "Seconds", kSeconds))
+        .method(
+            "TODnumbers", &T::TODnumbers,
+            "Sets the time of day from three numbers, each in single precision; checks no range",
+            in("Hours", "Hours", Quantity{"h"}), in("Minutes", "Minutes", Quantity{"min"}),
+            in("Seconds", "Seconds", kSeconds))
         .property("TODseconds", &T::TODseconds, &T::TODseconds,
-                  "The time of day, from midnight; above 86400 it wraps into the next day",
+                  "The time of day, from midnight; a value above 86400 wraps into the next day, "
+                  "one that is "
+                  "not finite raises",
                   kSecondsOfDay)
         .property("WorkingTime", &T::WorkingTime,
-                  "RelSeconds or TODseconds, whichever setWorkingTime chose", kSeconds)
+                  "RelSeconds or TODseconds, as chosen by setWorkingTime", kSeconds)
         .form("TODstring", &T::TODstring, &T::TODstring,
-              "The time of day as hh:mm:ss and a fraction, as in 12:34:56.5")
-        .property("CurrentDate", &T::CurrentDate, &T::CurrentDate, "The calendar date", Date{})
-        .setter("setWorkingTime", &T::setWorkingTime, "Chooses the time that WorkingTime gives",
-                in("mode", "Which time; the time of day at first"));
+              "The time of day as hh:mm:ss with a fraction, as in 12:34:56.5; raises below 0 and "
+              "from "
+              "90000 s up, and for a text with fewer than two colons")
+        .property("CurrentDate", &T::CurrentDate, &T::CurrentDate,
+                  "The calendar date; 0 means not set", Date{})
+        .setter("setWorkingTime", &T::setWorkingTime, "Chooses the time that WorkingTime returns",
+                in("mode", "Which time; initially the time of day"));
   }
 };
 
@@ -46,7 +56,7 @@ struct Description<AQ_Time> {
 template <class T>
 constexpr auto valueOf(const char* text) {
   if constexpr (isNumber<T>) {
-    return in("value", text, Quantity{"that of the list"});
+    return in("value", text, Quantity{"unit of the column"});
   } else {
     return in("value", text);
   }
@@ -62,15 +72,15 @@ struct Description<Collection<T>> {
   static void members(To& to) {
     using L = Collection<T>;
     to.method("Add", static_cast<void (L::*)(T, std::string_view)>(&L::Add),
-              "Appends a value; a key that is taken raises", valueOf<T>("The new entry"),
+              "Appends a value; a duplicate key raises", valueOf<T>("The new entry"),
               optionally("key", "Its key"))
         .keyed("Item", static_cast<const T& (L::*)(std::int32_t) const>(&L::Item),
                static_cast<const T& (L::*)(std::string_view) const>(&L::Item),
-               "The entry at a place, from 1 to Count, or with a key")
+               "The entry at an index from 1 to Count, or with a key; raises if there is none")
         .property("Count", &L::Count, "The number of entries", kRecords)
         .keyed("Remove", static_cast<void (L::*)(std::int32_t)>(&L::Remove),
                static_cast<void (L::*)(std::string_view)>(&L::Remove),
-               "Removes the entry at a place or with a key")
+               "Removes the entry at an index or with a key; raises if there is none")
         .method("contains", &L::contains, "Whether an entry has a key", in("key", "The key"));
   }
 };
@@ -84,13 +94,11 @@ struct Description<FileFailure> {
   static void members(To& to) {
     using F = FileFailure;
     to.field("file", &F::file, "The file, as the caller named it", FileName{})
-        .field("line", &F::line, "The line, from 1; 0 when it is the whole file",
-               Quantity{"line", 0})
-        .field("field", &F::field, "The field, from 1; 0 when it is the whole line",
-               Quantity{"field", 0})
+        .field("line", &F::line, "The line, from 1; 0 for the whole file", Quantity{"line", 0})
+        .field("field", &F::field, "The field, from 1; 0 for the whole line", Quantity{"field", 0})
         .field("expected", &F::expected, "What was expected, as in: a level")
-        .field("found", &F::found, "What was found; text of the file is in quotes")
-        .method("message", &F::message, "All of it in one line");
+        .field("found", &F::found, "What was found; text from the file is in quotes")
+        .method("message", &F::message, "The whole failure in one line");
   }
 };
 
@@ -98,7 +106,7 @@ template <>
 struct Description<FileInformation> {
   static constexpr char name[] = "FileInformation";
   static constexpr char text[] =
-      "What the writers record of files: names and dates. A host may put its own in force";
+      "Supplies the names and dates of files that writers record. A host may install its own";
   template <class To>
   static void members(To& to) {
     using I = FileInformation;
@@ -107,11 +115,12 @@ struct Description<FileInformation> {
         .method("fileDateTime", &I::fileDateTime,
                 "When a file was last changed, as mm/dd/yyyy,hh:mm:ss",
                 in("path", "The name of the file", FileName{}))
-        .method("currentDateTime", &I::currentDateTime, "Now, as mm/dd/yyyy,hh:mm:ss");
+        .method("currentDateTime", &I::currentDateTime,
+                "The current date and time, as mm/dd/yyyy,hh:mm:ss");
   }
 };
 
-/// Functions of the room.
+/// The functions of the folder.
 struct CoreFunctions;
 
 template <>
@@ -119,13 +128,15 @@ struct Description<CoreFunctions> {
   static constexpr char name[] = "core";
   template <class To>
   static void members(To& to) {
-    to.function("bandLabel", &bandLabel,
-                about("The column heading of a band: number and nominal frequency, B17/50Hz"),
-                in("band", "The band", kBand))
-        .function("fileInformation", &fileInformation,
-                  about("The file information service in force"))
+    to.function(
+          "bandLabel", &bandLabel,
+          about(
+              "The column heading of a band, number and nominal frequency, as in B17/50Hz; raises "
+              "outside bands 2 to 50"),
+          in("band", "The band", kBand))
+        .function("fileInformation", &fileInformation, about("The file information service in use"))
         .function("setFileInformation", &setFileInformation,
-                  about("Puts a file information service in force; none, the default again"),
+                  about("Installs a file information service; none restores the default"),
                   in("information", "The service"));
   }
 };

@@ -15,16 +15,16 @@
 #include "aq/core/file_failure.h"
 #include "aq/core/variant.h"
 
-// What a host needs to show the object model under its own names: each class, enumeration and
-// member once, with what it means in the field. A host gives `forMembers<C>` a function that takes
-// any of the kinds of member below; types come from the pointers to members. What a new object
-// holds is not said here: ask one. Members stand in the order of the interface, and new ones come
-// at the end, as some hosts know a member by its place.
+// The description of the object model for hosts: each class, enumeration and member once, with its
+// name and its meaning in the field. A host calls `forMembers<C>` with a function that takes any of
+// the kinds of member below; types come from the pointers to members. Initial values are not
+// listed: hosts read them from a new object. Members are in the order of the interface, and new
+// ones are added at the end, since some hosts identify a member by its position.
 
 namespace aq::describe {
 
-/// The unit of a number and the range in which it has a meaning. Setters take any value of the type
-/// unless the text says otherwise.
+/// The unit of a number and the range in which it is meaningful. Setters accept any value of the
+/// type unless the text says otherwise.
 struct Quantity {
   std::string_view unit;
   double low = -std::numeric_limits<double>::infinity();
@@ -35,7 +35,7 @@ struct Quantity {
 struct Date {};
 /// Text that names a file of the system.
 struct FileName {};
-/// The one word under which hosts list a value, as in `project`. It never changes.
+/// The word under which hosts list a value, as in `project`. It never changes.
 struct Key {
   std::string_view word;
 };
@@ -46,20 +46,18 @@ inline constexpr Quantity kSecondsOfDay{"s", 0, 86400};
 inline constexpr Quantity kBand{"band", 2, 50};
 inline constexpr Quantity kRecord{"record", -32768, 32767};
 inline constexpr Quantity kRecordOf32Bits{"record", -2147483648.0, 2147483647};
-inline constexpr Quantity kPlace{"place", 1, 2147483647};
+inline constexpr Quantity kPlace{"index", 1, 2147483647};
 inline constexpr Quantity kCount{"count", 0, 32767};
 inline constexpr Quantity kRecords{"count", 0, 2147483647};
-/// Coordinates and lengths are never converted: they have the unit of the file that they came from.
-inline constexpr Quantity kLength{"that of the file"};
-/// Known to the program that stores it, and only kept here.
-inline constexpr Quantity kOfTheProgram{"that of the program"};
+/// Metres unless a file or program uses another length unit: nothing is converted.
+inline constexpr Quantity kLength{"m"};
+inline constexpr Quantity kAngle{"degree"};
+inline constexpr Quantity kOfTheMetric{"dB, PNdB, TPNdB, band or flags"};
 
-inline constexpr Quantity kOfTheMetric{"that of the metric"};
-
-/// What is said of a member or of a parameter beyond its type.
+/// What describes a member or a parameter besides its type.
 struct About {
   std::string_view text;   ///< a sentence without its full stop
-  Quantity quantity = {};  ///< without a unit for what is no number
+  Quantity quantity = {};  ///< without a unit unless it is a number
   bool isDate = false;
   bool isFileName = false;
   std::string_view key = {};
@@ -73,7 +71,7 @@ struct About {
   constexpr void add(Key given) { key = given.word; }
 };
 
-/// That knows whether it has a unit.
+/// A description whose type tells whether it has a unit.
 template <class... Parts>
 struct Told : About {};
 
@@ -84,7 +82,7 @@ constexpr Told<Parts...> about(std::string_view text, Parts... parts) {
   return all;
 }
 
-/// As in "dB", "s, from 0", "band, 2 to 50"; empty for what is no number.
+/// As in "dB", "s, from 0", "band, 2 to 50"; empty if there is no unit.
 [[nodiscard]] inline std::string quantityText(const Quantity& quantity) {
   constexpr double kNoEnd = std::numeric_limits<double>::infinity();
   std::string text(quantity.unit);
@@ -100,8 +98,8 @@ constexpr Told<Parts...> about(std::string_view text, Parts... parts) {
 
 // The kinds of member.
 
-/// Read by `get`, and set by `set` unless that is `nullptr_t`. A getter that is not const makes the
-/// object that it gives when there is none; setting an object shares it.
+/// Read by `get`, and set by `set` unless that is `nullptr_t`. A getter that is not const creates
+/// the object if there is none; setting an object shares it.
 template <class Get, class Set>
 struct Property {
   const char* name;
@@ -110,7 +108,7 @@ struct Property {
   About about;
 };
 
-/// A property that shows in another form what other properties hold.
+/// Another form of what other properties hold.
 template <class Get, class Set>
 struct Form : Property<Get, Set> {};
 
@@ -128,7 +126,7 @@ struct Parameter {
   bool isOptional = false;
 };
 
-/// A property that is only set.
+/// A property that can only be set.
 template <class Set>
 struct Setter {
   const char* name;
@@ -147,7 +145,7 @@ struct Indexed {
   About about;
 };
 
-/// What a call gives back through references that are not const is an out argument.
+/// References that are not const are out arguments.
 template <class Call, std::size_t Count>
 struct Method {
   const char* name;
@@ -165,7 +163,7 @@ struct Banded {
   About about;
 };
 
-/// One method for a place and for a key.
+/// One method for an index and for a key.
 template <class ByPlace, class ByKey>
 struct Keyed {
   const char* name;
@@ -191,7 +189,7 @@ struct Enumerator {
   std::string_view text;
 };
 
-/// The type of one value, where there may be none or several.
+/// The type of one value of an optional or a list.
 template <class T>
 struct One {
   using Type = T;
@@ -214,11 +212,11 @@ template <class... Parts>
 inline constexpr bool hasQuantity = ((std::same_as<Parts, Quantity> || std::same_as<Parts, Date>) ||
                                      ...);
 
-/// Every number says its unit, and nothing else has one.
+/// Every number has a unit, and nothing else does.
 template <class T, class... Parts>
 constexpr void saysItsUnit() {
   static_assert(!isNumber<T> || hasQuantity<Parts...>, "a number without its unit and range");
-  static_assert(isNumber<T> || !hasQuantity<Parts...>, "a unit for what is no number");
+  static_assert(isNumber<T> || !hasQuantity<Parts...>, "a unit for something that is not a number");
 }
 
 template <class... Parts>
@@ -239,7 +237,7 @@ constexpr void fits(const In<Parts...>& /*parameter*/) {
   saysItsUnit<Argument, Parts...>();
 }
 
-/// The words in which members are described; each goes to `visit` as one of the kinds above.
+/// The functions that describe members; each calls `visit` with one of the kinds above.
 template <class C, class Visit, bool IsEnumeration = std::is_enum_v<C>>
 class Members {
  public:
@@ -269,12 +267,12 @@ class Members {
     return take(Property<decltype(get), decltype(set)>{name, get, set, about(text, parts...)});
   }
 
-  /// That of every file class.
+  /// The member that every file class has.
   Members& lastFailure() {
     using Get = const std::optional<FileFailure>& (C::*)() const;
     return take(Property<Get, std::nullptr_t>{
         "lastFailure", &C::lastFailure, nullptr,
-        about("Why the last call gave AQ_DATA_FILE_ERROR; none when it did not")});
+        about("Why the last call gave AQ_DATA_FILE_ERROR; none if it succeeded")});
   }
 
   template <class Get, class Set>
@@ -289,7 +287,7 @@ class Members {
     return take(Field<Value C::*>{name, member, about(text, parts...)});
   }
 
-  /// For what several classes have in common.
+  /// For a description that several classes share.
   template <class Value, class... Parts>
   Members& field(const char* name, Value C::*member, const Told<Parts...>& told) {
     saysItsUnit<Value, Parts...>();
@@ -352,7 +350,7 @@ class Members {
  private:
   template <class Result, class... Arguments, class Call, class... Given>
   Members& called(const char* name, Call call, std::string_view text, const Given&... parameters) {
-    static_assert(!isNumber<Result>, "a number comes from a property, which says its unit");
+    static_assert(!isNumber<Result>, "a number comes from a property, which has its unit");
     static_assert(sizeof...(Arguments) == sizeof...(Given), "a parameter without its name");
     (fits<Arguments>(parameters), ...);
     return take(
@@ -383,8 +381,8 @@ class Members<E, Visit, true> {
   Visit& visit_;
 };
 
-/// A class or an enumeration: its `name`, for a class its `number`, by which hosts know it and
-/// which is never used again, a `text` and its `members`.
+/// A class or an enumeration: its `name`, for a class its `number`, by which hosts identify it and
+/// which is never reused, a `text` and its `members`.
 template <class C>
 struct Description;
 
@@ -393,7 +391,7 @@ concept Described = requires {
   Description<C>::name;
 };
 
-/// Classes or enumerations of a room, in the order in which they build on each other.
+/// Classes or enumerations of a folder, in order of their dependencies.
 template <class... C>
 struct List {};
 

@@ -14,17 +14,17 @@ struct Description<AQ_AverageMethod> {
   static constexpr char text[] = "How the levels of one record were averaged";
   template <class To>
   static void members(To& to) {
-    to.member("AQ_LINEAR", AQ_LINEAR, "The mean energy of the record, each instant with one weight")
-        .member("AQ_TRUSLO", AQ_TRUSLO, "The slow response of the analyzer's own detector")
+    to.member("AQ_LINEAR", AQ_LINEAR, "Linear average: the mean energy of the record, all instants weighted equally")
+        .member("AQ_TRUSLO", AQ_TRUSLO, "True slow: the slow response of the analyzer's own detector")
         .member("AQ_4S100", AQ_4S100,
-                "Slow response made of four records in a row, weighted so that the weights add up "
-                "to 100 %")
+                "Slow response simulated from four consecutive records, with weights that sum to "
+                "100 %")
         .member("AQ_4S95", AQ_4S95,
-                "Slow response made of four records in a row, weighted so that the weights add up "
-                "to 95 %")
+                "Slow response simulated from four consecutive records, with weights that sum to "
+                "95 %")
         .member("AQ_CONTEXPO", AQ_CONTEXPO,
-                "Slow response made by continuous exponential averaging of the records")
-        .member("AQ_NA", AQ_NA, "Not set");
+                "Slow response simulated by continuous exponential averaging of the records")
+        .member("AQ_NA", AQ_NA, "The averaging method is not set");
   }
 };
 
@@ -34,12 +34,12 @@ struct Description<AQ_TimeStampType> {
   static constexpr char text[] = "Which instant of a record of half a second its time stamp names";
   template <class To>
   static void members(To& to) {
-    to.member("AQ_START", AQ_START, "Its start")
-        .member("AQ_MIDPT", AQ_MIDPT, "Its middle")
-        .member("AQ_END", AQ_END, "Its end")
+    to.member("AQ_START", AQ_START, "The start of the record")
+        .member("AQ_MIDPT", AQ_MIDPT, "The middle of the record")
+        .member("AQ_END", AQ_END, "The end of the record")
         .member("AQ_ICAOSLO", AQ_ICAOSLO,
-                "0.75 s before its end, the instant that a level of slow response belongs to")
-        .member("AQ_OLDSLO", AQ_OLDSLO, "1 s before its end, the older rule for slow response");
+                "0.75 s before the end of the record, where a slow-response level belongs")
+        .member("AQ_OLDSLO", AQ_OLDSLO, "1 s before the end of the record, the older rule for slow response");
   }
 };
 
@@ -50,46 +50,46 @@ struct Description<AQ_RefTimeType> {
   template <class To>
   static void members(To& to) {
     to.member("AQ_START_REF", AQ_START_REF, "The start of the measurement")
-        .member("AQ_OVERHEAD", AQ_OVERHEAD, "The source is overhead")
+        .member("AQ_OVERHEAD", AQ_OVERHEAD, "The instant at which the source is overhead")
         .member("AQ_AMAX", AQ_AMAX, "The largest A-weighted level")
         .member("AQ_PMAX", AQ_PMAX, "The largest perceived noise level")
         .member("AQ_TMAX", AQ_TMAX, "The largest tone-corrected perceived noise level")
         .member("AQ_OAMAX", AQ_OAMAX, "The largest overall level")
-        .member("AQ_HACK", AQ_HACK, "A time mark that was set during the measurement")
-        .member("AQ_OTHER", AQ_OTHER, "Another event");
+        .member("AQ_HACK", AQ_HACK, "A time mark set by hand during the measurement")
+        .member("AQ_OTHER", AQ_OTHER, "An event that none of the others names");
   }
 };
 
 template <>
 struct Description<AQ_CONSTANTS> {
   static constexpr char name[] = "AQ_CONSTANTS";
-  static constexpr char text[] = "Numbers with a meaning of their own";
+  static constexpr char text[] = "Numbers with a special meaning";
   template <class To>
   static void members(To& to) {
     to.member("AQ_INVALID_LEVEL", AQ_INVALID_LEVEL,
-              "As a level: not valid; as a last good band: there is none; as the lowest band or "
-              "record: nothing was stored yet");
+              "As a level: not valid; as a last good band: none; as the lowest band or record: "
+              "nothing stored yet");
   }
 };
 
 template <>
 struct Description<AQ_OPTIME> {
   static constexpr char name[] = "AQ_OPTIME";
-  static constexpr char text[] = "Which of its two times a time value works in";
+  static constexpr char text[] = "Which of its two times a time value uses";
   template <class To>
   static void members(To& to) {
-    to.member("AQ_TIME_TOD", AQ_TIME_TOD, "The time of day")
-        .member("AQ_TIME_REF", AQ_TIME_REF, "The time relative to a reference");
+    to.member("AQ_TIME_TOD", AQ_TIME_TOD, "The time of day, in seconds after midnight")
+        .member("AQ_TIME_REF", AQ_TIME_REF, "The time relative to a reference, in seconds");
   }
 };
 
 template <>
 struct Description<AQ_DataMessage> {
   static constexpr char name[] = "AQ_DataMessage";
-  static constexpr char text[] = "How a read or a write of a file ended";
+  static constexpr char text[] = "The outcome of reading or writing a file";
   template <class To>
   static void members(To& to) {
-    to.member("AQ_DATA_OK", AQ_DATA_OK, "Well")
+    to.member("AQ_DATA_OK", AQ_DATA_OK, "The read or write succeeded")
         .member("AQ_DATA_FILE_ERROR", AQ_DATA_FILE_ERROR,
                 "The file could not be read or written; lastFailure says why");
   }
@@ -102,9 +102,9 @@ struct Description<AQ_MASK_MODE> {
       "Whether, and by which test, one band of one record is masked by the ambient";
   template <class To>
   static void members(To& to) {
-    to.member("NOT_MASKED", NOT_MASKED, "The level is that of the source")
+    to.member("NOT_MASKED", NOT_MASKED, "Not masked: the level is that of the source")
         .member("MASKED_BY_MASK_CRITERION", MASKED_BY_MASK_CRITERION,
-                "The level does not exceed the masking criterion")
+                "Masked: the level does not exceed the ambient by the criterion")
         .member("MASKED_BY_PRE_DETECT", MASKED_BY_PRE_DETECT,
                 "Masked by pre-detection noise: ambient and electrical noise that adds its energy "
                 "to the source's")
@@ -119,7 +119,7 @@ struct Description<AQ_MASK_ADJUST> {
   static constexpr char text[] = "How a masked level was adjusted";
   template <class To>
   static void members(To& to) {
-    to.member("NOT_ADJUSTED", NOT_ADJUSTED, "Not at all")
+    to.member("NOT_ADJUSTED", NOT_ADJUSTED, "The level is as measured")
         .member("ENERGY_SUBTRACTION", ENERGY_SUBTRACTION,
                 "The energy of the ambient was subtracted")
         .member("FREQUENCY_EXTRAPOLATION", FREQUENCY_EXTRAPOLATION,
@@ -127,7 +127,8 @@ struct Description<AQ_MASK_ADJUST> {
         .member("TIME_EXTRAPOLATION", TIME_EXTRAPOLATION,
                 "Extrapolated from its band in other records")
         .member("AVG_OF_ADJACENT", AVG_OF_ADJACENT, "The mean of the adjacent bands")
-        .member("CORRECTIONS_APPLIED", CORRECTIONS_APPLIED, "Corrections were applied")
+        .member("CORRECTIONS_APPLIED", CORRECTIONS_APPLIED,
+                "Other corrections were applied to the level")
         .member("ADJ_TO_REFERENCE", ADJ_TO_REFERENCE, "Adjusted to reference conditions");
   }
 };
@@ -139,10 +140,11 @@ struct Description<AQ_METRIC_INTEG_VALUE> {
       "Which part a record plays in the integration of a metric; flags that combine";
   template <class To>
   static void members(To& to) {
-    to.member("AQ_INTEG_MAX", AQ_INTEG_MAX, "It has the maximum")
-        .member("AQ_INTEG_FST", AQ_INTEG_FST, "It is the first that is integrated")
-        .member("AQ_INTEG_LST", AQ_INTEG_LST, "It is the last that is integrated")
-        .member("AQ_INTEG_2ND", AQ_INTEG_2ND, "It has a second peak");
+    to.member("AQ_INTEG_MAX", AQ_INTEG_MAX, "The record has the largest PNLT")
+        .member("AQ_INTEG_FST", AQ_INTEG_FST, "The first record of the sum, at a 10 dB-down limit")
+        .member("AQ_INTEG_LST", AQ_INTEG_LST, "The last record of the sum, at a 10 dB-down limit")
+        .member("AQ_INTEG_2ND", AQ_INTEG_2ND,
+                "The record has a second peak within 2 dB of the largest");
   }
 };
 
@@ -161,7 +163,8 @@ struct Description<AQ_METRIC_TYPE> {
         .member("AQ_METRIC_TONECOR", AQ_METRIC_TONECOR, "Tone correction, dB")
         .member("AQ_METRIC_TONEBND", AQ_METRIC_TONEBND, "The band that caused the tone correction")
         .member("AQ_METRIC_LGB", AQ_METRIC_LGB, "The last good band")
-        .member("AQ_METRIC_INTEG", AQ_METRIC_INTEG, "The part in the integration, flags");
+        .member("AQ_METRIC_INTEG", AQ_METRIC_INTEG,
+                "The part of the record in the EPNL integration, flags");
   }
 };
 
@@ -172,17 +175,16 @@ struct Description<ErrorCode> {
   template <class To>
   static void members(To& to) {
     to.member("InvalidArgument", ErrorCode::InvalidArgument,
-              "No entry under that key or number, no such label, text that has no such form")
-        .member("InvalidIndex", ErrorCode::InvalidIndex, "No entry at that place")
+              "No entry with that key or number, no such label, or text of another form")
+        .member("InvalidIndex", ErrorCode::InvalidIndex, "No entry at that index")
         .member("InvalidValue", ErrorCode::InvalidValue,
-                "A value that has no written form, such as a time of day of 90,000 s")
+                "A value that has no text form, such as a time of day of 90,000 s")
         .member("TypeMismatch", ErrorCode::TypeMismatch,
-                "A value that does not convert to the type that is wanted")
-        .member("Overflow", ErrorCode::Overflow,
-                "A value outside the range of the type that is wanted")
-        .member("ObjectNotSet", ErrorCode::ObjectNotSet, "An object is wanted and there is none")
+                "A value that does not convert to the requested type")
+        .member("Overflow", ErrorCode::Overflow, "A value outside the range of the requested type")
+        .member("ObjectNotSet", ErrorCode::ObjectNotSet, "An object is required and missing")
         .member("MemberNotSupported", ErrorCode::MemberNotSupported,
-                "An object is asked for a member that it does not have");
+                "The object has no such member");
   }
 };
 

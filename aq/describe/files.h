@@ -19,11 +19,11 @@
 namespace aq::describe {
 
 inline constexpr auto kPath = in("sFileName", "The name of the file", FileName{});
-inline constexpr auto kHeaderIn = in("aqHeader", "The file's header, which gets the file's name");
-inline constexpr auto kHeaderOut = in("aqHeader", "Gets a new header");
-inline constexpr auto kResult = in("result", "Gets the outcome");
+inline constexpr auto kHeaderIn = in("aqHeader", "The file's header; its file name is set");
+inline constexpr auto kHeaderOut = in("aqHeader", "Receives a new header");
+inline constexpr auto kResult = in("result", "Receives the outcome");
 inline constexpr char kWrites[] =
-    "Writes a file, replacing it; a failure leaves the disk as it was";
+    "Writes a file, replacing it; a failure leaves the disk unchanged";
 inline constexpr char kReads[] = "Reads a file into a new header and a new object";
 
 template <>
@@ -35,16 +35,17 @@ struct Description<FileKind> {
     to.member("SpectralTimeHistory", FileKind::SpectralTimeHistory,
               "Levels of the records of a measurement")
         .member("PositionTimeHistory", FileKind::PositionTimeHistory, "Positions of a source")
-        .member("MicrophonePosition", FileKind::MicrophonePosition, "Where a microphone stands")
+        .member("MicrophonePosition", FileKind::MicrophonePosition, "The position of a microphone")
         .member("GeometricTimeHistory", FileKind::GeometricTimeHistory,
                 "Emission geometry of the records of a measurement")
         .member("MaskingMap", FileKind::MaskingMap,
                 "Masking decisions for the records of a measurement")
         .member("VariableInitialization", FileKind::VariableInitialization,
                 "Processing parameters of an analysis")
-        .member("SpectrumRecord", FileKind::SpectrumRecord, "One spectrum")
+        .member("SpectrumRecord", FileKind::SpectrumRecord,
+                "One spectrum, such as that of the ambient")
         .member("Tracking", FileKind::Tracking, "Fixes of a tracking system")
-        .member("Unknown", FileKind::Unknown, "Another kind, or a file that cannot be read")
+        .member("Unknown", FileKind::Unknown, "Another kind of file, or one that cannot be read")
         .member("FixedColumnHistory", FileKind::FixedColumnHistory,
                 "Levels of the records of a measurement in fixed columns")
         .member("AnalyzerRecording", FileKind::AnalyzerRecording, "A recording of an analyzer");
@@ -62,11 +63,11 @@ struct Description<AQ_DataSTH> {
     to.method("writeFile", &F::writeFile, kWrites, kPath, kHeaderIn,
               in("aqTimeHistory", "The history, of which records LoRec to HiRec are written"))
         .method("readFile", &F::readFile, kReads, kPath, kHeaderOut,
-                in("STH", "Gets a new history"))
+                in("STH", "Receives a new history"))
         .method("getRawHeader", &F::getRawHeader,
-                "The header's lines as they stand, up to the column headings; false when they "
-                "cannot be read",
-                kPath, in("colHeader", "Gets the lines"))
+                "The header's lines, unchanged, up to the column headings; false if they cannot be "
+                "read",
+                kPath, in("colHeader", "Receives the lines"))
         .lastFailure();
   }
 };
@@ -82,7 +83,7 @@ struct Description<AQ_DataMask> {
     to.method("writeFile", &F::writeFile, kWrites, kPath, kHeaderIn,
               in("aqMaskMap", "The map, of which rows 1 to Count are written"))
         .method("readFile", &F::readFile, kReads, kPath, kHeaderOut,
-                in("MaskMap", "Gets a new map; after a failure in a row, those before it"))
+                in("MaskMap", "Receives a new map; after a failure in a row, the rows before it"))
         .lastFailure();
   }
 };
@@ -98,7 +99,7 @@ struct Description<AQ_DataPTH> {
     to.method("writeFile", &F::writeFile, kWrites, kPath, kHeaderIn,
               in("aqTimeHistory", "The positions"), kResult)
         .method("readFile", &F::readFile, kReads, kPath, kHeaderOut,
-                in("PTH", "Gets the positions, a new history"), kResult)
+                in("PTH", "Receives the positions, a new history"), kResult)
         .lastFailure();
   }
 };
@@ -112,12 +113,12 @@ struct Description<AQ_DataTSPI> {
   static void members(To& to) {
     using F = AQ_DataTSPI;
     to.method("readFile", &F::readFile, "Reads a file into a new history, numbered from 1", kPath,
-              in("PTH", "Gets the positions, a new history"), kResult)
+              in("PTH", "Receives the positions, a new history"), kResult)
         .property("RT20Limit", &F::RT20Limit, &F::RT20Limit,
-                  "The highest quality figure that is accepted; 0 is the best",
+                  "The highest quality figure to accept; 0 is the best",
                   Quantity{"quality figure", 0, 255})
-        .property("nBadPositions", &F::nBadPositions, "How many positions the last read dropped",
-                  kRecords)
+        .property("nBadPositions", &F::nBadPositions,
+                  "Number of positions that the last read dropped", kRecords)
         .lastFailure();
   }
 };
@@ -147,7 +148,7 @@ struct Description<AQ_DataGTH> {
     to.method("writeFile", &F::writeFile, kWrites, kPath, kHeaderIn,
               in("aqTimeHistory", "The points, of which 1 to Count are written"), kResult)
         .method("readFile", &F::readFile, kReads, kPath, kHeaderOut,
-                in("GTH", "Gets the points, a new history"), kResult)
+                in("GTH", "Receives the points, a new history"), kResult)
         .lastFailure();
   }
 };
@@ -179,27 +180,28 @@ struct Description<AQ_DataSPC> {
   static void members(To& to) {
     using F = AQ_DataSPC;
     to.method("setHeader", &F::setHeader, "What the header of the next file says",
-              in("aqHeader", "The header; with none, the texts of a file are empty"))
-        .property("RecordLength", &F::RecordLength, &F::RecordLength,
-                  "From a record to the next, 0.5 at first; a read stores the file's",
-                  Quantity{"s", 0, 1000})
+              in("aqHeader", "The header; without one, the texts of a file are empty"))
+        .property(
+            "RecordLength", &F::RecordLength, &F::RecordLength,
+            "From one record to the next, 0.5 initially; a read stores the file's. Raises unless "
+            "above 0 and below 1000",
+            Quantity{"s", 0, 1000})
         .property("NumberFirstRecord", &F::NumberFirstRecord, &F::NumberFirstRecord,
-                  "First record that is written; 0 is the history's own. A read stores the file's",
+                  "First record to write; 0 means the history's first. A read stores the file's",
                   kRecord)
         .property("NumberLastRecord", &F::NumberLastRecord, &F::NumberLastRecord,
-                  "Last record that is written; 0 is the history's own. A read stores the file's",
+                  "Last record to write; 0 means the history's last. A read stores the file's",
                   kRecord)
         .property("BandLow", &F::BandLow, &F::BandLow,
-                  "Lowest band that is written; 0 is that of the records. A read stores the file's",
+                  "Lowest band to write; 0 means that of the records. A read stores the file's",
                   Quantity{"band", 0, 50})
         .property("BandHigh", &F::BandHigh, &F::BandHigh,
-                  "Highest band that is written; 0 is that of the records. A read stores the "
-                  "file's",
+                  "Highest band to write; 0 means that of the records. A read stores the file's",
                   Quantity{"band", 0, 50})
         .method("writeFile", &F::writeFile, kWrites, kPath,
                 in("aqTimeHistory", "The history, of which the chosen part is written"))
         .method("readFile", &F::readFile, kReads, kPath, kHeaderOut,
-                in("STH", "Gets a new history"))
+                in("STH", "Receives a new history"))
         .lastFailure();
   }
 };
@@ -212,19 +214,20 @@ struct Description<AQ_DataASCII> {
   template <class To>
   static void members(To& to) {
     using F = AQ_DataASCII;
-    to.method("readFields", &F::readFields, "Reads a file into new Fields, one entry a line", kPath)
+    to.method("readFields", &F::readFields, "Reads a file into new Fields, one entry per line",
+              kPath)
         .method("readLines", &F::readLines, "Reads a file into new Lines", kPath)
-        .property("Fields", &F::Fields, &F::Fields, "Lines of fields")
-        .property("Lines", &F::Lines, &F::Lines, "Lines")
+        .property("Fields", &F::Fields, &F::Fields, "The lines of a file, each a list of fields")
+        .property("Lines", &F::Lines, &F::Lines, "The lines of a file")
         .method("writeFields", &F::writeFields, "Writes Fields, replacing the file", kPath)
-        .method("appendFields", &F::appendFields, "Writes Fields after what the file holds", kPath)
+        .method("appendFields", &F::appendFields, "Appends Fields to the file", kPath)
         .method("writeLines", &F::writeLines, "Writes Lines, replacing the file", kPath)
-        .method("appendLines", &F::appendLines, "Writes Lines after what the file holds", kPath)
-        .setter("Delimiter", &F::Delimiter, "What divides fields, a comma at first",
-                in("text", "The delimiter; an empty one divides nothing"))
+        .method("appendLines", &F::appendLines, "Appends Lines to the file", kPath)
+        .setter("Delimiter", &F::Delimiter, "The text between fields, initially a comma",
+                in("text", "The delimiter; an empty one splits nothing"))
         .setter("CommentFields", &F::CommentFields,
-                "Whether fields may stand in double quotes, with delimiters inside",
-                in("quoted", "False at first"))
+                "Whether fields may be in double quotes, with delimiters inside",
+                in("quoted", "Whether they may; initially false"))
         .lastFailure();
   }
 };
@@ -240,10 +243,11 @@ struct Description<AQ_DataINI> {
     using F = AQ_DataINI;
     to.method("writeFile", &F::writeFile, "Writes the parameters that are set, replacing the file",
               kPath)
-        .method("readFile", &F::readFile,
-                "Reads parameters; what the file does not name keeps its value, but for NuAvg and "
-                "NuTimg, which are then not set",
-                kPath)
+        .method(
+            "readFile", &F::readFile,
+            "Reads parameters; those that the file does not name keep their values, except NuAvg "
+            "and NuTimg, which become not set",
+            kPath)
         .property("CalAdj", &F::CalAdj, &F::CalAdj, "Calibration adjustment; 0 is not written",
                   kDecibels, Key{"calibration_adjustment_db"})
         .property("NuAvg", &F::NuAvg, &F::NuAvg, "Averaging method; AQ_NA when not set",
@@ -253,22 +257,22 @@ struct Description<AQ_DataINI> {
         .property("PoWndo", &F::PoWndo, &F::PoWndo, "Window after the event; 0 is not written",
                   kSeconds, Key{"window_behind_s"})
         .property("NuTimg", &F::NuTimg, &F::NuTimg,
-                  "Timing convention; 99, which is no member of the enumeration, when not set",
+                  "Timing convention; 99, which is not a member of the enumeration, when not set",
                   Key{"time_stamp"})
-        .property("LoRec", &F::LoRec, &F::LoRec, "First record; 0 is not written", kRecord,
-                  Key{"low_record"})
-        .property("HiRec", &F::HiRec, &F::HiRec, "Last record; 0 is not written", kRecord,
-                  Key{"high_record"})
+        .property("LoRec", &F::LoRec, &F::LoRec, "First record of the analysis; 0 is not written",
+                  kRecord, Key{"low_record"})
+        .property("HiRec", &F::HiRec, &F::HiRec, "Last record of the analysis; 0 is not written",
+                  kRecord, Key{"high_record"})
         .property("FileName", &F::FileName, &F::FileName,
                   "The file's name; its recorded name is written", FileName{}, Key{"file_name"})
         .property("FileDate", &F::FileDate, "The date and time of the file read last",
                   Key{"file_date"})
-        .property("Comments", &F::Comments, &F::Comments, "Comments, one a line", Key{"comments"})
+        .property("Comments", &F::Comments, &F::Comments, "Comments, one per line", Key{"comments"})
         .lastFailure();
   }
 };
 
-/// Functions of the room.
+/// The functions of the folder.
 struct FileFunctions;
 
 template <>
@@ -276,7 +280,7 @@ struct Description<FileFunctions> {
   static constexpr char name[] = "files";
   template <class To>
   static void members(To& to) {
-    to.function("kindOfFile", &kindOfFile, about("What a file is, judged by its first lines"),
+    to.function("kindOfFile", &kindOfFile, about("The kind of a file, judged by its first lines"),
                 in("path", "The name of the file", FileName{}));
   }
 };
@@ -291,22 +295,25 @@ struct Description<AQ_DataHP3565> {
     using F = AQ_DataHP3565;
     to.method("readDirectory", &F::readDirectory, "Lists the files of an analyzer's folder",
               in("sDirectory", "The folder", FileName{}),
-              in("colIndex", "Gets the names that begin with INDEX"),
-              in("colTimeDat", "Gets the names that begin with TIMEDAT"),
-              in("colRecordings", "Gets the other names that end in .DAT"))
+              in("colIndex", "Receives the names that begin with INDEX"),
+              in("colTimeDat", "Receives the names that begin with TIMEDAT"),
+              in("colRecordings", "Receives the other names that end in .DAT"))
         .method("DAT_to_ASC", &F::DAT_to_ASC, "Writes a recording as text",
                 in("sDatFile", "The recording", FileName{}),
                 in("sAscFile", "The text, which is replaced", FileName{}))
         .method("ParseASC", &F::ParseASC, "Reads the text of a recording",
-                in("sAscFile", "The text", FileName{}), kHeaderOut, in("STH", "Gets a new history"))
+                in("sAscFile", "The text", FileName{}), kHeaderOut,
+                in("STH", "Receives a new history"))
         .method("readFile", &F::readFile, kReads, in("sDatFile", "The recording", FileName{}),
-                kHeaderOut, in("STH", "Gets a new history"))
+                kHeaderOut, in("STH", "Receives a new history"))
         .property("SDFPRINT", &F::SDFPRINT, &F::SDFPRINT,
-                  "The path of an external converter; empty for our own", FileName{})
-        .property("Channel", &F::Channel, &F::Channel, "The trace of each scan, from 1", kPlace)
+                  "The path of an external converter; empty for the built-in one", FileName{})
+        .property("Channel", &F::Channel, &F::Channel, "The trace of each scan to read, from 1",
+                  kPlace)
         .property("RecordLength", &F::RecordLength, &F::RecordLength,
-                  "From record to record where scans have no time; above 0", kSeconds)
-        .property("CalAdj", &F::CalAdj, &F::CalAdj, "Added to every level; finite", kDecibels)
+                  "From record to record if scans have no time; raises unless above 0", kSeconds)
+        .property("CalAdj", &F::CalAdj, &F::CalAdj,
+                  "Calibration added to every level; raises unless finite", kDecibels)
         .lastFailure();
   }
 };

@@ -23,8 +23,8 @@ struct Description<AQ_Position> {
     using P = AQ_Position;
     to.method("Copy", &P::Copy, "A deep copy")
         .property("Time", &P::Time, &P::Time, "The time of day")
-        .property("X", &P::X, &P::X, "First coordinate", kLength)
-        .property("Y", &P::Y, &P::Y, "Second coordinate", kLength)
+        .property("X", &P::X, &P::X, "First coordinate, along the ground", kLength)
+        .property("Y", &P::Y, &P::Y, "Second coordinate, along the ground", kLength)
         .property("Z", &P::Z, &P::Z, "Third coordinate, the height", kLength);
   }
 };
@@ -38,19 +38,21 @@ struct Description<AQ_PositionTimeHistory> {
   static void members(To& to) {
     using H = AQ_PositionTimeHistory;
     to.method("Copy", &H::Copy, "A deep copy, numbered from 1")
-        .indexed("Position", &H::Position, &H::Position,
-                 in("nRecord", "Reading: the place; storing: the record number", kPlace),
-                 "The sample at a place from 1 on; storing goes by record number")
+        .indexed(
+            "Position", &H::Position, &H::Position,
+            in("nRecord", "Reading: the index; storing: the record number", kPlace),
+            "The sample at an index from 1, which raises if there is none; stored by record number")
         .method("PositionAt", &H::PositionAt,
-                "The stored sample nearest in time of day, no object when no two samples enclose "
-                "it",
+                "The stored sample nearest in time of day; no object if no two samples enclose it",
                 in("aqTime", "The time of day"))
-        .method("GoodTime", &H::GoodTime,
-                "Whether a time of day lies between those of the first and the last sample",
-                in("aqTime", "The time of day"))
+        .method(
+            "GoodTime", &H::GoodTime,
+            "Whether a time of day lies between the first and the last sample; an empty history "
+            "raises",
+            in("aqTime", "The time of day"))
         .property("Count", &H::Count, "The number of samples; above 32767 it raises", kCount)
-        .method("contains", &H::contains, "Whether there is a sample at a place",
-                in("place", "The place", kPlace));
+        .method("contains", &H::contains, "Whether there is a sample at an index",
+                in("place", "The index", kPlace));
   }
 };
 
@@ -58,12 +60,12 @@ template <>
 struct Description<AQ_Microphone> {
   static constexpr char name[] = "AQ_Microphone";
   static constexpr int number = 33;
-  static constexpr char text[] = "Where a microphone stands";
+  static constexpr char text[] = "The position of a microphone";
   template <class To>
   static void members(To& to) {
     using M = AQ_Microphone;
-    to.field("X", &M::X, "First coordinate", kLength)
-        .field("Y", &M::Y, "Second coordinate", kLength)
+    to.field("X", &M::X, "First coordinate, along the ground", kLength)
+        .field("Y", &M::Y, "Second coordinate, along the ground", kLength)
         .field("Z", &M::Z, "Third coordinate, the height of the ground", kLength)
         .field("Height", &M::Height, "Height above the ground at X, Y", kLength);
   }
@@ -75,17 +77,22 @@ struct Description<AQ_Geometry> {
   static constexpr int number = 34;
   static constexpr char text[] =
       "The emission geometry of one measured record: when its sound was emitted, where the source "
-      "was then, and how the sound came to the microphone. Units are those of the program that "
-      "fills it; emissionGeometry gives metres, degrees and seconds";
+      "was then, and how the sound reached the microphone. emissionGeometry computes metres, "
+      "degrees and seconds; values of other programs are not converted";
   template <class To>
   static void members(To& to) {
     using G = AQ_Geometry;
-    to.field("SRe", &G::SRe, "Slant range at emission", kOfTheProgram)
-        .field("THETAe", &G::THETAe, "First emission angle", kOfTheProgram)
-        .field("BETAe", &G::BETAe, "Second emission angle", kOfTheProgram)
-        .field("Tprope", &G::Tprope, "Propagation time from emission to measurement", kOfTheProgram)
+    to.field("SRe", &G::SRe, "Slant range at emission", kLength)
+        .field("THETAe", &G::THETAe,
+               "From the direction of flight to the line to the microphone; 0 is ahead",
+               Quantity{"degree", 0, 180})
+        .field(
+            "BETAe", &G::BETAe,
+            "Of that line about the direction of flight, from straight down; positive to the left",
+            Quantity{"degree", -180, 180})
+        .field("Tprope", &G::Tprope, "Propagation time from emission to measurement", kSeconds)
         .field("debugTime", &G::debugTime,
-               "Free, for diagnostics; written and not read back, and not copied", kOfTheProgram)
+               "Free for diagnostics; written, but neither read back nor copied", kSeconds)
         .method("Copy", &G::Copy, "A deep copy, without debugTime")
         .property("Pe", &G::Pe, &G::Pe, "The source's position at emission")
         .property("Te", &G::Te, &G::Te, "The time of emission")
@@ -106,9 +113,10 @@ struct Description<AQ_GeometryTimeHistory> {
     to.method("Copy", &H::Copy, "A deep copy of points 1 to Count, and of nothing else")
         .property("ReferenceType", &H::ReferenceType, &H::ReferenceType,
                   "Which event the reference time marks")
-        .method("setRelTimes", &H::setRelTimes,
-                "Shares the reference time; with any points it raises, setTimeStamps relates them",
-                in("ReferenceTime", "The reference time"), in("RefType", "Which event that marks"))
+        .method(
+            "setRelTimes", &H::setRelTimes,
+            "Shares the reference time; raises if there are points, which setTimeStamps relates",
+            in("ReferenceTime", "The reference time"), in("RefType", "Which event that marks"))
         .property("startTime", &H::startTime, &H::startTime, "The time of the first record")
         .property("TimeStampType", &H::TimeStampType, &H::TimeStampType,
                   "Which instant of a record its time stamp names")
@@ -119,7 +127,7 @@ struct Description<AQ_GeometryTimeHistory> {
                 in("RefTime", "The reference time"), in("RefType", "Which event that marks"))
         .property("ReferenceTime", &H::ReferenceTime, &H::ReferenceTime, "The reference time")
         .indexed("Point", &H::Point, &H::Point, in("nRecord", "The record", kRecordOf32Bits),
-                 "The point under a record number; reading one that is missing raises")
+                 "The point of a record; reading a missing one raises")
         .property("Count", &H::Count, "The number of points", kCount)
         .method("contains", &H::contains, "Whether a record has a point",
                 in("number", "The record", kRecordOf32Bits));
@@ -131,16 +139,17 @@ struct Description<AQ_EmtRcvRecord> {
   static constexpr char name[] = "AQ_EmtRcvRecord";
   static constexpr int number = 36;
   static constexpr char text[] =
-      "One pair of emission and reception: where the aircraft was when it emitted what the "
-      "microphone received later. Units are those of the program that fills it";
+      "One pair of emission and reception: where the aircraft was when it emitted the sound that "
+      "the microphone received later";
   template <class To>
   static void members(To& to) {
     using R = AQ_EmtRcvRecord;
-    to.field("SR", &R::SR, "Slant range", kOfTheProgram)
-        .field("Tprop", &R::Tprop, "Propagation time", kOfTheProgram)
+    to.field("SR", &R::SR, "Slant range", kLength)
+        .field("Tprop", &R::Tprop, "Propagation time", kSeconds)
         .property("T", &R::T, &R::T, "The time of emission")
         .property("Tr", &R::Tr, &R::Tr, "The time of reception")
-        .property("ACPosition", &R::ACPosition, &R::ACPosition, "Where the aircraft was");
+        .property("ACPosition", &R::ACPosition, &R::ACPosition,
+                  "The aircraft's position at emission");
   }
 };
 
@@ -153,13 +162,13 @@ struct Description<AQ_EmtRcvTable> {
   template <class To>
   static void members(To& to) {
     using T = AQ_EmtRcvTable;
-    to.indexed("Record", &T::Record, &T::Record, in("nRecord", "The place", kPlace),
-               "The record at a place from 1 on; storing appends, whatever the place")
-        .property("T", &T::T, "Seconds of the day of emission, a new collection")
-        .property("Tr", &T::Tr, "Seconds of the day of reception, a new collection")
-        .property("X", &T::X, "The aircraft's first coordinate, a new collection")
-        .property("Y", &T::Y, "The aircraft's second coordinate, a new collection")
-        .property("Z", &T::Z, "The aircraft's height, a new collection")
+    to.indexed("Record", &T::Record, &T::Record, in("nRecord", "The index", kPlace),
+               "The record at an index from 1; storing ignores the index and appends")
+        .property("T", &T::T, "The seconds of the day of emission, as a new collection")
+        .property("Tr", &T::Tr, "The seconds of the day of reception, as a new collection")
+        .property("X", &T::X, "The aircraft's first coordinate in m, as a new collection")
+        .property("Y", &T::Y, "The aircraft's second coordinate in m, as a new collection")
+        .property("Z", &T::Z, "The aircraft's height in m, as a new collection")
         .property("Count", &T::Count, "The number of records", kCount);
   }
 };
@@ -169,22 +178,23 @@ struct Description<AQ_SPointTrk> {
   static constexpr char name[] = "AQ_SPointTrk";
   static constexpr int number = 38;
   static constexpr char text[] =
-      "Summary values of one point of a flight track. What they mean beyond their names is known "
-      "to the program that stores them";
+      "Summary values of one point of a flight track, kept for the application, which defines what "
+      "the names leave open";
   template <class To>
   static void members(To& to) {
     using P = AQ_SPointTrk;
-    to.property("TOH", &P::TOH, &P::TOH, "Time overhead")
-        .property("TMAX", &P::TMAX, &P::TMAX, "Time of the maximum")
-        .property("T1", &P::T1, &P::T1, "First time")
-        .property("T2", &P::T2, &P::T2, "Second time")
-        .property("YOFF", &P::YOFF, &P::YOFF, "Lateral offset", kOfTheProgram)
-        .property("PHI", &P::PHI, &P::PHI, "Angle", kOfTheProgram)
-        .property("CYANG", &P::CYANG, &P::CYANG, "Angle", kOfTheProgram)
-        .property("ALT", &P::ALT, &P::ALT, "Altitude", kOfTheProgram)
+    to.property("TOH", &P::TOH, &P::TOH, "Time at which the source is overhead; none until set")
+        .property("TMAX", &P::TMAX, &P::TMAX, "Time of the maximum level; none until set")
+        .property("T1", &P::T1, &P::T1, "First time of the application; none until set")
+        .property("T2", &P::T2, &P::T2, "Second time of the application; none until set")
+        .property("YOFF", &P::YOFF, &P::YOFF, "Lateral offset from the track", kLength)
+        .property("PHI", &P::PHI, &P::PHI, "Elevation angle, or as the application defines it",
+                  kAngle)
+        .property("CYANG", &P::CYANG, &P::CYANG, "Another angle of the application", kAngle)
+        .property("ALT", &P::ALT, &P::ALT, "Altitude of the source", kLength)
         .property("GSPDKTS", &P::GSPDKTS, &P::GSPDKTS, "Ground speed", Quantity{"kn"})
-        .property("FIRST", &P::FIRST, &P::FIRST, "First record", kRecord)
-        .property("LAST", &P::LAST, &P::LAST, "Last record", kRecord)
+        .property("FIRST", &P::FIRST, &P::FIRST, "First record of the event", kRecord)
+        .property("LAST", &P::LAST, &P::LAST, "Last record of the event", kRecord)
         .property("MAX", &P::MAX, &P::MAX, "Record of the maximum", kRecord);
   }
 };

@@ -8,7 +8,7 @@
 #include "aq/geometry/header_pth.h"
 #include "aq/masking/header_mask.h"
 
-// The headers of files. What most of them have is said once.
+// The headers of files. Fields that most of them have are described once.
 
 namespace aq::describe {
 
@@ -18,22 +18,22 @@ inline constexpr auto kName = about("The file's name; its recorded name is writt
 inline constexpr auto kDateTime =
     about("The file's date and time, as read; the time of writing is written", Key{"file_date"});
 inline constexpr auto kProject = about("The project", Key{"project"});
-inline constexpr auto kMicrophone = about("Which microphone it was", Key{"microphone"});
+inline constexpr auto kMicrophone = about("The name of the microphone", Key{"microphone"});
 inline constexpr auto kGeneratedBy =
     about("The program or person that made the file", Key{"generated_by"});
 inline constexpr auto kGenerationFile =
     about("The file from which this one was made; its recorded name is written", FileName{},
           Key{"generation_file"});
 inline constexpr auto kGenerationDateTime =
-    about("The date and time of that file, as read; the writer asks the file itself",
+    about("The date and time of that file, as read; the writer asks the file information service",
           Key{"generation_file_date"});
 inline constexpr auto kOtherCount =
-    about("How many other records there are, as read; the writer counts them", kCount);
+    about("Number of other records, as read; the writer counts them", kCount);
 inline constexpr auto kOtherRecords =
-    about("Other records, one a line, kept as they are", Key{"other_records"});
+    about("Other records, one per line, kept unchanged", Key{"other_records"});
 inline constexpr auto kCommentCount =
-    about("How many comments there are, as read; the writer counts them", kCount);
-inline constexpr auto kComments = about("Comments, one a line", Key{"comments"});
+    about("Number of comment lines, as read; the writer counts them", kCount);
+inline constexpr auto kComments = about("Comments, one per line", Key{"comments"});
 
 template <>
 struct Description<AQ_HeaderSTH> {
@@ -68,7 +68,7 @@ struct Description<AQ_HeaderMask> {
     to.field("sFileType", &H::sFileType, kFileType)
         .field("sFileName", &H::sFileName, kName)
         .field("aqFileDateTime", &H::aqFileDateTime, kDateTime)
-        .field("lNumberRows", &H::lNumberRows, "How many rows the map has", kRecords)
+        .field("lNumberRows", &H::lNumberRows, "Number of rows of the map", kRecords)
         .field("iBandLow", &H::iBandLow, "The lowest band of the rows", kBand)
         .field("iBandHigh", &H::iBandHigh, "The highest band of the rows", kBand)
         .field("sGeneratedBy", &H::sGeneratedBy, kGeneratedBy)
@@ -110,12 +110,13 @@ struct Description<AQ_HeaderPTH> {
         .field("sProjectName", &H::sProjectName, kProject)
         .field("sGeneratedBy", &H::sGeneratedBy, kGeneratedBy)
         .field("sTSPIFileName", &H::sTSPIFileName,
-               "The tracking file from which the positions came; its recorded name is written",
+               "The tracking file that the positions were made from; its recorded name is written",
                FileName{}, Key{"tracking_file"})
-        .field("sTSPIFileDateTime", &H::sTSPIFileDateTime,
-               "The date and time of that file, as read; the writer asks the file itself",
-               Key{"tracking_file_date"})
-        .field("lNumberRecords", &H::lNumberRecords, "How many positions there are", kRecords)
+        .field(
+            "sTSPIFileDateTime", &H::sTSPIFileDateTime,
+            "The date and time of that file, as read; the writer asks the file information service",
+            Key{"tracking_file_date"})
+        .field("lNumberRecords", &H::lNumberRecords, "Number of positions", kRecords)
         .field("nOtherRecords", &H::nOtherRecords, kOtherCount)
         .field("cOtherRecords", &H::cOtherRecords, kOtherRecords)
         .field("nCommentLines", &H::nCommentLines, kCommentCount)
@@ -136,7 +137,8 @@ struct Description<AQ_HeaderMIC> {
         .field("aqFileDateTime", &H::aqFileDateTime, kDateTime)
         .field("sProjectName", &H::sProjectName, kProject)
         .field("sMicrophoneID", &H::sMicrophoneID, kMicrophone)
-        .field("lNumberRecords", &H::lNumberRecords, "Free: the file has no such number", kRecords)
+        .field("lNumberRecords", &H::lNumberRecords, "Unused: the file has no such number",
+               kRecords)
         .field("nOtherRecords", &H::nOtherRecords, kOtherCount)
         .field("cOtherRecords", &H::cOtherRecords, kOtherRecords)
         .field("nCommentLines", &H::nCommentLines, kCommentCount)
@@ -150,7 +152,7 @@ struct Description<AQ_HeaderGTH> {
   static constexpr int number = 66;
   static constexpr char text[] =
       "The header of a geometric time history file, which names the three files that the geometry "
-      "was computed from; the writer asks them for their dates and times";
+      "was computed from; the writer asks the file information service for their dates";
   template <class To>
   static void members(To& to) {
     using H = AQ_HeaderGTH;
@@ -161,9 +163,9 @@ struct Description<AQ_HeaderGTH> {
         .field("GeneratedBy", &H::GeneratedBy, kGeneratedBy)
         .field("MicrophoneID", &H::MicrophoneID, kMicrophone)
         .field("MicrophonePosition", &H::MicrophonePosition,
-               "Where the microphone stands, as X, Y and Z", Key{"microphone_position"})
+               "The position of the microphone as X, Y and Z", Key{"microphone_position"})
         .field("Temperature", &H::Temperature, "The temperature of the air", Key{"temperature"},
-               kOfTheProgram)
+               Quantity{"degC", -273.15})
         .field("STHFileName", &H::STHFileName, "The file of the spectral time history", FileName{},
                Key{"history_file"})
         .field("STHFileDateTime", &H::STHFileDateTime, "Its date and time, as read",
@@ -176,7 +178,7 @@ struct Description<AQ_HeaderGTH> {
                Key{"microphone_file"})
         .field("MICFileDateTime", &H::MICFileDateTime, "Its date and time, as read",
                Key{"microphone_file_date"})
-        .field("NumberRecords", &H::NumberRecords, "How many points there are", kRecords)
+        .field("NumberRecords", &H::NumberRecords, "Number of points", kRecords)
         .field("OtherRecords", &H::OtherRecords, kOtherCount)
         .field("colOtherRecords", &H::colOtherRecords, kOtherRecords)
         .field("nCommentLines", &H::nCommentLines, kCommentCount)

@@ -18,7 +18,8 @@ struct Description<AQ_Mask> {
   static void members(To& to) {
     using M = AQ_Mask;
     to.method("Copy", &M::Copy, "A new mask with the same values")
-        .property("MaskMode", &M::MaskMode, &M::MaskMode, "Whether and by which test")
+        .property("MaskMode", &M::MaskMode, &M::MaskMode,
+                  "Whether the level is masked, and by which test")
         .property("AdjustMode", &M::AdjustMode, &M::AdjustMode, "How the level was adjusted")
         .form("MaskString", &M::MaskString, &M::MaskString,
               "The letters of mode (-MAF) and adjustment (-SFTACR)");
@@ -36,11 +37,14 @@ struct Description<AQ_MaskRow> {
   static void members(To& to) {
     using R = AQ_MaskRow;
     to.method("Copy", &R::Copy, "A deep copy")
-        .indexed("Mask", &R::Mask, &R::Mask, in("nBand", "The band", kBand),
-                 "The mask of a band; a band without one gets a default mask. Storing one for a "
-                 "band that has one only removes that: change the mask itself instead")
-        .property("HighBand", &R::HighBand, "The highest band with a mask; -1 when none has", kBand)
-        .property("LowBand", &R::LowBand, "The lowest band with a mask; 9999 when none has", kBand)
+        .indexed(
+            "Mask", &R::Mask, &R::Mask, in("nBand", "The band", kBand),
+            "The mask of a band; creates a default mask if there is none. Storing a mask for a "
+            "band that has one only removes that one: change the mask itself instead")
+        .property("HighBand", &R::HighBand, "The highest band with a mask; -1 if there is none",
+                  kBand)
+        .property("LowBand", &R::LowBand, "The lowest band with a mask; 9999 if there is none",
+                  kBand)
         .banded(
             "Encompasses",
             [](const R& self, const auto& spectrum) { return self.Encompasses(spectrum); },
@@ -50,7 +54,7 @@ struct Description<AQ_MaskRow> {
                   "The last good band: 0 when no band from 29 up is masked, 9999 when bands 28 and "
                   "29 both are",
                   kBand)
-        .method("contains", &R::contains, "Whether a band has a mask; it gets none by this",
+        .method("contains", &R::contains, "Whether a band has a mask; creates none",
                 in("band", "The band", kBand));
   }
 };
@@ -65,11 +69,11 @@ struct Description<AQ_MaskMap> {
   template <class To>
   static void members(To& to) {
     using M = AQ_MaskMap;
-    to.method("Copy", &M::Copy, "A deep copy of rows 1 to Count")
+    to.method("Copy", &M::Copy, "A deep copy of rows 1 to Count; a missing row raises")
         .indexed("Row", &M::Row, &M::Row, in("nRecord", "The record", kRecord),
-                 "The row of a record; reading one that is missing raises")
+                 "The row of a record; reading a missing one raises")
         .property("Count", &M::Count, "The number of rows", kCount)
-        .method("setLGB", &M::setLGB, "Finds each row's last good band from its masks")
+        .method("setLGB", &M::setLGB, "Sets each row's last good band from its masks")
         .method("contains", &M::contains, "Whether a record has a row",
                 in("number", "The record", kRecord));
   }

@@ -13,7 +13,7 @@ namespace aq::describe {
 
 inline constexpr Quantity kToneBand{"band", 19, 40};
 inline constexpr Quantity kToneDecibels{"dB", 0, 6.7};
-inline constexpr Quantity kPlaceFrom0{"place from 0", 0};
+inline constexpr Quantity kPlaceFrom0{"index", 0};
 inline constexpr auto kAir = in("celsius", "The temperature of the air", Quantity{"degC", -273.15});
 
 template <>
@@ -21,26 +21,27 @@ struct Description<ToneStep> {
   static constexpr char name[] = "ToneStep";
   static constexpr int number = 41;
   static constexpr char text[] =
-      "What the tone correction procedure found for one band. What a step does not define is empty";
+      "What the tone correction procedure found for one band; values that a step does not define "
+      "are empty";
   template <class To>
   static void members(To& to) {
     using S = ToneStep;
     to.field("band", &S::band, "The band", kToneBand)
         .field("level", &S::level, "Its level", kDecibels)
-        .field("slope", &S::slope, "Its level less that of the band below", kDecibels)
+        .field("slope", &S::slope, "Its level minus that of the band below", kDecibels)
         .field("slopeMarked", &S::slopeMarked,
-               "Whether the slope differs by more than 5 dB from the one before")
+               "Whether the slope differs by more than 5 dB from that of the band below")
         .field("levelMarked", &S::levelMarked,
-               "Whether the level is taken out to find the background")
-        .field("adjusted", &S::adjusted, "The level, or what takes the place of a marked one",
-               kDecibels)
+               "Whether the level is removed to find the background")
+        .field("adjusted", &S::adjusted, "The level, or the replacement of a marked one", kDecibels)
         .field("adjustedSlope", &S::adjustedSlope, "The slope of the adjusted levels", kDecibels)
-        .field("meanSlope", &S::meanSlope, "The mean of three adjusted slopes, from this band's up",
-               kDecibels)
+        .field("meanSlope", &S::meanSlope,
+               "The mean of three adjusted slopes, this band's and the next two", kDecibels)
         .field("background", &S::background, "The level without tones", kDecibels)
-        .field("difference", &S::difference, "The level above the background; counts from 1.5 up",
+        .field("difference", &S::difference, "The level minus the background; counts from 1.5 up",
                kDecibels)
-        .field("correction", &S::correction, "0 when the difference does not count", kToneDecibels);
+        .field("correction", &S::correction,
+               "The correction of this band; 0 if the difference does not count", kToneDecibels);
   }
 };
 
@@ -48,16 +49,16 @@ template <>
 struct Description<ToneCorrection> {
   static constexpr char name[] = "ToneCorrection";
   static constexpr int number = 42;
-  static constexpr char text[] = "The tone correction of a spectrum, and how it came about";
+  static constexpr char text[] = "The tone correction of a spectrum, with every step";
   template <class To>
   static void members(To& to) {
     using C = ToneCorrection;
     to.field("correction", &C::correction, "The largest of all bands", kToneDecibels)
-        .field("band", &C::band, "The band that caused it, the lowest of equals; 0 for none",
+        .field("band", &C::band, "The band that caused it, the lowest if several; 0 for none",
                kToneBand)
-        .field("lastBand", &C::lastBand,
-               "The last band that was taken; 18 when the first does not count", kToneBand)
-        .field("rows", &C::rows, "One step for each band taken, from 19 up");
+        .field("lastBand", &C::lastBand, "The last band used; 18 if band 19 does not count",
+               kToneBand)
+        .field("rows", &C::rows, "One step for each band used, from 19 up");
   }
 };
 
@@ -66,17 +67,17 @@ struct Description<NoiseEvent> {
   static constexpr char name[] = "NoiseEvent";
   static constexpr int number = 43;
   static constexpr char text[] =
-      "The noise of one aircraft going by: its largest tone-corrected perceived noise level, the "
-      "records that count, as places from 0, and the effective perceived noise level";
+      "The noise of one aircraft passing by: its largest tone-corrected perceived noise level, the "
+      "records that count, as indices from 0, and the effective perceived noise level";
   template <class To>
   static void members(To& to) {
     using E = NoiseEvent;
     to.field("maximum", &E::maximum, "The first record of the largest PNLT", kPlaceFrom0)
         .field("first", &E::first,
-               "The first record within 10 dB of the maximum; empty where the records begin there",
+               "The first record within 10 dB of the maximum; empty if the records begin within it",
                kPlaceFrom0)
         .field("last", &E::last,
-               "The last record within 10 dB of the maximum; empty where the records end there",
+               "The last record within 10 dB of the maximum; empty if the records end within it",
                kPlaceFrom0)
         .field("secondPeaks", &E::secondPeaks, "Other maxima within 2 dB of the largest",
                kPlaceFrom0)
@@ -85,10 +86,9 @@ struct Description<NoiseEvent> {
                Quantity{"EPNdB"})
         .field("epnlWithBandSharing", &E::epnlWithBandSharing, "The same with band sharing",
                Quantity{"EPNdB"})
-        .field("duration", &E::duration, "The duration correction, epnl less pnltm", kDecibels)
+        .field("duration", &E::duration, "The duration correction, epnl minus pnltm", kDecibels)
         .field("bandSharing", &E::bandSharing,
-               "What to add for a tone at the edge of two bands; 0 when that is negative",
-               kDecibels);
+               "Adjustment for a tone at the edge of two bands; never negative", kDecibels);
   }
 };
 
@@ -97,14 +97,14 @@ struct Description<MetricDifference> {
   static constexpr char name[] = "MetricDifference";
   static constexpr int number = 44;
   static constexpr char text[] =
-      "A metric that a record carries and that is not what its levels give";
+      "A stored metric that differs from the one computed from the levels";
   template <class To>
   static void members(To& to) {
     using D = MetricDifference;
     to.field("record", &D::record, "The record", kRecord)
         .field("metric", &D::metric, "Which metric")
         .field("stored", &D::stored, "Its value in the record", kOfTheMetric)
-        .field("computed", &D::computed, "What the levels give; NaN when there is no such value",
+        .field("computed", &D::computed, "The value computed from the levels; NaN if there is none",
                kOfTheMetric);
   }
 };
@@ -118,40 +118,45 @@ struct Description<NoiseFunctions> {
   template <class To>
   static void members(To& to) {
     constexpr auto spectrum = in("spectrum", "The levels");
-    constexpr auto masks = optionally("masks", "Which of them are masked, and so do not count");
+    constexpr auto masks = optionally("masks", "Which of them are masked and do not count");
     constexpr auto history = in("history", "The records");
     constexpr auto map = optionally("map", "Which of their levels are masked");
     to.function("weightedLevel", &weightedLevel,
-                about("The A-, C- or D-weighted or the overall level of a spectrum; nothing when "
+                about("The A-, C- or D-weighted or the overall level of a spectrum; nothing if "
                       "no level counts",
                       kDecibels),
                 spectrum, in("weighting", "AQ_METRIC_AWT, _CWT, _DWT or _OA"), masks)
         .function("perceivedNoiseLevel", &perceivedNoiseLevel,
-                  about("The perceived noise level of a spectrum, from bands 17 to 40",
+                  about("The perceived noise level of a spectrum, from bands 17 to 40; raises for "
+                        "levels of "
+                        "thousands of decibels",
                         Quantity{"PNdB", 0}),
                   spectrum, masks)
         .function("toneCorrection", &toneCorrection,
                   about("The tone correction of a spectrum, from bands 19 to 40"), spectrum, masks)
+        .function("noiseEvent", &noiseEvent,
+                  about("The event of a series of tone-corrected perceived noise levels; raises if "
+                        "there is "
+                        "none, and for sizes that differ"),
+                  in("pnlt", "The levels by record, NaN for none", Quantity{"TPNdB"}),
+                  in("seconds", "How long a record lasts: one value for all, or one each",
+                     Quantity{"s", 0}),
+                  optionally("toneCorrections", "The tone corrections by record", kToneDecibels))
         .function(
-            "noiseEvent", &noiseEvent,
-            about("The event of a series of tone-corrected perceived noise levels"),
-            in("pnlt", "The levels by record, NaN where there is none", Quantity{"TPNdB"}),
-            in("seconds", "How long a record lasts: one for all, or one each", Quantity{"s", 0}),
-            optionally("toneCorrections", "The tone corrections by record", kToneDecibels))
-        .function("setMetrics", &setMetrics,
-                  about("Computes the ten metrics of every record and gives the event; nothing "
-                        "when no record has a PNLT"),
-                  history, map)
+            "setMetrics", &setMetrics,
+            about("Computes and stores the ten metrics of every record and returns the event; "
+                  "nothing if no record has a PNLT"),
+            history, map)
         .function("auditMetrics", &auditMetrics,
                   about("Every stored metric that differs from the computed one"), history, map,
-                  in("tolerance", "From where on levels differ", Quantity{"dB", 0}))
+                  in("tolerance", "Levels differ if further apart than this", Quantity{"dB", 0}))
         .function("speedOfSound", &speedOfSound,
-                  about("The speed of sound in air", Quantity{"m/s", 0}), kAir)
+                  about("The speed of sound in air (ISO 9613-1)", Quantity{"m/s", 0}), kAir)
         .function("emissionGeometry", &emissionGeometry,
                   about("Where and when the sound of each record was emitted: metres, degrees and "
                         "seconds"),
                   in("positions", "The source's positions, in metres"),
-                  in("microphone", "Where the microphone stands, in metres"),
+                  in("microphone", "The microphone's position, in metres"),
                   in("records", "The records that were measured"), kAir);
   }
 };

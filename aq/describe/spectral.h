@@ -1,6 +1,7 @@
 #pragma once
 
-#include "aq/describe/enumerations.h"
+#include "aq/describe/masking.h"
+#include "aq/spectral/ambient_masking.h"
 #include "aq/spectral/band.h"
 #include "aq/spectral/metric.h"
 #include "aq/spectral/metric_summary.h"
@@ -14,12 +15,12 @@ struct Description<AQ_Metric> {
   static constexpr char name[] = "AQ_Metric";
   static constexpr int number = 11;
   static constexpr char text[] =
-      "The noise metrics computed for one spectrum. One that was never set reads as 0";
+      "The noise metrics computed for one spectrum. A metric that was never set reads as 0";
   template <class To>
   static void members(To& to) {
     using M = AQ_Metric;
     to.property("AWT", &M::AWT, &M::AWT, "A-weighted level", kDecibels)
-        .method("Copy", &M::Copy, "A new metric with the same values, 0 where there was none")
+        .method("Copy", &M::Copy, "A new metric with the same values, 0 for those not set")
         .property("CWT", &M::CWT, &M::CWT, "C-weighted level", kDecibels)
         .property("DWT", &M::DWT, &M::DWT, "D-weighted level", kDecibels)
         .property("OA", &M::OA, &M::OA, "Overall level", kDecibels)
@@ -33,8 +34,7 @@ struct Description<AQ_Metric> {
                   "The last good band: 0 when no band from 29 up is masked, 9999 when bands 28 and "
                   "29 both are",
                   kBand)
-        .property("INTEG", &M::INTEG, &M::INTEG,
-                  "The part that the record plays in the integration")
+        .property("INTEG", &M::INTEG, &M::INTEG, "The part of the record in the EPNL integration")
         .indexed("MetricValue", &M::MetricValue, &M::MetricValue, in("aqMetric", "Which metric"),
                  "Any metric by its type", kOfTheMetric);
   }
@@ -49,13 +49,13 @@ struct Description<AQ_MetricSummary> {
   static void members(To& to) {
     using S = AQ_MetricSummary;
     to.method("Copy", &S::Copy, "A new summary with the same list")
-        .setter("MetricType", &S::MetricType, "Adds a metric; one that is listed moves to the end",
+        .setter("MetricType", &S::MetricType, "Adds a metric; a listed one moves to the end",
                 in("aqMetric", "Which metric"))
         .property("MetricTypes", &S::MetricTypes, "The summary's own list, not a copy")
         .method("isMetric", &S::isMetric, "Whether a metric is listed",
                 in("aqMetric", "Which metric"))
         .form("MetricTypeString", &S::MetricTypeString, &S::MetricTypeString,
-              "The list as text, AWT, PNLT; setting adds the one metric of that name");
+              "The list as text, as in AWT, PNLT; setting adds the metric of that name");
   }
 };
 
@@ -64,7 +64,7 @@ struct Description<AQ_Spectrum> {
   static constexpr char name[] = "AQ_Spectrum";
   static constexpr int number = 13;
   static constexpr char text[] =
-      "One measured one-third-octave spectrum: a level for each band that has one, in dB, the time "
+      "One measured one-third-octave spectrum: a level in dB for each band that has one, the time "
       "of the measurement, an overall level and the metrics. Band n is centred at 10^(n/10) Hz; "
       "9999 is a level that is not valid";
   template <class To>
@@ -73,16 +73,18 @@ struct Description<AQ_Spectrum> {
     to.method("Copy", &S::Copy, "A deep copy; a band of the range without a level raises")
         .indexed("SPL", &S::SPL, &S::SPL, in("nBand", "The band", kBand),
                  "The level of a band; reading a band without one raises", kDecibels)
-        .property("LowBand", &S::LowBand, "The lowest band ever stored; 9999 when none was", kBand)
-        .property("HighBand", &S::HighBand, "The highest band ever stored; -1 when none was", kBand)
+        .property("LowBand", &S::LowBand, "The lowest band ever stored; 9999 if there is none",
+                  kBand)
+        .property("HighBand", &S::HighBand, "The highest band ever stored; -1 if there is none",
+                  kBand)
         .banded(
             "Encompasses",
             [](const S& self, const auto& spectrum) { return self.Encompasses(spectrum); },
             "Whether the bands of an object with LowBand and HighBand lie inside this one's",
             in("spectrum", "Any object with LowBand and HighBand"))
         .property("Level", &S::Level, &S::Level, "An overall level", kDecibels)
-        .property("Time", &S::Time, &S::Time, "When it was measured")
-        .property("Metric", &S::Metric, &S::Metric, "The metrics")
+        .property("Time", &S::Time, &S::Time, "The time of the measurement")
+        .property("Metric", &S::Metric, &S::Metric, "The noise metrics")
         .method("contains", &S::contains, "Whether a band has a level",
                 in("band", "The band", kBand));
   }
@@ -97,10 +99,10 @@ struct Description<AQ_Band> {
   template <class To>
   static void members(To& to) {
     using B = AQ_Band;
-    to.method("Copy", &B::Copy, "No object for an empty band; any other raises")
+    to.method("Copy", &B::Copy, "Gives no object for an empty band; raises for any other")
         .indexed("SPL", &B::SPL, &B::SPL, in("nSpectrum", "The spectrum's number", kRecord),
-                 "The level of a spectrum number; reading one that is missing raises", kDecibels)
-        .property("Count", &B::Count, "How many levels are stored", kRecords)
+                 "The level of a spectrum number; reading a missing one raises", kDecibels)
+        .property("Count", &B::Count, "Number of stored levels", kRecords)
         .method("contains", &B::contains, "Whether a spectrum number has a level",
                 in("number", "The spectrum's number", kRecord));
   }
@@ -112,8 +114,8 @@ struct Description<AQ_SpectralTimeHistory> {
   static constexpr int number = 15;
   static constexpr char text[] =
       "A numbered series of spectra measured one after another, half a second each, with the time "
-      "of the first record, a reference time, how the levels were averaged and where in each "
-      "record its time stamp lies. Spectra are shared, not copied";
+      "of the first record, a reference time, how the levels were averaged and which instant "
+      "of a record its time stamp names. Spectra are shared, not copied";
   template <class To>
   static void members(To& to) {
     using H = AQ_SpectralTimeHistory;
@@ -121,7 +123,7 @@ struct Description<AQ_SpectralTimeHistory> {
               in("LoRec", "The first record", kRecord), in("HiRec", "The last record", kRecord),
               in("loBand", "The lowest band", kBand), in("hiBand", "The highest band", kBand))
         .method("Resize", &H::Resize,
-                "A new history that shares these spectra; no object when they are not all there",
+                "A new history that shares these spectra; no object if any is missing",
                 in("LoRec", "The first record", kRecord), in("HiRec", "The last record", kRecord))
         .form("sAveragingMethod", &H::sAveragingMethod, &H::sAveragingMethod,
               "AverageMethod as LINEAR, TRUSLO, 4S100, 4S95, CONTEXPO or NA; other text changes "
@@ -140,21 +142,22 @@ struct Description<AQ_SpectralTimeHistory> {
                 in("MapMask", "The masking map"))
         .property("TimeStampType", &H::TimeStampType, &H::TimeStampType,
                   "Which instant of a record its time stamp names")
-        .method("setTimeStamps", &H::setTimeStamps,
-                "Stamps every record, half a second each, and makes it relative to the reference",
-                in("startTime", "The time of the first record"),
-                in("StartTimeType", "Which instant of a record its stamp names"),
-                in("RefTime", "The reference time"), in("RefType", "Which event that marks"))
+        .method(
+            "setTimeStamps", &H::setTimeStamps,
+            "Stamps every record, half a second each, and sets its time relative to the reference",
+            in("startTime", "The time of the first record"),
+            in("StartTimeType", "Which instant of a record its stamp names"),
+            in("RefTime", "The reference time"), in("RefType", "Which event that marks"))
         .indexed("spectrum", &H::spectrum, &H::spectrum, in("nRecord", "The record", kRecord),
-                 "The spectrum of a record, shared")
+                 "The spectrum of a record, shared; reading a missing one raises")
         .property("ReferenceTime", &H::ReferenceTime, &H::ReferenceTime, "The reference time")
         .method("Copy", &H::Copy, "A deep copy")
         .indexed("Band", &H::Band,
                  static_cast<void (H::*)(std::int16_t, const std::shared_ptr<AQ_Band>&)>(&H::Band),
                  in("nBand", "The band", kBand),
-                 "The levels of one band over all records; no object when a record lacks it")
+                 "The levels of one band over all records; no object if a record lacks it")
         .method("setRelTimes", &H::setRelTimes,
-                "Shares the reference time and makes every record relative to it",
+                "Shares the reference time and sets every record's relative time",
                 in("ReferenceTime", "The reference time"), in("RefType", "Which event that marks"))
         .property("startTime", &H::startTime, &H::startTime, "The time of the first record")
         .property("AverageMethod", &H::AverageMethod, &H::AverageMethod,
@@ -163,11 +166,28 @@ struct Description<AQ_SpectralTimeHistory> {
                   "Which event the reference time marks")
         .property("Metrics", &H::Metrics, &H::Metrics, "Which metrics the history carries")
         .property("HiRec", &H::HiRec, &H::HiRec,
-                  "The highest record number ever stored; -1 when none was", kRecord)
+                  "The highest record number ever stored; -1 if there is none", kRecord)
         .property("LoRec", &H::LoRec, &H::LoRec,
-                  "The lowest record number ever stored; 9999 when none was", kRecord)
+                  "The lowest record number ever stored; 9999 if there is none", kRecord)
         .method("contains", &H::contains, "Whether a record has a spectrum",
                 in("number", "The record", kRecord));
+  }
+};
+
+/// The functions of the folder.
+struct SpectralFunctions;
+
+template <>
+struct Description<SpectralFunctions> {
+  static constexpr char name[] = "spectral";
+  template <class To>
+  static void members(To& to) {
+    to.function(
+        "maskByAmbient", &maskByAmbient,
+        about("The masking map of a history by an ambient spectrum; raises unless records are "
+              "numbered from 1 without gaps and the ambient has their bands"),
+        in("history", "The levels to mask"), in("ambient", "The levels of the ambient"),
+        in("margin", "Levels less than this above the ambient are masked", kDecibels));
   }
 };
 

@@ -1,7 +1,7 @@
 """Compares the description with the public headers: `PROGRAM ROOT HEADER...`.
 
 Each public member of a class and each member of an enumeration has to be described, with the same
-counts of arguments or the same value, but for the helpers named here; and nothing else may be.
+counts of arguments or the same value, except the helpers named here, and nothing else.
 """
 
 import collections
@@ -55,7 +55,7 @@ def is_interface(cls, member):
 
 
 def public_members(cls):
-    """Name and forms of those of a class and of its bases."""
+    """Name and forms of the public members of a class and its bases."""
     members = collections.defaultdict(set)
     for child in cls.get_children():
         if child.kind == KINDS.CXX_BASE_SPECIFIER:
@@ -67,7 +67,7 @@ def public_members(cls):
 
 
 def declared(root, headers):
-    """What the headers have in the namespace: members by `Class.name`, values by `Enum.name`."""
+    """The names that the headers declare: members by `Class.name`, values by `Enum.name`."""
     text = "".join(f"#include <aq/{header}>\n" for header in headers)
     unit = cindex.Index.create().parse(
         "all.cpp", ["-std=c++20", f"-I{root}"], unsaved_files=[("all.cpp", text)]
@@ -90,7 +90,7 @@ def declared(root, headers):
 
 
 def renamed(root):
-    """Members that are described under another name than that of the pointer."""
+    """Members described under a name other than that of the pointer."""
     text = "".join(path.read_text() for path in sorted(root.glob("aq/describe/*.h")))
     pairs = re.findall(r'"(\w+)",\s*(?:static_cast<[^;]*?>\()?&?\w+::(\w+)\b', text)
     pairs += re.findall(r'\.member\("(\w+)", (?:\w+::)?(\w+),', text)
@@ -101,9 +101,27 @@ def renamed(root):
             yield f"{member} is described as {name}"
 
 
+VAGUE = re.compile(r"\bthat of the (file|program|list|metric)\b|^(well|other|misc)$", re.IGNORECASE)
+
+
+def senseless(senses):
+    """Members and parameters whose unit or text says nothing. A type without a unit does not compile."""
+    for name, what in senses.items():
+        unit, text = what.split("|", 1)
+        words = re.findall(r"[A-Za-z0-9%]+", text)
+        least = 1 if "(" in name else 3 if "::" in name else 2
+        if (
+            VAGUE.search(unit)
+            or VAGUE.search(text)
+            or sum(map(len, words)) < 4
+            or len(words) < least
+        ):
+            yield f"{name}: no sense in [{unit}] {text}"
+
+
 def main(program, root, *headers):
     lines = subprocess.run([program, "members"], check=True, capture_output=True, text=True).stdout
-    told = {"member": {}, "value": {}, "number": {}}
+    told = {"member": {}, "value": {}, "number": {}, "sense": {}}
     for kind, name, what in (line.split(" ", 2) for line in lines.splitlines()):
         told[kind][name] = what
     members, values = declared(root, [h for h in headers if not h.startswith("describe/")])
@@ -125,9 +143,10 @@ def main(program, root, *headers):
         for name in sorted(here.keys() | there.keys()):
             if here.get(name) != there.get(name):
                 faults.append(f"{name}: headers {here.get(name)}, description {there.get(name)}")
-    faults += [f"{name} is no helper any more" for name in sorted(HELPERS - met)]
+    faults += [f"{name} is no longer a helper" for name in sorted(HELPERS - met)]
+    faults += senseless(told["sense"])
     numbers = list(told["number"].values())
-    faults += [f"class number {n} stands twice" for n in set(numbers) if numbers.count(n) > 1]
+    faults += [f"class number {n} is used twice" for n in set(numbers) if numbers.count(n) > 1]
     print("\n".join(faults) or f"{len(found)} members and {len(found_values)} values, no fault")
     return 1 if faults or not found else 0
 

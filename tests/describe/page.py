@@ -1,4 +1,6 @@
-"""Fails when the committed reference page is not what the description makes: PROGRAM PAGE."""
+"""Fails if the committed reference page differs from the one made from the description: PROGRAM
+PAGE.
+"""
 
 import difflib
 import pathlib

@@ -1,6 +1,8 @@
-// Writes the reference page of the object model, or with `members` what a test compares with the
-// headers: each class with its number, each member with its counts of arguments.
+// Writes the reference page of the object model or, with `members`, what a test compares with the
+// headers and checks for units and meanings: each class with its number, each member with its
+// counts of arguments, and the unit and text of everything that is described.
 
+#include <aq/describe/check.h>
 #include <aq/describe/files.h>
 #include <aq/describe/geometry.h>
 #include <aq/describe/headers.h>
@@ -21,7 +23,7 @@ namespace {
 
 namespace describe = aq::describe;
 
-/// Calls `visit(heading, classes)` for each room.
+/// Calls `visit(heading, classes)` for each folder of the library.
 template <class Visit>
 void forRooms(const Visit& visit) {
   visit("Time, collections and failures", describe::kCoreClasses);
@@ -37,6 +39,7 @@ template <class Visit>
 void forEnumerations(const Visit& visit) {
   describe::forClasses(describe::kEnumerations, visit);
   visit.template operator()<aq::FileKind>();
+  visit.template operator()<aq::Severity>();
 }
 
 std::string ended(std::string_view sentence) { return std::string(sentence) + "."; }
@@ -44,14 +47,15 @@ std::string ended(std::string_view sentence) { return std::string(sentence) + ".
 constexpr std::string_view kBegin = R"(# Reference
 
 Every class of the object model with its members in their order, which only grows at its end, and
-every enumeration. This page is made from `aq/describe`: `cmake --build --preset debug --target
-reference` writes it again.
+every enumeration. This page is generated from `aq/describe` by `cmake --build --preset debug --target
+reference`.
 
-A property is two functions of its name in C++, `time->RelSeconds()` and `time->RelSeconds(2.5)`, and
+A property is two functions in C++, `time->RelSeconds()` and `time->RelSeconds(2.5)`, and
 an attribute in Python; one with a key is `spectrum->SPL(24)` and `spectrum->SPL(24, 65.3)`, in Python
-`spectrum.SPL[24]`. A field is a data member. What is said to raise throws `aq::Error`. The range is
-that in which a number has a meaning: what is stored is not checked unless the text says so. Units
-that the library does not know are those of the file or of the program that filled the object.
+`spectrum.SPL[24]`. A field is a data member. Where the text says "raises", C++ throws `aq::Error`. The range is
+that in which a number is meaningful: setters do not check it unless the text says so. Lengths are in
+metres unless a file or program used another unit: nothing is converted. The [glossary](glossary.md)
+explains the terms.
 )";
 
 /// One class as a table.
@@ -105,7 +109,7 @@ class Table {
   }
   template <class ByPlace, class ByKey>
   void operator()(const describe::Keyed<ByPlace, ByKey>& keyed) {
-    row(std::string(keyed.name) + "(place or key)", "method", result(keyed.byPlace), keyed.about,
+    row(std::string(keyed.name) + "(index or key)", "method", result(keyed.byPlace), keyed.about,
         "");
   }
 
@@ -180,7 +184,9 @@ void showPage() {
   std::cout << "\n## Functions\n";
   Table<describe::CoreFunctions>();
   Table<describe::FileFunctions>();
+  Table<describe::SpectralFunctions>();
   Table<describe::NoiseFunctions>();
+  Table<describe::CheckFunctions>();
   std::cout << "\n## Enumerations\n";
   forEnumerations([]<class E>() { showEnumeration<E>(); });
 }
@@ -217,6 +223,30 @@ struct Counts {
   }
 };
 
+/// Prints the unit and the text of a member, a parameter or an enumerator.
+void showSense(const std::string& name, const describe::Quantity& quantity, std::string_view text) {
+  std::cout << "sense " << name << " " << quantity.unit << "|" << text << "\n";
+}
+
+template <class Member>
+void showSenses(const std::string& owner, const Member& member) {
+  const std::string name = owner + "." + member.name;
+  showSense(name, member.about.quantity, member.about.text);
+  const auto show = [&](const describe::Parameter& parameter) {
+    showSense(name + "(" + parameter.name + ")", parameter.about.quantity, parameter.about.text);
+  };
+  if constexpr (requires { member.parameters; }) {
+    for (const auto& parameter : member.parameters) show(parameter);
+  }
+  if constexpr (requires { member.key; }) show(member.key);
+  if constexpr (requires { member.value; }) show(member.value);
+}
+
+template <class Functions>
+void showFunctions() {
+  describe::forMembers<Functions>([](const auto& function) { showSenses("functions", function); });
+}
+
 void showMembers() {
   forRooms([](const char* /*heading*/, const auto& classes) {
     describe::forClasses(classes, []<class C>() {
@@ -226,6 +256,7 @@ void showMembers() {
       }
       describe::forMembers<C>([&](const auto& member) {
         std::cout << "member " << name << "." << member.name << " " << Counts()(member) << "\n";
+        showSenses(name, member);
       });
     });
   });
@@ -233,8 +264,14 @@ void showMembers() {
     describe::forMembers<E>([](const auto& member) {
       std::cout << "value " << describe::Description<E>::name << "." << member.name << " "
                 << static_cast<std::int32_t>(member.value) << "\n";
+      showSense(std::string(describe::Description<E>::name) + "::" + member.name, {}, member.text);
     });
   });
+  showFunctions<describe::CoreFunctions>();
+  showFunctions<describe::FileFunctions>();
+  showFunctions<describe::SpectralFunctions>();
+  showFunctions<describe::NoiseFunctions>();
+  showFunctions<describe::CheckFunctions>();
 }
 
 }  // namespace

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "aq/check/check_file.h"
+#include "aq/check/finding.h"
+#include "aq/describe/description.h"
+
+// The checks of files. Hosts receive findings in their own form.
+
+namespace aq::describe {
+
+template <>
+struct Description<Severity> {
+  static constexpr char name[] = "Severity";
+  static constexpr char text[] = "How serious a finding is";
+  template <class To>
+  static void members(To& to) {
+    to.member("Note", Severity::Note, "Worth knowing; the data are correct")
+        .member("Warning", Severity::Warning, "What is read may differ from what was measured")
+        .member("Error", Severity::Error, "The file, or pair of files, cannot be used");
+  }
+};
+
+/// The functions of the folder.
+struct CheckFunctions;
+
+template <>
+struct Description<CheckFunctions> {
+  static constexpr char name[] = "check";
+  template <class To>
+  static void members(To& to) {
+    constexpr auto report = in("report", "Receives each finding, in the order of the file's lines");
+    using FitOfFiles = void (*)(const std::string&, const std::string&, const FindingSink&);
+    to.function("checkFile", &checkFile,
+                about("Reads a file of any kind and reports what fails and what is probably wrong"),
+                in("path", "The name of the file", FileName{}), report)
+        .function("checkFixes", &checkFixes,
+                  about("Reports the fixes of a tracking file that a reader with this limit drops"),
+                  in("path", "The tracking file", FileName{}),
+                  in("limit", "The RT20Limit; 0 is the best", Quantity{"quality figure", 0, 255}),
+                  report)
+        .function("checkFit", static_cast<FitOfFiles>(&checkFit),
+                  about("Reports why a masking map does not fit its history; nothing for a file "
+                        "that cannot be read"),
+                  in("historyPath", "The history file", FileName{}),
+                  in("mapPath", "The masking map file", FileName{}), report);
+  }
+};
+
+}  // namespace aq::describe
