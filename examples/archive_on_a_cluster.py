@@ -43,7 +43,7 @@ def make(folder: Path, number: int) -> None:
 
 
 def energy_by_angle(paths: list[str]) -> xr.Dataset:
-    """Sums of band energy and counts of levels by emission angle, over some histories."""
+    """Sums of band energy and counts of levels by emission angle, for some histories."""
     energy = np.zeros((len(ANGLES) - 1, BANDS))
     count = np.zeros_like(energy)
     for path in paths:

@@ -1,4 +1,4 @@
-// The program of the README: read a history and its masking map, find the last good bands.
+// Reads a history and its masking map, and finds the last good bands.
 #include <aq/aq.h>
 
 #include <iostream>

@@ -1,4 +1,4 @@
-"""The guide's code runs, and so does the script for a notebook."""
+"""The code of the guide and of the tutorial runs, and so does the script for a notebook."""
 
 from __future__ import annotations
 
@@ -13,16 +13,17 @@ import pytest
 from conftest import PROJECT
 
 
-def test_the_guide_runs(tmp_path: Path, sample: Path, monkeypatch: Any) -> None:
+@pytest.mark.parametrize("page", ["docs/python.md", "docs/tutorials/python.md"])
+def test_the_code_of_a_page_runs(page: str, tmp_path: Path, sample: Path, monkeypatch: Any) -> None:
     for path in sample.glob("*.csv"):
         (tmp_path / path.name).write_bytes(path.read_bytes())
     monkeypatch.chdir(tmp_path)
-    text = (PROJECT / "docs" / "python.md").read_text()
+    text = (PROJECT / page).read_text()
     blocks = re.findall(r"```python\n(.*?)```", text, re.DOTALL)
     names: dict[str, Any] = {"__name__": "guide"}
     for block in blocks:
-        exec(compile(block, "docs/python.md", "exec"), names)
-    assert len(blocks) >= 8
+        exec(compile(block, page, "exec"), names)
+    assert len(blocks) >= 7
     plt.close("all")
 
 

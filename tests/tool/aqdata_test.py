@@ -101,7 +101,12 @@ ROWS = [  # command, status, in the output, in the messages
     ("info --json bad.sth.csv", 2, '{"file":"bad.sth.csv","error":"bad.sth.csv, line 22', "6x.2"),
     ("info --json gap.sth.csv", 0, '"first":-3,"last":60,"missing":4', ""),
     ("mkdir -p up && cp bad.sth.csv up/R.CSV; check up up/", 1, "1 file checked", ""),
-    ("mkdir -p up/none; check up/none 'u*'", 2, "1 file checked", "up/none: holds no measurement"),
+    (
+        "mkdir -p up/none; check up/none 'u*'",
+        2,
+        "1 file checked",
+        "up/none: contains no measurement",
+    ),
     (f"cat {STH} | aqdata info --json /dev/stdin", 2, '{"file":"/dev/stdin","error"', "a pipe"),
     (f"check {STH} {MAP}", 0, "2 files checked, 2 without findings", ""),
     (
@@ -110,10 +115,10 @@ ROWS = [  # command, status, in the output, in the messages
         'line 22, field 4: error: expected a level, found "6x.2" [unreadable]',
         "",
     ),
-    ("convert words.sth.csv -o w.sth.csv", 2, "", 'method "FOOLINEAR", which is not known'),
+    ("convert words.sth.csv -o w.sth.csv", 2, "", 'method "FOOLINEAR", which is unknown'),
     (f"convert {STH} -o w.sth.csv && aqdata diff --dates {STH} w.sth.csv", 0, "no difference", ""),
     ("track late.csv -o late.pth.csv && tail -1 late.pth.csv", 0, "14:30:04,7", ""),
-    ("check words.sth.csv", 1, 'line 6, field 2: warning: "FOOLINEAR" is not known', ""),
+    ("check words.sth.csv", 1, 'line 6, field 2: warning: "FOOLINEAR" is unknown', ""),
     ("check loud.sth.csv", 1, "line 22, field 4, record 1, band 17: warning: 261.51 dB", ""),
     ("check --only heading loud.sth.csv", 0, "1 without findings", ""),
     ("check --ignore level-range,heading loud.sth.csv", 0, "1 without findings", ""),
@@ -178,12 +183,12 @@ ROWS = [  # command, status, in the output, in the messages
         "\x1b[48;2;",
         "",
     ),
-    ("show fly-over.mic.csv --plot", 2, "", "has no levels to draw"),
+    ("show fly-over.mic.csv --plot", 2, "", "has no levels"),
     ("show fly-over.ini.csv --records 1", 2, "", "has no record 1"),
     (f"show gap.sth.csv --plot --bands 17 --records 26:33 | tail -4 | head -1", 0, "███ ███", ""),
     ("show fly-over.ini.csv", 0, "window_before_s            10", ""),
     (f"convert {STH} -o tidy.csv", 0, "tidy.csv: written", ""),
-    (f"convert {STH} -o tidy.csv", 2, "", "tidy.csv: is there already; --force replaces it"),
+    (f"convert {STH} -o tidy.csv", 2, "", "tidy.csv: already exists; --force replaces it"),
     (
         f"convert {STH} -o q.nc",
         2,
@@ -194,27 +199,27 @@ ROWS = [  # command, status, in the output, in the messages
     (f"convert {STH} --to json -o q.csv", 2, "", "ends in .json, .txt"),
     (f"convert {STH} --to Table -o q.TXT", 0, "q.TXT: written", ""),
     (f"convert --json {STH} -o q.JSON", 0, '{"output":"q.JSON"}', ""),
-    (f"ln -f {STH} same.csv; convert {STH} -f -o same.csv", 2, "", "same.csv: is what is read"),
-    (f"mask {STH} --ambient fly-over.ssr.csv -f -o same.csv", 2, "", "same.csv: is what is read"),
+    (f"ln -f {STH} same.csv; convert {STH} -f -o same.csv", 2, "", "same.csv: is an input"),
+    (f"mask {STH} --ambient fly-over.ssr.csv -f -o same.csv", 2, "", "same.csv: is an input"),
     (f"track fly-over.tspi.csv -o x.sth.csv", 2, "", "expected a name that ends in .pth.csv, .csv"),
     (
         f"cp {STH} /dev/shm/aqdata-$$.csv; convert {STH} -o /dev/shm/aqdata-$$.csv; s=$?; "
         "rm /dev/shm/aqdata-$$.csv; exit $s",
         2,
         "",
-        "is there already; --force replaces it",
+        "already exists; --force replaces it",
     ),
     (f"convert {STH} --to spectrum --record 30", 2, "", "-o says which"),
     (f"convert {STH} --to spectrum --record 30 -o /dev/stdout | head -n 1", 0, "FileType**,", ""),
     (f"convert {STH} --record 30", 0, "30,14:30:14.75,52214.75,0,17,", ""),
-    (f"convert {STH} -o one.ssr.csv", 2, "", "which record?"),
+    (f"convert {STH} -o one.ssr.csv", 2, "", "expected --record N"),
     (f"convert {STH} -o one.ssr.csv --record 61", 2, "", "has no record 61"),
     (f"convert {STH} -o one.ssr.csv --record 30", 0, "one.ssr.csv: written", ""),
     (f"convert {MAP} -o one.pth.csv", 2, "", "expected a tracking file, found a masking map file"),
     (f"convert {STH} -o no/where.csv", 2, "", "no/where.csv: expected a file that can be written"),
     ("track fly-over.tspi.csv -o made.pth.csv --list", 0, "line 24: RT20 figure 2 is above 1", ""),
     ("track fly-over.tspi.csv -o all.pth.csv --rt20 2", 0, "150 positions, 0 rejected", ""),
-    ("track fly-over.tspi.csv -o /dev/stdout --list", 2, "", "-o has to name a file"),
+    ("track fly-over.tspi.csv -o /dev/stdout --list", 2, "", "-o must name a file"),
     ("convert fly-over.tspi.csv --rt20 2 | tail -1", 0, "150,", ""),
     ("diff made.pth.csv all.pth.csv", 1, "records only in the second file: 147 to 150", ""),
     (f"lgb {STH} {MAP}", 0, "1  14:30:00.25              36  B36/4kHz", ""),
@@ -246,13 +251,13 @@ ROWS = [  # command, status, in the output, in the messages
         f"sed 's/,OVERHEAD/,PEAK/' {STH} > peak.csv; stamp peak.csv --start 9:00:00 --ref 9:00:00 -o x",
         2,
         "",
-        'has the reference time type "PEAK", which is not known; --ref-type says',
+        'has the reference time type "PEAK", which is unknown; --ref-type sets',
     ),
     (
         "stamp words.sth.csv --start 9:00:00 --ref 9:00:00 -o x",
         2,
         "",
-        'has the averaging method "FOOLINEAR", which is not known',
+        'has the averaging method "FOOLINEAR", which is unknown',
     ),
     (
         f"sed 's/^Gen.*Date.*/GenerationFileDateTime**,01\/02\/2003,04:05:06/' {STH} > dated.csv; "
@@ -291,13 +296,13 @@ ROWS = [  # command, status, in the output, in the messages
         f"cp {STH} self.sth.csv; stamp self.sth.csv --start 9:00:00 --ref 9:00:00 --force -o "
         "self.sth.csv",
         0,
-        "from 9:00:00 on",
+        "from 9:00:00, relative",
         "",
     ),
     (
         f"diff {STH} near.sth.csv",
         1,
-        "band 17: differs in 1 record, by 0.01 at the most, as in 1",
+        "band 17: differs in 1 record, by at most 0.01, as in 1",
         "",
     ),
     (f"diff --tolerance 0.01 {STH} near.sth.csv", 0, "no difference", ""),
@@ -326,7 +331,7 @@ ROWS = [  # command, status, in the output, in the messages
     ("metrics invalid.sth.csv", 0, "bands count", ""),
     (f"explain {STH} --record 30", 0, "Record 30 has ", ""),
     (f"explain {STH} --record 99", 2, "", "has no record 99"),
-    (f"explain {STH}", 2, "", "--record N says which"),
+    (f"explain {STH}", 2, "", "expected --record N"),
     ("explain fly-over.ssr.csv", 0, "The spectrum has", ""),
     ("explain fly-over.mic.csv --record 1", 2, "", "found a microphone position file"),
     (f"explain {STH} --record 30 --mask {MAP} --json", 0, '"last_band":', ""),
@@ -358,7 +363,7 @@ ROWS = [  # command, status, in the output, in the messages
 
 
 def command_line(row):
-    """The words in front of the command are the shell's: variables, or another command."""
+    """Words before the command belong to the shell: variables, or another command."""
     words = row.split(" ")
     first = next(
         (i for i, word in enumerate(words) if not re.fullmatch(r"[A-Z]+=\S*", word)), len(words)
@@ -397,7 +402,7 @@ def check_streams(folder):
 
 
 def check_folders(parent):
-    """Links to folders are walked once, and what leads nowhere or cannot be read is told."""
+    """Linked folders are visited once; broken links and unreadable folders are reported."""
     folder = parent / "links"
     (folder / "b" / "c").mkdir(parents=True)
     shutil.copy(SAMPLES / "fly-over.mic.csv", folder / "b" / "c" / "m.csv")
@@ -436,7 +441,7 @@ def check_completion(folder):
 
 
 def check_widths(folder):
-    """Columns line up, also where names take two columns a character or none."""
+    """Columns line up, even if characters of names take two columns or none."""
     names = ["fly-\u98db\u884c.csv", "fly-e\u0301.csv", "fly-plain.csv"]
     for name in names:
         shutil.copy(SAMPLES / "fly-over.mic.csv", folder / name)
@@ -457,14 +462,17 @@ def check_widths(folder):
 
 def check_documents(parent):
     """Every console block of the documentation shows what the program prints."""
-    folder = parent / "documents"
-    shutil.copytree(SAMPLES, folder)
-    for page in ("README.md", "docs/aqdata.md", "docs/metrics.md"):
+    for page in ("docs/aqdata", "docs/metrics", "docs/season", "docs/tutorials/shell"):
+        folder = parent / page.replace("/", "-")
+        shutil.copytree(SAMPLES, folder)
+        page += ".md"
         for block in re.findall(r"```console\n(.*?)```", (PROJECT / page).read_text(), re.S):
             for part in re.split(r"^\$ ", block, flags=re.M)[1:]:
                 command, _, shown = part.partition("\n")
                 done = run(command, folder)
                 expect(f"{page}: {command}", (done.stdout + done.stderr).decode(), shown)
+    folder = parent / "examples-of-help"
+    shutil.copytree(SAMPLES, folder)
     names = run("aqdata --help", folder).stdout.decode()
     for name in re.findall(r"^  ([a-z]+) ", names.split("Commands:")[1], re.M):
         text = run(f"aqdata {name} --help", folder).stdout.decode()
@@ -497,7 +505,7 @@ def check_recordings(folder):
 
 
 def check_columns(folder):
-    """Histories and recordings go to fixed columns and back, or say why not."""
+    """Histories and recordings convert to fixed columns and back, or say why not."""
     run(f"aqdata convert {STH} -o there.spc", folder)
     run("aqdata convert there.spc -o back.sth.csv", folder)
     expect("there and back", run(f"aqdata diff {STH} back.sth.csv", folder).returncode, 0)

@@ -1,0 +1,29 @@
+"""The site: `scripts/docs` builds it."""
+
+import os
+import pathlib
+import re
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+
+project = "AQ_Data_Control"
+author = "The AQ_Data_Control developers"
+release = re.search(r"VERSION (\S+)", (ROOT / "CMakeLists.txt").read_text().split("project(")[1])[1]
+extensions = ["myst_parser", "breathe", "sphinx.ext.autodoc"]
+html_theme = "furo"
+html_title = f"AQ_Data_Control {release}"
+html_static_path = ["static"]
+html_css_files = ["site.css"]
+exclude_patterns = ["generated/[!c]*"]
+
+myst_heading_anchors = 3
+myst_enable_extensions = ["colon_fence"]
+default_role = "code"  # docstrings quote code by single backticks
+breathe_projects = {"aq": os.environ.get("AQ_DOXYGEN_XML", str(ROOT / "build/docs/doxygen/xml"))}
+breathe_default_project = "aq"
+breathe_default_members = ("members",)
+autodoc_member_order = "bysource"
+autodoc_typehints = "none"
+# Sphinx knows neither the standard library's names nor these templates.
+nitpicky = False
+linkcheck_anchors = False

@@ -1,0 +1,46 @@
+// The program of the C++ tutorial: reads a history and an ambient, masks, computes the EPNL, writes.
+//   tutorial HISTORY AMBIENT HISTORY_OUT MAP_OUT
+#include <aq/aq.h>
+
+#include <iostream>
+
+int main(int argc, char** argv) {
+  if (argc != 5) return 2;
+  aq::AQ_DataSTH historyFile;
+  std::shared_ptr<aq::AQ_HeaderSTH> header;
+  std::shared_ptr<aq::AQ_SpectralTimeHistory> history;
+  if (historyFile.readFile(argv[1], header, history) != aq::AQ_DATA_OK) {
+    std::cerr << historyFile.lastFailure()->message() << '\n';
+    return 1;
+  }
+  aq::AQ_DataSSR ambientFile;
+  std::shared_ptr<aq::AQ_Spectrum> ambient;
+  if (ambientFile.readFile(argv[2], ambient) != aq::AQ_DATA_OK) {
+    std::cerr << ambientFile.lastFailure()->message() << '\n';
+    return 1;
+  }
+  std::cout << header->sProjectName << ": " << history->Count() << " records, "
+            << history->spectrum(30)->SPL(28).toDouble() << " dB in band 28 of record 30\n";
+
+  // Mask what is less than 3 dB above the ambient.
+  const auto map = aq::maskByAmbient(*history, *ambient, 3);
+  history->setLGB(*map);
+  std::cout << "last good band of record 1: " << history->spectrum(1)->Metric()->LGB() << '\n';
+
+  // Metrics of each record, and the event.
+  const auto event = aq::setMetrics(*history, map.get());
+  if (!event) return 1;
+  std::cout << "EPNL " << event->epnl << " EPNdB, PNLTM " << event->pnltm << " TPNdB at record "
+            << event->maximum + 1 << '\n';
+
+  // Write both files, and compare what comes back.
+  const auto mapHeader = std::make_shared<aq::AQ_HeaderMask>();
+  mapHeader->sGenerationFile = argv[3];
+  aq::AQ_DataMask mapFile;
+  if (historyFile.writeFile(argv[3], header, *history) != aq::AQ_DATA_OK) return 1;
+  if (mapFile.writeFile(argv[4], mapHeader, *map) != aq::AQ_DATA_OK) return 1;
+  std::shared_ptr<aq::AQ_SpectralTimeHistory> again;
+  if (historyFile.readFile(argv[3], header, again) != aq::AQ_DATA_OK) return 1;
+  std::cout << "read back: " << again->Count() << " records, "
+            << again->spectrum(30)->SPL(28).toDouble() << " dB\n";
+}
