@@ -1,8 +1,10 @@
-"""The compiled part of the wheel, built by CMake from the sources around this folder."""
+"""The compiled part of the wheel, built by CMake from the sources around this folder, and its version,
+which is that of the CMake project."""
 
 from __future__ import annotations
 
 import os
+import re
 import shutil
 import subprocess
 from pathlib import Path
@@ -10,7 +12,9 @@ from pathlib import Path
 from setuptools import Extension, setup
 from setuptools.command.build_ext import build_ext
 
-PROJECT = Path(__file__).resolve().parent.parent
+PROJECT = Path(os.environ.get("AQ_DATA_PROJECT", Path(__file__).resolve().parent.parent))
+VERSION = re.search(r"project\(\S+ VERSION (\S+)", (PROJECT / "CMakeLists.txt").read_text())
+assert VERSION is not None
 
 
 class CMakeBuild(build_ext):
@@ -28,4 +32,8 @@ class CMakeBuild(build_ext):
         shutil.copy(build / "python" / "aq_data" / "_core.pyi", target.parent)
 
 
-setup(ext_modules=[Extension("aq_data._core", [])], cmdclass={"build_ext": CMakeBuild})
+setup(
+    version=VERSION[1],
+    ext_modules=[Extension("aq_data._core", [])],
+    cmdclass={"build_ext": CMakeBuild},
+)

@@ -1,4 +1,5 @@
-"""Writes the package's metadata, entry points among them, beside it: `metadata.py PROJECT FOLDER`.
+"""Writes the package's metadata, with its entry points, next to it: `metadata.py PROJECT
+FOLDER`.
 
 The build backend of the wheel makes it, so that an installed prefix tells the same as a wheel.
 """
@@ -15,7 +16,9 @@ from setuptools import build_meta
 
 def main(project: str, folder: str) -> None:
     with tempfile.TemporaryDirectory() as work:
-        shutil.copy(os.path.join(project, "pyproject.toml"), work)
+        for name in ("pyproject.toml", "setup.py"):
+            shutil.copy(os.path.join(project, name), work)
+        os.environ["AQ_DATA_PROJECT"] = os.path.dirname(project)
         os.mkdir(os.path.join(work, "aq_data"))
         os.mkdir(os.path.join(work, "metadata"))
         os.chdir(work)
