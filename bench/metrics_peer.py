@@ -1,5 +1,6 @@
-"""The ten noise metrics of many records by numpy, whole columns at a time: what a careful analyst
-writes. peers.py times it beside the library."""
+"""The ten noise metrics of many records by numpy, whole columns at a time, as a careful analyst
+would write them. peers.py compares its time with the library's.
+"""
 
 import pathlib
 import re
@@ -48,7 +49,7 @@ def perceived(levels: np.ndarray) -> np.ndarray:
 
 
 def tone(levels: np.ndarray) -> tuple[np.ndarray, np.ndarray]:
-    """Corrections and bands of levels that are all there."""
+    """Corrections and bands of levels without gaps."""
     level = levels[:, 2:]
     slope = np.diff(level, axis=1)
     before, after = slope[:, :-1], slope[:, 1:]
@@ -76,7 +77,7 @@ def tone(levels: np.ndarray) -> tuple[np.ndarray, np.ndarray]:
 
 
 def metrics(levels: np.ndarray, seconds: float = 0.5) -> dict[str, np.ndarray]:
-    """Of levels of bands 17 to 40 that are all there; no level is 9999."""
+    """For levels of bands 17 to 40 without gaps; no level is 9999."""
     corrections, bands = tone(levels)
     pnl = perceived(levels)
     pnlt = pnl + corrections

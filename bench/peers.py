@@ -22,7 +22,7 @@ REPETITIONS = 5
 
 
 def timed(work: Callable[[], object], repetitions: int = REPETITIONS) -> list[float]:
-    """Milliseconds of each repetition."""
+    """The milliseconds of each repetition."""
     times = []
     for _ in range(repetitions):
         begin = time.perf_counter()

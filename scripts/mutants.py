@@ -4,7 +4,7 @@
 
 Each worker has its own copy of the source tree and its own build, in a temporary folder. A change
 that does not compile does not count; a test that hangs or asks for too much memory has noticed.
-What is known to be equal stands in mutants.txt.
+Mutations known to have no effect are listed in mutants.txt.
 PLACE is the start of `file:line:`. The same seed takes the same changes."""
 
 import argparse
@@ -57,7 +57,7 @@ STANDARD = [
 
 Mutant = collections.namedtuple("Mutant", "file line begin end text")
 
-# What a piece of code becomes. The source is formatted: binary operators stand between spaces,
+# What a piece of code becomes. The source is formatted: binary operators have spaces around them,
 # template brackets do not.
 OPERATORS = {
     "<": ("<=", ">="),
@@ -124,7 +124,7 @@ def statements(code):
 
 
 def arguments(code, opening):
-    """Where the arguments behind the parenthesis at `opening` begin and end."""
+    """Where the arguments after the parenthesis at `opening` begin and end."""
     depth, begin, found = 0, opening + 1, []
     for at in range(opening, len(code)):
         if code[at] in "([{":
@@ -156,7 +156,7 @@ def swaps(code, source):
 
 
 def changes(source):
-    """All changes of a file's text: where they begin and end, and what stands there then."""
+    """All changes of a file's text: where they begin and end, and the replacement."""
     code = visible(source)
     for found in re.finditer(r" ([-+*/%<>=!&|]{1,2}) ", code):
         for other in OPERATORS.get(found[1], ()):

@@ -40,9 +40,8 @@ void checkText(const std::string& path, Reporter& report, const CheckData& check
       kind == FileKind::Unknown && !faultOfBytes(head) ? faultOfLines(head) : faultOfBytes(head);
   if (fault) return report(fault->kind, {.line = fault->line}, fault->message);
   if (head.starts_with(kByteOrderMark)) {
-    report(
-        Kind::ByteOrderMark, {.line = 1},
-        "a byte order mark stands before the first line; save the file as plain text without it");
+    report(Kind::ByteOrderMark, {.line = 1},
+           "a byte order mark precedes the first line; save the file as plain text without it");
   }
   report.fileBegins(std::move(head));
   checkData(kind);
@@ -91,7 +90,7 @@ void checkParameters(const AQ_DataINI& file, const Reporter& report) {
     contradicts("the last record, " + std::to_string(file.HiRec()) + ", is before the first, " +
                 std::to_string(file.LoRec()));
   }
-  if (file.PrWndo() < 0 || file.PoWndo() < 0) contradicts("a window of less than no seconds");
+  if (file.PrWndo() < 0 || file.PoWndo() < 0) contradicts("a window of less than 0 s");
 }
 
 }  // namespace
@@ -164,7 +163,7 @@ void check(FileOf<AQ_DataINI> of, const Reporter& report) {
     if (line.keyword == "FileName") nameLine = line.number;
     if (line.use != HeaderLine::Use::Unused || text.empty()) return;
     if (line.number == 1 && upperCased(text).starts_with(kTitle)) return;
-    report(Kind::UnknownKeyword, {.line = line.number}, shown(text) + " is passed over");
+    report(Kind::UnknownKeyword, {.line = line.number}, shown(text) + " is ignored");
   });
   if (file.readFile(of.path) != AQ_DATA_OK) return report.unreadable(*file.lastFailure());
   if (nameLine != 0) checkFileName(nameLine, file.FileName(), of.path, report);
@@ -182,7 +181,7 @@ void checkNothingBehind(const std::string& path, std::size_t last, const Reporte
   }
   if (count == 0) return;
   report(Kind::SecondDataSet, {.line = first},
-         "lines that are not read: " + std::to_string(count) + " from here on");
+         "lines that are ignored: " + std::to_string(count) + " from here");
 }
 
 }  // namespace aq

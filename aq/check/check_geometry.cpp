@@ -120,7 +120,7 @@ class Contradictions {
     if (metres || feet) return expectTemperature(feet ? speed_ * 0.3048 : speed_);
     report_(Kind::Contradiction, {},
             "slant ranges and propagation times give a speed of " + numberText(rounded(speed_)) +
-                " a second; that of sound is about 340 m or 1120 ft");
+                " per second; the speed of sound is about 340 m or 1120 ft");
   }
 
   /// The temperature of the air, in degrees Celsius or Fahrenheit, gives the speed of sound in m/s;
@@ -189,7 +189,7 @@ void checkTrackingHeadings(const std::string& path, const Reporter& report) {
     return;
   }
   report(Kind::Heading, {.line = lines.number()},
-         "the headings are missing; this line is taken for them, and its fix is not read");
+         "the headings are missing; this line is read as headings, and its fix is lost");
 }
 
 }  // namespace

@@ -116,7 +116,7 @@ void checkStartTime(const HeaderCheck& header, const RecordLines& records,
   report(Kind::StartTime, {.line = header.lineOf(kStartTime), .field = 2},
          "the start gives a first stamp " +
              secondsText(std::remainder(expected - stamp, kSecondsPerDay)) +
-             " from the one that is there, " + history.spectrum(low)->timeValue().TODstring());
+             " from the actual one, " + history.spectrum(low)->timeValue().TODstring());
 }
 
 bool isAnyValid(const std::vector<double>& levels) {
@@ -145,7 +145,7 @@ class StuckRecords {
       FindingPlace place{.line = first_};
       place.record = before_ + 1;
       report_(Kind::RecordStuck, place,
-              "all levels of record " + std::to_string(before_) + " come again in record " +
+              "all levels of record " + std::to_string(before_) + " are repeated in record " +
                   std::to_string(before_ + 1) + last);
     }
     first_ = 0;

@@ -63,7 +63,7 @@ void checkFileName(std::size_t line, std::string_view name, const std::string& p
   if (recorded.empty() || upperCased(recorded) == upperCased(platform::fileName(path))) return;
   const bool others = isBeside(path, recorded);
   report(others ? Kind::FileName : Kind::Renamed, {.line = line, .field = 2},
-         others ? shown(recorded) + " is another file beside this one"
+         others ? shown(recorded) + " is another file in this folder"
                 : "the file is called " + shown(recorded) + " here");
 }
 
@@ -81,7 +81,7 @@ void checkFieldsBehind(const HeaderLine& line, const Reporter& report) {
                     shown(trimmed(line.value)) + ": " + std::string(kDecimalCommaCure));
     }
     return report(Kind::LostText, {.line = line.number, .field = before + i + 1},
-                  shown(found[i]) + " behind the value is not read");
+                  shown(found[i]) + " after the value is not read");
   }
 }
 
@@ -89,7 +89,7 @@ void checkWord(std::size_t line, std::string_view word, std::string_view readAs,
                const Reporter& report) {
   if (upperCased(word) == readAs) return;
   report(Kind::OtherWord, {.line = line, .field = 2},
-         shown(word) + " is not known and read as " + shown(readAs));
+         shown(word) + " is unknown and read as " + shown(readAs));
 }
 
 std::size_t HeaderCheck::lineOf(std::string_view keyword) const {
@@ -125,7 +125,7 @@ void HeaderCheck::expectReferenceType() const {
   if (words_.referenceType()) return;
   report_(Kind::OtherWord, {.line = lineOf(keywords::kReferenceTimeType), .field = 2},
           shown(words_.reference()) +
-              " is not known; it is START, OVERHEAD, AMAX, PMAX, TMAX, OAMAX, HACK or OTHER");
+              " is unknown; expected START, OVERHEAD, AMAX, PMAX, TMAX, OAMAX, HACK or OTHER");
 }
 
 void HeaderCheck::expectFiles(const std::string& path) const {
@@ -134,7 +134,7 @@ void HeaderCheck::expectFiles(const std::string& path) const {
     const std::string name = bareName(valueOf(keyword));
     if (name.empty() || isBeside(path, name)) continue;
     report_(Kind::SourceMissing, {.line = lineOf(keyword), .field = 2},
-            shown(name) + " is not beside this file");
+            shown(name) + " is not in this folder");
   }
 }
 
@@ -196,7 +196,7 @@ void HeaderCheck::seeKeyword(const HeaderLine& line, std::string_view found) {
   if (found.starts_with('"')) {
     found.remove_prefix(1);
     if (std::exchange(quotes_, line.number) == 0) {
-      report_(Kind::Quotes, {.line = line.number}, "header lines stand in quotes");
+      report_(Kind::Quotes, {.line = line.number}, "header lines are in quotes");
     }
   }
   if (upperCased(found) == upperCased(line.keyword)) return;
@@ -219,7 +219,7 @@ void HeaderCheck::seeMarks(const HeaderLine& line,
     lost(value.substr(0, 1), "in place of a comma ");
   }
   const std::size_t read = keyword ? 2 : 1;
-  if (pieces.size() > read) lost(pieces[read], "behind \"**\" ");
+  if (pieces.size() > read) lost(pieces[read], "after \"**\" ");
 }
 
 }  // namespace aq

@@ -57,7 +57,7 @@ void checkJumps(const std::vector<PathPlace>& path, const Reporter& report) {
     }
     report(Kind::PositionJump, {.line = path[worst].line, .record = path[worst].record},
            "the position is " + numberText(std::round(offs[worst] * 10) / 10) +
-               " off the line between those before and after");
+               " from the line between those before and after");
   }
 }
 

@@ -44,11 +44,11 @@ void RecordLines::see(std::int16_t record, std::size_t line, const Reporter& rep
     first_ = record;
   } else if (record == first_ && before_ != record) {
     report(Kind::SecondDataSet, place,
-           "record " + std::to_string(record) + " comes again: what follows replaces the records " +
-               "of the same numbers");
+           "record " + std::to_string(record) +
+               " appears again: what follows replaces the records " + "of the same numbers");
     setBegins_ = line;
   } else if (stood != nullptr && *stood >= setBegins_) {
-    report(Kind::RecordRepeated, place, "it stands in line " + std::to_string(*stood) + " too");
+    report(Kind::RecordRepeated, place, "it is also in line " + std::to_string(*stood));
   } else if (record < before_) {
     report(Kind::RecordFalls, place,
            "record " + std::to_string(record) + " after " + std::to_string(before_));

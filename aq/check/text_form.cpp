@@ -18,10 +18,10 @@ struct Packed {
 };
 
 constexpr Packed kPacked[] = {
-    {"\x1F\x8B", "the file is compressed by gzip; gunzip makes text of it"},
-    {"BZh", "the file is compressed by bzip2; bunzip2 makes text of it"},
-    {"\xFD\x37zXZ", "the file is compressed by xz; unxz makes text of it"},
-    {"\x28\xB5\x2F\xFD", "the file is compressed by zstd; unzstd makes text of it"},
+    {"\x1F\x8B", "the file is compressed by gzip; gunzip unpacks it"},
+    {"BZh", "the file is compressed by bzip2; bunzip2 unpacks it"},
+    {"\xFD\x37zXZ", "the file is compressed by xz; unxz unpacks it"},
+    {"\x28\xB5\x2F\xFD", "the file is compressed by zstd; unzstd unpacks it"},
     {"PK\x03\x04",
      "the file is a zip archive, or a spreadsheet's workbook; unpack it, or save it as text"},
     {"\xD0\xCF\x11\xE0", "the file is a spreadsheet's workbook; save it as text with commas"}};
@@ -80,26 +80,25 @@ std::optional<TextFault> faultOfBytes(std::string_view head) {
   const bool isRecording = head.starts_with(sdf::kMark);
   const bool zero = !isRecording && head.size() > 1 && (head[0] == '\0') != (head[1] == '\0');
   if (!mark && !zero) return std::nullopt;
-  return TextFault{Kind::WideText,
-                   "the text is UTF-16; iconv -f UTF-16 -t UTF-8 makes plain text of it"};
+  return TextFault{Kind::WideText, "the text is UTF-16; iconv -f UTF-16 -t UTF-8 converts it"};
 }
 
 std::optional<TextFault> faultOfLines(std::string_view head) {
   if (hasBareReturn(head)) {
     return TextFault{Kind::LineEnds,
-                     "lines end in carriage returns, as on old systems; tr '\\r' '\\n' mends it"};
+                     "lines end in carriage returns, as on old systems; tr '\\r' '\\n' repairs it"};
   }
   const std::string_view first = trimmed(head.substr(0, head.find_first_of("\r\n")));
   const std::size_t mark = first.find(kKeywordMark);
   if (mark == first.npos) return dividedLine(head);
   if (first.ends_with(',')) {
     return TextFault{Kind::Spreadsheet,
-                     "a spreadsheet has filled lines up with commas; sed 's/,*$//' takes them off"};
+                     "a spreadsheet has padded lines with commas; sed 's/,*$//' removes them"};
   }
   const std::string_view after = first.substr(mark + kKeywordMark.size());
   if (!after.starts_with(';') && !after.starts_with('\t')) return dividedLine(head);
   return TextFault{Kind::Spreadsheet,
-                   "a spreadsheet has divided fields by semicolons or tabs; save it with commas, "
+                   "a spreadsheet has separated fields by semicolons or tabs; save it with commas, "
                    "and with decimal points"};
 }
 

@@ -101,7 +101,7 @@ bool isRaw(std::wstring_view path) {
   return path.starts_with(L"\\\\?\\") || path.starts_with(L"\\\\.\\");
 }
 
-/// Whether a file name without its endings is a device's, in whatever folder it is.
+/// Whether a file name without its endings is a device's, in any folder.
 bool isDevice(std::wstring_view name) {
   std::wstring base(name.substr(0, name.find(L'.')));
   while (base.ends_with(L' ')) base.pop_back();
@@ -622,7 +622,7 @@ std::optional<std::time_t> lastChanged(const std::string& path) try {
 std::string fileName(const std::string& path) { return path.substr(path.find_last_of("/\\:") + 1); }
 
 std::optional<std::tm> localTime(std::time_t at) {
-  constexpr std::time_t kMost = 253'402'300'799 + 86'400;  // a day behind the year 9999
+  constexpr std::time_t kMost = 253'402'300'799 + 86'400;  // a day after the year 9999
   if (at < -kSecondsTo1970 || at > kMost) return std::nullopt;
   const auto ticks =
       static_cast<std::uint64_t>((static_cast<long long>(at) + kSecondsTo1970) * kTicksOfSecond);

@@ -9,7 +9,7 @@ TrackingLine trackingLineFrom(const LineReader& lines) {
   TrackingLine line{std::make_shared<AQ_Position>(), 0};
   line.position->lazyTime().assign(fields.timeOfDay());
   line.quality = fields.byte("a whole RT20 figure");
-  fields.skip(6, "a field in front of the coordinates");
+  fields.skip(6, "a field before the coordinates");
   line.position->X(fields.number("a coordinate"));
   line.position->Y(fields.number("a coordinate"));
   line.position->Z(fields.number("a coordinate"));

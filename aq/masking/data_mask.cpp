@@ -81,7 +81,7 @@ void readRow(FieldReader fields, const AQ_HeaderMask& header, std::vector<MaskCo
              std::shared_ptr<AQ_MaskRow> row, AQ_MaskMap& map) {
   const std::int16_t record = fields.int16("a record number");
   const std::size_t count = bandCount(header);
-  codes.resize(std::min(count, fields.mostLeft()));  // whatever the header says
+  codes.resize(std::min(count, fields.mostLeft()));  // the header may claim any number
   codes.resize(fields.takeRun(std::span(codes), masksAtFront));
   while (codes.size() < count) codes.push_back(maskCodeOf(maskFrom(fields)));
   row->assign(header.iBandLow, codes);

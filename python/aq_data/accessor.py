@@ -1,4 +1,4 @@
-"""`Dataset.aq`: the few things that people do with a history."""
+"""`Dataset.aq`: the common operations on a history."""
 
 from __future__ import annotations
 
@@ -16,15 +16,15 @@ INVALID_LEVEL = float(AQ_CONSTANTS.AQ_INVALID_LEVEL)
 
 @xr.register_dataset_accessor("aq")  # type: ignore[no-untyped-call]
 class Accessor:
-    """Selections and sums over `level(time, band)`; every one leaves the dataset as it was."""
+    """Selections and sums over `level(time, band)`; none changes the dataset."""
 
     def __init__(self, ds: xr.Dataset) -> None:
         self._ds = ds
 
     @property
     def level(self) -> xr.DataArray:
-        """Levels in dB over `time` and `band`, NaN where there is no valid one. Raises `ValueError`
-        when the dataset has none.
+        """Levels in dB over `time` and `band`, NaN where none is valid. Raises `ValueError` if the
+        dataset has none.
 
         >>> ds.aq.level.max("time")
         """
@@ -44,7 +44,7 @@ class Accessor:
         return masked.rename("masked")
 
     def unmasked(self) -> xr.Dataset:
-        """The dataset with NaN for levels that are masked or not valid. Raises `ValueError` when it
+        """The dataset with NaN for levels that are masked or not valid. Raises `ValueError` if it
         has no levels.
 
         >>> ds.aq.unmasked().level.max("time")
@@ -52,8 +52,8 @@ class Accessor:
         return self._ds.assign(level=self.level.where(~self.masked))
 
     def between(self, low: float, high: float) -> xr.Dataset:
-        """The dataset of the bands with a nominal frequency from `low` to `high`, in Hz, both included.
-        Raises `ValueError` when there is no such band.
+        """The dataset of the bands with a nominal frequency from `low` to `high`, in Hz, both
+        included. Raises `ValueError` if there is no such band.
 
         >>> ds.aq.between(500, 5000).level
         """
@@ -65,8 +65,8 @@ class Accessor:
         return self._ds.isel(band=chosen)
 
     def overall(self, bands: Optional[Iterable[int]] = None) -> xr.DataArray:
-        """The energy sum over the band numbers, all unless given, in dB over `time`; NaN where no band
-        has a level. Raises `ValueError` for a band that the dataset lacks.
+        """The energy sum over the given band numbers, by default all, in dB over `time`; NaN where
+        no band has a level. Raises `ValueError` for a band that the dataset lacks.
 
         >>> ds.aq.unmasked().aq.overall(range(24, 34)).max()
         """
@@ -78,8 +78,8 @@ class Accessor:
 
     def metrics(self) -> xr.Dataset:
         """The ten noise metrics of each record over `time`, as `aq_data.metrics` has them over
-        `record`, in the units that their attributes name; of `open_many` they load when they are
-        computed, each file an event of its own. Raises `ValueError` when the dataset has no levels.
+        `record`, in the units of their attributes; for `open_many` they load when computed, with
+        one event per file. Raises `ValueError` if the dataset has no levels.
 
         >>> ds.aq.metrics().PNLT.max()
         """

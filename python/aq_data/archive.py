@@ -1,4 +1,4 @@
-"""Folders of files: what is in them, and what is wrong with it."""
+"""Folders of files: their content and what is wrong with it."""
 
 from __future__ import annotations
 
@@ -41,7 +41,9 @@ _COLUMNS += ["ok", "line", "field", "expected", "found"]
 
 
 def in_threads(work: Callable[[Item], Result], paths: list[Item], progress: bool) -> list[Result]:
-    """`work` of each path, some at a time in threads: the library leaves them the interpreter."""
+    """`work` for each path, several at a time in threads: the library releases the interpreter's
+    lock.
+    """
     parts = [paths[i : i + FILES_PER_TASK] for i in range(0, len(paths), FILES_PER_TASK)]
     tasks: list[Any] = [dask.delayed(lambda some: [work(p) for p in some])(part) for part in parts]
     bar: Any = ProgressBar(out=sys.stderr) if progress else contextlib.nullcontext()
@@ -52,13 +54,13 @@ def in_threads(work: Callable[[Item], Result], paths: list[Item], progress: bool
 
 
 def absolute(paths: Union[Path, Iterable[Path]]) -> list[str]:
-    """Absolute paths, which hold wherever a task runs: a file or pattern, or those of a list."""
+    """Absolute paths, valid wherever a task runs, of a file or pattern or a list of them."""
     if not isinstance(paths, ONE_PATH):
         if not isinstance(paths, Iterable):
             raise TypeError(f"expected a path, a pattern or a list, found {type(paths).__name__}")
         names: Iterable[Any] = paths
         return [os.path.abspath(os.fsdecode(name)) for name in names]
-    name = os.fsdecode(paths)  # a file may be called as a pattern is
+    name = os.fsdecode(paths)  # a file name may look like a pattern
     found = [name] if os.path.exists(name) else sorted(glob.glob(name, recursive=True))
     if not found:
         raise FileNotFoundError(errno.ENOENT, "no file matches", name)
@@ -66,8 +68,9 @@ def absolute(paths: Union[Path, Iterable[Path]]) -> list[str]:
 
 
 def _walked(path: str, seen: set[str]) -> Iterator[str]:
-    """The path itself, or the measurement files below a folder, each folder once, as links may lead
-    in a circle. A link that leads nowhere is a file that does not read."""
+    """The path itself, or the measurement files below a folder, each folder once, since links may
+    form a circle. A broken link is a file that cannot be read.
+    """
     if not os.path.isdir(path):
         yield path
         return
@@ -84,7 +87,7 @@ def _walked(path: str, seen: set[str]) -> Iterator[str]:
             yield entry
 
 
-# What is wrong with a file.
+# Findings of files.
 
 
 _DOUBTING = frozenset(_core._doubtingKinds())
@@ -101,7 +104,7 @@ class Finding(NamedTuple):
 
     @property
     def doubts_levels(self) -> bool:
-        """Whether the levels that are read may not be those that were measured."""
+        """Whether the levels may differ from what was measured."""
         return self.kind in _DOUBTING
 
 
@@ -120,23 +123,23 @@ def checked(path: str) -> Checked:
 
 
 def see_same_levels(paths: Iterable[str], results: Iterable[Checked]) -> None:
-    """Adds what the levels of files that come before give to the findings of each."""
+    """Adds findings for files with the levels of an earlier file."""
     same = _core.SameLevels()
     for path, (found, levels) in zip(paths, results):
         found[:0] = [Finding(*row) for row in same.see(path, levels)]
 
 
 def counts(found: list[Finding]) -> dict[str, int]:
-    """How many findings of each severity there are."""
+    """The number of findings of each severity."""
     severities = [finding.severity for finding in found]
     return {column: severities.count(severity) for column, severity in SEVERITIES.items()}
 
 
-# What is in a folder.
+# The content of a folder.
 
 
 def header_words(header: Any) -> dict[str, str]:
-    """Project, microphone and program by whatever names a header has for them."""
+    """Project, microphone and program, under any of the names that headers use."""
     return {
         column: next((getattr(header, name) for name in names if hasattr(header, name)), "")
         for column, names in _HEADER_COLUMNS.items()
@@ -175,7 +178,7 @@ def _row(path: str) -> tuple[dict[str, Any], Checked]:
 
 
 def _judged(row: dict[str, Any], found: list[Finding], strict: bool) -> dict[str, Any]:
-    """The row with its counts; strictly, a file that reads is not ok with a doubt of its levels."""
+    """The row with its counts; if strict, a readable file with doubtful levels is not ok."""
     doubt = next((finding for finding in found if finding.doubts_levels), None)
     if row["ok"] and strict and doubt:
         row.update(ok=False, line=doubt.line, field=doubt.field)
@@ -189,16 +192,16 @@ def scan(
     progress: Optional[bool] = None,
     strict: bool = True,
 ) -> pd.DataFrame:
-    """Lists the files below a folder: one row a file, in the order of their paths.
+    """Lists the files below a folder: one row per file, in the order of their paths.
 
     The columns are `path`, `kind`, what the header says (`project`, `microphone`, `generated_by`,
-    `begin`, `averaging`, `stamp`), record and band numbers, how many `errors`, `warnings` and
-    `notes` `check` has for the file, whether it is `ok`, and if not, why: `line`, `field` (from 1,
-    0 for all of it), `expected`, `found`. A file is not ok when it does not read and, unless
-    `strict` is false, when an error or a warning of its levels is found.
+    `begin`, `averaging`, `stamp`), record and band numbers, the number of `errors`, `warnings` and
+    `notes` of `check`, whether the file is `ok`, and if not, why: `line`, `field` (from 1; 0 for
+    the whole file or line), `expected`, `found`. A file is not ok if it cannot be read or, unless
+    `strict` is false, if `check` finds an error or a warning about its levels.
 
-    Files are read in threads; the progress bar shows on a terminal unless `progress` says else.
-    Raises `NotADirectoryError` for what is no folder.
+    Files are read in threads; a progress bar shows on a terminal unless `progress` says otherwise.
+    Raises `NotADirectoryError` for a path that is not a folder.
 
     >>> found = aq_data.scan("season-7")
     >>> found[~found.ok]
@@ -217,15 +220,15 @@ def scan(
 
 
 def check(paths: Union[Path, Iterable[Path]]) -> pd.DataFrame:
-    """The findings of `aqdata check`, one a row, in the order of the paths and their lines.
+    """The findings of `aqdata check`, one per row, in the order of the paths and their lines.
 
-    `paths` is a file, a folder, a pattern or a list of files and folders. Of a folder and those in
-    it, files that end in `.csv` or `.nc` or whose kind is known are checked, hidden ones are not. Of
-    a netCDF file it is the metrics that it carries, which its levels have to give. The columns
-    are `path`, `severity` ("error", "warning", "note"), `kind`, `line` and `field` (from 1, 0 for
-    all of it), `record`, `band`, `message`; `FINDING_KINDS` says what each kind means. Raises
-    `FileNotFoundError` when nothing matches; a file that does not read is a finding. Histories with
-    the levels of one before them in the list are found too.
+    `paths` is a file, a folder, a pattern or a list of files and folders. In a folder and its
+    subfolders, checks files that end in `.csv` or `.nc` or whose kind is known, except hidden ones.
+    For a netCDF file, compares the stored metrics with those computed from its levels. The columns
+    are `path`, `severity` ("error", "warning", "note"), `kind`, `line` and `field` (from 1; 0 for
+    the whole file or line), `record`, `band`, `message`; `FINDING_KINDS` gives the meaning of each
+    kind. Raises `FileNotFoundError` if nothing matches; a file that cannot be read is a finding.
+    Also finds histories with the levels of an earlier one in the list.
 
     >>> aq_data.check("season-7").groupby(["severity", "kind"]).size()
     """

@@ -1,7 +1,7 @@
-"""What datasets are made of: methods of the library's classes, variables, attributes.
+"""The parts of datasets: methods of the library's classes, variables, attributes.
 
-What has no place in an array, headers and settings, travels in a dataset's attribute `aq` as JSON,
-so that everything comes back from a netCDF file too.
+Headers and settings, which do not fit in an array, are in the dataset's attribute `aq` as JSON, so
+that everything survives a netCDF file too.
 """
 
 from __future__ import annotations
@@ -20,7 +20,7 @@ from .times import OWN, clock, going_on
 
 Function = TypeVar("Function", bound=Callable[..., Any])
 
-# By the word for what they describe; what has none of its own is not written with one.
+# By the word for what they describe; kinds without a header of their own are written without one.
 HEADERS: dict[str, Any] = {
     f.word: f.header for f in FORMATS.values() if f.header is not None and f.word != "recording"
 }
@@ -48,7 +48,7 @@ _METHODS = {
 
 
 def attach(*classes: type, name: str) -> Callable[[Function], Function]:
-    """Makes a function a method of classes of the library."""
+    """Turns a function into a method of library classes."""
 
     def decorate(function: Function) -> Function:
         for cls in classes:
@@ -67,7 +67,7 @@ def nominal_frequency(bands: npt.ArrayLike) -> npt.NDArray[np.float64]:
 
 # Headers and settings as plain values and back.
 
-_FOLLOWING = ("LoRec", "HiRec")  # from the records, of which a dataset may have fewer
+_FOLLOWING = ("LoRec", "HiRec")  # set by the records; a dataset may have fewer
 
 
 def plain(value: Any) -> Any:
@@ -85,7 +85,7 @@ def plain(value: Any) -> Any:
 
 
 def restored(target: Any, values: Any) -> Any:
-    """The target with these values, which `plain` gave."""
+    """The target with these values from `plain`."""
     try:
         return _restored(target, values)
     except (AttributeError, LookupError, TypeError, ValueError) as error:
@@ -111,14 +111,14 @@ def _restored(target: Any, values: dict[str, Any]) -> Any:
 
 
 def _word(member: Any) -> str:
-    """What a header says for a member of an enumeration."""
+    """The word that a header has for a member of an enumeration."""
     return str(member.name).replace("AQ_", "").replace("_REF", "")
 
 
 def _clock_text(time: _core.AQ_Time) -> str:
     try:
         return time.TODstring
-    except Error:  # not within a day
+    except Error:  # outside a day
         return f"{time.TODseconds!r} s"
 
 
@@ -141,7 +141,7 @@ def _words_of(header: Any, prefix: str = "") -> dict[str, str]:
 
 
 def _readable(kind: str, header: Any, settings: Any, mask_header: Any) -> dict[str, Any]:
-    """All that an object's header and settings say, as attributes for people."""
+    """The content of an object's header and settings as readable attributes."""
     words: dict[str, Any] = _words_of(header)
     for name, (field, _) in _METHODS.items():
         member = getattr(settings, field, None)
@@ -171,8 +171,9 @@ def _readable(kind: str, header: Any, settings: Any, mask_header: Any) -> dict[s
 def attributes(
     kind: str, header: Any, settings: Any = None, mask_header: Any = None, first: Any = None
 ) -> dict[str, Any]:
-    """Attributes of a dataset: those of the CF conventions and the header's words for people, and
-    all of it as JSON. `first` is what `restore` knows a cut dataset by."""
+    """Attributes of a dataset: those of the CF conventions, readable header texts, and everything
+    as JSON. `first` lets `restore` recognise a cut dataset.
+    """
     for given, its_kind in ((header, kind), (mask_header, "map")):
         if given is not None:
             expect(given, HEADERS[its_kind])
@@ -183,7 +184,7 @@ def attributes(
 
 
 def changed_words(ds: xr.Dataset, kind: str, header: Any, settings: Any, mask_header: Any) -> None:
-    """Takes over the words of text that people have changed in the attributes."""
+    """Takes over header texts that were changed in the attributes."""
     was = _readable(kind, header, settings, mask_header)
     for target, prefix in ((header, ""), (mask_header, "" if kind == "map" else "mask_")):
         for word, names in (*_WORDS.items(), ("comment", _COMMENTS)):
@@ -201,7 +202,7 @@ def changed_words(ds: xr.Dataset, kind: str, header: Any, settings: Any, mask_he
 
 
 def kept(ds: xr.Dataset) -> dict[str, Any]:
-    """What the attribute `aq` keeps: kind, headers and settings; nothing when there is none."""
+    """The content of the attribute `aq`: kind, headers and settings; empty if there is none."""
     text = ds.attrs.get("aq", "{}")
     try:
         values = json.loads(text)
@@ -227,7 +228,7 @@ def need(ds: Any, *names: str) -> None:
 
 
 def dataset_of(data: Any, *names: str) -> xr.Dataset:
-    """A dataset, or that of an object, which has these variables."""
+    """A dataset, or the dataset of an object, which must have these variables."""
     if not isinstance(data, xr.Dataset):
         if not hasattr(type(data), "_fields") or not hasattr(data, "to_xarray"):
             raise TypeError(f"expected a dataset or an object, found {type(data).__name__}")
@@ -237,8 +238,9 @@ def dataset_of(data: Any, *names: str) -> xr.Dataset:
 
 
 def need_once(ds: xr.Dataset) -> None:
-    """Refuses a dataset that has a record number twice, as one of several files does, and a record
-    that was taken out of its dimension."""
+    """Rejects a dataset with a duplicate record number, such as one of several files, and a single
+    record selected out of its dimension.
+    """
     need(ds, "record")
     if ds["record"].ndim != 1:
         raise ValueError(
@@ -256,7 +258,7 @@ NO_DECISION = -1  # a flag of a mask variable: the row has no mask for the band
 
 
 def variable(dims: Any, values: Any, units: str, long_name: str, **more: Any) -> xr.Variable:
-    """A variable with its attributes; one that lacks no value says so in a netCDF file."""
+    """A variable with its attributes; one without missing values says so in a netCDF file."""
     attrs = {"units": units} if units else {}
     attrs.update(long_name=long_name, **more)
     made: xr.Variable = xr.Variable(dims, values, attrs)  # type: ignore[no-untyped-call]
@@ -291,21 +293,22 @@ DATE, CLOCK, CLOCK_BESIDE, LENGTH = "date", "clock", "clock beside time", "lengt
 
 
 def _own_times(name: str, dim: str, own: Any, seconds: Any) -> dict[str, xr.Variable]:
-    """The times of the file, where those of the dataset differ."""
+    """The times of the file, if those of the dataset differ."""
     if np.array_equal(own, seconds, equal_nan=True):
         return {}
     return {name + OWN: variable(dim, own, "s", "time of day, as in the file")}
 
 
 def table_variables(table: Any, columns: Any, dim: str, unit: str = "m") -> dict[str, xr.Variable]:
-    """The columns of a table of the library, in the units and words of datasets; dates that no
-    record has are left out."""
+    """The columns of a table of the library, in the units and words of datasets; omits dates if no
+    record has one.
+    """
     made: dict[str, xr.Variable] = {}
     for column, name, units, long_name in columns:
         values = np.ascontiguousarray(table[column])
         if units == DATE:
             if not values.any():
-                continue  # no record has one
+                continue  # no record has a date
             dates, attrs, encoding = clock(values)
             made[name] = variable(dim, dates, attrs.get("units", ""), long_name)
             made[name].encoding.update(encoding)

@@ -1,4 +1,4 @@
-"""What pictures have in common: datasets ready to be drawn, axes of time and frequency, legends."""
+"""Shared parts of pictures: datasets ready to be drawn, axes of time and frequency, legends."""
 
 from __future__ import annotations
 
@@ -22,19 +22,19 @@ _TIMES = {
 
 
 def axes(ax: Optional[Axes]) -> Axes:
-    """The axes that are given, else new ones."""
+    """The given axes, or new ones."""
     if ax is not None:
         expect(ax, Axes)
     return plt.subplots(figsize=(8, 4.5), layout="constrained")[1] if ax is None else ax
 
 
 def length_unit(unit: Optional[str], ds: xr.Dataset, name: str) -> str:
-    """The unit of a picture's lengths: the one that is given, else that of the dataset."""
+    """The unit of a picture's lengths: the given one, otherwise that of the dataset."""
     return check_unit(ds[name].attrs.get("units", "m") if unit is None else unit)
 
 
 def finite(ds: xr.Dataset, name: str, what: str) -> xr.Dataset:
-    """Refuses a dataset that has nothing to draw."""
+    """Rejects a dataset that has nothing to draw."""
     if not np.isfinite(np.asarray(ds[name].values, dtype=float)).any():
         raise ValueError(f"expected {what} to draw, found none")
     return ds
@@ -44,7 +44,7 @@ def finite(ds: xr.Dataset, name: str, what: str) -> xr.Dataset:
 
 
 def history_of(data: Any) -> xr.Dataset:
-    """The dataset of a history, for what is drawn of it."""
+    """The dataset of a history for drawing."""
     ds = dataset_of(data, "level", "band", "frequency", "time", "record")
     need_once(ds)
     if not np.isfinite(ds.aq.level.values).any():
@@ -53,7 +53,7 @@ def history_of(data: Any) -> xr.Dataset:
 
 
 def every_record(ds: xr.Dataset) -> xr.Dataset:
-    """Every record from first to last, in their order: those that are missing have no values.
+    """Every record from first to last, in order; missing ones have no values.
 
     Gaps then look like gaps, and cells are as wide as a record.
     """
@@ -63,7 +63,7 @@ def every_record(ds: xr.Dataset) -> xr.Dataset:
         return ds
     records = np.arange(own[0], own[-1] + 1)
     times = {name: ds[name].values for name in ("time", "relative_time") if name in ds.variables}
-    times["time"] = np.unwrap(times["time"], period=DAY)  # a gap may be over midnight
+    times["time"] = np.unwrap(times["time"], period=DAY)  # a gap may cross midnight
     coordinates: dict[str, Any] = {
         name: ("time", np.interp(records, own, values), ds[name].attrs)
         for name, values in times.items()
@@ -84,21 +84,22 @@ def complete(ds: xr.Dataset) -> xr.Dataset:
 
 
 def _clock(seconds: float, _: Any = None) -> str:
-    """A time of day; what a margin or a flight has beyond midnight is another day's."""
+    """A time of day; times beyond midnight belong to another day."""
     whole, thousandths = divmod(round(seconds % DAY * 1000), 1000)
     text = f"{whole // 3600 % 24:02}:{whole // 60 % 60:02}:{whole % 60:02}.{thousandths:03}"
     return text.rstrip("0").rstrip(".") if thousandths else text[:-4]
 
 
 def _tells(values: Any) -> bool:
-    """Whether times were ever stamped: all the same, they are not those of several records."""
+    """Whether times were ever stamped: equal times are not those of several records."""
     return bool(values.any() if values.size == 1 else values.size and np.ptp(values) > 0)
 
 
 def time_axis(ax: Axes, *datasets: xr.Dataset) -> list[Any]:
-    """The times of datasets for a picture, of the kind that the first one with any has.
+    """The times of datasets for a picture, of the kind of the first one that has any.
 
-    Relative to the reference where there are such times, else of day, else record numbers.
+    Relative to the reference if there are such times, otherwise times of day, otherwise record
+    numbers.
     """
     first = next((ds for ds in datasets if ds["time"].size), datasets[0])
     kinds = [name for name in _TIMES if name in first.variables]
@@ -108,7 +109,7 @@ def time_axis(ax: Axes, *datasets: xr.Dataset) -> list[Any]:
     times = [ds[name].values for ds in datasets]
     if name == "time" and first["time"].size:
         ax.xaxis.set_major_formatter(_clock)
-        start = first["time"].values[0]  # a flight over midnight goes on to the right
+        start = first["time"].values[0]  # a flight across midnight continues to the right
         times = [start + (each - start + DAY / 2) % DAY - DAY / 2 for each in times]
     ticks = np.unique(np.concatenate(times))
     if ticks.size == 1:
@@ -132,7 +133,7 @@ def frequency_axis(axis: Any, ds: xr.Dataset) -> None:
 
 
 def edges(ax: Axes, centres: Any) -> Any:
-    """Cell edges half-way between centres; a centre alone gets a cell of one record."""
+    """Cell edges half-way between centres; a single centre gets a cell of one record."""
     if len(centres) < 2:
         half = 0.5 if ax.get_xlabel() == _TIMES["record"] else 0.25
         return np.concatenate([centres - half, centres + half])
@@ -142,7 +143,9 @@ def edges(ax: Axes, centres: Any) -> Any:
 
 
 def legend_above(ax: Axes, handles: list[Any]) -> None:
-    """Where it hides no data; titles of a page stand left of it, so long labels take two rows."""
+    """Above the axes, where it hides no data; titles of a page are to its left, so long labels take
+    two rows.
+    """
     is_long = sum(len(handle.get_label()) for handle in handles) > 40
     ax.legend(
         handles=handles,

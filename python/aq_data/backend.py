@@ -23,7 +23,7 @@ LABELLED = (
 
 
 def to_dataset(reading: Reading[Any, Any], mask: Optional[Path] = None) -> xr.Dataset:
-    """The dataset of what `read` gave; the map of a history may be a second file."""
+    """The dataset of what `read` returned; the map of a history may be a second file."""
     if not hasattr(reading.data, "to_xarray"):
         raise ValueError(f"expected a file that is a dataset, found {reading.data!r}")
     arguments: dict[str, Any] = {} if reading.header is None else {"header": reading.header}

@@ -1,4 +1,4 @@
-"""What the library raises."""
+"""The exceptions of the library."""
 
 from __future__ import annotations
 
@@ -18,30 +18,31 @@ class Error(Exception):
 
 
 class NoEntryError(Error, KeyError, ValueError):
-    """No entry under that key, or text that has no such form."""
+    """No entry with that key, or text of another form."""
 
 
 class NoPlaceError(Error, IndexError):
-    """No entry at that place."""
+    """No entry at that index."""
 
 
 class UnwritableError(Error, ValueError):
-    """A value that has no written form."""
+    """A value that has no text form."""
 
 
 class MismatchError(Error, TypeError):
-    """A value that does not convert to the type that is wanted, or an object that is missing."""
+    """A value that does not convert to the requested type, or an object that is missing."""
 
 
 class RangeError(Error, OverflowError):
-    """A value outside the range of the type that is wanted."""
+    """A value outside the range of the requested type."""
 
 
 class FileError(Error):
-    """A file that could not be read or written: where, and what was expected and found there.
+    """A file that could not be read or written: the place, and what was expected and found
+    there.
 
-    `line` and `field` count from 1, 0 where it is the whole file or line. `partial` holds the
-    header as far as it was read and, of a masking map, the rows in front of the failure.
+    `line` and `field` count from 1; 0 means the whole file or line. `partial` holds the header as
+    far as it was read and, for a masking map, the rows before the failure.
     """
 
     def __init__(
@@ -56,7 +57,7 @@ class FileError(Error):
         place = (f", line {line}" if line else "") + (f", field {field}" if field else "")
         self.message = f"{file}{place}: expected {expected}, found {found}"
         super().__init__(self.message)
-        self.args = (file, line, field, expected, found, partial)  # what a pickle makes it from
+        self.args = (file, line, field, expected, found, partial)  # what a pickle restores it from
         self.file, self.line, self.field = file, line, field
         self.expected, self.found, self.partial = expected, found, partial
 
@@ -65,7 +66,9 @@ class FileError(Error):
 
 
 class SystemFileError(FileError, OSError):
-    """A file that the system refused: an `OSError` too, with `errno`, `strerror` and `filename`."""
+    """A file that the operating system refused: also an `OSError`, with `errno`, `strerror` and
+    `filename`.
+    """
 
     def __init__(
         self,
@@ -81,7 +84,7 @@ class SystemFileError(FileError, OSError):
 
 
 class MissingFileError(SystemFileError, FileNotFoundError):
-    """A file that is not there."""
+    """A file that does not exist."""
 
 
 class RefusedFileError(SystemFileError, PermissionError):
@@ -93,10 +96,10 @@ class FolderFileError(SystemFileError, IsADirectoryError):
 
 
 class NoFolderFileError(SystemFileError, NotADirectoryError):
-    """A path through what is no folder."""
+    """A path through something that is not a folder."""
 
 
-# By the reasons that the library gives, which are in English under any locale.
+# By the library's reasons, which are in English in every locale.
 _NUMBERS = {os.strerror(number): number for number in errno.errorcode}
 _CLASSES = {
     errno.ENOENT: MissingFileError,
@@ -118,14 +121,16 @@ _KINDS = (
 
 
 def error(message: str, code: int) -> Error:
-    """The exception for a fault of the library, which is also Python's own for such a fault."""
+    """The exception for a fault of the library, which is also Python's own exception for such a
+    fault.
+    """
     return _KINDS[code](message, code)
 
 
 def file_error(
     file: str, line: int, field: int, expected: str, found: str, partial: tuple[object, ...]
 ) -> Exception:
-    """The exception for a file's failure: Python's own too when the system refused."""
+    """The exception for a file's failure: also Python's own if the system refused."""
     number = _NUMBERS.get(found) if line == 0 else None
     cls = FileError if number is None else _CLASSES.get(number, SystemFileError)
     return cls(file, line, field, expected, found, partial)

@@ -1,4 +1,4 @@
-"""One call for any file: what it is, what it holds, and back."""
+"""One call to read any file, and one to write it back."""
 
 from __future__ import annotations
 
@@ -40,13 +40,13 @@ def read_tracking(path: Path, limit: int = 1) -> Tracking:
 
 
 def read_sdf(path: Path) -> dict[str, Any]:
-    """What is in an analyzer recording: its records as dictionaries, its traces as arrays.
+    """The content of an analyzer recording: its records as dictionaries, its traces as arrays.
 
-    `recording["SDF_CHANNEL_HDR"]` is a list, a dictionary of fields each; so are the others, under
-    the names of their types. `recording["traces"][i]` belongs to data header `i` and has `y` by
-    scan, trace and value, `x` by point and, if there is one, `scan_variable` by scan. All values
-    are as they are stored, in no unit: `read` gives levels. `revision` and `scans`, the number of
-    valid ones, are beside them.
+    `recording["SDF_CHANNEL_HDR"]` is a list of dictionaries of fields; so are the other records,
+    under the names of their types. `recording["traces"][i]` belongs to data header `i` and has `y`
+    by scan, trace and value, `x` by point and, if there is one, `scan_variable` by scan. All values
+    are as stored, without unit: `read` gives levels. `revision` and `scans`, the number of valid
+    ones, are further keys.
 
     Raises as `read`.
 
@@ -54,7 +54,7 @@ def read_sdf(path: Path) -> dict[str, Any]:
     >>> recording["SDF_DATA_HDR"][0]["dataTitle"], recording["traces"][0]["y"].shape
     """
     name = os.fsdecode(path)
-    with open(name, "rb"):  # the system's own reason, if it cannot be opened
+    with open(name, "rb"):  # raises the system's own error if it cannot be opened
         pass
     content: Any = _core._readRecording(name)
     if isinstance(content, tuple):
@@ -65,7 +65,7 @@ def read_sdf(path: Path) -> dict[str, Any]:
 def _without(
     everything: _core.AQ_PositionTimeHistory, good: _core.AQ_PositionTimeHistory
 ) -> _core.AQ_PositionTimeHistory:
-    """The samples of a series that a part of it, in the same order, lacks."""
+    """The samples of a series that are not in a part of it with the same order."""
     rest = _core.AQ_PositionTimeHistory()
     table = good.to_numpy()
     place = 0
@@ -81,8 +81,8 @@ _TABLES = (_core.AQ_SpectralTimeHistory, _core.AQ_MaskMap, _core.AQ_Spectrum)
 
 
 def _beginning(name: str) -> str:
-    """How a file begins, as the tool says it of one that it does not know."""
-    with open(name, "rb") as file:  # the system's own reason, if it cannot be opened
+    """The start of a file of unknown kind, in the tool's words."""
+    with open(name, "rb") as file:  # raises the system's own error if it cannot be opened
         line = file.readline(400).rstrip(b"\r\n")
     if not line:
         return "nothing" if os.path.getsize(name) == 0 else "an empty first line"
@@ -146,12 +146,12 @@ def read(path: Path, wanted: type[_core.AQ_DataINI]) -> Reading[None, _core.AQ_D
 def read(path: Path, wanted: Optional[type[Any]] = None) -> AnyReading:
     """Header and object of a file of any kind.
 
-    With `wanted`, the class of the object, an editor knows what comes back, and a file of another
-    kind raises. Levels are in dB, times in seconds, lengths in the unit of the file.
+    With `wanted`, the class of the object, an editor knows the type of the result, and a file of
+    another kind raises. Levels are in dB, times in seconds, lengths in the unit of the file.
 
-    Raises `FileError` with line and field for a file that does not read, and what the system says
+    Raises `FileError` with line and field for a file that cannot be read, and the system's error
     (`FileNotFoundError`, `PermissionError`, another `OSError`) for one that cannot be opened. Warns
-    of a word of a history's header that is not known, as it would be written as another.
+    of an unknown word in a history's header, since it would be written as another one.
 
     >>> header, history = aq_data.read("fly-over.sth.csv")
     >>> mask = aq_data.read("fly-over.mask.csv", aq_data.AQ_MaskMap).data
@@ -168,7 +168,7 @@ def read(path: Path, wanted: Optional[type[Any]] = None) -> AnyReading:
 def read_quietly(
     path: Path, wanted: Optional[type[Any]] = None, others: Optional[list[Any]] = None
 ) -> AnyReading:
-    """As `read`, without its warnings; `others` gets what they are made of."""
+    """As `read`, but without warnings; puts their content into `others`."""
     name = os.fsdecode(path)
     kind = _core.kindOfFile(name)
     if kind == FileKind.Unknown:
@@ -198,8 +198,9 @@ def _of_one_file(ds: Any) -> AnyReading:
 
 
 def _with_clock_times(obj: Any) -> Any:
-    """The object, or a copy where the text of a time, which has seven digits, would give it a second
-    early: that time is the next second there."""
+    """The object, or a copy with times rounded to the next second where their text, which has seven
+    digits, would be a second early.
+    """
     if isinstance(obj, _core.AQ_SpectralTimeHistory):
         columns = [obj.times["TODseconds"], obj.startTime.TODseconds, obj.ReferenceTime.TODseconds]
     elif isinstance(obj, _core.AQ_PositionTimeHistory):
@@ -216,16 +217,16 @@ def _with_clock_times(obj: Any) -> Any:
 
 
 def write(obj: Any, path: Path, header: Any = None, exist_ok: bool = True) -> None:
-    """Writes an object, `(header, object)` as `read` gives it, or a dataset; all or nothing.
+    """Writes an object, `(header, object)` as from `read`, or a dataset; all or nothing.
 
-    Without a header it gets a new one. A dataset with masks is two files: `measurement` gives what
-    to write into each. The records of a map or a geometry that was cut from a dataset are numbered
-    from 1, and a comment has the numbers that were. A file that is there is replaced, or with
-    `exist_ok=False` raises `FileExistsError`.
+    Without a header it gets a new one. A dataset with masks is two files: `measurement` gives the
+    content of each. Records of a map or a geometry cut from a dataset are numbered from 1, and a
+    comment keeps their old numbers. An existing file is replaced, or with `exist_ok=False` raises
+    `FileExistsError`.
 
-    Raises `ValueError` for what would not come back as it is (records with other bands than the
-    first, gaps between records), `TypeError` for what has no file, `OSError` when the system
-    refuses; the disk then stays as it was.
+    Raises `ValueError` for data that the file would not give back unchanged (records with other
+    bands than the first, gaps between records), `TypeError` for an object without a file format,
+    `OSError` if the system refuses; the disk then stays unchanged.
 
     >>> aq_data.write((header, history), "mended.sth.csv", exist_ok=False)
     """
@@ -243,5 +244,5 @@ def write(obj: Any, path: Path, header: Any = None, exist_ok: bool = True) -> No
     format = format_for(obj, path)
     if isinstance(obj, _TABLES):
         _core._checkWritable(obj, format.kind)
-    is_clock = format.kind != FileKind.FixedColumnHistory  # which has other times
+    is_clock = format.kind != FileKind.FixedColumnHistory  # which has dates and milliseconds
     format.write(path, header, _with_clock_times(obj) if is_clock else obj)

@@ -1,4 +1,4 @@
-"""The formats, as the library lists them."""
+"""The formats that the library lists."""
 
 from __future__ import annotations
 
@@ -10,7 +10,7 @@ from .reading import Path, Reading
 
 
 class Format(NamedTuple):
-    """A kind of file: its names, and the classes that read it and hold what is in it."""
+    """A kind of file: its names, and the classes that read it and hold its content."""
 
     kind: FileKind
     text: str  # in words
@@ -22,7 +22,7 @@ class Format(NamedTuple):
     writes: bool
 
     def read(self, path: Path, others: Optional[list[Any]] = None) -> Reading[Any, Any]:
-        """`others` gets line, meaning, word and what it is read as of words that are not known."""
+        """Appends line, meaning, word and its replacement to `others` for each unknown word."""
         file = self.file()
         if hasattr(file, "_readWithWords"):
             *given, unknown = file._readWithWords(path)
@@ -35,7 +35,7 @@ class Format(NamedTuple):
         return Reading(None, file if self.model is self.file else given)
 
     def write(self, path: Path, header: Any, model: Any) -> None:
-        """Source files keep the dates that the header has for them."""
+        """Keeps the header's dates of source files."""
         if self.header is None:
             model.writeFile(path)
             return
@@ -51,7 +51,7 @@ class Format(NamedTuple):
 
 
 def _record_length(history: Any) -> float:
-    """Seconds from the first stamp to the next; half a second where they do not say it."""
+    """Seconds from the first stamp to the next; half a second if the stamps do not tell."""
     stamps = history.times["TODseconds"][:2]
     length = round(float(stamps[-1] - stamps[0]) % 86400, 3)
     return length if 0 < length < 1000 else 0.5
@@ -63,7 +63,7 @@ FORMATS: dict[FileKind, Format] = {row[0]: Format(*row) for row in _rows}
 
 
 def format_for(obj: Any, path: str) -> Format:
-    """The format in which an object is written: by the name's ending, or else its first."""
+    """The format in which an object is written: by the name's ending, otherwise its first."""
     written = [f for f in FORMATS.values() if f.writes and isinstance(obj, f.model)]
     if not written:
         raise TypeError(f"expected an object that has a file, found {type(obj).__name__}")

@@ -1,6 +1,6 @@
-"""Labelled datasets of the objects; `restore` has the way back.
+"""Labelled datasets of the objects; `restore` converts back.
 
-A dataset of a history has the dimensions `time`, one entry a record, and `band`.
+A dataset of a history has the dimensions `time`, one entry per record, and `band`.
 """
 
 from __future__ import annotations
@@ -78,7 +78,7 @@ PARAMETERS = (
     ("LoRec", "first_record", "1", "first record, 0 when not set"),
     ("HiRec", "last_record", "1", "last record, 0 when not set"),
 )
-ANGLES = ("degree", "rad")  # units of angles, which the files do not name either
+ANGLES = ("degree", "rad")  # units of angles, which files do not name either
 UNITS = ("m", "km", "ft", "nautical_mile")  # of lengths, which the files do not name
 
 
@@ -99,7 +99,7 @@ def mask_variables(modes: Any, adjustments: Any, last_good_bands: Any) -> dict[s
 
 
 def _first(records: Any, times: Any = None) -> dict[str, Any]:
-    """What a dataset is known by before it is cut: its records, and the time of the first."""
+    """What identifies a dataset before it is cut: its records, and the time of the first."""
     first: dict[str, Any] = {
         "records": [len(records), *map(int, records[:1]), *map(int, records[-1:])]
     }
@@ -109,7 +109,9 @@ def _first(records: Any, times: Any = None) -> dict[str, Any]:
 
 
 def _named(attrs: dict[str, Any], coordinates: dict[str, Any]) -> dict[str, Any]:
-    """The attributes, without the conventions where they ask for times that always rise."""
+    """The attributes, without the conventions' name if times do not always rise, as those
+    require.
+    """
     time = coordinates.get("time")
     if time is not None and not (np.diff(time.values) > 0).all():
         del attrs["Conventions"]
@@ -123,7 +125,7 @@ def check_unit(unit: str) -> str:
 
 
 def check_map(history: _core.AQ_SpectralTimeHistory, mask: _core.AQ_MaskMap) -> None:
-    """Refuses a map that is not of the history's records and bands."""
+    """Rejects a map whose records or bands are not those of the history."""
     expect(mask, _core.AQ_MaskMap)
     if not np.array_equal(mask.records, history.records):
         raise ValueError(
@@ -145,7 +147,7 @@ def _mask_beside(history: _core.AQ_SpectralTimeHistory, mask: _core.AQ_MaskMap) 
 
 
 def _metric_variables(history: _core.AQ_SpectralTimeHistory) -> dict[str, xr.Variable]:
-    """The metrics that the history lists or that any record has."""
+    """The metrics that the history lists or any record has."""
     table = history.metrics
     listed = {metric.name.rpartition("_")[2] for metric in history.Metrics.MetricTypes}
     return {
@@ -166,8 +168,8 @@ def history_to_xarray(
 
     Its coordinates are `time`, `relative_time` (s), `date`, `record`, `band` and `frequency` (Hz);
     with a map there are `mask_mode` and `mask_adjustment(time, band)` (flags, -1 where a row has no
-    mask) and `last_good_band(time)`; metrics that the history has come besides. Headers and settings
-    go into the attributes. Raises `ValueError` for a map of other records or bands.
+    mask) and `last_good_band(time)`; and the metrics of the history. Headers and settings go into
+    the attributes. Raises `ValueError` for a map of other records or bands.
 
     >>> ds = history.to_xarray(mask, header, mask_header)
     >>> ds.level.sel(time=52210, method="nearest")
@@ -260,8 +262,8 @@ def geometry_to_xarray(
 ) -> xr.Dataset:
     """A dataset over `time`, s, of each record: emission time, position, slant range and angles.
 
-    `unit` is that of lengths, as for positions, `angle_unit` that of angles, degree or rad, which are
-    those of the program that filled them; any other raises `ValueError`.
+    `unit` is that of lengths, as for positions, `angle_unit` that of angles, degree or rad, as used
+    by the program that computed them; any other raises `ValueError`.
 
     >>> geometry.to_xarray().slant_range.min()
     """

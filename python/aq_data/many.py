@@ -22,7 +22,7 @@ from .files import read_quietly
 from .reading import Path, Reading
 from .labelled import RECORD_TIMES, check_map, mask_variables
 
-RECORDS_PER_CHUNK = 4096  # of short files several are one task, whose own cost they share
+RECORDS_PER_CHUNK = 4096  # several short files form one task and share its cost
 
 
 class _Job(NamedTuple):
@@ -30,12 +30,12 @@ class _Job(NamedTuple):
 
     path: str
     mask: Optional[str]
-    joined: bool  # by a pattern, and not by the caller
-    strict: bool  # whether findings of the levels keep it out
+    joined: bool  # by a pattern, not by the caller
+    strict: bool  # whether findings about the levels exclude it
 
 
 class _Shape(NamedTuple):
-    """What of a history and its map has to be known before their arrays are read."""
+    """What must be known of a history and its map before their arrays are read."""
 
     path: str
     mask: Optional[str]
@@ -47,13 +47,13 @@ class _Shape(NamedTuple):
     levels: Optional[int]  # a digest
 
     def state(self) -> list[Any]:
-        """What changes when a file is written anew."""
+        """What changes when a file is rewritten."""
         stats = [os.stat(path) for path in (self.path, self.mask) if path]
         return [self.path, self.mask, *((s.st_mtime_ns, s.st_size) for s in stats)]
 
 
 class _WrongPair(ValueError):
-    """A pattern gave a history the map of another one, which no `errors` skips."""
+    """A pattern paired a history with the map of another one; `errors` never skips this."""
 
 
 def _read(path: str, cls: Any, wanted: str) -> Reading[Any, Any]:
@@ -72,15 +72,16 @@ def _map(path: str) -> Reading[Any, Any]:
 
 
 def _check_pair(path: str, mask: str, header: _core.AQ_HeaderMask) -> None:
-    """Refuses a map that says that it was made from another history, in whatever folder."""
+    """Rejects a map that names another history, in any folder, as its source."""
     own, named = os.path.basename(path), ntpath.basename(header.sGenerationFile)
     if named and named.lower() != own.lower():
         raise _WrongPair(f"{mask}: expected a map of {own}, found one of {named}")
 
 
 def _checked(job: _Job) -> Checked:
-    """The findings of a history and of its map, each error and warning of the levels raised if
-    strict."""
+    """The findings of a history and of its map, raises on an error or a warning about the levels if
+    strict.
+    """
     result = checked(job.path)
     found = [(job.path, result.found)]
     if job.mask is not None:
@@ -95,7 +96,7 @@ def _checked(job: _Job) -> Checked:
 
 
 def _count_copies(shapes: list[_Shape]) -> None:
-    """Counts a warning of each history that has the levels of one before it."""
+    """Counts a warning for each history that has the levels of an earlier one."""
     same = [Checked([], shape.levels) for shape in shapes]
     see_same_levels([shape.path for shape in shapes], same)
     for shape, (found, _) in zip(shapes, same):
@@ -109,7 +110,7 @@ def _words(header: Any, history: _core.AQ_SpectralTimeHistory, found: list[Findi
 
 
 def _shape(job: _Job) -> Union[_Shape, Exception]:
-    """What is known of a history and its map, or why they are left out."""
+    """What is known of a history and its map, or the reason for leaving them out."""
     try:
         header, history = _history(job.path)
         last = None
@@ -150,7 +151,7 @@ def _adjustments(path: str) -> tuple[Any, Any]:
 
 
 def _chunk(read_file: Any, files: tuple[tuple[str, int], ...], bands: Any, empty: Any) -> Any:
-    """The values of files, each with its count of records, one after another on common bands."""
+    """The values of files, each with its number of records, one after another on common bands."""
     values = np.full((sum(count for _, count in files), len(bands)), empty)
     first = 0
     for path, count in files:
@@ -167,7 +168,7 @@ def _chunk(read_file: Any, files: tuple[tuple[str, int], ...], bands: Any, empty
 
 
 def _chunks(shapes: list[_Shape]) -> list[list[_Shape]]:
-    """Files that follow each other, as many as a task reads."""
+    """Consecutive files, as many as one task reads."""
     chunks: list[list[_Shape]] = []
     room = 0
     for shape in shapes:
@@ -180,7 +181,7 @@ def _chunks(shapes: list[_Shape]) -> list[list[_Shape]]:
 
 
 class _Lazy:
-    """Arrays of all files, of which a worker gets paths and no more."""
+    """Arrays of all files; workers get only their paths."""
 
     def __init__(self, shapes: list[_Shape], bands: Any) -> None:
         self.bands = bands
@@ -188,7 +189,7 @@ class _Lazy:
         self.token = dask.base.tokenize([shape.state() for shape in shapes], bands)
 
     def array(self, read_file: Any, attribute: str, empty: Any) -> dask.array.Array:
-        """`read_file` of the file that each shape names by `attribute`."""
+        """`read_file` for the file that each shape names by `attribute`."""
         name = f"aq{read_file.__name__}-{self.token}"
         tasks, sizes = {}, []
         for place, chunk in enumerate(self.chunks):
@@ -255,16 +256,16 @@ def open_many(
     """Many spectral time histories as one dataset, record after record, whose levels (and masks)
     load when they are computed.
 
-    `paths` is a pattern or a list; `masks` names the map of each, in the same order. Of patterns, a
-    map whose header names another history raises; a list is taken as it stands.
+    `paths` is a pattern or a list; `masks` names the map of each, in the same order. With patterns,
+    a map whose header names another history raises; lists are used unchecked.
 
     The dataset has `level(time, band)` in dB, NaN where a record has no level in a band, with masks
-    `mask_mode` and `mask_adjustment` of that shape. `file(time)` is the place in `path`; by file
-    there are `project`, `microphone`, `begin` (start time as text) and how many `errors`,
-    `warnings` and `notes` `check` has for the history and its map.
+    `mask_mode` and `mask_adjustment` of that shape. `file(time)` is the index in `path`; per file
+    there are `project`, `microphone`, `begin` (start time as text) and the number of `errors`,
+    `warnings` and `notes` of `check` for the history and its map.
 
-    A file that does not read, a map that does not fit and, unless `strict` is false, a file with an
-    error or a warning of its levels raise what reading them does (`FileError`, `OSError`,
+    A file that cannot be read, a map that does not fit and, unless `strict` is false, a file with
+    an error or a warning about its levels raise the exceptions of reading (`FileError`, `OSError`,
     `ValueError`); with `errors="skip"` the history is left out with a warning.
 
     >>> many = aq_data.open_many("season-7/*.sth.csv", "season-7/*.mask.csv", errors="skip")

@@ -29,11 +29,11 @@ EVENT = {
 }
 _LIMITS = ("first", "maximum", "last")
 NO_RECORD = -1
-RECORDS_PER_CHUNK = 4096  # of short files several are one task, whose own cost they share
+RECORDS_PER_CHUNK = 4096  # several short files form one task and share its cost
 
 
 def _pair(history: History, mask: Optional[_core.AQ_MaskMap]) -> tuple[Any, Any]:
-    """The history and the map, of a dataset its own if it has masks."""
+    """The history and the map; those of a dataset if it has masks."""
     if isinstance(history, xr.Dataset):
         own, own_mask = measurement(history)
         return own.data, own_mask.data if mask is None and own_mask is not None else mask
@@ -44,7 +44,7 @@ def _pair(history: History, mask: Optional[_core.AQ_MaskMap]) -> tuple[Any, Any]
 
 
 def event_words(event: Optional[_core.NoiseEvent], first_record: int) -> dict[str, Any]:
-    """An event by the names of attributes and columns; its places are record numbers."""
+    """An event under the names of attributes and columns, with record numbers."""
     if event is None:
         return {**dict.fromkeys(EVENT, np.nan), **dict.fromkeys(_LIMITS, NO_RECORD)}
     words: dict[str, Any] = {name: getattr(event, own) for name, own in EVENT.items()}
@@ -64,11 +64,11 @@ def metric_variables(values: Any, dim: str) -> dict[str, xr.Variable]:
 def metrics(history: History, mask: Optional[_core.AQ_MaskMap] = None) -> xr.Dataset:
     """The ten metrics of each record and the event.
 
-    The dataset has `AWT`, `CWT`, `DWT`, `OA`, `PNL`, `PNLT`, `TONECOR`, `TONEBND`, `LGB` and `INTEG`
-    over `record`, doubles that are NaN where there is no value (`LGB` without a map), and `time`. Its
+    The dataset has `AWT`, `CWT`, `DWT`, `OA`, `PNL`, `PNLT`, `TONECOR`, `TONEBND`, `LGB` and
+    `INTEG` over `record`, doubles that are NaN for no value (`LGB` without a map), and `time`. Its
     attributes are the event: `EPNL`, `EPNL_with_band_sharing`, `PNLTM`, `band_sharing`,
-    `duration_correction`, and the record numbers `first`, `maximum` and `last`, -1 where there is
-    none. A row of `mask` belongs to the record of its number; the history stays as it is.
+    `duration_correction`, and the record numbers `first`, `maximum` and `last`, -1 if there is
+    none. A row of `mask` belongs to the record with its number. Does not change the history.
 
     >>> m = aq_data.metrics(history, mask)
     >>> m.attrs["EPNL"], m.PNLT.sel(record=30)
@@ -85,9 +85,9 @@ def metrics(history: History, mask: Optional[_core.AQ_MaskMap] = None) -> xr.Dat
 
 
 def tone_correction(levels: npt.ArrayLike) -> npt.NDArray[Any]:
-    """Tone corrections of levels of bands 17 to 40, an array `(records, 24)` or `(24,)`.
+    """Tone corrections of levels in bands 17 to 40, an array `(records, 24)` or `(24,)`.
 
-    Gives `correction` in dB, `band` (0 for none) and `last_band` (18 where 80 Hz does not count) of
+    Returns `correction` in dB, `band` (0 for none) and `last_band` (18 if 80 Hz does not count) of
     each record. A level that is NaN or 9999 does not count.
 
     >>> aq_data.tone_correction(history.to_numpy())["correction"]
@@ -104,8 +104,8 @@ def epnl(
 ) -> _core.NoiseEvent:
     """The event of a series of PNLT, NaN where a record has none.
 
-    `seconds` is how long records last, one number for all or one each; `tone_corrections` give the
-    band sharing adjustment, which is 0 without them. Places of records count from 0.
+    `seconds` is how long records last, one number for all or one per record; `tone_corrections`
+    give the band sharing adjustment, which is 0 without them. Records are indices from 0.
 
     >>> aq_data.epnl(m.PNLT, tone_corrections=m.TONECOR).epnl
     """
@@ -118,10 +118,11 @@ def explain(
     record: Optional[int] = None,
     mask: Optional[_core.AQ_MaskMap] = None,
 ) -> pd.DataFrame:
-    """The steps of the tone correction of a record, or of a spectrum: a row a band from 80 Hz up.
+    """The steps of the tone correction of a record, or of a spectrum: one row per band from 80 Hz
+    up.
 
     The columns are `frequency` in Hz, `level`, `slope` and whether it is marked, whether the level
-    is taken out, `adjusted` level, its slope, the mean slope, `background`, `difference` and
+    is removed, `adjusted` level, its slope, the mean slope, `background`, `difference` and
     `correction`, NaN where a step has no value; the attributes `correction`, `band` and `last_band`
     are the result.
 
@@ -150,11 +151,11 @@ def explain(
 def audit(
     history: History, mask: Optional[_core.AQ_MaskMap] = None, tolerance: float = 0.05
 ) -> pd.DataFrame:
-    """The metrics that a history carries and that its levels do not give: `record`, `metric`,
-    `stored` and `computed`, NaN for a value that there is none of.
+    """The stored metrics of a history that differ from those computed from its levels: `record`,
+    `metric`, `stored` and `computed`, NaN if the levels give no value.
 
     Levels and corrections differ when more than `tolerance` dB apart, bands and flags when not
-    equal. The last good band is compared with a map only.
+    equal. Compares the last good band only if there is a map.
 
     >>> aq_data.audit(aq_data.from_xarray(xarray.open_dataset("season.nc")).data)
     """
@@ -169,7 +170,9 @@ _core.FINDING_KINDS["metric"] = "a stored metric is not what the levels give"
 
 
 def metric_findings(path: str) -> list[tuple[Any, ...]]:
-    """What `check` tells of a netCDF file: severity, kind, line, field, record, band, message."""
+    """The findings of `check` for a netCDF file: severity, kind, line, field, record, band,
+    message.
+    """
     try:
         with xr.open_dataset(path) as opened:
             ds = opened.load()
@@ -197,8 +200,8 @@ def emission_geometry(
 ) -> _core.AQ_GeometryTimeHistory:
     """Where and when the sound of each record was emitted, in metres and seconds.
 
-    The source flies straight between its positions; a record whose sound was emitted outside them
-    has no point. A microphone stands at X, Y and Z + Height.
+    The source flies straight between its positions; a record whose sound was emitted before the
+    first or after the last one has no point. The microphone is at X, Y and Z + Height.
 
     >>> geometry = aq_data.emission_geometry(positions, microphone, history, 18.5)
     >>> geometry.to_xarray().slant_range
@@ -218,7 +221,7 @@ def emission_geometry(
 
 
 class _Measured(NamedTuple):
-    """Levels and masks of whole files, record after record, with numbers of the records."""
+    """Levels and masks of whole files, record after record, with the record numbers."""
 
     level: Any  # (records, bands)
     modes: Any  # of that shape, or None
@@ -278,12 +281,12 @@ def _block_events(*arrays: Any, bands: Any) -> list[dict[str, Any]]:
 
 
 def _filled(arrays: tuple[Any, ...]) -> tuple[Any, ...]:
-    """Level, masks and numbers, where there may be no masks."""
+    """Level, masks and numbers; masks may be missing."""
     return arrays if len(arrays) == 4 else (arrays[0], None, None, arrays[1])
 
 
 def _file_sizes(files: Any) -> tuple[int, ...]:
-    """Records by block, each of whole files that follow each other."""
+    """Records by block, each of consecutive whole files."""
     starts = np.flatnonzero(np.diff(files, prepend=np.nan) != 0)
     sizes: list[int] = []
     for size in np.diff([*starts, len(files)]):
@@ -294,7 +297,7 @@ def _file_sizes(files: Any) -> tuple[int, ...]:
 
 
 def _arrays(ds: xr.Dataset) -> tuple[list[Any], Any]:
-    """What a dataset gives to compute from, lazy if its levels are, and its bands."""
+    """The arrays of a dataset to compute from, lazy if its levels are, and its bands."""
     need(ds, "level", "band", "time", "record")
     ds = ds.sortby("band")
     bands = ds["band"].values
@@ -315,7 +318,7 @@ def _arrays(ds: xr.Dataset) -> tuple[list[Any], Any]:
 
 
 def dataset_metrics(ds: xr.Dataset) -> xr.Dataset:
-    """The ten metrics over `time`, with the dataset's coordinates; lazy where its levels are."""
+    """The ten metrics over `time`, with the dataset's coordinates; lazy if its levels are."""
     arrays, bands = _arrays(ds)
     attrs: dict[str, Any] = {}
     if dask.is_dask_collection(arrays[0]):
@@ -337,8 +340,8 @@ def dataset_metrics(ds: xr.Dataset) -> xr.Dataset:
 
 
 def events(many: xr.Dataset) -> pd.DataFrame:
-    """The event of each history of `open_many`, a row a file, computed by dask: `path`, `project`,
-    `microphone`, `begin`, `records`, then as the attributes of `metrics`.
+    """The event of each history of `open_many`, one row per file, computed by dask: `path`,
+    `project`, `microphone`, `begin`, `records`, then the attributes of `metrics`.
 
     >>> aq_data.events(aq_data.open_many("season/*.sth.csv", "season/*.mask.csv"))
     """

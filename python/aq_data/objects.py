@@ -1,5 +1,6 @@
-"""What Python expects of the library's objects: `[]` and slices, `==`, tables in notebooks, times as
-text, and errors that name the property."""
+"""What Python users expect of objects: `[]` and slices, `==`, tables in notebooks, times as text,
+and errors that name the property.
+"""
 
 from __future__ import annotations
 
@@ -25,8 +26,9 @@ CLASSES.append(_core.AQ_Time)
 
 
 def as_time(given: Clock) -> _core.AQ_Time:
-    """The time value of a time of day: text `hh:mm:ss` with a fraction or none, or Python's own;
-    one with a date gives that too. Raises `ValueError` for text that is none."""
+    """The time value of a time of day: text `hh:mm:ss` with or without a fraction, or a Python time
+    or datetime, whose date is kept. Raises `ValueError` for any other text.
+    """
     if isinstance(given, _core.AQ_Time):
         return given
     time = _core.AQ_Time()
@@ -44,7 +46,7 @@ def as_time(given: Clock) -> _core.AQ_Time:
 
 
 def _taken(cls: type, name: str) -> str:
-    """What a property takes, in words."""
+    """What a property accepts, in words."""
     setter = getattr(getattr(cls, name, None), "fset", None)
     found = re.search(r"arg\d: ([^,)]*)\)", getattr(setter, "__doc__", None) or "")
     kind = found[1].rpartition(".")[2] if found else "another value"
@@ -72,7 +74,7 @@ def _set(self: Any, name: str, value: Any) -> None:
 
 
 def _checked_setting(view: type) -> None:
-    """Has `view[number] = value` say what it takes when it is given something else."""
+    """Makes `view[number] = value` say what it accepts when given something else."""
     method: Callable[..., Any] = getattr(view, "__setitem__")
     place = "AQ_" + ".".join(view.__name__[1:].rsplit("_", 1))
     found = re.search(r"value: ([^)]*)\)", method.__doc__ or "")
@@ -114,7 +116,7 @@ for _cls in (*CLASSES, *(cls for name, cls in vars(_core).items() if name in COL
 
 
 def _taking_clocks(cls: type, name: str) -> None:
-    """Has a method take times of any form in its first places."""
+    """Makes a method accept times of any form as its first arguments."""
     method: Callable[..., Any] = getattr(cls, name)
 
     def call(self: Any, *arguments: Any, **named: Any) -> Any:
@@ -147,8 +149,8 @@ def _chosen(numbers: Any, part: slice) -> list[int]:
 
 @attach(_core.AQ_SpectralTimeHistory, name="__getitem__")
 def history_getitem(self: _core.AQ_SpectralTimeHistory, number: Any) -> Any:
-    """The spectrum of a record; of a slice, a history of the records from its start to its stop, which
-    is excluded, that shares their spectra and keeps their numbers. Its start time follows.
+    """The spectrum of a record; for a slice, a history of the records from start to stop, stop
+    excluded, that shares their spectra and keeps their numbers. Its start time is adjusted.
 
     >>> history[12].SPL[24], len(history[10:50])
     """
@@ -174,8 +176,8 @@ def history_getitem(self: _core.AQ_SpectralTimeHistory, number: Any) -> Any:
 
 @attach(_core.AQ_MaskMap, name="__getitem__")
 def map_getitem(self: _core.AQ_MaskMap, number: Any) -> Any:
-    """The row of a record; of a slice, a map of the rows from its start to its stop, which is excluded,
-    that shares them and keeps their numbers.
+    """The row of a record; for a slice, a map of the rows from start to stop, stop excluded, that
+    shares them and keeps their numbers.
 
     >>> mask[12].Mask[40].MaskMode
     """
@@ -189,7 +191,7 @@ def map_getitem(self: _core.AQ_MaskMap, number: Any) -> Any:
 
 @attach(_core.AQ_PositionTimeHistory, name="__getitem__")
 def positions_getitem(self: _core.AQ_PositionTimeHistory, number: Any) -> Any:
-    """The position at a place from 1; of a slice, a series of those from its start to its stop, which is
+    """The position at an index from 1; for a slice, a series of those from start to stop, stop
     excluded, that shares them.
 
     >>> track.positions[1].X
@@ -204,7 +206,7 @@ def positions_getitem(self: _core.AQ_PositionTimeHistory, number: Any) -> Any:
 
 @attach(_core.AQ_Spectrum, name="__getitem__")
 def spectrum_getitem(self: _core.AQ_Spectrum, band: int) -> Any:
-    """The level of a band, in dB. Raises a `KeyError` where there is none.
+    """The level of a band, in dB. Raises a `KeyError` if there is none.
 
     >>> spectrum[24]
     """
@@ -213,7 +215,7 @@ def spectrum_getitem(self: _core.AQ_Spectrum, band: int) -> Any:
 
 @attach(_core.AQ_Spectrum, name="__iter__")
 def spectrum_iter(self: _core.AQ_Spectrum) -> Iterator[tuple[int, Any]]:
-    """Band and level in dB of each band, ascending; bands without a level are left out.
+    """Band and level in dB of each band, ascending; omits bands without a level.
 
     >>> loudest, level = max(spectrum, key=lambda each: each[1])
     """
@@ -250,8 +252,8 @@ def fields_to_pandas(self: Any) -> "pd.Series[Any]":
 def microphone_to_xarray(
     self: _core.AQ_Microphone, header: Any = None, unit: str = "m"
 ) -> xr.Dataset:
-    """A dataset of `x`, `y`, `z` and `height`, without dimensions, which `from_xarray` takes back;
-    `unit` as for positions.
+    """A dataset of `x`, `y`, `z` and `height`, without dimensions, which `from_xarray` converts
+    back; `unit` as for positions.
 
     >>> aq_data.read("fly-over.mic.csv").data.to_xarray().height
     """
@@ -264,9 +266,9 @@ def microphone_to_xarray(
 
 @attach(_core.AQ_DataINI, name="to_xarray")
 def parameters_to_xarray(self: _core.AQ_DataINI) -> xr.Dataset:
-    """A dataset of `calibration_adjustment` in dB, `window_before` and `window_after` the event in s,
-    `first_record` and `last_record`; methods and comments are attributes. `from_xarray` takes it
-    back.
+    """A dataset of `calibration_adjustment` in dB, `window_before` and `window_after` the event in
+    s, `first_record` and `last_record`; methods and comments are attributes. `from_xarray` converts
+    it back.
 
     >>> aq_data.read("fly-over.ini.csv").data.to_xarray().window_before
     """
@@ -289,7 +291,7 @@ def parameters_to_xarray(self: _core.AQ_DataINI) -> xr.Dataset:
 
 
 def _html(self: Any) -> str:
-    """A table for a notebook: of a series its first and last entries, else the properties."""
+    """A table for a notebook: the first and last entries of a series, otherwise the properties."""
     is_table = hasattr(self, "to_pandas") and not isinstance(
         self, (_core.AQ_Microphone, _core.AQ_DataINI)
     )

@@ -1,4 +1,4 @@
-"""Pictures of a measurement. Each takes datasets and an `Axes`, and gives the `Axes` back."""
+"""Pictures of a measurement. Each takes datasets and an `Axes`, and returns the `Axes`."""
 
 from __future__ import annotations
 
@@ -37,8 +37,9 @@ NO_BAND_IS_GOOD = int(_core.AQ_CONSTANTS.AQ_INVALID_LEVEL)
 
 
 def _last_good_band(ds: xr.Dataset) -> tuple[Any, bool]:
-    """The upper edge of the last good band of each record, inside the bands that are drawn, and
-    whether a record has none: then that is the lower edge of the picture."""
+    """The upper edge of the last good band of each record, inside the drawn bands, and whether a
+    record has none: then it is the lower edge of the picture.
+    """
     low, high = ds["band"].values[[0, -1]]
     last = ds["last_good_band"].values.astype(float)
     last[last == 0] = high  # all are good
@@ -50,7 +51,7 @@ def _last_good_band(ds: xr.Dataset) -> tuple[Any, bool]:
 def spectrogram(history: History, ax: Optional[Axes] = None) -> Axes:
     """Levels in dB over time and band; masked cells are hatched, the last good band is a line.
 
-    Raises `ValueError` for a history without levels, as all pictures of one do.
+    Raises `ValueError` for a history without levels, as do all pictures of a history.
 
     >>> aq_data.plot.spectrogram(history.to_xarray(mask))
     """
@@ -151,7 +152,7 @@ def tone(
 
 
 def _draw_event(ax: Axes, seconds: Any, ds: xr.Dataset) -> list[Any]:
-    """PNLT, the level 10 dB down, the records that are summed and the EPNL; gives the lines."""
+    """PNLT, the level 10 dB down, the summed records and the EPNL; returns the lines."""
     pnlt = np.where(ds["PNLT"].values > 0, ds["PNLT"].values, np.nan)
     lines = ax.plot(seconds, pnlt, color=TONE, lw=1, label="PNLT (TPNdB)", **ALONE)
     steps: Any = np.diff(ds["time"].values)
@@ -169,8 +170,8 @@ def _draw_event(ax: Axes, seconds: Any, ds: xr.Dataset) -> list[Any]:
 def level_time(
     history: History, events: Optional[dict[str, float]] = None, ax: Optional[Axes] = None
 ) -> Axes:
-    """The overall level in dB over time, of all bands and of those that are not masked, and the event
-    when the history carries PNLT. `events` are times in the axis's seconds, by name.
+    """The overall level in dB over time, of all bands and of those that are not masked, and the
+    event if the history has PNLT. `events` are times in the axis's seconds, by name.
 
     >>> aq_data.plot.level_time(ds, {"overhead": 0.0})
     """
@@ -204,7 +205,7 @@ def level_time(
 
 
 def _fixes(positions: Any) -> list[xr.Dataset]:
-    """The good fixes, and where there are any the rejected ones."""
+    """The good fixes, and the rejected ones if there are any."""
     some = [positions]
     if isinstance(positions, Tracking):
         some = list(positions) if len(positions.rejected) else [positions.positions]
@@ -227,8 +228,8 @@ def ground_track(
 ) -> Axes:
     """The path over the ground, to scale, with rejected fixes and the microphone.
 
-    `unit` names the lengths: m, km, ft or nautical_mile, else that of the dataset; any other raises
-    `ValueError`, as do positions without a fix.
+    `unit` names the lengths: m, km, ft or nautical_mile, otherwise that of the dataset; any other
+    raises `ValueError`, as do positions without a fix.
 
     >>> aq_data.plot.ground_track(track, microphone)
     """
@@ -295,8 +296,8 @@ def page(
     events: Optional[dict[str, float]] = None,
     unit: Optional[str] = None,
 ) -> Figure:
-    """All of a measurement on one page; what is not given is left out. `unit` is that of positions
-    and geometry. Raises what its pictures raise, and leaves no figure open then.
+    """A whole measurement on one page; omits what is not given. `unit` is that of positions and
+    geometry. Raises what its pictures raise, and then leaves no figure open.
 
     >>> aq_data.plot.page(ds, ambient, track).savefig("fly-over.png")
     """

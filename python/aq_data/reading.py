@@ -1,4 +1,4 @@
-"""What reading a file gives."""
+"""The results of reading a file."""
 
 from __future__ import annotations
 
@@ -13,15 +13,16 @@ Data = TypeVar("Data")
 
 
 class Reading(NamedTuple, Generic[Header, Data]):
-    """What a file holds: `header, data = aq_data.read(path)`. `header` is `None` where the kind has
-    none of its own."""
+    """The content of a file: `header, data = aq_data.read(path)`. `header` is `None` if the kind
+    has none of its own.
+    """
 
     header: Header
     data: Data
 
 
 class Tracking(NamedTuple):
-    """The fixes of a tracking file: those that are good, and those of poor quality."""
+    """The fixes of a tracking file: the good ones, and those of poor quality."""
 
     positions: _core.AQ_PositionTimeHistory
     rejected: _core.AQ_PositionTimeHistory

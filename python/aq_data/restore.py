@@ -16,7 +16,7 @@ from .times import DAY, days_of, of_day
 
 
 def _by_band(ds: xr.Dataset, name: str, *dims: str) -> tuple[xr.Dataset, int]:
-    """A dataset with its bands ascending, and the lowest of them, where the objects begin."""
+    """A dataset with its bands ascending, and the lowest band."""
     need(ds, name, "band")
     if set(ds[name].dims) != {*dims, "band"}:
         raise ValueError(
@@ -33,7 +33,7 @@ def _by_band(ds: xr.Dataset, name: str, *dims: str) -> tuple[xr.Dataset, int]:
 
 
 def _by_record(ds: xr.Dataset) -> tuple[xr.Dataset, Any]:
-    """A dataset in the order of its records, as the tables of the objects are, and their numbers."""
+    """A dataset in the order of its records, like the tables of the objects, and their numbers."""
     if "record" not in ds.variables:
         return ds, None
     need_once(ds)
@@ -130,7 +130,9 @@ def _microphone_from(ds: xr.Dataset) -> _core.AQ_Microphone:
 
 
 def _parameters_from(ds: xr.Dataset) -> _core.AQ_DataINI:
-    """Methods and comments are attributes; a method that is not set has none."""
+    """Parameters from a dataset; methods and comments are attributes, and an unset method has
+    none.
+    """
     need(ds, *(name for _, name, *_ in PARAMETERS))
     values = dict(kept(ds).get("settings") or {})
     if values.get("NuTimg") not in [int(member) for member in _core.AQ_TimeStampType]:
@@ -155,7 +157,7 @@ _MAKERS: dict[str, Any] = {
 
 
 def _kind(ds: xr.Dataset) -> str:
-    """What a dataset holds: as it says, else by its variables."""
+    """The kind of a dataset: from its attribute, otherwise from its variables."""
     need(ds)
     marks = {"level": "history", "mask_mode": "map", "slant_range": "geometry"}
     marks.update(height="microphone", window_before="parameters", x="positions")
@@ -166,7 +168,7 @@ def _kind(ds: xr.Dataset) -> str:
 
 
 def _headers(ds: xr.Dataset, kind: str, data: Any) -> tuple[Any, Any]:
-    """Header of the object and of the map, with what people changed in the attributes."""
+    """Headers of the object and of the map, with changes made in the attributes."""
     header, mask_header = (
         restored(cls(), kept(ds).get(name) or {}) if cls else None
         for name, cls in (
@@ -179,11 +181,11 @@ def _headers(ds: xr.Dataset, kind: str, data: Any) -> tuple[Any, Any]:
 
 
 def from_xarray(ds: xr.Dataset) -> Reading[Any, Any]:
-    """The object of a dataset with its header, as `read` gives them: `(header, data)`.
+    """The object of a dataset with its header, as from `read`: `(header, data)`.
 
-    Records keep their numbers. The start time of a dataset that was cut, or whose times were
-    changed, follows its first record. Of a history with its masks it is the history; `measurement`
-    gives both. Raises `ValueError` for a dataset that lacks what the object needs.
+    Records keep their numbers. If a dataset was cut or its times were changed, the start time is
+    that of its first record. For a history with masks, returns the history; `measurement` returns
+    both. Raises `ValueError` for a dataset that lacks what the object needs.
 
     >>> header, history = aq_data.from_xarray(ds.sel(time=slice(52205, 52215)))
     """
@@ -203,7 +205,7 @@ def _runs(numbers: Any) -> str:
 
 
 def _is_cut(ds: xr.Dataset) -> bool:
-    """Whether a dataset has other records than it was made with."""
+    """Whether a dataset has other records than when it was made."""
     before = (kept(ds).get("first") or {}).get("records")
     numbers = np.sort(ds["record"].values) if "record" in ds.variables else np.array([])
     now = [numbers.size, *map(int, numbers[:1]), *map(int, numbers[-1:])]
@@ -223,8 +225,9 @@ def _renumbered(ds: xr.Dataset) -> tuple[xr.Dataset, list[str]]:
 
 
 def _without_source(header: _core.AQ_HeaderMask, comments: list[str]) -> list[str]:
-    """Takes the name of the whole history out of the header of a cut map, which does not fit it;
-    gives the comments with that name."""
+    """Removes the name of the whole history, which a cut map does not fit, from its header; returns
+    the comments with that name.
+    """
     if not comments or not header.sGenerationFile:
         return comments
     comments = [f"{comments[0]} of the map of {header.sGenerationFile}"]
@@ -247,12 +250,12 @@ def measurement(
     Optional[Reading[_core.AQ_HeaderMask, _core.AQ_MaskMap]],
 ]:
     """History and map of a dataset, each with its header, as `write` takes them; `None` for the map
-    when the dataset has no masks.
+    if the dataset has no masks.
 
-    Of a dataset that was cut, the records of a history with its map are numbered from 1, as a map's
-    must be, and a comment in both headers has the numbers that were; without masks they keep theirs.
-    The map's header no longer names the whole history, which it does not fit: set `sGenerationFile`
-    to the name of the cut one.
+    If the dataset was cut, the records of a history with a map are numbered from 1, as a map
+    requires, and a comment in both headers keeps the old numbers; without masks they keep their
+    numbers. The map's header no longer names the whole history, which it does not fit: set
+    `sGenerationFile` to the name of the cut one.
 
     >>> history, mask = aq_data.measurement(ds.isel(time=slice(10, 50)))
     >>> aq_data.write(history, "cut.sth.csv")
@@ -272,7 +275,7 @@ def measurement(
 
 
 def writable(ds: xr.Dataset) -> Reading[Any, Any]:
-    """As `from_xarray`; where the file numbers its records from 1, those of a cut dataset are."""
+    """As `from_xarray`; renumbers the records of a cut dataset from 1 if the file requires it."""
     if _kind(ds) not in ("map", "geometry"):
         return from_xarray(ds)
     ds, comments = _renumbered(ds)

@@ -17,9 +17,9 @@ def history_to_pandas(
     mask: Optional[_core.AQ_MaskMap] = None,
     tidy: bool = False,
 ) -> pd.DataFrame:
-    """Levels in dB, one row a record and one column a band, NaN where there is none and, with a map,
-    where it is masked; `tidy`: one row a record and band, with `time` in s, `frequency` in Hz, `level`
-    and masks as columns. Raises `ValueError` for a map of other records.
+    """Levels in dB, one row per record and one column per band, NaN for a missing level and, with a
+    map, a masked one; `tidy`: one row per record and band, with `time` in s, `frequency` in Hz,
+    `level` and masks as columns. Raises `ValueError` for a map of other records.
 
     >>> history.to_pandas(mask)[24].max()
     >>> history.to_pandas(tidy=True).groupby("band").level.max()
@@ -32,7 +32,7 @@ def history_to_pandas(
 
 @attach(_core.AQ_MaskMap, name="to_pandas")
 def map_to_pandas(self: _core.AQ_MaskMap, tidy: bool = False) -> pd.DataFrame:
-    """Mask modes, one row a record and one column a band, -1 where there is no mask; `tidy`: one row a
+    """Mask modes, one row per record and one column per band, -1 for no mask; `tidy`: one row per
     record and band, with `mask_mode`, `mask_adjustment` and `last_good_band` as columns.
 
     >>> (mask.to_pandas() > 0).sum(axis="columns")
@@ -45,7 +45,7 @@ def map_to_pandas(self: _core.AQ_MaskMap, tidy: bool = False) -> pd.DataFrame:
 
 @attach(_core.AQ_Spectrum, name="to_pandas")
 def spectrum_to_pandas(self: _core.AQ_Spectrum) -> pd.Series:
-    """Levels in dB by band number, NaN where there is none.
+    """Levels in dB by band number, NaN for a missing level.
 
     >>> spectrum.to_pandas().idxmax()
     """
@@ -64,8 +64,8 @@ def _tidy(ds: xr.Dataset, keys: list[str]) -> pd.DataFrame:
     name="to_pandas",
 )
 def series_to_pandas(self: Any) -> pd.DataFrame:
-    """One row an entry, by record number or by place from 1; the columns are those of `to_numpy`: times
-    in s of the day, lengths in the unit of the file.
+    """One row per entry, by record number or by index from 1; the columns are those of `to_numpy`:
+    times in s of the day, lengths in the unit of the file.
 
     >>> track.positions.to_pandas().Z.max()
     """

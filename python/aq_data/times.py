@@ -1,7 +1,7 @@
-"""Clock times and dates of the library's tables as those of datasets, and back.
+"""Converts clock times and dates of the library's tables to those of datasets, and back.
 
-A file's times are seconds of the day, which begin again at midnight; those of a dataset go on, as
-what looks a time up needs them ascending. The file's own stay beside them where they differ.
+A file's times are seconds of the day, which restart at midnight; those of a dataset continue, since
+lookups need ascending times. The file's own times are kept in addition if they differ.
 """
 
 from __future__ import annotations
@@ -18,8 +18,9 @@ _CF_DATE = {"units": "days since 1899-12-30", "calendar": "standard", "dtype": "
 
 
 def going_on(seconds: Any, beside: Optional[Any] = None) -> Any:
-    """Seconds of the day that go on beyond midnight: where they fall by more than half a day, the
-    next one begins. `beside` are times that go on: each is of the day that is nearest to them."""
+    """Seconds of the day that continue beyond midnight: a drop of more than half a day starts the
+    next day. `beside` are continuing times: each result is on the day nearest to them.
+    """
     if beside is not None:
         return seconds + DAY * np.round((beside - seconds) / DAY)
     falls = np.round(-np.diff(seconds) / DAY).clip(min=0)
@@ -27,8 +28,9 @@ def going_on(seconds: Any, beside: Optional[Any] = None) -> Any:
 
 
 def of_day(ds: xr.Dataset, name: str) -> Any:
-    """The file's own times: those beside the variable, unless it was changed since, by more than
-    rounding or by no whole number of days."""
+    """The file's own times: those kept with the variable, unless it was since changed by more than
+    rounding and not by whole days.
+    """
     seconds = np.asarray(ds[name].values, dtype=float)
     if name + OWN not in ds.variables:
         return seconds
@@ -38,9 +40,10 @@ def of_day(ds: xr.Dataset, name: str) -> Any:
 
 
 def clock(days: Any) -> tuple[Any, dict[str, Any], dict[str, Any]]:
-    """Dates, what they are, and how a netCDF file has them; 0, not known, is no date.
+    """Dates, their attributes, and their form in a netCDF file; 0 means unknown and gives no
+    date.
 
-    What is no whole day of the years 1694 to 2241 stays the number that it is.
+    A value that is not a whole day of the years 1694 to 2241 stays a number.
     """
     days = np.asarray(days, dtype=float)
     if not (np.isfinite(days).all() and (days % 1 == 0).all() and (abs(days - 25000) < 1e5).all()):
@@ -51,7 +54,7 @@ def clock(days: Any) -> tuple[Any, dict[str, Any], dict[str, Any]]:
 
 
 def days_of(dates: Any) -> Any:
-    """Days since 1899-12-30 of dates or of such days; 0 where there is none."""
+    """Days since 1899-12-30 of dates or of such numbers; 0 for no date."""
     dates = np.asarray(dates)
     if dates.dtype.kind == "M":
         none = np.isnat(dates)

@@ -86,7 +86,7 @@ inline void checkOnce(std::vector<std::int16_t> numbers) {
   std::sort(numbers.begin(), numbers.end());
   const auto twice = std::adjacent_find(numbers.begin(), numbers.end());
   if (twice == numbers.end()) return;
-  throw py::value_error("the record number " + std::to_string(*twice) + " stands twice");
+  throw py::value_error("the record number " + std::to_string(*twice) + " appears twice");
 }
 
 /// The numbers of `count` records: those given, otherwise from 1.

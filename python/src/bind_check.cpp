@@ -40,19 +40,18 @@ void bindCheck(py::module_& module) {
         },
         py::arg("path"), doc);
   };
-  ofOneFile(
-      "checkFile", checkFile,
-      "What a person should know about a file: severity, kind, line, field, record, band, message");
+  ofOneFile("checkFile", checkFile,
+            "One finding about a file: severity, kind, line, field, record, band, message");
   ofOneFile(
       "checkWithHistory", checkWithHistory,
-      "As checkFile; a masking map is also compared with the history beside it that it names");
+      "As checkFile; also compares a masking map with the history that it names in its folder");
   module.def(
       "checkFit",
       [](const Path& history, const Path& map) {
         return gathered([&](const FindingSink& sink) { checkFit(history.name, map.name, sink); });
       },
       py::arg("history"), py::arg("map"),
-      "Why a masking map does not fit the history that it was made for, as checkFile tells it");
+      "Why a masking map does not fit the history that it was made for, as findings");
   module.def(
       "_checkWithLevels",
       [](const Path& path) {
@@ -64,7 +63,7 @@ void bindCheck(py::module_& module) {
       py::arg("path"), "The rows of checkWithHistory, and a digest of a history's levels");
   py::class_<SameLevels>(
       module, "SameLevels",
-      "Finds measurements of an archive that have the same levels, as checks see one after another")
+      "Finds measurements of an archive that have the same levels, in the order they are checked")
       .def(py::init<>())
       .def(
           "see",
@@ -72,7 +71,7 @@ void bindCheck(py::module_& module) {
             return gathered([&](const FindingSink& sink) { self.see(path.name, {levels}, sink); });
           },
           py::arg("path"), py::arg("levels"),
-          "What checkFile tells of a file whose digest of levels is that of one seen before");
+          "The finding for a file whose digest of levels equals that of one seen before");
   py::dict kinds;
   for (const FindingKind& kind : findingKinds()) {
     kinds[std::string(kind.name).c_str()] = std::string(kind.meaning);

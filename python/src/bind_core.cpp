@@ -16,7 +16,7 @@ AQ_OPTIME workingMode(AQ_Time time) {
 void bindTime(const py::module_& module) {
   Bound<AQ_Time> time(module);
   time.def("assignSeconds", &AQ_Time::assignSeconds, py::arg("timeOfDay"),
-           py::arg("relativeSeconds"), "Stores both times as they are, without wrapping")
+           py::arg("relativeSeconds"), "Stores both times without wrapping or checking")
       .def("__repr__", [](const AQ_Time& self) {
         const double day = self.CurrentDate();
         const bool dated = day >= 1 && day < 2.9e6;  // a date with a text form
@@ -80,7 +80,8 @@ void bindFileInformation(py::module_& module) {
   module.def("fileInformation", &fileInformation,
              docOf<describe::CoreFunctions>("fileInformation").c_str());
   module.def("setFileInformation", &putInForce, py::arg("information"),
-             "Puts an object with the methods of FileInformation in force; None the default again");
+             "Installs an object with the methods of FileInformation as the file information "
+             "service; None restores the default");
   py::module_::import("atexit").attr("register")(module.attr("setFileInformation"), py::none());
 }
 

@@ -47,7 +47,7 @@ class BoundFile : public Bound<File> {
           self.fileInformation(std::move(information));
         },
         py::arg("information"),
-        "Has writes ask this service for names and dates; None the one in force");
+        "Makes writes ask this service for names and dates; None means the service in use");
   }
 
   template <class Header, class Model>
@@ -65,8 +65,8 @@ class BoundFile : public Bound<File> {
         },
         py::arg("sFileName"),
         (docOf<File>("readFile") +
-         ". FileError says what is wrong, and holds in .partial the header as far as it was read "
-         "and of a map the rows before the failure")
+         ". Raises FileError, whose .partial holds the header as far as it was read "
+         "and, for a map, the rows before the failure")
             .c_str());
     return *this;
   }
@@ -79,9 +79,9 @@ class BoundFile : public Bound<File> {
           runFile(self, [&](File& file) { return writeFrom(file, path.name, header, model); });
         },
         py::arg("sFileName"), py::arg("aqHeader"), py::arg("model"),
-        (docOf<File>("writeFile") +
-         ". The header gets the file's name. What cannot be written raises. Other threads must "
-         "leave both objects alone")
+        (docOf<File>("writeFile") + ". The header gets the file's name. Raises for data that "
+                                    "cannot be written. Other threads must "
+                                    "leave both objects alone")
             .c_str());
     return *this;
   }
@@ -96,8 +96,8 @@ class BoundFile : public Bound<File> {
           runFile(self, [&](File& file) { return file.writeFile(path.name, model); });
         },
         py::arg("sFileName"), py::arg("model"),
-        (docOf<File>("writeFile") +
-         ". What cannot be written raises. Other threads must leave the object alone")
+        (docOf<File>("writeFile") + ". Raises for data that cannot be written. Other threads must "
+                                    "not use the object meanwhile")
             .c_str());
   }
 
@@ -165,8 +165,8 @@ auto readWithWords(AQ_DataSTH& self, const Path& path) {
 void bindHistoryFile(BoundFile<AQ_DataSTH>& history) {
   history.def(
       "_readWithWords", readWithWords, py::arg("sFileName"),
-      "As readFile; the history gets the reference time type that the header names. And line, "
-      "meaning, word and what it is read as of words that are not known");
+      "As readFile, but sets the reference time type that the header names. Also returns line, "
+      "meaning, word and its replacement for each unknown word");
   history.def(
       "getRawHeader",
       [](AQ_DataSTH& self, const Path& path) {
@@ -176,7 +176,7 @@ void bindHistoryFile(BoundFile<AQ_DataSTH>& history) {
         });
         return lines;
       },
-      py::arg("sFileName"), "The header's lines as they stand, up to the column headings");
+      py::arg("sFileName"), "The header's lines, unchanged, up to the column headings");
 }
 
 void bindRecordingFile(BoundFile<AQ_DataHP3565>& recording) {
@@ -259,9 +259,9 @@ void bindFiles(py::module_& module) {
   });
   const BoundFile<AQ_DataASCII> text(module);
   module.def("keepingFileInformation", &keepingFileInformation,
-             "The service in force, but dates that a header has of source files stay");
+             "The service in use, except that dates of source files in a header are kept");
   module.def("_formats", formats,
-             "Of each format: kind, name in words and in one, ending, file class, header class if "
+             "For each format: kind, long and short name, ending, file class, header class if "
              "it has one, class of the data, and whether such files are written");
 }
 

@@ -70,7 +70,7 @@ void bindNumberedPoints(Bound<AQ_GeometryTimeHistory>& history) {
           R"(A new series from a table, or a mapping of columns of shape (points,), as to_numpy has them.
 
 A column that is not there leaves zeros. Points are numbered from 1 unless their numbers are given, each
-once. Raises ValueError for columns of other names, of other lengths, and for what is no number.
+once. Raises ValueError for columns of other names or lengths, and for values that are not numbers.
 
 >>> geometry = aq_data.AQ_GeometryTimeHistory.from_numpy({"Tm": times, "SRe": ranges})
 )");

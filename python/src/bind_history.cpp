@@ -137,7 +137,7 @@ void bindArrays(BoundHistory& history) {
           "bands", [](const H& self) { return numberArray(numbersOf(bandsOfAll(self))); },
           "The band numbers from the lowest of any record to the highest, shape (bands,)")
       .def("to_numpy", levelsOf, py::arg("mask") = py::none(),
-           "The levels in dB, shape (records, bands), NaN where a band is missing and, with a "
+           "The levels in dB, shape (records, bands), NaN for a missing band and, with a "
            "map, where it is masked")
       .def_static(
           "from_numpy", historyFrom, py::arg("levels"), py::arg("low_band") = 17,

@@ -155,7 +155,7 @@ void bindMap(const py::module_& module) {
       .def_property("last_good_bands", lastGoodBands, setLastGoodBands,
                     "The last good band of each row, shape (rows,)")
       .def("to_numpy", mapToArrays,
-           "Mask modes and adjustments as two arrays of int8, shape (rows, bands); -1 where a row "
+           "Mask modes and adjustments as two int8 arrays, shape (rows, bands); -1 where a row "
            "has no mask")
       .def_static(
           "from_numpy", mapFromArrays, py::arg("modes"), py::arg("adjustments") = py::none(),

@@ -5,6 +5,7 @@
 #include <aq/noise/set_metrics.h>
 #include <aq/noise/tone_correction.h>
 #include <aq/noise/weighted_level.h>
+#include <aq/spectral/ambient_masking.h>
 
 #include <optional>
 #include <tuple>
@@ -99,7 +100,7 @@ NoiseEvent eventOf(const py::object& pnlt, const py::object& seconds,
     return numbersFrom<double>(given, 1, wanted);
   };
   const auto levels = numbers(pnlt, "PNLT by record");
-  const auto durations = numbers(seconds, "seconds, one or one a record");
+  const auto durations = numbers(seconds, "seconds, one or one per record");
   const auto tones = numbers(corrections, "tone corrections by record");
   const auto cells = [](const auto& array) {
     return std::span<const double>(array.data(), static_cast<std::size_t>(array.size()));
@@ -115,10 +116,10 @@ std::string eventText(const NoiseEvent& event) {
 void bindEvent(const py::module_& module) {
   using E = NoiseEvent;
   py::class_<E>(module, "NoiseEvent",
-                "The noise of one aircraft going by. Records are places from 0.")
+                "The noise of one aircraft passing by. Records are indices from 0.")
       .def_readonly("maximum", &E::maximum, "The first record of the largest PNLT")
-      .def_readonly("first", &E::first, "The first 10 dB-down limit; None where there is none")
-      .def_readonly("last", &E::last, "The last 10 dB-down limit; None where there is none")
+      .def_readonly("first", &E::first, "The first 10 dB-down limit; None if there is none")
+      .def_readonly("last", &E::last, "The last 10 dB-down limit; None if there is none")
       .def_readonly("secondPeaks", &E::secondPeaks, "Other maxima within 2 dB of the largest")
       .def_readonly("pnltm", &E::pnltm, "The largest PNLT, TPNdB, without band sharing")
       .def_readonly("epnl", &E::epnl, "EPNdB, without band sharing")
@@ -154,20 +155,26 @@ void bindNoise(py::module_& module) {
   module.def("perceivedNoiseLevel", perceivedNoiseLevel, py::arg("spectrum"), masks,
              "The perceived noise level in PNdB; 0 without noys");
   module.def("toneSteps", stepsOf, py::arg("spectrum"), masks,
-             "The steps of the tone correction, one a band from 80 Hz up");
+             "The steps of the tone correction, one per band from 80 Hz up");
   module.def("toneCorrections", toneCorrections, py::arg("levels"),
              "Correction, band and last band of each row of levels of bands 17 to 40");
   module.def("historyMetrics", metricsOf, py::arg("history"), map,
              "Record numbers, the ten metrics by record and type, and the event");
-  module.def("setMetrics", setMetrics, py::arg("history"), map,
-             "Computes the ten metrics of every record into it; gives the event, if there is one");
+  module.def(
+      "setMetrics", setMetrics, py::arg("history"), map,
+      "Computes and stores the ten metrics of every record; returns the event, if there is one");
   module.def("noiseEvent", eventOf, py::arg("pnlt"), py::arg("seconds"), py::arg("toneCorrections"),
              "The event of a series of PNLT");
   module.def("auditMetrics", differences, py::arg("history"), py::arg("map"), py::arg("tolerance"),
              "Record, metric, stored and computed value of every metric that differs");
   module.def("emissionGeometry", emissionGeometry, py::arg("positions"), py::arg("microphone"),
              py::arg("records"), py::arg("celsius"),
-             "Where and when the sound of each record was emitted; no point outside the positions");
+             "Where and when the sound of each record was emitted; no point before the first or "
+             "after the last position");
+  module.def(
+      "maskByAmbient", maskByAmbient, py::arg("history"), py::arg("ambient"), py::arg("margin"),
+      "The masking map of a history by an ambient spectrum: masks levels less than margin dB "
+      "above the ambient's");
   module.def("speedOfSound", speedOfSound, py::arg("celsius"), "In air, m/s");
 }
 

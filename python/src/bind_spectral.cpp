@@ -45,7 +45,7 @@ void bindSpectrum(const py::module_& module) {
                        {levels.mutable_data(), static_cast<std::size_t>(levels.size())});
             return levels;
           },
-          "The levels from LowBand to HighBand, shape (bands,), NaN where there is none")
+          "The levels from LowBand to HighBand, shape (bands,), NaN for a missing level")
       .def_static(
           "from_numpy",
           [](const py::object& given, std::int16_t lowBand) {

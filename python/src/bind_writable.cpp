@@ -67,7 +67,7 @@ void bindWritable(py::module_& module) {
         checkRecords(history.LoRec(), history.HiRec(), history, &AQ_SpectralTimeHistory::spectrum);
       },
       py::arg("model"), py::arg("kind"),
-      "Raises for what the file of an object would not give back");
+      "Raises for data that the object's file would not give back");
   module.def(
       kName,
       [](const AQ_MaskMap& map, FileKind /*kind*/) {
@@ -85,7 +85,7 @@ void bindWritable(py::module_& module) {
     module.def("_roundLateTimes", round, py::arg("model"), doc);
   };
   rounds(static_cast<bool (*)(AQ_SpectralTimeHistory&)>(roundLateTimes),
-         "Makes times that their text would give a second early the next second");
+         "Rounds times whose text would be a second early to the next second");
   rounds(static_cast<bool (*)(const AQ_PositionTimeHistory&)>(roundLateTimes), "");
   rounds(static_cast<bool (*)(const AQ_GeometryTimeHistory&)>(roundLateTimes), "");
 }

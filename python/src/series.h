@@ -84,9 +84,9 @@ void bindPlaced(Bound<Series>& series, const All& all, Put<Series, Object> put,
       py::arg("columns"),
       "A new series, numbered from 1, from a table, or a mapping of columns of shape (entries,), "
       "as "
-      "to_numpy has them.\n\nA column that is not there leaves zeros. Raises ValueError for "
+      "to_numpy has them.\n\nA missing column leaves zeros. Raises ValueError for "
       "columns "
-      "of other names, of other lengths, and for what is no number.\n\n>>> again = "
+      "of other names or lengths, and for values that are not numbers.\n\n>>> again = "
       "type(series).from_numpy(series.to_numpy())\n");
   series.container([all](const Series& self) { return all(self); },
                    [fill](Series& self, const py::handle& kept) {

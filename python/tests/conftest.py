@@ -17,7 +17,7 @@ SAMPLE = PROJECT / "examples" / "data"
 
 
 def values(thing: Any) -> Any:
-    """All that an object holds, as plain values: two are equal when these are."""
+    """The content of an object as plain values: two objects are equal if these are."""
     if type(thing).__module__ == "aq_data._core" and not isinstance(thing, int):
         return type(thing).__name__, values(thing.__getstate__())
     if isinstance(thing, (list, tuple)):
@@ -50,7 +50,7 @@ def mask() -> Any:
 
 @pytest.fixture
 def archive(tmp_path: Path, history: Any) -> Callable[[int], list[Path]]:
-    """Writes that many histories, each 1 dB louder than the one before."""
+    """Writes that many histories, each 1 dB louder than the previous one."""
 
     def write(count: int) -> list[Path]:
         paths = [tmp_path / f"{number:04}.sth.csv" for number in range(count)]

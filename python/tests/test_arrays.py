@@ -1,4 +1,4 @@
-"""Arrays and tables of numbers, there and back."""
+"""Arrays and tables of numbers, in both directions."""
 
 from __future__ import annotations
 
@@ -19,7 +19,7 @@ HUGE = np.array([2**64 - 1], dtype=np.uint64)
 
 
 class Gone:
-    """An array of a file that is no longer there."""
+    """An array of a file that no longer exists."""
 
     def __array__(self, *_: Any) -> Any:
         return open("gone.csv")
@@ -76,7 +76,7 @@ def test_any_layout_and_type_of_number_is_right(given: Any) -> None:
         (lambda: History.from_numpy(np.zeros((1, 9)), low_band=32760), ValueError, "32768"),
         (lambda: History.from_numpy(np.zeros((2, 2)), records=[1]), ValueError, "2 of them"),
         (lambda: History.from_numpy(np.zeros((1, 2)), records=[40000]), ValueError, "40000"),
-        (lambda: History.from_numpy([[0], [0]], records=[1, 1]), ValueError, "1 stands twice"),
+        (lambda: History.from_numpy([[0], [0]], records=[1, 1]), ValueError, "1 appears twice"),
         (lambda: History.from_numpy([[1.0]], records=[1.5]), ValueError, "numbers, found 1.5"),
         (lambda: History.from_numpy(LEVELS).to_numpy(Map()), ValueError, "no row for record 1"),
         (lambda: Spectrum.from_numpy(LEVELS), ValueError, "one dimension"),

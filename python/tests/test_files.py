@@ -1,4 +1,4 @@
-"""One call for any file, and what it says of files that do not read."""
+"""One call for any file, and its errors for files that cannot be read."""
 
 from __future__ import annotations
 
@@ -33,7 +33,7 @@ GOOD = [
 
 
 def without_own_name(part: Any) -> Any:
-    """All that a header or an object says, but for the name and date of its own file."""
+    """The content of a header or an object, except the name and date of its own file."""
     own = re.compile("s?FileName|aqFileDateTime|FileDateTime|GTHFile.*")
     names = [name for name in getattr(part, "_fields", ()) if not own.fullmatch(name)]
     entries = list(part) if hasattr(part, "__iter__") else []

@@ -1,4 +1,6 @@
-"""Fixed columns beside readers that know only the columns: pandas, and a Fortran program."""
+"""Fixed columns, compared with readers that know only the columns: pandas, and a Fortran
+program.
+"""
 
 import pathlib
 import random

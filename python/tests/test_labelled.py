@@ -1,4 +1,4 @@
-"""Datasets and tables with labels; all of a measurement comes back from them."""
+"""Datasets and tables with labels; the whole measurement can be restored from them."""
 
 from __future__ import annotations
 

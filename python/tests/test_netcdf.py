@@ -1,4 +1,4 @@
-"""Datasets and their files: what the CF conventions ask for, clocks at midnight, cut datasets."""
+"""Datasets and their files: the CF conventions, clocks at midnight, cut datasets."""
 
 from __future__ import annotations
 
@@ -25,7 +25,7 @@ TYPES = {"int8", "int16", "int32", "float32", "float64", "str"}
 
 
 def faults_of_variable(name: str, var: Any, file: Any) -> list[str]:
-    """What a checker of the conventions finds wrong with a variable."""
+    """The faults that a checker of the conventions finds in a variable."""
     is_coordinate = var.dimensions == (name,)
     told = {key: var.getncattr(key) for key in var.ncattrs()}
     kind = "str" if var.dtype is str else str(var.dtype)

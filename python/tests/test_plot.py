@@ -1,4 +1,4 @@
-"""Pictures: drawn without a display, on the axes that are given, with units on them."""
+"""Pictures: drawn without a display, on the given axes, with units."""
 
 from __future__ import annotations
 

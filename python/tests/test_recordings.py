@@ -1,4 +1,4 @@
-"""What stands in analyzer recordings, beside a reader that was written from the layout alone."""
+"""The content of analyzer recordings, compared with a reader written only from the layout."""
 
 import pathlib
 import struct

@@ -1,4 +1,4 @@
-"""Writes aq_data/_core.pyi: what the compiled module holds, with the signatures it tells itself.
+"""Writes aq_data/_core.pyi: the content of the compiled module, with its own signatures.
 
     python3 stubs.py FOLDER_OF_THE_PACKAGE
 """
@@ -66,7 +66,7 @@ def signatures(function: Any) -> list[tuple[str, str]]:
 
 
 def text_of(function: Any) -> str:
-    """The sentence behind the signatures."""
+    """The sentence after the signatures."""
     if inspect.isfunction(function):
         return inspect.getdoc(function) or ""
     lines = (function.__doc__ or "").split("\n")

@@ -1,4 +1,4 @@
-// A clean sample with one change, and what a check then finds.
+// A clean sample with one change, and the findings of a check.
 #include <aq/check/check_file.h>
 #include <aq/check/same_levels.h>
 #include <aq/files/formats.h>
@@ -168,7 +168,7 @@ TEST(Check, OneChangeIsFoundWhereItWasMade) {
   EXPECT_EQ(lastOf(",B40/10kHz", ""), "expected 27 headings, found 26");
   EXPECT_EQ(lastOf("Name**,F", "Name**xF"), "in place of a comma \"x\" is not read");
   EXPECT_EQ(findingsIn(folder.file("none")), std::vector<std::string>{"0:0 unreadable"});
-  // What is wrong with every line is told once; a spreadsheet's cure is named.
+  // A fault in every line is reported once, with a remedy for what a spreadsheet did.
   using Found = std::vector<std::string>;
   const auto all = [&](std::string text, char from, const std::string& to) {
     for (std::size_t at = 0; (at = text.find(from, at)) != text.npos; at += to.size()) {
@@ -253,7 +253,7 @@ TEST(Check, PositionsAndGeometry) {
   EXPECT_EQ(changed(positions, "NumberRecords**,3", "NumberRecords**,4"),
             Found{"8:2 record-count"});
   EXPECT_EQ(changed(positions, "10:00:00.2", "10:00:00.1"), Found{"15:1 time-order"});
-  EXPECT_EQ(changed(positions, "10:00:00.1", "23:59:59.9"), Found());  // over midnight
+  EXPECT_EQ(changed(positions, "10:00:00.1", "23:59:59.9"), Found());  // across midnight
   EXPECT_EQ(changed(geometry, "2,10:00:05.5", "2,10:00:06"), Found{"21:2 time-step r2"});
   EXPECT_EQ(changed(geometry, "10:00:00.48", "10:00:01.48"), Found{"20:0 contradiction r1"});
   EXPECT_EQ(changed(geometry, "1545.4736", "1595.4736"), Found{"20:0 contradiction r1"});
@@ -269,7 +269,7 @@ TEST(Check, PositionsAndGeometry) {
             (Found{"21:1 record-gap r3", "21:2 time-step r3"}));
 }
 
-/// Of bands without a level in between, a level is compared with those of its own band.
+/// With gaps between bands, a level is compared with those of its own band.
 TEST(Check, GapsBetweenBandsAreNoJumps) {
   const test::Folder folder;
   std::string text = test::contentOf(test::kData / "fixed-column-history/good/landing.spc");
@@ -288,7 +288,7 @@ const char* const kTrack = "fly-over.tspi.csv";
 const char* const kPositions = "fly-over.pth.csv";
 const char* const kGeometry = "fly-over.gth.csv";
 
-/// Puts the sample, its positions and its geometry into a folder.
+/// A folder with the sample, its positions and its geometry.
 void makeFlight(const test::Folder& folder) {
   for (const std::string& name : {kHistory, std::string("fly-over.mic.csv"), std::string(kTrack)}) {
     static_cast<void>(folder.with(name, test::contentOf(kSamples / name)));
@@ -398,7 +398,7 @@ TEST(Check, AMapAndItsHistoryThatDoNotFit) {
   const std::string row = text.substr(text.find("\n60,") + 3);
   for (int record = 61; record <= 32767; ++record) many += std::to_string(record) + row;
   many += "0" + row;
-  EXPECT_EQ(misfits(many), Found{"0:0 unreadable"});  // one more than the interface counts
+  EXPECT_EQ(misfits(many), Found{"0:0 unreadable"});  // one more than the interface can count
 }
 
 TEST(Check, KindsHaveNamesOfTheirOwn) {

@@ -1,4 +1,4 @@
-// A host program as users write them: every form of the interface once.
+// A host program as users write it: every form of the interface once.
 #include <aq/aq.h>
 
 #include <cstdio>
@@ -25,7 +25,7 @@ int main() {
   try {
     again->spectrum(5)->LowBand();
     return 1;
-  } catch (const aq::Error& error) {  // crosses the library's border
+  } catch (const aq::Error& error) {  // crosses the library's boundary
     if (error.code() != aq::ErrorCode::InvalidArgument) return 1;
   }
   const aq::Variant object(start.Copy());

@@ -1,5 +1,5 @@
-// Analyzer recordings beyond what the second reader compares: folders, texts of other programs and
-// the external converter.
+// Analyzer recordings, apart from what the second reader compares: folders, texts of other programs
+// and the external converter.
 #include <aq/aq.h>
 #include <aq/sdf/layout.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// What fixed columns hold that the samples do not show: parts of a history, dates, what is refused.
+// Fixed columns, apart from what the samples show: parts of a history, dates, and what is rejected.
 #include <aq/aq.h>
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@ struct Spc : testing::Test {
   void SetUp() override {
     ASSERT_EQ(file.readFile((test::kData / kSample).string(), header, history), AQ_DATA_OK);
   }
-  /// The data lines of the file that is written with the settings as they are.
+  /// The data lines of the file written with the current settings.
   std::vector<std::string> dataLines() {
     const std::string path = folder.file("part.spc");
     EXPECT_EQ(file.writeFile(path, *history), AQ_DATA_OK);

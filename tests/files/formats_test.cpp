@@ -1,5 +1,5 @@
-// What holds for every format: a good sample has the values that are listed and comes back from a
-// read and a write byte by byte, and a bad one fails with the message that its folder lists.
+// Tests for every format: a good sample gives the listed values and survives reading and writing
+// byte by byte, and a bad one fails with the message that its folder lists.
 #include "tests/support/formats.h"
 
 #include <aq/aq.h>
@@ -35,7 +35,7 @@ TEST(Formats, GoodSamplesComeBackByteByByte) {
   });
 }
 
-/// The file beside a good sample that ends in `.values` lists all that is read of it.
+/// The `.values` file of a good sample lists everything that is read from it.
 TEST(Formats, GoodSamplesHaveTheListedValues) {
   forSamples("good", [](const std::string& name, std::filesystem::path sample) {
     const std::string found = test::valuesOf(kFormats.at(name).code, sample.string());
@@ -44,7 +44,7 @@ TEST(Formats, GoodSamplesHaveTheListedValues) {
 }
 
 /// A line of `failures.txt` is the message without its folder, then in brackets what the read
-/// handed out.
+/// returned.
 TEST(Formats, BadSamplesFailAsListed) {
   std::map<std::string, std::vector<std::string>> found;
   forSamples("bad", [&](const std::string& name, const std::filesystem::path& sample) {

@@ -16,7 +16,7 @@ using test::contentOf;
 const std::string kSSR = (test::kData / "spectrum-record/good/three-bands.csv").string();
 const std::string kINI = (test::kData / "variable-initialization/good/all-parameters.csv").string();
 
-/// An object that is made when it is first asked for and then kept, unless the caller gives one.
+/// An object that is created on first access and then kept, unless the caller sets one.
 template <class Owner, class Object>
 void expectShared(std::shared_ptr<Object> (Owner::*get)(),
                   void (Owner::*set)(std::shared_ptr<Object>)) {
@@ -114,9 +114,9 @@ TEST(DataINI, KeywordsComeInAnyCaseAndOrder) {
   EXPECT_EQ(parameters.CalAdj(), 2.5F);
   EXPECT_EQ(parameters.LoRec(), 1);          // that line was a comment
   EXPECT_EQ(parameters.NuAvg(), AQ_NA);      // not in the file
-  EXPECT_EQ(parameters.NuTimg(), AQ_START);  // a text that no table knows
+  EXPECT_EQ(parameters.NuTimg(), AQ_START);  // an unknown text
   EXPECT_EQ(parameters.FileName(), "all-parameters.csv");
-  ASSERT_EQ(parameters.Comments()->Count(), 3);  // added to the one there was
+  ASSERT_EQ(parameters.Comments()->Count(), 3);  // added to the existing one
   EXPECT_EQ(parameters.Comments()->Item(2), "a");
   EXPECT_EQ(parameters.Comments()->Item(3), "LoRec**");
   EXPECT_EQ(parameters.readFile(folder.file("none")), AQ_DATA_FILE_ERROR);

@@ -26,7 +26,7 @@ std::shared_ptr<AQ_Position> position(double seconds, double x = 0) {
   return made;
 }
 
-/// The search as it is described, place by place.
+/// The documented search, index by index.
 std::shared_ptr<AQ_Position> describedSearch(const AQ_PositionTimeHistory& history, double t) {
   const auto time = [&](std::int32_t place) {
     return history.Position(place)->Time()->TODseconds();
@@ -183,7 +183,7 @@ TEST(EmtRcvTable, RecordsAreAppendedAndColumnsAreSnapshots) {
     record->ACPosition()->X(seconds * 10);
     record->ACPosition()->Y(seconds * 100);
     record->ACPosition()->Z(seconds * 1000);
-    table.Record(1, record);  // the place does not matter
+    table.Record(1, record);  // the index is ignored
   }
   const auto before = table.T();
   table.Record(1)->T()->TODseconds(9);

@@ -31,7 +31,7 @@ TEST(Mask, Letters) {
   EXPECT_EQ(mask.Copy()->MaskString(), "");
 }
 
-/// One column with a wrong letter or without its comma, at every place among others.
+/// One column with a wrong letter or without its comma, at every position among others.
 TEST(MaskCode, ColumnsAreTakenUpToTheFirstOfAnotherForm) {
   for (const char* wrong : {"xS,", "Mx,", "MS;", "\xFF\xFF,", ",,,"}) {
     for (std::size_t count = 0; count < 10; ++count) {
@@ -79,7 +79,7 @@ TEST(MaskRow, CopyFillsTheRange) {
   row.Mask(24)->MaskString("--");
   EXPECT_EQ(copy->Mask(24)->MaskString(), "MS");
   EXPECT_EQ(copy->Mask(22)->MaskString(), "--");
-  row.Mask(22, std::make_shared<AQ_Mask>());  // the copy made one here, so this removes it
+  row.Mask(22, std::make_shared<AQ_Mask>());  // the copy created one here, so this removes it
   const auto given = std::make_shared<AQ_Mask>();
   row.Mask(22, given);
   EXPECT_EQ(row.Mask(22), given);

@@ -104,7 +104,7 @@ TEST(EmissionGeometry, Angles) {
       {{0, 0, 0, 100}, {10, 0.001, 0, 100}, at(100, 0, 100), 0, 0},     // ahead
       {{0, 0, 0, 100}, {10, 0.001, 0, 100}, at(-100, 0, 100), 180, 0},
       {{0, 0, 0, 100}, {10, 0, 0, 100.001}, at(100, 50, 100), 90, 0},  // climbs straight up
-      // Climbs at 45 degrees over a microphone beside it: below is then half ahead.
+      // Climbs at 45 degrees past a microphone to the side: below is then half ahead.
       {{0, 0, 0, 100},
        {10, 0.001, 0, 100.001},
        at(0, 100, 0),

@@ -34,9 +34,9 @@ TEST(NoiseEvent, LimitsAreTheNearerRecords) {
       {{80, 86, 90, 96, 90, 86, 80}, 3, 1, 5},          // just at the limit
       {{80, 84, 87, 96, 96, 87.1, 84.7, 80}, 3, 2, 5},  // nearer inside
       {{80, 85, 88, 96, 88, 85, 80}, 3, 1, 5},          // nearer outside
-      {{80, 84.7, 87.3, 96, 87.3, 84.7, 80}, 3, 1, 5},  // both as near
+      {{80, 84.7, 87.3, 96, 87.3, 84.7, 80}, 3, 1, 5},  // both equally near
       {{80, 90, 80, 96, 80, 90, 80}, 3, 1, 5},          // dips stay in
-      {{80, 86, 80, 96, 80, 86, 80}, 3, 2, 5},          // comes above; stays below
+      {{80, 86, 80, 96, 80, 86, 80}, 3, 2, 5},          // rises above; stays below
       {{90, 96, 86}, 1, {}, 2},
       {{86, 96, 90}, 1, 0, {}},
       {{96}, 0, {}, {}},
@@ -84,7 +84,8 @@ TEST(NoiseEvent, SecondPeaks) {
   EXPECT_EQ(eventOf({80, 94, 93.9, 96, 95.9, 96, 80, 95, 80}).secondPeaks, (Peaks{1, 5, 7}));
   EXPECT_EQ(eventOf({80, 93.9, 80, 96, 80}).secondPeaks, Peaks());  // more than 2 dB down
   EXPECT_EQ(eventOf({80, 95, 94.95, 96, 90, 95, 95, 80}).secondPeaks, Peaks());  // too flat
-  EXPECT_EQ(eventOf({95, 90, 96, 90, 95}).secondPeaks, Peaks());  // at an end, one neighbour lacks
+  EXPECT_EQ(eventOf({95, 90, 96, 90, 95}).secondPeaks,
+            Peaks());  // at an end, one neighbour is missing
   EXPECT_EQ(eventOf({80, 96, kNone, 95, kNone, 80}).secondPeaks, Peaks{3});
   EXPECT_EQ(eventOf({80, 95, 94.9, 96.99, 80}).secondPeaks, Peaks{1});
 }

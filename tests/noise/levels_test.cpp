@@ -18,7 +18,7 @@ using test::spectrumOf;
 
 double square(double x) { return x * x; }
 
-// Annex E of IEC 61672-1, from the corner frequencies that it names; dB at 1 kHz is taken off.
+// Annex E of IEC 61672-1, from the corner frequencies that it names, relative to 1 kHz.
 double curveC(double f) {
   const double low = 1000;
   const double high = std::pow(10, 7.8);
@@ -105,7 +105,7 @@ TEST(WeightedLevel, OfHundredthsIsThatOfDoubles) {
   }
 }
 
-/// Noys of a band, from the level of one that sounds alone.
+/// Noys of a band, from the perceived noise level of that band alone.
 double noys(std::int16_t band, double level) {
   const double pnl = perceivedNoiseLevel(test::spectrumOf(band, {level}));
   return pnl == 0 ? 0 : std::pow(2, (pnl - 40) / 10);

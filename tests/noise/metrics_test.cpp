@@ -26,7 +26,7 @@ std::shared_ptr<AQ_Spectrum> recordAt(double seconds, double level) {
   return record;
 }
 
-/// Records from `first` on, half a second each.
+/// Records numbered from `first`, half a second each.
 AQ_SpectralTimeHistory historyOf(std::int16_t first, double seconds,
                                  const std::vector<double>& levels) {
   AQ_SpectralTimeHistory history;
@@ -124,7 +124,7 @@ TEST(SetMetrics, MasksByRecordNumberAndStayAsTheyAre) {
   EXPECT_EQ(map.Row(2)->LowBand(), 34);
   EXPECT_FALSE(map.contains(1));
   EXPECT_EQ(map.Row(3)->LGB(), 0);
-  setMetrics(history);  // no map says anything new about the last good band
+  setMetrics(history);  // without a map, the last good band stays
   EXPECT_EQ(history.spectrum(4)->Metric()->LGB(), 9999);
   EXPECT_EQ(history.spectrum(2)->Metric()->TONEBND(), 34);
 }
@@ -165,7 +165,8 @@ TEST(SetMetrics, TimeBetweenStampsCounts) {
   }
   EXPECT_NEAR(epnl(slow), epnl(usual) + 10 * std::log10(4), 1e-9);
 
-  AQ_SpectralTimeHistory gap;  // record 3 lacks, so record 2 lasts a second; the last one does too
+  AQ_SpectralTimeHistory
+      gap;  // record 3 is missing, so record 2 lasts a second, and so does the last one
   gap.spectrum(1, recordAt(0, 40));
   gap.spectrum(2, recordAt(0.5, 60));
   gap.spectrum(4, recordAt(1.5, 60));
@@ -196,7 +197,7 @@ TEST(SetMetrics, AFailureLeavesTheHistoryAsItWas) {
   EXPECT_TRUE(unchanged(loud, 1));
 
   auto wide = historyOf(1, 10, {60, 61});
-  wide.spectrum(2)->SPL(50, 1e300);  // a level, and no single precision
+  wide.spectrum(2)->SPL(50, 1e300);  // a level beyond single precision
   EXPECT_ERROR(setMetrics(wide), Overflow);
   EXPECT_EQ(wide.spectrum(1)->Metric()->PNL(), 0);
 
@@ -208,7 +209,7 @@ TEST(SetMetrics, AFailureLeavesTheHistoryAsItWas) {
 
 TEST(AuditMetrics, ListsWhatIsStoredAndNotSo) {
   auto history = historyOf(1, 3600, kFlyOver);
-  EXPECT_TRUE(auditMetrics(history, nullptr, 0).empty());  // carries none
+  EXPECT_TRUE(auditMetrics(history, nullptr, 0).empty());  // has no stored metrics
   EXPECT_FALSE(history.spectrum(1)->hasMetric());
   AQ_MaskMap map;
   map.Row(3, std::make_shared<AQ_MaskRow>(rowOf(30, {"M-"})));

@@ -27,7 +27,7 @@ TEST(ToneCorrection, WorkedExampleStepByStep) {
   const std::vector<double> adjusted{70, 62, 71, 80, 82, 79, 76, 78, 80, 79, 78,
                                      80, 78, 76, 79, 79, 79, 78, 71, 60, 54, 45};
   const std::vector<double> thirds{
-      // of the background, beyond whole decibels
+      // of the background, in addition to whole decibels
       70, 67 + 2.0 / 3, 71,           77 + 2.0 / 3, 80 + 1.0 / 3, 79,           77 + 2.0 / 3,
       78, 79,           79,           79,           78 + 2.0 / 3, 78,           77 + 2.0 / 3,
       78, 79,           78 + 2.0 / 3, 76,           69 + 2.0 / 3, 61 + 2.0 / 3, 53,
@@ -74,7 +74,7 @@ TEST(ToneCorrection, LastBand) {
   EXPECT_EQ(masked.lastBand, 35);
   EXPECT_EQ(masked.rows.back().band, 35);
   EXPECT_EQ(masked.rows.back().meanSlope, std::nullopt);
-  // 3.15 kHz ends the spectrum, so that its slope of 0 goes on: 78, 79, 79 and background 79.
+  // 3.15 kHz ends the spectrum, so its slope of 0 continues: 78, 79, 79 and background 79.
   EXPECT_NEAR(*masked.rows.back().background, 79, 1e-12);
   EXPECT_NEAR(masked.correction, 2, 1e-12);
 
@@ -97,7 +97,7 @@ TEST(ToneCorrection, AMarkedLastLevelGoesOnAsTheSlopeBeforeIt) {
 }
 
 TEST(ToneCorrection, FromDifference) {
-  // A tone of so many dB on a flat spectrum is that much above its background, up to 500 dB.
+  // A tone of n dB on a flat spectrum is n dB above its background, up to 500 dB.
   const auto toneOf = [](std::size_t at, double height) {
     std::vector<double> levels(22, 60);
     levels[at] += height;
@@ -111,7 +111,7 @@ TEST(ToneCorrection, FromDifference) {
       EXPECT_NEAR(toneOf(at, height).correction, twice * correction, 1e-9) << height;
       EXPECT_EQ(toneOf(at, height).band, 19 + static_cast<int>(at));
     }
-    // Two of three slopes about a level that is not taken out hold it.
+    // Two of the three slopes around a level that is not removed include it.
     EXPECT_NEAR(toneOf(at, 2.4).correction, twice * (1.6 / 3 - 0.5), 1e-9);
     EXPECT_EQ(toneOf(at, 2).correction, 0);
     EXPECT_EQ(toneOf(at, 2).band, 0);

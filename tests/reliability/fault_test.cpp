@@ -1,5 +1,5 @@
-// Every call to the system and for memory fails once, in every format: what is left is a clean
-// error or the right result, the old file or the new one, no temporary, no open file.
+// Makes every system call and allocation fail once, in every format: the outcome must be a clean
+// error or the right result, the old file or the new one, no temporary and no open file.
 #include <aq/aq.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -35,7 +35,7 @@ End endOf(const Work& work) {
 
 const std::string kOld = "old\n";
 
-/// What the name stands for that `work` writes to.
+/// The kind of target that `work` writes to.
 enum class Target { File, Link, Nothing };
 
 std::string madeIn(const test::Folder& folder, Target target, const std::string& name) {
@@ -46,8 +46,8 @@ std::string madeIn(const test::Folder& folder, Target target, const std::string&
   return path;
 }
 
-/// Runs `work(path)`, each time with a fault at a later call, until a run passes untouched; gives
-/// how many calls there were. `expected` is the new content.
+/// Runs `work(path)`, each time with a fault at a later call, until a run has no fault; returns the
+/// number of calls. `expected` is the new content.
 template <class Work>
 long strikeAll(Fault fault, const std::string& expected, const Work& work,
                const std::string& name = "target.csv", Target target = Target::File) {
@@ -73,8 +73,8 @@ long strikeAll(Fault fault, const std::string& expected, const Work& work,
   }
 }
 
-/// The same with a process of its own that is killed at the call; `isWhole` says which content may
-/// be left.
+/// The same in a child process that is killed at the call; `isWhole` says which content may be
+/// left.
 template <class Work, class IsWhole>
 long killAll(const Work& work, const IsWhole& isWhole, const std::string& name = "target.csv") {
   for (long nth = 1;; ++nth) {
@@ -139,7 +139,7 @@ TEST(Faults, EveryCallMayFailOrBeTheLastInText) {
   }
   EXPECT_GT(strikeAll(Fault::Interruption, appended, asText(from, append)), 5);
   const auto isEither = [&](const std::string& left) { return left == kOld || left == written; };
-  const auto isPart = [&](const std::string& left) {  // a kill may divide what is appended
+  const auto isPart = [&](const std::string& left) {  // a kill may split what is appended
     return left.starts_with(kOld) && appended.starts_with(left);
   };
   EXPECT_GT(killAll(asText(from, write), isEither), 10);
@@ -157,7 +157,7 @@ TEST(Faults, BytesReachTheDiskBeforeTheName) {
     test::disarm();
     return test::callsMade();
   };
-  // Only what is promised: of these calls, the order.
+  // Tests only the promised order of these calls.
   const auto orderOf = [&](auto&& work) {
     std::istringstream calls(callsOf(work));
     std::string order;

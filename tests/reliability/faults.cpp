@@ -23,7 +23,7 @@ Fault kind = Fault::Refusal;
 long callsLeft = 0;
 std::size_t allocated = 0;
 std::size_t peak = 0;
-std::array<char, 1024> calls;  // no string, whose memory would count
+std::array<char, 1024> calls;  // not a string, whose memory would count
 
 bool strikesNext() {
   if (--callsLeft != 0) return false;
@@ -32,7 +32,7 @@ bool strikesNext() {
   return true;
 }
 
-/// Whether the fault strikes this call to the system.
+/// Whether the fault hits this system call.
 bool strikes(std::string_view call, bool interruptible = true) {
   if (!armed) return false;
   const std::size_t used = std::strlen(calls.data());
@@ -42,7 +42,7 @@ bool strikes(std::string_view call, bool interruptible = true) {
   return (interruptible || kind != Fault::Interruption) && strikesNext();
 }
 
-/// What the system says when it refuses: -1, and why.
+/// The result of a refused system call: -1 and errno.
 int refusal(int error) {
   errno = kind == Fault::Interruption ? EINTR : error;
   return -1;
@@ -92,12 +92,12 @@ void operator delete[](void* memory) noexcept { aq::test::release(memory); }
 void operator delete(void* memory, std::size_t) noexcept { aq::test::release(memory); }
 void operator delete[](void* memory, std::size_t) noexcept { aq::test::release(memory); }
 
-// The linker hands the calls over here (--wrap), and the real ones under their second name.
+// The linker redirects the calls here (--wrap); the real ones have a second name.
 #define AQ_WRAPPED(Result, call, parameters)  \
   extern "C" Result __real_##call parameters; \
   extern "C" Result __wrap_##call parameters
 
-// A call that says `error` when it is struck.
+// A call that fails with `error` when hit.
 #define AQ_WRAP(Result, call, error, interruptible, parameters, arguments) \
   AQ_WRAPPED(Result, call, parameters) {                                   \
     const bool strikes = aq::test::strikes(#call, interruptible);          \
@@ -115,16 +115,16 @@ AQ_WRAP(int, fchown, EPERM, false, (int handle, uid_t owner, gid_t group), (hand
 AQ_WRAP(ssize_t, readlink, EIO, false, (const char* path, char* text, size_t size),
         (path, text, size))
 AQ_WRAP(int, rename, EIO, false, (const char* from, const char* to), (from, to))
-// Those that follow a failure do not fail too, but a process may end at them.
+// Calls after a failure do not fail too, but a process may end at them.
 AQ_WRAP(int, ftruncate, EIO, true, (int handle, off_t size), (handle, size))
 AQ_WRAP(int, unlink, EIO, false, (const char* path), (path))
 
 AQ_WRAPPED(int, close, (int handle)) {
   const bool strikes = aq::test::strikes("close");
-  const int result = __real_close(handle);  // closed whatever it says
+  const int result = __real_close(handle);  // closed in any case
   return strikes ? aq::test::refusal(EIO) : result;
 }
-/// A full disk takes a part first.
+/// A full disk writes a part first.
 AQ_WRAPPED(ssize_t, write, (int handle, const void* bytes, size_t size)) {
   if (aq::test::strikes("write")) return aq::test::refusal(ENOSPC);
   return __real_write(handle, bytes, std::max<size_t>(size / 2, 1));

@@ -3,26 +3,25 @@
 #include <cstddef>
 #include <string>
 
-// Makes one call fail that the library, linked into this program, makes to the system or for
-// memory.
+// Makes one system call or allocation of the library, linked into this program, fail.
 namespace aq::test {
 
 enum class Fault {
   Refusal,       // the call fails, memory runs out
-  Interruption,  // the call is to be repeated; memory is not concerned
-  Kill,          // the process ends at the call; memory is not concerned
+  Interruption,  // the call must be repeated; not for memory
+  Kill,          // the process ends at the call; not for memory
 };
 
-/// Lets the n-th call from now on suffer a fault.
+/// Makes the n-th call from now fail.
 void arm(Fault fault, long nth);
 
-/// Ends that; gives whether the fault struck.
+/// Ends this; returns whether the fault happened.
 bool disarm();
 
 /// The most bytes that were allocated at once since `arm`.
 std::size_t peakOfMemory();
 
-/// The names of the calls to the system since then, each with a blank behind it.
+/// The names of the system calls since then, each followed by a blank.
 std::string callsMade();
 
 }  // namespace aq::test

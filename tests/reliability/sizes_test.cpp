@@ -1,4 +1,4 @@
-// Numbers, lines and files of hostile size: memory stays in proportion to the bytes, and a failure
+// Numbers, lines and files of hostile size: memory stays proportional to the bytes, and a failure
 // names its place.
 #include <aq/aq.h>
 #include <gtest/gtest.h>
@@ -26,8 +26,8 @@ std::size_t memoryOf(const Work& work) {
 
 constexpr std::size_t kBlock = std::size_t{160} << 10;  // the reader's block, and the objects
 
-/// Reads `content` by `format`, and expects a place where it fails and memory for four times the
-/// bytes at the most.
+/// Reads `content` by `format`, and expects a failure with its place and at most four times the
+/// bytes of memory.
 void readModestly(const test::FormatCalls& format, const std::string& content) {
   const test::Folder folder;
   const std::string path = folder.with("a", content);
@@ -132,7 +132,7 @@ TEST(Sizes, ALineOfTwoGigabytes) {
   if (free < 4 * kSize) GTEST_SKIP() << "needs 8 GiB of free memory";
   const test::Folder folder;
   const std::string path = folder.with("a", "FileType**,");
-  fs::resize_file(path, kSize);  // with zeros, which take no room on the disk
+  fs::resize_file(path, kSize);  // with zeros, which take no space on the disk
   test::Outcome outcome;
   const auto read = [&] { outcome = test::kFormats.at("spectral-time-history").read(path); };
   EXPECT_LT(memoryOf(read), 4 * kSize);

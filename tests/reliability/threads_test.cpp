@@ -11,7 +11,7 @@
 namespace aq {
 namespace {
 
-/// Rewrites samples of every format again and again; gives how many came out otherwise.
+/// Rewrites samples of every format repeatedly; returns how many came out different.
 int rewriteAll(const test::Folder& folder, int worker) {
   int wrong = 0;
   for (int round = 0; round < 5; ++round) {

@@ -1,5 +1,5 @@
-// What stays of a file that is replaced or appended to: its permissions, its links, its content
-// when the system refuses.
+// What replacing or appending keeps of a file: its permissions, its links, and its content if the
+// system refuses.
 #include <aq/aq.h>
 #include <aq/core/platform.h>
 #include <fcntl.h>
@@ -41,7 +41,7 @@ std::string refusalOf(AQ_DataASCII text, const std::string& path) {
   return text.lastFailure()->expected + ", " + text.lastFailure()->found;
 }
 
-/// Runs `check` in a process of its own; gives whether it is true.
+/// Runs `check` in a child process and returns its result.
 template <class Check>
 bool inChild(const Check& check) {
   const pid_t child = ::fork();
@@ -50,7 +50,7 @@ bool inChild(const Check& check) {
   return ::waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-/// Gives up the privileges that let a process pass permissions.
+/// Drops the privileges that let a process bypass permissions.
 bool becomeNobody() {
   constexpr uid_t kNobody = 65534;
   if (::geteuid() != 0) return true;
@@ -80,7 +80,7 @@ TEST(Write, PermissionsStayAndNewFilesHaveTheUsual) {
 }
 
 TEST(Platform, LocalTimesAreOfTheYearsOneTo9999) {
-  constexpr std::time_t kTwoDays = 2 * 86400;  // more than any zone is from the zeroth meridian
+  constexpr std::time_t kTwoDays = 2 * 86400;  // more than the offset of any time zone
   for (const std::time_t end : {std::time_t{-62135596800}, std::time_t{253402300800}}) {
     const std::time_t inside = end < 0 ? end + kTwoDays : end - kTwoDays;
     EXPECT_TRUE(platform::localTime(inside));
@@ -118,14 +118,14 @@ TEST(Write, LinksStayAndOtherNamesKeepTheOldFile) {
   EXPECT_EQ(test::contentOf(file), "new\n");
   EXPECT_EQ(test::contentOf(folder.file("sub/none")), "new\n");
   EXPECT_EQ(test::contentOf(folder.file("other")), "old");
-  // What /proc leads to is a file as any, unless it is the number of an open one.
+  // A name below /proc is an ordinary file, unless it is the number of an open one.
   fs::create_directory(folder.file("fd"));
   fs::create_hard_link(file, folder.file("fd/1"));
   EXPECT_TRUE(writes("/proc/self/root" + folder.file("fd/1")));
   EXPECT_EQ(fs::hard_link_count(file), 1U);
 }
 
-/// Appending waits for another appender, and then goes on with the file that has the name.
+/// Appending waits for another appender, and then continues with the file that has the name.
 TEST(Write, AnAppendFollowsTheName) {
   const test::Folder folder;
   const std::string path = folder.with("a", "old");
@@ -159,7 +159,7 @@ TEST(Write, WhatIsNoRegularFileIsWrittenStraight) {
   reader.join();
   ::close(pipe[0]);
   ::close(pipe[1]);
-  // A name of an open file, as /dev/stdout, goes on naming it.
+  // A name of an open file, such as /dev/stdout, keeps naming it.
   const test::Folder folder;
   std::FILE* const open = std::fopen(folder.with("a", "old").c_str(), "r");
   EXPECT_TRUE(
@@ -167,18 +167,18 @@ TEST(Write, WhatIsNoRegularFileIsWrittenStraight) {
   std::array<char, 8> content{};
   EXPECT_EQ(std::fread(content.data(), 1, content.size(), open), 4U);
   std::fclose(open);
-  std::FILE* const shared = std::fopen(folder.file("a").c_str(), "a");  // as behind >> of a shell
+  std::FILE* const shared = std::fopen(folder.file("a").c_str(), "a");  // as with >> in a shell
   EXPECT_TRUE(writes("/dev/fd/" + std::to_string(fileno(shared))));
   EXPECT_EQ(test::contentOf(folder.file("a")), "new\nnew\n");
   std::fclose(shared);
-  std::FILE* const begun = std::fopen(folder.file("a").c_str(), "w");  // as behind > of a shell
+  std::FILE* const begun = std::fopen(folder.file("a").c_str(), "w");  // as with > in a shell
   EXPECT_EQ(textOf("1").appendLines("/dev/fd/" + std::to_string(fileno(begun))), AQ_DATA_OK);
   EXPECT_EQ(std::fwrite("2\n", 1, 2, begun), 2U);
   std::fclose(begun);
   EXPECT_EQ(test::contentOf(folder.file("a")), "1\n2\n");
 }
 
-/// What a writer other than the owner leaves of a file's owner and permissions.
+/// What a writer other than the owner keeps of a file's owner and permissions.
 TEST(Write, ForeignFilesKeepTheirOwnerWhereTheSystemAllows) {
   if (::geteuid() != 0) GTEST_SKIP() << "needs the rights to give files away";
   constexpr uid_t kNobody = 65534;

@@ -23,7 +23,7 @@ FORMATS = [*files.SAMPLES, "HP3565"]  # recordings read straight, or through the
 
 
 def library(program, paths):
-    """The lines that the program prints for each path, up to one that ends it."""
+    """The lines that the program prints for each path, up to its end line."""
     run = subprocess.run(
         [program],
         input="".join(f"{name} {path}\n" for name, path in paths),
@@ -50,7 +50,7 @@ def opinion(variant, content):
 
 
 def near(ours, theirs):
-    """Whether two lines are the same but for the last digits of levels that were computed."""
+    """Whether two lines are equal except for the last digits of computed levels."""
     pairs = [(a, b) for a, b in zip(ours.split(), theirs.split()) if a != b]
     try:
         return len(ours.split()) == len(theirs.split()) and all(
@@ -67,7 +67,7 @@ def agree(variant, ours, theirs):
 
 
 def compare(program, kept, seed, name, first, count):
-    """The numbers of files, of those that read and of those that fail; and the differences."""
+    """The numbers of files, of readable and of failing ones; and the differences."""
     with tempfile.TemporaryDirectory() as folder:
         inputs = []
         for index in range(first, first + count):

@@ -3,7 +3,7 @@
 
     compare_metrics.py PROGRAM [COUNT] [--seed N]
 
-Values agree to 1e-9 dB and 1e-9 s. Prints what differs, with the seed that makes it again."""
+Values agree to 1e-9 dB and 1e-9 s. Prints what differs, with the seed that reproduces it."""
 
 import argparse
 import concurrent.futures
@@ -21,7 +21,7 @@ LEVEL, SECONDS, METRES, DEGREES = 1e-9, 1e-9, 1e-6, 1e-4  # angles are single pr
 
 
 def level(rng, mean):
-    """A level about `mean` dB: as files have them as a rule, and now and then another."""
+    """A level about `mean` dB: usually in the form of files, now and then another."""
     kind = rng.random()
     if kind < 0.9:
         return round(rng.gauss(mean, 3), 2)
@@ -31,7 +31,7 @@ def level(rng, mean):
 
 
 def history(rng):
-    """Records of an aircraft going by, and their map or None."""
+    """Records of an aircraft passing by, and their map or None."""
     low, high = rng.choice([(17, 40)] * 6 + [(10, 43), (2, 50), (19, 35), (20, 40), (30, 30)])
     count = rng.choice([1, 2, 3, 5, 12, 30])
     number, seconds = rng.choice([1, 1, 1, -3, 50]), rng.choice([0.0, 36000.25, 86395.0])
@@ -80,7 +80,7 @@ def history_text(records, masks):
 
 
 def metrics_opinion(records, masks):
-    """The values that the program has to print, each with how far it may be off."""
+    """The values that the program must print, each with its tolerance."""
     rows, event = metrics.metrics(records, masks)
     lines = []
     for record, row in zip(records, rows):

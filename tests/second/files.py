@@ -1,4 +1,4 @@
-"""Files of every format made from a random source: good ones, odd ones and damaged ones."""
+"""Random files of every format: good, odd and damaged ones."""
 
 import decimal
 import pathlib
@@ -222,7 +222,7 @@ SCRIBBLES = [
 
 
 def odd(rng, cell=""):
-    """A text that is no value of the cell's kind, or only just one; or of any other kind."""
+    """A text that is not, or barely, a value of the cell's kind, or of another kind."""
     kind = "/" in cell and DATES or ":" in cell and TIMES or re.search("[0-9]", cell) and NUMBERS
     if rng.random() < 0.4:
         return "".join(rng.choices(rng.choice(SCRIBBLES), k=rng.randint(1, 9)))
@@ -230,7 +230,7 @@ def odd(rng, cell=""):
 
 
 def halfway(rng):
-    """In the middle between two neighbours in single or double precision, or just beside it."""
+    """Half-way between two neighbours in single or double precision, or next to it."""
     odd_bits = rng.getrandbits(rng.choice([25, 54])) | 1
     with decimal.localcontext() as context:
         context.prec = 400
@@ -363,7 +363,7 @@ def good(name, rng):
 
 
 def damaged(lines, rng):
-    """One thing of a file is broken, or only made odd."""
+    """Damages one thing in a file, or only makes it odd."""
     if not lines:
         return [odd(rng)]
     place = rng.randrange(len(lines))
@@ -390,7 +390,7 @@ def damaged(lines, rng):
 
 
 def file(name, rng):
-    """The format as print_file takes it, and a content."""
+    """The format as print_file expects it, and a content."""
     lines = rng.choice(SAMPLES[name]).split("\n") if rng.random() < 0.2 else good(name, rng)
     long = name in ("PTH", "GTH", "TSPI") and rng.random() < 0.001
     if long:

@@ -1,7 +1,8 @@
-"""Noise metrics of a history, computed a second time: plainly, from the regulations' formulas and in
-plain Python, without knowledge of the library's code. A history is a list of records
-{"number", "seconds", "levels": {band: level}} in the order of their numbers, a map
-{record number: {band: (mode, adjustment)}}; what has no value is None."""
+"""Noise metrics of a history, computed a second time: plainly, from the regulations' formulas and
+in plain Python, without knowledge of the library's code. A history is a list of records {"number",
+"seconds", "levels": {band: level}} in the order of their numbers, a map {record number: {band:
+(mode, adjustment)}}; a missing value is None.
+"""
 
 import cmath
 import math
@@ -172,7 +173,7 @@ def tone(levels):
 
 
 def last_good_band(masks):
-    """9999 where 28 and 29 are masked, else the band below the first masked one from 29 up."""
+    """9999 if 28 and 29 are masked, otherwise the band below the first masked one from 29 up."""
 
     def masked(band):
         return masks.get(band, (0, 0))[0] != 0
@@ -193,7 +194,7 @@ def steps(seconds):
 
 
 def event(pnlt, seconds, corrections=None):
-    """The event of a list of PNLT; None where a record has none."""
+    """The event of a list of PNLT; None for a record without one."""
     low = -math.inf
     value = [low if p is None else p for p in pnlt]
     top = max(value)
@@ -249,7 +250,7 @@ def event(pnlt, seconds, corrections=None):
 
 
 def metrics(history, masks=None):
-    """The metrics of each record, and the event or None; places count from the lowest number."""
+    """The metrics of each record, and the event or None; indices count from the lowest number."""
     rows = []
     for record in history:
         row = (masks or {}).get(record["number"], {})
@@ -263,7 +264,7 @@ def metrics(history, masks=None):
         values["LGB"] = None if masks is None else last_good_band(row)
         values["INTEG"] = 0
         rows.append(values)
-    # A number without a record is a place without a level; the record before it lasts until the
+    # A number without a record is an index without a level; the record before it lasts until the
     # next one.
     lowest = history[0]["number"]
     places = history[-1]["number"] - lowest + 1
@@ -294,8 +295,9 @@ def dot(a, b):
 
 
 def emission(fixes, microphone, received, celsius):
-    """When the sound that comes at `received` was emitted, and how it lies; None outside `fixes`, a
-    list of (seconds of the day, (x, y, z)) in the order of time."""
+    """When the sound that arrives at `received` was emitted, and its geometry; None outside
+    `fixes`, a list of (seconds of the day, (x, y, z)) in the order of time.
+    """
     c = 343.2 * math.sqrt((celsius + 273.15) / 293.15)
     times = [fixes[0][0]]
     for before, fix in zip(fixes, fixes[1:]):

@@ -1,5 +1,5 @@
-// Reads files and prints every value that the library hands out, for comparison with reader.py.
-// Each line of the input is `FORMAT path`; each answer ends with the line `end`.
+// Reads files and prints every value that the library returns, for comparison with reader.py. Each
+// line of the input is `FORMAT path`; each answer ends with the line `end`.
 
 #include <iostream>
 #include <string>

@@ -16,7 +16,7 @@ namespace {
 
 template <class Number = double>
 Number next() {
-  std::string text;  // a stream reads no nan
+  std::string text;  // a stream does not read nan
   std::cin >> text;
   return static_cast<Number>(std::strtod(text.c_str(), nullptr));
 }

@@ -1,7 +1,7 @@
 """A second reader of every file format, plain and slow, written from docs/formats alone.
 
 `opinion(format, content)` gives the lines that print_file gives for such a file. Contents are texts
-of one character a byte."""
+of one character per byte."""
 
 import datetime
 import decimal
@@ -138,10 +138,10 @@ COUNTED = 32767  # the most data lines of files whose lines are numbered
 
 
 class Failure(Exception):
-    """The line and field where a file does not read; field 0 is the whole line."""
+    """The line and field where a file cannot be read; field 0 is the whole line."""
 
 
-# Texts to values. A text that is none raises ValueError.
+# Texts to values. Any other text raises ValueError.
 
 NUMBER = re.compile(r"[+-]?([0-9]+\.?[0-9]*|\.[0-9]+)([eE][+-]?[0-9]+)?")
 
@@ -161,7 +161,7 @@ def narrowed(value):
 
 
 def single(text):
-    """Rounded once: the double in between keeps a last bit that tells what it does not hold."""
+    """Rounds once: the intermediate double keeps a sticky last bit."""
     value = double(text)
     exact = decimal.Decimal(text.strip(" ") if value else 0).copy_abs()
     if exact != decimal.Decimal(value).copy_abs():
@@ -246,7 +246,7 @@ KINDS = {
 
 
 def take(line, fields, kinds, first=1):
-    """The values of a line's fields, of which the first is called `first`."""
+    """The values of a line's fields, the first of which is called `first`."""
     values = []
     for place, kind in enumerate(kinds):
         try:
@@ -273,7 +273,7 @@ class File:
         return [plain(field) for field in line.split(",")]
 
     def rows(self, kinds, most=math.inf):
-        """The values of all lines that are left."""
+        """The values of all remaining lines."""
         for count, line in enumerate(self.lines[self.number :], 1):
             self.number += 1
             if count > most:

@@ -61,7 +61,7 @@ INSTRUMENTS = dict(
 
 
 class Refused(Exception):
-    """What cannot be read as a history."""
+    """A recording that cannot be read as a history."""
 
 
 def require(condition, what):
@@ -136,7 +136,7 @@ class Recording:
         return records
 
     def newer(self, record, key, since):
-        """A field that revision `since` replaced an old one by."""
+        """A field that replaced an old one in revision `since`."""
         value = record[key] if self.revision >= since else None
         value = record[key + "_old"] if value is None else value
         require(value is not None, key)
@@ -190,7 +190,7 @@ class Recording:
         self.place_x()
 
     def place_x(self):
-        """One x vector for each trace may be one for each row, whatever its scan."""
+        """One x vector per trace may be one per row, for all scans."""
         room = self.x[0]["size"] if self.x else 6
         self.x_scans = True
         if self.x_end() > room:
@@ -232,7 +232,7 @@ class Recording:
 
 
 def bands_of(xs):
-    """The band of each point, None behind the last one; refused where another fits none."""
+    """The band of each point, None after the last band; fails if another point fits no band."""
     found = []
     for x in xs:
         require(math.isfinite(x), "x")
@@ -311,7 +311,7 @@ def octave_levels(xs, ys):
 
 
 def synthesised(xs, ys, start, stop):
-    """Sums over the bins of each band that they cover; a bin on an edge is split by width."""
+    """The sums over the bins of each covered band; a bin on an edge is split by width."""
     require(all(a < b for a, b in zip(xs, xs[1:])), "rising x")
     xs, ys = xs[start : stop + 1], ys[start : stop + 1]
     require(len(xs) > 1, "bins")

@@ -1,5 +1,6 @@
-"""Analyzer recordings made from a random source: all revisions, kinds of x and y, scan orders and
-units; and damaged ones."""
+"""Random analyzer recordings: all revisions, kinds of x and y, scan orders and units; and damaged
+ones.
+"""
 
 import math
 import struct
@@ -144,7 +145,7 @@ class Maker:
         )
 
     def scan_records(self):
-        """The scan record, and those of revision 3 in its place."""
+        """The scan record, or those of revision 3 instead."""
         rng = self.rng
         if not self.scans:
             return [], []

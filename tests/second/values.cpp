@@ -56,7 +56,7 @@ void show(const char* key, const Values&... values) {
   out += '\n';
 }
 
-/// Each value on a line of its own, behind its key of several.
+/// Each value on its own line, after its key if there are several.
 template <class... Values>
 void showEach(std::string_view keys, const Values&... values) {
   const auto next = [&keys] {
@@ -229,7 +229,7 @@ void printTSPI(const std::string& path) {
 }
 
 void printINI(const std::string& path) {
-  AQ_DataINI file;  // no value is one that the file might leave by not setting it
+  AQ_DataINI file;  // no value equals one that a missing line leaves
   file.CalAdj(1);
   file.NuAvg(AQ_4S95);
   file.PrWndo(2);
@@ -245,7 +245,7 @@ void printINI(const std::string& path) {
            file.HiRec(), file.FileName(), *file.FileDate(), *file.Comments());
 }
 
-/// Of the notes, the words by which the second reader knows them.
+/// The words of the notes that the second reader prints.
 template <class Read>
 void printRecording(const std::string& path, const Read& read) {
   AQ_DataHP3565 file;
@@ -281,7 +281,7 @@ void printSDF(const std::string& path) {
   printRecording(path, [](AQ_DataHP3565& file, auto&... to) { return file.readFile(to...); });
 }
 
-/// The same through its text.
+/// The same through the text form.
 void printSDFText(const std::string& path) {
   printRecording(path, [](AQ_DataHP3565& file, const std::string& from, auto&... to) {
     const std::string text = from + ".asc";
@@ -307,7 +307,7 @@ void printSPC(const std::string& path) {
   for (const auto& [record, spectrum] : *history) show("date", spectrum->Time()->CurrentDate());
 }
 
-/// `options` are the delimiter, two digits a byte, and 1 for fields that may be quoted: `2c:1`.
+/// `options` are the delimiter, two digits per byte, and 1 for fields that may be quoted: `2c:1`.
 void printASCII(const std::string& path, const std::string& options) {
   AQ_DataASCII file;
   std::string delimiter;

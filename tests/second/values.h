@@ -4,7 +4,7 @@
 
 namespace aq::test {
 
-/// Every value that the library hands out for a file, one line a part of it. `format` is one of
+/// Every value that the library returns for a file, one line per part of it. `format` is one of
 /// `kFormats` in values.cpp, or `ASCII:` with its options.
 [[nodiscard]] std::string valuesOf(const std::string& format, const std::string& path);
 

@@ -133,7 +133,7 @@ TEST(History, BandsAcrossRecords) {
   partial.SPL(3, 1.0);
   partial.SPL(4, 2.0);
   partial.SPL(6, 4.0);
-  made->Band(20, partial);  // ends quietly at record 5
+  made->Band(20, partial);  // stops without an error at record 5
   EXPECT_EQ(made->spectrum(4)->SPL(20), Variant(2.0));
   EXPECT_EQ(made->spectrum(6)->SPL(20), Variant(std::int16_t{0}));
   const auto one = history(4, 4);
@@ -198,12 +198,12 @@ TEST(History, LastGoodBandsFromTheMap) {
     EXPECT_EQ(made.spectrum(record)->Metric()->LGB(), expected) << record;
     EXPECT_EQ(static_cast<float>(map.Row(record)->LGB()), expected) << record;
   }
-  EXPECT_EQ(map.Row(6)->HighBand(), 29);  // bands 28 and 29 came in
+  EXPECT_EQ(map.Row(6)->HighBand(), 29);  // bands 28 and 29 were created
   map.Row(9, map.Row(1));
   EXPECT_ERROR(made.setLGB(map), InvalidArgument);
   map.Row(1, nullptr);
   EXPECT_ERROR(made.setLGB(map), ObjectNotSet);
-  EXPECT_EQ(made.spectrum(1)->Metric()->LGB(), 0);  // that band stood for the row before
+  EXPECT_EQ(made.spectrum(1)->Metric()->LGB(), 0);  // that band was for the previous row
 }
 
 TEST(History, EncompassesTheMapRowByRow) {
@@ -248,7 +248,7 @@ TEST(AmbientMasking, ALevelTheMarginAboveIsNotMasked) {
     spectrum->SPL(static_cast<std::int16_t>(std::max<int>(20, spectrum->HighBand() + 1)), level);
   }
   history.spectrum(1, spectrum);
-  // Bands 28 and 29 come in with the last good band.
+  // Finding the last good band creates bands 28 and 29.
   EXPECT_EQ(maskedBy(history, {60.0000000004, 60, 60}), "--M------- 0");
   EXPECT_EQ(maskedBy(history, {60, 60}), "expected a level of the ambient in band 22, found none");
   EXPECT_EQ(maskedBy(history, {60, 9999, 60}),

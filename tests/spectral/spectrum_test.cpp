@@ -44,7 +44,7 @@ TEST(Spectrum, SharesAndCopiesItsObjects) {
   EXPECT_EQ(spectrum.Time(), spectrum.Time());
   const auto time = std::make_shared<AQ_Time>();
   spectrum.Time(time);
-  const auto bare = spectrum.Copy();  // as if of a metric with all values 0
+  const auto bare = spectrum.Copy();  // as if from a metric with all values 0
   EXPECT_EQ(bare->Copy()->Metric()->MetricValue(AQ_METRIC_LGB), Variant(0.0F));
   bare->Metric(nullptr);
   EXPECT_EQ(bare->Metric()->MetricValue(AQ_METRIC_LGB), Variant(std::int16_t{0}));

@@ -18,7 +18,7 @@ inline std::string contentOf(const std::filesystem::path& file) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-/// A folder that goes with the object.
+/// A temporary folder, removed with the object.
 class Folder {
  public:
   Folder() {
@@ -40,7 +40,7 @@ class Folder {
   std::filesystem::path path_;
 };
 
-/// A file information service whose dates stand still while the object lives.
+/// A file information service with fixed dates, in use while the object exists.
 class FixedInformation {
  public:
   FixedInformation() { setFileInformation(std::make_shared<Service>()); }

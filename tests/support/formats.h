@@ -13,22 +13,23 @@
 
 namespace aq::test {
 
-/// How a read ended: the failure, what was handed out all the same, and whether the result told the
-/// truth about both.
+/// The outcome of a read: the failure, what was returned in spite of it, and whether the result
+/// value agrees with both.
 struct Outcome {
   std::optional<FileFailure> failure;
   std::string handedOut;
   bool sound = true;
 };
 
-/// A kind of file with what reads it and, if there is a writer, what reads and writes it again.
+/// A kind of file with its reader and, if there is a writer, a function that reads and writes it
+/// again.
 struct FormatCalls {
   std::string code;  ///< as in "STH", its name for `valuesOf`
   std::function<Outcome(const std::string& path)> read;
   std::function<AQ_DataMessage(const std::string& from, const std::string& to)> rewrite = nullptr;
 };
 
-// What a failed read leaves in the caller's hands.
+// What a failed read returns to the caller.
 template <class Header, class Model>
 std::string handedOut(const FileClass& /*file*/, const Content<Header, Model>& content) {
   return std::string(content.header ? "header " : "") + (content.model ? "model " : "");

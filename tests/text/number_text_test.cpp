@@ -142,7 +142,7 @@ TEST(DateText, DaysOfTheCalendar) {
     EXPECT_EQ(dateFrom(dateText(end)), end);
     EXPECT_ERROR(dateText(end > 0 ? end + 1 : end - 1), Overflow);
   }
-  EXPECT_EQ(dateText(-0.75), "12/30/1899");  // the day is the whole part, before day zero too
+  EXPECT_EQ(dateText(-0.75), "12/30/1899");  // the day is the whole part, even before day zero
   for (const char* text :
        {"", "02/29/2023", "13/01/2020", "00/10/2020", "1/1/20", "1/1/0000", "1/1", "1/1/2020/1",
         "001/1/2020", "1/001/2020", "a/1/2020", "1/:/2020", "1-1-2020"}) {

@@ -61,7 +61,7 @@ class Choice {
     if (!fs::is_directory(name, error)) {
       onFile(session_, name, [&] { expectFile(name), addFile(name); });
     } else if (walkNew(name) && !seenMeasurement_) {
-      complainOf(name, "holds no measurement file", session_);
+      complainOf(name, "contains no measurement file", session_);
     }
   }
 
@@ -166,7 +166,7 @@ void expectOutput(const Session& session, const std::vector<std::string_view>& e
   std::error_code error;
   for (const std::string& input : inputs) {
     if (!fs::equivalent(output, input, error)) continue;
-    throw Failure(fmt::format("{}: is what is read, and would become a file of another kind",
+    throw Failure(fmt::format("{}: is an input, and would become a file of another kind",
                               aq::escaped(session.output)));
   }
 }
@@ -176,7 +176,7 @@ std::string outputPlace(const Session& session) {
   const bool replaces = !session.intoStream() && fs::is_regular_file(session.output, error);
   if (!replaces || session.force) return session.output;
   throw Failure(
-      fmt::format("{}: is there already; --force replaces it", aq::escaped(session.output)));
+      fmt::format("{}: already exists; --force replaces it", aq::escaped(session.output)));
 }
 
 void writeLines(const Session& session, const std::vector<std::string>& lines) {

@@ -112,7 +112,7 @@ std::string_view kindWord(aq::FileKind kind) {
 void expectKnownWords(const History& read, const std::string& path) {
   if (read.others.empty()) return;
   const aq::HistoryWords::Other& other = read.others.front();
-  throw Failure(fmt::format("{}: has the {} {}, which is not known, and would be written as {}",
+  throw Failure(fmt::format("{}: has the {} {}, which is unknown and would be written as {}",
                             aq::escaped(path), other.what, aq::shown(other.word), other.readAs));
 }
 
@@ -124,7 +124,7 @@ void expectFile(const std::string& path) {
   std::error_code error;
   const auto status = std::filesystem::status(path, error);
   if (!std::filesystem::is_other(status)) return;
-  throw Failure(fmt::format("{}: expected a file, which is read more than once, found a pipe",
+  throw Failure(fmt::format("{}: expected a file, since it is read more than once, found a pipe",
                             aq::escaped(path)));
 }
 

@@ -71,7 +71,7 @@ std::string toneText(const aq::ToneCorrection& tone) {
                                     : fmt::format("tone correction of {:.2f} dB for band {}",
                                                   tone.correction, bandText(tone.band));
   if (tone.lastBand == 40) return text;
-  return tone.rows.empty() ? fmt::format("{}, as band 19 (80 Hz) does not count", text)
+  return tone.rows.empty() ? fmt::format("{}, since band 19 (80 Hz) does not count", text)
                            : fmt::format("{}, of bands up to {}", text, bandText(tone.lastBand));
 }
 
@@ -89,7 +89,7 @@ std::vector<std::string> chosenHistories(Session& session) {
     return std::find(named.begin(), named.end(), file) == named.end() &&
            aq::kindOfFile(file) != aq::FileKind::SpectralTimeHistory;
   });
-  if (files.empty() && session.status() == kFine) throw Failure("there is no history");
+  if (files.empty() && session.status() == kFine) throw Failure("found no history");
   return files;
 }
 

@@ -13,9 +13,9 @@ namespace aqdata {
 namespace {
 
 constexpr const char* kFooter =
-    "Exit status: 0 fine, 1 findings or differences, 2 could not do it.\n"
-    "aqdata help COMMAND says more about a command. --json, --quiet and --color\n"
-    "may stand before it too.";
+    "Exit status: 0 success, 1 findings or differences, 2 failure.\n"
+    "aqdata help COMMAND shows the help of a command. --json, --quiet and\n"
+    "--color may also come before it.";
 
 std::vector<std::string> optionNames(const CLI::App& command) {
   std::vector<std::string> names;
@@ -125,7 +125,7 @@ std::vector<CLI::App*> commandsOf(CLI::App& program) {
 
 int run(int argc, char** argv) {
   Session session;
-  CLI::App program("Looks at, checks, converts and compares files of aircraft noise measurements.",
+  CLI::App program("Inspects, checks, converts and compares files of aircraft noise measurements.",
                    "aqdata");
   program.require_subcommand(1);
   program.get_formatter()->column_width(24);

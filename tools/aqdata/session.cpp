@@ -141,8 +141,8 @@ void addWords(Session& session, CLI::Option& option, std::vector<std::string> wo
 }
 
 void addOutputOptions(CLI::App& command, Session& session) {
-  command.add_flag("--json", session.json, "One JSON document a file, one a line");
-  command.add_flag("-q,--quiet", session.quiet, "Nothing but the result itself");
+  command.add_flag("--json", session.json, "One JSON document per file, one per line");
+  command.add_flag("-q,--quiet", session.quiet, "Print only the result");
   CLI::Option* const colour =
       command.add_option("--color", session.colour, "Colours: auto, always or never")
           ->option_text("WHEN");
@@ -160,14 +160,14 @@ void addFile(CLI::App& command, std::string& file, const char* name, const char*
 }
 
 void addJobs(CLI::App& command, Session& session) {
-  command.add_option("-j,--jobs", session.jobs, "Files to work on at once (2)")
+  command.add_option("-j,--jobs", session.jobs, "Number of files to work on at once (2)")
       ->check(wholeNumber(1, 256), "")
       ->option_text("N");
 }
 
 void addOutputFile(CLI::App& command, Session& session, const char* what, bool needed) {
   command.add_option("-o,--output", session.output, what)->required(needed)->option_text("OUT");
-  command.add_flag("-f,--force", session.force, "Replace OUT if it is there");
+  command.add_flag("-f,--force", session.force, "Replace OUT if it exists");
 }
 
 }  // namespace aqdata

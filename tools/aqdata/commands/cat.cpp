@@ -25,7 +25,7 @@ void cat(Session& session, const std::string& path) {
 
 void addCat(CLI::App& program, Session& session) {
   CLI::App* const command =
-      addCommand(program, session, "cat", "Print the header of files as it stands",
+      addCommand(program, session, "cat", "Print the header of files unchanged",
                  "Examples:\n"
                  "  aqdata cat fly-over.sth.csv\n",
                  [&session] {

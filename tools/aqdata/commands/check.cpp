@@ -241,16 +241,15 @@ void addCheck(CLI::App& program, Session& session) {
                                     ->option_text("NAMES");
     addWords(session, *option, known);
   };
-  addNames("--only", choice->only, "Report these findings alone");
-  addNames("--ignore", choice->ignore, "Report all but these findings");
+  addNames("--only", choice->only, "Report only these findings");
+  addNames("--ignore", choice->ignore, "Report all except these findings");
   CLI::Option* const severity =
-      command->add_option("--severity", choice->severity, "Leave out what is below: note, warning")
+      command->add_option("--severity", choice->severity, "Omit findings below: note, warning")
           ->option_text("WORD");
   addWords(session, *severity, {"note", "warning", "error"});
-  command->add_flag("--summary", choice->summary, "Count by finding, of all files together");
+  command->add_flag("--summary", choice->summary, "Count findings by kind over all files");
   command->add_flag("--strict", choice->strict, "Exit status 1 for notes too");
-  command
-      ->add_option("--limit", choice->limit, "How many findings of a kind are listed a file (20)")
+  command->add_option("--limit", choice->limit, "How many findings of a kind to list per file (20)")
       ->check(wholeNumber(0, 1000000), "")
       ->option_text("N");
   addJobs(*command, session);

@@ -88,8 +88,8 @@ void put(Session& session, const std::vector<std::string>& lines) {
 
 void putSpectrum(const Session& session, const ConvertChoice& choice, const Measurement& read) {
   const auto* const history = std::get_if<History>(&read.data);
-  if (history == nullptr) throw Failure("a spectrum record is made of a history alone");
-  if (!choice.record) throw Failure("which record? --record says it");
+  if (history == nullptr) throw Failure("only a history has spectrum records to extract");
+  if (!choice.record) throw Failure("expected --record N to choose the record");
   const auto spectrum = [&] {
     try {
       return history->model->spectrum(*choice.record);
@@ -127,8 +127,8 @@ void expectWhole(const History& read, const std::string& file) {
 void putHistory(Session& session, const ConvertChoice& choice, const Measurement& measurement,
                 bool inColumns) {
   const auto* const read = std::get_if<History>(&measurement.data);
-  if (read == nullptr) throw Failure("a history is made of a history or a recording alone");
-  if (choice.record) throw Failure("a history has all records");
+  if (read == nullptr) throw Failure("only a history or a recording converts to a history");
+  if (choice.record) throw Failure("--record does not apply to a history");
   aq::AQ_SpectralTimeHistory& history = *read->model;
   expectKnownWords(*read, choice.file);
   if (inColumns) {
@@ -159,7 +159,7 @@ void convert(Session& session, const ConvertChoice& choice) {
                                                                 : form == "spectrum" ? "spectra"
                                                                                      : form));
   if (form == "positions") {
-    if (choice.record) throw Failure("positions are those of all fixes");
+    if (choice.record) throw Failure("--record does not apply to positions");
     return writePositions(session, openTracking(choice.file, {}, choice.rt20), choice.file);
   }
   const Measurement read = openFile(choice.file, {}, choice.rt20);
@@ -210,9 +210,9 @@ void addConvert(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<ConvertChoice>();
   CLI::App* const command =
       addCommand(program, session, "convert", "Write a file in another form",
-                 "The name of OUT says the form: .sth.csv and .spc (histories, with commas and\n"
+                 "The name of OUT gives the form: .sth.csv and .spc (histories, with commas and\n"
                  "in fixed columns), .json, .pth.csv (positions), .ssr.csv (one spectrum) or\n"
-                 ".csv, a table of one observation a line. With --to it may end in .txt too.\n"
+                 ".csv, a table with one observation per line. With --to it may end in .txt too.\n"
                  "Without OUT, tables and JSON go to standard output.\n\n"
                  "Examples:\n"
                  "  aqdata convert fly-over.sth.csv -o levels.csv\n"
@@ -227,10 +227,10 @@ void addConvert(CLI::App& program, Session& session) {
           ->add_option("--to", choice->to, "table, json, history, columns, positions or spectrum")
           ->option_text("FORM");
   addWords(session, *form, {"table", "json", "history", "columns", "positions", "spectrum"});
-  command->add_option("--record", choice->record, "One record alone")
+  command->add_option("--record", choice->record, "Only this record")
       ->check(wholeNumber(-32768, 32767), "")
       ->option_text("N");
-  command->add_option("--rt20", choice->rt20, "The highest RT20 figure that is accepted (1)")
+  command->add_option("--rt20", choice->rt20, "The highest RT20 figure to accept (1)")
       ->check(wholeNumber(0, 255), "")
       ->option_text("N");
 }

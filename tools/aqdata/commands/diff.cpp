@@ -137,7 +137,7 @@ std::string shownCell(const Json& value) { return value.is_null() ? "nothing" : 
 void printColumn(Session& session, const std::string& name, const Column& column) {
   const std::string most =
       column.a.is_number() && column.b.is_number()
-          ? fmt::format("by {} at the most, ", tidy(static_cast<float>(column.largest)))
+          ? fmt::format("by at most {}, ", tidy(static_cast<float>(column.largest)))
           : "";
   session.print(fmt::format("{}: differs in {}, {}as in {}: {} and {}\n", name,
                             counted(column.count, "record"), most, column.record,
@@ -221,9 +221,9 @@ std::string tolerance(const std::string& text) {
 void addDiff(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<DiffChoice>();
   CLI::App* const command =
-      addCommand(program, session, "diff", "Say what two files differ in",
+      addCommand(program, session, "diff", "Show how two files differ",
                  "The files' own names and dates are no difference, and those of the files that\n"
-                 "they were made of are one with --dates alone.\n\n"
+                 "they were made from are one only with --dates.\n\n"
                  "Examples:\n"
                  "  aqdata diff fly-over.sth.csv stamped.sth.csv --tolerance 0.01\n",
                  [&session, choice] { diff(session, *choice); });

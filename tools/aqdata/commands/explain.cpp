@@ -33,8 +33,8 @@ Explained openExplained(const ExplainChoice& choice) {
   Explained explained;
   if (const auto* const spectrum = std::get_if<SpectrumRecord>(&read.data)) {
     if (!choice.record.empty() || !choice.map.empty()) {
-      throw Failure(
-          fmt::format("{}: is one spectrum, without records or a map", aq::escaped(choice.file)));
+      throw Failure(fmt::format("{}: is a single spectrum, which has no records or map",
+                                aq::escaped(choice.file)));
     }
     explained.spectrum = spectrum->model;
     return explained;
@@ -46,7 +46,7 @@ Explained openExplained(const ExplainChoice& choice) {
                     "{} file",
                     aq::escaped(choice.file), aq::kindText(read.kind)));
   }
-  if (choice.record.empty()) throw Failure("--record N says which record to explain");
+  if (choice.record.empty()) throw Failure("expected --record N to choose the record");
   const Range record = rangeFrom(choice.record, "record");
   if (record.first != record.last || !history->model->contains(record.first)) {
     throw Failure(fmt::format("{}: has no record {}", aq::escaped(choice.file), choice.record));
@@ -87,9 +87,9 @@ std::string reason(const aq::ToneStep& step, const aq::ToneStep* before, const a
   }
   if (step.levelMarked) {
     const bool rises = step.slopeMarked && *step.slope > 0 && *step.slope > *before->slope;
-    if (rises) reasons.emplace_back("and rises: level taken out");
+    if (rises) reasons.emplace_back("and rises: level removed");
     if (!rises && next != nullptr) {
-      reasons.push_back(fmt::format("slope above changes by {:+.2f} and falls: level taken out",
+      reasons.push_back(fmt::format("slope above changes by {:+.2f} and falls: level removed",
                                     *next->slope - *step.slope));
     }
   }
@@ -142,7 +142,7 @@ std::string sentenceOf(const Explained& explained, const aq::ToneCorrection& ton
   if (tone.band == 0) {
     text = fmt::format("{} has no tone correction", record);
     text += tone.rows.size() < 3 ? ", as it takes three bands from 80 Hz up."
-                                 : ": no level lies 1.5 dB or more above the background.";
+                                 : ": no level is 1.5 dB or more above the background.";
   } else {
     const aq::ToneStep& step = tone.rows[static_cast<std::size_t>(tone.band - 19)];
     text = fmt::format(
@@ -192,8 +192,8 @@ void addExplain(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<ExplainChoice>();
   CLI::App* const command = addCommand(
       program, session, "explain", "Explain the tone correction of a record, step by step",
-      "A slope that changes by more than 5 dB and a level that is taken out to find the\n"
-      "background L'' carry a star. A spectrum record is explained without --record.\n\n"
+      "A slope that changes by more than 5 dB and a level that is removed to find the\n"
+      "background L'' have a star. A spectrum record needs no --record.\n\n"
       "Examples:\n"
       "  aqdata explain fly-over.sth.csv --record 30 --mask fly-over.mask.csv\n",
       [&session, choice] { explain(session, *choice); });

@@ -72,10 +72,10 @@ aq::AQ_GeometryTimeHistory numberedPoints(const aq::AQ_SpectralTimeHistory& hist
   }
   if (!without.empty()) {
     throw Failure(
-        fmt::format("{}: no position for the emission of {}: {}; --records A:B takes others alone",
+        fmt::format("{}: no position for the emission of {}: {}; --records A:B selects others",
                     aq::escaped(file), counted(without.size(), "record"), recordsText(without)));
   }
-  if (next == 0) throw Failure(fmt::format("{}: has no such record", aq::escaped(file)));
+  if (next == 0) throw Failure(fmt::format("{}: has none of these records", aq::escaped(file)));
   return geometry;
 }
 
@@ -122,8 +122,8 @@ void addGeometry(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<GeometryChoice>();
   CLI::App* const command = addCommand(
       program, session, "geometry", "Find where the source was when it emitted each record",
-      "Coordinates are in metres. Positions are flown straight from one to the next;\n"
-      "the sound of every record has to be emitted between them.\n\n"
+      "Coordinates are in metres. The source flies straight between positions;\n"
+      "the sound of every record must be emitted between them.\n\n"
       "Examples:\n"
       "  aqdata geometry fly-over.sth.csv fly-over.tspi.csv fly-over.mic.csv \\\n"
       "    --celsius 20 --records 10:50 -o made.gth.csv\n",
@@ -135,7 +135,7 @@ void addGeometry(CLI::App& program, Session& session) {
       ->required()
       ->check(finiteNumber, "")
       ->option_text("T");
-  command->add_option("--records", choice->records, "These records alone")->option_text("A:B");
+  command->add_option("--records", choice->records, "Only these records")->option_text("A:B");
   addOutputFile(*command, session, "The geometric time history to write");
 }
 

@@ -306,7 +306,7 @@ void info(Session& session) {
 
 void addInfo(CLI::App& program, Session& session) {
   CLI::App* const command = addCommand(program, session, "info",
-                                       "Say what files are: a card for one, a line each for many",
+                                       "Describe files: a card for one, a line each for several",
                                        "Examples:\n"
                                        "  aqdata info fly-over.sth.csv\n"
                                        "  aqdata info --json .\n",

@@ -42,8 +42,8 @@ void addLgb(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<LgbChoice>();
   CLI::App* const command =
       addCommand(program, session, "lgb", "Find the last good band of every record",
-                 "0 stands for a record without a masked band from 29 up, 9999 for one\n"
-                 "without a good band.\n\n"
+                 "0 means that no band from 29 up is masked, 9999 that the record has\n"
+                 "no good band.\n\n"
                  "Examples:\n"
                  "  aqdata lgb fly-over.sth.csv fly-over.mask.csv\n",
                  [&session, choice] { lgb(session, *choice); });

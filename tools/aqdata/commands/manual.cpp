@@ -65,7 +65,7 @@ std::string manual(CLI::App& program) {
       ".SH FILES\n.TP\n.I {}\nThe formats of the files, page by page, and this program's own "
       "page.\n"
       ".SH ENVIRONMENT\n.TP\nNO_COLOR\nNo colours, if it holds anything.\n",
-      AQDATA_VERSION, "look at, check and convert files of aircraft noise measurements",
+      AQDATA_VERSION, "inspect, check and convert files of aircraft noise measurements",
       program.get_description(), literal(program.get_footer()), commands, roff(AQDATA_DOCUMENTS),
       roff(AQDATA_DOCUMENTS));
 }

@@ -101,11 +101,11 @@ std::vector<std::string> missingWords(const aq::HistoryMetrics& metrics,
     if (map != nullptr && !map->contains(record.record)) unmapped.push_back(record.record);
   }
   if (!unmapped.empty()) {
-    words.push_back(fmt::format("{} without a row in the map, taken as not masked: {}",
+    words.push_back(fmt::format("{} without a row in the map, treated as not masked: {}",
                                 counted(unmapped.size(), "record"), recordsText(unmapped)));
   }
-  add(aq::AQ_METRIC_OA, "no level that counts, without any metric");
-  add(aq::AQ_METRIC_PNL, "no level that counts in bands 17 to 40, without PNL, PNLT and tone");
+  add(aq::AQ_METRIC_OA, "no valid level, so no metrics");
+  add(aq::AQ_METRIC_PNL, "no valid level in bands 17 to 40, so no PNL, PNLT and tone");
   return words;
 }
 
@@ -261,7 +261,8 @@ class MetricsReport {
 
   void finish(std::size_t files) {
     if (!session_.output.empty()) {
-      if (session_.status() != kFine) throw Failure("nothing is written, as not all was computed");
+      if (session_.status() != kFine)
+        throw Failure("nothing is written, since not all was computed");
       writeLines(session_, lines_.all());
       session_.wrote(
           fmt::format("the {} of {}", oneFile_ ? "metrics" : "events", counted(files, "file")));
@@ -291,7 +292,7 @@ void metrics(Session& session, const MetricsChoice& choice) {
   const std::vector<std::string> files = chosenHistories(session);
   const bool oneFile = files.size() == 1;
   if (!choice.map.empty() && !oneFile) {
-    throw Failure("--mask is the map of one history; --masks takes those beside several");
+    throw Failure("--mask is the map of one history; --masks finds those of several");
   }
   if (!session.output.empty()) expectOutput(session, {".csv"}, files);
   const bool withRecords = oneFile || (session.json && session.output.empty());
@@ -319,17 +320,18 @@ void metrics(Session& session, const MetricsChoice& choice) {
 
 void addMetrics(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<MetricsChoice>();
-  CLI::App* const command =
-      addCommand(program, session, "metrics", "Compute noise metrics and the event: PNLT, EPNL",
-                 "One history gives a table of its records and the event in words, several a line\n"
-                 "each; of a folder, its histories are taken. INTEG is the part a record plays.\n\n"
-                 "Examples:\n"
-                 "  aqdata metrics fly-over.sth.csv --mask fly-over.mask.csv\n"
-                 "  aqdata metrics fly-over.sth.csv --masks -o metrics.csv\n",
-                 [&session, choice] { metrics(session, *choice); });
+  CLI::App* const command = addCommand(
+      program, session, "metrics", "Compute noise metrics and the event: PNLT, EPNL",
+      "Prints records and event for one history, one line each for several histories;\n"
+      "uses the histories of a folder. INTEG is the part of a record in the event.\n\n"
+      "Examples:\n"
+      "  aqdata metrics fly-over.sth.csv --mask fly-over.mask.csv\n"
+      "  aqdata metrics fly-over.sth.csv --masks -o metrics.csv\n",
+      [&session, choice] { metrics(session, *choice); });
   addFiles(*command, session);
   command->add_option("--mask", choice->map, "The masking map of the history")->option_text("MAP");
-  command->add_flag("--masks", choice->maps, "Maps beside the histories: x.mask.csv of x.sth.csv");
+  command->add_flag("--masks", choice->maps,
+                    "Maps next to the histories: x.mask.csv for x.sth.csv");
   addOutputFile(*command, session, "A table to write, comma-separated", false);
   addJobs(*command, session);
 }

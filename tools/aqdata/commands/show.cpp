@@ -96,9 +96,9 @@ void printSummaries(Session& session, const Sheet& sheet, bool masked) {
 
 void plot(Session& session, const Sheet& sheet, const ShowChoice& choice) {
   if (sheet.ofBand != "level_db")
-    throw Failure(fmt::format("{}: has no levels to draw", aq::escaped(choice.file)));
+    throw Failure(fmt::format("{}: has no levels", aq::escaped(choice.file)));
   if (sheet.rows.empty())
-    throw Failure(fmt::format("{}: has no such record to draw", aq::escaped(choice.file)));
+    throw Failure(fmt::format("{}: has none of these records", aq::escaped(choice.file)));
   if (choice.spectrogram) return plotSpectrogram(session, sheet);
   if (sheet.rows.size() == 1) return plotSpectrum(session, sheet, sheet.rows.front());
   plotHistory(session, sheet);
@@ -164,9 +164,9 @@ void addShow(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<ShowChoice>();
   CLI::App* const command =
       addCommand(program, session, "show", "Show the records of a file as a table or drawn",
-                 "A drawing of one record is its spectrum; of one band, its level history; else\n"
-                 "it is that of all bands together. Masked levels carry a star in tables, are\n"
-                 "drawn as dots or light bars, and are no part of all bands together.\n\n"
+                 "Draws the spectrum of one record, the level history of one band, or otherwise\n"
+                 "that of all bands together. Masked levels have a star in tables, are drawn\n"
+                 "as dots or light bars, and do not count in the level of all bands together.\n\n"
                  "Examples:\n"
                  "  aqdata show fly-over.sth.csv --records 28:32 --bands 20:30 \\\n"
                  "    --mask fly-over.mask.csv\n"
@@ -177,7 +177,7 @@ void addShow(CLI::App& program, Session& session) {
   const auto addRange = [&](const char* name, std::string& range, const char* what) {
     command->add_option(name, range, what)->option_text("A:B");
   };
-  addRange("--records", choice->records, "These records alone");
+  addRange("--records", choice->records, "Only these records");
   addRange("--bands", choice->bands, "The levels of these bands");
   command->add_flag("--levels", choice->levels, "The levels of all bands");
   command->add_option("--mask", choice->map, "The masking map that marks levels")

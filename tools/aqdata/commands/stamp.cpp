@@ -58,8 +58,8 @@ aq::AQ_RefTimeType referenceOf(const History& read, const StampChoice& choice) {
   }
   if (const auto own = read.words.referenceType()) return *own;
   throw Failure(
-      fmt::format("{}: has the reference time type {}, which is not known; --ref-type "
-                  "says which to write",
+      fmt::format("{}: has the reference time type {}, which is unknown; --ref-type "
+                  "sets the one to write",
                   aq::escaped(choice.file), aq::shown(read.words.reference())));
 }
 
@@ -94,7 +94,7 @@ void stamp(Session& session, const StampChoice& choice) {
     throw Failure(fmt::format("{}: {}", aq::escaped(choice.file), error.what()));
   }
   writeOutput<aq::AQ_DataSTH>(session, read.header, *read.model);
-  session.wrote(fmt::format("{} from {} on, relative to {}",
+  session.wrote(fmt::format("{} from {}, relative to {}",
                             counted(static_cast<std::size_t>(read.model->Count()), "record"),
                             choice.start, choice.reference));
 }
@@ -122,7 +122,7 @@ void addStamp(CLI::App& program, Session& session) {
   add("--ref", choice->reference, "The time of day that times are relative to", "TIME")->required();
   addWords(session,
            *add("--ref-type", choice->referenceType,
-                "What the reference is, as OVERHEAD (what the file says)", "TYPE"),
+                "What the reference marks, as OVERHEAD (as in the file)", "TYPE"),
            wordsOf<aq::AQ_RefTimeType>());
   addOutputFile(*command, session, "The history to write");
 }
