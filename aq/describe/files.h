@@ -132,7 +132,7 @@ struct Description<AQ_DataMIC> {
   static void members(To& to) {
     using F = AQ_DataMIC;
     to.method("readFile", &F::readFile, "Reads a file into a new header and a microphone", kPath,
-              kHeaderOut, in("MIC", "The microphone that gets the position"), kResult)
+              kHeaderOut, in("MIC", "The microphone to fill"), kResult)
         .lastFailure();
   }
 };
