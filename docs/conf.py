@@ -14,7 +14,6 @@ html_theme = "furo"
 html_title = f"AQ_Data_Control {release}"
 html_static_path = ["static"]
 html_css_files = ["site.css"]
-exclude_patterns = ["generated/[!c]*"]
 
 myst_heading_anchors = 3
 myst_enable_extensions = ["colon_fence"]
@@ -24,6 +23,3 @@ breathe_default_project = "aq"
 breathe_default_members = ("members",)
 autodoc_member_order = "bysource"
 autodoc_typehints = "none"
-# Sphinx knows neither the standard library's names nor these templates.
-nitpicky = False
-linkcheck_anchors = False
