@@ -1,14 +1,14 @@
-# What the scripts share. Source it; it leaves you in the project's folder.
+# Shared by all scripts. Source it; it changes to the project's folder.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-# What the command line tool stands on, and the Python package with its tests.
+# What the command line tool and the Python package with its tests need.
 tool_packages=(libcli11-dev libfmt-dev nlohmann-json3-dev)
 python_packages=(python3-dev pybind11-dev python3-setuptools python3-wheel python3-numpy
   python3-pandas python3-xarray python3-dask python3-distributed python3-netcdf4
   python3-matplotlib)
 
-# install PACKAGE...: installs what is missing of Debian's packages, quietly.
+# install PACKAGE...: installs missing Debian packages, quietly.
 install() {
   local missing=()
   local package
@@ -25,7 +25,7 @@ install() {
     apt-get install -qq -y --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# quietly COMMAND...: shows what a command prints only when it fails.
+# quietly COMMAND...: shows the output of a command only if it fails.
 quietly() {
   local log
   log=$(mktemp)

@@ -1,11 +1,11 @@
-"""Checks who includes whom, in C++ and in Python: rooms only look inwards, and no file reaches itself."""
+"""Checks includes and imports in C++ and Python: folders use only inner ones, without cycles."""
 
 import ast
 import pathlib
 import re
 import sys
 
-ALLOWED = {  # each room, and the rooms that it may know besides itself
+ALLOWED = {  # each folder, and the others that it may use
     "core": {"detail"},
     "detail": {"core"},
     "text": {"core", "detail"},
