@@ -1,4 +1,5 @@
-// The program of the C++ tutorial: reads a history and an ambient, masks, computes the EPNL, writes.
+// The program of the C++ tutorial: reads a history and an ambient, masks, computes the EPNL,
+// writes.
 //   tutorial HISTORY AMBIENT HISTORY_OUT MAP_OUT
 #include <aq/aq.h>
 

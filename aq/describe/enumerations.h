@@ -14,8 +14,10 @@ struct Description<AQ_AverageMethod> {
   static constexpr char text[] = "How the levels of one record were averaged";
   template <class To>
   static void members(To& to) {
-    to.member("AQ_LINEAR", AQ_LINEAR, "Linear average: the mean energy of the record, all instants weighted equally")
-        .member("AQ_TRUSLO", AQ_TRUSLO, "True slow: the slow response of the analyzer's own detector")
+    to.member("AQ_LINEAR", AQ_LINEAR,
+              "Linear average: the mean energy of the record, all instants weighted equally")
+        .member("AQ_TRUSLO", AQ_TRUSLO,
+                "True slow: the slow response of the analyzer's own detector")
         .member("AQ_4S100", AQ_4S100,
                 "Slow response simulated from four consecutive records, with weights that sum to "
                 "100 %")
@@ -39,7 +41,8 @@ struct Description<AQ_TimeStampType> {
         .member("AQ_END", AQ_END, "The end of the record")
         .member("AQ_ICAOSLO", AQ_ICAOSLO,
                 "0.75 s before the end of the record, where a slow-response level belongs")
-        .member("AQ_OLDSLO", AQ_OLDSLO, "1 s before the end of the record, the older rule for slow response");
+        .member("AQ_OLDSLO", AQ_OLDSLO,
+                "1 s before the end of the record, the older rule for slow response");
   }
 };
 

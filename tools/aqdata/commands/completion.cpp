@@ -166,16 +166,15 @@ std::string fish(CLI::App& program, const Session& session) {
 
 void addCompletion(CLI::App& program, Session& session) {
   const auto shell = std::make_shared<std::string>();
-  CLI::App* const command =
-      addCommand(program, session, "completion",
-                 "Print the script that completes commands in a shell",
-                 "Examples:\n"
-                 "  source <(aqdata completion bash)\n",
-                 [&program, &session, shell] {
-                   session.print(*shell == "bash"  ? bash(program, session)
-                                 : *shell == "zsh" ? zsh(program, session)
-                                                   : fish(program, session));
-                 });
+  CLI::App* const command = addCommand(program, session, "completion",
+                                       "Print the script that completes commands in a shell",
+                                       "Examples:\n"
+                                       "  source <(aqdata completion bash)\n",
+                                       [&program, &session, shell] {
+                                         session.print(*shell == "bash"  ? bash(program, session)
+                                                       : *shell == "zsh" ? zsh(program, session)
+                                                                         : fish(program, session));
+                                       });
   CLI::Option* const option =
       command->add_option("SHELL", *shell, "bash, zsh or fish")->required()->type_name("");
   addWords(session, *option, {"bash", "zsh", "fish"});

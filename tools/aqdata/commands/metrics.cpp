@@ -320,14 +320,14 @@ void metrics(Session& session, const MetricsChoice& choice) {
 
 void addMetrics(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<MetricsChoice>();
-  CLI::App* const command = addCommand(
-      program, session, "metrics", "Compute noise metrics and the event: PNLT, EPNL",
-      "Prints records and event for one history, one line each for several histories;\n"
-      "uses the histories of a folder. INTEG is the part of a record in the event.\n\n"
-      "Examples:\n"
-      "  aqdata metrics fly-over.sth.csv --mask fly-over.mask.csv\n"
-      "  aqdata metrics fly-over.sth.csv --masks -o metrics.csv\n",
-      [&session, choice] { metrics(session, *choice); });
+  CLI::App* const command =
+      addCommand(program, session, "metrics", "Compute noise metrics and the event: PNLT, EPNL",
+                 "Prints records and event for one history, one line each for several histories;\n"
+                 "uses the histories of a folder. INTEG is the part of a record in the event.\n\n"
+                 "Examples:\n"
+                 "  aqdata metrics fly-over.sth.csv --mask fly-over.mask.csv\n"
+                 "  aqdata metrics fly-over.sth.csv --masks -o metrics.csv\n",
+                 [&session, choice] { metrics(session, *choice); });
   addFiles(*command, session);
   command->add_option("--mask", choice->map, "The masking map of the history")->option_text("MAP");
   command->add_flag("--masks", choice->maps,
