@@ -23,3 +23,15 @@ breathe_default_project = "aq"
 breathe_default_members = ("members",)
 autodoc_member_order = "bysource"
 autodoc_typehints = "none"
+
+
+def add_guides(app, name, source):
+    """Lists the pages that the index does not name among its guides."""
+    if name == "index":
+        listed = set(re.findall(r"^[a-z-]+$", source[0], re.M)) | {"index"}
+        others = {path.stem for path in pathlib.Path(app.srcdir).glob("*.md")} - listed
+        source[0] = source[0].replace("OTHERS", "\n".join(sorted(others)))
+
+
+def setup(app):
+    app.connect("source-read", add_guides)
