@@ -4,6 +4,8 @@ import os
 import pathlib
 import re
 
+from pygments.lexers.basic import VBScriptLexer
+
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 
 project = "AQ_Data_Control"
@@ -35,3 +37,4 @@ def add_guides(app, name, source):
 
 def setup(app):
     app.connect("source-read", add_guides)
+    app.add_lexer("vb", VBScriptLexer)
