@@ -10,7 +10,7 @@ namespace {
 
 constexpr double kNotCounted = std::numeric_limits<double>::quiet_NaN();
 
-bool counts(double level) { return std::isfinite(level) && level != kInvalidLevel; }
+bool isLevel(double level) { return std::isfinite(level) && level != kInvalidLevel; }
 
 /// The level as a number; NaN for text and other values that are not numbers.
 double numberOf(const Variant& level) {
@@ -27,16 +27,37 @@ double numberOf(const Variant& level) {
 
 void CountedLevels::take(const AQ_Spectrum& spectrum, const AQ_MaskRow* masks) {
   low_ = spectrum.LowBand();
-  const auto codes = spectrum.levelCodes();
-  codes_.assign(codes.begin(), codes.end());
-  if (codes.empty()) takeEach(spectrum);
+  codes_ = spectrum.levelCodes();
+  if (!isCoded()) takeEach(spectrum);
   if (masks != nullptr) mask(*masks);
+  hasGaps_ = !isCoded() || std::find(codes_.begin(), codes_.end(), kInvalidCode) != codes_.end();
 }
 
 double CountedLevels::level(std::int32_t band) const {
-  const auto at = static_cast<std::size_t>(band - low_);
-  if (codes_.empty()) return levels_[at];
-  return codes_[at] == kInvalidCode ? kNotCounted : levelOf(codes_[at]);
+  if (band < low_ || band >= end()) return kNotCounted;
+  if (!isCoded()) return levels_[at(band)];
+  const LevelCode code = codes_[at(band)];
+  return code == kInvalidCode ? kNotCounted : levelOf(code);
+}
+
+std::int16_t CountedLevels::count(std::int32_t first, std::int32_t last) const {
+  const std::int32_t begin = std::max(first, low_);
+  const std::int32_t after = std::min(last + 1, end());
+  std::int32_t found = std::max(0, after - begin);
+  for (std::int32_t band = begin; hasGaps_ && band < after; ++band) found -= counts(band) ? 0 : 1;
+  return static_cast<std::int16_t>(found);
+}
+
+std::int16_t CountedLevels::countRun(std::int32_t first, std::int32_t last) const {
+  if (!hasGaps_ && low_ <= first) return count(first, last);
+  std::int32_t band = first;
+  while (band <= last && counts(band)) ++band;
+  return static_cast<std::int16_t>(band - first);
+}
+
+bool CountedLevels::counts(std::int32_t band) const {
+  if (band < low_ || band >= end()) return false;
+  return isCoded() ? codes_[at(band)] != kInvalidCode : !std::isnan(levels_[at(band)]);
 }
 
 void CountedLevels::takeEach(const AQ_Spectrum& spectrum) {
@@ -44,19 +65,20 @@ void CountedLevels::takeEach(const AQ_Spectrum& spectrum) {
   levels_.assign(static_cast<std::size_t>(bands), kNotCounted);
   for (const auto& [band, level] : spectrum) {
     const double number = numberOf(level);
-    if (counts(number)) levels_[static_cast<std::size_t>(band - low_)] = number;
+    if (isLevel(number)) levels_[at(band)] = number;
   }
 }
 
 void CountedLevels::mask(const AQ_MaskRow& masks) {
+  maskedCodes_.assign(codes_.begin(), codes_.end());
+  codes_ = maskedCodes_;
   for (const auto& [band, decision] : masks) {
     if (band < low_ || band >= end()) continue;
     if (decision.MaskMode() == NOT_MASKED || decision.AdjustMode() != NOT_ADJUSTED) continue;
-    const auto at = static_cast<std::size_t>(band - low_);
-    if (codes_.empty()) {
-      levels_[at] = kNotCounted;
+    if (isCoded()) {
+      maskedCodes_[at(band)] = kInvalidCode;
     } else {
-      codes_[at] = kInvalidCode;
+      levels_[at(band)] = kNotCounted;
     }
   }
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -12,26 +14,49 @@ namespace aq {
 /// The levels of one record that count, by band. Taking the next record reuses the memory.
 class CountedLevels {
  public:
-  /// Throws only when memory runs out.
+  CountedLevels() = default;
+  CountedLevels(const CountedLevels&) = delete;
+  CountedLevels& operator=(const CountedLevels&) = delete;
+  CountedLevels(const AQ_Spectrum& spectrum, const AQ_MaskRow* masks) { take(spectrum, masks); }
+
+  /// Keeps a view of the levels, which have to stay as they are. Throws only when memory runs out.
   void take(const AQ_Spectrum& spectrum, const AQ_MaskRow* masks);
 
   /// The band of the first level, and the band after the last one.
   [[nodiscard]] std::int32_t low() const { return low_; }
   [[nodiscard]] std::int32_t end() const { return low_ + static_cast<std::int32_t>(size()); }
 
-  /// The level of a band from `low` to before `end`; NaN for one that does not count.
+  /// The level of any band; NaN for one that does not count.
   [[nodiscard]] double level(std::int32_t band) const;
 
-  /// All levels as codes, `kInvalidCode` for one that does not count; empty if a level has no code.
-  [[nodiscard]] std::span<const LevelCode> codes() const { return codes_; }
+  /// Whether every level has a code.
+  [[nodiscard]] bool isCoded() const { return !codes_.empty(); }
+  /// The codes of the bands from `first`, which is `low` or above it, to `last` at most;
+  /// `kInvalidCode` for a level that does not count. Only when `isCoded`.
+  [[nodiscard]] std::span<const LevelCode> codes(std::int32_t first, std::int32_t last) const {
+    const std::int32_t bands = std::min(last + 1, end()) - first;
+    return bands > 0 ? codes_.subspan(at(first), static_cast<std::size_t>(bands))
+                     : std::span<const LevelCode>{};
+  }
+
+  /// How many of the bands from `first` to `last` have a level that counts.
+  [[nodiscard]] std::int16_t count(std::int32_t first, std::int32_t last) const;
+  /// How many bands from `first` to `last` there are until one does not count.
+  [[nodiscard]] std::int16_t countRun(std::int32_t first, std::int32_t last) const;
 
  private:
-  [[nodiscard]] std::size_t size() const { return codes_.empty() ? levels_.size() : codes_.size(); }
+  [[nodiscard]] std::size_t at(std::int32_t band) const {
+    return static_cast<std::size_t>(band - low_);
+  }
+  [[nodiscard]] std::size_t size() const { return isCoded() ? codes_.size() : levels_.size(); }
+  [[nodiscard]] bool counts(std::int32_t band) const;
   void takeEach(const AQ_Spectrum& spectrum);
   void mask(const AQ_MaskRow& masks);
 
   std::int32_t low_ = 0;
-  std::vector<LevelCode> codes_;
+  bool hasGaps_ = false;
+  std::span<const LevelCode> codes_;  // of the spectrum, or `maskedCodes_`
+  std::vector<LevelCode> maskedCodes_;
   std::vector<double> levels_;  // instead of the codes
 };
 

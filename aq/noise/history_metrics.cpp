@@ -13,7 +13,6 @@
 #include "aq/masking/last_good_band.h"
 #include "aq/noise/noy_table.h"
 #include "aq/noise/record_levels.h"
-#include "aq/noise/tone_procedure.h"
 
 namespace aq {
 namespace {
@@ -26,69 +25,35 @@ const AQ_MaskRow* rowOf(const AQ_MaskMap* map, std::int16_t record) {
   return &orThrow(map->heldRow(record));
 }
 
-/// How many of bands 17 to 40 of each record have a level that counts.
-BlockRow perceivedBandsOf(const RecordBlock& block) {
-  BlockRow bands{};
-  for (std::int32_t band = kFirstNoyBand; band <= kLastNoyBand; ++band) {
-    const BlockRow& levels = block.levels(band);
-    for (std::size_t r = 0; r < kBlockRecords; ++r) bands[r] += std::isnan(levels[r]) ? 0 : 1;
-  }
-  return bands;
+void addLevels(const CountedLevels& levels, RecordMetrics& metrics) {
+  const WeightedLevels weighted = weightedLevelsOf(levels);
+  std::copy(weighted.begin(), weighted.end(), metrics.values.begin());
 }
 
-/// Computes the metrics of records, a block at a time, reusing the memory of the previous block.
-class BlockMetrics {
- public:
-  using Records = std::span<RecordMetrics>;  // with their record numbers
-
-  /// Sets the values of `metrics`, except those that need a map or an event.
-  void find(std::span<const RecordBlock::Record> records, Records metrics) {
-    block_.take(records);
-    findLevels(metrics);
-    findPerceivedNoise(metrics);
+void addPerceivedNoise(const CountedLevels& levels, RecordMetrics& metrics) {
+  metrics.perceivedBands = levels.count(kFirstNoyBand, kLastNoyBand);
+  if (metrics.perceivedBands == 0) return;
+  const double level = perceivedNoiseLevelOf(levels);
+  if (!std::isfinite(level)) {
+    throw Error(ErrorCode::Overflow, "record " + std::to_string(metrics.record) +
+                                         ": the levels are too high for a perceived noise level");
   }
+  metrics.value(AQ_METRIC_PNL, level);
+}
 
- private:
-  void findLevels(Records metrics) const {
-    const WeightedLevels levels = weightedLevelsOf(block_);
-    for (std::size_t r = 0; r < metrics.size(); ++r) {
-      for (std::size_t type = 0; type < levels.size(); ++type) {
-        metrics[r].values[type] = levels[type][r];
-      }
-    }
-  }
-
-  void findPerceivedNoise(Records metrics) {
-    const BlockRow bands = perceivedBandsOf(block_);
-    const BlockRow pnl = perceivedNoiseLevelsOf(block_);
-    tone_.take(block_);
-    for (std::size_t r = 0; r < metrics.size(); ++r) {
-      RecordMetrics& record = metrics[r];
-      record.perceivedBands = static_cast<std::int16_t>(bands[r]);
-      if (record.perceivedBands == 0) continue;
-      if (!std::isfinite(pnl[r])) {
-        throw Error(ErrorCode::Overflow,
-                    "record " + std::to_string(record.record) +
-                        ": the levels are too high for a perceived noise level");
-      }
-      record.value(AQ_METRIC_PNL, pnl[r]);
-      record.value(AQ_METRIC_PNLT, pnl[r] + tone_.largest[r]);
-      record.value(AQ_METRIC_TONECOR, tone_.largest[r]);
-      record.value(AQ_METRIC_TONEBND, tone_.largestBand[r]);
-    }
-  }
-
-  RecordBlock block_;
-  ToneProcedure tone_;
-};
+void addTone(double correction, double band, RecordMetrics& metrics) {
+  if (metrics.perceivedBands == 0) return;
+  metrics.value(AQ_METRIC_PNLT, metrics.value(AQ_METRIC_PNL) + correction);
+  metrics.value(AQ_METRIC_TONECOR, correction);
+  metrics.value(AQ_METRIC_TONEBND, band);
+}
 
 /// How long each record lasts, from the seconds of the day of their stamps: until the next stamp,
 /// across midnight too; the last one as long as the one before it.
-std::vector<double> durationsOf(const std::vector<RecordMetrics>& records,
-                                const std::vector<double>& stamps) {
-  std::vector<double> durations(stamps.size(), kRecordSeconds);
-  for (std::size_t i = 0; i + 1 < stamps.size(); ++i) {
-    const double step = std::fmod(stamps[i + 1] - stamps[i], kSecondsPerDay);
+std::vector<double> durationsOf(const std::vector<RecordMetrics>& records) {
+  std::vector<double> durations(records.size(), kRecordSeconds);
+  for (std::size_t i = 0; i + 1 < records.size(); ++i) {
+    const double step = std::fmod(records[i + 1].seconds - records[i].seconds, kSecondsPerDay);
     durations[i] = step < 0 ? step + kSecondsPerDay : step;
     if (durations[i] > 0) continue;
     throw Error(ErrorCode::InvalidValue, "records " + std::to_string(records[i].record) + " and " +
@@ -131,69 +96,114 @@ void flagRecords(const NoiseEvent& event, std::vector<RecordMetrics>& records) {
   }
 }
 
-/// The metrics of a history's records without their parts in the event, and the seconds of the day
-/// of their stamps.
+/// The records of a history and their metrics, in the order of their numbers.
 struct Series {
-  std::vector<RecordMetrics> records;
-  std::vector<double> stamps;
+  struct Record {
+    const AQ_Spectrum* spectrum;
+    const AQ_MaskRow* masks;  // may be null
+  };
+  std::vector<Record> records;
+  std::vector<RecordMetrics> metrics;
+
+  using Levels = std::array<CountedLevels, kLanes>;
+
+  /// Calls `compute` for the levels and metrics of the records from `begin` to before `end`, as
+  /// many at a time as there are lanes, and gives the last of them again where some are left over.
+  template <class Compute>
+  void forEachLanes(std::size_t begin, std::size_t end, const Compute& compute) {
+    Levels levels;
+    for (; begin < end; begin += kLanes) {
+      const std::size_t count = std::min(kLanes, end - begin);
+      for (std::size_t i = 0; i < kLanes; ++i) {
+        const Record& record = records[begin + std::min(i, count - 1)];
+        levels[i].take(*record.spectrum, record.masks);
+      }
+      compute(levels, std::span(metrics).subspan(begin, count));
+    }
+  }
 };
 
-/// Computes the metrics of records in the order they are taken, a block at a time.
-class SeriesMaker {
- public:
-  SeriesMaker(std::size_t count, const AQ_MaskMap* map) : map_(map) {
-    series_.records.reserve(count);
-    series_.stamps.reserve(count);
+void addTones(const Series::Levels& levels, std::span<RecordMetrics> metrics) {
+  const Tones tones = tonesOf(levels);
+  for (std::size_t i = 0; i < metrics.size(); ++i) {
+    addTone(tones.corrections[i], tones.bands[i], metrics[i]);
   }
-
-  void add(std::int16_t record, const AQ_Spectrum& spectrum) {
-    const AQ_MaskRow* const row = rowOf(map_, record);
-    RecordMetrics& metrics = series_.records.emplace_back();
-    metrics.record = record;
-    metrics.values.fill(kNoValue);
-    metrics.value(AQ_METRIC_INTEG, 0);
-    if (map_ != nullptr) metrics.value(AQ_METRIC_LGB, row == nullptr ? 0 : lastGoodBand(*row));
-    series_.stamps.push_back(spectrum.timeValue().TODseconds());
-    waiting_[count_++] = {&spectrum, row};
-    if (count_ == waiting_.size()) findWaiting();
-  }
-
-  [[nodiscard]] Series finish() {
-    findWaiting();
-    return std::move(series_);
-  }
-
- private:
-  void findWaiting() {
-    block_.find(std::span(waiting_).first(count_), std::span(series_.records).last(count_));
-    count_ = 0;
-  }
-
-  const AQ_MaskMap* map_;
-  Series series_;
-  BlockMetrics block_;
-  std::array<RecordBlock::Record, kBlockRecords> waiting_{};
-  std::size_t count_ = 0;
-};
+}
 
 Series seriesOf(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map) {
-  const auto count = std::distance(history.begin(), history.end());
-  SeriesMaker maker(static_cast<std::size_t>(count), map);
+  Series series;
+  const auto count = static_cast<std::size_t>(std::distance(history.begin(), history.end()));
+  series.records.reserve(count);
+  series.metrics.reserve(count);
   for (const auto& [number, object] : history) {
-    maker.add(static_cast<std::int16_t>(number), orThrow(object));
+    const AQ_Spectrum& spectrum = orThrow(object);
+    RecordMetrics& metrics = series.metrics.emplace_back();
+    metrics.record = static_cast<std::int16_t>(number);
+    metrics.seconds = spectrum.timeValue().TODseconds();
+    metrics.values.fill(kNoValue);
+    series.records.push_back({&spectrum, rowOf(map, metrics.record)});
   }
-  return maker.finish();
+  return series;
+}
+
+/// The records whose PNLT may have a part in the event, as a range of indices: the first to the
+/// last that may reach the 10 dB-down limits, and those that count for the band sharing.
+std::pair<std::size_t, std::size_t> eventRange(const std::vector<RecordMetrics>& records) {
+  constexpr double kDown = 10.1;   // dB, a little beyond the limits
+  constexpr double kMostTone = 7;  // dB, a little more than any correction
+  constexpr std::size_t kBeside = 2;
+  double highest = -std::numeric_limits<double>::infinity();
+  for (const auto& record : records) highest = std::fmax(highest, record.value(AQ_METRIC_PNL));
+  const auto mayReach = [&](const RecordMetrics& record) {
+    return record.value(AQ_METRIC_PNL) + kMostTone >= highest - kDown;
+  };
+  const auto first = std::find_if(records.begin(), records.end(), mayReach);
+  const auto last = std::find_if(records.rbegin(), records.rend(), mayReach);
+  const auto begin = static_cast<std::size_t>(first - records.begin());
+  const auto end = static_cast<std::size_t>(records.rend() - last);
+  return {begin - std::min(begin, kBeside), std::min(end + kBeside, records.size())};
 }
 
 }  // namespace
 
 HistoryMetrics historyMetrics(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map) {
   Series series = seriesOf(history, map);
+  series.forEachLanes(0, series.records.size(), [](const auto& levels, auto metrics) {
+    for (std::size_t i = 0; i < metrics.size(); ++i) {
+      addLevels(levels[i], metrics[i]);
+      addPerceivedNoise(levels[i], metrics[i]);
+    }
+    addTones(levels, metrics);
+  });
   HistoryMetrics result;
-  result.records = std::move(series.records);
-  if (result.records.empty()) return result;
-  result.event = eventOf(result.records, durationsOf(result.records, series.stamps));
+  result.records = std::move(series.metrics);
+  for (std::size_t i = 0; i < result.records.size(); ++i) {
+    const AQ_MaskRow* const row = series.records[i].masks;
+    result.records[i].value(AQ_METRIC_INTEG, 0);
+    if (map == nullptr) continue;
+    result.records[i].value(AQ_METRIC_LGB, row == nullptr ? 0 : lastGoodBand(*row));
+  }
+  result.event = eventOf(result.records, durationsOf(result.records));
   if (result.event) flagRecords(*result.event, result.records);
+  return result;
+}
+
+HistoryEvent historyEvent(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map) {
+  Series series = seriesOf(history, map);
+  std::vector<RecordMetrics>& records = series.metrics;
+  series.forEachLanes(0, records.size(), [](const auto& levels, auto metrics) {
+    for (std::size_t i = 0; i < metrics.size(); ++i) addPerceivedNoise(levels[i], metrics[i]);
+  });
+  // Other records are below the limits with or without their corrections.
+  for (RecordMetrics& record : records) {
+    record.value(AQ_METRIC_PNLT, record.value(AQ_METRIC_PNL));
+  }
+  const auto [begin, end] = eventRange(records);
+  series.forEachLanes(begin, end, addTones);
+  HistoryEvent result;
+  result.records = records.size();
+  if (!records.empty()) result.firstRecord = records.front().record;
+  result.event = eventOf(records, durationsOf(records));
   return result;
 }
 

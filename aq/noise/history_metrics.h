@@ -19,6 +19,7 @@ namespace aq {
 struct RecordMetrics {
   std::int16_t record = 0;
   std::int16_t perceivedBands = 0;  ///< how many of bands 17 to 40 have a level that counts
+  double seconds = 0;               ///< the time of day of its stamp
   std::array<double, AQ_METRIC_INTEG>
       values{};  ///< by type, from `AQ_METRIC_AWT` up; dB, PNdB, TPNdB and bands
 
@@ -42,5 +43,17 @@ struct HistoryMetrics {
 /// What `setMetrics` stores, unrounded. Never changes the history. Throws as `setMetrics`.
 [[nodiscard]] AQ_API HistoryMetrics historyMetrics(const AQ_SpectralTimeHistory& history,
                                                    const AQ_MaskMap* map = nullptr);
+
+/// The event of a history.
+struct HistoryEvent {
+  std::size_t records = 0;
+  std::int16_t firstRecord = 0;     ///< where the indices of the event count from
+  std::optional<NoiseEvent> event;  ///< empty if no record has a PNLT
+};
+
+/// The event alone, as `historyMetrics` finds it, in less time: records that cannot belong to the
+/// event get no tone correction. Throws as `setMetrics`.
+[[nodiscard]] AQ_API HistoryEvent historyEvent(const AQ_SpectralTimeHistory& history,
+                                               const AQ_MaskMap* map = nullptr);
 
 }  // namespace aq

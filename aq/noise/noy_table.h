@@ -10,6 +10,8 @@ namespace aq {
 struct NoyBand {
   double splA, splB, splC, splD, splE;
   double mB, mC, mD, mE;
+
+  bool operator==(const NoyBand&) const = default;
 };
 
 inline constexpr std::int16_t kFirstNoyBand = 17;  // 50 Hz

@@ -1,143 +1,97 @@
 #include "aq/noise/tone_procedure.h"
 
-#include <algorithm>
-#include <cmath>
 #include <limits>
 
 namespace aq {
 namespace {
 
-constexpr double kSlopeChange = 5;  // dB, beyond which a slope is marked
-constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+/// A tone counts double from 500 to 5000 Hz.
+constexpr std::array<double, kToneBands> kToneWeights = [] {
+  std::array<double, kToneBands> weights{};
+  for (std::size_t i = 0; i < kToneBands; ++i) {
+    weights[i] = i + kFirstToneBand >= 27 && i + kFirstToneBand <= 37 ? 2 : 1;
+  }
+  return weights;
+}();
 
-double bandAt(std::size_t place) { return kFirstToneBand + static_cast<double>(place); }
+template <class Number>
+Number numberOf(double value) {
+  return Number{} + value;
+}
 
-/// A tone counts double from 500 to 5000 Hz (A36.4.3.1, step 9).
-double weightAt(std::size_t place) { return bandAt(place) >= 27 && bandAt(place) <= 37 ? 2 : 1; }
-
-// Steps are written so that the compiler handles several records in one instruction: every
-// candidate is computed, and a choice is one comparison between two values.
-
-/// The correction in dB of a tone that counts once, from its difference to the background; 0 for
-/// NaN. The curve is the minimum of its three lines.
-double correctionOf(double difference) {
-  const double third = difference / 3;
-  const double rising = third - 0.5;
-  const double steady = third / 2;
-  const double lower = steady < rising ? steady : rising;
-  const double least = 10.0 / 3 < lower ? 10.0 / 3 : lower;
-  return least > 0 ? least : 0;
+/// dB, from the difference to the background, of a tone that counts once; 0 for NaN. The pieces of
+/// the curve are the least of their three lines.
+template <class Number>
+Number correctionOf(const Number& difference) {
+  const Number third = difference / 3.0;
+  const Number least = smallerOf<Number>(third / 2.0, third - 0.5);
+  return largerOf(smallerOf(numberOf<Number>(10.0 / 3), least), Number{});
 }
 
 }  // namespace
 
-void ToneProcedure::take(const RecordBlock& block) {
-  findSlopes(block);
-  adjustLevels();
-  findBackground();
-  correct();
-  findLargest();
+template <class Number>
+void ToneProcedure<Number>::run(std::size_t count) {
+  largest = Number{};
+  largestBand = Number{};
+  if (count == 0) return;
+  findSlopes(count);
+  adjustLevels(count);
+  findBackground(count);
+  correct(count);
 }
 
-std::size_t ToneProcedure::count(std::size_t record) const {
-  std::size_t count = 0;
-  while (!std::isnan(level[count][record])) ++count;  // no level counts above the last band
-  return count;
+template <class Number>
+void ToneProcedure<Number>::findSlopes(std::size_t count) {
+  const auto none = numberOf<Number>(std::numeric_limits<double>::quiet_NaN());
+  slope[0] = none;
+  for (std::size_t i = 1; i < count; ++i) slope[i] = level[i] - level[i - 1];
+  slope[count] = none;
 }
 
-bool ToneProcedure::slopeMarked(std::size_t place, std::size_t record) const {
-  return std::abs(slopeChange[place][record]) > kSlopeChange;
-}
-
-void ToneProcedure::findSlopes(const RecordBlock& block) {
-  for (std::size_t i = 0; i < kBands; ++i)
-    level[i] = block.levels(kFirstToneBand + static_cast<int>(i));
-  level[kBands].fill(kNone);
-  level[kBands + 1].fill(kNone);
-  slope[0].fill(kNone);
-  for (std::size_t i = 1; i < level.size(); ++i) {
-    for (std::size_t r = 0; r < kBlockRecords; ++r) {
-      level[i][r] = std::isnan(level[i - 1][r]) ? kNone : level[i][r];
-      slope[i][r] = level[i][r] - level[i - 1][r];
-      slopeChange[i][r] = slope[i][r] - slope[i - 1][r];
-    }
-  }
-}
-
-void ToneProcedure::adjustLevels() {
+template <class Number>
+void ToneProcedure<Number>::adjustLevels(std::size_t count) {
   adjusted[0] = level[0];
-  adjustedSlope[0].fill(kNone);
-  for (std::size_t i = 1; i <= kBands; ++i) {
-    for (std::size_t r = 0; r < kBlockRecords; ++r) {
-      const double own = level[i][r];
-      const double below = level[i - 1][r];
-      const double above = level[i + 1][r];
-      const double mean = (below + above) / 2;
-      const double onward = below + slope[i - 1][r];
-      const double other = std::isnan(above) ? onward : mean;
-      // A slope that changes by more than the limit removes a level: the one after a rise, or
-      // before a fall.
-      const double fallsAbove = slope[i + 1][r] <= 0 ? 1 : 0;
-      const double bendsDown = slopeChange[i + 1][r] < -kSlopeChange ? fallsAbove : 0;
-      const double bends = slopeChange[i][r] > kSlopeChange ? 1 : bendsDown;
-      const double mark = slope[i][r] > 0 ? bends : 0;
-      const double instead = mark == 0 ? own : other;
-      levelMark[i][r] = mark;
-      adjusted[i][r] = instead;
-      const double change = instead - adjusted[i - 1][r];
-      const double changeBelow = adjustedSlope[i - 1][r];
-      adjustedSlope[i][r] = std::isnan(change) ? changeBelow : change;
-    }
+  for (std::size_t i = 1; i < count; ++i) {
+    const Number below = level[i - 1];
+    const Number replacement =
+        i + 1 < count ? Number((below + level[i + 1]) / 2.0) : Number(below + slope[i - 1]);
+    // A rise that bends by more than the limit takes the level out: up below it, or down above it
+    // into a fall.
+    const auto rises = slope[i] > 0.0;
+    const auto bendsUp = slopeChange(i) > kMarkedSlopeChange;
+    const auto bendsDown = slopeChange(i + 1) < -kMarkedSlopeChange;
+    const auto falls = slope[i + 1] <= 0.0;
+    const auto takenOut = rises & (bendsUp | (bendsDown & falls));
+    isTakenOut[i] = takenOut ? numberOf<Number>(1) : Number{};
+    adjusted[i] = takenOut ? replacement : level[i];
+    adjustedSlope[i] = adjusted[i] - adjusted[i - 1];
   }
   adjustedSlope[0] = adjustedSlope[1];
+  adjustedSlope[count] = adjustedSlope[count - 1];
 }
 
-void ToneProcedure::findBackground() {
-  BlockRow current = level[0];
-  background[0] = current;
-  for (std::size_t i = 0; i + 1 < kBands; ++i) {
-    BlockRow mean;
-    for (std::size_t r = 0; r < kBlockRecords; ++r) {
-      mean[r] = (adjustedSlope[i][r] + adjustedSlope[i + 1][r] + adjustedSlope[i + 2][r]) / 3;
-      current[r] += mean[r];
-    }
-    meanSlope[i] = mean;
-    background[i + 1] = current;
+template <class Number>
+void ToneProcedure<Number>::findBackground(std::size_t count) {
+  background[0] = level[0];
+  for (std::size_t i = 0; i + 1 < count; ++i) {
+    meanSlope[i] = (adjustedSlope[i] + adjustedSlope[i + 1] + adjustedSlope[i + 2]) / 3.0;
+    background[i + 1] = background[i] + meanSlope[i];
   }
 }
 
-void ToneProcedure::correct() {
-  for (std::size_t i = 0; i < kBands; ++i) {
-    const double weight = weightAt(i);
-    for (std::size_t r = 0; r < kBlockRecords; ++r) {
-      difference[i][r] = level[i][r] - background[i][r];
-      correction[i][r] = weight * correctionOf(difference[i][r]);
-    }
+template <class Number>
+void ToneProcedure<Number>::correct(std::size_t count) {
+  double band = kFirstToneBand;
+  for (std::size_t i = 0; i < count; ++i, ++band) {
+    difference[i] = level[i] - background[i];
+    correction[i] = kToneWeights[i] * correctionOf(difference[i]);
+    largestBand = correction[i] > largest ? numberOf<Number>(band) : largestBand;
+    largest = largerOf(correction[i], largest);
   }
 }
 
-void ToneProcedure::findLargest() {
-  BlockRow most{};
-  for (std::size_t i = 0; i < kBands; ++i) {
-    for (std::size_t r = 0; r < kBlockRecords; ++r) {
-      const double found = correction[i][r];
-      const double before = most[r];
-      most[r] = found > before ? found : before;
-    }
-  }
-  BlockRow lowest{};
-  for (std::size_t i = kBands; i-- > 0;) {
-    const double band = bandAt(i);
-    for (std::size_t r = 0; r < kBlockRecords; ++r) {
-      const double higher = lowest[r];
-      lowest[r] = correction[i][r] == most[r] ? band : higher;
-    }
-  }
-  for (std::size_t r = 0; r < kBlockRecords; ++r) {
-    const double band = lowest[r];
-    largestBand[r] = most[r] > 0 ? band : 0;
-  }
-  largest = most;
-}
+template class ToneProcedure<double>;
+template class ToneProcedure<Lanes>;
 
 }  // namespace aq

@@ -4,53 +4,51 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "aq/noise/record_block.h"
+#include "aq/noise/lanes.h"
 
 namespace aq {
 
 inline constexpr std::int16_t kFirstToneBand = 19;  // 80 Hz
 inline constexpr std::int16_t kLastToneBand = 40;   // 10 kHz
+inline constexpr double kMarkedSlopeChange = 5;     // dB, marks a slope when exceeded
+inline constexpr std::size_t kToneBands = kLastToneBand - kFirstToneBand + 1;
 
-/// The tone correction procedure of 14 CFR 36, A36.4.3, step by step, over the bands of each record
-/// of a block from 80 Hz up to the first that does not count. Columns are by index, 0 for the first
-/// band, then by record. Values that a step does not define are NaN, so that no step needs to know
-/// where the bands of a record end.
+/// The tone correction procedure of 14 CFR 36, A36.4.3, step by step, for one record or for lanes
+/// of records with the same bands. Columns hold a number for each band, band 19 being place 0.
+template <class Number>
 class ToneProcedure {
  public:
-  ToneProcedure() = default;
-  explicit ToneProcedure(const RecordBlock& block) { take(block); }
+  using Column = std::array<Number, kToneBands + 1>;  // steps look at the band above
 
-  /// Computes the corrections of another block.
-  void take(const RecordBlock& block);
+  Column level{};  ///< to be filled by the caller
 
-  static constexpr std::size_t kBands = kLastToneBand - kFirstToneBand + 1;
-  using Column = std::array<BlockRow, kBands + 2>;  // two more, since steps look two bands ahead
+  /// Takes each step for the first `count` levels.
+  void run(std::size_t count);
 
-  Column level{};
-  Column slope{};          ///< from index 1
-  Column slopeChange{};    ///< from index 2
-  Column levelMark{};      ///< 1 where a level is removed, otherwise 0
-  Column adjusted{};       ///< the level, or the replacement of a marked one, dB
-  Column adjustedSlope{};  ///< extends by one above the last band, and below the first
-  Column meanSlope{};      ///< without the last band
+  Column slope{};          ///< NaN at place 0 and above the last band
+  Column isTakenOut{};     ///< 1 for a level that is taken out, otherwise 0
+  Column adjusted{};       ///< the level, or the replacement for one that is taken out
+  Column adjustedSlope{};  ///< continues by one band at both ends
+  Column meanSlope{};      ///< none at the last band
   Column background{};
   Column difference{};
-  Column correction{};     ///< 0 where it does not count
-  BlockRow largest{};      ///< of the corrections
-  BlockRow largestBand{};  ///< the lowest band that has it; 0 if there is none
+  Column correction{};   ///< 0 where the difference does not count
+  Number largest{};      ///< of the corrections
+  Number largestBand{};  ///< the lowest band with that correction; 0 when it is 0
 
-  /// How many bands were used.
-  [[nodiscard]] std::size_t count(std::size_t record) const;
-
-  /// Whether a slope changes by more than 5 dB.
-  [[nodiscard]] bool slopeMarked(std::size_t place, std::size_t record) const;
+  /// The slope less that of the band below.
+  [[nodiscard]] Number slopeChange(std::size_t place) const {
+    return slope[place] - slope[place - 1];
+  }
 
  private:
-  void findSlopes(const RecordBlock& block);
-  void adjustLevels();
-  void findBackground();
-  void correct();
-  void findLargest();
+  void findSlopes(std::size_t count);
+  void adjustLevels(std::size_t count);
+  void findBackground(std::size_t count);
+  void correct(std::size_t count);
 };
+
+extern template class ToneProcedure<double>;
+extern template class ToneProcedure<Lanes>;
 
 }  // namespace aq

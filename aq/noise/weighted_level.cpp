@@ -14,6 +14,8 @@
 #include <vector>
 
 #include "aq/core/error.h"
+#include "aq/noise/lanes.h"
+#include "aq/noise/level_table.h"
 #include "aq/noise/power_of_ten.h"
 #include "aq/noise/record_levels.h"
 #include "aq/noise/weightings.h"
@@ -23,18 +25,19 @@ namespace {
 
 constexpr std::size_t kWeightings = 3;  // A, C and D
 
-/// The factors by band, those of one band contiguous.
-using Factors = std::array<std::array<double, kWeightings>, std::tuple_size_v<Weighting>>;
-
 constexpr std::array<const Weighting*, kWeightings> kWeights{&kWeightingA, &kWeightingC,
                                                              &kWeightingD};
 
-Factors factorsOfAll() {
-  Factors factors{};
-  for (std::size_t type = 0; type < kWeightings; ++type) {
-    for (std::size_t i = 0; i < factors.size(); ++i) {
+/// The factors of a band's energy by type; 1 for the overall level.
+using Factors = std::array<double, kWeightings + 1>;
+
+std::array<Factors, std::tuple_size_v<Weighting>> factorsOfBands() {
+  std::array<Factors, std::tuple_size_v<Weighting>> factors;
+  for (std::size_t i = 0; i < factors.size(); ++i) {
+    for (std::size_t type = 0; type < kWeightings; ++type) {
       factors[i][type] = powerOfTen(0.1 * (*kWeights[type])[i]);
     }
+    factors[i][kWeightings] = 1;
   }
   return factors;
 }
@@ -67,31 +70,49 @@ std::optional<double> valueOf(double level) {
   return level;
 }
 
+double energyOf(double level) { return powerOfTen(0.1 * level); }
+
+/// Calls `add` with each band of the record that has a level that counts and 10^(0.1 L), infinite
+/// for levels of thousands of decibels.
+template <class Add>
+void forEachEnergy(const CountedLevels& record, const Add& add) {
+  static const LevelTable table(&energyOf);
+  std::int32_t band = record.low();
+  if (record.isCoded()) {
+    for (const LevelCode code : record.codes(band, record.end())) add(band++, table.of(code));
+    return;
+  }
+  for (; band < record.end(); ++band) {
+    const double level = record.level(band);
+    if (!std::isnan(level)) add(band, energyOf(level));
+  }
+}
+
+/// The sums of the energies by type.
+WeightedLevels energySums(const CountedLevels& record) {
+  static const auto kFactors = factorsOfBands();
+  static constexpr Factors kOther{0, 0, 0, 1};  // of a band that no weighting has
+  std::array<Lanes, std::tuple_size_v<Factors> / kLanes> sums{};
+  forEachEnergy(record, [&](std::int32_t band, double energy) {
+    const auto at = static_cast<std::size_t>(band - kFirstWeightedBand);
+    const Factors& factors = at < kFactors.size() ? kFactors[at] : kOther;
+    for (std::size_t i = 0; i < sums.size(); ++i) sums[i] += energy * lanesAt(&factors[i * kLanes]);
+  });
+  WeightedLevels found;
+  for (std::size_t i = 0; i < sums.size(); ++i) putLanes(&found[i * kLanes], sums[i]);
+  return found;
+}
+
 }  // namespace
 
-WeightedLevels weightedLevelsOf(const RecordBlock& block) {
-  static const Factors kFactors = factorsOfAll();
-  WeightedLevels found{};
-  BlockRow& overall = found[kWeightings];
-  overall = block.otherEnergies();
-  for (std::size_t i = 0; i < kFactors.size(); ++i) {
-    const BlockRow& energies = block.energies(kFirstWeightedBand + static_cast<std::int32_t>(i));
-    for (std::size_t type = 0; type < kWeightings; ++type) {
-      const double factor = kFactors[i][type];
-      for (std::size_t r = 0; r < kBlockRecords; ++r) found[type][r] += energies[r] * factor;
-    }
-    for (std::size_t r = 0; r < kBlockRecords; ++r) overall[r] += energies[r];
+WeightedLevels weightedLevelsOf(const CountedLevels& record) {
+  WeightedLevels levels = energySums(record);
+  for (std::size_t type = 0; type < levels.size(); ++type) {
+    const bool isInRange = levels[type] > 0 && std::isfinite(levels[type]);
+    levels[type] = isInRange ? 10 * logarithmOfTen(levels[type])
+                             : relativeSum(record, type < kWeightings ? kWeights[type] : nullptr);
   }
-  for (std::size_t type = 0; type < found.size(); ++type) {
-    const Weighting* const weighting = type < kWeightings ? kWeights[type] : nullptr;
-    for (std::size_t r = 0; r < block.size(); ++r) {
-      const double energy = found[type][r];
-      const bool isInRange = energy > 0 && std::isfinite(energy);
-      found[type][r] =
-          isInRange ? 10 * logarithmOfTen(energy) : relativeSum(block.record(r), weighting);
-    }
-  }
-  return found;
+  return levels;
 }
 
 std::optional<double> energySum(std::span<const double> levels) {
@@ -108,8 +129,8 @@ std::optional<double> weightedLevel(const AQ_Spectrum& spectrum, AQ_METRIC_TYPE 
                 "expected the type of a weighted or overall level, found " +
                     std::to_string(std::int32_t{weighting}));
   }
-  const WeightedLevels levels = weightedLevelsOf(RecordBlock(spectrum, masks));
-  return valueOf(levels[static_cast<std::size_t>(weighting - AQ_METRIC_AWT)][0]);
+  const WeightedLevels levels = weightedLevelsOf(CountedLevels(spectrum, masks));
+  return valueOf(levels[static_cast<std::size_t>(weighting - AQ_METRIC_AWT)]);
 }
 
 }  // namespace aq

@@ -55,9 +55,9 @@ def event_words(event: Optional[_core.NoiseEvent], first_record: int) -> dict[st
 
 
 def metric_variables(values: Any, dim: str) -> dict[str, xr.Variable]:
-    """The ten metrics of an array by record and type."""
+    """The ten metrics of an array by type and record."""
     return {
-        name: variable(dim, values[:, place], *_WORDS[name]) for place, name in enumerate(NAMES)
+        name: variable(dim, values[place], *_WORDS[name]) for place, name in enumerate(NAMES)
     }
 
 
@@ -74,11 +74,10 @@ def metrics(history: History, mask: Optional[_core.AQ_MaskMap] = None) -> xr.Dat
     >>> m.attrs["EPNL"], m.PNLT.sel(record=30)
     """
     own, own_mask = _pair(history, mask)
-    numbers, values, event = _core.historyMetrics(own, own_mask)
-    time = own.times["TODseconds"]
+    numbers, time, values, event = _core.historyMetrics(own, own_mask)
     coordinates = {
         "record": variable("record", numbers, "1", "record number"),
-        "time": variable("record", np.ascontiguousarray(time), "s", "time of day"),
+        "time": variable("record", time, "s", "time of day"),
     }
     first = int(numbers[0]) if numbers.size else 0
     return xr.Dataset(metric_variables(values, "record"), coordinates, event_words(event, first))
@@ -265,7 +264,7 @@ def _block_metrics(*arrays: Any, bands: Any) -> Any:
     values = np.full((len(block.numbers), len(NAMES)), np.nan)
     for part, history, mask in block.by_file():
         order = np.argsort(block.numbers[part, 1], kind="stable")
-        values[part][order] = _core.historyMetrics(history, mask)[1]
+        values[part][order] = _core.historyMetrics(history, mask)[2].T
     return values
 
 
@@ -274,9 +273,9 @@ def _block_events(*arrays: Any, bands: Any) -> list[dict[str, Any]]:
     block = _Measured._make([*_filled(arrays), bands])
     rows = []
     for part, history, mask in block.by_file():
-        numbers, _, event = _core.historyMetrics(history, mask)
+        records, first, event = _core.historyEvent(history, mask)
         place = int(block.numbers[part.start, 2])
-        rows.append({"file": place, "records": len(numbers), **event_words(event, int(numbers[0]))})
+        rows.append({"file": place, "records": records, **event_words(event, first)})
     return rows
 
 
@@ -334,7 +333,7 @@ def dataset_metrics(ds: xr.Dataset) -> xr.Dataset:
         if "file" not in ds.variables:
             attrs = _block_events(*arrays, bands=bands)[0]
             attrs = {name: attrs[name] for name in (*EVENT, *_LIMITS)}
-    variables = metric_variables(values, "time")
+    variables = metric_variables(values.T, "time")
     own = {name: each for name, each in ds.coords.items() if each.dims == ("time",)}
     return xr.Dataset(variables, own, attrs)
 

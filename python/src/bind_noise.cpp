@@ -74,9 +74,9 @@ py::array_t<ToneRow> toneCorrections(const py::object& given) {
   return rows;
 }
 
-using Metrics = std::tuple<py::array_t<std::int16_t>, Doubles, std::optional<NoiseEvent>>;
+using Metrics = std::tuple<py::array_t<std::int16_t>, Doubles, Doubles, std::optional<NoiseEvent>>;
 
-/// Record numbers, metrics by record and type, and the event.
+/// Record numbers, seconds of the day, metrics by type and record, and the event.
 Metrics metricsOf(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map) {
   const HistoryMetrics metrics = [&] {
     const py::gil_scoped_release released;
@@ -84,14 +84,27 @@ Metrics metricsOf(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map) 
   }();
   const auto count = std::ssize(metrics.records);
   py::array_t<std::int16_t> numbers(count);
-  Doubles values({count, static_cast<py::ssize_t>(AQ_METRIC_INTEG)});
-  std::int16_t* number = numbers.mutable_data();
-  double* cells = values.mutable_data();
+  Doubles seconds(count);
+  Doubles values({static_cast<py::ssize_t>(AQ_METRIC_INTEG), count});
+  double* const cells = values.mutable_data();
+  py::ssize_t place = 0;
   for (const RecordMetrics& record : metrics.records) {
-    *number++ = record.record;
-    cells = std::copy(record.values.begin(), record.values.end(), cells);
+    numbers.mutable_data()[place] = record.record;
+    seconds.mutable_data()[place] = record.seconds;
+    double* cell = cells + place++;
+    for (const double value : record.values) {
+      *cell = value;
+      cell += count;
+    }
   }
-  return {numbers, values, metrics.event};
+  return {numbers, seconds, values, metrics.event};
+}
+
+std::tuple<std::size_t, std::int16_t, std::optional<NoiseEvent>> eventAlone(
+    const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map) {
+  const py::gil_scoped_release released;
+  auto [records, first, event] = historyEvent(history, map);
+  return {records, first, std::move(event)};
 }
 
 NoiseEvent eventOf(const py::object& pnlt, const py::object& seconds,
@@ -158,8 +171,11 @@ void bindNoise(py::module_& module) {
              "The steps of the tone correction, one per band from 80 Hz up");
   module.def("toneCorrections", toneCorrections, py::arg("levels"),
              "Correction, band and last band of each row of levels of bands 17 to 40");
-  module.def("historyMetrics", metricsOf, py::arg("history"), map,
-             "Record numbers, the ten metrics by record and type, and the event");
+  module.def(
+      "historyMetrics", metricsOf, py::arg("history"), map,
+      "Record numbers, seconds of the day, the ten metrics by type and record, and the event");
+  module.def("historyEvent", eventAlone, py::arg("history"), map,
+             "The number of records, the first record number and the event");
   module.def(
       "setMetrics", setMetrics, py::arg("history"), map,
       "Computes and stores the ten metrics of every record; returns the event, if there is one");

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <random>
 
 #include "tests/noise/spectra.h"
 #include "tests/support/errors.h"
@@ -100,6 +101,39 @@ TEST(HistoryMetrics, RecordsSideBySideAreAsAlone) {
     EXPECT_EQ(found.value(AQ_METRIC_PNL), perceivedNoiseLevel(spectrum));
     EXPECT_EQ(found.value(AQ_METRIC_TONECOR), tone.correction);
     EXPECT_EQ(found.value(AQ_METRIC_TONEBND), tone.band);
+  }
+}
+
+TEST(HistoryEvent, IsThatOfTheMetrics) {
+  std::mt19937 random(7);
+  for (int run = 0; run < 300; ++run) {
+    SCOPED_TRACE(run);
+    AQ_SpectralTimeHistory history;
+    const auto records = static_cast<std::int16_t>(random() % 40);
+    for (std::int16_t record = 1; record <= records; ++record) {
+      if (random() % 10 == 0) continue;
+      const double level = 90 - (0.2 + run % 5) * std::abs(record - records / 2);
+      auto spectrum = recordAt(0.5 * record, level);
+      for (int tones = 0; tones < 4; ++tones) {
+        const auto band = static_cast<std::int16_t>(17 + random() % 24);
+        spectrum->SPL(band, random() % 8 == 0
+                                ? kInvalidLevel
+                                : level + std::uniform_int_distribution(0, 19)(random));
+      }
+      history.spectrum(record, std::move(spectrum));
+    }
+    const HistoryMetrics metrics = historyMetrics(history);
+    const HistoryEvent found = historyEvent(history);
+    ASSERT_EQ(found.records, metrics.records.size());
+    ASSERT_EQ(found.event.has_value(), metrics.event.has_value());
+    if (!metrics.event) continue;
+    EXPECT_EQ(found.firstRecord, metrics.records.front().record);
+    EXPECT_EQ(found.event->epnl, metrics.event->epnl);
+    EXPECT_EQ(found.event->epnlWithBandSharing, metrics.event->epnlWithBandSharing);
+    EXPECT_EQ(found.event->maximum, metrics.event->maximum);
+    EXPECT_EQ(found.event->first, metrics.event->first);
+    EXPECT_EQ(found.event->last, metrics.event->last);
+    EXPECT_EQ(found.event->secondPeaks, metrics.event->secondPeaks);
   }
 }
 

@@ -49,12 +49,10 @@ Json recordsJson(const aq::HistoryMetrics& metrics) {
   return records;
 }
 
-Json eventJson(const aq::HistoryMetrics& metrics) {
-  if (!metrics.event) return nullptr;
-  const aq::NoiseEvent& event = *metrics.event;
-  const auto record = [&](std::size_t place) {
-    return metrics.records.front().record + static_cast<int>(place);
-  };
+Json eventJson(const std::optional<aq::NoiseEvent>& found, int firstRecord) {
+  if (!found) return nullptr;
+  const aq::NoiseEvent& event = *found;
+  const auto record = [&](std::size_t place) { return firstRecord + static_cast<int>(place); };
   const auto limit = [&](const std::optional<std::size_t>& place) -> Json {
     return place ? Json(record(*place)) : Json();
   };
@@ -143,13 +141,19 @@ FileMetrics metricsOf(const std::string& file, const MetricsChoice& choice, bool
   const History read = openHistory(file);
   const std::string mapFile = choice.maps ? mapBeside(file) : choice.map;
   const auto map = mapFile.empty() ? nullptr : openMap(mapFile).model;
-  const aq::HistoryMetrics metrics = aq::historyMetrics(*read.model, map.get());
   FileMetrics outcome;
-  outcome.records = metrics.records.size();
   outcome.document = {{"file", file}, {"mask", mapFile.empty() ? Json() : Json(mapFile)}};
-  if (withRecords) outcome.document["records"] = recordsJson(metrics);
-  outcome.document["event"] = eventJson(metrics);
-  if (!withRecords) return outcome;
+  if (!withRecords) {
+    const aq::HistoryEvent found = aq::historyEvent(*read.model, map.get());
+    outcome.records = found.records;
+    outcome.document["event"] = eventJson(found.event, found.firstRecord);
+    return outcome;
+  }
+  const aq::HistoryMetrics metrics = aq::historyMetrics(*read.model, map.get());
+  outcome.records = metrics.records.size();
+  outcome.document["records"] = recordsJson(metrics);
+  const int firstRecord = metrics.records.empty() ? 0 : metrics.records.front().record;
+  outcome.document["event"] = eventJson(metrics.event, firstRecord);
   outcome.words = eventWords(metrics, outcome.document["event"], *read.model, map.get());
   for (std::string& words : missingWords(metrics, map.get()))
     outcome.words.push_back(std::move(words));

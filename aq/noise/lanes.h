@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+
+namespace aq {
+
+// Where the compiler has vectors, `Lanes` are the doubles of two records, which one instruction of
+// any processor handles that has vectors at all; elsewhere they are a double. Code on lanes takes a
+// choice for each by `?:`, with both sides computed.
+#if defined(__GNUC__)
+using Lanes = double __attribute__((vector_size(16)));
+#else
+using Lanes = double;
+#endif
+
+inline constexpr std::size_t kLanes = sizeof(Lanes) / sizeof(double);
+
+[[nodiscard]] inline Lanes lanesAt(const double* from) {
+  Lanes lanes;
+  std::memcpy(&lanes, from, sizeof(lanes));
+  return lanes;
+}
+
+inline void putLanes(double* to, const Lanes& lanes) { std::memcpy(to, &lanes, sizeof(lanes)); }
+
+[[nodiscard]] inline double laneOf(const Lanes& lanes, std::size_t lane) {
+  double each[kLanes];
+  putLanes(each, lanes);
+  return each[lane];
+}
+
+/// The larger of two numbers or lanes; `b` where `a` is NaN.
+template <class Number>
+[[nodiscard]] Number largerOf(const Number& a, const Number& b) {
+  return a > b ? a : b;
+}
+
+/// The smaller of two numbers or lanes; `b` where `a` is NaN.
+template <class Number>
+[[nodiscard]] Number smallerOf(const Number& a, const Number& b) {
+  return a < b ? a : b;
+}
+
+}  // namespace aq
