@@ -56,9 +56,7 @@ def event_words(event: Optional[_core.NoiseEvent], first_record: int) -> dict[st
 
 def metric_variables(values: Any, dim: str) -> dict[str, xr.Variable]:
     """The ten metrics of an array by type and record."""
-    return {
-        name: variable(dim, values[place], *_WORDS[name]) for place, name in enumerate(NAMES)
-    }
+    return {name: variable(dim, values[place], *_WORDS[name]) for place, name in enumerate(NAMES)}
 
 
 def metrics(history: History, mask: Optional[_core.AQ_MaskMap] = None) -> xr.Dataset:
