@@ -31,8 +31,9 @@ int main(int argc, char** argv) {
   // Metrics of each record, and the event.
   const auto event = aq::setMetrics(*history, map.get());
   if (!event) return 1;
+  const auto loudest = static_cast<std::size_t>(history->LoRec()) + event->maximum;
   std::cout << "EPNL " << event->epnl << " EPNdB, PNLTM " << event->pnltm << " TPNdB at record "
-            << event->maximum + 1 << '\n';
+            << loudest << '\n';
 
   // Write both files, and compare what comes back.
   const auto mapHeader = std::make_shared<aq::AQ_HeaderMask>();
