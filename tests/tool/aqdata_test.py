@@ -473,6 +473,11 @@ def check_documents(parent):
                 expect(f"{page}: {command}", (done.stdout + done.stderr).decode(), shown)
     folder = parent / "examples-of-help"
     shutil.copytree(SAMPLES, folder)
+    for command in re.findall(r"^(aqdata .*)$", (PROJECT / "README.md").read_text(), re.M):
+        done = run(command, folder)
+        expect(f"README.md: {command}: status", done.returncode, 0)
+        promised = re.search(r"# (EPNL .*)", command)
+        expect_in(f"README.md: {command}", done.stdout.decode(), promised[1] if promised else "")
     names = run("aqdata --help", folder).stdout.decode()
     for name in re.findall(r"^  ([a-z]+) ", names.split("Commands:")[1], re.M):
         text = run(f"aqdata {name} --help", folder).stdout.decode()
