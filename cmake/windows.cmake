@@ -1,6 +1,7 @@
 # What both Windows toolchains share.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR ${processor})
+set(CMAKE_C_COMPILER ${host}-gcc-posix)  # GoogleTest names C as well
 set(CMAKE_CXX_COMPILER ${host}-g++-posix)  # whose standard library has threads
 set(CMAKE_RC_COMPILER ${host}-windres)
 set(CMAKE_EXE_LINKER_FLAGS_INIT -static)  # nothing to install beside what is built
@@ -11,7 +12,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-find_program(AQ_WINE NAMES wine wine64)
+find_program(AQ_WINE NAMES ${loader} PATHS /usr/lib/wine NO_DEFAULT_PATH)  # for its bits
 if(AQ_WINE)
   set(CMAKE_CROSSCOMPILING_EMULATOR ${AQ_WINE})
 endif()

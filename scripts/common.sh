@@ -8,6 +8,13 @@ python_packages=(python3-dev pybind11-dev python3-setuptools python3-wheel pytho
   python3-pandas python3-xarray python3-dask python3-distributed python3-netcdf4
   python3-matplotlib)
 
+# as_root COMMAND...: runs it as root.
+as_root() {
+  local root=()
+  [ "$(id -u)" -eq 0 ] || root=(sudo)
+  "${root[@]}" "$@"
+}
+
 # install PACKAGE...: installs missing Debian packages, quietly.
 install() {
   local missing=()
@@ -18,10 +25,8 @@ install() {
   done
   [ ${#missing[@]} -eq 0 ] && return
   echo "Installing ${missing[*]}"
-  local root=()
-  [ "$(id -u)" -eq 0 ] || root=(sudo)
-  "${root[@]}" apt-get update -qq
-  "${root[@]}" env DEBIAN_FRONTEND=noninteractive \
+  as_root apt-get update -qq
+  as_root env DEBIAN_FRONTEND=noninteractive \
     apt-get install -qq -y --no-install-recommends "${missing[@]}" >/dev/null
 }
 

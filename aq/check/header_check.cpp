@@ -1,7 +1,6 @@
 #include "aq/check/header_check.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <utility>
 
 #include "aq/check/text_form.h"
@@ -37,9 +36,13 @@ std::string bareName(std::string_view name) {
   return std::string(name.substr(name.find_last_of("/\\") + 1));
 }
 
+/// The path of a file `name` beside the one at `path`.
+std::string beside(const std::string& path, const std::string& name) {
+  return path.substr(0, path.size() - platform::fileName(path).size()) + name;
+}
+
 bool isBeside(const std::string& path, const std::string& name) {
-  std::error_code error;
-  return std::filesystem::exists(std::filesystem::path(path).parent_path() / name, error);
+  return platform::lastChanged(beside(path, name)).has_value();
 }
 
 constexpr std::string_view kOwnName = "FileName";
@@ -52,9 +55,8 @@ constexpr std::string_view kSources[] = {"GenerationFile", "TSPIFileName", "STHF
 std::string sourceBeside(const std::string& path, std::string_view recorded) {
   const std::string name = bareName(recorded);
   if (name.empty()) return {};
-  std::string source = path.substr(0, path.size() - platform::fileName(path).size()) + name;
-  std::error_code error;
-  return std::filesystem::is_regular_file(source, error) ? source : std::string();
+  std::string source = beside(path, name);
+  return platform::isFile(source) ? source : std::string();
 }
 
 void checkFileName(std::size_t line, std::string_view name, const std::string& path,

@@ -423,9 +423,7 @@ std::vector<std::string> filesIn(const std::string& folder) {
   std::vector<std::string> names;
   const Folder entries(folder);
   while (const char* const name = entries.next()) {
-    struct stat status {};
-    const std::string path = folder + '/' + name;
-    if (::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode)) names.emplace_back(name);
+    if (isFile(folder + '/' + name)) names.emplace_back(name);
   }
   return names;
 }
@@ -459,6 +457,18 @@ std::optional<std::time_t> lastChanged(const std::string& path) {
   struct stat status {};
   if (::stat(path.c_str(), &status) != 0) return std::nullopt;
   return status.st_mtime;
+}
+
+bool isFile(const std::string& path) {
+  struct stat status {};
+  return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+bool areOneFile(const std::string& one, const std::string& other) {
+  struct stat first {};
+  struct stat second {};
+  return ::stat(one.c_str(), &first) == 0 && ::stat(other.c_str(), &second) == 0 &&
+         sameFile(first, second);
 }
 
 std::string fileName(const std::string& path) { return path.substr(path.find_last_of('/') + 1); }

@@ -71,6 +71,12 @@ AQ_API void appendToFile(const std::string& path, std::string_view bytes);
 /// When a file was last changed; nothing if it does not exist.
 [[nodiscard]] AQ_API std::optional<std::time_t> lastChanged(const std::string& path);
 
+/// Whether `path` leads to a regular file; not when that cannot be told.
+[[nodiscard]] AQ_API bool isFile(const std::string& path);
+
+/// Whether two paths lead to the same file; not when that cannot be told.
+[[nodiscard]] AQ_API bool areOneFile(const std::string& one, const std::string& other);
+
 /// `path` without its folders.
 [[nodiscard]] AQ_API std::string fileName(const std::string& path);
 

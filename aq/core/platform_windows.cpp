@@ -15,6 +15,7 @@ namespace aq::platform {
 namespace {
 
 constexpr const char* kOpen = "a file that can be opened";
+constexpr const char* kRead = "a file that can be read";
 constexpr const char* kWrite = "a file that can be written";
 constexpr const char* kReplace = "a folder that lets the file be replaced";
 constexpr const char* kReadFolder = "a folder that can be read";
@@ -115,7 +116,7 @@ bool isDevice(std::wstring_view name) {
          kNumbers.find(base.back()) != kNumbers.npos;
 }
 
-/// Refuses names that the system takes without a word for another file or a device.
+/// Refuses names that the system silently takes for another file or a device.
 void checkNames(std::wstring_view path, const char* wanted) {
   constexpr std::size_t kMostOfName = 255;
   constexpr std::wstring_view kSeparators = L"/\\";
@@ -181,21 +182,20 @@ using Handle = std::unique_ptr<void, Closer>;
 
 Handle owned(HANDLE handle) { return Handle(handle == INVALID_HANDLE_VALUE ? nullptr : handle); }
 
-bool isFolder(const std::wstring& path) {
+bool has(const std::wstring& path, DWORD attribute) {
   const DWORD attributes = ::GetFileAttributesW(path.c_str());
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & attribute) != 0;
 }
 
-/// Why `path` cannot be opened, where the system's error is less than what can be seen.
+bool isThere(const std::wstring& path) {
+  return ::GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+bool isFolder(const std::wstring& path) { return has(path, FILE_ATTRIBUTE_DIRECTORY); }
+
+/// Why `path` cannot be opened, where the system's error says less than what can be seen.
 [[noreturn]] void failToOpen(const std::wstring& path, const char* wanted, DWORD error) {
-  if (error == ERROR_ACCESS_DENIED) {
-    if (isFolder(path)) throw SystemError(wanted, "Is a directory");
-    const DWORD attributes = ::GetFileAttributesW(path.c_str());
-    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0 &&
-        wanted != kOpen) {
-      throw SystemError(wanted, "the file is marked as read-only");
-    }
-  }
+  if (isFolder(path)) throw SystemError(wanted == kOpen ? kRead : wanted, "Is a directory");
   failBy(wanted, error);
 }
 
@@ -207,6 +207,9 @@ struct Opening {
 };
 
 Handle open(const std::wstring& path, const Opening& how, const char* wanted) {
+  if (how.access == GENERIC_WRITE && !isFolder(path) && has(path, FILE_ATTRIBUTE_READONLY)) {
+    throw SystemError(wanted, "the file is marked as read-only");
+  }
   Handle handle;
   const bool opened = patiently([&] {
     handle = owned(::CreateFileW(path.c_str(), how.access, how.sharing, nullptr, how.disposition,
@@ -253,6 +256,18 @@ void flush(const Handle& file) {
 
 bool onDisk(const Handle& file) { return ::GetFileType(file.get()) == FILE_TYPE_DISK; }
 
+/// The file or folder that `path` leads to, open for questions alone.
+Handle seen(const std::string& path) {
+  return open(pathOf(path, kOpen),
+              {.access = FILE_READ_ATTRIBUTES, .flags = FILE_FLAG_BACKUP_SEMANTICS}, kOpen);
+}
+
+BY_HANDLE_FILE_INFORMATION informationOf(const Handle& file) {
+  BY_HANDLE_FILE_INFORMATION information{};
+  if (::GetFileInformationByHandle(file.get(), &information) == 0) failBy(kOpen);
+  return information;
+}
+
 /// Who may do what with a file; empty where its file system does not know that.
 class Access {
  public:
@@ -286,18 +301,14 @@ class Access {
 
 /// The file that `path` names, as it was before.
 struct Old {
-  explicit Old(const Handle& file) : access(file) {
-    BY_HANDLE_FILE_INFORMATION information{};
-    if (::GetFileInformationByHandle(file.get(), &information) != 0) {
-      attributes = information.dwFileAttributes & kKept;
-    }
-  }
+  explicit Old(const Handle& file)
+      : access(file), attributes(informationOf(file).dwFileAttributes & kKept) {}
 
   static constexpr DWORD kKept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
                                  FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED |
                                  FILE_ATTRIBUTE_ENCRYPTED;
   Access access;
-  DWORD attributes = FILE_ATTRIBUTE_NORMAL;
+  DWORD attributes;
 };
 
 /// A new file beside the one that it is to replace; it goes with the object unless it was renamed.
@@ -418,9 +429,15 @@ void appendTo(const Handle& file, std::string_view bytes) {
   }
 }
 
-/// One argument as a started program takes it apart again.
+/// One argument as a started program takes it apart again; without quotes where it needs none,
+/// since old programs keep them.
 void appendArgument(std::wstring& line, std::wstring_view argument) {
-  line += line.empty() ? L"\"" : L" \"";
+  if (!line.empty()) line += L' ';
+  if (!argument.empty() && argument.find_first_of(L" \t\"") == argument.npos) {
+    line += argument;
+    return;
+  }
+  line += L'"';
   std::size_t backslashes = 0;
   for (const wchar_t letter : argument) {
     if (letter == L'"') line.append(backslashes + 1, L'\\');
@@ -535,7 +552,7 @@ std::size_t InputFile::read(std::span<char> buffer) {
   if (::ReadFile(handle_, buffer.data(), size, &got, nullptr) != 0) return got;
   const DWORD error = ::GetLastError();
   if (error != ERROR_BROKEN_PIPE && error != ERROR_HANDLE_EOF) {
-    failBy("a file that can be read", error);
+    failBy(kRead, error);
   }
   return 0;
 }
@@ -543,13 +560,12 @@ std::size_t InputFile::read(std::span<char> buffer) {
 void replaceFile(const std::string& path, std::string_view bytes) {
   if (const Handle stream = standardStream(path)) return write(stream, bytes);
   std::wstring entry = pathOf(path, kWrite);
-  const DWORD attributes = ::GetFileAttributesW(entry.c_str());
   const bool device = isRaw(entry) ? entry[2] == L'.' : isDevice(entry);
-  if (attributes == INVALID_FILE_ATTRIBUTES && !device) return replace(entry, nullptr, bytes);
+  if (!device && !isThere(entry)) return replace(entry, nullptr, bytes);
   Handle file = open(entry, {.access = GENERIC_WRITE}, kWrite);
   if (!onDisk(file)) return write(file, bytes);
   const Old old(file);
-  if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) entry = finalPath(file);
+  if (has(entry, FILE_ATTRIBUTE_REPARSE_POINT)) entry = finalPath(file);
   file.reset();
   open(entry, {.access = DELETE}, kReplace).reset();  // others may keep that away
   replace(entry, &old, bytes);
@@ -571,14 +587,16 @@ std::vector<std::string> filesIn(const std::string& folder) {
   if (folder.empty()) failBy(kReadFolder, ERROR_PATH_NOT_FOUND);
   const std::wstring path = pathOf(folder, kReadFolder);
   WIN32_FIND_DATAW entry{};
-  const HANDLE search = ::FindFirstFileW((path + L"\\*").c_str(), &entry);
+  const bool ended = path.ends_with(L'\\') || path.ends_with(L'/');
+  const HANDLE search = ::FindFirstFileW((path + (ended ? L"*" : L"\\*")).c_str(), &entry);
   if (search == INVALID_HANDLE_VALUE) failBy(kReadFolder);
   const std::unique_ptr<void, decltype(&::FindClose)> closed(search, &::FindClose);
   std::vector<std::string> names;
   do {
-    if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
-      names.push_back(utf8(static_cast<const wchar_t*>(entry.cFileName)));
-    }
+    const std::string name = utf8(static_cast<const wchar_t*>(entry.cFileName));
+    const bool link = (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+    const bool file = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+    if (file && (!link || isFile(folder + '/' + name))) names.push_back(name);
   } while (::FindNextFileW(search, &entry) != 0);
   if (::GetLastError() != ERROR_NO_MORE_FILES) failBy(kReadFolder);
   return names;
@@ -586,7 +604,7 @@ std::vector<std::string> filesIn(const std::string& folder) {
 
 std::string outputOf(const std::string& program, const std::vector<std::string>& arguments) {
   const std::wstring path = pathOf(program, kRun);
-  if (isBatch(path)) throw SystemError(kRun, "a batch file takes file names apart");
+  if (isBatch(path)) throw SystemError(kRun, "a batch file, which may take names for commands");
   std::wstring line;
   appendArgument(line, path);
   for (const std::string& argument : arguments) appendArgument(line, wide(argument, kRun));
@@ -609,14 +627,30 @@ std::string outputOf(const std::string& program, const std::vector<std::string>&
 }
 
 std::optional<std::time_t> lastChanged(const std::string& path) try {
-  const Handle file =
-      open(pathOf(path, kOpen),
-           {.access = FILE_READ_ATTRIBUTES, .flags = FILE_FLAG_BACKUP_SEMANTICS}, kOpen);
+  const Handle file = seen(path);
   FILETIME changed{};
   if (::GetFileTime(file.get(), nullptr, nullptr, &changed) == 0) return std::nullopt;
   return static_cast<std::time_t>(ticksOf(changed) / kTicksOfSecond - kSecondsTo1970);
 } catch (const SystemError&) {
   return std::nullopt;
+}
+
+bool isFile(const std::string& path) try {
+  const Handle file = seen(path);
+  return onDisk(file) && (informationOf(file).dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+} catch (const SystemError&) {
+  return false;
+}
+
+bool areOneFile(const std::string& one, const std::string& other) try {
+  const Handle first = seen(one);
+  const Handle second = seen(other);
+  const auto a = informationOf(first);
+  const auto b = informationOf(second);
+  return a.dwVolumeSerialNumber == b.dwVolumeSerialNumber && a.nFileIndexHigh == b.nFileIndexHigh &&
+         a.nFileIndexLow == b.nFileIndexLow;
+} catch (const SystemError&) {
+  return false;
 }
 
 std::string fileName(const std::string& path) { return path.substr(path.find_last_of("/\\:") + 1); }

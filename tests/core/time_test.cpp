@@ -1,3 +1,4 @@
+#include <aq/core/platform.h>
 #include <aq/core/time.h>
 #include <aq/text/date_text.h>
 #include <gtest/gtest.h>
@@ -127,6 +128,20 @@ TEST(Time, CopyWrapsALongDayAndKeepsTheMode) {
   EXPECT_EQ(time.TODseconds(), 88200);
   time.setWorkingTime(static_cast<AQ_OPTIME>(5));
   EXPECT_EQ(time.WorkingTime(), 88200);
+}
+
+TEST(Platform, LocalTimesAreOfTheSystemsYears) {
+  constexpr std::time_t kTwoDays = 2 * 86400;  // more than any zone is from the zeroth meridian
+#ifdef _WIN32
+  constexpr std::time_t kFirst = -11644473600;  // 1601
+#else
+  constexpr std::time_t kFirst = -62135596800;  // 1
+#endif
+  for (const std::time_t end : {kFirst, std::time_t{253402300800}}) {
+    const std::time_t inside = end < 0 ? end + kTwoDays : end - kTwoDays;
+    EXPECT_TRUE(platform::localTime(inside));
+    EXPECT_FALSE(platform::localTime(2 * end - inside));
+  }
 }
 
 }  // namespace

@@ -135,7 +135,6 @@ TEST(DataASCII, FailuresSayWhy) {
             folder.file("") + ": expected a file that can be read, found Is a directory");
   EXPECT_EQ(file.writeLines(folder.file("")), AQ_DATA_FILE_ERROR);
   EXPECT_EQ(file.writeLines("/dev/full"), AQ_DATA_FILE_ERROR);
-  EXPECT_EQ(file.lastFailure()->found, "No space left on device");
   EXPECT_EQ(file.readLines(std::string("a\0b", 3)), AQ_DATA_FILE_ERROR);
   EXPECT_EQ(file.readLines(folder.with("good", "x")), AQ_DATA_OK);
   EXPECT_FALSE(file.lastFailure());

@@ -53,20 +53,24 @@ TEST(Analyzer, ListsAFolder) {
     static_cast<void>(folder.with(name, "x"));
   }
   fs::create_directory(folder.file("folder.dat"));
-  fs::create_symlink(folder.file("A.dat"), folder.file("link.DAT"));
-  fs::create_symlink(folder.file("gone"), folder.file("dangling.DAT"));
+  std::error_code none;  // some systems have no links
+  fs::create_symlink(folder.file("A.dat"), folder.file("link.DAT"), none);
+  fs::create_symlink(folder.file("gone"), folder.file("dangling.DAT"), none);
   AQ_DataHP3565 file;
   std::shared_ptr<Collection<std::string>> index, times, recordings;
   ASSERT_EQ(file.readDirectory(folder.file(""), index, times, recordings), AQ_DATA_OK);
   EXPECT_EQ(namesOf(*index), "index INDEX.DAT ");
   EXPECT_EQ(namesOf(*times), "TimeDat.1 ");
-  EXPECT_EQ(namesOf(*recordings), ".dat A.dat B.dat b.DAT link.DAT ");
+  const bool caseless = fs::exists(folder.file("B.DAT"));
+  const std::string listed = std::string(".dat A.dat ") + (caseless ? "" : "B.dat ") + "b.DAT " +
+                             (none ? "" : "link.DAT ");
+  EXPECT_EQ(namesOf(*recordings), listed);
   EXPECT_EQ(file.readDirectory(folder.file("none"), index, times, recordings), AQ_DATA_FILE_ERROR);
   EXPECT_EQ(file.lastFailure()->message(),
             folder.file("none") +
                 ": expected a folder that can be read, found No such file or "
                 "directory");
-  EXPECT_EQ(recordings->Count(), 5);
+  EXPECT_EQ(namesOf(*recordings), listed);
 }
 
 TEST(Analyzer, TextIsThatOfTheInstrument) {
@@ -122,7 +126,7 @@ other                         field
 )";
 
 std::string levelsOf(const Read& read) {
-  if (!read.history) return read.failure.substr(read.failure.find('/'));
+  if (!read.history) return read.failure;
   std::string text;
   for (const auto& [number, spectrum] : *read.history) {
     for (const auto& [band, level] : *spectrum) {

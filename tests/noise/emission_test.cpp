@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <limits>
+#include <numbers>
 #include <vector>
 
 #include "tests/support/errors.h"
@@ -83,7 +84,7 @@ TEST(EmissionGeometry, SoundArrivesWhenTheRecordIsTaken) {
     EXPECT_NEAR(point->SRe, std::hypot(x, 300), 1e-9);
     EXPECT_NEAR(point->SRe, 343.2 * point->Tprope, 1e-7);
     EXPECT_NEAR(emitted + point->Tprope, point->Tm()->TODseconds(), 1e-9);
-    EXPECT_NEAR(point->THETAe, std::atan2(300, -x) * 180 / M_PI, 1e-4);
+    EXPECT_NEAR(point->THETAe, std::atan2(300, -x) * 180 / std::numbers::pi, 1e-4);
     EXPECT_EQ(point->BETAe, 0);
     EXPECT_EQ(point->Te()->CurrentDate(), 45000);
   }
@@ -109,7 +110,7 @@ TEST(EmissionGeometry, Angles) {
        {10, 0.001, 0, 100.001},
        at(0, 100, 0),
        120,
-       std::atan(std::sqrt(2)) / M_PI * 180},
+       std::atan(std::sqrt(2)) / std::numbers::pi * 180},
   };
   for (std::size_t i = 0; i < cases.size(); ++i) {
     SCOPED_TRACE(i);

@@ -79,15 +79,6 @@ TEST(Write, PermissionsStayAndNewFilesHaveTheUsual) {
   EXPECT_EQ(std::distance(fs::directory_iterator(fs::path(path).parent_path()), {}), 3);
 }
 
-TEST(Platform, LocalTimesAreOfTheYearsOneTo9999) {
-  constexpr std::time_t kTwoDays = 2 * 86400;  // more than the offset of any time zone
-  for (const std::time_t end : {std::time_t{-62135596800}, std::time_t{253402300800}}) {
-    const std::time_t inside = end < 0 ? end + kTwoDays : end - kTwoDays;
-    EXPECT_TRUE(platform::localTime(inside));
-    EXPECT_FALSE(platform::localTime(2 * end - inside));
-  }
-}
-
 TEST(Platform, AFileHasTheTimeOfItsLastChange) {
   const test::Folder folder;
   const std::string path = folder.with("a", "");

@@ -1,14 +1,17 @@
 """Makes files, has them read by the library (print_file) and by reader.py, and compares.
 
-    compare.py PROGRAM FOLDER [COUNT] [--seed N]
+    compare.py PROGRAM FOLDER [COUNT] [--seed N] [--against OTHER]
 
-Files that are read differently stay in FOLDER. The same seed makes the same files."""
+PROGRAM may be several words. OTHER is a build of print_file for another system, which then reads the
+files instead of reader.py. Files that are read differently stay in FOLDER. The same seed makes the
+same files."""
 
 import argparse
 import concurrent.futures
 import itertools
 import pathlib
 import random
+import shlex
 import subprocess
 import sys
 import tempfile
@@ -25,7 +28,7 @@ FORMATS = [*files.SAMPLES, "HP3565"]  # recordings read straight, or through the
 def library(program, paths):
     """The lines that the program prints for each path, up to its end line."""
     run = subprocess.run(
-        [program],
+        [program] if pathlib.Path(program).exists() else shlex.split(program),
         input="".join(f"{name} {path}\n" for name, path in paths),
         capture_output=True,
         encoding="ascii",
@@ -66,7 +69,7 @@ def agree(variant, ours, theirs):
     return len(ours) == len(theirs) and all(map(near, ours, theirs))
 
 
-def compare(program, kept, seed, name, first, count):
+def compare(program, kept, seed, name, first, count, other):
     """The numbers of files, of readable and of failing ones; and the differences."""
     with tempfile.TemporaryDirectory() as folder:
         inputs = []
@@ -75,10 +78,11 @@ def compare(program, kept, seed, name, first, count):
             path = pathlib.Path(folder) / f"{name}-{seed}-{index}.csv"
             path.write_bytes(content.encode("latin-1"))
             inputs.append((variant, path, content))
-        answers = library(program, [(variant, path) for variant, path, _ in inputs])
+        paths = [(variant, path) for variant, path, _ in inputs]
+        answers = library(program, paths)
+        opinions = library(other, paths) if other else [opinion(v, text) for v, _, text in inputs]
         good, differences = 0, []
-        for (variant, path, content), answer in zip(inputs, answers):
-            expected = opinion(variant, content)
+        for (variant, path, content), answer, expected in zip(inputs, answers, opinions):
             good += expected[0] == "result 0"
             if not agree(variant, expected, answer):
                 (kept / path.name).write_bytes(content.encode("latin-1"))
@@ -99,6 +103,7 @@ def main():
     parser.add_argument("folder", type=pathlib.Path)
     parser.add_argument("count", type=int, nargs="?", default=100000)
     parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--against", metavar="OTHER")
     options = parser.parse_args()
     options.folder.mkdir(parents=True, exist_ok=True)
     each = -(-options.count // len(FORMATS))
@@ -113,6 +118,7 @@ def main():
                 name,
                 first,
                 min(BATCH, each - first),
+                options.against,
             )
             for name in table
             for first in range(0, each, BATCH)

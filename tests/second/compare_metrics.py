@@ -8,7 +8,9 @@ Values agree to 1e-9 dB and 1e-9 s. Prints what differs, with the seed that repr
 import argparse
 import concurrent.futures
 import math
+import pathlib
 import random
+import shlex
 import subprocess
 import sys
 
@@ -164,7 +166,7 @@ def agrees(line, answer):
 def compare(program, seeds):
     cases = [(seed, *made(seed)) for seed in seeds]
     run = subprocess.run(
-        [program],
+        [program] if pathlib.Path(program).exists() else shlex.split(program),
         input="".join(text for _, text, _ in cases),
         capture_output=True,
         encoding="ascii",

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <aq/core/file_information.h>
+#include <aq/core/platform.h>
 
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -13,21 +15,32 @@ namespace aq::test {
 
 inline const std::filesystem::path kData = AQ_TEST_DATA;
 
+/// The content of a file; the line ends of a text are as those of the samples, whatever the system.
 inline std::string contentOf(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
+  std::string content{std::istreambuf_iterator<char>(stream), {}};
+  if (platform::lineEnd == "\n" || content.find('\0') != content.npos) return content;
+  for (std::size_t at = 0; (at = content.find(platform::lineEnd, at)) != content.npos; ++at) {
+    content.replace(at, platform::lineEnd.size(), "\n");
+  }
+  return content;
 }
 
 /// A temporary folder, removed with the object.
 class Folder {
  public:
   Folder() {
-    std::string name = (std::filesystem::temp_directory_path() / "aq-test-XXXXXX").string();
-    path_ = ::mkdtemp(name.data());
+    std::random_device random;
+    do {
+      path_ = std::filesystem::temp_directory_path() / ("aq-test-" + std::to_string(random()));
+    } while (!std::filesystem::create_directory(path_));
   }
   Folder(const Folder&) = delete;
   Folder& operator=(const Folder&) = delete;
-  ~Folder() { std::filesystem::remove_all(path_); }
+  ~Folder() {
+    std::error_code left;
+    std::filesystem::remove_all(path_, left);
+  }
 
   [[nodiscard]] std::string file(const std::string& name) const { return (path_ / name).string(); }
 

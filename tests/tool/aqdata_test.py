@@ -546,21 +546,26 @@ def check_field_data(folder):
         expect(f"the landing's own map: {part}", difference[part], [])
 
 
-with tempfile.TemporaryDirectory() as name:
-    place = pathlib.Path(name)
-    samples(place)
-    for check in (
-        check_rows,
-        check_json,
-        check_streams,
-        check_folders,
-        check_completion,
-        check_widths,
-        check_documents,
-        check_recordings,
-        check_columns,
-        check_field_data,
-    ):
-        check(place)
-print("\n".join(faults) or f"{len(ROWS)} commands, no fault")
-sys.exit(1 if faults else 0)
+def main():
+    with tempfile.TemporaryDirectory() as name:
+        place = pathlib.Path(name)
+        samples(place)
+        for check in (
+            check_rows,
+            check_json,
+            check_streams,
+            check_folders,
+            check_completion,
+            check_widths,
+            check_documents,
+            check_recordings,
+            check_columns,
+            check_field_data,
+        ):
+            check(place)
+    print("\n".join(faults) or f"{len(ROWS)} commands, no fault")
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

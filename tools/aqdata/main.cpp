@@ -2,7 +2,4 @@
 #include "tools/aqdata/program.h"
 #include "tools/aqdata/terminal.h"
 
-int main(int argc, char** argv) {
-  aqdata::terminal::endQuietlyOnClosedPipe();
-  return aqdata::run(argc, argv);
-}
+int main(int argc, char** argv) { return aqdata::run(aqdata::terminal::begin(argc, argv)); }

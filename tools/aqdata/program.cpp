@@ -123,7 +123,7 @@ std::vector<CLI::App*> commandsOf(CLI::App& program) {
   });
 }
 
-int run(int argc, char** argv) {
+int run(std::vector<std::string> given) {
   Session session;
   CLI::App program("Inspects, checks, converts and compares files of aircraft noise measurements.",
                    "aqdata");
@@ -133,7 +133,7 @@ int run(int argc, char** argv) {
   program.set_version_flag("--version", AQDATA_VERSION);
   program.footer(kFooter);
   addCommands(program, session);
-  const std::vector<std::string> words = arranged({argv + std::min(argc, 1), argv + argc});
+  const std::vector<std::string> words = arranged(std::move(given));
   try {
     program.parse(std::vector<std::string>(words.rbegin(), words.rend()));
     session.finish();

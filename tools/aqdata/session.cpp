@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 
@@ -25,7 +26,8 @@ void Session::finish() {
 }
 
 void Session::failOutput() {
-  std::fputs("aqdata: cannot write to standard output\n", stderr);
+  // A closed pipe is no failure; where the system has no signal for it, it comes as an error.
+  if (errno != EPIPE) std::fputs("aqdata: cannot write to standard output\n", stderr);
   std::_Exit(kCouldNot);
 }
 

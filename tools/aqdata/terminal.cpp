@@ -4,6 +4,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <clocale>
 #include <csignal>
 #include <cstdlib>
@@ -76,7 +77,10 @@ bool isStream(const std::string& path) {
          folder == "/proc/self/fd";
 }
 
-void endQuietlyOnClosedPipe() { std::signal(SIGPIPE, SIG_DFL); }
+std::vector<std::string> begin(int count, char** words) {
+  std::signal(SIGPIPE, SIG_DFL);
+  return {words + std::min(count, 1), words + count};
+}
 
 std::vector<std::string> matches(const std::string& pattern) {
   glob_t found{};

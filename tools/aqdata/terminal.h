@@ -34,8 +34,10 @@ struct Character {
 /// is.
 [[nodiscard]] bool isStream(const std::string& path);
 
-/// From now on a closed pipe ends the program at once and silently.
-void endQuietlyOnClosedPipe();
+/// Sets the streams up: a closed pipe ends the program at once and silently, where the system does
+/// that. Returns the words after the program's name, as UTF-8 where the system knows their
+/// encoding.
+[[nodiscard]] std::vector<std::string> begin(int count, char** words);
 
 /// The files and folders that match a pattern with `*`, `?` and `[]`, in order.
 [[nodiscard]] std::vector<std::string> matches(const std::string& pattern);

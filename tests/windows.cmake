@@ -1,0 +1,39 @@
+# The tests that run under wine. Those that do not, and why:
+#   aq_fault_tests     the linker wraps each call to the system, and they are another system's
+#   aq_thread_tests    the compiler for Windows has no thread sanitizer
+#   consumer.*         scripts/windows builds a host against the folder that it leaves instead
+#   tool.*             the rows are run with both programs and compared: tool.same
+#   house.*, reference.*   know no system
+#   Write.* and Platform.* of write_test.cpp   owners, permissions, umask, /proc, /dev: those of
+#                      write_windows_test.cpp take their place
+#   recordings in Formats.GoodSamplesHaveTheListedValues   their levels go through the system's own
+#                      logarithm: second.opinion compares them to 1e-9 dB
+#   Analyzer.RunsAnExternalConverterWithoutAShell   runs shell scripts: Platform.RunsPrograms does
+# AQ_NATIVE is a build of this system with print_file and aqdata; without it nothing is compared.
+add_test(NAME library COMMAND aq_tests
+  --gtest_filter=-Analyzer.RunsAnExternalConverterWithoutAShell)
+
+add_executable(print_file second/print_file.cpp second/values.cpp)
+target_include_directories(print_file PRIVATE ${PROJECT_SOURCE_DIR})
+target_link_libraries(print_file PRIVATE AQ_Data_Control aq_warnings)
+add_executable(print_metrics second/print_metrics.cpp)
+target_link_libraries(print_metrics PRIVATE AQ_Data_Control aq_warnings)
+list(JOIN CMAKE_CROSSCOMPILING_EMULATOR " " emulator)
+set(second ${CMAKE_CURRENT_SOURCE_DIR}/second)
+add_test(NAME second.opinion
+  COMMAND Python3::Interpreter ${second}/compare.py "${emulator} $<TARGET_FILE:print_file>"
+    ${CMAKE_CURRENT_BINARY_DIR}/second 3000)
+add_test(NAME second.metrics
+  COMMAND Python3::Interpreter ${second}/compare_metrics.py
+    "${emulator} $<TARGET_FILE:print_metrics>" 300)
+
+set(AQ_NATIVE "" CACHE PATH "A build of this system, to compare with")
+if(AQ_NATIVE)
+  add_test(NAME second.same
+    COMMAND Python3::Interpreter ${second}/compare.py "${emulator} $<TARGET_FILE:print_file>"
+      ${CMAKE_CURRENT_BINARY_DIR}/same 5000 --against ${AQ_NATIVE}/tests/print_file)
+  add_test(NAME tool.same
+    COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/tool/same_output.py
+      ${AQ_NATIVE}/tools/aqdata/aqdata ${PROJECT_SOURCE_DIR}
+      ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:aqdata>)
+endif()
