@@ -242,7 +242,7 @@ bool sameFile(const std::optional<struct stat>& one, const struct stat& other) {
   return one && one->st_dev == other.st_dev && one->st_ino == other.st_ino;
 }
 
-/// Appends to a file, or leaves it as it was before.
+/// Appends to a file, or leaves it unchanged.
 void appendTo(const OutputFile& file, const std::string& path, const struct stat& before,
               std::string_view bytes) {
   try {

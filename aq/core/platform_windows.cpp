@@ -37,7 +37,7 @@ struct Reason {
   const char* text;
 };
 
-// In the words that other systems use, so that a program tells the same everywhere.
+// In the words of other systems, so that messages are the same everywhere.
 constexpr std::array kReasons{
     Reason{ERROR_FILE_NOT_FOUND, "No such file or directory"},
     Reason{ERROR_PATH_NOT_FOUND, "No such file or directory"},
@@ -63,7 +63,7 @@ constexpr std::array kReasons{
     Reason{ERROR_CANT_RESOLVE_FILENAME, "Too many levels of symbolic links"},
 };
 
-/// The system's own words: English where it has them.
+/// The system's own message, in English if it has one.
 std::string systemText(DWORD error) {
   constexpr DWORD kFlags = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
   constexpr DWORD kEnglish = MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US);
@@ -97,12 +97,12 @@ std::wstring wide(const std::string& text, const char* wanted) {
   return characters;
 }
 
-/// Whether `path` is in the system's own form, which it takes letter by letter: \\?\ or \\.\.
+/// Whether `path` is in the system's own form, which it does not interpret: \\?\ or \\.\.
 bool isRaw(std::wstring_view path) {
   return path.starts_with(L"\\\\?\\") || path.starts_with(L"\\\\.\\");
 }
 
-/// Whether a file name without its endings is a device's, in any folder.
+/// Whether a file name without its extensions names a device, in any folder.
 bool isDevice(std::wstring_view name) {
   std::wstring base(name.substr(0, name.find(L'.')));
   while (base.ends_with(L' ')) base.pop_back();
@@ -116,7 +116,7 @@ bool isDevice(std::wstring_view name) {
          kNumbers.find(base.back()) != kNumbers.npos;
 }
 
-/// Refuses names that the system silently takes for another file or a device.
+/// Rejects names that the system would silently take for another file or a device.
 void checkNames(std::wstring_view path, const char* wanted) {
   constexpr std::size_t kMostOfName = 255;
   constexpr std::wstring_view kSeparators = L"/\\";
@@ -138,9 +138,9 @@ void checkNames(std::wstring_view path, const char* wanted) {
   }
 }
 
-/// A path for the system: absolute, and in its own form where it is longer than usual ones.
+/// A path for the system: absolute, and in its own form if it is longer than usual.
 std::wstring systemPath(std::wstring path, const char* wanted) {
-  constexpr std::size_t kMostUsual = 200;  // a temporary's name beside the file fits, too
+  constexpr std::size_t kMostUsual = 200;  // the name of a temporary next to the file fits too
   if (path.empty()) failBy(wanted, ERROR_FILE_NOT_FOUND);
   const DWORD size = ::GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
   std::wstring full(size, L'\0');
@@ -151,7 +151,7 @@ std::wstring systemPath(std::wstring path, const char* wanted) {
   return full.starts_with(L"\\\\") ? L"\\\\?\\UNC" + full.substr(1) : L"\\\\?\\" + full;
 }
 
-/// `path` for the system. A device is asked for by its bare name, or in the system's own form.
+/// `path` for the system. A device is named by its bare name, or in the system's own form.
 std::wstring pathOf(const std::string& path, const char* wanted) {
   std::wstring name = wide(path, wanted);
   const bool bareDevice = name.find_first_of(L"./\\: ") == name.npos && isDevice(name);
@@ -160,8 +160,8 @@ std::wstring pathOf(const std::string& path, const char* wanted) {
   return systemPath(std::move(name), wanted);
 }
 
-/// Tries again for a short while what fails because another program looks into the file for a
-/// moment, as virus scanners and indexers do.
+/// Retries for a short while an operation that fails because another program has the file open for
+/// a moment, such as a virus scanner or an indexer.
 template <class Call>
 bool patiently(const Call& call) {
   for (DWORD wait = 5;; wait *= 2) {
@@ -193,7 +193,7 @@ bool isThere(const std::wstring& path) {
 
 bool isFolder(const std::wstring& path) { return has(path, FILE_ATTRIBUTE_DIRECTORY); }
 
-/// Why `path` cannot be opened, where the system's error says less than what can be seen.
+/// Why `path` cannot be opened, if the system's error says less than is known.
 [[noreturn]] void failToOpen(const std::wstring& path, const char* wanted, DWORD error) {
   if (isFolder(path)) throw SystemError(wanted == kOpen ? kRead : wanted, "Is a directory");
   failBy(wanted, error);
@@ -220,7 +220,7 @@ Handle open(const std::wstring& path, const Opening& how, const char* wanted) {
   return handle;
 }
 
-/// A new handle of one of the program's own streams, under the names that they have elsewhere;
+/// A new handle of one of the program's own streams, by the names that other systems have for them;
 /// none for any other path.
 Handle standardStream(const std::string& path) {
   DWORD stream = 0;
@@ -247,7 +247,7 @@ void write(const Handle& file, std::string_view bytes) {
   }
 }
 
-/// Waits until the bytes are on the disk, where there is one.
+/// Waits until the bytes are on the disk, if there is one.
 void flush(const Handle& file) {
   if (::FlushFileBuffers(file.get()) != 0) return;
   const DWORD error = ::GetLastError();
@@ -256,7 +256,7 @@ void flush(const Handle& file) {
 
 bool onDisk(const Handle& file) { return ::GetFileType(file.get()) == FILE_TYPE_DISK; }
 
-/// The file or folder that `path` leads to, open for questions alone.
+/// The file or folder that `path` leads to, opened only for queries.
 Handle seen(const std::string& path) {
   return open(pathOf(path, kOpen),
               {.access = FILE_READ_ATTRIBUTES, .flags = FILE_FLAG_BACKUP_SEMANTICS}, kOpen);
@@ -268,7 +268,7 @@ BY_HANDLE_FILE_INFORMATION informationOf(const Handle& file) {
   return information;
 }
 
-/// Who may do what with a file; empty where its file system does not know that.
+/// The access rights of a file; empty if its file system has none.
 class Access {
  public:
   explicit Access(const Handle& file) {
@@ -299,7 +299,7 @@ class Access {
   PACL list_ = nullptr;
 };
 
-/// The file that `path` names, as it was before.
+/// The existing file that `path` names.
 struct Old {
   explicit Old(const Handle& file)
       : access(file), attributes(informationOf(file).dwFileAttributes & kKept) {}
@@ -311,8 +311,8 @@ struct Old {
   DWORD attributes;
 };
 
-/// A new file beside the one that it is to replace; it goes with the object unless it was renamed.
-/// Nobody else can open it meanwhile.
+/// A new file next to the one that it replaces; removed with the object unless it was renamed. No
+/// other process can open it meanwhile.
 class Temporary {
  public:
   Temporary(const std::wstring& folder, const Old* old, const char* wanted) {
@@ -384,8 +384,8 @@ void replace(const std::wstring& path, const Old* old, std::string_view bytes) {
   temporary.renameTo(path, old != nullptr ? kReplace : kWrite);
 }
 
-/// Keeps other writers of this library away while it lives, where that can be done: by a byte
-/// where no file has one, so that readers are not kept away.
+/// Locks out other writers of this library during its lifetime, where that is possible: locks a
+/// byte beyond the end of any file, so that readers are not locked out.
 class Lock {
  public:
   explicit Lock(const Handle& file) : file_(file) {
@@ -415,7 +415,7 @@ LONGLONG seek(const Handle& file, LONGLONG place, DWORD from) {
   return at.QuadPart;
 }
 
-/// Appends to a file, or leaves it as it was before.
+/// Appends to a file, or leaves it unchanged.
 void appendTo(const Handle& file, std::string_view bytes) {
   const Lock lock(file);
   const LONGLONG before = seek(file, 0, FILE_END);
@@ -429,8 +429,8 @@ void appendTo(const Handle& file, std::string_view bytes) {
   }
 }
 
-/// One argument as a started program takes it apart again; without quotes where it needs none,
-/// since old programs keep them.
+/// One argument, quoted as a started program parses it; without quotes if it needs none, since old
+/// programs keep them.
 void appendArgument(std::wstring& line, std::wstring_view argument) {
   if (!line.empty()) line += L' ';
   if (!argument.empty() && argument.find_first_of(L" \t\"") == argument.npos) {
@@ -448,7 +448,7 @@ void appendArgument(std::wstring& line, std::wstring_view argument) {
   line += L'"';
 }
 
-/// What a process that is started is given of this one: those handles and no other.
+/// What a started process inherits: those handles and no others.
 class Inherited {
  public:
   explicit Inherited(std::array<HANDLE, 2>& handles) {
@@ -475,7 +475,7 @@ class Inherited {
   std::vector<char> room_;
 };
 
-/// Starts a program without input whose output goes to `output` and whose errors go nowhere.
+/// Starts a program without input, with its output in `output` and its errors discarded.
 Handle start(const std::wstring& program, std::wstring line, HANDLE output) {
   SECURITY_ATTRIBUTES shared{
       .nLength = sizeof shared, .lpSecurityDescriptor = nullptr, .bInheritHandle = TRUE};
@@ -501,7 +501,7 @@ Handle start(const std::wstring& program, std::wstring line, HANDLE output) {
   return Handle(started.hProcess);
 }
 
-/// Batch files are read by a shell that takes what it likes out of a file's name.
+/// Rejects batch files, since their shell interprets parts of a file's name.
 bool isBatch(std::wstring_view program) {
   std::wstring ending(program.substr(std::min(program.rfind(L'.'), program.size())));
   std::transform(ending.begin(), ending.end(), ending.begin(),
@@ -573,7 +573,7 @@ void replaceFile(const std::string& path, std::string_view bytes) {
 
 void appendToFile(const std::string& path, std::string_view bytes) {
   if (const Handle stream = standardStream(path)) return write(stream, bytes);
-  // Nobody replaces or deletes the file while it is waited for.
+  // No other process can replace or delete the file while it is awaited.
   const Handle file = open(pathOf(path, kWrite),
                            {.access = GENERIC_WRITE,
                             .sharing = FILE_SHARE_READ | FILE_SHARE_WRITE,
