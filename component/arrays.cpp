@@ -1,0 +1,363 @@
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+#include <new>
+#include <optional>
+#include <utility>
+
+#include "aq/text/level_code.h"
+#include "component/com.h"
+#include "component/convert.h"
+#include "component/extras.h"
+
+// Whole series as arrays, so that a host fills a sheet in one call, and what else only the
+// component has.
+
+namespace aq::com {
+namespace {
+
+/// Numbers from `low` to `high`, both included.
+struct Range {
+  std::int32_t low = std::numeric_limits<std::int32_t>::max();
+  std::int32_t high = std::numeric_limits<std::int32_t>::min();
+
+  void take(std::int32_t from, std::int32_t to) {
+    if (from > to) return;  // of what holds nothing
+    low = std::min(low, from);
+    high = std::max(high, to);
+  }
+  [[nodiscard]] std::size_t size() const {
+    return low > high ? 0 : static_cast<std::size_t>(std::int64_t{high} - low + 1);
+  }
+  [[nodiscard]] std::size_t placeOf(std::int32_t number) const {
+    return static_cast<std::size_t>(std::int64_t{number} - low);
+  }
+  [[nodiscard]] std::int32_t numberAt(std::size_t place) const {
+    return low + static_cast<std::int32_t>(place);
+  }
+};
+
+/// An array that is made for the host: of values that are Empty at first, counted from 1, since
+/// some hosts know no others.
+class NewArray {
+ public:
+  NewArray(std::size_t rows, std::size_t columns, UINT dimensions = 2) : rows_(rows) {
+    constexpr std::size_t kMost = std::numeric_limits<LONG>::max() / sizeof(VARIANT);
+    if (columns != 0 && rows > kMost / columns) throw std::bad_alloc();
+    SAFEARRAYBOUND bounds[] = {{static_cast<ULONG>(rows), 1}, {static_cast<ULONG>(columns), 1}};
+    array_ = SafeArrayCreate(VT_VARIANT, dimensions, bounds);
+    void* data = nullptr;
+    if (array_ == nullptr || FAILED(SafeArrayAccessData(array_, &data))) throw std::bad_alloc();
+    cells_ = static_cast<VARIANT*>(data);
+  }
+  NewArray(const NewArray&) = delete;
+  NewArray& operator=(const NewArray&) = delete;
+  ~NewArray() {
+    if (array_ == nullptr) return;
+    SafeArrayUnaccessData(array_);
+    SafeArrayDestroy(array_);
+  }
+
+  [[nodiscard]] VARIANT& at(std::size_t row, std::size_t column) const {
+    return cells_[column * rows_ + row];
+  }
+  void number(std::size_t row, std::size_t column, double value) const {
+    VARIANT& cell = at(row, column);
+    cell.vt = VT_R8;
+    cell.dblVal = value;
+  }
+
+  void release(VARIANT& to) {
+    SafeArrayUnaccessData(array_);
+    to.parray = std::exchange(array_, nullptr);
+    to.vt = VT_ARRAY | VT_VARIANT;
+  }
+
+ private:
+  SAFEARRAY* array_ = nullptr;
+  VARIANT* cells_ = nullptr;
+  std::size_t rows_;
+};
+
+/// A table that the host gives, of values of any one type and with any bounds.
+class GivenTable {
+ public:
+  explicit GivenTable(const VARIANT& given) {
+    const VARIANT* value = &given;
+    while (value->vt == (VT_BYREF | VT_VARIANT)) value = value->pvarVal;
+    if ((value->vt & VT_ARRAY) == 0) throw Fault{DISP_E_TYPEMISMATCH};
+    array_ = (value->vt & VT_BYREF) != 0 ? *value->pparray : value->parray;
+    if (array_ == nullptr || SafeArrayGetDim(array_) != 2 ||
+        FAILED(SafeArrayGetVartype(array_, &type_)) ||
+        FAILED(SafeArrayAccessData(array_, &data_))) {
+      throw Fault{DISP_E_TYPEMISMATCH};
+    }
+  }
+  GivenTable(const GivenTable&) = delete;
+  GivenTable& operator=(const GivenTable&) = delete;
+  ~GivenTable() { SafeArrayUnaccessData(array_); }
+
+  /// Throws `InvalidArgument` for another shape.
+  void wantShape(std::size_t rows, std::size_t columns) const {
+    if (this->rows() == rows && this->columns() == columns) return;
+    throw Error(ErrorCode::InvalidArgument, "expected " + shape(rows, columns) + ", found " +
+                                                shape(this->rows(), this->columns()));
+  }
+
+  [[nodiscard]] Variant at(std::size_t row, std::size_t column) const {
+    VARIANT cell{};
+    cell.vt = static_cast<VARTYPE>(type_ | VT_BYREF);
+    cell.byref = static_cast<std::byte*>(data_) + (column * rows() + row) * array_->cbElements;
+    return variantOf(cell);
+  }
+
+ private:
+  // The bounds are held last dimension first.
+  [[nodiscard]] std::size_t rows() const { return array_->rgsabound[1].cElements; }
+  [[nodiscard]] std::size_t columns() const { return array_->rgsabound[0].cElements; }
+  static std::string shape(std::size_t rows, std::size_t columns) {
+    return "an array of " + std::to_string(rows) + " by " + std::to_string(columns);
+  }
+
+  SAFEARRAY* array_ = nullptr;
+  VARTYPE type_ = VT_EMPTY;
+  void* data_ = nullptr;
+};
+
+std::string placeText(const char* what, std::int32_t record, std::int32_t band) {
+  return std::string(what) + " of record " + std::to_string(record) + ", band " +
+         std::to_string(band) + ": ";
+}
+
+template <class C>
+C& self(const Call& call) {
+  return *static_cast<C*>(call.object);
+}
+
+struct Extent {
+  Range records;
+  Range bands;
+};
+
+Extent extentOf(AQ_SpectralTimeHistory& history) {
+  Extent extent;
+  if (history.begin() == history.end()) return extent;
+  extent.records.take(history.LoRec(), history.HiRec());
+  for (const auto& [record, spectrum] : history) {
+    if (spectrum) extent.bands.take(spectrum->LowBand(), spectrum->HighBand());
+  }
+  return extent;
+}
+
+Extent extentOf(const AQ_MaskMap& map) {
+  Extent extent;
+  for (const auto& [record, row] : map) {
+    extent.records.take(record, record);
+    if (row) extent.bands.take(row->LowBand(), row->HighBand());
+  }
+  return extent;
+}
+
+[[nodiscard]] bool contains(const Range& range, std::int32_t number) {
+  return number >= range.low && number <= range.high;
+}
+
+/// A level in the form in which it is held; numbers of any type as doubles.
+void putLevels(const NewArray& array, std::size_t row, const Range& bands,
+               const AQ_Spectrum& spectrum) {
+  const auto codes = spectrum.levelCodes();
+  const auto doubles = spectrum.levelDoubles();
+  if (!codes.empty() || !doubles.empty()) {
+    std::size_t column = bands.placeOf(spectrum.LowBand());
+    for (const LevelCode code : codes) array.number(row, column++, levelOf(code));
+    for (const double level : doubles) array.number(row, column++, level);
+    return;
+  }
+  for (const auto& [band, level] : spectrum) {
+    if (!contains(bands, band)) continue;
+    const bool isNumber =
+        level.type() >= Variant::Type::Int16 && level.type() <= Variant::Type::Double;
+    setVariant(array.at(row, bands.placeOf(band)), isNumber ? Variant(level.toDouble()) : level);
+  }
+}
+
+void getLevels(const Call& call) {
+  auto& history = self<AQ_SpectralTimeHistory>(call);
+  const auto [records, bands] = extentOf(history);
+  if (records.size() == 0 || bands.size() == 0) return;
+  NewArray array(records.size(), bands.size());
+  for (const auto& [record, spectrum] : history) {
+    if (!spectrum || !contains(records, record)) continue;
+    putLevels(array, records.placeOf(record), bands, *spectrum);
+  }
+  array.release(call.result);
+}
+
+/// What a cell of a table sets.
+template <class Owner, class Given>
+struct Change {
+  std::shared_ptr<Owner> owner;
+  std::int16_t band;
+  Given given;
+};
+
+/// Every cell that is not Empty as `read(cell)` gives it, before anything is changed. `ownerOf`
+/// throws for a record that is not there.
+template <class Owner, class OwnerOf, class Read>
+auto changesOf(const VARIANT& given, const Extent& extent, const char* what, const OwnerOf& ownerOf,
+               const Read& read) {
+  const GivenTable table(given);
+  table.wantShape(extent.records.size(), extent.bands.size());
+  std::vector<Change<Owner, decltype(read(Variant()))>> changes;
+  for (std::size_t row = 0; row < extent.records.size(); ++row) {
+    const auto record = static_cast<std::int16_t>(extent.records.numberAt(row));
+    for (std::size_t column = 0; column < extent.bands.size(); ++column) {
+      const auto band = static_cast<std::int16_t>(extent.bands.numberAt(column));
+      const Variant cell = table.at(row, column);
+      if (cell.isEmpty()) continue;
+      try {
+        changes.push_back({required(ownerOf(record)), band, read(cell)});
+      } catch (const Error& error) {
+        throw Error(error.code(), placeText(what, record, band) + error.what());
+      }
+    }
+  }
+  return changes;
+}
+
+void setLevels(const Call& call) {
+  auto& history = self<AQ_SpectralTimeHistory>(call);
+  const auto changes = changesOf<AQ_Spectrum>(
+      *call.value, extentOf(history), "level",
+      [&](std::int16_t record) { return history.spectrum(record); },
+      [](const Variant& cell) { return cell.toDouble(); });
+  for (const auto& [spectrum, band, level] : changes) spectrum->SPL(band, level);
+}
+
+void getMetricTable(const Call& call) {
+  auto& history = self<AQ_SpectralTimeHistory>(call);
+  const auto metric = fromHost<AQ_METRIC_TYPE>(*call.given[0], TextKind::Plain);
+  const Range records = extentOf(history).records;
+  if (records.size() == 0) return;
+  NewArray array(records.size(), 1, 1);
+  for (const auto& [record, spectrum] : history) {
+    if (!spectrum || !spectrum->hasMetric() || !contains(records, record)) continue;
+    const auto metrics = spectrum->Metric();
+    if (!metrics->contains(metric)) continue;
+    setVariant(array.at(records.placeOf(record), 0), metrics->MetricValue(metric));
+  }
+  array.release(call.result);
+}
+
+void getMaskStrings(const Call& call) {
+  const auto& map = self<AQ_MaskMap>(call);
+  const auto [records, bands] = extentOf(map);
+  if (records.size() == 0 || bands.size() == 0) return;
+  NewArray array(records.size(), bands.size());
+  for (const auto& [record, row] : map) {
+    if (!row) continue;
+    for (const auto& [band, mask] : *row) {
+      if (!contains(bands, band)) continue;
+      setText(array.at(records.placeOf(record), bands.placeOf(band)), mask.MaskString(),
+              TextKind::Plain);
+    }
+  }
+  array.release(call.result);
+}
+
+/// Letters that a mask would ignore are refused here, since a whole table is given at once.
+AQ_Mask maskOf(const Variant& cell) {
+  const std::string letters = cell.toString();
+  AQ_Mask mask;
+  mask.MaskString(letters);
+  if (mask.MaskString() != letters) {
+    throw Error(ErrorCode::InvalidArgument,
+                "expected a letter of -MAF and one of -SFTACR, found " + shown(letters));
+  }
+  return mask;
+}
+
+void setMaskStrings(const Call& call) {
+  auto& map = self<AQ_MaskMap>(call);
+  const auto changes = changesOf<AQ_MaskRow>(
+      *call.value, extentOf(map), "mask", [&](std::int16_t record) { return map.Row(record); },
+      maskOf);
+  for (const auto& [row, band, given] : changes) {
+    const auto mask = row->Mask(band);
+    mask->MaskMode(given.MaskMode());
+    mask->AdjustMode(given.AdjustMode());
+  }
+}
+
+void getPositions(const Call& call) {
+  const auto& positions = self<AQ_PositionTimeHistory>(call);
+  std::vector<std::shared_ptr<AQ_Position>> all;
+  for (const auto& [place, position] : positions) all.push_back(position);
+  if (all.empty()) return;
+  NewArray array(all.size(), 4);
+  for (std::size_t row = 0; row < all.size(); ++row) {
+    if (!all[row]) continue;
+    AQ_Position& position = *all[row];
+    std::size_t column = 0;
+    for (const double number :
+         {position.Time()->TODseconds(), position.X(), position.Y(), position.Z()}) {
+      array.number(row, column++, number);
+    }
+  }
+  array.release(call.result);
+}
+
+void getPoints(const Call& call) {
+  const auto& history = self<AQ_GeometryTimeHistory>(call);
+  std::vector<std::pair<std::int32_t, std::shared_ptr<AQ_Geometry>>> all;
+  for (const auto& [record, point] : history) all.emplace_back(record, point);
+  if (all.empty()) return;
+  NewArray array(all.size(), 10);
+  for (std::size_t row = 0; row < all.size(); ++row) {
+    if (!all[row].second) continue;
+    AQ_Geometry& point = *all[row].second;
+    AQ_Position& source = *point.Pe();
+    std::size_t column = 0;
+    for (const double number : {double(all[row].first), point.Tm()->TODseconds(),
+                                point.Te()->TODseconds(), point.Tprope, source.X(), source.Y(),
+                                source.Z(), point.SRe, double(point.THETAe), double(point.BETAe)}) {
+      array.number(row, column++, number);
+    }
+  }
+  array.release(call.result);
+}
+
+std::string lineOf(const Finding& finding) {
+  std::string line(severityText(finding.kind.severity));
+  line.append(" ").append(finding.kind.name).append(": ");
+  if (finding.place.line != 0) line += "line " + std::to_string(finding.place.line) + ": ";
+  return line + finding.message;
+}
+
+void checkFileLines(const Call& call) {
+  auto lines = std::make_shared<Collection<Message>>();
+  checkFile(stringOf(*call.given[0], TextKind::Name),
+            [&lines](const Finding& finding) { lines->Add({lineOf(finding)}); });
+  setObject(call.result, std::move(lines), tableOf<Collection<Message>>());
+}
+
+void getVersion(const Call& call) { setText(call.result, AQ_VERSION, TextKind::Plain); }
+
+}  // namespace
+
+ExtraCalls callsOf(const Extra& extra) {
+  const std::string_view name = extra.name;
+  if (name == "Levels") return {getLevels, setLevels};
+  if (name == "MetricTable") return {getMetricTable};
+  if (name == "MaskStrings") return {getMaskStrings, setMaskStrings};
+  if (name == "Table") {
+    return extra.owner == describe::Description<AQ_PositionTimeHistory>::name
+               ? ExtraCalls{getPositions}
+               : ExtraCalls{getPoints};
+  }
+  if (name == "checkFile") return {checkFileLines};
+  return {getVersion};
+}
+
+}  // namespace aq::com

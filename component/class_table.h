@@ -1,0 +1,99 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <typeinfo>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "aq/core/variant.h"
+#include "component/com.h"
+
+// A class as hosts call it: its members by name and number, each with what it runs.
+
+namespace aq::com {
+
+/// A refusal that hosts have a code of their own for. Thrown inside, never through the DLL's edge.
+struct Fault {
+  HRESULT code;
+  std::size_t argument = SIZE_MAX;  ///< its place in the call, if it is about one
+};
+
+/// A VARIANT that frees what it holds.
+class Value : public VARIANT {
+ public:
+  Value() { VariantInit(this); }
+  Value(Value&& other) noexcept : VARIANT(other) { VariantInit(&other); }
+  Value& operator=(Value&& other) noexcept {
+    std::swap(static_cast<VARIANT&>(*this), static_cast<VARIANT&>(other));
+    return *this;
+  }
+  Value(const Value&) = delete;
+  Value& operator=(const Value&) = delete;
+  ~Value() { VariantClear(this); }
+
+  /// Hands what it holds to `other`, which is overwritten.
+  void release(VARIANT& other) {
+    other = *this;
+    VariantInit(this);
+  }
+};
+
+/// One call of a member.
+struct Call {
+  void* object;
+  std::span<VARIANTARG* const> given;  ///< by place; null for what is not given
+  VARIANTARG* value;                   ///< what a property is set to
+  Value& result;
+};
+using Thunk = std::function<void(const Call&)>;
+
+struct Member {
+  std::wstring name;
+  DISPID id = 0;
+  std::vector<std::wstring> parameters;
+  std::size_t required = 0;  ///< the first so many have to be given
+  Thunk get = {};            ///< reads the property or runs the method
+  Thunk put = {};
+};
+
+struct ClassTable {
+  std::wstring name;
+  std::string progId;
+  int number = 0;
+  std::vector<Member> members;
+  std::function<std::shared_ptr<void>()> create = {};       ///< none when only the library makes it
+  std::function<Variant(std::shared_ptr<void>)> hold = {};  ///< an object as a value
+  std::function<std::shared_ptr<void>(const Variant&)> held = {};  ///< and back; null for others
+  std::function<std::vector<Value>(void*)> entries = {};           ///< for For Each
+  std::unordered_map<std::wstring, const Member*> byName = {};     ///< in lower case
+  std::vector<const Member*> byId = {};
+  std::unordered_map<DISPID, const Member*> byOtherId = {};
+
+  [[nodiscard]] const Member* find(DISPID id) const {
+    const auto place = static_cast<std::size_t>(id);
+    if (place < byId.size()) return byId[place];
+    const auto found = byOtherId.find(id);
+    return found == byOtherId.end() ? nullptr : found->second;
+  }
+};
+
+[[nodiscard]] std::wstring lowerCase(std::wstring_view name);
+
+/// Every class with a number, in the order of the description.
+[[nodiscard]] const std::vector<const ClassTable*>& allTables();
+
+/// The table of a class of C++.
+[[nodiscard]] const ClassTable& tableOf(const std::type_info& type);
+template <class C>
+[[nodiscard]] const ClassTable& tableOf() {
+  static const ClassTable& table = tableOf(typeid(C));
+  return table;
+}
+
+}  // namespace aq::com

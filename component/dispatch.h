@@ -1,0 +1,75 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+
+#include "component/class_table.h"
+#include "component/com.h"
+#include "component/held.h"
+#include "component/server.h"
+
+namespace aq::com {
+
+/// An identifier of the component by its number.
+[[nodiscard]] GUID guid(int number);
+
+/// An object of the library as hosts hold it. As long as one is held, the same object of the
+/// library is always shown by the same one, so that hosts can compare them. Belongs to the thread
+/// that made it: COM takes calls of other apartments there, and a call that comes directly is
+/// refused.
+class Dispatch final : public IDispatch, public IProvideClassInfo {
+ public:
+  Dispatch(std::shared_ptr<void> object, const ClassTable& table);
+  Dispatch(const Dispatch&) = delete;
+  Dispatch& operator=(const Dispatch&) = delete;
+
+  [[nodiscard]] const ClassTable& table() const { return table_; }
+  [[nodiscard]] const std::shared_ptr<void>& object() const { return object_; }
+
+  STDMETHODIMP QueryInterface(REFIID iid, void** to) override;
+  STDMETHODIMP_(ULONG) AddRef() override;
+  STDMETHODIMP_(ULONG) Release() override;
+
+  STDMETHODIMP GetTypeInfoCount(UINT* count) override;
+  STDMETHODIMP GetTypeInfo(UINT index, LCID locale, ITypeInfo** to) override;
+  STDMETHODIMP GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID locale,
+                             DISPID* ids) override;
+  STDMETHODIMP Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISPPARAMS* parameters,
+                      VARIANT* result, EXCEPINFO* exception, UINT* badArgument) override;
+  STDMETHODIMP GetClassInfo(ITypeInfo** to) override;
+
+ private:
+  ~Dispatch();
+  [[nodiscard]] Value run(DISPID id, WORD flags, DISPPARAMS& parameters) const;
+
+  std::atomic<ULONG> count_ = 1;
+  const ClassTable& table_;
+  const std::shared_ptr<void> object_;
+  const DWORD thread_ = GetCurrentThreadId();
+  const InUse inUse_;
+};
+
+/// The one that shows this object, with a share for the caller; null for no object.
+[[nodiscard]] IDispatch* wrap(std::shared_ptr<void> object, const ClassTable& table);
+
+/// What a host's object is, if it is one of ours in this apartment; else null.
+[[nodiscard]] const Dispatch* ownObject(IDispatch* object);
+
+/// A description of the type library in the DLL.
+[[nodiscard]] HRESULT typeInfo(const GUID& identifier, ITypeInfo** to);
+
+/// Runs `work`, which gives an HRESULT; what it throws becomes one, and nothing leaves.
+template <class Work>
+HRESULT guarded(const Work& work) noexcept {
+  try {
+    return work();
+  } catch (const std::bad_alloc&) {
+    return E_OUTOFMEMORY;
+  } catch (const Fault& fault) {
+    return fault.code;
+  } catch (...) {
+    return E_UNEXPECTED;
+  }
+}
+
+}  // namespace aq::com

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "component/class_table.h"
+#include "component/model.h"
+
+namespace aq::com {
+
+/// What a member that only the component has runs.
+struct ExtraCalls {
+  Thunk get;
+  Thunk put = {};
+};
+[[nodiscard]] ExtraCalls callsOf(const Extra& extra);
+
+}  // namespace aq::com

@@ -1,0 +1,179 @@
+#pragma once
+
+#include <aq/aq.h>
+#include <aq/describe/core.h>
+#include <aq/describe/files.h>
+#include <aq/describe/geometry.h>
+#include <aq/describe/headers.h>
+#include <aq/describe/masking.h>
+#include <aq/describe/noise.h>
+#include <aq/describe/spectral.h>
+
+#include <array>
+#include <concepts>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+// What hosts of the component see of the object model: the names, identifiers and numbers of
+// classes and members. They are compiled into hosts, so none ever changes: what is new gets the
+// next one.
+
+namespace aq::com {
+
+namespace describe = aq::describe;
+
+inline constexpr std::string_view kServer = "AQ_Data_Control";  // before the dot of a ProgID
+inline constexpr int kMajorVersion = 1;
+inline constexpr int kMinorVersion = 0;
+
+/// The first part of every identifier is this base plus a number; the rest is the same for all.
+inline constexpr std::uint32_t kIdentifierBase = 0x073f3d40;
+inline constexpr std::string_view kIdentifierRest = "-4a90-4a24-9e5e-a2d82603c1af";
+
+inline constexpr int kTypeLibraryIdentifier = 0;
+[[nodiscard]] constexpr int interfaceIdentifier(int classNumber) { return 2 * classNumber; }
+[[nodiscard]] constexpr int classIdentifier(int classNumber) { return 2 * classNumber + 1; }
+/// By which objects of the component know each other.
+inline constexpr int kOwnIdentifier = 999;
+
+// Members are known by their place in the description, from 1.
+inline constexpr std::int32_t kDefaultMember = 0;
+inline constexpr std::int32_t kEnumerator = -4;  // hidden, as hosts ask for it by number
+/// The members that a class has only in the component come from this one on.
+inline constexpr std::int32_t kFirstExtra = 101;
+
+/// The functions of the library, as the members of one class. A room has 20 numbers.
+struct Library {};
+inline constexpr std::int32_t kFunctionsOfARoom = 20;
+inline constexpr int kControlNumber = 90;
+
+}  // namespace aq::com
+
+namespace aq::describe {
+
+template <>
+struct Description<com::Library> {
+  static constexpr char name[] = "AQ_Library";
+  static constexpr int number = 91;
+  static constexpr char text[] = "What the library does for files and objects of several classes";
+  template <class To>
+  static void members(To& /*to*/) {}
+};
+
+}  // namespace aq::describe
+
+namespace aq::com {
+
+template <class T>
+inline constexpr bool isCollection = false;
+template <class T>
+inline constexpr bool isCollection<Collection<T>> = true;
+
+/// What only the library makes.
+template <class C>
+inline constexpr bool isCreatable =
+    !std::same_as<C, FileFailure> && !std::same_as<C, ToneStep> &&
+    !std::same_as<C, ToneCorrection> && !std::same_as<C, NoiseEvent> &&
+    !std::same_as<C, MetricDifference>;
+
+/// The name of a class, which always has the prefix.
+template <class C>
+[[nodiscard]] std::string className() {
+  const std::string name = describe::Description<C>::name;
+  return name.starts_with("AQ_") ? name : "AQ_" + name;
+}
+
+/// Calls `visit.operator()<C>()` for each class that hosts know.
+template <class Visit>
+void forClasses(const Visit& visit) {
+  const auto numbered = [&]<class C>() {
+    if constexpr (requires { describe::Description<C>::number; }) visit.template operator()<C>();
+  };
+  describe::forClasses(describe::kCoreClasses, numbered);
+  describe::forClasses(describe::kSpectralClasses, numbered);
+  describe::forClasses(describe::kMaskingClasses, numbered);
+  describe::forClasses(describe::kGeometryClasses, numbered);
+  describe::forClasses(describe::kNoiseClasses, numbered);
+  describe::forClasses(describe::kHeaders, numbered);
+  describe::forClasses(describe::kFileClasses, numbered);
+  visit.template operator()<Library>();
+}
+
+/// Calls `visit.operator()<E>()` for each enumeration that hosts know: errors come with numbers of
+/// the host's own, and the kind of a file as text.
+template <class Visit>
+void forEnumerations(const Visit& visit) {
+  describe::forClasses(describe::kEnumerations, [&]<class E>() {
+    if constexpr (!std::same_as<E, ErrorCode>) visit.template operator()<E>();
+  });
+}
+
+/// Calls `visit(id, member)` for each member of a class that the description has.
+template <class C, class Visit>
+void forMembers(const Visit& visit) {
+  std::int32_t id = 0;
+  const auto numbered = [&](const auto& member) {
+    ++id;
+    const bool isDefault = isCollection<C> && std::string_view(member.name) == "Item";
+    visit(isDefault ? kDefaultMember : id, member);
+  };
+  if constexpr (std::same_as<C, Library>) {
+    describe::forMembers<describe::CoreFunctions>(numbered);
+    id = kFunctionsOfARoom;
+    describe::forMembers<describe::FileFunctions>(numbered);
+    id = 2 * kFunctionsOfARoom;
+    describe::forMembers<describe::NoiseFunctions>(numbered);
+  } else {
+    describe::forMembers<C>(numbered);
+  }
+}
+
+/// Whether For Each goes through the entries of a class.
+template <class C>
+inline constexpr bool isSeries = std::same_as<C, AQ_EmtRcvTable> || requires(const C& object) {
+  object.begin();
+};
+
+/// A member that only the component has: what a program in C++ does in a loop of its own.
+struct Extra {
+  std::string_view owner;
+  const char* name;
+  std::int32_t id;
+  std::string_view type;        ///< in the language of the type library
+  std::string_view parameters;  ///< likewise
+  bool isProperty;
+  bool isSet;  ///< of a property: whether it can be set
+  std::string_view text;
+};
+
+inline constexpr std::array kExtras{
+    Extra{
+        "AQ_SpectralTimeHistory", "Levels", kFirstExtra, "VARIANT", "", true, true,
+        "All levels in dB as an array, records by bands, from LoRec and the lowest band up; Empty "
+        "where there is none, and setting Empty leaves a level as it is"},
+    Extra{"AQ_SpectralTimeHistory", "MetricTable", kFirstExtra + 1, "VARIANT",
+          "[in] AQ_METRIC_TYPE aqMetric", true, false,
+          "One metric of all records as an array, from LoRec up; Empty where it is not set"},
+    Extra{"AQ_MaskMap", "MaskStrings", kFirstExtra, "VARIANT", "", true, true,
+          "All decisions in their two letters as an array, records by bands, from the lowest of "
+          "each up; Empty where there is none, and setting Empty leaves a decision as it is"},
+    Extra{"AQ_PositionTimeHistory", "Table", kFirstExtra, "VARIANT", "", true, false,
+          "All positions as an array: seconds of the day, X, Y, Z"},
+    Extra{"AQ_GeometryTimeHistory", "Table", kFirstExtra, "VARIANT", "", true, false,
+          "All points as an array: record, Tm, Te (seconds of the day), Tprope, Xe, Ye, Ze, SRe, "
+          "THETAe, BETAe"},
+    Extra{"AQ_Library", "Version", kFirstExtra, "BSTR", "", true, false,
+          "The version of the library, as in 0.1.0"},
+    Extra{"AQ_Library", "checkFile", kFirstExtra + 1, "_AQ_Collection*", "[in] BSTR path", false,
+          false, "What a person should know about a file, one finding a line"},
+};
+
+/// Whether a function can be called through the component: a host has no file information service.
+template <class... T>
+inline constexpr bool isShown =
+    (... && !std::same_as<std::remove_cvref_t<T>, std::shared_ptr<FileInformation>>);
+
+}  // namespace aq::com

@@ -1,0 +1,72 @@
+
+#include "component/com.h"
+#include "host.h"
+
+namespace host {
+namespace {
+
+template <class T>
+T* asked(IUnknown* object, REFIID iid) {
+  void* found = nullptr;
+  const bool isThere = object != nullptr && SUCCEEDED(object->QueryInterface(iid, &found));
+  check("the control has an interface", isThere);
+  return static_cast<T*>(found);
+}
+
+/// Draws the control into a picture of its size; how many pixels it changed.
+int drawnPixels(IViewObject2& view) {
+  BITMAPINFO format{};
+  format.bmiHeader = {sizeof(BITMAPINFOHEADER), 28, 28, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+  void* bits = nullptr;
+  const HBITMAP picture = CreateDIBSection(nullptr, &format, DIB_RGB_COLORS, &bits, nullptr, 0);
+  const HDC canvas = CreateCompatibleDC(nullptr);
+  const HGDIOBJ before = SelectObject(canvas, picture);
+  const RECTL bounds{0, 0, 28, 28};
+  const HRESULT drawn = view.Draw(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr, canvas, &bounds,
+                                  nullptr, nullptr, 0);
+  GdiFlush();
+  int changed = 0;
+  for (int i = 0; i < 28 * 28; ++i) changed += (static_cast<DWORD*>(bits)[i] & 0xffffff) != 0;
+  SelectObject(canvas, before);
+  DeleteDC(canvas);
+  DeleteObject(picture);
+  return drawn == S_OK ? changed : -1;
+}
+
+void testSaving(IUnknown* control) {
+  auto* const persisted = asked<IPersistStreamInit>(control, IID_IPersistStreamInit);
+  IStream* stream = nullptr;
+  CreateStreamOnHGlobal(nullptr, TRUE, &stream);
+  check("a new one", persisted->InitNew() == S_OK);
+  check("saved", persisted->Save(stream, TRUE) == S_OK);
+  stream->Seek({}, STREAM_SEEK_SET, nullptr);
+  check("loaded", persisted->Load(stream) == S_OK);
+  check("not loaded from nothing", persisted->Load(stream) == E_FAIL);
+  stream->Release();
+  persisted->Release();
+}
+
+}  // namespace
+
+void testControl() {
+  const Value control = create(L"AQ_Data");
+  auto* const object = asked<IOleObject>(control.pdispVal, IID_IOleObject);
+  auto* const view = asked<IViewObject2>(control.pdispVal, IID_IViewObject2);
+  for (const IID& iid : {IID_IOleControl, IID_IOleInPlaceObject, IID_IPersistStorage,
+                         IID_IPersistPropertyBag, IID_IDataObject, IID_IProvideClassInfo}) {
+    asked<IUnknown>(control.pdispVal, iid)->Release();
+  }
+  DWORD status = 0;
+  SIZEL size{};
+  check("status", object->GetMiscStatus(DVASPECT_CONTENT, &status) == S_OK && status == 132113);
+  check("size", object->GetExtent(DVASPECT_CONTENT, &size) == S_OK && size.cx == 740);
+  check("no site", object->SetClientSite(nullptr) == S_OK);
+  check("drawn in its middle", drawnPixels(*view) == 16 * 15 - 16);  // one line is black
+  testSaving(control.pdispVal);
+  object->Release();
+  view->Release();
+  const HMODULE dll = GetModuleHandleW(L"AQ_Data_Control.dll");
+  check("picture for tool boxes", FindResourceW(dll, MAKEINTRESOURCEW(1), RT_BITMAP) != nullptr);
+}
+
+}  // namespace host

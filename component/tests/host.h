@@ -1,0 +1,135 @@
+#pragma once
+
+#include <initializer_list>
+#include <iostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "component/com.h"
+
+// A host in C++ that knows the component by its registration and by automation alone.
+
+namespace host {
+
+inline int passed = 0;
+inline int failed = 0;
+
+inline void check(const std::string& what, bool holds) {
+  ++(holds ? passed : failed);
+  if (!holds) std::cout << "failed: " << what << "\n";
+}
+
+class Value : public VARIANT {
+ public:
+  Value() { VariantInit(this); }
+  Value(double number) : Value() { vt = VT_R8, dblVal = number; }
+  Value(int number) : Value() { vt = VT_I4, lVal = number; }
+  Value(const wchar_t* text) : Value() { vt = VT_BSTR, bstrVal = SysAllocString(text); }
+  Value(IDispatch* object) : Value() {
+    vt = VT_DISPATCH, pdispVal = object;
+    if (object != nullptr) object->AddRef();
+  }
+  Value(const Value& other) : Value() { VariantCopy(this, const_cast<Value*>(&other)); }
+  Value(Value&& other) noexcept : VARIANT(other) { VariantInit(&other); }
+  Value& operator=(Value other) noexcept {
+    std::swap(static_cast<VARIANT&>(*this), static_cast<VARIANT&>(other));
+    return *this;
+  }
+  ~Value() { VariantClear(this); }
+
+  /// The host's own variable, as late and as early bound hosts hand it over.
+  static Value late(Value& variable) {
+    Value made;
+    made.vt = VT_BYREF | VT_VARIANT, made.pvarVal = &variable;
+    return made;
+  }
+  static Value early(IDispatch*& variable) {
+    Value made;
+    made.vt = VT_BYREF | VT_DISPATCH, made.ppdispVal = &variable;
+    return made;
+  }
+  static Value early(long& variable) {
+    Value made;
+    made.vt = VT_BYREF | VT_I4, made.plVal = &variable;
+    return made;
+  }
+};
+
+/// What a call came to.
+struct Outcome {
+  HRESULT result = S_OK;
+  Value value = {};
+  SCODE number = 0;
+  std::wstring source = {};
+  std::wstring text = {};
+  UINT argument = UINT_MAX;
+
+  [[nodiscard]] bool raised(int vbNumber) const {
+    return result == DISP_E_EXCEPTION && number == static_cast<SCODE>(0x800A0000) + vbNumber &&
+           source.starts_with(L"AQ_Data_Control.AQ_") && !text.empty();
+  }
+};
+
+/// A call by number with the arguments in their order; the last `named` of them have names.
+inline Outcome invoke(IDispatch* object, DISPID id, WORD flags, const std::vector<Value>& given,
+                      std::vector<DISPID> named = {}) {
+  std::vector<VARIANTARG> all(given.rbegin(), given.rend());
+  DISPID put = DISPID_PROPERTYPUT;
+  if ((flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0) named = {put};
+  DISPPARAMS parameters{all.data(), named.data(), static_cast<UINT>(all.size()),
+                        static_cast<UINT>(named.size())};
+  EXCEPINFO told{};
+  Outcome outcome;
+  outcome.result = object->Invoke(id, IID_NULL, LOCALE_INVARIANT, flags, &parameters,
+                                  &outcome.value, &told, &outcome.argument);
+  outcome.number = told.scode;
+  const auto taken = [](BSTR text) {
+    std::wstring copy(text == nullptr ? L"" : text);
+    SysFreeString(text);
+    return copy;
+  };
+  outcome.source = taken(told.bstrSource);
+  outcome.text = taken(told.bstrDescription);
+  SysFreeString(told.bstrHelpFile);
+  return outcome;
+}
+
+inline DISPID idOf(IDispatch* object, std::wstring name) {
+  wchar_t* names = name.data();
+  DISPID id = DISPID_UNKNOWN;
+  if (object != nullptr) object->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_INVARIANT, &id);
+  return id;
+}
+
+inline Outcome call(IDispatch* object, const std::wstring& name,
+                    const std::vector<Value>& given = {}) {
+  return invoke(object, idOf(object, name), DISPATCH_METHOD | DISPATCH_PROPERTYGET, given);
+}
+inline Outcome put(IDispatch* object, const std::wstring& name, const std::vector<Value>& given) {
+  return invoke(object, idOf(object, name), DISPATCH_PROPERTYPUT, given);
+}
+
+/// An object by its name, which has to be there.
+inline Value create(const std::wstring& name) {
+  CLSID identifier{};
+  Value made;
+  void* object = nullptr;
+  if (SUCCEEDED(CLSIDFromProgID((L"AQ_Data_Control." + name).c_str(), &identifier)) &&
+      SUCCEEDED(
+          CoCreateInstance(identifier, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, &object))) {
+    made.vt = VT_DISPATCH;
+    made.pdispVal = static_cast<IDispatch*>(object);
+  } else {
+    check("an object is made: " + std::string(name.begin(), name.end()), false);
+  }
+  return made;
+}
+
+void testTypeLibrary();  // and that all it tells is so
+void testControl();
+void testSpeed();
+/// How many keys of the registry name the component.
+int registered(HKEY root);
+
+}  // namespace host

@@ -1,0 +1,79 @@
+"""Registers the component under wine, drives it with each client, and takes it back:
+WINE DLL CLIENT DATA WORK."""
+
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+
+wine, dll, client, data, work = sys.argv[1:6]
+work = pathlib.Path(work).resolve()
+shutil.rmtree(work / "files", ignore_errors=True)
+(work / "files").mkdir(parents=True)
+os.environ.update(
+    LC_ALL="C.UTF-8",
+    WINEPREFIX=str(work / "prefix"),
+    WINEDEBUG="-all",
+    WINEDLLOVERRIDES="mscoree,mshtml=",
+)
+failures = []
+
+
+def run(*command):
+    """What a Windows program says; its status is not to be relied on."""
+    said = subprocess.run([wine, *map(str, command)], capture_output=True, timeout=300)
+    return said.stdout.decode("utf-8", "replace").replace("\r", "")
+
+
+def windows(path):
+    return "Z:" + str(pathlib.Path(path).resolve()).replace("/", "\\")
+
+
+def expect(what, holds, said=""):
+    print(
+        ("ok      " if holds else "FAILED  ") + what,
+        said if not holds else "",
+        sep="\n" * (not holds),
+    )
+    if not holds:
+        failures.append(what)
+
+
+def drive(what, *command):
+    """A client ends with its counts; a script host that gives up says nothing."""
+    said = run(*command)
+    ended = re.search(r"^(\d+) passed, 0 failed$", said, re.MULTILINE)
+    expect(f"{what}: {ended.group(1) if ended else 'not all'} passed", ended, said)
+
+
+def keys(scope):
+    return int(run(client, "keys", scope).split()[0])
+
+
+run("wineboot", "--init")
+here = pathlib.Path(__file__).parent
+expect("nothing is registered at first", keys("machine") + keys("user") == 0)
+run("regsvr32", "/s", windows(dll))
+expect("registered for the machine", keys("machine") > 100)
+drive("C++", client, windows(data))
+for script in sorted([*here.glob("*.vbs"), *here.glob("*.js")]):
+    drive(
+        script.name,
+        "cscript",
+        "//nologo",
+        windows(script),
+        windows(data),
+        windows(work / "files"),
+        "\u0416",
+        "Caf\u00e9",
+    )
+run("regsvr32", "/s", "/u", windows(dll))
+expect("nothing is left on the machine", keys("machine") == 0)
+run("regsvr32", "/s", "/n", "/i:user", windows(dll))
+expect("registered for the user", keys("user") > 100)
+run("regsvr32", "/s", "/u", "/n", "/i:user", windows(dll))
+expect("nothing is left of the user", keys("user") + keys("machine") == 0)
+subprocess.run(["wineserver", "--kill"])  # of this prefix alone
+sys.exit(bool(failures))

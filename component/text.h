@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "component/com.h"
+
+// Text of the library, which is bytes, as text of hosts, which is UTF-16, and back.
+
+namespace aq::com {
+
+enum class TextKind {
+  Plain,  ///< in the code page of the system, as the hosts' own files are
+  Name,   ///< names of files and messages: UTF-8, and the code page for bytes that are none
+};
+
+/// Throws `InvalidArgument` for a character that the code page lacks, and for a half of one.
+[[nodiscard]] std::string bytesOf(std::wstring_view text, TextKind kind);
+
+[[nodiscard]] std::wstring wideOf(std::string_view bytes, TextKind kind);
+
+/// To be freed by the host. Throws `bad_alloc`.
+[[nodiscard]] BSTR hostText(std::string_view bytes, TextKind kind);
+[[nodiscard]] BSTR hostText(std::wstring_view text);
+
+/// What a host's text holds; no text is an empty one.
+[[nodiscard]] inline std::wstring_view textOf(BSTR text) {
+  return text == nullptr ? std::wstring_view() : std::wstring_view(text, SysStringLen(text));
+}
+
+}  // namespace aq::com

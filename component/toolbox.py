@@ -1,0 +1,39 @@
+"""Writes the picture of the component that tool boxes show, 16 by 15 pixels: FILE."""
+
+import struct
+import sys
+
+# The levels of a spectrum that rise above their ambient. Tool boxes make the colour of the lowest
+# pixel on the left transparent.
+PICTURE = """
+................
+.......BB.......
+.......BB.......
+....BB.BB.......
+....BB.BB.BB....
+....BB.BB.BB....
+.BB.BB.BB.BB....
+.BB.BB.BB.BB.BB.
+.BB.BB.BB.BB.BB.
+.BB.BB.BB.BB.BB.
+.GG.GG.GG.GG.GG.
+.GG.GG.GG.GG.GG.
+.GG.GG.GG.GG.GG.
+KKKKKKKKKKKKKKKK
+................
+""".split()
+COLOURS = {".": (192, 192, 192), "B": (0, 84, 166), "G": (128, 128, 128), "K": (0, 0, 0)}
+
+
+def bitmap(rows):
+    """An uncompressed bitmap, which goes from the lowest row up, blue before red."""
+    pixels = b"".join(bytes(COLOURS[letter][::-1]) for row in rows[::-1] for letter in row)
+    width, height = len(rows[0]), len(rows)
+    header = struct.pack("<IiiHHIIiiII", 40, width, height, 1, 24, 0, len(pixels), 0, 0, 0, 0)
+    return struct.pack("<2sIHHI", b"BM", 54 + len(pixels), 0, 0, 54) + header + pixels
+
+
+for row in PICTURE:
+    assert len(row) == 16 and len(PICTURE) == 15, "tool boxes take 16 by 15 pixels"
+with open(sys.argv[1], "wb") as file:
+    file.write(bitmap(PICTURE))
