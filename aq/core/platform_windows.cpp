@@ -501,7 +501,7 @@ Handle start(const std::wstring& program, std::wstring line, HANDLE output) {
   return Handle(started.hProcess);
 }
 
-/// Rejects batch files, since their shell interprets parts of a file's name.
+/// Whether a program is a batch file, whose shell would interpret parts of a file's name.
 bool isBatch(std::wstring_view program) {
   std::wstring ending(program.substr(std::min(program.rfind(L'.'), program.size())));
   std::transform(ending.begin(), ending.end(), ending.begin(),
