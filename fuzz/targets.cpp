@@ -160,12 +160,18 @@ void checkCopy(const test::FormatCalls& format, const std::string& path) {
   expect(rewritten(format, copy, copy) && test::contentOf(copy) == once, "the same file again");
 }
 
+void mendAny(const Target&, std::string_view input) {
+  const Mended mended = mendText(input, "input");
+  expect(!mended.done.empty() || mended.text == input, "text that is not mended as it was");
+}
+
 /// One target per format, then the others.
 std::vector<Target> allTargets() {
   std::vector<Target> all;
   for (const auto& [name, format] : test::kFormats) all.push_back({name, readFormat});
   all.insert(all.end(), {{"delimited-text", readDelimited},
                          {"check", checkAny},
+                         {"mend", mendAny},
                          {"round-trip", roundTrip},
                          {"numbers", numbers},
                          {"model", model}});

@@ -1,5 +1,7 @@
 #include "aq/detail/half_second.h"
 
+#include <cmath>
+
 namespace aq {
 namespace {
 
@@ -19,6 +21,17 @@ float offsetOf(double start, AQ_TimeStampType type) {
 void copyDateAndTimeOfDay(const AQ_Time& from, AQ_Time& to) {
   to.CurrentDate(from.CurrentDate());
   to.TODseconds(from.TODseconds());
+}
+
+double secondsFrom(double timeOfDay, double other) {
+  return std::remainder(other - timeOfDay, kSecondsPerDay);
+}
+
+void moveTimeOfDay(AQ_Time& time, double seconds) {
+  const double moved = time.TODseconds() + seconds;
+  const double days = std::floor(moved / kSecondsPerDay);
+  time.assignSeconds(moved - days * kSecondsPerDay, time.RelSeconds());
+  if (time.CurrentDate() != 0) time.CurrentDate(time.CurrentDate() + days);
 }
 
 HalfSecondStamps::HalfSecondStamps(const AQ_Time& start, AQ_TimeStampType type)

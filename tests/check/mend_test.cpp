@@ -1,0 +1,86 @@
+#include <aq/check/mend_text.h>
+#include <gtest/gtest.h>
+
+#include <regex>
+
+namespace aq {
+namespace {
+
+const std::string kPlain =
+    "FileType**,Spectral Time-History\nFileName**,a.sth.csv\nFileDateTime**,03/15/2026,09:00:00\n"
+    "ProjectName**,Sun, sea\nReferenceTime**,14:30:01.5\nBands**,17, 18\nGeneratedBy**,\n"
+    "NumberOfCommentLines**,2\n\"quoted\"\n\nRec#,TOD,RelTime,B17/50Hz,B18/63Hz\n"
+    "1,14:30:00.25,-1.25,61.51,.50\n2,14:30:01,-.5,-1.25,62.00\n";
+
+std::string replaced(const std::string& text, const char* pattern, const char* by) {
+  return std::regex_replace(text, std::regex(pattern), by);
+}
+
+std::string wide(const std::string& text, bool highFirst, const std::string& mark) {
+  std::string bytes = mark;
+  for (const char c : text) {
+    bytes += highFirst ? std::string{'\0', c} : std::string{c, '\0'};
+  }
+  return bytes;
+}
+
+/// The plain text with the comment that a mend adds.
+std::string commented(const std::string& done) {
+  return replaced(replaced(kPlain, "Lines\\*\\*,2", "Lines**,3"), "Rec#",
+                  ("Mended from a.csv: " + done + "\nRec#").c_str());
+}
+
+TEST(Mend, TakesBackWhatIsCertain) {
+  const std::string commas =
+      replaced(replaced(kPlain, "(\\d*)\\.(\\d)", "$1,$2"), "a,sth", "a.sth");
+  const std::string semicolons = replaced(replaced(kPlain, ",", ";"), "(\\d*)\\.(\\d)", "$1,$2");
+  const std::string filled = replaced(kPlain, "\n", ",,,\n");
+  const std::pair<std::string, const char*> rows[] = {
+      {"\xEF\xBB\xBF" + kPlain, "byte order mark"},
+      {wide(kPlain, false, "\xFF\xFE"), "UTF-16"},
+      {wide(kPlain, true, "\xFE\xFF"), "UTF-16"},
+      {wide(kPlain, true, ""), "UTF-16"},
+      {replaced(kPlain, "\n", "\r"), "carriage returns as line ends"},
+      {replaced(kPlain, ",", "\t"), "tabs between fields"},
+      {semicolons, "semicolons between fields"},
+      {replaced(kPlain, "Sun, sea", "\"Sun, sea\""), "a spreadsheet's quotes"},
+      {filled, "trailing commas"},
+      {kPlain + "\n \n", "blank lines"},
+      {replaced(kPlain, "\n2,", "\n\n2,"), "blank lines"},
+      {commas, "decimal commas"},
+      {"\xEF\xBB\xBF" + filled + "\n", "byte order mark, trailing commas, blank lines"}};
+  for (const auto& [text, done] : rows) {
+    const Mended mended = mendText(text, "a.csv");
+    EXPECT_EQ(mended.text, commented(done));
+    EXPECT_TRUE(mended.left.empty()) << done;
+  }
+  EXPECT_EQ(mendText(kPlain, "a.csv", {"gzip"}).text, commented("gzip"));
+  EXPECT_EQ(mendText(wide("FileType**,\xC3\xA9\n", false, "\xFF\xFE"), "x").text.size(), 16U);
+  const std::string wave("\xFF\xFE\x3D\xD8\x00\xDE\n\0", 8);  // a character of two halves
+  EXPECT_EQ(mendText(wave, "x").text, "\xF0\x9F\x98\x80\n");
+}
+
+TEST(Mend, LeavesWhatMayMeanSeveralThings) {
+  const std::string commas = replaced(kPlain, "(\\d*)\\.(\\d)", "$1,$2");
+  const std::pair<std::string, const char*> rows[] = {
+      {replaced(commas, "1,14:30:00,25,-1,25", "1,14:30:00,25,7"), "decimal commas"},
+      {replaced(kPlain, "Sun, sea", "Sun\rsea"), "carriage returns"},
+      {std::string("\xFF\xFE\x41\0\x42", 5), "UTF-16"},
+      {std::string("\xFF\xFE\x00\xDC", 4), "UTF-16"},
+      {"PK\x03\x04", "zip"},
+      {kPlain + std::string(1, '\0'), "no text"}};
+  for (const auto& [text, left] : rows) {
+    const Mended mended = mendText(text, "a.csv");
+    EXPECT_EQ(mended.text, text);
+    ASSERT_EQ(mended.left.size(), 1U) << left;
+    EXPECT_NE(mended.left.front().find(left), std::string::npos) << mended.left.front();
+  }
+  for (const std::string& sound : {kPlain, replaced(kPlain, "\n", "\r\n"), std::string()}) {
+    const Mended mended = mendText(sound, "a.csv");
+    EXPECT_EQ(mended.text, sound);
+    EXPECT_TRUE(mended.done.empty() && mended.left.empty());
+  }
+}
+
+}  // namespace
+}  // namespace aq
