@@ -3,10 +3,10 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 # What the command line tool and the Python package with its tests need.
-tool_packages=(libcli11-dev libfmt-dev nlohmann-json3-dev)
+tool_packages=(libcli11-dev libfmt-dev nlohmann-json3-dev zlib1g-dev libxlsxwriter-dev)
 python_packages=(python3-dev pybind11-dev python3-setuptools python3-wheel python3-numpy
   python3-pandas python3-xarray python3-dask python3-distributed python3-netcdf4
-  python3-matplotlib)
+  python3-matplotlib python3-openpyxl)
 
 # as_root COMMAND...: runs it as root.
 as_root() {

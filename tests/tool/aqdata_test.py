@@ -190,12 +190,12 @@ ROWS = [  # command, status, in the output, in the messages
     (f"convert {STH} -o tidy.csv", 0, "tidy.csv: written", ""),
     (f"convert {STH} -o tidy.csv", 2, "", "tidy.csv: already exists; --force replaces it"),
     (
-        f"convert {STH} -o q.nc",
+        f"convert {STH} -o q.odt",
         2,
         "",
-        "q.nc: expected a name that ends in .sth.csv, .spc, .pth.csv, .ssr.csv, .json, .csv",
+        "q.odt: expected a name that ends in .sth.csv, .spc, .mask.csv, .pth.csv, .ssr.csv, .json, .xl",
     ),
-    (f"convert {STH} -o q.mask.CSV", 2, "", "q.mask.CSV: expected a name that ends in"),
+    (f"convert {STH} -o q.mask.CSV", 2, "", "only a masking map, or its table,"),
     (f"convert {STH} --to json -o q.csv", 2, "", "ends in .json, .txt"),
     (f"convert {STH} --to Table -o q.TXT", 0, "q.TXT: written", ""),
     (f"convert --json {STH} -o q.JSON", 0, '{"output":"q.JSON"}', ""),
@@ -353,6 +353,200 @@ ROWS = [  # command, status, in the output, in the messages
         "",
         "expected a position time history or tracking",
     ),
+    (
+        f"aqdata convert {STH} -o all.json && aqdata convert all.json -o all.sth.csv -q; diff --dates {STH} all.sth.csv",
+        0,
+        "no difference",
+        "",
+    ),
+    (
+        f"aqdata convert {STH} -o t.csv && aqdata convert t.csv -o t.sth.csv -q; check t.sth.csv",
+        0,
+        "1 without findings",
+        "",
+    ),
+    (f"diff {STH} t.sth.csv", 1, 'reference_time_type: "OVERHEAD" and "OTHER"', ""),
+    (
+        f"aqdata convert {MAP} -o m.json && aqdata convert m.json -o m.mask.csv -q; diff --dates {MAP} m.mask.csv",
+        0,
+        "no difference",
+        "",
+    ),
+    (
+        f"aqdata convert {MAP} -o m.csv && aqdata convert m.csv -o m.mask.csv -f -q; diff {MAP} m.mask.csv",
+        1,
+        "comments: [] and",
+        "",
+    ),
+    (
+        "aqdata convert made.pth.csv -o p.csv && aqdata convert p.csv -o p.pth.csv -q && aqdata convert made.pth.csv -o p.json && aqdata convert p.json -o p2.pth.csv -q; diff made.pth.csv p2.pth.csv",
+        0,
+        "no difference",
+        "",
+    ),
+    ("diff --json made.pth.csv p.pth.csv", 1, '"only_in_b":[],"columns":[]', ""),
+    (
+        "sed '5s/.*/1,14:30:00.25,52200.25,-14.5,x,1/' t.csv > t2.csv; convert t2.csv -o x.sth.csv",
+        2,
+        "",
+        "t2.csv, line 5, field 5: expected a band number",
+    ),
+    (
+        "sed 's/^4,\\(.*\\),-13,/4,\\1,-9,/' t.csv > t4.csv; convert t4.csv -o x4.sth.csv",
+        2,
+        "",
+        "record 4: its relative time counts from another",
+    ),
+    (
+        "head -c 999 all.json > half.json; convert half.json -o x.sth.csv",
+        2,
+        "",
+        "half.json: expected a JSON document, found a fault at byte",
+    ),
+    (
+        'printf \'{"rows":[{"level_db":3,"time":1}]}\' > strange.json; convert strange.json -o x.sth.csv',
+        2,
+        "",
+        "strange.json: expected a document that convert writes",
+    ),
+    ("convert m.json -o x5.sth.csv", 2, "", "only a history or a recording converts to a history"),
+    (f"convert {STH} deep -o x.csv", 2, "", "a workbook alone is made of several files"),
+    (
+        f"convert {STH} deep/one.csv --mask {MAP} -o x.xlsx",
+        2,
+        "",
+        "--mask is the map of one history",
+    ),
+    (
+        f"convert {STH} near.sth.csv bad.sth.csv -o x.xlsx",
+        2,
+        "",
+        "nothing is written, as not all was read",
+    ),
+    (f"convert {STH} deep/one.csv deep/er/two.csv -o two.xlsx", 0, "two.xlsx: 3 runs", ""),
+    (f"export AQ_PYTHON=false; plot {STH} -o x.png", 2, "", "a picture did not succeed"),
+    (
+        f"export AQ_PYTHON=none; plot {STH} -o x.png",
+        2,
+        "",
+        "a picture needs Python with the package aq_data",
+    ),
+    (f"plot {STH} -o x.gif", 2, "", "expected a name that ends in .png, .svg, .pdf"),
+    ("plot bad.sth.csv -o x.png", 2, "", "bad.sth.csv, line 22"),
+    (
+        "info gap* near* --where 'microphone=m? and (records>60 or missing>=1)' --columns file,missing",
+        0,
+        "gap.sth.csv        4",
+        "",
+    ),
+    (
+        "info --json 'fly-*' --where 'not kind=*history and begin>=14:30' --columns kind",
+        0,
+        '{"kind":"tracking"}',
+        "",
+    ),
+    (
+        "info 'fly-over.*' --sort records,file --reverse --columns file --where 'records>0'",
+        0,
+        "file\nfly-over.sth.csv",
+        "",
+    ),
+    (
+        f"info {STH} --where 'project=\"fly-over sample\"' --columns project,comments",
+        0,
+        "Fly-over sample",
+        "",
+    ),
+    (
+        f"info {STH} --where records",
+        2,
+        "",
+        '--where: expected =, !=, <, <=, > or >= at the end of "records"',
+    ),
+    (f"info {STH} --where 'record>1'", 2, "", 'unknown field "record"; did you mean records?'),
+    (f"info {STH} --where '(records>1'", 2, "", "expected a closing parenthesis at the end"),
+    (f"info {STH} --sort size", 2, "", 'unknown field "size"'),
+    (
+        "mkdir -p s1 s2 && cp fly-over.* near.sth.csv s1 && cp fly-over.* near.sth.csv loud.sth.csv s2 && rm s2/*ssr*; diff s1 s2",
+        1,
+        "8 files: 6 equal, 0 differ, 1 missing, 1 new",
+        "",
+    ),
+    (
+        "cp loud.sth.csv s2/near.sth.csv; diff --json s1 s2",
+        1,
+        '"equal":false,"largest":199.99,"where":"band 17","record":1,"mean":0.13888',
+        "",
+    ),
+    (f"diff s1 {STH}", 2, "", f"{STH}: expected a folder, as s1 is one"),
+    (f"cut {STH} -o x.sth.csv", 2, "", "which records?"),
+    (f"cut {STH} --records 1:9 --down 10 -o x.sth.csv", 2, "", "contradict each other"),
+    (f"cut {STH} --mask {MAP} --masks --down 10 -o x.sth.csv", 2, "", "contradict each other"),
+    (f"cut {STH} deep --mask {MAP} --down 10 -o x", 2, "", "are those of one history"),
+    (f"cut {STH} --records 70: -o x.sth.csv", 2, "", "has no record from 70"),
+    (f"cut {STH} --from 15:00 -o x.sth.csv", 2, "", "--from: expected a time of day"),
+    (f"cut {STH} --down 10 --force -o {STH}", 2, "", f"{STH}: is an input, and is not over"),
+    (f"cut {STH} --down 10 -o x.mask.csv", 2, "", "expected a name that ends in .sth.csv"),
+    (f"cut {STH} near.sth.csv --down 10 -o notes.txt", 2, "", "expected a folder for several"),
+    (
+        f"cut {STH} deep/one.csv deep/er/two.csv --records 5:9 -q -o five && ls five",
+        0,
+        "two.csv",
+        "",
+    ),
+    (
+        f"cut deep bad.sth.csv --down 10 -o down || ls down/er && exit 2",
+        2,
+        "down/er/two.csv: rec",
+        "6x.2",
+    ),
+    (f"cut {STH} --down 10 --mask {MAP} -o e.sth.csv", 0, "records 1 to 21 were 20 to 40", ""),
+    ("check e.sth.csv e.mask.csv", 0, "2 without findings", ""),
+    ("metrics --json e.sth.csv --masks", 0, '"event":{"EPNL":97.16', ""),
+    (f"cut {STH} --from 14:30:14 --renumber --json -o late.spc", 0, '"last":32,"first_was":29', ""),
+    (
+        f"geometry {STH} fly-over.tspi.csv fly-over.mic.csv --celsius 20 --records 10:50 -o f.gth.csv"
+        f" && aqdata cut {STH} --down 10 --geometry f.gth.csv -f -q -o e.sth.csv && "
+        "aqdata check --only map-misfit,source-misfit e.gth.csv && "
+        f"aqdata cut {STH} --records 1:20 --geometry f.gth.csv -o g.sth.csv",
+        2,
+        "1 without findings",
+        "no point for the record at 14:30:00.25",
+    ),
+    (
+        f"cut {STH} --records :20 --masks -q -o a.sth.csv && aqdata cut {STH} --records 24: --masks -q "
+        "-o b.sth.csv && aqdata join a.sth.csv b.sth.csv -o ab.sth.csv",
+        2,
+        "",
+        "b.sth.csv: 3 records are missing before it; --fill",
+    ),
+    ("join a.sth.csv b.sth.csv --fill --masks -o ab.sth.csv", 0, "60 records, 3 of 9999", ""),
+    ("diff fly-over.mask.csv ab.mask.csv", 1, "Joined of a.sth.csv (records 1 to 20), b.sth", ""),
+    ("check --severity warning ab.*", 0, "2 without findings", ""),
+    ("join b.sth.csv a.sth.csv -o ba.sth.csv", 2, "", "begins before the first one ends"),
+    (
+        "sed 's/^Project.*/&s/' b.sth.csv > c.sth.csv; join a.sth.csv c.sth.csv --fill -o ac.sth.csv",
+        2,
+        "",
+        'c.sth.csv: has the project "Fly-over samples", the piece before it "Fly-over sample"',
+    ),
+    ("join a.sth.csv -o x.sth.csv", 2, "", "expected two pieces or more"),
+    ("join a.sth.csv b.sth.csv --fill -f -o b.sth.csv", 2, "", "is an input"),
+    (
+        f"mkdir -p raw/in && printf '\\xef\\xbb\\xbf' | cat - {STH} > raw/mark.csv && gzip -c {STH} > "
+        "raw/in/p.sth.csv.gz && cp fly-over.tspi.csv raw; fix raw",
+        1,
+        "raw/mark.csv: would mend byte order mark\n3 files: 2 to mend, 1 as they were",
+        "",
+    ),
+    ("fix raw -o mended", 2, "", "-o and no --write contradict each other"),
+    ("fix raw --write -o mended && ls mended/in", 0, "3 files: 2 mended, 1 as they were\n", ""),
+    (f"diff mended/in/p.sth.csv {STH}", 1, "Mended from p.sth.csv.gz: gzip", ""),
+    ("fix raw --write -o mended", 2, "", "mended/mark.csv: already exists; --force replaces it"),
+    ("fix raw/mark.csv --write -q && ! cmp -s raw/mark.csv.orig raw/mark.csv", 0, "", ""),
+    ("fix raw/mark.csv --json", 0, '"mends":[],"left":[]', ""),
+    ("fix bad.sth.csv", 1, 'bad.sth.csv: line 22: expected a level, found "6x.2"', ""),
+    ("head -c 99 raw/in/p.sth.csv.gz > cut.csv.gz; fix cut.csv.gz", 2, "", "cut or damaged"),
     ("completion tcsh", 2, "", "tcsh"),
     ("info --json odd*", 0, r'"file":"odd name\né.sth.csv"', ""),
     ("info odd* deep/one.csv", 0, "odd name\\x0aé.sth.csv", ""),
@@ -485,7 +679,10 @@ def check_documents(parent):
         text = text.replace("\\\n", "")
         for example in re.findall(r"^  ((?:source|aqdata) .*)$", text, re.M):
             done = run(example + (" --force" if " -o " in example else ""), folder)
-            expect(f"{example}: status", done.returncode in (0, 1), True)
+            without = (
+                b"needs Python with" in done.stderr
+            )  # as a build has it that lacks the package
+            expect(f"{example}: status", done.returncode in (0, 1) or without, True)
 
 
 def check_recordings(folder):

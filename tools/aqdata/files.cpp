@@ -41,7 +41,8 @@ std::string danglingLink(const fs::path& path) {
 /// circle.
 class Choice {
  public:
-  explicit Choice(Session& session) : session_(session) {}
+  Choice(Session& session, const std::vector<std::string_view>& more)
+      : session_(session), more_(more) {}
 
   void add(const std::string& given) {
     std::error_code error;
@@ -104,11 +105,18 @@ class Choice {
       return walk(entry);
     } else if (fs::is_directory(entry, error)) {
       links_.insert(links_.begin(), entry);  // after the folders themselves
-    } else if (fs::is_regular_file(entry, error) && isMeasurement(entry)) {
+    } else if (fs::is_regular_file(entry, error) && isWanted(entry)) {
       seenMeasurement_ = true;
       addFile(entry.string());
     }
     return true;
+  }
+
+  [[nodiscard]] bool isWanted(const fs::path& entry) const {
+    const std::string name = aq::upperCased(entry.filename().string());
+    return std::any_of(more_.begin(), more_.end(),
+                       [&](std::string_view ending) { return name.ends_with(ending); }) ||
+           isMeasurement(entry);
   }
 
   void addFile(const std::string& file) {
@@ -116,6 +124,7 @@ class Choice {
   }
 
   Session& session_;
+  const std::vector<std::string_view>& more_;
   std::vector<std::string> files_;
   std::unordered_set<std::string> seen_;
   std::unordered_set<std::string> walked_;
@@ -136,8 +145,8 @@ bool mayEnd(const std::string& name, std::string_view ending) {
 
 }  // namespace
 
-std::vector<std::string> chosenFiles(Session& session) {
-  Choice choice(session);
+std::vector<std::string> chosenFiles(Session& session, const std::vector<std::string_view>& more) {
+  Choice choice(session, more);
   for (const std::string& given : session.files) choice.add(given);
   return std::move(choice).files();
 }
@@ -151,32 +160,83 @@ void expectOpens(const std::string& path) {
   }
 }
 
+void expectEnding(const std::string& path, const std::vector<std::string_view>& endings) {
+  const std::string name = fs::path(path).filename().string();
+  const bool fits = fs::path(path).extension().empty() ||
+                    std::any_of(endings.begin(), endings.end(),
+                                [&](std::string_view ending) { return mayEnd(name, ending); });
+  if (fits) return;
+  throw Failure(fmt::format("{}: expected a name that ends in {}", aq::escaped(path),
+                            fmt::join(endings, ", ")));
+}
+
 void expectOutput(const Session& session, const std::vector<std::string_view>& endings,
                   const std::vector<std::string>& inputs) {
   if (session.output.empty() || session.intoStream()) return;
-  const fs::path output = session.output;
-  const std::string name = output.filename().string();
-  const bool fits = output.extension().empty() ||
-                    std::any_of(endings.begin(), endings.end(),
-                                [&](std::string_view ending) { return mayEnd(name, ending); });
-  if (!fits) {
-    throw Failure(fmt::format("{}: expected a name that ends in {}", aq::escaped(session.output),
-                              fmt::join(endings, ", ")));
-  }
+  expectEnding(session.output, endings);
   std::error_code error;
   for (const std::string& input : inputs) {
-    if (!fs::equivalent(output, input, error)) continue;
+    if (!fs::equivalent(session.output, input, error)) continue;
     throw Failure(fmt::format("{}: is an input, and would become a file of another kind",
                               aq::escaped(session.output)));
   }
 }
 
-std::string outputPlace(const Session& session) {
+void expectNoInput(const std::string& path, const std::vector<std::string>& inputs) {
   std::error_code error;
-  const bool replaces = !session.intoStream() && fs::is_regular_file(session.output, error);
-  if (!replaces || session.force) return session.output;
+  for (const std::string& input : inputs) {
+    if (!fs::equivalent(path, input, error)) continue;
+    throw Failure(fmt::format("{}: is an input, and is not overwritten", aq::escaped(path)));
+  }
+}
+
+void expectFree(const Session& session, const std::string& path) {
+  std::error_code error;
+  const bool replaces = !terminal::isStream(path) && fs::is_regular_file(path, error);
+  if (!replaces || session.force) return;
+  throw Failure(fmt::format("{}: already exists; --force replaces it", aq::escaped(path)));
+}
+
+std::string outputPlace(const Session& session) {
+  expectFree(session, session.output);
+  return session.output;
+}
+
+OutputPlaces::OutputPlaces(const Session& session) : session_(session) {
+  std::error_code error;
+  const std::string& output = session.output;
+  inFolder_ = session.files.size() != 1 || fs::is_directory(session.files.front(), error) ||
+              !fs::exists(session.files.front(), error) || fs::is_directory(output, error) ||
+              (!output.empty() && !fs::path(output).has_filename());
+  if (!inFolder_ || !fs::exists(output, error) || fs::is_directory(output, error)) return;
   throw Failure(
-      fmt::format("{}: already exists; --force replaces it", aq::escaped(session.output)));
+      fmt::format("{}: expected a folder for several files, found a file", aq::escaped(output)));
+}
+
+std::string OutputPlaces::of(const std::string& file) {
+  if (!inFolder_) return session_.output;
+  std::error_code error;
+  fs::path below = fs::path(file).filename();
+  for (const std::string& given : session_.files) {
+    if (!fs::is_directory(given, error)) continue;
+    const fs::path relative =
+        fs::path(file).lexically_normal().lexically_relative(fs::path(given).lexically_normal());
+    if (relative.empty() || *relative.begin() == "..") continue;
+    below = relative;
+    break;
+  }
+  const fs::path place = fs::path(session_.output) / below;
+  const auto [at, isNew] = taken_.emplace(place.string(), file);
+  if (!isNew && at->second != file) {
+    throw Failure(fmt::format("{}: would be written of {} too", aq::escaped(place.string()),
+                              aq::escaped(at->second)));
+  }
+  fs::create_directories(place.parent_path(), error);
+  if (error) {
+    throw Failure(fmt::format("{}: expected a folder that can be made, found {}",
+                              aq::escaped(place.parent_path().string()), error.message()));
+  }
+  return place.string();
 }
 
 void writeLines(const Session& session, const std::vector<std::string>& lines) {

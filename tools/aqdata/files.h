@@ -3,6 +3,7 @@
 #include <aq/files/late_times.h>
 #include <aq/text/call_file.h>
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,8 +16,10 @@ namespace aqdata {
 /// The files that the user's arguments name: for a folder, the measurement files in and below it,
 /// which are those whose name ends in ".csv" in any case or whose kind is known, except hidden
 /// ones; for a pattern, what it matches. Each file and folder appears once, even if several links
-/// lead to it. Complains about what does not exist.
-[[nodiscard]] std::vector<std::string> chosenFiles(Session& session);
+/// lead to it. In folders, files whose names in capitals have one of the `more` endings are taken
+/// too. Complains about what does not exist.
+[[nodiscard]] std::vector<std::string> chosenFiles(Session& session,
+                                                   const std::vector<std::string_view>& more = {});
 
 /// Throws `Failure`, with the system's reason, for a file that cannot be opened.
 void expectOpens(const std::string& path);
@@ -26,18 +29,50 @@ void expectOpens(const std::string& path);
 void expectOutput(const Session& session, const std::vector<std::string_view>& endings,
                   const std::vector<std::string>& inputs);
 
+/// Throws `Failure` unless the name has no extension or ends in one of these, as above.
+void expectEnding(const std::string& path, const std::vector<std::string_view>& endings);
+
+/// Throws `Failure` when `path` is one of the files that are read.
+void expectNoInput(const std::string& path, const std::vector<std::string>& inputs);
+
+/// Throws `Failure` when there is a file at `path` and the user has not said --force.
+void expectFree(const Session& session, const std::string& path);
+
 /// The session's output, for a file class to write. Throws `Failure` if it exists and may not be
 /// replaced.
 [[nodiscard]] std::string outputPlace(const Session& session);
 
-/// Writes a header and a model to it with a file class. Keeps the header's dates of source files;
-/// writes times late in a second as the next second.
+/// Where the outputs of several files go: into the session's output, which is a folder then, under
+/// their names, and of a folder that was given under their paths in it. With one file that was
+/// named, the output is its own, unless that is a folder.
+class OutputPlaces {
+ public:
+  explicit OutputPlaces(const Session& session);
+
+  /// Makes the folders that the place needs. Throws `Failure` for a place that is taken by another
+  /// file of the run, or cannot be made.
+  [[nodiscard]] std::string of(const std::string& file);
+
+ private:
+  const Session& session_;
+  bool inFolder_;
+  std::map<std::string, std::string> taken_ = {};  // by places, the files
+};
+
+/// Writes a header and a model with a file class. Keeps the header's dates of source files; writes
+/// times late in a second as the next second.
 template <class File, class Header, class Model>
-void writeOutput(const Session& session, Header& header, Model& model) {
+void writeAt(const std::string& place, Header& header, Model& model) {
   if constexpr (requires { aq::roundLateTimes(model); }) aq::roundLateTimes(model);
   File file;
   file.fileInformation(aq::keepingFileInformation());
-  expectGood(aq::writeFrom(file, outputPlace(session), header, model), file);
+  expectGood(aq::writeFrom(file, place, header, model), file);
+}
+
+/// The same to the session's output.
+template <class File, class Header, class Model>
+void writeOutput(const Session& session, Header& header, Model& model) {
+  writeAt<File>(outputPlace(session), header, model);
 }
 
 /// Writes these lines to it.

@@ -103,6 +103,17 @@ Json headerFrom(const Parameters& read) { return inCardOrder(keyed(*read.model))
 
 }  // namespace
 
+std::vector<std::string> headerKeys() {
+  std::vector<std::string> keys(kCardOrder.begin(), kCardOrder.end());
+  for (const char* key :
+       {"tracking_file", "tracking_file_date", "rejected_fixes", "microphone_position",
+        "temperature", "history_file", "position_file", "microphone_file", "history_file_date",
+        "position_file_date", "microphone_file_date"}) {
+    keys.emplace_back(key);
+  }
+  return keys;
+}
+
 Json headerOf(const Measurement& measurement) {
   return std::visit([](const auto& read) { return headerFrom(read); }, measurement.data);
 }

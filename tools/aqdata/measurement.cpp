@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <optional>
 
+#include "aq/text/date_text.h"
 #include "tools/aqdata/session.h"
 
 namespace aqdata {
@@ -162,6 +163,18 @@ SpectrumRecord openSpectrum(const std::string& path, const aq::HeaderObserver& w
 Tracking openTracking(const std::string& path, const aq::HeaderObserver& watch,
                       std::uint8_t rt20Limit) {
   return openHeld<Tracking>(path, {watch, rt20Limit});
+}
+
+aq::AQ_Time timeFrom(const char* option, const std::string& text) {
+  aq::AQ_Time time;
+  try {
+    time.TODstring(aq::clockTimeFrom(text.substr(0, text.find('.'))));  // rejects hours past 23
+    time.TODstring(text);
+  } catch (const aq::Error&) {
+    throw Failure(
+        fmt::format("{}: expected a time of day hh:mm:ss, found {}", option, aq::shown(text)));
+  }
+  return time;
 }
 
 std::string timeText(aq::AQ_Time time) {

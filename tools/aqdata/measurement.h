@@ -92,4 +92,7 @@ void expectGood(aq::AQ_DataMessage result, const aq::FileClass& file);
 /// The time of day as text, rounded to the nearest with a text form; empty if it has no clock form.
 [[nodiscard]] std::string timeText(aq::AQ_Time time);
 
+/// A time of day that an option was given. Throws `Failure` for another text.
+[[nodiscard]] aq::AQ_Time timeFrom(const char* option, const std::string& text);
+
 }  // namespace aqdata

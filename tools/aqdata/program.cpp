@@ -109,9 +109,10 @@ CLI::App* addCommand(CLI::App& program, Session& session, const char* name, cons
 }
 
 void addCommands(CLI::App& program, Session& session) {
-  for (const auto add : {addInfo, addCheck, addShow, addConvert, addTrack, addLgb, addMask,
-                         addStamp, addMetrics, addExplain, addGeometry, addDiff, addAnalyzer,
-                         addCat, addHead, addCompletion, addHelp, addManual}) {
+  for (const auto add :
+       {addInfo,     addCheck, addFix,  addShow,       addPlot,    addConvert, addTrack,    addLgb,
+        addMask,     addStamp, addCut,  addJoin,       addMetrics, addExplain, addGeometry, addDiff,
+        addAnalyzer, addCat,   addHead, addCompletion, addHelp,    addManual}) {
     add(program, session);
     addOutputOptions(*program.get_subcommands({}).back(), session);
   }

@@ -56,6 +56,9 @@ struct Sheet {
 /// The content of a file's header, key by key, in its order.
 [[nodiscard]] Json headerOf(const Measurement& measurement);
 
+/// The keys that a header of some kind may have.
+[[nodiscard]] std::vector<std::string> headerKeys();
+
 /// Seconds rounded to the digits that they were read with: those of a minute in single precision.
 [[nodiscard]] double tidySeconds(double seconds);
 

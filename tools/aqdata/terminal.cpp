@@ -1,10 +1,13 @@
 #include "tools/aqdata/terminal.h"
 
 #include <glob.h>
+#include <spawn.h>
 #include <sys/ioctl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <clocale>
 #include <csignal>
 #include <cstdlib>
@@ -90,6 +93,23 @@ std::vector<std::string> matches(const std::string& pattern) {
   }
   ::globfree(&found);
   return paths;
+}
+
+std::optional<int> run(const std::vector<std::string>& words) {
+  std::vector<std::string> own = words;  // the call takes texts that could be written to
+  std::vector<char*> arguments;
+  for (std::string& word : own) arguments.push_back(word.data());
+  arguments.push_back(nullptr);
+  pid_t child = 0;
+  if (::posix_spawnp(&child, arguments.front(), nullptr, nullptr, arguments.data(), environ) != 0) {
+    return std::nullopt;
+  }
+  int status = 0;
+  while (::waitpid(child, &status, 0) < 0) {
+    if (errno != EINTR) return std::nullopt;
+  }
+  if (!WIFEXITED(status)) return std::nullopt;
+  return WEXITSTATUS(status);
 }
 
 }  // namespace aqdata::terminal

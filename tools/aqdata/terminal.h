@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -41,5 +42,9 @@ struct Character {
 
 /// The files and folders that match a pattern with `*`, `?` and `[]`, in order.
 [[nodiscard]] std::vector<std::string> matches(const std::string& pattern);
+
+/// Runs another program, found as the shell finds it, with these words and this program's streams;
+/// gives its exit status, or nothing if it cannot be run.
+[[nodiscard]] std::optional<int> run(const std::vector<std::string>& words);
 
 }  // namespace aqdata::terminal

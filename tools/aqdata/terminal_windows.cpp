@@ -4,8 +4,11 @@
 #include <shellapi.h>  // needs what is above
 // clang-format on
 
+#include <process.h>
+
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstdlib>
 #include <cwctype>
 #include <filesystem>
@@ -43,6 +46,18 @@ bool isConsole(DWORD stream) {
 }
 
 UINT codePageBefore = 0;
+
+/// A word as a program takes it apart from its command line: in quotes, with those in it escaped.
+std::wstring quoted(std::wstring_view word) {
+  std::wstring text = L"\"";
+  std::size_t slashes = 0;  // which count twice ahead of a quote
+  for (const wchar_t letter : word) {
+    if (letter == L'"') text.append(slashes + 1, L'\\');
+    slashes = letter == L'\\' ? slashes + 1 : 0;
+    text += letter;
+  }
+  return text.append(slashes, L'\\') + L'"';
+}
 
 /// Whether a set as of `[a-z]`, without its brackets, has `letter`.
 bool has(std::wstring_view set, wchar_t letter) {
@@ -157,6 +172,18 @@ std::vector<std::string> matches(const std::string& pattern) {
   std::vector<std::string> paths;
   for (const fs::path& path : found) paths.push_back(path.string());
   return paths;
+}
+
+std::optional<int> run(const std::vector<std::string>& words) {
+  std::vector<std::wstring> own;
+  for (const std::string& word : words) own.push_back(quoted(fs::path(word).native()));
+  std::vector<const wchar_t*> arguments;
+  for (const std::wstring& word : own) arguments.push_back(word.c_str());
+  arguments.push_back(nullptr);
+  const std::wstring program = fs::path(words.front()).native();
+  const std::intptr_t status = ::_wspawnvp(_P_WAIT, program.c_str(), arguments.data());
+  if (status < 0) return std::nullopt;
+  return static_cast<int>(status);
 }
 
 }  // namespace aqdata::terminal

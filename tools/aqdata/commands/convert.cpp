@@ -6,13 +6,20 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <optional>
 #include <utility>
 
+#include "tools/aqdata/back.h"
 #include "tools/aqdata/files.h"
+#include "tools/aqdata/noise.h"
+#include "tools/aqdata/package.h"
 #include "tools/aqdata/program.h"
+#include "tools/aqdata/runs.h"
 #include "tools/aqdata/sheet.h"
 #include "tools/aqdata/text.h"
+#include "tools/aqdata/workbook.h"
 
 namespace aqdata {
 namespace {
@@ -21,6 +28,8 @@ struct ConvertChoice {
   std::string file;
   std::string to;
   std::optional<std::int16_t> record = {};
+  std::string map = {};  // for a workbook
+  bool maps = false;     // likewise, next to the histories
   std::uint8_t rt20 = 1;
 };
 
@@ -28,8 +37,9 @@ struct Form {
   std::string name;
   std::string_view ending;  // of file names
 };
-const Form kForms[] = {{"history", ".sth.csv"},  {"columns", ".spc"}, {"positions", ".pth.csv"},
-                       {"spectrum", ".ssr.csv"}, {"json", ".json"},   {"table", ".csv"}};
+const Form kForms[] = {{"history", ".sth.csv"},   {"columns", ".spc"},      {"map", ".mask.csv"},
+                       {"positions", ".pth.csv"}, {"spectrum", ".ssr.csv"}, {"json", ".json"},
+                       {"workbook", ".xlsx"},     {"netcdf", ".nc"},        {"table", ".csv"}};
 
 /// The requested form, or the one that the output's name implies.
 std::string formOf(const Session& session, const ConvertChoice& choice) {
@@ -103,67 +113,129 @@ void putSpectrum(const Session& session, const ConvertChoice& choice, const Meas
   writeOutput<aq::AQ_DataSSR>(session, header, *spectrum);
 }
 
-/// A history file names the bands of all its records once.
-void expectWhole(const History& read, const std::string& file) {
-  const auto fail = [&](std::int32_t record, const std::string& why) {
-    throw Failure(fmt::format("{}, record {}: {}, which a history file cannot leave out",
-                              aq::escaped(file), record, why));
-  };
-  const auto& history = *read.model;
-  std::optional<std::pair<std::int16_t, std::int16_t>> bands;
-  for (const auto& [record, spectrum] : history) {
-    if (!bands) bands = {spectrum->LowBand(), spectrum->HighBand()};
-    const auto low = std::min(bands->first, spectrum->LowBand());
-    for (std::int32_t band = low; band <= std::max(bands->second, spectrum->HighBand()); ++band) {
-      if (!spectrum->contains(band)) fail(record, fmt::format("band {} has no level", band));
-    }
-    if (low < bands->first || spectrum->HighBand() > bands->second) {
-      fail(record, "other records have no level in some of its bands");
-    }
-  }
-}
-
 /// A history of any file as one of the two text forms.
 void putHistory(Session& session, const ConvertChoice& choice, const Measurement& measurement,
                 bool inColumns) {
   const auto* const read = std::get_if<History>(&measurement.data);
   if (read == nullptr) throw Failure("only a history or a recording converts to a history");
   if (choice.record) throw Failure("--record does not apply to a history");
-  aq::AQ_SpectralTimeHistory& history = *read->model;
-  expectKnownWords(*read, choice.file);
-  if (inColumns) {
-    aq::AQ_DataSPC file;
-    file.RecordLength(read->recordLength);
-    file.setHeader(read->header);
-    expectGood(file.writeFile(outputPlace(session), history), file);
-    if (aq::keepsDates(history)) return;
-    return session.tell(fmt::format("{}: the date is that of the start, with midnights from there",
-                                    aq::escaped(session.output)));
-  }
-  expectWhole(*read, choice.file);
-  writeOutput<aq::AQ_DataSTH>(session, read->header, history);
-  if (history.startTime()->CurrentDate() != 0) {
-    session.tell(fmt::format("{}: dates are left out", aq::escaped(session.output)));
-  }
-  if (read->recordLength != 0.5) {
-    session.tell(fmt::format("{}: the record length of {} s is left out",
-                             aq::escaped(session.output), read->recordLength));
+  for (const std::string& note :
+       writeHistory(session, *read, session.output, choice.file, inColumns)) {
+    session.tell(fmt::format("{}: {}", aq::escaped(session.output), note));
   }
 }
 
-void convert(Session& session, const ConvertChoice& choice) {
-  const std::string form = formOf(session, choice);
-  const bool asHistory = form == "history" || form == "columns";
-  if (session.output.empty() && (asHistory || form == "positions" || form == "spectrum"))
-    throw Failure(fmt::format("{} go to a file: -o says which", asHistory            ? "histories"
-                                                                : form == "spectrum" ? "spectra"
-                                                                                     : form));
-  if (form == "positions") {
-    if (choice.record) throw Failure("--record does not apply to positions");
+/// What a form is called in several.
+std::string_view formWord(const std::string& form) {
+  if (form == "history" || form == "columns") return "histories";
+  if (form == "map") return "maps";
+  if (form == "workbook") return "workbooks";
+  if (form == "netcdf") return "netCDF files";
+  return form == "spectrum" ? "spectra" : form == "positions" ? "positions" : "";
+}
+
+void putMap(const Session& session, const Measurement& measurement) {
+  const auto* const read = std::get_if<MaskingMap>(&measurement.data);
+  if (read == nullptr) throw Failure("only a masking map, or its table, converts to a map");
+  writeOutput<aq::AQ_DataMask>(session, read->header, *read->model);
+}
+
+/// Positions of tracking, or of what `convert` wrote of positions.
+void putPositions(Session& session, const ConvertChoice& choice) {
+  if (choice.record) throw Failure("--record does not apply to positions");
+  using Positions = Held<aq::AQ_HeaderPTH, aq::AQ_PositionTimeHistory>;
+  const auto back =
+      aq::kindOfFile(choice.file) == aq::FileKind::Unknown ? backFrom(choice.file) : std::nullopt;
+  const auto* const read = back ? std::get_if<Positions>(&back->data) : nullptr;
+  if (read == nullptr) {
     return writePositions(session, openTracking(choice.file, {}, choice.rt20), choice.file);
   }
-  const Measurement read = openFile(choice.file, {}, choice.rt20);
-  if (form == "spectrum") {
+  writeOutput<aq::AQ_DataPTH>(session, read->header, *read->model);
+  session.wrote("written");
+}
+
+/// A file of any kind, or what `convert` made of one.
+Measurement readAny(const ConvertChoice& choice) {
+  if (aq::kindOfFile(choice.file) == aq::FileKind::Unknown) {
+    if (auto back = backFrom(choice.file)) return *std::move(back);
+  }
+  return openFile(choice.file, {}, choice.rt20);
+}
+
+/// Whether a file is netCDF, of either form.
+bool isNetcdf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::string begin(4, '\0');
+  file.read(begin.data(), static_cast<std::streamsize>(begin.size()));
+  return begin == "\x89HDF" || begin.starts_with("CDF");
+}
+
+/// To netCDF and back, which the Python package does.
+void putNetcdf(const Session& session, const ConvertChoice& choice) {
+  if (choice.record) throw Failure("--record does not apply to netCDF");
+  std::vector<std::string> words{"convert", choice.file, outputPlace(session)};
+  if (!isNetcdf(choice.file)) static_cast<void>(openFile(choice.file));  // says what does not read
+  const std::string map = choice.maps ? nextToHistory(choice.file, ".mask.csv") : choice.map;
+  if (!map.empty()) {
+    static_cast<void>(openMapOf(openHistory(choice.file), choice.file, map));
+    words.push_back(map);
+  }
+  runPackage("netCDF", words);
+}
+
+/// All runs in one workbook, which is written when each was read.
+void putWorkbook(Session& session, const ConvertChoice& choice) {
+  const std::vector<std::string> files = chosenHistories(session);
+  if (choice.record) throw Failure("--record does not apply to a workbook");
+  if (!choice.map.empty() && (files.size() > 1 || choice.maps)) {
+    throw Failure("--mask is the map of one history; --masks takes those next to several");
+  }
+  if (session.intoStream()) throw Failure("a workbook goes to a file");
+  expectOutput(session, {".xlsx"}, files);
+  Workbook workbook(outputPlace(session));
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    onFile(session, files[i], [&] {
+      const Run run =
+          openRun({files[i], choice.maps ? nextToHistory(files[i], ".mask.csv") : choice.map, {}});
+      for (const std::string& note : workbook.add(run, files[i])) {
+        session.tell(fmt::format("{}: {}", aq::escaped(files[i]), note));
+      }
+    });
+    session.progress(i + 1, files.size());
+  }
+  if (session.status() != kFine) throw Failure("nothing is written, as not all was read");
+  workbook.finish();
+  session.wrote(counted(files.size(), "run"));
+}
+
+void convert(Session& session, ConvertChoice choice) {
+  choice.file = session.files.front();
+  const std::string form = formOf(session, choice);
+  const bool netcdf = form == "netcdf" || isNetcdf(choice.file);
+  if (form != "workbook") {
+    std::error_code error;
+    if (session.files.size() > 1 || std::filesystem::is_directory(choice.file, error)) {
+      throw Failure("a workbook alone is made of several files: -o ends in .xlsx");
+    }
+    if (form != "netcdf" && (!choice.map.empty() || choice.maps)) {
+      throw Failure("maps go into a workbook or netCDF alone");
+    }
+  }
+  const bool asHistory = form == "history" || form == "columns";
+  if (session.output.empty() && !formWord(form).empty()) {
+    throw Failure(fmt::format("{} go to a file: -o says which", formWord(form)));
+  }
+  if (netcdf) {
+    if (session.output.empty()) throw Failure("-o names the file that netCDF converts to");
+    putNetcdf(session, choice);
+    return session.wrote("written");
+  }
+  if (form == "positions") return putPositions(session, choice);
+  if (form == "workbook") return putWorkbook(session, choice);
+  const Measurement read = readAny(choice);
+  if (form == "map") {
+    putMap(session, read);
+  } else if (form == "spectrum") {
     putSpectrum(session, choice, read);
   } else if (asHistory) {
     putHistory(session, choice, read, form == "columns");
@@ -220,16 +292,22 @@ void addConvert(CLI::App& program, Session& session) {
                  "  aqdata convert fly-over.sth.csv -o fly-over.spc\n"
                  "  aqdata convert fly-over.tspi.csv -o track.pth.csv\n",
                  [&session, choice] { convert(session, *choice); });
-  addFile(*command, choice->file, "FILE", "The file to convert");
+  command->add_option("FILE", session.files, "The file to convert; several for a workbook")
+      ->required()
+      ->type_name("");
   addOutputFile(*command, session, "The file to write", false);
   CLI::Option* const form =
-      command
-          ->add_option("--to", choice->to, "table, json, history, columns, positions or spectrum")
+      command->add_option("--to", choice->to, "What to write, if the name of OUT does not say it")
           ->option_text("FORM");
-  addWords(session, *form, {"table", "json", "history", "columns", "positions", "spectrum"});
+  addWords(session, *form,
+           {"table", "json", "history", "columns", "map", "positions", "spectrum", "workbook",
+            "netcdf"});
   command->add_option("--record", choice->record, "Only this record")
       ->check(wholeNumber(-32768, 32767), "")
       ->option_text("N");
+  command->add_option("--mask", choice->map, "The masking map, for a workbook or netCDF")
+      ->option_text("MAP");
+  command->add_flag("--masks", choice->maps, "Maps next to the histories: x.mask.csv of x.sth.csv");
   command->add_option("--rt20", choice->rt20, "The highest RT20 figure to accept (1)")
       ->check(wholeNumber(0, 255), "")
       ->option_text("N");

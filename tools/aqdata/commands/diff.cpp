@@ -2,11 +2,16 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <map>
+#include <optional>
 
+#include "tools/aqdata/files.h"
 #include "tools/aqdata/measurement.h"
+#include "tools/aqdata/parallel.h"
 #include "tools/aqdata/program.h"
 #include "tools/aqdata/sheet.h"
+#include "tools/aqdata/terminal.h"
 #include "tools/aqdata/text.h"
 
 namespace aqdata {
@@ -26,12 +31,15 @@ struct Column {
   std::int32_t record = 0;  // its record
   Json a = {};
   Json b = {};
+  std::size_t numbers = 0;  // that were compared, equal ones too
+  double sum = 0;           // of their differences
 
   void compare(const Json& one, const Json& other, std::int32_t number, double tolerance) {
-    const bool numbers = one.is_number() && other.is_number();
-    const double difference = numbers ? std::abs(one.get<double>() - other.get<double>()) : 0;
+    const bool areNumbers = one.is_number() && other.is_number();
+    const double difference = areNumbers ? std::abs(one.get<double>() - other.get<double>()) : 0;
+    if (areNumbers) ++numbers, sum += difference;
     constexpr double kRounding = 1e-9;  // 0.01 apart is 0.01 apart
-    if (numbers ? difference <= tolerance + kRounding : one == other) return;
+    if (areNumbers ? difference <= tolerance + kRounding : one == other) return;
     ++count;
     if (difference <= largest) return;
     largest = difference;
@@ -47,6 +55,8 @@ struct Difference {
   std::vector<std::int32_t> onlyInB = {};
   std::vector<std::pair<std::string, Column>> columns = {};
   std::map<std::int32_t, Column> bands = {};
+  double mean =
+      0;  // of the differences of all numbers compared; of levels alone where there are any
 
   [[nodiscard]] bool empty() const {
     return header.empty() && onlyInA.empty() && onlyInB.empty() && columns.empty() && bands.empty();
@@ -91,6 +101,7 @@ class Comparison {
         compare(*one++, *other++);
       }
     }
+    difference.mean = meanOf();
     for (std::size_t i = 0; i < columns_.size(); ++i) {
       if (columns_[i].count != 0) difference.columns.emplace_back(a_.columns[i], columns_[i]);
     }
@@ -109,6 +120,21 @@ class Comparison {
       bands_[band].compare(bandCell(a_, one, band), bandCell(b_, other, band), one.number,
                            tolerance_);
     }
+  }
+
+  [[nodiscard]] double meanOf() const {
+    std::size_t numbers = 0;
+    double sum = 0;
+    const auto add = [&](const Column& column) {
+      numbers += column.numbers;
+      sum += column.sum;
+    };
+    for (const auto& [band, column] : bands_) add(column);
+    if (bands_.empty()) {
+      for (std::size_t i = 1; i < columns_.size(); ++i)
+        add(columns_[i]);  // the first is the number
+    }
+    return numbers == 0 ? 0 : sum / static_cast<double>(numbers);
   }
 
   const Sheet& a_;
@@ -191,12 +217,13 @@ void printJson(Session& session, const DiffChoice& choice, const Difference& dif
                              {"bands", std::move(bands)}});
 }
 
-void diff(Session& session, const DiffChoice& choice) {
-  const Measurement a = openFile(choice.a);
-  const Measurement b = openFile(choice.b);
+Difference differenceOf(const std::string& fileA, const std::string& fileB,
+                        const DiffChoice& choice) {
+  const Measurement a = openFile(fileA);
+  const Measurement b = openFile(fileB);
   if (a.data.index() != b.data.index()) {
-    throw Failure(fmt::format("{} is a {} file, {} a {} file", aq::escaped(choice.a),
-                              kindText(a.kind), aq::escaped(choice.b), kindText(b.kind)));
+    throw Failure(fmt::format("{} is a {} file, {} a {} file", aq::escaped(fileA), kindText(a.kind),
+                              aq::escaped(fileB), kindText(b.kind)));
   }
   Difference difference;
   compareHeaders(headerOf(a), headerOf(b), choice.dates, difference);
@@ -204,10 +231,151 @@ void diff(Session& session, const DiffChoice& choice) {
   Sheet sheetB = sheetOf(b);
   for (Sheet* const sheet : {&sheetA, &sheetB}) sheet->dropColumns("time");
   Comparison(sheetA, sheetB, choice.tolerance).run(difference);
+  return difference;
+}
+
+void diffFiles(Session& session, const DiffChoice& choice) {
+  const Difference difference = differenceOf(choice.a, choice.b, choice);
   if (!difference.empty()) session.end(kFindings);
   if (session.json) return printJson(session, choice, difference);
   print(session, difference);
   if (difference.empty()) session.tell("no difference");
+}
+
+/// The files of a folder by their paths below it.
+std::map<std::string, std::string> filesBelow(Session& session, const std::string& folder) {
+  session.files = {folder};
+  std::map<std::string, std::string> files;
+  const std::filesystem::path root = std::filesystem::path(folder).lexically_normal();
+  for (const std::string& file : chosenFiles(session)) {
+    const auto path = std::filesystem::path(file).lexically_normal();
+    files[path.lexically_relative(root).generic_string()] = file;
+  }
+  return files;
+}
+
+/// Two files of one name; of what is in one folder alone, one name is empty.
+struct FilePair {
+  std::string name;
+  std::string a;
+  std::string b;
+};
+
+std::vector<FilePair> pairsOf(Session& session, const DiffChoice& choice) {
+  const auto inA = filesBelow(session, choice.a);
+  const auto inB = filesBelow(session, choice.b);
+  std::vector<FilePair> pairs;
+  for (const auto& [name, file] : inA) {
+    const auto other = inB.find(name);
+    pairs.push_back({name, file, other == inB.end() ? std::string() : other->second});
+  }
+  for (const auto& [name, file] : inB) {
+    if (!inA.contains(name)) pairs.push_back({name, {}, file});
+  }
+  std::sort(pairs.begin(), pairs.end(),
+            [](const auto& a, const auto& b) { return a.name < b.name; });
+  return pairs;
+}
+
+/// What two files of one name differ in, in one line.
+struct PairOutcome {
+  std::optional<Difference> difference = {};  // nothing for a file without another
+  std::string failure = {};
+};
+
+/// The column or band of the largest difference, and what it is called; none where no number
+/// differs.
+std::pair<std::string, const Column*> largestOf(const Difference& difference) {
+  std::pair<std::string, const Column*> found{{}, nullptr};
+  const auto see = [&](const std::string& name, const Column& column) {
+    if (!column.a.is_number() || !column.b.is_number()) return;
+    if (found.second == nullptr || column.largest > found.second->largest) found = {name, &column};
+  };
+  for (const auto& [band, column] : difference.bands) see(fmt::format("band {}", band), column);
+  for (const auto& [name, column] : difference.columns) see(name, column);
+  return found;
+}
+
+Json pairJson(const FilePair& pair, const PairOutcome& outcome) {
+  const auto orNull = [](const std::string& text) { return text.empty() ? Json() : Json(text); };
+  Json document{{"name", pair.name}, {"a", orNull(pair.a)}, {"b", orNull(pair.b)}};
+  if (!outcome.difference) return document;
+  const Difference& difference = *outcome.difference;
+  const auto [name, column] = largestOf(difference);
+  Json header = Json::array();
+  for (const Json& field : difference.header) header.push_back(field["key"]);
+  document["equal"] = difference.empty();
+  document["largest"] =
+      column == nullptr ? Json(0) : Json(tidy(static_cast<float>(column->largest)));
+  document["where"] = orNull(name);
+  document["record"] = column == nullptr ? Json() : Json(column->record);
+  document["mean"] = tidy(static_cast<float>(difference.mean));
+  document["header"] = std::move(header);
+  document["only_in_a"] = difference.onlyInA;
+  document["only_in_b"] = difference.onlyInB;
+  return document;
+}
+
+std::vector<std::string> pairRow(const FilePair& pair, const PairOutcome& outcome) {
+  const std::string name = aq::escaped(pair.name);
+  if (!outcome.difference) return {name, pair.b.empty() ? "missing" : "new", "", "", "", ""};
+  const Difference& difference = *outcome.difference;
+  if (difference.empty()) return {name, "equal", "", "", "", ""};
+  const auto [where, column] = largestOf(difference);
+  std::vector<std::string> others;
+  const std::size_t alone = difference.onlyInA.size() + difference.onlyInB.size();
+  if (alone != 0) others.push_back(fmt::format("{} in one alone", counted(alone, "record")));
+  for (const Json& field : difference.header) others.push_back(field["key"].get<std::string>());
+  return {name,
+          "differs",
+          column == nullptr ? "" : fmt::format("{}", tidy(static_cast<float>(column->largest))),
+          column == nullptr ? "" : fmt::format("{}, record {}", where, column->record),
+          fmt::format("{:.4g}", difference.mean),
+          fmt::format("{}", fmt::join(others, ", "))};
+}
+
+/// Two folders, file by file: a season against another, or the same before and after a change.
+void diffFolders(Session& session, const DiffChoice& choice) {
+  const std::vector<FilePair> pairs = pairsOf(session, choice);
+  Table table({{"file"}, {""}, {"largest", true}, {"where"}, {"mean", true}, {"and", false, true}});
+  std::map<std::string, std::size_t> counts;
+  inOrder(
+      pairs.size(), session.jobs,
+      [&](std::size_t i) -> PairOutcome {
+        const FilePair& pair = pairs[i];
+        if (pair.a.empty() || pair.b.empty()) return {};
+        try {
+          return {differenceOf(pair.a, pair.b, choice), {}};
+        } catch (const std::exception& error) {
+          return {{}, failureText(pair.a, error)};
+        }
+      },
+      [&](std::size_t i, const PairOutcome& outcome) {
+        session.progress(i + 1, pairs.size());
+        if (!outcome.failure.empty()) return session.complain(outcome.failure, pairs[i].name);
+        std::vector<std::string> row = pairRow(pairs[i], outcome);
+        ++counts[row[1]];
+        if (row[1] != "equal") session.end(kFindings);
+        if (session.json) return session.printDocument(pairJson(pairs[i], outcome));
+        table.add(std::move(row));
+      });
+  if (session.json) return;
+  if (terminal::onOutput()) table.fit(static_cast<std::size_t>(terminal::width()));
+  table.print(session);
+  session.tell(fmt::format("{}: {} equal, {} differ, {} missing, {} new",
+                           counted(pairs.size(), "file"), counts["equal"], counts["differs"],
+                           counts["missing"], counts["new"]));
+}
+
+void diff(Session& session, const DiffChoice& choice) {
+  std::error_code error;
+  const bool a = std::filesystem::is_directory(choice.a, error);
+  const bool b = std::filesystem::is_directory(choice.b, error);
+  if (a != b) {
+    throw Failure(fmt::format("{}: expected {}, as {} is one", aq::escaped(a ? choice.b : choice.a),
+                              "a folder", aq::escaped(a ? choice.a : choice.b)));
+  }
+  return a ? diffFolders(session, choice) : diffFiles(session, choice);
 }
 
 /// A check of the option's text.
@@ -227,12 +395,13 @@ void addDiff(CLI::App& program, Session& session) {
                  "Examples:\n"
                  "  aqdata diff fly-over.sth.csv stamped.sth.csv --tolerance 0.01\n",
                  [&session, choice] { diff(session, *choice); });
-  addFile(*command, choice->a, "A", "A file");
-  addFile(*command, choice->b, "B", "Another of the same kind");
+  addFile(*command, choice->a, "A", "A file, or a folder");
+  addFile(*command, choice->b, "B", "Another of the same kind, or another folder");
   command->add_option("--tolerance", choice->tolerance, "Numbers this far apart are equal (0)")
       ->check(tolerance, "")
       ->option_text("D");
   command->add_flag("--dates", choice->dates, "Compare the dates of source files too");
+  addJobs(*command, session);
 }
 
 }  // namespace aqdata

@@ -13,9 +13,17 @@
 #include "tools/aqdata/sheet.h"
 #include "tools/aqdata/terminal.h"
 #include "tools/aqdata/text.h"
+#include "tools/aqdata/where.h"
 
 namespace aqdata {
 namespace {
+
+struct InfoChoice {
+  std::string where = {};
+  std::vector<std::string> columns = {};
+  std::vector<std::string> sort = {};
+  bool reverse = false;
+};
 
 /// A summary of the records of a file of any kind.
 struct Extent {
@@ -278,9 +286,102 @@ const std::vector<Table::Column> kColumns{{"file"},
                                           {"stamp", false, true},
                                           {"project", false, true}};
 
-void info(Session& session) {
+/// The fields that a condition, columns and an order may name: keys of the documents.
+std::vector<std::string> fieldNames() {
+  std::vector<std::string> names{"file",     "kind",      "records",  "positions", "first",
+                                 "last",     "missing",   "begin",    "end",       "duration_s",
+                                 "low_band", "high_band", "position", "height",    "no_levels",
+                                 "revision", "scans"};
+  for (std::string& key : headerKeys()) names.push_back(std::move(key));
+  return names;
+}
+
+/// What is listed of many files, and in which order.
+class Listing {
+ public:
+  explicit Listing(const InfoChoice& choice)
+      : columns_(choice.columns), keys_(choice.sort), falls_(choice.reverse) {
+    const std::vector<std::string> fields = fieldNames();
+    if (!choice.where.empty()) wanted_ = conditionFrom(choice.where, fields);
+    for (const std::string& column : columns_) expectField(column, fields);
+    for (const std::string& key : keys_) expectField(key, fields);
+    if (choice.reverse && keys_.empty()) throw Failure("--reverse of which order? --sort says it");
+  }
+
+  [[nodiscard]] bool isChosen() const { return wanted_ || !columns_.empty() || !keys_.empty(); }
+
+  void take(Session& session, Outcome outcome) {
+    if (wanted_ && !wanted_(outcome.info)) return;
+    if (keys_.empty() && session.json) return session.printDocument(shownOf(outcome.info));
+    outcomes_.push_back(std::move(outcome));
+  }
+
+  void print(Session& session) {
+    std::stable_sort(outcomes_.begin(), outcomes_.end(), [&](const Outcome& a, const Outcome& b) {
+      return comesBefore(a.info, b.info);
+    });
+    if (session.json) {
+      for (const Outcome& outcome : outcomes_) session.printDocument(shownOf(outcome.info));
+      return;
+    }
+    Table table(headings());
+    for (const Outcome& outcome : outcomes_) table.add(rowOf(outcome));
+    if (terminal::onOutput()) table.fit(static_cast<std::size_t>(terminal::width()));
+    table.print(session);
+  }
+
+ private:
+  [[nodiscard]] bool comesBefore(const Json& a, const Json& b) const {
+    for (const std::string& field : keys_) {
+      const Json& one = fieldOf(a, field);
+      const Json& other = fieldOf(b, field);
+      const int order = compareFields(one, other);
+      const bool lacking =
+          listText(one, "").empty() != listText(other, "").empty();  // they are last
+      if (order != 0) return falls_ && !lacking ? order > 0 : order < 0;
+    }
+    return false;
+  }
+
+  [[nodiscard]] Json shownOf(const Json& info) const {
+    if (columns_.empty()) return info;
+    Json some = Json::object();
+    for (const std::string& column : columns_) some[column] = fieldOf(info, column);
+    return some;
+  }
+
+  [[nodiscard]] std::vector<Table::Column> headings() const {
+    if (columns_.empty()) return kColumns;
+    std::vector<Table::Column> headings;
+    for (const std::string& column : columns_) {
+      const bool number = std::any_of(outcomes_.begin(), outcomes_.end(), [&](const Outcome& each) {
+        return fieldOf(each.info, column).is_number();
+      });
+      headings.push_back({column, number});
+    }
+    return headings;
+  }
+
+  [[nodiscard]] std::vector<std::string> rowOf(const Outcome& outcome) const {
+    if (columns_.empty()) return tableRow(outcome.info, outcome.word);
+    std::vector<std::string> cells;
+    for (const std::string& column : columns_) {
+      cells.push_back(listText(fieldOf(outcome.info, column), ", "));
+    }
+    return cells;
+  }
+
+  Condition wanted_;
+  std::vector<std::string> columns_;
+  std::vector<std::string> keys_;
+  bool falls_;
+  std::vector<Outcome> outcomes_ = {};
+};
+
+void info(Session& session, const InfoChoice& choice) {
+  Listing listing(choice);
   const std::vector<std::string> files = chosenFiles(session);
-  Table table(kColumns);
+  const bool card = files.size() == 1 && !session.json && !listing.isChosen();
   inOrder(
       files.size(), session.jobs,
       [&](std::size_t i) -> Outcome {
@@ -293,25 +394,35 @@ void info(Session& session) {
       [&](std::size_t i, const Outcome& outcome) {
         session.progress(i + 1, files.size());
         if (!outcome.failure.empty()) return session.complain(outcome.failure, files[i]);
-        if (session.json) return session.printDocument(outcome.info);
-        if (files.size() == 1) return printCard(session, outcome.info);
-        table.add(tableRow(outcome.info, outcome.word));
+        if (card) return printCard(session, outcome.info);
+        listing.take(session, outcome);
       });
-  if (session.json || files.size() < 2) return;
-  if (terminal::onOutput()) table.fit(static_cast<std::size_t>(terminal::width()));
-  table.print(session);
+  if (files.size() > 1 || listing.isChosen()) listing.print(session);
 }
 
 }  // namespace
 
 void addInfo(CLI::App& program, Session& session) {
+  const auto choice = std::make_shared<InfoChoice>();
   CLI::App* const command = addCommand(program, session, "info",
                                        "Describe files: a card for one, a line each for several",
                                        "Examples:\n"
                                        "  aqdata info fly-over.sth.csv\n"
-                                       "  aqdata info --json .\n",
-                                       [&session] { info(session); });
+                                       "  aqdata info --json .\n"
+                                       "  aqdata info . --where 'records>10 and begin>=14:00' \\\n"
+                                       "    --columns file,microphone,records --sort begin\n",
+                                       [&session, choice] { info(session, *choice); });
   addFiles(*command, session);
+  command
+      ->add_option("--where", choice->where, "Those that fit, as in records>10: fields of --json")
+      ->option_text("TEXT");
+  command->add_option("--columns", choice->columns, "These fields, with commas")
+      ->delimiter(',')
+      ->option_text("FIELDS");
+  command->add_option("--sort", choice->sort, "By these fields, with commas")
+      ->delimiter(',')
+      ->option_text("FIELDS");
+  command->add_flag("--reverse", choice->reverse, "From the last of that order to the first");
   addJobs(*command, session);
 }
 

@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
 #include <optional>
 
 #include "tools/aqdata/files.h"
 #include "tools/aqdata/noise.h"
 #include "tools/aqdata/parallel.h"
 #include "tools/aqdata/program.h"
+#include "tools/aqdata/runs.h"
 #include "tools/aqdata/terminal.h"
 #include "tools/aqdata/text.h"
 
@@ -28,17 +28,6 @@ struct FileMetrics {
   std::string failure = {};
 };
 
-/// The name of the map next to a history: landing.mask.csv for landing.sth.csv.
-std::string mapBeside(const std::string& history) {
-  const std::filesystem::path path(history);
-  const std::string name = path.filename().string();
-  constexpr std::string_view kEnding = ".sth.csv";
-  const bool usual = name.ends_with(kEnding);
-  const std::string stem =
-      usual ? name.substr(0, name.size() - kEnding.size()) : path.stem().string();
-  return (path.parent_path() / (stem + ".mask.csv")).string();
-}
-
 Json recordsJson(const aq::HistoryMetrics& metrics) {
   Json records = Json::array();
   for (const aq::RecordMetrics& record : metrics.records) {
@@ -47,26 +36,6 @@ Json recordsJson(const aq::HistoryMetrics& metrics) {
     records.push_back(std::move(row));
   }
   return records;
-}
-
-Json eventJson(const std::optional<aq::NoiseEvent>& found, int firstRecord) {
-  if (!found) return nullptr;
-  const aq::NoiseEvent& event = *found;
-  const auto record = [&](std::size_t place) { return firstRecord + static_cast<int>(place); };
-  const auto limit = [&](const std::optional<std::size_t>& place) -> Json {
-    return place ? Json(record(*place)) : Json();
-  };
-  Json peaks = Json::array();
-  for (const std::size_t place : event.secondPeaks) peaks.push_back(record(place));
-  return {{"EPNL", event.epnl},
-          {"EPNL_with_band_sharing", event.epnlWithBandSharing},
-          {"PNLTM", event.pnltm},
-          {"band_sharing", event.bandSharing},
-          {"duration_correction", event.duration},
-          {"first", limit(event.first)},
-          {"maximum", record(event.maximum)},
-          {"last", limit(event.last)},
-          {"second_peaks", std::move(peaks)}};
 }
 
 std::string limitsText(const Json& event) {
@@ -139,7 +108,7 @@ std::vector<std::string> eventWords(const aq::HistoryMetrics& metrics, const Jso
 
 FileMetrics metricsOf(const std::string& file, const MetricsChoice& choice, bool withRecords) {
   const History read = openHistory(file);
-  const std::string mapFile = choice.maps ? mapBeside(file) : choice.map;
+  const std::string mapFile = choice.maps ? nextToHistory(file, ".mask.csv") : choice.map;
   const auto map = mapFile.empty() ? nullptr : openMap(mapFile).model;
   FileMetrics outcome;
   outcome.document = {{"file", file}, {"mask", mapFile.empty() ? Json() : Json(mapFile)}};
@@ -184,15 +153,6 @@ void printMetrics(Session& session, const Json& document) {
   }
   table.print(session);
 }
-
-constexpr const char* kEventKeys[] = {"EPNL",
-                                      "EPNL_with_band_sharing",
-                                      "PNLTM",
-                                      "band_sharing",
-                                      "duration_correction",
-                                      "first",
-                                      "maximum",
-                                      "last"};
 
 /// The line of a file in the table of several files, with each number as `text` returns it.
 template <class Text>

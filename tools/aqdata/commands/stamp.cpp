@@ -3,7 +3,6 @@
 
 #include <algorithm>
 
-#include "aq/text/date_text.h"
 #include "tools/aqdata/files.h"
 #include "tools/aqdata/measurement.h"
 #include "tools/aqdata/program.h"
@@ -19,18 +18,6 @@ struct StampChoice {
   std::string reference;
   std::string referenceType = {};  // the file's own
 };
-
-aq::AQ_Time timeFrom(const char* option, const std::string& text) {
-  aq::AQ_Time time;
-  try {
-    time.TODstring(aq::clockTimeFrom(text.substr(0, text.find('.'))));  // rejects hours past 23
-    time.TODstring(text);
-  } catch (const aq::Error&) {
-    throw Failure(
-        fmt::format("{}: expected a time of day hh:mm:ss, found {}", option, aq::shown(text)));
-  }
-  return time;
-}
 
 /// The words of an enumeration whose values start at 0.
 template <class Enumeration>

@@ -1,0 +1,228 @@
+#include <aq/check/check_file.h>
+#include <aq/check/mend_text.h>
+#include <aq/core/error.h>
+#include <aq/core/platform.h>
+#include <aq/text/number_text.h>
+#include <fmt/format.h>
+
+#include <filesystem>
+
+#include "tools/aqdata/files.h"
+#include "tools/aqdata/gzip.h"
+#include "tools/aqdata/parallel.h"
+#include "tools/aqdata/program.h"
+#include "tools/aqdata/text.h"
+
+namespace aqdata {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct FixChoice {
+  bool write = false;
+  bool noOriginal = false;
+};
+
+/// What became of a file.
+struct FixOutcome {
+  aq::Mended mended = {};
+  std::string output = {};    // empty when nothing was written
+  std::string original = {};  // where it is kept, if it is
+  std::vector<std::string> errors = {};
+  std::size_t warnings = 0;
+  std::string failure = {};
+
+  [[nodiscard]] bool isSound() const { return mended.left.empty() && errors.empty(); }
+};
+
+std::string bytesOf(const std::string& path) {
+  expectFile(path);
+  expectOpens(path);
+  aq::platform::InputFile file(path);
+  std::string bytes;
+  std::string block(std::size_t{256} * 1024, '\0');
+  while (const std::size_t got = file.read({block.data(), block.size()})) {
+    bytes.append(block, 0, got);
+  }
+  return bytes;
+}
+
+/// The name that a file has unpacked.
+std::string unpackedName(const std::string& path) {
+  constexpr std::string_view kEnding = ".gz";
+  const bool packed = aq::upperCased(path).ends_with(".GZ");
+  return packed ? path.substr(0, path.size() - kEnding.size()) : path;
+}
+
+void writeBytes(const std::string& path, std::string_view bytes) {
+  try {
+    aq::platform::replaceFile(path, bytes);
+  } catch (const aq::platform::SystemError& error) {
+    throw Failure(
+        fmt::format("{}: expected {}, found {}", aq::escaped(path), error.wanted(), error.what()));
+  }
+}
+
+/// Keeps a file next to itself, with its date.
+std::string keepOriginal(const std::string& path, std::string_view bytes) {
+  const std::string original = path + ".orig";
+  std::error_code error;
+  if (fs::exists(original, error)) {
+    throw Failure(fmt::format("{}: already exists; --no-orig keeps none", aq::escaped(original)));
+  }
+  writeBytes(original, bytes);
+  fs::last_write_time(original, fs::last_write_time(path, error), error);
+  return original;
+}
+
+/// Writes the mended text in place of the file, whose original is kept next to it.
+void writeInPlace(const Session& session, const std::string& path, std::string_view bytes,
+                  const FixChoice& choice, FixOutcome& outcome) {
+  const std::string place = unpackedName(path);
+  if (place != path) {  // the packed file stays
+    expectFree(session, place);
+  } else if (!choice.noOriginal) {
+    outcome.original = keepOriginal(path, bytes);
+  }
+  try {
+    writeBytes(place, outcome.mended.text);
+  } catch (const Failure&) {
+    std::error_code error;
+    if (!outcome.original.empty()) fs::remove(outcome.original, error);
+    throw;
+  }
+  outcome.output = place;
+}
+
+/// What a mended file still has.
+void seeTheRest(const std::string& path, FixOutcome& outcome) {
+  aq::checkFile(path, [&](const aq::Finding& finding) {
+    if (finding.kind.severity == aq::Severity::Warning) ++outcome.warnings;
+    if (finding.kind.severity != aq::Severity::Error) return;
+    const std::size_t line = finding.place.line;
+    outcome.errors.push_back((line == 0 ? "" : fmt::format("line {}: ", line)) + finding.message);
+  });
+}
+
+FixOutcome fixFile(const Session& session, const std::string& path, const std::string& place,
+                   const FixChoice& choice) {
+  FixOutcome outcome;
+  const std::string bytes = bytesOf(path);
+  const std::string name = aq::fileInformation()->recordedName(path);
+  const bool packed = isGzip(bytes);
+  outcome.mended =
+      packed ? aq::mendText(unpacked(bytes, path), name, {"gzip"}) : aq::mendText(bytes, name);
+  const bool changed = !outcome.mended.done.empty();
+  if (choice.write && !place.empty()) {
+    expectNoInput(place, {path});
+    expectFree(session, place);
+    writeBytes(place, outcome.mended.text);
+    outcome.output = place;
+  } else if (choice.write && changed) {
+    writeInPlace(session, path, bytes, choice, outcome);
+  }
+  if (!outcome.output.empty() || !changed) {
+    seeTheRest(outcome.output.empty() ? path : outcome.output, outcome);
+  }
+  outcome.mended.text.clear();
+  return outcome;
+}
+
+Json documentOf(const std::string& file, const FixOutcome& outcome) {
+  return {{"file", file},
+          {"mends", outcome.mended.done},
+          {"left", outcome.mended.left},
+          {"output", outcome.output.empty() ? Json() : Json(outcome.output)},
+          {"original", outcome.original.empty() ? Json() : Json(outcome.original)},
+          {"errors", outcome.errors},
+          {"warnings", outcome.warnings}};
+}
+
+/// Says what was done with a file, and what is left.
+void tellOutcome(Session& session, const std::string& file, const FixOutcome& outcome) {
+  const std::string name = aq::escaped(file);
+  const bool written = !outcome.output.empty();
+  if (!outcome.mended.done.empty()) {
+    std::string line = fmt::format("{}: {} {}", name, written ? "mended" : "would mend",
+                                   fmt::join(outcome.mended.done, ", "));
+    if (!outcome.original.empty()) {
+      line += fmt::format("; the original is {}", aq::escaped(outcome.original));
+    }
+    session.print(line + '\n');
+  }
+  for (const std::string& left : outcome.mended.left) {
+    session.print(fmt::format("{}: left as it is: {}\n", name, left));
+  }
+  for (const std::string& error : outcome.errors) {
+    session.print(fmt::format("{}: {}\n", name, error));
+  }
+  if (outcome.warnings != 0) {
+    session.print(fmt::format("{}: {}, which aqdata check lists\n", name,
+                              counted(outcome.warnings, "warning")));
+  }
+}
+
+void fix(Session& session, const FixChoice& choice) {
+  if (!session.output.empty() && !choice.write) {
+    throw Failure("-o and no --write contradict each other: nothing is written without it");
+  }
+  if (!choice.write && choice.noOriginal) {
+    throw Failure("--no-orig and no --write contradict each other");
+  }
+  const std::vector<std::string> files = chosenFiles(session, {".CSV.GZ", ".SPC.GZ"});
+  std::optional<OutputPlaces> places;
+  if (!session.output.empty()) places.emplace(session);
+  std::vector<std::string> outputs(files.size());
+  for (std::size_t i = 0; places && i < files.size(); ++i) {
+    outputs[i] = unpackedName(places->of(files[i]));
+  }
+  std::size_t mended = 0;
+  std::size_t done = 0;
+  inOrder(
+      files.size(), session.jobs,
+      [&](std::size_t i) {
+        try {
+          return fixFile(session, files[i], outputs[i], choice);
+        } catch (const std::exception& error) {
+          FixOutcome outcome;
+          outcome.failure = failureText(files[i], error);
+          return outcome;
+        }
+      },
+      [&](std::size_t i, const FixOutcome& outcome) {
+        session.progress(i + 1, files.size());
+        if (!outcome.failure.empty()) return session.complain(outcome.failure, files[i]);
+        ++done;
+        if (!outcome.mended.done.empty()) ++mended;
+        const bool toDo = !outcome.mended.done.empty() && outcome.output.empty();
+        if (toDo || !outcome.isSound()) session.end(kFindings);
+        if (session.json) return session.printDocument(documentOf(files[i], outcome));
+        tellOutcome(session, files[i], outcome);
+      });
+  session.tell(fmt::format("{}: {} {}, {} as they were", counted(done, "file"), mended,
+                           choice.write ? "mended" : "to mend", done - mended));
+}
+
+}  // namespace
+
+void addFix(CLI::App& program, Session& session) {
+  const auto choice = std::make_shared<FixChoice>();
+  CLI::App* const command =
+      addCommand(program, session, "fix", "Take back what other programs did to the text of files",
+                 "Mends only what is certain: gzip, UTF-16, a byte order mark, old line ends,\n"
+                 "semicolons, tabs, quotes and filled up lines of a spreadsheet, blank lines,\n"
+                 "decimal commas. A comment in the file says what was done; the rest is reported.\n"
+                 "Without --write nothing changes, and the exit status is 1 when there is work.\n"
+                 "Into a folder OUT go all files, also those without a fault.\n\n"
+                 "Examples:\n"
+                 "  aqdata fix .\n"
+                 "  aqdata fix fly-over.sth.csv --write -o mended.sth.csv\n",
+                 [&session, choice] { fix(session, *choice); });
+  addFiles(*command, session);
+  command->add_flag("--write", choice->write, "Do it: in place, or to OUT");
+  command->add_flag("--no-orig", choice->noOriginal, "Keep no original as FILE.orig");
+  addOutputFile(*command, session, "The mended file, or a folder", false);
+  addJobs(*command, session);
+}
+
+}  // namespace aqdata

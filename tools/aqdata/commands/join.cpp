@@ -1,0 +1,118 @@
+#include <aq/core/error.h>
+#include <aq/masking/cut_map.h>
+#include <aq/spectral/join_histories.h>
+#include <fmt/format.h>
+
+#include "tools/aqdata/files.h"
+#include "tools/aqdata/program.h"
+#include "tools/aqdata/runs.h"
+#include "tools/aqdata/text.h"
+
+namespace aqdata {
+namespace {
+
+struct JoinChoice {
+  bool fill = false;
+  bool maps = false;
+};
+
+/// Pieces of one run say the same of it in their headers.
+void expectSameHeader(const History& one, const History& other, const std::string& file) {
+  const auto expectWord = [&](const char* what, const std::string& a, const std::string& b) {
+    if (a == b) return;
+    throw Failure(fmt::format("{}: has the {} {}, the piece before it {}", aq::escaped(file), what,
+                              aq::shown(b), aq::shown(a)));
+  };
+  expectWord("project", one.header->sProjectName, other.header->sProjectName);
+  expectWord("microphone", one.header->sMicrophoneID, other.header->sMicrophoneID);
+  expectWord("adjustment", one.header->sAdjustmentCode, other.header->sAdjustmentCode);
+}
+
+std::string pieceText(const std::string& file, std::int32_t low, std::int32_t high,
+                      std::int32_t was) {
+  const std::string name = aq::escaped(aq::fileInformation()->recordedName(file));
+  return low == was ? fmt::format("{} (records {} to {})", name, low, high)
+                    : fmt::format("{} (records {} to {}, were {} on)", name, low, high, was);
+}
+
+/// Joins a piece to what there is of the run; gives how many records were missing between them.
+std::int32_t append(Run& run, Run& piece, const std::string& file, const JoinChoice& choice) {
+  expectSameHeader(run.history, piece.history, file);
+  expectKnownWords(piece.history, file);
+  try {
+    const std::int32_t gap = aq::recordsMissing(*run.history.model, *piece.history.model);
+    if (gap > 0 && !choice.fill) {
+      throw Failure(fmt::format(
+          "{}: {} missing before it; --fill gives them levels of 9999", aq::escaped(file),
+          counted(static_cast<std::size_t>(gap), "record") + (gap == 1 ? " is" : " are")));
+    }
+    run.history.model = aq::joinHistories(*run.history.model, *piece.history.model, choice.fill);
+    if (run.map) run.map->model = aq::joinMaps(*run.map->model, *piece.map->model, gap);
+    return gap;
+  } catch (const aq::Error& error) {
+    throw Failure(fmt::format("{}: {}", aq::escaped(file), error.what()));
+  }
+}
+
+void join(Session& session, const JoinChoice& choice) {
+  const std::vector<std::string>& files = session.files;
+  if (files.size() < 2) throw Failure("expected two pieces or more, in the order of their times");
+  expectEnding(session.output, {".sth.csv", ".spc", ".csv"});
+  const auto filesOf = [&](const std::string& history) {
+    return RunFiles{history, choice.maps ? nextToHistory(history, ".mask.csv") : std::string()};
+  };
+  const RunFiles to = filesOf(session.output);
+  for (const std::string& output : to.all()) {
+    for (const std::string& file : files) expectNoInput(output, filesOf(file).all());
+  }
+  Run run = openRun(filesOf(files.front()));
+  std::string pieces = pieceText(files.front(), run.history.model->LoRec(),
+                                 run.history.model->HiRec(), run.history.model->LoRec());
+  std::int32_t filled = 0;
+  for (std::size_t i = 1; i < files.size(); ++i) {
+    Run piece = openRun(filesOf(files[i]));
+    const std::int32_t end = run.history.model->HiRec();
+    const std::int32_t gap = append(run, piece, files[i], choice);
+    filled += gap;
+    pieces += ", " + pieceText(files[i], end + gap + 1, run.history.model->HiRec(),
+                               piece.history.model->LoRec());
+  }
+  addComment(
+      run,
+      fmt::format("Joined of {}{}", pieces,
+                  filled == 0 ? ""
+                              : fmt::format("; --fill: {} of 9999 between",
+                                            counted(static_cast<std::size_t>(filled), "record"))));
+  const auto notes = writeRun(session, run, to, files.front());
+  session.wrote(fmt::format("{}{}",
+                            counted(static_cast<std::size_t>(run.history.model->Count()), "record"),
+                            filled == 0 ? "" : fmt::format(", {} of 9999 among them", filled)));
+  for (const std::string& note : notes) {
+    session.tell(fmt::format("{}: {}", aq::escaped(session.output), note));
+  }
+}
+
+}  // namespace
+
+void addJoin(CLI::App& program, Session& session) {
+  const auto choice = std::make_shared<JoinChoice>();
+  CLI::App* const command =
+      addCommand(program, session, "join", "Join pieces of one run",
+                 "The pieces follow each other by their stamps, which stay, and agree in bands,\n"
+                 "averaging, reference, project, microphone and adjustment. Records count on\n"
+                 "from the first piece. stamp gives a piece another reference.\n\n"
+                 "Examples:\n"
+                 "  aqdata cut fly-over.sth.csv --records :20 -o a.sth.csv\n"
+                 "  aqdata cut fly-over.sth.csv --records 24: -o b.sth.csv\n"
+                 "  aqdata join a.sth.csv b.sth.csv --fill -o whole.sth.csv\n",
+                 [&session, choice] { join(session, *choice); });
+  command->add_option("HISTORIES", session.files, "The pieces, in the order of their times")
+      ->required()
+      ->type_name("");
+  command->add_flag("--fill", choice->fill, "Fill a gap with records of 9999, not valid");
+  command->add_flag("--masks", choice->maps,
+                    "Join the maps next to them too, into one next to OUT");
+  addOutputFile(*command, session, "The history to write");
+}
+
+}  // namespace aqdata

@@ -1,0 +1,42 @@
+#include <fmt/format.h>
+
+#include "tools/aqdata/files.h"
+#include "tools/aqdata/package.h"
+#include "tools/aqdata/program.h"
+
+namespace aqdata {
+namespace {
+
+void plot(Session& session) {
+  const std::vector<std::string> files = chosenFiles(session);
+  if (session.status() != kFine) return;
+  if (session.intoStream()) throw Failure("a picture goes to a file");
+  expectOutput(session, {".png", ".svg", ".pdf"}, files);
+  if (session.output.find('.') == session.output.npos) {
+    throw Failure(fmt::format("{}: expected a name that ends in .png, .svg, .pdf",
+                              aq::escaped(session.output)));
+  }
+  std::vector<std::string> words{"plot", outputPlace(session)};
+  for (const std::string& file : files) {
+    static_cast<void>(openFile(file));  // reports a file that cannot be read
+    words.push_back(file);
+  }
+  runPackage("a picture", words);
+  session.wrote("drawn");
+}
+
+}  // namespace
+
+void addPlot(CLI::App& program, Session& session) {
+  CLI::App* const command =
+      addCommand(program, session, "plot", "Draw a run on a page: a picture for reports",
+                 "FILES are those of one run, of each kind one: a history, its map, ambient,\n"
+                 "tracking or positions, geometry, microphone. The Python package draws.\n\n"
+                 "Examples:\n"
+                 "  aqdata plot fly-over.sth.csv fly-over.mask.csv -o fly-over.png\n",
+                 [&session] { plot(session); });
+  addFiles(*command, session);
+  addOutputFile(*command, session, "The picture to write: .png, .svg or .pdf");
+}
+
+}  // namespace aqdata

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <aq/spectral/cut_history.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/aqdata/measurement.h"
+#include "tools/aqdata/session.h"
+
+namespace aqdata {
+
+using Geometry = Held<aq::FormatOf<aq::AQ_GeometryTimeHistory>::Header, aq::AQ_GeometryTimeHistory>;
+
+/// The names of a run's files; empty for what it does not have.
+struct RunFiles {
+  std::string history = {};
+  std::string map = {};
+  std::string geometry = {};
+
+  [[nodiscard]] std::vector<std::string> all() const;
+};
+
+/// A run as read: a history, and what belongs to it.
+struct Run {
+  History history;
+  std::optional<MaskingMap> map = {};
+  std::optional<Geometry> geometry = {};
+};
+
+/// The name of a file next to a history: landing.mask.csv for landing.sth.csv and ".mask.csv".
+[[nodiscard]] std::string nextToHistory(const std::string& history, std::string_view ending);
+
+/// Reads a run's files. Throws `Failure`, for a map that does not fit the history too.
+[[nodiscard]] Run openRun(const RunFiles& files);
+
+/// Writes a run: the map names the history, the geometry too. Gives what is left out in the
+/// history's form of file. Throws `Failure` before anything is written when a file is there that
+/// may not be replaced.
+std::vector<std::string> writeRun(const Session& session, Run& run, const RunFiles& to,
+                                  const std::string& from);
+
+/// Adds a comment line to all headers of a run.
+void addComment(Run& run, const std::string& line);
+
+/// Writes a history that was read from `from`. Gives what such a file has no room for. Throws
+/// `Failure` for what cannot be written as it is.
+std::vector<std::string> writeHistory(const Session& session, const History& read,
+                                      const std::string& to, const std::string& from,
+                                      bool inColumns);
+
+}  // namespace aqdata
