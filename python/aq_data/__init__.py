@@ -14,28 +14,35 @@ from . import accessor as _accessor  # registers Dataset.aq
 from .archive import check, scan
 from .many import open_many
 from .noise import audit, emission_geometry, epnl, events, explain, metrics, tone_correction
+from .excel import read_excel
 from .files import read, read_sdf, read_tracking, write
 from .reading import Reading, Tracking
 from .restore import from_xarray, measurement
+from .work import Run, cut, fix, join
 
 __all__ = [
     *(name for name in dir(_core) if not name.startswith("_")),
     "Error",
     "FileError",
     "Reading",
+    "Run",
     "Tracking",
     "audit",
     "check",
+    "cut",
     "emission_geometry",
     "epnl",
     "events",
     "explain",
+    "fix",
     "from_xarray",
+    "join",
     "measurement",
     "metrics",
     "open_many",
     "plot",
     "read",
+    "read_excel",
     "read_sdf",
     "read_tracking",
     "scan",

@@ -10,6 +10,8 @@ import xarray as xr
 from ._core import AQ_CONSTANTS, AQ_GeometryTimeHistory, AQ_MASK_MODE
 from .attributes import dataset_of, need, need_once
 from .noise import dataset_metrics
+from .restore import measurement
+from .work import Records, Times, chosen_records
 
 INVALID_LEVEL = float(AQ_CONSTANTS.AQ_INVALID_LEVEL)
 
@@ -63,6 +65,36 @@ class Accessor:
         if not chosen.any():
             raise ValueError(f"expected bands from {low:g} to {high:g} Hz, found none")
         return self._ds.isel(band=chosen)
+
+    def cut(
+        self,
+        records: Optional[Records] = None,
+        between: Optional[Times] = None,
+        down: Optional[float] = None,
+    ) -> xr.Dataset:
+        """The dataset of some records: from a first number to a last, between two times of day, or of
+        the event: what is within `down` decibels of the largest PNLT, masks taken into account, and
+        one record more on each side. Record numbers stay; `measurement` gives history and map.
+        Raises `ValueError` unless just one is given, and when no record is left.
+
+        >>> ds.aq.cut(down=10)
+        """
+        need_once(self._ds)
+        history, mask = measurement(self._ds)
+        numbers = np.sort(self._ds["record"].values)
+        if mask is not None and records is not None:  # numbered from 1 there
+            places = np.flatnonzero((numbers >= records[0]) & (numbers <= records[1])) + 1
+            if not places.size:
+                raise ValueError(
+                    f"expected records of {numbers[0]} to {numbers[-1]}, found {records}"
+                )
+            records = int(places[0]), int(places[-1])
+        rows = None if mask is None else mask.data
+        first, last, _ = chosen_records(history.data, rows, records, between, down)
+        if mask is not None:
+            first, last = (int(numbers[place - 1]) for place in (first, last))
+        here = self._ds["record"]
+        return self._ds.isel(time=((here >= first) & (here <= last)).values)
 
     def overall(self, bands: Optional[Iterable[int]] = None) -> xr.DataArray:
         """The energy sum over the given band numbers, by default all, in dB over `time`; NaN where

@@ -67,9 +67,9 @@ def absolute(paths: Union[Path, Iterable[Path]]) -> list[str]:
     return [os.path.abspath(path) for path in found]
 
 
-def _walked(path: str, seen: set[str]) -> Iterator[str]:
+def walked(path: str, seen: set[str], more: tuple[str, ...] = ()) -> Iterator[str]:
     """The path itself, or the measurement files below a folder, each folder once, since links may
-    form a circle. A broken link is a file that cannot be read.
+    form a circle. A broken link is a file that cannot be read. `more` are endings of further files.
     """
     if not os.path.isdir(path):
         yield path
@@ -82,8 +82,8 @@ def _walked(path: str, seen: set[str]) -> Iterator[str]:
         if name.startswith("."):
             continue
         if os.path.isdir(entry):
-            yield from _walked(entry, seen)
-        elif name.lower().endswith((".csv", ".nc")) or _core.kindOfFile(entry) != UNKNOWN:
+            yield from walked(entry, seen, more)
+        elif name.lower().endswith((".csv", ".nc", *more)) or _core.kindOfFile(entry) != UNKNOWN:
             yield entry
 
 
@@ -233,7 +233,7 @@ def check(paths: Union[Path, Iterable[Path]]) -> pd.DataFrame:
     >>> aq_data.check("season-7").groupby(["severity", "kind"]).size()
     """
     seen: set[str] = set()
-    files = [file for path in absolute(paths) for file in _walked(path, seen)]
+    files = [file for path in absolute(paths) for file in walked(path, seen)]
     results = in_threads(checked, files, progress=False)
     see_same_levels(files, results)
     rows = [(path, *each) for path, result in zip(files, results) for each in result.found]

@@ -1,14 +1,16 @@
-"""Pandas tables of the objects, wide and tidy."""
+"""Pandas tables of the objects, wide and tidy, and back."""
 
 from __future__ import annotations
 
 from typing import Any, Optional
 
+import numpy as np
 import pandas as pd
 import xarray as xr
 
 from . import _core
 from .attributes import attach
+from .times import DAY
 
 
 @attach(_core.AQ_SpectralTimeHistory, name="to_pandas")
@@ -72,3 +74,125 @@ def series_to_pandas(self: Any) -> pd.DataFrame:
     table = self.to_numpy()
     numbers = getattr(self, "records", range(1, len(table) + 1))
     return pd.DataFrame(table, pd.Index(numbers, name="record"))
+
+
+# And back.
+
+
+def _wide(frame: pd.DataFrame, values: str) -> pd.DataFrame:
+    """A row a record and a column a band, of a wide or a tidy frame."""
+    if "band" not in frame.columns:
+        return frame.sort_index(axis="index").sort_index(axis="columns")
+    if frame.duplicated(["record", "band"]).any():
+        raise ValueError("expected each record and band once")
+    return frame.pivot(index="record", columns="band", values=values)
+
+
+def _bands(wide: pd.DataFrame) -> int:
+    """The lowest band. Raises `ValueError` unless the columns are bands that follow each other."""
+    bands = wide.columns.to_numpy()
+    if not bands.size or bands.dtype.kind not in "iu" or (np.diff(bands) != 1).any():
+        raise ValueError(f"expected bands that follow each other as columns, found {list(bands)}")
+    return int(bands[0])
+
+
+def _of_records(frame: pd.DataFrame, column: str, wide: pd.DataFrame) -> Any:
+    """What a tidy frame has once a record."""
+    first = frame.groupby("record")[column]
+    if (first.nunique(dropna=False) > 1).any():
+        raise ValueError(f"expected one {column} a record, found several")
+    return first.first().reindex(wide.index).to_numpy()
+
+
+def _named(frame: pd.DataFrame, *names: str) -> Optional[str]:
+    return next((name for name in names if name in frame.columns), None)
+
+
+def history_from_pandas(frame: pd.DataFrame) -> _core.AQ_SpectralTimeHistory:
+    """A history of a frame as `to_pandas` gives them, wide or tidy, or as `aqdata convert` writes
+    tables. NaN is no level; a tidy frame has stamps in `time` or `time_s`, and relative times in
+    `relative_time` or `relative_s`. Raises `ValueError` for other frames.
+
+    >>> aq_data.AQ_SpectralTimeHistory.from_pandas(history.to_pandas())
+    """
+    level = _named(frame, "level", "level_db")
+    wide = _wide(frame, level or "level")
+    made = _core.AQ_SpectralTimeHistory.from_numpy(
+        wide.to_numpy(dtype=float), _bands(wide), wide.index.to_numpy()
+    )
+    times: dict[str, Any] = {}
+    for column, names in (
+        ("TODseconds", ("time_of_day", "time_s", "time")),
+        ("RelSeconds", ("relative_time", "relative_s")),
+    ):
+        name = _named(frame, *names)
+        if name is not None and "band" in frame.columns:
+            times[column] = np.asarray(_of_records(frame, name, wide), dtype=float)
+    if "TODseconds" in times:
+        times["TODseconds"] = np.where(
+            times["TODseconds"] >= DAY, times["TODseconds"] % DAY, times["TODseconds"]
+        )
+    if times:
+        made.times = times
+    return made
+
+
+def map_from_pandas(frame: pd.DataFrame) -> _core.AQ_MaskMap:
+    """A masking map of a frame as `to_pandas` gives them, wide or tidy; a wide one has no adjustments,
+    and its last good bands are found from its masks. Raises `ValueError` for other frames.
+
+    >>> aq_data.AQ_MaskMap.from_pandas(mask.to_pandas(tidy=True))
+    """
+    wide = _wide(frame, "mask_mode")
+    adjustments = None
+    if "mask_adjustment" in frame.columns:
+        adjustments = _wide(frame, "mask_adjustment").to_numpy()
+    made = _core.AQ_MaskMap.from_numpy(
+        wide.to_numpy(), adjustments, _bands(wide), wide.index.to_numpy()
+    )
+    if "last_good_band" in frame.columns:
+        made.last_good_bands = _of_records(frame, "last_good_band", wide)
+    else:
+        made.setLGB()
+    return made
+
+
+def spectrum_from_pandas(series: pd.Series) -> _core.AQ_Spectrum:
+    """A spectrum of levels by band number; NaN means no level.
+
+    >>> aq_data.AQ_Spectrum.from_pandas(history.to_pandas().loc[30])
+    """
+    levels = series.sort_index()
+    return _core.AQ_Spectrum.from_numpy(levels.to_numpy(float), _bands(levels.to_frame().T))
+
+
+def positions_from_pandas(frame: pd.DataFrame) -> _core.AQ_PositionTimeHistory:
+    """Positions of a frame as `to_pandas` gives them, or as `aqdata convert` writes tables.
+
+    >>> aq_data.AQ_PositionTimeHistory.from_pandas(track.positions.to_pandas())
+    """
+    names = {"time_s": "TODseconds", "x": "X", "y": "Y", "z": "Z"}
+    table = frame.rename(columns={k: v for k, v in names.items() if v not in frame.columns})
+    columns = ("CurrentDate", "TODseconds", "RelSeconds", "X", "Y", "Z")
+    return _core.AQ_PositionTimeHistory.from_numpy(
+        {name: table[name].to_numpy(float) for name in columns if name in table.columns}
+    )
+
+
+def geometry_from_pandas(frame: pd.DataFrame) -> _core.AQ_GeometryTimeHistory:
+    """A geometry of a frame as `to_pandas` gives them.
+
+    >>> aq_data.AQ_GeometryTimeHistory.from_pandas(geometry.to_pandas())
+    """
+    columns = {str(name): frame[name].to_numpy() for name in frame.columns}
+    return _core.AQ_GeometryTimeHistory.from_numpy(columns, frame.index.to_numpy())
+
+
+for _cls, _maker in (
+    (_core.AQ_SpectralTimeHistory, history_from_pandas),
+    (_core.AQ_MaskMap, map_from_pandas),
+    (_core.AQ_Spectrum, spectrum_from_pandas),
+    (_core.AQ_PositionTimeHistory, positions_from_pandas),
+    (_core.AQ_GeometryTimeHistory, geometry_from_pandas),
+):
+    setattr(_cls, "from_pandas", staticmethod(_maker))

@@ -254,6 +254,7 @@ void bindFiles(py::module_& module);
 void bindRecording(py::module_& module);
 void bindCheck(py::module_& module);
 void bindNoise(py::module_& module);
+void bindWork(py::module_& module);
 void bindWritable(py::module_& module);
 
 }  // namespace aq::python

@@ -28,5 +28,6 @@ PYBIND11_MODULE(_core, module) {
   aq::python::bindRecording(module);
   aq::python::bindCheck(module);
   aq::python::bindNoise(module);
+  aq::python::bindWork(module);
   aq::python::bindWritable(module);
 }

@@ -1,0 +1,129 @@
+"""What the command line tool has done by this package: `python3 -m aq_data plot|convert`."""
+
+from __future__ import annotations
+
+import os
+import sys
+import tempfile
+from typing import Any, Callable, Optional
+
+from . import _core
+from .errors import Error
+from .files import read, write
+from .restore import measurement
+
+_PAGE = {  # what a picture shows of a file, by its class
+    _core.AQ_SpectralTimeHistory: "history",
+    _core.AQ_MaskMap: "mask",
+    _core.AQ_Spectrum: "ambient",
+    _core.AQ_PositionTimeHistory: "positions",
+    _core.AQ_GeometryTimeHistory: "geometry",
+    _core.AQ_Microphone: "microphone",
+}
+
+
+def _replaced(path: str, save: Callable[[str], Any]) -> None:
+    """Writes a file as a whole or not at all."""
+    folder, name = os.path.split(path)
+    handle, new = tempfile.mkstemp(
+        prefix=".aq-", suffix=os.path.splitext(name)[1], dir=folder or "."
+    )
+    os.close(handle)
+    try:
+        save(new)
+        umask = os.umask(0)
+        os.umask(umask)
+        os.chmod(new, 0o666 & ~umask)
+        os.replace(new, path)
+    except BaseException:
+        os.unlink(new)
+        raise
+
+
+def plot(output: str, *paths: str) -> None:
+    """Draws a page of a run's files, of each kind one: a history, and what belongs to it."""
+    import matplotlib
+
+    matplotlib.use("Agg")
+    from . import plot as pictures
+
+    found: dict[str, Any] = {}
+    for path in paths:
+        header, data = read(path)
+        part = _PAGE.get(type(data))
+        if part is None:
+            raise ValueError(f"{path}: there is no picture of {type(data).__name__}")
+        if part in found:
+            raise ValueError(f"{path}: is one {part} too many for a page")
+        found[part] = (header, data)
+    if "history" in found:
+        header, history = found.pop("history")
+        mask_header, mask = found.pop("mask", (None, None))
+        _core.setMetrics(history, mask)
+        ds = history.to_xarray(mask, header, mask_header)
+        figure = pictures.page(ds, **{part: data for part, (_, data) in found.items()})
+    else:
+        figure = _single(found, pictures)
+    _replaced(output, figure.savefig)
+
+
+def _single(found: dict[str, Any], pictures: Any) -> Any:
+    """A picture of what has no history."""
+    draw = {
+        "ambient": lambda data: pictures.spectrum(data),
+        "positions": lambda data: pictures.ground_track(
+            data, found.get("microphone", (0, None))[1]
+        ),
+        "geometry": lambda data: pictures.geometry(data),
+    }
+    for part, picture in draw.items():
+        if part in found:
+            return picture(found[part][1]).figure
+    raise ValueError("expected a history, or a spectrum, positions or a geometry")
+
+
+def convert(source: str, output: str, mask: Optional[str] = None) -> None:
+    """To netCDF and back: history and map in one dataset; back, the map next to the history."""
+    import xarray as xr
+
+    if output.lower().endswith(".nc"):
+        header, data = read(source)
+        if mask is not None:
+            mask_header, rows = read(mask, _core.AQ_MaskMap)
+            ds = data.to_xarray(rows, header, mask_header)
+        else:
+            ds = data.to_xarray() if header is None else data.to_xarray(header=header)
+        ds.attrs["history"] = f"aqdata convert {os.path.basename(source)}"
+        _replaced(output, ds.to_netcdf)
+        return
+    with xr.open_dataset(source) as stored:
+        ds = stored.load()
+    if "mask_mode" not in ds.variables or "level" not in ds.variables:
+        write(ds, output)
+        return
+    history, rows = measurement(ds)
+    write(history, output)
+    if rows is not None:
+        stem = output[: -len(".sth.csv")] if output.endswith(".sth.csv") else output
+        rows.header.sGenerationFile = output
+        rows.header.aqGenerationDateTime = _core.AQ_Time()
+        write(
+            rows, os.path.splitext(stem)[0] + ".mask.csv" if stem == output else f"{stem}.mask.csv"
+        )
+
+
+def main(words: list[str]) -> int:
+    commands: dict[str, Callable[..., None]] = {"plot": plot, "convert": convert}
+    if len(words) < 3 or words[0] not in commands:
+        print("expected plot OUT FILE... or convert FILE OUT [MAP]", file=sys.stderr)
+        return 2
+    try:
+        commands[words[0]](*words[1:])
+    except (Error, ValueError, TypeError, OSError) as error:
+        print(f"aqdata: {error}", file=sys.stderr)
+        return 2
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))

@@ -1,0 +1,310 @@
+"""Cutting and joining measurements, and mending what other programs did to their files."""
+
+from __future__ import annotations
+
+import copy
+import errno
+import gzip
+import os
+import shutil
+import tempfile
+from typing import Any, Iterable, NamedTuple, Optional, Union
+
+import numpy as np
+import pandas as pd
+
+from . import _core
+from .archive import absolute, walked
+from .attributes import expect
+from .errors import FileError
+from .files import read
+from .labelled import check_map
+from .objects import Clock, as_time
+from .reading import Path, Reading
+from .times import DAY
+
+HistoryReading = Reading[_core.AQ_HeaderSTH, _core.AQ_SpectralTimeHistory]
+MapReading = Reading[_core.AQ_HeaderMask, _core.AQ_MaskMap]
+GeometryReading = Reading[_core.AQ_HeaderGTH, _core.AQ_GeometryTimeHistory]
+Records = tuple[int, int]
+Times = tuple[Optional[Clock], Optional[Clock]]
+_HALF_DAY = DAY / 2
+
+
+class Run(NamedTuple):
+    """A history and what belongs to it, each with its header, as `write` takes them."""
+
+    history: HistoryReading
+    mask: Optional[MapReading] = None
+    geometry: Optional[GeometryReading] = None
+
+
+def _reading(given: Any, cls: type) -> Reading[Any, Any]:
+    """A reading of one's own: its header may be changed."""
+    if isinstance(given, (str, bytes, os.PathLike)):
+        return read(given, cls)  # type: ignore[call-overload, no-any-return]
+    if not isinstance(given, tuple) or len(given) != 2:
+        raise TypeError(
+            f"expected a path or (header, {cls.__name__}), found {type(given).__name__}"
+        )
+    expect(given[1], cls)
+    return Reading(copy.deepcopy(given[0]), given[1])
+
+
+def _run(history: Any, mask: Any, geometry: Any) -> Run:
+    run = Run(
+        _reading(history, _core.AQ_SpectralTimeHistory),
+        None if mask is None else _reading(mask, _core.AQ_MaskMap),
+        None if geometry is None else _reading(geometry, _core.AQ_GeometryTimeHistory),
+    )
+    if run.mask is not None:
+        check_map(run.history.data, run.mask.data)
+        if not run.history.data.EncompassesMask(run.mask.data):
+            raise ValueError("the map does not fit the history: other records or bands")
+    return run
+
+
+def _commented(run: Run, line: str) -> Run:
+    run.history.header.cCommentLines.Add(line)
+    if run.mask is not None:  # it fits the history that is made here, which has no name yet
+        run.mask.header.cCommentLines.Add(line)
+        run.mask.header.sGenerationFile = ""
+        run.mask.header.aqGenerationDateTime = _core.AQ_Time()
+    if run.geometry is not None:
+        run.geometry.header.colCommentLines.Add(line)
+        run.geometry.header.STHFileName = run.geometry.header.STHFileDateTime = ""
+    return run
+
+
+def chosen_records(
+    history: _core.AQ_SpectralTimeHistory,
+    mask: Optional[_core.AQ_MaskMap],
+    records: Optional[Records],
+    between: Optional[Times],
+    down: Optional[float],
+) -> tuple[int, int, str]:
+    """First and last record, and what was asked for in words. Raises `ValueError` unless just one way
+    is given, and when it leaves no record."""
+    if sum(each is not None for each in (records, between, down)) != 1:
+        raise ValueError("expected one of records, between and down, which says which records")
+    numbers = history.records
+    if not numbers.size:
+        raise ValueError("the history has no records")
+    if down is not None:
+        return (*_core.recordsDown(history, mask, down), f"down={down:g}")
+    if between is not None:
+        begin = float(history.times["TODseconds"][0])
+        given = [None if each is None else as_time(each) for each in between]
+        ends = (begin, begin + _HALF_DAY - 1)
+        first, last = (e if t is None else t.TODseconds for t, e in zip(given, ends))
+        words = ", ".join("" if t is None else t.TODstring for t in given)
+        return (*_core.recordsBetween(history, first, last), f"between=({words})")
+    assert records is not None
+    found = numbers[(numbers >= records[0]) & (numbers <= records[1])]
+    if not found.size:
+        raise ValueError(f"expected records of {numbers[0]} to {numbers[-1]}, found {records}")
+    return int(found[0]), int(found[-1]), f"records={records[0]}:{records[1]}"
+
+
+def _points(
+    geometry: _core.AQ_GeometryTimeHistory, part: _core.AQ_SpectralTimeHistory
+) -> _core.AQ_GeometryTimeHistory:
+    """The points of a history's records, by their times: a geometry need not begin with record 1."""
+    rounding = 0.006  # times are written to hundredths of a second
+    stamps = part.times["TODseconds"]
+    off = np.remainder(geometry.to_numpy()["Tm"] - stamps[0] + _HALF_DAY, DAY) - _HALF_DAY
+    places = np.flatnonzero(np.abs(off) < rounding)
+    if places.size:
+        measured = geometry.to_numpy()["Tm"][places[0] : places[0] + stamps.size]
+        if (
+            measured.size == stamps.size
+            and (
+                np.abs(np.remainder(measured - stamps + _HALF_DAY, DAY) - _HALF_DAY) < rounding
+            ).all()
+        ):
+            first = int(geometry.records[places[0]])
+            return _core.cutGeometry(geometry, first, first + stamps.size - 1)
+    raise ValueError("the geometry has no point for some record")
+
+
+def cut(
+    history: Union[Path, HistoryReading],
+    mask: Union[Path, MapReading, None] = None,
+    geometry: Union[Path, GeometryReading, None] = None,
+    *,
+    records: Optional[Records] = None,
+    between: Optional[Times] = None,
+    down: Optional[float] = None,
+    renumber: bool = False,
+) -> Run:
+    """Some records of a history, with the rows of its map and the points of its geometry: `(history,
+    mask, geometry)`, each with its header.
+
+    `records` are the first and the last number, `between` two times of day, of which one may be
+    None, `down` the event: what is within so many decibels of the largest PNLT, and one record more
+    on each side. Stamps stay. With a map or a geometry, or `renumber`, records are numbered from 1;
+    a comment in every header has the numbers that were. The names of the history in the headers of
+    map and geometry are to be set once it has one.
+
+    Files are given as paths, or as `read` gives them. Raises `ValueError` when no record is left, or
+    not just one way of choosing them is given.
+
+    >>> part, part_mask, _ = aq_data.cut("fly-over.sth.csv", "fly-over.mask.csv", down=10)
+    """
+    run = _run(history, mask, geometry)
+    whole = run.history.data
+    rows = None if run.mask is None else run.mask.data
+    first, last, words = chosen_records(whole, rows, records, between, down)
+    from_one = renumber or rows is not None or run.geometry is not None
+    part = _core.cutHistory(whole, first, last, from_one)
+    own = part.records
+    line = f"Cut from {run.history.header.sFileName or 'a history'} by {words}: records {own[0]}"
+    line += f" to {own[-1]}" + (f" were {first} to {last}" if own[0] != first else "")
+    made = Run(Reading(run.history.header, part))
+    if run.mask is not None:
+        cut_map = _core.cutMap(run.mask.data, first, last)
+        made = made._replace(mask=Reading(run.mask.header, cut_map))
+    if run.geometry is not None:
+        points = _points(run.geometry.data, part)
+        made = made._replace(geometry=Reading(run.geometry.header, points))
+    return _commented(made, line)
+
+
+def _same_words(one: Any, other: Any) -> None:
+    for name, what in (
+        ("sProjectName", "projects"),
+        ("sMicrophoneID", "microphones"),
+        ("sAdjustmentCode", "adjustments"),
+    ):
+        if getattr(one, name) != getattr(other, name):
+            raise ValueError(
+                f"the pieces have different {what}: {getattr(one, name)!r} and"
+                f" {getattr(other, name)!r}"
+            )
+
+
+def join(
+    *pieces: Union[Path, HistoryReading, Run],
+    masks: Optional[Iterable[Union[Path, MapReading]]] = None,
+    fill: bool = False,
+) -> Run:
+    """Pieces of one run as one, in the order of their times: `(history, mask, None)`.
+
+    Pieces follow each other by their stamps, which stay, and record numbers count on from the first
+    one. `masks` are their maps, one each. A gap raises, or with `fill` gets records of 9999.
+    Raises `ValueError` for pieces that do not belong together: bands, averaging, stamps, reference,
+    project, microphone or adjustment.
+
+    >>> whole = aq_data.join("a.sth.csv", "b.sth.csv", fill=True).history
+    """
+    if len(pieces) < 2:
+        raise ValueError(f"expected two pieces or more, found {len(pieces)}")
+    maps = list(masks) if masks is not None else [getattr(piece, "mask", None) for piece in pieces]
+    if len(maps) != len(pieces):
+        raise ValueError(f"expected {len(pieces)} masks, one a piece, found {len(maps)}")
+    runs = [
+        _run(piece.history if isinstance(piece, Run) else piece, rows, None)
+        for piece, rows in zip(pieces, maps)
+    ]
+    run = runs[0]
+    words = [run.history.header.sFileName or "a history"]
+    filled = 0
+    for piece in runs[1:]:
+        _same_words(run.history.header, piece.history.header)
+        gap = _core.recordsMissing(run.history.data, piece.history.data)
+        filled += gap
+        words.append(piece.history.header.sFileName or "a history")
+        whole = _core.joinHistories(run.history.data, piece.history.data, fill)
+        rows = run.mask
+        if rows is not None and piece.mask is not None:
+            rows = Reading(rows.header, _core.joinMaps(rows.data, piece.mask.data, gap))
+        elif (rows is None) != (piece.mask is None):
+            raise ValueError("expected a mask for each piece, or none")
+        run = Run(Reading(run.history.header, whole), rows)
+    line = (
+        "Joined of " + ", ".join(words) + (f"; {filled} records of 9999 between" if filled else "")
+    )
+    return _commented(run, line)
+
+
+# Mending.
+
+
+def _replace(path: str, text: bytes) -> None:
+    """Writes all of a file or nothing."""
+    handle, new = tempfile.mkstemp(prefix=".aq-", dir=os.path.dirname(path))
+    try:
+        with os.fdopen(handle, "wb") as file:
+            file.write(text)
+        mode = os.stat(path).st_mode if os.path.exists(path) else 0o666 & ~_umask()
+        os.chmod(new, mode)
+        os.replace(new, path)
+    except BaseException:
+        os.unlink(new)
+        raise
+
+
+def _umask() -> int:
+    mask = os.umask(0)
+    os.umask(mask)
+    return mask
+
+
+def _mended(path: str) -> tuple[bytes, list[str], list[str]]:
+    with open(path, "rb") as file:
+        raw = file.read()
+    packed = raw.startswith(b"\x1f\x8b")
+    if packed:
+        try:
+            raw = gzip.decompress(raw)
+        except (OSError, EOFError) as error:
+            raise FileError(path, 0, 0, "a file that gzip has packed", str(error)) from error
+    done = ["gzip"] if packed else []
+    text, done, left = _core._mendText(raw, os.path.basename(path), done)
+    return text, done, left
+
+
+def _write_mended(path: str, text: bytes, keep: bool) -> str:
+    """Replaces the file, or unpacks it next to itself; keeps the original."""
+    place = path[:-3] if path.lower().endswith(".gz") else path
+    if place != path and os.path.lexists(place):
+        raise FileExistsError(errno.EEXIST, os.strerror(errno.EEXIST), place)
+    original = path + ".orig"
+    if place == path and keep:
+        if os.path.lexists(original):
+            raise FileExistsError(errno.EEXIST, os.strerror(errno.EEXIST), original)
+        shutil.copy2(path, original)
+    try:
+        _replace(place, text)
+    except BaseException:
+        if place == path and keep:
+            os.unlink(original)
+        raise
+    return place
+
+
+def fix(
+    paths: Union[Path, Iterable[Path]], write: bool = False, keep_original: bool = True
+) -> pd.DataFrame:
+    """Takes back what other programs did to the text of files, as far as that is certain: gzip, UTF-16,
+    a byte order mark, old line ends, a spreadsheet's semicolons, tabs, quotes and filled up lines,
+    blank lines, decimal commas.
+
+    Without `write` nothing changes. With it files are mended in place, each all or nothing, and the
+    original is kept as `FILE.orig` unless told otherwise; a packed file is unpacked next to itself.
+    A comment in the file says what was done. The columns are `path`, `done` and `left`, lists of
+    words: what was or would be mended, and what may mean several things; and `output`, None where
+    nothing was written. `paths` are as for `check`.
+
+    >>> found = aq_data.fix(".")
+    >>> found[found.done.str.len() > 0]
+    """
+    seen: set[str] = set()
+    rows = []
+    for path in (file for each in absolute(paths) for file in walked(each, seen, (".gz",))):
+        if path.lower().endswith(".nc"):
+            continue  # no text
+        text, done, left = _mended(path)
+        output = _write_mended(path, text, keep_original) if write and done else None
+        rows.append((path, done, left, output))
+    return pd.DataFrame(rows, columns=["path", "done", "left", "output"])

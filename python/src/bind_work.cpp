@@ -1,0 +1,63 @@
+#include <aq/check/mend_text.h>
+#include <aq/geometry/cut_geometry.h>
+#include <aq/masking/cut_map.h>
+#include <aq/noise/records_down.h>
+#include <aq/spectral/join_histories.h>
+
+#include "binding.h"
+
+namespace aq::python {
+namespace {
+
+using Range = std::pair<std::int16_t, std::int16_t>;
+
+Range pairOf(const RecordRange& range) { return {range.first, range.last}; }
+
+}  // namespace
+
+void bindWork(py::module_& module) {
+  module.def(
+      "recordsBetween",
+      [](const AQ_SpectralTimeHistory& history, double from, double to) {
+        return pairOf(recordsBetween(history, from, to));
+      },
+      py::arg("history"), py::arg("from_"), py::arg("to"),
+      "First and last record with a stamp from one time of day to another, in seconds");
+  module.def(
+      "recordsDown",
+      [](const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map, double decibels) {
+        return pairOf(recordsDown(history, map, decibels));
+      },
+      py::arg("history"), py::arg("map") = py::none(), py::arg("decibels") = 10.0,
+      "First and last record of the event: what is within so many decibels of the largest PNLT, "
+      "and "
+      "one more on each side");
+  module.def(
+      "cutHistory",
+      [](AQ_SpectralTimeHistory& history, std::int16_t first, std::int16_t last, bool fromOne) {
+        return cutHistory(history, {first, last}, fromOne);
+      },
+      py::arg("history"), py::arg("first"), py::arg("last"), py::arg("fromOne") = false,
+      "The records of a range, which keep their stamps; numbered from 1 if wanted");
+  module.def("cutMap", cutMap, py::arg("map"), py::arg("first"), py::arg("last"),
+             "The rows of records of a range, numbered from 1");
+  module.def("cutGeometry", cutGeometry, py::arg("geometry"), py::arg("first"), py::arg("last"),
+             "The points of a range, numbered from 1");
+  module.def("recordsMissing", recordsMissing, py::arg("before"), py::arg("after"),
+             "How many records are missing between two pieces of a measurement");
+  module.def("joinHistories", joinHistories, py::arg("before"), py::arg("after"),
+             py::arg("fill") = false,
+             "Two pieces of a measurement as one; a gap is filled with levels of 9999 if wanted");
+  module.def("joinMaps", joinMaps, py::arg("before"), py::arg("after"), py::arg("gap") = 0,
+             "The rows of two maps, with rows between that mask nothing");
+  module.def(
+      "_mendText",
+      [](const py::bytes& bytes, const std::string& name, std::vector<std::string> done) {
+        const Mended mended = mendText(static_cast<std::string_view>(bytes), name, std::move(done));
+        return std::tuple(py::bytes(mended.text), mended.done, mended.left);
+      },
+      py::arg("bytes"), py::arg("name"), py::arg("done"),
+      "The text, what was mended and what is left, in words");
+}
+
+}  // namespace aq::python
