@@ -69,7 +69,7 @@ def plot(output: str, *paths: str) -> None:
 
 def _single(found: dict[str, Any], pictures: Any) -> Any:
     """A picture of what has no history."""
-    draw = {
+    draw: dict[str, Callable[[Any], Any]] = {
         "ambient": lambda data: pictures.spectrum(data),
         "positions": lambda data: pictures.ground_track(
             data, found.get("microphone", (0, None))[1]

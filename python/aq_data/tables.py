@@ -188,11 +188,12 @@ def geometry_from_pandas(frame: pd.DataFrame) -> _core.AQ_GeometryTimeHistory:
     return _core.AQ_GeometryTimeHistory.from_numpy(columns, frame.index.to_numpy())
 
 
-for _cls, _maker in (
+_MAKERS: list[tuple[Any, Any]] = [
     (_core.AQ_SpectralTimeHistory, history_from_pandas),
     (_core.AQ_MaskMap, map_from_pandas),
     (_core.AQ_Spectrum, spectrum_from_pandas),
     (_core.AQ_PositionTimeHistory, positions_from_pandas),
     (_core.AQ_GeometryTimeHistory, geometry_from_pandas),
-):
+]
+for _cls, _maker in _MAKERS:
     setattr(_cls, "from_pandas", staticmethod(_maker))
