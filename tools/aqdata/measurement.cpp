@@ -177,6 +177,34 @@ aq::AQ_Time timeFrom(const char* option, const std::string& text) {
   return time;
 }
 
+Microphone openMicrophone(const std::string& path) { return openHeld<Microphone>(path, {{}}); }
+
+Geometry openGeometry(const std::string& path) {
+  const Measurement read = openFile(path);
+  if (const auto* const geometry = std::get_if<Geometry>(&read.data)) return *geometry;
+  throw Failure(fmt::format("{}: expected a geometric time history file, found a {} file",
+                            aq::escaped(path), aq::kindText(read.kind)));
+}
+
+FlownPath openPath(const std::string& path) {
+  const Measurement read = openFile(path);
+  if (const auto* const flown = std::get_if<Positions>(&read.data)) return {flown->model};
+  if (const auto* const fixes = std::get_if<Tracking>(&read.data)) {
+    return {fixes->model, fixes->rejected};
+  }
+  throw Failure(
+      fmt::format("{}: expected a position time history or tracking file, found a {} file",
+                  aq::escaped(path), aq::kindText(read.kind)));
+}
+
+std::shared_ptr<aq::AQ_Position> membraneOf(const aq::AQ_Microphone& microphone) {
+  auto position = std::make_shared<aq::AQ_Position>();
+  position->X(microphone.X);
+  position->Y(microphone.Y);
+  position->Z(microphone.Z + microphone.Height);
+  return position;
+}
+
 std::string timeText(aq::AQ_Time time) {
   try {
     aq::roundLateTime(time);

@@ -34,6 +34,9 @@ using History = Held<aq::AQ_HeaderSTH, aq::AQ_SpectralTimeHistory>;
 using MaskingMap = Held<aq::AQ_HeaderMask, aq::AQ_MaskMap>;
 using SpectrumRecord = Held<aq::AQ_HeaderSSR, aq::AQ_Spectrum>;
 using Tracking = Held<void, aq::AQ_PositionTimeHistory>;
+using Positions = Held<aq::AQ_HeaderPTH, aq::AQ_PositionTimeHistory>;
+using Microphone = Held<aq::FormatOf<aq::AQ_Microphone>::Header, aq::AQ_Microphone>;
+using Geometry = Held<aq::AQ_HeaderGTH, aq::AQ_GeometryTimeHistory>;
 using Parameters = Held<void, aq::AQ_DataINI>;
 
 /// A variant of types, each once.
@@ -82,6 +85,19 @@ void expectFile(const std::string& path);
                                           const aq::HeaderObserver& watch = {});
 [[nodiscard]] Tracking openTracking(const std::string& path, const aq::HeaderObserver& watch = {},
                                     std::uint8_t rt20Limit = 1);
+
+[[nodiscard]] Microphone openMicrophone(const std::string& path);
+[[nodiscard]] Geometry openGeometry(const std::string& path);
+
+/// The positions of a position time history or a tracking file, and how many fixes it rejected.
+struct FlownPath {
+  std::shared_ptr<aq::AQ_PositionTimeHistory> positions;
+  std::int32_t rejected = 0;
+};
+[[nodiscard]] FlownPath openPath(const std::string& path);
+
+/// The microphone is above its ground point.
+[[nodiscard]] std::shared_ptr<aq::AQ_Position> membraneOf(const aq::AQ_Microphone& microphone);
 
 /// Throws `Failure` for a history whose header has a word that would be written as another one.
 void expectKnownWords(const History& read, const std::string& path);

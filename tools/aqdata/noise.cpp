@@ -15,26 +15,6 @@ Json metricJson(const aq::RecordMetrics& record, aq::AQ_METRIC_TYPE type) {
   return value;
 }
 
-Json eventJson(const std::optional<aq::NoiseEvent>& found, int firstRecord) {
-  if (!found) return nullptr;
-  const aq::NoiseEvent& event = *found;
-  const auto record = [&](std::size_t place) { return firstRecord + static_cast<int>(place); };
-  const auto limit = [&](const std::optional<std::size_t>& place) -> Json {
-    return place ? Json(record(*place)) : Json();
-  };
-  Json peaks = Json::array();
-  for (const std::size_t place : event.secondPeaks) peaks.push_back(record(place));
-  return {{"EPNL", event.epnl},
-          {"EPNL_with_band_sharing", event.epnlWithBandSharing},
-          {"PNLTM", event.pnltm},
-          {"band_sharing", event.bandSharing},
-          {"duration_correction", event.duration},
-          {"first", limit(event.first)},
-          {"maximum", record(event.maximum)},
-          {"last", limit(event.last)},
-          {"second_peaks", std::move(peaks)}};
-}
-
 std::string flagsText(int flags) {
   constexpr std::pair<int, const char*> kFlags[] = {{aq::AQ_INTEG_MAX, "max"},
                                                     {aq::AQ_INTEG_FST, "first"},

@@ -30,18 +30,6 @@ inline constexpr MetricName kMetricNames[] = {
 /// A computed metric; null if there is none.
 [[nodiscard]] Json metricJson(const aq::RecordMetrics& record, aq::AQ_METRIC_TYPE type);
 
-/// The event of a history, with these keys and `second_peaks`; null if there is none. Its places
-/// are record numbers.
-inline constexpr const char* kEventKeys[] = {"EPNL",
-                                             "EPNL_with_band_sharing",
-                                             "PNLTM",
-                                             "band_sharing",
-                                             "duration_correction",
-                                             "first",
-                                             "maximum",
-                                             "last"};
-[[nodiscard]] Json eventJson(const std::optional<aq::NoiseEvent>& found, int firstRecord);
-
 /// The part of a record in the event, as in "max" or "first 2nd".
 [[nodiscard]] std::string flagsText(int flags);
 

@@ -34,13 +34,6 @@ void expectWhole(const History& read, const std::string& file) {
 
 bool isColumns(const std::string& path) { return aq::upperCased(path).ends_with(".SPC"); }
 
-Geometry openGeometry(const std::string& path) {
-  const Measurement read = openFile(path);
-  if (const auto* const geometry = std::get_if<Geometry>(&read.data)) return *geometry;
-  throw Failure(fmt::format("{}: expected a geometric time history file, found a {} file",
-                            aq::escaped(path), aq::kindText(read.kind)));
-}
-
 }  // namespace
 
 std::vector<std::string> RunFiles::all() const {

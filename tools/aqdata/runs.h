@@ -11,8 +11,6 @@
 
 namespace aqdata {
 
-using Geometry = Held<aq::FormatOf<aq::AQ_GeometryTimeHistory>::Header, aq::AQ_GeometryTimeHistory>;
-
 /// The names of a run's files; empty for what it does not have.
 struct RunFiles {
   std::string history = {};

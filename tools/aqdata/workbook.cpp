@@ -10,6 +10,7 @@
 #include <set>
 #include <utility>
 
+#include "tools/aqdata/event.h"
 #include "tools/aqdata/noise.h"
 #include "tools/aqdata/sheet.h"
 #include "tools/aqdata/text.h"

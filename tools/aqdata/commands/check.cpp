@@ -1,4 +1,3 @@
-#include <aq/check/check_file.h>
 #include <aq/check/same_levels.h>
 #include <aq/files/file_kind.h>
 #include <fmt/format.h>
@@ -7,6 +6,7 @@
 #include <map>
 
 #include "tools/aqdata/files.h"
+#include "tools/aqdata/findings.h"
 #include "tools/aqdata/measurement.h"
 #include "tools/aqdata/parallel.h"
 #include "tools/aqdata/program.h"
@@ -38,29 +38,13 @@ struct CheckChoice {
   }
 };
 
-/// What was found in one file. Keeps a limited number of findings of each kind, so that results
-/// waiting for their turn stay small; counts all.
-struct Report {
-  struct Count {
-    const aq::FindingKind* kind;
-    std::size_t count = 0;
-    std::size_t kept = 0;
-  };
-  std::vector<Count> counts = {};       // in the order of their first findings
-  std::vector<aq::Finding> whole = {};  // of the file as a whole
-  std::vector<aq::Finding> kept = {};   // in the order of the file's lines
+/// What the user wants to know of what was found in one file.
+struct Report : FileFindings {
   aq::Checked checked = {};
   std::string failure = {};  // why the file could not be checked
 
   void take(const aq::Finding& finding, const CheckChoice& choice) {
-    if (!choice.wants(finding.kind)) return;
-    auto count = std::find_if(counts.begin(), counts.end(), [&finding](const Count& known) {
-      return known.kind == &finding.kind;
-    });
-    if (count == counts.end()) count = counts.insert(count, {&finding.kind});
-    if (++count->count > choice.limit) return;
-    ++count->kept;
-    (finding.place.line == 0 ? whole : kept).push_back(finding);
+    if (choice.wants(finding.kind)) FileFindings::take(finding, choice.limit);
   }
 };
 
@@ -74,15 +58,6 @@ Report reportOf(const std::string& file, const CheckChoice& choice) {
     report.failure = refused.what();
   }
   return report;
-}
-
-std::string placeText(const aq::FindingPlace& place) {
-  std::string text;
-  if (place.line != 0) text += fmt::format(", line {}", place.line);
-  if (place.field != 0) text += fmt::format(", field {}", place.field);
-  if (place.record) text += fmt::format(", record {}", *place.record);
-  if (place.band) text += fmt::format(", band {}", *place.band);
-  return text;
 }
 
 const char* colourOf(aq::Severity severity) {
@@ -102,28 +77,13 @@ void print(Session& session, const std::string& file, const Report& report) {
                     session.painted(colourOf(kind.severity), aq::severityText(kind.severity)),
                     message, session.faint(fmt::format("[{}]", kind.name))));
   };
-  for (const auto* const findings : {&report.whole, &report.kept}) {
-    for (const aq::Finding& finding : *findings) {
-      print(finding.kind, placeText(finding.place), finding.message);
-    }
+  for (const aq::Finding* const finding : report.listed()) {
+    print(finding->kind, placeText(finding->place), finding->message);
   }
   for (const Report::Count& found : report.counts) {
     if (found.count == found.kept) continue;
     print(*found.kind, "", fmt::format("{} more", found.count - found.kept));
   }
-}
-
-Json findingJson(const aq::Finding& finding) {
-  Json json{{"name", finding.kind.name}, {"severity", aq::severityText(finding.kind.severity)}};
-  const auto addPlace = [&json](const char* key, auto value) {
-    if (value != 0) json[key] = value;
-  };
-  addPlace("line", finding.place.line);
-  addPlace("field", finding.place.field);
-  if (finding.place.record) json["record"] = *finding.place.record;
-  if (finding.place.band) json["band"] = *finding.place.band;
-  json["message"] = finding.message;
-  return json;
 }
 
 void printJson(Session& session, const std::string& file, const Report& report) {
@@ -132,8 +92,8 @@ void printJson(Session& session, const std::string& file, const Report& report) 
   for (const Report::Count& found : report.counts) {
     counts[std::string(found.kind->name)] = found.count;
   }
-  for (const auto* const kept : {&report.whole, &report.kept}) {
-    for (const aq::Finding& finding : *kept) findings.push_back(findingJson(finding));
+  for (const aq::Finding* const finding : report.listed()) {
+    findings.push_back(findingJson(*finding));
   }
   session.printDocument(Json{{"file", file},
                              {"kind", aq::kindText(aq::kindOfFile(file))},

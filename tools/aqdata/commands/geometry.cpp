@@ -21,34 +21,6 @@ struct GeometryChoice {
   std::string records;
 };
 
-using Microphone = Held<aq::FormatOf<aq::AQ_Microphone>::Header, aq::AQ_Microphone>;
-using Positions = Held<aq::AQ_HeaderPTH, aq::AQ_PositionTimeHistory>;
-
-std::shared_ptr<aq::AQ_PositionTimeHistory> positionsFrom(const std::string& path) {
-  const Measurement read = openFile(path);
-  if (const auto* const positions = std::get_if<Positions>(&read.data)) return positions->model;
-  if (const auto* const tracking = std::get_if<Tracking>(&read.data)) return tracking->model;
-  throw Failure(
-      fmt::format("{}: expected a position time history or tracking file, found a {} file",
-                  aq::escaped(path), aq::kindText(read.kind)));
-}
-
-Microphone microphoneFrom(const std::string& path) {
-  const Measurement read = openFile(path);
-  if (const auto* const microphone = std::get_if<Microphone>(&read.data)) return *microphone;
-  throw Failure(fmt::format("{}: expected a microphone position file, found a {} file",
-                            aq::escaped(path), aq::kindText(read.kind)));
-}
-
-/// The microphone is above its ground point.
-std::shared_ptr<aq::AQ_Position> membrane(const aq::AQ_Microphone& microphone) {
-  auto position = std::make_shared<aq::AQ_Position>();
-  position->X(microphone.X);
-  position->Y(microphone.Y);
-  position->Z(microphone.Z + microphone.Height);
-  return position;
-}
-
 /// The points numbered from 1, as a file holds them. Throws `Failure` if a record of the range has
 /// none.
 aq::AQ_GeometryTimeHistory numberedPoints(const aq::AQ_SpectralTimeHistory& history,
@@ -86,7 +58,7 @@ std::shared_ptr<aq::AQ_HeaderGTH> headerFor(const GeometryChoice& choice, const 
   header->ProjectName = read.header->sProjectName;
   header->GeneratedBy = "aqdata";
   header->MicrophoneID = microphone.header->sMicrophoneID;
-  header->MicrophonePosition = membrane(*microphone.model);
+  header->MicrophonePosition = membraneOf(*microphone.model);
   header->Temperature = static_cast<float>(celsius);
   header->STHFileName = choice.history;
   header->PTHFileName = choice.positions;
@@ -104,10 +76,10 @@ void geometry(Session& session, const GeometryChoice& choice) {
   const double celsius = aq::doubleFrom(choice.celsius);
   const Range range = choice.records.empty() ? Range() : rangeFrom(choice.records, "records");
   const History read = openHistory(choice.history);
-  const auto positions = positionsFrom(choice.positions);
-  const Microphone microphone = microphoneFrom(choice.microphone);
+  const auto positions = openPath(choice.positions).positions;
+  const Microphone microphone = openMicrophone(choice.microphone);
   const auto points =
-      aq::emissionGeometry(*positions, *membrane(*microphone.model), *read.model, celsius);
+      aq::emissionGeometry(*positions, *membraneOf(*microphone.model), *read.model, celsius);
   const auto made = numberedPoints(*read.model, *points, range, choice.positions);
   const auto header = headerFor(choice, read, microphone, celsius, range);
   writeOutput<aq::AQ_DataGTH>(session, header, made);

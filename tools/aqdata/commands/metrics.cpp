@@ -4,6 +4,7 @@
 #include <cmath>
 #include <optional>
 
+#include "tools/aqdata/event.h"
 #include "tools/aqdata/files.h"
 #include "tools/aqdata/noise.h"
 #include "tools/aqdata/parallel.h"
@@ -36,74 +37,6 @@ Json recordsJson(const aq::HistoryMetrics& metrics) {
     records.push_back(std::move(row));
   }
   return records;
-}
-
-std::string limitsText(const Json& event) {
-  const Json& first = event["first"];
-  const Json& last = event["last"];
-  const auto side = [](const Json& limit, const char* ofWhat) {
-    return limit.is_null() ? fmt::format("the {} of the records lies above it", ofWhat)
-                           : fmt::format("record {}", limit.dump());
-  };
-  const bool both = !first.is_null() && !last.is_null();
-  return fmt::format("10 dB-down limits: {} to {}{}", side(first, "begin"), side(last, "end"),
-                     both ? "" : ", so that the EPNL is a lower bound");
-}
-
-/// Which records lack which value.
-std::vector<std::string> missingWords(const aq::HistoryMetrics& metrics,
-                                      const aq::AQ_MaskMap* map) {
-  std::vector<std::string> words;
-  const auto add = [&](aq::AQ_METRIC_TYPE type, const char* what) {
-    std::vector<int> without;
-    for (const aq::RecordMetrics& record : metrics.records) {
-      if (!record.has(type)) without.push_back(record.record);
-    }
-    if (without.empty()) return;
-    words.push_back(
-        fmt::format("{} of {}: {}", counted(without.size(), "record"), what, recordsText(without)));
-  };
-  std::vector<int> unmapped;
-  for (const aq::RecordMetrics& record : metrics.records) {
-    if (map != nullptr && !map->contains(record.record)) unmapped.push_back(record.record);
-  }
-  if (!unmapped.empty()) {
-    words.push_back(fmt::format("{} without a row in the map, treated as not masked: {}",
-                                counted(unmapped.size(), "record"), recordsText(unmapped)));
-  }
-  add(aq::AQ_METRIC_OA, "no valid level, so no metrics");
-  add(aq::AQ_METRIC_PNL, "no valid level in bands 17 to 40, so no PNL, PNLT and tone");
-  return words;
-}
-
-std::vector<std::string> eventWords(const aq::HistoryMetrics& metrics, const Json& event,
-                                    const aq::AQ_SpectralTimeHistory& history,
-                                    const aq::AQ_MaskMap* map) {
-  if (event.is_null()) return {"no event: no record has a PNLT"};
-  const aq::NoiseEvent& found = *metrics.event;
-  const auto number = event["maximum"].get<std::int16_t>();
-  const auto at = std::find_if(metrics.records.begin(), metrics.records.end(),
-                               [&](const auto& record) { return record.record == number; });
-  const aq::AQ_Spectrum& spectrum = *history.spectrum(number);
-  const aq::ToneCorrection tone = aq::toneCorrection(spectrum, rowOf(map, number));
-  std::vector<std::string> words{
-      fmt::format("EPNL {:.2f} EPNdB, with band sharing {:.2f} EPNdB ({:+.2f} dB)", found.epnl,
-                  found.epnlWithBandSharing, found.bandSharing),
-      fmt::format("PNLTM {:.2f} TPNdB at record {}, {}; duration correction {:+.2f} dB",
-                  found.pnltm, number, timeText(spectrum.timeValue()), found.duration),
-      limitsText(event),
-      fmt::format("at the maximum: {} of 24 bands count; {}", at->perceivedBands, toneText(tone))};
-  if (at->has(aq::AQ_METRIC_LGB)) {
-    words.back() +=
-        fmt::format("; {}", lastGoodBandText(static_cast<int>(at->value(aq::AQ_METRIC_LGB))));
-  }
-  std::vector<int> peaks;
-  for (const Json& peak : event["second_peaks"]) peaks.push_back(peak.get<int>());
-  words.push_back(peaks.empty()
-                      ? "no second peak within 2 dB"
-                      : fmt::format("second {} within 2 dB: {}",
-                                    peaks.size() == 1 ? "peak" : "peaks", recordsText(peaks)));
-  return words;
 }
 
 FileMetrics metricsOf(const std::string& file, const MetricsChoice& choice, bool withRecords) {

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <aq/aq.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/aqdata/session.h"
+
+namespace aqdata {
+
+/// The event of a history, with these keys and `second_peaks`; null if there is none. Its places
+/// are record numbers.
+inline constexpr const char* kEventKeys[] = {"EPNL",
+                                             "EPNL_with_band_sharing",
+                                             "PNLTM",
+                                             "band_sharing",
+                                             "duration_correction",
+                                             "first",
+                                             "maximum",
+                                             "last"};
+[[nodiscard]] Json eventJson(const std::optional<aq::NoiseEvent>& found, int firstRecord);
+
+/// What the event says, a sentence an entry; `event` is its document.
+[[nodiscard]] std::vector<std::string> eventWords(const aq::HistoryMetrics& metrics,
+                                                  const Json& event,
+                                                  const aq::AQ_SpectralTimeHistory& history,
+                                                  const aq::AQ_MaskMap* map);
+
+/// Which records lack which value.
+[[nodiscard]] std::vector<std::string> missingWords(const aq::HistoryMetrics& metrics,
+                                                    const aq::AQ_MaskMap* map);
+
+}  // namespace aqdata

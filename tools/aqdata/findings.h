@@ -1,0 +1,39 @@
+#pragma once
+
+#include <aq/check/check_file.h>
+#include <aq/check/finding.h>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "tools/aqdata/session.h"
+
+namespace aqdata {
+
+/// What was found in one file. Keeps a limited number of findings of each kind, so that results
+/// waiting for their turn stay small; counts all.
+struct FileFindings {
+  struct Count {
+    const aq::FindingKind* kind;
+    std::size_t count = 0;
+    std::size_t kept = 0;
+  };
+  std::vector<Count> counts = {};       // in the order of their first findings
+  std::vector<aq::Finding> whole = {};  // of the file as a whole
+  std::vector<aq::Finding> kept = {};   // in the order of the file's lines
+
+  /// Counts a finding, and keeps it when there are fewer than `limit` of its kind.
+  void take(const aq::Finding& finding, std::size_t limit);
+
+  /// Those that are kept, those of the whole file first.
+  [[nodiscard]] std::vector<const aq::Finding*> listed() const;
+};
+
+/// As in ", line 22, field 4, record 1, band 17"; empty for the whole file.
+[[nodiscard]] std::string placeText(const aq::FindingPlace& place);
+
+/// Without the keys of a place that the finding does not have.
+[[nodiscard]] Json findingJson(const aq::Finding& finding);
+
+}  // namespace aqdata
