@@ -110,9 +110,9 @@ CLI::App* addCommand(CLI::App& program, Session& session, const char* name, cons
 
 void addCommands(CLI::App& program, Session& session) {
   for (const auto add :
-       {addInfo,     addCheck, addFix,  addShow,       addPlot,    addConvert, addTrack,    addLgb,
-        addMask,     addStamp, addCut,  addJoin,       addMetrics, addExplain, addGeometry, addDiff,
-        addAnalyzer, addCat,   addHead, addCompletion, addHelp,    addManual}) {
+       {addInfo, addCheck,    addFix, addShow, addPlot,       addConvert, addTrack,    addLgb,
+        addMask, addStamp,    addCut, addJoin, addMetrics,    addExplain, addGeometry, addReport,
+        addDiff, addAnalyzer, addCat, addHead, addCompletion, addHelp,    addManual}) {
     add(program, session);
     addOutputOptions(*program.get_subcommands({}).back(), session);
   }

@@ -131,6 +131,7 @@ void addManual(CLI::App& program, Session& session);
 void addMask(CLI::App& program, Session& session);
 void addMetrics(CLI::App& program, Session& session);
 void addPlot(CLI::App& program, Session& session);
+void addReport(CLI::App& program, Session& session);
 void addShow(CLI::App& program, Session& session);
 void addStamp(CLI::App& program, Session& session);
 void addTrack(CLI::App& program, Session& session);

@@ -1,0 +1,306 @@
+"""Looks at the pages of `aqdata report` in a browser: report_test.py PROGRAM PROJECT [SCREENSHOTS]
+
+Chromium runs without a window, driven by Debian's selenium. Screenshots of the pages go to a folder
+when one is named.
+"""
+
+import base64
+import json
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+
+from selenium import webdriver
+from selenium.webdriver.common.action_chains import ActionChains
+from selenium.webdriver.common.by import By
+from selenium.webdriver.common.keys import Keys
+
+PROGRAM, PROJECT = (str(pathlib.Path(argument).resolve()) for argument in sys.argv[1:3])
+SHOTS = pathlib.Path(sys.argv[3]).resolve() if len(sys.argv) > 3 else None
+SAMPLES = pathlib.Path(PROJECT) / "examples" / "data"
+HOSTILE = [
+    "</script><script>window.hacked=1</script>",
+    '"><img src=x onerror=window.hacked=1>',
+    "<!--<script>",
+    "\u202egnorw && <b>bold</b> \\u003c &lt;",
+]
+faults = []
+
+
+def expect(what, found, wanted):
+    if found != wanted:
+        faults.append(f"{what}: expected {wanted!r}, found {found!r}")
+
+
+def run(*arguments, status=0):
+    done = subprocess.run([PROGRAM, *arguments], capture_output=True, text=True)
+    expect(f"{arguments}: status", done.returncode, status)
+    return done.stdout
+
+
+def season(folder):
+    """The sample, the same without anything beside it, a hostile one and one that does not read."""
+    shutil.copytree(SAMPLES, folder, dirs_exist_ok=True)
+    text = (folder / "fly-over.sth.csv").read_text()
+    odd = text.replace("61.51", "9999", 1).replace("61.48", "61.4875", 1)
+    (folder / "alone.sth.csv").write_text(odd)
+    (folder / "damaged.sth.csv").write_text(text.replace("61.51", "6x.2", 1))
+    words = iter(HOSTILE * 5)
+    fields = "FileName|ProjectName|MicrophoneID|AdjustmentCode|ReferenceTimeType|GeneratedBy|GenerationFile"
+    text = re.sub(rf"^({fields})\*\*,.*", lambda m: f"{m[1]}**,{next(words)}", text, flags=re.M)
+    text = text.replace("A computed fly-over; no measurement", "".join(HOSTILE))
+    (folder / "<b>hostile&.sth.csv").write_text(text)
+
+
+class Browser:
+    def __init__(self):
+        options = webdriver.ChromeOptions()
+        for flag in ("headless=new", "no-sandbox", "disable-gpu", "hide-scrollbars"):
+            options.add_argument(f"--{flag}")
+        options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
+        self.driver = webdriver.Chrome(options=options)
+
+    def open(self, page, width=1024, height=900, dark=False):
+        self.driver.execute_cdp_cmd(
+            "Emulation.setDeviceMetricsOverride",
+            {"width": width, "height": height, "deviceScaleFactor": 1, "mobile": False},
+        )
+        scheme = {"name": "prefers-color-scheme", "value": "dark" if dark else "light"}
+        self.driver.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": [scheme]})
+        self.driver.get("about:blank")
+        self.driver.get(pathlib.Path(page).as_uri())
+        self.settle()
+
+    def settle(self):
+        """Waits until the page has drawn what it was told to."""
+        self.driver.execute_async_script(
+            "const done = arguments[0]; requestAnimationFrame(() => requestAnimationFrame(() => "
+            "setTimeout(done, 50)))"
+        )
+
+    def js(self, script, *arguments):
+        return self.driver.execute_script(script, *arguments)
+
+    def all(self, css):
+        return self.driver.find_elements(By.CSS_SELECTOR, css)
+
+    def one(self, css):
+        return self.driver.find_element(By.CSS_SELECTOR, css)
+
+    def keys(self, css, *keys):
+        self.one(css).send_keys(*keys)
+        self.settle()
+
+    def shoot(self, name):
+        if not SHOTS:
+            return
+        SHOTS.mkdir(exist_ok=True)
+        size = self.driver.execute_cdp_cmd("Page.getLayoutMetrics", {})["cssContentSize"]
+        clip = {"x": 0, "y": 0, "width": size["width"], "height": min(size["height"], 4000)}
+        shot = self.driver.execute_cdp_cmd(
+            "Page.captureScreenshot",
+            {"clip": {**clip, "scale": 1}, "captureBeyondViewport": True},
+        )
+        (SHOTS / f"{name}.png").write_bytes(base64.b64decode(shot["data"]))
+
+    def pdf(self, name):
+        made = self.driver.execute_cdp_cmd("Page.printToPDF", {"printBackground": True})
+        data = base64.b64decode(made["data"])
+        if SHOTS:
+            SHOTS.mkdir(exist_ok=True)
+            (SHOTS / f"{name}.pdf").write_bytes(data)
+        return len(re.findall(rb"/Type\s*/Page\b", data))
+
+    def check_quiet(self, what):
+        """Nothing went wrong, and nothing was asked for elsewhere."""
+        log = [entry["message"] for entry in self.driver.get_log("browser")]
+        expect(f"{what}: console", log, [])
+        entries = self.js("return performance.getEntriesByType('resource').map((e) => e.name)")
+        expect(f"{what}: requests", entries, [])
+
+
+PICTURES = ["spectrogram", "levels", "spectrum", "track", "height", "geometry"]
+INK = """return [...document.querySelectorAll('.picture')].map((figure) => {
+  const canvas = figure.querySelector('canvas:not([aria-hidden])');
+  const { data } = canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height);
+  const colours = new Map();
+  for (let i = 0; i < data.length; i += 4) {
+    const key = data[i] << 16 | data[i + 1] << 8 | data[i + 2];
+    if (data[i + 3] > 200) colours.set(key, (colours.get(key) ?? 0) + 1);
+  }
+  return [...figure.classList][1] + ':' + ([...colours.values()].filter((n) => n > 60).length > 2);
+})"""
+NAMELESS = """return [...document.querySelectorAll('button, input, [role], [tabindex], canvas')]
+  .filter((e) => !e.closest('[aria-hidden], .uplot') && !e.getAttribute('aria-label')
+    && !e.textContent.trim() && !e.closest('label')).map((e) => e.outerHTML)"""
+
+
+def readout(browser):
+    return browser.one(".readout").text
+
+
+def marker(browser):
+    return browser.js(
+        "return parseFloat(document.querySelector('.spectrogram .marker').style.left)"
+    )
+
+
+def check_cursor(browser):
+    """The cursor ties all pictures and the table, by mouse and by keyboard."""
+    plot = ".spectrogram .plot"
+    browser.keys(plot, Keys.HOME, Keys.ARROW_RIGHT)
+    expect("keys", "record 2 \u00b7 14:30:00.75" in readout(browser), True)
+    browser.keys(plot, Keys.ARROW_UP)
+    expect("a band", "50 Hz: 61.60 dB, masked" in readout(browser), True)
+    now = browser.js(
+        "return [...document.querySelectorAll('[role=slider]')].map((e) => e.ariaValueNow)"
+    )
+    expect("all pictures", now, ["2"] * 4)
+    row = browser.one(".records [aria-current]").text.split()
+    expect("the table's row", row[:2], ["2", "14:30:00.75"])
+    label = browser.one(".spectrum .plot").get_attribute("aria-label")
+    expect("the spectrum's label", label, f"Spectrum of {readout(browser)}")
+    before = marker(browser)
+    over = browser.one(".levels .u-over")
+    ActionChains(browser.driver).move_to_element(over).perform()
+    browser.settle()
+    expect("the mouse", 28 < int(readout(browser).split()[1]) < 33, True)
+    expect("the marker", marker(browser) > before + 50, True)
+
+
+def check_zoom(browser):
+    def apart():
+        browser.keys(".levels .plot", Keys.HOME, *[Keys.ARROW_RIGHT] * 20)
+        low = marker(browser)
+        browser.keys(".levels .plot", Keys.ARROW_RIGHT)
+        return marker(browser) - low
+
+    whole = apart()
+    browser.keys(".levels .plot", "+")
+    expect("zoom by key", round(apart() / whole, 1), 2.0)
+    browser.keys(".levels .plot", "0")
+    expect("all by key", round(apart() / whole, 1), 1.0)
+    over = browser.one(".levels .u-over")
+    width = over.size["width"]
+    ActionChains(browser.driver).move_to_element_with_offset(
+        over, -width // 4, 0
+    ).click_and_hold().move_by_offset(width // 4, 0).move_by_offset(
+        width // 4, 0
+    ).release().perform()
+    browser.settle()
+    expect("zoom by dragging", 1.8 < apart() / whole < 2.2, True)
+    ActionChains(browser.driver).double_click(over).perform()
+    browser.settle()
+    expect("all by double-click", round(apart() / whole, 1), 1.0)
+    for button in browser.all(".toolbar button"):
+        if button.text == "10 dB down":
+            button.click()
+    browser.settle()
+    expect("the 10 dB-down part", apart() / whole > 2, True)
+
+
+def check_values(browser, folder):
+    """The table of records says what `aqdata metrics` says."""
+    mask = str(folder / "fly-over.mask.csv")
+    found = json.loads(run("metrics", "--json", "--mask", mask, str(folder / "fly-over.sth.csv")))
+    rows = browser.js(
+        "return [...document.querySelectorAll('.records tbody tr')]"
+        ".map((row) => [...row.cells].map((cell) => cell.textContent))"
+    )
+    names = ["AWT", "CWT", "DWT", "OA", "PNL", "PNLT", "TONECOR"]
+    wanted = [[str(r["record"])] + [f"{r[name]:.2f}" for name in names] for r in found["records"]]
+    expect("metrics", [row[:1] + row[3:10] for row in rows], wanted)
+    figures = browser.one(".figures").text
+    expect("EPNL", f"EPNL {found['event']['EPNL']:.2f} EPNdB" in figures, True)
+    begin = found["event"]["first"]
+    expect("the first record", rows[begin - 1][-1], "first")
+
+
+def check_run(browser, folder):
+    page = folder / "run.html"
+    run("report", str(folder / "fly-over.sth.csv"), "--celsius", "20", "-o", str(page))
+    browser.open(page)
+    expect("pictures", browser.js(INK), [f"{name}:true" for name in PICTURES])
+    expect("without a name", browser.js(NAMELESS), [])
+    check_values(browser, folder)
+    check_cursor(browser)
+    check_zoom(browser)
+    expect("pages of paper", browser.pdf("run"), 2)
+    browser.check_quiet("a run")
+    for dark in (False, True):
+        for width in (390, 1024, 1920):
+            browser.open(page, width, dark=dark)
+            wide = browser.js("return document.documentElement.scrollWidth")
+            expect(f"{width} wide", wide <= width, True)
+            browser.shoot(f"run-{width}-{'dark' if dark else 'light'}")
+    shade = browser.js("return getComputedStyle(document.body).backgroundColor")
+    expect("dark", shade, "rgb(20, 23, 26)")
+    browser.check_quiet("widths")
+
+
+def names(browser):
+    return [e.text for e in browser.all(".season tbody th") if e.is_displayed()]
+
+
+def check_season(browser, folder):
+    page = folder / "season.html"
+    run("report", str(folder), "-o", str(page), status=2)
+    browser.open(page)
+    browser.shoot("season-1024")
+    runs = ["<b>hostile&.sth.csv", "alone.sth.csv", "damaged.sth.csv", "fly-over.sth.csv"]
+    expect("runs", sorted(names(browser)), runs)
+    for sign in ("ascending", "descending"):
+        browser.all(".sort")[0].click()
+        expect("sorted", browser.one("[aria-sort]").get_attribute("aria-sort"), sign)
+    expect("the last run first", names(browser)[0], "fly-over.sth.csv")
+    browser.keys("input[type=search]", "damaged")
+    expect("reduced", names(browser), ["damaged.sth.csv"])
+    browser.keys("input[type=search]", *[Keys.BACKSPACE] * 7)
+    for link in browser.all(".season a"):
+        if link.text == runs[0]:
+            link.click()
+            break
+    browser.settle()
+    check_hostile(browser)
+    browser.keys("body", "n")  # to the one without anything next to it
+    browser.keys("details[open] .spectrogram .plot", Keys.HOME, Keys.ARROW_UP)
+    expect("9999", readout(browser)[-21:], "50 Hz: no valid level")
+    browser.keys("details[open] .spectrogram .plot", Keys.ARROW_UP)
+    expect("more decimals", readout(browser)[-15:], "63 Hz: 61.49 dB")
+    browser.keys("body", "nn")  # past the damaged one, to the sample
+    titles = browser.js(
+        "return [...document.querySelectorAll('details[open] h2')].map(h => h.textContent)"
+    )
+    expect("one after the other", titles, ["fly-over.sth.csv"])
+    expect("pages of paper", browser.pdf("season"), 3)
+    browser.check_quiet("a season")
+    for width in (390, 1920):
+        browser.open(page, width, dark=width == 390)
+        browser.shoot(f"season-{width}")
+        wide = browser.js("return document.documentElement.scrollWidth")
+        expect(f"{width} wide", wide <= width, True)
+
+
+def check_hostile(browser):
+    body = browser.js("return document.querySelector('details[open] .body').textContent")
+    missing = [word for word in HOSTILE if word.replace('"', "") not in body.replace('"', "")]
+    expect("not shown as they are", missing, [])  # the reader takes quotes away
+    expect("nothing ran", browser.js("return window.hacked ?? null"), None)
+    expect("no markup of it", len(browser.all("img, details b:not(.figures b)")), 0)
+    expect("its title", browser.one("details[open] h2").text, "<b>hostile&.sth.csv")
+
+
+with tempfile.TemporaryDirectory() as name:
+    place = pathlib.Path(name)
+    season(place)
+    browser = Browser()
+    try:
+        check_run(browser, place)
+        check_season(browser, place)
+    finally:
+        browser.driver.quit()
+print("\n".join(faults) or "no fault")
+sys.exit(1 if faults else 0)
