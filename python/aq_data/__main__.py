@@ -101,15 +101,12 @@ def convert(source: str, output: str, mask: Optional[str] = None) -> None:
     if "mask_mode" not in ds.variables or "level" not in ds.variables:
         write(ds, output)
         return
-    history, rows = measurement(ds)
+    history, stored_mask = measurement(ds)
     write(history, output)
-    if rows is not None:
+    if stored_mask is not None:
         stem = output[: -len(".sth.csv")] if output.endswith(".sth.csv") else output
-        rows.header.sGenerationFile = output
-        rows.header.aqGenerationDateTime = _core.AQ_Time()
-        write(
-            rows, os.path.splitext(stem)[0] + ".mask.csv" if stem == output else f"{stem}.mask.csv"
-        )
+        stem = os.path.splitext(stem)[0] if stem == output else stem
+        write(stored_mask, f"{stem}.mask.csv")
 
 
 def main(words: list[str]) -> int:

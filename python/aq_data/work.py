@@ -199,7 +199,9 @@ def join(
     """
     if len(pieces) < 2:
         raise ValueError(f"expected two pieces or more, found {len(pieces)}")
-    maps = list(masks) if masks is not None else [getattr(piece, "mask", None) for piece in pieces]
+    maps: list[Any] = [getattr(piece, "mask", None) for piece in pieces]
+    if masks is not None:
+        maps = list(masks)
     if len(maps) != len(pieces):
         raise ValueError(f"expected {len(pieces)} masks, one a piece, found {len(maps)}")
     runs = [
