@@ -42,7 +42,7 @@ BY_PACKAGE = [  # what the tool has done by the package
     f"aqdata convert {ONE}.sth.csv --masks -o one.nc && aqdata convert one.nc -o one.sth.csv",
     f"aqdata diff --dates {ONE}.sth.csv one.sth.csv && aqdata diff {ONE}.mask.csv one.mask.csv",
     f"aqdata plot {ONE}.sth.csv {ONE}.mask.csv -o one.png && grep -q PNG one.png",
-    "! aqdata plot one.sth.csv one.sth.csv -o two.png",
+    f"! aqdata plot one.sth.csv {ONE}.sth.csv -o two.png",
     f"/usr/bin/python3 -c '{IN_PYTHON}'",
 ]
 DAMAGE = {  # by the last digit of a run's number
