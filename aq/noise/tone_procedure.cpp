@@ -24,7 +24,7 @@ Number numberOf(double value) {
 template <class Number>
 Number correctionOf(const Number& difference) {
   const Number third = difference / 3.0;
-  const Number least = smallerOf<Number>(third / 2.0, third - 0.5);
+  const auto least = smallerOf<Number>(third / 2.0, third - 0.5);
   return largerOf(smallerOf(numberOf<Number>(10.0 / 3), least), Number{});
 }
 

@@ -64,8 +64,8 @@ std::string sheetNameOf(const std::string& file, std::set<std::string>& taken) {
   name.resize(std::min(name.size(), kMost));
   for (int number = 2; !taken.insert(aq::upperCased(name)).second; ++number) {
     const std::string end = fmt::format("~{}", number);
-    name =
-        name.substr(0, std::min(name.size(), kMost - end.size())).substr(0, name.rfind('~')) + end;
+    name.resize(std::min({name.size(), kMost - end.size(), name.rfind('~')}));
+    name += end;
   }
   return name;
 }
@@ -245,7 +245,7 @@ class Workbook::Sheets {
     const auto masks =
         run.map && run.map->model->contains(number) ? run.map->model->Row(number) : nullptr;
     std::string letters;
-    for (std::size_t i = 0; i < static_cast<std::size_t>(sheet.high - sheet.low + 1); ++i) {
+    for (std::size_t i = 0; sheet.band(i) <= sheet.high; ++i) {
       const std::int16_t band = sheet.band(i);
       const bool decided = masks && masks->contains(band);
       const aq::AQ_Mask decision = decided ? masks->decision(band) : aq::AQ_Mask();

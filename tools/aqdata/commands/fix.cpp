@@ -65,7 +65,7 @@ void writeBytes(const std::string& path, std::string_view bytes) {
 
 /// Keeps a file next to itself, with its date.
 std::string keepOriginal(const std::string& path, std::string_view bytes) {
-  const std::string original = path + ".orig";
+  std::string original = path + ".orig";
   std::error_code error;
   if (fs::exists(original, error)) {
     throw Failure(fmt::format("{}: already exists; --no-orig keeps none", aq::escaped(original)));
