@@ -1,4 +1,4 @@
-"""Writes the page of the C++ API from the XML of Doxygen, by public header: XML PAGE."""
+"""Writes the page of C++ classes from the XML of Doxygen, by public header: XML PAGE."""
 
 import pathlib
 import re
@@ -15,12 +15,9 @@ TITLES = {
     "files": "Files",
     "check": "Checks",
 }
-BEGIN = """# C++ API
+BEGIN = """# C++ classes and functions
 
-Every public class and function, from the headers. `#include <aq/aq.h>` is the whole interface; each
-heading names the header that is enough for its part. Everything is in the namespace `aq`. The
-[reference](../reference.md) has units and ranges at a glance; there, file classes also list
-`lastFailure`, which all of them have.
+Every public class and function, from the headers; the [C++ API](cpp.md) lists the most important ones.
 """
 
 
@@ -71,4 +68,5 @@ def main(xml, target):
     pathlib.Path(target).write_text("".join(page))
 
 
-main(*sys.argv[1:])
+if __name__ == "__main__":
+    main(*sys.argv[1:])

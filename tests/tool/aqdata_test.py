@@ -664,8 +664,27 @@ def check_widths(folder):
         expect_in("columns left out", wide.read_text(errors="replace"), "no room for ")
 
 
+def check_cpp_tutorial():
+    """The page shows the tested program with its output, and signatures that the headers have."""
+    page = (PROJECT / "docs" / "tutorials" / "cpp.md").read_text()
+
+    def blocks(language):
+        return re.findall(rf"^```{re.escape(language)}\n(.*?)^```", page, re.S | re.M)
+
+    program = (PROJECT / "examples" / "tutorial.cpp").read_text().partition("#include <aq")
+    shown = "".join(blocks("cpp")).split()
+    expect("program of the C++ tutorial", "".join(program[1:]).split(), shown)
+    output = (PROJECT / "examples" / "tutorial.txt").read_text()
+    expect("output of the C++ tutorial", blocks("text")[0].strip(), output.strip())
+    headers = "".join(path.read_text() for path in (PROJECT / "aq").rglob("*.h"))
+    for signature in "".join(blocks("c++")).split(";")[:-1]:
+        found = "".join(signature.split()) in "".join(headers.split())
+        expect(f"in a header: {signature.strip()}", found, True)
+
+
 def check_documents(parent):
     """Every console block of the documentation shows what the program prints."""
+    check_cpp_tutorial()
     for page in ("docs/aqdata", "docs/metrics", "docs/season", "docs/tutorials/shell"):
         folder = parent / page.replace("/", "-")
         shutil.copytree(SAMPLES, folder)
