@@ -30,8 +30,8 @@ struct History {
   void read(const std::string& path);
 };
 
-/// Rows for the memory of this process after reading a history, relative to its start, and for its
-/// peak while reading, relative to what it then holds.
+/// Rows for the memory of this process after reading a history, relative to its start, and for the
+/// peak while reading, relative to that.
 nlohmann::ordered_json memoryOfReading(const std::string& path);
 
 }  // namespace bench

@@ -4,7 +4,7 @@
 //
 //   aq_bench FOLDER [--json FILE] [options of Google Benchmark]
 //
-// Each group runs in its own process, since what one leaves in memory slows the next.
+// Each group runs in its own process, since memory left by one slows the next.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,8 +1,8 @@
-"""Times numpy and pandas beside the library on the same history: reading, writing, noise metrics.
+"""Times numpy and pandas against the library on the same history: reading, writing, noise metrics.
 
-peers.py FOLDER TABLE: FOLDER holds the history that the benchmark program made, TABLE is what it
-wrote with --json. Prints `name ratio median spread`: the ratio is that of the peer's median to the
-library's in this run. aq_data has to be on the path of modules.
+peers.py FOLDER TABLE: FOLDER has the history made by the benchmark program, TABLE is its output
+with --json. Prints `name ratio median spread`; the ratio is the peer's median divided by the
+library's in this run. aq_data must be importable.
 """
 
 import json

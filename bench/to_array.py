@@ -1,4 +1,4 @@
-"""Times a history of 32,767 records and 24 bands from disk to an array, beside a pandas reader.
+"""Times reading a history of 32,767 records and 24 bands into an array, compared with pandas.
 
     PYTHONPATH=build/release/python /usr/bin/python3 bench/to_array.py
 """

@@ -4,7 +4,7 @@ set(CMAKE_SYSTEM_PROCESSOR ${processor})
 set(CMAKE_C_COMPILER ${host}-gcc-posix)  # GoogleTest names C as well
 set(CMAKE_CXX_COMPILER ${host}-g++-posix)  # whose standard library has threads
 set(CMAKE_RC_COMPILER ${host}-windres)
-set(CMAKE_EXE_LINKER_FLAGS_INIT -static)  # nothing to install beside what is built
+set(CMAKE_EXE_LINKER_FLAGS_INIT -static)  # nothing to install in addition to what is built
 set(CMAKE_SHARED_LINKER_FLAGS_INIT -static)
 set(CMAKE_MODULE_LINKER_FLAGS_INIT -static)
 set(CMAKE_FIND_ROOT_PATH /usr/${host})

@@ -11,8 +11,8 @@
 #include "component/convert.h"
 #include "component/extras.h"
 
-// Whole series as arrays, so that a host fills a sheet in one call, and what else only the
-// component has.
+// Members that only the component has, mainly whole series as arrays, so that a host can fill a
+// sheet in one call.
 
 namespace aq::com {
 namespace {
@@ -38,8 +38,8 @@ struct Range {
   }
 };
 
-/// An array that is made for the host: of values that are Empty at first, counted from 1, since
-/// some hosts know no others.
+/// An array for the host. Its values are initially Empty, and it starts at 1, since some hosts
+/// support no other bounds.
 class NewArray {
  public:
   NewArray(std::size_t rows, std::size_t columns, UINT dimensions = 2) : rows_(rows) {
@@ -80,7 +80,7 @@ class NewArray {
   std::size_t rows_;
 };
 
-/// A table that the host gives, of values of any one type and with any bounds.
+/// A table from the host, with any bounds and any one type of values.
 class GivenTable {
  public:
   explicit GivenTable(const VARIANT& given) {
@@ -163,7 +163,7 @@ Extent extentOf(const AQ_MaskMap& map) {
   return number >= range.low && number <= range.high;
 }
 
-/// A level in the form in which it is held; numbers of any type as doubles.
+/// A level as it is stored; numbers of any type as doubles.
 void putLevels(const NewArray& array, std::size_t row, const Range& bands,
                const AQ_Spectrum& spectrum) {
   const auto codes = spectrum.levelCodes();
@@ -194,7 +194,7 @@ void getLevels(const Call& call) {
   array.release(call.result);
 }
 
-/// What a cell of a table sets.
+/// The value that a cell of a table sets.
 template <class Owner, class Given>
 struct Change {
   std::shared_ptr<Owner> owner;
@@ -202,8 +202,8 @@ struct Change {
   Given given;
 };
 
-/// Every cell that is not Empty as `read(cell)` gives it, before anything is changed. `ownerOf`
-/// throws for a record that is not there.
+/// Converts all cells that are not Empty with `read(cell)` before anything is changed. `ownerOf`
+/// throws for a missing record.
 template <class Owner, class OwnerOf, class Read>
 auto changesOf(const VARIANT& given, const Extent& extent, const char* what, const OwnerOf& ownerOf,
                const Read& read) {
@@ -266,7 +266,7 @@ void getMaskStrings(const Call& call) {
   array.release(call.result);
 }
 
-/// Letters that a mask would ignore are refused here, since a whole table is given at once.
+/// Rejects letters that a mask would ignore, since a table is assigned as a whole.
 AQ_Mask maskOf(const Variant& cell) {
   const std::string letters = cell.toString();
   AQ_Mask mask;

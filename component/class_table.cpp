@@ -49,7 +49,7 @@ struct AllTables {
   }
 };
 
-/// Made at first use and kept: objects may outlive what the DLL would clean up.
+/// Created on first use and never destroyed, since objects may outlive the DLL's cleanup.
 const AllTables& all() {
   static const auto* const made = new AllTables;
   return *made;

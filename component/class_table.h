@@ -14,11 +14,11 @@
 #include "aq/core/variant.h"
 #include "component/com.h"
 
-// A class as hosts call it: its members by name and number, each with what it runs.
+// A class as hosts call it: its members by name and number, with their implementations.
 
 namespace aq::com {
 
-/// A refusal that hosts have a code of their own for. Thrown inside, never through the DLL's edge.
+/// An error for which hosts have a code of their own. Thrown only inside the DLL.
 struct Fault {
   HRESULT code;
   std::size_t argument = SIZE_MAX;  ///< its place in the call, if it is about one
@@ -37,7 +37,7 @@ class Value : public VARIANT {
   Value& operator=(const Value&) = delete;
   ~Value() { VariantClear(this); }
 
-  /// Hands what it holds to `other`, which is overwritten.
+  /// Moves its value to `other`, which is overwritten.
   void release(VARIANT& other) {
     other = *this;
     VariantInit(this);

@@ -1,6 +1,6 @@
 #pragma once
 
-// What Windows has of COM. The first header defines what the others need.
+// The headers of COM. The first one defines what the others need.
 // clang-format off
 #include <windows.h>
 #include <oleauto.h>

@@ -15,12 +15,12 @@ constexpr LONG kSize = 28;  // pixels, each way
 constexpr LONG kHimetricPerInch = 2540;
 constexpr LONG kPixelsPerInch = 96;
 constexpr LONG kExtent = kSize * kHimetricPerInch / kPixelsPerInch;
-constexpr DWORD kSavedVersion = 1;  // all that is saved
+constexpr DWORD kSavedVersion = 1;  // the only saved data
 constexpr DWORD kStatus = OLEMISC_SETCLIENTSITEFIRST | OLEMISC_INVISIBLEATRUNTIME |
                           OLEMISC_CANTLINKINSIDE | OLEMISC_RECOMPOSEONRESIZE;
 
-/// A picture in the middle of a place on a form. It has no window, no verbs and no members, and
-/// never changes; containers ask for all of these interfaces before they take a control.
+/// A picture in the middle of its area on a form. It has no window, verbs or members, and never
+/// changes; containers require all of these interfaces of a control.
 class Control final : public Counted<IOleObject, IOleControl, IOleInPlaceObject, IViewObject2,
                                      IPersistStreamInit, IPersistStorage, IPersistPropertyBag,
                                      IDataObject, IProvideClassInfo, IDispatch> {
@@ -51,7 +51,7 @@ class Control final : public Counted<IOleObject, IOleControl, IOleInPlaceObject,
   STDMETHODIMP InitFromData(IDataObject*, BOOL, DWORD) override { return E_NOTIMPL; }
   STDMETHODIMP GetClipboardData(DWORD, IDataObject**) override { return E_NOTIMPL; }
   STDMETHODIMP DoVerb(LONG verb, LPMSG, IOleClientSite*, LONG, HWND, LPCRECT) override {
-    // There is nothing to show or to hide: the container draws.
+    // Nothing to show or hide: the container draws.
     return verb <= 0 ? S_OK : OLEOBJ_S_INVALIDVERB;
   }
   STDMETHODIMP EnumVerbs(IEnumOLEVERB**) override { return OLEOBJ_E_NOVERBS; }

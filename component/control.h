@@ -5,7 +5,7 @@
 
 namespace aq::com {
 
-/// The control `AQ_Data`, which shows on a form that the library is there.
+/// The control `AQ_Data`, which shows the library's picture on a form.
 [[nodiscard]] Held<IUnknown> makeControl();
 
 }  // namespace aq::com

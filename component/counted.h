@@ -7,8 +7,7 @@
 
 namespace aq::com {
 
-/// What hosts share by counting: the last share ends it, and as long as there is one, the DLL
-/// stays.
+/// Base of reference-counted objects, which keep the DLL loaded as long as they exist.
 template <class... Interfaces>
 class Counted : public Interfaces... {
  public:
@@ -31,7 +30,7 @@ class Counted : public Interfaces... {
   const InUse inUse_;
 };
 
-/// Answers for an object that has one interface.
+/// QueryInterface for an object with a single interface.
 template <class T>
 HRESULT answer(T* object, REFIID offered, REFIID asked, void** to) {
   if (to == nullptr) return E_POINTER;

@@ -13,11 +13,11 @@
 namespace aq::com {
 namespace {
 
-// The objects of the library that a host holds now, each with what shows it. A member may have the
-// address of its owner, so the class counts too.
+// The library objects that hosts currently hold, each with its host object. Keyed by address and
+// class, since a member may have the address of its owner.
 using Shown = std::map<std::pair<const void*, const ClassTable*>, Dispatch*>;
 std::mutex& shownMutex() {
-  static auto* const mutex = new std::mutex;  // objects may outlive what the DLL would clean up
+  static auto* const mutex = new std::mutex;  // objects may outlive the DLL's cleanup
   return *mutex;
 }
 Shown& shown() {
@@ -49,7 +49,7 @@ HRESULT tell(EXCEPINFO* exception, SCODE code, const ClassTable& table, const ch
   return DISP_E_EXCEPTION;
 }
 
-/// The arguments of a call by their place, whatever the order in which they came.
+/// The arguments of a call by position, in whatever order they were passed.
 class Places {
  public:
   Places(const Member& member, DISPPARAMS& parameters, bool isPut) : parameters_(parameters) {
@@ -68,7 +68,7 @@ class Places {
   [[nodiscard]] VARIANTARG* value() const { return value_; }
   [[nodiscard]] UINT positional() const { return positional_; }
 
-  /// Where the host has the argument of a place.
+  /// The host's index of the argument at a position.
   [[nodiscard]] UINT hostPlace(std::size_t place) const {
     const VARIANTARG* const argument = place < size_ ? places_[place] : value_;
     return argument == nullptr ? 0 : static_cast<UINT>(argument - parameters_.rgvarg);
@@ -87,14 +87,15 @@ class Places {
   }
 
   DISPPARAMS& parameters_;
-  // No member has more, and a list would cost more than most calls.
+  // No member has more arguments, and a list would cost more than most calls.
   std::array<VARIANTARG*, 8> places_{};
   std::size_t size_ = 0;
   VARIANTARG* value_ = nullptr;
   UINT positional_ = 0;
 };
 
-/// `header.cCommentLines(2)`: what is too much goes to the default member of the property's object.
+/// For `header.cCommentLines(2)`: extra arguments go to the default member of the property's
+/// object.
 Value ofDefaultMember(const Member& member, const Call& call, std::span<VARIANTARG* const> rest) {
   member.get(call);
   if (call.result.vt != VT_DISPATCH || call.result.pdispVal == nullptr) {
@@ -187,7 +188,8 @@ STDMETHODIMP_(ULONG) Dispatch::Release() {
     if (count_.compare_exchange_weak(count, count - 1)) return count - 1;
   }
   {
-    // The last share goes under the mutex, so that nobody is handed what is about to end.
+    // The last reference is released under the mutex, so that no thread can get an object that is
+    // about to be destroyed.
     const std::lock_guard lock(shownMutex());
     if (--count_ != 0) return count_;
     shown().erase({object_.get(), &table_});
@@ -278,7 +280,7 @@ STDMETHODIMP Dispatch::Invoke(DISPID id, REFIID /*iid*/, LCID /*locale*/, WORD f
   if (GetCurrentThreadId() != thread_) return RPC_E_WRONG_THREAD;
   if (parameters == nullptr) return E_POINTER;
   return guarded([&] {
-    // Nothing of the host's may end this object or its table in the middle of a call.
+    // The host must not destroy this object or its table in the middle of a call.
     const Held<IDispatch> self = Held<IDispatch>::share(this);
     try {
       Value value = run(id, flags, *parameters);

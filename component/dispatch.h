@@ -10,13 +10,12 @@
 
 namespace aq::com {
 
-/// An identifier of the component by its number.
+/// The component's identifier with this number.
 [[nodiscard]] GUID guid(int number);
 
-/// An object of the library as hosts hold it. As long as one is held, the same object of the
-/// library is always shown by the same one, so that hosts can compare them. Belongs to the thread
-/// that made it: COM takes calls of other apartments there, and a call that comes directly is
-/// refused.
+/// A library object as hosts hold it. As long as it is held, a library object always has the same
+/// host object, so that hosts can compare them. Belongs to the thread that created it: COM forwards
+/// calls from other apartments, and direct calls are refused.
 class Dispatch final : public IDispatch, public IProvideClassInfo {
  public:
   Dispatch(std::shared_ptr<void> object, const ClassTable& table);
@@ -49,16 +48,16 @@ class Dispatch final : public IDispatch, public IProvideClassInfo {
   const InUse inUse_;
 };
 
-/// The one that shows this object, with a share for the caller; null for no object.
+/// The host object of a library object, with a reference for the caller; null for no object.
 [[nodiscard]] IDispatch* wrap(std::shared_ptr<void> object, const ClassTable& table);
 
-/// What a host's object is, if it is one of ours in this apartment; else null.
+/// A host's object as one of ours in this apartment; null for any other.
 [[nodiscard]] const Dispatch* ownObject(IDispatch* object);
 
-/// A description of the type library in the DLL.
+/// A type description from the DLL's type library.
 [[nodiscard]] HRESULT typeInfo(const GUID& identifier, ITypeInfo** to);
 
-/// Runs `work`, which gives an HRESULT; what it throws becomes one, and nothing leaves.
+/// Runs `work`, which returns an HRESULT; converts exceptions to one, so that none leaves the DLL.
 template <class Work>
 HRESULT guarded(const Work& work) noexcept {
   try {

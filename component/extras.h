@@ -5,7 +5,7 @@
 
 namespace aq::com {
 
-/// What a member that only the component has runs.
+/// The implementation of a member that only the component has.
 struct ExtraCalls {
   Thunk get;
   Thunk put = {};

@@ -6,12 +6,12 @@
 
 namespace aq::com {
 
-/// A share in an object of a host or of the component.
+/// A reference to an object of a host or of the component.
 template <class T>
 class Held {
  public:
   Held() = default;
-  /// Takes over a share.
+  /// Takes over a reference.
   explicit Held(T* object) : object_(object) {}
   [[nodiscard]] static Held share(T* object) {
     if (object != nullptr) object->AddRef();
@@ -30,7 +30,7 @@ class Held {
 
   [[nodiscard]] T* get() const { return object_; }
   [[nodiscard]] T* release() { return std::exchange(object_, nullptr); }
-  /// Where a call puts a share; it has to hold none.
+  /// Where a call stores a reference. Must be empty.
   [[nodiscard]] T** put() { return &object_; }
   T* operator->() const { return object_; }
   T& operator*() const { return *object_; }

@@ -1,4 +1,4 @@
-// Writes the type library in its language (IDL), from the description of the object model.
+// Writes the IDL of the type library from the description of the object model.
 
 #include <iostream>
 #include <map>
@@ -54,7 +54,7 @@ std::string objectType() {
   return "_" + className<C>() + "*";
 }
 
-/// A type of C++ as hosts see it.
+/// A C++ type as hosts see it.
 template <class T>
 std::string type() {
   using V = std::remove_cvref_t<T>;
@@ -111,7 +111,7 @@ std::string lowerCase(std::string name) {
   return name;
 }
 
-/// A type library has one spelling of a name, whatever its case: that of a member comes first.
+/// A type library has one spelling of a name, regardless of case; that of a member comes first.
 std::string spelled(const std::string& name) {
   static const auto members = [] {
     std::map<std::string, std::string> found;
@@ -232,7 +232,7 @@ class Interface {
 
   template <class Value, class Member>
   void getAndSet(const Member& member, const std::string& given, const std::string& key) const {
-    // Hosts want one type for both.
+    // Hosts require one type for both.
     const std::string shown = given == "VARIANT" ? given : type<Value>();
     line(member, "propget", shown, key);
     set<Value>(member, shown, key, "value");
@@ -254,7 +254,7 @@ class Interface {
   template <class Result, class... Arguments, class Call>
   void call(const Call& called) const {
     auto parameters = called.parameters;
-    bool isOptional = true;  // what is followed by another that is not, has to be given
+    bool isOptional = true;  // an argument before a required one is required too
     for (auto it = parameters.rbegin(); it != parameters.rend(); ++it) {
       isOptional = it->isOptional = isOptional && it->isOptional;
     }

@@ -41,7 +41,7 @@ HKEY rootOf(Scope scope) {
   return scope == Scope::Machine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
 }
 
-/// Of the classes of a machine or of a user.
+/// The registry key for the classes of the machine or of a user.
 class Classes {
  public:
   explicit Classes(Scope scope) : root_(rootOf(scope)) {}
@@ -107,7 +107,8 @@ void addControl(const Classes& classes, const std::wstring& path, const std::wst
   classes.set(path + L"\\Control", nullptr, L"");
   classes.set(path + L"\\ToolboxBitmap32", nullptr, dll + L", 1");
   classes.set(path + L"\\MiscStatus", nullptr, L"0");
-  // Sets its client site first, invisible at run time, no linking inside, drawn again on resizing.
+  // Sets its client site first, is invisible at run time, cannot link inside, and is redrawn when
+  // resized.
   classes.set(path + L"\\MiscStatus\\1", nullptr, L"132113");
   const std::wstring categories = path + L"\\Implemented Categories\\";
   classes.set(categories + L"{40FC6ED4-2438-11CF-A3DB-080036F12502}", nullptr, L"");  // controls

@@ -6,8 +6,8 @@ namespace aq::com {
 
 enum class Scope { Machine, User };
 
-// What hosts find classes and the type library by. A failure half-way takes back what was written.
-// Taking back leaves what the other size of the DLL, 32 or 64 bits, shares.
+// Registers the classes and the type library for hosts. A failure half-way undoes what was written.
+// Removal keeps what the DLL of the other size, 32 or 64 bits, shares.
 [[nodiscard]] HRESULT registerServer(Scope scope);
 [[nodiscard]] HRESULT unregisterServer(Scope scope);
 

@@ -17,7 +17,7 @@ namespace {
 HINSTANCE theModule = nullptr;
 std::atomic<LONG> inUse = 0;
 
-/// Makes objects of one class.
+/// Creates objects of one class.
 class Factory final : public Counted<IClassFactory> {
  public:
   using Make = std::function<Held<IUnknown>()>;
@@ -100,7 +100,7 @@ STDAPI DllUnregisterServer() {
   return aq::com::guarded([] { return aq::com::unregisterServer(aq::com::Scope::Machine); });
 }
 
-/// `regsvr32 /n /i:user`: for the user alone, who need be no administrator.
+/// `regsvr32 /n /i:user`: for the current user only, who need not be an administrator.
 STDAPI DllInstall(BOOL installs, LPCWSTR forWhom) {
   using namespace aq::com;
   return guarded([&] {

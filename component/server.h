@@ -10,7 +10,7 @@ namespace aq::com {
 [[nodiscard]] HINSTANCE module();
 [[nodiscard]] std::wstring modulePath();
 
-/// Counts what keeps the DLL loaded: as long as one lives.
+/// Counts the objects that keep the DLL loaded.
 class InUse {
  public:
   InUse() noexcept;

@@ -15,7 +15,7 @@ namespace aq::com {
 
 inline std::wstring widened(std::string_view name) { return {name.begin(), name.end()}; }
 
-/// Runs `call` with the arguments that the host gave, and gives it what comes back.
+/// Runs `call` with the host's arguments, and returns its results to the host.
 template <class Result, class... As, class F>
 void callWith(const Call& call, [[maybe_unused]] std::span<const TextKind> kinds,
               TextKind resultKind, const F& run) {
@@ -37,7 +37,7 @@ void callWith(const Call& call, [[maybe_unused]] std::span<const TextKind> kinds
       arguments);
 }
 
-/// A series as For Each shows it: its objects, or its values where it has no objects.
+/// A series as For Each visits it: its objects, or its values if it has no objects.
 template <class C>
 std::vector<Value> entriesOfObject(void* object) {
   C& self = *static_cast<C*>(object);
@@ -279,7 +279,7 @@ void addTables(Tables& tables, describe::List<C...> /*classes*/) {
   (add.template operator()<C>(), ...);
 }
 
-// One function a source, as each takes long to compile.
+// One function per source file, since each takes long to compile.
 void addModels(Tables& tables);
 void addCollections(Tables& tables);
 void addGeometry(Tables& tables);

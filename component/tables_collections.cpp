@@ -4,7 +4,7 @@ namespace aq::com {
 
 void addCollections(Tables& tables) {
   addTables(tables, describe::kCoreClasses);
-  // Of other entries: hosts know one class, of which they make those of text.
+  // Collections of other entries: hosts know only one class, and create collections of text.
   addTables<Collection<std::shared_ptr<Collection<std::string>>>, Collection<AQ_METRIC_TYPE>,
             Collection<double>, Collection<Message>, Collection<std::shared_ptr<ToneStep>>,
             Collection<std::shared_ptr<MetricDifference>>>(tables);

@@ -5,7 +5,7 @@
 
 #include "component/com.h"
 
-// Text of the library, which is bytes, as text of hosts, which is UTF-16, and back.
+// Converts text between the library, which uses bytes, and hosts, which use UTF-16.
 
 namespace aq::com {
 
@@ -14,7 +14,8 @@ enum class TextKind {
   Name,   ///< names of files and messages: UTF-8, and the code page for bytes that are none
 };
 
-/// Throws `InvalidArgument` for a character that the code page lacks, and for a half of one.
+/// Throws `InvalidArgument` for a character that the code page lacks, and for half of a surrogate
+/// pair.
 [[nodiscard]] std::string bytesOf(std::wstring_view text, TextKind kind);
 
 [[nodiscard]] std::wstring wideOf(std::string_view bytes, TextKind kind);
@@ -23,7 +24,7 @@ enum class TextKind {
 [[nodiscard]] BSTR hostText(std::string_view bytes, TextKind kind);
 [[nodiscard]] BSTR hostText(std::wstring_view text);
 
-/// What a host's text holds; no text is an empty one.
+/// The content of a host's text; a null text is empty.
 [[nodiscard]] inline std::wstring_view textOf(BSTR text) {
   return text == nullptr ? std::wstring_view() : std::wstring_view(text, SysStringLen(text));
 }

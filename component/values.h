@@ -9,7 +9,7 @@
 #include "component/com.h"
 #include "component/text.h"
 
-// Values between hosts and the library, without the types of C++: `convert.h` has those.
+// Values passed between hosts and the library; `convert.h` has the conversions to C++ types.
 
 namespace aq::com {
 
@@ -19,11 +19,11 @@ namespace aq::com {
 /// Empty, Null or Nothing, also by reference.
 [[nodiscard]] bool isNoObject(const VARIANT& given);
 
-/// A host's value with its own type; of a foreign object its default member. Null gives Empty. An
-/// array, and an object without a default member, is a type mismatch.
+/// A host's value with its own type; for a foreign object, its default member. Null becomes Empty.
+/// An array, and an object without a default member, is a type mismatch.
 [[nodiscard]] Variant variantOf(const VARIANT& given, TextKind kind = TextKind::Plain);
 
-/// As text; Empty gives an empty one.
+/// A value as text; Empty becomes an empty text.
 [[nodiscard]] std::string stringOf(const VARIANT& given, TextKind kind);
 
 /// The object of the component that `given` holds, if it is of that class; null for no object.
@@ -33,23 +33,23 @@ namespace aq::com {
 /// Whether it holds an object of that class.
 [[nodiscard]] bool isObjectOf(const VARIANT& given, const ClassTable& table);
 
-/// The entries of an array of one dimension, or of what For Each goes through.
+/// The entries of a one-dimensional array, or of anything that For Each visits.
 [[nodiscard]] std::vector<Value> entriesOf(const VARIANT& given);
 
 /// A named property of any object.
 [[nodiscard]] Variant propertyOf(const VARIANT& given, const wchar_t* name);
 
-// What hosts get, into a value that is empty.
+// Store a result for hosts in an empty value.
 void setVariant(VARIANT& to, const Variant& value);
 void setObject(VARIANT& to, std::shared_ptr<void> object, const ClassTable& table);
 void setText(VARIANT& to, std::string_view text, TextKind kind);
 
-/// Whether a host's variable can be written.
+/// Whether a host's variable is writable.
 [[nodiscard]] bool isVariable(const VARIANT& given);
 [[nodiscard]] bool isObjectVariable(const VARIANT& given);
 [[nodiscard]] bool isNumberVariable(const VARIANT& given);
 
-/// Stores what `value` holds in the host's variable, in place of what it held.
+/// Stores a value in the host's variable, replacing the old one.
 void writeBack(VARIANT& variable, Value& value);
 
 }  // namespace aq::com

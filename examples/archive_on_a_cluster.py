@@ -1,10 +1,10 @@
-"""A whole flow over an archive, on a cluster of two worker processes of this machine.
+"""A complete workflow over an archive, on a cluster of two worker processes on this machine.
 
     /usr/bin/python3 examples/archive_on_a_cluster.py [--files 2000] [--folder FOLDER]
 
-Makes histories, maps and geometry files; scans the folder; then every worker reads the files of
-the paths that it is given, leaves masked levels out and sums band energies by emission angle. The
-energy means go to `by_angle.nc`.
+Makes histories, maps and geometry files; scans the folder; then each worker reads the files at its
+paths, leaves out masked levels and sums band energies by emission angle. The energy means go to
+`by_angle.nc`.
 """
 
 from __future__ import annotations
@@ -26,7 +26,7 @@ PATHS_PER_TASK = 25
 
 
 def make(folder: Path, number: int) -> None:
-    """One fly-over: louder and faster with its number, masked where it falls under 40 dB."""
+    """One fly-over, louder and faster with its number, and masked where it falls below 40 dB."""
     rng = np.random.default_rng(number)
     seconds = (np.arange(RECORDS) - RECORDS // 2) * 0.5
     slant = np.hypot(150, (60 + number % 40) * seconds)

@@ -40,7 +40,7 @@ page = aq_data.plot.page(ds, ambient, track, microphone=microphone, events=event
 page.savefig("fly-over.png", dpi=100)
 
 # %% [markdown]
-# Everything stays in one netCDF file, and comes back from it.
+# One netCDF file stores everything, and restores it.
 
 # %%
 ds.to_netcdf("fly-over.nc")

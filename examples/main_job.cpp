@@ -1,5 +1,5 @@
-// The main job: read a history and its masking map, stamp it, find the last good bands, show it,
-// write it, read it back, and print what is equal and what the file does not carry.
+// The main job: reads a history and its masking map, stamps it, finds the last good bands, prints
+// it, writes it, reads it back, and prints what is equal and what the file does not contain.
 #include <algorithm>
 #include <iomanip>
 #include <string>
@@ -96,7 +96,7 @@ void report(const std::string& what, const std::string& found) {
   std::cout << "  " << std::left << std::setw(26) << what << std::right << found << '\n';
 }
 
-/// Prints what of `a` came back in `b`; true if all that the file carries did.
+/// Prints which parts of `a` are equal in `b`; true if everything that the file contains is.
 bool compare(const Measurement& a, const Measurement& b) {
   AQ_SpectralTimeHistory& one = *a.history;
   AQ_SpectralTimeHistory& two = *b.history;
@@ -149,7 +149,7 @@ int main(int argc, char** argv) {
     AQ_SpectralTimeHistory& history = *read.history;
     const auto start = history.startTime()->Copy();
     const auto reference = history.ReferenceTime()->Copy();
-    // A read does not set which event the reference time marks; the caller knows it.
+    // Reading does not set the reference type, so the caller must.
     history.setTimeStamps(*start, history.TimeStampType(), *reference, aq::AQ_AMAX);
     std::cout << "The map " << (history.EncompassesMask(*map) ? "fits" : "does not fit")
               << " the history.\n";

@@ -30,7 +30,7 @@ struct Calls {
 
 std::int16_t number(int value) { return static_cast<std::int16_t>(value); }
 
-/// Whether a call succeeds: it must unless it is `wrong`; then it must fail with `code`.
+/// Whether a call succeeds. It must, unless it is `wrong`; then it must fail with `code`.
 template <class Call>
 bool succeeds(bool wrong, ErrorCode code, const Call& call) {
   try {

@@ -1,5 +1,5 @@
-// Runs each target with the kept inputs and with all samples of every format, under any compiler,
-// and targets that need no file with generated inputs too: replay CORPUS SAMPLES
+// Runs each target, under any compiler, with the kept inputs and with all samples of every format;
+// targets that need no file also run with generated inputs: replay CORPUS SAMPLES
 #include <array>
 #include <filesystem>
 #include <iostream>
@@ -21,8 +21,8 @@ int replay(const std::string& target, const std::filesystem::path& folder) {
   return count;
 }
 
-/// A choice, then arbitrary bytes or, for every second one, fields that are nearly numbers, levels
-/// and clock times.
+/// A choice, then arbitrary bytes or, every second time, fields that are nearly numbers, levels or
+/// clock times.
 std::string made(std::mt19937& random, std::size_t most) {
   constexpr std::array kForms{"0",         "-0",    "00000",           "32767",  ".00",
                               "-.00",      "00.00", "000.00",          "327.68", "0.0000",

@@ -18,7 +18,8 @@ ALLOWED = {  # each folder, and the others that it may use
     "check": {"core", "detail", "text", "sdf", "masking", "spectral", "geometry", "noise", "files"},
     "describe": {"core", "masking", "spectral", "geometry", "noise", "files", "check"},
 }
-# A variant, a time and the dates of files have text forms: these sources, not their headers, use them.
+# A variant, a time and the dates of files have text forms: these sources, not their headers, use
+# them.
 WITH_TEXT = {"aq/core/variant.cpp", "aq/core/time.cpp", "aq/core/file_information.cpp"}
 
 
@@ -31,7 +32,7 @@ def includes(root):
 
 
 def imports(root):
-    """Which modules of a package know which: imports anywhere in them, in functions too."""
+    """Which modules of a package import which, including imports in functions."""
     modules = {path.stem: f"{root.name}/{path.name}" for path in sorted(root.glob("*.py"))}
     modules.pop("__init__", None)  # offers them all
     found = {}

@@ -1,11 +1,12 @@
-"""Changes the library in small ways, one at a time, and lists the changes that no test notices.
+"""Changes the library in small ways, one at a time, and lists the changes that no test detects.
 
     mutants.py [--sample N] [--seed N] [--all] [--only PLACE...] [--jobs N]
 
 Each worker has its own copy of the source tree and its own build, in a temporary folder. A change
-that does not compile does not count; a test that hangs or asks for too much memory has noticed.
-Mutations known to have no effect are listed in mutants.txt.
-PLACE is the start of `file:line:`. The same seed takes the same changes."""
+that does not compile does not count; a test that hangs or runs out of memory counts as detecting
+it. Mutations known to have no effect are listed in mutants.txt. PLACE is the start of `file:line:`.
+The same seed takes the same changes.
+"""
 
 import argparse
 import collections
@@ -27,7 +28,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 SLOW_MILLISECONDS = 100
 ENOUGH = 95  # per cent of the changes
 MEMORY = 4 << 30
-COMPILE_SECONDS = 900  # of all that a changed header reaches
+COMPILE_SECONDS = 900  # of everything that a changed header affects
 FLAGS = [
     "-std=c++20",
     "-O0",
@@ -57,8 +58,8 @@ STANDARD = [
 
 Mutant = collections.namedtuple("Mutant", "file line begin end text")
 
-# What a piece of code becomes. The source is formatted: binary operators have spaces around them,
-# template brackets do not.
+# The replacements for pieces of code. Since the source is formatted, binary operators have spaces
+# around them, and template brackets do not.
 OPERATORS = {
     "<": ("<=", ">="),
     "<=": ("<", ">"),
@@ -93,7 +94,7 @@ HIDDEN = re.compile(
     r"|^namespace [^\n]*",
     re.M | re.S,
 )
-# A line that is one statement, and no declaration: that one has two words, or a word for it.
+# A line that is a single statement and not a declaration, which starts with two words or a keyword.
 STATEMENT = re.compile(r" +((?!return )[^ ].*;) *$")
 DECLARATION = re.compile(
     r"(?!throw|if|for|while|delete)(?:\[\[\w+\]\] )?[\w:]+(?:<.*>)?[&*]*"
@@ -113,7 +114,7 @@ def visible(source):
 
 
 def statements(code):
-    """Where lines that are one statement begin and end."""
+    """The beginnings and ends of lines that are a single statement."""
     at, behind = 0, ""
     for line in code.splitlines(keepends=True):
         found = STATEMENT.match(line)
@@ -124,7 +125,7 @@ def statements(code):
 
 
 def arguments(code, opening):
-    """Where the arguments after the parenthesis at `opening` begin and end."""
+    """The beginnings and ends of the arguments after the parenthesis at `opening`."""
     depth, begin, found = 0, opening + 1, []
     for at in range(opening, len(code)):
         if code[at] in "([{":
@@ -140,7 +141,7 @@ def arguments(code, opening):
 
 
 def swaps(code, source):
-    """Neighbouring arguments of calls in each other's place."""
+    """Swaps neighbouring arguments of calls."""
     for call in re.finditer(r"[\w>]\(", code):
         if re.search(r"\b(?:if|for|while|switch|return|swap)$", code[: call.end() - 1]):
             continue
@@ -203,7 +204,7 @@ class Worker:
             symlinks=True,
             ignore=shutil.ignore_patterns(".git", "build", "__pycache__"),
         )
-        # Compiled fast rather than run fast; what may end without a result does not compile.
+        # Optimised for compile time; a function that may end without a result does not compile.
         self.run(
             [
                 "cmake",
@@ -313,7 +314,7 @@ class Worker:
             self.limits.append(5 + int(4 * (time.monotonic() - begin)))
 
     def survives(self, mutant):
-        """True or false; None when the mutant does not compile."""
+        """True or false; None if the mutant does not compile."""
         path = self.source / mutant.file
         source, status = path.read_text(encoding="utf-8"), path.stat()
         path.write_text(
@@ -345,13 +346,13 @@ def described(mutant):
 
 
 def equals():
-    """The changes that are known to be none: in `mutants.txt`, each with its reason."""
+    """The changes known to have no effect, from `mutants.txt`, each with its reason."""
     text = pathlib.Path(__file__).with_suffix(".txt").read_text(encoding="utf-8")
     return set(re.findall(r"^(\S+)\n  before: (.*)\n  after:  (.*)\n  equal:  .", text, re.M))
 
 
 def tried(mutants_taken, jobs, folder):
-    """Each mutant with its outcome, as they come."""
+    """Each mutant with its outcome, as they finish."""
     workers = queue.SimpleQueue()
 
     def trial(mutant):
@@ -388,11 +389,11 @@ def main():
     equal = [mutant for mutant in taken if described(mutant) in known]
     taken = [mutant for mutant in taken if mutant not in equal]
     begin = time.monotonic()
-    # Interrupted, it tells what it has.
+    # If interrupted, prints what it has.
     with tempfile.TemporaryDirectory(prefix="aq-mutants-") as folder, contextlib.suppress(
         KeyboardInterrupt
     ):
-        os.chmod(folder, 0o755)  # some tests give up their privileges, and their files lie in it
+        os.chmod(folder, 0o755)  # tests that drop their privileges write files there
         for mutant, survives in tried(taken, options.jobs, pathlib.Path(folder)):
             counts[survives] += 1
             if survives:

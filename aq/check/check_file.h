@@ -11,9 +11,9 @@
 
 namespace aq {
 
-/// Reads a file and reports what makes its reader fail, and what the reader accepts although it is
-/// probably wrong. Exceptions of `report` reach the caller. Different threads may check different
-/// files at once.
+/// Reads a file and reports what makes its reader fail, and what the reader accepts but is probably
+/// wrong. Exceptions of `report` reach the caller. Different threads may check different files at
+/// once.
 AQ_API void checkFile(const std::string& path, const FindingSink& report);
 
 /// Reports the fixes of a tracking file that a reader with this `RT20Limit` drops.
@@ -24,11 +24,11 @@ AQ_API void checkFixes(const std::string& path, std::uint8_t limit, const Findin
 AQ_API void checkFit(const AQ_SpectralTimeHistory& history, const std::string& historyName,
                      const AQ_MaskMap& map, const FindingSink& report);
 
-/// As above, for files. Reports nothing for a file that cannot be read: `checkFile` does.
+/// As above, for files. Reports nothing for a file that cannot be read; `checkFile` does.
 AQ_API void checkFit(const std::string& historyPath, const std::string& mapPath,
                      const FindingSink& report);
 
-/// What a check returns of a file besides its findings.
+/// What a check returns besides findings.
 struct Checked {
   std::optional<std::uint64_t> levels = {};  ///< a digest of all levels of a history
 };

@@ -47,7 +47,7 @@ class TimeOrder {
  private:
   /// A stuck tracker or a source at rest: one finding per run of positions.
   void reportStay() const {
-    constexpr std::size_t kEnough = 4;  // a few of a slow source may well be equal
+    constexpr std::size_t kEnough = 4;  // a slow source may well have a few equal ones
     if (stays_ < kEnough) return;
     report_(Kind::PositionStuck, {.line = line_ - stays_},
             "the position stays the same in the next " + std::to_string(stays_) + " lines");
@@ -90,7 +90,7 @@ class Contradictions {
         temperatureLine_(temperatureLine),
         report_(report) {}
 
-  /// Of all points except those whose time is known to be `wrong`.
+  /// Of all points except those whose time is already known to be `wrong`.
   void check(const RecordLines& records, const AQ_GeometryTimeHistory& history,
              const std::set<std::int32_t>& wrong) {
     std::vector<double> speeds;
@@ -113,7 +113,7 @@ class Contradictions {
   }
 
  private:
-  /// In metres or feet per second, at any temperature of a measurement.
+  /// Whether a speed is that of sound, in metres or feet per second, at any plausible temperature.
   void expectSound() const {
     const bool metres = speed_ > 290 && speed_ < 370;
     const bool feet = speed_ > 950 && speed_ < 1220;
@@ -123,8 +123,8 @@ class Contradictions {
                 " per second; the speed of sound is about 340 m or 1120 ft");
   }
 
-  /// The temperature of the air, in degrees Celsius or Fahrenheit, gives the speed of sound in m/s;
-  /// along the path it may vary.
+  /// The air temperature, in degrees Celsius or Fahrenheit, gives the speed of sound in m/s; it may
+  /// vary along the path.
   void expectTemperature(double speed) const {
     constexpr double kNear = 20;
     constexpr double kAtZero = 331.3;  // m/s, at 0 degrees Celsius
@@ -139,7 +139,7 @@ class Contradictions {
 
   [[nodiscard]] std::string faultOf(AQ_Geometry& point, std::size_t points) const {
     constexpr double kTolerance = 0.0201;  // hundredths of both times of day
-    constexpr std::size_t kEnough = 3;     // points, to know which of them is wrong
+    constexpr std::size_t kEnough = 3;     // points needed to tell which one is wrong
     const double between =
         std::remainder(point.Tm()->TODseconds() - point.Te()->TODseconds(), kSecondsPerDay);
     if (std::abs(between - point.Tprope) > kTolerance) {

@@ -74,7 +74,8 @@ Content<AQ_HeaderMask, AQ_MaskMap> check(FileOf<AQ_DataMask> file, const Reporte
   if (!header.reads<AQ_DataMask>(file.path, read)) return {};
   const auto [low, high] = header.integersOf(keywords::kBands);
   const std::size_t bands = low <= high ? static_cast<std::size_t>(high - low) + 1 : 0;
-  // The highest band's label appears twice in a map's headings, unless someone corrected that.
+  // The highest band's label appears twice in the headings of a map, unless someone has corrected
+  // it.
   header.expectLabels(2, low, high);
   const RecordLines records(file.path, header, {bands + 2, 0}, report);
   header.expectCount(keywords::kNumberOfRows, records.count(), "rows");

@@ -22,7 +22,7 @@ constexpr std::size_t kHistoryLine = 9;
 constexpr std::size_t kPositionsLine = 11;
 constexpr std::size_t kTrackingLine = 6;
 
-/// More points than this are not a single damaged one.
+/// More points than this cannot be a single damaged one.
 template <class Read>
 bool areMany(std::size_t wrong, const Read& read) {
   return wrong * 10 > static_cast<std::size_t>(read.model->Count());
@@ -113,8 +113,8 @@ class SourcePath {
     return time >= times_.front() - kBeyond && time <= times_.back() + kBeyond;
   }
 
-  /// Whether the source was near `at` at that time, within what tenths of a second and straight
-  /// lines can tell.
+  /// Whether the source was near `at` at that time, within the accuracy of tenths of a second and
+  /// straight lines.
   [[nodiscard]] bool passes(double time, const AQ_Position& at) const {
     if (!covers(time)) return false;
     time = near(time);

@@ -102,7 +102,7 @@ double shiftOf(AQ_TimeStampType type) {
   return 0;
 }
 
-/// The start belongs to record 1, or to the lowest record in the file.
+/// The start time is that of record 1, or of the lowest record in the file.
 void checkStartTime(const HeaderCheck& header, const RecordLines& records,
                     AQ_SpectralTimeHistory& history, const Reporter& report) {
   constexpr double kTolerance = 0.0201;  // hundredths of both times of day, and single precision
@@ -138,7 +138,7 @@ class StuckRecords {
   }
 
   void finish() {
-    constexpr std::size_t kEnough = 8;  // levels: one or two may well be equal by chance
+    constexpr std::size_t kEnough = 8;  // levels; one or two may be equal by chance
     const auto count = static_cast<std::size_t>(last_ - before_);
     if (first_ != 0 && count * levels_.size() >= kEnough) {
       const std::string last = count == 1 ? "" : " to " + std::to_string(last_);
@@ -159,7 +159,7 @@ class StuckRecords {
   std::size_t first_ = 0;    // the line where they are repeated; 0 outside a run
 };
 
-/// Hashes all levels into a number that other levels practically never give (FNV-1a over their
+/// A hash of all levels, which practically never coincides for different levels (FNV-1a over their
 /// bits).
 class Digest {
  public:
@@ -288,7 +288,7 @@ void check(FileOf<AQ_DataHP3565> file, const Reporter& report) {
   for (std::string& mark : marksOf(traceOf(recording, 1))) {
     report(Kind::AnalyzerMark, {}, std::move(mark));
   }
-  static_cast<void>(historyOf(recording, {}));  // throws where the levels cannot be computed
+  static_cast<void>(historyOf(recording, {}));  // throws if the levels cannot be computed
 }
 
 }  // namespace aq

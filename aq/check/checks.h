@@ -33,7 +33,7 @@ Content<AQ_HeaderPTH, AQ_PositionTimeHistory> check(FileOf<AQ_DataPTH> file,
 Content<AQ_HeaderGTH, AQ_GeometryTimeHistory> check(FileOf<AQ_DataGTH> file,
                                                     const Reporter& report);
 
-/// Compare positions and geometry with the files in their folder that they were made from.
+/// Compare positions and geometry with their source files, if these are in the same folder.
 void checkSources(const Content<AQ_HeaderPTH, AQ_PositionTimeHistory>& read,
                   const std::string& path, const Reporter& report);
 void checkSources(const Content<AQ_HeaderGTH, AQ_GeometryTimeHistory>& read,
@@ -42,7 +42,7 @@ void checkQuality(FileOf<AQ_DataTSPI> file, std::uint8_t limit, const Reporter& 
 void checkMapFit(const AQ_SpectralTimeHistory& history, const std::string& historyName,
                  const AQ_MaskMap& map, const Reporter& report);
 
-/// Reports lines after line `last` that hold anything: no reader takes them.
+/// Reports non-empty lines after line `last`, which the reader ignores.
 void checkNothingBehind(const std::string& path, std::size_t last, const Reporter& report);
 
 }  // namespace aq

@@ -15,7 +15,7 @@ bool isDigitsOnly(std::string_view text, std::size_t least) {
   return text.size() >= least && text.find_first_not_of("0123456789") == text.npos;
 }
 
-/// What a level has before its two decimals: a sign and digits, of which there may be none.
+/// The part of a level before its decimals: an optional sign and digits, possibly none.
 bool isWholePart(std::string_view text) {
   if (text.starts_with('-')) text.remove_prefix(1);
   return isDigitsOnly(text, 0);
@@ -28,7 +28,7 @@ std::vector<std::string_view> fieldsOfLine(std::string_view line) {
   return fields;
 }
 
-/// The value of a header line; empty when it has another keyword.
+/// The value of a header line; empty if the line has another keyword.
 std::string_view keywordValue(std::string_view line, std::string_view keyword) {
   const std::size_t mark = line.find(kKeywordMark);
   if (mark == line.npos || line.substr(0, mark) != keyword) return {};
@@ -59,7 +59,7 @@ DecimalCommas::DecimalCommas(std::span<const std::string> header) {
         reference_ = time.TODseconds();
       }
     } catch (const Error&) {
-      continue;  // the reader says what is wrong with it
+      continue;  // the reader reports what is wrong
     }
   }
 }
@@ -101,7 +101,7 @@ std::optional<std::string> DecimalCommas::frontOf(std::span<const std::string_vi
   return std::string(fields[0]) + ',' + ways.front().first + ',' + ways.front().second;
 }
 
-/// Whether a relative time is that of a time of day; of all numbers when no reference is known.
+/// Whether a relative time belongs to a time of day; always, if the reference is unknown.
 bool DecimalCommas::fits(const std::string& time, const std::string& relative) const {
   try {
     AQ_Time clock;

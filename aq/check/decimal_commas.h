@@ -8,16 +8,16 @@
 
 namespace aq {
 
-/// Numbers of a history's data lines that were written with decimal commas, where commas divide
-/// fields too. Levels have two decimals, always; what a line's time and relative time are follows
-/// from the number of fields, and where that leaves two ways, from the reference time.
+/// Undoes decimal commas in the data lines of a history, in which commas also separate fields.
+/// Levels always have two decimals. Time and relative time follow from the number of fields or, if
+/// that leaves two possibilities, from the reference time.
 class DecimalCommas {
  public:
   /// Takes the lines of the header, for its bands and reference time.
   explicit DecimalCommas(std::span<const std::string> header);
 
-  /// The data line with points; as it is when it has no decimal commas. Nothing when it may mean
-  /// several things.
+  /// The data line with decimal points; unchanged if it has no decimal commas. Nothing if it is
+  /// ambiguous.
   [[nodiscard]] std::optional<std::string> mended(const std::string& line);
 
   /// Whether a line had decimal commas.

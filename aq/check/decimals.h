@@ -11,9 +11,9 @@
 
 namespace aq {
 
-/// The decimals of numbers that belong together. Trailing zeros show that a program always writes
-/// the same number of decimals; a number with fewer has then lost digits. Ignores a plain 0 and a
-/// plain 9999, which mean no value.
+/// The numbers of decimals in a column. Trailing zeros show that the program always writes the same
+/// number; a number with fewer decimals has then lost digits. Ignores a plain 0 and a plain 9999,
+/// which mean no value.
 class Decimals {
  public:
   void see(std::string_view field, const FindingPlace& place);
@@ -25,7 +25,7 @@ class Decimals {
   struct Seen {
     std::size_t count = 0;
     bool endsInZero = false;               // of any
-    std::vector<FindingPlace> first = {};  // places, as many as may be reported
+    std::vector<FindingPlace> first = {};  // places that may be reported
   };
 
   std::map<std::size_t, Seen> seen_;  // by the number of decimals

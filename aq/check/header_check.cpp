@@ -14,7 +14,7 @@
 namespace aq {
 namespace {
 
-/// What the columns hold; nothing for bands that have no label.
+/// The labels of the columns; nothing for bands without a label.
 std::string expectedLabels(std::int16_t low, std::int16_t high, std::string_view behind) {
   try {
     std::string labels;
@@ -46,7 +46,7 @@ bool isBeside(const std::string& path, const std::string& name) {
 }
 
 constexpr std::string_view kOwnName = "FileName";
-/// Keywords of files that another was made from.
+/// Keywords of source files.
 constexpr std::string_view kSources[] = {"GenerationFile", "TSPIFileName", "STHFileName",
                                          "PTHFileName", "MICFileName"};
 
@@ -193,7 +193,7 @@ void HeaderCheck::see(const HeaderLine& line) {
 
 void HeaderCheck::seeKeyword(const HeaderLine& line, std::string_view found) {
   if (line.number == 1 && found.starts_with(kByteOrderMark)) {
-    found.remove_prefix(kByteOrderMark.size());  // reported on its own
+    found.remove_prefix(kByteOrderMark.size());  // reported separately
   }
   if (found.starts_with('"')) {
     found.remove_prefix(1);

@@ -64,16 +64,16 @@ class HeaderCheck {
   /// The line of a keyword; 0 if the header has none.
   [[nodiscard]] std::size_t lineOf(std::string_view keyword) const;
 
-  /// Its value; empty if the header has none.
+  /// The value of a keyword; empty if the header has none.
   [[nodiscard]] std::string_view valueOf(std::string_view keyword) const;
 
-  /// The two integers after a keyword that the header has.
+  /// The two integers of a keyword, which the header must have.
   [[nodiscard]] std::pair<std::int16_t, std::int16_t> integersOf(std::string_view keyword) const;
 
   /// Compares the count of a keyword with the actual number.
   void expectCount(std::string_view keyword, std::size_t count, const char* ofWhat) const;
 
-  /// Compares the word of a keyword with the one that it is read as.
+  /// Compares the word of a keyword with the word that it is read as.
   void expectWord(std::string_view keyword, const std::string& readAs) const;
 
   /// Reports an unknown word for the reference time type, which readers ignore.

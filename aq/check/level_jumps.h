@@ -13,8 +13,8 @@ namespace aq {
 inline constexpr double kLowestLevel = -20;
 inline constexpr double kHighestLevel = 200;
 
-/// Finds single levels that are far from those of the records before and after: no sound drops by
-/// 20 dB in one band for half a second. A rise takes 40 dB, since a bird may sing.
+/// Finds single levels that are far from those of the records before and after. No sound drops by
+/// 20 dB in one band for half a second; a rise must be 40 dB, since a bird may sing.
 class LevelJumps {
  public:
   /// `firstField` is the field of band `low`.
@@ -39,7 +39,7 @@ class LevelJumps {
   std::int16_t low_;
   std::size_t firstField_;
   const Reporter& report_;
-  std::array<Row, 2> rows_;  // the last two; with line 0 until there are two
+  std::array<Row, 2> rows_;  // the last two records; line 0 until there are two
 };
 
 }  // namespace aq

@@ -117,7 +117,8 @@ void LineShapes::reportExtra(const std::string& path, const Reporter& report) co
 }
 
 FindingPlace LineShapes::reportCut(const Reporter& report) const {
-  constexpr std::size_t kLinesEnough = 3;  // other lines, to know the usual number of decimals
+  constexpr std::size_t kLinesEnough =
+      3;  // other lines needed to know the usual number of decimals
   const auto shorter = [this]() -> std::string {
     if (!ended_) return kNoEnd;
     if (count_ > 1 && last_.fields < std::min(least_.fields, columns_.fields)) {

@@ -20,8 +20,8 @@ struct DataColumns {
   bool alike = false;
 };
 
-/// The shapes of the data lines of a readable file: shows what a cut or a spreadsheet did to them,
-/// which the values do not show.
+/// The shapes of the data lines of a readable file, which show truncation and the effects of
+/// spreadsheets that the values do not show.
 class LineShapes {
  public:
   explicit LineShapes(const DataColumns& columns)
@@ -30,7 +30,7 @@ class LineShapes {
   /// Takes the lines after line `header`.
   LineShapes(const std::string& path, std::size_t header, const DataColumns& columns);
 
-  /// How many there are.
+  /// The number of data lines.
   [[nodiscard]] std::size_t count() const { return count_; }
 
   /// Takes the next data line.
@@ -52,7 +52,7 @@ class LineShapes {
 
   static Shape shapeOf(std::string_view line);
   void reportExtra(const std::string& path, const Reporter& report) const;
-  /// Returns the place of what was reported; nothing if the last line is like the others.
+  /// Returns the place of the finding; nothing if the last line is like the others.
   [[nodiscard]] FindingPlace reportCut(const Reporter& report) const;
   void seeDecimals(const LineReader& lines);
 
@@ -61,7 +61,7 @@ class LineShapes {
   std::size_t count_ = 0;
   std::size_t first_ = 0;     // the first line's number
   std::size_t line_ = 0;      // the last line's number
-  std::size_t divided_ = 0;   // lines with the number of fields that decimal commas make
+  std::size_t divided_ = 0;   // lines with as many fields as decimal commas make
   std::size_t extended_ = 0;  // lines with fields that are not read
   Shape last_{0, 0, false, false};
   Shape least_{std::numeric_limits<std::size_t>::max(), std::numeric_limits<std::size_t>::max(),

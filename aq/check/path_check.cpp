@@ -9,7 +9,7 @@
 namespace aq {
 namespace {
 
-constexpr std::size_t kPlacesEnough = 8;  // positions, to know what is usual
+constexpr std::size_t kPlacesEnough = 8;  // positions needed to know what is usual
 
 double middleOf(std::vector<double> values) {
   const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
@@ -44,7 +44,7 @@ void checkJumps(const std::vector<PathPlace>& path, const Reporter& report) {
   for (std::size_t i = 1; i + 1 < path.size(); ++i) {
     offs[i] = lineOff(path[i - 1], path[i], path[i + 1]);
   }
-  // Turns and rounding to tenths of a second or metre cause less.
+  // Turns and rounding to tenths of a second or metre cause smaller distances.
   const double limit = std::max(20 * middleOf(offs), 10.0);
   const auto isOff = [&](std::size_t i) {
     return offs[i] > limit && offs[i] > lengthBetween(path[i - 1].at, path[i + 1].at) / 4;

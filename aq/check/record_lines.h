@@ -16,7 +16,7 @@
 
 namespace aq {
 
-/// Which record is in which data line of a readable file. Reports irregular lines and numbers on
+/// Maps the records of a readable file to its data lines. Reports irregular lines and numbers on
 /// the way.
 class RecordLines {
  public:
@@ -27,7 +27,7 @@ class RecordLines {
   /// False, without any records, if decimal commas made every value wrong.
   [[nodiscard]] bool readable() const { return readable_; }
 
-  /// How many data lines there are.
+  /// The number of data lines.
   [[nodiscard]] std::size_t count() const { return count_; }
 
   /// The lowest and the highest record number. Requires at least one record.
@@ -64,8 +64,8 @@ inline std::string secondsText(double seconds) {
 }
 
 /// Reports and returns records whose time of day, `timeOf(record)`, is not `recordLength` seconds
-/// per record after an earlier one. Reports a single odd record once, and also once a point from
-/// which all records continue at another time.
+/// per record after an earlier one. Reports a single odd record once, and a point from which all
+/// records continue at another time once.
 template <class Records, class TimeOf>
 std::set<std::int32_t> checkTimeSteps(const Records& records, const TimeOf& timeOf,
                                       const Reporter& report, double recordLength = 0.5) {
@@ -75,7 +75,7 @@ std::set<std::int32_t> checkTimeSteps(const Records& records, const TimeOf& time
     double time;
   };
   std::optional<Seen> good;
-  std::optional<Seen> odd;  // that may turn out to be where times continue from
+  std::optional<Seen> odd;  // after which times may turn out to continue
   std::set<std::int32_t> wrong;
   records.forEach([&](std::int16_t record, std::size_t line) {
     const Seen here{record, timeOf(record)};

@@ -11,11 +11,11 @@
 
 namespace aq {
 
-/// Finds measurements of an archive that have the same levels: a copy under another name, or one
-/// stored instead of another. Not thread-safe.
+/// Finds measurements of an archive that have the same levels: a copy under another name, or a file
+/// stored in place of another. Not thread-safe.
 class AQ_API SameLevels {
  public:
-  /// Reports `path` if it has the levels of a file seen before.
+  /// Reports `path` if it has the same levels as an earlier file.
   void see(const std::string& path, const Checked& checked, const FindingSink& report);
 
  private:

@@ -8,7 +8,7 @@
 #include "aq/check/reporter.h"
 #include "aq/core/file_failure.h"
 
-// What other programs do to a text file on its way: reported once, with a remedy, instead of every
+// Damage to text files by other programs: reported once, with a remedy, instead of every
 // consequence.
 namespace aq {
 

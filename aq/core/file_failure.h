@@ -15,7 +15,8 @@ struct AQ_API FileFailure {
   std::string expected;   ///< as in `a level`
   std::string found;      ///< as in `"6x.2"`: text of the file in quotes, escaped and cut
 
-  /// In one line: `landing.csv, line 24, field 7: expected a level, found "6x.2"`.
+  /// In one line: `landing.csv, line 24, field 7: expected a level, found "6x.2"`, or `cannot open
+  /// landing.csv: No such file or directory` if the system refuses.
   [[nodiscard]] std::string message() const;
 };
 

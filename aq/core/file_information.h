@@ -26,23 +26,23 @@ class AQ_API FileInformation {
   /// Now, as `mm/dd/yyyy,hh:mm:ss`.
   virtual std::string currentDateTime() = 0;
 
-  /// The date to write of the file from which another was made. `recorded` is the header's own date
-  /// for it, in the same form. The default calls `fileDateTime`: hosts rely on it.
+  /// The date to write for the file from which another was made. `recorded` is the header's own
+  /// date for it, in the same form. The default calls `fileDateTime`: hosts rely on it.
   virtual std::string sourceDateTime(const std::string& path, const std::string& recorded);
 };
 
-/// The service in use. May be called from any thread.
+/// The service in use. Safe to call from any thread.
 [[nodiscard]] AQ_API std::shared_ptr<FileInformation> fileInformation();
 
 /// `CurrentDate` 0 and midnight as text: in a header, an unknown date.
 inline constexpr std::string_view kNoDateTime = "12/30/1899,00:00:00";
 
-/// As the service in use, except for source files: keeps a date that the header has, and takes an
-/// unknown one from the file if it exists. A file that is read and written again thus keeps its
+/// Like the service in use, except that it keeps the dates of source files in a header, and takes
+/// unknown ones from the files if they exist. A file that is read and written again thus keeps its
 /// dates.
 [[nodiscard]] AQ_API std::shared_ptr<FileInformation> keepingFileInformation();
 
-/// Installs a host's own service; `nullptr` restores the default. May be called from any thread.
+/// Installs a host's own service; `nullptr` restores the default. Safe to call from any thread.
 AQ_API void setFileInformation(std::shared_ptr<FileInformation> information);
 
 }  // namespace aq

@@ -57,7 +57,7 @@ int openFile(const std::string& path, int flags, const char* wanted) {
   return handle;
 }
 
-/// A file open for writing, closed with the object. `flush` tells whether the bytes arrived.
+/// A file open for writing, closed by the destructor.
 class OutputFile {
  public:
   explicit OutputFile(int handle) : handle_(handle) {}
@@ -93,8 +93,8 @@ class OutputFile {
     return status;
   }
 
-  /// Gives the file the owner and the permissions of another one. Where the system keeps the owner
-  /// from being passed on, the file stays the writer's, without the rights that name an owner.
+  /// Gives the file the owner and permissions of another one. If the system does not allow setting
+  /// the owner, the file stays the writer's, without permissions that depend on the owner.
   void takeAfter(const struct stat& other) const {
     constexpr auto kKeptOwner = static_cast<uid_t>(-1);
     const struct stat own = status();
@@ -105,12 +105,13 @@ class OutputFile {
       const bool sameGroup = ::fchown(handle_, kKeptOwner, other.st_gid) == 0;
       if (!sameGroup) permissions &= ~static_cast<mode_t>(S_IRWXG);
     }
-    // Some file systems have a single owner and set of permissions, and refuse any change.
+    // Some file systems have one owner and one set of permissions for all files, and refuse
+    // changes.
     if ((status().st_mode & kPermissions) == permissions) return;
     if (::fchmod(handle_, permissions) != 0) failBy(kWrite, errno);
   }
 
-  /// Locks out other writers on this system until the file is closed, where that is possible.
+  /// Locks out other writers on this system until the file is closed, if possible.
   void lock() const {
     static_cast<void>(uninterrupted([&] { return ::flock(handle_, LOCK_EX); }));
   }
@@ -120,7 +121,7 @@ class OutputFile {
   }
 
  private:
-  /// Waits until a non-blocking pipe takes more.
+  /// Waits until a non-blocking pipe accepts more.
   void waitForRoom() const {
     pollfd space{.fd = handle_, .events = POLLOUT, .revents = 0};
     static_cast<void>(uninterrupted([&] { return ::poll(&space, 1, -1); }));
@@ -136,8 +137,8 @@ bool isNumber(std::string_view text) {
   return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
 }
 
-/// Whether `path` names an open file: of this process, or below /proc of any. Other names there
-/// lead to ordinary files.
+/// Whether `path` names an open file of this process or, below /proc, of any process. Other names
+/// there lead to ordinary files.
 bool namesOpenFile(const std::string& path) {
   constexpr std::string_view kProcesses = "/proc/";
   constexpr std::string_view kFiles = "/fd/";
@@ -149,8 +150,8 @@ bool namesOpenFile(const std::string& path) {
   return process == "self" || isNumber(process);
 }
 
-/// A new handle of what this process has open for writing under such a name, so that it continues
-/// at that position; -1 for anything else.
+/// A duplicate of the handle that this process has open for writing under such a name, which
+/// continues at its position; -1 for anything else.
 int ownHandle(const std::string& path) {
   const bool own = path.starts_with("/proc/self/") || path.starts_with("/dev/");
   if (!own || !namesOpenFile(path)) return -1;
@@ -179,8 +180,8 @@ std::optional<std::string> linkAt(const std::string& path) {
   return text;
 }
 
-/// Where the file that `path` names has its own entry, links followed up to the name of a file that
-/// is open, which /dev/stdout leads to.
+/// The directory entry of the file that `path` names. Follows links, except to the name of an open
+/// file, as below /dev/stdout.
 std::string entryOf(std::string path) {
   constexpr int kMostLinks = 40;
   for (int links = 0; links <= kMostLinks; ++links) {
@@ -221,8 +222,8 @@ class Temporary {
   bool renamed_ = false;
 };
 
-/// Makes a renamed file survive a power cut, where the file system can. Never fails: the file
-/// already has its new content.
+/// Makes a renamed file survive a power failure, if the file system supports that. Never fails: the
+/// file already has its new content.
 void flushFolder(const std::string& folder) {
   const int handle = openHandle(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY);
   if (handle < 0) return;
@@ -282,7 +283,7 @@ class Folder {
 constexpr const char* kRun = "a program that can be run";
 constexpr const char* kSucceeds = "a program that ends with status 0";
 
-/// The ends of a new pipe; the destructor closes what is still open.
+/// The ends of a new pipe; the destructor closes those that are open.
 class Pipe {
  public:
   Pipe() {
@@ -306,7 +307,7 @@ class Pipe {
   std::array<int, 2> ends_{};
 };
 
-/// What a started process has open: no input, `output`, and nothing for its errors.
+/// The streams of a started process: no input, `output`, and no errors.
 class Openings {
  public:
   explicit Openings(int output) {
@@ -334,7 +335,7 @@ class Openings {
   posix_spawn_file_actions_t actions_{};
 };
 
-/// A process; the destructor waits for it if nothing else has.
+/// A process; the destructor waits for it if necessary.
 class Process {
  public:
   Process(const std::string& program, const std::vector<std::string>& arguments, int output) {
@@ -393,9 +394,9 @@ void replaceFile(const std::string& path, std::string_view bytes) {
   const auto old = statusOf(path);
   const std::string entry = entryOf(path);
   if ((old && !S_ISREG(old->st_mode)) || namesOpenFile(entry)) return writeStraight(entry, bytes);
-  if (old) static_cast<void>(OutputFile(path, 0));  // refuses a file that may not be written
+  if (old) static_cast<void>(OutputFile(path, 0));  // refuses a file without write permission
   const std::string folder = folderOf(entry);
-  // Nobody else may read it until it has the permissions of the old one.
+  // Nobody else may read the file until it has the permissions of the old one.
   Temporary temporary(folder, old ? kOwnFile : kNewFile,
                       old ? "a folder that takes a temporary file" : kWrite);
   OutputFile file(temporary.handle());
@@ -413,7 +414,7 @@ void appendToFile(const std::string& path, std::string_view bytes) {
     const OutputFile file = own >= 0 ? OutputFile(own) : OutputFile(path, O_CREAT | O_APPEND);
     file.lock();
     const struct stat before = file.status();
-    // Another file may have taken the name while this one was awaited.
+    // Another file may have taken the name while this one waited for the lock.
     if (own < 0 && times < kMostTimes && !sameFile(statusOf(path), before)) continue;
     return appendTo(file, path, before, bytes);
   }

@@ -49,18 +49,18 @@ class AQ_API InputFile {
 #endif
 };
 
-/// Makes `bytes` the whole content of a file, all or nothing: writes a temporary file in its
-/// folder, flushes it to the disk and renames it. Keeps the permissions; a symbolic link stays one,
-/// and its target is replaced; other hard links keep the old content. A file that is not regular,
-/// such as a pipe, is written directly. Throws `SystemError` and leaves the file unchanged.
+/// Replaces the content of a file by `bytes`, completely or not at all: writes a temporary file in
+/// the same folder, flushes it to the disk and renames it. Keeps permissions. Follows symbolic
+/// links, which remain; other hard links keep the old content. A file that is not regular, such as
+/// a pipe, is written directly. Throws `SystemError` and leaves the file unchanged.
 AQ_API void replaceFile(const std::string& path, std::string_view bytes);
 
-/// Appends `bytes` to a file, which is created if needed. Throws `SystemError` after cutting the
-/// file back to its former length.
+/// Appends `bytes` to a file, which is created if needed. After a failure, truncates the file to
+/// its previous length and throws `SystemError`.
 AQ_API void appendToFile(const std::string& path, std::string_view bytes);
 
-/// The names of the files in a folder, including links to files, in no particular order; no
-/// folders. Throws `SystemError`.
+/// The names of the files in a folder, including links to files but no folders, in no particular
+/// order. Throws `SystemError`.
 [[nodiscard]] AQ_API std::vector<std::string> filesIn(const std::string& folder);
 
 /// Runs a program without a shell and returns its standard output; it has no input. Throws
@@ -71,10 +71,10 @@ AQ_API void appendToFile(const std::string& path, std::string_view bytes);
 /// When a file was last changed; nothing if it does not exist.
 [[nodiscard]] AQ_API std::optional<std::time_t> lastChanged(const std::string& path);
 
-/// Whether `path` leads to a regular file; not when that cannot be told.
+/// Whether `path` leads to a regular file; false if unknown.
 [[nodiscard]] AQ_API bool isFile(const std::string& path);
 
-/// Whether two paths lead to the same file; not when that cannot be told.
+/// Whether two paths lead to the same file; false if unknown.
 [[nodiscard]] AQ_API bool areOneFile(const std::string& one, const std::string& other);
 
 /// `path` without its folders.

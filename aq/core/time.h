@@ -17,8 +17,8 @@ inline constexpr std::int32_t kSecondsPerDay = 86400;
 /// start at zero. A failure leaves the object unchanged.
 class AQ_API AQ_Time {
  public:
-  /// A new time with the same values. A time of day above 86400 s goes through the setter: in the
-  /// copy it is wrapped, and the date is one day later.
+  /// A new time with the same values, except that a time of day above 86400 s is wrapped and the
+  /// date is one day later.
   [[nodiscard]] std::shared_ptr<AQ_Time> Copy() const;
 
   /// Seconds relative to a reference time, single precision. Throws `TypeMismatch` for a value that
@@ -27,8 +27,8 @@ class AQ_API AQ_Time {
   void RelSeconds(const Variant& seconds) { relativeSeconds_ = seconds.toDouble(); }
 
   /// Sets the relative seconds to the time since `reference`, including the days between the two
-  /// dates. Of the dates only the day counts, and years by two digits (30 to 99 are 1930 to 1999).
-  /// Throws `Overflow` when the days between, in seconds, exceed 32 bits.
+  /// dates. Only whole days of the dates are used, with two-digit years (30 to 99 are 1930 to
+  /// 1999). Throws `Overflow` if the days in between, in seconds, exceed 32 bits.
   void setRelTime(const AQ_Time& reference);
 
   /// Seconds after midnight. A value above 86400 wraps into the day and advances the date by one
@@ -37,8 +37,8 @@ class AQ_API AQ_Time {
   [[nodiscard]] double TODseconds() const { return timeOfDay_; }
   void TODseconds(const Variant& seconds);
 
-  /// Sets the time of day from three numbers, each narrowed to single precision first; checks no
-  /// range and keeps the date. Throws as `TODseconds`, and `Overflow` beyond single precision.
+  /// Sets the time of day from three numbers, each first rounded to single precision. Checks no
+  /// range, and keeps the date. Throws as `TODseconds`, and `Overflow` beyond single precision.
   void TODnumbers(const Variant& Hours, const Variant& Minutes, const Variant& Seconds);
 
   /// The time of day as text: `hh:mm:ss`, then the fraction in at most 7 significant digits of the

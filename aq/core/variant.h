@@ -17,14 +17,14 @@
 
 namespace aq {
 
-/// An integer type for numbers, not for truth values or characters.
+/// An integer type for numbers, not for booleans or characters.
 template <class I>
 concept Number = std::integral<I> && !std::same_as<I, bool> && !std::same_as<I, char> &&
                  !std::same_as<I, wchar_t> && !std::same_as<I, char8_t> &&
                  !std::same_as<I, char16_t> && !std::same_as<I, char32_t>;
 
-/// One value of any of the types that a level, a count or a relative time may have. It keeps the
-/// type it was given. An empty variant is neither a number nor a text: converting it throws.
+/// A value of any type that a level, a count or a relative time may have. It keeps the type that it
+/// was given. An empty variant is neither a number nor a text; converting it throws.
 class AQ_API Variant {
  public:
   enum class Type { Empty, Int16, Int32, Single, Double, Boolean, String, Date, Object };
@@ -44,8 +44,8 @@ class AQ_API Variant {
 
   Variant(long double value) : value_(static_cast<double>(value)) {}
 
-  /// Other integers: one byte becomes 16 bits; more become 32 bits where the value fits, otherwise
-  /// a double.
+  /// Other integers: one byte becomes 16 bits; larger types become 32 bits if the value fits,
+  /// otherwise a double.
   template <Number I>
   Variant(I value) : value_(narrowed(value)) {}
 
@@ -62,9 +62,9 @@ class AQ_API Variant {
   [[nodiscard]] Type type() const { return static_cast<Type>(value_.index()); }
   [[nodiscard]] bool isEmpty() const { return type() == Type::Empty; }
 
-  // The value as another type. Text must be a number as a whole; a fraction is rounded to the
-  // nearest integer, halves to the even one; true is 1. Throws `TypeMismatch` for a value that does
-  // not convert and `Overflow` outside the type's range.
+  // The value converted to another type. Text must be a number in its entirety; a fraction is
+  // rounded to the nearest integer, halves to the even one; true is 1. Throws `TypeMismatch` for a
+  // value that does not convert and `Overflow` outside the type's range.
   [[nodiscard]] double toDouble() const;
   [[nodiscard]] float toSingle() const;
   [[nodiscard]] std::int16_t toInt16() const;

@@ -7,7 +7,7 @@
 
 namespace aq {
 
-// The words by which files and settings name the members of an enumeration: "LINEAR", "TRUSLO",
+// The words for members of enumerations in files and settings: "LINEAR", "TRUSLO",
 // "4S100", "4S95", "CONTEXPO", "NA"; "START", "MIDPT", "END", "ICAOSLO", "OLDSLO"; "START",
 // "OVERHEAD", "AMAX", "PMAX", "TMAX", "OAMAX", "HACK", "OTHER".
 

@@ -16,10 +16,10 @@
 #include "aq/core/variant.h"
 
 // The description of the object model for hosts: each class, enumeration and member once, with its
-// name and its meaning in the field. A host calls `forMembers<C>` with a function that takes any of
-// the kinds of member below; types come from the pointers to members. Initial values are not
-// listed: hosts read them from a new object. Members are in the order of the interface, and new
-// ones are added at the end, since some hosts identify a member by its position.
+// name and its meaning in the field. A host calls `forMembers<C>` with a function that accepts all
+// kinds of members below; types come from the pointers to members. Initial values are not listed:
+// hosts read them from a new object. Members are in the order of the interface, and new ones are
+// added at the end, since some hosts identify a member by its position.
 
 namespace aq::describe {
 
@@ -54,7 +54,7 @@ inline constexpr Quantity kLength{"m"};
 inline constexpr Quantity kAngle{"degree"};
 inline constexpr Quantity kOfTheMetric{"dB, PNdB, TPNdB, band or flags"};
 
-/// What describes a member or a parameter besides its type.
+/// The description of a member or parameter, besides its type.
 struct About {
   std::string_view text;   ///< a sentence without its full stop
   Quantity quantity = {};  ///< without a unit unless it is a number
@@ -108,7 +108,7 @@ struct Property {
   About about;
 };
 
-/// Another form of what other properties hold.
+/// Another form of the value of other properties.
 template <class Get, class Set>
 struct Form : Property<Get, Set> {};
 
@@ -145,7 +145,7 @@ struct Indexed {
   About about;
 };
 
-/// References that are not const are out arguments.
+/// Non-const references are output arguments.
 template <class Call, std::size_t Count>
 struct Method {
   const char* name;
@@ -287,7 +287,7 @@ class Members {
     return take(Field<Value C::*>{name, member, about(text, parts...)});
   }
 
-  /// For a description that several classes share.
+  /// A description that several classes share.
   template <class Value, class... Parts>
   Members& field(const char* name, Value C::*member, const Told<Parts...>& told) {
     saysItsUnit<Value, Parts...>();

@@ -11,11 +11,11 @@ namespace aq {
 /// Copies date and time of day from `from` to `to`, the time through its setter.
 AQ_API void copyDateAndTimeOfDay(const AQ_Time& from, AQ_Time& to);
 
-/// Seconds from one time of day to another, at most half a day: a run lasts minutes, so what is
-/// further away lies on the other side of midnight.
+/// Seconds from one time of day to another, at most half a day: a run lasts minutes, so a larger
+/// difference means that midnight lies in between.
 [[nodiscard]] AQ_API double secondsFrom(double timeOfDay, double other);
 
-/// Moves a time of day on, or back when negative, over midnight too; then a date moves with it.
+/// Adds seconds, which may be negative, to a time of day; across midnight, the date changes too.
 AQ_API void moveTimeOfDay(AQ_Time& time, double seconds);
 
 /// The time stamps of records of half a second each.

@@ -5,7 +5,7 @@
 
 namespace aq {
 
-/// A part that most objects never need: created on first use, copied with its owner.
+/// A part that most objects never need; created on first use, copied with its owner.
 template <class T>
 class LazyPart {
  public:

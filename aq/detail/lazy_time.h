@@ -7,8 +7,8 @@
 
 namespace aq {
 
-/// The time of an object of which there are many: two doubles; creates the object on first access.
-/// From then on, or once one is shared, the object holds the time.
+/// A time stored as two doubles, for objects of which there are many. Creates the `AQ_Time` on
+/// first access; from then on, or once one is shared, that object holds the time.
 class LazyTime {
  public:
   /// Created on first use and then kept.

@@ -33,8 +33,8 @@ struct NumberRange {
     widen(static_cast<std::int16_t>(first + static_cast<int>(count) - 1));
   }
 
-  /// Whether it spans exactly `count` numbers. It spans more than were stored when all of them lie
-  /// below -1 or above 9999.
+  /// Whether the range spans exactly `count` numbers. It spans more than were stored if all of them
+  /// are below -1 or above 9999.
   [[nodiscard]] bool holds(std::size_t count) const {
     return high - low + 1 == static_cast<int>(count);
   }

@@ -31,11 +31,11 @@ struct Counter {
   ~Counter() = default;
 };
 
-/// Finds the slot of a record number. Records usually come as n, n+1, n+2 …: as long as they do,
-/// the slot follows from the number and no table is kept.
+/// Finds the slot of a record number. As long as records are numbered n, n+1, n+2 …, the slot
+/// follows from the number and no table is needed.
 class AQ_API NumberIndex {
  public:
-  static constexpr std::size_t kNoSlot = SIZE_MAX;  // a plain number, since every record needs it
+  static constexpr std::size_t kNoSlot = SIZE_MAX;  // not an optional, for speed
 
   [[nodiscard]] std::size_t find(std::int32_t number) const {
     if (!isRun()) return findInTable(number);
@@ -57,7 +57,7 @@ class AQ_API NumberIndex {
   [[nodiscard]] std::vector<std::pair<std::int32_t, std::size_t>> sorted() const;
   [[nodiscard]] std::int32_t first() const { return first_; }
 
-  /// Slots were closed up: `newSlot` gives the new slot of an old one.
+  /// Call after slots were compacted: `newSlot` gives the new slot of an old one.
   template <class NewSlot>
   void renumber(const NewSlot& newSlot) {
     for (auto& [number, slot] : table_) slot = newSlot(slot);

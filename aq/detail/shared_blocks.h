@@ -8,8 +8,7 @@
 namespace aq {
 
 /// Creates shared objects for the records of a file, with one allocation for many of them. An
-/// object that outlives the others keeps its whole block alive, and with it what its neighbours
-/// hold.
+/// object that outlives the others keeps its whole block alive, including what its neighbours hold.
 template <class T>
 class SharedBlocks {
  public:

@@ -13,7 +13,7 @@
 
 namespace aq {
 
-/// Which slots of a list are removed but not yet closed up. Finds the slot of a place, that is
+/// Which slots of a list are removed but not yet compacted. Finds the slot of a place, that is
 /// the n-th slot still in use, in logarithmic time.
 class AQ_API Tombstones {
  public:
@@ -46,8 +46,8 @@ class AQ_API Tombstones {
 };
 
 /// The values of a list in the order in which they were added. A removed value leaves an unused
-/// slot, and unused slots are closed up once they outnumber the others, so that removing and adding
-/// again costs the same in a list of any length.
+/// slot. The list is compacted when unused slots outnumber the others, so that removing and adding
+/// takes constant time on average.
 template <class T>
 class TombstoneList {
  public:
@@ -113,8 +113,8 @@ class TombstoneList {
     if (removed_) removed_.orCreate().grow();
   }
 
-  /// Removes the value in `slot`; calls `renumber(newSlot)`, which gives the new slot of an old
-  /// one, when the unused slots are closed up. A failure changes nothing.
+  /// Removes the value in `slot`; if the list is compacted, calls `renumber(newSlot)`, where
+  /// `newSlot` gives the new slot of an old one. A failure changes nothing.
   template <class Renumber>
   void remove(std::size_t slot, const Renumber& renumber) {
     if (!removed_ && slot + 1 == values_.size()) {

@@ -44,8 +44,8 @@ class AQ_API AQ_DataASCII : public FileClass {
   /// The text between fields, "," at first. An empty text splits nothing.
   void Delimiter(std::string text) { delimiter_ = std::move(text); }
 
-  /// Whether fields may be in double quotes, with delimiters inside. A quoted field begins and ends
-  /// at the delimiter set when this is called. A "|" then reads as a delimiter.
+  /// Whether fields may be in double quotes, with delimiters inside. Uses the delimiter that is set
+  /// at the time of the call. A "|" is then read as a delimiter.
   void CommentFields(bool quoted);
 
  private:

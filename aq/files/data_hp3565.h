@@ -19,8 +19,8 @@ class Recording;
 
 /// Reads the recordings of an analyzer, in the Standard Data Format, as spectral time histories:
 /// one-third-octave data unchanged, auto power of narrow bands summed to bands
-/// (docs/formats/analyzer-recording.md). Each fact that matters to users of the levels becomes a
-/// comment line of the header.
+/// (docs/formats/analyzer-recording.md). Everything that users of the levels should know becomes a
+/// comment line in the header.
 class AQ_API AQ_DataHP3565 : public FileClass {
  public:
   /// Lists the files of an analyzer's folder, without the folder: names that begin with INDEX,
@@ -31,11 +31,11 @@ class AQ_API AQ_DataHP3565 : public FileClass {
                                std::shared_ptr<Collection<std::string>>& colTimeDat,
                                std::shared_ptr<Collection<std::string>>& colRecordings);
 
-  /// Writes a recording as text, by the external converter if one is set. A failure creates no text
-  /// file and leaves an existing one unchanged. Never replaces a recording.
+  /// Writes a recording as text, with the external converter if one is set. A failure creates no
+  /// text file and leaves an existing one unchanged. Never replaces a recording.
   AQ_DataMessage DAT_to_ASC(const std::string& sDatFile, const std::string& sAscFile);
 
-  /// Reads the text of a recording; takes the headers of a text that has only values from the .HDR
+  /// Reads the text of a recording. If the text has only values, takes the headers from the .HDR
   /// file in the same folder. A failure sets neither object.
   AQ_DataMessage ParseASC(const std::string& sAscFile, std::shared_ptr<AQ_HeaderSTH>& aqHeader,
                           std::shared_ptr<AQ_SpectralTimeHistory>& STH);
@@ -52,7 +52,7 @@ class AQ_API AQ_DataHP3565 : public FileClass {
   [[nodiscard]] std::int16_t Channel() const { return channel_; }
   void Channel(std::int16_t channel) { channel_ = channel; }
 
-  /// Seconds from record to record if scans have no time of their own. Throws `InvalidValue` for a
+  /// Seconds from one record to the next if scans have no times. Throws `InvalidValue` for a
   /// value that is not above 0.
   [[nodiscard]] double RecordLength() const { return recordLength_; }
   void RecordLength(double seconds);

@@ -32,7 +32,7 @@ std::optional<std::string> textUnlessZero(Number value) {
   return numberText(value);
 }
 
-/// The word of an enumeration member, nothing for the value that means not set.
+/// The word of an enumeration member; nothing if not set.
 template <class Enumeration>
 std::optional<std::string> wordUnless(Enumeration notSet, Enumeration value) {
   if (value == notSet) return std::nullopt;
@@ -98,8 +98,8 @@ void readDateTime(FieldReader& fields, AQ_Time& time) {
   time.TODstring(fields.convert("a time hh:mm:ss", clockTimeFrom));
 }
 
-/// Takes one line, and those that belong to it. Keywords match in any case; skips unknown ones and
-/// lines without one.
+/// Takes a line and those that belong to it. Keywords match in any case; unknown keywords and lines
+/// without one are skipped.
 void readLine(LineReader& lines, const HeaderObserver& watch, AQ_DataINI& parameters) {
   FieldReader fields(lines);
   const std::string_view key = keywordOf(upperCased(keywordIn(fields.text("a keyword"))));

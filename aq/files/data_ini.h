@@ -19,10 +19,10 @@ namespace aq {
 /// (docs/formats/variable-initialization.md). Setters store any value.
 class AQ_API AQ_DataINI : public FileClass {
  public:
-  /// What the first line of a file names as its type.
+  /// The file type that the first line names.
   static constexpr std::string_view kTitle = "Variable Initialization File";
 
-  /// The value of `NuTimg` while it is not set.
+  /// The value of `NuTimg` if it is not set.
   static constexpr auto kTimingNotSet = static_cast<AQ_TimeStampType>(99);
 
   /// Writes the parameters that are set, replacing the file; `FileName` becomes its name. Throws,
@@ -30,8 +30,8 @@ class AQ_API AQ_DataINI : public FileClass {
   AQ_DataMessage writeFile(const std::string& sFileName);
 
   /// Reads parameters by their keywords, in any order. Unsets `NuAvg` and `NuTimg` unless the file
-  /// sets them; everything else that the file does not name keeps its value, and comments are added
-  /// to the existing ones. A failure keeps what was read before it.
+  /// sets them; other parameters that the file does not name keep their values, and comments are
+  /// added to the existing ones. After a failure, what was read before it remains.
   AQ_DataMessage readFile(const std::string& sFileName);
 
   /// Calibration adjustment, decibels; 0 is not written.

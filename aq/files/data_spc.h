@@ -17,7 +17,7 @@ namespace aq {
 class LineReader;
 
 /// Writes and reads fixed-column spectral time histories (docs/formats/fixed-columns.md). They keep
-/// dates, bands without a level and the reference time type, and no dates of files.
+/// dates, bands without a level and the reference time type, but not the dates of files.
 class AQ_API AQ_DataSPC : public FileClass {
  public:
   /// The first line of a file begins with these bytes.
@@ -43,11 +43,11 @@ class AQ_API AQ_DataSPC : public FileClass {
   [[nodiscard]] std::int16_t BandHigh() const { return settings_.high; }
   void BandHigh(std::int16_t nBand) { settings_.high = nBand; }
 
-  /// Writes the chosen part, replacing the file. Throws, and writes nothing, when one of its
-  /// records is missing, or there is none (`InvalidArgument`); when there is no level and no
-  /// setting of bands, a level, a time or a word does not fit its columns, bands are not between 2
-  /// and 50, or a text of the header has a line end or, outside other records and comments, a tab
-  /// (`InvalidValue`); when a level is not a number (`TypeMismatch`).
+  /// Writes the chosen part, replacing the file. Throws, and writes nothing, if there are no
+  /// records or one of the part is missing (`InvalidArgument`); if there are no levels and the
+  /// bands are not set, if a level, a time or a word does not fit its columns, if bands are not
+  /// between 2 and 50, or if a text of the header has a line end or, outside other records and
+  /// comments, a tab (`InvalidValue`); or if a level is not a number (`TypeMismatch`).
   AQ_DataMessage writeFile(const std::string& sFileName, AQ_SpectralTimeHistory& aqTimeHistory);
 
   /// Reads a file into a new header and a new history. When the header fails, sets neither, nor any
@@ -73,8 +73,8 @@ class AQ_API AQ_DataSPC : public FileClass {
   Settings settings_;
 };
 
-/// Whether a file restores the dates of a history's records: each is that of `startTime`, a day
-/// later each time the time of day falls back. Ignores records without a date.
+/// Whether a file can restore the dates of a history's records: they start with that of `startTime`
+/// and advance by a day each time the time of day falls back. Ignores records without a date.
 [[nodiscard]] AQ_API bool keepsDates(AQ_SpectralTimeHistory& history);
 
 }  // namespace aq

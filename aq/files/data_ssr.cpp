@@ -26,7 +26,7 @@ std::int16_t bandOf(std::string_view label) {
   return int16From(label.substr(1, slash - 1));
 }
 
-/// The first and the last label decide; those between are ignored.
+/// The first and the last label determine the bands; those between are ignored.
 LevelColumns columnsFrom(FieldReader labels) {
   constexpr const char* kExpected = "a band label";
   LevelColumns columns;

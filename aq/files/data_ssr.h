@@ -15,7 +15,7 @@ namespace aq {
 /// Writes and reads spectrum record files, one spectrum each (docs/formats/spectrum-record.md).
 class AQ_API AQ_DataSSR : public FileClass {
  public:
-  /// What the first line of a file names as its type.
+  /// The file type that the first line names.
   static constexpr std::string_view kTitle = "Spectrum Record";
 
   /// Writes a spectrum, replacing the file; the header gets the file's name. Throws, and writes

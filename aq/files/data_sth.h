@@ -16,11 +16,12 @@ namespace aq {
 /// Writes and reads spectral time history files (docs/formats/spectral-time-history.md).
 class AQ_API AQ_DataSTH : public FileClass {
  public:
-  /// What the first line of a file names as its type.
+  /// The file type that the first line names.
   static constexpr std::string_view kTitle = "Spectral Time-History";
 
   /// Writes records `LoRec` to `HiRec`, replacing the file; the header gets the file's name.
-  /// Throws, and writes nothing, when a record of the range is missing (`InvalidArgument`), a level
+  /// Throws, and writes nothing, when there are no records or one of the range is missing
+  /// (`InvalidArgument`), a level
   /// is not a number (`TypeMismatch`) or not finite, a time of day has no clock form
   /// (`InvalidValue`), or an object is missing (`ObjectNotSet`).
   AQ_DataMessage writeFile(const std::string& sFileName,

@@ -19,11 +19,11 @@
 #include "aq/masking/data_mask.h"
 #include "aq/text/call_file.h"
 
-// The one list of formats: code that serves all of them uses this list.
+// The only list of formats; code for all formats uses it.
 
 namespace aq {
 
-/// What a file of a format holds. `Header` is void if the format has none of its own.
+/// The content of a file of a format. `Header` is void if the format has none of its own.
 template <class Header_, class Model_>
 struct Content {
   using Header = Header_;
@@ -38,9 +38,8 @@ struct Content<void, Model_> {
   std::shared_ptr<Model> model = {};
 };
 
-/// A kind of file: its names, the class that reads it and, for some, writes it, and what such a
-/// file holds. Files that name their type do so by `File::kTitle`; others may begin with
-/// `File::kBeginning`.
+/// A kind of file: its names, the class that reads and perhaps writes it, and its content. Files
+/// that name their type do so by `File::kTitle`; others may begin with `File::kBeginning`.
 template <class File_, class Header_, class Model_>
 struct Format {
   using File = File_;
@@ -108,8 +107,8 @@ using FormatOf = decltype(std::apply(
   return text;
 }
 
-/// Reads a file of the format of `file` into new objects. The file class defines what a failure
-/// leaves of them.
+/// Reads a file of the format of `file` into new objects. After a failure they hold what the file
+/// class defines.
 template <class File, class Header, class Model>
 [[nodiscard]] AQ_DataMessage readContent(File& file, const std::string& path,
                                          Content<Header, Model>& content) {
@@ -126,7 +125,7 @@ template <class File, class Header, class Model>
   }
 }
 
-/// Writes what a file of the format of `file` holds.
+/// Writes a file of the format of `file`.
 template <class File, class Header, class Model>
 [[nodiscard]] AQ_DataMessage writeContent(File& file, const std::string& path,
                                           const Content<Header, Model>& content) {

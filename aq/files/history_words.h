@@ -13,7 +13,7 @@
 
 namespace aq {
 
-/// The words of a history file's header that name members of enumerations. `AQ_DataSTH` reads an
+/// The words for members of enumerations in the header of a history file. `AQ_DataSTH` reads an
 /// unknown word as another one, and leaves the reference time type at `AQ_START_REF`: hosts rely on
 /// it. Code that writes the history again observes the header with this class.
 class AQ_API HistoryWords {
@@ -26,7 +26,7 @@ class AQ_API HistoryWords {
     std::string readAs;
   };
 
-  /// Takes the line's word, if it has one: for `observeHeader`.
+  /// Takes the word of a header line, if it has one. For `observeHeader`.
   void see(const HeaderLine& line);
 
   /// The word of the reference time type as in the file; empty if there was none.

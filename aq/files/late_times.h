@@ -6,15 +6,15 @@
 #include "aq/spectral/spectral_time_history.h"
 
 // The text of a time of day has seven digits in all and drops a fraction that needs more, which
-// hosts rely on: 12:34:56.996 is written as 12:34:56, nearly a second early. Code that writes a
-// model first replaces such times by the second that they round to; all others stay unchanged.
+// hosts rely on: 12:34:56.996 becomes 12:34:56, nearly a second early. Before writing a model,
+// replace such times by the second that they round to; other times stay unchanged.
 namespace aq {
 
 /// Returns whether the time was late in its second.
 AQ_API bool roundLateTime(AQ_Time& time);
 
-/// Returns whether any time of the model was late in its second. A time that other models share
-/// changes there too.
+/// Returns whether any time of the model was late in its second. Times shared with other models
+/// change there too.
 AQ_API bool roundLateTimes(const AQ_PositionTimeHistory& positions);
 AQ_API bool roundLateTimes(const AQ_GeometryTimeHistory& geometry);
 /// Rounds start and reference time too.

@@ -139,7 +139,7 @@ class LevelReader {
                             std::min(static_cast<std::size_t>(stop) + 1, x.size()));
   }
 
-  /// The value whose logarithm is the level of a band; the band has no level unless it is above 0.
+  /// The value whose logarithm is the level of a band; unless it is above 0, the band has no level.
   [[nodiscard]] double valueOf(std::size_t place, std::size_t scan) const {
     const double value = plan_.value(place, values_);
     if (!std::isfinite(value)) failAt(place, scan, value);

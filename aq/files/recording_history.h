@@ -10,7 +10,7 @@
 
 namespace aq {
 
-/// A host's settings for the levels of a recording.
+/// The settings for the levels of a recording.
 struct RecordingSettings {
   std::int16_t channel = 1;
   double recordLength = 0.5;  ///< seconds, used if scans have no time of their own

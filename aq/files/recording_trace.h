@@ -9,7 +9,7 @@
 
 namespace aq {
 
-/// The trace that the levels come from, and what converts its values to levels.
+/// The trace that the levels come from, and the conversion of its values to levels.
 struct RecordingTrace {
   const sdf::TraceSet* set;
   std::size_t trace;
@@ -37,8 +37,7 @@ struct RecordingTrace {
 /// Whether the data are one-third octaves already.
 [[nodiscard]] bool isOctaves(const sdf::TraceSet& set);
 
-/// The analyzer's reservations about its data, one line each: weighting, overload, not valid,
-/// correction.
+/// What limits the use of the data, one line each: weighting, overload, not valid, correction.
 [[nodiscard]] std::vector<std::string> marksOf(const RecordingTrace& trace);
 
 /// What users of the levels need to know, one line each: channel, unit, calibration and marks.

@@ -19,7 +19,7 @@ class AQ_API AQ_DataMIC : public FileClass {
   static constexpr std::string_view kTitle = "Microphone Position File";
 
   /// Reads a file into a new header and into the caller's microphone. When the header fails,
-  /// neither changes; when the microphone's line does, the header is set, and so are the
+  /// neither changes. When the microphone's line fails, the header is set, and so are the
   /// coordinates before the failure.
   void readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderMIC>& aqHeader,
                 const std::shared_ptr<AQ_Microphone>& MIC, AQ_DataMessage& result);

@@ -17,15 +17,15 @@ namespace aq {
 /// Points are shared with the caller, not copied.
 class AQ_API AQ_GeometryTimeHistory {
  public:
-  /// A deep copy of points 1 to `Count`, and of nothing else. Throws `InvalidArgument` if one of
+  /// A deep copy of points 1 to `Count` only. Throws `InvalidArgument` if one of
   /// them is missing.
   [[nodiscard]] std::shared_ptr<AQ_GeometryTimeHistory> Copy() const;
 
   [[nodiscard]] AQ_RefTimeType ReferenceType() const { return referenceType_; }
   void ReferenceType(AQ_RefTimeType type) { referenceType_ = type; }
 
-  /// Shares the reference time and its type. If there are points it then throws
-  /// `MemberNotSupported`, since points have no single time: hosts rely on it. `setTimeStamps` sets
+  /// Shares the reference time and its type. If there are points, it then throws
+  /// `MemberNotSupported`, since points have two times: hosts rely on it. `setTimeStamps` sets
   /// relative times.
   void setRelTimes(const std::shared_ptr<AQ_Time>& ReferenceTime, AQ_RefTimeType RefType);
 

@@ -14,8 +14,8 @@
 namespace aq {
 
 /// The ordered series of a source's positions, shared with the caller. Expects samples in ascending
-/// time order; neither sorts nor checks them. May hold more than the 32767 samples that `Count` can
-/// report.
+/// order of time; neither sorts nor checks them. May hold more than the 32767 samples that `Count`
+/// can report.
 class AQ_API AQ_PositionTimeHistory {
   using Placed = TombstoneList<std::shared_ptr<AQ_Position>>::const_iterator;
 
@@ -55,7 +55,7 @@ class AQ_API AQ_PositionTimeHistory {
   }
 
   /// Stores a sample under a record number. Removes an existing one and appends the new one at the
-  /// end, after which index and number differ: hosts rely on it.
+  /// end, so that index and number then differ: hosts rely on it.
   void Position(std::int32_t nRecord, std::shared_ptr<AQ_Position> aqPosition) {
     positions_.store(nRecord, std::move(aqPosition));
   }

@@ -8,8 +8,8 @@
 
 namespace aq {
 
-/// Summary values of one point of a flight track, kept for the application, which defines what the
-/// names leave open. Any value is stored; numbers are 0 until set, times null.
+/// Summary values of one point of a flight track, kept for the application, which defines their
+/// exact meaning. Any value is stored; numbers are 0 until set, times null.
 class AQ_SPointTrk {
  public:
   // Times: overhead, of the maximum, and two of the application.

@@ -9,14 +9,13 @@
 namespace aq {
 
 /// The rows of records `first` to `last`, numbered from 1. Rows are shared with the map. Throws
-/// `InvalidArgument` at a row that is missing.
+/// `InvalidArgument` if a row is missing.
 [[nodiscard]] AQ_API std::shared_ptr<AQ_MaskMap> cutMap(const AQ_MaskMap& map, std::int16_t first,
                                                         std::int16_t last);
 
-/// The rows of two maps, each numbered from 1, with `gap` rows between that mask nothing. Rows are
-/// shared with the maps. Throws `InvalidArgument` at a row that is missing, for other bands than
-/// those of the first row and for a map without rows, `Overflow` for more rows than there are
-/// numbers.
+/// The rows of two maps, each numbered from 1, with `gap` unmasked rows in between. Rows are shared
+/// with the maps. Throws `InvalidArgument` if a row is missing or has other bands than the first
+/// row, or if a map has no rows, and `Overflow` for more than 32767 rows.
 [[nodiscard]] AQ_API std::shared_ptr<AQ_MaskMap> joinMaps(const AQ_MaskMap& before,
                                                           const AQ_MaskMap& after,
                                                           std::int32_t gap);

@@ -41,8 +41,8 @@ std::string columnHeading(const AQ_HeaderMask& header) {
   return heading + ",LGB";
 }
 
-/// Written in place, since a map is mostly letters, and one append per field would cost more than
-/// the letters.
+/// Written in place: a map is mostly letters, and one append per field would cost more than the
+/// letters.
 void appendRow(std::string& text, std::int16_t record, AQ_MaskRow& row) {
   const auto codes = row.fetchedCodes();
   const std::size_t begin = text.size();
@@ -75,8 +75,8 @@ std::size_t bandCount(const AQ_HeaderMask& header) {
   return static_cast<std::size_t>(std::max(count, 0));
 }
 
-/// Takes the bands from the header, not from the row as it was written. `codes` is a buffer that
-/// all rows share.
+/// Uses the bands of the header, which may differ from those of the written row. `codes` is a
+/// buffer that all rows share.
 void readRow(FieldReader fields, const AQ_HeaderMask& header, std::vector<MaskCode>& codes,
              std::shared_ptr<AQ_MaskRow> row, AQ_MaskMap& map) {
   const std::int16_t record = fields.int16("a record number");

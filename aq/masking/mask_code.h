@@ -22,11 +22,11 @@ inline constexpr MaskCode kDefaultMaskCode = 1;
 /// The code of a decision; `kNoMaskCode` when its values have no letters.
 [[nodiscard]] AQ_API MaskCode maskCodeOf(const AQ_Mask& mask);
 
-/// The decision of a code; a default one for `kNoMaskCode`.
+/// The decision for a code; a default one for `kNoMaskCode`.
 [[nodiscard]] AQ_API AQ_Mask maskOf(MaskCode code);
 
 /// Takes masks of two letters, each followed by ",", from the start of `text`, until `codes` is
-/// full or another form follows. Entries of `codes` after those taken may change.
+/// full or other text follows. Further entries of `codes` may change.
 [[nodiscard]] AQ_API FieldsTaken masksAtFront(std::string_view text, std::span<MaskCode> codes);
 
 /// The number of bytes needed while writing that many masks.

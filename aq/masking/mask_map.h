@@ -32,7 +32,7 @@ class AQ_API AQ_MaskMap {
   /// The number of rows. Throws `Overflow` above 32767.
   [[nodiscard]] std::int16_t Count() const { return rows_.count(); }
 
-  /// Finds each row's last good band from its masks. Creates a default mask in bands 28 and 29
+  /// Sets each row's last good band from its masks. Creates a default mask in bands 28 and 29
   /// where a row has none.
   void setLGB();
 

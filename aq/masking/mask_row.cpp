@@ -24,7 +24,7 @@ std::shared_ptr<AQ_Mask> AQ_MaskRow::Mask(std::int16_t nBand) {
 }
 
 void AQ_MaskRow::Mask(std::int16_t nBand, std::shared_ptr<AQ_Mask> mask) {
-  auto& object = objects_.orCreate().touch(nBand);  // first, since this may run out of memory
+  auto& object = objects_.orCreate().touch(nBand);  // first, since this may throw
   if (place(nBand) != nullptr) object = std::move(mask);
 }
 

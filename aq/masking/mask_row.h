@@ -53,17 +53,17 @@ class AQ_API AQ_MaskRow {
   [[nodiscard]] NumberWalk<AQ_MaskRow> end() const { return {this, afterLast(), afterLast()}; }
   [[nodiscard]] bool contains(std::int32_t band) const;
 
-  /// The decision of a band by value: as the getter, but creates no object.
+  /// The decision for a band by value; unlike the getter, creates no object.
   [[nodiscard]] AQ_Mask decision(std::int16_t band);
 
-  /// As the setter with a new mask of these values.
+  /// Like the setter with a new mask of these values.
   void store(std::int16_t band, const AQ_Mask& decision);
 
   /// Replaces all masks by those of `codes`, for consecutive bands from `low` up.
   void assign(std::int16_t low, std::span<const MaskCode> codes);
 
-  /// The masks from `LowBand` to `HighBand`, as if each was fetched; empty if one has no code or
-  /// its object was handed out.
+  /// The codes of the masks from `LowBand` to `HighBand`, created like the getter does; empty if
+  /// one has no code or its object was handed out.
   [[nodiscard]] std::span<const MaskCode> fetchedCodes();
 
  private:

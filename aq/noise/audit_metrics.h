@@ -18,11 +18,12 @@ struct MetricDifference {
   double computed = 0;  ///< in the stored type; NaN when the levels give no value
 };
 
-/// Compares every stored metric with the computed one, narrowed to the stored type: levels and
-/// corrections differ when more than `tolerance` dB apart, bands and flags when not equal. Sorted
-/// by record, then by metric. A stored 0 does not differ from a missing value, since an unset
-/// metric reads as 0. Compares the last good band only when there is a map. Throws as `setMetrics`,
-/// and `InvalidArgument` for a tolerance that is negative or NaN. Never changes the history.
+/// Compares every stored metric with the computed one, converted to the stored type: levels and
+/// corrections differ if they are more than `tolerance` dB apart, bands and flags if they are not
+/// equal. Sorted by record, then by metric. A stored 0 counts as equal to a missing value, since an
+/// unset metric reads as 0. Compares the last good band only when there is a map. Throws as
+/// `setMetrics`, and `InvalidArgument` for a tolerance that is negative or NaN. Never changes the
+/// history.
 [[nodiscard]] AQ_API std::vector<MetricDifference> auditMetrics(
     const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map, double tolerance);
 

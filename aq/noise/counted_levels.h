@@ -11,7 +11,7 @@
 
 namespace aq {
 
-/// The levels of one record that count, by band. Taking the next record reuses the memory.
+/// The levels of one record that count, by band. Reuses its memory for the next record.
 class CountedLevels {
  public:
   CountedLevels() = default;
@@ -19,7 +19,7 @@ class CountedLevels {
   CountedLevels& operator=(const CountedLevels&) = delete;
   CountedLevels(const AQ_Spectrum& spectrum, const AQ_MaskRow* masks) { take(spectrum, masks); }
 
-  /// Keeps a view of the levels, which have to stay as they are. Throws only when memory runs out.
+  /// Keeps a view of the levels, which must not change. Throws only if memory runs out.
   void take(const AQ_Spectrum& spectrum, const AQ_MaskRow* masks);
 
   /// The band of the first level, and the band after the last one.
@@ -41,7 +41,7 @@ class CountedLevels {
 
   /// How many of the bands from `first` to `last` have a level that counts.
   [[nodiscard]] std::int16_t count(std::int32_t first, std::int32_t last) const;
-  /// How many bands from `first` to `last` there are until one does not count.
+  /// How many consecutive bands from `first` on, up to `last`, count.
   [[nodiscard]] std::int16_t countRun(std::int32_t first, std::int32_t last) const;
 
  private:

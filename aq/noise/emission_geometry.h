@@ -15,21 +15,21 @@ namespace aq {
 [[nodiscard]] AQ_API double speedOfSound(double celsius);
 
 /// Where and when the sound of each record was emitted. The source flies straight between its
-/// positions, at their times of day, across midnight too; the sound takes the distance to the
-/// microphone divided by the speed of sound. Coordinates are in metres; record and point have the
-/// same number. `Tm` is the record's time, `Te` and `Pe` are time of day and position at emission,
-/// `Tprope` is in seconds, `SRe` in metres. `THETAe` is the angle between the direction of flight
-/// and the line to the microphone, 0 to 180 degrees. `BETAe` is the angle of that line about the
-/// direction of flight, from the vertical plane below the source, positive to the left of the
-/// flight, -180 to 180 degrees; 0 for a vertical flight. Where two positions are equal, the
-/// direction is that of the nearest moving piece; both angles are NaN when no piece moves.
+/// positions, at their times of day, also across midnight; the sound arrives after the distance to
+/// the microphone divided by the speed of sound. Coordinates are in metres; record and point have
+/// the same number. `Tm` is the record's time, `Te` and `Pe` are time of day and position at
+/// emission, `Tprope` is in seconds, `SRe` in metres. `THETAe` is the angle between the direction
+/// of flight and the line to the microphone, 0 to 180 degrees. `BETAe` is the angle of that line
+/// around the direction of flight, from the vertical plane below the source, positive to the left
+/// of the flight, -180 to 180 degrees; 0 for a vertical flight. If two positions are equal, the
+/// direction is that of the nearest segment with movement; both angles are NaN if there is none.
 ///
 /// A record whose sound was emitted before the first or after the last position has no point:
 /// nothing is extrapolated. Start, reference time and their types come from the records. Above the
 /// speed of sound there may be several emissions; the point is one of them.
 ///
-/// Throws `InvalidValue` for a temperature without a speed of sound, a coordinate that is not
-/// finite and a position that is earlier than the one before, `ObjectNotSet` for an empty object.
+/// Throws `InvalidValue` for a temperature at or below absolute zero, a coordinate that is not
+/// finite, or a position earlier than the previous one, and `ObjectNotSet` for an empty object.
 [[nodiscard]] AQ_API std::shared_ptr<AQ_GeometryTimeHistory> emissionGeometry(
     const AQ_PositionTimeHistory& positions, const AQ_Position& microphone,
     const AQ_SpectralTimeHistory& records, double celsius);

@@ -27,10 +27,9 @@ double continued(double before, double next, std::size_t place) {
               "position " + std::to_string(place) + " is earlier than the one before");
 }
 
-/// The seconds from the start of a piece, flown with `velocity`, until the source emits what
-/// reaches the receiver `remaining` seconds after that start; `offset` is the start relative to the
-/// receiver. Solves |offset + velocity x| = speed (remaining - x), in the form that loses no
-/// digits.
+/// The seconds from the start of a segment, flown with `velocity`, until the source emits the sound
+/// that reaches the receiver `remaining` seconds after that start; `offset` is the start relative
+/// to the receiver. Solves |offset + velocity x| = speed (remaining - x) without loss of digits.
 double secondsIntoPiece(const Vector3& offset, const Vector3& velocity, double remaining,
                         double speed) {
   const double reach = speed * remaining;
@@ -89,7 +88,7 @@ std::optional<FlightPath::Place> FlightPath::emission(const Vector3& receiver, d
   if (end == seconds_.size()) {
     const double travel = lengthOf(positions_.back() - receiver) / speedOfSound;
     if (received > seconds_.back() + travel) return std::nullopt;
-    --begin;  // emitted at the last position itself, where the last piece ends
+    --begin;  // emitted at the last position, where the last segment ends
   }
   const double step = seconds_[begin + 1] - seconds_[begin];
   Vector3 velocity = positions_[begin + 1] - positions_[begin];

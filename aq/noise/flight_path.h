@@ -16,7 +16,7 @@ using Vector3 = std::array<double, 3>;
 [[nodiscard]] double dot(const Vector3& a, const Vector3& b);
 [[nodiscard]] double lengthOf(const Vector3& a);
 
-/// The path of a source: straight pieces between its positions. Seconds continue across midnight.
+/// The path of a source: straight segments between its positions. Seconds continue across midnight.
 class FlightPath {
  public:
   /// Throws `InvalidValue` for a coordinate that is not finite and a position earlier than the
@@ -35,11 +35,11 @@ class FlightPath {
   [[nodiscard]] std::optional<Place> emission(const Vector3& receiver, double timeOfDay,
                                               double speedOfSound) const;
 
-  /// A time of day in seconds of the path: those from the first position on.
+  /// A time of day as seconds of the path, which continue from the first position.
   [[nodiscard]] double secondsOf(double timeOfDay) const;
 
-  /// The direction of flight, of length 1, taken from the nearest moving piece. Nothing if no piece
-  /// moves.
+  /// The direction of flight, of length 1, from the nearest segment with movement. Nothing if there
+  /// is none.
   [[nodiscard]] std::optional<Vector3> direction(const Place& place) const;
 
  private:
@@ -47,7 +47,7 @@ class FlightPath {
 
   std::vector<double> seconds_;
   std::vector<Vector3> positions_;
-  std::vector<std::size_t> moving_;  // pieces that have a length, in order
+  std::vector<std::size_t> moving_;  // segments with movement, in order
 };
 
 }  // namespace aq

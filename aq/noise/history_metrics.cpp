@@ -48,8 +48,8 @@ void addTone(double correction, double band, RecordMetrics& metrics) {
   metrics.value(AQ_METRIC_TONEBND, band);
 }
 
-/// How long each record lasts, from the seconds of the day of their stamps: until the next stamp,
-/// across midnight too; the last one as long as the one before it.
+/// How long each record lasts, from the seconds of the day of its stamp until the next stamp, also
+/// across midnight; the last record lasts as long as the one before it.
 std::vector<double> durationsOf(const std::vector<RecordMetrics>& records) {
   std::vector<double> durations(records.size(), kRecordSeconds);
   for (std::size_t i = 0; i + 1 < records.size(); ++i) {
@@ -64,7 +64,7 @@ std::vector<double> durationsOf(const std::vector<RecordMetrics>& records) {
   return durations;
 }
 
-/// Place 0 is the lowest record number; a number without a record is a place without a PNLT.
+/// Index 0 is the lowest record number; a number without a record is an index without PNLT.
 std::optional<NoiseEvent> eventOf(const std::vector<RecordMetrics>& records,
                                   const std::vector<double>& durations) {
   const auto hasPnlt = [](const RecordMetrics& record) { return record.has(AQ_METRIC_PNLT); };
@@ -108,7 +108,7 @@ struct Series {
   using Levels = std::array<CountedLevels, kLanes>;
 
   /// Calls `compute` for the levels and metrics of the records from `begin` to before `end`, as
-  /// many at a time as there are lanes, and gives the last of them again where some are left over.
+  /// many at a time as there are lanes; repeats the last record to fill the lanes.
   template <class Compute>
   void forEachLanes(std::size_t begin, std::size_t end, const Compute& compute) {
     Levels levels;
@@ -146,8 +146,8 @@ Series seriesOf(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map) {
   return series;
 }
 
-/// The records whose PNLT may have a part in the event, as a range of indices: the first to the
-/// last that may reach the 10 dB-down limits, and those that count for the band sharing.
+/// The range of indices of the records that may belong to the event: from the first to the last
+/// that may reach the 10 dB-down limits, and those that count for band sharing.
 std::pair<std::size_t, std::size_t> eventRange(const std::vector<RecordMetrics>& records) {
   constexpr double kDown = 10.1;   // dB, a little beyond the limits
   constexpr double kMostTone = 7;  // dB, a little more than any correction

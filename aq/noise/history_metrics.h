@@ -15,7 +15,7 @@
 
 namespace aq {
 
-/// The metrics of one record as computed, before a metric record narrows them. NaN means no value.
+/// The metrics of one record as computed, in double precision. NaN means no value.
 struct RecordMetrics {
   std::int16_t record = 0;
   std::int16_t perceivedBands = 0;  ///< how many of bands 17 to 40 have a level that counts
@@ -51,8 +51,8 @@ struct HistoryEvent {
   std::optional<NoiseEvent> event;  ///< empty if no record has a PNLT
 };
 
-/// The event alone, as `historyMetrics` finds it, in less time: records that cannot belong to the
-/// event get no tone correction. Throws as `setMetrics`.
+/// Only the event, as from `historyMetrics` but in less time, since records that cannot belong to
+/// the event get no tone correction. Throws as `setMetrics`.
 [[nodiscard]] AQ_API HistoryEvent historyEvent(const AQ_SpectralTimeHistory& history,
                                                const AQ_MaskMap* map = nullptr);
 

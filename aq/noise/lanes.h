@@ -5,9 +5,9 @@
 
 namespace aq {
 
-// Where the compiler has vectors, `Lanes` are the doubles of two records, which one instruction of
-// any processor handles that has vectors at all; elsewhere they are a double. Code on lanes takes a
-// choice for each by `?:`, with both sides computed.
+// If the compiler supports vectors, `Lanes` holds a double for each of two records, which every
+// processor with vectors handles in one instruction; otherwise it is a double. Code on lanes
+// chooses by `?:`, which evaluates both sides.
 #if defined(__GNUC__)
 using Lanes = double __attribute__((vector_size(16)));
 #else

@@ -6,7 +6,7 @@
 #include "aq/noise/counted_levels.h"
 #include "aq/noise/lanes.h"
 
-// The metrics of records of which the levels that count are known.
+// The metrics of records, from the levels that count.
 
 namespace aq {
 

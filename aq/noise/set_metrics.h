@@ -9,18 +9,19 @@
 
 namespace aq {
 
-/// Computes the ten metrics of every record into its `Metric()`, in single precision, and lists
-/// them in `Metrics()`. Unsets a metric without a value: weighted and overall levels when no level
-/// of the record counts, and PNL, PNLT and tone correction when none in bands 17 to 40 counts.
-/// Without a map, keeps the last good band. `INTEG` says which part a record plays in the event; a
-/// record lasts until the stamp of the next one.
+/// Stores the ten metrics of every record in its `Metric()`, in single precision, and lists them in
+/// `Metrics()`. Unsets a metric without a value: weighted and overall levels if no level of the
+/// record counts, and PNL, PNLT and tone correction if none in bands 17 to 40 counts. Without a
+/// map, keeps the last good band. `INTEG` is the role of a record in the event; a record lasts
+/// until the stamp of the next one.
 ///
-/// A row of the map belongs to the record with the same number; a record without a row is not
-/// masked. Never changes map or rows. Returns the event, with indices counted from the lowest
-/// record number, from unrounded values; nothing if no record has a PNLT.
+/// A row of the map applies to the record with the same number; a record without a row is not
+/// masked. Does not change the map. Returns the event, with indices counted from the lowest record
+/// number, from unrounded values; nothing if no record has a PNLT.
 ///
-/// Throws `InvalidValue` when a stamp equals that of the previous record, `ObjectNotSet` for a null
-/// spectrum or row, and leaves the history unchanged.
+/// Throws `InvalidValue` when a stamp equals that of the previous record, `Overflow` for a level
+/// that is too high for a metric, `ObjectNotSet` for a null spectrum or row, and leaves the history
+/// unchanged.
 AQ_API std::optional<NoiseEvent> setMetrics(AQ_SpectralTimeHistory& history,
                                             const AQ_MaskMap* map = nullptr);
 

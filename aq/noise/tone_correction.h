@@ -10,8 +10,8 @@
 
 namespace aq {
 
-/// What the tone correction procedure found for one band. Values that a step does not define are
-/// empty, such as the slope of the first band.
+/// The results of the tone correction procedure for one band. Values that a step does not define
+/// are empty, such as the slope of the first band.
 struct ToneStep {
   std::int16_t band = 0;
   double level = 0;             ///< dB
@@ -38,7 +38,7 @@ struct ToneCorrection {
 
 /// The tone correction of a spectrum (14 CFR 36, A36.4.3) over bands 19 to 40 (80 Hz to 10 kHz), up
 /// to the first level that does not count (see `weightedLevel`). Levels are compared without
-/// rounding: two slopes that differ by exactly 5 dB mark nothing. With fewer than three bands the
+/// rounding: slopes that differ by exactly 5 dB are not marked. With fewer than three bands the
 /// correction is 0.
 [[nodiscard]] AQ_API ToneCorrection toneCorrection(const AQ_Spectrum& spectrum,
                                                    const AQ_MaskRow* masks = nullptr);

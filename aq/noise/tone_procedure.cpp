@@ -5,7 +5,7 @@
 namespace aq {
 namespace {
 
-/// A tone counts double from 500 to 5000 Hz.
+/// Tones count double from 500 to 5000 Hz.
 constexpr std::array<double, kToneBands> kToneWeights = [] {
   std::array<double, kToneBands> weights{};
   for (std::size_t i = 0; i < kToneBands; ++i) {
@@ -19,8 +19,8 @@ Number numberOf(double value) {
   return Number{} + value;
 }
 
-/// dB, from the difference to the background, of a tone that counts once; 0 for NaN. The pieces of
-/// the curve are the least of their three lines.
+/// The correction in dB for a difference to the background, outside 500 to 5000 Hz; 0 for NaN. The
+/// curve is the minimum of three lines.
 template <class Number>
 Number correctionOf(const Number& difference) {
   const Number third = difference / 3.0;

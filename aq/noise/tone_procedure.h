@@ -14,7 +14,7 @@ inline constexpr double kMarkedSlopeChange = 5;     // dB, marks a slope when ex
 inline constexpr std::size_t kToneBands = kLastToneBand - kFirstToneBand + 1;
 
 /// The tone correction procedure of 14 CFR 36, A36.4.3, step by step, for one record or for lanes
-/// of records with the same bands. Columns hold a number for each band, band 19 being place 0.
+/// of records with the same bands. Columns hold one number per band; index 0 is band 19.
 template <class Number>
 class ToneProcedure {
  public:

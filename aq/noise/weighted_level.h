@@ -12,8 +12,8 @@ namespace aq {
 
 /// The A-, C- or D-weighted level (`AQ_METRIC_AWT`, `AQ_METRIC_CWT`, `AQ_METRIC_DWT`) or the
 /// overall level (`AQ_METRIC_OA`) of a spectrum in dB: the energy sum of the levels that count,
-/// weighted by the tenths of a decibel of IEC 61672-1, table 3 (A, C), and of IEC 537 (D). The
-/// weightings take bands 10 to 43 (10 Hz to 20 kHz), the overall level takes all bands.
+/// with the weightings of IEC 61672-1, table 3 (A, C), and of IEC 537 (D), in tenths of a decibel.
+/// Weighted levels use bands 10 to 43 (10 Hz to 20 kHz), the overall level all bands.
 ///
 /// A level counts if it is a finite number other than 9999 and, with a row of masks, if its band is
 /// not masked or its masked level was adjusted. Returns nothing if no level counts. Throws
@@ -22,8 +22,8 @@ namespace aq {
                                                          AQ_METRIC_TYPE weighting,
                                                          const AQ_MaskRow* masks = nullptr);
 
-/// The energy sum of levels in dB, leaving out those of 9999 and those that are not finite. Nothing
-/// if none is left.
+/// The energy sum of levels in dB, without those that are 9999 or not finite. Nothing if there are
+/// no others.
 [[nodiscard]] AQ_API std::optional<double> energySum(std::span<const double> levels);
 
 }  // namespace aq

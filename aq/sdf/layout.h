@@ -10,8 +10,8 @@
 #include "aq/sdf/codes.h"
 #include "aq/sdf/field.h"
 
-// The records of the Standard Data Format, each field named once: reading a file, its text, and
-// what hosts show all use these lists.
+// The records of the Standard Data Format, each field named once. Readers of files and texts, and
+// programs that show fields, use these lists.
 namespace aq::sdf {
 
 enum class RecordType : std::int16_t {
@@ -26,7 +26,7 @@ enum class RecordType : std::int16_t {
   ManyScans = 18,
   ScanVariable = 19,
   Comment = 20,
-  Unique = 1000,  // to 2000, the instrument's own
+  Unique = 1000,  // up to 2000, defined by the instrument
 };
 
 /// Bytes of the two fields at the start of every record: its type and its total size.

@@ -20,7 +20,7 @@ template <class Number>
       sizeof(Number) == 8, std::uint64_t,
       std::conditional_t<sizeof(Number) == 4, std::uint32_t,
                          std::conditional_t<sizeof(Number) == 2, std::uint16_t, std::uint8_t>>>;
-  // A single expression, which compilers turn into one load.
+  // A single expression, which compilers turn into a single load.
   const auto bits = [at]<std::size_t... i>(std::index_sequence<i...>) {
     return static_cast<Bits>((
         (std::uint64_t{static_cast<unsigned char>(at[i])} << 8U * (sizeof(Number) - 1 - i)) | ...));
@@ -98,8 +98,8 @@ struct Numbers {
   return number < 0 ? -most : most;
 }
 
-// Counts in a file may be anything: a product above 64 bits becomes the largest number, which no
-// file has room for.
+// Counts in a file may have any value: a product above 64 bits becomes the largest number, which
+// exceeds any file.
 [[nodiscard]] constexpr std::uint64_t times(std::uint64_t a, std::uint64_t b) {
   constexpr std::uint64_t kMost = std::numeric_limits<std::uint64_t>::max();
   return a != 0 && b > kMost / a ? kMost : a * b;

@@ -55,7 +55,7 @@ class AQ_API Record {
   /// An integer that may not be negative.
   [[nodiscard]] std::uint32_t count(const Field& field) const;
 
-  /// Fails with the record's name and place and what was expected of it, as in "a domain".
+  /// Fails with the record's name, its place, and what was expected, such as "a domain".
   [[noreturn]] void fail(const std::string& expected, const std::string& found) const;
 
  private:

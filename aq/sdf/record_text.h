@@ -21,7 +21,7 @@ struct NamedValue {
 /// Builds records from the lines of a text.
 class RecordText {
  public:
-  /// Starts a new record, which gets the fields that follow.
+  /// Starts a new record, to which the following fields belong.
   void begin(const AnyLayout& layout);
 
   /// Sets a field of the record; ignores an unknown name. Fails at the line when the value is not

@@ -67,7 +67,7 @@ bool isTime(const Record& record, const UnitOfValues& unit) {
                            record.integer(kScanVariable["scanBase_type"]) == kTimeBase);
 }
 
-/// The values that end with a record, in the words of a failure.
+/// The size of the values at the end of a record, in words for a failure.
 std::string countedText(std::uint64_t end) {
   constexpr std::uint64_t kTooMany = std::numeric_limits<std::uint64_t>::max();
   const std::string bytes = end == kTooMany ? "2^64 or more" : std::to_string(end - kHead);

@@ -42,7 +42,7 @@ struct TraceSet {
   std::uint64_t axisAt = 0;  ///< of the first x, relative to the X record
 };
 
-/// The scans of a recording: how many it has room for, and how many of them, from the first, are
+/// The scans of a recording: how many there is room for, and how many of them, from the first, are
 /// valid.
 struct Scans {
   bool any = false;  ///< false: everything was measured once
@@ -101,7 +101,7 @@ class AQ_API Recording {
   [[nodiscard]] std::vector<double> x(const TraceSet& set, std::size_t trace, std::size_t scan,
                                       std::size_t points) const;
 
-  /// The variable of the scans of a set: a time if there is one, otherwise the first.
+  /// The scan variable of a set: a time if there is one, otherwise the first variable.
   [[nodiscard]] std::optional<ScanVariable> scanVariable(const TraceSet& set) const;
   /// Its value, in its own unit. Nothing if a text gives none.
   [[nodiscard]] std::optional<double> scanValue(const ScanVariable& variable, const TraceSet& set,

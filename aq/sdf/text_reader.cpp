@@ -228,7 +228,7 @@ class Assignment {
     add(values, *set, {*values.set, *values.trace, *values.scan}, 0, count, free ? start_ : 0);
   }
 
-  /// Assigns values that do not.
+  /// Assigns values that do not name their trace.
   void addInTurn(const Values& values, const WantedTrace& wanted) {
     const std::size_t count = values.y.size();
     if (count == countOfAll()) return addAll(values);
@@ -307,7 +307,7 @@ class Assignment {
   std::size_t free_ = 0;  // points without aliases; 0 if unknown
 };
 
-/// All unnamed values, one after another: ignores separators and headings among them.
+/// All unnamed values, one after another; ignores separators and headings among them.
 std::optional<Values> unnamedOf(const std::vector<Values>& values) {
   std::optional<Values> all;
   for (const Values& one : values) {

@@ -47,8 +47,8 @@ class AQ_API AQ_Band {
     Levels::const_iterator end_;
   };
 
-  /// Does not copy: returns no object for an empty band and throws `ObjectNotSet` for any other:
-  /// hosts rely on it. To copy a band of a history, ask the history for it again.
+  /// Does not copy: returns no object for an empty band, and throws `ObjectNotSet` for any other.
+  /// Hosts rely on it. To copy a band of a history, get it from the history again.
   [[nodiscard]] std::shared_ptr<AQ_Band> Copy() const;
 
   /// The level of a spectrum number; a number given as text is converted first. Reading throws

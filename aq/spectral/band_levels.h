@@ -15,9 +15,9 @@
 
 namespace aq {
 
-/// The levels of a spectrum in one block by band. Each keeps its own type and value. As long as all
-/// are doubles without gaps, only a number per band is kept; as long as these are whole hundredths
-/// of a decibel, as in files, only a code.
+/// The levels of a spectrum in one block by band. Each level keeps its type and value. If all are
+/// doubles without gaps, they are stored as one number per band; if these are also whole hundredths
+/// of a decibel, as in files, as one code per band.
 class AQ_API BandLevels {
  public:
   /// The level of `band`; nothing if it has none.
@@ -39,7 +39,7 @@ class AQ_API BandLevels {
   void assign(std::int16_t low, std::span<const double> levels);
   void assign(std::int16_t low, std::span<const LevelCode> codes);
 
-  // All levels, from the lowest band up, if they are held as codes, or as doubles without gaps;
+  // All levels, from the lowest band up, if they are stored as codes, or as doubles without gaps;
   // otherwise nothing.
   [[nodiscard]] std::span<const LevelCode> codes() const { return codes_.all(); }
   [[nodiscard]] std::span<const double> plain() const;

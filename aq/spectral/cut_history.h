@@ -14,17 +14,16 @@ struct RecordRange {
   std::int16_t last = 0;
 };
 
-/// The records whose stamps are from `from` to `to`, both included, in seconds of the day; of times
-/// more than half a day from the first record, those on the other side of midnight are meant. All
-/// records between the first and the last one are part of it. Throws `InvalidArgument` when no
-/// record is.
+/// The range of records with stamps from `from` to `to`, both included, in seconds of the day.
+/// Times more than half a day from the first record are on the other side of midnight. Throws
+/// `InvalidArgument` if there is no such record.
 [[nodiscard]] AQ_API RecordRange recordsBetween(const AQ_SpectralTimeHistory& history, double from,
                                                 double to);
 
-/// The records of a range, with what the history says of all of them. They keep their stamps; the
-/// start time moves by as much as the first stamp does. `fromOne` numbers them from 1, as those of
-/// a history with a masking map have to be, and keeps gaps. Spectra are shared with the history.
-/// Throws `InvalidArgument` when it has no record there.
+/// The records of a range, as a history with the same settings. Stamps do not change; the start
+/// time moves by as much as the first stamp. `fromOne` numbers the records from 1, as a masking map
+/// requires, and keeps gaps. Spectra are shared with the history. Throws `InvalidArgument` if there
+/// is no record in the range.
 [[nodiscard]] AQ_API std::shared_ptr<AQ_SpectralTimeHistory> cutHistory(
     AQ_SpectralTimeHistory& history, const RecordRange& range, bool fromOne);
 

@@ -9,17 +9,16 @@
 namespace aq {
 
 /// How many records are missing between the last one of `before` and the first one of `after`, by
-/// their stamps; over midnight too. Throws `InvalidArgument` when they are not two pieces of one
-/// measurement: other bands, averaging, stamp type, record length or reference, a piece without
-/// records, an overlap, or a gap of no whole number of records.
+/// their stamps, also across midnight. Throws `InvalidArgument` unless they are two pieces of one
+/// measurement: the same bands, averaging, stamp type, record length and reference, records in
+/// both, no overlap, and a gap of a whole number of records.
 [[nodiscard]] AQ_API std::int32_t recordsMissing(AQ_SpectralTimeHistory& before,
                                                  AQ_SpectralTimeHistory& after);
 
-/// Two pieces of one measurement as one history: the numbers of `before` go on, stamps and relative
-/// times stay. `fill` gives the records that are missing between them levels of 9999, not valid;
-/// without it they may not lack any. Spectra are shared with the pieces. Throws as
-/// `recordsMissing`, `InvalidArgument` for a gap that is not to be filled, `Overflow` for more
-/// records than there are numbers.
+/// Joins two pieces of one measurement: records are numbered on from `before`; stamps and relative
+/// times do not change. `fill` fills a gap with records of 9999, not valid. Spectra are shared with
+/// the pieces. Throws as `recordsMissing`, `InvalidArgument` for a gap without `fill`, and
+/// `Overflow` if record numbers exceed 16 bits.
 [[nodiscard]] AQ_API std::shared_ptr<AQ_SpectralTimeHistory> joinHistories(
     AQ_SpectralTimeHistory& before, AQ_SpectralTimeHistory& after, bool fill);
 

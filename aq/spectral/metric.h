@@ -19,7 +19,7 @@ namespace aq {
 /// never fails. Levels are in decibels.
 class AQ_API AQ_Metric {
  public:
-  /// The A-weighted level, dB, with the type it was given.
+  /// The A-weighted level, dB; keeps the type that it was given.
   [[nodiscard]] Variant AWT() const { return MetricValue(AQ_METRIC_AWT); }
   void AWT(const Variant& level) { MetricValue(AQ_METRIC_AWT, level); }
 
@@ -56,7 +56,7 @@ class AQ_API AQ_Metric {
   [[nodiscard]] float LGB() const { return single(AQ_METRIC_LGB); }
   void LGB(float band) { MetricValue(AQ_METRIC_LGB, band); }
 
-  /// The part of this record in the EPNL integration.
+  /// The role of this record in the EPNL integration.
   [[nodiscard]] AQ_METRIC_INTEG_VALUE INTEG() const {
     return static_cast<AQ_METRIC_INTEG_VALUE>(MetricValue(AQ_METRIC_INTEG).toInt32());
   }

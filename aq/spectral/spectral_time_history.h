@@ -29,13 +29,14 @@ class AQ_API AQ_SpectralTimeHistory {
                                                              std::int16_t hiBand) const;
 
   /// A new history that shares the spectra of records `LoRec` to `HiRec`, without the metrics; no
-  /// object if they are not all within this one's range.
+  /// object if the range exceeds this history's. Throws `InvalidArgument` if a record in it is
+  /// missing.
   [[nodiscard]] std::shared_ptr<AQ_SpectralTimeHistory> Resize(std::int16_t LoRec,
                                                                std::int16_t HiRec);
 
   // Text forms: "LINEAR", "TRUSLO", "4S100", "4S95", "CONTEXPO", "NA"; "START", "OVERHEAD", "AMAX",
   // "PMAX", "TMAX", "OAMAX", "HACK", "OTHER"; "START", "MIDPT", "END", "ICAOSLO", "OLDSLO". A value
-  // without a text form gives an empty text. Setting matches exactly and ignores other text.
+  // without a text form gives an empty text. Setting is case-sensitive and ignores other text.
   [[nodiscard]] std::string sAveragingMethod() const;
   [[nodiscard]] std::string sReferenceTimeType() const;
   [[nodiscard]] std::string sTimeStampType() const;

@@ -70,7 +70,7 @@ class AQ_API AQ_Spectrum {
   /// Whether there is a metrics object already; lets callers avoid creating one.
   [[nodiscard]] bool hasMetric() const { return metric_ != nullptr; }
 
-  /// The time by value, without making an object for it.
+  /// The time by value; creates no object.
   [[nodiscard]] AQ_Time timeValue() const { return time_.value(); }
   [[nodiscard]] LazyTime& lazyTime() { return time_; }
 
@@ -81,7 +81,7 @@ class AQ_API AQ_Spectrum {
   /// All levels from `LowBand` to `HighBand`, if they are doubles without gaps; otherwise none.
   [[nodiscard]] std::vector<double> plainLevels() const;
 
-  // The same in the form in which they are held: codes if each level has one, otherwise doubles.
+  // The same in the form in which they are stored: codes if every level has one, otherwise doubles.
   // Both are empty if there are gaps or levels of other types.
   [[nodiscard]] std::span<const LevelCode> levelCodes() const;
   [[nodiscard]] std::span<const double> levelDoubles() const;

@@ -6,7 +6,7 @@
 #include "aq/core/enumerations.h"
 
 // The file classes return the result of a read or a write as a value or through their last
-// parameter. Code that serves every format calls them through these functions, in one way.
+// parameter. Code that serves every format uses these functions, which all have the same form.
 namespace aq {
 
 /// `file.readFile` for a header and a model, in either order, or for one object.

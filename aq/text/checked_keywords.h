@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-// The keywords of lines that count the data or name their kind. Readers accept any keyword; a check
-// compares.
+// The keywords of lines that count the data or name their kind. Readers accept any keyword; checks
+// compare them.
 namespace aq::keywords {
 
 inline constexpr std::string_view kAveragingMethod = "AveragingMethod";

@@ -24,7 +24,7 @@ constexpr sys_days kFirstDay{year{1} / 1 / 1};
 constexpr sys_days kLastDay{year{9999} / 12 / 31};
 
 year_month_day calendarDay(double date) {
-  // Before day zero the time of day counts forward too, so the day is the whole part.
+  // The time of day counts forward before day zero too, so the day is the integer part.
   const double whole = std::trunc(date);
   const auto days = [](sys_days at) { return static_cast<double>((at - kDayZero).count()); };
   if (!(whole >= days(kFirstDay) && whole <= days(kLastDay))) {

@@ -30,7 +30,7 @@ struct ReadFailure {
 /// expected.
 AQ_API void takeLine(LineReader& lines, const char* what, std::string_view keyword = {});
 
-/// What a failed conversion expected; says "in range" for a number out of range.
+/// What a failed conversion expected, with "in range" for a number out of range.
 [[nodiscard]] AQ_API std::string expectedFor(const char* expected, const Error& error);
 
 /// `text` without its double quotes and outer blanks, as a field of delimited text is read.
@@ -73,8 +73,8 @@ class AQ_API FieldReader {
   /// In seconds after midnight.
   [[nodiscard]] double timeOfDay();
 
-  /// Takes fields by `takeSome`, which returns `FieldsTaken`, as long as they have the form that it
-  /// knows and `values` has room; returns how many. Leaves the field that stopped it to be taken.
+  /// Takes fields by `takeSome`, which returns `FieldsTaken`, as long as they have a form that it
+  /// knows and `values` has room; returns how many. The next field is then the one that stopped it.
   template <class Value, class TakeSome>
   [[nodiscard]] std::size_t takeRun(std::span<Value> values, const TakeSome& takeSome) {
     if (done_) return 0;

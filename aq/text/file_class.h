@@ -13,23 +13,23 @@
 
 namespace aq {
 
-/// What all file classes share: a result value for each call, and the reason for a failure.
+/// The base of all file classes: a result value for each call, and the reason for a failure.
 class AQ_API FileClass {
  public:
   /// Why the last call failed; empty when it gave `AQ_DATA_OK` or threw.
   [[nodiscard]] const std::optional<FileFailure>& lastFailure() const { return lastFailure_; }
 
-  /// Calls `watch` with each header line of every later read, up to a failure. An exception of
+  /// Calls `watch` with each header line of every later read, until a failure. An exception from
   /// `watch` ends the read and reaches the caller.
   void observeHeader(HeaderObserver watch) { observer_ = std::move(watch); }
 
-  /// Makes writes ask `information` for names and dates; `nullptr`, the default, means the service
-  /// in use.
+  /// Sets the service that supplies names and dates to writes; `nullptr`, the default, means the
+  /// service in use.
   void fileInformation(std::shared_ptr<FileInformation> information) {
     information_ = std::move(information);
   }
 
-  /// The service that writes ask.
+  /// The service that writes use.
   [[nodiscard]] std::shared_ptr<FileInformation> fileInformation() const {
     return information_ ? information_ : aq::fileInformation();
   }
@@ -42,8 +42,8 @@ class AQ_API FileClass {
 
   [[nodiscard]] const HeaderObserver& headerObserver() const { return observer_; }
 
-  // Each works on a copy of the name: the caller's may be part of what the call replaces, such as
-  // the name in a header or in the last failure.
+  // Each works on a copy of the name, since the caller's may be part of what the call replaces,
+  // such as the name in a header or in the last failure.
 
   /// Runs `read(name)`; a failure of the file becomes the last failure.
   template <class Read>

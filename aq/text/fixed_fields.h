@@ -25,7 +25,7 @@ struct Columns {
 };
 
 /// The fields of one line by their columns, counted as they are taken. A short line reads as if
-/// filled up with blanks. Throws `ReadFailure` with place and columns for a field that has a tab or
+/// padded with blanks. Throws `ReadFailure` with place and columns for a field that has a tab or
 /// does not convert.
 class AQ_API FixedFieldReader {
  public:
@@ -88,7 +88,7 @@ class AQ_API FixedFieldReader {
 /// Writes such a number right-aligned into the columns starting at `at`, and returns their end.
 AQ_API char* putScaled(char* at, std::int64_t value, int decimals, std::size_t width);
 
-/// Appends `text` right-aligned in so many columns.
+/// Appends `text` right-aligned in this many columns.
 AQ_API void appendRight(std::string& text, std::string_view field, std::size_t width);
 
 /// Ends a line, dropping trailing blanks appended since `begin`.

@@ -19,7 +19,7 @@
 
 namespace aq {
 
-/// Takes header lines by their place and compares their keywords. Throws `ReadFailure` for a line
+/// Takes header lines by position and compares their keywords. Throws `ReadFailure` for a line
 /// that is missing or does not convert: field 1 is the keyword, field 2 the value.
 class AQ_API FixedHeaderReader {
  public:
@@ -27,7 +27,7 @@ class AQ_API FixedHeaderReader {
   FixedHeaderReader(LineReader& lines, const HeaderObserver& observer)
       : lines_(lines), observer_(observer) {}
 
-  /// A value that never varies.
+  /// A constant value.
   void constant(std::string_view keyword, std::string_view value, const char* expected);
 
   void text(std::string_view keyword, std::string& value);

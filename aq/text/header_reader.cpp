@@ -130,8 +130,8 @@ void HeaderReader::takeValue(std::string_view keyword, std::size_t fields) {
            line.empty() ? "a blank line" : shown(line));
 }
 
-/// Takes the value from the line: what is between its first "**" and the next, without the leading
-/// comma. False when there is no "**".
+/// Takes the value of the line, between its first "**" and the next, without the leading comma.
+/// False if there is no "**".
 bool HeaderReader::findValue() {
   value_ = {};
   const auto behindMark = piece(trimmed(lines_.line()), kKeywordMark, 2);

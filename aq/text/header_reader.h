@@ -16,9 +16,9 @@
 
 namespace aq {
 
-/// Reads keyword header lines by their place: each call takes the next line and ignores its
-/// keyword. Throws `ReadFailure` for a line that is missing, has no "**" or does not convert.
-/// `HeaderWriter` has the same members.
+/// Reads keyword header lines by position: each call takes the next line and ignores its keyword.
+/// Throws `ReadFailure` for a line that is missing, has no "**" or does not convert. `HeaderWriter`
+/// has the same members.
 class AQ_API HeaderReader {
  public:
   explicit HeaderReader(LineReader& lines) : lines_(lines) {}
@@ -28,13 +28,13 @@ class AQ_API HeaderReader {
   /// The file type that the first line names; nothing if the file is empty or names none.
   [[nodiscard]] std::string_view anyTitle();
 
-  /// As `title`, but takes what follows the first comma and ignores what precedes it.
+  /// Like `title`, but takes the text after the first comma and ignores the text before it.
   void titleBehindComma(std::string_view fileType);
 
   /// The first line; it must name exactly `fileType`.
   void title(std::string_view fileType);
 
-  /// A line whose value goes to `set`, as text.
+  /// A line whose value is passed to `set` as text.
   template <class Get, class Set>
   void value(std::string_view keyword, const Get&, const Set& set) {
     takeValue(keyword);
@@ -56,8 +56,8 @@ class AQ_API HeaderReader {
   void recordedName(std::string_view keyword, std::string& file) { text(keyword, file); }
   void currentDateTime(std::string_view keyword, const std::shared_ptr<AQ_Time>& time);
 
-  /// As `currentDateTime`, the time through a twelve-hour clock: 12:30:00 becomes "12:30:00 PM",
-  /// which the time value reads as 88,200 s: hosts rely on it.
+  /// Like `currentDateTime`, but the time goes through a twelve-hour clock: 12:30:00 becomes
+  /// "12:30:00 PM", which the time value reads as 88,200 s. Hosts rely on it.
   void currentDateTime12(std::string_view keyword, const std::shared_ptr<AQ_Time>& time);
   void dateTimeOf(std::string_view keyword, const std::string& /*file*/,
                   const std::shared_ptr<AQ_Time>& time) {
@@ -68,7 +68,7 @@ class AQ_API HeaderReader {
   }
 
   /// A line with their number, then that many lines, each up to its first "**". A negative number
-  /// takes no line.
+  /// counts as 0.
   void lines(std::string_view keyword, const std::shared_ptr<Collection<std::string>>& block,
              std::int16_t& count);
   void lines(std::string_view keyword, const std::shared_ptr<Collection<std::string>>& block);

@@ -23,7 +23,7 @@ class AQ_API HeaderWriter {
   HeaderWriter(std::string& text, std::shared_ptr<FileInformation> information)
       : text_(text), information_(std::move(information)) {}
 
-  /// The first line, which says what kind of file it is.
+  /// The first line, which names the kind of file.
   void title(std::string_view fileType);
 
   /// A line with the value that `get` returns.
@@ -50,8 +50,8 @@ class AQ_API HeaderWriter {
     currentDateTime(keyword, time);
   }
 
-  /// The date and time of a source file; the information service gets the header's own and chooses
-  /// between it and the file's.
+  /// The date and time of a source file; the information service chooses between that in the header
+  /// and the file's own.
   void dateTimeOf(std::string_view keyword, const std::string& file,
                   const std::shared_ptr<AQ_Time>& recorded);
   void dateTimeOf(std::string_view keyword, const std::string& file, const std::string& recorded) {
@@ -73,8 +73,8 @@ class AQ_API HeaderWriter {
   std::shared_ptr<FileInformation> information_;
 };
 
-/// Appends the rows from `first` to `last` by `append(number)`. The first row shows how much room
-/// the others are likely to need.
+/// Appends the rows from `first` to `last` by `append(number)`. Estimates the memory for all rows
+/// from the first one.
 template <class Append>
 void appendRows(std::string& text, std::int32_t first, std::int32_t last, const Append& append) {
   constexpr std::size_t kLonger = 16;  // later numbers and times may have more digits

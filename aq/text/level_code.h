@@ -32,9 +32,9 @@ inline constexpr LevelCode kInvalidCode = std::numeric_limits<LevelCode>::min();
 /// The code that `levelOf` turns into exactly this level; nothing if there is none.
 [[nodiscard]] AQ_API std::optional<LevelCode> codeOf(double level);
 
-/// Takes levels in the form in which they are written, digits, a point and two decimals with ","
-/// between them, from the start of `text`, until `codes` is full or another form follows, which
-/// `doubleFrom` may still accept. The values are the same.
+/// Takes levels in their written form (digits, a point and two decimals, separated by ",") from the
+/// start of `text`, until `codes` is full or another form follows, which `doubleFrom` may still
+/// accept. The values are the same.
 [[nodiscard]] AQ_API FieldsTaken levelsAtFront(std::string_view text, std::span<LevelCode> codes);
 
 inline constexpr std::size_t kLevelColumns = 8;

@@ -1,4 +1,4 @@
-"""What the command line tool has done by this package: `python3 -m aq_data plot|convert`."""
+"""The jobs that the command line tool leaves to this package: `python3 -m aq_data plot|convert`."""
 
 from __future__ import annotations
 
@@ -23,7 +23,7 @@ _PAGE = {  # what a picture shows of a file, by its class
 
 
 def _replaced(path: str, save: Callable[[str], Any]) -> None:
-    """Writes a file as a whole or not at all."""
+    """Writes a file completely or not at all."""
     folder, name = os.path.split(path)
     handle, new = tempfile.mkstemp(
         prefix=".aq-", suffix=os.path.splitext(name)[1], dir=folder or "."
@@ -41,7 +41,7 @@ def _replaced(path: str, save: Callable[[str], Any]) -> None:
 
 
 def plot(output: str, *paths: str) -> None:
-    """Draws a page of a run's files, of each kind one: a history, and what belongs to it."""
+    """Draws a page from the files of one run, at most one of each kind."""
     import matplotlib
 
     matplotlib.use("Agg")
@@ -68,7 +68,7 @@ def plot(output: str, *paths: str) -> None:
 
 
 def _single(found: dict[str, Any], pictures: Any) -> Any:
-    """A picture of what has no history."""
+    """Draws a page for files without a history."""
     draw: dict[str, Callable[[Any], Any]] = {
         "ambient": lambda data: pictures.spectrum(data),
         "positions": lambda data: pictures.ground_track(
@@ -83,7 +83,9 @@ def _single(found: dict[str, Any], pictures: Any) -> Any:
 
 
 def convert(source: str, output: str, mask: Optional[str] = None) -> None:
-    """To netCDF and back: history and map in one dataset; back, the map next to the history."""
+    """Converts to netCDF, history and map in one dataset, and back, with the map next to the
+    history.
+    """
     import xarray as xr
 
     if output.lower().endswith(".nc"):

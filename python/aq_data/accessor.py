@@ -25,8 +25,8 @@ class Accessor:
 
     @property
     def level(self) -> xr.DataArray:
-        """Levels in dB over `time` and `band`, NaN where none is valid. Raises `ValueError` if the
-        dataset has none.
+        """Levels in dB over `time` and `band`, NaN where no level is valid. Raises `ValueError` if
+        the dataset has none.
 
         >>> ds.aq.level.max("time")
         """
@@ -72,10 +72,10 @@ class Accessor:
         between: Optional[Times] = None,
         down: Optional[float] = None,
     ) -> xr.Dataset:
-        """The dataset of some records: from a first number to a last, between two times of day, or of
-        the event: what is within `down` decibels of the largest PNLT, masks taken into account, and
-        one record more on each side. Record numbers stay; `measurement` gives history and map.
-        Raises `ValueError` unless just one is given, and when no record is left.
+        """The dataset of a range of records: by number, between two times of day, or the event,
+        which is the records within `down` decibels of the largest PNLT, masks taken into account,
+        plus one on each side. Records keep their numbers; `measurement` gives history and map.
+        Raises `ValueError` unless exactly one is given, and if no record remains.
 
         >>> ds.aq.cut(down=10)
         """

@@ -35,7 +35,7 @@ class _Job(NamedTuple):
 
 
 class _Shape(NamedTuple):
-    """What must be known of a history and its map before their arrays are read."""
+    """What is known about a history and its map before their arrays are read."""
 
     path: str
     mask: Optional[str]
@@ -110,7 +110,7 @@ def _words(header: Any, history: _core.AQ_SpectralTimeHistory, found: list[Findi
 
 
 def _shape(job: _Job) -> Union[_Shape, Exception]:
-    """What is known of a history and its map, or the reason for leaving them out."""
+    """Information about a history and its map, or the reason for leaving them out."""
     try:
         header, history = _history(job.path)
         last = None

@@ -5,7 +5,7 @@
 namespace aq::python {
 namespace {
 
-/// The type of a level: a pickle keeps it, since the written file may depend on it.
+/// The type of a level, which a pickle keeps, since the written file may depend on it.
 py::tuple savedLevels(const AQ_Spectrum& spectrum) {
   if (const auto plain = spectrum.plainLevels(); !plain.empty()) {
     return py::make_tuple(spectrum.LowBand(), py::bytes(reinterpret_cast<const char*>(plain.data()),

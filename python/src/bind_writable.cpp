@@ -3,9 +3,9 @@
 
 #include "levels.h"
 
-// Rejects what a file of one table cannot hold. The file classes write each record with its own
-// bands, but a file names the bands of its columns once: other records would come back under wrong
-// numbers.
+// Rejects data that a file cannot hold. The file classes write each record with its own bands, but
+// a file names the bands of its columns only once, so records with other bands would be read back
+// with wrong band numbers.
 
 namespace aq::python {
 namespace {

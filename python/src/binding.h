@@ -52,7 +52,7 @@ inline std::string docOf(const describe::About& about) {
   return doc;
 }
 
-/// The docstring of a member that Python has in its own form.
+/// The docstring of a member that has its own form in Python.
 template <class C>
 std::string docOf(std::string_view name) {
   std::string doc;
@@ -68,7 +68,7 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
   using Object = std::shared_ptr<C>;
 
  public:
-  /// With all members of the description that Python has in the same form.
+  /// Binds all described members that have the same form in Python.
   explicit Bound(const py::module_& module)
       : Bound(module, describe::Description<C>::name, describe::Description<C>::text) {
     describe::forMembers<C>(*this);
@@ -243,13 +243,13 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
   py::list fields_;
 };
 
-// One function per room, in order of their dependencies.
+// One function per folder, in order of dependencies.
 void bindCore(py::module_& module);
 void bindMasking(py::module_& module);
 void bindSpectral(py::module_& module);
-void bindHistory(const py::module_& module);  // of the spectral room
+void bindHistory(const py::module_& module);  // of the spectral folder
 void bindGeometry(py::module_& module);
-void bindEmission(const py::module_& module);  // of the geometry room
+void bindEmission(const py::module_& module);  // of the geometry folder
 void bindFiles(py::module_& module);
 void bindRecording(py::module_& module);
 void bindCheck(py::module_& module);

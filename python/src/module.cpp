@@ -3,7 +3,7 @@
 namespace aq::python {
 namespace {
 
-/// What is thrown in the library becomes what `aq_data.errors` raises.
+/// Converts exceptions of the library to those of `aq_data.errors`.
 void translate(std::exception_ptr thrown) {
   try {
     std::rethrow_exception(std::move(thrown));

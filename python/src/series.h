@@ -1,7 +1,7 @@
 #pragma once
 
-// Series of objects that have times and positions: the columns of their tables, and what every
-// series has in Python. `all(series)` gives its objects.
+// Series of objects that have times and positions: the columns of their tables, and the methods
+// that every series has in Python. `all(series)` gives its objects.
 
 #include "tables.h"
 
@@ -48,7 +48,7 @@ constexpr Column<Object> coordinate(const char* name) {
           [](Object& o, double value) { (Get(o).*Write)(value); }};
 }
 
-/// What every series of objects has in Python: length, iteration, its table and repr.
+/// The methods of every series of objects in Python: length, iteration, table and repr.
 template <class Series, class Object, class All>
 void bindSeries(Bound<Series>& series, const char* name, const All& all,
                 std::span<const Column<Object>> columns, const char* doc) {

@@ -88,7 +88,7 @@ class TableSource {
  private:
   using Values = py::array_t<double, py::array::c_style>;
 
-  /// A dictionary is written by hand, so an unknown name in it is a mistake.
+  /// A dictionary is usually written by hand, so an unknown name in it is an error.
   template <class Object>
   static void checkNames(const py::object& names, std::span<const Column<Object>> columns) {
     py::list known;

@@ -1,4 +1,4 @@
-"""Measurements that the tests share."""
+"""Measurements shared by the tests."""
 
 from __future__ import annotations
 
@@ -32,7 +32,7 @@ def sample() -> Path:
 
 @pytest.fixture
 def field() -> Path:
-    """A folder of field data, for more than made-up numbers."""
+    """A folder of field data."""
     if "AQ_FIELD_DATA" not in os.environ:
         pytest.skip("AQ_FIELD_DATA names no folder")
     return Path(os.environ["AQ_FIELD_DATA"])

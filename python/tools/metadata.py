@@ -1,7 +1,8 @@
 """Writes the package's metadata, with its entry points, next to it: `metadata.py PROJECT
 FOLDER`.
 
-The build backend of the wheel makes it, so that an installed prefix tells the same as a wheel.
+The build backend of the wheel makes it, so that an installed prefix has the same metadata as a
+wheel.
 """
 
 from __future__ import annotations

@@ -1,7 +1,8 @@
 """Compares the description with the public headers: `PROGRAM ROOT HEADER...`.
 
-Each public member of a class and each member of an enumeration has to be described, with the same
-counts of arguments or the same value, except the helpers named here, and nothing else.
+Each public member of a class and each member of an enumeration must be described, with the same
+numbers of arguments or the same value, except the helpers listed here; nothing else may be
+described.
 """
 
 import collections
@@ -12,8 +13,7 @@ import sys
 
 from clang import cindex
 
-# What the library and its hosts in C++ have beside the interface. Another name is described, or
-# comes here on purpose.
+# Helpers that are not part of the interface. Any other public name must be described.
 HELPERS = {
     "begin", "end",
     "Collection.Emplace", "Collection.reserve",
@@ -105,7 +105,9 @@ VAGUE = re.compile(r"\bthat of the (file|program|list|metric)\b|^(well|other|mis
 
 
 def senseless(senses):
-    """Members and parameters whose unit or text says nothing. A type without a unit does not compile."""
+    """Members and parameters with a meaningless unit or text. A number without a unit does not
+    compile.
+    """
     for name, what in senses.items():
         unit, text = what.split("|", 1)
         words = re.findall(r"[A-Za-z0-9%]+", text)

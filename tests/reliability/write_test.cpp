@@ -1,5 +1,5 @@
-// What replacing or appending keeps of a file: its permissions, its links, and its content if the
-// system refuses.
+// Replacing or appending keeps a file's permissions and links, and its content if the system
+// refuses.
 #include <aq/aq.h>
 #include <aq/core/platform.h>
 #include <fcntl.h>
@@ -169,7 +169,7 @@ TEST(Write, WhatIsNoRegularFileIsWrittenStraight) {
   EXPECT_EQ(test::contentOf(folder.file("a")), "1\n2\n");
 }
 
-/// What a writer other than the owner keeps of a file's owner and permissions.
+/// The owner and permissions that remain if the writer is not the owner.
 TEST(Write, ForeignFilesKeepTheirOwnerWhereTheSystemAllows) {
   if (::geteuid() != 0) GTEST_SKIP() << "needs the rights to give files away";
   constexpr uid_t kNobody = 65534;

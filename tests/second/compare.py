@@ -1,10 +1,11 @@
-"""Makes files, has them read by the library (print_file) and by reader.py, and compares.
+"""Generates files, reads them with the library (print_file) and with reader.py, and compares.
 
     compare.py PROGRAM FOLDER [COUNT] [--seed N] [--against OTHER]
 
-PROGRAM may be several words. OTHER is a build of print_file for another system, which then reads the
-files instead of reader.py. Files that are read differently stay in FOLDER. The same seed makes the
-same files."""
+PROGRAM may be several words. OTHER is a build of print_file for another system, which is then used
+instead of reader.py. Files that are read differently are kept in FOLDER. The same seed makes the
+same files.
+"""
 
 import argparse
 import concurrent.futures

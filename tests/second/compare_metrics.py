@@ -1,5 +1,5 @@
-"""Makes histories and flights, has their metrics and geometry computed by the library
-(print_metrics) and by metrics.py, and compares.
+"""Generates histories and flights, computes their metrics and geometry with the library
+(print_metrics) and with metrics.py, and compares.
 
     compare_metrics.py PROGRAM [COUNT] [--seed N]
 

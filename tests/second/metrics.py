@@ -264,8 +264,8 @@ def metrics(history, masks=None):
         values["LGB"] = None if masks is None else last_good_band(row)
         values["INTEG"] = 0
         rows.append(values)
-    # A number without a record is an index without a level; the record before it lasts until the
-    # next one.
+    # A number without a record is an index without levels; the previous record lasts until the next
+    # one.
     lowest = history[0]["number"]
     places = history[-1]["number"] - lowest + 1
     pnlt, corrections, seconds = [None] * places, [None] * places, [0.5] * places

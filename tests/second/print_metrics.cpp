@@ -1,9 +1,8 @@
-// Computes noise metrics and emission geometry of what it is given and prints every value, for
-// comparison with metrics.py. The input is numbers with blanks between them:
-//   history RECORDS MAPPED, each record NUMBER SECONDS LEVELS (BAND LEVEL)... MASKS (BAND MODE
-//   ADJUSTMENT)...
-//   flight FIXES (SECONDS X Y Z)... MICROPHONE (X Y Z) CELSIUS RECORDS SECONDS...
-// Each answer ends with the line `end`.
+// Computes noise metrics and emission geometry of its input and prints every value, for comparison
+// with metrics.py. The input is numbers with blanks between them: history RECORDS MAPPED, each
+// record NUMBER SECONDS LEVELS (BAND LEVEL)... MASKS (BAND MODE ADJUSTMENT)... flight FIXES
+// (SECONDS X Y Z)... MICROPHONE (X Y Z) CELSIUS RECORDS SECONDS... Each answer ends with the line
+// `end`.
 
 #include <aq/aq.h>
 

@@ -7,9 +7,9 @@
 
 namespace aqdata {
 
-/// The measurement of a table or JSON document as `convert` writes them, of a history, a masking
-/// map or positions; nothing for any other file. A table has no header, so one that says where it
-/// is from is made. Throws `Failure` with the line and field, or the row, that does not fit.
+/// Reads a table or JSON document that `convert` has written: a history, a masking map or
+/// positions; nothing for any other file. A table has no header, so the result has a new one, which
+/// names the table. Throws `Failure` with the line and field, or the row, at fault.
 [[nodiscard]] std::optional<Measurement> backFrom(const std::string& path);
 
 }  // namespace aqdata

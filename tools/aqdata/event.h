@@ -10,8 +10,8 @@
 
 namespace aqdata {
 
-/// The event of a history, with these keys and `second_peaks`; null if there is none. Its places
-/// are record numbers.
+/// The event of a history as JSON, with these keys and `second_peaks`; null if there is none. The
+/// records are record numbers.
 inline constexpr const char* kEventKeys[] = {"EPNL",
                                              "EPNL_with_band_sharing",
                                              "PNLTM",
@@ -22,13 +22,13 @@ inline constexpr const char* kEventKeys[] = {"EPNL",
                                              "last"};
 [[nodiscard]] Json eventJson(const std::optional<aq::NoiseEvent>& found, int firstRecord);
 
-/// What the event says, a sentence an entry; `event` is its document.
+/// The event in words, one sentence per entry; `event` is its document.
 [[nodiscard]] std::vector<std::string> eventWords(const aq::HistoryMetrics& metrics,
                                                   const Json& event,
                                                   const aq::AQ_SpectralTimeHistory& history,
                                                   const aq::AQ_MaskMap* map);
 
-/// Which records lack which value.
+/// In words, which records lack a metric and why.
 [[nodiscard]] std::vector<std::string> missingWords(const aq::HistoryMetrics& metrics,
                                                     const aq::AQ_MaskMap* map);
 

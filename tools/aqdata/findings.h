@@ -11,8 +11,8 @@
 
 namespace aqdata {
 
-/// What was found in one file. Keeps a limited number of findings of each kind, so that results
-/// waiting for their turn stay small; counts all.
+/// The findings of one file. Counts all, but keeps only a limited number of each kind, so that
+/// results that wait to be printed stay small.
 struct FileFindings {
   struct Count {
     const aq::FindingKind* kind;
@@ -26,7 +26,7 @@ struct FileFindings {
   /// Counts a finding, and keeps it when there are fewer than `limit` of its kind.
   void take(const aq::Finding& finding, std::size_t limit);
 
-  /// Those that are kept, those of the whole file first.
+  /// The kept findings; those of the whole file come first.
   [[nodiscard]] std::vector<const aq::Finding*> listed() const;
 };
 

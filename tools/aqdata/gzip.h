@@ -5,10 +5,10 @@
 
 namespace aqdata {
 
-/// Whether the bytes are those of a file that gzip has packed.
+/// Whether the bytes are a file packed by gzip.
 [[nodiscard]] bool isGzip(std::string_view bytes);
 
-/// What was packed. Throws `Failure` for damaged bytes, and where the tool is built without zlib.
+/// The unpacked bytes. Throws `Failure` for damaged bytes, or if the tool was built without zlib.
 [[nodiscard]] std::string unpacked(std::string_view bytes, const std::string& path);
 
 }  // namespace aqdata

@@ -32,7 +32,7 @@ constexpr std::array<std::string_view, 20> kCardOrder{"file_name",
                                                       "other_records",
                                                       "comments"};
 
-// The values that members with a key have.
+// The values of members that have a key.
 
 Json jsonOf(const std::string& text) { return text; }
 Json jsonOf(std::int16_t number) { return number; }
@@ -71,7 +71,7 @@ Json keyed(Object& object) {
   return values;
 }
 
-/// Sorts keys as in a card; keys that are already in order stay.
+/// Sorts keys in the order of a card; keeps the order of the others.
 Json inCardOrder(const Json& values) {
   if (values.empty() || values.begin().key() == kCardOrder.front()) return values;
   Json ordered = Json::object();

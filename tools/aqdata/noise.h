@@ -48,10 +48,10 @@ inline constexpr MetricName kMetricNames[] = {
 /// As in "tone of 2.00 dB in band 34 (2.5 kHz)".
 [[nodiscard]] std::string toneText(const aq::ToneCorrection& tone);
 
-/// A field of comma-separated values.
+/// A field of comma-separated values, in quotes if necessary.
 [[nodiscard]] std::string csvField(const std::string& text);
 
-/// The files that the user's arguments name: files themselves, and the histories of a folder.
+/// The files that the user's arguments name, and the histories in folders.
 [[nodiscard]] std::vector<std::string> chosenHistories(Session& session);
 
 }  // namespace aqdata

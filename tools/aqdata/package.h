@@ -5,9 +5,9 @@
 
 namespace aqdata {
 
-/// Has the Python package do what these words say (`aq_data.__main__`): pictures and netCDF are its
-/// own. Throws `Failure` where the interpreter or the package is missing, and after the package has
-/// said what went wrong. `what` names the job.
+/// Runs the Python package with these arguments (`aq_data.__main__`), which makes pictures and
+/// netCDF. Throws `Failure` if the interpreter or the package is missing, or if the package fails,
+/// which prints the reason itself. `what` names the job in the message.
 void runPackage(const std::string& what, const std::vector<std::string>& words);
 
 }  // namespace aqdata

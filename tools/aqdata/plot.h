@@ -12,13 +12,13 @@ namespace aqdata {
 /// Whether a cell holds a valid level.
 [[nodiscard]] bool isLevel(const Json& cell);
 
-/// The level of all valid ones together; null if there is none.
+/// The energy sum of the valid levels; null if there is none.
 [[nodiscard]] Json energySum(const std::vector<Json>& levels);
 
 /// Draws a spectrum, one bar per band.
 void plotSpectrum(Session& session, const Sheet& sheet, const Sheet::Row& row);
 
-/// Draws the level of one band across the records, or of all together.
+/// Draws the level of one band over time, or the overall level.
 void plotHistory(Session& session, const Sheet& sheet);
 
 /// Draws all levels: one line per band, one column per record, in the colours of the terminal.

@@ -8,8 +8,8 @@
 
 namespace aqdata {
 
-/// Adds a command. Its work runs once the command line is valid; an exception other than a
-/// complaint about one file ends the program.
+/// Adds a command. `run` is called if the command line is valid; an exception from it ends the
+/// program with a message.
 CLI::App* addCommand(CLI::App& program, Session& session, const char* name, const char* summary,
                      const char* examples, std::function<void()> run);
 

@@ -11,7 +11,7 @@
 
 namespace aqdata {
 
-/// The names of a run's files; empty for what it does not have.
+/// The names of a run's files; empty for a file that it lacks.
 struct RunFiles {
   std::string history = {};
   std::string map = {};
@@ -20,7 +20,7 @@ struct RunFiles {
   [[nodiscard]] std::vector<std::string> all() const;
 };
 
-/// A run as read: a history, and what belongs to it.
+/// A run as read: a history with its map and geometry.
 struct Run {
   History history;
   std::optional<MaskingMap> map = {};
@@ -30,20 +30,19 @@ struct Run {
 /// The name of a file next to a history: landing.mask.csv for landing.sth.csv and ".mask.csv".
 [[nodiscard]] std::string nextToHistory(const std::string& history, std::string_view ending);
 
-/// Reads a run's files. Throws `Failure`, for a map that does not fit the history too.
+/// Reads a run's files. Throws `Failure`, also for a map that does not fit the history.
 [[nodiscard]] Run openRun(const RunFiles& files);
 
-/// Writes a run: the map names the history, the geometry too. Gives what is left out in the
-/// history's form of file. Throws `Failure` before anything is written when a file is there that
-/// may not be replaced.
+/// Writes a run; map and geometry name the history. Returns what the history's format cannot hold.
+/// Throws `Failure`, before anything is written, if a file exists that may not be replaced.
 std::vector<std::string> writeRun(const Session& session, Run& run, const RunFiles& to,
                                   const std::string& from);
 
 /// Adds a comment line to all headers of a run.
 void addComment(Run& run, const std::string& line);
 
-/// Writes a history that was read from `from`. Gives what such a file has no room for. Throws
-/// `Failure` for what cannot be written as it is.
+/// Writes a history that was read from `from`. Returns what the format cannot hold. Throws
+/// `Failure` for data that cannot be written unchanged.
 std::vector<std::string> writeHistory(const Session& session, const History& read,
                                       const std::string& to, const std::string& from,
                                       bool inColumns);

@@ -12,7 +12,7 @@
 
 namespace aqdata {
 
-/// The data of a file of any kind as rows: what is shown, converted and compared.
+/// The data of a file of any kind as rows, to show, convert and compare.
 struct Sheet {
   struct Row {
     std::int32_t number;            ///< of the record; the index of a position
@@ -43,7 +43,7 @@ struct Sheet {
   void keepRows(Range range, const std::string& file);
   void keepBands(Range range, const std::string& file);
 
-  /// Times appear twice, as text and in seconds: drops the columns whose names have that ending.
+  /// Times appear twice, as text and in seconds; drops the columns whose names have this ending.
   void dropColumns(std::string_view ending);
 };
 
@@ -59,10 +59,10 @@ struct Sheet {
 /// The keys that a header of some kind may have.
 [[nodiscard]] std::vector<std::string> headerKeys();
 
-/// Seconds rounded to the digits that they were read with: those of a minute in single precision.
+/// Seconds rounded to the digits that were read: those of a minute in single precision.
 [[nodiscard]] double tidySeconds(double seconds);
 
-/// A single-precision number as the double that its shortest text gives.
+/// The double with the same shortest text as a single-precision number.
 [[nodiscard]] double tidy(float value);
 
 }  // namespace aqdata

@@ -16,7 +16,7 @@ enum class Colours { None, Some, Many256, True };
 [[nodiscard]] bool onOutput();
 [[nodiscard]] bool onErrors();
 
-/// What the environment says about a terminal's colours, including `NO_COLOR`.
+/// The colours that the environment allows, including `NO_COLOR`.
 [[nodiscard]] Colours colours();
 
 /// The columns of the terminal on standard output; 80 if there is none.
@@ -35,16 +35,15 @@ struct Character {
 /// is.
 [[nodiscard]] bool isStream(const std::string& path);
 
-/// Sets the streams up: a closed pipe ends the program at once and silently, where the system does
-/// that. Returns the words after the program's name, as UTF-8 where the system knows their
-/// encoding.
+/// Sets up the streams: a closed pipe ends the program silently, if the system supports that.
+/// Returns the arguments, as UTF-8 if the system knows their encoding.
 [[nodiscard]] std::vector<std::string> begin(int count, char** words);
 
 /// The files and folders that match a pattern with `*`, `?` and `[]`, in order.
 [[nodiscard]] std::vector<std::string> matches(const std::string& pattern);
 
-/// Runs another program, found as the shell finds it, with these words and this program's streams;
-/// gives its exit status, or nothing if it cannot be run.
+/// Runs another program, found as the shell would, with these arguments and this program's streams.
+/// Returns its exit status, or nothing if it cannot be run.
 [[nodiscard]] std::optional<int> run(const std::vector<std::string>& words);
 
 }  // namespace aqdata::terminal

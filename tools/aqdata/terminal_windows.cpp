@@ -1,7 +1,7 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 // clang-format off
-#include <shellapi.h>  // needs what is above
+#include <shellapi.h>  // needs the header above
 // clang-format on
 
 #include <process.h>
@@ -37,7 +37,7 @@ std::string utf8(std::wstring_view text) {
 
 wchar_t upper(wchar_t letter) { return static_cast<wchar_t>(std::towupper(letter)); }
 
-/// Whether the stream is a console that takes escape sequences, which is asked of it.
+/// Whether the stream is a console that accepts escape sequences; asks it to.
 bool isConsole(DWORD stream) {
   const HANDLE handle = ::GetStdHandle(stream);
   DWORD mode = 0;
@@ -47,10 +47,11 @@ bool isConsole(DWORD stream) {
 
 UINT codePageBefore = 0;
 
-/// A word as a program takes it apart from its command line: in quotes, with those in it escaped.
+/// A word in the form that programs expect on a command line: in quotes, with its own quotes
+/// escaped.
 std::wstring quoted(std::wstring_view word) {
   std::wstring text = L"\"";
-  std::size_t slashes = 0;  // which count twice ahead of a quote
+  std::size_t slashes = 0;  // doubled before a quote
   for (const wchar_t letter : word) {
     if (letter == L'"') text.append(slashes + 1, L'\\');
     slashes = letter == L'\\' ? slashes + 1 : 0;
@@ -59,7 +60,7 @@ std::wstring quoted(std::wstring_view word) {
   return text.append(slashes, L'\\') + L'"';
 }
 
-/// Whether a set as of `[a-z]`, without its brackets, has `letter`.
+/// Whether a set such as `[a-z]`, given without brackets, contains `letter`.
 bool has(std::wstring_view set, wchar_t letter) {
   const bool others = set.starts_with(L'!');
   if (others) set.remove_prefix(1);
@@ -87,7 +88,8 @@ bool fits(std::wstring_view name, std::wstring_view pattern) {
   return same && fits(name.substr(1), pattern.substr(1));
 }
 
-/// Adds what `part` of a pattern matches in a folder; an empty one is the working folder.
+/// Adds the entries of a folder that `part` of a pattern matches; an empty name means the working
+/// folder.
 void addMatches(const fs::path& folder, const fs::path& part, std::vector<fs::path>& found) {
   std::error_code error;
   const std::wstring& pattern = part.native();

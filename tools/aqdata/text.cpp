@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t kGap = 2;  // between two columns
 
-/// How many bytes of `text` fit into that many columns.
+/// How many bytes of `text` fit into `width` columns.
 std::size_t bytesWithin(std::string_view text, std::size_t columns) {
   std::size_t at = 0;
   while (at < text.size()) {
@@ -26,7 +26,7 @@ std::size_t bytesWithin(std::string_view text, std::size_t columns) {
   return at;
 }
 
-/// Where the last characters of `text` that fit into that many columns begin.
+/// Where the last characters of `text` that fit into the columns begin.
 std::size_t lastWithin(std::string_view text, std::size_t columns) {
   std::size_t at = 0;
   for (std::size_t left = widthOf(text); left > columns && at < text.size();) {
@@ -131,7 +131,7 @@ Range rangeFrom(const std::string& text, std::string_view ofWhat) {
     if (!last.empty()) range.last = aq::Variant(last).toInt16();
     if (range.first <= range.last) return range;
   } catch (const aq::Error&) {
-    // told below
+    // reported below
   }
   throw Failure(fmt::format("--{0}: expected {0} as in 10:40, found {1}", ofWhat, aq::shown(text)));
 }

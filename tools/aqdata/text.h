@@ -12,13 +12,13 @@ namespace aqdata {
 /// How many columns of a terminal `text` takes, without colours.
 [[nodiscard]] std::size_t widthOf(std::string_view text);
 
-/// `text` in at most `width` columns, with a mark for what is cut from its middle.
+/// `text` in at most `width` columns; a mark replaces what is cut from the middle.
 [[nodiscard]] std::string shortened(std::string_view text, std::size_t width);
 
-/// A number as a table shows it, text unchanged, nothing for null.
+/// A cell as a table shows it: text unchanged, nothing for null.
 [[nodiscard]] std::string cellText(const Json& value);
 
-/// As `cellText`; the entries of a list with `between` them.
+/// As `cellText`; joins the entries of a list with `between`.
 [[nodiscard]] std::string listText(const Json& value, std::string_view between);
 
 /// `text` wrapped to lines of at most `width` columns, broken at blanks.
@@ -52,11 +52,11 @@ class Table {
   /// Cells may have colours.
   void add(std::vector<std::string> cells) { rows_.push_back(std::move(cells)); }
 
-  /// Fits the table to a width: leaves out optional columns, which the last line then names, and
+  /// Fits the table to a width: leaves out optional columns, which the last line names, and
   /// shortens the first column.
   void fit(std::size_t width);
 
-  /// Columns that do not fit the terminal follow below, each time with the first column.
+  /// Columns that do not fit the terminal follow below, with the first column repeated.
   void print(Session& session) const;
 
  private:

@@ -22,7 +22,7 @@ std::optional<double> plainNumberIn(const std::string& text) {
   }
 }
 
-/// Seconds of a time of day as in 14:00 or 14:00:00.25.
+/// The seconds of a time of day such as 14:00 or 14:00:00.25.
 std::optional<double> clockIn(const std::string& text) {
   const std::size_t colon = text.find(':');
   if (colon == text.npos || text.find_first_not_of("0123456789:.") != text.npos)

@@ -5,8 +5,8 @@
 namespace aqdata {
 namespace {
 
-/// Prints each header line when its reader takes it, so that a file that fails shows what precedes
-/// the failure.
+/// Prints each header line as the reader takes it, so that a damaged file shows the lines before
+/// the damage.
 void cat(Session& session, const std::string& path) {
   Json lines = Json::array();
   session.title(path);

@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-// The page's own style and scripts, made part of the program when it is built. Digests are those of
-// SHA-256, in hexadecimal.
+// The page's style and scripts, embedded in the program by the build. Digests are SHA-256, in
+// hexadecimal.
 namespace aqdata::report::assets {
 
 extern const std::string_view style;

@@ -29,7 +29,7 @@ bool areSteps(std::span<const double> numbers, double step, double most, bool ex
   });
 }
 
-/// How many steps each number is above the one before it, if that is always the same.
+/// The difference between consecutive numbers in steps, if it is constant.
 std::optional<double> differenceOf(std::span<const double> numbers, double step) {
   if (numbers.size() < 3) return std::nullopt;
   const auto difference = [&](std::size_t i) {
@@ -42,7 +42,7 @@ std::optional<double> differenceOf(std::span<const double> numbers, double step)
   return first;
 }
 
-/// Integers times the step; the lowest integer stands for no value.
+/// Integers in units of the step; the lowest integer means no value.
 template <class Integer>
 std::string asIntegers(std::span<const double> numbers, double step) {
   using Unsigned = std::make_unsigned_t<Integer>;

@@ -7,20 +7,20 @@
 
 #include "tools/aqdata/session.h"
 
-// Series of numbers as a page holds them: little-endian integers or single precision, in base64.
+// Series of numbers in the page's form: little-endian integers or single precision, in base64.
 namespace aqdata::report {
 
 [[nodiscard]] std::string base64(std::string_view bytes);
 
-/// Numbers rounded to multiples of `step`, as integers of 16 or 32 bits, or as the first one and a
-/// difference if that is always the same; in single precision if they are too large, or, with
-/// `exact`, if one is no multiple, to 1e-9. NaN is no value.
+/// Numbers rounded to multiples of `step`: as 16-bit or 32-bit integers, or as the first one and
+/// the difference if that is constant; in single precision if they are too large or, with `exact`,
+/// if one is not a multiple to within 1e-9. NaN means no value.
 [[nodiscard]] Json packed(std::span<const double> numbers, double step, bool exact = false);
 
-/// Numbers from 0 to 3, four a byte, the first one lowest.
+/// Numbers from 0 to 3, four per byte, the first one in the lowest bits.
 [[nodiscard]] Json packedQuarters(std::string_view numbers);
 
-/// The same, of what `value` gives for each element.
+/// The same for `value(element)` of each element.
 template <class Elements, class Value>
 Json packedFrom(const Elements& elements, double step, const Value& value) {
   std::vector<double> numbers;

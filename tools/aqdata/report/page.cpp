@@ -11,7 +11,7 @@
 namespace aqdata::report {
 namespace {
 
-/// Text between tags and in quoted attributes.
+/// Escapes text for use between tags and in quoted attributes.
 std::string htmlText(std::string_view text) {
   std::string safe;
   for (const char c : text) {
@@ -28,7 +28,7 @@ std::string htmlText(std::string_view text) {
 
 unsigned digitOf(char c) { return static_cast<unsigned>(c <= '9' ? c - '0' : c - 'a' + 10); }
 
-/// A digest as a content security policy names it.
+/// A digest in the form of a content security policy.
 std::string sourceOf(std::string_view digest) {
   std::string bytes;
   for (std::size_t i = 0; i + 1 < digest.size(); i += 2) {
@@ -37,7 +37,7 @@ std::string sourceOf(std::string_view digest) {
   return "'sha256-" + base64(bytes) + "'";
 }
 
-/// The frequencies of bands 2 to 50 as text, as in "2.5 kHz".
+/// The frequencies of bands 2 to 50 as text, such as "2.5 kHz".
 Json frequencies() {
   constexpr std::int16_t kLowest = 2;
   constexpr std::int16_t kHighest = 50;
@@ -79,7 +79,7 @@ std::string Page::finished(const Json& season) && {
   return std::move(text_);
 }
 
-/// No "<" is left in the data, so that nothing in it ends its element.
+/// Escapes every "<" in the data, so that nothing in it can end its element.
 void Page::addData(std::string_view id, const Json& document) {
   text_ += fmt::format(R"(<script type="application/json" id="{}">)", id);
   const std::string data = lineOf(document);

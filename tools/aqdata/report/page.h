@@ -7,16 +7,16 @@
 
 namespace aqdata::report {
 
-/// A page of runs in one file that refers to nothing outside it. Text of files is data everywhere
-/// in it: the page has no markup but its own, and runs no script but those that it names by digest.
+/// A page of runs in one self-contained file. Text from files is treated as data throughout: it
+/// never becomes markup, and the page runs only its own scripts, named by digest.
 class Page {
  public:
   explicit Page(std::string_view title);
 
-  /// A run's document, after that of the run before.
+  /// Adds the document of a run.
   void addRun(const Json& document);
 
-  /// The page, with what `season` says of all runs: `runs`, the summary of each.
+  /// The finished page. `season` describes all runs: `runs` has the summary of each.
   [[nodiscard]] std::string finished(const Json& season) &&;
 
  private:

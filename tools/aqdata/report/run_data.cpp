@@ -23,16 +23,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kListed = 20;  // of a kind that are listed, a file
+constexpr std::size_t kListed = 20;  // of a kind that are listed per file
 
 std::string nameOf(const std::string& path) { return fs::path(path).filename().string(); }
 
-/// What a header records of a file, without folders of any system.
+/// The recorded name of a file, without the folders of any system.
 std::string bareName(const std::string& recorded) {
   return recorded.substr(recorded.find_last_of("/\\") + 1);
 }
 
-/// Puts a run together from its history and the files that go with it.
+/// Assembles a run from its history and companion files.
 class RunReader {
  public:
   RunReader(std::string path, const RunChoice& choice)
@@ -54,8 +54,8 @@ class RunReader {
   }
 
  private:
-  /// The file that the user named, else the first that is beside the history under one of these
-  /// endings; empty when there is none.
+  /// The file that the user named, otherwise the first one next to the history with one of these
+  /// endings; empty if there is none.
   [[nodiscard]] std::string source(const std::string& named,
                                    std::initializer_list<std::string_view> endings) const {
     if (!named.empty() || choice_.alone) return named;
@@ -67,8 +67,8 @@ class RunReader {
     return {};
   }
 
-  /// Calls `use` with a file. Where that fails the page goes without the file, and says so; a file
-  /// that the user named has to serve.
+  /// Calls `use` with a file. If that fails, the page reports the file and leaves it out; for a
+  /// file that the user named, it throws.
   template <class Use>
   void with(const std::string& file, const char* what, bool named, const Use& use) {
     if (file.empty()) return;
@@ -164,7 +164,7 @@ class RunReader {
     if (map_) document["masks"] = packedQuarters(masks);
   }
 
-  /// Nothing of them where they cannot be computed, as of records that share a time stamp.
+  /// Leaves metrics out if they cannot be computed, for example if records share a time stamp.
   void addMetrics() {
     try {
       const aq::HistoryMetrics metrics = aq::historyMetrics(*history_.model, map_.get());
@@ -235,7 +235,7 @@ class RunReader {
          });
   }
 
-  /// The file that the geometry was made of, where none has the history's own name.
+  /// The file that the geometry was made from, if none has the history's own name.
   [[nodiscard]] std::string recorded(const std::string& found, const std::string& name) const {
     if (!found.empty() || name.empty() || choice_.alone) return found;
     std::error_code error;

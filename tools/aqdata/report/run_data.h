@@ -9,8 +9,8 @@
 
 namespace aqdata::report {
 
-/// What the user says of the files that go with a history. An empty name stands for the file next
-/// to it, unless `alone`.
+/// The companion files of a history that the user chose. An empty name means the file next to the
+/// history, unless `alone`.
 struct RunChoice {
   std::string map;
   std::string ambient;
@@ -20,11 +20,11 @@ struct RunChoice {
   std::string celsius;  ///< the temperature for a geometry to be computed; empty for none
   bool alone = false;   ///< takes nothing that is next to a history
 
-  /// Whether a file is named that goes with one history alone.
+  /// Whether a file is named that belongs to a single history.
   [[nodiscard]] bool isOfOneRun() const;
 };
 
-/// A run as the page has it.
+/// A run in the page's form.
 struct RunData {
   Json summary = {};                         ///< its line in the table of all runs
   Json document = {};                        ///< its section
@@ -33,11 +33,11 @@ struct RunData {
   std::string failure = {};                  ///< why the history did not read
 };
 
-/// Reads a history and what goes with it, and computes what the page shows. Throws `Failure` for a
-/// file that the user named and that does not serve.
+/// Reads a history and its companion files, and computes what the page shows. Throws `Failure` for
+/// a file that the user named and that cannot be used.
 [[nodiscard]] RunData runData(const std::string& history, const RunChoice& choice);
 
-/// Adds a finding that only shows among several runs.
+/// Adds a finding that only appears among several runs.
 void addFinding(RunData& run, const std::string& file, const aq::Finding& finding);
 
 }  // namespace aqdata::report

@@ -1,7 +1,7 @@
 const VIEWS = { i16: Int16Array, i32: Int32Array, f32: Float32Array };
 const NO_VALUE = { i16: -32768, i32: -2147483648 };
 
-/** Numbers as the page packs them, little-endian; NaN where there is no value. */
+/** Unpacks the page's little-endian numbers; NaN where there is no value. */
 export function unpack(packed) {
   if (!packed) return new Float64Array(0);
   const scale = Math.round(1 / packed.step); // dividing by it gives the nearest decimal
@@ -21,12 +21,12 @@ export function unpack(packed) {
   return Float64Array.from(raw, (value) => (value === none ? NaN : value / scale));
 }
 
-/** A number with so many decimals; a dash for none. */
+/** A number with this many decimals; a dash for no value. */
 export function decimals(value, digits = 2) {
   return Number.isFinite(value) ? value.toFixed(digits) : "\u2013";
 }
 
-/** A time of day as hh:mm:ss with the decimals that it has; seconds may go on over midnight. */
+/** A time of day as hh:mm:ss with its decimals; seconds may continue past midnight. */
 export function clock(seconds) {
   if (!Number.isFinite(seconds)) return "\u2013";
   const ticks = Math.round((((seconds % 86400) + 86400) % 86400) * 1000) % 86400000;
@@ -38,7 +38,7 @@ export function clock(seconds) {
   return fraction ? `${whole}.${fraction}` : whole;
 }
 
-/** Times of day that go on over midnight: the first is of the day that is nearest to `near`. */
+/** Makes times of day continue past midnight; the first is on the day nearest to `near`. */
 export function goingOn(times, near = times[0]) {
   const day = 86400;
   const out = Float64Array.from(times);
@@ -54,7 +54,7 @@ export function goingOn(times, near = times[0]) {
   return out;
 }
 
-/** The place of the value that is nearest to `wanted`, of values that ascend. */
+/** The index of the value nearest to `wanted` among ascending values. */
 export function nearest(values, wanted) {
   let low = 0;
   let high = values.length - 1;
@@ -66,7 +66,7 @@ export function nearest(values, wanted) {
   return Math.abs(values[high] - wanted) < Math.abs(values[low] - wanted) ? high : low;
 }
 
-/** The lowest and the highest of the numbers, with room about them; `otherwise` without any. */
+/** The lowest and highest of the numbers, with a margin; `otherwise` if there are none. */
 export function extent(numbers, room = 0.05, otherwise = [0, 1]) {
   let low = Infinity;
   let high = -Infinity;
@@ -80,7 +80,7 @@ export function extent(numbers, room = 0.05, otherwise = [0, 1]) {
   return [low - more, high + more];
 }
 
-/** The numbers below which these parts of all lie, as [0.01, 0.99]. */
+/** The quantiles of the numbers at these fractions, such as [0.01, 0.99]. */
 export function quantiles(numbers, parts) {
   const sorted = Float64Array.from(numbers.filter(Number.isFinite)).sort();
   return parts.map((part) => sorted[Math.round(part * (sorted.length - 1))]);

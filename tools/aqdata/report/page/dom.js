@@ -10,7 +10,7 @@ export function element(tag, attributes = {}, ...children) {
   return made;
 }
 
-/** A canvas of so many pixels of the page, and what draws on it in these. */
+/** A canvas of this size in CSS pixels, and its drawing context in the same units. */
 export function canvas(width, height) {
   const made = element("canvas", {
     width: width * devicePixelRatio,
@@ -21,7 +21,7 @@ export function canvas(width, height) {
   return made;
 }
 
-/** The data that the page holds under an id. */
+/** The data in the page's element with this id. */
 export function dataOf(id) {
   return JSON.parse(document.getElementById(id).textContent);
 }

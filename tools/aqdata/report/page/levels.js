@@ -10,7 +10,7 @@ const LINES = [
 
 const linesOf = (run) => LINES.filter(([name]) => run.metrics[name]?.some(Number.isFinite));
 
-/** The part of the event that is summed, from the begin of its first record to the end of its last. */
+/** The summed part of the event, from the start of its first record to the end of its last. */
 function summed(run) {
   const { event } = run.data;
   const place = (record, otherwise) => (record == null ? otherwise : run.placeOf(record));
@@ -38,7 +38,7 @@ function paintPart(plot, run) {
   pen.restore();
 }
 
-/** Triangles at the maximum, filled, and at second peaks, hollow. */
+/** Triangles: filled at the maximum, hollow at second peaks. */
 function paintPeaks(plot, run) {
   const { event } = run.data;
   if (!event) return;
@@ -86,7 +86,7 @@ export const levels = {
       lines.flatMap(([name]) => Array.from(run.metrics[name])),
       0.1,
     );
-    const alone = run.count < 3; // one point makes no line
+    const alone = run.count < 3; // one point does not make a line
     return new TimeChart(host, selection, {
       label: `Level history: ${lines.map(([, , text]) => text).join(" and ")}, ${eventText(run.data)}`,
       heights: { screen: 220, paper: 165 },

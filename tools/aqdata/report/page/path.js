@@ -5,7 +5,7 @@ import { axis, baseOptions, line, plain, sideAxis, TimeChart } from "./time_char
 
 const PATH_HEIGHTS = { screen: 240, paper: 200 };
 
-/** The path flown by its positions, else by those of the geometry; null without either. */
+/** The flight path from positions or, without them, from the geometry; null without either. */
 export function pathOf(run) {
   const data = run.data.positions ?? run.data.geometry;
   if (!data) return null;
@@ -16,7 +16,7 @@ export function pathOf(run) {
   return path.time.length ? path : null;
 }
 
-/** When the sound of each record was emitted, where that is known. */
+/** When the sound of each record was emitted, if known. */
 function emissionsOf(run) {
   const { geometry } = run.data;
   if (!geometry) return null;
@@ -24,8 +24,8 @@ function emissionsOf(run) {
   return { measured, emitted: goingOn(unpack(geometry.emission), run.time[0]) };
 }
 
-/** The place on the path that the cursor stands for: where the sound was emitted, else where the
- * source was when the record was made. */
+/** The cursor's place on the path: where the sound was emitted or, if unknown, where the source was
+ * at the time of the record. */
 function placeAt(path, time) {
   let when = time;
   if (path.emission) {
@@ -42,7 +42,7 @@ function placeAt(path, time) {
   return { time: when, x: between(path.x), y: between(path.y), z: between(path.z) };
 }
 
-/** The path over the ground, to scale: of the part of the time that is shown. */
+/** The path over the ground, to scale, for the time range shown. */
 class TrackChart {
   constructor(host, selection) {
     this.host = host;
@@ -78,7 +78,7 @@ class TrackChart {
     };
   }
 
-  /** The places of the positions in the part that is shown, all where none is. */
+  /** The indices of the positions in the time range shown; all if there are none. */
   shown() {
     const [low, high] = this.selection.range;
     const all = Array.from(this.path.time.keys());
@@ -87,7 +87,7 @@ class TrackChart {
     return part.length > 1 ? part : all;
   }
 
-  /** Makes both scales show as many units to a pixel. */
+  /** Gives both scales the same number of units per pixel. */
   fit() {
     const places = this.shown();
     const { microphone } = this.selection.run.data;
@@ -225,7 +225,7 @@ export const height = {
   },
 };
 
-/** A dot where the sound of the record at the cursor was emitted, before its time. */
+/** A dot at the time when the sound of the record at the cursor was emitted. */
 function paintEmission(plot, path, selection) {
   const at = placeAt(path, selection.run.time[selection.place]);
   if (!at || !path.emission) return;

@@ -5,7 +5,7 @@ const TONE_BANDS = 22;
 const ALL_GOOD = 0; // last good bands that are none
 const NONE_GOOD = 9999;
 
-/** A run: its records by place from 0, each with its levels, masks and metrics. */
+/** A run: its records by index from 0, each with levels, masks and metrics. */
 export class Run {
   constructor(data, frequencies) {
     this.data = data;
@@ -26,14 +26,14 @@ export class Run {
     this.setTimes(unpack(data.time));
   }
 
-  /** Stamps serve as the axis when each is later than the one before; else record numbers do. */
+  /** The axis is the time stamps if they ascend, otherwise the record numbers. */
   setTimes(stamps) {
     this.time = goingOn(stamps);
     this.timed = this.time.every((time, i) => i === 0 || time > this.time[i - 1]);
     this.x = this.timed ? this.time : this.records;
     const steps = Array.from(this.x.slice(1), (x, i) => x - this.x[i]).sort((a, b) => a - b);
     this.step = steps[steps.length >> 1] ?? 0.5;
-    const most = this.step * 0.75; // a longer pause stays blank
+    const most = this.step * 0.75; // longer gaps stay blank
     const reach = (i, j) =>
       Math.min(most, Math.abs((this.x[j] ?? NaN) - this.x[i]) / 2 || this.step / 2);
     this.begins = Float64Array.from(this.x, (x, i) => x - reach(i, i - 1));
@@ -59,7 +59,7 @@ export class Run {
     return this.metrics[name]?.[place] ?? NaN;
   }
 
-  /** The upper edge of the last good band, inside those that are measured. */
+  /** The upper edge of the last good band, within the measured bands. */
   lastGoodEdge(place) {
     const last = this.metric("LGB", place);
     if (!Number.isFinite(last)) return NaN;
@@ -72,7 +72,7 @@ export class Run {
     return this.frequencies[band] ?? `band ${band}`;
   }
 
-  /** The bands at the centres of octaves, of every second one where there is no room for so many. */
+  /** The bands at octave centres; every second one if space is short. */
   octaves(room) {
     const all = [];
     for (let band = this.low; band <= this.high; band++) if (band % 3 === 0) all.push(band);
@@ -88,7 +88,7 @@ export class Run {
     return this.timed ? clock(x) : String(Math.round(x));
   }
 
-  /** What the cursor says of a record, and of one band of it. */
+  /** The text at the cursor for a record and one of its bands. */
   textOf(place, band) {
     const parts = [`record ${this.records[place]}`, clock(this.time[place])];
     const add = (name, label, unit) => {
@@ -113,7 +113,7 @@ export class Run {
   }
 }
 
-/** What the pictures of a run share: the record and band at the cursor, and the part that is shown. */
+/** The state that the pictures of a run share: record and band at the cursor, and the range shown. */
 export class Selection {
   constructor(run) {
     this.run = run;
@@ -142,7 +142,7 @@ export class Selection {
     this.tell("cursor");
   }
 
-  /** Moves the part that is shown along with the cursor. */
+  /** Moves the range shown so that it includes the cursor. */
   keepInView() {
     const x = this.run.x[this.place];
     const [low, high] = this.range;
@@ -162,7 +162,7 @@ export class Selection {
     this.tell("range");
   }
 
-  /** Shows a part that is `factor` as wide, with what is at `x` where it is. */
+  /** Zooms the range by `factor`, keeping `x` in place. */
   zoom(factor, x = this.run.x[this.place]) {
     const [low, high] = this.range;
     const about = Math.max(low, Math.min(high, x));
@@ -173,7 +173,7 @@ export class Selection {
     this.show(...this.run.whole);
   }
 
-  /** Shows the 10 dB-down part and a tenth more on either side. */
+  /** Shows the 10 dB-down part, plus a tenth on either side. */
   showEvent() {
     const event = this.run.data.event;
     if (!event) return;

@@ -8,9 +8,9 @@ import { Run, Selection } from "./run.js";
 import { spectrogram } from "./spectrogram.js";
 import { spectrum } from "./spectrum.js";
 
-const PAPER_WIDTH = 720; // pixels of the page that A4 and Letter have room for
+const PAPER_WIDTH = 720; // width in CSS pixels that fits A4 and Letter
 const PICTURES = [
-  // name, picture, whether it has half of the paper's width
+  // name, picture, whether it takes half the width of the paper
   ["spectrogram", spectrogram, false],
   ["levels", levels, false],
   ["spectrum", spectrum, false],
@@ -19,7 +19,7 @@ const PICTURES = [
   ["geometry", geometry, false],
 ];
 
-/** All about one run. Its pictures are there between `open` and `close`. */
+/** The section of one run. Its pictures exist between `open` and `close`. */
 export class Section {
   constructor(number, summary, season) {
     this.number = number;
@@ -110,7 +110,7 @@ export class Section {
     this.slider.setAttribute("aria-valuetext", text);
   }
 
-  /** Makes the pictures as wide as the page, or as half or all of the paper. */
+  /** Fits the pictures to the width of the page, or to all or half of the paper. */
   fit(paper = false) {
     for (const { host, half, chart } of this.charts) {
       const width = paper ? (half ? PAPER_WIDTH / 2 - 6 : PAPER_WIDTH) : host.clientWidth;
@@ -126,7 +126,7 @@ export class Section {
     this.root.classList.remove("printed");
   }
 
-  /** Lets go of everything; the place stays as high as it was. */
+  /** Releases the pictures; the section keeps its height. */
   close() {
     if (!this.shown) return;
     this.shown = false;
@@ -137,7 +137,7 @@ export class Section {
     this.body.replaceChildren();
   }
 
-  /** Draws anew, as in other colours. */
+  /** Redraws, for example in other colours. */
   redraw() {
     const { selection, shown } = this;
     if (!shown || !selection) return;

@@ -3,13 +3,13 @@ import { caption, colourBar } from "./legend.js";
 import { colour, hatching, levelColour } from "./theme.js";
 import { axis, GUTTER, TimeChart } from "./time_chart.js";
 
-/** The levels between which a run's colours lie: a few outliers shall not make all others alike. */
+/** The range of levels that a run's colours span, without outliers, which would make the rest look alike. */
 export function colourLimits(run) {
   const limits = quantiles(run.levels, [0.005, 0.9995]);
   return Number.isFinite(limits[0]) ? limits : [0, 1];
 }
 
-/** The place of the record that each column of pixels shows, -1 where there is none. */
+/** The index of the record that each column of pixels shows; -1 if none. */
 function placesOf(run, [low, high], columns) {
   const places = new Int32Array(columns).fill(-1);
   let place = 0;
@@ -21,7 +21,7 @@ function placesOf(run, [low, high], columns) {
   return places;
 }
 
-/** Draws the levels of a part of a run, one column of pixels after the other. */
+/** Draws the levels of a part of a run, column by column. */
 export function paintLevels(pen, run, range, limits, { left, top, width, height }) {
   if (!(width > 0) || run.bands === 0) return new Int32Array(0);
   const places = placesOf(run, range, width);
@@ -44,7 +44,7 @@ export function paintLevels(pen, run, range, limits, { left, top, width, height 
   return places;
 }
 
-/** Hatches the masked cells, those that were adjusted the other way. */
+/** Hatches masked cells; adjusted ones in the other direction. */
 function paintMasks(pen, run, places, { left, top, width, height }) {
   if (!run.masks) return;
   const row = height / run.bands;
@@ -112,7 +112,7 @@ function countMasked(run) {
   return run.masks ? run.masks.reduce((count, code) => count + (code & 1), 0) : 0;
 }
 
-/** The levels over time and band, what is masked, and the last good band. */
+/** Levels over time and band, with masks and the last good band. */
 export const spectrogram = {
   serves: (run) => run.bands > 0,
 

@@ -13,8 +13,8 @@ function ambientOf(run) {
   return (band) => read[band - ambient.low] ?? NaN;
 }
 
-/** The levels of the record at the cursor, with the ambient, the background that the tone correction
- * finds, and the tone's band. */
+/** The levels of the record at the cursor, with the ambient, the background found by the tone
+ * correction, and the band of the tone. */
 class SpectrumChart {
   constructor(host, selection) {
     this.host = host;
@@ -88,7 +88,7 @@ class SpectrumChart {
     pen.restore();
   }
 
-  /** The tone as a bar from the background up to the level. */
+  /** The tone as a bar from the background to the level. */
   paintTone(plot) {
     const { run, place } = this.selection;
     const band = run.metric("TONEBND", place);

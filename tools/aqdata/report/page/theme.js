@@ -1,4 +1,4 @@
-// Viridis, as in the pictures of the Python package: it is told apart with any colour vision, and in
+// Viridis, as in the pictures of the Python package: distinguishable with any colour vision and in
 // grey.
 const VIRIDIS =
   "440154 470d60 48186a 482374 472e7c 453882 424186 3e4a89 3a548c 365d8d 32658e 2e6d8e " +
@@ -24,12 +24,12 @@ export function levelColour(level, [low, high]) {
   return LEVEL_COLOURS[Math.max(0, Math.min(255, Math.round(part * 255)))];
 }
 
-/** A colour of the page's style, which knows light, dark and paper. */
+/** A colour of the page's style, in light, dark or print mode. */
 export function colour(name) {
   return getComputedStyle(document.documentElement).getPropertyValue(`--${name}`).trim();
 }
 
-/** Lines across, for masked cells; `rising` ones for those that were adjusted. */
+/** Hatching for masked cells; `rising` for adjusted ones. */
 export function hatching(context, rising) {
   const size = 6 * Math.max(1, Math.round(devicePixelRatio));
   const tile = document.createElement("canvas");

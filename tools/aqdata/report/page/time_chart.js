@@ -3,11 +3,11 @@ import { element } from "./dom.js";
 import { colour } from "./theme.js";
 
 const FONT = '12px system-ui, "DejaVu Sans", sans-serif';
-export const GUTTER = 58; // of every axis beside a picture, so that times are above each other
+export const GUTTER = 58; // of every vertical axis, so that pictures align in time
 const SECONDS = [0.5, 1, 2, 5, 10, 15, 30, 60, 120, 300, 600, 900, 1800, 3600, 7200, 21600];
 const RECORDS = [1, 2, 5, 10, 20, 50, 100, 200, 500, 1000, 2000, 5000, 10000];
 
-/** An axis in the colours of the page. */
+/** An axis in the page's colours. */
 export function axis(more = {}) {
   return {
     stroke: () => colour("text"),
@@ -22,10 +22,10 @@ export function axis(more = {}) {
   };
 }
 
-/** An axis beside a picture, with the name and unit of what it measures. */
+/** A vertical axis with the name and unit of its quantity. */
 export const sideAxis = (label, more = {}) => axis({ label, ...more });
 
-/** A line of a picture. */
+/** A line in a picture. */
 export function line(name, more = {}) {
   return {
     stroke: () => colour(name),
@@ -36,7 +36,7 @@ export function line(name, more = {}) {
   };
 }
 
-/** uPlot's options that all pictures share. */
+/** The uPlot options that all pictures share. */
 export function baseOptions(width, height) {
   return {
     width,
@@ -47,18 +47,18 @@ export function baseOptions(width, height) {
   };
 }
 
-/** Makes `values` numbers as uPlot wants them: null where there is none. */
+/** Converts `values` for uPlot: null where there is no value. */
 export function plain(values) {
   return Array.from(values, (value) => (Number.isFinite(value) ? value : null));
 }
 
 /**
- * A picture over the time of the records, tied to the selection: a line marks the record at the
- * cursor, dragging across shows a part, keys move and zoom.
+ * A picture over the time of the records, linked to the selection: a line marks the record at the
+ * cursor, dragging zooms, and keys move and zoom.
  *
- * `options` are uPlot's `data`, `series`, `axes` but the first, `scales` but x, and `hooks`; `label`
- * says what it shows; `heights` are those on the screen and on paper; `bandAt` gives the band at the
- * pointer; `marksCursor` says that `hooks` draw something at the cursor.
+ * `options` has uPlot's `data`, `series`, `axes` except the first, `scales` except x, and `hooks`;
+ * `label` describes the picture; `heights` are those on the screen and on paper; `bandAt` gives the
+ * band at the pointer; `marksCursor` is set if `hooks` draw something at the cursor.
  */
 export class TimeChart {
   constructor(host, selection, options) {
@@ -108,7 +108,7 @@ export class TimeChart {
     };
   }
 
-  /** The host is a slider over the records: this is what assistive programs say of it. */
+  /** The picture is a slider over the records for assistive programs. */
   describe() {
     const { run } = this.selection;
     const set = (name, value) => this.host.setAttribute(name, value);
@@ -126,7 +126,7 @@ export class TimeChart {
     this.host.setAttribute("aria-valuetext", run.textOf(place, band));
   }
 
-  /** Follows the selection. */
+  /** Redraws when the selection changes. */
   update(what) {
     if (what === "range") {
       const [min, max] = this.selection.range;
