@@ -21,7 +21,6 @@
 namespace aqdata {
 namespace {
 
-using Positions = Held<aq::AQ_HeaderPTH, aq::AQ_PositionTimeHistory>;
 constexpr double kNoLevel = std::numeric_limits<double>::quiet_NaN();
 
 std::string recordedName(const std::string& path) {

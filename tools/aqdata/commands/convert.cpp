@@ -143,7 +143,6 @@ void putMap(const Session& session, const Measurement& measurement) {
 /// Positions of tracking, or of what `convert` wrote of positions.
 void putPositions(Session& session, const ConvertChoice& choice) {
   if (choice.record) throw Failure("--record does not apply to positions");
-  using Positions = Held<aq::AQ_HeaderPTH, aq::AQ_PositionTimeHistory>;
   const auto back =
       aq::kindOfFile(choice.file) == aq::FileKind::Unknown ? backFrom(choice.file) : std::nullopt;
   const auto* const read = back ? std::get_if<Positions>(&back->data) : nullptr;
