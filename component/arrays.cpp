@@ -167,7 +167,7 @@ Extent extentOf(const AQ_MaskMap& map) {
 void putLevels(const NewArray& array, std::size_t row, const Range& bands,
                const AQ_Spectrum& spectrum) {
   const auto codes = spectrum.levelCodes();
-  const auto doubles = spectrum.levelDoubles();
+  const auto doubles = spectrum.levelNumbers();
   if (!codes.empty() || !doubles.empty()) {
     std::size_t column = bands.placeOf(spectrum.LowBand());
     for (const LevelCode code : codes) array.number(row, column++, levelOf(code));
@@ -335,11 +335,23 @@ std::string lineOf(const Finding& finding) {
   return line + finding.message;
 }
 
-void checkFileLines(const Call& call) {
+/// What `check` reports, given the call's first argument as the name of a file.
+template <class Check>
+void giveFindings(const Call& call, const Check& check) {
   auto lines = std::make_shared<Collection<Message>>();
-  checkFile(stringOf(*call.given[0], TextKind::Name),
-            [&lines](const Finding& finding) { lines->Add({lineOf(finding)}); });
+  check(stringOf(*call.given[0], TextKind::Name),
+        [&lines](const Finding& finding) { lines->Add({lineOf(finding)}); });
   setObject(call.result, std::move(lines), tableOf<Collection<Message>>());
+}
+void checkFileLines(const Call& call) { giveFindings(call, checkFile); }
+void checkFixesLines(const Call& call) {
+  const auto limit = fromHost<std::uint8_t>(*call.given[1], TextKind::Plain);
+  giveFindings(call,
+               [&](const auto& path, const auto& report) { checkFixes(path, limit, report); });
+}
+void checkFitLines(const Call& call) {
+  const std::string map = stringOf(*call.given[1], TextKind::Name);
+  giveFindings(call, [&](const auto& path, const auto& report) { checkFit(path, map, report); });
 }
 
 void getVersion(const Call& call) { setText(call.result, AQ_VERSION, TextKind::Plain); }
@@ -357,6 +369,8 @@ ExtraCalls callsOf(const Extra& extra) {
                : ExtraCalls{getPoints};
   }
   if (name == "checkFile") return {checkFileLines};
+  if (name == "checkFixes") return {checkFixesLines};
+  if (name == "checkFit") return {checkFitLines};
   return {getVersion};
 }
 

@@ -45,9 +45,13 @@ inline constexpr std::int32_t kEnumerator = -4;  // hidden, as hosts ask for it 
 /// The members that a class has only in the component come from this one on.
 inline constexpr std::int32_t kFirstExtra = 101;
 
-/// The functions of the library, as the members of one class. A room has 20 numbers.
+/// The functions of the library, as the members of one class. A folder has 20 numbers; those of a
+/// folder that is added follow.
 struct Library {};
-inline constexpr std::int32_t kFunctionsOfARoom = 20;
+inline constexpr std::int32_t kFunctionsOfAFolder = 20;
+inline constexpr aq::describe::List<aq::describe::CoreFunctions, aq::describe::FileFunctions,
+                                    aq::describe::NoiseFunctions, aq::describe::SpectralFunctions>
+    kFunctions;
 inline constexpr int kControlNumber = 90;
 
 }  // namespace aq::com
@@ -121,11 +125,12 @@ void forMembers(const Visit& visit) {
     visit(isDefault ? kDefaultMember : id, member);
   };
   if constexpr (std::same_as<C, Library>) {
-    describe::forMembers<describe::CoreFunctions>(numbered);
-    id = kFunctionsOfARoom;
-    describe::forMembers<describe::FileFunctions>(numbered);
-    id = 2 * kFunctionsOfARoom;
-    describe::forMembers<describe::NoiseFunctions>(numbered);
+    std::int32_t first = 0;
+    describe::forClasses(kFunctions, [&]<class Functions>() {
+      id = first;
+      describe::forMembers<Functions>(numbered);
+      first += kFunctionsOfAFolder;
+    });
   } else {
     describe::forMembers<C>(numbered);
   }
@@ -169,6 +174,12 @@ inline constexpr std::array kExtras{
           "The version of the library, as in 0.1.0"},
     Extra{"AQ_Library", "checkFile", kFirstExtra + 1, "_AQ_Collection*", "[in] BSTR path", false,
           false, "What a person should know about a file, one finding a line"},
+    Extra{"AQ_Library", "checkFixes", kFirstExtra + 2, "_AQ_Collection*",
+          "[in] BSTR path, [in] unsigned char limit", false, false,
+          "The fixes of a tracking file that a reader with this RT20Limit drops, one a line"},
+    Extra{"AQ_Library", "checkFit", kFirstExtra + 3, "_AQ_Collection*",
+          "[in] BSTR historyPath, [in] BSTR mapPath", false, false,
+          "Why a masking map does not fit its history, one finding a line"},
 };
 
 /// Whether a function can be called through the component: a host has no file information service.

@@ -186,10 +186,12 @@ class TableOf {
   void take(const Extra& extra) {
     id_ = extra.id;
     Member& member = add(extra.name, {});
-    if (!extra.parameters.empty()) {
-      member.parameters = {widened(extra.parameters.substr(extra.parameters.rfind(' ') + 1))};
-      member.required = 1;
+    for (std::string_view rest = extra.parameters; !rest.empty();) {
+      const std::string_view parameter = rest.substr(0, rest.find(','));
+      member.parameters.push_back(widened(parameter.substr(parameter.rfind(' ') + 1)));
+      rest.remove_prefix(std::min(parameter.size() + 1, rest.size()));
     }
+    member.required = member.parameters.size();
     ExtraCalls calls = callsOf(extra);
     member.get = std::move(calls.get);
     member.put = std::move(calls.put);

@@ -93,6 +93,16 @@ std::span<const double> BandLevels::plain() const {
   return doubles_->numbers.all();
 }
 
+std::span<const double> BandLevels::numbers() const {
+  if (!doubles_) return {};
+  const auto isNoNumber = [](Kind kind) { return kind == Kind::Missing || kind == Kind::Other; };
+  if (doubles_->mixed) {
+    const auto kinds = doubles_->mixed->kinds.all();
+    if (std::any_of(kinds.begin(), kinds.end(), isNoNumber)) return {};
+  }
+  return doubles_->numbers.all();
+}
+
 BandLevels::Kind BandLevels::kindOf(const Variant& level) {
   switch (level.type()) {
     case Variant::Type::Int16: return Kind::Int16;

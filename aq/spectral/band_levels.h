@@ -44,6 +44,9 @@ class AQ_API BandLevels {
   [[nodiscard]] std::span<const LevelCode> codes() const { return codes_.all(); }
   [[nodiscard]] std::span<const double> plain() const;
 
+  /// The same with numbers of other types as doubles; nothing for codes.
+  [[nodiscard]] std::span<const double> numbers() const;
+
  private:
   enum class Kind : std::uint8_t { Missing, Int16, Int32, Single, Double, Other };
   struct Mixed {

@@ -72,4 +72,9 @@ std::span<const double> AQ_Spectrum::levelDoubles() const {
   return bands_.holds(levels.size()) ? levels : std::span<const double>();
 }
 
+std::span<const double> AQ_Spectrum::levelNumbers() const {
+  const auto levels = levels_.numbers();
+  return bands_.holds(levels.size()) ? levels : std::span<const double>();
+}
+
 }  // namespace aq

@@ -86,6 +86,9 @@ class AQ_API AQ_Spectrum {
   [[nodiscard]] std::span<const LevelCode> levelCodes() const;
   [[nodiscard]] std::span<const double> levelDoubles() const;
 
+  /// As `levelDoubles`, but numbers of other types count too.
+  [[nodiscard]] std::span<const double> levelNumbers() const;
+
  private:
   friend NumberWalk<AQ_Spectrum>;
   [[nodiscard]] std::pair<std::int16_t, Variant> entry(std::int16_t band) const {

@@ -21,6 +21,7 @@ HELPERS = {
     "AQ_Metric.contains", "AQ_Metric.remove",
     "AQ_Spectrum.assignCodes", "AQ_Spectrum.assignLevels", "AQ_Spectrum.hasMetric",
     "AQ_Spectrum.lazyTime", "AQ_Spectrum.levelCodes", "AQ_Spectrum.levelDoubles",
+    "AQ_Spectrum.levelNumbers",
     "AQ_Spectrum.plainLevels", "AQ_Spectrum.timeValue",
     "AQ_Position.lazyTime",
     "AQ_MaskRow.assign", "AQ_MaskRow.decision", "AQ_MaskRow.fetchedCodes", "AQ_MaskRow.store",
