@@ -1,5 +1,6 @@
 #include "component/registration.h"
 
+#include <algorithm>
 #include <array>
 #include <functional>
 #include <string>
@@ -158,7 +159,9 @@ void removeTypeLibrary(Scope scope) {
   const auto remove = scope == Scope::Machine ? UnRegisterTypeLib : UnRegisterTypeLibForUser;
   const HRESULT result =
       remove(guid(kTypeLibraryIdentifier), kMajorVersion, kMinorVersion, 0, kThisSize);
-  if (result != TYPE_E_REGISTRYACCESS && result != TYPE_E_LIBNOTREGISTERED) checkResult(result);
+  // How the systems say that there is none to remove.
+  constexpr std::array kAbsent{TYPE_E_REGISTRYACCESS, TYPE_E_LIBNOTREGISTERED, E_INVALIDARG};
+  if (std::find(kAbsent.begin(), kAbsent.end(), result) == kAbsent.end()) checkResult(result);
 }
 
 }  // namespace

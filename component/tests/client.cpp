@@ -1,5 +1,5 @@
 // Drives the registered component as hosts do, with early and with late binding: DATA, or `speed`,
-// or `keys machine|user`.
+// or `forget DATA`, or `keys machine|user`.
 
 #include <thread>
 
@@ -151,12 +151,70 @@ void testApartments() {
         marshalled.result == S_OK && call(ours.pdispVal, L"TODseconds").value.dblVal == 77);
 }
 
-bool canUnload() {
-  using Ask = HRESULT(WINAPI*)();
+/// Calls a function that the DLL exports.
+HRESULT ask(const char* name) {
   const HMODULE dll = GetModuleHandleW(L"AQ_Data_Control.dll");
-  const auto ask =
-      reinterpret_cast<Ask>(reinterpret_cast<void*>(GetProcAddress(dll, "DllCanUnloadNow")));
-  return ask() == S_OK;
+  return reinterpret_cast<HRESULT(WINAPI*)()>(reinterpret_cast<void*>(GetProcAddress(dll, name)))();
+}
+bool canUnload() { return ask("DllCanUnloadNow") == S_OK; }
+
+/// The registration goes while objects are in use: they go on, and so does what they make.
+void testUnregisteredInUse() {
+  const Value spectrum = create(L"AQ_Spectrum");
+  CLSID identifier{};
+  CLSIDFromProgID(L"AQ_Data_Control.AQ_Spectrum", &identifier);
+  check("unregistered in use", ask("DllUnregisterServer") == S_OK);
+  check("used on", put(spectrum.pdispVal, L"SPL", {24, 65.5}).result == S_OK);
+  const Outcome time = call(spectrum.pdispVal, L"Time");
+  ITypeInfo* type = nullptr;
+  check("a new object",
+        time.value.vt == VT_DISPATCH && time.value.pdispVal->GetTypeInfo(0, 0, &type) == S_OK);
+  if (type != nullptr) type->Release();
+  void* made = nullptr;
+  check(
+      "nothing new by its name",
+      CLSIDFromProgID(L"AQ_Data_Control.AQ_Time", &identifier) == CO_E_CLASSSTRING &&
+          FAILED(CoCreateInstance(identifier, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, &made)));
+  check("twice", ask("DllUnregisterServer") == S_OK);
+  check("registered again", ask("DllRegisterServer") == S_OK);
+}
+
+/// What keeps the DLL loaded besides objects.
+void testLocks() {
+  CLSID identifier{};
+  CLSIDFromProgID(L"AQ_Data_Control.AQ_Collection", &identifier);
+  IClassFactory* factory = nullptr;
+  CoGetClassObject(identifier, CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory,
+                   reinterpret_cast<void**>(&factory));
+  check("a factory is left", !canUnload());
+  factory->LockServer(TRUE);
+  factory->Release();
+  check("a lock is left", !canUnload());
+  CoGetClassObject(identifier, CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory,
+                   reinterpret_cast<void**>(&factory));
+  factory->LockServer(FALSE);
+  factory->Release();
+  Value entries;
+  {
+    const Value lines = create(L"AQ_Collection");
+    call(lines.pdispVal, L"Add", {L"a"});
+    entries = invoke(lines.pdispVal, DISPID_NEWENUM, DISPATCH_PROPERTYGET, {}).value;
+  }
+  check("an enumerator is left", entries.vt == VT_UNKNOWN && !canUnload());
+}
+
+/// Ends with objects, a factory and a thread's objects that nobody releases.
+void forget(const std::wstring& data) {
+  static Value kept[] = {create(L"AQ_DataSTH"), Value(), Value()};
+  const std::wstring file = data + L"\\spectral-time-history\\good\\three-records.csv";
+  call(kept[0].pdispVal, L"readFile", {file.c_str(), Value::late(kept[1]), Value::late(kept[2])});
+  std::thread([] {
+    CoInitialize(nullptr);
+    create(L"AQ_Time").pdispVal->AddRef();
+  }).join();
+  const bool isRead = kept[2].vt == VT_DISPATCH;
+  for (const Value& value : kept) value.pdispVal->AddRef();
+  std::cout << (isRead && !canUnload() ? "forgotten\n" : "not read\n");
 }
 
 void testAll(const std::wstring& data) {
@@ -167,6 +225,7 @@ void testAll(const std::wstring& data) {
   testIdentity();
   testApartments();
   testControl();
+  testUnregisteredInUse();
   check("an object is left", !canUnload());
 }
 
@@ -181,9 +240,14 @@ int wmain(int count, wchar_t** arguments) {
     std::cout << host::registered(isUser ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE) << " keys\n";
   } else if (what == L"speed") {
     host::testSpeed();
+  } else if (what == L"forget") {
+    host::forget(arguments[2]);
+    return 0;  // without CoUninitialize
   } else {
     host::testAll(what);
     host::check("no object is left", host::canUnload());
+    host::testLocks();
+    host::check("nothing is left", host::canUnload());
     std::cout << host::passed << " passed, " << host::failed << " failed\n";
   }
   CoUninitialize();

@@ -1,19 +1,7 @@
 ' Reads, changes, writes and reads again a file of each format: DATA WORK FOREIGN ACCENTED
-Option Explicit
-Dim passed, failed, data, work
+Dim data, work
 data = WScript.Arguments(0) & "\"
 work = WScript.Arguments(1) & "\"
-Sub Check(what, holds)
-  If holds Then
-    passed = passed + 1
-  Else
-    failed = failed + 1
-    WScript.Echo "failed: " & what
-  End If
-End Sub
-Function Create(name)
-  Set Create = CreateObject("AQ_Data_Control." & name)
-End Function
 
 Dim f, h, m, h2, m2, result, text, foreign
 foreign = "a " & WScript.Arguments(2) & ".csv"
