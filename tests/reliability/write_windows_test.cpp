@@ -86,7 +86,8 @@ TEST(Write, NamesOfAnyLanguageAndLengthComeBack) {
     EXPECT_TRUE(platform::isFile(in + name) && !platform::isFile(in));
     EXPECT_TRUE(platform::areOneFile(in + name, in + ".\\" + name));
   }
-  EXPECT_NE(::DeleteFileW(fs::path(folders.back() + '\\' + name).c_str()), 0);
+  const fs::path deepest(std::u8string(name.begin(), name.end()));
+  EXPECT_NE(::DeleteFileW((fs::path(folders.back()) / deepest).c_str()), 0);
   for (auto left = folders.rbegin(); left != folders.rend(); ++left) {
     EXPECT_NE(::RemoveDirectoryW(fs::path(*left).c_str()), 0);
   }

@@ -96,6 +96,13 @@ ROWS = [  # command, status, in the output, in the messages
     ("info --color", 2, "", "info: --color: expected a value"),
     ("info '*.csv' bad.sth.csv", 2, "near.sth.csv", ""),
     ("info deep", 0, "deep/one.csv", ""),
+    (
+        "mkdir -p \u98db && cp near.sth.csv \u98db/\u00fc.csv; cut \u98db --records 10:20 -q -o \u98db/\u00e9 "
+        "&& aqdata info \u98db/\u00e9/\u00fc.csv && rm -r \u98db",
+        0,
+        "\u00fc.csv  spectral",
+        "",
+    ),
     ("info notes.txt fly-over.mic.csv", 2, "M1", 'found "no measurement"'),
     ("info 'fly-*.csv'", 0, "tracking", ""),
     ("info --json bad.sth.csv", 2, '{"file":"bad.sth.csv","error":"bad.sth.csv, line 22', "6x.2"),

@@ -16,6 +16,7 @@
 #include "aq/text/fields.h"
 #include "aq/text/line_reader.h"
 #include "tools/aqdata/files.h"
+#include "tools/aqdata/path.h"
 #include "tools/aqdata/session.h"
 
 namespace aqdata {
@@ -340,7 +341,7 @@ Positions positionsFrom(const Json& document) {
 }
 
 std::optional<Measurement> documentFrom(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(pathOf(path), std::ios::binary);
   if (file.peek() != '{') return std::nullopt;
   const Json document = Json::parse(file);
   const std::string kind = document.value("kind", std::string());

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <unordered_set>
 
+#include "tools/aqdata/path.h"
 #include "tools/aqdata/terminal.h"
 
 namespace aqdata {
@@ -46,8 +47,8 @@ class Choice {
 
   void add(const std::string& given) {
     std::error_code error;
-    if (fs::exists(given, error)) return addFound(given);
-    const std::string dangling = danglingLink(given);
+    if (fs::exists(pathOf(given), error)) return addFound(given);
+    const std::string dangling = danglingLink(pathOf(given));
     if (!dangling.empty()) return complainOf(given, dangling, session_);
     const auto found = terminal::matches(given);
     for (const std::string& match : found) addFound(match);
@@ -59,7 +60,7 @@ class Choice {
  private:
   void addFound(const std::string& name) {
     std::error_code error;
-    if (!fs::is_directory(name, error)) {
+    if (!fs::is_directory(pathOf(name), error)) {
       onFile(session_, name, [&] { expectFile(name), addFile(name); });
     } else if (walkNew(name) && !seenMeasurement_) {
       complainOf(name, "contains no measurement file", session_);
@@ -71,7 +72,7 @@ class Choice {
   bool walkNew(const std::string& folder) {
     seenMeasurement_ = false;
     const std::size_t before = walked_.size();
-    bool whole = walk(folder);
+    bool whole = walk(pathOf(folder));
     while (!links_.empty()) {
       const fs::path link = links_.back();
       links_.pop_back();
@@ -120,7 +121,7 @@ class Choice {
   }
 
   void addFile(const std::string& file) {
-    if (seen_.insert(fs::path(file).lexically_normal().string()).second) files_.push_back(file);
+    if (seen_.insert(pathOf(file).lexically_normal().string()).second) files_.push_back(file);
   }
 
   Session& session_;
@@ -161,8 +162,8 @@ void expectOpens(const std::string& path) {
 }
 
 void expectEnding(const std::string& path, const std::vector<std::string_view>& endings) {
-  const std::string name = fs::path(path).filename().string();
-  const bool fits = fs::path(path).extension().empty() ||
+  const std::string name = pathOf(path).filename().string();
+  const bool fits = pathOf(path).extension().empty() ||
                     std::any_of(endings.begin(), endings.end(),
                                 [&](std::string_view ending) { return mayEnd(name, ending); });
   if (fits) return;
@@ -176,7 +177,7 @@ void expectOutput(const Session& session, const std::vector<std::string_view>& e
   expectEnding(session.output, endings);
   std::error_code error;
   for (const std::string& input : inputs) {
-    if (!fs::equivalent(session.output, input, error)) continue;
+    if (!fs::equivalent(pathOf(session.output), pathOf(input), error)) continue;
     throw Failure(fmt::format("{}: is an input, and would become a file of another kind",
                               aq::escaped(session.output)));
   }
@@ -185,14 +186,14 @@ void expectOutput(const Session& session, const std::vector<std::string_view>& e
 void expectNoInput(const std::string& path, const std::vector<std::string>& inputs) {
   std::error_code error;
   for (const std::string& input : inputs) {
-    if (!fs::equivalent(path, input, error)) continue;
+    if (!fs::equivalent(pathOf(path), pathOf(input), error)) continue;
     throw Failure(fmt::format("{}: is an input, and is not overwritten", aq::escaped(path)));
   }
 }
 
 void expectFree(const Session& session, const std::string& path) {
   std::error_code error;
-  const bool replaces = !terminal::isStream(path) && fs::is_regular_file(path, error);
+  const bool replaces = !terminal::isStream(path) && fs::is_regular_file(pathOf(path), error);
   if (!replaces || session.force) return;
   throw Failure(fmt::format("{}: already exists; --force replaces it", aq::escaped(path)));
 }
@@ -204,28 +205,30 @@ std::string outputPlace(const Session& session) {
 
 OutputPlaces::OutputPlaces(const Session& session) : session_(session) {
   std::error_code error;
-  const std::string& output = session.output;
-  inFolder_ = session.files.size() != 1 || fs::is_directory(session.files.front(), error) ||
-              !fs::exists(session.files.front(), error) || fs::is_directory(output, error) ||
-              (!output.empty() && !fs::path(output).has_filename());
-  if (!inFolder_ || !fs::exists(output, error) || fs::is_directory(output, error)) return;
-  throw Failure(
-      fmt::format("{}: expected a folder for several files, found a file", aq::escaped(output)));
+  const fs::path output = pathOf(session.output);
+  const auto isFile = [&error](const fs::path& file) {
+    return fs::exists(file, error) && !fs::is_directory(file, error);
+  };
+  inFolder_ = session.files.size() != 1 || !isFile(pathOf(session.files.front())) ||
+              fs::is_directory(output, error) || (!output.empty() && !output.has_filename());
+  if (!inFolder_ || !isFile(output)) return;
+  throw Failure(fmt::format("{}: expected a folder for several files, found a file",
+                            aq::escaped(session.output)));
 }
 
 std::string OutputPlaces::of(const std::string& file) {
   if (!inFolder_) return session_.output;
   std::error_code error;
-  fs::path below = fs::path(file).filename();
+  fs::path below = pathOf(file).filename();
   for (const std::string& given : session_.files) {
-    if (!fs::is_directory(given, error)) continue;
+    if (!fs::is_directory(pathOf(given), error)) continue;
     const fs::path relative =
-        fs::path(file).lexically_normal().lexically_relative(fs::path(given).lexically_normal());
+        pathOf(file).lexically_normal().lexically_relative(pathOf(given).lexically_normal());
     if (relative.empty() || *relative.begin() == "..") continue;
     below = relative;
     break;
   }
-  const fs::path place = fs::path(session_.output) / below;
+  const fs::path place = pathOf(session_.output) / below;
   const auto [at, isNew] = taken_.emplace(place.string(), file);
   if (!isNew && at->second != file) {
     throw Failure(fmt::format("{}: would be written of {} too", aq::escaped(place.string()),

@@ -9,6 +9,7 @@
 #include <optional>
 
 #include "aq/text/date_text.h"
+#include "tools/aqdata/path.h"
 #include "tools/aqdata/session.h"
 
 namespace aqdata {
@@ -123,7 +124,7 @@ void expectGood(aq::AQ_DataMessage result, const aq::FileClass& file) {
 
 void expectFile(const std::string& path) {
   std::error_code error;
-  const auto status = std::filesystem::status(path, error);
+  const auto status = std::filesystem::status(pathOf(path), error);
   if (!std::filesystem::is_other(status)) return;
   throw Failure(fmt::format("{}: expected a file, since it is read more than once, found a pipe",
                             aq::escaped(path)));
@@ -147,7 +148,7 @@ MaskingMap openMap(const std::string& path, const aq::HeaderObserver& watch) {
 MaskingMap openMapOf(const History& history, const std::string& historyPath,
                      const std::string& map) {
   MaskingMap read = openMap(map);
-  const std::string name = std::filesystem::path(historyPath).filename().string();
+  const std::string name = pathOf(historyPath).filename().string();
   aq::checkFit(*history.model, name, *read.model, [&](const aq::Finding& finding) {
     const std::string record =
         finding.place.record ? fmt::format(", record {}", *finding.place.record) : "";

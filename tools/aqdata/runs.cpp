@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "tools/aqdata/files.h"
+#include "tools/aqdata/path.h"
 
 namespace aqdata {
 namespace {
@@ -45,13 +46,13 @@ std::vector<std::string> RunFiles::all() const {
 }
 
 std::string nextToHistory(const std::string& history, std::string_view ending) {
-  const std::filesystem::path path(history);
+  const std::filesystem::path path = pathOf(history);
   const std::string name = path.filename().string();
   constexpr std::string_view kEnding = ".sth.csv";
   const bool usual = name.ends_with(kEnding);
   const std::string stem =
       usual ? name.substr(0, name.size() - kEnding.size()) : path.stem().string();
-  return (path.parent_path() / (stem + std::string(ending))).string();
+  return (path.parent_path() / pathOf(stem + std::string(ending))).string();
 }
 
 Run openRun(const RunFiles& files) {

@@ -13,6 +13,7 @@
 #include <cwctype>
 #include <filesystem>
 
+#include "tools/aqdata/path.h"
 #include "tools/aqdata/terminal.h"
 
 namespace aqdata::terminal {
@@ -49,7 +50,7 @@ UINT codePageBefore = 0;
 
 /// A word in the form that programs expect on a command line: in quotes, with its own quotes
 /// escaped.
-std::wstring quoted(std::wstring_view word) {
+std::wstring inQuotes(std::wstring_view word) {
   std::wstring text = L"\"";
   std::size_t slashes = 0;  // doubled before a quote
   for (const wchar_t letter : word) {
@@ -143,7 +144,7 @@ Character firstOf(std::string_view text) {
 }
 
 bool isStream(const std::string& path) {
-  std::wstring name = fs::path(path).native();
+  std::wstring name = pathOf(path).native();
   std::transform(name.begin(), name.end(), name.begin(), upper);
   return path == "/dev/stdout" || path == "/dev/stderr" || name == L"NUL" || name == L"CON" ||
          name == L"CONOUT$" || name.starts_with(L"\\\\.\\");
@@ -163,7 +164,7 @@ std::vector<std::string> begin(int /*count*/, char** /*words*/) {
 }
 
 std::vector<std::string> matches(const std::string& pattern) {
-  const fs::path whole(pattern);
+  const fs::path whole = pathOf(pattern);
   std::vector<fs::path> found{whole.root_path()};
   for (const fs::path& part : whole.relative_path()) {
     std::vector<fs::path> next;
@@ -178,11 +179,11 @@ std::vector<std::string> matches(const std::string& pattern) {
 
 std::optional<int> run(const std::vector<std::string>& words) {
   std::vector<std::wstring> own;
-  for (const std::string& word : words) own.push_back(quoted(fs::path(word).native()));
+  for (const std::string& word : words) own.push_back(inQuotes(pathOf(word).native()));
   std::vector<const wchar_t*> arguments;
   for (const std::wstring& word : own) arguments.push_back(word.c_str());
   arguments.push_back(nullptr);
-  const std::wstring program = fs::path(words.front()).native();
+  const std::wstring program = pathOf(words.front()).native();
   const std::intptr_t status = ::_wspawnvp(_P_WAIT, program.c_str(), arguments.data());
   if (status < 0) return std::nullopt;
   return static_cast<int>(status);

@@ -12,6 +12,7 @@
 
 #include "tools/aqdata/event.h"
 #include "tools/aqdata/noise.h"
+#include "tools/aqdata/path.h"
 #include "tools/aqdata/sheet.h"
 #include "tools/aqdata/text.h"
 
@@ -48,7 +49,7 @@ std::string validText(const std::string& text) {
 /// What a sheet may be called: 31 characters, without those that mean something in formulas.
 std::string sheetNameOf(const std::string& file, std::set<std::string>& taken) {
   constexpr std::size_t kMost = 31;
-  std::string name = fs::path(file).filename().string();
+  std::string name = pathOf(file).filename().string();
   for (const std::string_view ending : {".sth.csv", ".csv", ".spc", ".DAT"}) {
     if (aq::upperCased(name).ends_with(aq::upperCased(ending))) {
       name.resize(name.size() - ending.size());
@@ -79,8 +80,8 @@ class Workbook::Sheets {
  public:
   explicit Sheets(std::string path)
       : path_(std::move(path)),
-        part_(fs::path(path_)
-                  .replace_filename(".aq-" + fs::path(path_).filename().string())
+        part_(pathOf(path_)
+                  .replace_filename(pathOf(".aq-" + pathOf(path_).filename().string()))
                   .string()),
         book_(workbook_new(part_.c_str())) {
     if (book_ == nullptr) throw Failure("no memory for a workbook");
@@ -99,7 +100,7 @@ class Workbook::Sheets {
     if (book_ == nullptr) return;
     workbook_close(book_);
     std::error_code error;
-    fs::remove(part_, error);
+    fs::remove(pathOf(part_), error);
   }
 
   std::vector<std::string> add(const Run& run, const std::string& file) {
@@ -124,10 +125,10 @@ class Workbook::Sheets {
     worksheet_set_column(headers_, 3, 3, 60, nullptr);
     const lxw_error result = workbook_close(std::exchange(book_, nullptr));
     std::error_code error;
-    if (result == LXW_NO_ERROR && !failed_) fs::rename(part_, path_, error);
+    if (result == LXW_NO_ERROR && !failed_) fs::rename(pathOf(part_), pathOf(path_), error);
     if (result == LXW_NO_ERROR && !failed_ && !error) return;
     std::error_code ignored;
-    fs::remove(part_, ignored);
+    fs::remove(pathOf(part_), ignored);
     throw Failure(fmt::format("{}: expected a file that can be written, found {}",
                               aq::escaped(path_),
                               error     ? error.message()

@@ -15,6 +15,7 @@
 #include "tools/aqdata/files.h"
 #include "tools/aqdata/noise.h"
 #include "tools/aqdata/package.h"
+#include "tools/aqdata/path.h"
 #include "tools/aqdata/program.h"
 #include "tools/aqdata/runs.h"
 #include "tools/aqdata/sheet.h"
@@ -163,7 +164,7 @@ Measurement readAny(const ConvertChoice& choice) {
 
 /// Whether a file is netCDF, of either form.
 bool isNetcdf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(pathOf(path), std::ios::binary);
   std::string begin(4, '\0');
   file.read(begin.data(), static_cast<std::streamsize>(begin.size()));
   return begin == "\x89HDF" || begin.starts_with("CDF");
@@ -213,7 +214,7 @@ void convert(Session& session, ConvertChoice choice) {
   const bool netcdf = form == "netcdf" || isNetcdf(choice.file);
   if (form != "workbook") {
     std::error_code error;
-    if (session.files.size() > 1 || std::filesystem::is_directory(choice.file, error)) {
+    if (session.files.size() > 1 || std::filesystem::is_directory(pathOf(choice.file), error)) {
       throw Failure("a workbook alone is made of several files: -o ends in .xlsx");
     }
     if (form != "netcdf" && (!choice.map.empty() || choice.maps)) {

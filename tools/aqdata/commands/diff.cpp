@@ -9,6 +9,7 @@
 #include "tools/aqdata/files.h"
 #include "tools/aqdata/measurement.h"
 #include "tools/aqdata/parallel.h"
+#include "tools/aqdata/path.h"
 #include "tools/aqdata/program.h"
 #include "tools/aqdata/sheet.h"
 #include "tools/aqdata/terminal.h"
@@ -246,9 +247,9 @@ void diffFiles(Session& session, const DiffChoice& choice) {
 std::map<std::string, std::string> filesBelow(Session& session, const std::string& folder) {
   session.files = {folder};
   std::map<std::string, std::string> files;
-  const std::filesystem::path root = std::filesystem::path(folder).lexically_normal();
+  const std::filesystem::path root = pathOf(folder).lexically_normal();
   for (const std::string& file : chosenFiles(session)) {
-    const auto path = std::filesystem::path(file).lexically_normal();
+    const auto path = pathOf(file).lexically_normal();
     files[path.lexically_relative(root).generic_string()] = file;
   }
   return files;
@@ -369,8 +370,8 @@ void diffFolders(Session& session, const DiffChoice& choice) {
 
 void diff(Session& session, const DiffChoice& choice) {
   std::error_code error;
-  const bool a = std::filesystem::is_directory(choice.a, error);
-  const bool b = std::filesystem::is_directory(choice.b, error);
+  const bool a = std::filesystem::is_directory(pathOf(choice.a), error);
+  const bool b = std::filesystem::is_directory(pathOf(choice.b), error);
   if (a != b) {
     throw Failure(fmt::format("{}: expected {}, as {} is one", aq::escaped(a ? choice.b : choice.a),
                               "a folder", aq::escaped(a ? choice.a : choice.b)));

@@ -10,6 +10,7 @@
 #include "tools/aqdata/files.h"
 #include "tools/aqdata/gzip.h"
 #include "tools/aqdata/parallel.h"
+#include "tools/aqdata/path.h"
 #include "tools/aqdata/program.h"
 #include "tools/aqdata/text.h"
 
@@ -67,11 +68,11 @@ void writeBytes(const std::string& path, std::string_view bytes) {
 std::string keepOriginal(const std::string& path, std::string_view bytes) {
   std::string original = path + ".orig";
   std::error_code error;
-  if (fs::exists(original, error)) {
+  if (fs::exists(pathOf(original), error)) {
     throw Failure(fmt::format("{}: already exists; --no-orig keeps none", aq::escaped(original)));
   }
   writeBytes(original, bytes);
-  fs::last_write_time(original, fs::last_write_time(path, error), error);
+  fs::last_write_time(pathOf(original), fs::last_write_time(pathOf(path), error), error);
   return original;
 }
 
@@ -88,7 +89,7 @@ void writeInPlace(const Session& session, const std::string& path, std::string_v
     writeBytes(place, outcome.mended.text);
   } catch (const Failure&) {
     std::error_code error;
-    if (!outcome.original.empty()) fs::remove(outcome.original, error);
+    if (!outcome.original.empty()) fs::remove(pathOf(outcome.original), error);
     throw;
   }
   outcome.output = place;

@@ -9,6 +9,7 @@
 #include "tools/aqdata/files.h"
 #include "tools/aqdata/noise.h"
 #include "tools/aqdata/parallel.h"
+#include "tools/aqdata/path.h"
 #include "tools/aqdata/program.h"
 #include "tools/aqdata/report/page.h"
 #include "tools/aqdata/report/run_data.h"
@@ -22,7 +23,7 @@ using report::RunData;
 
 /// A run whose history did not read, which the page names.
 RunData failedRun(const std::string& file, const std::string& why) {
-  const std::string name = std::filesystem::path(file).filename().string();
+  const std::string name = pathOf(file).filename().string();
   RunData run;
   run.failure = why;
   run.summary = {{"name", name}, {"file", file}, {"failure", why}};
@@ -40,7 +41,7 @@ RunData runOf(const std::string& file, const RunChoice& choice) {
 
 std::string titleOf(const std::vector<std::string>& files) {
   if (files.size() > 1) return counted(files.size(), "run");
-  return std::filesystem::path(files.front()).filename().string();
+  return pathOf(files.front()).filename().string();
 }
 
 /// Puts the page together, and tells what the runs have to complain of.

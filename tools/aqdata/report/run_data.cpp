@@ -13,6 +13,7 @@
 #include "tools/aqdata/files.h"
 #include "tools/aqdata/findings.h"
 #include "tools/aqdata/noise.h"
+#include "tools/aqdata/path.h"
 #include "tools/aqdata/report/model_data.h"
 #include "tools/aqdata/report/packed.h"
 #include "tools/aqdata/runs.h"
@@ -25,7 +26,7 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kListed = 20;  // of a kind that are listed per file
 
-std::string nameOf(const std::string& path) { return fs::path(path).filename().string(); }
+std::string nameOf(const std::string& path) { return pathOf(path).filename().string(); }
 
 /// The recorded name of a file, without the folders of any system.
 std::string bareName(const std::string& recorded) {
@@ -62,7 +63,7 @@ class RunReader {
     std::error_code error;
     for (const std::string_view ending : endings) {
       std::string name = nextToHistory(path_, ending);
-      if (fs::is_regular_file(name, error)) return name;
+      if (fs::is_regular_file(pathOf(name), error)) return name;
     }
     return {};
   }
@@ -239,8 +240,8 @@ class RunReader {
   [[nodiscard]] std::string recorded(const std::string& found, const std::string& name) const {
     if (!found.empty() || name.empty() || choice_.alone) return found;
     std::error_code error;
-    const std::string beside = (fs::path(path_).parent_path() / name).string();
-    return fs::is_regular_file(beside, error) ? beside : "";
+    const fs::path beside = pathOf(path_).parent_path() / pathOf(name);
+    return fs::is_regular_file(beside, error) ? beside.string() : "";
   }
 
   void readMicrophone() {

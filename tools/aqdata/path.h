@@ -1,0 +1,14 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace aqdata {
+
+/// A name in UTF-8 as a path. On Windows a path made of plain bytes has other letters.
+[[nodiscard]] inline std::filesystem::path pathOf(std::string_view name) {
+  return std::u8string(name.begin(), name.end());
+}
+
+}  // namespace aqdata
