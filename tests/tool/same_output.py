@@ -27,6 +27,7 @@ ELSEWHERE = {  # rows that mean another thing there, by what they have in common
 def same_form(text):
     """Line ends, the sign between folders and the time of writing are the system's and the run's."""
     text = text.replace(b"\r\n", b"\n").replace(b"\\", b"/")
+    text = re.sub(rb"Wine cannot find the FreeType(.*\n){4}", b"", text)
     return re.sub(rb"(FileDateTime\*\*|created).*", rb"\1", text)
 
 
