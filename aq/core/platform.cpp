@@ -454,7 +454,7 @@ std::string outputOf(const std::string& program, const std::vector<std::string>&
   return output;
 }
 
-std::optional<std::time_t> lastChanged(const std::string& path) {
+std::optional<std::int64_t> lastChanged(const std::string& path) {
   struct stat status {};
   if (::stat(path.c_str(), &status) != 0) return std::nullopt;
   return status.st_mtime;
@@ -474,9 +474,10 @@ bool areOneFile(const std::string& one, const std::string& other) {
 
 std::string fileName(const std::string& path) { return path.substr(path.find_last_of('/') + 1); }
 
-std::optional<std::tm> localTime(std::time_t at) {
+std::optional<std::tm> localTime(std::int64_t at) {
+  const auto time = static_cast<std::time_t>(at);
   std::tm local{};
-  if (::localtime_r(&at, &local) == nullptr) return std::nullopt;
+  if (time != at || ::localtime_r(&time, &local) == nullptr) return std::nullopt;
   if (local.tm_year < 1 - 1900 || local.tm_year > 9999 - 1900) return std::nullopt;
   return local;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <ctime>
 #include <optional>
 #include <span>
@@ -68,8 +69,9 @@ AQ_API void appendToFile(const std::string& path, std::string_view bytes);
 [[nodiscard]] AQ_API std::string outputOf(const std::string& program,
                                           const std::vector<std::string>& arguments);
 
-/// When a file was last changed; nothing if it does not exist.
-[[nodiscard]] AQ_API std::optional<std::time_t> lastChanged(const std::string& path);
+/// When a file was last changed, in seconds since 1970, which are no `std::time_t` since that ends
+/// in 2038 on some systems; nothing if it does not exist.
+[[nodiscard]] AQ_API std::optional<std::int64_t> lastChanged(const std::string& path);
 
 /// Whether `path` leads to a regular file; false if unknown.
 [[nodiscard]] AQ_API bool isFile(const std::string& path);
@@ -81,6 +83,6 @@ AQ_API void appendToFile(const std::string& path, std::string_view bytes);
 [[nodiscard]] AQ_API std::string fileName(const std::string& path);
 
 /// Nothing outside the years 1 to 9999.
-[[nodiscard]] AQ_API std::optional<std::tm> localTime(std::time_t at);
+[[nodiscard]] AQ_API std::optional<std::tm> localTime(std::int64_t at);
 
 }  // namespace aq::platform

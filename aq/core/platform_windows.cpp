@@ -626,11 +626,11 @@ std::string outputOf(const std::string& program, const std::vector<std::string>&
   return text;
 }
 
-std::optional<std::time_t> lastChanged(const std::string& path) try {
+std::optional<std::int64_t> lastChanged(const std::string& path) try {
   const Handle file = seen(path);
   FILETIME changed{};
   if (::GetFileTime(file.get(), nullptr, nullptr, &changed) == 0) return std::nullopt;
-  return static_cast<std::time_t>(ticksOf(changed) / kTicksOfSecond - kSecondsTo1970);
+  return ticksOf(changed) / kTicksOfSecond - kSecondsTo1970;
 } catch (const SystemError&) {
   return std::nullopt;
 }
@@ -655,11 +655,10 @@ bool areOneFile(const std::string& one, const std::string& other) try {
 
 std::string fileName(const std::string& path) { return path.substr(path.find_last_of("/\\:") + 1); }
 
-std::optional<std::tm> localTime(std::time_t at) {
-  constexpr std::time_t kMost = 253'402'300'799 + 86'400;  // a day after the year 9999
+std::optional<std::tm> localTime(std::int64_t at) {
+  constexpr std::int64_t kMost = 253'402'300'799 + 86'400;  // a day after the year 9999
   if (at < -kSecondsTo1970 || at > kMost) return std::nullopt;
-  const auto ticks =
-      static_cast<std::uint64_t>((static_cast<long long>(at) + kSecondsTo1970) * kTicksOfSecond);
+  const auto ticks = static_cast<std::uint64_t>((at + kSecondsTo1970) * kTicksOfSecond);
   const FILETIME time{.dwLowDateTime = static_cast<DWORD>(ticks & 0xFFFFFFFFU),
                       .dwHighDateTime = static_cast<DWORD>(ticks >> 32U)};
   SYSTEMTIME utc{};

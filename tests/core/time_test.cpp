@@ -131,14 +131,14 @@ TEST(Time, CopyWrapsALongDayAndKeepsTheMode) {
 }
 
 TEST(Platform, LocalTimesAreOfTheSystemsYears) {
-  constexpr std::time_t kTwoDays = 2 * 86400;  // more than any zone is from the zeroth meridian
+  constexpr std::int64_t kTwoDays = 2 * 86400;  // more than any zone is from the zeroth meridian
 #ifdef _WIN32
-  constexpr std::time_t kFirst = -11644473600;  // 1601
+  constexpr std::int64_t kFirst = -11644473600;  // 1601
 #else
-  constexpr std::time_t kFirst = -62135596800;  // 1
+  constexpr std::int64_t kFirst = -62135596800;  // 1
 #endif
-  for (const std::time_t end : {kFirst, std::time_t{253402300800}}) {
-    const std::time_t inside = end < 0 ? end + kTwoDays : end - kTwoDays;
+  for (const std::int64_t end : {kFirst, std::int64_t{253402300800}}) {
+    const std::int64_t inside = end < 0 ? end + kTwoDays : end - kTwoDays;
     EXPECT_TRUE(platform::localTime(inside));
     EXPECT_FALSE(platform::localTime(2 * end - inside));
   }
