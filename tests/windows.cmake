@@ -9,6 +9,7 @@
 #   recordings in Formats.GoodSamplesHaveTheListedValues   their levels go through the system's own
 #                      logarithm: second.opinion compares them to 1e-9 dB
 #   Analyzer.RunsAnExternalConverterWithoutAShell   runs shell scripts: Platform.RunsPrograms does
+# Python is named by its path: the target would be run by wine, which loses its output and status.
 # AQ_NATIVE is a build of this system with print_file and aqdata; without it nothing is compared.
 add_test(NAME library COMMAND aq_tests
   --gtest_filter=-Analyzer.RunsAnExternalConverterWithoutAShell)
@@ -21,19 +22,19 @@ target_link_libraries(print_metrics PRIVATE AQ_Data_Control aq_warnings)
 list(JOIN CMAKE_CROSSCOMPILING_EMULATOR " " emulator)
 set(second ${CMAKE_CURRENT_SOURCE_DIR}/second)
 add_test(NAME second.opinion
-  COMMAND Python3::Interpreter ${second}/compare.py "${emulator} $<TARGET_FILE:print_file>"
+  COMMAND ${Python3_EXECUTABLE} ${second}/compare.py "${emulator} $<TARGET_FILE:print_file>"
     ${CMAKE_CURRENT_BINARY_DIR}/second 3000)
 add_test(NAME second.metrics
-  COMMAND Python3::Interpreter ${second}/compare_metrics.py
+  COMMAND ${Python3_EXECUTABLE} ${second}/compare_metrics.py
     "${emulator} $<TARGET_FILE:print_metrics>" 300)
 
 set(AQ_NATIVE "" CACHE PATH "A build of this system, to compare with")
 if(AQ_NATIVE)
   add_test(NAME second.same
-    COMMAND Python3::Interpreter ${second}/compare.py "${emulator} $<TARGET_FILE:print_file>"
+    COMMAND ${Python3_EXECUTABLE} ${second}/compare.py "${emulator} $<TARGET_FILE:print_file>"
       ${CMAKE_CURRENT_BINARY_DIR}/same 5000 --against ${AQ_NATIVE}/tests/print_file)
   add_test(NAME tool.same
-    COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/tool/same_output.py
+    COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/tool/same_output.py
       ${AQ_NATIVE}/tools/aqdata/aqdata ${PROJECT_SOURCE_DIR}
       ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:aqdata>)
 endif()

@@ -20,13 +20,17 @@ ELSEWHERE = {  # rows that mean another thing there, by what they have in common
     "ln -f": "a second name of a file, which wine makes anew",
     "COLORTERM": "depths of colour, which a console there does not tell",
     "TERM=": "the same",
+    "| head": "a reader that goes away, of which a program there is told",
+    "xlsx": "workbooks, which the program for Windows does not write",
+    "AQ_PYTHON": "interpreters of this system",
+    "/&s/": "the end of a line, where a carriage return is there",
     "completion": "shells of this system",
 }
 
 
 def same_form(text):
     """Line ends, the sign between folders and the time of writing are the system's and the run's."""
-    text = text.replace(b"\r\n", b"\n").replace(b"\\", b"/")
+    text = text.replace(b"\r\n", b"\n").replace(b"\\\\", b"\\").replace(b"\\", b"/")
     text = re.sub(rb"Wine cannot find the FreeType(.*\n){4}", b"", text)
     return re.sub(rb"(FileDateTime\*\*|created).*", rb"\1", text)
 
