@@ -7,6 +7,7 @@ set(CMAKE_RC_COMPILER ${host}-windres)
 set(CMAKE_EXE_LINKER_FLAGS_INIT -static)  # nothing to install in addition to what is built
 set(CMAKE_SHARED_LINKER_FLAGS_INIT -static)
 set(CMAKE_MODULE_LINKER_FLAGS_INIT -static)
+set(ZLIB_USE_STATIC_LIBS ON)
 set(CMAKE_FIND_ROOT_PATH /usr/${host})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
