@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "aq/core/error.h"
+#include "aq/text/level_word.h"
 
 namespace aq {
 namespace {
@@ -110,154 +111,9 @@ void appendAll(std::string& text, std::span<const Level> levels) {
   text.append(buffer.data(), at);
 }
 
-// Reading. A level is one word of eight bytes, the first byte lowest.
-
-constexpr std::size_t kWord = 8;
-constexpr std::int32_t kLargestCode = std::numeric_limits<LevelCode>::max();
-
-constexpr std::uint64_t everyByte(unsigned char byte) { return byte * 0x0101010101010101U; }
-
-constexpr std::int32_t byteOf(std::uint64_t word, unsigned place) {
-  return static_cast<std::uint8_t>(word >> (8 * place));
-}
-
-/// A level with that many whole digits and a comma after it, in a word.
-template <unsigned kWhole>
-struct Form {
-  static constexpr std::ptrdiff_t kLength = kWhole + 3;
-
-  /// The digits minus their "0", moved to the end of the word; point and comma are cleared.
-  static std::uint64_t digitsOf(std::uint64_t word) { return (word ^ kText) << kShift; }
-
-  static bool fits(std::uint64_t digits) {
-    return (((digits + kDigits * 6) | digits) & kStrange) == 0;
-  }
-
-  static std::int32_t hundredthsOf(std::uint64_t digits) {
-    const std::uint64_t pairs = digits * 10 + (digits >> 8);  // of a digit and the next one
-    std::int32_t hundredths = byteOf(pairs, 5);
-    if constexpr (kWhole == 1) hundredths += byteOf(digits, 3) * 100;
-    if constexpr (kWhole >= 2) hundredths += byteOf(pairs, 2) * 100;
-    if constexpr (kWhole == 3) hundredths += byteOf(digits, 1) * 10000;
-    return hundredths;
-  }
-
- private:
-  static constexpr unsigned kShift = 8 * (4 - kWhole);
-  static constexpr std::uint64_t textOf() {
-    std::uint64_t text = std::uint64_t{'.'} << (8 * kWhole) | std::uint64_t{','}
-                                                                  << (8 * kWhole + 24);
-    for (unsigned place = 0; place < kWhole + 3; ++place) {
-      if (place != kWhole) text |= std::uint64_t{'0'} << (8 * place);
-    }
-    return text;
-  }
-  static constexpr std::uint64_t kText = textOf();
-  static constexpr std::uint64_t kDigits = (kText & everyByte(0x10)) << kShift >> 4;  // 1 for each
-  static constexpr std::uint64_t kStrange = (everyByte(0xFF) << kShift) - kDigits * 0x0F;
-};
-
-/// A position in a text of levels.
-struct Levels {
-  const char* at;
-  const char* end;
-  std::span<LevelCode> codes;
-  std::size_t count = 0;
-  bool last = false;
-
-  [[nodiscard]] bool full() const { return count == codes.size(); }
-  void pass(const char* behind) {
-    last = behind == end;
-    at = last ? end : behind + 1;
-  }
-  void add(std::int32_t hundredths) { codes[count++] = static_cast<LevelCode>(hundredths); }
-};
-
-/// Takes consecutive levels of one form: neighbouring levels look alike.
-template <unsigned kWhole>
-void takeRun(Levels& levels) {
-  while (!levels.full() && levels.end - levels.at >= static_cast<std::ptrdiff_t>(kWord)) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, levels.at, kWord);
-    const std::uint64_t digits = Form<kWhole>::digitsOf(word);
-    if (!Form<kWhole>::fits(digits)) return;
-    const std::int32_t hundredths = Form<kWhole>::hundredthsOf(digits);
-    if (kWhole == 3 && hundredths > kLargestCode) return;
-    levels.add(hundredths);
-    levels.at += Form<kWhole>::kLength + 1;
-  }
-}
-
-/// Eight bytes of the text, padded with commas after its end.
-std::uint64_t wordAt(const char* at, const char* end) {
-  std::uint64_t word = everyByte(',');
-  const auto left = static_cast<std::size_t>(end - at);
-  if (left >= kWord) {
-    std::memcpy(&word, at, kWord);
-  } else {
-    std::memcpy(&word, at, left);
-  }
-  return word;
-}
-
-/// Takes one level of any form, even the last one of the text; false if there is none.
-template <unsigned kWhole>
-bool takeOne(Levels& levels) {
-  const bool negative = *levels.at == '-';
-  const char* const text = levels.at + (negative ? 1 : 0);
-  const std::uint64_t digits = Form<kWhole>::digitsOf(wordAt(text, levels.end));
-  if (!Form<kWhole>::fits(digits)) return false;
-  const std::int32_t hundredths = Form<kWhole>::hundredthsOf(digits);
-  if (hundredths > kLargestCode || (negative && hundredths == 0)) return false;
-  levels.add(negative ? -hundredths : hundredths);
-  levels.pass(text + Form<kWhole>::kLength);
-  return true;
-}
-
-/// As `takeOne`, for the level that means not valid.
-bool takeInvalid(Levels& levels) {
-  constexpr std::string_view kText = "9999.00";
-  const std::string_view rest(levels.at, levels.end);
-  if (!rest.starts_with(kText) || (rest.size() > kText.size() && rest[kText.size()] != ',')) {
-    return false;
-  }
-  levels.add(kInvalidCode);
-  levels.pass(levels.at + kText.size());
-  return true;
-}
-
-// In columns: at least two blanks, three digits with blanks for leading zeros, a point and two
-// digits.
+// In columns.
 
 constexpr std::string_view kInvalidInColumns = " 9999.00";
-
-/// The bytes of a text in the order in which `byteOf` counts them.
-constexpr std::uint64_t wordOfText(std::string_view text) {
-  std::uint64_t word = 0;
-  for (std::size_t place = kLevelColumns; place-- > 0;) {
-    word = word << 8 | static_cast<unsigned char>(text[place]);
-  }
-  return word;
-}
-
-constexpr std::int32_t kNoHundredths = -1;
-
-/// The hundredths of such a level; `kNoHundredths` for any other text.
-std::int32_t hundredthsInColumns(std::uint64_t word) {
-  constexpr std::uint64_t kWhole = 0x1010101010U;  // a bit of "0" that a blank has not
-  constexpr std::uint64_t kZeros = wordOfText("00000.00");
-  constexpr std::uint64_t kDigits = 0x0606000606060606U;
-  constexpr std::uint64_t kStrange = 0xF0F0FFF0F0F0F0F0U;
-  constexpr std::uint64_t kAlwaysBlank = 0xFFFFU;
-  static_assert(('0' ^ ' ') == 0x10);
-  const std::uint64_t blanks = ~word & kWhole;
-  const std::uint64_t digits = (word | kWhole) ^ kZeros;
-  const std::uint64_t strange = ((digits + kDigits) | digits) & kStrange;
-  const std::uint64_t blankAfterDigit = blanks & ~(blanks << 8 | 0x10U);
-  if ((strange | blankAfterDigit | (digits & kAlwaysBlank)) != 0) return kNoHundredths;
-  const std::uint64_t pairs = digits * 10 + (digits >> 8);
-  return byteOf(digits, 2) * 10000 + byteOf(pairs, 3) * 100 + byteOf(pairs, 6);
-}
 
 /// Every whole part that a code can have, with its sign, in the columns before the decimals.
 constexpr std::size_t kWholeParts = kLargestCode / 100 + 1;
@@ -316,20 +172,6 @@ std::optional<LevelCode> codeOf(double level) {
   const auto code = static_cast<LevelCode>(std::nearbyint(level * 100));
   if (levelOf(code) != level || (level == 0 && std::signbit(level))) return std::nullopt;
   return code;
-}
-
-FieldsTaken levelsAtFront(std::string_view text, std::span<LevelCode> codes) {
-  if constexpr (std::endian::native != std::endian::little) return {};
-  Levels levels{text.data(), text.data() + text.size(), codes};
-  bool more = true;
-  while (more) {
-    takeRun<2>(levels);
-    takeRun<3>(levels);
-    more = !levels.full() && levels.at != levels.end &&
-           (takeOne<2>(levels) || takeOne<1>(levels) || takeOne<3>(levels) || takeOne<0>(levels) ||
-            takeInvalid(levels));
-  }
-  return {levels.count, static_cast<std::size_t>(levels.at - text.data()), levels.last};
 }
 
 void appendLevel(std::string& text, double level) { appendLevels(text, {&level, 1}); }

@@ -134,6 +134,44 @@ TEST(LevelText, EveryCodeHasItsTextAndEveryOtherLevelNone) {
   }
 }
 
+TEST(LevelText, LevelsOfAnyWidthAndWhatIsNone) {
+  const auto taken = [](std::string_view text) {
+    std::array<LevelCode, 70> codes{};
+    const FieldsTaken fields = levelsAtFront(text, codes);
+    std::string again;
+    appendLevels(again, std::span<const LevelCode>(codes).first(fields.count));
+    return again + (fields.last ? "" : "|") + std::string(text.substr(fields.length));
+  };
+  // Every mixture of widths in one group, then more fields than one block or one pass holds.
+  const std::array<std::string, 6> widths{".50", "5.25", "65.75", "105.50", "9999.00", "-.25"};
+  std::string all;
+  for (std::size_t mix = 0; mix < 6 * 6 * 6 * 6; ++mix) {
+    const std::string text = widths[mix % 6] + "," + widths[mix / 6 % 6] + "," +
+                             widths[mix / 36 % 6] + "," + widths[mix / 216];
+    ASSERT_EQ(taken(text), text);
+    ASSERT_EQ(taken(text + ",x"), text + "|x");
+    all += (all.empty() ? "" : ",") + text;
+    if (mix % 17 == 16) {
+      ASSERT_EQ(taken(all), all);
+      all.clear();
+    }
+  }
+  for (const std::string field :
+       {"", " 5.25", "'5.25", "$65.75", "65.7", "65,75", "1065.75", "5 .25", "-.00", "327.68",
+        "65.7a", "6:.75", "65.750", "+5.25", "/5.25"}) {
+    EXPECT_EQ(taken(field + ",65.75,65.75,65.75"), "|" + field + ",65.75,65.75,65.75");
+  }
+}
+
+TEST(LevelText, LevelsInColumns) {
+  std::array<LevelCode, 1> code{};
+  EXPECT_EQ(codesInColumns("   65.75", code), 1);
+  EXPECT_EQ(code[0], 6575);
+  for (const std::string_view text : {"  $65.75", "   6 .75", "   65.7 ", " 1065.75", "  \"5.75"}) {
+    EXPECT_EQ(codesInColumns(text, code), 0) << text;
+  }
+}
+
 TEST(DateText, DaysOfTheCalendar) {
   EXPECT_EQ(dateFrom("12/30/1899"), 0);
   EXPECT_EQ(dateFrom(" 3/5/2004 "), dateFrom(2004, 3, 5));

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <string_view>
+
+#include "aq/text/level_code.h"
+
+// A level as text, right-aligned in one word of eight bytes, the first byte lowest.
+
+namespace aq {
+
+inline constexpr std::int32_t kLargestCode = std::numeric_limits<LevelCode>::max();
+
+constexpr std::int32_t byteOf(std::uint64_t word, unsigned place) {
+  return static_cast<std::uint8_t>(word >> (8 * place));
+}
+
+/// The bytes of a text in the order in which `byteOf` counts them.
+constexpr std::uint64_t wordOfText(std::string_view text) {
+  std::uint64_t word = 0;
+  for (std::size_t place = kLevelColumns; place-- > 0;) {
+    word = word << 8 | static_cast<unsigned char>(text[place]);
+  }
+  return word;
+}
+
+/// The text of zero in columns.
+inline constexpr std::uint64_t kZeroWord = wordOfText("00000.00");
+
+inline constexpr std::int32_t kNoHundredths = -1;
+
+/// The hundredths of a level in columns: at least two blanks, three digits with blanks for leading
+/// zeros, a point and two digits. `kNoHundredths` for any other text.
+inline std::int32_t hundredthsInColumns(std::uint64_t word) {
+  constexpr std::uint64_t kWhole = 0x1010101010U;  // a bit of "0" that a blank has not
+  constexpr std::uint64_t kDigits = 0x0606000606060606U;
+  constexpr std::uint64_t kStrange = 0xF0F0FFF0F0F0F0F0U;
+  constexpr std::uint64_t kAlwaysBlank = 0xFFFFU;
+  static_assert(('0' ^ ' ') == 0x10);
+  const std::uint64_t blanks = ~word & kWhole;
+  const std::uint64_t digits = (word | kWhole) ^ kZeroWord;
+  const std::uint64_t notBlank = digits & (blanks - (blanks >> 4));  // such as "(" for "8"
+  const std::uint64_t strange = ((digits + kDigits) | digits) & kStrange;
+  const std::uint64_t blankAfterDigit = blanks & ~(blanks << 8 | 0x10U);
+  if ((strange | notBlank | blankAfterDigit | (digits & kAlwaysBlank)) != 0) return kNoHundredths;
+  const std::uint64_t pairs = digits * 10 + (digits >> 8);
+  return byteOf(digits, 2) * 10000 + byteOf(pairs, 3) * 100 + byteOf(pairs, 6);
+}
+
+}  // namespace aq
