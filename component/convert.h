@@ -18,7 +18,7 @@
 #include "component/class_table.h"
 #include "component/values.h"
 
-// Types of C++ as values of hosts, and back.
+// Converts C++ types to values of hosts, and back.
 
 namespace aq::com {
 
@@ -47,7 +47,7 @@ concept Shared = requires(T value) {
 template <class T>
 T fromHost(const VARIANT& given, TextKind kind);
 
-/// That of the host itself, or a new one of what its array or its collection holds.
+/// The host's own collection, or a new one with the content of its array or collection.
 template <ACollection C>
 std::shared_ptr<C> collectionFrom(const VARIANT& given, TextKind kind) {
   if (isNoObject(given)) return nullptr;
@@ -61,7 +61,7 @@ std::shared_ptr<C> collectionFrom(const VARIANT& given, TextKind kind) {
   return made;
 }
 
-/// A value of type `T`, which is no reference.
+/// A value of type `T`, which is not a reference.
 template <class T>
 T fromHost(const VARIANT& given, TextKind kind) {
   if constexpr (std::same_as<T, Variant>) {
@@ -105,7 +105,7 @@ inline constexpr bool isOptional = false;
 template <class T>
 inline constexpr bool isOptional<std::optional<T>> = true;
 
-/// Puts a value into `to`, which is empty.
+/// Stores a value in `to`, which is empty.
 template <class T>
 void toHost(VARIANT& to, const T& value, TextKind kind, bool isDate = false) {
   if constexpr (std::same_as<T, Variant>) {
@@ -158,14 +158,14 @@ void toHost(VARIANT& to, const T& value, TextKind kind, bool isDate = false) {
   }
 }
 
-/// An argument of a call as C++ takes it, from where the host gave it.
+/// An argument of a call as C++ takes it.
 struct Given {
   VARIANTARG* at;  ///< null when it was left out
   std::size_t place;
   TextKind kind;
 };
 
-/// Runs `read`; a refusal says which argument it is about.
+/// Runs `read`; an error names the argument.
 template <class Read>
 auto reading(const Given& given, const Read& read) {
   try {
@@ -177,11 +177,11 @@ auto reading(const Given& given, const Read& read) {
 
 template <class T>
 std::shared_ptr<T> required(std::shared_ptr<T> object) {
-  if (object == nullptr) throw Error(ErrorCode::ObjectNotSet, "an object is wanted, not Nothing");
+  if (object == nullptr) throw Error(ErrorCode::ObjectNotSet, "an object is required, not Nothing");
   return object;
 }
 
-/// By value, also where C++ takes a reference to what it does not change.
+/// By value, also for const references.
 template <class A>
 class Argument {
   using T = std::conditional_t<std::same_as<std::remove_cvref_t<A>, std::string_view>, std::string,
@@ -212,7 +212,7 @@ class Argument {
   Kept value_;
 };
 
-/// An object that may be none.
+/// An optional object.
 template <class T>
 class Argument<const T*> {
  public:
@@ -228,7 +228,7 @@ class Argument<const T*> {
   std::shared_ptr<T> object_;
 };
 
-/// Numbers in an array, in what For Each goes through, or a single one.
+/// Numbers from an array or from anything that For Each visits, or a single number.
 template <>
 class Argument<std::span<const double>> {
  public:
@@ -256,7 +256,7 @@ class Argument<std::span<const double>> {
   std::vector<double> numbers_;
 };
 
-/// What the host's variable gets; it keeps what it holds when the call gives nothing.
+/// The result for the host's variable, which keeps its value if the call returns nothing.
 template <class T>
 class Argument<std::shared_ptr<T>&> {
  public:

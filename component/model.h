@@ -17,9 +17,8 @@
 #include <string_view>
 #include <type_traits>
 
-// What hosts of the component see of the object model: the names, identifiers and numbers of
-// classes and members. They are compiled into hosts, so none ever changes: what is new gets the
-// next one.
+// The object model as hosts of the component see it: the names, identifiers and numbers of classes
+// and members. They are compiled into hosts, so they never change; new ones get the next number.
 
 namespace aq::com {
 
@@ -36,17 +35,17 @@ inline constexpr std::string_view kIdentifierRest = "-4a90-4a24-9e5e-a2d82603c1a
 inline constexpr int kTypeLibraryIdentifier = 0;
 [[nodiscard]] constexpr int interfaceIdentifier(int classNumber) { return 2 * classNumber; }
 [[nodiscard]] constexpr int classIdentifier(int classNumber) { return 2 * classNumber + 1; }
-/// By which objects of the component know each other.
+/// Identifies objects of the component among each other.
 inline constexpr int kOwnIdentifier = 999;
 
-// Members are known by their place in the description, from 1.
+// Members are numbered by their position in the description, from 1.
 inline constexpr std::int32_t kDefaultMember = 0;
 inline constexpr std::int32_t kEnumerator = -4;  // hidden, as hosts ask for it by number
-/// The members that a class has only in the component come from this one on.
+/// Members that only the component has start at this number.
 inline constexpr std::int32_t kFirstExtra = 101;
 
-/// The functions of the library, as the members of one class. A folder has 20 numbers; those of a
-/// folder that is added follow.
+/// The functions of the library, as the members of one class. Each folder has 20 numbers; those of
+/// a folder that is added follow.
 struct Library {};
 inline constexpr std::int32_t kFunctionsOfAFolder = 20;
 inline constexpr aq::describe::List<aq::describe::CoreFunctions, aq::describe::FileFunctions,
@@ -62,7 +61,7 @@ template <>
 struct Description<com::Library> {
   static constexpr char name[] = "AQ_Library";
   static constexpr int number = 91;
-  static constexpr char text[] = "What the library does for files and objects of several classes";
+  static constexpr char text[] = "Functions for files and for objects of several classes";
   template <class To>
   static void members(To& /*to*/) {}
 };
@@ -76,7 +75,7 @@ inline constexpr bool isCollection = false;
 template <class T>
 inline constexpr bool isCollection<Collection<T>> = true;
 
-/// What only the library makes.
+/// Classes that only the library creates.
 template <class C>
 inline constexpr bool isCreatable =
     !std::same_as<C, FileFailure> && !std::same_as<C, ToneStep> &&
@@ -106,8 +105,8 @@ void forClasses(const Visit& visit) {
   visit.template operator()<Library>();
 }
 
-/// Calls `visit.operator()<E>()` for each enumeration that hosts know: errors come with numbers of
-/// the host's own, and the kind of a file as text.
+/// Calls `visit.operator()<E>()` for each enumeration that hosts know; errors have the host's own
+/// numbers, and the kind of a file is text.
 template <class Visit>
 void forEnumerations(const Visit& visit) {
   describe::forClasses(describe::kEnumerations, [&]<class E>() {
@@ -142,7 +141,7 @@ inline constexpr bool isSeries = std::same_as<C, AQ_EmtRcvTable> || requires(con
   object.begin();
 };
 
-/// A member that only the component has: what a program in C++ does in a loop of its own.
+/// A member that only the component has, for what a C++ program does in a loop.
 struct Extra {
   std::string_view owner;
   const char* name;
@@ -158,13 +157,13 @@ inline constexpr std::array kExtras{
     Extra{
         "AQ_SpectralTimeHistory", "Levels", kFirstExtra, "VARIANT", "", true, true,
         "All levels in dB as an array, records by bands, from LoRec and the lowest band up; Empty "
-        "where there is none, and setting Empty leaves a level as it is"},
+        "where there is none, and setting Empty leaves a level unchanged"},
     Extra{"AQ_SpectralTimeHistory", "MetricTable", kFirstExtra + 1, "VARIANT",
           "[in] AQ_METRIC_TYPE aqMetric", true, false,
           "One metric of all records as an array, from LoRec up; Empty where it is not set"},
     Extra{"AQ_MaskMap", "MaskStrings", kFirstExtra, "VARIANT", "", true, true,
           "All decisions in their two letters as an array, records by bands, from the lowest of "
-          "each up; Empty where there is none, and setting Empty leaves a decision as it is"},
+          "each up; Empty where there is none, and setting Empty leaves a decision unchanged"},
     Extra{"AQ_PositionTimeHistory", "Table", kFirstExtra, "VARIANT", "", true, false,
           "All positions as an array: seconds of the day, X, Y, Z"},
     Extra{"AQ_GeometryTimeHistory", "Table", kFirstExtra, "VARIANT", "", true, false,
@@ -173,13 +172,13 @@ inline constexpr std::array kExtras{
     Extra{"AQ_Library", "Version", kFirstExtra, "BSTR", "", true, false,
           "The version of the library, as in 0.1.0"},
     Extra{"AQ_Library", "checkFile", kFirstExtra + 1, "_AQ_Collection*", "[in] BSTR path", false,
-          false, "What a person should know about a file, one finding a line"},
+          false, "The findings about a file, one per line"},
     Extra{"AQ_Library", "checkFixes", kFirstExtra + 2, "_AQ_Collection*",
           "[in] BSTR path, [in] unsigned char limit", false, false,
-          "The fixes of a tracking file that a reader with this RT20Limit drops, one a line"},
+          "The fixes of a tracking file that a reader with this RT20Limit drops, one per line"},
     Extra{"AQ_Library", "checkFit", kFirstExtra + 3, "_AQ_Collection*",
           "[in] BSTR historyPath, [in] BSTR mapPath", false, false,
-          "Why a masking map does not fit its history, one finding a line"},
+          "Why a masking map does not fit its history, one finding per line"},
 };
 
 /// Whether a function can be called through the component: a host has no file information service.

@@ -15,7 +15,7 @@ int lengthOf(std::size_t size) {
   return static_cast<int>(size);
 }
 
-/// Empty when the bytes are no text of the page.
+/// Empty if the bytes are not valid in the code page.
 std::wstring widened(std::string_view bytes, UINT page, DWORD flags) {
   const int size = lengthOf(bytes.size());
   const int needed = MultiByteToWideChar(page, flags, bytes.data(), size, nullptr, 0);
@@ -24,7 +24,7 @@ std::wstring widened(std::string_view bytes, UINT page, DWORD flags) {
   return text;
 }
 
-/// Whether the page has every character.
+/// Whether the code page has every character.
 bool narrow(std::wstring_view text, UINT page, std::string& bytes) {
   const bool isUtf8 = page == CP_UTF8;
   const DWORD flags = isUtf8 ? WC_ERR_INVALID_CHARS : WC_NO_BEST_FIT_CHARS;
@@ -53,7 +53,7 @@ std::string codeText(wchar_t letter) {
                                                   " has no character " + codeText(letter));
     }
   }
-  throw Error(ErrorCode::InvalidArgument, "the text is no UTF-16");
+  throw Error(ErrorCode::InvalidArgument, "the text is not valid UTF-16");
 }
 
 }  // namespace

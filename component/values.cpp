@@ -11,7 +11,7 @@ namespace {
 
 [[noreturn]] void mismatch() { throw Fault{DISP_E_TYPEMISMATCH}; }
 
-/// A reference to a value as that value; what it holds stays the host's.
+/// Dereferences a value; its content still belongs to the host.
 VARIANT followed(const VARIANT& given) {
   VARIANT value = given;
   while (value.vt == (VT_BYREF | VT_VARIANT)) {
@@ -34,7 +34,7 @@ bool holdsObject(const VARIANT& value) {
   return type == VT_DISPATCH || type == VT_UNKNOWN;
 }
 
-/// The object as one that can be called; null for none.
+/// The object's IDispatch; null if there is none.
 Held<IDispatch> callable(const VARIANT& value) {
   const VARTYPE type = value.vt & static_cast<VARTYPE>(~VT_BYREF);
   if (type == VT_DISPATCH) return Held<IDispatch>::share(dispatchOf(value));
@@ -198,7 +198,7 @@ std::vector<Value> entriesOf(const VARIANT& given) {
 }
 
 Variant propertyOf(const VARIANT& given, const wchar_t* name) {
-  if (isNoObject(given)) throw Error(ErrorCode::ObjectNotSet, "an object is wanted");
+  if (isNoObject(given)) throw Error(ErrorCode::ObjectNotSet, "an object is required");
   const VARIANT value = followed(given);
   if (!holdsObject(value)) mismatch();
   const Held<IDispatch> object = callable(value);
@@ -272,7 +272,7 @@ void writeBack(VARIANT& variable, Value& value) {
   switch (variable.vt & ~VT_BYREF) {
     case VT_VARIANT: {
       VARIANT& to = *variable.pvarVal;
-      // Late-bound hosts may hand on a reference that they were given themselves.
+      // Late-bound hosts may pass on a reference that they received.
       if (isVariable(to)) return writeBack(to, value);
       VariantClear(&to);
       value.release(to);

@@ -4,6 +4,7 @@ import os
 import pathlib
 import re
 
+import furo
 from pygments.lexers.basic import VBScriptLexer
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -13,6 +14,16 @@ author = "The AQ_Data_Control developers"
 release = re.search(r"VERSION (\S+)", (ROOT / "CMakeLists.txt").read_text().split("project(")[1])[1]
 extensions = ["myst_parser", "breathe", "sphinx.ext.autodoc"]
 html_theme = "furo"
+
+
+def dark_colours():
+    """The dark colours of the theme, whose style in Debian leaves out those for a dark system."""
+    style = pathlib.Path(furo.__file__).parent / "theme/furo/static/styles/furo.css"
+    dark = re.search(r'body\[data-theme="dark"\] \{(.*?)\}', style.read_text(), re.S)
+    return dict(re.findall(r"--([\w-]+): ([^;]+);", dark[1])) if dark else {}
+
+
+html_theme_options = {"dark_css_variables": dark_colours()}
 html_title = f"AQ_Data_Control {release}"
 html_static_path = ["static"]
 html_css_files = ["site.css"]

@@ -117,8 +117,8 @@ void checkLevels(std::string_view text, std::size_t room) {
     last = at == text.size();
     if (!last) ++at;
   }
-  expect(taken.length == at && taken.last == last, "the place behind the levels");
-  expect(taken.count == room || last || !isLevel(fieldAt(text, at)), "every level there is");
+  expect(taken.length == at && taken.last == last, "the position after the levels");
+  expect(taken.count == room || last || !isLevel(fieldAt(text, at)), "all levels");
 }
 
 using Text = std::array<char, 512>;

@@ -40,7 +40,7 @@ std::size_t behind(std::string_view input) {
 void readFormat(const Target& target, std::string_view input) {
   const std::string path = fileWith(input);
   const auto [failure, handedOut, sound] = test::kFormats.at(target.name).read(path);
-  expect(sound, "a result that agrees with what was handed out");
+  expect(sound, "a result that agrees with the objects returned");
   static_cast<void>(kindOfFile(path));
   if (!failure) return;
   // A recording is not text: its failures name a record and a byte.
@@ -137,7 +137,7 @@ bool sameLine(const std::string& a, const std::string& b) {
   return true;
 }
 
-/// False if the file cannot be read, or if an object that was read has no written form.
+/// False if the file cannot be read, or if what was read cannot be written.
 bool rewritten(const test::FormatCalls& format, const std::string& from, const std::string& to) {
   try {
     return format.rewrite(from, to) == AQ_DATA_OK;
@@ -162,7 +162,7 @@ void checkCopy(const test::FormatCalls& format, const std::string& path) {
 
 void mendAny(const Target&, std::string_view input) {
   const Mended mended = mendText(input, "input");
-  expect(!mended.done.empty() || mended.text == input, "text that is not mended as it was");
+  expect(!mended.done.empty() || mended.text == input, "text that is not mended unchanged");
 }
 
 /// One target per format, then the others.
@@ -200,7 +200,7 @@ void expect(bool holds, const char* what) {
 
 void roundTrip(const Target&, std::string_view input) {
   static const test::FixedInformation fixed;
-  if (input.find('\r') != input.npos) return;  // one before another is lost with the line end
+  if (input.find('\r') != input.npos) return;  // the first of two is lost with the line end
   const std::string path = fileWith(input);
   for (const auto& [name, format] : test::kFormats) {
     if (format.rewrite) checkCopy(format, path);

@@ -17,12 +17,15 @@ TITLES = {
 }
 BEGIN = """# C++ classes and functions
 
-Every public class and function, from the headers; the [C++ API](cpp.md) lists the most important ones.
+Every public class and function, from the headers; the [C++ API](cpp.md) lists the most important
+ones.
 """
 
 
 def public_headers():
-    """What aq.h includes, and with the list of formats the file classes, their headers and models."""
+    """The headers that aq.h includes and, through the list of formats, those of file classes, file
+    headers and models.
+    """
     found, queue = set(), ["aq/aq.h"]
     for header in queue:
         for name in re.findall(r'#include "(aq/[^"]+)"', (ROOT / header).read_text()):

@@ -303,7 +303,7 @@ class Worker:
         ]
 
     def measure(self):
-        """Times the stages as they are, for the time limits; tells the slow tests from the rest."""
+        """Times the unchanged stages, to set time limits, and separates slow tests from the others."""
         program = self.build / "tests/aq_tests"
         shown = subprocess.run([program], capture_output=True, encoding="utf-8", check=True).stdout
         times = re.findall(r"OK \] (\S+) \((\d+) ms\)", shown)

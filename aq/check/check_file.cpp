@@ -1,5 +1,7 @@
 #include "aq/check/check_file.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "aq/check/checks.h"
@@ -17,10 +19,20 @@
 namespace aq {
 namespace {
 
+/// Whether a line heads a table of records, positions, microphones or events of `aqdata`.
+bool isTableHeading(std::string_view line) {
+  constexpr std::string_view kBeginnings[] = {"record,", "position,time,", "microphone,x,",
+                                              "file,records,EPNL"};
+  return std::any_of(std::begin(kBeginnings), std::end(kBeginnings),
+                     [line](std::string_view begin) { return line.starts_with(begin); });
+}
+
 void reportUnknown(const std::string& path, const Reporter& report) {
   LineReader lines(path);
-  report(Kind::UnknownKind, {.line = 1},
-         lines.next() ? "it begins with " + shown(lines.line()) : "it is empty");
+  if (!lines.next()) return report(Kind::UnknownKind, {.line = 1}, "it is empty");
+  const std::string begins = "it begins with " + shown(lines.line());
+  const Kind kind = isTableHeading(lines.line()) ? Kind::Table : Kind::UnknownKind;
+  report(kind, {.line = 1}, begins);
 }
 
 void checkAs(FileKind kind, const std::string& path, const Reporter& report) {
@@ -30,7 +42,7 @@ void checkAs(FileKind kind, const std::string& path, const Reporter& report) {
   });
 }
 
-/// Reports first what other programs did to the text, and nothing else if that explains the rest.
+/// Reports what other programs did to the text first, and nothing else if that explains the rest.
 /// `checkData` checks a file of the given kind.
 template <class CheckData>
 void checkText(const std::string& path, Reporter& report, const CheckData& checkData) {
@@ -57,7 +69,7 @@ void checking(const Reporter& reporter, const Check& check) {
     reporter.unreadable(failed.failure);
   } catch (const platform::SystemError& error) {
     reporter.unreadable({.file = {}, .expected = error.wanted(), .found = error.what()});
-  } catch (const Error& error) {  // more records than the interface counts
+  } catch (const Error& error) {  // more records than the interface can count
     reporter(Kind::Unreadable, {}, error.what());
   }
 }
@@ -152,7 +164,7 @@ Checked checkWithHistory(const std::string& path, const FindingSink& report) {
 }
 
 void check(FileOf<AQ_DataINI> of, const Reporter& report) {
-  constexpr std::string_view kTitle = "FILETYPE";  // that the file carries and no reader uses
+  constexpr std::string_view kTitle = "FILETYPE";  // which no reader uses
   AQ_DataINI file;
   std::size_t nameLine = 0;
   file.observeHeader([&](const HeaderLine& line) {

@@ -60,8 +60,9 @@ constexpr FindingKind kKinds[] = {
     {"time-gap", kNote, "positions are missing for some time"},
     {"level-invalid", kNote, "a level is 9999, not valid"},
     {"fix-rejected", kNote, "a tracking fix is above the usual quality limit"},
+    {"table", kNote, "a table made from measurements, which is not checked"},
 };
-static_assert(std::size(kKinds) == static_cast<std::size_t>(Kind::FixRejected) + 1);
+static_assert(std::size(kKinds) == static_cast<std::size_t>(Kind::Table) + 1);
 
 }  // namespace
 

@@ -24,7 +24,7 @@ void appendUtf8(std::uint32_t code, std::string& text) {
   byte(0xF0 | code >> 18), following(code >> 12), following(code >> 6), following(code);
 }
 
-/// UTF-16 as UTF-8; nothing when the bytes are no whole text.
+/// Converts UTF-16 to UTF-8; nothing if the bytes are not valid UTF-16.
 std::optional<std::string> fromUtf16(std::string_view bytes) {
   const bool mark = bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
   const bool highFirst = mark ? bytes.front() == '\xFE' : bytes.front() == '\0';
@@ -48,7 +48,7 @@ std::optional<std::string> fromUtf16(std::string_view bytes) {
   return text;
 }
 
-/// A text's lines, without their ends, as they are mended one thing after another.
+/// The lines of a text, without line ends, which the steps below mend one after another.
 class TextMender {
  public:
   TextMender(std::string_view bytes, std::string_view name, std::vector<std::string> done)
@@ -61,8 +61,8 @@ class TextMender {
     const auto fault = faultOfBytes(std::string_view(mended_.text).substr(0, 16));
     if (mended_.text.starts_with(sdf::kMark)) return std::move(mended_);
     if (fault && fault->kind == Kind::Compressed) return leave(fault->message);
-    if (fault && !mendWide()) return leave("UTF-16 text that is cut or damaged");
-    if (mended_.text.find('\0') != std::string::npos) return leave("bytes that are no text");
+    if (fault && !mendWide()) return leave("UTF-16 text that is truncated or damaged");
+    if (mended_.text.find('\0') != std::string::npos) return leave("bytes that are not text");
     if (mended_.text.starts_with(kByteOrderMark)) {
       mended_.text.erase(0, kByteOrderMark.size());
       done("byte order mark");
@@ -134,7 +134,7 @@ class TextMender {
     return lines_.front().find(kKeywordMark) != std::string::npos;
   }
 
-  /// A spreadsheet of a country with decimal commas divides by semicolons, others by tabs.
+  /// Spreadsheets separate fields by semicolons in countries with decimal commas, or by tabs.
   void mendSeparators() {
     const std::size_t mark = lines_.front().find(kKeywordMark);
     if (mark == std::string::npos) return;
@@ -165,7 +165,7 @@ class TextMender {
     done(separator == ';' ? "semicolons between fields" : "tabs between fields");
   }
 
-  /// As in "61,51"; levels below 1 dB have no digit before the comma.
+  /// A level such as "61,51"; levels below 1 dB have no digit before the comma.
   [[nodiscard]] static bool isCommaNumber(std::string_view field) {
     field = trimmed(field);
     if (field.starts_with('-')) field.remove_prefix(1);
@@ -184,7 +184,8 @@ class TextMender {
     return field;
   }
 
-  /// The fields of a line by a spreadsheet's rules; nothing for a line that keeps to none.
+  /// The fields of a line by the quoting rules of spreadsheets; nothing for a line that violates
+  /// them.
   [[nodiscard]] std::optional<std::string> unquoted(std::string_view line, bool all) {
     std::string whole;
     bool any = false;
@@ -204,7 +205,7 @@ class TextMender {
         if (at >= line.size()) return std::nullopt;
         line.remove_prefix(at + 1);
         if (!line.empty() && line.front() != ',') return std::nullopt;
-        // Only what has a comma or a quote in it has to be quoted; other quotes are the author's.
+        // Only fields with a comma or quote must be quoted; other quotes are the author's.
         const bool needed = all || field.find_first_of(",\"") != field.npos;
         whole += needed ? field : '"' + field + '"';
         any = any || needed;
@@ -241,7 +242,8 @@ class TextMender {
     done("trailing commas");
   }
 
-  /// The line of the column headings, which follow the comments; nothing when that is not told.
+  /// The line of the column headings, which follow the comments; nothing if it cannot be
+  /// determined.
   [[nodiscard]] std::optional<std::size_t> headings() const {
     constexpr std::string_view kCount = "NumberOfCommentLines**";
     for (std::size_t at = 0; at < lines_.size(); ++at) {
@@ -263,8 +265,7 @@ class TextMender {
     return line.find_first_not_of(" \t") == line.npos;
   }
 
-  /// Between lines of the header a blank line may be an empty comment, unless each second line is
-  /// blank.
+  /// A blank line in the header may be an empty comment, unless every second line is blank.
   void mendBlankLines() {
     const std::size_t before = lines_.size();
     bool doubled = before > 3;
@@ -290,7 +291,7 @@ class TextMender {
       auto line = commas.mended(lines_[i]);
       if (!line) {
         if (commas.any())
-          mended_.left.emplace_back("decimal commas that may be read in two ways, from line " +
+          mended_.left.emplace_back("decimal commas that can be read in two ways, from line " +
                                     std::to_string(i + 1) + " on");
         return;
       }

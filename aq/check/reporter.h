@@ -60,6 +60,7 @@ enum class Kind : std::size_t {
   TimeGap,
   LevelInvalid,
   FixRejected,
+  Table,
 };
 
 /// Collects the findings of a file and passes them on in the order of its lines.
@@ -87,7 +88,7 @@ class Reporter {
  private:
   const FindingSink& sink_;
   std::string head_;
-  // Checks see a reporter that they cannot change.
+  // Checks receive a const reporter.
   mutable std::vector<Finding> findings_;
   mutable std::optional<std::uint64_t> levels_;
 };

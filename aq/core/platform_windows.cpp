@@ -2,7 +2,7 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 // clang-format off
-#include <aclapi.h>  // needs what is above
+#include <aclapi.h>  // needs the header above
 // clang-format on
 
 #include <algorithm>
@@ -37,7 +37,7 @@ struct Reason {
   const char* text;
 };
 
-// In the words of other systems, so that messages are the same everywhere.
+// Worded as on other systems, so that messages are the same everywhere.
 constexpr std::array kReasons{
     Reason{ERROR_FILE_NOT_FOUND, "No such file or directory"},
     Reason{ERROR_PATH_NOT_FOUND, "No such file or directory"},
@@ -52,8 +52,8 @@ constexpr std::array kReasons{
     Reason{ERROR_DISK_FULL, "No space left on device"},
     Reason{ERROR_HANDLE_DISK_FULL, "No space left on device"},
     Reason{ERROR_FILENAME_EXCED_RANGE, "File name too long"},
-    Reason{ERROR_INVALID_NAME, "the system does not take such a name"},
-    Reason{ERROR_BAD_PATHNAME, "the system does not take such a name"},
+    Reason{ERROR_INVALID_NAME, "the system does not allow such a name"},
+    Reason{ERROR_BAD_PATHNAME, "the system does not allow such a name"},
     Reason{ERROR_DIRECTORY, "Not a directory"},
     Reason{ERROR_NOT_ENOUGH_MEMORY, "Cannot allocate memory"},
     Reason{ERROR_OUTOFMEMORY, "Cannot allocate memory"},
@@ -91,7 +91,7 @@ std::wstring wide(const std::string& text, const char* wanted) {
     return ::MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(), size, to, room);
   };
   const int length = convert(nullptr, 0);
-  if (length == 0) throw SystemError(wanted, "the name is no valid UTF-8");
+  if (length == 0) throw SystemError(wanted, "the name is not valid UTF-8");
   std::wstring characters(static_cast<std::size_t>(length), L'\0');
   convert(characters.data(), length);
   return characters;
@@ -116,7 +116,7 @@ bool isDevice(std::wstring_view name) {
          kNumbers.find(base.back()) != kNumbers.npos;
 }
 
-/// Rejects names that the system would silently take for another file or a device.
+/// Rejects names that the system would silently map to another file or a device.
 void checkNames(std::wstring_view path, const char* wanted) {
   constexpr std::size_t kMostOfName = 255;
   constexpr std::wstring_view kSeparators = L"/\\";
@@ -140,7 +140,8 @@ void checkNames(std::wstring_view path, const char* wanted) {
 
 /// A path for the system: absolute, and in its own form if it is longer than usual.
 std::wstring systemPath(std::wstring path, const char* wanted) {
-  constexpr std::size_t kMostUsual = 200;  // the name of a temporary next to the file fits too
+  constexpr std::size_t kMostUsual =
+      200;  // leaves room for the name of a temporary next to the file
   if (path.empty()) failBy(wanted, ERROR_FILE_NOT_FOUND);
   const DWORD size = ::GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
   std::wstring full(size, L'\0');
@@ -220,8 +221,8 @@ Handle open(const std::wstring& path, const Opening& how, const char* wanted) {
   return handle;
 }
 
-/// A new handle of one of the program's own streams, by the names that other systems have for them;
-/// none for any other path.
+/// A duplicate handle of one of the program's own streams, by its name on other systems; none for
+/// any other path.
 Handle standardStream(const std::string& path) {
   DWORD stream = 0;
   if (path == "/dev/stdin") stream = STD_INPUT_HANDLE;
@@ -384,8 +385,8 @@ void replace(const std::wstring& path, const Old* old, std::string_view bytes) {
   temporary.renameTo(path, old != nullptr ? kReplace : kWrite);
 }
 
-/// Locks out other writers of this library during its lifetime, where that is possible: locks a
-/// byte beyond the end of any file, so that readers are not locked out.
+/// Locks out other writers that use this library, if possible: locks a byte beyond the end of any
+/// file, which does not affect readers.
 class Lock {
  public:
   explicit Lock(const Handle& file) : file_(file) {
@@ -448,7 +449,7 @@ void appendArgument(std::wstring& line, std::wstring_view argument) {
   line += L'"';
 }
 
-/// What a started process inherits: those handles and no others.
+/// The handles that a started process inherits, and no others.
 class Inherited {
  public:
   explicit Inherited(std::array<HANDLE, 2>& handles) {
@@ -573,7 +574,7 @@ void replaceFile(const std::string& path, std::string_view bytes) {
 
 void appendToFile(const std::string& path, std::string_view bytes) {
   if (const Handle stream = standardStream(path)) return write(stream, bytes);
-  // No other process can replace or delete the file while it is awaited.
+  // No other process can replace or delete the file while this one waits.
   const Handle file = open(pathOf(path, kWrite),
                            {.access = GENERIC_WRITE,
                             .sharing = FILE_SHARE_READ | FILE_SHARE_WRITE,

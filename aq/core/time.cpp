@@ -10,12 +10,12 @@
 namespace aq {
 namespace {
 
-/// `number`, and an `Overflow` when single precision cannot hold it.
+/// Returns `number`. Throws `Overflow` if single precision cannot hold it.
 float single(double number) { return Variant(number).toSingle(); }
 
 void requireFiniteTime(double seconds) {
   if (std::isfinite(seconds)) return;
-  throw Error(ErrorCode::InvalidValue, "a time of day that is no finite number");
+  throw Error(ErrorCode::InvalidValue, "a time of day that is not a finite number");
 }
 
 bool containsLetters(std::string_view text, std::string_view capitals) {

@@ -23,28 +23,25 @@ struct Description<AQ_Time> {
               "A new time with the same values; a time of day above 86400 s is wrapped into the "
               "next day")
         .property("RelSeconds", &T::RelSeconds, &T::RelSeconds,
-                  "The time relative to a reference time, single precision", kSeconds)
+                  "The time relative to a reference time, in single precision", kSeconds)
         .setter("setRelTime", &T::setRelTime,
-                "Sets RelSeconds to the time since a reference, including the days between; raises "
-                "above 32 "
-                "bits of seconds",
+                "Sets RelSeconds to the time since a reference, including the days in between; "
+                "raises if these exceed 32 bits of seconds",
                 in("reference", "The reference time"))
-        .method(
-            "TODnumbers", &T::TODnumbers,
-            "Sets the time of day from three numbers, each in single precision; checks no range",
-            in("Hours", "Hours", Quantity{"h"}), in("Minutes", "Minutes", Quantity{"min"}),
-            in("Seconds", "Seconds", kSeconds))
+        .method("TODnumbers", &T::TODnumbers,
+                "Sets the time of day from three numbers, each in single precision; checks no "
+                "range, but a number that is not finite or exceeds single precision raises",
+                in("Hours", "Hours", Quantity{"h"}), in("Minutes", "Minutes", Quantity{"min"}),
+                in("Seconds", "Seconds", kSeconds))
         .property("TODseconds", &T::TODseconds, &T::TODseconds,
                   "The time of day, from midnight; a value above 86400 wraps into the next day, "
-                  "one that is "
-                  "not finite raises",
+                  "and one that is not finite raises",
                   kSecondsOfDay)
         .property("WorkingTime", &T::WorkingTime,
                   "RelSeconds or TODseconds, as chosen by setWorkingTime", kSeconds)
         .form("TODstring", &T::TODstring, &T::TODstring,
-              "The time of day as hh:mm:ss with a fraction, as in 12:34:56.5; raises below 0 and "
-              "from "
-              "90000 s up, and for a text with fewer than two colons")
+              "The time of day as hh:mm:ss with a fraction, as in 12:34:56.5; reading raises below "
+              "0 and from 90000 s up, setting raises for a text with fewer than two colons")
         .property("CurrentDate", &T::CurrentDate, &T::CurrentDate,
                   "The calendar date; 0 means not set", Date{})
         .setter("setWorkingTime", &T::setWorkingTime, "Chooses the time that WorkingTime returns",
@@ -96,7 +93,7 @@ struct Description<FileFailure> {
     to.field("file", &F::file, "The file, as the caller named it", FileName{})
         .field("line", &F::line, "The line, from 1; 0 for the whole file", Quantity{"line", 0})
         .field("field", &F::field, "The field, from 1; 0 for the whole line", Quantity{"field", 0})
-        .field("expected", &F::expected, "What was expected, as in: a level")
+        .field("expected", &F::expected, "What was expected, such as: a level")
         .field("found", &F::found, "What was found; text from the file is in quotes")
         .method("message", &F::message, "The whole failure in one line");
   }

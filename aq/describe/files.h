@@ -23,7 +23,8 @@ inline constexpr auto kHeaderIn = in("aqHeader", "The file's header; its file na
 inline constexpr auto kHeaderOut = in("aqHeader", "Receives a new header");
 inline constexpr auto kResult = in("result", "Receives the outcome");
 inline constexpr char kWrites[] =
-    "Writes a file, replacing it; a failure leaves the disk unchanged";
+    "Writes a file, replacing it; raises for data that the format cannot hold. A failure leaves "
+    "the disk unchanged";
 inline constexpr char kReads[] = "Reads a file into a new header and a new object";
 
 template <>
@@ -179,13 +180,12 @@ struct Description<AQ_DataSPC> {
   template <class To>
   static void members(To& to) {
     using F = AQ_DataSPC;
-    to.method("setHeader", &F::setHeader, "What the header of the next file says",
+    to.method("setHeader", &F::setHeader, "The header of the next file",
               in("aqHeader", "The header; without one, the texts of a file are empty"))
-        .property(
-            "RecordLength", &F::RecordLength, &F::RecordLength,
-            "From one record to the next, 0.5 initially; a read stores the file's. Raises unless "
-            "above 0 and below 1000",
-            Quantity{"s", 0, 1000})
+        .property("RecordLength", &F::RecordLength, &F::RecordLength,
+                  "Time from one record to the next, initially 0.5; a read stores the file's. "
+                  "Raises unless above 0 and below 1000",
+                  Quantity{"s", 0, 1000})
         .property("NumberFirstRecord", &F::NumberFirstRecord, &F::NumberFirstRecord,
                   "First record to write; 0 means the history's first. A read stores the file's",
                   kRecord)
@@ -241,7 +241,9 @@ struct Description<AQ_DataINI> {
   template <class To>
   static void members(To& to) {
     using F = AQ_DataINI;
-    to.method("writeFile", &F::writeFile, "Writes the parameters that are set, replacing the file",
+    to.method("writeFile", &F::writeFile,
+              "Writes the parameters that are set, replacing the file; raises for a number that is "
+              "not finite",
               kPath)
         .method(
             "readFile", &F::readFile,
@@ -311,9 +313,10 @@ struct Description<AQ_DataHP3565> {
         .property("Channel", &F::Channel, &F::Channel, "The trace of each scan to read, from 1",
                   kPlace)
         .property("RecordLength", &F::RecordLength, &F::RecordLength,
-                  "From record to record if scans have no time; raises unless above 0", kSeconds)
+                  "Time from one record to the next if scans have no times; raises unless above 0",
+                  kSeconds)
         .property("CalAdj", &F::CalAdj, &F::CalAdj,
-                  "Calibration added to every level; raises unless finite", kDecibels)
+                  "Calibration added to every level; raises if not finite", kDecibels)
         .lastFailure();
   }
 };

@@ -37,19 +37,19 @@ struct Description<AQ_PositionTimeHistory> {
   template <class To>
   static void members(To& to) {
     using H = AQ_PositionTimeHistory;
-    to.method("Copy", &H::Copy, "A deep copy, numbered from 1")
+    to.method("Copy", &H::Copy, "A deep copy, numbered from 1; raises above 32767 samples")
         .indexed(
             "Position", &H::Position, &H::Position,
             in("nRecord", "Reading: the index; storing: the record number", kPlace),
             "The sample at an index from 1, which raises if there is none; stored by record number")
         .method("PositionAt", &H::PositionAt,
-                "The stored sample nearest in time of day; no object if no two samples enclose it",
+                "The stored sample nearest in time of day; no object if no two samples enclose it. "
+                "Raises above 32767 samples",
                 in("aqTime", "The time of day"))
-        .method(
-            "GoodTime", &H::GoodTime,
-            "Whether a time of day lies between the first and the last sample; an empty history "
-            "raises",
-            in("aqTime", "The time of day"))
+        .method("GoodTime", &H::GoodTime,
+                "Whether a time of day lies between the first and the last sample; raises for an "
+                "empty history and above 32767 samples",
+                in("aqTime", "The time of day"))
         .property("Count", &H::Count, "The number of samples; above 32767 it raises", kCount)
         .method("contains", &H::contains, "Whether there is a sample at an index",
                 in("place", "The index", kPlace));
@@ -110,7 +110,7 @@ struct Description<AQ_GeometryTimeHistory> {
   template <class To>
   static void members(To& to) {
     using H = AQ_GeometryTimeHistory;
-    to.method("Copy", &H::Copy, "A deep copy of points 1 to Count, and of nothing else")
+    to.method("Copy", &H::Copy, "A deep copy of points 1 to Count only; raises if one is missing")
         .property("ReferenceType", &H::ReferenceType, &H::ReferenceType,
                   "Which event the reference time marks")
         .method(
@@ -121,14 +121,15 @@ struct Description<AQ_GeometryTimeHistory> {
         .property("TimeStampType", &H::TimeStampType, &H::TimeStampType,
                   "Which instant of a record its time stamp names")
         .method("setTimeStamps", &H::setTimeStamps,
-                "Stamps Tm of every point, half a second each, relative to the reference",
+                "Stamps Tm of points 1 to Count, half a second each, relative to the reference; "
+                "raises at a missing point, after stamping those before it",
                 in("startTime", "The time of the first record"),
                 in("StartTimeType", "Which instant of a record its stamp names"),
                 in("RefTime", "The reference time"), in("RefType", "Which event that marks"))
         .property("ReferenceTime", &H::ReferenceTime, &H::ReferenceTime, "The reference time")
         .indexed("Point", &H::Point, &H::Point, in("nRecord", "The record", kRecordOf32Bits),
                  "The point of a record; reading a missing one raises")
-        .property("Count", &H::Count, "The number of points", kCount)
+        .property("Count", &H::Count, "The number of points; above 32767 it raises", kCount)
         .method("contains", &H::contains, "Whether a record has a point",
                 in("number", "The record", kRecordOf32Bits));
   }
@@ -163,13 +164,23 @@ struct Description<AQ_EmtRcvTable> {
   static void members(To& to) {
     using T = AQ_EmtRcvTable;
     to.indexed("Record", &T::Record, &T::Record, in("nRecord", "The index", kPlace),
-               "The record at an index from 1; storing ignores the index and appends")
-        .property("T", &T::T, "The seconds of the day of emission, as a new collection")
-        .property("Tr", &T::Tr, "The seconds of the day of reception, as a new collection")
-        .property("X", &T::X, "The aircraft's first coordinate in m, as a new collection")
-        .property("Y", &T::Y, "The aircraft's second coordinate in m, as a new collection")
-        .property("Z", &T::Z, "The aircraft's height in m, as a new collection")
-        .property("Count", &T::Count, "The number of records", kCount);
+               "The record at an index from 1, which raises if there is none; storing ignores the "
+               "index and appends")
+        .property(
+            "T", &T::T,
+            "The seconds of the day of emission, as a new collection; raises above 32767 records")
+        .property(
+            "Tr", &T::Tr,
+            "The seconds of the day of reception, as a new collection; raises above 32767 records")
+        .property(
+            "X", &T::X,
+            "The aircraft's first coordinate in m, as a new collection; raises above 32767 records")
+        .property("Y", &T::Y,
+                  "The aircraft's second coordinate in m, as a new collection; raises above 32767 "
+                  "records")
+        .property("Z", &T::Z,
+                  "The aircraft's height in m, as a new collection; raises above 32767 records")
+        .property("Count", &T::Count, "The number of records; above 32767 it raises", kCount);
   }
 };
 
@@ -178,8 +189,8 @@ struct Description<AQ_SPointTrk> {
   static constexpr char name[] = "AQ_SPointTrk";
   static constexpr int number = 38;
   static constexpr char text[] =
-      "Summary values of one point of a flight track, kept for the application, which defines what "
-      "the names leave open";
+      "Summary values of one point of a flight track, kept for the application, which defines "
+      "their exact meaning";
   template <class To>
   static void members(To& to) {
     using P = AQ_SPointTrk;

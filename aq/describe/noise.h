@@ -21,8 +21,8 @@ struct Description<ToneStep> {
   static constexpr char name[] = "ToneStep";
   static constexpr int number = 41;
   static constexpr char text[] =
-      "What the tone correction procedure found for one band; values that a step does not define "
-      "are empty";
+      "The results of the tone correction procedure for one band; values that a step does not "
+      "define are empty";
   template <class To>
   static void members(To& to) {
     using S = ToneStep;
@@ -109,7 +109,7 @@ struct Description<MetricDifference> {
   }
 };
 
-/// Functions of the room.
+/// The functions of the folder.
 struct NoiseFunctions;
 
 template <>
@@ -122,8 +122,8 @@ struct Description<NoiseFunctions> {
     constexpr auto history = in("history", "The records");
     constexpr auto map = optionally("map", "Which of their levels are masked");
     to.function("weightedLevel", &weightedLevel,
-                about("The A-, C- or D-weighted or the overall level of a spectrum; nothing if "
-                      "no level counts",
+                about("The A-, C- or D-weighted or the overall level of a spectrum; nothing if no "
+                      "level counts, and raises for any other metric",
                       kDecibels),
                 spectrum, in("weighting", "AQ_METRIC_AWT, _CWT, _DWT or _OA"), masks)
         .function("perceivedNoiseLevel", &perceivedNoiseLevel,
@@ -134,27 +134,34 @@ struct Description<NoiseFunctions> {
                   spectrum, masks)
         .function("toneCorrection", &toneCorrection,
                   about("The tone correction of a spectrum, from bands 19 to 40"), spectrum, masks)
-        .function("noiseEvent", &noiseEvent,
-                  about("The event of a series of tone-corrected perceived noise levels; raises if "
-                        "there is "
-                        "none, and for sizes that differ"),
-                  in("pnlt", "The levels by record, NaN for none", Quantity{"TPNdB"}),
-                  in("seconds", "How long a record lasts: one value for all, or one each",
-                     Quantity{"s", 0}),
-                  optionally("toneCorrections", "The tone corrections by record", kToneDecibels))
         .function(
-            "setMetrics", &setMetrics,
-            about("Computes and stores the ten metrics of every record and returns the event; "
-                  "nothing if no record has a PNLT"),
-            history, map)
+            "noiseEvent", &noiseEvent,
+            about(
+                "The event of a series of tone-corrected perceived noise levels; raises if there "
+                "is none, if sizes differ, for an infinite level, and for a duration of 0 or less"),
+            in("pnlt", "The levels by record, NaN for none", Quantity{"TPNdB"}),
+            in("seconds", "How long a record lasts: one value for all, or one each",
+               Quantity{"s", 0}),
+            optionally("toneCorrections", "The tone corrections by record", kToneDecibels))
+        .function("setMetrics", &setMetrics,
+                  about("Computes and stores the ten metrics of every record and returns the "
+                        "event; nothing if no record has a PNLT. Raises if consecutive records "
+                        "have the same stamp, or a level is too high for a metric"),
+                  history, map)
         .function("auditMetrics", &auditMetrics,
-                  about("Every stored metric that differs from the computed one"), history, map,
+                  about("Every stored metric that differs from the computed one; raises as "
+                        "setMetrics, and for a negative tolerance"),
+                  history, map,
                   in("tolerance", "Levels differ if further apart than this", Quantity{"dB", 0}))
         .function("speedOfSound", &speedOfSound,
-                  about("The speed of sound in air (ISO 9613-1)", Quantity{"m/s", 0}), kAir)
+                  about("The speed of sound in air (ISO 9613-1); raises at or below -273.15 "
+                        "degrees Celsius",
+                        Quantity{"m/s", 0}),
+                  kAir)
         .function("emissionGeometry", &emissionGeometry,
-                  about("Where and when the sound of each record was emitted: metres, degrees and "
-                        "seconds"),
+                  about("Where and when the sound of each record was emitted, in metres, degrees "
+                        "and seconds; raises for a position earlier than the previous one, a "
+                        "coordinate that is not finite, and as speedOfSound"),
                   in("positions", "The source's positions, in metres"),
                   in("microphone", "The microphone's position, in metres"),
                   in("records", "The records that were measured"), kAir);

@@ -34,9 +34,9 @@ struct Description<AQ_Metric> {
                   "The last good band: 0 when no band from 29 up is masked, 9999 when bands 28 and "
                   "29 both are",
                   kBand)
-        .property("INTEG", &M::INTEG, &M::INTEG, "The part of the record in the EPNL integration")
+        .property("INTEG", &M::INTEG, &M::INTEG, "The role of the record in the EPNL integration")
         .indexed("MetricValue", &M::MetricValue, &M::MetricValue, in("aqMetric", "Which metric"),
-                 "Any metric by its type", kOfTheMetric);
+                 "Any metric by its type; one that was never set reads as 0", kOfTheMetric);
   }
 };
 
@@ -70,7 +70,7 @@ struct Description<AQ_Spectrum> {
   template <class To>
   static void members(To& to) {
     using S = AQ_Spectrum;
-    to.method("Copy", &S::Copy, "A deep copy; a band of the range without a level raises")
+    to.method("Copy", &S::Copy, "A deep copy; raises if a band of the range has no level")
         .indexed("SPL", &S::SPL, &S::SPL, in("nBand", "The band", kBand),
                  "The level of a band; reading a band without one raises", kDecibels)
         .property("LowBand", &S::LowBand, "The lowest band ever stored; 9999 if there is none",
@@ -99,7 +99,7 @@ struct Description<AQ_Band> {
   template <class To>
   static void members(To& to) {
     using B = AQ_Band;
-    to.method("Copy", &B::Copy, "Gives no object for an empty band; raises for any other")
+    to.method("Copy", &B::Copy, "Returns no object for an empty band; raises for any other")
         .indexed("SPL", &B::SPL, &B::SPL, in("nSpectrum", "The spectrum's number", kRecord),
                  "The level of a spectrum number; reading a missing one raises", kDecibels)
         .property("Count", &B::Count, "Number of stored levels", kRecords)
@@ -123,7 +123,8 @@ struct Description<AQ_SpectralTimeHistory> {
               in("LoRec", "The first record", kRecord), in("HiRec", "The last record", kRecord),
               in("loBand", "The lowest band", kBand), in("hiBand", "The highest band", kBand))
         .method("Resize", &H::Resize,
-                "A new history that shares these spectra; no object if any is missing",
+                "A new history that shares these spectra; no object if the range exceeds this "
+                "history's, and raises if a record in it is missing",
                 in("LoRec", "The first record", kRecord), in("HiRec", "The last record", kRecord))
         .form("sAveragingMethod", &H::sAveragingMethod, &H::sAveragingMethod,
               "AverageMethod as LINEAR, TRUSLO, 4S100, 4S95, CONTEXPO or NA; other text changes "
@@ -133,31 +134,37 @@ struct Description<AQ_SpectralTimeHistory> {
               "never changes it")
         .form("sTimeStampType", &H::sTimeStampType, &H::sTimeStampType,
               "TimeStampType as START, MIDPT, END, ICAOSLO or OLDSLO; other text changes nothing")
-        .property("Count", &H::Count, "The number of spectra", kCount)
+        .property("Count", &H::Count, "The number of spectra; above 32767 it raises", kCount)
         .method("EncompassesMask", &H::EncompassesMask,
-                "Whether the map has as many records and no band that the history lacks",
+                "Whether the map has as many records and no band that the history lacks; raises if "
+                "a record or row from 1 to Count is missing",
                 in("MapMask", "The masking map"))
         .setter("setLGB", &H::setLGB,
-                "Sets the metric LGB of each spectrum from the map's row of the same number",
+                "Sets the metric LGB of each spectrum from the map's row of the same number; "
+                "raises at a missing record or row, after setting those before it",
                 in("MapMask", "The masking map"))
         .property("TimeStampType", &H::TimeStampType, &H::TimeStampType,
                   "Which instant of a record its time stamp names")
-        .method(
-            "setTimeStamps", &H::setTimeStamps,
-            "Stamps every record, half a second each, and sets its time relative to the reference",
-            in("startTime", "The time of the first record"),
-            in("StartTimeType", "Which instant of a record its stamp names"),
-            in("RefTime", "The reference time"), in("RefType", "Which event that marks"))
+        .method("setTimeStamps", &H::setTimeStamps,
+                "Stamps every record, half a second each, and sets its time relative to the "
+                "reference; raises at a missing record, after stamping those before it",
+                in("startTime", "The time of the first record"),
+                in("StartTimeType", "Which instant of a record its stamp names"),
+                in("RefTime", "The reference time"), in("RefType", "Which event that marks"))
         .indexed("spectrum", &H::spectrum, &H::spectrum, in("nRecord", "The record", kRecord),
                  "The spectrum of a record, shared; reading a missing one raises")
         .property("ReferenceTime", &H::ReferenceTime, &H::ReferenceTime, "The reference time")
-        .method("Copy", &H::Copy, "A deep copy")
+        .method("Copy", &H::Copy,
+                "A deep copy; raises if a record of the range or a level is missing")
         .indexed("Band", &H::Band,
                  static_cast<void (H::*)(std::int16_t, const std::shared_ptr<AQ_Band>&)>(&H::Band),
                  in("nBand", "The band", kBand),
-                 "The levels of one band over all records; no object if a record lacks it")
+                 "The levels of one band over all records; no object if a record lacks it. Setting "
+                 "stops without an error at the first record that is missing or has no level in "
+                 "the given band")
         .method("setRelTimes", &H::setRelTimes,
-                "Shares the reference time and sets every record's relative time",
+                "Shares the reference time and sets every record's relative time; raises as "
+                "setTimeStamps",
                 in("ReferenceTime", "The reference time"), in("RefType", "Which event that marks"))
         .property("startTime", &H::startTime, &H::startTime, "The time of the first record")
         .property("AverageMethod", &H::AverageMethod, &H::AverageMethod,
@@ -184,10 +191,11 @@ struct Description<SpectralFunctions> {
   static void members(To& to) {
     to.function(
         "maskByAmbient", &maskByAmbient,
-        about("The masking map of a history by an ambient spectrum; raises unless records are "
-              "numbered from 1 without gaps and the ambient has their bands"),
+        about("The masking map of a history from the spectrum of the ambient; raises unless "
+              "records are numbered from 1 without gaps, the ambient has a valid level in each of "
+              "their bands, and the margin is 0 or more"),
         in("history", "The levels to mask"), in("ambient", "The levels of the ambient"),
-        in("margin", "Levels less than this above the ambient are masked", kDecibels));
+        in("margin", "Levels less than this above the ambient are masked", Quantity{"dB", 0}));
   }
 };
 

@@ -36,13 +36,14 @@ std::optional<int> bandAt(double frequency) {
   return static_cast<int>(band);
 }
 
-/// The edges of bins: half-way between their centres; the outer ones as far as the inner ones.
+/// The edges of bins: half-way between centres; the outer edges are as far from the centre as the
+/// inner ones.
 std::vector<double> edgesOf(std::span<const double> x) {
   std::vector<double> edges(x.size() + 1);
   for (std::size_t i = 1; i < x.size(); ++i) {
     edges[i] = (x[i - 1] + x[i]) / 2;
     if (!(x[i - 1] < x[i])) {
-      failRead(0, 0, "frequencies that rise",
+      failRead(0, 0, "ascending frequencies",
                shownNumber(x[i - 1]) + " before " + shownNumber(x[i]));
     }
   }
@@ -65,7 +66,7 @@ BandPlan BandPlan::ofOctaves(std::span<const double> x) {
                shownNumber(x[point]));
     }
     if (*band <= before) {
-      failRead(0, 0, "bands that rise", std::to_string(*band) + " after " + std::to_string(before));
+      failRead(0, 0, "ascending bands", std::to_string(*band) + " after " + std::to_string(before));
     }
     before = *band;
     if (isHeld(*band))
@@ -101,7 +102,7 @@ BandPlan BandPlan::ofBins(std::span<const double> x, std::size_t start, std::siz
     }
   }
   if (plan.parts_.empty()) {
-    failRead(0, 0, "a band from 2 to 50 that its bins cover, three of them at least", "none");
+    failRead(0, 0, "a band from 2 to 50 that at least three bins cover completely", "none");
   }
   return plan;
 }

@@ -22,7 +22,7 @@ namespace {
 
 using Names = std::shared_ptr<Collection<std::string>>;
 
-/// Names in an order that ignores case; names that differ only in case, by their bytes.
+/// Orders names without regard to case; names that differ only in case, by their bytes.
 void sort(std::vector<std::string>& names) {
   std::sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
     return std::pair(upperCased(a), std::string_view(a)) <
@@ -41,8 +41,8 @@ bool isRecording(const std::string& path) {
   }
 }
 
-/// The data header that an external converter is to print, from 1: the one that we use, or the
-/// first one of a recording that only the converter understands.
+/// The data header that the external converter should print, from 1: the one that levels come from,
+/// or the first one if only the converter understands the recording.
 std::size_t headerToPrint(const std::string& path) {
   try {
     const auto recording = sdf::Recording::fromFile(path);
@@ -129,14 +129,14 @@ void AQ_DataHP3565::take(const sdf::Recording& recording, const std::string& nam
 
 void AQ_DataHP3565::RecordLength(double seconds) {
   if (!(seconds > 0) || !std::isfinite(seconds)) {
-    throw Error(ErrorCode::InvalidValue, "a record length has to be above 0 s");
+    throw Error(ErrorCode::InvalidValue, "the record length must be above 0 s");
   }
   recordLength_ = seconds;
 }
 
 void AQ_DataHP3565::CalAdj(double decibels) {
   if (!std::isfinite(decibels)) {
-    throw Error(ErrorCode::InvalidValue, "a calibration has to be a finite number of decibels");
+    throw Error(ErrorCode::InvalidValue, "the calibration must be a finite number of decibels");
   }
   calibration_ = decibels;
 }

@@ -97,8 +97,8 @@ std::int32_t recordFrom(std::string_view text) {
   return plain.length == text.size() && plain.length != 0 ? plain.value : int32From(text);
 }
 
-/// The levels of one record; a band without a level is a gap between others, or is left out at an
-/// end.
+/// The levels of one record. A band without a level is a gap between others; at either end it is
+/// left out.
 class LevelRow {
  public:
   LevelRow(std::int16_t low, std::int16_t high)
@@ -141,7 +141,7 @@ class LevelRow {
   std::vector<std::optional<double>> levels_;
 };
 
-/// The date of each record: advances by a day where the time of day falls back.
+/// The date of each record, which advances when the time of day falls back.
 class RecordDates {
  public:
   explicit RecordDates(double date) : date_(date) {}
@@ -238,7 +238,7 @@ void AQ_DataSPC::header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHisto
 void AQ_DataSPC::RecordLength(const Variant& seconds) {
   const double length = seconds.toDouble();
   if (!(length > 0 && length < 1000)) {
-    throw Error(ErrorCode::InvalidValue, "a record length is above 0 and below 1000 s");
+    throw Error(ErrorCode::InvalidValue, "the record length must be above 0 and below 1000 s");
   }
   settings_.recordLength = length;
 }
@@ -253,7 +253,7 @@ AQ_DataSPC::Settings AQ_DataSPC::chosen(const AQ_SpectralTimeHistory& history) c
     if (!first) first = record;
     last = record;
   }
-  if (!first) throw Error(ErrorCode::InvalidArgument, "a history without records");
+  if (!first) throw Error(ErrorCode::InvalidArgument, "the history has no records");
   if (chosen.first == 0) chosen.first = *first;
   if (chosen.last == 0) chosen.last = last;
   std::int16_t low = kHighestBand + 1;
@@ -266,7 +266,7 @@ AQ_DataSPC::Settings AQ_DataSPC::chosen(const AQ_SpectralTimeHistory& history) c
     high = std::max(high, spectrum.HighBand());
   }
   if (low > high && (chosen.low == 0 || chosen.high == 0)) {
-    throw Error(ErrorCode::InvalidValue, "no level, and no settings say which bands are written");
+    throw Error(ErrorCode::InvalidValue, "no levels, and no settings for the bands to write");
   }
   if (chosen.low == 0) chosen.low = low;
   if (chosen.high == 0) chosen.high = high;

@@ -93,6 +93,9 @@ AQ_DataMessage AQ_DataSTH::writeFile(const std::string& sFileName,
     orThrow(header_).sFileName = name;
     const std::int32_t low = aqTimeHistory.LoRec();
     const std::int32_t high = aqTimeHistory.HiRec();
+    if (aqTimeHistory.begin() == aqTimeHistory.end()) {
+      throw Error(ErrorCode::InvalidArgument, "the history has no records");
+    }
     const auto record = [&](std::int32_t number) -> AQ_Spectrum& {
       return orThrow(aqTimeHistory.spectrum(static_cast<std::int16_t>(number)));
     };

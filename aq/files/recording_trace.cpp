@@ -62,7 +62,7 @@ const Record* vectorOf(const Recording& recording, const TraceSet& set, std::siz
   return numbered(vectors, set.header, first < 0 ? first : number, "vectors");
 }
 
-/// The amplitude factor by which power data of narrow bands falls short of the power of a noise.
+/// The window's correction of amplitudes for narrow-band power data of noise.
 double windowFactor(const Record& channel) {
   const Record window = channel.part(kChannel["window"]);
   const double wide = window.real(kWindow["wideBandCorr"]);
@@ -71,7 +71,7 @@ double windowFactor(const Record& channel) {
   return applied == kNarrow ? wide / window.real(kWindow["narrowBandCorr"]) : wide;
 }
 
-/// The contribution of a channel to the correction of a trace.
+/// The factor that a channel contributes to the correction of a trace.
 double factorOf(const Record& channel, double power, bool narrow) {
   constexpr double kWholePower = 48;
   const double internal = channel.real(kChannel["int2engrUnit"]);
@@ -88,7 +88,7 @@ std::string textOf(double number) {
 void requireRealData(const TraceSet& set) {
   if (set.header.integer(kData["yIsComplex"]) != 0) set.header.fail("real data", "complex data");
   if (set.valuesOfPoint != 1) {
-    set.header.fail("one value a point", std::to_string(set.valuesOfPoint));
+    set.header.fail("one value per point", std::to_string(set.valuesOfPoint));
   }
 }
 

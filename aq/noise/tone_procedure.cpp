@@ -56,8 +56,8 @@ void ToneProcedure<Number>::adjustLevels(std::size_t count) {
     const Number below = level[i - 1];
     const Number replacement =
         i + 1 < count ? Number((below + level[i + 1]) / 2.0) : Number(below + slope[i - 1]);
-    // A rise that bends by more than the limit takes the level out: up below it, or down above it
-    // into a fall.
+    // A level is removed if the slope up to it is positive, and either this slope is marked for
+    // increasing, or the next one is marked for decreasing and is 0 or negative.
     const auto rises = slope[i] > 0.0;
     const auto bendsUp = slopeChange(i) > kMarkedSlopeChange;
     const auto bendsDown = slopeChange(i + 1) < -kMarkedSlopeChange;

@@ -1,6 +1,7 @@
 #include "aq/spectral/ambient_masking.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 #include <utility>
 
@@ -20,7 +21,7 @@ double ambientLevel(const AQ_Spectrum& ambient, std::int16_t band) {
       "expected a level of the ambient in band " + std::to_string(band) + ", found ";
   if (!ambient.contains(band)) throw Error(ErrorCode::InvalidValue, expected + "none");
   const double level = ambient.SPL(band).toDouble();
-  // It would mask its band in every record.
+  // 9999 would mask its band in every record.
   if (level == kInvalidLevel) throw Error(ErrorCode::InvalidValue, expected + "9999");
   return level;
 }
@@ -42,6 +43,11 @@ std::shared_ptr<AQ_MaskRow> maskedRow(const AQ_Spectrum& spectrum, const AQ_Spec
 
 std::shared_ptr<AQ_MaskMap> maskByAmbient(const AQ_SpectralTimeHistory& history,
                                           const AQ_Spectrum& ambient, double margin) {
+  // A negative margin would leave levels below the ambient unmasked.
+  if (!std::isfinite(margin) || margin < 0) {
+    throw Error(ErrorCode::InvalidValue,
+                "expected a margin from 0 dB up, found " + std::to_string(margin));
+  }
   auto map = std::make_shared<AQ_MaskMap>();
   const std::int32_t count = std::max<std::int32_t>(1, history.Count());
   for (std::int32_t number = 1; number <= count; ++number) {

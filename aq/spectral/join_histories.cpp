@@ -17,7 +17,7 @@ namespace {
   throw Error(ErrorCode::InvalidArgument, why);
 }
 
-/// What a piece has at its ends.
+/// The first and last record of a piece.
 struct RunPiece {
   std::int32_t first = 0;
   std::int32_t last = 0;
@@ -75,14 +75,15 @@ void expectOneMeasurement(AQ_SpectralTimeHistory& before, AQ_SpectralTimeHistory
   }
 }
 
-/// Seconds from a record to the next, the same in both pieces; half a second where each has one.
+/// Seconds from one record to the next, which must be the same in both pieces; half a second if
+/// each has a single record.
 double stepOf(const RunPiece& before, const RunPiece& after) {
   constexpr double kHalfSecond = 0.5;
   constexpr double kRounding = 0.005;  // stamps are written to hundredths of a second
   const double step = before.step().value_or(after.step().value_or(kHalfSecond));
-  if (!(step > 0)) refusePieces("the records of a piece have no times that rise");
+  if (!(step > 0)) refusePieces("the times of the records of a piece do not ascend");
   if (std::abs(after.step().value_or(step) - step) > kRounding) {
-    refusePieces("the pieces have records of different lengths");
+    refusePieces("the pieces have different record lengths");
   }
   return step;
 }
@@ -96,12 +97,12 @@ std::int32_t missingBetween(const RunPiece& before, const RunPiece& after) {
     refusePieces("the second piece begins before the first one ends");
   }
   if (std::abs(gap - std::round(gap)) > kPartOfARecord) {
-    refusePieces("the gap between the pieces is no whole number of records");
+    refusePieces("the gap between the pieces is not a whole number of records");
   }
   return static_cast<std::int32_t>(std::lround(gap));
 }
 
-/// A record of levels that are not valid, so many seconds after another.
+/// A record of levels that are not valid, some seconds after another.
 std::shared_ptr<AQ_Spectrum> invalidAfter(AQ_Spectrum& last, double seconds) {
   auto spectrum = std::make_shared<AQ_Spectrum>();
   const auto bands = static_cast<std::size_t>(last.HighBand() - last.LowBand()) + 1;
@@ -130,7 +131,7 @@ std::shared_ptr<AQ_SpectralTimeHistory> joinHistories(AQ_SpectralTimeHistory& be
   const RunPiece other(after);
   const std::int32_t moved = one.last + gap + 1 - other.first;
   if (other.last + moved > std::numeric_limits<std::int16_t>::max()) {
-    throw Error(ErrorCode::Overflow, "the pieces have more records than there are numbers");
+    throw Error(ErrorCode::Overflow, "the pieces have more records than 16-bit numbers allow");
   }
   auto whole = std::make_shared<AQ_SpectralTimeHistory>();
   const auto store = [&](std::int32_t number, std::shared_ptr<AQ_Spectrum> spectrum) {

@@ -76,7 +76,7 @@ bool isHalfway(double level) { return std::fmod(std::abs(level) * 8, 2) == 1; }
 /// Appends any finite level, by its exact decimal expansion.
 void appendExactly(std::string& text, double level) {
   if (!std::isfinite(level)) {
-    throw Error(ErrorCode::InvalidValue, "a level that is no finite number has no text");
+    throw Error(ErrorCode::InvalidValue, "a level that is not a finite number has no text");
   }
   const bool halfway = isHalfway(level);
   std::array<char, 400> buffer;  // a double in fixed notation, with room to spare

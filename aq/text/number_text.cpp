@@ -122,7 +122,7 @@ using Buffer = std::array<char, kLongest>;
 
 void requireFinite(double value) {
   if (!std::isfinite(value)) {
-    throw Error(ErrorCode::InvalidValue, "a value that is no finite number has no text");
+    throw Error(ErrorCode::InvalidValue, "a value that is not a finite number has no text");
   }
 }
 
@@ -305,7 +305,7 @@ void appendAllDigits(std::string& text, float value) { appendEveryDigit(text, va
 std::int64_t scaledBy(double value, double scale) {
   const double size = std::abs(value);
   const double below = std::floor(size * scale);
-  // The sign of the fused product shows what the product lost to rounding.
+  // The sign of the fused product shows which way the product was rounded.
   const bool up = std::fma(size, scale, -(below + 0.5)) >= 0;
   const auto whole = static_cast<std::int64_t>(below) + (up ? 1 : 0);
   return value < 0 ? -whole : whole;

@@ -24,7 +24,7 @@ s.SPL(25) = CInt(66)
 Check "types are kept", VarType(s.SPL(24)) = vbDouble And VarType(s.SPL(25)) = vbInteger
 Check "any object with bands", s.Encompasses(s)
 
-' Errors: number, text, nothing changed
+' Errors have a number and a text, and change nothing
 On Error Resume Next
 Dim n
 n = s.SPL(30): Expect "band without a level", 5, "band 30"

@@ -17,6 +17,7 @@ import pandas as pd
 from dask.diagnostics import ProgressBar
 
 from . import _core
+from .calls import path_text
 from .errors import Error, FileError
 from .files import read_quietly
 from .noise import metric_findings
@@ -57,7 +58,7 @@ def absolute(paths: Union[Path, Iterable[Path]]) -> list[str]:
     """Absolute paths, valid wherever a task runs, of a file or pattern or a list of them."""
     if not isinstance(paths, ONE_PATH):
         if not isinstance(paths, Iterable):
-            raise TypeError(f"expected a path, a pattern or a list, found {type(paths).__name__}")
+            raise TypeError(f"paths: expected a path, a pattern or a list, found {paths!r:.60}")
         names: Iterable[Any] = paths
         return [os.path.abspath(os.fsdecode(name)) for name in names]
     name = os.fsdecode(paths)  # a file name may look like a pattern
@@ -206,9 +207,9 @@ def scan(
     >>> found = aq_data.scan("season-7")
     >>> found[~found.ok]
     """
-    root = FolderPath(os.path.abspath(os.fsdecode(folder)))
+    root = FolderPath(os.path.abspath(path_text(folder, "folder")))
     if not root.is_dir():
-        raise NotADirectoryError(errno.ENOTDIR, "expected a folder, found", str(root))
+        raise NotADirectoryError(errno.ENOTDIR, "not a folder", str(root))
     paths = sorted(str(path) for path in root.glob(pattern) if path.is_file())
     shown = sys.stderr.isatty() if progress is None else progress
     rows = in_threads(_row, paths, shown)

@@ -7,6 +7,7 @@ that everything survives a netCDF file too.
 from __future__ import annotations
 
 import json
+from numbers import Integral
 from typing import Any, Callable, TypeVar
 
 import numpy as np
@@ -20,13 +21,13 @@ from .times import OWN, clock, going_on
 
 Function = TypeVar("Function", bound=Callable[..., Any])
 
-# By the word for what they describe; kinds without a header of their own are written without one.
+# By the word for their content; kinds without a header of their own are written without one.
 HEADERS: dict[str, Any] = {
     f.word: f.header for f in FORMATS.values() if f.header is not None and f.word != "recording"
 }
 KINDS = (None, "emission", "parameters", *HEADERS)
-# Words of a header as attributes for people, by the fields that headers have for them. Two are names
-# that the CF conventions give: title and source.
+# Words of a header as attributes for people, by the fields that headers have for them. Two are
+# names that the CF conventions give: title and source.
 _WORDS: dict[str, tuple[str, ...]] = {
     "title": ("sProjectName", "ProjectName"),
     "source": ("sGeneratedBy", "GeneratedBy"),
@@ -176,7 +177,7 @@ def attributes(
     """
     for given, its_kind in ((header, kind), (mask_header, "map")):
         if given is not None:
-            expect(given, HEADERS[its_kind])
+            expect(given, HEADERS[its_kind], "header")
     all_of_it = {"kind": kind, "header": plain(header), "settings": plain(settings)}
     all_of_it.update(mask_header=plain(mask_header), first=first)
     words = _readable(kind, header, settings, mask_header)
@@ -215,9 +216,12 @@ def kept(ds: xr.Dataset) -> dict[str, Any]:
     return values
 
 
-def expect(value: Any, cls: type) -> None:
+def expect(value: Any, cls: type, name: str = "") -> None:
+    """Raises `TypeError` with the name of the argument for an object of another class."""
     if not isinstance(value, cls):
-        raise TypeError(f"expected {cls.__name__}, found {type(value).__name__}")
+        place = f"{name}: " if name else ""
+        wanted = "a whole number" if cls is Integral else cls.__name__
+        raise TypeError(f"{place}expected {wanted}, found {type(value).__name__}")
 
 
 def need(ds: Any, *names: str) -> None:
@@ -300,8 +304,8 @@ def _own_times(name: str, dim: str, own: Any, seconds: Any) -> dict[str, xr.Vari
 
 
 def table_variables(table: Any, columns: Any, dim: str, unit: str = "m") -> dict[str, xr.Variable]:
-    """The columns of a table of the library, in the units and words of datasets; omits dates if no
-    record has one.
+    """The columns of a library table with the units and names of datasets; omits dates if no record
+    has one.
     """
     made: dict[str, xr.Variable] = {}
     for column, name, units, long_name in columns:

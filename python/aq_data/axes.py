@@ -24,7 +24,7 @@ _TIMES = {
 def axes(ax: Optional[Axes]) -> Axes:
     """The given axes, or new ones."""
     if ax is not None:
-        expect(ax, Axes)
+        expect(ax, Axes, "ax")
     return plt.subplots(figsize=(8, 4.5), layout="constrained")[1] if ax is None else ax
 
 

@@ -5,6 +5,8 @@ from __future__ import annotations
 import errno
 import os
 
+from . import _core
+
 
 class Error(Exception):
     """A fault that the data model reports; `code` is its `ErrorCode`, `None` for a file's."""
@@ -54,8 +56,10 @@ class FileError(Error):
         found: str,
         partial: tuple[object, ...] = (),
     ) -> None:
-        place = (f", line {line}" if line else "") + (f", field {field}" if field else "")
-        self.message = f"{file}{place}: expected {expected}, found {found}"
+        failure = _core.FileFailure()
+        failure.file, failure.line, failure.field = file, line, field
+        failure.expected, failure.found = expected, found
+        self.message = failure.message()
         super().__init__(self.message)
         self.args = (file, line, field, expected, found, partial)  # what a pickle restores it from
         self.file, self.line, self.field = file, line, field

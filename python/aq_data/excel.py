@@ -1,13 +1,13 @@
-"""The workbooks that `aqdata convert` writes, read back."""
+"""Reads the workbooks that `aqdata convert` writes."""
 
 from __future__ import annotations
 
-import os
 from typing import Any, Iterator
 
 import numpy as np
 
 from . import _core
+from .calls import path_text
 from .errors import FileError
 from .objects import as_time
 from .reading import Path, Reading
@@ -33,7 +33,7 @@ _NO_MASK = ".."
 
 
 def _date(text: str) -> _core.AQ_Time:
-    """Of `mm/dd/yyyy hh:mm:ss`; midnight may lack its time."""
+    """Parses `mm/dd/yyyy hh:mm:ss`; midnight may lack the time."""
     day, _, clock = text.partition(" ")
     month, number, year = map(int, day.split("/"))
     time = as_time(clock or "00:00:00")
@@ -71,8 +71,9 @@ def _number(value: Any) -> float:
 
 
 def _stamp(text: Any, seconds: float) -> float:
-    """Of the text as files have it; of a time late in its second, which has the next one's, of the
-    seconds."""
+    """Parses the text of a file; a time late in its second, whose text is that of the next second,
+    is taken from its seconds.
+    """
     own = as_time(str(text)).TODseconds if text else seconds
     return own if abs(own - seconds) < 0.006 else seconds
 
@@ -116,7 +117,7 @@ def _mask_row(low: int, last_good_band: Any, letters: str) -> _core.AQ_MaskRow:
 
 
 def _sheets(path: str) -> Iterator[tuple[str, list[tuple[Any, ...]]]]:
-    import openpyxl  # not every job has workbooks
+    import openpyxl  # most jobs need no workbooks
     from openpyxl.utils.exceptions import InvalidFileException
 
     with open(path, "rb") as file:
@@ -132,13 +133,12 @@ def read_excel(path: Path) -> dict[str, Run]:
     """The runs of a workbook that `aqdata convert FILES -o BOOK.xlsx` wrote, by the names of their
     sheets: `(history, mask, geometry)`, each with its header, `geometry` always None.
 
-    Raises `FileError` for a file that is no such workbook. Metrics are not taken: they follow from
-    the levels.
+    Raises `FileError` for any other file. Does not read metrics, which follow from the levels.
 
     >>> for name, run in aq_data.read_excel("season.xlsx").items():
     ...     aq_data.write(run.history, f"{name}.sth.csv")
     """
-    name = os.fsdecode(path)
+    name = path_text(path)
     sheets = dict(_sheets(name))
     if "Runs" not in sheets or "Headers" not in sheets:
         raise FileError(name, 0, 0, "the sheets Runs and Headers", ", ".join(sheets))

@@ -12,6 +12,7 @@ import numpy as np
 
 from . import _core
 from ._core import FileKind
+from .calls import path_text
 from .errors import FileError
 from .formats import FORMATS, format_for
 from .reading import Path, Reading, Tracking
@@ -53,7 +54,7 @@ def read_sdf(path: Path) -> dict[str, Any]:
     >>> recording = aq_data.read_sdf("TRACE1.DAT")
     >>> recording["SDF_DATA_HDR"][0]["dataTitle"], recording["traces"][0]["y"].shape
     """
-    name = os.fsdecode(path)
+    name = path_text(path)
     with open(name, "rb"):  # raises the system's own error if it cannot be opened
         pass
     content: Any = _core._readRecording(name)
@@ -81,7 +82,7 @@ _TABLES = (_core.AQ_SpectralTimeHistory, _core.AQ_MaskMap, _core.AQ_Spectrum)
 
 
 def _beginning(name: str) -> str:
-    """The start of a file of unknown kind, in the tool's words."""
+    """The start of a file of unknown kind, as the tool would put it."""
     with open(name, "rb") as file:  # raises the system's own error if it cannot be opened
         line = file.readline(400).rstrip(b"\r\n")
     if not line:
@@ -169,7 +170,7 @@ def read_quietly(
     path: Path, wanted: Optional[type[Any]] = None, others: Optional[list[Any]] = None
 ) -> AnyReading:
     """As `read`, but without warnings; puts their content into `others`."""
-    name = os.fsdecode(path)
+    name = path_text(path)
     kind = _core.kindOfFile(name)
     if kind == FileKind.Unknown:
         raise FileError(name, 0, 0, "the title of a kind that is known", _beginning(name))
@@ -230,7 +231,7 @@ def write(obj: Any, path: Path, header: Any = None, exist_ok: bool = True) -> No
 
     >>> aq_data.write((header, history), "mended.sth.csv", exist_ok=False)
     """
-    path = os.fsdecode(path)
+    path = path_text(path)
     if isinstance(obj, tuple):
         if isinstance(obj, Tracking) or len(obj) != 2:
             raise TypeError(f"expected (header, object), found {type(obj).__name__} of {len(obj)}")

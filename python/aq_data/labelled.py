@@ -126,7 +126,7 @@ def check_unit(unit: str) -> str:
 
 def check_map(history: _core.AQ_SpectralTimeHistory, mask: _core.AQ_MaskMap) -> None:
     """Rejects a map whose records or bands are not those of the history."""
-    expect(mask, _core.AQ_MaskMap)
+    expect(mask, _core.AQ_MaskMap, "mask")
     if not np.array_equal(mask.records, history.records):
         raise ValueError(
             f"expected a map of the history's {len(history)} records, found {len(mask)} rows"
@@ -134,7 +134,7 @@ def check_map(history: _core.AQ_SpectralTimeHistory, mask: _core.AQ_MaskMap) -> 
         )
     own, narrow = history.bands, mask.bands  # each from a lowest to a highest
     if narrow.size and not (own.size and own[0] <= narrow[0] and narrow[-1] <= own[-1]):
-        raise ValueError("expected a map of the history's bands, found more of them")
+        raise ValueError("expected a map of the history's bands, found other bands")
 
 
 def _mask_beside(history: _core.AQ_SpectralTimeHistory, mask: _core.AQ_MaskMap) -> dict[str, Any]:

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+from numbers import Integral
 from typing import Any, Iterator, NamedTuple, Optional, Union
 
 import dask
@@ -37,9 +38,9 @@ def _pair(history: History, mask: Optional[_core.AQ_MaskMap]) -> tuple[Any, Any]
     if isinstance(history, xr.Dataset):
         own, own_mask = measurement(history)
         return own.data, own_mask.data if mask is None and own_mask is not None else mask
-    expect(history, _core.AQ_SpectralTimeHistory)
+    expect(history, _core.AQ_SpectralTimeHistory, "history")
     if mask is not None:
-        expect(mask, _core.AQ_MaskMap)
+        expect(mask, _core.AQ_MaskMap, "mask")
     return history, mask
 
 
@@ -128,8 +129,7 @@ def explain(
     spectrum: Any = history
     row: Any = None
     if not isinstance(history, _core.AQ_Spectrum):
-        if record is None:
-            raise TypeError("expected the number of a record to explain")
+        expect(record, Integral, "record")
         own, own_mask = _pair(history, mask)
         if record not in own.records:
             raise ValueError(f"expected a record of the history, found {record}")
@@ -163,7 +163,7 @@ def audit(
     return frame.astype({"record": "int16", "stored": float, "computed": float})
 
 
-_core.FINDING_KINDS["metric"] = "a stored metric is not what the levels give"
+_core.FINDING_KINDS["metric"] = "a stored metric differs from the computed one"
 
 
 def metric_findings(path: str) -> list[tuple[Any, ...]]:
@@ -203,18 +203,18 @@ def emission_geometry(
     >>> geometry = aq_data.emission_geometry(positions, microphone, history, 18.5)
     >>> geometry.to_xarray().slant_range
     """
-    expect(positions, _core.AQ_PositionTimeHistory)
+    expect(positions, _core.AQ_PositionTimeHistory, "positions")
     own, _ = _pair(history, None)
     place: Any = microphone
     if isinstance(microphone, _core.AQ_Microphone):
         place = _core.AQ_Position()
         place.X, place.Y = microphone.X, microphone.Y
         place.Z = microphone.Z + microphone.Height
-    expect(place, _core.AQ_Position)
+    expect(place, _core.AQ_Position, "microphone")
     return _core.emissionGeometry(positions, place, own, celsius)
 
 
-# Datasets, lazy ones of many files too.
+# Datasets, including lazy ones of many files.
 
 
 class _Measured(NamedTuple):

@@ -15,6 +15,7 @@ import xarray as xr
 
 from . import _core
 from .attributes import attach, attributes, plain, variable
+from .calls import WORDS
 from .errors import Error, MismatchError
 from .labelled import MICROPHONE, PARAMETERS, check_unit
 from .times import DAY, going_on
@@ -53,7 +54,8 @@ def _taken(cls: type, name: str) -> str:
     members = getattr(getattr(_core, kind, None), "__members__", None)
     if members:
         return f"a member of {kind} ({', '.join(members)})"
-    return "an AQ_Time, a datetime.time or text hh:mm:ss" if kind == "AQ_Time" else kind
+    clock = "an AQ_Time, a datetime.time or text hh:mm:ss"
+    return clock if kind == "AQ_Time" else WORDS.get(kind, kind)
 
 
 def _set(self: Any, name: str, value: Any) -> None:
@@ -79,7 +81,7 @@ def _checked_setting(view: type) -> None:
     place = "AQ_" + ".".join(view.__name__[1:].rsplit("_", 1))
     found = re.search(r"value: ([^)]*)\)", method.__doc__ or "")
     taken = found[1].rpartition(".")[2] if found else "another value"
-    wanted = "a number, a date, text or None" if taken == "Value" else taken
+    wanted = WORDS.get(taken, taken)
 
     def setitem(self: Any, number: int, value: Any) -> None:
         try:

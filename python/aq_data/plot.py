@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+from numbers import Integral
 from typing import Any, Optional, Union
 
 import matplotlib
@@ -37,8 +38,8 @@ NO_BAND_IS_GOOD = int(_core.AQ_CONSTANTS.AQ_INVALID_LEVEL)
 
 
 def _last_good_band(ds: xr.Dataset) -> tuple[Any, bool]:
-    """The upper edge of the last good band of each record, inside the drawn bands, and whether a
-    record has none: then it is the lower edge of the picture.
+    """The upper edge of the last good band of each record, within the drawn bands, and whether a
+    record has none; the edge is then that of the picture.
     """
     low, high = ds["band"].values[[0, -1]]
     last = ds["last_good_band"].values.astype(float)
@@ -88,13 +89,15 @@ def spectrum(
     ambient: Union[xr.Dataset, _core.AQ_Spectrum, None] = None,
     ax: Optional[Axes] = None,
 ) -> Axes:
-    """The levels of one record, in dB by band, masked ones hollow, with the ambient, a spectrum.
+    """The levels of one record, in dB by band, masked ones hollow, with the spectrum of the
+    ambient.
 
     Raises `ValueError` for a record that the history lacks.
 
     >>> aq_data.plot.spectrum(ds, 30, ambient)
     """
     ds, ax = history_of(history).sortby("band"), axes(ax)
+    expect(record, Integral, "record")
     places = np.flatnonzero(ds["record"].values == record)
     if len(places) == 0:
         raise ValueError(f"expected a record of the history, found {record}")
@@ -108,7 +111,7 @@ def spectrum(
         floor = dataset_of(ambient, "level", "band")
         if floor["level"].dims != ("band",):
             raise ValueError(
-                "expected the ambient as one spectrum, found levels over more than band"
+                "expected one spectrum as the ambient, found levels over other dimensions than band"
             )
         finite(floor, "level", "levels of the ambient")
         ax.plot(floor["band"], floor.aq.level, "--", color=AMBIENT, label="ambient")
@@ -134,7 +137,7 @@ def tone(
     """The levels of one record and their background, from which the tone correction follows."""
     steps, ax = explain(history, record, mask), axes(ax)
     if steps.empty:
-        raise ValueError("expected levels that count from 80 Hz up, found none")
+        raise ValueError("expected valid levels from 80 Hz up, found none")
     label = "spectrum" if record is None else f"record {record}"
     ax.plot(steps.index, steps["level"], ".-", color=GOOD, label=label)
     ax.plot(steps.index, steps["background"], "--", color=AMBIENT, label="background")
@@ -237,7 +240,7 @@ def ground_track(
     unit = length_unit(unit, fixes[0], "x")
     _draw_fixes(ax, [ds["x"].values for ds in fixes], [ds["y"].values for ds in fixes])
     if microphone is not None:
-        expect(microphone, _core.AQ_Microphone)
+        expect(microphone, _core.AQ_Microphone, "microphone")
         ax.plot(
             microphone.X, microphone.Y, "^", color="black", ms=9, mfc="none", label="microphone"
         )

@@ -28,7 +28,7 @@ def _by_band(ds: xr.Dataset, name: str, *dims: str) -> tuple[xr.Dataset, int]:
     if not bands.size:
         return ds, 17
     if bands.dtype.kind not in "iuf" or bands[0] != bands[0] // 1 or (np.diff(bands) != 1).any():
-        raise ValueError(f"expected bands that follow each other, found {bands.tolist()}")
+        raise ValueError(f"expected consecutive bands, found {bands.tolist()}")
     return ds, int(bands[0])
 
 

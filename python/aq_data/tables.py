@@ -80,27 +80,27 @@ def series_to_pandas(self: Any) -> pd.DataFrame:
 
 
 def _wide(frame: pd.DataFrame, values: str) -> pd.DataFrame:
-    """A row a record and a column a band, of a wide or a tidy frame."""
+    """Turns a wide or tidy frame into one row per record and one column per band."""
     if "band" not in frame.columns:
         return frame.sort_index(axis="index").sort_index(axis="columns")
     if frame.duplicated(["record", "band"]).any():
-        raise ValueError("expected each record and band once")
+        raise ValueError("expected each record and band only once")
     return frame.pivot(index="record", columns="band", values=values)
 
 
 def _bands(wide: pd.DataFrame) -> int:
-    """The lowest band. Raises `ValueError` unless the columns are bands that follow each other."""
+    """The lowest band. Raises `ValueError` unless the columns are consecutive bands."""
     bands = wide.columns.to_numpy()
     if not bands.size or bands.dtype.kind not in "iu" or (np.diff(bands) != 1).any():
-        raise ValueError(f"expected bands that follow each other as columns, found {list(bands)}")
+        raise ValueError(f"expected consecutive bands as columns, found {list(bands)}")
     return int(bands[0])
 
 
 def _of_records(frame: pd.DataFrame, column: str, wide: pd.DataFrame) -> Any:
-    """What a tidy frame has once a record."""
+    """The values that a tidy frame has once per record."""
     first = frame.groupby("record")[column]
     if (first.nunique(dropna=False) > 1).any():
-        raise ValueError(f"expected one {column} a record, found several")
+        raise ValueError(f"expected one {column} per record, found several")
     return first.first().reindex(wide.index).to_numpy()
 
 
@@ -109,9 +109,9 @@ def _named(frame: pd.DataFrame, *names: str) -> Optional[str]:
 
 
 def history_from_pandas(frame: pd.DataFrame) -> _core.AQ_SpectralTimeHistory:
-    """A history of a frame as `to_pandas` gives them, wide or tidy, or as `aqdata convert` writes
-    tables. NaN is no level; a tidy frame has stamps in `time` or `time_s`, and relative times in
-    `relative_time` or `relative_s`. Raises `ValueError` for other frames.
+    """A history from a frame made by `to_pandas`, wide or tidy, or from a table of `aqdata
+    convert`. NaN means no level; a tidy frame has stamps in `time` or `time_s`, and relative times
+    in `relative_time` or `relative_s`. Raises `ValueError` for other frames.
 
     >>> aq_data.AQ_SpectralTimeHistory.from_pandas(history.to_pandas())
     """
@@ -138,8 +138,9 @@ def history_from_pandas(frame: pd.DataFrame) -> _core.AQ_SpectralTimeHistory:
 
 
 def map_from_pandas(frame: pd.DataFrame) -> _core.AQ_MaskMap:
-    """A masking map of a frame as `to_pandas` gives them, wide or tidy; a wide one has no adjustments,
-    and its last good bands are found from its masks. Raises `ValueError` for other frames.
+    """A masking map from a frame made by `to_pandas`, wide or tidy. A wide frame has no
+    adjustments, and the last good bands are computed from its masks. Raises `ValueError` for other
+    frames.
 
     >>> aq_data.AQ_MaskMap.from_pandas(mask.to_pandas(tidy=True))
     """
@@ -158,7 +159,7 @@ def map_from_pandas(frame: pd.DataFrame) -> _core.AQ_MaskMap:
 
 
 def spectrum_from_pandas(series: pd.Series) -> _core.AQ_Spectrum:
-    """A spectrum of levels by band number; NaN means no level.
+    """A spectrum from levels by band number; NaN means no level.
 
     >>> aq_data.AQ_Spectrum.from_pandas(history.to_pandas().loc[30])
     """
@@ -167,7 +168,7 @@ def spectrum_from_pandas(series: pd.Series) -> _core.AQ_Spectrum:
 
 
 def positions_from_pandas(frame: pd.DataFrame) -> _core.AQ_PositionTimeHistory:
-    """Positions of a frame as `to_pandas` gives them, or as `aqdata convert` writes tables.
+    """Positions from a frame made by `to_pandas`, or from a table of `aqdata convert`.
 
     >>> aq_data.AQ_PositionTimeHistory.from_pandas(track.positions.to_pandas())
     """
@@ -180,7 +181,7 @@ def positions_from_pandas(frame: pd.DataFrame) -> _core.AQ_PositionTimeHistory:
 
 
 def geometry_from_pandas(frame: pd.DataFrame) -> _core.AQ_GeometryTimeHistory:
-    """A geometry of a frame as `to_pandas` gives them.
+    """A geometry from a frame made by `to_pandas`.
 
     >>> aq_data.AQ_GeometryTimeHistory.from_pandas(geometry.to_pandas())
     """

@@ -1,4 +1,4 @@
-"""Cutting and joining measurements, and mending what other programs did to their files."""
+"""Cuts and joins measurements, and undoes what other programs did to their files."""
 
 from __future__ import annotations
 
@@ -32,7 +32,7 @@ _HALF_DAY = DAY / 2
 
 
 class Run(NamedTuple):
-    """A history and what belongs to it, each with its header, as `write` takes them."""
+    """A history with its map and geometry, each with its header, as `write` takes them."""
 
     history: HistoryReading
     mask: Optional[MapReading] = None
@@ -40,7 +40,7 @@ class Run(NamedTuple):
 
 
 def _reading(given: Any, cls: type) -> Reading[Any, Any]:
-    """A reading of one's own: its header may be changed."""
+    """A copy of the reading whose header may be changed."""
     if isinstance(given, (str, bytes, os.PathLike)):
         return read(given, cls)  # type: ignore[call-overload, no-any-return]
     if not isinstance(given, tuple) or len(given) != 2:
@@ -66,7 +66,7 @@ def _run(history: Any, mask: Any, geometry: Any) -> Run:
 
 def _commented(run: Run, line: str) -> Run:
     run.history.header.cCommentLines.Add(line)
-    if run.mask is not None:  # it fits the history that is made here, which has no name yet
+    if run.mask is not None:  # it fits the new history, which has no name yet
         run.mask.header.cCommentLines.Add(line)
         run.mask.header.sGenerationFile = ""
         run.mask.header.aqGenerationDateTime = _core.AQ_Time()
@@ -83,10 +83,11 @@ def chosen_records(
     between: Optional[Times],
     down: Optional[float],
 ) -> tuple[int, int, str]:
-    """First and last record, and what was asked for in words. Raises `ValueError` unless just one way
-    is given, and when it leaves no record."""
+    """First and last record, and the request in words. Raises `ValueError` unless exactly one way
+    of choosing is given, and if no record remains.
+    """
     if sum(each is not None for each in (records, between, down)) != 1:
-        raise ValueError("expected one of records, between and down, which says which records")
+        raise ValueError("expected exactly one of records, between and down")
     numbers = history.records
     if not numbers.size:
         raise ValueError("the history has no records")
@@ -109,7 +110,9 @@ def chosen_records(
 def _points(
     geometry: _core.AQ_GeometryTimeHistory, part: _core.AQ_SpectralTimeHistory
 ) -> _core.AQ_GeometryTimeHistory:
-    """The points of a history's records, by their times: a geometry need not begin with record 1."""
+    """The geometry points of a history's records, found by time: a geometry need not begin with
+    record 1.
+    """
     rounding = 0.006  # times are written to hundredths of a second
     stamps = part.times["TODseconds"]
     off = np.remainder(geometry.to_numpy()["Tm"] - stamps[0] + _HALF_DAY, DAY) - _HALF_DAY
@@ -137,17 +140,17 @@ def cut(
     down: Optional[float] = None,
     renumber: bool = False,
 ) -> Run:
-    """Some records of a history, with the rows of its map and the points of its geometry: `(history,
-    mask, geometry)`, each with its header.
+    """A range of records of a history, with the rows of its map and the points of its geometry:
+    `(history, mask, geometry)`, each with its header.
 
-    `records` are the first and the last number, `between` two times of day, of which one may be
-    None, `down` the event: what is within so many decibels of the largest PNLT, and one record more
-    on each side. Stamps stay. With a map or a geometry, or `renumber`, records are numbered from 1;
-    a comment in every header has the numbers that were. The names of the history in the headers of
-    map and geometry are to be set once it has one.
+    Choose the records by one of `records`, the first and the last number; `between`, two times of
+    day, of which one may be None; and `down`, the event: the records within this many decibels of
+    the largest PNLT, plus one on each side. Time stamps do not change. With a map, a geometry or
+    `renumber`, records are numbered from 1, and a comment in each header gives the old numbers.
+    Set the history's name in the headers of map and geometry once it has one. Arguments are paths
+    or results of `read`.
 
-    Files are given as paths, or as `read` gives them. Raises `ValueError` when no record is left, or
-    not just one way of choosing them is given.
+    Raises `ValueError` if no record remains, or unless exactly one way of choosing is given.
 
     >>> part, part_mask, _ = aq_data.cut("fly-over.sth.csv", "fly-over.mask.csv", down=10)
     """
@@ -188,12 +191,13 @@ def join(
     masks: Optional[Iterable[Union[Path, MapReading]]] = None,
     fill: bool = False,
 ) -> Run:
-    """Pieces of one run as one, in the order of their times: `(history, mask, None)`.
+    """The pieces of one run joined in the order of their time stamps: `(history, mask, None)`.
 
-    Pieces follow each other by their stamps, which stay, and record numbers count on from the first
-    one. `masks` are their maps, one each. A gap raises, or with `fill` gets records of 9999.
-    Raises `ValueError` for pieces that do not belong together: bands, averaging, stamps, reference,
-    project, microphone or adjustment.
+    Time stamps do not change; records are numbered on from the first piece. `masks` are the maps
+    of the pieces, one each. A gap raises, or with `fill` is filled with records of 9999.
+
+    Raises `ValueError` for pieces that differ in bands, averaging, stamps, reference, project,
+    microphone or adjustment.
 
     >>> whole = aq_data.join("a.sth.csv", "b.sth.csv", fill=True).history
     """
@@ -203,7 +207,7 @@ def join(
     if masks is not None:
         maps = list(masks)
     if len(maps) != len(pieces):
-        raise ValueError(f"expected {len(pieces)} masks, one a piece, found {len(maps)}")
+        raise ValueError(f"expected {len(pieces)} masks, one per piece, found {len(maps)}")
     runs = [
         _run(piece.history if isinstance(piece, Run) else piece, rows, None)
         for piece, rows in zip(pieces, maps)
@@ -233,7 +237,7 @@ def join(
 
 
 def _replace(path: str, text: bytes) -> None:
-    """Writes all of a file or nothing."""
+    """Writes a file completely or not at all."""
     handle, new = tempfile.mkstemp(prefix=".aq-", dir=os.path.dirname(path))
     try:
         with os.fdopen(handle, "wb") as file:
@@ -260,7 +264,7 @@ def _mended(path: str) -> tuple[bytes, list[str], list[str]]:
         try:
             raw = gzip.decompress(raw)
         except (OSError, EOFError) as error:
-            raise FileError(path, 0, 0, "a file that gzip has packed", str(error)) from error
+            raise FileError(path, 0, 0, "a file packed by gzip", str(error)) from error
     done = ["gzip"] if packed else []
     text, done, left = _core._mendText(raw, os.path.basename(path), done)
     return text, done, left
@@ -288,15 +292,17 @@ def _write_mended(path: str, text: bytes, keep: bool) -> str:
 def fix(
     paths: Union[Path, Iterable[Path]], write: bool = False, keep_original: bool = True
 ) -> pd.DataFrame:
-    """Takes back what other programs did to the text of files, as far as that is certain: gzip, UTF-16,
-    a byte order mark, old line ends, a spreadsheet's semicolons, tabs, quotes and filled up lines,
-    blank lines, decimal commas.
+    """Undoes what other programs did to the text of files, as far as that is certain: gzip, UTF-16,
+    byte order marks, carriage returns as line ends, a spreadsheet's semicolons, tabs, quotes and
+    padding, blank lines, and decimal commas.
 
-    Without `write` nothing changes. With it files are mended in place, each all or nothing, and the
-    original is kept as `FILE.orig` unless told otherwise; a packed file is unpacked next to itself.
-    A comment in the file says what was done. The columns are `path`, `done` and `left`, lists of
-    words: what was or would be mended, and what may mean several things; and `output`, None where
-    nothing was written. `paths` are as for `check`.
+    Without `write` nothing changes. With it, each file is replaced completely or not at all, and
+    the original is kept as `FILE.orig` unless `keep_original` is false; a packed file is unpacked next to
+    itself. A comment in the file says what was changed.
+
+    The columns are `path`; `done`, what was or would be changed; `left`, what is ambiguous and was
+    left alone, both lists of texts; and `output`, None if nothing was written. `paths` are as for
+    `check`.
 
     >>> found = aq_data.fix(".")
     >>> found[found.done.str.len() > 0]

@@ -95,7 +95,7 @@ inline std::vector<std::int16_t> recordNumbers(const py::object& given, py::ssiz
     return shortNumbers(py::module_::import("numpy").attr("arange")(1, count + 1), count,
                         "records");
   }
-  auto numbers = shortNumbers(given, count, "one record number a row");
+  auto numbers = shortNumbers(given, count, "one record number per row");
   checkOnce(numbers);
   return numbers;
 }

@@ -71,7 +71,7 @@ void bindCheck(py::module_& module) {
             return gathered([&](const FindingSink& sink) { self.see(path.name, {levels}, sink); });
           },
           py::arg("path"), py::arg("levels"),
-          "The finding for a file whose digest of levels equals that of one seen before");
+          "The finding for a file whose digest of levels equals that of an earlier file");
   py::dict kinds;
   for (const FindingKind& kind : findingKinds()) {
     kinds[std::string(kind.name).c_str()] = std::string(kind.meaning);
@@ -86,7 +86,7 @@ void bindCheck(py::module_& module) {
         }
         return names;
       },
-      "The kinds of findings by which the data may not be what was measured");
+      "The kinds of findings that cast doubt on the data");
 }
 
 }  // namespace aq::python

@@ -110,7 +110,7 @@ py::array_t<std::int16_t> lastGoodBands(const AQ_MaskMap& map) {
 
 void setLastGoodBands(const AQ_MaskMap& map, const py::object& given) {
   const auto rows = rowsOf(map).objects;
-  const auto bands = shortNumbers(given, std::ssize(rows), "one band number a row");
+  const auto bands = shortNumbers(given, std::ssize(rows), "one band number per row");
   for (std::size_t i = 0; i < rows.size(); ++i) rows[i]->LGB(bands[i]);
 }
 

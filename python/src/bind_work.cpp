@@ -38,7 +38,7 @@ void bindWork(py::module_& module) {
         return cutHistory(history, {first, last}, fromOne);
       },
       py::arg("history"), py::arg("first"), py::arg("last"), py::arg("fromOne") = false,
-      "The records of a range, which keep their stamps; numbered from 1 if wanted");
+      "The records of a range, with their stamps; numbered from 1 if requested");
   module.def("cutMap", cutMap, py::arg("map"), py::arg("first"), py::arg("last"),
              "The rows of records of a range, numbered from 1");
   module.def("cutGeometry", cutGeometry, py::arg("geometry"), py::arg("first"), py::arg("last"),
@@ -47,9 +47,9 @@ void bindWork(py::module_& module) {
              "How many records are missing between two pieces of a measurement");
   module.def("joinHistories", joinHistories, py::arg("before"), py::arg("after"),
              py::arg("fill") = false,
-             "Two pieces of a measurement as one; a gap is filled with levels of 9999 if wanted");
+             "Joins two pieces of a measurement; fills a gap with levels of 9999 if requested");
   module.def("joinMaps", joinMaps, py::arg("before"), py::arg("after"), py::arg("gap") = 0,
-             "The rows of two maps, with rows between that mask nothing");
+             "The rows of two maps, with unmasked rows in between");
   module.def(
       "_mendText",
       [](const py::bytes& bytes, const std::string& name, std::vector<std::string> done) {
@@ -57,7 +57,7 @@ void bindWork(py::module_& module) {
         return std::tuple(py::bytes(mended.text), mended.done, mended.left);
       },
       py::arg("bytes"), py::arg("name"), py::arg("done"),
-      "The text, what was mended and what is left, in words");
+      "The text, and lists of what was mended and what was left, in words");
 }
 
 }  // namespace aq::python

@@ -175,7 +175,7 @@ def test_a_damaged_file_raises_or_is_left_out(archive: Archive, tmp_path: Path) 
     [
         (("none*.csv",), FileNotFoundError, "no file matches"),
         (([],), ValueError, "at least one history"),
-        ((5,), TypeError, "a path, a pattern or a list, found int"),
+        ((5,), TypeError, "paths: expected a path, a pattern or a list, found 5"),
         ((["a"], ["b", "c"]), ValueError, "a map for each of 1"),
         ((["a"], None, "ignore"), ValueError, "'ignore'"),
         (([PROJECT / "examples/data/fly-over.mask.csv"],), aq.FileError, "MaskingMap"),

@@ -93,7 +93,7 @@ EMPTY, HISTORY = aq.AQ_PositionTimeHistory(), aq.AQ_SpectralTimeHistory.from_num
     [
         (lambda: aq.plot.ground_track(EMPTY), ValueError, "expected fixes to draw, found none"),
         (lambda: aq.plot.geometry(aq.AQ_GeometryTimeHistory()), ValueError, "points to draw"),
-        (lambda: aq.plot.spectrum(HISTORY, 1, HISTORY), ValueError, "ambient as one spectrum"),
+        (lambda: aq.plot.spectrum(HISTORY, 1, HISTORY), ValueError, "one spectrum as the ambient"),
         (lambda: aq.plot.level_time(HISTORY, {"x": "noon"}), ValueError, "'noon' for x"),
         (lambda: aq.plot.spectrogram(HISTORY, plt), TypeError, "expected Axes, found module"),
         (lambda: aq.plot.page(HISTORY, positions=EMPTY), ValueError, "fixes to draw"),

@@ -1,4 +1,4 @@
-"""Cutting, joining and mending: as the tool does it, and as datasets have it."""
+"""Cutting, joining and mending give the same as the tool, also for datasets."""
 
 import gzip
 import shutil
@@ -125,7 +125,7 @@ def test_tables_back(place):
     assert np.array_equal(aq_data.AQ_Spectrum.from_pandas(row).to_numpy(), row)
     track = aq_data.read_tracking("fly-over.tspi.csv").positions
     assert aq_data.AQ_PositionTimeHistory.from_pandas(track.to_pandas()) == track
-    with pytest.raises(ValueError, match="follow each other"):
+    with pytest.raises(ValueError, match="consecutive bands"):
         aq_data.AQ_SpectralTimeHistory.from_pandas(history.to_pandas().drop(columns=20))
     with pytest.raises(ValueError, match="once"):
         tidy = history.to_pandas(tidy=True)

@@ -53,6 +53,7 @@ const Change kChanges[] = {
     {kHistory, "Fly-over", "Fly-over", {}},
     {kHistory, "61.48", "6x.2", {"22:5 unreadable"}},
     {kHistory, "Spectral Time-History", "Landing", {"1:0 unknown-kind"}},
+    {kHistory, "FileType**,Spectral Time-History", "record,AWT,CWT", {"1:0 table"}},
     {kHistory, "Bands**,17, 40", "Bands**,-6, 17", {}},  // a band below 2 has no heading
     {kHistory, "ProjectName**", "microphoneid**", {"4:1 keyword"}},
     {kHistory, "Fly-over sample", "Fly-over**sample", {"4:0 lost-text"}},

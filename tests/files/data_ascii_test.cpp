@@ -131,8 +131,7 @@ TEST(DataASCII, FailuresSayWhy) {
   EXPECT_EQ(file.lastFailure()->line, 0U);
   EXPECT_EQ(file.Lines()->Count(), 1);
   EXPECT_EQ(file.readFields(folder.file("")), AQ_DATA_FILE_ERROR);
-  EXPECT_EQ(file.lastFailure()->message(),
-            folder.file("") + ": expected a file that can be read, found Is a directory");
+  EXPECT_EQ(file.lastFailure()->message(), "cannot read " + folder.file("") + ": Is a directory");
   EXPECT_EQ(file.writeLines(folder.file("")), AQ_DATA_FILE_ERROR);
   EXPECT_EQ(file.writeLines("/dev/full"), AQ_DATA_FILE_ERROR);
   EXPECT_EQ(file.readLines(std::string("a\0b", 3)), AQ_DATA_FILE_ERROR);

@@ -67,9 +67,7 @@ TEST(Analyzer, ListsAFolder) {
   EXPECT_EQ(namesOf(*recordings), listed);
   EXPECT_EQ(file.readDirectory(folder.file("none"), index, times, recordings), AQ_DATA_FILE_ERROR);
   EXPECT_EQ(file.lastFailure()->message(),
-            folder.file("none") +
-                ": expected a folder that can be read, found No such file or "
-                "directory");
+            "cannot read " + folder.file("none") + ": No such file or directory");
   EXPECT_EQ(namesOf(*recordings), listed);
 }
 

@@ -1,4 +1,4 @@
-// What stays of a file that is replaced or appended to on Windows, and what is refused there.
+// What remains when a file is replaced or appended to on Windows, and what is refused.
 #include <aq/aq.h>
 #include <aq/core/platform.h>
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// What is wrong with a call; empty when it succeeds.
+/// The failure of a call; empty if it succeeds.
 template <class Call>
 std::string refusalOf(const Call& call) {
   try {
@@ -47,7 +47,7 @@ TEST(Write, NamesThatTheSystemChangesAreRefused) {
                                                       {"x.", end},
                                                       {"x ", end},
                                                       {"x:y", "a colon in the name"},
-                                                      {"\xFF", "the name is no valid UTF-8"},
+                                                      {"\xFF", "the name is not valid UTF-8"},
                                                       {std::string("a\0b", 3), "Invalid argument"},
                                                       {std::string(256, 'n'), "File name too long"},
                                                       {"none/x", "No such file or directory"},

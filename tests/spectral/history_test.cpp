@@ -1,6 +1,8 @@
 #include <aq/spectral/ambient_masking.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "tests/support/errors.h"
 
 namespace aq {
@@ -253,6 +255,10 @@ TEST(AmbientMasking, ALevelTheMarginAboveIsNotMasked) {
   EXPECT_EQ(maskedBy(history, {60, 60}), "expected a level of the ambient in band 22, found none");
   EXPECT_EQ(maskedBy(history, {60, 9999, 60}),
             "expected a level of the ambient in band 21, found 9999");
+  AQ_Spectrum ambient;
+  for (const double margin : {-3.0, std::nan("")}) {
+    EXPECT_ERROR(static_cast<void>(maskByAmbient(history, ambient, margin)), InvalidValue);
+  }
   history.spectrum(3, spectrum);
   EXPECT_EQ(maskedBy(history, {60, 60, 60}),
             "a map needs records numbered from 1 without a gap, record 2 is missing");

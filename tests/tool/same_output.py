@@ -13,7 +13,7 @@ import tempfile
 
 import aqdata_test
 
-ELSEWHERE = {  # rows that mean another thing there, by what they have in common
+ELSEWHERE = {  # rows with another meaning there, by their common part
     "odd": "names with line ends",
     "bytes": "names that are no text",
     "/dev/": "devices of this system",

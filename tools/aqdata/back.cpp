@@ -28,14 +28,14 @@ std::string recordedName(const std::string& path) {
   return aq::escaped(aq::fileInformation()->recordedName(path));
 }
 
-// Rows, whatever they are read from.
+// Rows, from a table or from a document.
 
-/// A time of day: its text if it has one, else the seconds.
+/// A time of day: from its text, or from its seconds if it has none.
 aq::AQ_Time timeOf(const std::string& text, double seconds) {
   aq::AQ_Time time;
   if (!text.empty()) {
     time.TODstring(text);
-    // The text of a time late in its second is that of the next one.
+    // The text of a time late in its second is that of the next second.
     if (std::abs(time.TODseconds() - seconds) < 0.006 || std::isnan(seconds)) return time;
   }
   time.assignSeconds(seconds, 0);
@@ -67,8 +67,7 @@ class HistoryRows {
   std::map<std::int16_t, std::shared_ptr<aq::AQ_Spectrum>> spectra_;
 };
 
-/// The seconds from the first stamp to the second, as fixed columns say it; half a second where
-/// they do not rise.
+/// The seconds from the first stamp to the second; half a second if they do not rise.
 double lengthOf(const aq::AQ_SpectralTimeHistory& history) {
   auto at = history.begin();
   if (at == history.end()) return 0.5;
@@ -80,8 +79,8 @@ double lengthOf(const aq::AQ_SpectralTimeHistory& history) {
   return length > 0 && length < 1000 ? length : 0.5;
 }
 
-/// What a table does not say of a history: its start is the first stamp, its reference follows from
-/// the relative times when all give the same.
+/// Sets what a table does not have: the start is the first stamp, the reference follows from the
+/// relative times if they agree.
 void giveTimes(History& read) {
   aq::AQ_SpectralTimeHistory& history = *read.model;
   history.AverageMethod(aq::AQ_NA);
@@ -198,7 +197,7 @@ aq::AQ_Time timeIn(aq::FieldReader& fields) {
 std::optional<Measurement> tableFrom(const std::string& path) {
   aq::LineReader lines(path);
   if (!lines.next()) return std::nullopt;
-  const std::string comment = "Made of the table " + recordedName(path);
+  const std::string comment = "Made from the table " + recordedName(path);
   if (lines.line() == kHistoryTable) {
     History read = rowsOf<HistoryRows>(lines, [](HistoryRows& rows, aq::FieldReader& fields) {
                      const std::int16_t record = fields.int16("a record number");
@@ -284,8 +283,7 @@ Enumeration memberIn(const Json& document, const char* key) {
   const std::string word = wordIn(document, key);
   Enumeration value{};
   if (!aq::setByWord(value, word)) {
-    throw Failure(
-        fmt::format("header, {}: expected a word that is known, found {}", key, aq::shown(word)));
+    throw Failure(fmt::format("header, {}: expected a known word, found {}", key, aq::shown(word)));
   }
   return value;
 }
@@ -347,7 +345,7 @@ std::optional<Measurement> documentFrom(const std::string& path) {
   const std::string kind = document.value("kind", std::string());
   const auto found = document.find("rows");
   if (found == document.end() || !found->is_array() || found->empty()) {
-    throw Failure("expected rows of a document that convert writes, found none");
+    throw Failure("expected a document that convert writes, found no rows");
   }
   const Json& rows = *found;
   if (rows.front().contains("level_db") && rows.front().contains("time")) {
@@ -379,9 +377,9 @@ std::optional<Measurement> backFrom(const std::string& path) {
     told.file = path;
     throw Failure(told.message());
   } catch (const Json::parse_error& error) {
-    throw fail(fmt::format("expected a JSON document, found a fault at byte {}", error.byte));
+    throw fail(fmt::format("expected a JSON document, found an error at byte {}", error.byte));
   } catch (const Json::exception& error) {
-    throw fail(fmt::format("expected a document that convert writes; {}", error.what()));
+    throw fail(fmt::format("expected a document that convert writes: {}", error.what()));
   } catch (const std::exception& error) {
     throw fail(error.what());
   }

@@ -15,13 +15,14 @@ namespace {
 std::string limitsText(const Json& event) {
   const Json& first = event["first"];
   const Json& last = event["last"];
-  const auto side = [](const Json& limit, const char* ofWhat) {
-    return limit.is_null() ? fmt::format("the {} of the records lies above it", ofWhat)
-                           : fmt::format("record {}", limit.dump());
-  };
-  const bool both = !first.is_null() && !last.is_null();
-  return fmt::format("10 dB-down limits: {} to {}{}", side(first, "begin"), side(last, "end"),
-                     both ? "" : ", so that the EPNL is a lower bound");
+  if (!first.is_null() && !last.is_null()) {
+    return fmt::format("10 dB-down limits: record {} to record {}", first.dump(), last.dump());
+  }
+  const Json& one = first.is_null() ? last : first;
+  const char* const open = one.is_null() ? "begin and end" : first.is_null() ? "begin" : "end";
+  return fmt::format(
+      "10 dB-down limits: {}; the records {} above the limit, so the EPNL is a lower bound",
+      one.is_null() ? "none" : fmt::format("only record {}", one.dump()), open);
 }
 
 }  // namespace
@@ -49,25 +50,25 @@ Json eventJson(const std::optional<aq::NoiseEvent>& found, int firstRecord) {
 std::vector<std::string> missingWords(const aq::HistoryMetrics& metrics,
                                       const aq::AQ_MaskMap* map) {
   std::vector<std::string> words;
-  const auto add = [&](aq::AQ_METRIC_TYPE type, const char* what) {
-    std::vector<int> without;
+  const auto add = [&](const auto& isOne, std::string_view before, std::string_view after) {
+    std::vector<int> found;
     for (const aq::RecordMetrics& record : metrics.records) {
-      if (!record.has(type)) without.push_back(record.record);
+      if (isOne(record)) found.push_back(record.record);
     }
-    if (without.empty()) return;
-    words.push_back(
-        fmt::format("{} of {}: {}", counted(without.size(), "record"), what, recordsText(without)));
+    if (found.empty()) return;
+    words.push_back(fmt::format("{}{}{}: {}", before, counted(found.size(), "record"), after,
+                                recordsText(found)));
   };
-  std::vector<int> unmapped;
-  for (const aq::RecordMetrics& record : metrics.records) {
-    if (map != nullptr && !map->contains(record.record)) unmapped.push_back(record.record);
-  }
-  if (!unmapped.empty()) {
-    words.push_back(fmt::format("{} without a row in the map, treated as not masked: {}",
-                                counted(unmapped.size(), "record"), recordsText(unmapped)));
-  }
-  add(aq::AQ_METRIC_OA, "no valid level, so no metrics");
-  add(aq::AQ_METRIC_PNL, "no valid level in bands 17 to 40, so no PNL, PNLT and tone");
+  const std::string_view unused = map == nullptr ? "not valid" : "masked or not valid";
+  add([&](const auto& record) { return map != nullptr && !map->contains(record.record); }, "",
+      " without a row in the map, treated as not masked");
+  add([](const auto& record) { return !record.has(aq::AQ_METRIC_OA); }, "no metrics for ",
+      fmt::format(", with all levels {}", unused));
+  add(
+      [](const auto& record) {
+        return record.has(aq::AQ_METRIC_OA) && !record.has(aq::AQ_METRIC_PNL);
+      },
+      "no PNL, PNLT and tone for ", fmt::format(", with all levels of bands 17 to 40 {}", unused));
   return words;
 }
 

@@ -10,8 +10,8 @@
 
 namespace aqdata {
 
-/// The event of a history as JSON, with these keys and `second_peaks`; null if there is none. The
-/// records are record numbers.
+/// The event of a history as JSON, with these keys and `second_peaks`; null if there is none.
+/// Records are given by number.
 inline constexpr const char* kEventKeys[] = {"EPNL",
                                              "EPNL_with_band_sharing",
                                              "PNLTM",

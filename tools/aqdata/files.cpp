@@ -152,12 +152,16 @@ std::vector<std::string> chosenFiles(Session& session, const std::vector<std::st
   return std::move(choice).files();
 }
 
+Failure refusal(const std::string& path, const aq::platform::SystemError& error) {
+  return Failure(
+      aq::FileFailure{.file = path, .expected = error.wanted(), .found = error.what()}.message());
+}
+
 void expectOpens(const std::string& path) {
   try {
     const aq::platform::InputFile file(path);
   } catch (const aq::platform::SystemError& error) {
-    throw Failure(
-        fmt::format("{}: expected {}, found {}", aq::escaped(path), error.wanted(), error.what()));
+    throw refusal(path, error);
   }
 }
 
@@ -178,7 +182,7 @@ void expectOutput(const Session& session, const std::vector<std::string_view>& e
   std::error_code error;
   for (const std::string& input : inputs) {
     if (!fs::equivalent(pathOf(session.output), pathOf(input), error)) continue;
-    throw Failure(fmt::format("{}: is an input, and would become a file of another kind",
+    throw Failure(fmt::format("{}: is an input; the output is of another kind and would replace it",
                               aq::escaped(session.output)));
   }
 }
@@ -187,7 +191,7 @@ void expectNoInput(const std::string& path, const std::vector<std::string>& inpu
   std::error_code error;
   for (const std::string& input : inputs) {
     if (!fs::equivalent(pathOf(path), pathOf(input), error)) continue;
-    throw Failure(fmt::format("{}: is an input, and is not overwritten", aq::escaped(path)));
+    throw Failure(fmt::format("{}: is an input, which is never overwritten", aq::escaped(path)));
   }
 }
 
@@ -231,12 +235,12 @@ std::string OutputPlaces::of(const std::string& file) {
   const fs::path place = pathOf(session_.output) / below;
   const auto [at, isNew] = taken_.emplace(place.string(), file);
   if (!isNew && at->second != file) {
-    throw Failure(fmt::format("{}: would be written of {} too", aq::escaped(place.string()),
+    throw Failure(fmt::format("{}: would be written for {} too", aq::escaped(place.string()),
                               aq::escaped(at->second)));
   }
   fs::create_directories(place.parent_path(), error);
   if (error) {
-    throw Failure(fmt::format("{}: expected a folder that can be made, found {}",
+    throw Failure(fmt::format("cannot make the folder {}: {}",
                               aq::escaped(place.parent_path().string()), error.message()));
   }
   return place.string();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <aq/core/platform.h>
 #include <aq/files/late_times.h>
 #include <aq/text/call_file.h>
 
@@ -21,6 +22,9 @@ namespace aqdata {
 [[nodiscard]] std::vector<std::string> chosenFiles(Session& session,
                                                    const std::vector<std::string_view>& more = {});
 
+/// The failure for a file that the operating system refuses, with its reason.
+[[nodiscard]] Failure refusal(const std::string& path, const aq::platform::SystemError& error);
+
 /// Throws `Failure`, with the system's reason, for a file that cannot be opened.
 void expectOpens(const std::string& path);
 
@@ -35,7 +39,7 @@ void expectEnding(const std::string& path, const std::vector<std::string_view>& 
 /// Throws `Failure` when `path` is one of the files that are read.
 void expectNoInput(const std::string& path, const std::vector<std::string>& inputs);
 
-/// Throws `Failure` when there is a file at `path` and the user has not said --force.
+/// Throws `Failure` if `path` is an existing file and the user did not give --force.
 void expectFree(const Session& session, const std::string& path);
 
 /// The session's output, for a file class to write. Throws `Failure` if it exists and may not be
@@ -49,8 +53,8 @@ class OutputPlaces {
  public:
   explicit OutputPlaces(const Session& session);
 
-  /// Makes the folders that the place needs. Throws `Failure` for a place that is taken by another
-  /// file of the run, or cannot be made.
+  /// Creates the folders on the way. Throws `Failure` if another file of the run has the same
+  /// output, or a folder cannot be created.
   [[nodiscard]] std::string of(const std::string& file);
 
  private:
@@ -75,7 +79,7 @@ void writeOutput(const Session& session, Header& header, Model& model) {
   writeAt<File>(outputPlace(session), header, model);
 }
 
-/// Writes these lines to it.
+/// Writes these lines to the session's output.
 void writeLines(const Session& session, const std::vector<std::string>& lines);
 
 }  // namespace aqdata

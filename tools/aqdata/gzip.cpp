@@ -21,7 +21,7 @@ bool isGzip(std::string_view bytes) { return bytes.starts_with("\x1F\x8B"); }
 std::string unpacked(std::string_view bytes, const std::string& path) {
   constexpr int kGzip = 16 + MAX_WBITS;
   z_stream stream{};
-  if (inflateInit2(&stream, kGzip) != Z_OK) throw Failure("no memory to unpack with");
+  if (inflateInit2(&stream, kGzip) != Z_OK) throw Failure("out of memory while unpacking");
   std::string text;
   std::vector<Bytef> block(std::size_t{256} * 1024);
   std::vector<Bytef> packed(bytes.begin(), bytes.end());
@@ -43,8 +43,8 @@ std::string unpacked(std::string_view bytes, const std::string& path) {
 #else
 std::string unpacked(std::string_view, const std::string& path) {
   throw Failure(
-      fmt::format("{}: packed by gzip; this program is built without zlib, gunzip makes "
-                  "text of it",
+      fmt::format("{}: packed by gzip; this program is built without zlib, so unpack it "
+                  "with gunzip",
                   aq::escaped(path)));
 }
 #endif

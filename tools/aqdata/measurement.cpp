@@ -28,7 +28,7 @@ aq::FileKind kindOf(const std::string& path) {
                             empty ? "an empty file" : aq::shown(lines.Lines()->Item(1))));
 }
 
-/// What a command needs from a read besides the data.
+/// What a command needs besides the data.
 struct Reading {
   const aq::HeaderObserver& watch;
   std::uint8_t rt20Limit = 1;
@@ -126,8 +126,8 @@ void expectFile(const std::string& path) {
   std::error_code error;
   const auto status = std::filesystem::status(pathOf(path), error);
   if (!std::filesystem::is_other(status)) return;
-  throw Failure(fmt::format("{}: expected a file, since it is read more than once, found a pipe",
-                            aq::escaped(path)));
+  throw Failure(
+      fmt::format("{}: is a pipe; only a file can be read more than once", aq::escaped(path)));
 }
 
 Measurement openFile(const std::string& path, const aq::HeaderObserver& watch,

@@ -71,8 +71,9 @@ std::string toneText(const aq::ToneCorrection& tone) {
                                     : fmt::format("tone correction of {:.2f} dB for band {}",
                                                   tone.correction, bandText(tone.band));
   if (tone.lastBand == 40) return text;
-  return tone.rows.empty() ? fmt::format("{}, since band 19 (80 Hz) does not count", text)
-                           : fmt::format("{}, of bands up to {}", text, bandText(tone.lastBand));
+  return tone.rows.empty()
+             ? fmt::format("{}, since band 19 (80 Hz) does not count", text)
+             : fmt::format("{}, computed up to band {}", text, bandText(tone.lastBand));
 }
 
 std::string csvField(const std::string& text) {

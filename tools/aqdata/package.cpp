@@ -11,9 +11,9 @@
 namespace aqdata {
 namespace {
 
-constexpr int kMissing = 77;  // what the interpreter ends with when a package is missing
+constexpr int kMissing = 77;  // the interpreter's exit status if a package is missing
 
-// The folder that we are in has no modules for it.
+// The current folder is not a place for modules.
 constexpr const char* kStart = R"(import sys
 sys.path[:] = [folder for folder in sys.path if folder]
 try:
@@ -35,7 +35,7 @@ void runPackage(const std::string& what, const std::vector<std::string>& words) 
   std::fflush(stdout);
   const auto status = terminal::run(command);
   if (status == 0) return;
-  if (status && *status != kMissing) throw Failure(fmt::format("{} did not succeed", what));
+  if (status && *status != kMissing) throw Failure(fmt::format("making {} failed", what));
   throw Failure(
       fmt::format("{} needs Python with the package aq_data, which docs/python.md "
                   "installs; AQ_PYTHON names another interpreter than {}",

@@ -46,7 +46,7 @@ Level levelOf(const Json& cell, bool masked = false) {
   return isLevel(cell) ? Level({cell.get<double>(), masked}) : Level();
 }
 
-/// The level of all bands together, without masked ones.
+/// The overall level, without masked bands.
 Level sumOf(const Sheet::Row& row) {
   std::vector<Json> heard;
   for (std::size_t i = 0; i < row.bands.size(); ++i) {
@@ -141,7 +141,7 @@ std::string cellAt(const Level& level, const Scale& scale, terminal::Colours col
   return std::string(kShades[static_cast<std::size_t>(std::lround(share * 4))]);
 }
 
-/// The level `levelIn(row)` of every record; none for a missing number.
+/// The level `levelIn(row)` of every record; none for a missing record number.
 template <class LevelIn>
 std::vector<Level> levelsAcross(const Sheet& sheet, const LevelIn& levelIn) {
   std::vector<Level> levels;
@@ -159,7 +159,7 @@ std::string scaleText(const Scale& scale) {
 }  // namespace
 
 bool isLevel(const Json& cell) {
-  constexpr double kSummable = 3000;  // levels beyond are no sound, and no axis shows them
+  constexpr double kSummable = 3000;  // levels outside are not sound, and would spoil the axis
   return cell.is_number() && cell.get<double>() != double{aq::AQ_INVALID_LEVEL} &&
          std::abs(cell.get<double>()) <= kSummable;
 }
@@ -204,7 +204,7 @@ void plotHistory(Session& session, const Sheet& sheet) {
   session.print(fmt::format("Level of {}{} in dB\n",
                             single ? bandName(sheet.low) : std::string("all bands together"),
                             !masked  ? ""
-                            : single ? ", light where it is masked"
+                            : single ? ", light where masked"
                                      : ", without those that are masked,"));
   for (int line = kLines - 1; line >= 0; --line) {
     std::string drawn;

@@ -15,7 +15,7 @@ namespace {
 constexpr const char* kFooter =
     "Exit status: 0 success, 1 findings or differences, 2 failure.\n"
     "aqdata help COMMAND shows the help of a command. --json, --quiet and\n"
-    "--color may also come before it.";
+    "--color may also precede the command.";
 
 std::vector<std::string> optionNames(const CLI::App& command) {
   std::vector<std::string> names;
@@ -38,7 +38,7 @@ std::string unknown(const char* what, const std::string& found,
                      meant.empty() ? "" : fmt::format("; did you mean {}?", meant));
 }
 
-/// How many of the first words are an option of all commands, with its value.
+/// How many of the first words belong to an option that all commands have, with its value.
 std::size_t sharedOption(const std::vector<std::string>& words) {
   static const std::set<std::string> kFlags{"--json", "-q", "--quiet"};
   static const std::set<std::string> kWithValue{"--color", "-j", "--jobs"};
@@ -49,8 +49,8 @@ std::size_t sharedOption(const std::vector<std::string>& words) {
   return name == words.front() ? std::min<std::size_t>(2, words.size()) : 1;
 }
 
-/// The words of a command line as the commands take them: moves options after the command, and
-/// turns `help` into --help.
+/// Rearranges a command line as the parser expects it: moves options after the command, and turns
+/// `help` into --help.
 std::vector<std::string> arranged(std::vector<std::string> words) {
   std::vector<std::string> before;
   while (const std::size_t count = sharedOption(words)) {

@@ -13,7 +13,7 @@
 namespace aqdata {
 namespace {
 
-/// A history file names the bands of all its records once.
+/// A history file lists the bands of all records once.
 void expectWhole(const History& read, const std::string& file) {
   const auto fail = [&](std::int32_t record, const std::string& why) {
     throw Failure(fmt::format("{}, record {}: {}, which a history file cannot leave out",
@@ -100,7 +100,7 @@ std::vector<std::string> writeHistory(const Session& session, const History& rea
     file.setHeader(read.header);
     expectGood(file.writeFile(to, history), file);
     if (!aq::keepsDates(history)) {
-      notes.emplace_back("the date is that of the start, with midnights from there");
+      notes.emplace_back("the date is that of the start, advanced at each midnight");
     }
     return notes;
   }

@@ -26,7 +26,7 @@ void Session::finish() {
 }
 
 void Session::failOutput() {
-  // A closed pipe is no failure; where the system has no signal for it, it comes as an error.
+  // A closed pipe is not a failure; systems without a signal for it report an error.
   if (errno != EPIPE) std::fputs("aqdata: cannot write to standard output\n", stderr);
   std::_Exit(kCouldNot);
 }
@@ -111,13 +111,18 @@ std::string finiteNumber(const std::string& text) {
   }
 }
 
+std::string numberFromZero(const std::string& text) {
+  const std::string fault = finiteNumber(text);
+  return fault.empty() && text.starts_with('-') ? "expected 0 or more, found " + text : fault;
+}
+
 Check wholeNumber(std::int32_t lowest, std::int32_t highest) {
   return [=](const std::string& text) -> std::string {
     try {
       const std::int32_t number = aq::int32From(text);
       if (number >= lowest && number <= highest) return {};
     } catch (const aq::Error&) {
-      // told below
+      // reported below
     }
     return fmt::format("expected a number from {} to {}, found {}", lowest, highest,
                        aq::shown(text));
@@ -143,8 +148,8 @@ void addWords(Session& session, CLI::Option& option, std::vector<std::string> wo
 }
 
 void addOutputOptions(CLI::App& command, Session& session) {
-  command.add_flag("--json", session.json, "One JSON document per file, one per line");
-  command.add_flag("-q,--quiet", session.quiet, "Print only the result");
+  command.add_flag("--json", session.json, "Print JSON, one document per file and line");
+  command.add_flag("-q,--quiet", session.quiet, "Print only results");
   CLI::Option* const colour =
       command.add_option("--color", session.colour, "Colours: auto, always or never")
           ->option_text("WHEN");
@@ -152,7 +157,7 @@ void addOutputOptions(CLI::App& command, Session& session) {
 }
 
 void addFiles(CLI::App& command, Session& session) {
-  command.add_option("FILES", session.files, "Files, folders (walked) and patterns in quotes")
+  command.add_option("FILES", session.files, "Files, folders (searched), and patterns in quotes")
       ->required()
       ->type_name("");
 }
@@ -162,7 +167,7 @@ void addFile(CLI::App& command, std::string& file, const char* name, const char*
 }
 
 void addJobs(CLI::App& command, Session& session) {
-  command.add_option("-j,--jobs", session.jobs, "Number of files to work on at once (2)")
+  command.add_option("-j,--jobs", session.jobs, "Work on this many files at once (2)")
       ->check(wholeNumber(1, 256), "")
       ->option_text("N");
 }

@@ -14,7 +14,7 @@ namespace aqdata {
 
 using Json = nlohmann::ordered_json;
 
-/// What could not be done, in words for the user. Ends the work on one file, or on all.
+/// A failure, in words for the user. Ends the work on one file, or on all.
 class Failure : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -23,7 +23,7 @@ class Failure : public std::runtime_error {
 /// The exit status of a run.
 enum Status { kFine = 0, kFindings = 1, kCouldNot = 2 };
 
-/// What all commands share: the user's choices, the output, and the exit status.
+/// State that all commands share: the user's choices, the output, and the exit status.
 class Session {
  public:
   bool json = false;
@@ -46,10 +46,10 @@ class Session {
   /// Call at the end: flushes standard output, whose failure counts too.
   void finish();
 
-  /// Prints whose output follows, if there are several files.
+  /// Prints the name of the file whose output follows, if there are several.
   void title(const std::string& file);
 
-  /// Writes one line that holds the document.
+  /// Writes a document as one line.
   void printDocument(const Json& document);
 
   /// Whether the output is a device or one of the program's own streams, such as /dev/stdout.
@@ -84,10 +84,10 @@ class Session {
   bool progressing_ = false;
 };
 
-/// A document in one line. Bytes that are not UTF-8 become U+FFFD.
+/// A document as one line. Bytes that are not UTF-8 become U+FFFD.
 [[nodiscard]] std::string lineOf(const Json& document);
 
-/// Runs `work` and turns its exceptions into a complaint about `path`.
+/// Runs `work`, and reports its exceptions as failures of `path`.
 void onFile(Session& session, const std::string& path, const std::function<void()>& work);
 
 /// The message of a failure to work on `path`.
@@ -108,6 +108,7 @@ void addWords(Session& session, CLI::Option& option, std::vector<std::string> wo
 
 // Checks of an option's text: the reason why it is not such a number; empty if it is.
 std::string finiteNumber(const std::string& text);
+std::string numberFromZero(const std::string& text);
 using Check = std::function<std::string(const std::string&)>;
 [[nodiscard]] Check wholeNumber(std::int32_t lowest, std::int32_t highest);
 

@@ -27,7 +27,7 @@ namespace aqdata {
 class Workbook::Sheets {};
 Workbook::Workbook(std::string path) {
   throw Failure(
-      fmt::format("{}: this program is built without libxlsxwriter, which writes workbooks",
+      fmt::format("{}: this program was built without libxlsxwriter and cannot write workbooks",
                   aq::escaped(path)));
 }
 Workbook::~Workbook() = default;
@@ -40,13 +40,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Text with U+FFFD in place of bytes that are no UTF-8, which a workbook cannot hold.
+/// Replaces bytes that are not UTF-8 by U+FFFD, since a workbook cannot hold them.
 std::string validText(const std::string& text) {
   return Json::parse(Json(text).dump(-1, ' ', false, Json::error_handler_t::replace))
       .get<std::string>();
 }
 
-/// What a sheet may be called: 31 characters, without those that mean something in formulas.
+/// A valid name of a sheet: up to 31 characters, without those with a meaning in formulas.
 std::string sheetNameOf(const std::string& file, std::set<std::string>& taken) {
   constexpr std::size_t kMost = 31;
   std::string name = pathOf(file).filename().string();
@@ -84,7 +84,7 @@ class Workbook::Sheets {
                   .replace_filename(pathOf(".aq-" + pathOf(path_).filename().string()))
                   .string()),
         book_(workbook_new(part_.c_str())) {
-    if (book_ == nullptr) throw Failure("no memory for a workbook");
+    if (book_ == nullptr) throw Failure("out of memory while writing a workbook");
     heading_ = workbook_add_format(book_);
     format_set_bold(heading_);
     level_ = numberFormat(0);
@@ -129,8 +129,7 @@ class Workbook::Sheets {
     if (result == LXW_NO_ERROR && !failed_ && !error) return;
     std::error_code ignored;
     fs::remove(pathOf(part_), ignored);
-    throw Failure(fmt::format("{}: expected a file that can be written, found {}",
-                              aq::escaped(path_),
+    throw Failure(fmt::format("cannot write {}: {}", aq::escaped(path_),
                               error     ? error.message()
                               : failed_ ? "text that is too long for a cell"
                                         : lxw_strerror(result)));
@@ -145,7 +144,8 @@ class Workbook::Sheets {
   }
   lxw_worksheet* sheet(const std::string& name) {
     lxw_worksheet* const made = workbook_add_worksheet(book_, name.c_str());
-    if (made == nullptr) throw Failure(fmt::format("no sheet can be called {}", aq::shown(name)));
+    if (made == nullptr)
+      throw Failure(fmt::format("no sheet can have the name {}", aq::shown(name)));
     return made;
   }
 
@@ -176,7 +176,7 @@ class Workbook::Sheets {
     worksheet_freeze_panes(headers_, 1, 0);
   }
 
-  /// A row a value; of a list, a row each.
+  /// One row per value; a list has one row per entry.
   void writeHeader(const std::string& name, const char* part, const Json& header) {
     for (const auto& [key, value] : header.items()) {
       for (const Json& entry : value.is_array() ? value : Json{value}) {
@@ -265,7 +265,7 @@ class Workbook::Sheets {
     }
   }
 
-  /// A-weighted level and PNLT over the seconds of the day.
+  /// A chart of A-weighted level and PNLT over the seconds of the day.
   void draw(lxw_worksheet* own, const std::string& name, const Sheet& rows) {
     lxw_chart* const chart = workbook_add_chart(book_, LXW_CHART_SCATTER_STRAIGHT);
     const auto last = static_cast<lxw_row_t>(rows.rows.size());

@@ -46,14 +46,15 @@ std::string ended(std::string_view sentence) { return std::string(sentence) + ".
 
 constexpr std::string_view kBegin = R"(# Reference
 
-Every class of the object model with its members in their order, which only grows at its end, and
-every enumeration. This page is generated from `aq/describe` by `cmake --build --preset debug --target
+Every class of the object model with its members, and every enumeration. New members are added at the end
+of their class. This page is generated from `aq/describe` by `cmake --build --preset debug --target
 reference`.
 
-A property is two functions in C++, `time->RelSeconds()` and `time->RelSeconds(2.5)`, and
-an attribute in Python; one with a key is `spectrum->SPL(24)` and `spectrum->SPL(24, 65.3)`, in Python
-`spectrum.SPL[24]`. A field is a data member. Where the text says "raises", C++ throws `aq::Error`. The range is
-that in which a number is meaningful: setters do not check it unless the text says so. Lengths are in
+In C++ a property is two functions, `time->RelSeconds()` and `time->RelSeconds(2.5)`; in Python it is an
+attribute. One with a key is `spectrum->SPL(24)` and `spectrum->SPL(24, 65.3)`, in Python
+`spectrum.SPL[24]`. A field is a data member. Where the text says "raises", C++ throws `aq::Error`; besides, a
+value that does not convert to the type of a property raises, and so does a missing object that a call needs.
+The range is that of meaningful values: setters do not check it unless the text says so. Lengths are in
 metres unless a file or program used another unit: nothing is converted. The [glossary](glossary.md)
 explains the terms.
 )";

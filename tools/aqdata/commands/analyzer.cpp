@@ -6,7 +6,7 @@
 namespace aqdata {
 namespace {
 
-/// A recording as its line of the table, or the reason why it cannot be read.
+/// A recording as a line of the table, or the reason why it cannot be read.
 Json recordingOf(const std::string& folder, const std::string& name) {
   aq::AQ_DataHP3565 file;
   std::shared_ptr<aq::AQ_HeaderSTH> header;
@@ -80,7 +80,7 @@ void addAnalyzer(CLI::App& program, Session& session) {
                  "  aqdata analyzer .\n"
                  "  aqdata analyzer --json .\n",
                  [&session, folder] { list(session, *folder); });
-  addFile(*command, *folder, "FOLDER", "The folder");
+  addFile(*command, *folder, "FOLDER", "The folder of the analyzer");
 }
 
 }  // namespace aqdata

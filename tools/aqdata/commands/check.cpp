@@ -38,7 +38,7 @@ struct CheckChoice {
   }
 };
 
-/// What the user wants to know of what was found in one file.
+/// The findings of one file that the user asked for.
 struct Report : FileFindings {
   aq::Checked checked = {};
   std::string failure = {};  // why the file could not be checked
@@ -101,7 +101,7 @@ void printJson(Session& session, const std::string& file, const Report& report) 
                              {"counts", std::move(counts)}});
 }
 
-/// Counts the findings of the files and sets the session's status from them.
+/// Counts the findings of all files and sets the session's status.
 struct Summary {
   std::size_t files = 0;
   std::size_t sound = 0;  // files without a finding
@@ -172,7 +172,7 @@ void check(Session& session, const CheckChoice& choice) {
 }
 
 std::string kindNames() {
-  std::string text = "\nFindings, with --only and --ignore:\n";
+  std::string text = "\nNames of findings, for --only and --ignore:\n";
   for (const aq::FindingKind& kind : aq::findingKinds()) {
     text += fmt::format("  {:<16} {:<8} {}\n", kind.name, aq::severityText(kind.severity),
                         kind.meaning);
@@ -185,7 +185,7 @@ std::string kindNames() {
 void addCheck(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<CheckChoice>();
   CLI::App* const command =
-      addCommand(program, session, "check", "Report what is wrong or odd about files",
+      addCommand(program, session, "check", "Report what is or may be wrong with files",
                  "Examples:\n"
                  "  aqdata check .\n"
                  "  aqdata check --ignore level-invalid,heading --strict *.sth.csv\n",
@@ -204,12 +204,16 @@ void addCheck(CLI::App& program, Session& session) {
   addNames("--only", choice->only, "Report only these findings");
   addNames("--ignore", choice->ignore, "Report all except these findings");
   CLI::Option* const severity =
-      command->add_option("--severity", choice->severity, "Omit findings below: note, warning")
+      command
+          ->add_option("--severity", choice->severity,
+                       "Omit findings less severe than note, warning or error")
           ->option_text("WORD");
   addWords(session, *severity, {"note", "warning", "error"});
   command->add_flag("--summary", choice->summary, "Count findings by kind over all files");
-  command->add_flag("--strict", choice->strict, "Exit status 1 for notes too");
-  command->add_option("--limit", choice->limit, "How many findings of a kind to list per file (20)")
+  command->add_flag("--strict", choice->strict, "Exit with status 1 for notes too");
+  command
+      ->add_option("--limit", choice->limit,
+                   "List at most this many findings of a kind per file (20)")
       ->check(wholeNumber(0, 1000000), "")
       ->option_text("N");
   addJobs(*command, session);

@@ -44,7 +44,7 @@ void forWords(const CLI::App& command, const Session& session, const Visit& visi
   }
 }
 
-/// The branches of a shell's `case` over a command and the word before the completed one.
+/// The branches of a shell's `case` on the command and the word before the one to complete.
 std::string wordCases(CLI::App& program, const Session& session, const char* branch) {
   std::string cases;
   std::string arguments;  // which any word may precede, so they come last
@@ -166,15 +166,15 @@ std::string fish(CLI::App& program, const Session& session) {
 
 void addCompletion(CLI::App& program, Session& session) {
   const auto shell = std::make_shared<std::string>();
-  CLI::App* const command = addCommand(program, session, "completion",
-                                       "Print the script that completes commands in a shell",
-                                       "Examples:\n"
-                                       "  source <(aqdata completion bash)\n",
-                                       [&program, &session, shell] {
-                                         session.print(*shell == "bash"  ? bash(program, session)
-                                                       : *shell == "zsh" ? zsh(program, session)
-                                                                         : fish(program, session));
-                                       });
+  CLI::App* const command =
+      addCommand(program, session, "completion", "Print a completion script for a shell",
+                 "Examples:\n"
+                 "  source <(aqdata completion bash)\n",
+                 [&program, &session, shell] {
+                   session.print(*shell == "bash"  ? bash(program, session)
+                                 : *shell == "zsh" ? zsh(program, session)
+                                                   : fish(program, session));
+                 });
   CLI::Option* const option =
       command->add_option("SHELL", *shell, "bash, zsh or fish")->required()->type_name("");
   addWords(session, *option, {"bash", "zsh", "fish"});

@@ -30,7 +30,7 @@ struct ConvertChoice {
   std::string to;
   std::optional<std::int16_t> record = {};
   std::string map = {};  // for a workbook
-  bool maps = false;     // likewise, next to the histories
+  bool maps = false;     // those next to the histories
   std::uint8_t rt20 = 1;
 };
 
@@ -66,7 +66,7 @@ std::string rowText(const std::vector<Json>& cells) {
   return text;
 }
 
-/// One observation per line: each band of a row is one.
+/// One observation per line; each band of a row is an observation.
 std::vector<std::string> tidyLines(const Sheet& sheet) {
   std::string heading = fmt::format("{}", fmt::join(sheet.columns, ","));
   if (sheet.hasBands()) heading += ",band," + sheet.ofBand;
@@ -81,7 +81,7 @@ std::vector<std::string> tidyLines(const Sheet& sheet) {
   return lines;
 }
 
-/// One line per key of the header, for a file that has no rows.
+/// One line per key of the header, for a file without rows.
 std::vector<std::string> headerLines(const Json& header) {
   std::vector<std::string> lines{"key,value"};
   for (const auto& [key, value] : header.items()) {
@@ -114,7 +114,7 @@ void putSpectrum(const Session& session, const ConvertChoice& choice, const Meas
   writeOutput<aq::AQ_DataSSR>(session, header, *spectrum);
 }
 
-/// A history of any file as one of the two text forms.
+/// Writes the history of any file in one of the two text forms.
 void putHistory(Session& session, const ConvertChoice& choice, const Measurement& measurement,
                 bool inColumns) {
   const auto* const read = std::get_if<History>(&measurement.data);
@@ -126,7 +126,7 @@ void putHistory(Session& session, const ConvertChoice& choice, const Measurement
   }
 }
 
-/// What a form is called in several.
+/// The plural of a form.
 std::string_view formWord(const std::string& form) {
   if (form == "history" || form == "columns") return "histories";
   if (form == "map") return "maps";
@@ -141,7 +141,7 @@ void putMap(const Session& session, const Measurement& measurement) {
   writeOutput<aq::AQ_DataMask>(session, read->header, *read->model);
 }
 
-/// Positions of tracking, or of what `convert` wrote of positions.
+/// Writes positions, from tracking or from what `convert` made of positions.
 void putPositions(Session& session, const ConvertChoice& choice) {
   if (choice.record) throw Failure("--record does not apply to positions");
   const auto back =
@@ -154,7 +154,7 @@ void putPositions(Session& session, const ConvertChoice& choice) {
   session.wrote("written");
 }
 
-/// A file of any kind, or what `convert` made of one.
+/// Reads a file of any kind, or what `convert` made of one.
 Measurement readAny(const ConvertChoice& choice) {
   if (aq::kindOfFile(choice.file) == aq::FileKind::Unknown) {
     if (auto back = backFrom(choice.file)) return *std::move(back);
@@ -162,7 +162,7 @@ Measurement readAny(const ConvertChoice& choice) {
   return openFile(choice.file, {}, choice.rt20);
 }
 
-/// Whether a file is netCDF, of either form.
+/// Whether a file is netCDF, classic or version 4.
 bool isNetcdf(const std::string& path) {
   std::ifstream file(pathOf(path), std::ios::binary);
   std::string begin(4, '\0');
@@ -170,11 +170,12 @@ bool isNetcdf(const std::string& path) {
   return begin == "\x89HDF" || begin.starts_with("CDF");
 }
 
-/// To netCDF and back, which the Python package does.
+/// Converts to and from netCDF, by the Python package.
 void putNetcdf(const Session& session, const ConvertChoice& choice) {
   if (choice.record) throw Failure("--record does not apply to netCDF");
   std::vector<std::string> words{"convert", choice.file, outputPlace(session)};
-  if (!isNetcdf(choice.file)) static_cast<void>(openFile(choice.file));  // says what does not read
+  if (!isNetcdf(choice.file))
+    static_cast<void>(openFile(choice.file));  // reports what cannot be read
   const std::string map = choice.maps ? nextToHistory(choice.file, ".mask.csv") : choice.map;
   if (!map.empty()) {
     static_cast<void>(openMapOf(openHistory(choice.file), choice.file, map));
@@ -183,14 +184,15 @@ void putNetcdf(const Session& session, const ConvertChoice& choice) {
   runPackage("netCDF", words);
 }
 
-/// All runs in one workbook, which is written when each was read.
+/// Writes all runs into one workbook, after every file has been read.
 void putWorkbook(Session& session, const ConvertChoice& choice) {
   const std::vector<std::string> files = chosenHistories(session);
   if (choice.record) throw Failure("--record does not apply to a workbook");
   if (!choice.map.empty() && (files.size() > 1 || choice.maps)) {
-    throw Failure("--mask is the map of one history; --masks takes those next to several");
+    throw Failure("--mask names the map of a single history; use --masks for several");
   }
-  if (session.intoStream()) throw Failure("a workbook goes to a file");
+  if (session.intoStream())
+    throw Failure("a workbook cannot go to standard output: name a file with -o");
   expectOutput(session, {".xlsx"}, files);
   Workbook workbook(outputPlace(session));
   for (std::size_t i = 0; i < files.size(); ++i) {
@@ -203,7 +205,8 @@ void putWorkbook(Session& session, const ConvertChoice& choice) {
     });
     session.progress(i + 1, files.size());
   }
-  if (session.status() != kFine) throw Failure("nothing is written, as not all was read");
+  if (session.status() != kFine)
+    throw Failure("nothing is written, since not all files could be read");
   workbook.finish();
   session.wrote(counted(files.size(), "run"));
 }
@@ -215,18 +218,19 @@ void convert(Session& session, ConvertChoice choice) {
   if (form != "workbook") {
     std::error_code error;
     if (session.files.size() > 1 || std::filesystem::is_directory(pathOf(choice.file), error)) {
-      throw Failure("a workbook alone is made of several files: -o ends in .xlsx");
+      throw Failure("only a workbook holds several files: -o must end in .xlsx");
     }
     if (form != "netcdf" && (!choice.map.empty() || choice.maps)) {
-      throw Failure("maps go into a workbook or netCDF alone");
+      throw Failure("only a workbook or netCDF holds a map");
     }
   }
   const bool asHistory = form == "history" || form == "columns";
   if (session.output.empty() && !formWord(form).empty()) {
-    throw Failure(fmt::format("{} go to a file: -o says which", formWord(form)));
+    throw Failure(
+        fmt::format("{} cannot go to standard output: name a file with -o", formWord(form)));
   }
   if (netcdf) {
-    if (session.output.empty()) throw Failure("-o names the file that netCDF converts to");
+    if (session.output.empty()) throw Failure("name the file to write with -o");
     putNetcdf(session, choice);
     return session.wrote("written");
   }
@@ -280,35 +284,41 @@ void writePositions(Session& session, const Tracking& track, const std::string& 
 
 void addConvert(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<ConvertChoice>();
-  CLI::App* const command =
-      addCommand(program, session, "convert", "Write a file in another form",
-                 "The name of OUT gives the form: .sth.csv and .spc (histories, with commas and\n"
-                 "in fixed columns), .json, .pth.csv (positions), .ssr.csv (one spectrum) or\n"
-                 ".csv, a table with one observation per line. With --to it may end in .txt too.\n"
-                 "Without OUT, tables and JSON go to standard output.\n\n"
-                 "Examples:\n"
-                 "  aqdata convert fly-over.sth.csv -o levels.csv\n"
-                 "  aqdata convert fly-over.sth.csv --record 30 -o overhead.ssr.csv\n"
-                 "  aqdata convert fly-over.sth.csv -o fly-over.spc\n"
-                 "  aqdata convert fly-over.tspi.csv -o track.pth.csv\n",
-                 [&session, choice] { convert(session, *choice); });
-  command->add_option("FILE", session.files, "The file to convert; several for a workbook")
+  CLI::App* const command = addCommand(
+      program, session, "convert", "Write a file in another form",
+      "The ending of OUT chooses the form: .sth.csv (history), .spc (history in fixed\n"
+      "columns), .pth.csv (positions), .ssr.csv (one spectrum), .mask.csv (map), .json,\n"
+      ".xlsx (workbook), .nc (netCDF), or .csv, a table with one observation per line.\n"
+      "With --to FORM the name may also end in .txt or have no ending. Without OUT,\n"
+      "tables and JSON go to standard output.\n\n"
+      "Examples:\n"
+      "  aqdata convert fly-over.sth.csv -o levels.csv\n"
+      "  aqdata convert fly-over.sth.csv --record 30 -o overhead.ssr.csv\n"
+      "  aqdata convert fly-over.sth.csv -o fly-over.spc\n"
+      "  aqdata convert fly-over.tspi.csv -o track.pth.csv\n",
+      [&session, choice] { convert(session, *choice); });
+  command->add_option("FILE", session.files, "The file to convert; a workbook takes several")
       ->required()
       ->type_name("");
   addOutputFile(*command, session, "The file to write", false);
   CLI::Option* const form =
-      command->add_option("--to", choice->to, "What to write, if the name of OUT does not say it")
+      command->add_option("--to", choice->to, "The form, if the ending of OUT does not give it")
           ->option_text("FORM");
   addWords(session, *form,
            {"table", "json", "history", "columns", "map", "positions", "spectrum", "workbook",
             "netcdf"});
-  command->add_option("--record", choice->record, "Only this record")
+  command->add_option("--record", choice->record, "Convert only this record")
       ->check(wholeNumber(-32768, 32767), "")
       ->option_text("N");
-  command->add_option("--mask", choice->map, "The masking map, for a workbook or netCDF")
+  command
+      ->add_option("--mask", choice->map,
+                   "The masking map of the history, for a workbook or netCDF")
       ->option_text("MAP");
-  command->add_flag("--masks", choice->maps, "Maps next to the histories: x.mask.csv of x.sth.csv");
-  command->add_option("--rt20", choice->rt20, "The highest RT20 figure to accept (1)")
+  command->add_flag("--masks", choice->maps,
+                    "Use maps next to histories: x.mask.csv for x.sth.csv");
+  command
+      ->add_option("--rt20", choice->rt20,
+                   "Reject tracking fixes with an RT20 figure above this (1)")
       ->check(wholeNumber(0, 255), "")
       ->option_text("N");
 }

@@ -29,7 +29,7 @@ struct CutChoice {
   bool renumber = false;
 };
 
-/// What was asked for, as the comment of a file says it.
+/// The options, for the comment in the file.
 std::string optionsText(const CutChoice& choice) {
   std::string text;
   const auto add = [&](const char* name, const std::string& value) {
@@ -42,22 +42,22 @@ std::string optionsText(const CutChoice& choice) {
   return text;
 }
 
-/// Refuses options that contradict each other, and words that no file could make good.
+/// Rejects options that contradict each other, or that are wrong for any file.
 void expectOneChoice(const CutChoice& choice, bool severalFiles) {
   const bool byTime = !choice.from.empty() || !choice.to.empty();
   const int ways =
       (choice.records.empty() ? 0 : 1) + (byTime ? 1 : 0) + (choice.down.empty() ? 0 : 1);
-  if (ways == 0) throw Failure("which records? --records, --from and --to, or --down says it");
+  if (ways == 0) throw Failure("choose records with --records, --from and --to, or --down");
   if (ways > 1) {
-    throw Failure(optionsText(choice) + " contradict each other: one of them says which records");
+    throw Failure(optionsText(choice) + " cannot be combined");
   }
   if (!choice.records.empty()) static_cast<void>(rangeFrom(choice.records, "records"));
   for (const auto& [name, text] : {std::pair{"--from", choice.from}, {"--to", choice.to}}) {
     if (!text.empty()) static_cast<void>(timeFrom(name, text));
   }
-  if (!choice.map.empty() && choice.maps) throw Failure("--mask and --masks contradict each other");
+  if (!choice.map.empty() && choice.maps) throw Failure("--mask and --masks cannot be combined");
   if (!choice.geometry.empty() && choice.geometries) {
-    throw Failure("--geometry and --geometries contradict each other");
+    throw Failure("--geometry and --geometries cannot be combined");
   }
   if (severalFiles && (!choice.map.empty() || !choice.geometry.empty())) {
     throw Failure(
@@ -76,7 +76,7 @@ aq::RecordRange rangeOf(const Run& run, const CutChoice& choice) {
     return aq::recordsDown(history, run.map ? run.map->model.get() : nullptr,
                            aq::doubleFrom(choice.down));
   }
-  if (history.begin() == history.end()) throw Failure("there are no records");
+  if (history.begin() == history.end()) throw Failure("the history has no records");
   const double begin = (*history.begin()).second->lazyTime().secondsOfDay();
   constexpr double kHalfDay = 43200;
   const double from = choice.from.empty() ? begin : timeFrom("--from", choice.from).TODseconds();
@@ -85,8 +85,8 @@ aq::RecordRange rangeOf(const Run& run, const CutChoice& choice) {
   return aq::recordsBetween(history, from, to);
 }
 
-/// The points of a history's records, found by their times: a geometry need not begin with
-/// record 1.
+/// The geometry points of a history's records, found by time: a geometry need not begin with record
+/// 1.
 std::shared_ptr<aq::AQ_GeometryTimeHistory> pointsOf(aq::AQ_GeometryTimeHistory& geometry,
                                                      const aq::AQ_SpectralTimeHistory& part) {
   constexpr double kRounding = 0.006;  // times are written to hundredths of a second
@@ -117,7 +117,7 @@ struct CutOutcome {
   std::string failure = {};
 };
 
-/// Leaves the range's records in the run; gives their numbers of before.
+/// Cuts the run to a range of records; returns their previous numbers.
 aq::RecordRange cutRun(Run& run, const CutChoice& choice) {
   const aq::RecordRange range = rangeOf(run, choice);
   const bool fromOne = choice.renumber || run.map || run.geometry;
@@ -196,31 +196,33 @@ void cut(Session& session, const CutChoice& choice) {
 
 void addCut(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<CutChoice>();
-  CLI::App* const command =
-      addCommand(program, session, "cut", "Cut histories, with map and geometry, to some records",
-                 "The records keep their stamps, and their numbers too; with a map or a geometry\n"
-                 "they are numbered from 1, as those have to be, and a comment has the numbers\n"
-                 "that were. Map and geometry are written next to OUT: OUT.sth.csv, OUT.mask.csv,\n"
-                 "OUT.gth.csv. Of several files, or a folder, OUT is a folder.\n\n"
-                 "Examples:\n"
-                 "  aqdata cut fly-over.sth.csv --down 10 --masks -o event.sth.csv\n"
-                 "  aqdata cut fly-over.sth.csv --from 14:30:05 --to 14:30:20 -o part.sth.csv\n",
-                 [&session, choice] { cut(session, *choice); });
+  CLI::App* const command = addCommand(
+      program, session, "cut", "Cut histories, maps and geometries to some records",
+      "Records keep their time stamps. They keep their numbers unless a map or geometry\n"
+      "is cut along; these require numbers from 1, so the records are renumbered, and\n"
+      "a comment in each header gives the old numbers. The map and geometry are written\n"
+      "next to OUT, as OUT.mask.csv and OUT.gth.csv for OUT.sth.csv. For several files\n"
+      "or a folder, OUT is a folder.\n\n"
+      "Examples:\n"
+      "  aqdata cut fly-over.sth.csv --down 10 --masks -o event.sth.csv\n"
+      "  aqdata cut fly-over.sth.csv --from 14:30:05 --to 14:30:20 -o part.sth.csv\n",
+      [&session, choice] { cut(session, *choice); });
   addFiles(*command, session);
   const auto add = [&](const char* name, std::string& value, const char* what, const char* form) {
     return command->add_option(name, value, what)->option_text(form);
   };
-  add("--records", choice->records, "These records", "A:B");
-  add("--from", choice->from, "Records from this time of day on", "TIME");
-  add("--to", choice->to, "Records up to this time of day", "TIME");
-  add("--down", choice->down, "The event: PNLT within this of the largest", "DB")
+  add("--records", choice->records, "Keep these records", "A:B");
+  add("--from", choice->from, "Keep records from this time of day on", "TIME");
+  add("--to", choice->to, "Keep records up to this time of day", "TIME");
+  add("--down", choice->down, "Keep the event: PNLT within DB of the largest", "DB")
       ->check(finiteNumber, "");
-  add("--mask", choice->map, "The masking map of the history", "MAP");
-  command->add_flag("--masks", choice->maps, "Maps next to the histories: x.mask.csv of x.sth.csv");
-  add("--geometry", choice->geometry, "The emission geometry of the history", "FILE");
+  add("--mask", choice->map, "Also cut this masking map", "MAP");
+  command->add_flag("--masks", choice->maps, "Also cut the maps next to the histories, x.mask.csv");
+  add("--geometry", choice->geometry, "Also cut this emission geometry", "FILE");
   command->add_flag("--geometries", choice->geometries,
-                    "Geometries next to the histories: x.gth.csv");
-  command->add_flag("--renumber", choice->renumber, "Number the records from 1 in any case");
+                    "Also cut the geometries next to them, x.gth.csv");
+  command->add_flag("--renumber", choice->renumber,
+                    "Number the records from 1 even without a map or geometry");
   addOutputFile(*command, session, "The history to write, or a folder");
   addJobs(*command, session);
 }

@@ -32,14 +32,14 @@ struct Column {
   std::int32_t record = 0;  // its record
   Json a = {};
   Json b = {};
-  std::size_t numbers = 0;  // that were compared, equal ones too
+  std::size_t numbers = 0;  // compared, including equal ones
   double sum = 0;           // of their differences
 
   void compare(const Json& one, const Json& other, std::int32_t number, double tolerance) {
     const bool areNumbers = one.is_number() && other.is_number();
     const double difference = areNumbers ? std::abs(one.get<double>() - other.get<double>()) : 0;
     if (areNumbers) ++numbers, sum += difference;
-    constexpr double kRounding = 1e-9;  // 0.01 apart is 0.01 apart
+    constexpr double kRounding = 1e-9;  // 0.01 apart despite rounding
     if (areNumbers ? difference <= tolerance + kRounding : one == other) return;
     ++count;
     if (difference <= largest) return;
@@ -56,16 +56,15 @@ struct Difference {
   std::vector<std::int32_t> onlyInB = {};
   std::vector<std::pair<std::string, Column>> columns = {};
   std::map<std::int32_t, Column> bands = {};
-  double mean =
-      0;  // of the differences of all numbers compared; of levels alone where there are any
+  double mean = 0;  // of the differences of the levels, or of all numbers if there are no levels
 
   [[nodiscard]] bool empty() const {
     return header.empty() && onlyInA.empty() && onlyInB.empty() && columns.empty() && bands.empty();
   }
 };
 
-/// The files' own names and dates say where and when the data were written, not what they are;
-/// dates of source files are compared on request.
+/// The files' own names and dates are not part of the data; dates of source files are compared on
+/// request.
 bool isCompared(const std::string& key, bool dates) {
   if (key == "file_name" || key == "file_date") return false;
   return dates || !key.ends_with("_date");
@@ -243,7 +242,7 @@ void diffFiles(Session& session, const DiffChoice& choice) {
   if (difference.empty()) session.tell("no difference");
 }
 
-/// The files of a folder by their paths below it.
+/// The files of a folder by their relative paths.
 std::map<std::string, std::string> filesBelow(Session& session, const std::string& folder) {
   session.files = {folder};
   std::map<std::string, std::string> files;
@@ -255,7 +254,7 @@ std::map<std::string, std::string> filesBelow(Session& session, const std::strin
   return files;
 }
 
-/// Two files of one name; of what is in one folder alone, one name is empty.
+/// Two files with the same relative path; one is empty if only the other folder has the file.
 struct FilePair {
   std::string name;
   std::string a;
@@ -278,14 +277,13 @@ std::vector<FilePair> pairsOf(Session& session, const DiffChoice& choice) {
   return pairs;
 }
 
-/// What two files of one name differ in, in one line.
+/// The difference between two files with the same relative path, as one line.
 struct PairOutcome {
-  std::optional<Difference> difference = {};  // nothing for a file without another
+  std::optional<Difference> difference = {};  // empty for a file that only one folder has
   std::string failure = {};
 };
 
-/// The column or band of the largest difference, and what it is called; none where no number
-/// differs.
+/// The column or band with the largest difference, and its name; none if no number differs.
 std::pair<std::string, const Column*> largestOf(const Difference& difference) {
   std::pair<std::string, const Column*> found{{}, nullptr};
   const auto see = [&](const std::string& name, const Column& column) {
@@ -325,7 +323,7 @@ std::vector<std::string> pairRow(const FilePair& pair, const PairOutcome& outcom
   const auto [where, column] = largestOf(difference);
   std::vector<std::string> others;
   const std::size_t alone = difference.onlyInA.size() + difference.onlyInB.size();
-  if (alone != 0) others.push_back(fmt::format("{} in one alone", counted(alone, "record")));
+  if (alone != 0) others.push_back(fmt::format("{} in only one file", counted(alone, "record")));
   for (const Json& field : difference.header) others.push_back(field["key"].get<std::string>());
   return {name,
           "differs",
@@ -335,7 +333,7 @@ std::vector<std::string> pairRow(const FilePair& pair, const PairOutcome& outcom
           fmt::format("{}", fmt::join(others, ", "))};
 }
 
-/// Two folders, file by file: a season against another, or the same before and after a change.
+/// Compares two folders file by file: two seasons, or one before and after a change.
 void diffFolders(Session& session, const DiffChoice& choice) {
   const std::vector<FilePair> pairs = pairsOf(session, choice);
   Table table({{"file"}, {""}, {"largest", true}, {"where"}, {"mean", true}, {"and", false, true}});
@@ -373,16 +371,11 @@ void diff(Session& session, const DiffChoice& choice) {
   const bool a = std::filesystem::is_directory(pathOf(choice.a), error);
   const bool b = std::filesystem::is_directory(pathOf(choice.b), error);
   if (a != b) {
-    throw Failure(fmt::format("{}: expected {}, as {} is one", aq::escaped(a ? choice.b : choice.a),
-                              "a folder", aq::escaped(a ? choice.a : choice.b)));
+    throw Failure(fmt::format("{}: expected a folder, since {} is one",
+                              aq::escaped(a ? choice.b : choice.a),
+                              aq::escaped(a ? choice.a : choice.b)));
   }
   return a ? diffFolders(session, choice) : diffFiles(session, choice);
-}
-
-/// A check of the option's text.
-std::string tolerance(const std::string& text) {
-  const std::string fault = finiteNumber(text);
-  return fault.empty() && text.starts_with('-') ? "expected 0 or more, found " + text : fault;
 }
 
 }  // namespace
@@ -390,16 +383,18 @@ std::string tolerance(const std::string& text) {
 void addDiff(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<DiffChoice>();
   CLI::App* const command =
-      addCommand(program, session, "diff", "Show how two files differ",
-                 "The files' own names and dates are no difference, and those of the files that\n"
-                 "they were made from are one only with --dates.\n\n"
+      addCommand(program, session, "diff", "Show how two files or folders differ",
+                 "Ignores the files' own names and dates. Compares the names of their source\n"
+                 "files, and with --dates also the dates of those.\n\n"
                  "Examples:\n"
                  "  aqdata diff fly-over.sth.csv stamped.sth.csv --tolerance 0.01\n",
                  [&session, choice] { diff(session, *choice); });
   addFile(*command, choice->a, "A", "A file, or a folder");
-  addFile(*command, choice->b, "B", "Another of the same kind, or another folder");
-  command->add_option("--tolerance", choice->tolerance, "Numbers this far apart are equal (0)")
-      ->check(tolerance, "")
+  addFile(*command, choice->b, "B", "A file of the same kind, or another folder");
+  command
+      ->add_option("--tolerance", choice->tolerance,
+                   "Treat numbers as equal up to this difference (0)")
+      ->check(numberFromZero, "")
       ->option_text("D");
   command->add_flag("--dates", choice->dates, "Compare the dates of source files too");
   addJobs(*command, session);

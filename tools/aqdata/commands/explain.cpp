@@ -134,14 +134,14 @@ std::vector<int> bandsWithout(const Explained& explained) {
   return bands;
 }
 
-/// The explanation of a record's correction, as an analyst would write it.
+/// The explanation of a record's correction in words.
 std::string sentenceOf(const Explained& explained, const aq::ToneCorrection& tone) {
   const std::string record =
       explained.record ? fmt::format("Record {}", *explained.record) : "The spectrum";
   std::string text;
   if (tone.band == 0) {
     text = fmt::format("{} has no tone correction", record);
-    text += tone.rows.size() < 3 ? ", as it takes three bands from 80 Hz up."
+    text += tone.rows.size() < 3 ? ", which takes three bands from 80 Hz up."
                                  : ": no level is 1.5 dB or more above the background.";
   } else {
     const aq::ToneStep& step = tone.rows[static_cast<std::size_t>(tone.band - 19)];
@@ -192,8 +192,8 @@ void addExplain(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<ExplainChoice>();
   CLI::App* const command = addCommand(
       program, session, "explain", "Explain the tone correction of a record, step by step",
-      "A slope that changes by more than 5 dB and a level that is removed to find the\n"
-      "background L'' have a star. A spectrum record needs no --record.\n\n"
+      "A star marks a slope that changes by more than 5 dB, and a level that is removed\n"
+      "to find the background. A spectrum record needs no --record.\n\n"
       "Examples:\n"
       "  aqdata explain fly-over.sth.csv --record 30 --mask fly-over.mask.csv\n",
       [&session, choice] { explain(session, *choice); });

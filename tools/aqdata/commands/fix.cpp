@@ -24,11 +24,11 @@ struct FixChoice {
   bool noOriginal = false;
 };
 
-/// What became of a file.
+/// The outcome for a file.
 struct FixOutcome {
   aq::Mended mended = {};
   std::string output = {};    // empty when nothing was written
-  std::string original = {};  // where it is kept, if it is
+  std::string original = {};  // where it is kept; empty if it is not
   std::vector<std::string> errors = {};
   std::size_t warnings = 0;
   std::string failure = {};
@@ -48,7 +48,7 @@ std::string bytesOf(const std::string& path) {
   return bytes;
 }
 
-/// The name that a file has unpacked.
+/// The name of a file after unpacking.
 std::string unpackedName(const std::string& path) {
   constexpr std::string_view kEnding = ".gz";
   const bool packed = aq::upperCased(path).ends_with(".GZ");
@@ -59,12 +59,11 @@ void writeBytes(const std::string& path, std::string_view bytes) {
   try {
     aq::platform::replaceFile(path, bytes);
   } catch (const aq::platform::SystemError& error) {
-    throw Failure(
-        fmt::format("{}: expected {}, found {}", aq::escaped(path), error.wanted(), error.what()));
+    throw refusal(path, error);
   }
 }
 
-/// Keeps a file next to itself, with its date.
+/// Keeps a copy of a file next to it, with its date.
 std::string keepOriginal(const std::string& path, std::string_view bytes) {
   std::string original = path + ".orig";
   std::error_code error;
@@ -76,7 +75,7 @@ std::string keepOriginal(const std::string& path, std::string_view bytes) {
   return original;
 }
 
-/// Writes the mended text in place of the file, whose original is kept next to it.
+/// Replaces the file by the mended text, and keeps the original next to it.
 void writeInPlace(const Session& session, const std::string& path, std::string_view bytes,
                   const FixChoice& choice, FixOutcome& outcome) {
   const std::string place = unpackedName(path);
@@ -165,10 +164,10 @@ void tellOutcome(Session& session, const std::string& file, const FixOutcome& ou
 
 void fix(Session& session, const FixChoice& choice) {
   if (!session.output.empty() && !choice.write) {
-    throw Failure("-o and no --write contradict each other: nothing is written without it");
+    throw Failure("-o needs --write, without which nothing is written");
   }
   if (!choice.write && choice.noOriginal) {
-    throw Failure("--no-orig and no --write contradict each other");
+    throw Failure("--no-orig needs --write");
   }
   const std::vector<std::string> files = chosenFiles(session, {".CSV.GZ", ".SPC.GZ"});
   std::optional<OutputPlaces> places;
@@ -208,21 +207,22 @@ void fix(Session& session, const FixChoice& choice) {
 
 void addFix(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<FixChoice>();
-  CLI::App* const command =
-      addCommand(program, session, "fix", "Take back what other programs did to the text of files",
-                 "Mends only what is certain: gzip, UTF-16, a byte order mark, old line ends,\n"
-                 "semicolons, tabs, quotes and filled up lines of a spreadsheet, blank lines,\n"
-                 "decimal commas. A comment in the file says what was done; the rest is reported.\n"
-                 "Without --write nothing changes, and the exit status is 1 when there is work.\n"
-                 "Into a folder OUT go all files, also those without a fault.\n\n"
-                 "Examples:\n"
-                 "  aqdata fix .\n"
-                 "  aqdata fix fly-over.sth.csv --write -o mended.sth.csv\n",
-                 [&session, choice] { fix(session, *choice); });
+  CLI::App* const command = addCommand(
+      program, session, "fix", "Undo what other programs did to the text of files",
+      "Undoes only what is certain: gzip, UTF-16, byte order marks, carriage returns as\n"
+      "line ends, semicolons, tabs, quotes and padding added by spreadsheets, blank\n"
+      "lines, and decimal commas. A comment in the file says what was changed; anything\n"
+      "uncertain is only reported. Without --write, prints what would change and exits\n"
+      "with status 1 if anything would. If OUT is a folder, it receives all files,\n"
+      "including those that need no change.\n\n"
+      "Examples:\n"
+      "  aqdata fix .\n"
+      "  aqdata fix fly-over.sth.csv --write -o mended.sth.csv\n",
+      [&session, choice] { fix(session, *choice); });
   addFiles(*command, session);
-  command->add_flag("--write", choice->write, "Do it: in place, or to OUT");
-  command->add_flag("--no-orig", choice->noOriginal, "Keep no original as FILE.orig");
-  addOutputFile(*command, session, "The mended file, or a folder", false);
+  command->add_flag("--write", choice->write, "Write the changes, in place or to OUT");
+  command->add_flag("--no-orig", choice->noOriginal, "Do not keep the original as FILE.orig");
+  addOutputFile(*command, session, "The file or folder to write", false);
   addJobs(*command, session);
 }
 

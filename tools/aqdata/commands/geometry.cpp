@@ -21,8 +21,8 @@ struct GeometryChoice {
   std::string records;
 };
 
-/// The points numbered from 1, as a file holds them. Throws `Failure` if a record of the range has
-/// none.
+/// The points, numbered from 1 as a file requires. Throws `Failure` if a record of the range has no
+/// point.
 aq::AQ_GeometryTimeHistory numberedPoints(const aq::AQ_SpectralTimeHistory& history,
                                           const aq::AQ_GeometryTimeHistory& points,
                                           const Range& range, const std::string& file) {
@@ -47,7 +47,8 @@ aq::AQ_GeometryTimeHistory numberedPoints(const aq::AQ_SpectralTimeHistory& hist
         fmt::format("{}: no position for the emission of {}: {}; --records A:B selects others",
                     aq::escaped(file), counted(without.size(), "record"), recordsText(without)));
   }
-  if (next == 0) throw Failure(fmt::format("{}: has none of these records", aq::escaped(file)));
+  if (next == 0)
+    throw Failure(fmt::format("{}: contains none of these records", aq::escaped(file)));
   return geometry;
 }
 
@@ -93,9 +94,9 @@ void geometry(Session& session, const GeometryChoice& choice) {
 void addGeometry(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<GeometryChoice>();
   CLI::App* const command = addCommand(
-      program, session, "geometry", "Find where the source was when it emitted each record",
-      "Coordinates are in metres. The source flies straight between positions;\n"
-      "the sound of every record must be emitted between them.\n\n"
+      program, session, "geometry", "Compute where the source was when it emitted each record",
+      "Coordinates are in metres. The source is taken to fly straight from position to\n"
+      "position; every record must have been emitted between the first and the last.\n\n"
       "Examples:\n"
       "  aqdata geometry fly-over.sth.csv fly-over.tspi.csv fly-over.mic.csv \\\n"
       "    --celsius 20 --records 10:50 -o made.gth.csv\n",
@@ -103,11 +104,12 @@ void addGeometry(CLI::App& program, Session& session) {
   addFile(*command, choice->history, "HISTORY", "The spectral time history");
   addFile(*command, choice->positions, "POSITIONS", "A position time history or tracking file");
   addFile(*command, choice->microphone, "MICROPHONE", "The microphone position file");
-  command->add_option("--celsius", choice->celsius, "The temperature of the air in degrees Celsius")
+  command->add_option("--celsius", choice->celsius, "The air temperature in degrees Celsius")
       ->required()
       ->check(finiteNumber, "")
       ->option_text("T");
-  command->add_option("--records", choice->records, "Only these records")->option_text("A:B");
+  command->add_option("--records", choice->records, "Compute only these records")
+      ->option_text("A:B");
   addOutputFile(*command, session, "The geometric time history to write");
 }
 

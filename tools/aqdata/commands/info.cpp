@@ -144,7 +144,7 @@ Json channelInfo(const aq::sdf::Record& channel) {
           {"range_db_v_peak", channel.real(kChannel["range"])}};
 }
 
-/// What a recording has besides its levels.
+/// What a recording holds besides levels.
 void addRecording(const std::string& path, Json& info) {
   const auto recording = aq::sdf::Recording::fromFile(path);
   info["revision"] = recording.records().revision();
@@ -163,7 +163,7 @@ struct Outcome {
   std::string failure = {};
 };
 
-/// A recording without levels, such as a time signal; nothing for any other file.
+/// The recording in a file without levels, such as a time signal; nothing for any other file.
 std::optional<Json> infoWithoutLevels(const std::string& path, const std::string& failure) {
   constexpr auto kKind = aq::FileKind::AnalyzerRecording;
   if (aq::kindOfFile(path) != kKind) return std::nullopt;
@@ -193,7 +193,7 @@ Outcome infoOf(const std::string& path) {
   }
 }
 
-/// The parts of an object that are not empty, as in `label Mic 1, unit Pa`.
+/// The non-empty parts of an object, as in `label Mic 1, unit Pa`.
 std::string partsText(const Json& object) {
   std::string text;
   for (const auto& [key, value] : object.items()) {
@@ -286,7 +286,7 @@ const std::vector<Table::Column> kColumns{{"file"},
                                           {"stamp", false, true},
                                           {"project", false, true}};
 
-/// The fields that a condition, columns and an order may name: keys of the documents.
+/// The keys that --where, --columns and --sort may name.
 std::vector<std::string> fieldNames() {
   std::vector<std::string> names{"file",     "kind",      "records",  "positions", "first",
                                  "last",     "missing",   "begin",    "end",       "duration_s",
@@ -296,7 +296,7 @@ std::vector<std::string> fieldNames() {
   return names;
 }
 
-/// What is listed of many files, and in which order.
+/// Which files and columns to list, and in which order.
 class Listing {
  public:
   explicit Listing(const InfoChoice& choice)
@@ -305,7 +305,7 @@ class Listing {
     if (!choice.where.empty()) wanted_ = conditionFrom(choice.where, fields);
     for (const std::string& column : columns_) expectField(column, fields);
     for (const std::string& key : keys_) expectField(key, fields);
-    if (choice.reverse && keys_.empty()) throw Failure("--reverse of which order? --sort says it");
+    if (choice.reverse && keys_.empty()) throw Failure("--reverse needs --sort");
   }
 
   [[nodiscard]] bool isChosen() const { return wanted_ || !columns_.empty() || !keys_.empty(); }
@@ -337,7 +337,7 @@ class Listing {
       const Json& other = fieldOf(b, field);
       const int order = compareFields(one, other);
       const bool lacking =
-          listText(one, "").empty() != listText(other, "").empty();  // they are last
+          listText(one, "").empty() != listText(other, "").empty();  // they come last
       if (order != 0) return falls_ && !lacking ? order > 0 : order < 0;
     }
     return false;
@@ -404,25 +404,27 @@ void info(Session& session, const InfoChoice& choice) {
 
 void addInfo(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<InfoChoice>();
-  CLI::App* const command = addCommand(program, session, "info",
-                                       "Describe files: a card for one, a line each for several",
-                                       "Examples:\n"
-                                       "  aqdata info fly-over.sth.csv\n"
-                                       "  aqdata info --json .\n"
-                                       "  aqdata info . --where 'records>10 and begin>=14:00' \\\n"
-                                       "    --columns file,microphone,records --sort begin\n",
-                                       [&session, choice] { info(session, *choice); });
+  CLI::App* const command =
+      addCommand(program, session, "info", "Describe a file on a card, or several files in a table",
+                 "Examples:\n"
+                 "  aqdata info fly-over.sth.csv\n"
+                 "  aqdata info --json .\n"
+                 "  aqdata info . --where 'records>10 and begin>=14:00' \\\n"
+                 "    --columns file,microphone,records --sort begin\n",
+                 [&session, choice] { info(session, *choice); });
   addFiles(*command, session);
   command
-      ->add_option("--where", choice->where, "Those that fit, as in records>10: fields of --json")
+      ->add_option("--where", choice->where, "Only files that match a condition, as in records>10")
       ->option_text("TEXT");
-  command->add_option("--columns", choice->columns, "These fields, with commas")
+  command
+      ->add_option("--columns", choice->columns,
+                   "The columns to show, separated by commas: --json keys")
       ->delimiter(',')
       ->option_text("FIELDS");
-  command->add_option("--sort", choice->sort, "By these fields, with commas")
+  command->add_option("--sort", choice->sort, "Sort by these columns, separated by commas")
       ->delimiter(',')
       ->option_text("FIELDS");
-  command->add_flag("--reverse", choice->reverse, "From the last of that order to the first");
+  command->add_flag("--reverse", choice->reverse, "Sort in descending order");
   addJobs(*command, session);
 }
 

@@ -16,12 +16,12 @@ struct JoinChoice {
   bool maps = false;
 };
 
-/// Pieces of one run say the same of it in their headers.
+/// The headers of pieces of one run must agree.
 void expectSameHeader(const History& one, const History& other, const std::string& file) {
   const auto expectWord = [&](const char* what, const std::string& a, const std::string& b) {
     if (a == b) return;
-    throw Failure(fmt::format("{}: has the {} {}, the piece before it {}", aq::escaped(file), what,
-                              aq::shown(b), aq::shown(a)));
+    throw Failure(fmt::format("{}: has the {} {}, but the piece before it has {}",
+                              aq::escaped(file), what, aq::shown(b), aq::shown(a)));
   };
   expectWord("project", one.header->sProjectName, other.header->sProjectName);
   expectWord("microphone", one.header->sMicrophoneID, other.header->sMicrophoneID);
@@ -35,7 +35,7 @@ std::string pieceText(const std::string& file, std::int32_t low, std::int32_t hi
                     : fmt::format("{} (records {} to {}, were {} on)", name, low, high, was);
 }
 
-/// Joins a piece to what there is of the run; gives how many records were missing between them.
+/// Appends a piece to the run; returns how many records were missing between them.
 std::int32_t append(Run& run, Run& piece, const std::string& file, const JoinChoice& choice) {
   expectSameHeader(run.history, piece.history, file);
   expectKnownWords(piece.history, file);
@@ -43,7 +43,7 @@ std::int32_t append(Run& run, Run& piece, const std::string& file, const JoinCho
     const std::int32_t gap = aq::recordsMissing(*run.history.model, *piece.history.model);
     if (gap > 0 && !choice.fill) {
       throw Failure(fmt::format(
-          "{}: {} missing before it; --fill gives them levels of 9999", aq::escaped(file),
+          "{}: {} missing before it; --fill adds records of 9999", aq::escaped(file),
           counted(static_cast<std::size_t>(gap), "record") + (gap == 1 ? " is" : " are")));
     }
     run.history.model = aq::joinHistories(*run.history.model, *piece.history.model, choice.fill);
@@ -97,10 +97,11 @@ void join(Session& session, const JoinChoice& choice) {
 void addJoin(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<JoinChoice>();
   CLI::App* const command =
-      addCommand(program, session, "join", "Join pieces of one run",
-                 "The pieces follow each other by their stamps, which stay, and agree in bands,\n"
-                 "averaging, reference, project, microphone and adjustment. Records count on\n"
-                 "from the first piece. stamp gives a piece another reference.\n\n"
+      addCommand(program, session, "join", "Join the pieces of one run",
+                 "Pieces are joined in the order of their time stamps, which do not change. They\n"
+                 "must agree in bands, averaging, reference, project, microphone and adjustment;\n"
+                 "use stamp to change the reference of a piece. Records are numbered on from the\n"
+                 "first piece.\n\n"
                  "Examples:\n"
                  "  aqdata cut fly-over.sth.csv --records :20 -o a.sth.csv\n"
                  "  aqdata cut fly-over.sth.csv --records 24: -o b.sth.csv\n"
@@ -109,9 +110,9 @@ void addJoin(CLI::App& program, Session& session) {
   command->add_option("HISTORIES", session.files, "The pieces, in the order of their times")
       ->required()
       ->type_name("");
-  command->add_flag("--fill", choice->fill, "Fill a gap with records of 9999, not valid");
-  command->add_flag("--masks", choice->maps,
-                    "Join the maps next to them too, into one next to OUT");
+  command->add_flag("--fill", choice->fill,
+                    "Fill gaps with records whose levels are 9999, not valid");
+  command->add_flag("--masks", choice->maps, "Also join the maps next to the pieces");
   addOutputFile(*command, session, "The history to write");
 }
 

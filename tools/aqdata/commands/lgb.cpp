@@ -40,15 +40,15 @@ void lgb(Session& session, const LgbChoice& choice) {
 
 void addLgb(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<LgbChoice>();
-  CLI::App* const command =
-      addCommand(program, session, "lgb", "Find the last good band of every record",
-                 "0 means that no band from 29 up is masked, 9999 that the record has\n"
-                 "no good band.\n\n"
-                 "Examples:\n"
-                 "  aqdata lgb fly-over.sth.csv fly-over.mask.csv\n",
-                 [&session, choice] { lgb(session, *choice); });
+  CLI::App* const command = addCommand(
+      program, session, "lgb", "Find the last good band of every record",
+      "The last good band is the band below the first masked band from 29 (800 Hz) up.\n"
+      "0 means that no band from 29 up is masked, 9999 that bands 28 and 29 both are.\n\n"
+      "Examples:\n"
+      "  aqdata lgb fly-over.sth.csv fly-over.mask.csv\n",
+      [&session, choice] { lgb(session, *choice); });
   addFile(*command, choice->history, "HISTORY", "The spectral time history");
-  addFile(*command, choice->map, "MAP", "Its masking map");
+  addFile(*command, choice->map, "MAP", "The masking map of the history");
 }
 
 }  // namespace aqdata

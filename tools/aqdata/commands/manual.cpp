@@ -60,11 +60,12 @@ std::string manual(CLI::App& program) {
       ".SH SYNOPSIS\n\\fBaqdata\\fR COMMAND ...\n"
       ".SH DESCRIPTION\n{}\n{}"
       ".SH COMMANDS\n{}"
-      ".SH JSON\nWith \\-\\-json, results are documents of one line. Their keys are listed in\n"
+      ".SH JSON\nWith \\-\\-json, each result is a JSON document on one line. The keys are listed "
+      "in\n"
       ".IR {}/aqdata.md .\n"
-      ".SH FILES\n.TP\n.I {}\nThe formats of the files, page by page, and this program's own "
-      "page.\n"
-      ".SH ENVIRONMENT\n.TP\nNO_COLOR\nNo colours, if it holds anything.\n",
+      ".SH FILES\n.TP\n.I {}\nThe documentation: a page for each file format, and one for this "
+      "program.\n"
+      ".SH ENVIRONMENT\n.TP\nNO_COLOR\nIf set, no colours are printed.\n",
       AQDATA_VERSION, "inspect, check and convert files of aircraft noise measurements",
       program.get_description(), literal(program.get_footer()), commands, roff(AQDATA_DOCUMENTS),
       roff(AQDATA_DOCUMENTS));

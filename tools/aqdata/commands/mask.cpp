@@ -77,19 +77,19 @@ void mask(Session& session, const MaskChoice& choice) {
 
 void addMask(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<MaskChoice>();
-  CLI::App* const command = addCommand(
-      program, session, "mask", "Make a masking map: mask levels too close to the ambient",
-      "Examples:\n"
-      "  aqdata mask fly-over.sth.csv --ambient fly-over.ssr.csv --margin 3 \\\n"
-      "    -o made.mask.csv\n",
-      [&session, choice] { mask(session, *choice); });
+  CLI::App* const command =
+      addCommand(program, session, "mask", "Make a masking map of levels close to the ambient",
+                 "Examples:\n"
+                 "  aqdata mask fly-over.sth.csv --ambient fly-over.ssr.csv --margin 3 \\\n"
+                 "    -o made.mask.csv\n",
+                 [&session, choice] { mask(session, *choice); });
   addFile(*command, choice->history, "HISTORY", "The spectral time history");
   command->add_option("--ambient", choice->ambient, "The spectrum record of the ambient")
       ->required()
       ->option_text("AMBIENT");
   command
       ->add_option("--margin", choice->margin, "Mask levels less than this above the ambient (3)")
-      ->check(finiteNumber, "")
+      ->check(numberFromZero, "")
       ->option_text("DB");
   addOutputFile(*command, session, "The masking map to write");
 }

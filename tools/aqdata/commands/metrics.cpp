@@ -25,7 +25,8 @@ struct MetricsChoice {
 struct FileMetrics {
   Json document = {};  // with the records if requested
   std::size_t records = 0;
-  std::vector<std::string> words = {};  // about the event and what could not be computed
+  std::vector<std::string> words =
+      {};  // about the event, and about values that could not be computed
   std::string failure = {};
 };
 
@@ -128,7 +129,7 @@ void addMetricLines(const Json& document, CsvLines& lines) {
   }
 }
 
-/// Takes the outcomes of a run, one after the other.
+/// Receives the outcomes of all files, one after the other.
 class MetricsReport {
  public:
   MetricsReport(Session& session, bool oneFile) : session_(session), oneFile_(oneFile) {
@@ -139,10 +140,7 @@ class MetricsReport {
 
   void take(const FileMetrics& outcome) {
     if (!session_.output.empty()) {
-      if (oneFile_)
-        addMetricLines(outcome.document, lines_);
-      else
-        lines_.add(eventCells(outcome, cellText));
+      take(outcome, lines_);
     } else if (session_.json) {
       session_.printDocument(outcome.document);
     } else if (oneFile_) {
@@ -159,10 +157,9 @@ class MetricsReport {
   void finish(std::size_t files) {
     if (!session_.output.empty()) {
       if (session_.status() != kFine)
-        throw Failure("nothing is written, since not all was computed");
+        throw Failure("nothing is written, since not all files could be computed");
       writeLines(session_, lines_.all());
-      session_.wrote(
-          fmt::format("the {} of {}", oneFile_ ? "metrics" : "events", counted(files, "file")));
+      session_.wrote(oneFile_ ? event_ : fmt::format("the events of {}", counted(files, "file")));
     } else if (!session_.json && !oneFile_) {
       if (terminal::onOutput()) table_.fit(static_cast<std::size_t>(terminal::width()));
       table_.print(session_);
@@ -170,8 +167,17 @@ class MetricsReport {
   }
 
  private:
+  /// Adds the records of a single file, and the event of one of several.
+  void take(const FileMetrics& outcome, CsvLines& lines) {
+    if (!oneFile_) return lines.add(eventCells(outcome, cellText));
+    addMetricLines(outcome.document, lines);
+    event_ = fmt::format("the metrics of {}; {}", counted(outcome.records, "record"),
+                         outcome.words.front());
+  }
+
   Session& session_;
   bool oneFile_;
+  std::string event_;  // of a single file, whose table has records alone
   CsvLines lines_;
   Table table_{{{"file"},
                 {"records", true, true},
@@ -189,7 +195,7 @@ void metrics(Session& session, const MetricsChoice& choice) {
   const std::vector<std::string> files = chosenHistories(session);
   const bool oneFile = files.size() == 1;
   if (!choice.map.empty() && !oneFile) {
-    throw Failure("--mask is the map of one history; --masks finds those of several");
+    throw Failure("--mask names the map of a single history; use --masks for several");
   }
   if (!session.output.empty()) expectOutput(session, {".csv"}, files);
   const bool withRecords = oneFile || (session.json && session.output.empty());
@@ -219,8 +225,10 @@ void addMetrics(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<MetricsChoice>();
   CLI::App* const command =
       addCommand(program, session, "metrics", "Compute noise metrics and the event: PNLT, EPNL",
-                 "Prints records and event for one history, one line each for several histories;\n"
-                 "uses the histories of a folder. INTEG is the part of a record in the event.\n\n"
+                 "One history: prints the metrics of each record, then the event. Several, or a\n"
+                 "folder: prints the event of each history on one line. -o writes the same table;\n"
+                 "that of one history has no event. INTEG says which part of the event a record\n"
+                 "is: the maximum, the first or last record of the sum, or a second peak.\n\n"
                  "Examples:\n"
                  "  aqdata metrics fly-over.sth.csv --mask fly-over.mask.csv\n"
                  "  aqdata metrics fly-over.sth.csv --masks -o metrics.csv\n",
@@ -228,8 +236,8 @@ void addMetrics(CLI::App& program, Session& session) {
   addFiles(*command, session);
   command->add_option("--mask", choice->map, "The masking map of the history")->option_text("MAP");
   command->add_flag("--masks", choice->maps,
-                    "Maps next to the histories: x.mask.csv for x.sth.csv");
-  addOutputFile(*command, session, "A table to write, comma-separated", false);
+                    "Use maps next to histories: x.mask.csv for x.sth.csv");
+  addOutputFile(*command, session, "The table to write, comma-separated", false);
   addJobs(*command, session);
 }
 

@@ -10,7 +10,8 @@ namespace {
 void plot(Session& session) {
   const std::vector<std::string> files = chosenFiles(session);
   if (session.status() != kFine) return;
-  if (session.intoStream()) throw Failure("a picture goes to a file");
+  if (session.intoStream())
+    throw Failure("a picture cannot go to standard output: name a file with -o");
   expectOutput(session, {".png", ".svg", ".pdf"}, files);
   if (session.output.find('.') == session.output.npos) {
     throw Failure(fmt::format("{}: expected a name that ends in .png, .svg, .pdf",
@@ -28,13 +29,13 @@ void plot(Session& session) {
 }  // namespace
 
 void addPlot(CLI::App& program, Session& session) {
-  CLI::App* const command =
-      addCommand(program, session, "plot", "Draw a run on a page: a picture for reports",
-                 "FILES are those of one run, of each kind one: a history, its map, ambient,\n"
-                 "tracking or positions, geometry, microphone. The Python package draws.\n\n"
-                 "Examples:\n"
-                 "  aqdata plot fly-over.sth.csv fly-over.mask.csv -o fly-over.png\n",
-                 [&session] { plot(session); });
+  CLI::App* const command = addCommand(
+      program, session, "plot", "Draw one run on a page",
+      "FILES are the files of one run, at most one of each kind: history, map, ambient,\n"
+      "tracking or positions, geometry and microphone. Needs the Python package.\n\n"
+      "Examples:\n"
+      "  aqdata plot fly-over.sth.csv fly-over.mask.csv -o fly-over.png\n",
+      [&session] { plot(session); });
   addFiles(*command, session);
   addOutputFile(*command, session, "The picture to write: .png, .svg or .pdf");
 }

@@ -21,7 +21,7 @@ namespace {
 using report::RunChoice;
 using report::RunData;
 
-/// A run whose history did not read, which the page names.
+/// A run whose history could not be read, which the page names.
 RunData failedRun(const std::string& file, const std::string& why) {
   const std::string name = pathOf(file).filename().string();
   RunData run;
@@ -44,7 +44,7 @@ std::string titleOf(const std::vector<std::string>& files) {
   return pathOf(files.front()).filename().string();
 }
 
-/// Puts the page together, and tells what the runs have to complain of.
+/// Makes the page, and reports what is wrong with the runs.
 std::string pageOf(Session& session, const std::vector<std::string>& files,
                    const RunChoice& choice) {
   report::Page page(titleOf(files));
@@ -63,7 +63,7 @@ std::string pageOf(Session& session, const std::vector<std::string>& files,
         page.addRun(run.document);
         runs.push_back(std::move(run.summary));
       });
-  if (read == 0) throw Failure("nothing is written, as no history was read");
+  if (read == 0) throw Failure("nothing is written, since no history could be read");
   return std::move(page).finished({{"runs", std::move(runs)}});
 }
 
@@ -72,8 +72,8 @@ void makeReport(Session& session, const RunChoice& choice) {
   if (files.empty()) return;
   if (choice.isOfOneRun() && files.size() != 1) {
     throw Failure(
-        "--mask, --positions and --geometry are files of one history; those next to several are "
-        "taken by their names");
+        "--mask, --positions and --geometry name files of a single history; for several, the files "
+        "next to them are used");
   }
   expectOutput(session, {".html", ".htm"}, files);
   const std::string place = outputPlace(session);
@@ -81,8 +81,7 @@ void makeReport(Session& session, const RunChoice& choice) {
   try {
     aq::platform::replaceFile(place, page);
   } catch (const aq::platform::SystemError& error) {
-    throw Failure(
-        fmt::format("{}: expected {}, found {}", aq::escaped(place), error.wanted(), error.what()));
+    throw refusal(place, error);
   }
   constexpr double kMegabyte = 1e6;
   session.wrote(fmt::format("a page of {}, {:.1f} MB", counted(files.size(), "run"),
@@ -93,30 +92,30 @@ void makeReport(Session& session, const RunChoice& choice) {
 
 void addReport(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<RunChoice>();
-  CLI::App* const command = addCommand(
-      program, session, "report", "Make a page to look at runs in a browser",
-      "The page is one file that needs no network. Of a folder its histories are taken;\n"
-      "what goes with x.sth.csv is taken from the files next to it: x.mask.csv,\n"
-      "x.ambient.ssr.csv or x.ssr.csv, x.pth.csv or x.tspi.csv, x.mic.csv, x.gth.csv,\n"
-      "and the positions and microphone that x.gth.csv names.\n\n"
-      "Examples:\n"
-      "  aqdata report fly-over.sth.csv --celsius 20 -o fly-over.html\n"
-      "  aqdata report . -o season.html\n",
-      [&session, choice] { makeReport(session, *choice); });
+  CLI::App* const command =
+      addCommand(program, session, "report", "Make a page to explore runs in a browser",
+                 "The page is a single HTML file that needs no network. Given a folder, uses the\n"
+                 "histories in it. For a history x.sth.csv, also uses the files next to it:\n"
+                 "x.mask.csv, x.ambient.ssr.csv or x.ssr.csv, x.pth.csv or x.tspi.csv, x.mic.csv,\n"
+                 "x.gth.csv, and the positions and microphone that x.gth.csv names.\n\n"
+                 "Examples:\n"
+                 "  aqdata report fly-over.sth.csv --celsius 20 -o fly-over.html\n"
+                 "  aqdata report . -o season.html\n",
+                 [&session, choice] { makeReport(session, *choice); });
   addFiles(*command, session);
   const auto addName = [&](const char* name, std::string& file, const char* what) {
     command->add_option(name, file, what)->option_text("FILE");
   };
-  addName("--mask", choice->map, "The masking map of the history");
-  addName("--ambient", choice->ambient, "The ambient, a spectrum record");
-  addName("--positions", choice->positions, "The positions, or a tracking file");
-  addName("--microphone", choice->microphone, "The microphone position file");
-  addName("--geometry", choice->geometry, "The geometric time history");
+  addName("--mask", choice->map, "Use this masking map");
+  addName("--ambient", choice->ambient, "Use this spectrum record as the ambient");
+  addName("--positions", choice->positions, "Use these positions or this tracking file");
+  addName("--microphone", choice->microphone, "Use this microphone position file");
+  addName("--geometry", choice->geometry, "Use this geometric time history");
   command
-      ->add_option("--celsius", choice->celsius, "Compute a missing geometry for this temperature")
+      ->add_option("--celsius", choice->celsius, "Compute missing geometries for this temperature")
       ->check(finiteNumber, "")
       ->option_text("T");
-  command->add_flag("--alone", choice->alone, "Take nothing that is next to the histories");
+  command->add_flag("--alone", choice->alone, "Use no files next to the histories");
   addOutputFile(*command, session, "The page to write");
   addJobs(*command, session);
 }

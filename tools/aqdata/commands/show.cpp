@@ -162,25 +162,25 @@ void head(Session& session, ShowChoice choice) {
 
 void addShow(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<ShowChoice>();
-  CLI::App* const command =
-      addCommand(program, session, "show", "Show the records of a file as a table or drawn",
-                 "Draws the spectrum of one record, the level history of one band, or otherwise\n"
-                 "that of all bands together. Masked levels have a star in tables, are drawn\n"
-                 "as dots or light bars, and do not count in the level of all bands together.\n\n"
-                 "Examples:\n"
-                 "  aqdata show fly-over.sth.csv --records 28:32 --bands 20:30 \\\n"
-                 "    --mask fly-over.mask.csv\n"
-                 "  aqdata show fly-over.sth.csv --plot --bands 30\n"
-                 "  aqdata show fly-over.sth.csv --spectrogram\n",
-                 [&session, choice] { show(session, *choice); });
+  CLI::App* const command = addCommand(
+      program, session, "show", "Show the records of a file, as a table or a drawing",
+      "--plot draws the spectrum of one record, the level of one band over time, or the\n"
+      "overall level over time. Masked levels have a star in tables and are drawn as\n"
+      "dots or light bars; the overall level leaves them out.\n\n"
+      "Examples:\n"
+      "  aqdata show fly-over.sth.csv --records 28:32 --bands 20:30 \\\n"
+      "    --mask fly-over.mask.csv\n"
+      "  aqdata show fly-over.sth.csv --plot --bands 30\n"
+      "  aqdata show fly-over.sth.csv --spectrogram\n",
+      [&session, choice] { show(session, *choice); });
   addFile(*command, choice->file, "FILE", "The file to show");
   const auto addRange = [&](const char* name, std::string& range, const char* what) {
     command->add_option(name, range, what)->option_text("A:B");
   };
-  addRange("--records", choice->records, "Only these records");
-  addRange("--bands", choice->bands, "The levels of these bands");
-  command->add_flag("--levels", choice->levels, "The levels of all bands");
-  command->add_option("--mask", choice->map, "The masking map that marks levels")
+  addRange("--records", choice->records, "Show only these records");
+  addRange("--bands", choice->bands, "Show the levels of these bands");
+  command->add_flag("--levels", choice->levels, "Show the levels of all bands");
+  command->add_option("--mask", choice->map, "Mark the levels that this map masks")
       ->option_text("MAP");
   command->add_flag("--plot", choice->plot, "Draw the levels");
   command->add_flag("--spectrogram", choice->spectrogram, "Draw all levels in colours");
@@ -196,7 +196,7 @@ void addHead(CLI::App& program, Session& session) {
                                          head(session, *choice);
                                        });
   addFiles(*command, session);
-  command->add_option("-n,--lines", choice->most, "How many records (10)")
+  command->add_option("-n,--lines", choice->most, "The number of records (10)")
       ->check(wholeNumber(0, 32767), "")
       ->option_text("N");
 }

@@ -50,7 +50,7 @@ aq::AQ_RefTimeType referenceOf(const History& read, const StampChoice& choice) {
                   aq::escaped(choice.file), aq::shown(read.words.reference())));
 }
 
-/// The types of stamp and reference are overwritten; the file's other words must be known.
+/// Stamp and reference type are replaced; the averaging method must be a known word.
 void expectKnownAveraging(History read, const std::string& file) {
   std::erase_if(read.others, [](const auto& other) { return other.what != "averaging method"; });
   expectKnownWords(read, file);
@@ -91,8 +91,11 @@ void stamp(Session& session, const StampChoice& choice) {
 void addStamp(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<StampChoice>();
   CLI::App* const command =
-      addCommand(program, session, "stamp", "Stamp the records of a history, half a second each",
-                 "A reference is START, OVERHEAD, AMAX, PMAX, TMAX, OAMAX, HACK or OTHER.\n\n"
+      addCommand(program, session, "stamp", "Set the time stamps of a history",
+                 "Records are half a second long. The reference marks the START of the\n"
+                 "measurement, the source OVERHEAD, the largest A-weighted level (AMAX), PNL\n"
+                 "(PMAX), PNLT (TMAX) or overall level (OAMAX), a mark set by hand (HACK), or\n"
+                 "an OTHER event.\n\n"
                  "Examples:\n"
                  "  aqdata stamp fly-over.sth.csv --start 10:00:00 --type MIDPT \\\n"
                  "    --ref 10:00:14.75 --ref-type OVERHEAD -o stamped.sth.csv\n",
@@ -103,13 +106,14 @@ void addStamp(CLI::App& program, Session& session) {
   };
   add("--start", choice->start, "The time of day at which record 1 begins", "TIME")->required();
   addWords(session,
-           *add("--type", choice->type, "What a stamp names: START, MIDPT, END, ICAOSLO or OLDSLO",
+           *add("--type", choice->type, "What a stamp gives: START, MIDPT, END, ICAOSLO, OLDSLO",
                 "TYPE"),
            wordsOf<aq::AQ_TimeStampType>());
-  add("--ref", choice->reference, "The time of day that times are relative to", "TIME")->required();
+  add("--ref", choice->reference, "The reference time, from which relative times count", "TIME")
+      ->required();
   addWords(session,
            *add("--ref-type", choice->referenceType,
-                "What the reference marks, as OVERHEAD (as in the file)", "TYPE"),
+                "What the reference marks (default: as in the file)", "TYPE"),
            wordsOf<aq::AQ_RefTimeType>());
   addOutputFile(*command, session, "The history to write");
 }

@@ -13,7 +13,7 @@ function pair(name, value) {
   return element("div", {}, element("dt", {}, name), element("dd", {}, value));
 }
 
-/** What the header says, which files went into the page, and the event in figures. */
+/** The header, the files that the page was made from, and the figures of the event. */
 export function card(run) {
   const { header, sources, event, file } = run.data;
   const pairs = [pair("File", file)];
@@ -79,7 +79,7 @@ export function findings(run, onRecord) {
     );
   });
   const more =
-    all.length > FINDINGS_ON_PAPER ? `and ${all.length - FINDINGS_ON_PAPER} more in the page` : "";
+    all.length > FINDINGS_ON_PAPER ? `and ${all.length - FINDINGS_ON_PAPER} more on the screen` : "";
   return element(
     "div",
     { class: "findings" },
@@ -89,7 +89,7 @@ export function findings(run, onRecord) {
   );
 }
 
-/** The event and what could not be computed, in words. */
+/** The event, and values that could not be computed, in words. */
 export function words(run) {
   const lines = run.data.words ?? [];
   return element("ul", { class: "words" }, ...lines.map((line) => element("li", {}, line)));

@@ -2,12 +2,12 @@ import { decimals, extent, goingOn, unpack } from "./data.js";
 import { caption } from "./legend.js";
 import { line, plain, sideAxis, TimeChart } from "./time_chart.js";
 
-/** Slant range and angles at the emission, over the time of the record. */
+/** Slant range and angles at emission, over the time of the records. */
 export const geometry = {
   caption(run) {
     const { celsius } = run.data.geometry;
     const computed = celsius == null ? "" : `, computed for ${decimals(celsius, 1)} \u00b0C`;
-    return caption(`Geometry at the emission${computed}`, [
+    return caption(`Geometry at emission${computed}`, [
       ["level", "slant range"],
       ["theta", "theta"],
       ["beta", "beta"],

@@ -1,7 +1,7 @@
 import { element } from "./dom.js";
 import { LEVEL_COLOURS } from "./theme.js";
 
-/** The heading of a picture, and its keys: pairs of a style's name and a text. */
+/** The heading of a picture, and its keys: pairs of a style name and a text. */
 export function caption(title, keys) {
   const made = element("figcaption", {}, element("span", { class: "title" }, title));
   for (const [style, text] of keys) {
@@ -24,7 +24,7 @@ export function colourBar([low, high]) {
   bar.setAttribute("aria-hidden", "true");
   return element(
     "span",
-    { class: "scale entry", title: "Levels beyond an end have its colour" },
+    { class: "scale entry", title: "Levels beyond either end have its colour" },
     `${Math.round(low)}`,
     bar,
     `${Math.round(high)} dB`,

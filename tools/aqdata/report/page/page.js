@@ -6,7 +6,7 @@ const season = dataOf("season");
 const single = season.runs.length === 1;
 const sections = season.runs.map((summary, i) => new Section(i + 1, summary, season));
 
-/** Of one run a section; of several, parts that open and close. */
+/** One run is a section; several are sections that open and close. */
 function rootOf(section) {
   const { number, summary, body } = section;
   const name = element("h2", { id: `name-${number}` }, summary.name);
@@ -46,7 +46,7 @@ function openNamed() {
   section.root.querySelector("summary").focus({ preventScroll: true });
 }
 
-/** Goes to the run after or before the one that is open, or has the focus. */
+/** Goes to the run after or before the one that is open or has the focus. */
 function goBy(steps) {
   const shown = sections.filter(({ root }) => !root.hidden);
   const current = shown.findIndex(({ root }) => root.contains(document.activeElement));
@@ -68,7 +68,7 @@ function onKey(event) {
 let table = null;
 let printing = false;
 
-/** Paper is light, and has its own width; what is open is printed. */
+/** Prints open sections in light colours, at the width of the paper. */
 function toPaper() {
   printing = true;
   document.documentElement.classList.add("paper");
@@ -96,7 +96,7 @@ function build() {
   const [only] = season.runs;
   const title = single ? only.name : `${season.runs.length} runs`;
   const help =
-    "Drag across a picture to zoom, double-click for all of it. With the keyboard: Tab to a picture, " +
+    "Drag across a picture to zoom, double-click to show all. With the keyboard: Tab to a picture, " +
     "arrows move the cursor, + and \u2212 zoom, 0 shows all" +
     (single ? "." : "; n and p go to the next and previous run.");
   for (const section of sections) section.root = rootOf(section);

@@ -35,7 +35,7 @@ function cellText(run, name, place) {
   return decimals(value);
 }
 
-/** The rows that go to paper: of the 10 dB-down part, as many as there is room for. */
+/** The rows to print: as many of the 10 dB-down part as fit on the page. */
 function onPaper(run) {
   const { event } = run.data;
   const place = (record, otherwise) => (record == null ? otherwise : run.placeOf(record));
@@ -47,7 +47,7 @@ function onPaper(run) {
   for (let i = first; i <= last; i += step) places.add(i);
   const text = few
     ? ""
-    : `On paper: ${step > 1 ? `one in ${step} of ` : ""}records ` +
+    : `Printed: ${step > 1 ? `one in ${step} of ` : ""}records ` +
       `${run.records[first]} to ${run.records[last]} of ${run.count}.`;
   return { places, text };
 }
@@ -83,7 +83,7 @@ export class RecordTable {
     return element(
       "table",
       {},
-      element("caption", { class: "unseen" }, "Metrics of the records; levels in dB"),
+      element("caption", { class: "unseen" }, "Metrics by record; levels in dB"),
       element("thead", {}, element("tr", {}, ...names.map(head))),
       this.body,
     );

@@ -13,7 +13,7 @@ function findingsText({ failure, errors, warnings }) {
   return [...counted(errors, "error"), ...counted(warnings, "warning")].join(", ") || "none";
 }
 
-// Of each column: heading, what it is sorted by, what it shows, whether it is a number.
+// For each column: heading, sort key, text, and whether it is a number.
 const text = (key) => [(run) => run[key] ?? "", (run) => run[key] ?? "", false];
 const RUN_COLUMNS = [
   ["EPNL", (run) => run.EPNL, (run) => (run.lower_bound ? "\u2265 " : "") + number(run.EPNL), true],
@@ -34,7 +34,7 @@ const ALL = [["Run", (run) => run.name, null, false], ...RUN_COLUMNS];
 
 const collator = new Intl.Collator("en", { numeric: true });
 
-/** What has no value comes last, whichever way the others go. */
+/** Rows without a value come last in either direction. */
 function compared(a, b, sign) {
   const isNone = (value) => value == null || value === "";
   if (isNone(a) || isNone(b)) return Number(isNone(a)) - Number(isNone(b));
@@ -52,8 +52,8 @@ function thumbnail(season, i) {
   return picture;
 }
 
-/** The table of all runs: sorted by any column, reduced to those that hold a text; `onReduce` is told
- * of each whether it is shown. */
+/** The table of all runs, which sorts by any column and filters by text. Calls `onReduce` for each run
+ * with whether it is shown. */
 export class SeasonTable {
   constructor(season, onReduce) {
     this.season = season;
@@ -65,7 +65,7 @@ export class SeasonTable {
     this.filter = element("input", {
       type: "search",
       "aria-label": "Show runs that hold",
-      placeholder: "Show runs that hold \u2026",
+      placeholder: "Filter runs \u2026",
       oninput: () => this.reduce(),
     });
     this.counter = element("span", { class: "muted", role: "status" });
@@ -89,7 +89,7 @@ export class SeasonTable {
     return element(
       "table",
       {},
-      element("caption", { class: "unseen" }, "All runs; headings sort"),
+      element("caption", { class: "unseen" }, "All runs; click a heading to sort"),
       element("thead", {}, element("tr", {}, first, picture, ...others)),
       this.body,
     );
