@@ -1,0 +1,94 @@
+"""Runs every row of aqdata_test.py with the program of this system and with one for Windows, and
+compares what they print and write: same_output.py PROGRAM PROJECT OTHER...
+OTHER is that program, after the command of wine.
+"""
+
+import os
+import pathlib
+import re
+import shlex
+import subprocess
+import sys
+import tempfile
+
+import aqdata_test
+
+ELSEWHERE = {  # rows that mean another thing there, by what they have in common
+    "odd": "names with line ends",
+    "bytes": "names that are no text",
+    "/dev/": "devices of this system",
+    "ln -f": "a second name of a file, which wine makes anew",
+    "COLORTERM": "depths of colour, which a console there does not tell",
+    "TERM=": "the same",
+    "completion": "shells of this system",
+}
+
+
+def same_form(text):
+    """Line ends, the sign between folders and the time of writing are the system's and the run's."""
+    text = text.replace(b"\r\n", b"\n").replace(b"\\", b"/")
+    text = re.sub(rb"Wine cannot find the FreeType(.*\n){4}", b"", text)
+    return re.sub(rb"(FileDateTime\*\*|created).*", rb"\1", text)
+
+
+def answer(path, command, folder):
+    done = subprocess.run(
+        ["bash", "-c", command],
+        cwd=folder,
+        capture_output=True,
+        timeout=120,
+        check=False,
+        env={**os.environ, "PATH": f"{path}:{os.environ['PATH']}", "LC_ALL": "C.UTF-8"},
+    )
+    return done.returncode, same_form(done.stdout), same_form(done.stderr)
+
+
+def contents(folder):
+    return {
+        str(path.relative_to(folder)): same_form(path.read_bytes())
+        for path in sorted(folder.rglob("*"))
+        if path.is_file() and path.name.isascii()
+    }
+
+
+def keep(path, a, b):
+    base = pathlib.Path("/tmp/sodiff"); 
+    for d, x in (("a", a), ("b", b)):
+        p = base / d / path; p.parent.mkdir(parents=True, exist_ok=True); p.write_bytes(x or b"")
+    return ""
+
+
+def main():
+    faults, compared = [], 0
+    with tempfile.TemporaryDirectory() as name:
+        here, there, bin_there = (pathlib.Path(name) / part for part in ("here", "there", "bin"))
+        for folder in (here, there):
+            folder.mkdir()
+            aqdata_test.samples(folder)
+            for odd in (os.fsencode(aqdata_test.ODD_NAME), aqdata_test.NO_TEXT):
+                os.unlink(os.path.join(os.fsencode(folder), odd))
+        bin_there.mkdir()
+        program = bin_there / "aqdata"
+        program.write_text(f'#!/bin/sh\nexec {shlex.join(sys.argv[3:])} "$@"\n')
+        program.chmod(0o755)
+        for row, *_ in aqdata_test.ROWS:
+            if any(part in row for part in ELSEWHERE):
+                continue
+            command = aqdata_test.command_line(row)
+            ours = answer(aqdata_test.PROGRAM.parent.resolve(), command, here)
+            theirs = answer(bin_there, command, there)
+            compared += 1
+            if ours != theirs:
+                faults.append(f"{command}\n  here:  {ours}\n  there: {theirs}")
+        ours, theirs = contents(here), contents(there)
+        faults += [
+            f"file {path} differs {keep(path, ours.get(path), theirs.get(path))}"
+            for path in sorted(ours.keys() | theirs.keys())
+            if ours.get(path) != theirs.get(path)
+        ]
+    print(*faults, f"{compared} commands compared, {len(faults)} differ", sep="\n")
+    return 1 if faults or not compared else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
