@@ -18,11 +18,11 @@ namespace aq {
 namespace {
 
 constexpr std::size_t kFieldsAtOnce = 64;
-constexpr std::size_t kBlock = 64;
+constexpr std::size_t kScanned = 64;
 constexpr std::size_t kLongestText = kFieldsAtOnce * (kLevelColumns + 1);  // longer: no levels
 
 /// Where each field ends, from the start of the first.
-using FieldEnds = std::array<std::uint16_t, kFieldsAtOnce + kBlock>;
+using FieldEnds = std::array<std::uint16_t, kFieldsAtOnce + kScanned>;
 
 /// Finds up to `most` fields; returns how many.
 std::size_t findEnds(std::string_view text, std::size_t most, FieldEnds& ends) {
@@ -34,7 +34,7 @@ std::size_t findEnds(std::string_view text, std::size_t most, FieldEnds& ends) {
 }
 
 constexpr std::size_t kShortest = 3;  // a point and two decimals
-constexpr std::size_t kLongest = 6;
+constexpr std::size_t kLongestLevel = 6;
 
 #ifdef AQ_HAS_SSE2  // as every build for 64-bit x86
 
@@ -51,7 +51,7 @@ std::uint64_t commasAt(const char* at) {
 std::uint64_t endsInBlock(std::string_view text, std::size_t from) {
   const char* const at = text.data() + from;
   const std::size_t left = text.size() - from;
-  if (left >= kBlock) {
+  if (left >= kScanned) {
     return commasAt(at) | commasAt(at + kVector) << kVector |
            commasAt(at + 2 * kVector) << (2 * kVector) |
            commasAt(at + 3 * kVector) << (3 * kVector);
@@ -67,7 +67,7 @@ std::uint64_t endsInBlock(std::string_view text, std::size_t from) {
 std::size_t findEndsByBlocks(std::string_view text, std::size_t most, FieldEnds& ends) {
   if (text.size() < kVector) return findEnds(text, most, ends);
   std::size_t count = 0;
-  for (std::size_t from = 0; from <= text.size() && count < most; from += kBlock) {
+  for (std::size_t from = 0; from <= text.size() && count < most; from += kScanned) {
     for (std::uint64_t left = endsInBlock(text, from); left != 0; left &= left - 1) {
       ends[count++] =
           static_cast<std::uint16_t>(from + static_cast<unsigned>(std::countr_zero(left)));
@@ -160,7 +160,8 @@ bool takeField(std::string_view field, LevelCode& code) {
   }
   const bool negative = field.starts_with('-');
   if (negative) field.remove_prefix(1);
-  if (field.size() < kShortest || field.size() > kLongest || field.front() == ' ') return false;
+  if (field.size() < kShortest || field.size() > kLongestLevel || field.front() == ' ')
+    return false;
   std::array<char, kLevelColumns> columns;
   columns.fill(' ');
   std::copy(field.begin(), field.end(), columns.end() - static_cast<std::ptrdiff_t>(field.size()));
