@@ -163,6 +163,7 @@ void checkCopy(const test::FormatCalls& format, const std::string& path) {
 void mendAny(const Target&, std::string_view input) {
   const Mended mended = mendText(input, "input");
   expect(!mended.done.empty() || mended.text == input, "text that is not mended unchanged");
+  expect(mendText(mended.text, "mended").done.empty(), "mended text that needs no more");
 }
 
 /// One target per format, then the others.

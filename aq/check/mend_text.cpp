@@ -63,10 +63,6 @@ class TextMender {
     if (fault && fault->kind == Kind::Compressed) return leave(fault->message);
     if (fault && !mendWide()) return leave("UTF-16 text that is truncated or damaged");
     if (mended_.text.find('\0') != std::string::npos) return leave("bytes that are not text");
-    if (mended_.text.starts_with(kByteOrderMark)) {
-      mended_.text.erase(0, kByteOrderMark.size());
-      done("byte order mark");
-    }
     mendReturns();
     mendLines();
     return std::move(mended_);
@@ -77,11 +73,15 @@ class TextMender {
     mended_.left.push_back(std::move(why));
     return std::move(mended_);
   }
-  void done(std::string what) { mended_.done.push_back(std::move(what)); }
+  void done(std::string what) {
+    again_ = true;
+    if (std::find(mended_.done.begin(), mended_.done.end(), what) != mended_.done.end()) return;
+    mended_.done.push_back(std::move(what));
+  }
 
   bool mendWide() {
     auto text = fromUtf16(mended_.text);
-    if (!text) return false;
+    if (!text || text->find('\0') != text->npos) return false;
     mended_.text = *std::move(text);
     done("UTF-16");
     return true;
@@ -103,11 +103,22 @@ class TextMender {
   void mendLines() {
     split();
     if (lines_.empty()) return;
-    mendSeparators();
-    mendQuotes();
-    mendFilledLines();
-    mendBlankLines();
-    mendDecimalCommas();
+    const std::size_t left = mended_.left.size();
+    do {  // what is under quotes may be mended too
+      again_ = false;
+      mended_.left.resize(left);
+      mendMark();
+      mendSeparators();
+      mendQuotes();
+      mendFilledLines();
+      mendBlankLines();
+      mendDecimalCommas();
+    } while (again_);
+    if (unsure_ != 0) {
+      mended_.left.push_back(
+          "semicolons or tabs within text, which may have been commas, from line " +
+          std::to_string(unsure_) + " on");
+    }
     if (mended_.done.empty()) return;
     addComment();
     join();
@@ -115,6 +126,7 @@ class TextMender {
 
   void split() {
     std::string_view rest = mended_.text;
+    ends_ = rest.ends_with('\n');
     while (!rest.empty()) {
       const std::size_t end = std::min(rest.find('\n'), rest.size());
       std::string_view line = rest.substr(0, end);
@@ -125,9 +137,19 @@ class TextMender {
   }
 
   void join() {
+    const std::string_view end = returns_ ? "\r\n" : "\n";
     mended_.text.clear();
-    for (const std::string& line : lines_)
-      mended_.text.append(line).append(returns_ ? "\r\n" : "\n");
+    for (const std::string& line : lines_) mended_.text.append(line).append(end);
+    // A last line without an end is a sign of a file that was cut short.
+    if (!ends_) mended_.text.resize(mended_.text.size() - end.size());
+  }
+
+  void mendMark() {
+    std::string& first = lines_.front();
+    while (first.starts_with(kByteOrderMark)) {
+      first.erase(0, kByteOrderMark.size());
+      done("byte order mark");
+    }
   }
 
   [[nodiscard]] bool hasKeywords() const {
@@ -140,29 +162,75 @@ class TextMender {
     if (mark == std::string::npos) return;
     std::string_view after = std::string_view(lines_.front()).substr(mark + kKeywordMark.size());
     if (after.starts_with('"')) after.remove_prefix(1);
-    const char separator = after.empty() ? ',' : after.front();
-    if (separator != ';' && separator != '\t') return;
-    for (std::string& line : lines_) {
-      bool quoted = false;
-      std::string field;
-      std::string whole;
-      const auto endField = [&] {
-        whole += isCommaNumber(field) || isCommaTime(field) ? withPoint(field) : field;
-        field.clear();
-      };
-      for (const char c : line) {
-        if (c == '"') quoted = !quoted;
-        if (c != separator || quoted) {
-          field += c;
-          continue;
-        }
-        endField();
-        whole += ',';
-      }
-      endField();
-      line = std::move(whole);
+    const char found = after.empty() ? ',' : after.front();
+    const auto place = lines_.front().end() - static_cast<std::ptrdiff_t>(after.size());
+    const bool quoted = std::count(lines_.front().begin(), place, '"') % 2 != 0;
+    if ((found == ';' || found == '\t') && !quoted) separateAnew(found);
+  }
+
+  void separateAnew(char separator) {
+    separator_ = separator;
+    const auto places = header();
+    const bool filled = lines_.front().ends_with(separator);
+    for (std::size_t at = 0; at < lines_.size(); ++at) {
+      std::string& line = lines_[at];
+      const bool data = places && at >= places->headings;
+      const std::string_view text = data ? "" : textIn(line, !places || at <= places->count);
+      std::string kept(text);
+      if (filled) kept.erase(kept.find_last_not_of(separator) + 1);
+      const std::size_t begin = line.size() - text.size();
+      const std::size_t end = begin + kept.size();
+      if (unsure_ == 0 && hasSeparator(kept)) unsure_ = at + 1;
+      line = separated(line.substr(0, begin)) + kept + separated(line.substr(end));
     }
     done(separator == ';' ? "semicolons between fields" : "tabs between fields");
+  }
+
+  /// The words of a header line, in which a separator is the author's or was a comma: a comment, or
+  /// the value of a keyword that has a name. Numbers, dates and times are none.
+  [[nodiscard]] std::string_view textIn(std::string_view line, bool mayHaveKeyword) const {
+    const std::size_t mark = mayHaveKeyword ? line.find(kKeywordMark) : line.npos;
+    if (mark == line.npos) return line;
+    std::string_view keyword = line.substr(0, mark);
+    std::string_view value = line.substr(mark + kKeywordMark.size());
+    if (value.starts_with('"')) value.remove_prefix(1);  // of a quoted keyword
+    if (!value.empty()) value.remove_prefix(1);
+    for (const std::string_view ending : {"Name", "ID", "Code", "By", "File"}) {
+      if (keyword.ends_with(ending)) return value;
+    }
+    const std::string numbers = std::string("0123456789+-.,:/Ee\" ") + separator_;
+    return value.find_first_not_of(numbers) == value.npos ? std::string_view() : value;
+  }
+
+  /// Whether a text has a separator that no quotes keep.
+  [[nodiscard]] bool hasSeparator(std::string_view text) const {
+    bool quoted = false;
+    return std::any_of(text.begin(), text.end(), [&](char c) {
+      if (c == '"') quoted = !quoted;
+      return c == separator_ && !quoted;
+    });
+  }
+
+  /// Fields with commas between them, and points in their numbers.
+  [[nodiscard]] std::string separated(std::string_view line) const {
+    bool quoted = false;
+    std::string field;
+    std::string whole;
+    const auto endField = [&] {
+      whole += isCommaNumber(field) || isCommaTime(field) ? withPoint(field) : field;
+      field.clear();
+    };
+    for (const char c : line) {
+      if (c == '"') quoted = !quoted;
+      if (c != separator_ || quoted) {
+        field += c;
+        continue;
+      }
+      endField();
+      whole += ',';
+    }
+    endField();
+    return whole;
   }
 
   /// A level such as "61,51"; levels below 1 dB have no digit before the comma.
@@ -184,11 +252,11 @@ class TextMender {
     return field;
   }
 
-  /// The fields of a line by the quoting rules of spreadsheets; nothing for a line that violates
-  /// them.
-  [[nodiscard]] std::optional<std::string> unquoted(std::string_view line, bool all) {
+  /// The fields of a line by the quoting rules of spreadsheets; nothing for a line that
+  /// violates them.
+  [[nodiscard]] std::optional<std::string> unquoted(std::string_view line, bool all) const {
+    const char special[] = {',', '"', separator_ == '\0' ? ',' : separator_};
     std::string whole;
-    bool any = false;
     while (true) {
       if (line.starts_with('"')) {
         std::string field;
@@ -205,55 +273,88 @@ class TextMender {
         if (at >= line.size()) return std::nullopt;
         line.remove_prefix(at + 1);
         if (!line.empty() && line.front() != ',') return std::nullopt;
-        // Only fields with a comma or quote must be quoted; other quotes are the author's.
-        const bool needed = all || field.find_first_of(",\"") != field.npos;
+        // Only what has a separator or a quote in it has to be quoted; other quotes are the
+        // author's.
+        const bool needed = all || field.find_first_of(special, 0, sizeof special) != field.npos;
         whole += needed ? field : '"' + field + '"';
-        any = any || needed;
       } else {
         const std::size_t end = std::min(line.find(','), line.size());
         whole += line.substr(0, end);
         line.remove_prefix(end);
       }
-      if (line.empty()) {
-        found_ = found_ || any;
-        return whole;
-      }
+      if (line.empty()) return whole;
       whole += ',';
       line.remove_prefix(1);
     }
   }
 
   void mendQuotes() {
-    const bool all = lines_.front().starts_with('"') && lines_.front().ends_with('"');
-    found_ = false;
-    for (std::string& line : lines_) {
+    const auto isWhollyQuoted = [](const std::string& line) {
+      return line.starts_with('"') && line.ends_with('"');
+    };
+    const bool all = isWhollyQuoted(lines_.front());
+    bool found = false;
+    for (std::size_t at = 0; at < lines_.size(); ++at) {
+      std::string& line = lines_[at];
       if (line.find('"') == line.npos) continue;
-      if (auto plain = unquoted(line, all)) line = *std::move(plain);
+      auto plain = unquoted(line, all);
+      if (!plain || *plain == line) continue;
+      if (unquoted(*plain, at == 0 && isWhollyQuoted(*plain)).value_or(*plain) != *plain) {
+        mended_.left.push_back("quotes within quotes in line " + std::to_string(at + 1));
+        continue;
+      }
+      line = *std::move(plain);
+      found = true;
     }
-    if (found_) done("a spreadsheet's quotes");
+    if (found) done("a spreadsheet's quotes");
+  }
+
+  /// A line as it was before it was filled up.
+  [[nodiscard]] static std::string unfilled(const std::string& line) {
+    std::string plain = line.substr(0, line.find_last_not_of(',') + 1);
+    if (plain.ends_with(kKeywordMark) && plain != line) plain += ',';  // of an empty value
+    return plain;
   }
 
   void mendFilledLines() {
-    if (!hasKeywords() || !lines_.front().ends_with(',')) return;
+    const std::string first = lines_.front();
+    if (!hasKeywords() || unfilled(first) == first) return;
+    const auto isFilled = [&](const std::string& line) {
+      const auto commas = [](const std::string& text) {
+        return std::count(text.begin(), text.end(), ',');
+      };
+      const auto last = [](const std::string& text) {
+        return text.size() - (text.find_last_not_of(',') + 1);
+      };
+      return commas(line) >= commas(first) || last(line) >= last(first);
+    };
     for (std::string& line : lines_) {
-      line.erase(line.find_last_not_of(',') + 1);
-      if (line.ends_with(kKeywordMark)) line += ',';  // of an empty value
+      if (isFilled(line)) line = unfilled(line);
     }
     done("trailing commas");
   }
 
-  /// The line of the column headings, which follow the comments; nothing if it cannot be
-  /// determined.
-  [[nodiscard]] std::optional<std::size_t> headings() const {
+  /// Where the count of the comments and the column headings after them are.
+  struct HeaderPlaces {
+    std::size_t count = 0;
+    std::size_t headings = 0;
+  };
+
+  /// Nothing if the lines do not tell.
+  [[nodiscard]] std::optional<HeaderPlaces> header() const {
     constexpr std::string_view kCount = "NumberOfCommentLines**";
     for (std::size_t at = 0; at < lines_.size(); ++at) {
       std::string_view line = lines_[at];
+      if (line.starts_with('"')) line.remove_prefix(1);
       if (!line.starts_with(kCount)) continue;
-      line.remove_prefix(std::min(kCount.size() + 1, line.size()));
+      line.remove_prefix(kCount.size());
+      const auto isPadding = [](char c) { return c == ',' || c == ';' || c == '\t' || c == '"'; };
+      while (!line.empty() && isPadding(line.front())) line.remove_prefix(1);
+      while (!line.empty() && isPadding(line.back())) line.remove_suffix(1);
       try {
         const std::int32_t count = int32From(trimmed(line));
         const std::size_t place = at + 1 + static_cast<std::size_t>(std::max(0, count));
-        if (place < lines_.size()) return place;
+        if (place < lines_.size()) return HeaderPlaces{at, place};
       } catch (const Error&) {
         return std::nullopt;
       }
@@ -273,8 +374,8 @@ class TextMender {
     for (std::size_t at = 0; at < before; at += 2) doubled = doubled && !isBlank(lines_[at]);
     if (doubled) {
       std::erase_if(lines_, isBlank);
-    } else if (const auto at = headings()) {
-      const auto data = lines_.begin() + static_cast<std::ptrdiff_t>(*at);
+    } else if (const auto places = header()) {
+      const auto data = lines_.begin() + static_cast<std::ptrdiff_t>(places->headings);
       lines_.erase(std::remove_if(data, lines_.end(), isBlank), lines_.end());
     } else if (hasKeywords()) {
       while (lines_.size() > 1 && isBlank(lines_.back())) lines_.pop_back();
@@ -283,11 +384,11 @@ class TextMender {
   }
 
   void mendDecimalCommas() {
-    const auto at = headings();
-    if (!at || !lines_.front().ends_with(",Spectral Time-History")) return;
-    DecimalCommas commas(std::span<const std::string>(lines_).first(*at));
+    const auto places = header();
+    if (!places || !lines_.front().ends_with(",Spectral Time-History")) return;
+    DecimalCommas commas(std::span<const std::string>(lines_).first(places->headings));
     std::vector<std::string> data;
-    for (std::size_t i = *at + 1; i < lines_.size(); ++i) {
+    for (std::size_t i = places->headings + 1; i < lines_.size(); ++i) {
       auto line = commas.mended(lines_[i]);
       if (!line) {
         if (commas.any())
@@ -298,7 +399,8 @@ class TextMender {
       data.push_back(*std::move(line));
     }
     if (!commas.any()) return;
-    std::copy(data.begin(), data.end(), lines_.begin() + static_cast<std::ptrdiff_t>(*at) + 1);
+    std::copy(data.begin(), data.end(),
+              lines_.begin() + static_cast<std::ptrdiff_t>(places->headings) + 1);
     for (std::string& line : lines_) {
       const std::size_t mark = line.find(kKeywordMark);
       if (mark == line.npos || !line.substr(0, mark).ends_with("Time")) continue;
@@ -311,25 +413,24 @@ class TextMender {
   }
 
   void addComment() {
-    const auto at = headings();
-    if (!at) return;
+    const auto places = header();
+    if (!places) return;
     std::string words;
     for (const std::string& what : mended_.done) words += (words.empty() ? "" : ", ") + what;
-    std::string* count = nullptr;
-    for (std::size_t i = *at; i-- > 0 && count == nullptr;) {
-      if (lines_[i].starts_with("NumberOfCommentLines**")) count = &lines_[i];
-    }
-    const std::size_t comments = *at - static_cast<std::size_t>(count - lines_.data());
-    *count = "NumberOfCommentLines**," + std::to_string(comments);
-    lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(*at),
+    const auto [count, at] = *places;
+    lines_[count] = "NumberOfCommentLines**," + std::to_string(at - count);
+    lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(at),
                   "Mended from " + escaped(name_) + ": " + words);
   }
 
   Mended mended_;
   std::string name_;
   std::vector<std::string> lines_;
+  char separator_ = '\0';   // that a spreadsheet put in place of commas
+  std::size_t unsure_ = 0;  // the first line whose text has one; 0 for none
   bool returns_ = false;
-  bool found_ = false;  // quotes that a spreadsheet put
+  bool ends_ = false;   // the last line
+  bool again_ = false;  // something was mended
 };
 
 }  // namespace

@@ -33,7 +33,8 @@ std::string commented(const std::string& done) {
 TEST(Mend, TakesBackWhatIsCertain) {
   const std::string commas =
       replaced(replaced(kPlain, "(\\d*)\\.(\\d)", "$1,$2"), "a,sth", "a.sth");
-  const std::string semicolons = replaced(replaced(kPlain, ",", ";"), "(\\d*)\\.(\\d)", "$1,$2");
+  const std::string semicolons = replaced(
+      replaced(replaced(kPlain, ",", ";"), "(\\d*)\\.(\\d)", "$1,$2"), "Sun; sea", "Sun, sea");
   const std::string filled = replaced(kPlain, "\n", ",,,\n");
   const std::pair<std::string, const char*> rows[] = {
       {"\xEF\xBB\xBF" + kPlain, "byte order mark"},
@@ -41,18 +42,35 @@ TEST(Mend, TakesBackWhatIsCertain) {
       {wide(kPlain, true, "\xFE\xFF"), "UTF-16"},
       {wide(kPlain, true, ""), "UTF-16"},
       {replaced(kPlain, "\n", "\r"), "carriage returns as line ends"},
-      {replaced(kPlain, ",", "\t"), "tabs between fields"},
+      {replaced(replaced(kPlain, ",", "\t"), "Sun\t", "Sun,"), "tabs between fields"},
       {semicolons, "semicolons between fields"},
       {replaced(kPlain, "Sun, sea", "\"Sun, sea\""), "a spreadsheet's quotes"},
       {filled, "trailing commas"},
       {kPlain + "\n \n", "blank lines"},
       {replaced(kPlain, "\n2,", "\n\n2,"), "blank lines"},
       {commas, "decimal commas"},
-      {"\xEF\xBB\xBF" + filled + "\n", "byte order mark, trailing commas, blank lines"}};
+      {"\xEF\xBB\xBF\xEF\xBB\xBF" + filled + "\n",
+       "byte order mark, trailing commas, blank lines"}};
   for (const auto& [text, done] : rows) {
     const Mended mended = mendText(text, "a.csv");
     EXPECT_EQ(mended.text, commented(done));
     EXPECT_TRUE(mended.left.empty()) << done;
+  }
+  // A text that a spreadsheet has quoted, as it has a semicolon; one that it would have quoted; a
+  // comment like the line that counts them; and a file that was cut short, which shows.
+  const std::pair<std::string, const char*> words[] = {
+      {replaced(semicolons, "Sun, sea", "\"Sun; \"\"sea\"\"\""), "ProjectName**,Sun; \"sea\"\n"},
+      {replaced(semicolons, "Sun, sea", "Sun; sea"), "ProjectName**,Sun; sea\n"},
+      {replaced(filled, "\"quoted\"", "NumberOfCommentLines**,9"),
+       "Lines**,3\nNumberOfCommentLines**,9\n"},
+      {replaced(replaced(kPlain, "\n\n", "\na,\n"), "History\n", "History,,\n"), "\na,\nMended"},
+      {filled.substr(0, filled.size() - 5), "62.0"}};
+  for (const auto& [text, kept] : words) {
+    const Mended mended = mendText(text, "a.csv");
+    EXPECT_NE(mended.text.find(kept), mended.text.npos) << mended.text;
+    EXPECT_EQ(mended.left.size(), text.find("Sun; sea") == text.npos ? 0U : 1U) << kept;
+    EXPECT_EQ(mended.text.ends_with('\n'), text.ends_with('\n'));
+    EXPECT_TRUE(mendText(mended.text, "b.csv").done.empty()) << kept;
   }
   EXPECT_EQ(mendText(kPlain, "a.csv", {"gzip"}).text, commented("gzip"));
   EXPECT_EQ(mendText(wide("FileType**,\xC3\xA9\n", false, "\xFF\xFE"), "x").text.size(), 16U);
@@ -68,7 +86,7 @@ TEST(Mend, LeavesWhatMayMeanSeveralThings) {
       {std::string("\xFF\xFE\x41\0\x42", 5), "UTF-16"},
       {std::string("\xFF\xFE\x00\xDC", 4), "UTF-16"},
       {"PK\x03\x04", "zip"},
-      {kPlain + std::string(1, '\0'), "no text"}};
+      {kPlain + std::string(1, '\0'), "not text"}};
   for (const auto& [text, left] : rows) {
     const Mended mended = mendText(text, "a.csv");
     EXPECT_EQ(mended.text, text);
