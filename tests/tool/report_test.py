@@ -26,7 +26,11 @@ HOSTILE = [
     '"><img src=x onerror=window.hacked=1>',
     "<!--<script>",
     "\u202egnorw && <b>bold</b> \\u003c &lt;",
+    "]]> \x01\x1b[31m\x7f\u2028\u2029 \udcff",  # the last one is a byte that is no UTF-8
+    "w" * 400,
 ]
+HOSTILE_NAME = '<img src=x onerror=window.hacked=1>"&\u2028'
+TEXTS = "Name|ID|Code|By|File|ReferenceTimeType"  # how the keywords of text end
 faults = []
 
 
@@ -48,11 +52,32 @@ def season(folder):
     odd = text.replace("61.51", "9999", 1).replace("61.48", "61.4875", 1)
     (folder / "alone.sth.csv").write_text(odd)
     (folder / "damaged.sth.csv").write_text(text.replace("61.51", "6x.2", 1))
-    words = iter(HOSTILE * 5)
-    fields = "FileName|ProjectName|MicrophoneID|AdjustmentCode|ReferenceTimeType|GeneratedBy|GenerationFile"
-    text = re.sub(rf"^({fields})\*\*,.*", lambda m: f"{m[1]}**,{next(words)}", text, flags=re.M)
-    text = text.replace("A computed fly-over; no measurement", "".join(HOSTILE))
-    (folder / "<b>hostile&.sth.csv").write_text(text)
+    track = str(folder / "track.pth.csv")
+    run("convert", str(folder / "fly-over.tspi.csv"), "-o", track)
+    sample = (str(folder / "fly-over.sth.csv"), track, str(folder / "fly-over.mic.csv"))
+    geometry = ("--records", "8:50", "--celsius", "20", "-o", str(folder / "x.gth.csv"))
+    run("geometry", *sample, *geometry)
+    for name in (
+        "fly-over.sth",
+        "fly-over.mask",
+        "fly-over.ssr",
+        "fly-over.mic",
+        "track.pth",
+        "x.gth",
+    ):
+        (folder / f"{HOSTILE_NAME}.{name.split('.')[1]}.csv").write_text(
+            hostile((folder / f"{name}.csv").read_text()), errors="surrogateescape"
+        )
+
+
+def hostile(text):
+    """A file with all hostile words in each text of its header, and in a comment and another record."""
+    words = " ".join(HOSTILE)
+    text = re.sub(rf"^(\w*({TEXTS}))\*\*,.*", lambda m: f"{m[1]}**,{words}", text, flags=re.M)
+    text = re.sub(r"^OtherRecords\*\*,0", lambda m: f"OtherRecords**,1\n{words}", text, flags=re.M)
+    count = re.search(r"^NumberOfCommentLines\*\*,(\d+)", text, flags=re.M)
+    more = f"NumberOfCommentLines**,{int(count[1]) + 1}\n{words}"
+    return text[: count.start()] + more + text[count.end() :]
 
 
 class Browser:
@@ -242,7 +267,8 @@ def check_run(browser, folder):
 
 
 def names(browser):
-    return [e.text for e in browser.all(".season tbody th") if e.is_displayed()]
+    shown = [e for e in browser.all(".season tbody th") if e.is_displayed()]
+    return [e.get_property("textContent") for e in shown]
 
 
 def check_season(browser, folder):
@@ -250,7 +276,7 @@ def check_season(browser, folder):
     run("report", str(folder), "-o", str(page), status=2)
     browser.open(page)
     browser.shoot("season-1024")
-    runs = ["<b>hostile&.sth.csv", "alone.sth.csv", "damaged.sth.csv", "fly-over.sth.csv"]
+    runs = [f"{HOSTILE_NAME}.sth.csv", "alone.sth.csv", "damaged.sth.csv", "fly-over.sth.csv"]
     expect("runs", sorted(names(browser)), runs)
     for sign in ("ascending", "descending"):
         browser.all(".sort")[0].click()
@@ -260,11 +286,11 @@ def check_season(browser, folder):
     expect("reduced", names(browser), ["damaged.sth.csv"])
     browser.keys("input[type=search]", *[Keys.BACKSPACE] * 7)
     for link in browser.all(".season a"):
-        if link.text == runs[0]:
+        if link.get_property("textContent") == runs[0]:
             link.click()
             break
     browser.settle()
-    check_hostile(browser)
+    check_hostile(browser, "details[open]")
     browser.keys("body", "n")  # to the one without anything next to it
     browser.keys("details[open] .spectrogram .plot", Keys.HOME, Keys.ARROW_UP)
     expect("9999", readout(browser)[-21:], "50 Hz: no valid level")
@@ -277,6 +303,16 @@ def check_season(browser, folder):
     expect("one after the other", titles, ["fly-over.sth.csv"])
     expect("pages of paper", browser.pdf("season"), 3)
     browser.check_quiet("a season")
+    page = folder / "hostile.html"
+    run("report", str(folder / f"{HOSTILE_NAME}.sth.csv"), "-o", str(page))
+    for width in (390, 1920):
+        browser.open(page, width)
+        check_hostile(browser, "body")
+        browser.shoot(f"hostile-{width}")
+        wide = browser.js("return document.documentElement.scrollWidth")
+        expect(f"hostile, {width} wide", wide <= width, True)
+    browser.check_quiet("hostile")
+    page = folder / "season.html"
     for width in (390, 1920):
         browser.open(page, width, dark=width == 390)
         browser.shoot(f"season-{width}")
@@ -284,13 +320,23 @@ def check_season(browser, folder):
         expect(f"{width} wide", wide <= width, True)
 
 
-def check_hostile(browser):
-    body = browser.js("return document.querySelector('details[open] .body').textContent")
-    missing = [word for word in HOSTILE if word.replace('"', "") not in body.replace('"', "")]
-    expect("not shown as they are", missing, [])  # the reader takes quotes away
+def check_hostile(browser, place):
+    """Words that would do something in a page are shown as they are."""
+    rows = browser.js(
+        "return [...document.querySelector(arguments[0]).querySelectorAll('dd, pre, h2')]"
+        ".map((e) => e.textContent)",
+        place,
+    )
+    whole = " ".join(HOSTILE).replace("\udcff", "\ufffd").replace('"', "")  # which the reader takes
+    expect("texts shown as they are", sum(whole in row.replace('"', "") for row in rows), 8)
+    pictures = browser.js(
+        "return document.querySelector(arguments[0]).querySelectorAll('.picture').length", place
+    )
+    expect("pictures of a hostile run", pictures, len(PICTURES))
     expect("nothing ran", browser.js("return window.hacked ?? null"), None)
     expect("no markup of it", len(browser.all("img, details b:not(.figures b)")), 0)
-    expect("its title", browser.one("details[open] h2").text, "<b>hostile&.sth.csv")
+    title = browser.one(f"{place} :is(h1, h2)").get_property("textContent")
+    expect("its title", title, f"{HOSTILE_NAME}.sth.csv")
 
 
 with tempfile.TemporaryDirectory() as name:
