@@ -1,5 +1,6 @@
 #include "aq/files/late_times.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace aq {
@@ -21,6 +22,27 @@ bool roundLateTime(AQ_Time& time) {
   if (!isLate(time.TODseconds())) return false;
   time.assignSeconds(std::ceil(time.TODseconds()), time.RelSeconds());
   return true;
+}
+
+bool hasLateTimes(const AQ_PositionTimeHistory& positions) {
+  return std::any_of(positions.begin(), positions.end(), [](const auto& entry) {
+    return entry.second && isLate(entry.second->lazyTime().secondsOfDay());
+  });
+}
+
+bool hasLateTimes(const AQ_GeometryTimeHistory& geometry) {
+  return std::any_of(geometry.begin(), geometry.end(), [](const auto& entry) {
+    return entry.second &&
+           (isLate(entry.second->Tm()->TODseconds()) || isLate(entry.second->Te()->TODseconds()));
+  });
+}
+
+bool hasLateTimes(AQ_SpectralTimeHistory& history) {
+  return isLate(history.startTime()->TODseconds()) ||
+         isLate(history.ReferenceTime()->TODseconds()) ||
+         std::any_of(history.begin(), history.end(), [](const auto& entry) {
+           return entry.second && isLate(entry.second->lazyTime().secondsOfDay());
+         });
 }
 
 bool roundLateTimes(const AQ_PositionTimeHistory& positions) {

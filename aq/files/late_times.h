@@ -10,6 +10,11 @@
 // replace such times by the second that they round to; other times stay unchanged.
 namespace aq {
 
+/// Whether any time that a file of the model has is late in its second; an empty object has none.
+[[nodiscard]] AQ_API bool hasLateTimes(const AQ_PositionTimeHistory& positions);
+[[nodiscard]] AQ_API bool hasLateTimes(const AQ_GeometryTimeHistory& geometry);
+[[nodiscard]] AQ_API bool hasLateTimes(AQ_SpectralTimeHistory& history);
+
 /// Returns whether the time was late in its second.
 AQ_API bool roundLateTime(AQ_Time& time);
 

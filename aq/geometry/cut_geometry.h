@@ -14,4 +14,11 @@ namespace aq {
 [[nodiscard]] AQ_API std::shared_ptr<AQ_GeometryTimeHistory> cutGeometry(
     AQ_GeometryTimeHistory& geometry, std::int32_t first, std::int32_t last);
 
+/// The points of two geometries, numbered on from the last one of `before`. Points are shared with
+/// both; start, reference and their types are those of `before`. Throws `InvalidArgument` when
+/// `after` has another reference or type of stamps, does not begin after `before` has ended, or one
+/// of them has no points.
+[[nodiscard]] AQ_API std::shared_ptr<AQ_GeometryTimeHistory> joinGeometries(
+    AQ_GeometryTimeHistory& before, AQ_GeometryTimeHistory& after);
+
 }  // namespace aq

@@ -77,6 +77,14 @@ double speedOfSound(double celsius) {
       "expected a temperature above -273.15 degrees Celsius, found " + std::to_string(celsius));
 }
 
+std::shared_ptr<AQ_Position> membraneOf(const AQ_Microphone& microphone) {
+  auto position = std::make_shared<AQ_Position>();
+  position->X(microphone.X);
+  position->Y(microphone.Y);
+  position->Z(microphone.Z + microphone.Height);
+  return position;
+}
+
 std::shared_ptr<AQ_GeometryTimeHistory> emissionGeometry(const AQ_PositionTimeHistory& positions,
                                                          const AQ_Position& microphone,
                                                          const AQ_SpectralTimeHistory& records,

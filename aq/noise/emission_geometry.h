@@ -4,6 +4,7 @@
 
 #include "aq/core/export.h"
 #include "aq/geometry/geometry_time_history.h"
+#include "aq/geometry/microphone.h"
 #include "aq/geometry/position.h"
 #include "aq/geometry/position_time_history.h"
 #include "aq/spectral/spectral_time_history.h"
@@ -13,6 +14,9 @@ namespace aq {
 /// The speed of sound in air in m/s, from the temperature in degrees Celsius (ISO 9613-1). Throws
 /// `InvalidValue` at or below -273.15 degrees Celsius, and for a value that is not finite.
 [[nodiscard]] AQ_API double speedOfSound(double celsius);
+
+/// Where a microphone measures: at X, Y and Z + Height.
+[[nodiscard]] AQ_API std::shared_ptr<AQ_Position> membraneOf(const AQ_Microphone& microphone);
 
 /// Where and when the sound of each record was emitted. The source flies straight between its
 /// positions, at their times of day, also across midnight; the sound arrives after the distance to

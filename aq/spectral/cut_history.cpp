@@ -1,6 +1,7 @@
 #include "aq/spectral/cut_history.h"
 
-#include <cmath>
+#include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 
@@ -45,7 +46,11 @@ std::shared_ptr<AQ_SpectralTimeHistory> cutHistory(AQ_SpectralTimeHistory& histo
       copyDateAndTimeOfDay(*history.startTime(), *part->startTime());
       moveTimeOfDay(*part->startTime(), secondsFrom(*begin, stampOf(spectrum)));
     }
-    part->spectrum(static_cast<std::int16_t>(fromOne ? number - *first + 1 : number), spectrum);
+    const std::int32_t place = fromOne ? number - *first + 1 : number;
+    if (place > std::numeric_limits<std::int16_t>::max()) {
+      throw Error(ErrorCode::Overflow, "there are more records than numbers from 1");
+    }
+    part->spectrum(static_cast<std::int16_t>(place), spectrum);
   }
   if (!first) {
     throw Error(ErrorCode::InvalidArgument, "no record from " + std::to_string(range.first) +

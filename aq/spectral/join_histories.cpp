@@ -99,6 +99,11 @@ std::int32_t missingBetween(const RunPiece& before, const RunPiece& after) {
   if (std::abs(gap - std::round(gap)) > kPartOfARecord) {
     refusePieces("the gap between the pieces is not a whole number of records");
   }
+  if (gap > std::numeric_limits<std::int16_t>::max()) {
+    throw Error(ErrorCode::Overflow,
+                "the gap between the pieces has more records than there are "
+                "numbers");
+  }
   return static_cast<std::int32_t>(std::lround(gap));
 }
 

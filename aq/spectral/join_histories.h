@@ -11,7 +11,8 @@ namespace aq {
 /// How many records are missing between the last one of `before` and the first one of `after`, by
 /// their stamps, also across midnight. Throws `InvalidArgument` unless they are two pieces of one
 /// measurement: the same bands, averaging, stamp type, record length and reference, records in
-/// both, no overlap, and a gap of a whole number of records.
+/// both, no overlap, and a gap of a whole number of records; `Overflow` for one of more
+/// than 32767.
 [[nodiscard]] AQ_API std::int32_t recordsMissing(AQ_SpectralTimeHistory& before,
                                                  AQ_SpectralTimeHistory& after);
 

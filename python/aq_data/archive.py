@@ -80,7 +80,7 @@ def walked(path: str, seen: set[str], more: tuple[str, ...] = ()) -> Iterator[st
     seen.add(os.path.realpath(path))
     for name in sorted(os.listdir(path)):
         entry = os.path.join(path, name)
-        if name.startswith("."):
+        if name.startswith(".") or name.endswith(".orig"):  # an original that fix has kept
             continue
         if os.path.isdir(entry):
             yield from walked(entry, seen, more)

@@ -8,8 +8,6 @@ import os
 import warnings
 from typing import Any, Optional, TypeVar, overload
 
-import numpy as np
-
 from . import _core
 from ._core import FileKind
 from .calls import path_text
@@ -78,6 +76,11 @@ def _without(
     return rest
 
 
+_TIMED = (
+    _core.AQ_SpectralTimeHistory,
+    _core.AQ_PositionTimeHistory,
+    _core.AQ_GeometryTimeHistory,
+)
 _TABLES = (_core.AQ_SpectralTimeHistory, _core.AQ_MaskMap, _core.AQ_Spectrum)
 
 
@@ -202,15 +205,7 @@ def _with_clock_times(obj: Any) -> Any:
     """The object, or a copy with times rounded to the next second where their text, which has seven
     digits, would be a second early.
     """
-    if isinstance(obj, _core.AQ_SpectralTimeHistory):
-        columns = [obj.times["TODseconds"], obj.startTime.TODseconds, obj.ReferenceTime.TODseconds]
-    elif isinstance(obj, _core.AQ_PositionTimeHistory):
-        columns = [obj.to_numpy()["TODseconds"]]
-    elif isinstance(obj, _core.AQ_GeometryTimeHistory):
-        columns = [obj.to_numpy()[name] for name in ("Tm", "Te")]
-    else:
-        return obj
-    if not any((np.mod(column, 1) > 0.99).any() for column in columns):
+    if not isinstance(obj, _TIMED) or not _core._hasLateTimes(obj):
         return obj
     obj = copy.deepcopy(obj)
     _core._roundLateTimes(obj)

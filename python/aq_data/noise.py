@@ -207,9 +207,7 @@ def emission_geometry(
     own, _ = _pair(history, None)
     place: Any = microphone
     if isinstance(microphone, _core.AQ_Microphone):
-        place = _core.AQ_Position()
-        place.X, place.Y = microphone.X, microphone.Y
-        place.Z = microphone.Z + microphone.Height
+        place = _core.membraneOf(microphone)
     expect(place, _core.AQ_Position, "microphone")
     return _core.emissionGeometry(positions, place, own, celsius)
 

@@ -10,7 +10,6 @@ import shutil
 import tempfile
 from typing import Any, Iterable, NamedTuple, Optional, Union
 
-import numpy as np
 import pandas as pd
 
 from . import _core
@@ -18,7 +17,6 @@ from .archive import absolute, walked
 from .attributes import expect
 from .errors import FileError
 from .files import read
-from .labelled import check_map
 from .objects import Clock, as_time
 from .reading import Path, Reading
 from .times import DAY
@@ -58,9 +56,9 @@ def _run(history: Any, mask: Any, geometry: Any) -> Run:
         None if geometry is None else _reading(geometry, _core.AQ_GeometryTimeHistory),
     )
     if run.mask is not None:
-        check_map(run.history.data, run.mask.data)
-        if not run.history.data.EncompassesMask(run.mask.data):
-            raise ValueError("the map does not fit the history: other records or bands")
+        name = run.history.header.sFileName or "the history"
+        for *_, record, _band, message in _core._checkFit(run.history.data, name, run.mask.data):
+            raise ValueError(message if record is None else f"record {record}: {message}")
     return run
 
 
@@ -107,29 +105,6 @@ def chosen_records(
     return int(found[0]), int(found[-1]), f"records={records[0]}:{records[1]}"
 
 
-def _points(
-    geometry: _core.AQ_GeometryTimeHistory, part: _core.AQ_SpectralTimeHistory
-) -> _core.AQ_GeometryTimeHistory:
-    """The geometry points of a history's records, found by time: a geometry need not begin with
-    record 1.
-    """
-    rounding = 0.006  # times are written to hundredths of a second
-    stamps = part.times["TODseconds"]
-    off = np.remainder(geometry.to_numpy()["Tm"] - stamps[0] + _HALF_DAY, DAY) - _HALF_DAY
-    places = np.flatnonzero(np.abs(off) < rounding)
-    if places.size:
-        measured = geometry.to_numpy()["Tm"][places[0] : places[0] + stamps.size]
-        if (
-            measured.size == stamps.size
-            and (
-                np.abs(np.remainder(measured - stamps + _HALF_DAY, DAY) - _HALF_DAY) < rounding
-            ).all()
-        ):
-            first = int(geometry.records[places[0]])
-            return _core.cutGeometry(geometry, first, first + stamps.size - 1)
-    raise ValueError("the geometry has no point for some record")
-
-
 def cut(
     history: Union[Path, HistoryReading],
     mask: Union[Path, MapReading, None] = None,
@@ -168,7 +143,7 @@ def cut(
         cut_map = _core.cutMap(run.mask.data, first, last)
         made = made._replace(mask=Reading(run.mask.header, cut_map))
     if run.geometry is not None:
-        points = _points(run.geometry.data, part)
+        points = _core.geometryOf(run.geometry.data, whole, first, last)
         made = made._replace(geometry=Reading(run.geometry.header, points))
     return _commented(made, line)
 
@@ -186,15 +161,37 @@ def _same_words(one: Any, other: Any) -> None:
             )
 
 
+def _joined_geometry(run: Run, piece: Run, gap: int) -> Optional[GeometryReading]:
+    """The points of all records of both."""
+    if run.geometry is None and piece.geometry is None:
+        return None
+    if run.geometry is None or piece.geometry is None:
+        raise ValueError("expected a geometry for each piece, or none")
+    if gap:
+        raise ValueError("a gap cannot be filled in a geometry")
+    one, other = run.geometry.header, piece.geometry.header
+    places = [(at.X, at.Y, at.Z) for at in (one.MicrophonePosition, other.MicrophonePosition)]
+    if places[0] != places[1] or one.Temperature != other.Temperature:
+        raise ValueError("the geometries have different microphone positions or temperatures")
+    parts = [
+        _core.geometryOf(each.geometry.data, data, int(data.records[0]), int(data.records[-1]))
+        for each in (run, piece)
+        for data in [each.history.data]
+    ]
+    return Reading(one, _core.joinGeometries(*parts))
+
+
 def join(
     *pieces: Union[Path, HistoryReading, Run],
     masks: Optional[Iterable[Union[Path, MapReading]]] = None,
     fill: bool = False,
 ) -> Run:
-    """The pieces of one run joined in the order of their time stamps: `(history, mask, None)`.
+    """The pieces of one run joined in the order of their time stamps: `(history, mask,
+    geometry)`.
 
     Time stamps do not change; records are numbered on from the first piece. `masks` are the maps
-    of the pieces, one each. A gap raises, or with `fill` is filled with records of 9999.
+    of the pieces, one each; a `Run` brings its own map and geometry. A gap raises, or with `fill` is
+    filled with records of 9999, which no geometry can have.
 
     Raises `ValueError` for pieces that differ in bands, averaging, stamps, reference, project,
     microphone or adjustment.
@@ -209,7 +206,13 @@ def join(
     if len(maps) != len(pieces):
         raise ValueError(f"expected {len(pieces)} masks, one per piece, found {len(maps)}")
     runs = [
-        _run(piece.history if isinstance(piece, Run) else piece, rows, None)
+        _run(
+            *(
+                (piece.history, rows, piece.geometry)
+                if isinstance(piece, Run)
+                else (piece, rows, None)
+            )
+        )
         for piece, rows in zip(pieces, maps)
     ]
     run = runs[0]
@@ -220,13 +223,14 @@ def join(
         gap = _core.recordsMissing(run.history.data, piece.history.data)
         filled += gap
         words.append(piece.history.header.sFileName or "a history")
+        points = _joined_geometry(run, piece, gap if fill else 0)
         whole = _core.joinHistories(run.history.data, piece.history.data, fill)
         rows = run.mask
         if rows is not None and piece.mask is not None:
             rows = Reading(rows.header, _core.joinMaps(rows.data, piece.mask.data, gap))
         elif (rows is None) != (piece.mask is None):
             raise ValueError("expected a mask for each piece, or none")
-        run = Run(Reading(run.history.header, whole), rows)
+        run = Run(Reading(run.history.header, whole), rows, points)
     line = (
         "Joined of " + ", ".join(words) + (f"; {filled} records of 9999 between" if filled else "")
     )
@@ -270,15 +274,31 @@ def _mended(path: str) -> tuple[bytes, list[str], list[str]]:
     return text, done, left
 
 
+def _expect_free(path: str) -> None:
+    if os.path.lexists(path):
+        raise FileExistsError(errno.EEXIST, os.strerror(errno.EEXIST), path)
+
+
+def _unpacked_name(path: str) -> str:
+    return path[:-3] if path.lower().endswith(".gz") else path
+
+
+def _write_new(path: Any, text: bytes) -> str:
+    place = _unpacked_name(os.fsdecode(path))
+    _expect_free(place)
+    os.makedirs(os.path.dirname(place) or ".", exist_ok=True)
+    _replace(place, text)
+    return place
+
+
 def _write_mended(path: str, text: bytes, keep: bool) -> str:
     """Replaces the file, or unpacks it next to itself; keeps the original."""
-    place = path[:-3] if path.lower().endswith(".gz") else path
-    if place != path and os.path.lexists(place):
-        raise FileExistsError(errno.EEXIST, os.strerror(errno.EEXIST), place)
+    place = _unpacked_name(path)
+    if place != path:
+        _expect_free(place)
     original = path + ".orig"
     if place == path and keep:
-        if os.path.lexists(original):
-            raise FileExistsError(errno.EEXIST, os.strerror(errno.EEXIST), original)
+        _expect_free(original)
         shutil.copy2(path, original)
     try:
         _replace(place, text)
@@ -290,7 +310,10 @@ def _write_mended(path: str, text: bytes, keep: bool) -> str:
 
 
 def fix(
-    paths: Union[Path, Iterable[Path]], write: bool = False, keep_original: bool = True
+    paths: Union[Path, Iterable[Path]],
+    write: bool = False,
+    keep_original: bool = True,
+    to: Optional[Path] = None,
 ) -> pd.DataFrame:
     """Undoes what other programs did to the text of files, as far as that is certain: gzip, UTF-16,
     byte order marks, carriage returns as line ends, a spreadsheet's semicolons, tabs, quotes and
@@ -298,21 +321,31 @@ def fix(
 
     Without `write` nothing changes. With it, each file is replaced completely or not at all, and
     the original is kept as `FILE.orig` unless `keep_original` is false; a packed file is unpacked next to
-    itself. A comment in the file says what was changed.
+    itself. With `to`, nothing is replaced: all files, also those that need no change, are written
+    below that folder, and `FileExistsError` is raised for one that exists. A comment in the file says what was changed.
 
     The columns are `path`; `done`, what was or would be changed; `left`, what is ambiguous and was
     left alone, both lists of texts; and `output`, None if nothing was written. `paths` are as for
     `check`.
 
-    >>> found = aq_data.fix(".")
+    >>> found = aq_data.fix("raw", write=True, to="mended")
     >>> found[found.done.str.len() > 0]
     """
-    seen: set[str] = set()
+    if to is not None and not write:
+        raise ValueError("expected write=True, as to says where")
+    seen = set() if to is None else {os.path.realpath(to)}
     rows = []
-    for path in (file for each in absolute(paths) for file in walked(each, seen, (".gz",))):
+    for given, path in (
+        (each, file) for each in absolute(paths) for file in walked(each, seen, (".gz",))
+    ):
         if path.lower().endswith(".nc"):
             continue  # no text
         text, done, left = _mended(path)
-        output = _write_mended(path, text, keep_original) if write and done else None
+        output = None
+        if to is not None:
+            base = given if os.path.isdir(given) else os.path.dirname(given)
+            output = _write_new(os.path.join(to, os.path.relpath(path, base)), text)
+        elif write and done:
+            output = _write_mended(path, text, keep_original)
         rows.append((path, done, left, output))
     return pd.DataFrame(rows, columns=["path", "done", "left", "output"])

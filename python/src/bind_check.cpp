@@ -53,6 +53,12 @@ void bindCheck(py::module_& module) {
       py::arg("history"), py::arg("map"),
       "Why a masking map does not fit the history that it was made for, as findings");
   module.def(
+      "_checkFit",
+      [](const AQ_SpectralTimeHistory& history, const std::string& name, const AQ_MaskMap& map) {
+        return gathered([&](const FindingSink& sink) { checkFit(history, name, map, sink); });
+      },
+      py::arg("history"), py::arg("name"), py::arg("map"), "As checkFit, for models");
+  module.def(
       "_checkWithLevels",
       [](const Path& path) {
         Checked checked;

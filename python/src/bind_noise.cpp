@@ -183,6 +183,8 @@ void bindNoise(py::module_& module) {
              "The event of a series of PNLT");
   module.def("auditMetrics", differences, py::arg("history"), py::arg("map"), py::arg("tolerance"),
              "Record, metric, stored and computed value of every metric that differs");
+  module.def("membraneOf", membraneOf, py::arg("microphone"),
+             "Where a microphone measures: at X, Y and Z + Height");
   module.def("emissionGeometry", emissionGeometry, py::arg("positions"), py::arg("microphone"),
              py::arg("records"), py::arg("celsius"),
              "Where and when the sound of each record was emitted; no point before the first or "

@@ -1,6 +1,7 @@
 #include <aq/check/mend_text.h>
 #include <aq/geometry/cut_geometry.h>
 #include <aq/masking/cut_map.h>
+#include <aq/noise/record_geometry.h>
 #include <aq/noise/records_down.h>
 #include <aq/spectral/join_histories.h>
 
@@ -43,6 +44,16 @@ void bindWork(py::module_& module) {
              "The rows of records of a range, numbered from 1");
   module.def("cutGeometry", cutGeometry, py::arg("geometry"), py::arg("first"), py::arg("last"),
              "The points of a range, numbered from 1");
+  module.def(
+      "geometryOf",
+      [](AQ_GeometryTimeHistory& geometry, const AQ_SpectralTimeHistory& history,
+         std::int16_t first, std::int16_t last) {
+        return geometryOf(geometry, history, {first, last});
+      },
+      py::arg("geometry"), py::arg("history"), py::arg("first"), py::arg("last"),
+      "The points of the records of a range, found by their times, numbered from 1");
+  module.def("joinGeometries", joinGeometries, py::arg("before"), py::arg("after"),
+             "The points of two geometries, numbered on from the last one of the first");
   module.def("recordsMissing", recordsMissing, py::arg("before"), py::arg("after"),
              "How many records are missing between two pieces of a measurement");
   module.def("joinHistories", joinHistories, py::arg("before"), py::arg("after"),

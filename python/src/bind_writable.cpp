@@ -81,6 +81,13 @@ void bindWritable(py::module_& module) {
         checkLevels(spectrum);
       },
       py::arg("model"), py::arg("kind"));
+  const auto finds = [&module](auto* find, const char* doc) {
+    module.def("_hasLateTimes", find, py::arg("model"), doc);
+  };
+  finds(static_cast<bool (*)(AQ_SpectralTimeHistory&)>(hasLateTimes),
+        "Whether the text of a time would be a second early");
+  finds(static_cast<bool (*)(const AQ_PositionTimeHistory&)>(hasLateTimes), "");
+  finds(static_cast<bool (*)(const AQ_GeometryTimeHistory&)>(hasLateTimes), "");
   const auto rounds = [&module](auto* round, const char* doc) {
     module.def("_roundLateTimes", round, py::arg("model"), doc);
   };

@@ -20,8 +20,8 @@ def place(sample, tmp_path, monkeypatch):
     return tmp_path
 
 
-def test_cut_with_map_and_geometry(place):
-    whole = aq_data.read(STH)
+def geometry_of(whole):
+    """The points of records 10 to 50, and as a file of its own, numbered from 1."""
     microphone = aq_data.read("fly-over.mic.csv").data
     track = aq_data.read_tracking("fly-over.tspi.csv").positions
     part = aq_data.AQ_SpectralTimeHistory()
@@ -29,7 +29,12 @@ def test_cut_with_map_and_geometry(place):
         part.spectrum[record] = whole.data.spectrum(record)
     points = aq_data.emission_geometry(track, microphone, part, celsius=20)
     numbered = aq_data.AQ_GeometryTimeHistory.from_numpy(points.to_numpy())  # from 1
-    geometry = (aq_data.AQ_HeaderGTH(), numbered)
+    return points, (aq_data.AQ_HeaderGTH(), numbered)
+
+
+def test_cut_with_map_and_geometry(place):
+    whole = aq_data.read(STH)
+    points, geometry = geometry_of(whole)
     run = aq_data.cut(whole, MAP, geometry, down=10)
     assert run.history.data.records.tolist() == list(range(1, 22))
     assert run.history.header.cCommentLines[-1] == (
@@ -88,6 +93,18 @@ def test_join(place):
         aq_data.join(first, rest, fill=True)
     with pytest.raises(ValueError, match="two pieces"):
         aq_data.join(first)
+    points, geometry = geometry_of(aq_data.read(STH))
+    cuts = [(10, 20), (21, 50), (22, 50)]
+    one, two, late = (aq_data.cut(STH, MAP, geometry, records=cut) for cut in cuts)
+    bare = aq_data.cut(STH, MAP, records=(51, 60))
+    assert np.array_equal(aq_data.join(one, two).geometry.data.to_numpy(), geometry[1].to_numpy())
+    for pieces, found in [
+        ((one, late), "filled"),
+        ((two, one), "before the first"),
+        ((two, bare), "or none"),
+    ]:
+        with pytest.raises(ValueError, match=found):
+            aq_data.join(*pieces, fill=True)
 
 
 def test_fix(place):
@@ -110,6 +127,12 @@ def test_fix(place):
     assert (place / "wide.csv.orig").read_bytes() == plain.decode().encode("utf-16")
     with pytest.raises(FileExistsError):
         aq_data.fix("p.sth.csv.gz", write=True)
+    (place / "p.sth.csv").unlink()
+    rows = aq_data.fix([".", "wide.csv.orig"], write=True, to="new/mended")
+    assert {place / output for output in rows.output} == set((place / "new" / "mended").iterdir())
+    assert rows.output.str.endswith("orig").sum() == 1  # no more than the one that is named
+    with pytest.raises(FileExistsError):
+        aq_data.fix(".", write=True, to="new/mended")
 
 
 def test_tables_back(place):

@@ -472,6 +472,7 @@ ROWS = [  # command, status, in the output, in the messages
         '--where: expected =, !=, <, <=, > or >= at the end of "records"',
     ),
     (f"info {STH} --where 'record>1'", 2, "", 'unknown field "record"; did you mean records?'),
+    (f"info {STH} --where 'begin>7'", 2, "", "expected a time of day to compare begin with, found"),
     (f"info {STH} --where '(records>1'", 2, "", "expected a closing parenthesis at the end"),
     (f"info {STH} --sort size", 2, "", 'unknown field "size"'),
     (
@@ -491,7 +492,7 @@ ROWS = [  # command, status, in the output, in the messages
     (f"cut {STH} --records 1:9 --down 10 -o x.sth.csv", 2, "", "cannot be combined"),
     (f"cut {STH} --mask {MAP} --masks --down 10 -o x.sth.csv", 2, "", "cannot be combined"),
     (f"cut {STH} deep --mask {MAP} --down 10 -o x", 2, "", "are those of one history"),
-    (f"cut {STH} --records 70: -o x.sth.csv", 2, "", "has no record from 70"),
+    (f"cut {STH} --records 70: -o x.sth.csv", 2, "", f"{STH}: no record from 70"),
     (f"cut {STH} --from 15:00 -o x.sth.csv", 2, "", "--from: expected a time of day"),
     (f"cut {STH} --down 10 --force -o {STH}", 2, "", f"{STH}: is an input, which is never over"),
     (f"cut {STH} --down 10 -o x.mask.csv", 2, "", "expected a name that ends in .sth.csv"),
@@ -519,7 +520,22 @@ ROWS = [  # command, status, in the output, in the messages
         f"aqdata cut {STH} --records 1:20 --geometry f.gth.csv -o g.sth.csv",
         2,
         "1 without findings",
-        "no point for the record at 14:30:00.25",
+        f"{STH}: the geometry has no point for record 1",
+    ),
+    (
+        f"cut {STH} --records 10:20 --geometry f.gth.csv -q -o h.sth.csv && aqdata cut {STH} --records "
+        "21:50 --geometry f.gth.csv -q -o i.sth.csv && aqdata join h.sth.csv i.sth.csv --geometries -q "
+        "-o hi.sth.csv && aqdata diff f.gth.csv hi.gth.csv",
+        1,
+        "Joined of h.sth.csv (records 1 to 11), i",
+        "",
+    ),
+    (
+        f"aqdata cut {STH} --records 22:50 --geometry f.gth.csv -q -o j.sth.csv; join h.sth.csv j.sth.csv "
+        "--geometries --fill -o hj.sth.csv",
+        2,
+        "",
+        "j.sth.csv: a gap cannot be filled in a geometry",
     ),
     (
         f"cut {STH} --records :20 --masks -q -o a.sth.csv && aqdata cut {STH} --records 24: --masks -q "
@@ -549,9 +565,16 @@ ROWS = [  # command, status, in the output, in the messages
     ),
     ("fix raw -o mended", 2, "", "-o needs --write"),
     ("fix raw --write -o mended && ls mended/in", 0, "3 files: 2 mended, 1 as they were\n", ""),
+    (
+        "cd raw; fix . --write -o in/new && aqdata fix . --write -f -o in/new && rm -r in/new",
+        0,
+        "3 files: 2",
+        "",
+    ),
     (f"diff mended/in/p.sth.csv {STH}", 1, "Mended from p.sth.csv.gz: gzip", ""),
     ("fix raw --write -o mended", 2, "", "mended/mark.csv: already exists; --force replaces it"),
     ("fix raw/mark.csv --write -q && ! cmp -s raw/mark.csv.orig raw/mark.csv", 0, "", ""),
+    ("fix raw", 1, "raw/in/p.sth.csv.gz: would mend gzip\n3 files: 1 to mend", ""),
     ("fix raw/mark.csv --json", 0, '"mends":[],"left":[]', ""),
     ("fix bad.sth.csv", 1, 'bad.sth.csv: line 22: expected a level, found "6x.2"', ""),
     ("head -c 99 raw/in/p.sth.csv.gz > cut.csv.gz; fix cut.csv.gz", 2, "", "cut or damaged"),

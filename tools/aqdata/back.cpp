@@ -42,29 +42,53 @@ aq::AQ_Time timeOf(const std::string& text, double seconds) {
   return time;
 }
 
-class HistoryRows {
+/// Records by number, and at the end the measurement of them.
+template <class Read, class Object>
+class NumberedRows {
  public:
-  void time(std::int16_t record, const aq::AQ_Time& stamp, double relative) {
-    auto& spectrum = spectra_[record];
-    if (spectrum) return;
-    spectrum = std::make_shared<aq::AQ_Spectrum>();
-    spectrum->lazyTime().assign(stamp.TODseconds(),
-                                static_cast<double>(static_cast<float>(relative)));
-  }
-  void level(std::int16_t record, std::int16_t band, double level) {
-    if (!std::isnan(level)) spectra_.at(record)->SPL(band, level);
-  }
-
-  [[nodiscard]] History finish() && {
-    History read;
-    read.header = std::make_shared<aq::AQ_HeaderSTH>();
-    read.model = std::make_shared<aq::AQ_SpectralTimeHistory>();
-    for (auto& [record, spectrum] : spectra_) read.model->spectrum(record, std::move(spectrum));
+  [[nodiscard]] Read finish() && {
+    Read read;
+    read.header = std::make_shared<typename decltype(read.header)::element_type>();
+    read.model = std::make_shared<typename decltype(read.model)::element_type>();
+    for (auto& [number, object] : objects_) store(*read.model, number, std::move(object));
     return read;
   }
 
+ protected:
+  Object& at(std::int32_t number) {
+    auto& object = objects_[number];
+    if (!object) object = std::make_shared<Object>();
+    return *object;
+  }
+  [[nodiscard]] bool has(std::int32_t number) const { return objects_.contains(number); }
+  [[nodiscard]] std::size_t count() const { return objects_.size(); }
+
  private:
-  std::map<std::int16_t, std::shared_ptr<aq::AQ_Spectrum>> spectra_;
+  static void store(aq::AQ_SpectralTimeHistory& history, std::int32_t record,
+                    std::shared_ptr<Object> object) {
+    history.spectrum(static_cast<std::int16_t>(record), std::move(object));
+  }
+  static void store(aq::AQ_MaskMap& map, std::int32_t record, std::shared_ptr<Object> object) {
+    map.Row(static_cast<std::int16_t>(record), std::move(object));
+  }
+  static void store(aq::AQ_PositionTimeHistory& positions, std::int32_t place,
+                    std::shared_ptr<Object> object) {
+    positions.Position(place, std::move(object));
+  }
+
+  std::map<std::int32_t, std::shared_ptr<Object>> objects_;
+};
+
+class HistoryRows : public NumberedRows<History, aq::AQ_Spectrum> {
+ public:
+  void time(std::int16_t record, const aq::AQ_Time& stamp, double relative) {
+    if (has(record)) return;
+    at(record).lazyTime().assign(stamp.TODseconds(),
+                                 static_cast<double>(static_cast<float>(relative)));
+  }
+  void level(std::int16_t record, std::int16_t band, double level) {
+    if (!std::isnan(level)) at(record).SPL(band, level);
+  }
 };
 
 /// The seconds from the first stamp to the second; half a second if they do not rise.
@@ -107,55 +131,31 @@ void giveTimes(History& read) {
   history.ReferenceType(aq::AQ_OTHER);
 }
 
-class MapRows {
+class MapRows : public NumberedRows<MaskingMap, aq::AQ_MaskRow> {
  public:
   void mask(std::int16_t record, std::int16_t lastGoodBand, std::int16_t band,
             const std::string& letters) {
-    auto& row = rows_[record];
-    if (!row) row = std::make_shared<aq::AQ_MaskRow>();
-    row->LGB(lastGoodBand);
+    aq::AQ_MaskRow& row = at(record);
+    row.LGB(lastGoodBand);
     aq::AQ_Mask mask;
     mask.MaskString(letters);
     if (mask.MaskString() != letters) {
       throw aq::Error(aq::ErrorCode::InvalidValue,
                       "expected the letters of a mask, found " + aq::shown(letters));
     }
-    row->store(band, mask);
+    row.store(band, mask);
   }
-
-  [[nodiscard]] MaskingMap finish() && {
-    MaskingMap read;
-    read.header = std::make_shared<aq::AQ_HeaderMask>();
-    read.model = std::make_shared<aq::AQ_MaskMap>();
-    for (auto& [record, row] : rows_) read.model->Row(record, std::move(row));
-    return read;
-  }
-
- private:
-  std::map<std::int16_t, std::shared_ptr<aq::AQ_MaskRow>> rows_;
 };
 
-class PositionRows {
+class PositionRows : public NumberedRows<Positions, aq::AQ_Position> {
  public:
   void position(const aq::AQ_Time& time, double x, double y, double z) {
-    auto position = std::make_shared<aq::AQ_Position>();
-    position->lazyTime().assign(time.TODseconds());
-    position->X(x);
-    position->Y(y);
-    position->Z(z);
-    model_->Position(++count_, std::move(position));
+    aq::AQ_Position& position = at(static_cast<std::int32_t>(count()) + 1);
+    position.lazyTime().assign(time.TODseconds());
+    position.X(x);
+    position.Y(y);
+    position.Z(z);
   }
-  [[nodiscard]] Positions finish() && {
-    Positions read;
-    read.header = std::make_shared<aq::AQ_HeaderPTH>();
-    read.model = std::move(model_);
-    return read;
-  }
-
- private:
-  std::shared_ptr<aq::AQ_PositionTimeHistory> model_ =
-      std::make_shared<aq::AQ_PositionTimeHistory>();
-  std::int32_t count_ = 0;
 };
 
 // Tables.

@@ -22,7 +22,9 @@ namespace fs = std::filesystem;
 
 bool isHidden(const fs::path& path) { return path.filename().string().starts_with('.'); }
 
+/// Not the originals that `fix` keeps.
 bool isMeasurement(const fs::path& path) {
+  if (path.extension() == ".orig") return false;
   return aq::upperCased(path.extension().string()) == ".CSV" ||
          aq::kindOfFile(path.string()) != aq::FileKind::Unknown;
 }
@@ -43,7 +45,18 @@ std::string danglingLink(const fs::path& path) {
 class Choice {
  public:
   Choice(Session& session, const std::vector<std::string_view>& more)
-      : session_(session), more_(more) {}
+      : session_(session), more_(more) {
+    // What a command has written below its input is no input of the next one.
+    std::error_code error;
+    const fs::path output = pathOf(session.output);
+    const auto isOutput = [&](const std::string& given) {
+      return fs::equivalent(pathOf(given), output, error);
+    };
+    if (fs::is_directory(output, error) &&
+        std::none_of(session.files.begin(), session.files.end(), isOutput)) {
+      walked_.insert(fs::canonical(output, error).string());
+    }
+  }
 
   void add(const std::string& given) {
     std::error_code error;

@@ -198,14 +198,6 @@ FlownPath openPath(const std::string& path) {
                   aq::escaped(path), aq::kindText(read.kind)));
 }
 
-std::shared_ptr<aq::AQ_Position> membraneOf(const aq::AQ_Microphone& microphone) {
-  auto position = std::make_shared<aq::AQ_Position>();
-  position->X(microphone.X);
-  position->Y(microphone.Y);
-  position->Z(microphone.Z + microphone.Height);
-  return position;
-}
-
 std::string timeText(aq::AQ_Time time) {
   try {
     aq::roundLateTime(time);

@@ -96,9 +96,6 @@ struct FlownPath {
 };
 [[nodiscard]] FlownPath openPath(const std::string& path);
 
-/// The microphone is above its ground point.
-[[nodiscard]] std::shared_ptr<aq::AQ_Position> membraneOf(const aq::AQ_Microphone& microphone);
-
 /// Throws `Failure` for a history whose header has a word that would be written as another one.
 void expectKnownWords(const History& read, const std::string& path);
 

@@ -145,8 +145,17 @@ class ConditionParser {
     }
     if (found.empty()) fail("=, !=, <, <=, > or >=");
     return [field, found, wanted = value()](const Json& info) {
-      const std::string text = listText(fieldOf(info, field), ", ");
-      return !text.empty() && holds(found, text, wanted);
+      const Json& own = fieldOf(info, field);
+      const std::string text = listText(own, ", ");
+      if (text.empty()) return false;
+      const bool isOrder = found.front() != '=' && found.front() != '!';
+      const bool isClock = clockIn(text).has_value();
+      if (isOrder && (own.is_number() || isClock) && !numbersOf(text, wanted)) {
+        throw Failure(fmt::format("--where: expected {} to compare {} with, found {}",
+                                  isClock ? "a time of day" : "a number", field,
+                                  aq::shown(wanted)));
+      }
+      return holds(found, text, wanted);
     };
   }
 

@@ -42,6 +42,8 @@ namespace fs = std::filesystem;
 
 /// Replaces bytes that are not UTF-8 by U+FFFD, since a workbook cannot hold them.
 std::string validText(const std::string& text) {
+  const auto isPlain = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+  if (std::all_of(text.begin(), text.end(), isPlain)) return text;
   return Json::parse(Json(text).dump(-1, ' ', false, Json::error_handler_t::replace))
       .get<std::string>();
 }

@@ -154,8 +154,22 @@ void putPositions(Session& session, const ConvertChoice& choice) {
   session.wrote("written");
 }
 
+/// The first four bytes of a file.
+std::string beginningOf(const std::string& path) {
+  std::ifstream file(pathOf(path), std::ios::binary);
+  std::string begin(4, '\0');
+  file.read(begin.data(), static_cast<std::streamsize>(begin.size()));
+  return begin;
+}
+
 /// Reads a file of any kind, or what `convert` made of one.
 Measurement readAny(const ConvertChoice& choice) {
+  if (beginningOf(choice.file) == "PK\x03\x04") {
+    throw Failure(
+        fmt::format("{}: expected a measurement file, found a workbook, which "
+                    "aq_data.read_excel reads in Python",
+                    aq::escaped(choice.file)));
+  }
   if (aq::kindOfFile(choice.file) == aq::FileKind::Unknown) {
     if (auto back = backFrom(choice.file)) return *std::move(back);
   }
@@ -164,9 +178,7 @@ Measurement readAny(const ConvertChoice& choice) {
 
 /// Whether a file is netCDF, classic or version 4.
 bool isNetcdf(const std::string& path) {
-  std::ifstream file(pathOf(path), std::ios::binary);
-  std::string begin(4, '\0');
-  file.read(begin.data(), static_cast<std::streamsize>(begin.size()));
+  const std::string begin = beginningOf(path);
   return begin == "\x89HDF" || begin.starts_with("CDF");
 }
 

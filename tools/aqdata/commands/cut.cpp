@@ -1,11 +1,9 @@
 #include <aq/core/error.h>
-#include <aq/geometry/cut_geometry.h>
 #include <aq/masking/cut_map.h>
+#include <aq/noise/record_geometry.h>
 #include <aq/noise/records_down.h>
 #include <aq/text/number_text.h>
 #include <fmt/format.h>
-
-#include <cmath>
 
 #include "tools/aqdata/files.h"
 #include "tools/aqdata/noise.h"
@@ -85,32 +83,6 @@ aq::RecordRange rangeOf(const Run& run, const CutChoice& choice) {
   return aq::recordsBetween(history, from, to);
 }
 
-/// The geometry points of a history's records, found by time: a geometry need not begin with record
-/// 1.
-std::shared_ptr<aq::AQ_GeometryTimeHistory> pointsOf(aq::AQ_GeometryTimeHistory& geometry,
-                                                     const aq::AQ_SpectralTimeHistory& part) {
-  constexpr double kRounding = 0.006;  // times are written to hundredths of a second
-  std::optional<std::int32_t> first;
-  std::int32_t next = 0;
-  for (const auto& [record, spectrum] : part) {
-    const double stamp = spectrum->lazyTime().secondsOfDay();
-    const auto isOf = [&](const auto& point) {
-      return std::abs(std::remainder(point->Tm()->TODseconds() - stamp, aq::kSecondsPerDay)) <
-             kRounding;
-    };
-    for (const auto& [number, point] : geometry) {
-      if (first) break;
-      if (isOf(point)) first = next = number;
-    }
-    if (!first || !geometry.contains(next) || !isOf(geometry.Point(next))) {
-      throw Failure(fmt::format("the geometry has no point for the record at {}",
-                                timeText(spectrum->timeValue())));
-    }
-    ++next;
-  }
-  return aq::cutGeometry(geometry, *first, next - 1);
-}
-
 struct CutOutcome {
   Json document = {};
   std::vector<std::string> words = {};
@@ -127,10 +99,13 @@ aq::RecordRange cutRun(Run& run, const CutChoice& choice) {
     if (number < range.first || number > range.last) continue;
     found = {found ? found->first : number, number};
   }
-  if (!found) throw Failure(fmt::format("has no record from {} to {}", range.first, range.last));
+  if (!found) {
+    throw aq::Error(aq::ErrorCode::InvalidArgument,
+                    fmt::format("no record from {} to {}", range.first, range.last));
+  }
   auto part = aq::cutHistory(history, *found, fromOne);
   if (run.map) run.map->model = aq::cutMap(*run.map->model, found->first, found->last);
-  if (run.geometry) run.geometry->model = pointsOf(*run.geometry->model, *part);
+  if (run.geometry) run.geometry->model = aq::geometryOf(*run.geometry->model, history, *found);
   run.history.model = std::move(part);
   return *found;
 }

@@ -1,7 +1,11 @@
 #include <aq/core/error.h>
+#include <aq/geometry/cut_geometry.h>
 #include <aq/masking/cut_map.h>
+#include <aq/noise/record_geometry.h>
 #include <aq/spectral/join_histories.h>
 #include <fmt/format.h>
+
+#include <tuple>
 
 #include "tools/aqdata/files.h"
 #include "tools/aqdata/program.h"
@@ -14,6 +18,7 @@ namespace {
 struct JoinChoice {
   bool fill = false;
   bool maps = false;
+  bool geometries = false;
 };
 
 /// The headers of pieces of one run must agree.
@@ -35,6 +40,26 @@ std::string pieceText(const std::string& file, std::int32_t low, std::int32_t hi
                     : fmt::format("{} (records {} to {}, were {} on)", name, low, high, was);
 }
 
+/// The points of all records of a run.
+std::shared_ptr<aq::AQ_GeometryTimeHistory> wholeGeometry(const Run& run) {
+  aq::AQ_SpectralTimeHistory& history = *run.history.model;
+  return aq::geometryOf(*run.geometry->model, history, {history.LoRec(), history.HiRec()});
+}
+
+void expectSameGeometry(const aq::AQ_HeaderGTH& one, const aq::AQ_HeaderGTH& other) {
+  const auto place = [](const aq::AQ_HeaderGTH& header) {
+    const aq::AQ_Position& at = *header.MicrophonePosition;
+    return std::tuple(at.X(), at.Y(), at.Z());
+  };
+  if (place(one) != place(other)) {
+    throw Failure("the geometries have different positions of the microphone");
+  }
+  if (one.Temperature != other.Temperature) {
+    throw Failure(fmt::format("the geometries have different temperatures: {} and {}",
+                              one.Temperature, other.Temperature));
+  }
+}
+
 /// Appends a piece to the run; returns how many records were missing between them.
 std::int32_t append(Run& run, Run& piece, const std::string& file, const JoinChoice& choice) {
   expectSameHeader(run.history, piece.history, file);
@@ -43,13 +68,18 @@ std::int32_t append(Run& run, Run& piece, const std::string& file, const JoinCho
     const std::int32_t gap = aq::recordsMissing(*run.history.model, *piece.history.model);
     if (gap > 0 && !choice.fill) {
       throw Failure(fmt::format(
-          "{}: {} missing before it; --fill adds records of 9999", aq::escaped(file),
+          "{} missing before it; --fill adds records of 9999",
           counted(static_cast<std::size_t>(gap), "record") + (gap == 1 ? " is" : " are")));
+    }
+    if (run.geometry) {
+      if (gap > 0) throw Failure("a gap cannot be filled in a geometry: join without --geometries");
+      expectSameGeometry(*run.geometry->header, *piece.geometry->header);
+      run.geometry->model = aq::joinGeometries(*wholeGeometry(run), *wholeGeometry(piece));
     }
     run.history.model = aq::joinHistories(*run.history.model, *piece.history.model, choice.fill);
     if (run.map) run.map->model = aq::joinMaps(*run.map->model, *piece.map->model, gap);
     return gap;
-  } catch (const aq::Error& error) {
+  } catch (const std::exception& error) {
     throw Failure(fmt::format("{}: {}", aq::escaped(file), error.what()));
   }
 }
@@ -59,7 +89,8 @@ void join(Session& session, const JoinChoice& choice) {
   if (files.size() < 2) throw Failure("expected two pieces or more, in the order of their times");
   expectEnding(session.output, {".sth.csv", ".spc", ".csv"});
   const auto filesOf = [&](const std::string& history) {
-    return RunFiles{history, choice.maps ? nextToHistory(history, ".mask.csv") : std::string()};
+    return RunFiles{history, choice.maps ? nextToHistory(history, ".mask.csv") : std::string(),
+                    choice.geometries ? nextToHistory(history, ".gth.csv") : std::string()};
   };
   const RunFiles to = filesOf(session.output);
   for (const std::string& output : to.all()) {
@@ -113,6 +144,8 @@ void addJoin(CLI::App& program, Session& session) {
   command->add_flag("--fill", choice->fill,
                     "Fill gaps with records whose levels are 9999, not valid");
   command->add_flag("--masks", choice->maps, "Also join the maps next to the pieces");
+  command->add_flag("--geometries", choice->geometries,
+                    "Also join their geometries, if no record is missing");
   addOutputFile(*command, session, "The history to write");
 }
 
