@@ -14,8 +14,8 @@ namespace aq {
 namespace {
 
 bool isMeasuredAt(const std::shared_ptr<AQ_Geometry>& point, double stamp) {
-  constexpr double kRounding = 0.006;  // times are written to hundredths of a second
-  return std::abs(secondsFrom(stamp, orThrow(point).Tm()->TODseconds())) < kRounding;
+  constexpr double kHundredth = 0.006;  // times are written to hundredths of a second
+  return std::abs(secondsFrom(stamp, orThrow(point).Tm()->TODseconds())) < kHundredth;
 }
 
 }  // namespace

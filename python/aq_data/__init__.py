@@ -4,7 +4,6 @@ from importlib import import_module as _import_module
 from typing import Any as _Any
 
 from . import _core
-from . import calls as _calls  # errors that name the argument
 from ._core import *  # noqa: F403
 from ._core import FileKind, kindOfFile
 from .errors import Error, FileError

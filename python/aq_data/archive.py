@@ -17,7 +17,7 @@ import pandas as pd
 from dask.diagnostics import ProgressBar
 
 from . import _core
-from .calls import path_text
+from .arguments import path_text
 from .errors import Error, FileError
 from .files import read_quietly
 from .noise import metric_findings

@@ -7,7 +7,7 @@ from typing import Any, Iterator
 import numpy as np
 
 from . import _core
-from .calls import path_text
+from .arguments import path_text
 from .errors import FileError
 from .objects import as_time
 from .reading import Path, Reading

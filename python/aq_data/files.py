@@ -10,7 +10,7 @@ from typing import Any, Optional, TypeVar, overload
 
 from . import _core
 from ._core import FileKind
-from .calls import path_text
+from .arguments import path_text
 from .errors import FileError
 from .formats import FORMATS, format_for
 from .reading import Path, Reading, Tracking

@@ -15,7 +15,7 @@ import xarray as xr
 
 from . import _core
 from .attributes import attach, attributes, plain, variable
-from .calls import WORDS
+from .arguments import WORDS
 from .errors import Error, MismatchError
 from .labelled import MICROPHONE, PARAMETERS, check_unit
 from .times import DAY, going_on

@@ -235,21 +235,10 @@ def test_errors_name_the_property(owner: Any, name: str, value: Any, text: str) 
 
 
 def test_errors_of_calls_name_the_argument(history: Any) -> None:
-    ambient = history[1]
-    rows: list[tuple[Any, str]] = [
-        (lambda: aq.maskByAmbient(history, ambient, "x"), "margin: expected a number, found 'x'"),
-        (lambda: aq.maskByAmbient(history, 5, 3), "ambient: expected AQ_Spectrum, found 5"),
-        (lambda: aq.maskByAmbient(history, ambient), "margin: expected a number, found no argum"),
-        (lambda: aq.setMetrics(history, None, 3), "expected history, map, found 3 arguments"),
-        (lambda: aq.setMetrics(history, maps=3), "expected history, map, found maps="),
-        (lambda: history.setLGB("x"), "AQ_SpectralTimeHistory.setLGB: MapMask: expected AQ_MaskM"),
-        (lambda: history.spectrum("x"), "spectrum: number: expected a whole number, found 'x'"),
-        (lambda: aq.read(5), "path: expected a path, found 5"),
-        (lambda: aq.metrics(history, "m"), "mask: expected AQ_MaskMap, found str"),
-    ]
-    for call, text in rows:
-        with pytest.raises(TypeError, match=text):
-            call()
+    with pytest.raises(TypeError, match="path: expected a path, found 5"):
+        aq.read(5)  # type: ignore[arg-type]
+    with pytest.raises(TypeError, match="mask: expected AQ_MaskMap, found str"):
+        aq.metrics(history, "m")  # type: ignore[arg-type]
 
 
 def test_errors_of_views_name_property_and_number(history: Any) -> None:
