@@ -14,6 +14,7 @@ import pandas as pd
 
 from . import _core
 from .archive import absolute, walked
+from .arguments import path_text
 from .attributes import expect
 from .errors import FileError
 from .files import read
@@ -174,9 +175,11 @@ def _joined_geometry(run: Run, piece: Run, gap: int) -> Optional[GeometryReading
     if places[0] != places[1] or one.Temperature != other.Temperature:
         raise ValueError("the geometries have different microphone positions or temperatures")
     parts = [
-        _core.geometryOf(each.geometry.data, data, int(data.records[0]), int(data.records[-1]))
-        for each in (run, piece)
-        for data in [each.history.data]
+        _core.geometryOf(points.data, data, int(data.records[0]), int(data.records[-1]))
+        for points, data in (
+            (run.geometry, run.history.data),
+            (piece.geometry, piece.history.data),
+        )
     ]
     return Reading(one, _core.joinGeometries(*parts))
 
@@ -320,9 +323,10 @@ def fix(
     padding, blank lines, and decimal commas.
 
     Without `write` nothing changes. With it, each file is replaced completely or not at all, and
-    the original is kept as `FILE.orig` unless `keep_original` is false; a packed file is unpacked next to
-    itself. With `to`, nothing is replaced: all files, also those that need no change, are written
-    below that folder, and `FileExistsError` is raised for one that exists. A comment in the file says what was changed.
+    the original is kept as `FILE.orig` unless `keep_original` is false; a packed file is unpacked
+    next to itself. With `to`, nothing is replaced: all files, also those that need no change, are
+    written below that folder, and `FileExistsError` is raised for one that exists. A comment in the
+    file says what was changed.
 
     The columns are `path`; `done`, what was or would be changed; `left`, what is ambiguous and was
     left alone, both lists of texts; and `output`, None if nothing was written. `paths` are as for
@@ -333,7 +337,8 @@ def fix(
     """
     if to is not None and not write:
         raise ValueError("expected write=True, as to says where")
-    seen = set() if to is None else {os.path.realpath(to)}
+    target = None if to is None else path_text(to, "to")
+    seen = set() if target is None else {os.path.realpath(target)}
     rows = []
     for given, path in (
         (each, file) for each in absolute(paths) for file in walked(each, seen, (".gz",))
@@ -342,9 +347,9 @@ def fix(
             continue  # no text
         text, done, left = _mended(path)
         output = None
-        if to is not None:
+        if target is not None:
             base = given if os.path.isdir(given) else os.path.dirname(given)
-            output = _write_new(os.path.join(to, os.path.relpath(path, base)), text)
+            output = _write_new(os.path.join(target, os.path.relpath(path, base)), text)
         elif write and done:
             output = _write_mended(path, text, keep_original)
         rows.append((path, done, left, output))
