@@ -181,7 +181,10 @@ class TextMender {
       const std::size_t begin = line.size() - text.size();
       const std::size_t end = begin + kept.size();
       if (unsure_ == 0 && hasSeparator(kept)) unsure_ = at + 1;
-      line = separated(line.substr(0, begin)) + kept + separated(line.substr(end));
+      std::string mended = separated(line.substr(0, begin));
+      mended += kept;
+      mended += separated(line.substr(end));
+      line = std::move(mended);
     }
     done(separator == ';' ? "semicolons between fields" : "tabs between fields");
   }
