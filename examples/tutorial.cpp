@@ -8,12 +8,15 @@
 int main(int argc, char** argv) {
   if (argc != 5) return 2;
   aq::AQ_DataSTH historyFile;
+  aq::HistoryWords words;  // the reference type, which readFile does not take
+  historyFile.observeHeader([&](const aq::HeaderLine& line) { words.see(line); });
   std::shared_ptr<aq::AQ_HeaderSTH> header;
   std::shared_ptr<aq::AQ_SpectralTimeHistory> history;
   if (historyFile.readFile(argv[1], header, history) != aq::AQ_DATA_OK) {
     std::cerr << historyFile.lastFailure()->message() << '\n';
     return 1;
   }
+  words.takeInto(*history);
   aq::AQ_DataSSR ambientFile;
   std::shared_ptr<aq::AQ_Spectrum> ambient;
   if (ambientFile.readFile(argv[2], ambient) != aq::AQ_DATA_OK) {
