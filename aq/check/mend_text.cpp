@@ -52,7 +52,7 @@ std::optional<std::string> fromUtf16(std::string_view bytes) {
 class TextMender {
  public:
   TextMender(std::string_view bytes, std::string_view name, std::vector<std::string> done)
-      : name_(name) {
+      : bytes_(bytes), name_(name), doneBefore_(done.size()) {
     mended_.text = bytes;
     mended_.done = std::move(done);
   }
@@ -65,7 +65,12 @@ class TextMender {
     if (mended_.text.find('\0') != std::string::npos) return leave("bytes that are not text");
     mendReturns();
     mendLines();
-    return std::move(mended_);
+    if (!faultOfBytes(std::string_view(mended_.text).substr(0, 16))) return std::move(mended_);
+    // A mark of UTF-16 or of gzip below quotes or another mark: no program writes that.
+    mended_.text = bytes_;
+    mended_.done.resize(doneBefore_);
+    mended_.left.clear();
+    return leave("bytes that are not text");
   }
 
  private:
@@ -427,7 +432,9 @@ class TextMender {
   }
 
   Mended mended_;
+  std::string_view bytes_;
   std::string name_;
+  std::size_t doneBefore_;
   std::vector<std::string> lines_;
   char separator_ = '\0';   // that a spreadsheet put in place of commas
   std::size_t unsure_ = 0;  // the first line whose text has one; 0 for none

@@ -86,7 +86,8 @@ TEST(Mend, LeavesWhatMayMeanSeveralThings) {
       {std::string("\xFF\xFE\x41\0\x42", 5), "UTF-16"},
       {std::string("\xFF\xFE\x00\xDC", 4), "UTF-16"},
       {"PK\x03\x04", "zip"},
-      {kPlain + std::string(1, '\0'), "not text"}};
+      {kPlain + std::string(1, '\0'), "not text"},
+      {"\xEF\xBB\xBF\xFF\xFE" + kPlain, "not text"}};
   for (const auto& [text, left] : rows) {
     const Mended mended = mendText(text, "a.csv");
     EXPECT_EQ(mended.text, text);
