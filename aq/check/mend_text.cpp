@@ -58,14 +58,14 @@ class TextMender {
   }
 
   Mended run() && {
-    const auto fault = faultOfBytes(std::string_view(mended_.text).substr(0, 16));
+    const auto fault = faultAtStart();
     if (mended_.text.starts_with(sdf::kMark)) return std::move(mended_);
     if (fault && fault->kind == Kind::Compressed) return leave(fault->message);
     if (fault && !mendWide()) return leave("UTF-16 text that is truncated or damaged");
     if (mended_.text.find('\0') != std::string::npos) return leave("bytes that are not text");
     mendReturns();
     mendLines();
-    if (!faultOfBytes(std::string_view(mended_.text).substr(0, 16))) return std::move(mended_);
+    if (!faultAtStart()) return std::move(mended_);
     // A mark of UTF-16 or of gzip below quotes or another mark: no program writes that.
     mended_.text = bytes_;
     mended_.done.resize(doneBefore_);
@@ -74,6 +74,10 @@ class TextMender {
   }
 
  private:
+  [[nodiscard]] std::optional<TextFault> faultAtStart() const {
+    return faultOfBytes(std::string_view(mended_.text).substr(0, 16));
+  }
+
   Mended leave(std::string why) {
     mended_.left.push_back(std::move(why));
     return std::move(mended_);
@@ -195,7 +199,7 @@ class TextMender {
   }
 
   /// The words of a header line, in which a separator is the author's or was a comma: a comment, or
-  /// the value of a keyword that has a name. Numbers, dates and times are none.
+  /// the value of a keyword that has a name. Empty for numbers, dates and times.
   [[nodiscard]] std::string_view textIn(std::string_view line, bool mayHaveKeyword) const {
     const std::size_t mark = mayHaveKeyword ? line.find(kKeywordMark) : line.npos;
     if (mark == line.npos) return line;

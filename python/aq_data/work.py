@@ -209,12 +209,10 @@ def join(
     if len(maps) != len(pieces):
         raise ValueError(f"expected {len(pieces)} masks, one per piece, found {len(maps)}")
     runs = [
-        _run(
-            *(
-                (piece.history, rows, piece.geometry)
-                if isinstance(piece, Run)
-                else (piece, rows, None)
-            )
+        (
+            _run(piece.history, rows, piece.geometry)
+            if isinstance(piece, Run)
+            else _run(piece, rows, None)
         )
         for piece, rows in zip(pieces, maps)
     ]
