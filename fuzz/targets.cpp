@@ -32,8 +32,8 @@ std::string fileWith(std::string_view input) {
   return path;
 }
 
-/// A line that the input cannot contain.
-std::size_t behind(std::string_view input) {
+/// The number of a line after the last one of the input.
+std::size_t lineAfter(std::string_view input) {
   return static_cast<std::size_t>(std::count(input.begin(), input.end(), '\n')) + 2;
 }
 
@@ -45,13 +45,13 @@ void readFormat(const Target& target, std::string_view input) {
   if (!failure) return;
   // A recording is not text: its failures name a record and a byte.
   const std::size_t first = target.name == "analyzer-recording" ? 0 : 1;
-  expect(failure->line >= first && failure->line <= behind(input), "a failure with its place");
+  expect(failure->line >= first && failure->line <= lineAfter(input), "a failure with its place");
   expect(failure->message().find(failure->expected) != std::string::npos, "a message");
 }
 
 void checkAny(const Target&, std::string_view input) {
   checkFile(fileWith(input), [&](const Finding& finding) {
-    expect(finding.place.line <= behind(input) && !finding.message.empty(), "a finding");
+    expect(finding.place.line <= lineAfter(input) && !finding.message.empty(), "a finding");
   });
 }
 

@@ -29,7 +29,9 @@ def public_headers():
     found, queue = set(), ["aq/aq.h"]
     for header in queue:
         for name in re.findall(r'#include "(aq/[^"]+)"', (ROOT / header).read_text()):
-            part = re.search(r"(data|header)_\w+\.h$|(microphone|file_kind|file_class)\.h$", name)
+            part = re.search(
+                r"(data|header)_\w+\.h$|(microphone|file_kind|file_class|header_observer)\.h$", name
+            )
             if name not in found and (header == "aq/aq.h" or part):
                 found.add(name)
                 queue.append(name)
@@ -56,6 +58,11 @@ def entries(xml):
             yield where, f".. doxygenfunction:: {name}({', '.join(types)})"
 
 
+def part_of(header):
+    """The folder whose section has the header; the classes of files are documented with them."""
+    return "files" if header.startswith("aq/text/") else header.split("/")[1]
+
+
 def main(xml, target):
     headers = public_headers()
     by_header = {}
@@ -65,7 +72,7 @@ def main(xml, target):
     for folder, title in TITLES.items():
         page.append(f"\n## {title}\n")
         for header in sorted(headers & by_header.keys()):
-            if header.split("/")[1] == folder:
+            if part_of(header) == folder:
                 directives = "\n\n".join(by_header[header])
                 page.append(f"\n### {header}\n\n```{{eval-rst}}\n{directives}\n```\n")
     pathlib.Path(target).write_text("".join(page))

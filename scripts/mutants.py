@@ -115,12 +115,12 @@ def visible(source):
 
 def statements(code):
     """The beginnings and ends of lines that are a single statement."""
-    at, behind = 0, ""
+    at, before = 0, ""
     for line in code.splitlines(keepends=True):
         found = STATEMENT.match(line)
-        if found and behind[-1:] in tuple(";{})") and not DECLARATION.match(found[1]):
+        if found and before[-1:] in tuple(";{})") and not DECLARATION.match(found[1]):
             yield at + found.start(1), at + found.end(1)
-        behind = line.rstrip() or behind
+        before = line.rstrip() or before
         at += len(line)
 
 

@@ -136,9 +136,9 @@ struct Description<NoiseFunctions> {
                   about("The tone correction of a spectrum, from bands 19 to 40"), spectrum, masks)
         .function(
             "noiseEvent", &noiseEvent,
-            about(
-                "The event of a series of tone-corrected perceived noise levels; raises if there "
-                "is none, if sizes differ, for an infinite level, and for a duration of 0 or less"),
+            about("The event of a series of tone-corrected perceived noise levels; raises if no "
+                  "level is given, if sizes differ, for an infinite level, and for a duration of 0 "
+                  "or less"),
             in("pnlt", "The levels by record, NaN for none", Quantity{"TPNdB"}),
             in("seconds", "How long a record lasts: one value for all, or one each",
                Quantity{"s", 0}),

@@ -38,8 +38,8 @@ class FlightPath {
   /// A time of day as seconds of the path, which continue from the first position.
   [[nodiscard]] double secondsOf(double timeOfDay) const;
 
-  /// The direction of flight, of length 1, from the nearest segment with movement. Nothing if there
-  /// is none.
+  /// The direction of flight, of length 1, from the nearest segment with movement. Nothing if the
+  /// path has no such segment.
   [[nodiscard]] std::optional<Vector3> direction(const Place& place) const;
 
  private:

@@ -13,7 +13,8 @@ from . import objects as _objects  # [], ==, notebooks
 from . import accessor as _accessor  # registers Dataset.aq
 from .archive import check, scan
 from .many import open_many
-from .noise import audit, emission_geometry, epnl, events, explain, metrics, tone_correction
+from .noise import audit, emission_geometry, epnl, events, explain, maskByAmbient, metrics
+from .noise import setMetrics, tone_correction
 from .excel import read_excel
 from .files import read, read_sdf, read_tracking, write
 from .reading import Reading, Tracking

@@ -7,7 +7,7 @@ that everything survives a netCDF file too.
 from __future__ import annotations
 
 import json
-from numbers import Integral
+from numbers import Integral, Real
 from typing import Any, Callable, TypeVar
 
 import numpy as np
@@ -216,12 +216,17 @@ def kept(ds: xr.Dataset) -> dict[str, Any]:
     return values
 
 
+_CLASS_WORDS: dict[type, str] = {Integral: "a whole number", Real: "a number"}
+
+
 def expect(value: Any, cls: type, name: str = "") -> None:
     """Raises `TypeError` with the name of the argument for an object of another class."""
     if not isinstance(value, cls):
         place = f"{name}: " if name else ""
-        wanted = "a whole number" if cls is Integral else cls.__name__
-        raise TypeError(f"{place}expected {wanted}, found {type(value).__name__}")
+        wanted = _CLASS_WORDS.get(cls, cls.__name__)
+        data = isinstance(value, tuple) and isinstance(getattr(value, "data", None), cls)
+        hint = "; pass its data" if data else ""
+        raise TypeError(f"{place}expected {wanted}, found {type(value).__name__}{hint}")
 
 
 def need(ds: Any, *names: str) -> None:

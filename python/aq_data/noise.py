@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from numbers import Integral
+from numbers import Integral, Real
 from typing import Any, Iterator, NamedTuple, Optional, Union
 
 import dask
@@ -80,6 +80,35 @@ def metrics(history: History, mask: Optional[_core.AQ_MaskMap] = None) -> xr.Dat
     }
     first = int(numbers[0]) if numbers.size else 0
     return xr.Dataset(metric_variables(values, "record"), coordinates, event_words(event, first))
+
+
+def maskByAmbient(  # as in C++
+    history: _core.AQ_SpectralTimeHistory, ambient: _core.AQ_Spectrum, margin: float
+) -> _core.AQ_MaskMap:
+    """The masking map of a history by an ambient spectrum: masks levels less than `margin` dB above
+    the ambient's, and sets the last good band of each row.
+
+    >>> mask = aq_data.maskByAmbient(history, ambient, 3)
+    """
+    expect(history, _core.AQ_SpectralTimeHistory, "history")
+    expect(ambient, _core.AQ_Spectrum, "ambient")
+    expect(margin, Real, "margin")
+    return _core.maskByAmbient(history, ambient, margin)
+
+
+def setMetrics(  # as in C++
+    history: _core.AQ_SpectralTimeHistory, map: Optional[_core.AQ_MaskMap] = None
+) -> Optional[_core.NoiseEvent]:
+    """Computes and stores the ten metrics of each record; returns the event, `None` if no record
+    has a PNLT.
+
+    The event's `first`, `maximum` and `last` are indices from 0; `metrics(history).attrs` has
+    record numbers.
+    """
+    expect(history, _core.AQ_SpectralTimeHistory, "history")
+    if map is not None:
+        expect(map, _core.AQ_MaskMap, "map")
+    return _core.setMetrics(history, map)
 
 
 def tone_correction(levels: npt.ArrayLike) -> npt.NDArray[Any]:

@@ -164,6 +164,16 @@ def test_a_dataset_without_what_it_needs_says_so(ds: xr.Dataset, text: str) -> N
         (lambda ds: aq.plot.page(aq.AQ_SpectralTimeHistory()), ValueError, "levels, found none"),
         (lambda ds: aq.plot.level_time(aq.AQ_MaskMap()), ValueError, "lacks level"),
         (lambda ds: aq.plot.spectrogram(5), TypeError, "found int"),
+        (
+            lambda ds: aq.setMetrics(aq.Reading(None, HISTORY)),
+            TypeError,
+            "history: .*found Reading; pass its data",
+        ),
+        (
+            lambda ds: aq.maskByAmbient(HISTORY, aq.AQ_Spectrum(), "3"),
+            TypeError,
+            "margin: .*number",
+        ),
     ],
 )
 def test_what_people_get_wrong_is_named(action: Any, kind: type, text: str) -> None:

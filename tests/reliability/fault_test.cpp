@@ -42,7 +42,7 @@ std::string madeIn(const test::Folder& folder, Target target, const std::string&
   std::string path = folder.file(name);
   fs::remove(path);
   if (target == Target::File) return folder.with(name, kOld);
-  if (target == Target::Link) fs::create_symlink(folder.with("behind.csv", kOld), path);
+  if (target == Target::Link) fs::create_symlink(folder.with("linked.csv", kOld), path);
   return path;
 }
 

@@ -29,7 +29,7 @@ namespace aqdata {
 void expectOpens(const std::string& path);
 
 /// Throws `Failure` unless the name of the session's output has no extension or one of these
-/// (".csv" only without the ending of another kind of file), and it is none of the `inputs`.
+/// (".csv" only without the ending of another kind of file), and it is not one of the `inputs`.
 void expectOutput(const Session& session, const std::vector<std::string_view>& endings,
                   const std::vector<std::string>& inputs);
 
