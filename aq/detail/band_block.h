@@ -47,7 +47,7 @@ class BandBlock {
  private:
   static std::size_t index(int at) { return static_cast<std::size_t>(at); }
 
-  Cells cells_;
+  [[no_unique_address]] Cells cells_;  // whose padding may hold the first band
   std::int16_t first_ = 0;
 };
 

@@ -5,6 +5,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <type_traits>
 #include <utility>
@@ -12,10 +13,10 @@
 namespace aq {
 
 /// A vector of plain cells that stores up to `kInline` of them in place, so that most objects need
-/// no allocation.
-template <class Cell, std::size_t kInline>
+/// no allocation. It holds as many cells as `Size` can count.
+template <class Cell, std::size_t kInline, class Size = std::uint32_t>
 class InlineVector {
-  static_assert(std::is_trivially_copyable_v<Cell>);
+  static_assert(std::is_trivially_copyable_v<Cell> && sizeof(Cell) * kInline >= sizeof(Cell*));
 
  public:
   InlineVector() = default;
@@ -25,54 +26,72 @@ class InlineVector {
     swap(other);
     return *this;
   }
-  ~InlineVector() = default;
+  ~InlineVector() { free(); }
 
   [[nodiscard]] std::size_t size() const { return size_; }
   [[nodiscard]] bool empty() const { return size() == 0; }
-  [[nodiscard]] Cell* data() { return more_ ? more_.get() : inline_.data(); }
-  [[nodiscard]] const Cell* data() const { return more_ ? more_.get() : inline_.data(); }
+  [[nodiscard]] Cell* data() { return isInPlace() ? inPlace_.data() : elsewhere(); }
+  [[nodiscard]] const Cell* data() const { return isInPlace() ? inPlace_.data() : elsewhere(); }
   [[nodiscard]] Cell* begin() { return data(); }
   [[nodiscard]] Cell& operator[](std::size_t i) { return data()[i]; }
   [[nodiscard]] const Cell& operator[](std::size_t i) const { return data()[i]; }
   [[nodiscard]] Cell& front() { return *data(); }
 
   void assign(const Cell* first, const Cell* last) {
-    reserve(static_cast<std::size_t>(last - first));
-    std::copy(first, last, data());
-    size_ = static_cast<std::uint32_t>(last - first);
+    const auto size = static_cast<std::size_t>(last - first);
+    if (isInPlace() && size <= kInline) {
+      std::copy(first, last, inPlace_.data());
+      size_ = static_cast<Size>(size);
+      return;
+    }
+    InlineVector assigned;
+    assigned.grow(size);
+    std::copy(first, last, assigned.data());
+    swap(assigned);
   }
 
   void insert(const Cell* place, std::size_t count, Cell value) {
     const std::ptrdiff_t at = place - data();
-    reserve(size() + count);
-    const auto added = static_cast<std::ptrdiff_t>(count);
-    Cell* const end = data() + size();
-    std::copy_backward(data() + at, end, end + added);
+    const std::size_t before = size();
+    grow(before + count);
+    std::copy_backward(data() + at, data() + before, data() + size());
     std::fill_n(data() + at, count, value);
-    size_ += static_cast<std::uint32_t>(count);
   }
 
   /// Adds default cells.
   void resize(std::size_t larger) { insert(data() + size(), larger - size(), Cell()); }
 
  private:
+  [[nodiscard]] bool isInPlace() const { return size_ <= kInline; }
+  [[nodiscard]] Cell* elsewhere() const {
+    Cell* cells = nullptr;
+    std::memcpy(&cells, inPlace_.data(), sizeof cells);
+    return cells;
+  }
+  void free() {
+    if (!isInPlace()) std::unique_ptr<Cell[]>(elsewhere()).reset();
+  }
+
   void swap(InlineVector& other) noexcept {
-    std::swap(more_, other.more_);
     std::swap(size_, other.size_);
-    std::swap(inline_, other.inline_);
+    std::swap(inPlace_, other.inPlace_);
   }
 
-  void reserve(std::size_t size) {
-    const std::size_t room = more_ ? std::bit_ceil(this->size()) : kInline;
-    if (size <= room) return;
-    auto more = std::make_unique<Cell[]>(std::bit_ceil(size));
-    std::copy_n(data(), size_, more.get());
-    more_ = std::move(more);
+  /// Changes the size to a larger one; the cells added have any value.
+  void grow(std::size_t size) {
+    const std::size_t room = isInPlace() ? kInline : std::bit_ceil(this->size());
+    if (size > room) {
+      auto larger = std::make_unique<Cell[]>(std::bit_ceil(size));
+      std::copy_n(data(), size_, larger.get());
+      free();
+      const Cell* const cells = larger.release();
+      std::memcpy(inPlace_.data(), &cells, sizeof cells);
+    }
+    size_ = static_cast<Size>(size);
   }
 
-  std::unique_ptr<Cell[]> more_;  // instead of the cells in place
-  std::uint32_t size_ = 0;
-  std::array<Cell, kInline> inline_{};
+  alignas(Cell*) std::array<Cell, kInline> inPlace_{};  // or where more cells are
+  Size size_ = 0;
 };
 
 }  // namespace aq

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <utility>
+#include <variant>
 
 #include "aq/core/time.h"
 
@@ -13,46 +14,60 @@ class LazyTime {
  public:
   /// Created on first use and then kept.
   const std::shared_ptr<AQ_Time>& object() {
-    if (!object_) object_ = std::make_shared<AQ_Time>(value());
-    return object_;
+    if (shared() == nullptr) time_ = std::make_shared<AQ_Time>(value());
+    return *std::get_if<Object>(&time_);
   }
   void share(std::shared_ptr<AQ_Time> time) {
-    object_ = std::move(time);
-    assignValues(0, 0);
+    if (time) {
+      time_ = std::move(time);
+    } else {
+      time_ = Seconds();
+    }
   }
 
   /// Replaces the time by a new one with this time of day and relative seconds.
   void assign(double timeOfDay, double relativeSeconds = 0) {
-    object_.reset();
-    assignValues(timeOfDay, relativeSeconds);
+    time_ = Seconds{timeOfDay, relativeSeconds};
   }
 
   /// A separate time with what `AQ_Time::Copy` keeps.
   [[nodiscard]] LazyTime copied() const {
     LazyTime copy = *this;
-    if (object_ || timeOfDay_ > kSecondsPerDay) copy.share(value().Copy());
+    if (shared() != nullptr || seconds().ofDay > kSecondsPerDay) copy.share(value().Copy());
     return copy;
   }
 
   /// The time by value; creates no object.
   [[nodiscard]] AQ_Time value() const {
-    if (object_) return *object_;
+    if (const AQ_Time* const object = shared()) return *object;
     AQ_Time time;
-    time.assignSeconds(timeOfDay_, relativeSeconds_);
+    time.assignSeconds(seconds().ofDay, seconds().relative);
     return time;
   }
 
-  [[nodiscard]] double secondsOfDay() const { return object_ ? object_->TODseconds() : timeOfDay_; }
-
- private:
-  void assignValues(double timeOfDay, double relativeSeconds) {
-    timeOfDay_ = timeOfDay;
-    relativeSeconds_ = relativeSeconds;
+  [[nodiscard]] double secondsOfDay() const {
+    const AQ_Time* const object = shared();
+    return object != nullptr ? object->TODseconds() : seconds().ofDay;
   }
 
-  std::shared_ptr<AQ_Time> object_;
-  double timeOfDay_ = 0;
-  double relativeSeconds_ = 0;
+ private:
+  struct Seconds {
+    double ofDay;
+    double relative;
+  };
+  using Object = std::shared_ptr<AQ_Time>;
+
+  [[nodiscard]] const AQ_Time* shared() const {
+    const auto* const object = std::get_if<Object>(&time_);
+    return object != nullptr ? object->get() : nullptr;
+  }
+  /// Zero for a time that was moved from.
+  [[nodiscard]] Seconds seconds() const {
+    const auto* const seconds = std::get_if<Seconds>(&time_);
+    return seconds != nullptr ? *seconds : Seconds();
+  }
+
+  [[no_unique_address]] std::variant<Seconds, Object> time_;  // leaves its padding to the owner
 };
 
 }  // namespace aq

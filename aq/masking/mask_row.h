@@ -80,12 +80,12 @@ class AQ_API AQ_MaskRow {
 
   static constexpr std::size_t kInline = 34;  // bands from 10 Hz to 20 kHz
 
-  BandBlock<MaskCode, InlineVector<MaskCode, kInline>> codes_;
   // A decision is kept as a code until its object is first accessed; from then on the object holds
-  // it.
-  LazyPart<BandBlock<std::shared_ptr<AQ_Mask>>> objects_;
+  // it. The padding of the codes is in use, as there are many rows.
+  [[no_unique_address]] BandBlock<MaskCode, InlineVector<MaskCode, kInline>> codes_;
   NumberRange bands_;
   std::int16_t lastGoodBand_ = 0;
+  LazyPart<BandBlock<std::shared_ptr<AQ_Mask>>> objects_;
 };
 
 }  // namespace aq

@@ -77,6 +77,10 @@ void BandLevels::assign(std::int16_t low, std::span<const double> levels) {
 }
 
 void BandLevels::assign(std::int16_t low, std::span<const LevelCode> codes) {
+  if (codes.size() > kMostCodes) {
+    assignDoubles(low, levelsOf(codes));
+    return;
+  }
   codes_.assign(low, codes);
   doubles_.reset();
 }
@@ -117,7 +121,7 @@ BandLevels::Kind BandLevels::kindOf(const Variant& level) {
 bool BandLevels::storeCode(std::int16_t band, const Variant& level) {
   if (doubles_ || kindOf(level) != Kind::Double) return false;
   const auto code = codeOf(level.toDouble());
-  if (!code || !adjoins(codes_, band)) return false;
+  if (!code || !adjoins(codes_, band) || codes_.size() == kMostCodes) return false;
   codes_.touch(band) = *code;
   return true;
 }

@@ -65,8 +65,10 @@ class AQ_API BandLevels {
   static void startMixed(Doubles& doubles);
 
   static constexpr std::size_t kInline = 34;  // bands from 10 Hz to 20 kHz
+  using CodeCount = std::uint16_t;
+  static constexpr std::size_t kMostCodes = UINT16_MAX;  // more levels are doubles
 
-  BandBlock<LevelCode, InlineVector<LevelCode, kInline>> codes_;
+  BandBlock<LevelCode, InlineVector<LevelCode, kInline, CodeCount>> codes_;
   LazyPart<Doubles> doubles_;  // instead of the codes
 };
 

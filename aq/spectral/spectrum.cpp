@@ -20,17 +20,18 @@ std::shared_ptr<AQ_Spectrum> AQ_Spectrum::Copy() {
   }
   auto copy = std::make_shared<AQ_Spectrum>();
   copy->time_ = time_.copied();
-  copy->Level(level_);
   copy->levels_ = levels_;
   copy->bands_ = bands_;
-  if (metric_) copy->metric_ = metric_->Copy();
-  copy->copied_ = !metric_;
+  if (extras_) copy->Level(Level());
+  if (hasMetric()) copy->extras_.orCreate().metric = extras_->metric->Copy();
+  copy->copied_ = !hasMetric();
   return copy;
 }
 
 std::shared_ptr<AQ_Metric> AQ_Spectrum::Metric() {
-  if (!metric_ && std::exchange(copied_, false)) metric_ = AQ_Metric().Copy();
-  return orCreate(metric_);
+  auto& metric = extras_.orCreate().metric;
+  if (!metric && std::exchange(copied_, false)) metric = AQ_Metric().Copy();
+  return orCreate(metric);
 }
 
 Variant AQ_Spectrum::SPL(std::int16_t nBand) const {

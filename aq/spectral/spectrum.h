@@ -43,8 +43,8 @@ class AQ_API AQ_Spectrum {
   }
 
   /// An overall level, dB; 0 at first.
-  [[nodiscard]] double Level() const { return level_; }
-  void Level(double level) { level_ = level; }
+  [[nodiscard]] double Level() const { return extras_ ? extras_->level : 0; }
+  void Level(double level) { extras_.orCreate().level = level; }
 
   /// Created on first read; setting shares the caller's object.
   std::shared_ptr<AQ_Time> Time() { return time_.object(); }
@@ -53,7 +53,7 @@ class AQ_API AQ_Spectrum {
   /// Created on first read; setting shares the caller's object.
   std::shared_ptr<AQ_Metric> Metric();
   void Metric(std::shared_ptr<AQ_Metric> metric) {
-    metric_ = std::move(metric);
+    extras_.orCreate().metric = std::move(metric);
     copied_ = false;
   }
 
@@ -68,7 +68,7 @@ class AQ_API AQ_Spectrum {
   }
 
   /// Whether there is a metrics object already; lets callers avoid creating one.
-  [[nodiscard]] bool hasMetric() const { return metric_ != nullptr; }
+  [[nodiscard]] bool hasMetric() const { return extras_ && extras_->metric; }
 
   /// The time by value; creates no object.
   [[nodiscard]] AQ_Time timeValue() const { return time_.value(); }
@@ -98,12 +98,17 @@ class AQ_API AQ_Spectrum {
     return levels_.first() + static_cast<std::int32_t>(levels_.size());
   }
 
-  LazyTime time_;
+  struct Extras {
+    double level = 0;
+    std::shared_ptr<AQ_Metric> metric;
+  };
+
+  // Ordered by size, and with the padding of the time in use, as there are many spectra.
   BandLevels levels_;
-  NumberRange bands_;
+  [[no_unique_address]] LazyTime time_;
   bool copied_ = false;  // metrics created later are a copy of metrics without values
-  double level_ = 0;
-  std::shared_ptr<AQ_Metric> metric_;
+  NumberRange bands_;
+  LazyPart<Extras> extras_;  // unused in most files
 };
 
 }  // namespace aq
