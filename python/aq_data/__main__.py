@@ -54,7 +54,7 @@ def plot(output: str, *paths: str) -> None:
         if part is None:
             raise ValueError(f"{path}: there is no picture of {type(data).__name__}")
         if part in found:
-            raise ValueError(f"{path}: is one {part} too many for a page")
+            raise ValueError(f"{path}: expected one file of each kind, found a second {part}")
         found[part] = (header, data)
     if "history" in found:
         header, history = found.pop("history")
@@ -83,7 +83,7 @@ def _single(found: dict[str, Any], pictures: Any) -> Any:
 
 
 def convert(source: str, output: str, mask: Optional[str] = None) -> None:
-    """Converts to netCDF, history and map in one dataset, and back, with the map next to the
+    """Converts to netCDF, with history and map in one dataset, or back, with the map next to the
     history.
     """
     import xarray as xr

@@ -25,8 +25,8 @@ class Accessor:
 
     @property
     def level(self) -> xr.DataArray:
-        """Levels in dB over `time` and `band`, NaN where no level is valid. Raises `ValueError` if
-        the dataset has none.
+        """Levels in dB over `time` and `band`, NaN where there is no valid level. Raises
+        `ValueError` if the dataset has none.
 
         >>> ds.aq.level.max("time")
         """
@@ -36,7 +36,7 @@ class Accessor:
 
     @property
     def masked(self) -> xr.DataArray:
-        """Whether the ambient masks a level, over `time` and `band`; all False without masks.
+        """Whether a level is masked, over `time` and `band`; all False without masks.
 
         >>> ds.aq.masked.sum("band")
         """
@@ -82,7 +82,7 @@ class Accessor:
         need_once(self._ds)
         history, mask = measurement(self._ds)
         numbers = np.sort(self._ds["record"].values)
-        if mask is not None and records is not None:  # numbered from 1 there
+        if mask is not None and records is not None:  # `measurement` numbers them from 1
             places = np.flatnonzero((numbers >= records[0]) & (numbers <= records[1])) + 1
             if not places.size:
                 raise ValueError(
@@ -110,8 +110,8 @@ class Accessor:
 
     def metrics(self) -> xr.Dataset:
         """The ten noise metrics of each record over `time`, as `aq_data.metrics` has them over
-        `record`, in the units of their attributes; for `open_many` they load when computed, with
-        one event per file. Raises `ValueError` if the dataset has no levels.
+        `record`, in the units of their attributes; for `open_many` they are computed on demand,
+        with one event per file. Raises `ValueError` if the dataset has no levels.
 
         >>> ds.aq.metrics().PNLT.max()
         """

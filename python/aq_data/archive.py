@@ -124,7 +124,7 @@ def checked(path: str) -> Checked:
 
 
 def see_same_levels(paths: Iterable[str], results: Iterable[Checked]) -> None:
-    """Adds findings for files with the levels of an earlier file."""
+    """Adds findings for files that have the same levels as an earlier file."""
     same = _core.SameLevels()
     for path, (found, levels) in zip(paths, results):
         found[:0] = [Finding(*row) for row in same.see(path, levels)]
@@ -229,7 +229,7 @@ def check(paths: Union[Path, Iterable[Path]]) -> pd.DataFrame:
     are `path`, `severity` ("error", "warning", "note"), `kind`, `line` and `field` (from 1; 0 for
     the whole file or line), `record`, `band`, `message`; `FINDING_KINDS` gives the meaning of each
     kind. Raises `FileNotFoundError` if nothing matches; a file that cannot be read is a finding.
-    Also finds histories with the levels of an earlier one in the list.
+    Also finds histories that have the same levels as an earlier one.
 
     >>> aq_data.check("season-7").groupby(["severity", "kind"]).size()
     """

@@ -26,8 +26,8 @@ HEADERS: dict[str, Any] = {
     f.word: f.header for f in FORMATS.values() if f.header is not None and f.word != "recording"
 }
 KINDS = (None, "emission", "parameters", *HEADERS)
-# Words of a header as attributes for people, by the fields that headers have for them. Two are
-# names that the CF conventions give: title and source.
+# Header texts as readable attributes, with the fields that headers have for them. The CF
+# conventions define the names title and source.
 _WORDS: dict[str, tuple[str, ...]] = {
     "title": ("sProjectName", "ProjectName"),
     "source": ("sGeneratedBy", "GeneratedBy"),
@@ -91,7 +91,7 @@ def restored(target: Any, values: Any) -> Any:
         return _restored(target, values)
     except (AttributeError, LookupError, TypeError, ValueError) as error:
         raise ValueError(
-            f"the attribute aq has another {type(target).__name__}: {error}"
+            f"the attribute aq does not fit {type(target).__name__}: {error}"
         ) from error
 
 
@@ -267,7 +267,9 @@ NO_DECISION = -1  # a flag of a mask variable: the row has no mask for the band
 
 
 def variable(dims: Any, values: Any, units: str, long_name: str, **more: Any) -> xr.Variable:
-    """A variable with its attributes; one without missing values says so in a netCDF file."""
+    """A variable with its attributes; one without missing values has no fill value in a netCDF
+    file.
+    """
     attrs = {"units": units} if units else {}
     attrs.update(long_name=long_name, **more)
     made: xr.Variable = xr.Variable(dims, values, attrs)  # type: ignore[no-untyped-call]
@@ -298,7 +300,7 @@ def flags(dims: tuple[str, str], values: Any, enum: Any, long_name: str) -> xr.V
     return variable(dims, values, "", long_name, **values_and_meanings)
 
 
-DATE, CLOCK, CLOCK_BESIDE, LENGTH = "date", "clock", "clock beside time", "length"  # for units
+DATE, CLOCK, CLOCK_BESIDE, LENGTH = "date", "clock", "clock beside time", "length"  # as units
 
 
 def _own_times(name: str, dim: str, own: Any, seconds: Any) -> dict[str, xr.Variable]:

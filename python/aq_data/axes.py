@@ -91,7 +91,7 @@ def _clock(seconds: float, _: Any = None) -> str:
 
 
 def _tells(values: Any) -> bool:
-    """Whether times were ever stamped: equal times are not those of several records."""
+    """Whether times are stamped: those of several records are not all equal."""
     return bool(values.any() if values.size == 1 else values.size and np.ptp(values) > 0)
 
 
@@ -143,8 +143,8 @@ def edges(ax: Axes, centres: Any) -> Any:
 
 
 def legend_above(ax: Axes, handles: list[Any]) -> None:
-    """Above the axes, where it hides no data; titles of a page are to its left, so long labels take
-    two rows.
+    """Puts the legend above the axes, where it hides no data; titles of a page are to its left, so
+    long labels take two rows.
     """
     is_long = sum(len(handle.get_label()) for handle in handles) > 40
     ax.legend(

@@ -29,7 +29,7 @@ def to_dataset(reading: Reading[Any, Any], mask: Optional[Path] = None) -> xr.Da
     arguments: dict[str, Any] = {} if reading.header is None else {"header": reading.header}
     if mask is not None:
         if not isinstance(reading.data, AQ_SpectralTimeHistory):
-            raise ValueError(f"expected a history beside its map, found {reading.data!r}")
+            raise ValueError(f"expected a history for the map, found {reading.data!r}")
         arguments["mask_header"], arguments["mask"] = read(mask)
     return reading.data.to_xarray(**arguments)  # type: ignore[no-any-return]
 

@@ -9,7 +9,7 @@ from . import _core
 
 
 class Error(Exception):
-    """A fault that the data model reports; `code` is its `ErrorCode`, `None` for a file's."""
+    """A fault that the data model reports; `code` is its `ErrorCode`, `None` for a file error."""
 
     def __init__(self, message: str, code: int | None = None) -> None:
         super().__init__(message, code)
@@ -20,7 +20,7 @@ class Error(Exception):
 
 
 class NoEntryError(Error, KeyError, ValueError):
-    """No entry with that key, or text of another form."""
+    """No entry with that key, or malformed text."""
 
 
 class NoPlaceError(Error, IndexError):

@@ -71,9 +71,7 @@ def _number(value: Any) -> float:
 
 
 def _stamp(text: Any, seconds: float) -> float:
-    """Parses the text of a file; a time late in its second, whose text is that of the next second,
-    is taken from its seconds.
-    """
+    """The time of day of a text; `seconds` if the text was rounded to the next second."""
     own = as_time(str(text)).TODseconds if text else seconds
     return own if abs(own - seconds) < 0.006 else seconds
 

@@ -24,7 +24,7 @@ def read_tracking(path: Path, limit: int = 1) -> Tracking:
     """The fixes of a tracking file, `(positions, rejected)`: those with a quality figure up to
     `limit` (0 is the best, 255 the worst), numbered from 1, and the others.
 
-    Raises as `read`.
+    Raises what `read` raises.
 
     >>> track = aq_data.read_tracking("fly-over.tspi.csv", limit=2)
     >>> track.positions.to_numpy()["Z"].max(), len(track.rejected)
@@ -47,7 +47,7 @@ def read_sdf(path: Path) -> dict[str, Any]:
     are as stored, without unit: `read` gives levels. `revision` and `scans`, the number of valid
     ones, are further keys.
 
-    Raises as `read`.
+    Raises what `read` raises.
 
     >>> recording = aq_data.read_sdf("TRACE1.DAT")
     >>> recording["SDF_DATA_HDR"][0]["dataTitle"], recording["traces"][0]["y"].shape
@@ -64,7 +64,7 @@ def read_sdf(path: Path) -> dict[str, Any]:
 def _without(
     everything: _core.AQ_PositionTimeHistory, good: _core.AQ_PositionTimeHistory
 ) -> _core.AQ_PositionTimeHistory:
-    """The samples of a series that are not in a part of it with the same order."""
+    """The samples of a series that are not in `good`, a part of it in the same order."""
     rest = _core.AQ_PositionTimeHistory()
     table = good.to_numpy()
     place = 0
@@ -85,7 +85,7 @@ _TABLES = (_core.AQ_SpectralTimeHistory, _core.AQ_MaskMap, _core.AQ_Spectrum)
 
 
 def _beginning(name: str) -> str:
-    """The start of a file of unknown kind, as the tool would put it."""
+    """The start of a file of unknown kind, in the form that the tool prints."""
     with open(name, "rb") as file:  # raises the system's own error if it cannot be opened
         line = file.readline(400).rstrip(b"\r\n")
     if not line:
@@ -164,7 +164,7 @@ def read(path: Path, wanted: Optional[type[Any]] = None) -> AnyReading:
     reading = read_quietly(path, wanted, others)
     for line, what, word, read_as in others:
         place = f"{os.fsdecode(path)}, line {line}"
-        text = f'{place}: the {what} "{word}" is not known, and read as {read_as}'
+        text = f'{place}: the {what} "{word}" is unknown, and read as {read_as}'
         warnings.warn(text, stacklevel=2)
     return reading
 
@@ -213,15 +213,15 @@ def _with_clock_times(obj: Any) -> Any:
 
 
 def write(obj: Any, path: Path, header: Any = None, exist_ok: bool = True) -> None:
-    """Writes an object, `(header, object)` as from `read`, or a dataset; all or nothing.
+    """Writes an object, `(header, object)` as from `read`, or a dataset, completely or not at all.
 
-    Without a header it gets a new one. A dataset with masks is two files: `measurement` gives the
+    Without a header, writes a new one. A dataset with masks is two files: `measurement` gives the
     content of each. Records of a map or a geometry cut from a dataset are numbered from 1, and a
     comment keeps their old numbers. An existing file is replaced, or with `exist_ok=False` raises
     `FileExistsError`.
 
-    Raises `ValueError` for data that the file would not give back unchanged (records with other
-    bands than the first, gaps between records), `TypeError` for an object without a file format,
+    Raises `ValueError` for data that would not be read back unchanged (records with other bands
+    than the first, gaps between records), `TypeError` for an object without a file format,
     `OSError` if the system refuses; the disk then stays unchanged.
 
     >>> aq_data.write((header, history), "mended.sth.csv", exist_ok=False)

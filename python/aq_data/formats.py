@@ -15,7 +15,7 @@ class Format(NamedTuple):
     kind: FileKind
     text: str  # in words
     word: str  # in one
-    ending: str  # of file names, as a habit
+    ending: str  # usual for names of such files
     file: Any
     header: Any  # None where the kind has no header of its own
     model: Any
@@ -51,7 +51,7 @@ class Format(NamedTuple):
 
 
 def _record_length(history: Any) -> float:
-    """Seconds from the first stamp to the next; half a second if the stamps do not tell."""
+    """Seconds from the first stamp to the next; half a second if the stamps do not give one."""
     stamps = history.times["TODseconds"][:2]
     length = round(float(stamps[-1] - stamps[0]) % 86400, 3)
     return length if 0 < length < 1000 else 0.5
@@ -63,7 +63,9 @@ FORMATS: dict[FileKind, Format] = {row[0]: Format(*row) for row in _rows}
 
 
 def format_for(obj: Any, path: str) -> Format:
-    """The format in which an object is written: by the name's ending, otherwise its first."""
+    """The format in which an object is written: by the name's ending, otherwise the first for its
+    class.
+    """
     written = [f for f in FORMATS.values() if f.writes and isinstance(obj, f.model)]
     if not written:
         raise TypeError(f"expected an object that has a file, found {type(obj).__name__}")

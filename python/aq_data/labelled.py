@@ -109,7 +109,7 @@ def _first(records: Any, times: Any = None) -> dict[str, Any]:
 
 
 def _named(attrs: dict[str, Any], coordinates: dict[str, Any]) -> dict[str, Any]:
-    """The attributes, without the conventions' name if times do not always rise, as those
+    """The attributes, without `Conventions` if times do not always ascend, which the conventions
     require.
     """
     time = coordinates.get("time")
@@ -193,8 +193,8 @@ def history_to_xarray(
 def map_to_xarray(
     self: _core.AQ_MaskMap, header: Optional[_core.AQ_HeaderMask] = None
 ) -> xr.Dataset:
-    """A dataset with `mask_mode(time, band)`, `mask_adjustment` of that shape, both flags, -1 where
-    a row has no mask, and `last_good_band(time)`, 0 for all and 9999 for none.
+    """A dataset with `mask_mode(time, band)`, `mask_adjustment` of that shape (both flags, -1 where
+    a row has no mask), and `last_good_band(time)`, 0 if all bands are good, 9999 if none is.
 
     >>> (mask.to_xarray().mask_mode > 0).sum()
     """
@@ -260,7 +260,8 @@ def geometry_to_xarray(
     unit: str = "m",
     angle_unit: str = "degree",
 ) -> xr.Dataset:
-    """A dataset over `time`, s, of each record: emission time, position, slant range and angles.
+    """A dataset over `time` (s) with the emission time, position, slant range and angles of each
+    record.
 
     `unit` is that of lengths, as for positions, `angle_unit` that of angles, degree or rad, as used
     by the program that computed them; any other raises `ValueError`.
@@ -277,7 +278,7 @@ def geometry_to_xarray(
 
 @attach(_core.AQ_EmtRcvTable, name="to_xarray")
 def emission_to_xarray(self: _core.AQ_EmtRcvTable, unit: str = "m") -> xr.Dataset:
-    """A dataset with reception time, s, position and slant range over the time of emission.
+    """A dataset with reception time (s), position and slant range over the time of emission.
 
     `unit` is that of lengths, as for positions.
 

@@ -30,7 +30,7 @@ class _Job(NamedTuple):
 
     path: str
     mask: Optional[str]
-    joined: bool  # by a pattern, not by the caller
+    joined: bool  # paired by a pattern, not by the caller
     strict: bool  # whether findings about the levels exclude it
 
 
@@ -43,7 +43,7 @@ class _Shape(NamedTuple):
     bands: npt.NDArray[np.int16]
     times: npt.NDArray[Any]
     last_good_bands: Any
-    words: dict[str, Any]  # of the coordinates by file
+    words: dict[str, Any]  # values of the coordinates per file
     levels: Optional[int]  # a digest
 
     def state(self) -> list[Any]:
@@ -79,8 +79,8 @@ def _check_pair(path: str, mask: str, header: _core.AQ_HeaderMask) -> None:
 
 
 def _checked(job: _Job) -> Checked:
-    """The findings of a history and of its map, raises on an error or a warning about the levels if
-    strict.
+    """The findings of a history and of its map. If strict, raises for an error or a warning about
+    the levels.
     """
     result = checked(job.path)
     found = [(job.path, result.found)]
@@ -96,7 +96,7 @@ def _checked(job: _Job) -> Checked:
 
 
 def _count_copies(shapes: list[_Shape]) -> None:
-    """Counts a warning for each history that has the levels of an earlier one."""
+    """Counts a warning for each history that has the same levels as an earlier one."""
     same = [Checked([], shape.levels) for shape in shapes]
     see_same_levels([shape.path for shape in shapes], same)
     for shape, (found, _) in zip(shapes, same):
@@ -159,8 +159,8 @@ def _chunk(read_file: Any, files: tuple[tuple[str, int], ...], bands: Any, empty
         places = np.searchsorted(bands, own_bands)
         if len(own) != count or (bands.take(places, mode="clip") != own_bands).any():
             raise ValueError(
-                f"{path} has changed since it was opened: expected {count} records of bands that"
-                f" were there, found {len(own)}"
+                f"{path} has changed since it was opened: expected {count} records of the same"
+                f" bands, found {len(own)}"
             )
         values[first : first + count, places] = own
         first += count
@@ -222,7 +222,7 @@ _BY_FILE = {
     "project": "project of the file",
     "microphone": "microphone of the file",
     "begin": "start time of the file, hh:mm:ss",
-    **{column: f"{column} that check has for the file and its map" for column in SEVERITIES},
+    **{column: f"{column} that check finds in the file and its map" for column in SEVERITIES},
 }
 
 
@@ -286,7 +286,7 @@ def open_many(
     shapes = _kept(in_threads(_shape, jobs, progress=False), errors)
     _count_copies(shapes)
     if not shapes:
-        raise ValueError("expected at least one history that reads, found none")
+        raise ValueError("expected at least one history that can be read, found none")
     bands = np.unique(np.concatenate([shape.bands for shape in shapes]))
     lazy = _Lazy(shapes, bands)
     level = level_variable(("time", "band"), lazy.array(_levels, "path", np.nan))

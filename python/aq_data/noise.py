@@ -34,7 +34,7 @@ RECORDS_PER_CHUNK = 4096  # several short files form one task and share its cost
 
 
 def _pair(history: History, mask: Optional[_core.AQ_MaskMap]) -> tuple[Any, Any]:
-    """The history and the map; those of a dataset if it has masks."""
+    """The history and the map, by default the map of a dataset with masks."""
     if isinstance(history, xr.Dataset):
         own, own_mask = measurement(history)
         return own.data, own_mask.data if mask is None and own_mask is not None else mask
@@ -65,7 +65,7 @@ def metrics(history: History, mask: Optional[_core.AQ_MaskMap] = None) -> xr.Dat
 
     The dataset has `AWT`, `CWT`, `DWT`, `OA`, `PNL`, `PNLT`, `TONECOR`, `TONEBND`, `LGB` and
     `INTEG` over `record`, doubles that are NaN for no value (`LGB` without a map), and `time`. Its
-    attributes are the event: `EPNL`, `EPNL_with_band_sharing`, `PNLTM`, `band_sharing`,
+    attributes describe the event: `EPNL`, `EPNL_with_band_sharing`, `PNLTM`, `band_sharing`,
     `duration_correction`, and the record numbers `first`, `maximum` and `last`, -1 if there is
     none. A row of `mask` belongs to the record with its number. Does not change the history.
 
@@ -310,7 +310,7 @@ def _filled(arrays: tuple[Any, ...]) -> tuple[Any, ...]:
 
 
 def _file_sizes(files: Any) -> tuple[int, ...]:
-    """Records by block, each of consecutive whole files."""
+    """The number of records of each block; a block has consecutive whole files."""
     starts = np.flatnonzero(np.diff(files, prepend=np.nan) != 0)
     sizes: list[int] = []
     for size in np.diff([*starts, len(files)]):

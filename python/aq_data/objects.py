@@ -302,7 +302,7 @@ def _html(self: Any) -> str:
         return str(pd.Series(rows, dtype=object).to_frame(type(self).__name__).to_html())
     try:
         table = self.to_pandas()
-    except MismatchError:  # a level that is no number has no place in a table
+    except MismatchError:  # a level that is not a number does not fit in a table
         return f"<table><tr><td>{html.escape(repr(self))}</td></tr></table>"
     frame = table.to_frame() if isinstance(table, pd.Series) else table
     return f"<p>{html.escape(repr(self))}</p>" + str(frame.to_html(max_rows=10, max_cols=12))

@@ -38,8 +38,8 @@ NO_BAND_IS_GOOD = int(_core.AQ_CONSTANTS.AQ_INVALID_LEVEL)
 
 
 def _last_good_band(ds: xr.Dataset) -> tuple[Any, bool]:
-    """The upper edge of the last good band of each record, within the drawn bands, and whether a
-    record has none; the edge is then that of the picture.
+    """The upper edge of the last good band of each record, within the drawn bands, and whether any
+    record has none, whose edge is then the lower one of the picture.
     """
     low, high = ds["band"].values[[0, -1]]
     last = ds["last_good_band"].values.astype(float)
@@ -155,7 +155,7 @@ def tone(
 
 
 def _draw_event(ax: Axes, seconds: Any, ds: xr.Dataset) -> list[Any]:
-    """PNLT, the level 10 dB down, the summed records and the EPNL; returns the lines."""
+    """Draws PNLT, the level 10 dB down, the summed records and the EPNL; returns the lines."""
     pnlt = np.where(ds["PNLT"].values > 0, ds["PNLT"].values, np.nan)
     lines = ax.plot(seconds, pnlt, color=TONE, lw=1, label="PNLT (TPNdB)", **ALONE)
     steps: Any = np.diff(ds["time"].values)

@@ -13,8 +13,8 @@ Data = TypeVar("Data")
 
 
 class Reading(NamedTuple, Generic[Header, Data]):
-    """The content of a file: `header, data = aq_data.read(path)`. `header` is `None` if the kind
-    has none of its own.
+    """The content of a file: `header, data = aq_data.read(path)`. `header` is `None` if this kind
+    of file has none of its own.
     """
 
     header: Header

@@ -1,4 +1,4 @@
-"""The objects of labelled datasets."""
+"""Converts labelled datasets back to objects."""
 
 from __future__ import annotations
 
@@ -225,8 +225,8 @@ def _renumbered(ds: xr.Dataset) -> tuple[xr.Dataset, list[str]]:
 
 
 def _without_source(header: _core.AQ_HeaderMask, comments: list[str]) -> list[str]:
-    """Removes the name of the whole history, which a cut map does not fit, from its header; returns
-    the comments with that name.
+    """Removes the name of the whole history from the header of a cut map, which no longer fits it;
+    returns the comments with that name.
     """
     if not comments or not header.sGenerationFile:
         return comments
@@ -275,7 +275,9 @@ def measurement(
 
 
 def writable(ds: xr.Dataset) -> Reading[Any, Any]:
-    """As `from_xarray`; renumbers the records of a cut dataset from 1 if the file requires it."""
+    """Like `from_xarray`, but renumbers the records of a cut dataset from 1 if the file requires
+    it.
+    """
     if _kind(ds) not in ("map", "geometry"):
         return from_xarray(ds)
     ds, comments = _renumbered(ds)

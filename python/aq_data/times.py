@@ -28,8 +28,8 @@ def going_on(seconds: Any, beside: Optional[Any] = None) -> Any:
 
 
 def of_day(ds: xr.Dataset, name: str) -> Any:
-    """The file's own times: those kept with the variable, unless it was since changed by more than
-    rounding and not by whole days.
+    """The file's own times: those kept with the variable, unless it has since been changed, other
+    than by rounding or whole days.
     """
     seconds = np.asarray(ds[name].values, dtype=float)
     if name + OWN not in ds.variables:
@@ -54,7 +54,7 @@ def clock(days: Any) -> tuple[Any, dict[str, Any], dict[str, Any]]:
 
 
 def days_of(dates: Any) -> Any:
-    """Days since 1899-12-30 of dates or of such numbers; 0 for no date."""
+    """Days since 1899-12-30 of dates, or of numbers that are such days already; 0 for no date."""
     dates = np.asarray(dates)
     if dates.dtype.kind == "M":
         none = np.isnat(dates)

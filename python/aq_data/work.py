@@ -120,11 +120,11 @@ def cut(
     `(history, mask, geometry)`, each with its header.
 
     Choose the records by one of `records`, the first and the last number; `between`, two times of
-    day, of which one may be None; and `down`, the event: the records within this many decibels of
+    day, of which one may be None; or `down`, the event: the records within this many decibels of
     the largest PNLT, plus one on each side. Time stamps do not change. With a map, a geometry or
-    `renumber`, records are numbered from 1, and a comment in each header gives the old numbers.
-    Set the history's name in the headers of map and geometry once it has one. Arguments are paths
-    or results of `read`.
+    `renumber`, records are numbered from 1, and a comment in each header gives the old numbers. Set
+    the history's name in the headers of map and geometry once it has one. Arguments are paths or
+    results of `read`.
 
     Raises `ValueError` if no record remains, or unless exactly one way of choosing is given.
 
@@ -192,9 +192,9 @@ def join(
     """The pieces of one run joined in the order of their time stamps: `(history, mask,
     geometry)`.
 
-    Time stamps do not change; records are numbered on from the first piece. `masks` are the maps
-    of the pieces, one each; a `Run` brings its own map and geometry. A gap raises, or with `fill` is
-    filled with records of 9999, which no geometry can have.
+    Time stamps do not change; records are numbered consecutively from the first piece on. `masks`
+    are the maps of the pieces, one each; a `Run` brings its own map and geometry. A gap raises, or
+    with `fill` is filled with records of 9999, which no geometry can have.
 
     Raises `ValueError` for pieces that differ in bands, averaging, stamps, reference, project,
     microphone or adjustment.
@@ -322,9 +322,9 @@ def fix(
 
     Without `write` nothing changes. With it, each file is replaced completely or not at all, and
     the original is kept as `FILE.orig` unless `keep_original` is false; a packed file is unpacked
-    next to itself. With `to`, nothing is replaced: all files, also those that need no change, are
-    written below that folder, and `FileExistsError` is raised for one that exists. A comment in the
-    file says what was changed.
+    next to itself. With `to`, nothing is replaced: all files, including those that need no change,
+    are written below that folder, and `FileExistsError` is raised for one that exists. A comment in
+    the file says what was changed.
 
     The columns are `path`; `done`, what was or would be changed; `left`, what is ambiguous and was
     left alone, both lists of texts; and `output`, None if nothing was written. `paths` are as for
@@ -334,7 +334,7 @@ def fix(
     >>> found[found.done.str.len() > 0]
     """
     if to is not None and not write:
-        raise ValueError("expected write=True, as to says where")
+        raise ValueError("expected write=True with to")
     target = None if to is None else path_text(to, "to")
     seen = set() if target is None else {os.path.realpath(target)}
     rows = []
