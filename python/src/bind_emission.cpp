@@ -29,9 +29,10 @@ void bindEmissionTable(const py::module_& module) {
 
   using T = AQ_EmtRcvTable;
   Bound<T> table(module);
-  bindSeries<T, R>(table, "AQ_EmtRcvTable", recordsOf, kEmission,
-                   "T and Tr in s of day, X, Y, Z, SR and Tprop of each record as a table, shape "
-                   "(records,)");
+  bindSeries<T, R>(
+      table, "AQ_EmtRcvTable", recordsOf, kEmission,
+      "T and Tr in s of the day, X, Y, Z, SR and Tprop of each record as a table, shape "
+      "(records,)");
   bindPlaced<T, R>(table, recordsOf, &T::Record, kEmission);
 }
 

@@ -81,12 +81,12 @@ class BoundFile : public Bound<File> {
         py::arg("sFileName"), py::arg("aqHeader"), py::arg("model"),
         (docOf<File>("writeFile") + ". The header gets the file's name. Raises for data that "
                                     "cannot be written. Other threads must "
-                                    "leave both objects alone")
+                                    "not use either object meanwhile")
             .c_str());
     return *this;
   }
 
-  /// The header is set first.
+  /// For files whose header is set before writing.
   template <class Header, class Model>
   void writesSet() {
     this->def("setHeader", &File::setHeader, py::arg("aqHeader"), docOf<File>("setHeader").c_str());
@@ -101,7 +101,7 @@ class BoundFile : public Bound<File> {
             .c_str());
   }
 
-  /// Files that have no header object.
+  /// For files that have no header object.
   template <class Model>
   void readsAlone() {
     this->def(

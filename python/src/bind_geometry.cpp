@@ -69,8 +69,8 @@ void bindNumberedPoints(Bound<AQ_GeometryTimeHistory>& history) {
           py::arg("columns"), py::arg("records") = py::none(),
           R"(A new series from a table, or a mapping of columns of shape (points,), as to_numpy has them.
 
-A column that is not there leaves zeros. Points are numbered from 1 unless their numbers are given, each
-once. Raises ValueError for columns of other names or lengths, and for values that are not numbers.
+A missing column leaves zeros. Points are numbered from 1 unless distinct numbers are given.
+Raises ValueError for columns of other names or lengths, and for values that are not numbers.
 
 >>> geometry = aq_data.AQ_GeometryTimeHistory.from_numpy({"Tm": times, "SRe": ranges})
 )");
@@ -105,8 +105,8 @@ void bindGeometryHistory(const py::module_& module) {
   bindSeries<H, G>(
       history, "AQ_GeometryTimeHistory", [](const H& self) { return pointsOf(self).objects; },
       kGeometry,
-      "Times in s of day, propagation time, position, slant range and angles of each point as a "
-      "table, shape (points,)");
+      "Times in s of the day, propagation time, position, slant range and angles of each point as "
+      "a table, shape (points,)");
   bindNumberedPoints(history);
 }
 

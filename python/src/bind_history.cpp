@@ -137,15 +137,15 @@ void bindArrays(BoundHistory& history) {
           "bands", [](const H& self) { return numberArray(numbersOf(bandsOfAll(self))); },
           "The band numbers from the lowest of any record to the highest, shape (bands,)")
       .def("to_numpy", levelsOf, py::arg("mask") = py::none(),
-           "The levels in dB, shape (records, bands), NaN for a missing band and, with a "
-           "map, where it is masked")
+           "The levels in dB, shape (records, bands), NaN for a missing level and, with a "
+           "map, for a masked one")
       .def_static(
           "from_numpy", historyFrom, py::arg("levels"), py::arg("low_band") = 17,
           py::arg("records") = py::none(),
           R"(A new history from levels in dB, shape (records, bands), the first band being low_band.
 
-NaN stores no level. Records are numbered from 1 unless their numbers are given, each once. Raises
-ValueError for another shape and for numbers that no record or band has.
+NaN stores no level. Records are numbered from 1 unless distinct numbers are given. Raises
+ValueError for another shape and for numbers that no record or band can have.
 
 >>> history = aq_data.AQ_SpectralTimeHistory.from_numpy(levels, low_band=17)
 )");

@@ -160,10 +160,10 @@ void bindMap(const py::module_& module) {
       .def_static(
           "from_numpy", mapFromArrays, py::arg("modes"), py::arg("adjustments") = py::none(),
           py::arg("low_band") = 17, py::arg("records") = py::none(),
-          R"(A new map from modes, 0 to 3 or truth, and adjustments, 0 to 6, both of shape (rows, bands).
+          R"(A new map from modes (0 to 3 or bool) and adjustments (0 to 6), of shape (rows, bands).
 
--1 stores no mask. Rows are those of records from 1 unless their numbers are given, each once. Raises
-ValueError for another shape and for numbers that no mask, record or band has.
+-1 stores no mask. Rows are numbered from 1 unless distinct record numbers are given. Raises
+ValueError for another shape and for numbers that no mask, record or band can have.
 
 >>> mask = aq_data.AQ_MaskMap.from_numpy(levels < ambient + 3, low_band=17)
 )")

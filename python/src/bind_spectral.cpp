@@ -56,7 +56,7 @@ void bindSpectrum(const py::module_& module) {
           py::arg("levels"), py::arg("low_band") = 17,
           R"(A new spectrum from levels in dB, shape (bands,), the first band being low_band.
 
-NaN stores no level. Raises ValueError for another shape and for numbers that no band has.
+NaN stores no level. Raises ValueError for another shape and for numbers that no band can have.
 
 >>> spectrum = aq_data.AQ_Spectrum.from_numpy([61.5, 60.2, 58.9], low_band=24)
 )")

@@ -30,9 +30,8 @@ void bindWork(py::module_& module) {
         return pairOf(recordsDown(history, map, decibels));
       },
       py::arg("history"), py::arg("map") = py::none(), py::arg("decibels") = 10.0,
-      "First and last record of the event: what is within so many decibels of the largest PNLT, "
-      "and "
-      "one more on each side");
+      "First and last record of the event: the records within this many decibels of the largest "
+      "PNLT, plus one on each side");
   module.def(
       "cutHistory",
       [](AQ_SpectralTimeHistory& history, std::int16_t first, std::int16_t last, bool fromOne) {
@@ -41,7 +40,7 @@ void bindWork(py::module_& module) {
       py::arg("history"), py::arg("first"), py::arg("last"), py::arg("fromOne") = false,
       "The records of a range, with their stamps; numbered from 1 if requested");
   module.def("cutMap", cutMap, py::arg("map"), py::arg("first"), py::arg("last"),
-             "The rows of records of a range, numbered from 1");
+             "The rows of a range of records, numbered from 1");
   module.def("cutGeometry", cutGeometry, py::arg("geometry"), py::arg("first"), py::arg("last"),
              "The points of a range, numbered from 1");
   module.def(
@@ -53,14 +52,14 @@ void bindWork(py::module_& module) {
       py::arg("geometry"), py::arg("history"), py::arg("first"), py::arg("last"),
       "The points of the records of a range, found by their times, numbered from 1");
   module.def("joinGeometries", joinGeometries, py::arg("before"), py::arg("after"),
-             "The points of two geometries, numbered on from the last one of the first");
+             "The points of two geometries; the second is numbered on from the end of the first");
   module.def("recordsMissing", recordsMissing, py::arg("before"), py::arg("after"),
              "How many records are missing between two pieces of a measurement");
   module.def("joinHistories", joinHistories, py::arg("before"), py::arg("after"),
              py::arg("fill") = false,
              "Joins two pieces of a measurement; fills a gap with levels of 9999 if requested");
   module.def("joinMaps", joinMaps, py::arg("before"), py::arg("after"), py::arg("gap") = 0,
-             "The rows of two maps, with unmasked rows in between");
+             "The rows of two maps, with unmasked rows for the gap in between");
   module.def(
       "_mendText",
       [](const py::bytes& bytes, const std::string& name, std::vector<std::string> done) {

@@ -67,7 +67,7 @@ void bindWritable(py::module_& module) {
         checkRecords(history.LoRec(), history.HiRec(), history, &AQ_SpectralTimeHistory::spectrum);
       },
       py::arg("model"), py::arg("kind"),
-      "Raises for data that the object's file would not give back");
+      "Raises for data that would not be read back unchanged from the object's file");
   module.def(
       kName,
       [](const AQ_MaskMap& map, FileKind /*kind*/) {

@@ -83,9 +83,7 @@ void bindPlaced(Bound<Series>& series, const All& all, Put<Series, Object> put,
       },
       py::arg("columns"),
       "A new series, numbered from 1, from a table, or a mapping of columns of shape (entries,), "
-      "as "
-      "to_numpy has them.\n\nA missing column leaves zeros. Raises ValueError for "
-      "columns "
+      "as to_numpy has them.\n\nA missing column leaves zeros. Raises ValueError for columns "
       "of other names or lengths, and for values that are not numbers.\n\n>>> again = "
       "type(series).from_numpy(series.to_numpy())\n");
   series.container([all](const Series& self) { return all(self); },

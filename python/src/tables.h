@@ -69,7 +69,8 @@ class TableSource {
 
   [[nodiscard]] py::ssize_t rows() const { return columns_.front().size(); }
 
-  /// Stores all of it, or nothing if a cell does not fit. Without record numbers, numbers the rows.
+  /// Stores all cells, or none if one does not fit. Messages name a row by its record number, or by
+  /// its place from 1 without record numbers.
   template <class Object>
   void fill(const std::vector<std::shared_ptr<Object>>& objects,
             std::span<const Column<Object>> columns,
