@@ -50,7 +50,7 @@ def mask() -> Any:
 
 @pytest.fixture
 def archive(tmp_path: Path, history: Any) -> Callable[[int], list[Path]]:
-    """Writes that many histories, each 1 dB louder than the previous one."""
+    """A function that writes histories, each 1 dB louder than the previous one."""
 
     def write(count: int) -> list[Path]:
         paths = [tmp_path / f"{number:04}.sth.csv" for number in range(count)]

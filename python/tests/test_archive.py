@@ -98,7 +98,7 @@ def test_a_file_whose_levels_are_in_doubt_is_not_fine(
     paths = archive(3)
     text = (sample / "fly-over.sth.csv").read_text()
     paths[1].write_text(text.replace(",61.51,", ",615.10,", 1))
-    other = text.replace(",61.51,", ",61.50,", 1)  # no copy
+    other = text.replace(",61.51,", ",61.50,", 1)  # not a copy
     paths[2].write_text(other.replace("MicrophoneID**,", "MicrophoneID**,M7 "))
     assert list(aq.scan(tmp_path).ok) == [True, False, True]
     row = aq.scan(tmp_path).iloc[1]
@@ -128,7 +128,7 @@ def test_a_copy_is_found_where_it_comes_second(archive: Archive, tmp_path: Path)
 
 def test_a_folder_is_checked_as_a_whole(archive: Archive, tmp_path: Path) -> None:
     (tmp_path / "a" / ".hidden").mkdir(parents=True)
-    path = archive(1)[0].rename(tmp_path / "a" / "x.dat")  # known by its title
+    path = archive(1)[0].rename(tmp_path / "a" / "x.dat")  # recognised by its title
     (tmp_path / "a" / ".hidden" / "x.csv").write_text("not looked at")
     path.write_text(path.read_text().replace("FileName**", "Name**"))
     (tmp_path / "a" / "notes.txt").write_text("no measurement")
@@ -151,7 +151,7 @@ def test_a_pattern_gives_no_history_the_map_of_another(
         aq.write((header, mask), map_path)
     with pytest.raises(ValueError, match="a map of 0000.sth.csv, found one of 0001.sth.csv"):
         aq.open_many(tmp_path / "*.sth.csv", tmp_path / "*.mask.csv", errors="skip")
-    assert aq.open_many(paths, maps[::-1]).sizes["path"] == 2  # a list is taken as given
+    assert aq.open_many(paths, maps[::-1]).sizes["path"] == 2  # a list is used unchecked
 
 
 def test_a_damaged_file_raises_or_is_left_out(archive: Archive, tmp_path: Path) -> None:

@@ -137,7 +137,7 @@ def test_tables_of_times_metrics_positions_and_geometry() -> None:
     assert (first.Metric.PNLT, first.Metric.INTEG, first.Level) == (95.5, 5, 70)
     with pytest.raises(ValueError, match="LGB, record 2"):
         history.metrics = {"PNLT": [1.0, 2.0], "LGB": [30, 1e9]}
-    assert history.metrics["PNLT"].tolist() == [95.5, 90.25]  # all of it or nothing
+    assert history.metrics["PNLT"].tolist() == [95.5, 90.25]  # all or nothing
     rows = [(37695, 36000.1, -1.5, 1.0, 2.0, 3.0), (0, 36000.2, 0, 4, 5, 6)]
     names = ["CurrentDate", "TODseconds", "RelSeconds", "X", "Y", "Z"]
     table = np.array(rows, dtype=[(name, "f8") for name in names])

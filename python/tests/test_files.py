@@ -28,7 +28,7 @@ GOOD = [
     (folder, path)
     for folder in KINDS
     for path in sorted((PROJECT / "tests" / "data" / folder / "good").iterdir())
-    if aq.kindOfFile(path) != aq.FileKind.Unknown  # a tracking file may have no fix to know it by
+    if aq.kindOfFile(path) != aq.FileKind.Unknown  # a tracking file without fixes is Unknown
 ]
 
 

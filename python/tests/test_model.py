@@ -135,7 +135,7 @@ def test_a_file_information_service_of_python(tmp_path: Path, history: Any) -> N
 
     aq.setFileInformation(Fixed())
     try:
-        aq.setFileInformation(Fixed())  # the first one ends here
+        aq.setFileInformation(Fixed())  # replaces the first one
         with pytest.raises(RuntimeError, match="no clock"):
             aq.write(history, tmp_path / "x.csv")
         assert not (tmp_path / "x.csv").exists()
@@ -169,7 +169,7 @@ def test_series_are_asked_by_number_and_slice(sample: Path, history: Any, mask: 
     assert history[12] is history.spectrum(12) is part[12]
     assert (part.records[0], part.records[-1], part.sTimeStampType) == (10, 49, "MIDPT")
     assert part.startTime.TODseconds == history.startTime.TODseconds + 4.5
-    assert history.startTime.TODseconds == 52200  # its own
+    assert history.startTime.TODseconds == 52200  # unchanged
     assert len(history[70:]) == 0 and history[5:20:5].records.tolist() == [5, 10, 15]
     assert mask[3:5].records.tolist() == [3, 4] and mask[3] is mask.Row(3)
     track = aq.read(sample / "fly-over.tspi.csv").data

@@ -134,7 +134,7 @@ def test_an_audit_finds_what_is_stored_wrong(history: Any, mask: Any, tmp_path: 
 
 def test_metrics_of_an_archive(archive: Any, history: Any) -> None:
     paths = archive(3)
-    for path in paths:  # times, which the archive's histories have none of
+    for path in paths:  # the archive's histories have no times
         header, own = aq.read(path)
         own.times = history.times
         aq.write(own, path)

@@ -40,7 +40,7 @@ def test_cut_with_map_and_geometry(place):
     assert run.history.header.cCommentLines[-1] == (
         "Cut from fly-over.sth.csv by down=10: records 1 to 21 were 20 to 40"
     )
-    assert len(whole.header.cCommentLines) == 1  # the caller's own
+    assert len(whole.header.cCommentLines) == 1  # the caller's header is unchanged
     assert run.geometry.data.Point(1).SRe == points.Point(20).SRe
     for reading, name in zip(run, ("e.sth.csv", "e.mask.csv", "e.gth.csv")):
         aq_data.write(reading, name)
@@ -130,7 +130,7 @@ def test_fix(place):
     (place / "p.sth.csv").unlink()
     rows = aq_data.fix([".", "wide.csv.orig"], write=True, to="new/mended")
     assert {place / output for output in rows.output} == set((place / "new" / "mended").iterdir())
-    assert rows.output.str.endswith("orig").sum() == 1  # no more than the one that is named
+    assert rows.output.str.endswith("orig").sum() == 1  # only the one that was named
     with pytest.raises(FileExistsError):
         aq_data.fix(".", write=True, to="new/mended")
 
