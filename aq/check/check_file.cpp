@@ -42,7 +42,7 @@ void checkAs(FileKind kind, const std::string& path, const Reporter& report) {
   });
 }
 
-/// Reports what other programs did to the text first, and nothing else if that explains the rest.
+/// First reports what other programs did to the text, and nothing else if that explains the rest.
 /// `checkData` checks a file of the given kind.
 template <class CheckData>
 void checkText(const std::string& path, Reporter& report, const CheckData& checkData) {
@@ -60,7 +60,7 @@ void checkText(const std::string& path, Reporter& report, const CheckData& check
   report.fileBegins({});
 }
 
-/// Runs `check`; reports a file that changes meanwhile as unreadable.
+/// Runs `check`; reports the file as unreadable if it changes during the check.
 template <class Check>
 void checking(const Reporter& reporter, const Check& check) {
   try {
@@ -74,7 +74,7 @@ void checking(const Reporter& reporter, const Check& check) {
   }
 }
 
-/// An unknown word is read as the first one.
+/// Reports an unknown word, which is read as the first one of its enumeration.
 void checkParameterWord(const HeaderLine& line, const Reporter& report) {
   const bool averaging = line.keyword == keywords::kNuAvg;
   if (!averaging && line.keyword != keywords::kNuTimg) return;

@@ -12,7 +12,7 @@
 namespace aq {
 
 /// Reads a file and reports what makes its reader fail, and what the reader accepts but is probably
-/// wrong. Exceptions of `report` reach the caller. Different threads may check different files at
+/// wrong. Exceptions from `report` reach the caller. Different threads may check different files at
 /// once.
 AQ_API void checkFile(const std::string& path, const FindingSink& report);
 
@@ -24,7 +24,7 @@ AQ_API void checkFixes(const std::string& path, std::uint8_t limit, const Findin
 AQ_API void checkFit(const AQ_SpectralTimeHistory& history, const std::string& historyName,
                      const AQ_MaskMap& map, const FindingSink& report);
 
-/// As above, for files. Reports nothing for a file that cannot be read; `checkFile` does.
+/// The same for files. Reports nothing if one of them cannot be read: `checkFile` reports that.
 AQ_API void checkFit(const std::string& historyPath, const std::string& mapPath,
                      const FindingSink& report);
 
@@ -33,8 +33,8 @@ struct Checked {
   std::optional<std::uint64_t> levels = {};  ///< a digest of all levels of a history
 };
 
-/// As `checkFile`; also compares a masking map with the history that it names, and a geometry with
-/// its history, positions and microphone, if those files are in the same folder.
+/// Like `checkFile`, but also compares a masking map, positions or a geometry with the files that
+/// the header names as sources, if these are in the same folder.
 AQ_API Checked checkWithHistory(const std::string& path, const FindingSink& report);
 
 }  // namespace aq

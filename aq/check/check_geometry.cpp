@@ -45,7 +45,7 @@ class TimeOrder {
   }
 
  private:
-  /// A stuck tracker or a source at rest: one finding per run of positions.
+  /// Reports a stuck tracker or a source at rest: one finding per run of positions.
   void reportStay() const {
     constexpr std::size_t kEnough = 4;  // a slow source may well have a few equal ones
     if (stays_ < kEnough) return;
@@ -80,8 +80,8 @@ void checkQuality(const TrackingLine& fix, std::uint8_t limit, std::size_t line,
 
 constexpr std::size_t kPositionFields = 4;
 
-/// Slant range, propagation time, emission time and source position of a point, each of which
-/// follows from the others. One finding per point.
+/// Compares slant range, propagation time, emission time and source position of a point, each of
+/// which follows from the others. One finding per point.
 class Contradictions {
  public:
   Contradictions(const AQ_HeaderGTH& header, std::size_t temperatureLine, const Reporter& report)
@@ -90,7 +90,7 @@ class Contradictions {
         temperatureLine_(temperatureLine),
         report_(report) {}
 
-  /// Of all points except those whose time is already known to be `wrong`.
+  /// Checks all points except those whose time is already known to be `wrong`.
   void check(const RecordLines& records, const AQ_GeometryTimeHistory& history,
              const std::set<std::int32_t>& wrong) {
     std::vector<double> speeds;
@@ -113,7 +113,8 @@ class Contradictions {
   }
 
  private:
-  /// Whether a speed is that of sound, in metres or feet per second, at any plausible temperature.
+  /// Reports a speed that is not that of sound, in metres or feet per second, at a plausible
+  /// temperature.
   void expectSound() const {
     const bool metres = speed_ > 290 && speed_ < 370;
     const bool feet = speed_ > 950 && speed_ < 1220;
@@ -123,8 +124,8 @@ class Contradictions {
                 " per second; the speed of sound is about 340 m or 1120 ft");
   }
 
-  /// The air temperature, in degrees Celsius or Fahrenheit, gives the speed of sound in m/s; it may
-  /// vary along the path.
+  /// Reports an air temperature, in degrees Celsius or Fahrenheit, that does not give this speed of
+  /// sound in m/s. The temperature may vary along the path.
   void expectTemperature(double speed) const {
     constexpr double kNear = 20;
     constexpr double kAtZero = 331.3;  // m/s, at 0 degrees Celsius
@@ -179,7 +180,7 @@ std::vector<PathPlace> emissionPath(const RecordLines& records,
   return path;
 }
 
-/// A last header line that is a fix: the headings are missing, and the fix is not read.
+/// Reports a last header line that is a fix: the headings are missing, and the fix is not read.
 void checkTrackingHeadings(const std::string& path, const Reporter& report) {
   LineReader lines(path);
   while (lines.number() < kTrackingHeaderLines && lines.next()) continue;

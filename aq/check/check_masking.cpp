@@ -9,7 +9,7 @@
 namespace aq {
 namespace {
 
-/// Letters without a meaning are lost.
+/// Reports letters without a meaning, which are lost when read.
 void checkLetters(const std::string& path, const HeaderCheck& header, const Reporter& report) {
   const auto [low, high] = header.integersOf(keywords::kBands);
   LineReader lines(path);

@@ -8,7 +8,8 @@
 #include "aq/core/time.h"
 #include "aq/text/number_text.h"
 
-// A geometry names the files that it was made from; their content must agree with it.
+// Positions and geometries name the files that they were made from, whose content must agree with
+// them.
 namespace aq {
 namespace {
 
@@ -22,7 +23,7 @@ constexpr std::size_t kHistoryLine = 9;
 constexpr std::size_t kPositionsLine = 11;
 constexpr std::size_t kTrackingLine = 6;
 
-/// More points than this cannot be a single damaged one.
+/// Whether more than a tenth of the points are wrong: too many for single damaged ones.
 template <class Read>
 bool areMany(std::size_t wrong, const Read& read) {
   return wrong * 10 > static_cast<std::size_t>(read.model->Count());
@@ -91,7 +92,7 @@ std::shared_ptr<AQ_PositionTimeHistory> positionsIn(const std::string& source) {
   return readContent(file, source, found) == AQ_DATA_OK ? found.model : nullptr;
 }
 
-/// A path by times that continue across midnight.
+/// The path of a source, with times that continue across midnight.
 class SourcePath {
  public:
   explicit SourcePath(const AQ_PositionTimeHistory& positions) {

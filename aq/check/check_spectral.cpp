@@ -46,7 +46,8 @@ void checkLevels(const AQ_Spectrum& spectrum, std::int16_t low, FindingPlace pla
   }
 }
 
-/// From `LowBand` up, 9999 for a band without a level, which fixed columns can have between others.
+/// The levels from `LowBand` up; 9999 for a band without a level, which fixed columns can have
+/// between others.
 std::vector<double> levelsOf(const AQ_Spectrum& spectrum) {
   const std::int32_t low = spectrum.LowBand();
   std::vector<double> levels;
@@ -67,7 +68,7 @@ void checkRange(const HeaderCheck& header, const RecordLines& records, const Rep
              std::to_string(records.high()));
 }
 
-/// One finding per file: a wrong reference time makes every relative time wrong.
+/// Reports one finding per file: a wrong reference time makes every relative time wrong.
 template <class Records>
 void checkRelativeTimes(const Records& records, AQ_SpectralTimeHistory& history,
                         const std::set<std::int32_t>& offInTime, const Reporter& report) {
@@ -124,7 +125,8 @@ bool isAnyValid(const std::vector<double>& levels) {
                      [](double level) { return level != double{AQ_INVALID_LEVEL}; });
 }
 
-/// Real levels never all repeat. One finding per run of records.
+/// Reports records that repeat all levels of the previous one, which real records never do. One
+/// finding per run of records.
 class StuckRecords {
  public:
   explicit StuckRecords(const Reporter& report) : report_(report) {}
@@ -159,8 +161,8 @@ class StuckRecords {
   std::size_t first_ = 0;    // the line where they are repeated; 0 outside a run
 };
 
-/// A hash of all levels, which practically never coincides for different levels (FNV-1a over their
-/// bits).
+/// A hash of all levels (FNV-1a over their bits), which is practically never the same for different
+/// levels.
 class Digest {
  public:
   void see(const std::vector<double>& levels) {

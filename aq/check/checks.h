@@ -8,13 +8,14 @@
 
 namespace aq {
 
-/// A file of the format of `File`.
+/// A file in the format that `File` reads.
 template <class File>
 struct FileOf {
   const std::string& path;
 };
 
-// The checks of each format. They throw what text readers throw if a file changes during the check.
+// The checks of each format. If a file changes during the check, they throw what text readers
+// throw.
 void check(FileOf<AQ_DataSTH> file, const Reporter& report);
 void check(FileOf<AQ_DataSSR> file, const Reporter& report);
 void check(FileOf<AQ_DataTSPI> of, const Reporter& report);

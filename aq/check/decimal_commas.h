@@ -8,12 +8,12 @@
 
 namespace aq {
 
-/// Undoes decimal commas in the data lines of a history, in which commas also separate fields.
-/// Levels always have two decimals. Time and relative time follow from the number of fields or, if
-/// that leaves two possibilities, from the reference time.
+/// Replaces decimal commas with points in the data lines of a history, where commas also separate
+/// fields. Levels always have two decimals. The time and the relative time are found from the
+/// number of fields or, if that leaves two possibilities, from the reference time.
 class DecimalCommas {
  public:
-  /// Takes the lines of the header, for its bands and reference time.
+  /// Takes the bands and the reference time from the lines of the header.
   explicit DecimalCommas(std::span<const std::string> header);
 
   /// The data line with decimal points; unchanged if it has no decimal commas. Nothing if it is

@@ -11,20 +11,20 @@
 
 namespace aq {
 
-/// The numbers of decimals in a column. Trailing zeros show that the program always writes the same
-/// number; a number with fewer decimals has then lost digits. Ignores a plain 0 and a plain 9999,
-/// which mean no value.
+/// Counts the decimals of the numbers in a column. Trailing zeros show that the program always
+/// writes the same number of decimals; a number with fewer has then lost digits. Ignores a plain 0
+/// and a plain 9999, which mean no value.
 class Decimals {
  public:
   void see(std::string_view field, const FindingPlace& place);
 
-  /// Reports each number that has fewer than nearly all others, except the one at `told`.
+  /// Reports each number with fewer decimals than nearly all others, except the one at `told`.
   void report(const FindingPlace& told, const Reporter& report) const;
 
  private:
   struct Seen {
     std::size_t count = 0;
-    bool endsInZero = false;               // of any
+    bool endsInZero = false;               // whether any of them does
     std::vector<FindingPlace> first = {};  // places that may be reported
   };
 
@@ -32,7 +32,7 @@ class Decimals {
   std::size_t count_ = 0;
 };
 
-/// As in "1 decimal".
+/// A count in words, as in "1 decimal".
 std::string decimalsText(std::size_t count);
 
 }  // namespace aq

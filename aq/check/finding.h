@@ -24,7 +24,7 @@ struct FindingKind {
   std::string_view name;
   Severity severity;
   std::string_view meaning;  ///< in one line
-  bool dataHold = false;     ///< of a warning: the data are as measured even so
+  bool dataHold = false;     ///< of a warning: the data are nevertheless as measured
 
   /// Whether the data may differ from what was measured.
   [[nodiscard]] constexpr bool doubtsData() const {
@@ -32,16 +32,16 @@ struct FindingKind {
   }
 };
 
-/// All kinds of finding, in the order of their severity.
+/// All kinds of finding, from errors to notes.
 [[nodiscard]] AQ_API std::span<const FindingKind> findingKinds();
 
 /// "note", "warning" or "error".
 [[nodiscard]] AQ_API std::string_view severityText(Severity severity);
 
-/// Where in a file a finding lies.
+/// Where in a file a finding is.
 struct FindingPlace {
-  std::size_t line = 0;   ///< from 1; 0 when it is the whole file
-  std::size_t field = 0;  ///< from 1; 0 when it is the whole line
+  std::size_t line = 0;   ///< from 1; 0 for the whole file
+  std::size_t field = 0;  ///< from 1; 0 for the whole line
   std::optional<std::int32_t> record = {};
   std::optional<std::int16_t> band = {};
 };
@@ -53,7 +53,7 @@ struct Finding {
   std::string message;  ///< in one line, without the place
 };
 
-/// Receives findings one by one, in the order of the file's lines; those of the whole file come
+/// Receives findings one by one, in the order of the file's lines; those about the whole file come
 /// first.
 using FindingSink = std::function<void(const Finding&)>;
 

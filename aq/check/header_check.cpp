@@ -36,7 +36,7 @@ std::string bareName(std::string_view name) {
   return std::string(name.substr(name.find_last_of("/\\") + 1));
 }
 
-/// The path of a file `name` beside the one at `path`.
+/// The path of a file `name` in the folder of `path`.
 std::string beside(const std::string& path, const std::string& name) {
   return path.substr(0, path.size() - platform::fileName(path).size()) + name;
 }

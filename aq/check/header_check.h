@@ -16,7 +16,7 @@
 
 namespace aq {
 
-/// Reports the first non-empty field after those of a value that are read: the digits after a
+/// Reports the first non-empty field after the fields of a value that are read: the digits after a
 /// decimal comma, or text that is lost.
 void checkFieldsBehind(const HeaderLine& line, const Reporter& report);
 
@@ -29,8 +29,8 @@ void checkWord(std::size_t line, std::string_view word, std::string_view readAs,
 void checkFileName(std::size_t line, std::string_view name, const std::string& path,
                    const Reporter& report);
 
-/// The file in the folder of `path` that the header records by name, ignoring the folders of the
-/// name; empty if there is none.
+/// The path of the file in the folder of `path` that has the recorded name, whose own folders are
+/// ignored; empty if there is none.
 std::string sourceBeside(const std::string& path, std::string_view recorded);
 
 /// Checks the header of a file with column headings, and keeps what a check of the data needs.
@@ -41,7 +41,8 @@ class HeaderCheck {
   HeaderCheck& operator=(const HeaderCheck&) = delete;
   ~HeaderCheck() = default;
 
-  /// Reads a file of one class and checks its header; reports a failure and returns false.
+  /// Reads a file with the class `File` and checks its header. If the read fails, reports that and
+  /// returns false.
   template <class File, class Header, class Model>
   [[nodiscard]] bool reads(const std::string& path, Content<Header, Model>& content) {
     File file;
@@ -58,7 +59,7 @@ class HeaderCheck {
     while (lines.number() < lines_ && lines.next()) continue;
   }
 
-  /// How many lines the header has, the column headings included.
+  /// How many lines the header has, including the column headings.
   [[nodiscard]] std::size_t lines() const { return lines_; }
 
   /// The line of a keyword; 0 if the header has none.
@@ -70,7 +71,7 @@ class HeaderCheck {
   /// The two integers of a keyword, which the header must have.
   [[nodiscard]] std::pair<std::int16_t, std::int16_t> integersOf(std::string_view keyword) const;
 
-  /// Compares the count of a keyword with the actual number.
+  /// Compares the count that a keyword gives with the actual number.
   void expectCount(std::string_view keyword, std::size_t count, const char* ofWhat) const;
 
   /// Compares the word of a keyword with the word that it is read as.
@@ -79,11 +80,11 @@ class HeaderCheck {
   /// Reports an unknown word for the reference time type, which readers ignore.
   void expectReferenceType() const;
 
-  /// Compares the headings, in any case, with those of the columns by position.
+  /// Compares the headings with those of the columns by position, ignoring case.
   void expectHeadings(std::string_view headings) const;
 
-  /// Compares the headings, starting at field `first`, with the labels of the bands and what
-  /// follows.
+  /// Compares the headings, starting at field `first`, with the labels of the bands followed by
+  /// `behind`.
   void expectLabels(std::size_t first, std::int16_t low, std::int16_t high,
                     std::string_view behind = {}) const;
 

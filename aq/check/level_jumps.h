@@ -14,7 +14,7 @@ inline constexpr double kLowestLevel = -20;
 inline constexpr double kHighestLevel = 200;
 
 /// Finds single levels that are far from those of the records before and after. No sound drops by
-/// 20 dB in one band for half a second; a rise must be 40 dB, since a bird may sing.
+/// 20 dB in one band for half a second; a rise must exceed 40 dB, since a bird may sing.
 class LevelJumps {
  public:
   /// `firstField` is the field of band `low`.

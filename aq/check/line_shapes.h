@@ -20,7 +20,7 @@ struct DataColumns {
   bool alike = false;
 };
 
-/// The shapes of the data lines of a readable file, which show truncation and the effects of
+/// The shapes of the data lines of a readable file. They reveal truncation and effects of
 /// spreadsheets that the values do not show.
 class LineShapes {
  public:
@@ -46,13 +46,13 @@ class LineShapes {
   struct Shape {
     std::size_t fields;
     std::size_t decimals;  // of the last field
-    bool empty;            // the last field
-    bool open;             // it is empty or ends in a point
+    bool empty;            // whether the last field is
+    bool open;             // the last field is empty or ends in a point
   };
 
   static Shape shapeOf(std::string_view line);
   void reportExtra(const std::string& path, const Reporter& report) const;
-  /// Returns the place of the finding; nothing if the last line is like the others.
+  /// Returns the place of the finding; line 0 if the last line is like the others.
   [[nodiscard]] FindingPlace reportCut(const Reporter& report) const;
   void seeDecimals(const LineReader& lines);
 
@@ -61,11 +61,11 @@ class LineShapes {
   std::size_t count_ = 0;
   std::size_t first_ = 0;     // the first line's number
   std::size_t line_ = 0;      // the last line's number
-  std::size_t divided_ = 0;   // lines with as many fields as decimal commas make
+  std::size_t divided_ = 0;   // lines with as many fields as decimal commas would make
   std::size_t extended_ = 0;  // lines with fields that are not read
   Shape last_{0, 0, false, false};
   Shape least_{std::numeric_limits<std::size_t>::max(), std::numeric_limits<std::size_t>::max(),
-               false, false};  // open if any is
+               false, false};  // open if any line is
   bool ended_ = true;          // the last line has a line end
 };
 

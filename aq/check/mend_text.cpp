@@ -66,7 +66,7 @@ class TextMender {
     mendReturns();
     mendLines();
     if (!faultAtStart()) return std::move(mended_);
-    // A mark of UTF-16 or of gzip below quotes or another mark: no program writes that.
+    // Quotes or a byte order mark hid a mark of UTF-16 or of compression, which no program writes.
     mended_.text = bytes_;
     mended_.done.resize(doneBefore_);
     mended_.left.clear();
@@ -113,7 +113,7 @@ class TextMender {
     split();
     if (lines_.empty()) return;
     const std::size_t left = mended_.left.size();
-    do {  // what is under quotes may be mended too
+    do {  // removing quotes may show more to mend
       again_ = false;
       mended_.left.resize(left);
       mendMark();
@@ -198,8 +198,8 @@ class TextMender {
     done(separator == ';' ? "semicolons between fields" : "tabs between fields");
   }
 
-  /// The words of a header line, in which a separator is the author's or was a comma: a comment, or
-  /// the value of a keyword that has a name. Empty for numbers, dates and times.
+  /// The free text of a header line, in which a separator is the author's or was a comma: a
+  /// comment, or the value of a keyword such as `ProjectName`. Empty for numbers, dates and times.
   [[nodiscard]] std::string_view textIn(std::string_view line, bool mayHaveKeyword) const {
     const std::size_t mark = mayHaveKeyword ? line.find(kKeywordMark) : line.npos;
     if (mark == line.npos) return line;
@@ -214,7 +214,7 @@ class TextMender {
     return value.find_first_not_of(numbers) == value.npos ? std::string_view() : value;
   }
 
-  /// Whether a text has a separator that no quotes keep.
+  /// Whether a text has a separator outside quotes.
   [[nodiscard]] bool hasSeparator(std::string_view text) const {
     bool quoted = false;
     return std::any_of(text.begin(), text.end(), [&](char c) {
@@ -223,7 +223,7 @@ class TextMender {
     });
   }
 
-  /// Fields with commas between them, and points in their numbers.
+  /// The line with commas between its fields, and points in its numbers.
   [[nodiscard]] std::string separated(std::string_view line) const {
     bool quoted = false;
     std::string field;
@@ -285,8 +285,7 @@ class TextMender {
         if (at >= line.size()) return std::nullopt;
         line.remove_prefix(at + 1);
         if (!line.empty() && line.front() != ',') return std::nullopt;
-        // Only what has a separator or a quote in it has to be quoted; other quotes are the
-        // author's.
+        // Only a field with a separator or a quote in it needs quotes; others are the author's.
         const bool needed = all || field.find_first_of(special, 0, sizeof special) != field.npos;
         whole += needed ? field : '"' + field + '"';
       } else {
@@ -321,7 +320,7 @@ class TextMender {
     if (found) done("a spreadsheet's quotes");
   }
 
-  /// A line as it was before it was filled up.
+  /// A line as it was before it was padded with commas.
   [[nodiscard]] static std::string unfilled(const std::string& line) {
     std::string plain = line.substr(0, line.find_last_not_of(',') + 1);
     if (plain.ends_with(kKeywordMark) && plain != line) plain += ',';  // of an empty value
@@ -352,7 +351,7 @@ class TextMender {
     std::size_t headings = 0;
   };
 
-  /// Nothing if the lines do not tell.
+  /// Nothing if the lines do not show them.
   [[nodiscard]] std::optional<HeaderPlaces> header() const {
     constexpr std::string_view kCount = "NumberOfCommentLines**";
     for (std::size_t at = 0; at < lines_.size(); ++at) {
@@ -440,10 +439,10 @@ class TextMender {
   std::string name_;
   std::size_t doneBefore_;
   std::vector<std::string> lines_;
-  char separator_ = '\0';   // that a spreadsheet put in place of commas
+  char separator_ = '\0';   // the one that a spreadsheet put in place of commas
   std::size_t unsure_ = 0;  // the first line whose text has one; 0 for none
   bool returns_ = false;
-  bool ends_ = false;   // the last line
+  bool ends_ = false;   // the last line has a line end
   bool again_ = false;  // something was mended
 };
 

@@ -11,8 +11,8 @@ namespace aq {
 /// The text of a measurement file before other programs changed it, as far as that is certain.
 struct Mended {
   std::string text;
-  std::vector<std::string> done;  ///< what was mended, in words; empty when the text is as it was
-  std::vector<std::string> left;  ///< what looks changed, but may mean several things, and so stays
+  std::vector<std::string> done;  ///< what was mended, in words; empty if the text is unchanged
+  std::vector<std::string> left;  ///< what looks changed but is ambiguous, and so stays
 };
 
 /// Undoes what other programs do to measurement files: UTF-16, a byte order mark, carriage returns

@@ -18,11 +18,11 @@ struct PathPlace {
   std::optional<std::int32_t> record = {};
 };
 
-/// Reports positions far from the line between their neighbours if nearly all others are near it:
-/// one finding per run.
+/// Reports positions that are far from the line between their neighbours if nearly all others are
+/// near theirs: one finding per run.
 void checkJumps(const std::vector<PathPlace>& path, const Reporter& report);
 
-/// Reports times without a position that are much longer than usual.
+/// Reports gaps between positions that are much longer than usual.
 void checkGaps(const std::vector<PathPlace>& path, const Reporter& report);
 
 }  // namespace aq

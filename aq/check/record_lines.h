@@ -16,8 +16,8 @@
 
 namespace aq {
 
-/// Maps the records of a readable file to its data lines. Reports irregular lines and numbers on
-/// the way.
+/// Maps the records of a readable file to its data lines. Also reports irregular lines and record
+/// numbers.
 class RecordLines {
  public:
   /// Skips the header.
@@ -55,7 +55,7 @@ class RecordLines {
   std::size_t count_ = 0;
   std::size_t setBegins_ = 0;  // the first line of this data set
   std::int32_t first_ = 0;     // its number
-  std::int32_t before_ = 0;    // the number in the line before
+  std::int32_t before_ = 0;    // the number in the previous line
 };
 
 /// Seconds as text, with the digits that times of day in single precision hold.
@@ -64,8 +64,8 @@ inline std::string secondsText(double seconds) {
 }
 
 /// Reports and returns records whose time of day, `timeOf(record)`, is not `recordLength` seconds
-/// per record after an earlier one. Reports a single odd record once, and a point from which all
-/// records continue at another time once.
+/// per record after an earlier one. Reports once each single odd record, and each point from which
+/// all records continue at another time.
 template <class Records, class TimeOf>
 std::set<std::int32_t> checkTimeSteps(const Records& records, const TimeOf& timeOf,
                                       const Reporter& report, double recordLength = 0.5) {
@@ -75,7 +75,7 @@ std::set<std::int32_t> checkTimeSteps(const Records& records, const TimeOf& time
     double time;
   };
   std::optional<Seen> good;
-  std::optional<Seen> odd;  // after which times may turn out to continue
+  std::optional<Seen> odd;  // later times may turn out to continue from it
   std::set<std::int32_t> wrong;
   records.forEach([&](std::int16_t record, std::size_t line) {
     const Seen here{record, timeOf(record)};

@@ -81,7 +81,7 @@ class Reporter {
   void levels(std::uint64_t digest) const { levels_ = digest; }
   [[nodiscard]] std::optional<std::uint64_t> levels() const { return levels_; }
 
-  /// Passes on the findings, those of the whole file first. Exceptions of the sink reach the
+  /// Passes on the findings, those of the whole file first. Exceptions from the sink reach the
   /// caller.
   void finish();
 

@@ -8,14 +8,14 @@
 #include "aq/check/reporter.h"
 #include "aq/core/file_failure.h"
 
-// Damage to text files by other programs: reported once, with a remedy, instead of every
-// consequence.
+// Damage that other programs do to text files: reported once, with a remedy, instead of each of its
+// consequences.
 namespace aq {
 
 /// The first 64 KiB of a file. Throws `platform::SystemError`.
 std::string headOf(const std::string& path);
 
-/// UTF-8 text may begin with it; these files do not.
+/// UTF-8 text may begin with this mark; measurement files do not.
 inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 struct TextFault {
@@ -24,11 +24,11 @@ struct TextFault {
   std::size_t line = 1;
 };
 
-/// Why a file is not text of single bytes; nothing if it is.
+/// Why a file is not plain text: compression or UTF-16; nothing if it shows neither.
 std::optional<TextFault> faultOfBytes(std::string_view head);
 
-/// The likely reason why a file is of unknown kind or cannot be read; nothing if no known program
-/// causes it.
+/// The likely reason why a file is of unknown kind or cannot be read; nothing if it shows no known
+/// damage.
 std::optional<TextFault> faultOfLines(std::string_view head);
 
 /// Whether `text` looks like a number that was split at its decimal comma, as in "18,5".
