@@ -12,8 +12,8 @@ namespace aq {
 /// (IEC 61260-1), as in "B17/50Hz". Throws `InvalidArgument` outside bands 2 to 50.
 [[nodiscard]] AQ_API std::string_view bandLabel(std::int16_t band);
 
-/// Appends the labels of bands `low` to `high`, separated by ",". `high` has a label even when the
-/// range is empty.
+/// Appends the labels of bands `low` to `high`, separated by ",". Appends the label of `high` even
+/// if the range is empty.
 AQ_API void appendBandLabels(std::string& line, std::int16_t low, std::int16_t high);
 
 }  // namespace aq

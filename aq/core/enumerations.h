@@ -4,7 +4,7 @@
 
 namespace aq {
 
-// Hosts store and exchange the numbers: values and gaps never change.
+// Hosts store and exchange these numbers, so values and gaps never change.
 
 /// How the levels of one record were averaged.
 enum AQ_AverageMethod : std::int32_t {
@@ -48,7 +48,8 @@ enum AQ_OPTIME : std::int32_t {
   AQ_TIME_REF = 1,  ///< time relative to a reference
 };
 
-/// The outcome of reading or writing a file. There is no 1; `lastFailure()` has the reason.
+/// The outcome of reading or writing a file. The value 1 is unused; `lastFailure()` gives the
+/// reason.
 enum AQ_DataMessage : std::int32_t {
   AQ_DATA_OK = 0,
   AQ_DATA_FILE_ERROR = 2,
@@ -73,7 +74,7 @@ enum AQ_MASK_ADJUST : std::int32_t {
   ADJ_TO_REFERENCE = 6,         ///< adjusted to reference conditions
 };
 
-/// Which part a record plays in the integration of a metric; flags that combine.
+/// The role of a record in the integration of a metric; flags that can be combined.
 enum AQ_METRIC_INTEG_VALUE : std::int32_t {
   AQ_INTEG_MAX = 1,  ///< largest PNLT
   AQ_INTEG_FST = 2,  ///< first record of the sum, at a 10 dB-down limit
@@ -104,7 +105,7 @@ enum AQ_METRIC_TYPE : std::int32_t {
   AQ_METRIC_TONECOR = 7,  ///< tone correction, dB
   AQ_METRIC_TONEBND = 8,  ///< band that caused the tone correction
   AQ_METRIC_LGB = 9,      ///< last good band
-  AQ_METRIC_INTEG = 10,   ///< part in the EPNL integration, flags
+  AQ_METRIC_INTEG = 10,   ///< role in the EPNL integration, flags
 };
 
 }  // namespace aq

@@ -10,17 +10,17 @@ namespace aq {
 
 /// What kind of fault an `Error` reports.
 enum class ErrorCode {
-  InvalidArgument,     ///< no entry with that key, no such label, or text of another form
+  InvalidArgument,     ///< no such entry or label, text of the wrong form, or unfit arguments
   InvalidIndex,        ///< no entry at that index
-  InvalidValue,        ///< a value that has no text form, such as a time of day of 90,000 s
+  InvalidValue,        ///< a value that is not allowed, or a time of day without a text form
   TypeMismatch,        ///< a value that does not convert to the requested type
   Overflow,            ///< a value outside the range of the requested type
-  ObjectNotSet,        ///< an object is required and missing
+  ObjectNotSet,        ///< a required object is missing
   MemberNotSupported,  ///< the object has no such member
 };
 
-/// The only exception type that the data model throws. The object that threw is unchanged unless
-/// the operation says otherwise. Readers of files do not throw it: they return
+/// The only exception type that the data model throws. A function that throws leaves its object
+/// unchanged unless its comment says otherwise. Readers of files do not throw it: they return
 /// `AQ_DATA_FILE_ERROR`.
 class AQ_API Error : public std::runtime_error {
  public:

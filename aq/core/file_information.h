@@ -19,15 +19,15 @@ class AQ_API FileInformation {
   /// The name under which a file is recorded. The default drops the folder.
   virtual std::string recordedName(const std::string& path) = 0;
 
-  /// When a file was last changed, as `mm/dd/yyyy,hh:mm:ss`. The default gives local time, and the
-  /// current date and time when the name is empty or the file does not exist.
+  /// When a file was last changed, as `mm/dd/yyyy,hh:mm:ss`. The default gives local time; if the
+  /// name is empty or the file does not exist, the current date and time.
   virtual std::string fileDateTime(const std::string& path) = 0;
 
-  /// Now, as `mm/dd/yyyy,hh:mm:ss`.
+  /// The current date and time, as `mm/dd/yyyy,hh:mm:ss`.
   virtual std::string currentDateTime() = 0;
 
-  /// The date to write for the file from which another was made. `recorded` is the header's own
-  /// date for it, in the same form. The default calls `fileDateTime`: hosts rely on it.
+  /// The date to write for the file from which another was made. `recorded` is the date that the
+  /// header has for it, in the same form. The default calls `fileDateTime`: hosts rely on it.
   virtual std::string sourceDateTime(const std::string& path, const std::string& recorded);
 };
 
@@ -37,9 +37,9 @@ class AQ_API FileInformation {
 /// `CurrentDate` 0 and midnight as text: in a header, an unknown date.
 inline constexpr std::string_view kNoDateTime = "12/30/1899,00:00:00";
 
-/// Like the service in use, except that it keeps the dates of source files in a header, and takes
-/// unknown ones from the files if they exist. A file that is read and written again thus keeps its
-/// dates.
+/// A service like the one in use, except that it keeps the dates that a header has for source
+/// files, and takes unknown ones from the files if they exist. A file that is read and written
+/// again thus keeps its dates.
 [[nodiscard]] AQ_API std::shared_ptr<FileInformation> keepingFileInformation();
 
 /// Installs a host's own service; `nullptr` restores the default. Safe to call from any thread.

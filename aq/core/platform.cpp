@@ -130,7 +130,7 @@ class OutputFile {
   int handle_;
 };
 
-/// `path` up to its file name.
+/// `path` without its file name.
 std::string folderOf(const std::string& path) { return path.substr(0, path.find_last_of('/') + 1); }
 
 bool isNumber(std::string_view text) {
@@ -150,8 +150,8 @@ bool namesOpenFile(const std::string& path) {
   return process == "self" || isNumber(process);
 }
 
-/// A duplicate of the handle that this process has open for writing under such a name, which
-/// continues at its position; -1 for anything else.
+/// A duplicate of the handle that such a name refers to, if this process has it open for writing:
+/// writes continue at its position. -1 for anything else.
 int ownHandle(const std::string& path) {
   const bool own = path.starts_with("/proc/self/") || path.starts_with("/dev/");
   if (!own || !namesOpenFile(path)) return -1;
@@ -180,8 +180,8 @@ std::optional<std::string> linkAt(const std::string& path) {
   return text;
 }
 
-/// The directory entry of the file that `path` names. Follows links, except to the name of an open
-/// file, as below /dev/stdout.
+/// The directory entry of the file that `path` names. Follows links up to the name of an open file,
+/// such as the one that /dev/stdout leads to.
 std::string entryOf(std::string path) {
   constexpr int kMostLinks = 40;
   for (int links = 0; links <= kMostLinks; ++links) {
@@ -307,7 +307,7 @@ class Pipe {
   std::array<int, 2> ends_{};
 };
 
-/// The streams of a started process: no input, `output`, and no errors.
+/// The streams of a started process: an empty input, `output`, and errors that are discarded.
 class Openings {
  public:
   explicit Openings(int output) {

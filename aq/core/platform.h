@@ -15,7 +15,7 @@
 // Everything that differs between operating systems: files, their names and dates, local time.
 namespace aq::platform {
 
-/// What ends a line of a text file that this system writes.
+/// The line end that this system writes in text files.
 extern AQ_API const std::string_view lineEnd;
 
 /// An operating system error; `what()` is its reason, in English in every locale.
@@ -39,7 +39,8 @@ class AQ_API InputFile {
   InputFile& operator=(const InputFile&) = delete;
   ~InputFile();
 
-  /// Fills `buffer` from its start and returns the number of bytes; 0 only at the end of the file.
+  /// Reads bytes into the start of `buffer` and returns their number; 0 only at the end of the
+  /// file.
   [[nodiscard]] std::size_t read(std::span<char> buffer);
 
  private:
@@ -50,10 +51,10 @@ class AQ_API InputFile {
 #endif
 };
 
-/// Replaces the content of a file by `bytes`, completely or not at all: writes a temporary file in
-/// the same folder, flushes it to the disk and renames it. Keeps permissions. Follows symbolic
+/// Replaces the content of a file with `bytes`, completely or not at all: writes a temporary file
+/// in the same folder, flushes it to the disk and renames it. Keeps permissions. Follows symbolic
 /// links, which remain; other hard links keep the old content. A file that is not regular, such as
-/// a pipe, is written directly. Throws `SystemError` and leaves the file unchanged.
+/// a pipe, is written directly. If it fails, throws `SystemError` and leaves the file unchanged.
 AQ_API void replaceFile(const std::string& path, std::string_view bytes);
 
 /// Appends `bytes` to a file, which is created if needed. After a failure, truncates the file to
@@ -69,8 +70,8 @@ AQ_API void appendToFile(const std::string& path, std::string_view bytes);
 [[nodiscard]] AQ_API std::string outputOf(const std::string& program,
                                           const std::vector<std::string>& arguments);
 
-/// When a file was last changed, in seconds since 1970, which are no `std::time_t` since that ends
-/// in 2038 on some systems; nothing if it does not exist.
+/// When a file was last changed, in seconds since 1970; nothing if it does not exist. Not a
+/// `std::time_t`, since that ends in 2038 on some systems.
 [[nodiscard]] AQ_API std::optional<std::int64_t> lastChanged(const std::string& path);
 
 /// Whether `path` leads to a regular file; false if unknown.
@@ -82,7 +83,7 @@ AQ_API void appendToFile(const std::string& path, std::string_view bytes);
 /// `path` without its folders.
 [[nodiscard]] AQ_API std::string fileName(const std::string& path);
 
-/// Nothing outside the years 1 to 9999.
+/// The local time at `at` seconds since 1970; nothing outside the years 1 to 9999.
 [[nodiscard]] AQ_API std::optional<std::tm> localTime(std::int64_t at);
 
 }  // namespace aq::platform

@@ -194,7 +194,8 @@ bool isThere(const std::wstring& path) {
 
 bool isFolder(const std::wstring& path) { return has(path, FILE_ATTRIBUTE_DIRECTORY); }
 
-/// Why `path` cannot be opened, if the system's error says less than is known.
+/// Throws `SystemError` for a `path` that cannot be opened, with a clearer reason than the system's
+/// if it is known.
 [[noreturn]] void failToOpen(const std::wstring& path, const char* wanted, DWORD error) {
   if (isFolder(path)) throw SystemError(wanted == kOpen ? kRead : wanted, "Is a directory");
   failBy(wanted, error);
@@ -221,7 +222,7 @@ Handle open(const std::wstring& path, const Opening& how, const char* wanted) {
   return handle;
 }
 
-/// A duplicate handle of one of the program's own streams, by its name on other systems; none for
+/// A duplicate handle of one of the program's own streams, by its name on other systems; null for
 /// any other path.
 Handle standardStream(const std::string& path) {
   DWORD stream = 0;
@@ -361,7 +362,7 @@ class Temporary {
   bool renamed_ = false;
 };
 
-/// `path` up to its file name.
+/// `path` without its file name.
 std::wstring folderOf(const std::wstring& path) {
   return path.substr(0, path.find_last_of(L"/\\") + 1);
 }
@@ -568,7 +569,7 @@ void replaceFile(const std::string& path, std::string_view bytes) {
   const Old old(file);
   if (has(entry, FILE_ATTRIBUTE_REPARSE_POINT)) entry = finalPath(file);
   file.reset();
-  open(entry, {.access = DELETE}, kReplace).reset();  // others may keep that away
+  open(entry, {.access = DELETE}, kReplace).reset();  // fails if another program prevents it
   replace(entry, &old, bytes);
 }
 

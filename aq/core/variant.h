@@ -70,14 +70,14 @@ class AQ_API Variant {
   [[nodiscard]] std::int16_t toInt16() const;
   [[nodiscard]] std::int32_t toInt32() const;
 
-  /// Text may also be "true" or "false", in any case.
+  /// Text may also be "true" or "false", ignoring case.
   [[nodiscard]] bool toBoolean() const;
 
-  /// The default text of a number, "True" or "False", `mm/dd/yyyy hh:mm:ss` of a date. Throws
+  /// The default text of a number, "True" or "False", `mm/dd/yyyy hh:mm:ss` for a date. Throws
   /// `InvalidValue` for a number that is not finite.
   [[nodiscard]] std::string toString() const;
 
-  /// The object. Throws `ObjectNotSet` if it holds none of this type.
+  /// The object. Throws `ObjectNotSet` if the variant holds no object of this type.
   template <class T>
   [[nodiscard]] std::shared_ptr<T> toObject() const {
     const Object* const held = std::get_if<Object>(&value_);

@@ -38,7 +38,7 @@ class BandBlock {
     return cells_[index(at)];
   }
 
-  /// Replaces the block by these cells, the first for band `first`.
+  /// Replaces the block with these cells, the first for band `first`.
   void assign(std::int16_t first, std::span<const Cell> cells) {
     cells_.assign(cells.data(), cells.data() + cells.size());
     first_ = first;

@@ -25,12 +25,12 @@ class LazyTime {
     }
   }
 
-  /// Replaces the time by a new one with this time of day and relative seconds.
+  /// Replaces the time with a new one that has this time of day and these relative seconds.
   void assign(double timeOfDay, double relativeSeconds = 0) {
     time_ = Seconds{timeOfDay, relativeSeconds};
   }
 
-  /// A separate time with what `AQ_Time::Copy` keeps.
+  /// A separate time with the values that `AQ_Time::Copy` keeps.
   [[nodiscard]] LazyTime copied() const {
     LazyTime copy = *this;
     if (shared() != nullptr || seconds().ofDay > kSecondsPerDay) copy.share(value().Copy());

@@ -13,14 +13,14 @@
 
 namespace aq {
 
-/// Which slots of a list are removed but not yet compacted. Finds the slot of a place, that is
-/// the n-th slot still in use, in logarithmic time.
+/// Which slots of a list are removed but not yet compacted. Finds the slot of a place, which is the
+/// n-th slot still in use, in logarithmic time.
 class AQ_API Tombstones {
  public:
   [[nodiscard]] std::size_t count() const { return count_; }
   [[nodiscard]] bool contains(std::size_t slot) const { return count() != 0 && removed_[slot]; }
 
-  /// Removes one of `slots` slots. The slot is in use. A failure changes nothing.
+  /// Removes `slot`, which must be in use, from a list of `slots` slots. A failure changes nothing.
   void add(std::size_t slot, std::size_t slots);
 
   /// Reserves room for one more slot, so that `grow` cannot fail.
