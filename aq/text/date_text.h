@@ -18,16 +18,16 @@ namespace aq {
 /// Throws `TypeMismatch` for any other text.
 [[nodiscard]] AQ_API double dateFrom(std::string_view text);
 
-/// `hh:mm:ss` from `hh:mm:ss` with hours 0 to 23 of one or two digits, outer blanks allowed. Throws
-/// `TypeMismatch` for any other text.
+/// The clock time `text` as `hh:mm:ss`. Its parts may have one or two digits, hours are 0 to 23,
+/// and outer blanks are allowed. Throws `TypeMismatch` for any other text.
 [[nodiscard]] AQ_API std::string clockTimeFrom(std::string_view text);
 
-/// The seconds after midnight of `hh:mm:ss`, with decimals or without, hours 0 to 23, outer blanks
-/// allowed; correctly rounded to three decimals and more. Throws `TypeMismatch` for any other text.
+/// The seconds after midnight of `hh:mm:ss` with up to nine decimals, correctly rounded. Hours are
+/// 0 to 23, and outer blanks are allowed. Throws `TypeMismatch` for any other text.
 [[nodiscard]] AQ_API double secondsOfDayFrom(std::string_view text);
 
-/// Appends `hh:mm:ss.sss`, exact halves away from zero. Throws `InvalidValue` below 0 and where
-/// that rounds to 24 hours or more.
+/// Appends `hh:mm:ss.sss`, rounding exact halves away from zero. Throws `InvalidValue` below 0 and
+/// where that rounds to 24 hours or more.
 AQ_API void appendMilliseconds(std::string& text, double secondsOfDay);
 
 /// A clock time in plain form: its seconds after midnight, those after the last colon in single

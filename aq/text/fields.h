@@ -107,7 +107,7 @@ class AQ_API FieldReader {
  private:
   template <class Real>
   [[nodiscard]] bool takePlain(Real& number);
-  /// Skips a field of `length` characters, and the comma after it if there is one.
+  /// Takes a field of `size` characters, and skips the comma after it if there is one.
   void take(std::size_t size) {
     field_ = rest_.substr(0, size);
     done_ = size == rest_.size();

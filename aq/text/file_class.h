@@ -51,7 +51,7 @@ class AQ_API FileClass {
     return withFile(file, read);
   }
 
-  /// Writes the text that `build(name)` returns as the content of `file`. An exception of `build`
+  /// Writes the text that `build(name)` returns as the content of `file`. An exception from `build`
   /// reaches the caller and leaves the disk unchanged.
   template <class Build>
   [[nodiscard]] AQ_DataMessage writing(const std::string& file, const Build& build) {
@@ -61,7 +61,7 @@ class AQ_API FileClass {
     return replace(name, build(std::as_const(name)));
   }
 
-  /// As `writing`, but appends to the file.
+  /// Like `writing`, but appends to the file.
   template <class Build>
   [[nodiscard]] AQ_DataMessage appending(const std::string& file, const Build& build) {
     std::string name;

@@ -44,7 +44,7 @@ class AQ_API FixedFieldReader {
     return found_;
   }
 
-  /// The same to the end of the line.
+  /// The same, from column `first` to the end of the line.
   [[nodiscard]] std::string_view takeRest(std::size_t first, const char* expected);
 
   template <class Conversion>
@@ -68,7 +68,7 @@ class AQ_API FixedFieldReader {
     return line_.substr(std::min(first - 1, line_.size()));
   }
 
-  /// Counts fields as taken.
+  /// Counts `count` more fields as taken.
   void pass(std::size_t count) { field_ += count; }
 
  private:
@@ -85,10 +85,11 @@ class AQ_API FixedFieldReader {
 [[nodiscard]] AQ_API std::int64_t scaled(double value, int decimals, std::size_t width,
                                          const char* what);
 
-/// Writes such a number right-aligned into the columns starting at `at`, and returns their end.
+/// Writes a number from `scaled` right-aligned into the columns starting at `at`, and returns their
+/// end.
 AQ_API char* putScaled(char* at, std::int64_t value, int decimals, std::size_t width);
 
-/// Appends `text` right-aligned in this many columns.
+/// Appends `field`, right-aligned in `width` columns.
 AQ_API void appendRight(std::string& text, std::string_view field, std::size_t width);
 
 /// Ends a line, dropping trailing blanks appended since `begin`.

@@ -32,7 +32,7 @@ class AQ_API FixedHeaderReader {
 
   void text(std::string_view keyword, std::string& value);
 
-  /// One of the words of an enumeration, in any case.
+  /// One of the words of an enumeration, ignoring case.
   template <class Enumeration>
   void word(std::string_view keyword, const char* expected, Enumeration& value) {
     take(keyword, expected);
@@ -63,8 +63,9 @@ class AQ_API FixedHeaderReader {
   std::string_view value_;  // of the line taken last
 };
 
-/// Appends header lines to a text. Throws `InvalidValue` for a text with a line end or a tab, a
-/// number or a time that does not fit its columns, and a value without a word.
+/// Appends header lines to a text. Throws `InvalidValue` for a text with a line end or, outside
+/// `lines`, a tab, for a number or a time that does not fit its columns, and for a value without a
+/// word.
 class AQ_API FixedHeaderWriter {
  public:
   explicit FixedHeaderWriter(std::string& text) : text_(text) {}

@@ -17,11 +17,11 @@ struct HeaderLine {
 
   std::size_t number;  ///< from 1
   Use use;
-  std::string_view keyword;  ///< that belongs to the place of the line; empty for the other uses
+  std::string_view keyword;  ///< the one that belongs to this line; empty for the other uses
   std::string_view text;     ///< unchanged
   std::string_view
-      value;  ///< the part that is read of a keyword's line, or of a comment of a parameter file
-  std::size_t fields = 0;  ///< of the value that are read; 0 when the value is read as a whole
+      value;  ///< the part that is read of a line with a keyword, or of a parameter file's comment
+  std::size_t fields = 0;  ///< how many of the value are read; 0 when it is read as a whole
 };
 
 /// Sees every header line that a read takes.

@@ -51,7 +51,7 @@ AQ_API void putInColumns(char* at, LevelCode code);
 /// finite.
 AQ_API void appendLevel(std::string& text, double level);
 
-// As above, with "," between the levels.
+// Append several levels, with "," between them.
 AQ_API void appendLevels(std::string& text, std::span<const double> levels);
 AQ_API void appendLevels(std::string& text, std::span<const LevelCode> codes);
 

@@ -10,16 +10,16 @@
 #define AQ_HAS_SSE2
 #endif
 
-// Levels with "," between them. Neighbours have one, two or three whole digits, as they come, so
-// the ends of all fields are found first, and the levels are taken in groups: nothing branches on
-// their width.
+// Levels with "," between them. Each may have one, two or three whole digits, so the ends of all
+// fields are found first, and the levels are taken in groups without a branch on their width.
 
 namespace aq {
 namespace {
 
 constexpr std::size_t kFieldsAtOnce = 64;
 constexpr std::size_t kScanned = 64;
-constexpr std::size_t kLongestText = kFieldsAtOnce * (kLevelColumns + 1);  // longer: no levels
+constexpr std::size_t kLongestText =
+    kFieldsAtOnce * (kLevelColumns + 1);  // enough for fields with levels
 
 /// Where each field ends, from the start of the first.
 using FieldEnds = std::array<std::uint16_t, kFieldsAtOnce + kScanned>;
@@ -36,7 +36,7 @@ std::size_t findEnds(std::string_view text, std::size_t most, FieldEnds& ends) {
 constexpr std::size_t kShortest = 3;  // a point and two decimals
 constexpr std::size_t kLongestLevel = 6;
 
-#ifdef AQ_HAS_SSE2  // as every build for 64-bit x86
+#ifdef AQ_HAS_SSE2  // in every build for 64-bit x86
 
 constexpr std::size_t kVector = sizeof(__m128i);
 
@@ -63,7 +63,7 @@ std::uint64_t endsInBlock(std::string_view text, std::size_t from) {
   return ends | lastVector >> (kVector - (left - place)) << place;
 }
 
-/// As `findEnds`, by blocks.
+/// Like `findEnds`, but block by block.
 std::size_t findEndsByBlocks(std::string_view text, std::size_t most, FieldEnds& ends) {
   if (text.size() < kVector) return findEnds(text, most, ends);
   std::size_t count = 0;
@@ -94,7 +94,7 @@ struct Fields {
     const std::size_t first = firstEnd - start - kShortest;
     const std::size_t second = secondEnd - firstEnd - 1 - kShortest;
     const char* const last = text + secondEnd - kLevelColumns;
-    std::uint64_t atStart = 0;  // no eight characters end with the field at the start
+    std::uint64_t atStart = 0;  // if the first field ends within the first eight characters
     if (firstEnd < kLevelColumns) {
       std::memcpy(&atStart, text, sizeof atStart);
       atStart <<= 8 * ((kLevelColumns - firstEnd) & 7);
