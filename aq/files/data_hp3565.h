@@ -23,9 +23,9 @@ class Recording;
 /// comment line in the header.
 class AQ_API AQ_DataHP3565 : public FileClass {
  public:
-  /// Lists the files of an analyzer's folder, without the folder: names that begin with INDEX,
-  /// those that begin with TIMEDAT, and others that end in .DAT, in any case and sorted without
-  /// regard to it. Does not list folders. Changes nothing if the folder cannot be read.
+  /// Lists the files in an analyzer's folder, by name without the folder: names that begin with
+  /// INDEX, those that begin with TIMEDAT, and others that end in .DAT. Ignores case, also when
+  /// sorting. Does not list folders. Changes nothing if the folder cannot be read.
   AQ_DataMessage readDirectory(const std::string& sDirectory,
                                std::shared_ptr<Collection<std::string>>& colIndex,
                                std::shared_ptr<Collection<std::string>>& colTimeDat,
@@ -48,7 +48,7 @@ class AQ_API AQ_DataHP3565 : public FileClass {
   [[nodiscard]] const std::string& SDFPRINT() const { return converter_; }
   void SDFPRINT(std::string path) { converter_ = std::move(path); }
 
-  /// The trace of each scan, from 1. Reading fails if the recording does not have it.
+  /// Which trace of each scan is read, from 1. Reading fails if the recording does not have it.
   [[nodiscard]] std::int16_t Channel() const { return channel_; }
   void Channel(std::int16_t channel) { channel_ = channel; }
 

@@ -98,8 +98,8 @@ void readDateTime(FieldReader& fields, AQ_Time& time) {
   time.TODstring(fields.convert("a time hh:mm:ss", clockTimeFrom));
 }
 
-/// Takes a line and those that belong to it. Keywords match in any case; unknown keywords and lines
-/// without one are skipped.
+/// Takes a line and those that belong to it. Ignores the case of keywords; skips unknown keywords
+/// and lines without one.
 void readLine(LineReader& lines, const HeaderObserver& watch, AQ_DataINI& parameters) {
   FieldReader fields(lines);
   const std::string_view key = keywordOf(upperCased(keywordIn(fields.text("a keyword"))));

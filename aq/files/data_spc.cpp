@@ -97,8 +97,8 @@ std::int32_t recordFrom(std::string_view text) {
   return plain.length == text.size() && plain.length != 0 ? plain.value : int32From(text);
 }
 
-/// The levels of one record. A band without a level is a gap between others; at either end it is
-/// left out.
+/// The levels of one record. A band without a level becomes a gap between others, and is left out
+/// at either end.
 class LevelRow {
  public:
   LevelRow(std::int16_t low, std::int16_t high)
@@ -136,7 +136,7 @@ class LevelRow {
 
   std::int16_t low_;
   std::size_t count_;
-  // Scratch that all records share.
+  // Buffers that all records share.
   std::vector<LevelCode> codes_;
   std::vector<std::optional<double>> levels_;
 };
@@ -157,7 +157,7 @@ class RecordDates {
   double before_ = 0;
 };
 
-/// Skips empty lines after the last record.
+/// Takes the lines after the last record, which must be blank.
 void expectOnlyBlanks(LineReader& lines) {
   while (lines.next()) {
     if (trimmed(lines.line()).empty()) continue;
@@ -258,7 +258,7 @@ AQ_DataSPC::Settings AQ_DataSPC::chosen(const AQ_SpectralTimeHistory& history) c
   if (chosen.last == 0) chosen.last = last;
   std::int16_t low = kHighestBand + 1;
   std::int16_t high = kLowestBand - 1;
-  const std::int32_t end = std::max(chosen.first, chosen.last);  // one record, or its absence
+  const std::int32_t end = std::max(chosen.first, chosen.last);  // at least the first record
   for (std::int32_t record = chosen.first; record <= end; ++record) {
     const AQ_Spectrum& spectrum = orThrow(history.spectrum(static_cast<std::int16_t>(record)));
     if (spectrum.begin() == spectrum.end()) continue;

@@ -23,12 +23,13 @@ class AQ_API AQ_DataSPC : public FileClass {
   /// The first line of a file begins with these bytes.
   static constexpr std::string_view kBeginning = "SPC                 ";
 
-  /// The header of the next file, shared; without one, the file's texts are empty.
+  /// Sets the header for writes, shared with the caller; without one, the texts of a file are
+  /// empty.
   void setHeader(const std::shared_ptr<AQ_HeaderSTH>& aqHeader) { header_ = aqHeader; }
 
-  /// Seconds from one record to the next; 0.5 at first. A read stores the file's. Throws, and keeps
-  /// the old value, unless above 0 and below 1000 (`InvalidValue`), or if not a number
-  /// (`TypeMismatch`).
+  /// Seconds from one record to the next; 0.5 at first. A read stores the file's. Setting throws,
+  /// and keeps the old value, for a number that is not above 0 and below 1000 (`InvalidValue`) and
+  /// for a value that is not a number (`TypeMismatch`).
   [[nodiscard]] double RecordLength() const { return settings_.recordLength; }
   void RecordLength(const Variant& seconds);
 
@@ -44,8 +45,8 @@ class AQ_API AQ_DataSPC : public FileClass {
   void BandHigh(std::int16_t nBand) { settings_.high = nBand; }
 
   /// Writes the chosen part, replacing the file. Throws, and writes nothing, if there are no
-  /// records or one of the part is missing (`InvalidArgument`); if there are no levels and the
-  /// bands are not set, if a level, a time or a word does not fit its columns, if bands are not
+  /// records or one of the chosen part is missing (`InvalidArgument`); if there are no levels and
+  /// the bands are not set, if a level, a time or a word does not fit its columns, if bands are not
   /// between 2 and 50, or if a text of the header has a line end or, outside other records and
   /// comments, a tab (`InvalidValue`); or if a level is not a number (`TypeMismatch`).
   AQ_DataMessage writeFile(const std::string& sFileName, AQ_SpectralTimeHistory& aqTimeHistory);
@@ -73,8 +74,9 @@ class AQ_API AQ_DataSPC : public FileClass {
   Settings settings_;
 };
 
-/// Whether a file can restore the dates of a history's records: they start with that of `startTime`
-/// and advance by a day each time the time of day falls back. Ignores records without a date.
+/// Whether a file can restore the dates of a history's records, which requires that they start with
+/// the date of `startTime` and advance by a day each time the time of day falls back. Ignores
+/// records without a date.
 [[nodiscard]] AQ_API bool keepsDates(AQ_SpectralTimeHistory& history);
 
 }  // namespace aq

@@ -19,7 +19,7 @@
 #include "aq/masking/data_mask.h"
 #include "aq/text/call_file.h"
 
-// The only list of formats; code for all formats uses it.
+// The only list of formats: code that serves all formats uses it.
 
 namespace aq {
 

@@ -32,11 +32,11 @@ class AQ_API HistoryWords {
   /// The word of the reference time type as in the file; empty if there was none.
   [[nodiscard]] const std::string& reference() const { return reference_.text; }
 
-  /// The member with that word, in any case; nothing for an unknown word.
+  /// The member with that word, ignoring case; nothing for an unknown word.
   [[nodiscard]] std::optional<AQ_RefTimeType> referenceType() const;
 
-  /// Sets the reference time type, if known, of a history that was read meanwhile. Returns the
-  /// unknown words in the order of their lines.
+  /// Sets the reference time type, if known, of the history that was read with this header. Returns
+  /// the unknown words in the order of their lines.
   std::vector<Other> takeInto(AQ_SpectralTimeHistory& history) const;
 
  private:

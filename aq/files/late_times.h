@@ -5,12 +5,14 @@
 #include "aq/geometry/position_time_history.h"
 #include "aq/spectral/spectral_time_history.h"
 
-// The text of a time of day has seven digits in all and drops a fraction that needs more, which
-// hosts rely on: 12:34:56.996 becomes 12:34:56, nearly a second early. Before writing a model,
-// replace such times by the second that they round to; other times stay unchanged.
+// The text of a time of day has seven significant digits and drops a fraction that they round up to
+// a second, which hosts rely on: 12:34:56.996 becomes 12:34:56, nearly a second early. Call these
+// functions before writing a model: they round such times up to the second and leave others
+// unchanged.
 namespace aq {
 
-/// Whether any time that a file of the model has is late in its second; an empty object has none.
+/// Whether any time that a file of the model would have is this late in its second; null objects
+/// have no times.
 [[nodiscard]] AQ_API bool hasLateTimes(const AQ_PositionTimeHistory& positions);
 [[nodiscard]] AQ_API bool hasLateTimes(const AQ_GeometryTimeHistory& geometry);
 [[nodiscard]] AQ_API bool hasLateTimes(AQ_SpectralTimeHistory& history);
@@ -22,7 +24,7 @@ AQ_API bool roundLateTime(AQ_Time& time);
 /// change there too.
 AQ_API bool roundLateTimes(const AQ_PositionTimeHistory& positions);
 AQ_API bool roundLateTimes(const AQ_GeometryTimeHistory& geometry);
-/// Rounds start and reference time too.
+/// Also rounds the start and the reference time.
 AQ_API bool roundLateTimes(AQ_SpectralTimeHistory& history);
 
 }  // namespace aq

@@ -13,7 +13,7 @@ namespace aq {
 struct LevelColumns {
   std::int16_t low = 0;
   std::int16_t high = 0;
-  // A buffer that all lines share.
+  // Buffers that all lines share.
   std::vector<LevelCode> codes = {};
   std::vector<double> levels = {};
 

@@ -37,7 +37,7 @@ struct RecordingTrace {
 /// Whether the data are one-third octaves already.
 [[nodiscard]] bool isOctaves(const sdf::TraceSet& set);
 
-/// What limits the use of the data, one line each: weighting, overload, not valid, correction.
+/// What limits the use of the data, one line each: weighting, overload, data not valid, correction.
 [[nodiscard]] std::vector<std::string> marksOf(const RecordingTrace& trace);
 
 /// What users of the levels need to know, one line each: channel, unit, calibration and marks.
