@@ -12,7 +12,7 @@
 namespace aq {
 namespace {
 
-// Three keywords differ from the fields that they carry: hosts rely on it.
+// Three keywords differ from the names of their fields: hosts rely on it.
 template <class Lines>
 void header(Lines& lines, AQ_HeaderGTH& header) {
   AQ_Position& microphone = orThrow(header.MicrophonePosition);

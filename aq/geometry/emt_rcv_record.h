@@ -10,7 +10,7 @@
 namespace aq {
 
 /// One pair of emission and reception: where the aircraft was when it emitted the sound that the
-/// microphone received later. Numbers start at 0.
+/// microphone received later. Numbers are 0 until set.
 class AQ_EmtRcvRecord {
  public:
   double SR = 0;     ///< slant range, m

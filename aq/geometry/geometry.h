@@ -12,8 +12,8 @@ namespace aq {
 
 /// The emission geometry of one measured record: when its sound was emitted, where the source was
 /// then, and how the sound reached the microphone. `emissionGeometry` computes metres, degrees and
-/// seconds; another program's points may have another length unit, and nothing is converted. All
-/// numbers start at 0.
+/// seconds; another program's points may have another length unit, and nothing is converted.
+/// Numbers are 0 until set.
 class AQ_API AQ_Geometry {
  public:
   double SRe = 0;     ///< slant range at emission, m
@@ -22,8 +22,8 @@ class AQ_API AQ_Geometry {
   double Tprope = 0;  ///< from emission to measurement, s
   double debugTime = 0;  ///< s, free for diagnostics; written, but neither read back nor copied
 
-  /// A deep copy, without `debugTime`: hosts rely on it. Creates the position and times of this
-  /// point if it has none.
+  /// A deep copy, without `debugTime`: hosts rely on it. Creates this point's position and times if
+  /// they are missing.
   [[nodiscard]] std::shared_ptr<AQ_Geometry> Copy();
 
   /// The source's position at emission. Created on first read; setting shares the caller's object.

@@ -17,8 +17,7 @@ namespace aq {
 /// Points are shared with the caller, not copied.
 class AQ_API AQ_GeometryTimeHistory {
  public:
-  /// A deep copy of points 1 to `Count` only. Throws `InvalidArgument` if one of
-  /// them is missing.
+  /// A deep copy of points 1 to `Count` only. Throws `InvalidArgument` if one of them is missing.
   [[nodiscard]] std::shared_ptr<AQ_GeometryTimeHistory> Copy() const;
 
   [[nodiscard]] AQ_RefTimeType ReferenceType() const { return referenceType_; }

@@ -11,7 +11,8 @@
 namespace aq {
 
 /// The header of a geometric time history file. It names the three files that the geometry was
-/// computed from; their dates are as read; the writer asks the file information service.
+/// computed from; their dates are as read, and the writer gets them from the file information
+/// service.
 class AQ_HeaderGTH {
  public:
   std::string FileType;
@@ -21,7 +22,7 @@ class AQ_HeaderGTH {
   std::string GeneratedBy;
   std::string MicrophoneID;
   std::shared_ptr<AQ_Position> MicrophonePosition = std::make_shared<AQ_Position>();
-  float Temperature = 0;  ///< of the air, degrees Celsius, or the unit of its file
+  float Temperature = 0;  ///< of the air, in degrees Celsius or the unit of its file
   std::string STHFileName;
   std::string STHFileDateTime;
   std::string PTHFileName;

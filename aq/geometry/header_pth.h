@@ -18,7 +18,7 @@ class AQ_HeaderPTH {
   std::string sProjectName;
   std::string sGeneratedBy;
   std::string sTSPIFileName;      ///< the tracking file that the positions were made from
-  std::string sTSPIFileDateTime;  ///< as read; the writer asks the file information service
+  std::string sTSPIFileDateTime;  ///< as read; the writer gets it from the file information service
   std::int32_t lNumberRecords = 0;
   std::int16_t nOtherRecords = 0;  ///< as read; the writer counts `cOtherRecords`
   std::shared_ptr<Collection<std::string>> cOtherRecords =

@@ -9,7 +9,7 @@
 namespace aq {
 
 /// One sample of a source's position: a time of day and three Cartesian coordinates in metres, or
-/// in the length unit of its file: nothing is converted. All start at 0.
+/// in the length unit of its file: nothing is converted. All are 0 until set.
 class AQ_API AQ_Position {
  public:
   /// A deep copy.
@@ -27,7 +27,7 @@ class AQ_API AQ_Position {
   void Y(double y) { y_ = y; }
   void Z(double z) { z_ = z; }
 
-  /// The time by value; creates no object.
+  /// The time; does not create its object.
   [[nodiscard]] LazyTime& lazyTime() { return time_; }
   [[nodiscard]] const LazyTime& lazyTime() const { return time_; }
 

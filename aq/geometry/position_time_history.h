@@ -60,7 +60,7 @@ class AQ_API AQ_PositionTimeHistory {
     positions_.store(nRecord, std::move(aqPosition));
   }
 
-  /// The stored sample nearest in time of day, the later of two equally near; no object when no two
+  /// The stored sample nearest in time of day, the later of two equally near; no object if no two
   /// neighbours enclose the time. Neither interpolates nor extrapolates. Throws `Overflow` above
   /// 32767 samples.
   [[nodiscard]] std::shared_ptr<AQ_Position> PositionAt(const AQ_Time& aqTime) const;

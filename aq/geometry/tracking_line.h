@@ -12,7 +12,7 @@ namespace aq {
 /// One data line of a tracking file.
 struct TrackingLine {
   std::shared_ptr<AQ_Position> position;
-  std::uint8_t quality;  ///< the RT20 figure, 0 best
+  std::uint8_t quality;  ///< the RT20 figure; 0 is the best
 };
 
 /// How many lines a tracking file has before its data.
