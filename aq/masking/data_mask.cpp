@@ -75,8 +75,8 @@ std::size_t bandCount(const AQ_HeaderMask& header) {
   return static_cast<std::size_t>(std::max(count, 0));
 }
 
-/// Uses the bands of the header, which may differ from those of the written row. `codes` is a
-/// buffer that all rows share.
+/// Uses the bands of the header, which may differ from those that the row had when written. `codes`
+/// is a buffer that all rows share.
 void readRow(FieldReader fields, const AQ_HeaderMask& header, std::vector<MaskCode>& codes,
              std::shared_ptr<AQ_MaskRow> row, AQ_MaskMap& map) {
   const std::int16_t record = fields.int16("a record number");

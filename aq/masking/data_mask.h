@@ -19,9 +19,9 @@ class AQ_API AQ_DataMask : public FileClass {
   static constexpr std::string_view kTitle = "Masking Map";
 
   /// Writes a map, replacing the file. The header gets the file's name, the number of rows and the
-  /// band range, which row 1 decides. Throws, and writes nothing, when rows are not numbered from 1
-  /// without gaps or row 1 has a band without a label (`InvalidArgument`), or when an object is
-  /// missing (`ObjectNotSet`).
+  /// band range of row 1. Throws, and writes nothing, when rows are not numbered from 1 without
+  /// gaps or row 1 has a band without a label (`InvalidArgument`), or when an object is missing
+  /// (`ObjectNotSet`).
   AQ_DataMessage writeFile(const std::string& sFileName,
                            const std::shared_ptr<AQ_HeaderMask>& aqHeader,
                            const AQ_MaskMap& aqMaskMap);

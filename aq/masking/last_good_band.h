@@ -7,9 +7,9 @@
 
 namespace aq {
 
-/// The highest band below the first masked one, from band 29 up: 9999 when bands 28 and 29 are both
-/// masked, 0 when no band from 29 to the row's highest is masked. Creates a default mask in each
-/// band that it examines and the row lacks.
+/// The band below the first masked one from band 29 up: 9999 when bands 28 and 29 are both masked,
+/// 0 when no band from 29 to the row's highest is masked. Creates a default mask in each band that
+/// it examines and the row lacks.
 [[nodiscard]] AQ_API std::int16_t lastGoodBand(AQ_MaskRow& row);
 
 /// The same, but leaves the row unchanged: a missing band counts as not masked.

@@ -77,7 +77,7 @@ AQ_Mask maskOf(MaskCode code) {
 
 namespace {
 
-/// Takes one column; returns 0 if it has the form of one.
+/// Takes the code of one column; returns 0 only if the column has two known letters and a comma.
 unsigned takeMask(const char* at, MaskCode& code) {
   const unsigned sum = kModeCodes[static_cast<unsigned char>(at[0])] +
                        kAdjustmentCodes[static_cast<unsigned char>(at[1])];

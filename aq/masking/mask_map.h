@@ -21,7 +21,7 @@ class AQ_API AQ_MaskMap {
   [[nodiscard]] std::shared_ptr<AQ_MaskRow> Row(std::int16_t nRecord) const {
     return rows_.at(nRecord);
   }
-  /// As the getter, but does not share the row.
+  /// Like the getter, but does not share the row.
   [[nodiscard]] const std::shared_ptr<AQ_MaskRow>& heldRow(std::int16_t nRecord) const {
     return rows_.at(nRecord);
   }

@@ -53,7 +53,8 @@ class AQ_API AQ_MaskRow {
   [[nodiscard]] NumberWalk<AQ_MaskRow> end() const { return {this, afterLast(), afterLast()}; }
   [[nodiscard]] bool contains(std::int32_t band) const;
 
-  /// The decision for a band by value; unlike the getter, creates no object.
+  /// The mask of a band by value. Like the getter, creates a default mask if the band has none, but
+  /// no object.
   [[nodiscard]] AQ_Mask decision(std::int16_t band);
 
   /// Like the setter with a new mask of these values.
@@ -62,8 +63,8 @@ class AQ_API AQ_MaskRow {
   /// Replaces all masks by those of `codes`, for consecutive bands from `low` up.
   void assign(std::int16_t low, std::span<const MaskCode> codes);
 
-  /// The codes of the masks from `LowBand` to `HighBand`, created like the getter does; empty if
-  /// one has no code or its object was handed out.
+  /// The codes of the masks from `LowBand` to `HighBand`; like the getter, creates those that are
+  /// missing. Empty if a mask has no code or its object was handed out.
   [[nodiscard]] std::span<const MaskCode> fetchedCodes();
 
  private:
