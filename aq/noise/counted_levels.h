@@ -31,8 +31,8 @@ class CountedLevels {
 
   /// Whether every level has a code.
   [[nodiscard]] bool isCoded() const { return !codes_.empty(); }
-  /// The codes of the bands from `first`, which is `low` or above it, to `last` at most;
-  /// `kInvalidCode` for a level that does not count. Only when `isCoded`.
+  /// The codes of the bands from `first` up to `last` or the last level; `kInvalidCode` for a level
+  /// that does not count. Requires `isCoded` and a `first` of `low` or more.
   [[nodiscard]] std::span<const LevelCode> codes(std::int32_t first, std::int32_t last) const {
     const std::int32_t bands = std::min(last + 1, end()) - first;
     return bands > 0 ? codes_.subspan(at(first), static_cast<std::size_t>(bands))

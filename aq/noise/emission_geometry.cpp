@@ -34,7 +34,7 @@ double angleAbout(const Vector3& direction, const Vector3& line) {
   return std::atan2(dot(line, left), dot(line, below)) * kDegrees;
 }
 
-/// The time of day of `seconds`, possibly on another day than the record's `received`.
+/// The time at `seconds` of the path, possibly on another day than the record at `received`.
 std::shared_ptr<AQ_Time> emissionTime(const AQ_Time& recorded, double received, double seconds) {
   auto time = std::make_shared<AQ_Time>();
   const double day = std::floor(seconds / kSecondsPerDay);

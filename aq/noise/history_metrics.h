@@ -47,12 +47,12 @@ struct HistoryMetrics {
 /// The event of a history.
 struct HistoryEvent {
   std::size_t records = 0;
-  std::int16_t firstRecord = 0;     ///< where the indices of the event count from
+  std::int16_t firstRecord = 0;     ///< the record that has index 0 in the event
   std::optional<NoiseEvent> event;  ///< empty if no record has a PNLT
 };
 
-/// Only the event, as from `historyMetrics` but in less time, since records that cannot belong to
-/// the event get no tone correction. Throws as `setMetrics`.
+/// Only the event, the same as from `historyMetrics` but in less time, since records that cannot
+/// belong to the event get no tone correction. Throws as `setMetrics`.
 [[nodiscard]] AQ_API HistoryEvent historyEvent(const AQ_SpectralTimeHistory& history,
                                                const AQ_MaskMap* map = nullptr);
 

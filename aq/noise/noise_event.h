@@ -10,8 +10,8 @@
 namespace aq {
 
 /// The noise of one aircraft passing by: its largest tone-corrected perceived noise level (PNLT),
-/// the records that count, and the effective perceived noise level (EPNL). Records are indices from
-/// 0.
+/// the records that count, and the effective perceived noise level (EPNL). Records are given by
+/// their indices from 0.
 struct NoiseEvent {
   std::size_t maximum = 0;  ///< the first record of the largest PNLT
   /// The 10 dB-down limits, both part of the sum. Empty where the records begin or end above the

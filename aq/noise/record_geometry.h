@@ -8,9 +8,10 @@
 
 namespace aq {
 
-/// The points of the records of a range, numbered from 1. They are found by their times, to 6 ms,
-/// since a geometry need not begin with record 1, and follow each other. Points are shared with the
-/// geometry. Throws `InvalidArgument` when there is no record, and at one without a point.
+/// The points of the records in a range, numbered from 1. Finds the first one by its time, since a
+/// geometry need not begin with record 1; the others must follow it in order, at the times of their
+/// records. Times may differ by 6 ms. Points are shared with the geometry. Throws `InvalidArgument`
+/// if there is no record, or one has no point.
 [[nodiscard]] AQ_API std::shared_ptr<AQ_GeometryTimeHistory> geometryOf(
     AQ_GeometryTimeHistory& geometry, const AQ_SpectralTimeHistory& history,
     const RecordRange& range);

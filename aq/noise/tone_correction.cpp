@@ -34,7 +34,7 @@ std::int32_t bandAt(std::size_t place) { return kFirstToneBand + static_cast<std
 
 using Counts = std::array<std::size_t, kLanes>;
 
-/// The levels by band and record, as many of each record as it counts.
+/// The levels by band and record, as many of each record as `counts` says.
 std::array<std::array<double, kLanes>, kToneBands> levelsOf(
     const std::array<CountedLevels, kLanes>& records, const Counts& counts) {
   std::array<std::array<double, kLanes>, kToneBands> levels{};
@@ -62,7 +62,7 @@ Tones tonesOf(const std::array<CountedLevels, kLanes>& records) {
   for (std::size_t i = 0; i < kToneBands; ++i) procedure.level[i] = lanesAt(levels[i].data());
   Tones tones;
   for (std::size_t r = 0; r < kLanes; ++r) {
-    if (r == 0 || counts[r] != counts[r - 1]) procedure.run(counts[r]);  // alike as a rule
+    if (r == 0 || counts[r] != counts[r - 1]) procedure.run(counts[r]);  // usually equal
     tones.corrections[r] = laneOf(procedure.largest, r);
     tones.bands[r] = laneOf(procedure.largestBand, r);
   }

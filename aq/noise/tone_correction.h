@@ -18,7 +18,7 @@ struct ToneStep {
   std::optional<double> slope;  ///< level minus that of the band below, dB
   bool slopeMarked = false;     ///< the slope differs by more than 5 dB from that of the band below
   bool levelMarked = false;     ///< the level is removed to find the background
-  std::optional<double> adjusted;       ///< the level, or the replacement of a marked one, dB
+  std::optional<double> adjusted;       ///< the level, or the replacement for a marked one, dB
   std::optional<double> adjustedSlope;  ///< slope of the adjusted levels, dB
   std::optional<double>
       meanSlope;  ///< mean of three adjusted slopes, this band's and the next two, dB

@@ -22,13 +22,13 @@ class ToneProcedure {
 
   Column level{};  ///< to be filled by the caller
 
-  /// Takes each step for the first `count` levels.
+  /// Runs every step for the first `count` levels.
   void run(std::size_t count);
 
   Column slope{};          ///< NaN at place 0 and above the last band
   Column isTakenOut{};     ///< 1 for a level that is taken out, otherwise 0
   Column adjusted{};       ///< the level, or the replacement for one that is taken out
-  Column adjustedSlope{};  ///< continues by one band at both ends
+  Column adjustedSlope{};  ///< extends one band beyond both ends
   Column meanSlope{};      ///< none at the last band
   Column background{};
   Column difference{};
@@ -36,7 +36,7 @@ class ToneProcedure {
   Number largest{};      ///< of the corrections
   Number largestBand{};  ///< the lowest band with that correction; 0 when it is 0
 
-  /// The slope less that of the band below.
+  /// The slope minus that of the band below.
   [[nodiscard]] Number slopeChange(std::size_t place) const {
     return slope[place] - slope[place - 1];
   }

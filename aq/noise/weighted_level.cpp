@@ -72,8 +72,8 @@ std::optional<double> valueOf(double level) {
 
 double energyOf(double level) { return powerOfTen(0.1 * level); }
 
-/// Calls `add` with each band of the record that has a level that counts and 10^(0.1 L), infinite
-/// for levels of thousands of decibels.
+/// Calls `add` with each band of the record whose level L counts, and with 10^(0.1 L), which is
+/// infinite for levels of thousands of decibels.
 template <class Add>
 void forEachEnergy(const CountedLevels& record, const Add& add) {
   static const LevelTable table(&energyOf);
