@@ -30,8 +30,8 @@ inline constexpr std::int16_t kUnknownCode = -99;
 /// The word for `number`; empty if there is none.
 [[nodiscard]] AQ_API std::string_view wordOf(const Codes& codes, std::int32_t number);
 
-/// The number of a word, in any case, with blanks or underscores between its parts; `kUnknownCode`
-/// if there is none.
+/// The number of a word, ignoring case, with blanks or underscores between its parts;
+/// `kUnknownCode` if there is none.
 [[nodiscard]] std::int16_t numberOf(const Codes& codes, std::string_view word);
 
 /// How a field is stored. Numbers are big-endian; a text ends at its first NUL, if it has one.

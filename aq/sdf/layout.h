@@ -59,10 +59,10 @@ struct AnyLayout {
   std::span<const Field> fields;
 };
 
-/// The layout of records of that type; that of `Unique` for all of the instrument's own.
+/// The layout of records of that type; for all types of the instrument's own, that of `Unique`.
 [[nodiscard]] AQ_API const AnyLayout& layoutOf(RecordType type);
 
-/// As above, by the name in the instrument's text; nothing for any other text.
+/// The layout with that name in the instrument's text; `nullptr` if there is none.
 [[nodiscard]] const AnyLayout* layoutNamed(std::string_view name);
 
 /// The parts of a unit or window field. Their bytes count from its start.

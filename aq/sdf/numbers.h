@@ -59,7 +59,7 @@ struct Numbers {
   const char* at = nullptr;
   std::size_t count = 0;
   NumberType type = NumberType::Double;
-  std::size_t step = 1;  ///< numbers from one that is used to the next
+  std::size_t step = 1;  ///< every `step`-th number is used
 
   [[nodiscard]] double operator[](std::size_t place) const {
     double number = 0;
@@ -98,8 +98,8 @@ struct Numbers {
   return number < 0 ? -most : most;
 }
 
-// Counts in a file may have any value: a product above 64 bits becomes the largest number, which
-// exceeds any file.
+// Counts in a file may have any value: a product or sum above 64 bits becomes the largest number,
+// which exceeds any file.
 [[nodiscard]] constexpr std::uint64_t times(std::uint64_t a, std::uint64_t b) {
   constexpr std::uint64_t kMost = std::numeric_limits<std::uint64_t>::max();
   return a != 0 && b > kMost / a ? kMost : a * b;

@@ -46,10 +46,10 @@ class AQ_API Record {
   // Array elements count from 0.
   [[nodiscard]] std::int32_t integer(const Field& field, std::size_t element = 0) const;
   [[nodiscard]] double real(const Field& field, std::size_t element = 0) const;
-  /// Up to its first NUL.
+  /// The text up to its first NUL.
   [[nodiscard]] std::string_view text(const Field& field) const;
   [[nodiscard]] UnitOfValues unit(const Field& field) const;
-  /// The part of a unit or a window, as a separate record.
+  /// A unit or a window field, as a separate record.
   [[nodiscard]] Record part(const Field& field) const;
 
   /// An integer that may not be negative.

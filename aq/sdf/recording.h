@@ -73,8 +73,8 @@ class AQ_API Recording {
  public:
   using TextTraces = std::map<std::tuple<std::size_t, std::size_t, std::size_t>, TextTrace>;
 
-  /// Reads a binary file. Throws `ReadFailure` if it contradicts itself or its size, before
-  /// allocating any memory that it claims to need, and `platform::SystemError`.
+  /// Reads a binary file. Throws `platform::SystemError`, and `ReadFailure` if the file contradicts
+  /// itself or its size, before allocating any memory that it claims to need.
   static Recording fromFile(const std::string& path);
 
   explicit Recording(RecordList records);
@@ -97,13 +97,13 @@ class AQ_API Recording {
   /// The values of a trace; complex data alternates real and imaginary parts.
   [[nodiscard]] Numbers y(const TraceSet& set, std::size_t trace, std::size_t scan) const;
 
-  /// The x values of its first `points` points.
+  /// The x values of the first `points` points of a trace.
   [[nodiscard]] std::vector<double> x(const TraceSet& set, std::size_t trace, std::size_t scan,
                                       std::size_t points) const;
 
   /// The scan variable of a set: a time if there is one, otherwise the first variable.
   [[nodiscard]] std::optional<ScanVariable> scanVariable(const TraceSet& set) const;
-  /// Its value, in its own unit. Nothing if a text gives none.
+  /// The value of a scan variable, in its own unit; nothing if a text gives none.
   [[nodiscard]] std::optional<double> scanValue(const ScanVariable& variable, const TraceSet& set,
                                                 std::size_t trace, std::size_t scan) const;
 

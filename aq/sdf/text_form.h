@@ -27,7 +27,7 @@ inline constexpr std::string_view kRecordSize = "recordSize";
 /// The number that a text represents, including one that is not finite. Throws as `doubleFrom`.
 [[nodiscard]] double storedFrom(std::string_view text);
 
-/// The text of a value from `quoted`, or of one without quotes.
+/// The text that `quoted` turned into `value`; also accepts a value without quotes.
 [[nodiscard]] std::string unquoted(std::string_view value);
 
 }  // namespace aq::sdf::form

@@ -46,7 +46,7 @@ bool isSeparator(std::string_view line) {
          line.find_first_not_of(line[0]) == line.npos;
 }
 
-/// The numbers of a line that holds only numbers; empty if there is any other word.
+/// Takes the numbers of a line; false if it has any other word.
 bool numbersOf(std::string_view line, std::vector<double>& numbers) {
   numbers.clear();
   for (;;) {
@@ -184,7 +184,7 @@ std::string stored(std::span<const double> numbers, std::size_t before, NumberTy
   std::string bytes((before + numbers.size()) * sizeof(double), '\0');
   char* at = bytes.data() + before * sizeof(double);
   for (const double number : numbers) {
-    // A text may have the digits of a double.
+    // A text may give a float with the digits of a double.
     putNumber(at, type == NumberType::Float ? static_cast<double>(floatOf(number)) : number);
     at += sizeof(double);
   }
@@ -259,7 +259,7 @@ class Assignment {
     return all;
   }
 
-  /// All traces in file order.
+  /// Assigns values to all traces in file order.
   void addAll(const Values& values) {
     std::size_t at = 0;
     const auto addScan = [&](const TraceSet& set, std::size_t scan) {
