@@ -35,7 +35,7 @@ class AQ_API BandLevels {
 
   void store(std::int16_t band, const Variant& level);
 
-  /// Replaces all levels by one block of doubles, from band `low` up.
+  /// Replaces all levels with one block of doubles, from band `low` up.
   void assign(std::int16_t low, std::span<const double> levels);
   void assign(std::int16_t low, std::span<const LevelCode> codes);
 

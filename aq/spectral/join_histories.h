@@ -11,15 +11,15 @@ namespace aq {
 /// How many records are missing between the last one of `before` and the first one of `after`, by
 /// their stamps, also across midnight. Throws `InvalidArgument` unless they are two pieces of one
 /// measurement: the same bands, averaging, stamp type, record length and reference, records in
-/// both, no overlap, and a gap of a whole number of records; `Overflow` for one of more
-/// than 32767.
+/// both, no overlap, and a gap of a whole number of records; `Overflow` for a gap of more than
+/// 32767 records.
 [[nodiscard]] AQ_API std::int32_t recordsMissing(AQ_SpectralTimeHistory& before,
                                                  AQ_SpectralTimeHistory& after);
 
 /// Joins two pieces of one measurement: records are numbered on from `before`; stamps and relative
-/// times do not change. `fill` fills a gap with records of 9999, not valid. Spectra are shared with
-/// the pieces. Throws as `recordsMissing`, `InvalidArgument` for a gap without `fill`, and
-/// `Overflow` if record numbers exceed 16 bits.
+/// times do not change. `fill` fills a gap with records whose levels are 9999, not valid. Spectra
+/// are shared with the pieces. Throws as `recordsMissing`, `InvalidArgument` for a gap without
+/// `fill`, and `Overflow` if record numbers exceed 16 bits.
 [[nodiscard]] AQ_API std::shared_ptr<AQ_SpectralTimeHistory> joinHistories(
     AQ_SpectralTimeHistory& before, AQ_SpectralTimeHistory& after, bool fill);
 

@@ -74,7 +74,7 @@ class AQ_API AQ_Metric {
  private:
   [[nodiscard]] float single(AQ_METRIC_TYPE metric) const { return MetricValue(metric).toSingle(); }
 
-  // Every record has metrics, so they need no allocation: by type from `AQ_METRIC_CWT` up.
+  // By type from `AQ_METRIC_CWT` up; stored in place, since every record has metrics.
   static constexpr std::size_t kSingles = AQ_METRIC_LGB - AQ_METRIC_CWT + 1;
   using Others = std::vector<std::pair<AQ_METRIC_TYPE, Variant>>;
 

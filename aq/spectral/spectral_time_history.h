@@ -60,9 +60,9 @@ class AQ_API AQ_SpectralTimeHistory {
 
   /// Stamps every record: record i at i x 0.5 s after the start time less 0.5 (`AQ_START`), 0.25
   /// (`AQ_MIDPT`), 0 (`AQ_END`), 0.75 (`AQ_ICAOSLO`) or 1 s (`AQ_OLDSLO`), that difference in
-  /// single precision; then each relative to `RefTime`. Copies the two times. Throws
-  /// `InvalidArgument` at the first record of the range without a spectrum; those before it are
-  /// stamped.
+  /// single precision; then sets each record's time relative to `RefTime`. Copies the two times.
+  /// Throws `InvalidArgument` at the first record of the range without a spectrum; those before it
+  /// are stamped.
   void setTimeStamps(const AQ_Time& startTime, AQ_TimeStampType StartTimeType,
                      const AQ_Time& RefTime, AQ_RefTimeType RefType);
 
@@ -77,8 +77,8 @@ class AQ_API AQ_SpectralTimeHistory {
   std::shared_ptr<AQ_Time> ReferenceTime() { return orCreate(referenceTime_); }
   void ReferenceTime(std::shared_ptr<AQ_Time> time) { referenceTime_ = std::move(time); }
 
-  /// A deep copy of the records from `LoRec` to `HiRec`. Copies date and time of day of the two
-  /// times. Throws `InvalidArgument` for a missing spectrum or level.
+  /// A deep copy of the records from `LoRec` to `HiRec`. Of the start and the reference time,
+  /// copies only date and time of day. Throws `InvalidArgument` for a missing spectrum or level.
   [[nodiscard]] std::shared_ptr<AQ_SpectralTimeHistory> Copy();
 
   /// The levels of one band over all records; no object if the history is empty, or if a record of
@@ -109,7 +109,7 @@ class AQ_API AQ_SpectralTimeHistory {
   void Metrics(std::shared_ptr<AQ_MetricSummary> metrics) { metrics_ = std::move(metrics); }
 
   /// The highest and lowest record number ever stored; -1 and 9999 if there is none. Reading a 0
-  /// sets it to `Count` and to 1.
+  /// first sets `HiRec` to `Count`, or `LoRec` to 1.
   std::int16_t HiRec();
   std::int16_t LoRec();
   void LoRec(std::int16_t nRecord) { records_.low = nRecord; }

@@ -25,7 +25,7 @@ namespace aq {
 class AQ_API AQ_Spectrum {
  public:
   /// A deep copy. Throws `InvalidArgument` if a band between the lowest and the highest has no
-  /// level; creates this spectrum's metrics even then.
+  /// level.
   [[nodiscard]] std::shared_ptr<AQ_Spectrum> Copy();
 
   /// The level of a band in dB. Reading throws `InvalidArgument` if it has none.
@@ -42,7 +42,7 @@ class AQ_API AQ_Spectrum {
     return bands_.encompasses(spectrum);
   }
 
-  /// An overall level, dB; 0 at first.
+  /// An overall level, dB; initially 0.
   [[nodiscard]] double Level() const { return extras_ ? extras_->level : 0; }
   void Level(double level) { extras_.orCreate().level = level; }
 
@@ -86,7 +86,7 @@ class AQ_API AQ_Spectrum {
   [[nodiscard]] std::span<const LevelCode> levelCodes() const;
   [[nodiscard]] std::span<const double> levelDoubles() const;
 
-  /// As `levelDoubles`, but numbers of other types count too.
+  /// Like `levelDoubles`, but also for numbers of other types, converted.
   [[nodiscard]] std::span<const double> levelNumbers() const;
 
  private:
@@ -106,7 +106,7 @@ class AQ_API AQ_Spectrum {
   // Ordered by size, and with the padding of the time in use, as there are many spectra.
   BandLevels levels_;
   [[no_unique_address]] LazyTime time_;
-  bool copied_ = false;  // metrics created later are a copy of metrics without values
+  bool copied_ = false;  // metrics created later have every metric set, to 0
   NumberRange bands_;
   LazyPart<Extras> extras_;  // unused in most files
 };
