@@ -18,8 +18,7 @@ namespace {
 
 constexpr std::size_t kFieldsAtOnce = 64;
 constexpr std::size_t kScanned = 64;
-constexpr std::size_t kLongestText =
-    kFieldsAtOnce * (kLevelColumns + 1);  // enough for fields with levels
+constexpr std::size_t kLongestText = kFieldsAtOnce * (kLevelColumns + 1);  // fits levels
 
 /// Where each field ends, from the start of the first.
 using FieldEnds = std::array<std::uint16_t, kFieldsAtOnce + kScanned>;
