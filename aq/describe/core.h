@@ -23,7 +23,7 @@ struct Description<AQ_Time> {
               "A new time with the same values; a time of day above 86400 s is wrapped into the "
               "next day")
         .property("RelSeconds", &T::RelSeconds, &T::RelSeconds,
-                  "The time relative to a reference time, in single precision", kSeconds)
+                  "The time relative to a reference time", kSeconds)
         .setter("setRelTime", &T::setRelTime,
                 "Sets RelSeconds to the time since a reference, including the days in between; "
                 "raises if these exceed 32 bits of seconds",
@@ -49,7 +49,7 @@ struct Description<AQ_Time> {
   }
 };
 
-/// A value of a collection, which is a number in some.
+/// A value of a collection; in some collections it is a number.
 template <class T>
 constexpr auto valueOf(const char* text) {
   if constexpr (isNumber<T>) {
@@ -78,7 +78,8 @@ struct Description<Collection<T>> {
         .keyed("Remove", static_cast<void (L::*)(std::int32_t)>(&L::Remove),
                static_cast<void (L::*)(std::string_view)>(&L::Remove),
                "Removes the entry at an index or with a key; raises if there is none")
-        .method("contains", &L::contains, "Whether an entry has a key", in("key", "The key"));
+        .method("contains", &L::contains, "Whether there is an entry with this key",
+                in("key", "The key"));
   }
 };
 

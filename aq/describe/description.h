@@ -57,7 +57,7 @@ inline constexpr Quantity kOfTheMetric{"dB, PNdB, TPNdB, band or flags"};
 /// The description of a member or parameter, besides its type.
 struct About {
   std::string_view text;   ///< a sentence without its full stop
-  Quantity quantity = {};  ///< without a unit unless it is a number
+  Quantity quantity = {};  ///< has a unit only if it is a number
   bool isDate = false;
   bool isFileName = false;
   std::string_view key = {};
@@ -71,7 +71,7 @@ struct About {
   constexpr void add(Key given) { key = given.word; }
 };
 
-/// A description whose type tells whether it has a unit.
+/// A description whose type shows whether it has a unit.
 template <class... Parts>
 struct Told : About {};
 

@@ -140,7 +140,7 @@ template <>
 struct Description<AQ_METRIC_INTEG_VALUE> {
   static constexpr char name[] = "AQ_METRIC_INTEG_VALUE";
   static constexpr char text[] =
-      "Which part a record plays in the integration of a metric; flags that combine";
+      "The role of a record in the integration of a metric; flags that can be combined";
   template <class To>
   static void members(To& to) {
     to.member("AQ_INTEG_MAX", AQ_INTEG_MAX, "The record has the largest PNLT")
@@ -167,7 +167,7 @@ struct Description<AQ_METRIC_TYPE> {
         .member("AQ_METRIC_TONEBND", AQ_METRIC_TONEBND, "The band that caused the tone correction")
         .member("AQ_METRIC_LGB", AQ_METRIC_LGB, "The last good band")
         .member("AQ_METRIC_INTEG", AQ_METRIC_INTEG,
-                "The part of the record in the EPNL integration, flags");
+                "The role of the record in the EPNL integration, flags");
   }
 };
 
@@ -178,14 +178,14 @@ struct Description<ErrorCode> {
   template <class To>
   static void members(To& to) {
     to.member("InvalidArgument", ErrorCode::InvalidArgument,
-              "No entry with that key or number, no such label, or text of another form")
+              "No such entry or label, text of the wrong form, or unfit arguments")
         .member("InvalidIndex", ErrorCode::InvalidIndex, "No entry at that index")
         .member("InvalidValue", ErrorCode::InvalidValue,
-                "A value that has no text form, such as a time of day of 90,000 s")
+                "A value that is not allowed, or a time of day without a text form")
         .member("TypeMismatch", ErrorCode::TypeMismatch,
                 "A value that does not convert to the requested type")
         .member("Overflow", ErrorCode::Overflow, "A value outside the range of the requested type")
-        .member("ObjectNotSet", ErrorCode::ObjectNotSet, "An object is required and missing")
+        .member("ObjectNotSet", ErrorCode::ObjectNotSet, "A required object is missing")
         .member("MemberNotSupported", ErrorCode::MemberNotSupported,
                 "The object has no such member");
   }

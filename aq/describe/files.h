@@ -66,8 +66,8 @@ struct Description<AQ_DataSTH> {
         .method("readFile", &F::readFile, kReads, kPath, kHeaderOut,
                 in("STH", "Receives a new history"))
         .method("getRawHeader", &F::getRawHeader,
-                "The header's lines, unchanged, up to the column headings; false if they cannot be "
-                "read",
+                "Reads the header's lines, unchanged, up to the column headings; returns false if "
+                "they cannot be read",
                 kPath, in("colHeader", "Receives the lines"))
         .lastFailure();
   }
@@ -167,7 +167,8 @@ struct Description<AQ_DataSSR> {
     to.method("writeFile", &F::writeFile, kWrites, kPath, kHeaderIn,
               in("spectrum", "The spectrum, which has a level in every band of its range"))
         .method("readFile", static_cast<Reads>(&F::readFile), kReads, kPath,
-                in("specNew", "Gets a new spectrum"), optionally("ssrHeader", "Gets a new header"))
+                in("specNew", "Receives a new spectrum"),
+                optionally("ssrHeader", "Receives a new header"))
         .lastFailure();
   }
 };
@@ -180,7 +181,7 @@ struct Description<AQ_DataSPC> {
   template <class To>
   static void members(To& to) {
     using F = AQ_DataSPC;
-    to.method("setHeader", &F::setHeader, "The header of the next file",
+    to.method("setHeader", &F::setHeader, "Sets the header for writes",
               in("aqHeader", "The header; without one, the texts of a file are empty"))
         .property("RecordLength", &F::RecordLength, &F::RecordLength,
                   "Time from one record to the next, initially 0.5; a read stores the file's. "
@@ -210,7 +211,8 @@ template <>
 struct Description<AQ_DataASCII> {
   static constexpr char name[] = "AQ_DataASCII";
   static constexpr int number = 78;
-  static constexpr char text[] = "Any delimited text file as lines or as lines of fields";
+  static constexpr char text[] =
+      "Reads and writes any delimited text file as lines or as lines of fields";
   template <class To>
   static void members(To& to) {
     using F = AQ_DataASCII;
@@ -245,11 +247,10 @@ struct Description<AQ_DataINI> {
               "Writes the parameters that are set, replacing the file; raises for a number that is "
               "not finite",
               kPath)
-        .method(
-            "readFile", &F::readFile,
-            "Reads parameters; those that the file does not name keep their values, except NuAvg "
-            "and NuTimg, which become not set",
-            kPath)
+        .method("readFile", &F::readFile,
+                "Reads parameters; those that the file does not name keep their values, except "
+                "NuAvg and NuTimg, which are unset first",
+                kPath)
         .property("CalAdj", &F::CalAdj, &F::CalAdj, "Calibration adjustment; 0 is not written",
                   kDecibels, Key{"calibration_adjustment_db"})
         .property("NuAvg", &F::NuAvg, &F::NuAvg, "Averaging method; AQ_NA when not set",
@@ -302,9 +303,9 @@ struct Description<AQ_DataHP3565> {
               in("colRecordings", "Receives the other names that end in .DAT"))
         .method("DAT_to_ASC", &F::DAT_to_ASC, "Writes a recording as text",
                 in("sDatFile", "The recording", FileName{}),
-                in("sAscFile", "The text, which is replaced", FileName{}))
+                in("sAscFile", "The text file, which is replaced", FileName{}))
         .method("ParseASC", &F::ParseASC, "Reads the text of a recording",
-                in("sAscFile", "The text", FileName{}), kHeaderOut,
+                in("sAscFile", "The text file", FileName{}), kHeaderOut,
                 in("STH", "Receives a new history"))
         .method("readFile", &F::readFile, kReads, in("sDatFile", "The recording", FileName{}),
                 kHeaderOut, in("STH", "Receives a new history"))

@@ -38,10 +38,10 @@ struct Description<AQ_PositionTimeHistory> {
   static void members(To& to) {
     using H = AQ_PositionTimeHistory;
     to.method("Copy", &H::Copy, "A deep copy, numbered from 1; raises above 32767 samples")
-        .indexed(
-            "Position", &H::Position, &H::Position,
-            in("nRecord", "Reading: the index; storing: the record number", kPlace),
-            "The sample at an index from 1, which raises if there is none; stored by record number")
+        .indexed("Position", &H::Position, &H::Position,
+                 in("nRecord", "Reading: the index; storing: the record number", kPlace),
+                 "The sample at an index from 1; reading a missing one raises, and storing goes by "
+                 "record number")
         .method("PositionAt", &H::PositionAt,
                 "The stored sample nearest in time of day; no object if no two samples enclose it. "
                 "Raises above 32767 samples",
@@ -50,7 +50,7 @@ struct Description<AQ_PositionTimeHistory> {
                 "Whether a time of day lies between the first and the last sample; raises for an "
                 "empty history and above 32767 samples",
                 in("aqTime", "The time of day"))
-        .property("Count", &H::Count, "The number of samples; above 32767 it raises", kCount)
+        .property("Count", &H::Count, "The number of samples; raises above 32767", kCount)
         .method("contains", &H::contains, "Whether there is a sample at an index",
                 in("place", "The index", kPlace));
   }
@@ -84,12 +84,12 @@ struct Description<AQ_Geometry> {
     using G = AQ_Geometry;
     to.field("SRe", &G::SRe, "Slant range at emission", kLength)
         .field("THETAe", &G::THETAe,
-               "From the direction of flight to the line to the microphone; 0 is ahead",
+               "Angle from the direction of flight to the line to the microphone; 0 is ahead",
                Quantity{"degree", 0, 180})
-        .field(
-            "BETAe", &G::BETAe,
-            "Of that line about the direction of flight, from straight down; positive to the left",
-            Quantity{"degree", -180, 180})
+        .field("BETAe", &G::BETAe,
+               "Angle of that line about the direction of flight, from straight down; positive to "
+               "the left",
+               Quantity{"degree", -180, 180})
         .field("Tprope", &G::Tprope, "Propagation time from emission to measurement", kSeconds)
         .field("debugTime", &G::debugTime,
                "Free for diagnostics; written, but neither read back nor copied", kSeconds)
@@ -113,10 +113,10 @@ struct Description<AQ_GeometryTimeHistory> {
     to.method("Copy", &H::Copy, "A deep copy of points 1 to Count only; raises if one is missing")
         .property("ReferenceType", &H::ReferenceType, &H::ReferenceType,
                   "Which event the reference time marks")
-        .method(
-            "setRelTimes", &H::setRelTimes,
-            "Shares the reference time; raises if there are points, which setTimeStamps relates",
-            in("ReferenceTime", "The reference time"), in("RefType", "Which event that marks"))
+        .method("setRelTimes", &H::setRelTimes,
+                "Shares the reference time; raises if there are points, whose relative times "
+                "setTimeStamps sets",
+                in("ReferenceTime", "The reference time"), in("RefType", "Which event it marks"))
         .property("startTime", &H::startTime, &H::startTime, "The time of the first record")
         .property("TimeStampType", &H::TimeStampType, &H::TimeStampType,
                   "Which instant of a record its time stamp names")
@@ -125,11 +125,11 @@ struct Description<AQ_GeometryTimeHistory> {
                 "raises at a missing point, after stamping those before it",
                 in("startTime", "The time of the first record"),
                 in("StartTimeType", "Which instant of a record its stamp names"),
-                in("RefTime", "The reference time"), in("RefType", "Which event that marks"))
+                in("RefTime", "The reference time"), in("RefType", "Which event it marks"))
         .property("ReferenceTime", &H::ReferenceTime, &H::ReferenceTime, "The reference time")
         .indexed("Point", &H::Point, &H::Point, in("nRecord", "The record", kRecordOf32Bits),
                  "The point of a record; reading a missing one raises")
-        .property("Count", &H::Count, "The number of points; above 32767 it raises", kCount)
+        .property("Count", &H::Count, "The number of points; raises above 32767", kCount)
         .method("contains", &H::contains, "Whether a record has a point",
                 in("number", "The record", kRecordOf32Bits));
   }
@@ -164,8 +164,8 @@ struct Description<AQ_EmtRcvTable> {
   static void members(To& to) {
     using T = AQ_EmtRcvTable;
     to.indexed("Record", &T::Record, &T::Record, in("nRecord", "The index", kPlace),
-               "The record at an index from 1, which raises if there is none; storing ignores the "
-               "index and appends")
+               "The record at an index from 1; reading a missing one raises, and storing ignores "
+               "the index and appends")
         .property(
             "T", &T::T,
             "The seconds of the day of emission, as a new collection; raises above 32767 records")
@@ -180,7 +180,7 @@ struct Description<AQ_EmtRcvTable> {
                   "records")
         .property("Z", &T::Z,
                   "The aircraft's height in m, as a new collection; raises above 32767 records")
-        .property("Count", &T::Count, "The number of records; above 32767 it raises", kCount);
+        .property("Count", &T::Count, "The number of records; raises above 32767", kCount);
   }
 };
 

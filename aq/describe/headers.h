@@ -15,8 +15,8 @@ namespace aq::describe {
 inline constexpr auto kFileType = about("The title in the first line of the file, as read");
 inline constexpr auto kName = about("The file's name; its recorded name is written", FileName{},  //
                                     Key{"file_name"});
-inline constexpr auto kDateTime =
-    about("The file's date and time, as read; the time of writing is written", Key{"file_date"});
+inline constexpr auto kDateTime = about(
+    "The file's date and time, as read; the writer writes the current ones", Key{"file_date"});
 inline constexpr auto kProject = about("The project", Key{"project"});
 inline constexpr auto kMicrophone = about("The name of the microphone", Key{"microphone"});
 inline constexpr auto kGeneratedBy =
@@ -24,9 +24,10 @@ inline constexpr auto kGeneratedBy =
 inline constexpr auto kGenerationFile =
     about("The file from which this one was made; its recorded name is written", FileName{},
           Key{"generation_file"});
-inline constexpr auto kGenerationDateTime =
-    about("The date and time of that file, as read; the writer asks the file information service",
-          Key{"generation_file_date"});
+inline constexpr auto kGenerationDateTime = about(
+    "The date and time of that file, as read; the writer gets them from the file information "
+    "service",
+    Key{"generation_file_date"});
 inline constexpr auto kOtherCount =
     about("Number of other records, as read; the writer counts them", kCount);
 inline constexpr auto kOtherRecords =
@@ -112,10 +113,10 @@ struct Description<AQ_HeaderPTH> {
         .field("sTSPIFileName", &H::sTSPIFileName,
                "The tracking file that the positions were made from; its recorded name is written",
                FileName{}, Key{"tracking_file"})
-        .field(
-            "sTSPIFileDateTime", &H::sTSPIFileDateTime,
-            "The date and time of that file, as read; the writer asks the file information service",
-            Key{"tracking_file_date"})
+        .field("sTSPIFileDateTime", &H::sTSPIFileDateTime,
+               "The date and time of that file, as read; the writer gets them from the file "
+               "information service",
+               Key{"tracking_file_date"})
         .field("lNumberRecords", &H::lNumberRecords, "Number of positions", kRecords)
         .field("nOtherRecords", &H::nOtherRecords, kOtherCount)
         .field("cOtherRecords", &H::cOtherRecords, kOtherRecords)
@@ -152,7 +153,7 @@ struct Description<AQ_HeaderGTH> {
   static constexpr int number = 66;
   static constexpr char text[] =
       "The header of a geometric time history file, which names the three files that the geometry "
-      "was computed from; the writer asks the file information service for their dates";
+      "was computed from; the writer gets their dates from the file information service";
   template <class To>
   static void members(To& to) {
     using H = AQ_HeaderGTH;

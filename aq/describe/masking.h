@@ -41,10 +41,10 @@ struct Description<AQ_MaskRow> {
                  "The mask of a band; creates a default mask if there is none. Storing a mask for "
                  "a band that already has one removes the old mask and stores none; to change a "
                  "decision, change the mask itself")
-        .property("HighBand", &R::HighBand, "The highest band with a mask; -1 if there is none",
-                  kBand)
-        .property("LowBand", &R::LowBand, "The lowest band with a mask; 9999 if there is none",
-                  kBand)
+        .property("HighBand", &R::HighBand,
+                  "The highest band ever stored or read; -1 if there is none", kBand)
+        .property("LowBand", &R::LowBand,
+                  "The lowest band ever stored or read; 9999 if there is none", kBand)
         .banded(
             "Encompasses",
             [](const R& self, const auto& spectrum) { return self.Encompasses(spectrum); },
@@ -72,7 +72,7 @@ struct Description<AQ_MaskMap> {
     to.method("Copy", &M::Copy, "A deep copy of rows 1 to Count; raises if one is missing")
         .indexed("Row", &M::Row, &M::Row, in("nRecord", "The record", kRecord),
                  "The row of a record; reading a missing one raises")
-        .property("Count", &M::Count, "The number of rows; above 32767 it raises", kCount)
+        .property("Count", &M::Count, "The number of rows; raises above 32767", kCount)
         .method("setLGB", &M::setLGB, "Sets each row's last good band from its masks")
         .method("contains", &M::contains, "Whether a record has a row",
                 in("number", "The record", kRecord));

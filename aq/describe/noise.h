@@ -33,7 +33,8 @@ struct Description<ToneStep> {
                "Whether the slope differs by more than 5 dB from that of the band below")
         .field("levelMarked", &S::levelMarked,
                "Whether the level is removed to find the background")
-        .field("adjusted", &S::adjusted, "The level, or the replacement of a marked one", kDecibels)
+        .field("adjusted", &S::adjusted, "The level, or the replacement for a marked one",
+               kDecibels)
         .field("adjustedSlope", &S::adjustedSlope, "The slope of the adjusted levels", kDecibels)
         .field("meanSlope", &S::meanSlope,
                "The mean of three adjusted slopes, this band's and the next two", kDecibels)
@@ -53,7 +54,7 @@ struct Description<ToneCorrection> {
   template <class To>
   static void members(To& to) {
     using C = ToneCorrection;
-    to.field("correction", &C::correction, "The largest of all bands", kToneDecibels)
+    to.field("correction", &C::correction, "The largest correction of all bands", kToneDecibels)
         .field("band", &C::band, "The band that caused it, the lowest if several; 0 for none",
                kToneBand)
         .field("lastBand", &C::lastBand, "The last band used; 18 if band 19 does not count",
@@ -74,18 +75,18 @@ struct Description<NoiseEvent> {
     using E = NoiseEvent;
     to.field("maximum", &E::maximum, "The first record of the largest PNLT", kPlaceFrom0)
         .field("first", &E::first,
-               "The first record within 10 dB of the maximum; empty if the records begin within it",
+               "The 10 dB-down limit before the maximum; empty if the records begin above it",
                kPlaceFrom0)
         .field("last", &E::last,
-               "The last record within 10 dB of the maximum; empty if the records end within it",
+               "The 10 dB-down limit after the maximum; empty if the records end above it",
                kPlaceFrom0)
         .field("secondPeaks", &E::secondPeaks, "Other maxima within 2 dB of the largest",
                kPlaceFrom0)
         .field("pnltm", &E::pnltm, "The largest PNLT, without band sharing", Quantity{"TPNdB"})
         .field("epnl", &E::epnl, "Effective perceived noise level, without band sharing",
                Quantity{"EPNdB"})
-        .field("epnlWithBandSharing", &E::epnlWithBandSharing, "The same with band sharing",
-               Quantity{"EPNdB"})
+        .field("epnlWithBandSharing", &E::epnlWithBandSharing,
+               "Effective perceived noise level with band sharing", Quantity{"EPNdB"})
         .field("duration", &E::duration, "The duration correction, epnl minus pnltm", kDecibels)
         .field("bandSharing", &E::bandSharing,
                "Adjustment for a tone at the edge of two bands; never negative", kDecibels);
@@ -123,13 +124,12 @@ struct Description<NoiseFunctions> {
     constexpr auto map = optionally("map", "Which of their levels are masked");
     to.function("weightedLevel", &weightedLevel,
                 about("The A-, C- or D-weighted or the overall level of a spectrum; nothing if no "
-                      "level counts, and raises for any other metric",
+                      "level counts. Raises for any other metric",
                       kDecibels),
                 spectrum, in("weighting", "AQ_METRIC_AWT, _CWT, _DWT or _OA"), masks)
         .function("perceivedNoiseLevel", &perceivedNoiseLevel,
                   about("The perceived noise level of a spectrum, from bands 17 to 40; raises for "
-                        "levels of "
-                        "thousands of decibels",
+                        "levels of thousands of decibels",
                         Quantity{"PNdB", 0}),
                   spectrum, masks)
         .function("toneCorrection", &toneCorrection,
@@ -139,8 +139,8 @@ struct Description<NoiseFunctions> {
             about("The event of a series of tone-corrected perceived noise levels; raises if no "
                   "level is given, if sizes differ, for an infinite level, and for a duration of 0 "
                   "or less"),
-            in("pnlt", "The levels by record, NaN for none", Quantity{"TPNdB"}),
-            in("seconds", "How long a record lasts: one value for all, or one each",
+            in("pnlt", "The levels by record; NaN where there is none", Quantity{"TPNdB"}),
+            in("seconds", "How long a record lasts: one value for all, or one per record",
                Quantity{"s", 0}),
             optionally("toneCorrections", "The tone corrections by record", kToneDecibels))
         .function("setMetrics", &setMetrics,

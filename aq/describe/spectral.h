@@ -124,7 +124,7 @@ struct Description<AQ_SpectralTimeHistory> {
               in("loBand", "The lowest band", kBand), in("hiBand", "The highest band", kBand))
         .method("Resize", &H::Resize,
                 "A new history that shares these spectra; no object if the range exceeds this "
-                "history's, and raises if a record in it is missing",
+                "history's. Raises if a record in it is missing",
                 in("LoRec", "The first record", kRecord), in("HiRec", "The last record", kRecord))
         .form("sAveragingMethod", &H::sAveragingMethod, &H::sAveragingMethod,
               "AverageMethod as LINEAR, TRUSLO, 4S100, 4S95, CONTEXPO or NA; other text changes "
@@ -134,10 +134,10 @@ struct Description<AQ_SpectralTimeHistory> {
               "never changes it")
         .form("sTimeStampType", &H::sTimeStampType, &H::sTimeStampType,
               "TimeStampType as START, MIDPT, END, ICAOSLO or OLDSLO; other text changes nothing")
-        .property("Count", &H::Count, "The number of spectra; above 32767 it raises", kCount)
+        .property("Count", &H::Count, "The number of spectra; raises above 32767", kCount)
         .method("EncompassesMask", &H::EncompassesMask,
-                "Whether the map has as many records and no band that the history lacks; raises if "
-                "a record or row from 1 to Count is missing",
+                "Whether the map has as many rows as the history has records, and no band that "
+                "they lack; raises if a record or row from 1 to Count is missing",
                 in("MapMask", "The masking map"))
         .setter("setLGB", &H::setLGB,
                 "Sets the metric LGB of each spectrum from the map's row of the same number; "
@@ -150,7 +150,7 @@ struct Description<AQ_SpectralTimeHistory> {
                 "reference; raises at a missing record, after stamping those before it",
                 in("startTime", "The time of the first record"),
                 in("StartTimeType", "Which instant of a record its stamp names"),
-                in("RefTime", "The reference time"), in("RefType", "Which event that marks"))
+                in("RefTime", "The reference time"), in("RefType", "Which event it marks"))
         .indexed("spectrum", &H::spectrum, &H::spectrum, in("nRecord", "The record", kRecord),
                  "The spectrum of a record, shared; reading a missing one raises")
         .property("ReferenceTime", &H::ReferenceTime, &H::ReferenceTime, "The reference time")
@@ -165,7 +165,7 @@ struct Description<AQ_SpectralTimeHistory> {
         .method("setRelTimes", &H::setRelTimes,
                 "Shares the reference time and sets every record's relative time; raises as "
                 "setTimeStamps",
-                in("ReferenceTime", "The reference time"), in("RefType", "Which event that marks"))
+                in("ReferenceTime", "The reference time"), in("RefType", "Which event it marks"))
         .property("startTime", &H::startTime, &H::startTime, "The time of the first record")
         .property("AverageMethod", &H::AverageMethod, &H::AverageMethod,
                   "How the levels of a record were averaged")
@@ -191,7 +191,7 @@ struct Description<SpectralFunctions> {
   static void members(To& to) {
     to.function(
         "maskByAmbient", &maskByAmbient,
-        about("The masking map of a history from the spectrum of the ambient; raises unless "
+        about("The masking map of a history from the spectrum of the ambient; raises unless the "
               "records are numbered from 1 without gaps, the ambient has a valid level in each of "
               "their bands, and the margin is 0 or more"),
         in("history", "The levels to mask"), in("ambient", "The levels of the ambient"),
