@@ -38,7 +38,7 @@ struct FindingKind {
 /// "note", "warning" or "error".
 [[nodiscard]] AQ_API std::string_view severityText(Severity severity);
 
-/// Where in a file a finding is.
+/// The place of a finding in a file.
 struct FindingPlace {
   std::size_t line = 0;   ///< from 1; 0 for the whole file
   std::size_t field = 0;  ///< from 1; 0 for the whole line

@@ -253,7 +253,7 @@ class TextMender {
            (field.starts_with(',') && isDecimalComma("0" + std::string(field)));
   }
 
-  /// As in "14:30:00,25".
+  /// A time of day such as "14:30:00,25".
   [[nodiscard]] static bool isCommaTime(std::string_view field) {
     const std::size_t colon = field.rfind(':');
     return colon != field.npos && isDecimalComma(field.substr(colon + 1)) &&
@@ -323,7 +323,7 @@ class TextMender {
   /// A line as it was before it was padded with commas.
   [[nodiscard]] static std::string unfilled(const std::string& line) {
     std::string plain = line.substr(0, line.find_last_not_of(',') + 1);
-    if (plain.ends_with(kKeywordMark) && plain != line) plain += ',';  // of an empty value
+    if (plain.ends_with(kKeywordMark) && plain != line) plain += ',';  // before an empty value
     return plain;
   }
 

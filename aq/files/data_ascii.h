@@ -41,7 +41,7 @@ class AQ_API AQ_DataASCII : public FileClass {
   AQ_DataMessage writeLines(const std::string& sFileName);
   AQ_DataMessage appendLines(const std::string& sFileName);
 
-  /// The text between fields, "," at first. An empty text splits nothing.
+  /// The text between fields, initially ",". An empty text splits nothing.
   void Delimiter(std::string text) { delimiter_ = std::move(text); }
 
   /// Whether fields may be in double quotes, with delimiters inside. Uses the delimiter that is set

@@ -27,7 +27,7 @@ class AQ_API AQ_DataSPC : public FileClass {
   /// empty.
   void setHeader(const std::shared_ptr<AQ_HeaderSTH>& aqHeader) { header_ = aqHeader; }
 
-  /// Seconds from one record to the next; 0.5 at first. A read stores the file's. Setting throws,
+  /// Seconds from one record to the next, initially 0.5. A read stores the file's. Setting throws,
   /// and keeps the old value, for a number that is not above 0 and below 1000 (`InvalidValue`) and
   /// for a value that is not a number (`TypeMismatch`).
   [[nodiscard]] double RecordLength() const { return settings_.recordLength; }

@@ -98,7 +98,7 @@ template <class Model>
 using FormatOf = decltype(std::apply(
     [](const auto&... formats) { return formatOf<Model>(formats...); }, kFormats));
 
-/// As in "spectral time history"; "unknown" for a kind without a format.
+/// The kind in words, as in "spectral time history"; "unknown" for a kind without a format.
 [[nodiscard]] constexpr std::string_view kindText(FileKind kind) {
   std::string_view text = "unknown";
   forFormats([&](const auto& format) {

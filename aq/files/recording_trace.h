@@ -34,7 +34,7 @@ struct RecordingTrace {
 [[nodiscard]] std::size_t validPoints(const sdf::Recording& recording, const sdf::TraceSet& set,
                                       std::size_t points);
 
-/// Whether the data are one-third octaves already.
+/// Whether the data are already one-third octaves.
 [[nodiscard]] bool isOctaves(const sdf::TraceSet& set);
 
 /// What limits the use of the data, one line each: weighting, overload, data not valid, correction.

@@ -60,7 +60,7 @@ class AQ_API AQ_MaskRow {
   /// Like the setter with a new mask of these values.
   void store(std::int16_t band, const AQ_Mask& decision);
 
-  /// Replaces all masks by those of `codes`, for consecutive bands from `low` up.
+  /// Replaces all masks with those of `codes`, for consecutive bands from `low` up.
   void assign(std::int16_t low, std::span<const MaskCode> codes);
 
   /// The codes of the masks from `LowBand` to `HighBand`; like the getter, creates those that are

@@ -22,7 +22,7 @@ namespace noys {
 inline constexpr double kNone = std::numeric_limits<double>::infinity();
 }  // namespace noys
 
-/// From `kFirstNoyBand` up.
+/// The curves by band, from `kFirstNoyBand` up.
 inline constexpr std::array<NoyBand, 24> kNoyBands{{
     {91, 64, 52, 49, 55, 0.043478, 0.030103, 0.07952, 0.058098},                        // 50 Hz
     {85.9, 60, 51, 44, 51, 0.040570, 0.030103, 0.06816, 0.058098},                      // 63 Hz

@@ -28,7 +28,7 @@ void checkRange(const RecordMetrics& computed) {
   }
 }
 
-/// Replaces the values of the metric record by the computed ones. Cannot fail for values that
+/// Replaces the values of the metric record with the computed ones. Cannot fail for values that
 /// `checkRange` accepts.
 void renew(AQ_Metric& metric, const RecordMetrics& computed, bool withLastGoodBand) {
   forEachMetric([&](AQ_METRIC_TYPE type) {

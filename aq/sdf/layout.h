@@ -71,7 +71,7 @@ struct AnyLayout {
 inline constexpr auto kUnit = layout("SDF_UNIT", {},
                                      {{"label", 1, Type::Text, 10},
                                       {"factor", 11, Type::Float},  // to the SI unit
-                                      // Each is twice its exponent.
+                                      // Each is twice the exponent of its quantity.
                                       {"mass", 15, Type::Byte},
                                       {"length", 16, Type::Byte},
                                       {"time", 17, Type::Byte},

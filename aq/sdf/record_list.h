@@ -21,13 +21,13 @@ inline constexpr std::string_view kMark{"B\0", 2};
 /// The records of a recording, by type and in file order.
 class AQ_API RecordList {
  public:
-  /// From the bytes of a file. Throws `ReadFailure` unless every record that the file header counts
-  /// is of the expected type and ends within the file. Ignores bytes after them, such as another
-  /// recording.
+  /// Takes the records from the bytes of a file. Throws `ReadFailure` unless every record that the
+  /// file header counts is of the expected type and ends within the file. Ignores bytes after them,
+  /// such as another recording.
   explicit RecordList(std::vector<char> bytes);
 
-  /// From consecutive records in `bytes`, as read from a text. A file header, a measurement header
-  /// and a data header must be among them.
+  /// Takes consecutive `records` in `bytes`, as read from a text. A file header, a measurement
+  /// header and a data header must be among them.
   RecordList(std::vector<char> bytes, const std::vector<Record>& records);
 
   RecordList(const RecordList&) = delete;
@@ -42,7 +42,8 @@ class AQ_API RecordList {
   /// The records of a type; empty if there is none.
   [[nodiscard]] const std::vector<Record>& all(RecordType type) const;
 
-  /// 1 to 3, judged by the size of the measurement header, since the file header may say 0.
+  /// The revision, 1 to 3, found from the size of the measurement header, since the file header may
+  /// say 0.
   [[nodiscard]] int revision() const;
 
   /// The size of a measurement header whose fields end with byte `used`.

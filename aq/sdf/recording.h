@@ -78,7 +78,7 @@ class AQ_API Recording {
   static Recording fromFile(const std::string& path);
 
   explicit Recording(RecordList records);
-  /// From a text; `traces` by data header, trace and scan.
+  /// A recording read from a text; `traces` are by data header, trace and scan.
   Recording(RecordList records, TextTraces traces);
 
   [[nodiscard]] const RecordList& records() const { return records_; }

@@ -74,7 +74,7 @@ class AQ_API AQ_Spectrum {
   [[nodiscard]] AQ_Time timeValue() const { return time_.value(); }
   [[nodiscard]] LazyTime& lazyTime() { return time_; }
 
-  /// Replaces all levels by those of consecutive bands from `low` up.
+  /// Replaces all levels with those of consecutive bands from `low` up.
   void assignLevels(std::int16_t low, std::span<const double> levels);
   void assignCodes(std::int16_t low, std::span<const LevelCode> codes);
 

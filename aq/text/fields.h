@@ -70,7 +70,7 @@ class AQ_API FieldReader {
   [[nodiscard]] float single(const char* expected);
   [[nodiscard]] std::int16_t int16(const char* expected);
   [[nodiscard]] std::uint8_t byte(const char* expected);
-  /// In seconds after midnight.
+  /// The next field as a time of day, in seconds after midnight.
   [[nodiscard]] double timeOfDay();
 
   /// Takes fields by `takeSome`, which returns `FieldsTaken`, as long as they have a form that it

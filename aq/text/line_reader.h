@@ -28,7 +28,7 @@ class AQ_API LineReader {
   /// Whether the line has an end: the last one may lack it. True before the first line.
   [[nodiscard]] bool ended() const { return ended_; }
 
-  /// From 1; after the last line, the number of lines.
+  /// The line's number, from 1; after the last line, the number of lines.
   [[nodiscard]] std::size_t number() const { return number_; }
 
  private:
