@@ -233,7 +233,9 @@ def join(
             raise ValueError("expected a mask for each piece, or none")
         run = Run(Reading(run.history.header, whole), rows, points)
     line = (
-        "Joined of " + ", ".join(words) + (f"; {filled} records of 9999 between" if filled else "")
+        "Joined from "
+        + ", ".join(words)
+        + (f"; {filled} records of 9999 between" if filled else "")
     )
     return _commented(run, line)
 

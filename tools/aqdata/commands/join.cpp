@@ -110,7 +110,7 @@ void join(Session& session, const JoinChoice& choice) {
   }
   addComment(
       run,
-      fmt::format("Joined of {}{}", pieces,
+      fmt::format("Joined from {}{}", pieces,
                   filled == 0 ? ""
                               : fmt::format("; --fill: {} of 9999 between",
                                             counted(static_cast<std::size_t>(filled), "record"))));
@@ -131,7 +131,7 @@ void addJoin(CLI::App& program, Session& session) {
       addCommand(program, session, "join", "Join the pieces of one run",
                  "Pieces are joined in the order of their time stamps, which do not change. They\n"
                  "must agree in bands, averaging, reference, project, microphone and adjustment;\n"
-                 "use stamp to change the reference of a piece. Records are numbered on from the\n"
+                 "use stamp to change the reference of a piece. Record numbers continue from the\n"
                  "first piece.\n\n"
                  "Examples:\n"
                  "  aqdata cut fly-over.sth.csv --records :20 -o a.sth.csv\n"
