@@ -42,7 +42,7 @@ aq::AQ_Time timeOf(const std::string& text, double seconds) {
   return time;
 }
 
-/// Records by number, and at the end the measurement of them.
+/// Collects records by number, and makes a measurement of them at the end.
 template <class Read, class Object>
 class NumberedRows {
  public:
@@ -103,8 +103,8 @@ double lengthOf(const aq::AQ_SpectralTimeHistory& history) {
   return length > 0 && length < 1000 ? length : 0.5;
 }
 
-/// Sets what a table does not have: the start is the first stamp, the reference follows from the
-/// relative times if they agree.
+/// Sets what a table does not have: the start is the first stamp; the reference follows from the
+/// relative times. Throws `Failure` if those disagree.
 void giveTimes(History& read) {
   aq::AQ_SpectralTimeHistory& history = *read.model;
   history.AverageMethod(aq::AQ_NA);
@@ -117,8 +117,8 @@ void giveTimes(History& read) {
     if (first) reference = own;
     if (std::abs(std::remainder(own - reference, aq::kSecondsPerDay)) > 0.02) {
       throw Failure(
-          fmt::format("record {}: its relative time counts from another reference than "
-                      "that of the records before it",
+          fmt::format("record {}: its relative time counts from a different reference "
+                      "than those of the records before it",
                       record));
     }
     first = false;

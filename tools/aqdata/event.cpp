@@ -68,7 +68,7 @@ std::vector<std::string> missingWords(const aq::HistoryMetrics& metrics,
       [](const auto& record) {
         return record.has(aq::AQ_METRIC_OA) && !record.has(aq::AQ_METRIC_PNL);
       },
-      "no PNL, PNLT and tone for ", fmt::format(", with all levels of bands 17 to 40 {}", unused));
+      "no PNL, PNLT or tone for ", fmt::format(", with all levels of bands 17 to 40 {}", unused));
   return words;
 }
 

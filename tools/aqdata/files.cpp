@@ -37,7 +37,7 @@ void complainOf(const std::string& path, std::string_view why, Session& session)
 std::string danglingLink(const fs::path& path) {
   std::error_code error;
   if (!fs::is_symlink(fs::symlink_status(path, error)) || fs::exists(path, error)) return {};
-  return "a link to nothing: " + aq::escaped(fs::read_symlink(path, error).string());
+  return "a broken link to " + aq::escaped(fs::read_symlink(path, error).string());
 }
 
 /// Finds the files that the user's arguments name. Visits each folder once, since links may form a
@@ -46,7 +46,7 @@ class Choice {
  public:
   Choice(Session& session, const std::vector<std::string_view>& more)
       : session_(session), more_(more) {
-    // What a command has written below its input is no input of the next one.
+    // An output folder below an input is skipped: what an earlier command wrote there is not input.
     std::error_code error;
     const fs::path output = pathOf(session.output);
     const auto isOutput = [&](const std::string& given) {
@@ -94,7 +94,7 @@ class Choice {
     return whole && walked_.size() != before;
   }
 
-  /// Continues after a folder that cannot be read, and returns whether there was none.
+  /// Continues after a folder that cannot be read; returns whether all could be read.
   bool walk(const fs::path& folder) {
     std::error_code error;
     if (!walked_.insert(fs::canonical(folder, error).string()).second) return true;

@@ -46,9 +46,9 @@ void expectFree(const Session& session, const std::string& path);
 /// replaced.
 [[nodiscard]] std::string outputPlace(const Session& session);
 
-/// Where the outputs of several files go: into the session's output, which is a folder then, under
-/// their names, and of a folder that was given under their paths in it. With one file that was
-/// named, the output is its own, unless that is a folder.
+/// Where the outputs of several files go: the session's output is then a folder, in which a file
+/// that was named keeps its name, and a file found in a given folder its path below that folder. If
+/// a single file was named, the output is a file, unless it is a folder or ends in a slash.
 class OutputPlaces {
  public:
   explicit OutputPlaces(const Session& session);
@@ -60,7 +60,7 @@ class OutputPlaces {
  private:
   const Session& session_;
   bool inFolder_;
-  std::map<std::string, std::string> taken_ = {};  // by places, the files
+  std::map<std::string, std::string> taken_ = {};  // the input of each output
 };
 
 /// Writes a header and a model with a file class. Keeps the header's dates of source files; writes

@@ -39,7 +39,7 @@ using Microphone = Held<aq::FormatOf<aq::AQ_Microphone>::Header, aq::AQ_Micropho
 using Geometry = Held<aq::AQ_HeaderGTH, aq::AQ_GeometryTimeHistory>;
 using Parameters = Held<void, aq::AQ_DataINI>;
 
-/// A variant of types, each once.
+/// A variant of these types, without duplicates.
 template <class... Types>
 struct OneOf {
   using Variant = std::variant<Types...>;
@@ -102,10 +102,11 @@ void expectKnownWords(const History& read, const std::string& path);
 /// Throws `Failure` unless a read or write succeeded.
 void expectGood(aq::AQ_DataMessage result, const aq::FileClass& file);
 
-/// The time of day as text, rounded to the nearest with a text form; empty if it has no clock form.
+/// The time of day as text, rounded to the nearest time that has a text form; empty if it has no
+/// clock form.
 [[nodiscard]] std::string timeText(aq::AQ_Time time);
 
-/// A time of day that an option was given. Throws `Failure` for another text.
+/// The time of day given to an option. Throws `Failure` for any other text.
 [[nodiscard]] aq::AQ_Time timeFrom(const char* option, const std::string& text);
 
 }  // namespace aqdata

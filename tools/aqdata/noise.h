@@ -30,7 +30,7 @@ inline constexpr MetricName kMetricNames[] = {
 /// A computed metric; null if there is none.
 [[nodiscard]] Json metricJson(const aq::RecordMetrics& record, aq::AQ_METRIC_TYPE type);
 
-/// The part of a record in the event, as in "max" or "first 2nd".
+/// The role of a record in the event, as in "max" or "first 2nd".
 [[nodiscard]] std::string flagsText(int flags);
 
 /// Record numbers, as in "3, 5-9"; after twenty runs gives the number of the rest.

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kMissing = 77;  // the interpreter's exit status if a package is missing
 
-// The current folder is not a place for modules.
+// Modules are not imported from the current folder.
 constexpr const char* kStart = R"(import sys
 sys.path[:] = [folder for folder in sys.path if folder]
 try:

@@ -6,7 +6,7 @@
 
 namespace aqdata {
 
-/// A name in UTF-8 as a path. On Windows a path made of plain bytes has other letters.
+/// A name in UTF-8 as a path. On Windows, a path made of plain bytes would have other letters.
 [[nodiscard]] inline std::filesystem::path pathOf(std::string_view name) {
   return std::u8string(name.begin(), name.end());
 }

@@ -159,7 +159,7 @@ std::string scaleText(const Scale& scale) {
 }  // namespace
 
 bool isLevel(const Json& cell) {
-  constexpr double kSummable = 3000;  // levels outside are not sound, and would spoil the axis
+  constexpr double kSummable = 3000;  // others are not real levels and would spoil the axis
   return cell.is_number() && cell.get<double>() != double{aq::AQ_INVALID_LEVEL} &&
          std::abs(cell.get<double>()) <= kSummable;
 }

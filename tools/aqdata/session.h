@@ -43,7 +43,7 @@ class Session {
   /// Writes to standard output. A write that fails ends the program.
   void print(std::string_view text);
 
-  /// Call at the end: flushes standard output, whose failure counts too.
+  /// Flushes standard output, whose failure counts too. Must be called at the end.
   void finish();
 
   /// Prints the name of the file whose output follows, if there are several.
@@ -55,7 +55,7 @@ class Session {
   /// Whether the output is a device or one of the program's own streams, such as /dev/stdout.
   [[nodiscard]] bool intoStream() const;
 
-  /// Reports on standard output what was done, unless data goes there or the user wants quiet.
+  /// Reports on standard output what was done, unless data goes there or the user gave --quiet.
   void tell(std::string_view text);
 
   /// Reports what was written to the output, as a document if requested.
@@ -102,11 +102,11 @@ void addFile(CLI::App& command, std::string& file, const char* name, const char*
 void addJobs(CLI::App& command, Session& session);
 void addOutputFile(CLI::App& command, Session& session, const char* what, bool needed = true);
 
-/// Restricts an option to these words, in any case, separated by commas if it takes several; shells
-/// offer them.
+/// Restricts an option to these words, regardless of case; an option that takes several separates
+/// them by commas. Shells offer the words.
 void addWords(Session& session, CLI::Option& option, std::vector<std::string> words);
 
-// Checks of an option's text: the reason why it is not such a number; empty if it is.
+// Checks of an option's text. Return why it is not such a number; empty if it is.
 std::string finiteNumber(const std::string& text);
 std::string numberFromZero(const std::string& text);
 using Check = std::function<std::string(const std::string&)>;

@@ -25,7 +25,7 @@ struct Sheet {
     }
   };
 
-  std::vector<std::string> columns = {};  ///< the first is the number's
+  std::vector<std::string> columns = {};  ///< the first holds the number
   std::string ofBand = {};  ///< what a band's cell holds, as in "level"; empty without bands
   std::int16_t low = 0;
   std::int16_t high = -1;
@@ -59,7 +59,7 @@ struct Sheet {
 /// The keys that a header of some kind may have.
 [[nodiscard]] std::vector<std::string> headerKeys();
 
-/// Seconds rounded to the digits that were read: those of a minute in single precision.
+/// Seconds rounded to five decimals: files give them in single precision, minute by minute.
 [[nodiscard]] double tidySeconds(double seconds);
 
 /// The double with the same shortest text as a single-precision number.

@@ -96,7 +96,7 @@ std::vector<std::string> matches(const std::string& pattern) {
 }
 
 std::optional<int> run(const std::vector<std::string>& words) {
-  std::vector<std::string> own = words;  // the call takes texts that could be written to
+  std::vector<std::string> own = words;  // the call requires writable strings
   std::vector<char*> arguments;
   arguments.reserve(own.size() + 1);
   for (std::string& word : own) arguments.push_back(word.data());

@@ -38,7 +38,7 @@ std::string utf8(std::wstring_view text) {
 
 wchar_t upper(wchar_t letter) { return static_cast<wchar_t>(std::towupper(letter)); }
 
-/// Whether the stream is a console that accepts escape sequences; asks it to.
+/// Whether the stream is a console that accepts escape sequences; turns them on.
 bool isConsole(DWORD stream) {
   const HANDLE handle = ::GetStdHandle(stream);
   DWORD mode = 0;

@@ -27,7 +27,7 @@ namespace aqdata {
 /// As in "1 record" and "2 records".
 [[nodiscard]] std::string counted(std::size_t count, std::string_view ofWhat);
 
-/// The one of `names` that is most similar to `name`; empty if none is.
+/// The entry of `names` that is most similar to `name`; empty if none is similar.
 [[nodiscard]] std::string nearest(std::string_view name, const std::vector<std::string>& names);
 
 /// The bounds of a range as in "10:40", "10:", ":40" or "10".

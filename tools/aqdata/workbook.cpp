@@ -111,7 +111,7 @@ class Workbook::Sheets {
     try {
       metrics = aq::historyMetrics(*run.history.model, run.map ? run.map->model.get() : nullptr);
     } catch (const aq::Error& error) {
-      notes.push_back(fmt::format("without metrics, as {}", error.what()));
+      notes.push_back(fmt::format("without metrics: {}", error.what()));
     }
     const std::string name = sheetNameOf(file, taken_);
     writeRun(run, name, metrics);

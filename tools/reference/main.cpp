@@ -51,9 +51,9 @@ of their class. This page is generated from `aq/describe` by `cmake --build --pr
 reference`.
 
 In C++ a property is two functions, `time->RelSeconds()` and `time->RelSeconds(2.5)`; in Python it is an
-attribute. One with a key is `spectrum->SPL(24)` and `spectrum->SPL(24, 65.3)`, in Python
-`spectrum.SPL[24]`. A field is a data member. Where the text says "raises", C++ throws `aq::Error`; besides, a
-value that does not convert to the type of a property raises, and so does a missing object that a call needs.
+attribute. A property with a key is `spectrum->SPL(24)` and `spectrum->SPL(24, 65.3)`, in Python
+`spectrum.SPL[24]`. A field is a data member. Where the text says "raises", C++ throws `aq::Error`. A value
+that does not convert to the type of a property also raises, as does a missing object that a call needs.
 The range is that of meaningful values: setters do not check it unless the text says so. Lengths are in
 metres unless a file or program used another unit: nothing is converted. The [glossary](glossary.md)
 explains the terms.

@@ -5,7 +5,7 @@
 namespace aqdata {
 namespace {
 
-/// Prints each header line as the reader takes it, so that a damaged file shows the lines before
+/// Prints each header line as soon as it is read, so that a damaged file shows the lines before
 /// the damage.
 void cat(Session& session, const std::string& path) {
   Json lines = Json::array();

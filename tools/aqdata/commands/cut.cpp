@@ -174,7 +174,7 @@ void addCut(CLI::App& program, Session& session) {
   CLI::App* const command = addCommand(
       program, session, "cut", "Cut histories, maps and geometries to some records",
       "Records keep their time stamps. They keep their numbers unless a map or geometry\n"
-      "is cut along; these require numbers from 1, so the records are renumbered, and\n"
+      "is also cut; these require numbers from 1, so the records are renumbered, and\n"
       "a comment in each header gives the old numbers. The map and geometry are written\n"
       "next to OUT, as OUT.mask.csv and OUT.gth.csv for OUT.sth.csv. For several files\n"
       "or a folder, OUT is a folder.\n\n"

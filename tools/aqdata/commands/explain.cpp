@@ -141,7 +141,7 @@ std::string sentenceOf(const Explained& explained, const aq::ToneCorrection& ton
   std::string text;
   if (tone.band == 0) {
     text = fmt::format("{} has no tone correction", record);
-    text += tone.rows.size() < 3 ? ", which takes three bands from 80 Hz up."
+    text += tone.rows.size() < 3 ? ", which needs three bands from 80 Hz up."
                                  : ": no level is 1.5 dB or more above the background.";
   } else {
     const aq::ToneStep& step = tone.rows[static_cast<std::size_t>(tone.band - 19)];

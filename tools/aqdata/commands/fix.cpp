@@ -94,7 +94,7 @@ void writeInPlace(const Session& session, const std::string& path, std::string_v
   outcome.output = place;
 }
 
-/// What a mended file still has.
+/// Collects the findings that a mended file still has.
 void seeTheRest(const std::string& path, FixOutcome& outcome) {
   aq::checkFile(path, [&](const aq::Finding& finding) {
     if (finding.kind.severity == aq::Severity::Warning) ++outcome.warnings;

@@ -177,7 +177,7 @@ class MetricsReport {
 
   Session& session_;
   bool oneFile_;
-  std::string event_;  // of a single file, whose table has records alone
+  std::string event_;  // of a single file, whose table has only records
   CsvLines lines_;
   Table table_{{{"file"},
                 {"records", true, true},

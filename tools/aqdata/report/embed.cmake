@@ -1,12 +1,12 @@
-# Makes the page's style and scripts part of the program:
+# Embeds the page's style and scripts in the program:
 #   cmake -DSOURCE=<this folder> -DOUT=<a C++ source> -DMODULES=<a;b;...> -P embed.cmake
-# The modules become one script, in this order: each is written with `import` and `export`, for
-# editors and for tests, which a page of one file cannot have.
+# The modules become one script, in this order, without their `import` and `export`, which only
+# editors and tests use: a page of one file cannot have them.
 
 set(text "// Made by embed.cmake.\n#include \"tools/aqdata/report/assets.h\"\n\n")
 string(APPEND text "namespace aqdata::report::assets {\n")
 
-# Bytes, as compilers limit the length of a string. `name` gets a digest of them too.
+# Writes an array of bytes, since compilers limit the length of a string, and the digest of them.
 function(embed name content)
   string(HEX "${content}" hex)
   string(REGEX REPLACE "(..)" "0x\\1," bytes "${hex}")

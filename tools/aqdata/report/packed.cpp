@@ -37,7 +37,7 @@ std::optional<double> differenceOf(std::span<const double> numbers, double step)
   };
   const double first = difference(1);
   for (std::size_t i = 2; i < numbers.size(); ++i) {
-    if (difference(i) != first) return std::nullopt;  // so is NaN
+    if (difference(i) != first) return std::nullopt;  // also for NaN
   }
   return first;
 }

@@ -17,8 +17,8 @@ struct RunChoice {
   std::string positions;
   std::string microphone;
   std::string geometry;
-  std::string celsius;  ///< the temperature for a geometry to be computed; empty for none
-  bool alone = false;   ///< takes nothing that is next to a history
+  std::string celsius;  ///< the temperature for computing a missing geometry; empty for none
+  bool alone = false;   ///< uses no files next to the history
 
   /// Whether a file is named that belongs to a single history.
   [[nodiscard]] bool isOfOneRun() const;
@@ -29,15 +29,15 @@ struct RunData {
   Json summary = {};                         ///< its line in the table of all runs
   Json document = {};                        ///< its section
   aq::Checked checked = {};                  ///< of the history
-  std::vector<std::string> complaints = {};  ///< about files that the page goes without
-  std::string failure = {};                  ///< why the history did not read
+  std::vector<std::string> complaints = {};  ///< about files that the page leaves out
+  std::string failure = {};                  ///< why the history could not be read
 };
 
 /// Reads a history and its companion files, and computes what the page shows. Throws `Failure` for
 /// a file that the user named and that cannot be used.
 [[nodiscard]] RunData runData(const std::string& history, const RunChoice& choice);
 
-/// Adds a finding that only appears among several runs.
+/// Adds a finding that only shows when runs are compared.
 void addFinding(RunData& run, const std::string& file, const aq::Finding& finding);
 
 }  // namespace aqdata::report

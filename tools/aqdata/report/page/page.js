@@ -26,7 +26,7 @@ function leave(section) {
   section.close();
 }
 
-// Only open sections near the view have pictures: those of hundreds would not fit into memory.
+// Only open sections near the view have pictures, since those of hundreds would not fit in memory.
 const watcher = new IntersectionObserver(
   (entries) => {
     for (const { target, isIntersecting } of entries) {
@@ -125,7 +125,7 @@ if (single) sections[0].open();
 else {
   addEventListener("hashchange", openNamed);
   table.node.addEventListener("click", ({ target }) => {
-    if (target.hash === location.hash) openNamed(); // no change of it
+    if (target.hash === location.hash) openNamed(); // no hashchange event
   });
   addEventListener("keydown", onKey);
   openNamed();

@@ -99,9 +99,9 @@ export class RecordTable {
     return element(
       "span",
       { class: "pager" },
-      element("button", { type: "button", onclick: turn(-1) }, "Rows before"),
+      element("button", { type: "button", onclick: turn(-1) }, "Previous rows"),
       this.range,
-      element("button", { type: "button", onclick: turn(1) }, "Rows after"),
+      element("button", { type: "button", onclick: turn(1) }, "Next rows"),
     );
   }
 

@@ -2,7 +2,7 @@ import { clock, decimals, goingOn, unpack } from "./data.js";
 
 export const TONE_LOW = 19; // the bands of the tone correction
 const TONE_BANDS = 22;
-const ALL_GOOD = 0; // last good bands that are none
+const ALL_GOOD = 0; // values of the last good band that are not bands
 const NONE_GOOD = 9999;
 
 /** A run: its records by index from 0, each with levels, masks and metrics. */

@@ -64,7 +64,7 @@ export class SeasonTable {
     this.heads = ALL.map(([name], column) => this.head(name, column));
     this.filter = element("input", {
       type: "search",
-      "aria-label": "Show runs that hold",
+      "aria-label": "Show runs that contain",
       placeholder: "Filter runs \u2026",
       oninput: () => this.reduce(),
     });

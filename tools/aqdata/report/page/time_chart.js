@@ -108,7 +108,7 @@ export class TimeChart {
     };
   }
 
-  /** The picture is a slider over the records for assistive programs. */
+  /** Presents the picture to assistive programs as a slider over the records. */
   describe() {
     const { run } = this.selection;
     const set = (name, value) => this.host.setAttribute(name, value);
