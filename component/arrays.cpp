@@ -23,7 +23,7 @@ struct Range {
   std::int32_t high = std::numeric_limits<std::int32_t>::min();
 
   void take(std::int32_t from, std::int32_t to) {
-    if (from > to) return;  // of what holds nothing
+    if (from > to) return;  // nothing in it
     low = std::min(low, from);
     high = std::max(high, to);
   }
@@ -98,7 +98,7 @@ class GivenTable {
   GivenTable& operator=(const GivenTable&) = delete;
   ~GivenTable() { SafeArrayUnaccessData(array_); }
 
-  /// Throws `InvalidArgument` for another shape.
+  /// Throws `InvalidArgument` unless the table has this shape.
   void wantShape(std::size_t rows, std::size_t columns) const {
     if (this->rows() == rows && this->columns() == columns) return;
     throw Error(ErrorCode::InvalidArgument, "expected " + shape(rows, columns) + ", found " +
@@ -113,7 +113,7 @@ class GivenTable {
   }
 
  private:
-  // The bounds are held last dimension first.
+  // The bounds of the last dimension come first.
   [[nodiscard]] std::size_t rows() const { return array_->rgsabound[1].cElements; }
   [[nodiscard]] std::size_t columns() const { return array_->rgsabound[0].cElements; }
   static std::string shape(std::size_t rows, std::size_t columns) {
@@ -163,7 +163,7 @@ Extent extentOf(const AQ_MaskMap& map) {
   return number >= range.low && number <= range.high;
 }
 
-/// A level as it is stored; numbers of any type as doubles.
+/// Puts levels as they are stored, but numbers of any type as doubles.
 void putLevels(const NewArray& array, std::size_t row, const Range& bands,
                const AQ_Spectrum& spectrum) {
   const auto codes = spectrum.levelCodes();

@@ -21,7 +21,7 @@ namespace aq::com {
 /// An error for which hosts have a code of their own. Thrown only inside the DLL.
 struct Fault {
   HRESULT code;
-  std::size_t argument = SIZE_MAX;  ///< its place in the call, if it is about one
+  std::size_t argument = SIZE_MAX;  ///< its position in the call, if the error is about one
 };
 
 /// A VARIANT that frees what it holds.
@@ -47,7 +47,7 @@ class Value : public VARIANT {
 /// One call of a member.
 struct Call {
   void* object;
-  std::span<VARIANTARG* const> given;  ///< by place; null for what is not given
+  std::span<VARIANTARG* const> given;  ///< by position; null if not given
   VARIANTARG* value;                   ///< what a property is set to
   Value& result;
 };
@@ -57,7 +57,7 @@ struct Member {
   std::wstring name;
   DISPID id = 0;
   std::vector<std::wstring> parameters;
-  std::size_t required = 0;  ///< the first so many have to be given
+  std::size_t required = 0;  ///< how many of the first must be given
   Thunk get = {};            ///< reads the property or runs the method
   Thunk put = {};
 };
@@ -67,7 +67,7 @@ struct ClassTable {
   std::string progId;
   int number = 0;
   std::vector<Member> members;
-  std::function<std::shared_ptr<void>()> create = {};       ///< none when only the library makes it
+  std::function<std::shared_ptr<void>()> create = {};       ///< empty if only the library may
   std::function<Variant(std::shared_ptr<void>)> hold = {};  ///< an object as a value
   std::function<std::shared_ptr<void>(const Variant&)> held = {};  ///< and back; null for others
   std::function<std::vector<Value>(void*)> entries = {};           ///< for For Each

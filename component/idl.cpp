@@ -31,7 +31,7 @@ std::string quoted(std::string_view text) {
 }
 
 template <class T>
-struct Element;  // of what holds one or several
+struct Element;  // the type in a pointer or an optional
 template <class T>
 struct Element<std::shared_ptr<T>> {
   using Type = T;
@@ -99,7 +99,7 @@ inline constexpr bool isObject = requires(T value) {
   value.use_count();
 };
 
-/// Gets a value in the call.
+/// Whether the call stores a value in the argument.
 template <class T>
 inline constexpr bool isOut =
     std::is_lvalue_reference_v<T> && !std::is_const_v<std::remove_reference_t<T>> &&
@@ -242,7 +242,7 @@ class Interface {
   void set(const Member& member, const std::string& shown, const std::string& key,
            const char* name) const {
     const std::string before = key.empty() ? "" : key + ", ";
-    // A collection may come as an array, or as a collection of the host's own.
+    // A collection may be given as an array or as a collection of the host's own.
     const std::string put = givesCollection<Value>() ? "VARIANT" : shown;
     const std::string putRef = givesCollection<Value>() ? "IDispatch*" : shown;
     line(member, "propput", "void", before + "[in] " + put + " " + spelled(name));
@@ -314,14 +314,14 @@ void showControl() {
             << "), hidden]\n  dispinterface _AQ_Data {\n    properties:\n    methods:\n  };\n\n  "
                "[uuid("
             << identifier(classIdentifier(kControlNumber))
-            << "), control, helpstring(\"Shows on a form that the library is there\")]\n  coclass "
-               "AQ_Data {\n    [default] dispinterface _AQ_Data;\n  };\n";
+            << "), control, helpstring(\"Shows on a form that the library is available\")]\n  "
+               "coclass AQ_Data {\n    [default] dispinterface _AQ_Data;\n  };\n";
 }
 
 void showLibrary() {
   std::cout
-      << "// Made from the description of the object model, of which it is a record: identifiers "
-         "and numbers\n// of members only grow. The target `component_idl` writes it again.\n\n"
+      << "// Generated from the description of the object model by the target `component_idl`. It "
+         "is\n// committed as a record: identifiers and numbers of members are only ever added.\n\n"
          "import \"oaidl.idl\";\n\n[uuid("
       << identifier(kTypeLibraryIdentifier) << "), version(" << kMajorVersion << "."
       << kMinorVersion << "), helpstring(\"" << kServer << " " << kMajorVersion << "."

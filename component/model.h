@@ -35,7 +35,7 @@ inline constexpr std::string_view kIdentifierRest = "-4a90-4a24-9e5e-a2d82603c1a
 inline constexpr int kTypeLibraryIdentifier = 0;
 [[nodiscard]] constexpr int interfaceIdentifier(int classNumber) { return 2 * classNumber; }
 [[nodiscard]] constexpr int classIdentifier(int classNumber) { return 2 * classNumber + 1; }
-/// Identifies objects of the component among each other.
+/// By this identifier the component recognises its own objects.
 inline constexpr int kOwnIdentifier = 999;
 
 // Members are numbered by their position in the description, from 1.
@@ -44,8 +44,8 @@ inline constexpr std::int32_t kEnumerator = -4;  // hidden, as hosts ask for it 
 /// Members that only the component has start at this number.
 inline constexpr std::int32_t kFirstExtra = 101;
 
-/// The functions of the library, as the members of one class. Each folder has 20 numbers; those of
-/// a folder that is added follow.
+/// The functions of the library, as the members of one class. Each folder has 20 numbers; a new
+/// folder gets the next 20.
 struct Library {};
 inline constexpr std::int32_t kFunctionsOfAFolder = 20;
 inline constexpr aq::describe::List<aq::describe::CoreFunctions, aq::describe::FileFunctions,
@@ -82,7 +82,7 @@ inline constexpr bool isCreatable =
     !std::same_as<C, ToneCorrection> && !std::same_as<C, NoiseEvent> &&
     !std::same_as<C, MetricDifference>;
 
-/// The name of a class, which always has the prefix.
+/// The name of a class, always with the prefix.
 template <class C>
 [[nodiscard]] std::string className() {
   const std::string name = describe::Description<C>::name;

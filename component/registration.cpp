@@ -13,7 +13,7 @@
 #include "component/server.h"
 
 extern "C" {
-// In the import library, and in no header.
+// In the import library, but in no header.
 HRESULT WINAPI RegisterTypeLibForUser(ITypeLib* library, OLECHAR* path, OLECHAR* help);
 HRESULT WINAPI UnRegisterTypeLibForUser(REFGUID identifier, WORD major, WORD minor, LCID locale,
                                         SYSKIND kind);
@@ -159,7 +159,7 @@ void removeTypeLibrary(Scope scope) {
   const auto remove = scope == Scope::Machine ? UnRegisterTypeLib : UnRegisterTypeLibForUser;
   const HRESULT result =
       remove(guid(kTypeLibraryIdentifier), kMajorVersion, kMinorVersion, 0, kThisSize);
-  // How the systems say that there is none to remove.
+  // What the versions of the system return if there is none to remove.
   constexpr std::array kAbsent{TYPE_E_REGISTRYACCESS, TYPE_E_LIBNOTREGISTERED, E_INVALIDARG};
   if (std::find(kAbsent.begin(), kAbsent.end(), result) == kAbsent.end()) checkResult(result);
 }

@@ -210,7 +210,7 @@ class TableOf {
 
   static C& self(const Call& call) { return *static_cast<C*>(call.object); }
 
-  /// Why a file failed and where names files and quotes their text.
+  /// The members of a file failure name files and quote their text.
   [[nodiscard]] static TextKind kindOf(const describe::About& about) {
     return about.isFileName || std::same_as<C, FileFailure> ? TextKind::Name : TextKind::Plain;
   }

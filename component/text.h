@@ -14,8 +14,7 @@ enum class TextKind {
   Name,   ///< names of files and messages: UTF-8, and the code page for bytes that are not UTF-8
 };
 
-/// Throws `InvalidArgument` for a character that the code page lacks, and for half of a surrogate
-/// pair.
+/// Throws `InvalidArgument` for an unpaired surrogate and for a character that the code page lacks.
 [[nodiscard]] std::string bytesOf(std::wstring_view text, TextKind kind);
 
 [[nodiscard]] std::wstring wideOf(std::string_view bytes, TextKind kind);

@@ -20,7 +20,7 @@ namespace aq::com {
 [[nodiscard]] bool isNoObject(const VARIANT& given);
 
 /// A host's value with its own type; for a foreign object, its default member. Null becomes Empty.
-/// An array, and an object without a default member, is a type mismatch.
+/// An array or an object without a default member is a type mismatch.
 [[nodiscard]] Variant variantOf(const VARIANT& given, TextKind kind = TextKind::Plain);
 
 /// A value as text; Empty becomes an empty text.

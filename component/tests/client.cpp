@@ -8,7 +8,7 @@
 namespace host {
 namespace {
 
-/// Calls that have to fail, each in its own way, and to leave the object as it is.
+/// Calls that must fail, each in its own way, and leave the object unchanged.
 void testRefusals() {
   const Value spectrum = create(L"AQ_Spectrum");
   const Value time = create(L"AQ_Time");
@@ -23,11 +23,11 @@ void testRefusals() {
   } rows[] = {
       {"no level", call(object, L"SPL", {30}), DISP_E_EXCEPTION, 5},
       {"overflow", call(object, L"SPL", {70000}), DISP_E_EXCEPTION, 6},
-      {"no number", call(object, L"SPL", {L"12,5"}), DISP_E_EXCEPTION, 13},
+      {"not a number", call(object, L"SPL", {L"12,5"}), DISP_E_EXCEPTION, 13},
       {"empty", call(object, L"SPL", {Value()}), DISP_E_EXCEPTION, 13},
       {"missing", call(object, L"SPL"), DISP_E_BADPARAMCOUNT, 0},
-      {"surplus", call(object, L"SPL", {1, 2}), DISP_E_BADPARAMCOUNT, 0},
-      {"surplus of a number", call(object, L"LowBand", {1}), DISP_E_BADPARAMCOUNT, 0},
+      {"extra argument", call(object, L"SPL", {1, 2}), DISP_E_BADPARAMCOUNT, 0},
+      {"extra argument, simple property", call(object, L"LowBand", {1}), DISP_E_BADPARAMCOUNT, 0},
       {"put without a value", invoke(object, spl, DISPATCH_PROPERTYPUT, {}), E_INVALIDARG, 0},
       {"read only", put(object, L"LowBand", {3}), DISP_E_MEMBERNOTFOUND, 0},
       {"no such number", call(object, L"nothing"), DISP_E_MEMBERNOTFOUND, 0},
@@ -35,7 +35,7 @@ void testRefusals() {
       {"a number as object", put(object, L"Time", {5}), DISP_E_TYPEMISMATCH, 0},
       {"no object", put(time.pdispVal, L"setRelTime", {static_cast<IDispatch*>(nullptr)}),
        DISP_E_EXCEPTION, 91},
-      {"not any object", call(object, L"Encompasses", {time}), DISP_E_EXCEPTION, 438},
+      {"unsuitable object", call(object, L"Encompasses", {time}), DISP_E_EXCEPTION, 438},
       {"no variable", call(create(L"AQ_DataSTH").pdispVal, L"readFile", {L"x", 1, 2}),
        DISP_E_TYPEMISMATCH, 0},
       {"a name twice", invoke(object, spl, DISPATCH_PROPERTYGET, {24, 24}, {0}),
@@ -119,7 +119,7 @@ void testIdentity() {
                                            IID_IUnknown, &made) == CLASS_E_NOAGGREGATION);
 }
 
-/// Another thread with objects of its own and with one of ours, by COM and without.
+/// Another thread with objects of its own and with one of ours, through COM and directly.
 void testApartments() {
   const Value ours = create(L"AQ_Time");
   IStream* stream = nullptr;
@@ -145,7 +145,7 @@ void testApartments() {
   });
   for (MSG message; GetMessageW(&message, nullptr, 0, 0) > 0;) DispatchMessageW(&message);
   other.join();
-  check("called past COM", direct.result == RPC_E_WRONG_THREAD);
+  check("called directly", direct.result == RPC_E_WRONG_THREAD);
   check("of its own", own.result == S_OK);
   check("through COM",
         marshalled.result == S_OK && call(ours.pdispVal, L"TODseconds").value.dblVal == 77);
@@ -158,13 +158,13 @@ HRESULT ask(const char* name) {
 }
 bool canUnload() { return ask("DllCanUnloadNow") == S_OK; }
 
-/// The registration goes while objects are in use: they go on, and so does what they make.
+/// Objects in use keep working after the component is unregistered, as do those that they create.
 void testUnregisteredInUse() {
   const Value spectrum = create(L"AQ_Spectrum");
   CLSID identifier{};
   CLSIDFromProgID(L"AQ_Data_Control.AQ_Spectrum", &identifier);
   check("unregistered in use", ask("DllUnregisterServer") == S_OK);
-  check("used on", put(spectrum.pdispVal, L"SPL", {24, 65.5}).result == S_OK);
+  check("still works", put(spectrum.pdispVal, L"SPL", {24, 65.5}).result == S_OK);
   const Outcome time = call(spectrum.pdispVal, L"Time");
   ITypeInfo* type = nullptr;
   check("a new object",
@@ -172,7 +172,7 @@ void testUnregisteredInUse() {
   if (type != nullptr) type->Release();
   void* made = nullptr;
   check(
-      "nothing new by its name",
+      "no new object by name",
       CLSIDFromProgID(L"AQ_Data_Control.AQ_Time", &identifier) == CO_E_CLASSSTRING &&
           FAILED(CoCreateInstance(identifier, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, &made)));
   check("twice", ask("DllUnregisterServer") == S_OK);

@@ -1,4 +1,4 @@
-' What comes before each of the scripts.
+' Put before each of the scripts.
 Option Explicit
 Dim passed, failed
 Sub Check(what, holds)
@@ -9,7 +9,7 @@ Sub Check(what, holds)
     WScript.Echo "failed: " & what
   End If
 End Sub
-Sub Expect(what, number, text)  ' that the statement before raised just this
+Sub Expect(what, number, text)  ' that the previous statement raised exactly this
   If Err.Number <> number Or (text <> "" And InStr(Err.Description, text) = 0) Then
     WScript.Echo what & ": " & Err.Number & " [" & Err.Source & "] " & Err.Description
     failed = failed + 1

@@ -82,7 +82,7 @@ Check "recording", f.readFile(data & "analyzer-recording\good\third-octaves-by-h
 Dim files, index, timedat
 Check "folder", f.readDirectory(data & "analyzer-recording\good", index, timedat, files) = 0 And files.Count > 3
 
-' What cannot be read or written is a result, with a reason; what there was is kept.
+' A file that cannot be read or written gives a result and a reason; variables keep their values.
 Set f = Create("AQ_DataSTH")
 Set m2 = Nothing
 Check "no file", f.readFile(work & "none.csv", h, m2) = 2 And m2 Is Nothing

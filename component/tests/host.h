@@ -8,7 +8,7 @@
 
 #include "component/com.h"
 
-// A host in C++ that knows the component by its registration and by automation alone.
+// A host in C++ that knows the component only by its registration and through automation.
 
 namespace host {
 
@@ -38,7 +38,7 @@ class Value : public VARIANT {
   }
   ~Value() { VariantClear(this); }
 
-  /// The host's own variable, as late and as early bound hosts hand it over.
+  /// The host's own variable, as late-bound and early-bound hosts pass it.
   static Value late(Value& variable) {
     Value made;
     made.vt = VT_BYREF | VT_VARIANT, made.pvarVal = &variable;
@@ -56,7 +56,7 @@ class Value : public VARIANT {
   }
 };
 
-/// What a call came to.
+/// The outcome of a call.
 struct Outcome {
   HRESULT result = S_OK;
   Value value = {};
@@ -110,7 +110,7 @@ inline Outcome put(IDispatch* object, const std::wstring& name, const std::vecto
   return invoke(object, idOf(object, name), DISPATCH_PROPERTYPUT, given);
 }
 
-/// An object by its name, which has to be there.
+/// Creates an object by its name, which must be registered.
 inline Value create(const std::wstring& name) {
   CLSID identifier{};
   Value made;
@@ -126,7 +126,7 @@ inline Value create(const std::wstring& name) {
   return made;
 }
 
-void testTypeLibrary();  // and that all it tells is so
+void testTypeLibrary();  // and that objects are as it says
 void testControl();
 void testSpeed();
 /// How many keys of the registry name the component.

@@ -22,7 +22,7 @@ Check "identity", s.Time Is t
 s.SPL(24) = 65.25
 s.SPL(25) = CInt(66)
 Check "types are kept", VarType(s.SPL(24)) = vbDouble And VarType(s.SPL(25)) = vbInteger
-Check "any object with bands", s.Encompasses(s)
+Check "an object with bands", s.Encompasses(s)
 
 ' Errors have a number and a text, and change nothing
 On Error Resume Next

@@ -1,4 +1,4 @@
-"""Registers the component under wine, drives it with each client, and takes it back:
+"""Registers the component under wine, drives it with each client, and unregisters it:
 WINE DLL CLIENT DATA WORK."""
 
 import os
@@ -22,7 +22,7 @@ failures = []
 
 
 def run(*command):
-    """What a Windows program says; its status is not to be relied on."""
+    """The output of a Windows program, whose status is unreliable."""
     said = subprocess.run([wine, *map(str, command)], capture_output=True, timeout=300)
     return said.stdout.decode("utf-8", "replace").replace("\r", "")
 
@@ -42,7 +42,7 @@ def expect(what, holds, said=""):
 
 
 def drive(what, *command):
-    """A client ends with its counts; a script host that gives up says nothing."""
+    """Expects the counts that a client prints last; a script host that gives up prints nothing."""
     said = run(*command)
     ended = re.search(r"^(\d+) passed, 0 failed$", said, re.MULTILINE)
     expect(f"{what}: {ended.group(1) if ended else 'not all'} passed", ended, said)

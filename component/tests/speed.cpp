@@ -34,7 +34,7 @@ double secondsOfCall(IDispatch* object, const wchar_t* name, std::vector<VARIANT
          kCalls;
 }
 
-/// An array of that many numbers, filled without asking anybody.
+/// Fills an array of that many numbers in a plain loop.
 void fillPlainly(ULONG rows, ULONG columns) {
   SAFEARRAYBOUND bounds[] = {{rows, 1}, {columns, 1}};
   SAFEARRAY* const array = SafeArrayCreate(VT_VARIANT, 2, bounds);
