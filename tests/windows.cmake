@@ -1,14 +1,14 @@
 # The tests that run under wine. Those that do not, and why:
-#   aq_fault_tests     the linker wraps each call to the system, and they are another system's
+#   aq_fault_tests     the linker wraps each system call, and Windows has others
 #   aq_thread_tests    the compiler for Windows has no thread sanitizer
-#   consumer.*         scripts/windows builds a host against the folder that it leaves instead
-#   tool.*             the rows are run with both programs and compared: tool.same
-#   house.*, reference.*   know no system
+#   consumer.*         scripts/windows builds a host against the folder that it makes instead
+#   tool.*             tool.same runs the rows with both programs and compares the outcomes
+#   house.*, reference.*   do not depend on the system
 #   Write.* and Platform.* of write_test.cpp   owners, permissions, umask, /proc, /dev: those of
-#                      write_windows_test.cpp take their place
+#                      write_windows_test.cpp replace them
 #   recordings in Formats.GoodSamplesHaveTheListedValues   their levels go through the system's own
 #                      logarithm: second.opinion compares them to 1e-9 dB
-#   Analyzer.RunsAnExternalConverterWithoutAShell   runs shell scripts: Platform.RunsPrograms does
+#   Analyzer.RunsAnExternalConverterWithoutAShell   runs shell scripts; replaced by Platform.RunsPrograms
 # Python is named by its path: the target would be run by wine, which loses its output and status.
 # AQ_NATIVE is a build of this system with print_file and aqdata; without it nothing is compared.
 add_test(NAME library COMMAND aq_tests

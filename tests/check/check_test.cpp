@@ -199,7 +199,7 @@ TEST(Check, OneChangeIsFoundWhereItWasMade) {
   EXPECT_EQ(findingsIn(folder.with(kHistory, quoted)), Found{"1:0 quotes"});
 }
 
-TEST(Check, ACutLastLineAndRecordsThatRepeat) {
+TEST(Check, ACutLastLineAndDuplicateRecords) {
   using Found = std::vector<std::string>;
   const test::Folder folder;
   const std::string text = test::contentOf(kSamples / kHistory);
@@ -378,7 +378,7 @@ TEST(Check, PositionsAndGeometryAgainstTheirSources) {
   EXPECT_EQ(foundIn(kTrack).at(1), "57:1 time-gap");
 }
 
-TEST(Check, AMapAndItsHistoryThatDoNotFit) {
+TEST(Check, AMapThatDoesNotFitItsHistory) {
   const test::Folder folder;
   const std::string map =
       folder.with(kMap, replaced(test::contentOf(kSamples / kMap), "fly-over.sth.csv", "history"));
@@ -402,7 +402,7 @@ TEST(Check, AMapAndItsHistoryThatDoNotFit) {
   EXPECT_EQ(misfits(many), Found{"0:0 unreadable"});  // one more than the interface can count
 }
 
-TEST(Check, KindsHaveNamesOfTheirOwn) {
+TEST(Check, KindsHaveUniqueNames) {
   std::set<std::string_view> names;
   for (const FindingKind& kind : findingKinds()) names.insert(kind.name);
   EXPECT_EQ(names.size(), findingKinds().size());

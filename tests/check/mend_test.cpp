@@ -30,7 +30,7 @@ std::string commented(const std::string& done) {
                   ("Mended from a.csv: " + done + "\nRec#").c_str());
 }
 
-TEST(Mend, TakesBackWhatIsCertain) {
+TEST(Mend, UndoesWhatIsCertain) {
   const std::string commas =
       replaced(replaced(kPlain, "(\\d*)\\.(\\d)", "$1,$2"), "a,sth", "a.sth");
   const std::string semicolons = replaced(
@@ -56,8 +56,8 @@ TEST(Mend, TakesBackWhatIsCertain) {
     EXPECT_EQ(mended.text, commented(done));
     EXPECT_TRUE(mended.left.empty()) << done;
   }
-  // A text that a spreadsheet has quoted, as it has a semicolon; one that it would have quoted; a
-  // comment like the line that counts them; and a file that was cut short, which shows.
+  // A text that a spreadsheet quoted because of its semicolon; one that it would have quoted; a
+  // comment like the line that counts the comments; and a file that was cut short and still is.
   const std::pair<std::string, const char*> words[] = {
       {replaced(semicolons, "Sun, sea", "\"Sun; \"\"sea\"\"\""), "ProjectName**,Sun; \"sea\"\n"},
       {replaced(semicolons, "Sun, sea", "Sun; sea"), "ProjectName**,Sun; sea\n"},
@@ -78,7 +78,7 @@ TEST(Mend, TakesBackWhatIsCertain) {
   EXPECT_EQ(mendText(wave, "x").text, "\xF0\x9F\x98\x80\n");
 }
 
-TEST(Mend, LeavesWhatMayMeanSeveralThings) {
+TEST(Mend, LeavesWhatIsAmbiguous) {
   const std::string commas = replaced(kPlain, "(\\d*)\\.(\\d)", "$1,$2");
   const std::pair<std::string, const char*> rows[] = {
       {replaced(commas, "1,14:30:00,25,-1,25", "1,14:30:00,25,7"), "decimal commas"},

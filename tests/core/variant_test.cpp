@@ -74,7 +74,7 @@ TEST(Enumerations, HaveTheNumbersThatHostsStore) {
   expectFrom(0, {AQ_TIME_TOD, AQ_TIME_REF});
 }
 
-TEST(Variant, RefusesWhatDoesNotConvert) {
+TEST(Variant, RejectsWhatDoesNotConvert) {
   for (const Variant& none : {Variant(), Variant("x"), Variant(nullptr)}) {
     EXPECT_ERROR(none.toDouble(), TypeMismatch);
     EXPECT_ERROR(none.toBoolean(), TypeMismatch);

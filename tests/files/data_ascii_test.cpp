@@ -73,7 +73,7 @@ TEST(DataASCII, DividesLines) {
       {",", true, "a|b", {"a,b"}},
       {",", true, "\"", {""}},
       {"**", false, "Bands**,17, 40**x", {"Bands", ",17, 40", "x"}},
-      {"**", false, "a*\"*b", {"a**b"}},  // divided before quotes go
+      {"**", false, "a*\"*b", {"a**b"}},  // divided before quotes are removed
       {" ", false, "  a   b  ", {"a", "b"}},
       {" ", false, "   ", {}},
       {" ", true, "\"a b\"", {"\"a", "b\""}},

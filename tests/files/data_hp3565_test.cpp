@@ -134,7 +134,7 @@ std::string levelsOf(const Read& read) {
   return text;
 }
 
-/// 4e-10 Pa^2 is 0 dB.
+/// Values are in Pa^2, of which 4e-10 is 0 dB.
 TEST(Analyzer, ReadsTextsOfOtherPrograms) {
   const test::Folder folder;
   const std::string path = folder.file("a.txt");

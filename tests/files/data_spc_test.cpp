@@ -92,7 +92,7 @@ TEST_F(Spc, LineEndsAndBlanksMakeNoDifference) {
   }
 }
 
-TEST_F(Spc, CutsAreNoticedAtEveryLine) {
+TEST_F(Spc, ACutIsFoundAtEveryLine) {
   const std::string good = test::contentOf(test::kData / kSample);
   for (std::size_t end = good.find('\n'); end + 1 < good.size(); end = good.find('\n', end + 1)) {
     EXPECT_TRUE(failureOf(good.substr(0, end + 1)).ends_with("found the end of the file"));
@@ -116,7 +116,7 @@ TEST_F(Spc, RecordZeroAndNoRecord) {
   EXPECT_EQ(writer.writeFile(folder.file("x.spc"), some), AQ_DATA_OK);
 }
 
-TEST_F(Spc, KnowsWhichDatesComeBack) {
+TEST_F(Spc, KnowsWhetherDatesAreKept) {
   EXPECT_TRUE(keepsDates(*history));
   history->spectrum(2)->Time()->CurrentDate(0);
   EXPECT_TRUE(keepsDates(*history));
@@ -126,7 +126,7 @@ TEST_F(Spc, KnowsWhichDatesComeBack) {
   EXPECT_TRUE(keepsDates(*history));
 }
 
-TEST_F(Spc, RefusesWhatColumnsDoNotHold) {
+TEST_F(Spc, RejectsWhatColumnsCannotHold) {
   const std::string path = folder.with("kept.spc", "kept");
   AQ_Spectrum& spectrum = *history->spectrum(2);
   const auto write = [&] { return file.writeFile(path, *history); };
@@ -174,7 +174,7 @@ TEST_F(Spc, SettingsAreThoseOfTheFileThatWasRead) {
   EXPECT_EQ(history->ReferenceType(), AQ_PMAX);
 }
 
-TEST_F(Spc, FailuresSayColumns) {
+TEST_F(Spc, FailuresNameColumns) {
   const std::string good = test::contentOf(test::kData / kSample);
   struct Row {
     const char* from;

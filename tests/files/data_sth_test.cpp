@@ -45,7 +45,7 @@ TEST(DataSTH, WritesTheSameBytesUnderAnyLocale) {
   EXPECT_EQ(contentOf(folder.file("three-records.csv")), contentOf(kGood));
 }
 
-TEST(DataSTH, WhatAFileDoesNotCarry) {
+TEST(DataSTH, WhatAFileDoesNotHold) {
   const test::Folder folder;
   Read read(kGood);
   read.history->ReferenceType(AQ_AMAX);
@@ -63,7 +63,7 @@ TEST(DataSTH, WhatAFileDoesNotCarry) {
   EXPECT_EQ(again.header->cCommentLines->Item(3), "quoted");
 }
 
-TEST(DataSTH, AFileClassOfItsOwnInformationKeepsTheDateOfTheSource) {
+TEST(DataSTH, AFileClassWithItsOwnInformationKeepsTheDateOfTheSource) {
   const test::FixedInformation fixed;  // gives 2004
   const test::Folder folder;
   Read read(kGood);
@@ -83,7 +83,7 @@ TEST(DataSTH, AFileClassOfItsOwnInformationKeepsTheDateOfTheSource) {
   EXPECT_EQ(dateWith(nullptr, kGood.c_str()), "GenerationFileDateTime**,03/14/2004,07:05:09");
 }
 
-TEST(DataSTH, TheHeadersWordsAreThereForWhoWatches) {
+TEST(DataSTH, AnObserverSeesTheWordsOfTheHeader) {
   const test::Folder folder;
   const auto othersOf = [&](std::size_t line, const std::string& text, AQ_RefTimeType type) {
     auto lines = test::linesOf(contentOf(kGood));
@@ -109,7 +109,7 @@ TEST(DataSTH, TheHeadersWordsAreThereForWhoWatches) {
   EXPECT_EQ(othersOf(7, "TimeStampType**,MIDDLE", AQ_START_REF), "7 MIDDLE>START");
 }
 
-TEST(DataSTH, LinesAreTakenByPlaceAndRecordsByNumber) {
+TEST(DataSTH, LinesAreReadByPositionAndRecordsByNumber) {
   const test::Folder folder;
   auto lines = test::linesOf(contentOf(kGood));
   std::swap(lines[3], lines[4]);
@@ -188,7 +188,7 @@ TEST(DataSTH, LevelsOfAnyNumberTypeAreWritten) {
             std::string::npos);
 }
 
-TEST(DataSTH, TheNameMayBeAPartOfWhatTheCallReplaces) {
+TEST(DataSTH, TheNameMayBePartOfWhatTheCallReplaces) {
   const test::Folder folder;
   Read read(kGood);
   const std::string path =

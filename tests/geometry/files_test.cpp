@@ -163,7 +163,7 @@ TEST(DataGTH, TheDebugTimeIsWrittenAndNotRead) {
   EXPECT_EQ(ReadGTH(folder.file("out")).model->Point(1)->debugTime, 0);
 }
 
-TEST(DataGTH, TheTimeOfTheHeaderPassesATwelveHourClock) {
+TEST(DataGTH, TheHeadersTimeGoesThroughATwelveHourClock) {
   const std::pair<const char*, double> rows[] = {
       {"00:30:00", 1800}, {"11:59:59", 43199}, {"12:30:00", 88200}, {"13:00:00", 46800}};
   const test::Folder folder;

@@ -74,7 +74,7 @@ TEST(PositionTimeHistory, NearestIsTheLaterOfTwoEquallyNear) {
   EXPECT_EQ(history.Position(1)->X(), 5);
 }
 
-TEST(PositionTimeHistory, ReplacingGoesToTheEndAndACopyIsNumberedAfresh) {
+TEST(PositionTimeHistory, ReplacingMovesToTheEndAndACopyIsRenumbered) {
   AQ_PositionTimeHistory history;
   for (int i = 1; i <= 3; ++i) history.Position(i, position(i, i));
   history.Position(2, position(20, 20));
@@ -92,7 +92,7 @@ TEST(PositionTimeHistory, ReplacingGoesToTheEndAndACopyIsNumberedAfresh) {
   EXPECT_EQ(copy->Position(1)->Time()->TODseconds(), 1);
 }
 
-TEST(PositionTimeHistory, MoreThanCountCanTell) {
+TEST(PositionTimeHistory, MorePositionsThanCountHolds) {
   AQ_PositionTimeHistory history;
   const auto one = position(5);
   for (int i = 1; i <= 32768; ++i) history.Position(i, one);
@@ -144,7 +144,7 @@ TEST(GeometryTimeHistory, StampsHalfSeconds) {
   EXPECT_ERROR(history.Copy(), InvalidArgument);
 }
 
-TEST(SPointTrk, EachValueIsItsOwn) {
+TEST(SPointTrk, EachValueIsStoredSeparately) {
   AQ_SPointTrk point;
   const auto values = [&] {
     return std::tuple(point.YOFF(), point.PHI(), point.CYANG(), point.ALT(), point.GSPDKTS(),

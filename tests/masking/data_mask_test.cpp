@@ -58,7 +58,7 @@ TEST(DataMask, RowOneDecidesTheBands) {
   EXPECT_EQ(Read(folder.file("out")).result, AQ_DATA_FILE_ERROR);  // row 2 is a band short
 }
 
-TEST(DataMask, BandsThatComeInBetweenAreNotMasked) {
+TEST(DataMask, BandsInAGapAreNotMasked) {
   const test::Folder folder;
   Read read(kGood);
   for (const std::int16_t row : {std::int16_t{1}, std::int16_t{2}}) {

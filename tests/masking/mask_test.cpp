@@ -98,7 +98,7 @@ TEST(MaskRow, EncompassesByRange) {
   EXPECT_FALSE(row.Encompasses(range(17, 41)) || row.Encompasses(range(16, 40)));
 }
 
-TEST(MaskMap, CopyWantsRowsFromOneWithoutAGap) {
+TEST(MaskMap, CopyNeedsRowsFromOneWithoutAGap) {
   AQ_MaskMap map;
   map.setLGB();
   map.Row(1, std::make_shared<AQ_MaskRow>());

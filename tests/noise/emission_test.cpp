@@ -140,7 +140,7 @@ TEST(EmissionGeometry, WhereTheSourceHovers) {
   EXPECT_TRUE(std::isnan(hovering->Point(1)->BETAe));
 }
 
-TEST(EmissionGeometry, OverMidnight) {
+TEST(EmissionGeometry, AcrossMidnight) {
   const auto path = pathOf({{86399, 0, 0, 343.2}, {0.5, 1.5, 0, 343.2}, {4, 5, 0, 343.2}});
   const auto geometry =
       emissionGeometry(path, at(0, 0, 0), recordsAt({86399.5, 0.25, 3}, 45000), kCelsius);

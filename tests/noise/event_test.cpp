@@ -66,7 +66,7 @@ TEST(NoiseEvent, SumsFromLimitToLimit) {
   EXPECT_NEAR(eventOf({96}, {10}).epnl, 96, 1e-12);
 }
 
-TEST(NoiseEvent, BandSharingIsWhatTheMeanHasMore) {
+TEST(NoiseEvent, BandSharingIsTheExcessOfTheMean) {
   const std::vector<double> pnlt{90, 91, 92, 96, 92, 91, 90};
   EXPECT_NEAR(eventOf(pnlt, {0.5}, {9, 2, 3, 1, 2, 4, 9}).bandSharing, 1.4, 1e-12);
   EXPECT_EQ(eventOf(pnlt, {0.5}, {9, 1, 1, 2, 1, 1, 9}).bandSharing, 0);

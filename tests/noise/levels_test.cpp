@@ -43,7 +43,7 @@ double curveD(double f) {
          std::log10(f / 6.8966888496476e-5 * std::sqrt(h / ((f2 + 79919.29) * (f2 + 1345600))));
 }
 
-TEST(WeightedLevel, WeightingsAreTheirCurvesToTheTenth) {
+TEST(WeightedLevel, WeightingsMatchTheirCurvesToATenth) {
   for (std::size_t i = 0; i < kWeightingA.size(); ++i) {
     const double f = std::pow(10, (kFirstWeightedBand + static_cast<double>(i)) / 10);
     EXPECT_NEAR(kWeightingA[i], curveA(f) - curveA(1000), 0.05001) << f;
@@ -99,7 +99,7 @@ TEST(WeightedLevel, SumsWhatCounts) {
   EXPECT_ERROR(weightedLevel(cases[0].spectrum, AQ_METRIC_TYPE{}), InvalidArgument);
 }
 
-TEST(WeightedLevel, OfHundredthsIsThatOfDoubles) {
+TEST(WeightedLevel, ALevelInHundredthsIsUnchanged) {
   for (const double level : {-327.67, -40.01, -0.01, 0.0, 2.55, 2.56, 84.37, 327.67}) {
     EXPECT_NEAR(*weightedLevel(spectrumOf(30, {level}), AQ_METRIC_OA), level, 1e-10);
   }

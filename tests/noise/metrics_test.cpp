@@ -40,7 +40,7 @@ AQ_SpectralTimeHistory historyOf(std::int16_t first, double seconds,
 
 const std::vector<double> kFlyOver{50, 58, 66, 70, 66, 58, 50};
 
-TEST(SetMetrics, StoresTheTenOfEveryRecord) {
+TEST(SetMetrics, StoresTenMetricsOfEveryRecord) {
   auto history = historyOf(5, 3600, kFlyOver);
   history.Metrics()->MetricType(AQ_METRIC_PNL);
   const auto event = setMetrics(history);
@@ -74,7 +74,7 @@ TEST(SetMetrics, StoresTheTenOfEveryRecord) {
             AQ_INTEG_LST);
 }
 
-TEST(HistoryMetrics, RecordsSideBySideAreAsAlone) {
+TEST(HistoryMetrics, RecordsTogetherEqualEachAlone) {
   const std::vector<Variant> tones{70.0, 62.5, 70.25, 81.0, 80.0, 66.0, 65.0};
   const std::vector<AQ_Spectrum> kinds{
       spectrumOf(17, tones),          spectrumOf(7, {90.001, 60.0, 61.0, 62.0, 50.0}),
@@ -104,7 +104,7 @@ TEST(HistoryMetrics, RecordsSideBySideAreAsAlone) {
   }
 }
 
-TEST(HistoryEvent, IsThatOfTheMetrics) {
+TEST(HistoryEvent, EqualsThatOfHistoryMetrics) {
   std::mt19937 random(7);
   for (int run = 0; run < 300; ++run) {
     SCOPED_TRACE(run);
@@ -137,7 +137,7 @@ TEST(HistoryEvent, IsThatOfTheMetrics) {
   }
 }
 
-TEST(SetMetrics, MasksByRecordNumberAndStayAsTheyAre) {
+TEST(SetMetrics, MasksByRecordNumberAndLeavesTheMapUnchanged) {
   auto history = historyOf(1, 3600, {60, 60, 60, 60});
   AQ_MaskMap map;
   map.Row(4, std::make_shared<AQ_MaskRow>(rowOf(28, {"M-", "M-"})));
@@ -241,7 +241,7 @@ TEST(SetMetrics, AFailureLeavesTheHistoryAsItWas) {
   EXPECT_ERROR(setMetrics(history, &map), ObjectNotSet);
 }
 
-TEST(AuditMetrics, ListsWhatIsStoredAndNotSo) {
+TEST(AuditMetrics, ListsStoredMetricsThatDiffer) {
   auto history = historyOf(1, 3600, kFlyOver);
   EXPECT_TRUE(auditMetrics(history, nullptr, 0).empty());  // has no stored metrics
   EXPECT_FALSE(history.spectrum(1)->hasMetric());

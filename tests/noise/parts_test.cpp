@@ -12,7 +12,7 @@
 namespace aq {
 namespace {
 
-/// Records of `low` on that rise and fall by a decibel each, the loudest in the middle.
+/// Records from number `low` on that rise and fall by a decibel each, the loudest in the middle.
 std::shared_ptr<AQ_SpectralTimeHistory> flyOver(double start, std::int16_t low = 1,
                                                 std::int16_t count = 61) {
   auto history = std::make_shared<AQ_SpectralTimeHistory>();
@@ -58,7 +58,7 @@ TEST(Parts, ACutToTheEventHasTheSameEvent) {
 TEST(Parts, StampsStayAndTheStartMoves) {
   const auto whole = flyOver(86390, 5);
   whole->spectrum(5)->Level(7);
-  const RecordRange range = recordsBetween(*whole, 86395.25, 1.25);  // over midnight
+  const RecordRange range = recordsBetween(*whole, 86395.25, 1.25);  // across midnight
   EXPECT_EQ(range.first, 15);
   EXPECT_EQ(range.last, 27);
   const auto own = cutHistory(*whole, range, false);
@@ -92,7 +92,7 @@ TEST(Parts, PiecesJoinAndGapsAreFilled) {
   EXPECT_ERROR(joinHistories(*a, *b, false), InvalidArgument);
 }
 
-TEST(Parts, OtherMeasurementsAreNoPieces) {
+TEST(Parts, RejectsPiecesOfOtherMeasurements) {
   const auto a = flyOver(36000, 1, 20);
   const auto refuses = [&](const auto& change) {
     const auto b = flyOver(36010, 1, 20);

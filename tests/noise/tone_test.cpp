@@ -88,7 +88,7 @@ TEST(ToneCorrection, LastBand) {
   EXPECT_EQ(one.rows.at(0).background, 70);
 }
 
-TEST(ToneCorrection, AMarkedLastLevelGoesOnAsTheSlopeBeforeIt) {
+TEST(ToneCorrection, AMarkedLastLevelContinuesTheSlopeBeforeIt) {
   const auto result = toneCorrection(spectrumOf(19, {60.0, 61.0, 62.0, 82.0}));
   EXPECT_TRUE(result.rows.back().levelMarked);
   EXPECT_EQ(result.rows.back().adjusted, 63);

@@ -73,8 +73,8 @@ long strikeAll(Fault fault, const std::string& expected, const Work& work,
   }
 }
 
-/// The same in a child process that is killed at the call; `isWhole` says which content may be
-/// left.
+/// The same in a child process that is killed at the call; `isWhole` says whether content may
+/// remain.
 template <class Work, class IsWhole>
 long killAll(const Work& work, const IsWhole& isWhole, const std::string& name = "target.csv") {
   for (long nth = 1;; ++nth) {
@@ -139,7 +139,7 @@ TEST(Faults, EveryCallMayFailOrBeTheLastInText) {
   }
   EXPECT_GT(strikeAll(Fault::Interruption, appended, asText(from, append)), 5);
   const auto isEither = [&](const std::string& left) { return left == kOld || left == written; };
-  const auto isPart = [&](const std::string& left) {  // a kill may split what is appended
+  const auto isPart = [&](const std::string& left) {  // a kill may leave part of what is appended
     return left.starts_with(kOld) && appended.starts_with(left);
   };
   EXPECT_GT(killAll(asText(from, write), isEither), 10);
@@ -157,7 +157,7 @@ TEST(Faults, BytesReachTheDiskBeforeTheName) {
     test::disarm();
     return test::callsMade();
   };
-  // Tests only the promised order of these calls.
+  // Tests only the order of these calls that is promised.
   const auto orderOf = [&](auto&& work) {
     std::istringstream calls(callsOf(work));
     std::string order;

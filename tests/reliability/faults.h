@@ -15,7 +15,7 @@ enum class Fault {
 /// Makes the n-th call from now fail.
 void arm(Fault fault, long nth);
 
-/// Ends this; returns whether the fault happened.
+/// Stops this; returns whether the fault happened.
 bool disarm();
 
 /// The most bytes that were allocated at once since `arm`.

@@ -61,7 +61,7 @@ constexpr auto kAll = fs::perms::all;
 constexpr auto kReadOnly = fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read;
 constexpr auto kShared = fs::perms::owner_all | fs::perms::group_read | fs::perms::group_write;
 
-TEST(Write, PermissionsStayAndNewFilesHaveTheUsual) {
+TEST(Write, PermissionsStayAndNewFilesHaveTheUsualOnes) {
   const test::Folder folder;
   const std::string path = folder.with("a", "old");
   fs::permissions(path, kShared);
@@ -123,14 +123,14 @@ TEST(Write, AnAppendFollowsTheName) {
   const int held = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   ASSERT_EQ(::flock(held, LOCK_EX), 0);
   std::jthread appender([&] { EXPECT_EQ(textOf("more").appendLines(path), AQ_DATA_OK); });
-  std::this_thread::sleep_for(std::chrono::milliseconds(100));  // it has most likely begun
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));  // most likely, it has begun
   EXPECT_TRUE(writes(path));
   ::close(held);
   appender.join();
   EXPECT_EQ(test::contentOf(path), "new\nmore\n");
 }
 
-TEST(Write, WhatIsNoRegularFileIsWrittenStraight) {
+TEST(Write, NonRegularFilesAreWrittenDirectly) {
   EXPECT_EQ(refusalOf(textOf("new"), "/dev/full"),
             "a file that can be written, No space left on device");
   EXPECT_EQ(refusalOf(textOf("new"), fs::temp_directory_path().string()),
@@ -169,7 +169,7 @@ TEST(Write, WhatIsNoRegularFileIsWrittenStraight) {
   EXPECT_EQ(test::contentOf(folder.file("a")), "1\n2\n");
 }
 
-/// The owner and permissions that remain if the writer is not the owner.
+/// Which owner and permissions remain if the writer is not the owner.
 TEST(Write, ForeignFilesKeepTheirOwnerWhereTheSystemAllows) {
   if (::geteuid() != 0) GTEST_SKIP() << "needs the rights to give files away";
   constexpr uid_t kNobody = 65534;
@@ -189,7 +189,7 @@ TEST(Write, ForeignFilesKeepTheirOwnerWhereTheSystemAllows) {
   EXPECT_EQ(status.st_mode & 07777U, 06700U);
   ASSERT_EQ(::stat(roots.c_str(), &status), 0);
   EXPECT_EQ(status.st_uid, kNobody);
-  EXPECT_EQ(status.st_mode & 07777U, 0707U);  // its new group has nothing of root's
+  EXPECT_EQ(status.st_mode & 07777U, 0707U);  // its new group gets none of root's permissions
 }
 
 TEST(Write, RefusedWhereAPlainOpenOrTheFolderRefuses) {

@@ -120,7 +120,7 @@ INI = {
     "FileName": ["text"],
     "FileDateTime": ["date", "clock"],
 }
-INI_BEFORE = {  # what print_file sets; a read takes back two of them
+INI_BEFORE = {  # what print_file sets; a read resets two of them
     "caladj": [1],
     "nuavg": [99],
     "prwndo": [2],

@@ -229,7 +229,7 @@ void printTSPI(const std::string& path) {
 }
 
 void printINI(const std::string& path) {
-  AQ_DataINI file;  // no value equals one that a missing line leaves
+  AQ_DataINI file;  // every value differs from what a read sets for a missing line
   file.CalAdj(1);
   file.NuAvg(AQ_4S95);
   file.PrWndo(2);

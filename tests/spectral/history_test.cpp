@@ -145,7 +145,7 @@ TEST(History, BandsAcrossRecords) {
   EXPECT_EQ(made->spectrum(4)->SPL(21), Variant(64.5));
 }
 
-TEST(History, AMissingObjectIsAnErrorAndNoCrash) {
+TEST(History, AMissingObjectIsAnErrorNotACrash) {
   const auto made = history(1, 2);
   made->spectrum(1, nullptr);
   AQ_MaskMap map;

@@ -13,7 +13,7 @@
 
 namespace aq::test {
 
-/// The outcome of a read: the failure, what was returned in spite of it, and whether the result
+/// The outcome of a read: the failure, what was returned despite it, and whether the result
 /// value agrees with both.
 struct Outcome {
   std::optional<FileFailure> failure;

@@ -50,7 +50,7 @@ TEST(NumberText, ReadsWholeFields) {
   EXPECT_EQ(upperCased("`az{"), "`AZ{");
 }
 
-TEST(NumberText, RefusesAnythingElse) {
+TEST(NumberText, RejectsAnythingElse) {
   for (const char* text : {"", " ", ".", "-", "+", "nan", "inf", "0x10", "1,5", "12 3", "1e", "1e+",
                            "--1", "+-1", "1.2.3", "65.3dB", "\t1", "1\xC2\xA0"}) {
     EXPECT_ERROR(doubleFrom(text), TypeMismatch);
@@ -134,7 +134,7 @@ TEST(LevelText, EveryCodeHasItsTextAndEveryOtherLevelNone) {
   }
 }
 
-TEST(LevelText, LevelsOfAnyWidthAndWhatIsNone) {
+TEST(LevelText, LevelsOfAnyWidthAndWhatIsNoLevel) {
   const auto taken = [](std::string_view text) {
     std::array<LevelCode, 70> codes{};
     const FieldsTaken fields = levelsAtFront(text, codes);

@@ -26,7 +26,7 @@ HOSTILE = [
     '"><img src=x onerror=window.hacked=1>',
     "<!--<script>",
     "\u202egnorw && <b>bold</b> \\u003c &lt;",
-    "]]> \x01\x1b[31m\x7f\u2028\u2029 \udcff",  # the last one is a byte that is no UTF-8
+    "]]> \x01\x1b[31m\x7f\u2028\u2029 \udcff",  # the last one is a byte that is not UTF-8
     "w" * 400,
 ]
 HOSTILE_NAME = '<img src=x onerror=window.hacked=1>"&\u2028'
@@ -46,7 +46,7 @@ def run(*arguments, status=0):
 
 
 def season(folder):
-    """The sample, the same without anything beside it, a hostile one and one that does not read."""
+    """The sample, the same without companion files, a hostile one and one that cannot be read."""
     shutil.copytree(SAMPLES, folder, dirs_exist_ok=True)
     text = (folder / "fly-over.sth.csv").read_text()
     odd = text.replace("61.51", "9999", 1).replace("61.48", "61.4875", 1)
@@ -100,7 +100,7 @@ class Browser:
         self.settle()
 
     def settle(self):
-        """Waits until the page has drawn what it was told to."""
+        """Waits until the page has drawn what it was asked for."""
         self.driver.execute_async_script(
             "const done = arguments[0]; requestAnimationFrame(() => requestAnimationFrame(() => "
             "setTimeout(done, 50)))"
@@ -140,7 +140,7 @@ class Browser:
         return len(re.findall(rb"/Type\s*/Page\b", data))
 
     def check_quiet(self, what):
-        """Nothing went wrong, and nothing was asked for elsewhere."""
+        """Nothing failed, and nothing was requested from elsewhere."""
         log = [entry["message"] for entry in self.driver.get_log("browser")]
         expect(f"{what}: console", log, [])
         entries = self.js("return performance.getEntriesByType('resource').map((e) => e.name)")
@@ -228,7 +228,7 @@ def check_zoom(browser):
 
 
 def check_values(browser, folder):
-    """The table of records says what `aqdata metrics` says."""
+    """The table of records has the values that `aqdata metrics` prints."""
     mask = str(folder / "fly-over.mask.csv")
     found = json.loads(run("metrics", "--json", "--mask", mask, str(folder / "fly-over.sth.csv")))
     rows = browser.js(
@@ -327,7 +327,7 @@ def check_hostile(browser, place):
         ".map((e) => e.textContent)",
         place,
     )
-    whole = " ".join(HOSTILE).replace("\udcff", "\ufffd").replace('"', "")  # which the reader takes
+    whole = " ".join(HOSTILE).replace("\udcff", "\ufffd").replace('"', "")  # without quotes
     expect("texts shown as they are", sum(whole in row.replace('"', "") for row in rows), 8)
     pictures = browser.js(
         "return document.querySelector(arguments[0]).querySelectorAll('.picture').length", place

@@ -1,6 +1,6 @@
 """Runs every row of aqdata_test.py with the program of this system and with one for Windows, and
 compares what they print and write: same_output.py PROGRAM PROJECT OTHER...
-OTHER is that program, after the command of wine.
+OTHER is the command of wine and that program.
 """
 
 import os
@@ -13,23 +13,23 @@ import tempfile
 
 import aqdata_test
 
-ELSEWHERE = {  # rows with another meaning there, by their common part
+ELSEWHERE = {  # rows that mean something else on Windows, by a part that they share
     "odd": "names with line ends",
-    "bytes": "names that are no text",
+    "bytes": "names that are not text",
     "/dev/": "devices of this system",
     "ln -f": "a second name of a file, which wine makes anew",
-    "COLORTERM": "depths of colour, which a console there does not tell",
+    "COLORTERM": "depths of colour, which a console there does not report",
     "TERM=": "the same",
-    "| head": "a reader that goes away, of which a program there is told",
+    "| head": "a reader that ends first, which a program there notices",
     "xlsx": "workbooks, which the program for Windows does not write",
     "AQ_PYTHON": "interpreters of this system",
-    "/&s/": "the end of a line, where a carriage return is there",
+    "/&s/": "the end of a line, which has a carriage return there",
     "completion": "shells of this system",
 }
 
 
 def same_form(text):
-    """Line ends, the sign between folders and the time of writing are the system's and the run's."""
+    """The output without what depends on the system and the run: line ends, separators, times."""
     text = text.replace(b"\r\n", b"\n").replace(b"\\\\", b"\\").replace(b"\\", b"/")
     text = re.sub(rb"Wine cannot find the FreeType(.*\n){4}", b"", text)
     return re.sub(rb"(FileDateTime\*\*|created).*", rb"\1", text)

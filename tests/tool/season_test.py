@@ -1,4 +1,4 @@
-"""Takes a made season through the commands of docs/season.md: season_test.py PROGRAM PROJECT RUNS [PACKAGE]
+"""Takes a generated season through the commands of docs/season.md: season_test.py PROGRAM PROJECT RUNS [PACKAGE]
 
 Some of its raw files are damaged. What comes out is compared with what the files were made of, and the
 time of each step with that of reading all files once.
@@ -38,7 +38,7 @@ for run, path in zip(runs.values(), paths):
     assert run.mask.data == aq_data.read(str(path).replace(".sth.", ".mask.")).data
     assert list(run.history.header.cCommentLines) == list(header.cCommentLines)
 """
-BY_PACKAGE = [  # what the tool has done by the package
+BY_PACKAGE = [  # what the tool does with the package
     f"aqdata convert {ONE}.sth.csv --masks -o one.nc && aqdata convert one.nc -o one.sth.csv",
     f"aqdata diff --dates {ONE}.sth.csv one.sth.csv && aqdata diff {ONE}.mask.csv one.mask.csv",
     f"aqdata plot {ONE}.sth.csv {ONE}.mask.csv -o one.png && grep -q PNG one.png",
