@@ -20,7 +20,7 @@ double residentNow() {
 
 double residentAtMost() {
   rusage usage{};
-  require(getrusage(RUSAGE_SELF, &usage) == 0, "asking for the peak of memory");
+  require(getrusage(RUSAGE_SELF, &usage) == 0, "getting the peak memory");
   return static_cast<double>(usage.ru_maxrss) * 1024;
 }
 

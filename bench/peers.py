@@ -38,7 +38,7 @@ def printed(name: str, times: list[float], own: float) -> None:
 
 
 def compare_metrics(history: Path) -> None:
-    """The ten metrics of every record and the EPNL: the same to 1e-9, and the ratio of times."""
+    """Metrics of every record and the EPNL must agree to 1e-9; prints the ratios of the times."""
     read = aq_data.read(history).data
     levels = read.to_numpy()
     expected, found = metrics_peer.metrics(levels), aq_data.metrics(read)

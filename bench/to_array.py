@@ -46,7 +46,7 @@ def main() -> None:
         assert np.array_equal(ours(), levels) and np.array_equal(pandas(), levels)
         times = [(seconds(ours), seconds(pandas)) for _ in range(ROUNDS)]
     own, other = (statistics.median(column) for column in zip(*times))
-    print(f"to array: {own * 1e3:.1f} ms, pandas {other * 1e3:.1f} ms, a {other / own:.1f}th of it")
+    print(f"to array: {own * 1e3:.1f} ms, pandas {other * 1e3:.1f} ms, ratio {other / own:.1f}")
 
 
 if __name__ == "__main__":

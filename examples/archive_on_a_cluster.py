@@ -26,7 +26,7 @@ PATHS_PER_TASK = 25
 
 
 def make(folder: Path, number: int) -> None:
-    """One fly-over, louder and faster with its number, and masked where it falls below 40 dB."""
+    """One fly-over; louder and faster as the number grows, masked where it falls below 40 dB."""
     rng = np.random.default_rng(number)
     seconds = (np.arange(RECORDS) - RECORDS // 2) * 0.5
     slant = np.hypot(150, (60 + number % 40) * seconds)

@@ -123,7 +123,7 @@ bool compare(const Measurement& a, const Measurement& b) {
     allEqual = allEqual && equal;
   }
   report("file name", "not equal: the new file's, " + b.header->sFileName);
-  report("file date and time", "not equal: of this writing");
+  report("file date and time", "not equal: when this file was written");
   report("reference time type",
          "not read back: " + one.sReferenceTimeType() + " reads as " + two.sReferenceTimeType());
   report("last good bands", "not in this file; the map gives them again");

@@ -55,8 +55,8 @@ void checkAny(const Target&, std::string_view input) {
   });
 }
 
-/// The number of lines of a text: a carriage return before a line end belongs to it, and the last
-/// line needs no end.
+/// The lines of a text: a carriage return before a line end belongs to the end, and the last line
+/// needs no end.
 std::vector<std::string> plainLines(std::string_view input) {
   std::vector<std::string> lines;
   while (!input.empty()) {

@@ -18,8 +18,8 @@ ALLOWED = {  # each folder, and the others that it may use
     "check": {"core", "detail", "text", "sdf", "masking", "spectral", "geometry", "noise", "files"},
     "describe": {"core", "masking", "spectral", "geometry", "noise", "files", "check"},
 }
-# A variant, a time and the dates of files have text forms: these sources, not their headers, use
-# them.
+# Variants, times and the dates of files have text forms, which these sources may use but not their
+# headers.
 WITH_TEXT = {"aq/core/variant.cpp", "aq/core/time.cpp", "aq/core/file_information.cpp"}
 
 
@@ -34,7 +34,7 @@ def includes(root):
 def imports(root):
     """Which modules of a package import which, including imports in functions."""
     modules = {path.stem: f"{root.name}/{path.name}" for path in sorted(root.glob("*.py"))}
-    modules.pop("__init__", None)  # offers them all
+    modules.pop("__init__", None)  # imports them all
     found = {}
     for stem, name in modules.items():
         known = set()
@@ -46,7 +46,7 @@ def imports(root):
 
 
 def circle_from(start, graph):
-    """The files on a way from `start` back to it, or nothing."""
+    """The files on a path from `start` back to it; None if there is none."""
     seen, ways = set(), [[start]]
     while ways:
         way = ways.pop()
@@ -64,7 +64,7 @@ def room_faults(graph):
         room = name.split("/")[1]
         for target in targets:
             if target not in graph:
-                yield f"{name} includes {target}, which is not there"
+                yield f"{name} includes {target}, which does not exist"
             other = target.split("/")[1]
             if room in ALLOWED and other != room and other not in ALLOWED[room]:
                 if name not in WITH_TEXT or other != "text":
