@@ -80,7 +80,7 @@ TEST(Sizes, LongLinesAndManyOfThem) {
   const test::Folder folder;
   AQ_DataASCII text;
   const std::string lines = folder.with("lines", std::string(kSize, '\n'));
-  // A line is a string, a line of fields a collection of one, whatever its length.
+  // Each line takes a string, and as fields a collection of one string, however short it is.
   EXPECT_LT(memoryOf([&] { EXPECT_EQ(text.readLines(lines), AQ_DATA_OK); }), 100 * kSize);
   EXPECT_LT(memoryOf([&] { EXPECT_EQ(text.readFields(lines), AQ_DATA_OK); }), 250 * kSize);
   EXPECT_EQ(text.Fields()->Count(), static_cast<std::int32_t>(kSize));
@@ -112,7 +112,7 @@ TEST(Sizes, TheShortestRecords) {
     std::string content = test::contentOf(sample);
     const std::string row = shortest.at(name);
     content.resize(content.rfind('\n', content.size() - 2) + 1);
-    for (int record = kRecords; record > 0; --record) {  // falling numbers need a table
+    for (int record = kRecords; record > 0; --record) {  // descending numbers need a table
       content += (row[0] == ',' ? std::to_string(record) : "") + row;
     }
     expectMemory(name, content);

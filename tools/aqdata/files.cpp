@@ -253,7 +253,7 @@ std::string OutputPlaces::of(const std::string& file) {
   }
   fs::create_directories(place.parent_path(), error);
   if (error) {
-    throw Failure(fmt::format("cannot make the folder {}: {}",
+    throw Failure(fmt::format("cannot create the folder {}: {}",
                               aq::escaped(place.parent_path().string()), error.message()));
   }
   return place.string();

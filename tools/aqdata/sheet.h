@@ -59,7 +59,7 @@ struct Sheet {
 /// The keys that a header of some kind may have.
 [[nodiscard]] std::vector<std::string> headerKeys();
 
-/// Seconds rounded to five decimals: files give them in single precision, minute by minute.
+/// Seconds rounded to five decimals: those of a minute are read in single precision.
 [[nodiscard]] double tidySeconds(double seconds);
 
 /// The double with the same shortest text as a single-precision number.

@@ -185,7 +185,7 @@ class TrackChart {
 }
 
 function trackKeys(run, path) {
-  const keys = [["level", path.ofGeometry ? "at the emission" : `${path.time.length} positions`]];
+  const keys = [["level", path.ofGeometry ? "at emission" : `${path.time.length} positions`]];
   if (path.rejected) keys.push(["plain", `${path.rejected} rejected`]);
   if (run.data.microphone) keys.push(["microphone", "microphone"]);
   keys.push(["cursor", path.emission ? "emission of the record" : "at the time of the record"]);
