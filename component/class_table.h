@@ -67,7 +67,7 @@ struct ClassTable {
   std::string progId;
   int number = 0;
   std::vector<Member> members;
-  std::function<std::shared_ptr<void>()> create = {};       ///< empty if only the library may
+  std::function<std::shared_ptr<void>()> create = {};       ///< empty if hosts cannot create it
   std::function<Variant(std::shared_ptr<void>)> hold = {};  ///< an object as a value
   std::function<std::shared_ptr<void>(const Variant&)> held = {};  ///< and back; null for others
   std::function<std::vector<Value>(void*)> entries = {};           ///< for For Each

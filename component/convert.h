@@ -27,7 +27,7 @@ struct Message {
   std::string text;
 };
 
-/// The entries of a collection are of this type.
+/// The type of the entries of a collection.
 template <class T>
 struct CollectionEntry;
 template <class T>
