@@ -1,4 +1,5 @@
-"""Takes a generated season through the commands of docs/season.md: season_test.py PROGRAM PROJECT RUNS [PACKAGE]
+"""Takes a generated season through the commands of docs/season.md:
+season_test.py PROGRAM PROJECT RUNS [PACKAGE]
 
 Some of its raw files are damaged. What comes out is compared with what the files were made of, and the
 time of each step with that of reading all files once.
