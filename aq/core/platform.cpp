@@ -5,6 +5,7 @@
 #include <poll.h>
 #include <spawn.h>
 #include <sys/file.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -418,6 +419,12 @@ void appendToFile(const std::string& path, std::string_view bytes) {
     if (own < 0 && times < kMostTimes && !sameFile(statusOf(path), before)) continue;
     return appendTo(file, path, before, bytes);
   }
+}
+
+void preferLargePages([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t size) {
+#ifdef MADV_HUGEPAGE
+  ::madvise(memory, size, MADV_HUGEPAGE);  // a refusal changes nothing
+#endif
 }
 
 std::vector<std::string> filesIn(const std::string& folder) {

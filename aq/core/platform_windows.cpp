@@ -585,6 +585,8 @@ void appendToFile(const std::string& path, std::string_view bytes) {
   appendTo(file, bytes);
 }
 
+void preferLargePages(void*, std::size_t) {}  // would need a privilege
+
 std::vector<std::string> filesIn(const std::string& folder) {
   if (folder.empty()) failBy(kReadFolder, ERROR_PATH_NOT_FOUND);
   const std::wstring path = pathOf(folder, kReadFolder);

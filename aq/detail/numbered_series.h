@@ -43,6 +43,12 @@ class AQ_API NumberIndex {
     return static_cast<std::size_t>(std::int64_t{number} - first_);
   }
 
+  /// Whether the number is the next one of a run. Then `lengthen` records it, in the next slot.
+  [[nodiscard]] bool continues(std::int32_t number) const {
+    return isRun() && length_.value != 0 && number == afterRun();
+  }
+  void lengthen() { ++length_.value; }
+
   /// Reserves room for a number, so that `set` cannot fail. Only `renumber` may be called in
   /// between.
   void reserveNext(std::int32_t number) {
@@ -129,6 +135,12 @@ class NumberedSeries {
   };
 
   void store(std::int32_t number, Object&& object) {
+    if (index_.continues(number)) {
+      slots_.reserveNext();
+      slots_.append(std::move(object));
+      index_.lengthen();
+      return;
+    }
     const std::size_t slot = index_.find(number);
     slots_.reserveNext();
     index_.reserveNext(number);

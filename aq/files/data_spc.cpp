@@ -180,7 +180,7 @@ bool keepsDates(AQ_SpectralTimeHistory& history) {
 
 void AQ_DataSPC::readRecords(LineReader& lines, const Settings& part,
                              AQ_SpectralTimeHistory& history) {
-  SharedBlocks<AQ_Spectrum> spectra;
+  SharedBlocks<AQ_Spectrum> spectra(part.last - part.first + 1);
   SharedBlocks<AQ_Time> times;
   LevelRow levels(part.low, part.high);
   RecordDates dates(history.startTime()->CurrentDate());

@@ -19,9 +19,10 @@ constexpr std::string_view kFirstHeading = "Rec#";
 constexpr std::int16_t kHeadingLow = 17;
 constexpr std::int16_t kHeadingHigh = 40;
 
+/// Returns the number of records according to the header.
 template <class Lines>
-void header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHistory& history,
-            LevelColumns& columns) {
+std::int16_t header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHistory& history,
+                    LevelColumns& columns) {
   std::int16_t count = history.Count();
   std::int16_t low = history.LoRec();
   std::int16_t high = history.HiRec();
@@ -52,6 +53,7 @@ void header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHistory& history,
   lines.dateTimeOf("GenerationFileDateTime", header.sGenerationFile, header.aqGenerationDateTime);
   lines.lines("OtherRecords", header.cOtherRecords);
   lines.lines("NumberOfCommentLines", header.cCommentLines);
+  return count;
 }
 
 std::string columnHeading() {
@@ -102,7 +104,7 @@ AQ_DataMessage AQ_DataSTH::writeFile(const std::string& sFileName,
     LevelColumns columns{record(low).LowBand(), record(low).HighBand()};
     std::string text;
     HeaderWriter lines(text, fileInformation());
-    header(lines, *header_, aqTimeHistory, columns);
+    static_cast<void>(header(lines, *header_, aqTimeHistory, columns));
     lines.columns(columnHeading());
     appendRows(text, low, high, [&](std::int32_t number) {
       appendRecord(text, static_cast<std::int16_t>(number), record(number));
@@ -120,10 +122,10 @@ AQ_DataMessage AQ_DataSTH::readFile(const std::string& sFileName,
     HeaderReader headerLines(lines, headerObserver());
     header_ = std::make_shared<AQ_HeaderSTH>();
     LevelColumns columns;
-    header(headerLines, *header_, *history, columns);
+    const std::int16_t count = header(headerLines, *header_, *history, columns);
     headerLines.skipColumns();
     aqHeader = header_;
-    SharedBlocks<AQ_Spectrum> spectra;
+    SharedBlocks<AQ_Spectrum> spectra(count);
     while (lines.next()) readRecord(FieldReader(lines), columns, spectra.next(), *history);
     STH = std::move(history);
   });

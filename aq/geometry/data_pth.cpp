@@ -75,7 +75,7 @@ void AQ_DataPTH::readFile(const std::string& sFileName, std::shared_ptr<AQ_Heade
     headerLines.skipColumns();
     aqHeader = header_;
     auto history = std::make_shared<AQ_PositionTimeHistory>();
-    SharedBlocks<AQ_Position> positions;
+    SharedBlocks<AQ_Position> positions(header_->lNumberRecords);
     DataLineLimit limit;
     while (lines.next()) {
       auto position = positions.next();

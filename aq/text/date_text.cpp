@@ -9,6 +9,7 @@
 
 #include "aq/core/error.h"
 #include "aq/text/number_text.h"
+#include "aq/text/word.h"
 
 namespace aq {
 namespace {
@@ -152,20 +153,19 @@ PlainClock plainClock(std::string_view text) {
   constexpr std::size_t kPoint = 8;
   constexpr std::size_t kLongest = kPoint + 7;
   if (text.size() < kPoint || text[2] != ':' || text[5] != ':') return {};
-  bool digits = true;
-  const auto digit = [&](std::size_t place) {
-    const int value = text[place] - '0';
-    digits = digits && value >= 0 && value <= 9;
-    return value;
-  };
-  const int hours = digit(0) * 10 + digit(1);
-  const int minutes = digit(3) * 10 + digit(4);
-  std::int32_t seconds = digit(6) * 10 + digit(7);  // with its decimals as one integer
+  const std::uint64_t clock = wordOfText(text) ^ wordOfText("00:00:00");
+  bool digits = areDigits(clock);
+  const std::uint64_t pairs = clock * 10 + (clock >> 8);
+  const int hours = byteOf(pairs, 0);
+  const int minutes = byteOf(pairs, 3);
+  std::int32_t seconds = byteOf(pairs, 6);  // with its decimals as one integer
   std::int32_t scale = 1;
   std::size_t place = kPoint;
   if (place < text.size() && text[place] == '.') ++place;
   for (; place > kPoint && place < std::min(text.size(), kLongest) && text[place] != ','; ++place) {
-    seconds = seconds * 10 + digit(place);
+    const auto digit = static_cast<unsigned>(text[place] - '0');
+    digits = digits && digit <= 9;
+    seconds = seconds * 10 + static_cast<int>(digit);
     scale *= 10;
   }
   if (!digits || (place < text.size() && text[place] != ',')) return {};

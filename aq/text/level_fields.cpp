@@ -1,214 +1,214 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <cstring>
+#include <limits>
 
 #include "aq/text/level_code.h"
-#include "aq/text/level_word.h"
-#if defined(__SSE2__) || defined(_M_X64)
-#include <emmintrin.h>
-#define AQ_HAS_SSE2
+#include "aq/text/plain_number.h"
+#if defined(__GNUC__) && defined(__SSE2__)
+#include <immintrin.h>
+#define AQ_AVX2 __attribute__((target("avx2,bmi")))  // for functions that run only where both exist
 #endif
 
-// Levels with "," between them. Each may have one, two or three whole digits, so the ends of all
-// fields are found first, and the levels are taken in groups without a branch on their width.
+// Levels with "," between them. Each may have one, two or three whole digits, so where the
+// processor can align bytes, the ends of all fields are found first, and eight levels are taken at
+// once, without a branch on their widths.
 
 namespace aq {
 namespace {
 
-constexpr std::size_t kFieldsAtOnce = 64;
-constexpr std::size_t kScanned = 64;
-constexpr std::size_t kLongestText = kFieldsAtOnce * (kLevelColumns + 1);  // fits levels
-
-/// Where each field ends, from the start of the first.
-using FieldEnds = std::array<std::uint16_t, kFieldsAtOnce + kScanned>;
-
-/// Finds up to `most` fields; returns how many.
-std::size_t findEnds(std::string_view text, std::size_t most, FieldEnds& ends) {
-  std::size_t count = 0;
-  for (std::size_t from = 0; from <= text.size() && count < most; from = ends[count - 1] + 1U) {
-    ends[count++] = static_cast<std::uint16_t>(std::min(text.find(',', from), text.size()));
-  }
-  return count;
-}
-
-constexpr std::size_t kShortest = 3;  // a point and two decimals
+constexpr std::size_t kShortestLevel = 3;  // a point and two decimals
 constexpr std::size_t kLongestLevel = 6;
 
-#ifdef AQ_HAS_SSE2  // in every build for 64-bit x86
-
-constexpr std::size_t kVector = sizeof(__m128i);
-
-/// A bit for every comma among sixteen bytes.
-std::uint64_t commasAt(const char* at) {
-  const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-  return static_cast<std::uint16_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, _mm_set1_epi8(','))));
+/// Takes one level of any form; returns how many characters it has, 0 if the text starts with none.
+std::size_t takeLevel(std::string_view text, LevelCode& code) {
+  constexpr std::string_view kInvalidText = "9999.00";
+  if (text.starts_with(kInvalidText)) {
+    code = kInvalidCode;
+    const std::size_t size = kInvalidText.size();
+    return text.size() == size || text[size] == ',' ? size : 0;
+  }
+  const PlainNumber number = plainNumber(text);
+  const bool isLevel = number.decimals == 2 &&
+                       number.length <= kLongestLevel + (number.negative ? 1 : 0) &&
+                       number.digits <= std::numeric_limits<LevelCode>::max() &&
+                       !(number.negative && number.digits == 0);
+  code = static_cast<LevelCode>(number.negative ? -number.digits : number.digits);
+  return isLevel ? number.length : 0;
 }
 
-/// A bit for every comma in the block at `from`, and for the end of the text, which has sixteen
-/// bytes or more.
-std::uint64_t endsInBlock(std::string_view text, std::size_t from) {
+#ifdef AQ_AVX2
+
+constexpr std::size_t kGroup = 8;
+constexpr std::size_t kFieldsAtOnce = 64;
+constexpr std::size_t kScanned = 64;
+constexpr std::size_t kHalf = sizeof(__m128i);
+constexpr std::size_t kWhole = sizeof(__m256i);
+constexpr std::size_t kLengths = kLongestLevel - kShortestLevel + 1;
+constexpr std::uint8_t kNoByte = 0x80;
+using Bytes = std::array<std::uint8_t, kHalf>;
+
+/// Where fields of a text end: entry n is the end of field n, from 1, and entry 0 the place before
+/// the text.
+using FieldEnds = std::array<std::uint16_t, 1 + kFieldsAtOnce + kScanned>;
+
+/// A bit for every comma among 32 bytes.
+AQ_AVX2 std::uint64_t commasAt(const char* at) {
+  const __m256i bytes = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(at));
+  const __m256i commas = _mm256_cmpeq_epi8(bytes, _mm256_set1_epi8(','));
+  return static_cast<std::uint32_t>(_mm256_movemask_epi8(commas));
+}
+
+/// A bit for every comma in the block at `from`, and for the end of the text, which has 32 bytes or
+/// more.
+AQ_AVX2 std::uint64_t endsInBlock(std::string_view text, std::size_t from) {
   const char* const at = text.data() + from;
   const std::size_t left = text.size() - from;
-  if (left >= kScanned) {
-    return commasAt(at) | commasAt(at + kVector) << kVector |
-           commasAt(at + 2 * kVector) << (2 * kVector) |
-           commasAt(at + 3 * kVector) << (3 * kVector);
-  }
-  std::uint64_t ends = std::uint64_t{1} << left;
-  std::size_t place = 0;
-  for (; left - place >= kVector; place += kVector) ends |= commasAt(at + place) << place;
-  const std::uint64_t lastVector = commasAt(text.data() + text.size() - kVector);
-  return ends | lastVector >> (kVector - (left - place)) << place;
+  if (left >= kScanned) return commasAt(at) | commasAt(at + kWhole) << kWhole;
+  const std::size_t place = left < kWhole ? 0 : kWhole;
+  const std::uint64_t last = commasAt(text.data() + text.size() - kWhole);
+  return std::uint64_t{1} << left | (place == 0 ? 0 : commasAt(at)) |
+         last >> (kWhole - (left - place)) << place;
 }
 
-/// Like `findEnds`, but block by block.
-std::size_t findEndsByBlocks(std::string_view text, std::size_t most, FieldEnds& ends) {
-  if (text.size() < kVector) return findEnds(text, most, ends);
+/// Finds the ends of up to `most` fields; returns how many.
+AQ_AVX2 std::size_t findEnds(std::string_view text, std::size_t most, FieldEnds& ends) {
   std::size_t count = 0;
+  ends[0] = static_cast<std::uint16_t>(-1);
   for (std::size_t from = 0; from <= text.size() && count < most; from += kScanned) {
     for (std::uint64_t left = endsInBlock(text, from); left != 0; left &= left - 1) {
-      ends[count++] =
+      ends[++count] =
           static_cast<std::uint16_t>(from + static_cast<unsigned>(std::countr_zero(left)));
     }
   }
   return std::min(count, most);
 }
 
-constexpr std::size_t kGroup = 4;
-
-/// The bytes of a word that a field of three to six characters takes.
-constexpr std::array<std::uint64_t, 4> kBytesOfField = {~0ULL << 40, ~0ULL << 32, ~0ULL << 24,
-                                                        ~0ULL << 16};
-
-/// Consecutive fields of a text.
-struct Fields {
-  const char* text;
-  std::size_t start;
-  std::size_t strange = 0;  ///< above 3 if one was too short or too long
-
-  /// The digits of the next two fields, as numbers at the end of a word each; point and commas are
-  /// cleared. The second field ends after at least eight characters.
-  __m128i digits(std::size_t firstEnd, std::size_t secondEnd) {
-    const std::size_t first = firstEnd - start - kShortest;
-    const std::size_t second = secondEnd - firstEnd - 1 - kShortest;
-    const char* const last = text + secondEnd - kLevelColumns;
-    std::uint64_t atStart = 0;  // if the first field ends within the first eight characters
-    if (firstEnd < kLevelColumns) {
-      std::memcpy(&atStart, text, sizeof atStart);
-      atStart <<= 8 * ((kLevelColumns - firstEnd) & 7);
+/// Where the bytes of two neighbouring fields are among the sixteen that end with the second, to
+/// move each field to the end of its half. By the lengths less the shortest.
+constexpr auto kHalves = [] {
+  std::array<std::array<Bytes, kLengths>, kLengths> all{};
+  for (std::size_t first = 0; first < kLengths; ++first) {
+    for (std::size_t second = 0; second < kLengths; ++second) {
+      Bytes& places = all[first][second];
+      places.fill(kNoByte);
+      const std::size_t firstEnd = kHalf - (second + kShortestLevel) - 1;
+      for (std::size_t left = 1; left <= first + kShortestLevel; ++left) {
+        places[kWordBytes - left] = static_cast<std::uint8_t>(firstEnd - left);
+      }
+      for (std::size_t left = 1; left <= second + kShortestLevel; ++left) {
+        places[kHalf - left] = static_cast<std::uint8_t>(kHalf - left);
+      }
     }
-    const __m128i words = firstEnd < kLevelColumns ? both(&atStart, last)
-                                                   : both(text + firstEnd - kLevelColumns, last);
-    const __m128i bytes = both(&kBytesOfField[first & 3], &kBytesOfField[second & 3]);
-    strange |= first | second;
-    start = secondEnd + 1;
-    const __m128i zeros = _mm_set1_epi64x(static_cast<std::int64_t>(kZeroWord));
-    return _mm_and_si128(_mm_xor_si128(words, zeros), bytes);
   }
+  return all;
+}();
 
- private:
-  static __m128i both(const void* first, const void* second) {
-    const __m128i low = _mm_loadl_epi64(static_cast<const __m128i*>(first));
-    return _mm_castps_si128(_mm_loadh_pi(_mm_castsi128_ps(low), static_cast<const __m64*>(second)));
-  }
-};
+/// From byte n on, what moves the first n of sixteen bytes to their end.
+constexpr auto kToEnd = [] {
+  std::array<std::uint8_t, 2 * kHalf> places{};
+  places.fill(kNoByte);
+  for (std::size_t i = 0; i < kHalf; ++i) places[kHalf + i] = static_cast<std::uint8_t>(i);
+  return places;
+}();
 
-/// The hundredths of two levels, each as two terms.
-__m128i termsOf(__m128i digits) {
-  const __m128i zero = _mm_setzero_si128();
-  const __m128i scale = _mm_setr_epi16(0, 0, 10000, 1000, 100, 0, 10, 1);
-  const __m128i terms = _mm_packs_epi32(_mm_madd_epi16(_mm_unpacklo_epi8(digits, zero), scale),
-                                        _mm_madd_epi16(_mm_unpackhi_epi8(digits, zero), scale));
-  return _mm_madd_epi16(terms, _mm_set1_epi16(1));
+__m128i loaded(const void* bytes) { return _mm_loadu_si128(static_cast<const __m128i*>(bytes)); }
+
+/// The sixteen bytes of a text that end at `end`, or all before it.
+AQ_AVX2 __m128i bytesTo(const char* text, std::size_t end) {
+  if (end >= kHalf) return loaded(text + end - kHalf);
+  return _mm_shuffle_epi8(loaded(text), loaded(&kToEnd[end]));
 }
 
-/// Takes a group of levels from 0 to 299.99 dB; false if one has another form.
-bool takeGroup(const char* text, std::size_t start, const std::uint16_t* ends, LevelCode* codes) {
-  if (ends[1] < kLevelColumns) return false;
-  Fields fields{text, start};
-  const __m128i first = fields.digits(ends[0], ends[1]);
-  const __m128i second = fields.digits(ends[2], ends[3]);
-  const __m128i largest = _mm_set1_epi64x(0x0909000909020000);  // what each byte may be
-  const __m128i above = _mm_or_si128(_mm_subs_epu8(first, largest), _mm_subs_epu8(second, largest));
-  const __m128i fits = _mm_cmpeq_epi8(above, _mm_setzero_si128());
-  if (fields.strange > 3 || _mm_movemask_epi8(fits) != 0xFFFF) return false;
-  const __m128i sums =
-      _mm_madd_epi16(_mm_packs_epi32(termsOf(first), termsOf(second)), _mm_set1_epi16(1));
-  _mm_storel_epi64(reinterpret_cast<__m128i*>(codes), _mm_packs_epi32(sums, sums));
+/// The digits of two pairs of fields, whose points become 0. `places` are offsets in `kHalves`.
+AQ_AVX2 __m256i digitsOf(__m128i low, __m128i high, std::uint32_t lowPlaces,
+                         std::uint32_t highPlaces) {
+  const auto* const halves = reinterpret_cast<const char*>(kHalves.data());
+  const __m256i bytes = _mm256_set_m128i(high, low);
+  const __m256i places = _mm256_set_m128i(loaded(halves + highPlaces), loaded(halves + lowPlaces));
+  const __m256i digits =
+      _mm256_shuffle_epi8(_mm256_xor_si256(bytes, _mm256_set1_epi8('0')), places);
+  return _mm256_xor_si256(digits, _mm256_set1_epi64x(std::int64_t{'.' ^ '0'} << 40));
+}
+
+/// The hundredths of four levels, each as two terms.
+AQ_AVX2 __m256i termsOf(__m256i digits) {
+  const __m256i pairs = _mm256_set1_epi64x(0x010A0064010A0000);  // tens, units, and after the point
+  const __m256i terms = _mm256_set1_epi64x(0x0001000103E80000);
+  return _mm256_madd_epi16(_mm256_maddubs_epi16(digits, pairs), terms);
+}
+
+/// Takes eight levels from 0 to 299.99 dB, whose ends follow `ends[0]`; false if one has another
+/// form. The text has sixteen bytes or more.
+AQ_AVX2 bool takeGroup(const char* text, const std::uint16_t* ends, LevelCode* codes) {
+  const __m128i lengths = _mm_sub_epi16(_mm_sub_epi16(loaded(ends + 1), loaded(ends)),
+                                        _mm_set1_epi16(1 + kShortestLevel));
+  const __m128i strange = _mm_subs_epu16(lengths, _mm_set1_epi16(kLengths - 1));
+  if (_mm_testz_si128(strange, strange) == 0) return false;
+  constexpr int kRow = kLengths * sizeof(Bytes);
+  const __m128i offsets =
+      _mm_madd_epi16(lengths, _mm_set1_epi32(static_cast<int>(sizeof(Bytes)) << 16 | kRow));
+  std::array<std::uint32_t, kGroup / 2> places;
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(places.data()), offsets);
+  const __m256i even =
+      digitsOf(bytesTo(text, ends[2]), bytesTo(text, ends[6]), places[0], places[2]);
+  const __m256i odd =
+      digitsOf(bytesTo(text, ends[4]), bytesTo(text, ends[8]), places[1], places[3]);
+  const __m256i largest = _mm256_set1_epi64x(0x0909000909020000);  // what each byte may be
+  const __m256i above =
+      _mm256_or_si256(_mm256_subs_epu8(even, largest), _mm256_subs_epu8(odd, largest));
+  if (_mm256_testz_si256(above, above) == 0) return false;
+  const __m256i sums = _mm256_hadd_epi32(termsOf(even), termsOf(odd));
+  const __m128i packed =
+      _mm_packs_epi32(_mm256_castsi256_si128(sums), _mm256_extracti128_si256(sums, 1));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(codes), packed);
   return true;
+}
+
+/// Takes groups of levels from the start of a text of 32 bytes or more.
+AQ_AVX2 FieldsTaken takeGroups(std::string_view text, std::span<LevelCode> codes) {
+  constexpr std::size_t kMost = kFieldsAtOnce * (kLongestLevel + 1);  // where a group cannot reach
+  FieldEnds ends;
+  const std::size_t found =
+      findEnds(text.substr(0, kMost), std::min(codes.size(), kFieldsAtOnce), ends);
+  std::size_t count = 0;
+  while (count < found && found >= kGroup) {
+    const std::size_t from = std::min(count, found - kGroup);  // the last group may overlap
+    if (!takeGroup(text.data(), &ends[from], &codes[from])) break;
+    count = from + kGroup;
+  }
+  if (count == 0) return {};
+  const bool last = ends[count] == text.size();
+  return {.count = count, .length = ends[count] + (last ? 0U : 1U), .last = last};
+}
+
+FieldsTaken takeUsual(std::string_view text, std::span<LevelCode> codes) {
+  static const bool can = __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("bmi") != 0;
+  return can && text.size() >= kWhole ? takeGroups(text, codes) : FieldsTaken();
 }
 
 #else
 
-std::size_t findEndsByBlocks(std::string_view text, std::size_t most, FieldEnds& ends) {
-  return findEnds(text, most, ends);
-}
-
-constexpr std::size_t kGroup = 1;
-
-bool takeGroup(const char*, std::size_t, const std::uint16_t*, LevelCode*) { return false; }
+FieldsTaken takeUsual(std::string_view, std::span<LevelCode>) { return {}; }
 
 #endif
-
-/// Takes one level of any form; false if there is none.
-bool takeField(std::string_view field, LevelCode& code) {
-  if (field == "9999.00") {
-    code = kInvalidCode;
-    return true;
-  }
-  const bool negative = field.starts_with('-');
-  if (negative) field.remove_prefix(1);
-  if (field.size() < kShortest || field.size() > kLongestLevel || field.front() == ' ')
-    return false;
-  std::array<char, kLevelColumns> columns;
-  columns.fill(' ');
-  std::copy(field.begin(), field.end(), columns.end() - static_cast<std::ptrdiff_t>(field.size()));
-  std::uint64_t word = 0;
-  std::memcpy(&word, columns.data(), columns.size());
-  const std::int32_t hundredths = hundredthsInColumns(word);
-  if (hundredths < 0 || hundredths > kLargestCode || (negative && hundredths == 0)) return false;
-  code = static_cast<LevelCode>(negative ? -hundredths : hundredths);
-  return true;
-}
-
-/// Takes levels from the start of the text until one has no form of a level; returns how many.
-std::size_t takeFields(std::string_view text, std::span<const std::uint16_t> ends,
-                       LevelCode* codes) {
-  std::size_t start = 0;
-  std::size_t count = 0;
-  while (count < ends.size()) {
-    const std::size_t full = std::min(count + kGroup, ends.size());
-    if (full - count == kGroup && takeGroup(text.data(), start, &ends[count], codes + count)) {
-      count = full;
-    }
-    for (; count < full; ++count) {
-      if (!takeField(text.substr(start, ends[count] - start), codes[count])) return count;
-      start = ends[count] + 1U;
-    }
-    start = ends[count - 1] + 1U;
-  }
-  return count;
-}
 
 }  // namespace
 
 FieldsTaken levelsAtFront(std::string_view text, std::span<LevelCode> codes) {
-  if constexpr (std::endian::native != std::endian::little) return {};
+  constexpr std::size_t kAtOnce = 8;  // one by one, until the usual form is tried again
   FieldsTaken taken;
   while (taken.count < codes.size() && !taken.last) {
-    const std::string_view rest = text.substr(taken.length);
-    FieldEnds ends;
-    const std::size_t found = findEndsByBlocks(
-        rest.substr(0, kLongestText), std::min(kFieldsAtOnce, codes.size() - taken.count), ends);
-    const std::size_t count =
-        takeFields(rest, std::span(ends).first(found), codes.data() + taken.count);
-    if (count == 0) break;
-    const std::size_t end = ends[count - 1];
-    taken.last = end == rest.size();
-    taken.count += count;
-    taken.length += taken.last ? end : end + 1;
-    if (count < found) break;
+    const FieldsTaken usual = takeUsual(text.substr(taken.length), codes.subspan(taken.count));
+    taken = {taken.count + usual.count, taken.length + usual.length, usual.last};
+    for (std::size_t i = 0; i < kAtOnce && taken.count < codes.size() && !taken.last; ++i) {
+      const std::size_t length = takeLevel(text.substr(taken.length), codes[taken.count]);
+      if (length == 0) return taken;
+      ++taken.count;
+      taken.length += length;
+      taken.last = taken.length == text.size();
+      if (!taken.last) ++taken.length;
+    }
   }
   return taken;
 }

@@ -2,28 +2,15 @@
 
 #include <cstdint>
 #include <limits>
-#include <string_view>
 
 #include "aq/text/level_code.h"
+#include "aq/text/word.h"
 
 // A level as text, right-aligned in one word of eight bytes, the first byte lowest.
 
 namespace aq {
 
 inline constexpr std::int32_t kLargestCode = std::numeric_limits<LevelCode>::max();
-
-constexpr std::int32_t byteOf(std::uint64_t word, unsigned place) {
-  return static_cast<std::uint8_t>(word >> (8 * place));
-}
-
-/// The bytes of a text in the order in which `byteOf` counts them.
-constexpr std::uint64_t wordOfText(std::string_view text) {
-  std::uint64_t word = 0;
-  for (std::size_t place = kLevelColumns; place-- > 0;) {
-    word = word << 8 | static_cast<unsigned char>(text[place]);
-  }
-  return word;
-}
 
 /// The text of zero in columns.
 inline constexpr std::uint64_t kZeroWord = wordOfText("00000.00");

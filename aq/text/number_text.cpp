@@ -254,6 +254,34 @@ void appendEveryDigit(std::string& text, Real value) {
 
 }  // namespace
 
+PlainNumber longNumber(std::string_view text) {
+  constexpr std::ptrdiff_t kMostDigits = 15;
+  const char* const end = text.data() + text.size();
+  const char* at = text.data();
+  PlainNumber number;
+  number.negative = at != end && *at == '-';
+  if (number.negative) ++at;
+  const char* const begin = at;
+  const char* fraction = nullptr;
+  std::uint64_t digits = 0;
+  for (; at != end; ++at) {
+    const auto digit = static_cast<unsigned>(*at - '0');
+    if (digit <= 9) {
+      digits = digits * 10 + digit;
+    } else if (*at == '.' && fraction == nullptr) {
+      fraction = at + 1;
+    } else {
+      break;
+    }
+  }
+  const std::ptrdiff_t count = at - begin - (fraction != nullptr ? 1 : 0);
+  if (count == 0 || count > kMostDigits || (at != end && *at != ',')) return {};
+  number.digits = static_cast<std::int64_t>(digits);
+  number.decimals = fraction != nullptr ? static_cast<std::size_t>(at - fraction) : 0;
+  number.length = static_cast<std::size_t>(at - text.data());
+  return number;
+}
+
 std::string_view trimmed(std::string_view text) {
   while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
   while (!text.empty() && text.back() == ' ') text.remove_suffix(1);

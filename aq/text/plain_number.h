@@ -7,8 +7,11 @@
 #include <limits>
 #include <string_view>
 
+#include "aq/core/export.h"
+#include "aq/text/word.h"
+
 // The fast path for numbers in the form that files mostly use; `number_text.h` handles all forms.
-// Inline, since a call would cost as much as the number.
+// Inline, since a call would cost as much as the number. Up to eight characters form one word.
 
 namespace aq {
 
@@ -20,33 +23,48 @@ struct PlainNumber {
   bool negative = false;
 };
 
-/// The plain number that fills `text` up to its first comma or its end.
-[[nodiscard]] inline PlainNumber plainNumber(std::string_view text) {
-  constexpr std::ptrdiff_t kMostDigits = 15;
-  const char* const end = text.data() + text.size();
-  const char* at = text.data();
-  PlainNumber number;
-  number.negative = at != end && *at == '-';
-  if (number.negative) ++at;
-  const char* const begin = at;
-  const char* fraction = nullptr;
-  std::uint64_t digits = 0;
-  for (; at != end; ++at) {
-    const auto digit = static_cast<unsigned>(*at - '0');
-    if (digit <= 9) {
-      digits = digits * 10 + digit;
-    } else if (*at == '.' && fraction == nullptr) {
-      fraction = at + 1;
-    } else {
-      break;
+/// A field of up to eight characters, less '0' each, at the end of a word after zeros.
+struct FieldWord {
+  std::uint64_t bytes = 0;
+  std::size_t length = 0;  // in characters; 0 if there is no such field
+};
+
+/// The field that fills `text` up to its first comma or its end.
+[[nodiscard]] inline FieldWord fieldWord(std::string_view text) {
+  std::uint64_t word = eightTimes(',');
+  if (text.size() >= kWordBytes) {
+    word = wordOfText(text);
+  } else {
+    for (std::size_t i = text.size(); i-- > 0;) {
+      word = word << 8 | static_cast<unsigned char>(text[i]);
     }
   }
-  const std::ptrdiff_t count = at - begin - (fraction != nullptr ? 1 : 0);
-  if (count == 0 || count > kMostDigits || (at != end && *at != ',')) return {};
-  number.digits = static_cast<std::int64_t>(digits);
-  number.decimals = fraction != nullptr ? static_cast<std::size_t>(at - fraction) : 0;
-  number.length = static_cast<std::size_t>(at - text.data());
-  return number;
+  const std::size_t length = firstPlaceOf(',', word);
+  const bool isLonger = length == kWordBytes && text.size() > length && text[length] != ',';
+  if (length == 0 || isLonger) return {};
+  return {(word ^ eightTimes('0')) << (8 * (kWordBytes - length)), length};
+}
+
+/// A plain number of any length; see `plainNumber`.
+[[nodiscard]] AQ_API PlainNumber longNumber(std::string_view text);
+
+/// The plain number that fills `text` up to its first comma or its end.
+[[nodiscard]] inline PlainNumber plainNumber(std::string_view text) {
+  constexpr char kPoint = '.' ^ '0';
+  const bool negative = text.starts_with('-');
+  const FieldWord field = fieldWord(negative ? text.substr(1) : text);
+  const std::size_t point = firstPlaceOf(kPoint, field.bytes);
+  const std::size_t points = point < kWordBytes ? 1 : 0;
+  std::uint64_t digits = field.bytes;
+  if (points != 0) {  // the digits before it move over it
+    const std::uint64_t after = ~std::uint64_t{0xFF} << (8 * point);
+    digits = (digits & after) | (digits & ~(after >> 8)) << 8;
+  }
+  if (field.length <= points || !areDigits(digits)) return longNumber(text);
+  return {.digits = numberOfDigits(digits),
+          .decimals = points * (kWordBytes - 1 - point),
+          .length = field.length + (negative ? 1 : 0),
+          .negative = negative};
 }
 
 /// Integers up to `largest` and these powers of ten are exact, so one division rounds correctly.
@@ -87,15 +105,16 @@ struct PlainInteger {
 /// The plain integer that fills `text` up to its first comma or its end.
 [[nodiscard]] inline PlainInteger plainInteger(std::string_view text) {
   constexpr std::size_t kMostDigits = 5;
-  constexpr int kLargest = std::numeric_limits<std::int16_t>::max();
-  const std::size_t sign = text.starts_with('-') ? 1 : 0;
-  const std::size_t most = std::min(text.size(), sign + kMostDigits);
-  int value = 0;
-  std::size_t at = sign;
-  for (; at < most && text[at] >= '0' && text[at] <= '9'; ++at) value = value * 10 + text[at] - '0';
-  const bool whole = at == text.size() || text[at] == ',';
-  if (at == sign || !whole || value > kLargest) return {};
-  return {static_cast<std::int16_t>(sign != 0 ? -value : value), at};
+  const bool negative = text.starts_with('-');
+  const FieldWord field = fieldWord(negative ? text.substr(1) : text);
+  const std::uint32_t digits = numberOfDigits(field.bytes);
+  if (field.length - 1 >= kMostDigits || !areDigits(field.bytes) ||
+      digits > std::numeric_limits<std::int16_t>::max()) {
+    return {};
+  }
+  const auto number = static_cast<std::int16_t>(digits);
+  return {static_cast<std::int16_t>(negative ? -number : number),
+          field.length + (negative ? 1 : 0)};
 }
 
 }  // namespace aq

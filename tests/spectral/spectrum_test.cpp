@@ -56,6 +56,7 @@ TEST(Spectrum, SharesAndCopiesItsObjects) {
   EXPECT_EQ(spectrum.Time()->TODseconds(), 5);
   spectrum.lazyTime().assign(7, 8);
   spectrum.Time(nullptr);
+  EXPECT_EQ(spectrum.HighBand(), -1);  // next to the time in memory
   EXPECT_EQ(spectrum.Time()->TODseconds(), 0);
   EXPECT_EQ(spectrum.Time()->RelSeconds(), 0);
   EXPECT_EQ(copy->Time()->TODseconds(), 0);

@@ -106,6 +106,25 @@ TEST(NumberText, LevelsHaveTwoDecimalsAndNoLeadingZero) {
   EXPECT_ERROR(hundredths(-Limits::infinity()), InvalidValue);
 }
 
+TEST(PlainNumber, HasTheSameFormInAWordAsInALongerText) {
+  const std::vector<std::string> forms = {"0",         "7.",        ".5",       "-.25",
+                                          "-0",        "12345678",  "1234.567", "-12345.78",
+                                          "123456789", "-1234567.9"};
+  for (const std::string& form : forms) {
+    double number = 0;
+    for (const std::string& text : {form, form + ",", form + ",1,2345678", form + ",x"}) {
+      EXPECT_TRUE(numberFrom(plainNumber(text), number)) << text;
+      EXPECT_EQ(plainNumber(text).length, form.size()) << text;
+      EXPECT_EQ(number, std::stod(form)) << text;
+      EXPECT_EQ(std::signbit(number), form[0] == '-') << text;
+    }
+  }
+  for (const char* text :
+       {"", ",", ".", "-", "-.,1", "1.2.3,4", "1 ,2", "+1", "1e5,", "12345678x", "--1,23456"}) {
+    EXPECT_EQ(plainNumber(text).length, 0U) << text;
+  }
+}
+
 TEST(PlainNumber, IsSingleWhileItsDigitsAreExact) {
   float single = 0;
   EXPECT_TRUE(numberFrom(plainNumber("1677.7216"), single));
