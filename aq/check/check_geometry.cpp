@@ -139,7 +139,7 @@ class Contradictions {
   }
 
   [[nodiscard]] std::string faultOf(AQ_Geometry& point, std::size_t points) const {
-    constexpr double kTolerance = 0.0201;  // hundredths of both times of day
+    constexpr double kTolerance = 0.0201;  // both times are in hundredths
     constexpr std::size_t kEnough = 3;     // points needed to tell which one is wrong
     const double between =
         std::remainder(point.Tm()->TODseconds() - point.Te()->TODseconds(), kSecondsPerDay);

@@ -72,7 +72,7 @@ void checkRange(const HeaderCheck& header, const RecordLines& records, const Rep
 template <class Records>
 void checkRelativeTimes(const Records& records, AQ_SpectralTimeHistory& history,
                         const std::set<std::int32_t>& offInTime, const Reporter& report) {
-  constexpr double kTolerance = 0.0201;  // hundredths of the time of day, and single precision
+  constexpr double kTolerance = 0.0201;  // the time of day is in hundredths, single precision
   const double reference = history.ReferenceTime()->TODseconds();
   FindingPlace place;
   std::size_t wrong = 0;
@@ -106,7 +106,7 @@ double shiftOf(AQ_TimeStampType type) {
 /// The start time is that of record 1, or of the lowest record in the file.
 void checkStartTime(const HeaderCheck& header, const RecordLines& records,
                     AQ_SpectralTimeHistory& history, const Reporter& report) {
-  constexpr double kTolerance = 0.0201;  // hundredths of both times of day, and single precision
+  constexpr double kTolerance = 0.0201;  // both times are in hundredths, and single precision
   const auto low = static_cast<std::int16_t>(records.low());
   const double stamp = history.spectrum(low)->timeValue().TODseconds();
   const double expected = history.startTime()->TODseconds() + shiftOf(history.TimeStampType());

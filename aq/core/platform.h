@@ -65,7 +65,8 @@ AQ_API void appendToFile(const std::string& path, std::string_view bytes);
 inline constexpr std::size_t kLargePage = std::size_t{2} * 1024 * 1024;
 
 /// Asks for large pages for memory not used yet: the system provides it in a tenth of the time of
-/// small ones. `memory` and `size` are multiples of a large page. Does nothing on systems without.
+/// small ones. `memory` and `size` are multiples of a large page. Does nothing where there are
+/// none.
 AQ_API void preferLargePages(void* memory, std::size_t size);
 
 /// The names of the files in a folder, including links to files but no folders, in no particular

@@ -141,7 +141,7 @@ void checkNames(std::wstring_view path, const char* wanted) {
 /// A path for the system: absolute, and in its own form if it is longer than usual.
 std::wstring systemPath(std::wstring path, const char* wanted) {
   constexpr std::size_t kMostUsual =
-      200;  // leaves room for the name of a temporary next to the file
+      200;  // leaves room for the name of a temporary file next to it
   if (path.empty()) failBy(wanted, ERROR_FILE_NOT_FOUND);
   const DWORD size = ::GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
   std::wstring full(size, L'\0');

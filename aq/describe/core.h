@@ -41,7 +41,7 @@ struct Description<AQ_Time> {
                   "RelSeconds or TODseconds, as chosen by setWorkingTime", kSeconds)
         .form("TODstring", &T::TODstring, &T::TODstring,
               "The time of day as hh:mm:ss with a fraction, as in 12:34:56.5; reading raises below "
-              "0 and from 90000 s up, setting raises for a text with fewer than two colons")
+              "0 and at or above 90000 s, setting raises for a text with fewer than two colons")
         .property("CurrentDate", &T::CurrentDate, &T::CurrentDate,
                   "The calendar date; 0 means not set", Date{})
         .setter("setWorkingTime", &T::setWorkingTime, "Chooses the time that WorkingTime returns",
@@ -94,7 +94,7 @@ struct Description<FileFailure> {
     to.field("file", &F::file, "The file, as the caller named it", FileName{})
         .field("line", &F::line, "The line, from 1; 0 for the whole file", Quantity{"line", 0})
         .field("field", &F::field, "The field, from 1; 0 for the whole line", Quantity{"field", 0})
-        .field("expected", &F::expected, "What was expected, such as: a level")
+        .field("expected", &F::expected, "What was expected, as in \"a level\"")
         .field("found", &F::found, "What was found; text from the file is in quotes")
         .method("message", &F::message, "The whole failure in one line");
   }

@@ -16,7 +16,7 @@
 #include "aq/core/variant.h"
 
 // The description of the object model for hosts: each class, enumeration and member once, with its
-// name and its meaning in the field. A host calls `forMembers<C>` with a function that accepts all
+// name and its meaning. A host calls `forMembers<C>` with a function that accepts all
 // kinds of members below; types come from the pointers to members. Initial values are not listed:
 // hosts read them from a new object. Members are in the order of the interface, and new ones are
 // added at the end, since some hosts identify a member by its position.

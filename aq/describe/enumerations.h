@@ -4,7 +4,7 @@
 #include "aq/core/error.h"
 #include "aq/describe/description.h"
 
-// The enumerations, and what their members mean in the field.
+// The enumerations, and what their members mean.
 
 namespace aq::describe {
 

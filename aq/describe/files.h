@@ -165,7 +165,7 @@ struct Description<AQ_DataSSR> {
     using Reads = AQ_DataMessage (F::*)(const std::string&, std::shared_ptr<AQ_Spectrum>&,
                                         std::shared_ptr<AQ_HeaderSSR>&);
     to.method("writeFile", &F::writeFile, kWrites, kPath, kHeaderIn,
-              in("spectrum", "The spectrum, which has a level in every band of its range"))
+              in("spectrum", "The spectrum; every band of its range must have a level"))
         .method("readFile", static_cast<Reads>(&F::readFile), kReads, kPath,
                 in("specNew", "Receives a new spectrum"),
                 optionally("ssrHeader", "Receives a new header"))

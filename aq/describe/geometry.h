@@ -159,7 +159,7 @@ struct Description<AQ_EmtRcvTable> {
   static constexpr char name[] = "AQ_EmtRcvTable";
   static constexpr int number = 37;
   static constexpr char text[] =
-      "A series of pairs of emission and reception, and its columns. Records are shared";
+      "A series of emission and reception pairs, also as columns. Records are shared";
   template <class To>
   static void members(To& to) {
     using T = AQ_EmtRcvTable;

@@ -89,7 +89,7 @@ struct Description<NoiseEvent> {
                "Effective perceived noise level with band sharing", Quantity{"EPNdB"})
         .field("duration", &E::duration, "The duration correction, epnl minus pnltm", kDecibels)
         .field("bandSharing", &E::bandSharing,
-               "Adjustment for a tone at the edge of two bands; never negative", kDecibels);
+               "Adjustment for a tone between two bands; never negative", kDecibels);
   }
 };
 
@@ -149,7 +149,7 @@ struct Description<NoiseFunctions> {
                         "have the same stamp, or a level is too high for a metric"),
                   history, map)
         .function("auditMetrics", &auditMetrics,
-                  about("Every stored metric that differs from the computed one; raises as "
+                  about("Every stored metric that differs from the computed one; raises like "
                         "setMetrics, and for a negative tolerance"),
                   history, map,
                   in("tolerance", "Levels differ if further apart than this", Quantity{"dB", 0}))
@@ -161,7 +161,7 @@ struct Description<NoiseFunctions> {
         .function("emissionGeometry", &emissionGeometry,
                   about("Where and when the sound of each record was emitted, in metres, degrees "
                         "and seconds; raises for a position earlier than the previous one, a "
-                        "coordinate that is not finite, and as speedOfSound"),
+                        "coordinate that is not finite, and like speedOfSound"),
                   in("positions", "The source's positions, in metres"),
                   in("microphone", "The microphone's position, in metres"),
                   in("records", "The records that were measured"), kAir);

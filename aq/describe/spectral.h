@@ -163,7 +163,7 @@ struct Description<AQ_SpectralTimeHistory> {
                  "stops without an error at the first record that is missing or has no level in "
                  "the given band")
         .method("setRelTimes", &H::setRelTimes,
-                "Shares the reference time and sets every record's relative time; raises as "
+                "Shares the reference time and sets every record's relative time; raises like "
                 "setTimeStamps",
                 in("ReferenceTime", "The reference time"), in("RefType", "Which event it marks"))
         .property("startTime", &H::startTime, &H::startTime, "The time of the first record")

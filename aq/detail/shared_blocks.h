@@ -47,7 +47,7 @@ class BlockMemory {
   std::byte* bytes_;
 };
 
-/// Allocates from `memory`, which lives as long as anything in it, then as usual.
+/// Allocates from `memory`, which outlives what it holds, until that is full, then as usual.
 template <class T>
 struct BlockAllocator {
   using value_type = T;
@@ -72,8 +72,8 @@ struct BlockAllocator {
 };
 
 /// Creates shared objects for the records of a file, with one allocation for many of them. An
-/// object that outlives the others keeps its whole block alive, including what its neighbours hold,
-/// and in a file with megabytes of objects the memory of most others.
+/// object that outlives the others keeps its whole block alive, including what its neighbours hold.
+/// In a file with megabytes of objects, it keeps the memory of most others too.
 template <class T>
 class SharedBlocks {
  public:
@@ -103,8 +103,8 @@ class SharedBlocks {
     created_ += kBlock;
     if (created_ == kTrusted && created_ < expected_) {
       const std::size_t bytes = (expected_ - created_) * sizeof(T);
-      // The last page has to be two thirds full.
-      const std::size_t pages = (bytes + platform::kLargePage / 3) / platform::kLargePage;
+      // A last page that is filled to less than seven tenths costs more than it saves.
+      const std::size_t pages = (bytes + platform::kLargePage * 3 / 10) / platform::kLargePage;
       if (pages != 0) memory_ = std::make_shared<BlockMemory>(pages);
     }
     if (!memory_) return std::make_shared<Block>();

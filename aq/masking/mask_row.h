@@ -82,7 +82,7 @@ class AQ_API AQ_MaskRow {
   static constexpr std::size_t kInline = 34;  // bands from 10 Hz to 20 kHz
 
   // A decision is kept as a code until its object is first accessed; from then on the object holds
-  // it. The padding of the codes is in use, as there are many rows.
+  // it. Later members use the padding of the codes, as there are many rows.
   [[no_unique_address]] BandBlock<MaskCode, InlineVector<MaskCode, kInline>> codes_;
   NumberRange bands_;
   std::int16_t lastGoodBand_ = 0;

@@ -56,7 +56,7 @@ std::vector<MetricDifference> auditMetrics(const AQ_SpectralTimeHistory& history
                                            const AQ_MaskMap* map, double tolerance) {
   if (!(tolerance >= 0)) {
     throw Error(ErrorCode::InvalidArgument,
-                "expected a tolerance from 0 dB up, found " + std::to_string(tolerance));
+                "expected a tolerance of 0 dB or more, found " + std::to_string(tolerance));
   }
   std::vector<MetricDifference> differences;
   for (const RecordMetrics& computed : historyMetrics(history, map).records) {

@@ -40,7 +40,7 @@ struct HistoryMetrics {
   std::optional<NoiseEvent> event;
 };
 
-/// What `setMetrics` stores, unrounded. Never changes the history. Throws as `setMetrics`.
+/// What `setMetrics` stores, unrounded. Never changes the history. Throws like `setMetrics`.
 [[nodiscard]] AQ_API HistoryMetrics historyMetrics(const AQ_SpectralTimeHistory& history,
                                                    const AQ_MaskMap* map = nullptr);
 
@@ -52,7 +52,7 @@ struct HistoryEvent {
 };
 
 /// Only the event, the same as from `historyMetrics` but in less time, since records that cannot
-/// belong to the event get no tone correction. Throws as `setMetrics`.
+/// belong to the event get no tone correction. Throws like `setMetrics`.
 [[nodiscard]] AQ_API HistoryEvent historyEvent(const AQ_SpectralTimeHistory& history,
                                                const AQ_MaskMap* map = nullptr);
 

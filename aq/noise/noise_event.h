@@ -23,7 +23,7 @@ struct NoiseEvent {
   double epnl = 0;                 ///< EPNdB, without `bandSharing`
   double epnlWithBandSharing = 0;  ///< `epnl` + `bandSharing`, EPNdB
   double duration = 0;             ///< the duration correction `epnl` - `pnltm`, dB
-  double bandSharing = 0;          ///< adjustment for a tone at the edge of two bands, dB
+  double bandSharing = 0;          ///< adjustment for a tone between two bands, dB
 };
 
 /// The event of a series of PNLT (14 CFR 36, A36.4.4 to A36.4.6). NaN means a record without PNLT:

@@ -275,7 +275,7 @@ std::vector<double> Recording::x(const TraceSet& set, std::size_t trace, std::si
   } else if (isText()) {
     const std::string& text = textTrace(set, trace, scan).x;
     if (text.size() < points * sizeof(double)) {
-      failRead(0, 0, "an x with each value of data " + std::to_string(placeOf(set)), "none");
+      failRead(0, 0, "an x for each value of data " + std::to_string(placeOf(set)), "none");
     }
     Numbers{text.data(), points, NumberType::Double}.copyTo(x);
   } else {

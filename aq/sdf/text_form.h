@@ -24,7 +24,7 @@ inline constexpr std::string_view kRecordSize = "recordSize";
 /// on one line.
 [[nodiscard]] std::string quoted(std::string_view text);
 
-/// The number that a text represents, including one that is not finite. Throws as `doubleFrom`.
+/// The number that a text represents, including one that is not finite. Throws like `doubleFrom`.
 [[nodiscard]] double storedFrom(std::string_view text);
 
 /// The text that `quoted` turned into `value`; also accepts a value without quotes.

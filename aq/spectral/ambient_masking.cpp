@@ -46,7 +46,7 @@ std::shared_ptr<AQ_MaskMap> maskByAmbient(const AQ_SpectralTimeHistory& history,
   // A negative margin would leave levels below the ambient unmasked.
   if (!std::isfinite(margin) || margin < 0) {
     throw Error(ErrorCode::InvalidValue,
-                "expected a margin from 0 dB up, found " + std::to_string(margin));
+                "expected a margin of 0 dB or more, found " + std::to_string(margin));
   }
   auto map = std::make_shared<AQ_MaskMap>();
   const std::int32_t count = std::max<std::int32_t>(1, history.Count());

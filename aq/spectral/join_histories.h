@@ -16,9 +16,9 @@ namespace aq {
 [[nodiscard]] AQ_API std::int32_t recordsMissing(AQ_SpectralTimeHistory& before,
                                                  AQ_SpectralTimeHistory& after);
 
-/// Joins two pieces of one measurement: records are numbered on from `before`; stamps and relative
+/// Joins two pieces of one measurement: record numbers continue from `before`; stamps and relative
 /// times do not change. `fill` fills a gap with records whose levels are 9999, not valid. Spectra
-/// are shared with the pieces. Throws as `recordsMissing`, `InvalidArgument` for a gap without
+/// are shared with the pieces. Throws like `recordsMissing`, `InvalidArgument` for a gap without
 /// `fill`, and `Overflow` if record numbers exceed 16 bits.
 [[nodiscard]] AQ_API std::shared_ptr<AQ_SpectralTimeHistory> joinHistories(
     AQ_SpectralTimeHistory& before, AQ_SpectralTimeHistory& after, bool fill);

@@ -91,7 +91,8 @@ class AQ_API AQ_SpectralTimeHistory {
     if (aqBand) Band(nBand, *aqBand);
   }
 
-  /// Shares `ReferenceTime` and sets every record's relative time to it. Throws as `setTimeStamps`.
+  /// Shares `ReferenceTime` and sets every record's relative time to it. Throws like
+  /// `setTimeStamps`.
   void setRelTimes(const std::shared_ptr<AQ_Time>& ReferenceTime, AQ_RefTimeType RefType);
 
   /// The time of the first record. Created on first read; setting shares the caller's object.
@@ -120,6 +121,9 @@ class AQ_API AQ_SpectralTimeHistory {
   [[nodiscard]] auto begin() const { return spectra_.begin(); }
   [[nodiscard]] auto end() const { return spectra_.end(); }
   [[nodiscard]] bool contains(std::int32_t number) const { return spectra_.contains(number); }
+
+  /// Makes room for that many records, for readers; changes nothing else.
+  void reserve(std::int32_t records) { spectra_.reserve(records); }
 
  private:
   [[nodiscard]] std::shared_ptr<AQ_SpectralTimeHistory> withoutSpectra();

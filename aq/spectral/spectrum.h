@@ -103,7 +103,7 @@ class AQ_API AQ_Spectrum {
     std::shared_ptr<AQ_Metric> metric;
   };
 
-  // Ordered by size, and with the padding of the time in use, as there are many spectra.
+  // In an order that uses the padding of the time, as there are many spectra.
   BandLevels levels_;
   [[no_unique_address]] LazyTime time_;
   bool copied_ = false;  // metrics created later have every metric set, to 0

@@ -9,7 +9,7 @@
 
 namespace aq {
 
-/// Counts data lines with 16 bits, since hosts do: line 32768 fails the read.
+/// Counts data lines with 16 bits, since hosts do: reading fails at line 32768.
 class DataLineLimit {
  public:
   /// The number of the line among the data lines, from 1.

@@ -84,8 +84,8 @@ AQ_AVX2 std::size_t findEnds(std::string_view text, std::size_t most, FieldEnds&
   return std::min(count, most);
 }
 
-/// Where the bytes of two neighbouring fields are among the sixteen that end with the second, to
-/// move each field to the end of its half. By the lengths less the shortest.
+/// Shuffles that move two neighbouring fields, the second at the end of sixteen bytes, to the ends
+/// of the two halves; by the fields' lengths less the shortest.
 constexpr auto kHalves = [] {
   std::array<std::array<Bytes, kLengths>, kLengths> all{};
   for (std::size_t first = 0; first < kLengths; ++first) {
@@ -104,7 +104,7 @@ constexpr auto kHalves = [] {
   return all;
 }();
 
-/// From byte n on, what moves the first n of sixteen bytes to their end.
+/// Shuffles: the one at byte n moves the first n of sixteen bytes to their end.
 constexpr auto kToEnd = [] {
   std::array<std::uint8_t, 2 * kHalf> places{};
   places.fill(kNoByte);
@@ -114,7 +114,7 @@ constexpr auto kToEnd = [] {
 
 __m128i loaded(const void* bytes) { return _mm_loadu_si128(static_cast<const __m128i*>(bytes)); }
 
-/// The sixteen bytes of a text that end at `end`, or all before it.
+/// The sixteen bytes of a text that end at `end`, or all of them if there are fewer.
 AQ_AVX2 __m128i bytesTo(const char* text, std::size_t end) {
   if (end >= kHalf) return loaded(text + end - kHalf);
   return _mm_shuffle_epi8(loaded(text), loaded(&kToEnd[end]));
@@ -167,7 +167,7 @@ AQ_AVX2 bool takeGroup(const char* text, const std::uint16_t* ends, LevelCode* c
 
 /// Takes groups of levels from the start of a text of 32 bytes or more.
 AQ_AVX2 FieldsTaken takeGroups(std::string_view text, std::span<LevelCode> codes) {
-  constexpr std::size_t kMost = kFieldsAtOnce * (kLongestLevel + 1);  // where a group cannot reach
+  constexpr std::size_t kMost = kFieldsAtOnce * (kLongestLevel + 1);  // as long as they can be
   FieldEnds ends;
   const std::size_t found =
       findEnds(text.substr(0, kMost), std::min(codes.size(), kFieldsAtOnce), ends);

@@ -170,7 +170,7 @@ void appendScientific(std::string& text, std::string_view digits, int exponent) 
   appendNumber(text, std::abs(exponent));
 }
 
-constexpr int kSmallestFixed = -7;  // a tenth of a microsecond or micrometre has no exponent yet
+constexpr int kSmallestFixed = -7;  // a tenth of a microsecond or micrometre needs no exponent
 
 template <class Real>
 void appendReal(std::string& text, Real value, int digits) {

@@ -23,7 +23,7 @@ struct PlainNumber {
   bool negative = false;
 };
 
-/// A field of up to eight characters, less '0' each, at the end of a word after zeros.
+/// A field of up to eight characters, each less '0', right-aligned in a word of zeros.
 struct FieldWord {
   std::uint64_t bytes = 0;
   std::size_t length = 0;  // in characters; 0 if there is no such field

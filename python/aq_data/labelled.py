@@ -44,7 +44,12 @@ GEOMETRY = (
     ("Tm", "time", CLOCK, "time of day of the record at the microphone, going on beyond midnight"),
     ("Tm_RelSeconds", "relative_time", "s", "time of the record relative to the reference time"),
     ("Tm_CurrentDate", "date", DATE, "date of the record"),
-    ("Te", "emission_time", CLOCK_BESIDE, "time of day of the emission, beside that of the record"),
+    (
+        "Te",
+        "emission_time",
+        CLOCK_BESIDE,
+        "time of day of the emission, nearest to that of the record",
+    ),
     ("Te_RelSeconds", "emission_relative_time", "s", "emission relative to the reference time"),
     ("Te_CurrentDate", "emission_date", DATE, "date of the emission"),
     ("Tprope", "propagation_time", "s", "propagation time from emission to measurement"),
@@ -58,7 +63,12 @@ GEOMETRY = (
 )
 EMISSION = (
     ("T", "time", CLOCK, "time of day of the emission, going on beyond midnight"),
-    ("Tr", "reception_time", CLOCK_BESIDE, "time of day of the reception, beside the emission's"),
+    (
+        "Tr",
+        "reception_time",
+        CLOCK_BESIDE,
+        "time of day of the reception, nearest to the emission's",
+    ),
     ("X", "x", LENGTH, "first coordinate of the aircraft"),
     ("Y", "y", LENGTH, "second coordinate of the aircraft"),
     ("Z", "z", LENGTH, "height of the aircraft"),

@@ -56,7 +56,7 @@ def event_words(event: Optional[_core.NoiseEvent], first_record: int) -> dict[st
 
 
 def metric_variables(values: Any, dim: str) -> dict[str, xr.Variable]:
-    """The ten metrics of an array by type and record."""
+    """The ten metrics as variables; `values` is by type and record."""
     return {name: variable(dim, values[place], *_WORDS[name]) for place, name in enumerate(NAMES)}
 
 
@@ -85,8 +85,8 @@ def metrics(history: History, mask: Optional[_core.AQ_MaskMap] = None) -> xr.Dat
 def maskByAmbient(  # as in C++
     history: _core.AQ_SpectralTimeHistory, ambient: _core.AQ_Spectrum, margin: float
 ) -> _core.AQ_MaskMap:
-    """The masking map of a history by an ambient spectrum: masks levels less than `margin` dB above
-    the ambient's, and sets the last good band of each row.
+    """The masking map of a history from an ambient spectrum: masks levels less than `margin` dB
+    above the ambient's, and sets the last good band of each row.
 
     >>> mask = aq_data.maskByAmbient(history, ambient, 3)
     """

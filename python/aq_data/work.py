@@ -336,7 +336,7 @@ def fix(
     >>> found[found.done.str.len() > 0]
     """
     if to is not None and not write:
-        raise ValueError("expected write=True with to")
+        raise ValueError("to needs write=True")
     target = None if to is None else path_text(to, "to")
     seen = set() if target is None else {os.path.realpath(target)}
     rows = []

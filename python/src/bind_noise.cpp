@@ -191,7 +191,7 @@ void bindNoise(py::module_& module) {
              "after the last position");
   module.def(
       "maskByAmbient", maskByAmbient, py::arg("history"), py::arg("ambient"), py::arg("margin"),
-      "The masking map of a history by an ambient spectrum: masks levels less than margin dB "
+      "The masking map of a history from an ambient spectrum: masks levels less than margin dB "
       "above the ambient's");
   module.def("speedOfSound", speedOfSound, py::arg("celsius"), "In air, m/s");
 }

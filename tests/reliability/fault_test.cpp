@@ -1,5 +1,5 @@
 // Makes every system call and allocation fail once, in every format: the outcome must be a clean
-// error or the right result, the old file or the new one, no temporary and no open file.
+// error or the right result, the old file or the new one, no temporary file and no open file.
 #include <aq/aq.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>

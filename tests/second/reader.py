@@ -240,7 +240,7 @@ KINDS = {
     "text": str,
     "averaging": lambda text: AVERAGING.get(text, 0),
     "stamp": lambda text: STAMPS.get(text, 0),
-    "AVERAGING": lambda text: AVERAGING.get(text.upper(), 0),  # in any case
+    "AVERAGING": lambda text: AVERAGING.get(text.upper(), 0),  # ignoring case
     "STAMP": lambda text: STAMPS.get(text.upper(), 0),
 }
 

@@ -224,7 +224,7 @@ TEST(History, EncompassesTheMapRowByRow) {
   EXPECT_ERROR(shifted->EncompassesMask(map), InvalidArgument);
 }
 
-/// Which bands of 20 to 23 a map by this ambient and a margin of 3 dB masks, or the error.
+/// Which of bands 20 to 23 this ambient masks at a margin of 3 dB, or the error.
 std::string maskedBy(const AQ_SpectralTimeHistory& history, const std::vector<double>& ambient) {
   AQ_Spectrum spectrum;
   spectrum.assignLevels(20, ambient);

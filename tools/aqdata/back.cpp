@@ -246,7 +246,8 @@ void setFrom(const Json& value, std::shared_ptr<aq::Collection<std::string>>& li
 }
 void setFrom(const Json& value, std::shared_ptr<aq::AQ_Time>& time) {
   if (value.is_null()) return;
-  const std::string text = value.get<std::string>();  // mm/dd/yyyy hh:mm:ss, or without midnight
+  const std::string text =
+      value.get<std::string>();  // mm/dd/yyyy hh:mm:ss, or without the time at midnight
   time->CurrentDate(aq::dateFrom(text.substr(0, text.find(' '))));
   if (text.find(' ') != text.npos) time->TODstring(text.substr(text.find(' ') + 1));
 }

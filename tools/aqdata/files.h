@@ -15,10 +15,10 @@
 namespace aqdata {
 
 /// The files that the user's arguments name: for a folder, the measurement files in and below it,
-/// which are those whose name ends in ".csv" in any case or whose kind is known, except hidden
+/// which are those whose name ends in ".csv", ignoring case, or whose kind is known, except hidden
 /// ones; for a pattern, what it matches. Each file and folder appears once, even if several links
-/// lead to it. In folders, files whose names in capitals have one of the `more` endings are taken
-/// too. Complains about what does not exist.
+/// lead to it. In folders, also takes files whose names, in capitals, have one of the `more`
+/// endings. Complains about what does not exist.
 [[nodiscard]] std::vector<std::string> chosenFiles(Session& session,
                                                    const std::vector<std::string_view>& more = {});
 

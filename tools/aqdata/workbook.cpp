@@ -40,7 +40,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Replaces bytes that are not UTF-8 by U+FFFD, since a workbook cannot hold them.
+/// Replaces bytes that are not UTF-8 with U+FFFD, since a workbook cannot hold them.
 std::string validText(const std::string& text) {
   const auto isPlain = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
   if (std::all_of(text.begin(), text.end(), isPlain)) return text;

@@ -75,7 +75,7 @@ std::string keepOriginal(const std::string& path, std::string_view bytes) {
   return original;
 }
 
-/// Replaces the file by the mended text, and keeps the original next to it.
+/// Replaces the file with the mended text, and keeps the original next to it.
 void writeInPlace(const Session& session, const std::string& path, std::string_view bytes,
                   const FixChoice& choice, FixOutcome& outcome) {
   const std::string place = unpackedName(path);

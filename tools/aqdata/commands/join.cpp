@@ -36,8 +36,9 @@ void expectSameHeader(const History& one, const History& other, const std::strin
 std::string pieceText(const std::string& file, std::int32_t low, std::int32_t high,
                       std::int32_t was) {
   const std::string name = aq::escaped(aq::fileInformation()->recordedName(file));
-  return low == was ? fmt::format("{} (records {} to {})", name, low, high)
-                    : fmt::format("{} (records {} to {}, were {} on)", name, low, high, was);
+  return low == was
+             ? fmt::format("{} (records {} to {})", name, low, high)
+             : fmt::format("{} (records {} to {}, previously from {})", name, low, high, was);
 }
 
 /// The points of all records of a run.

@@ -7,8 +7,7 @@
 namespace aqdata {
 namespace {
 
-/// `text` escaped for the page's typesetter: no line begins with a command, no dash becomes a
-/// hyphen.
+/// `text` escaped for roff: it does not start a request, and its dashes stay dashes.
 std::string roff(const std::string& text) {
   std::string result;
   for (const char c : text) {

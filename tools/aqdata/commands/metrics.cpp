@@ -167,7 +167,7 @@ class MetricsReport {
   }
 
  private:
-  /// Adds the records of a single file, and the event of one of several.
+  /// Adds the records of a single file, or one event of several files.
   void take(const FileMetrics& outcome, CsvLines& lines) {
     if (!oneFile_) return lines.add(eventCells(outcome, cellText));
     addMetricLines(outcome.document, lines);
