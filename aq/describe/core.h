@@ -94,7 +94,7 @@ struct Description<FileFailure> {
     to.field("file", &F::file, "The file, as the caller named it", FileName{})
         .field("line", &F::line, "The line, from 1; 0 for the whole file", Quantity{"line", 0})
         .field("field", &F::field, "The field, from 1; 0 for the whole line", Quantity{"field", 0})
-        .field("expected", &F::expected, "What was expected, as in \"a level\"")
+        .field("expected", &F::expected, "What was expected, for example a level")
         .field("found", &F::found, "What was found; text from the file is in quotes")
         .method("message", &F::message, "The whole failure in one line");
   }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
@@ -150,11 +149,6 @@ class NumberedSeries {
     }
     slots_.append(std::move(object));
     index_.set(number, slots_.slots() - 1);
-  }
-
-  /// Reserves room for as many objects as a file claims to have, at most 32767.
-  void reserve(std::int32_t claim) {
-    slots_.reserve(static_cast<std::size_t>(std::clamp(claim, 0, 32767)));
   }
 
   [[nodiscard]] bool contains(std::int32_t number) const {

@@ -180,9 +180,7 @@ bool keepsDates(AQ_SpectralTimeHistory& history) {
 
 void AQ_DataSPC::readRecords(LineReader& lines, const Settings& part,
                              AQ_SpectralTimeHistory& history) {
-  const std::int32_t count = part.last - part.first + 1;
-  history.reserve(count);
-  SharedBlocks<AQ_Spectrum> spectra(count);
+  SharedBlocks<AQ_Spectrum> spectra(part.last - part.first + 1);
   SharedBlocks<AQ_Time> times;
   LevelRow levels(part.low, part.high);
   RecordDates dates(history.startTime()->CurrentDate());

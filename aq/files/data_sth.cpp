@@ -125,7 +125,6 @@ AQ_DataMessage AQ_DataSTH::readFile(const std::string& sFileName,
     const std::int16_t count = header(headerLines, *header_, *history, columns);
     headerLines.skipColumns();
     aqHeader = header_;
-    history->reserve(count);
     SharedBlocks<AQ_Spectrum> spectra(count);
     while (lines.next()) readRecord(FieldReader(lines), columns, spectra.next(), *history);
     STH = std::move(history);

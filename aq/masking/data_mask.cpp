@@ -127,7 +127,6 @@ AQ_DataMessage AQ_DataMask::readFile(const std::string& sFileName,
     aqHeader = header_;
     MaskMap = std::make_shared<AQ_MaskMap>();
     std::vector<MaskCode> codes;
-    MaskMap->reserve(header_->lNumberRows);
     SharedBlocks<AQ_MaskRow> rows(header_->lNumberRows);
     while (lines.next()) readRow(FieldReader(lines), *header_, codes, rows.next(), *MaskMap);
   });

@@ -42,9 +42,6 @@ class AQ_API AQ_MaskMap {
   [[nodiscard]] auto end() const { return rows_.end(); }
   [[nodiscard]] bool contains(std::int32_t number) const { return rows_.contains(number); }
 
-  /// Makes room for that many rows, for readers; changes nothing else.
-  void reserve(std::int32_t rows) { rows_.reserve(rows); }
-
  private:
   NumberedSeries<AQ_MaskRow, std::int16_t> rows_;
 };

@@ -122,9 +122,6 @@ class AQ_API AQ_SpectralTimeHistory {
   [[nodiscard]] auto end() const { return spectra_.end(); }
   [[nodiscard]] bool contains(std::int32_t number) const { return spectra_.contains(number); }
 
-  /// Makes room for that many records, for readers; changes nothing else.
-  void reserve(std::int32_t records) { spectra_.reserve(records); }
-
  private:
   [[nodiscard]] std::shared_ptr<AQ_SpectralTimeHistory> withoutSpectra();
   void relateRecords(const AQ_Time& reference);

@@ -25,7 +25,7 @@ HELPERS = {
     "AQ_Spectrum.plainLevels", "AQ_Spectrum.timeValue",
     "AQ_Position.lazyTime",
     "AQ_MaskRow.assign", "AQ_MaskRow.decision", "AQ_MaskRow.fetchedCodes", "AQ_MaskRow.store",
-    "AQ_MaskMap.heldRow", "AQ_MaskMap.reserve", "AQ_SpectralTimeHistory.reserve",
+    "AQ_MaskMap.heldRow",
     "FileClass.fileInformation", "FileClass.observeHeader",
     "FileInformation.sourceDateTime",
     "AQ_DataINI.kTimingNotSet", "kTitle", "kBeginning",
