@@ -28,7 +28,7 @@ class TimeOrder {
     const bool falls = std::remainder(time.TODseconds() - before_, kSecondsPerDay) <= 0;
     if (falls) {
       report_(Kind::TimeOrder, {.line = line, .field = 1},
-              time.TODstring() + " is not later than the line before");
+              time.TODstring() + " is not later than the previous line's time");
     }
     before_ = time.TODseconds();
     const std::array<double, 3> at{position.X(), position.Y(), position.Z()};

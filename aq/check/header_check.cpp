@@ -15,11 +15,11 @@ namespace aq {
 namespace {
 
 /// The labels of the columns; nothing for bands without a label.
-std::string expectedLabels(std::int16_t low, std::int16_t high, std::string_view behind) {
+std::string expectedLabels(std::int16_t low, std::int16_t high, std::string_view after) {
   try {
     std::string labels;
     appendBandLabels(labels, low, high);
-    return labels.append(behind);
+    return labels.append(after);
   } catch (const Error&) {
     return {};
   }
@@ -155,8 +155,8 @@ void HeaderCheck::expectHeadings(std::string_view headings) const {
 }
 
 void HeaderCheck::expectLabels(std::size_t first, std::int16_t low, std::int16_t high,
-                               std::string_view behind) const {
-  const std::string labels = expectedLabels(low, high, behind);
+                               std::string_view after) const {
+  const std::string labels = expectedLabels(low, high, after);
   if (labels.empty()) return;
   FieldReader found(headings_, lines_);
   std::vector<std::string_view> expected;
@@ -214,9 +214,8 @@ void HeaderCheck::seeMarks(const HeaderLine& line,
   const auto lost = [&](std::string_view text, const char* where) {
     report_(Kind::LostText, {.line = line.number}, where + shown(text) + " is not read");
   };
-  const std::string_view behind = pieces.size() > 1 ? pieces[1] : std::string_view();
-  const std::string_view value =
-      behind.substr(std::min(behind.find_first_not_of('"'), behind.size()));
+  const std::string_view after = pieces.size() > 1 ? pieces[1] : std::string_view();
+  const std::string_view value = after.substr(std::min(after.find_first_not_of('"'), after.size()));
   if (keyword && !value.empty() && value.front() != ',') {
     lost(value.substr(0, 1), "in place of a comma ");
   }

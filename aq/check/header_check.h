@@ -84,9 +84,9 @@ class HeaderCheck {
   void expectHeadings(std::string_view headings) const;
 
   /// Compares the headings, starting at field `first`, with the labels of the bands followed by
-  /// `behind`.
+  /// `after`.
   void expectLabels(std::size_t first, std::int16_t low, std::int16_t high,
-                    std::string_view behind = {}) const;
+                    std::string_view after = {}) const;
 
  private:
   struct Entry {

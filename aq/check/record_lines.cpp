@@ -45,7 +45,7 @@ void RecordLines::see(std::int16_t record, std::size_t line, const Reporter& rep
   } else if (record == first_ && before_ != record) {
     report(Kind::SecondDataSet, place,
            "record " + std::to_string(record) +
-               " appears again: what follows replaces the records " + "of the same numbers");
+               " appears again: the records from here on replace those with the same number");
     setBegins_ = line;
   } else if (stood != nullptr && *stood >= setBegins_) {
     report(Kind::RecordRepeated, place, "it is also in line " + std::to_string(*stood));

@@ -35,7 +35,7 @@ class Collection {
   void Add(T value, std::string_view key) {
     slots_.reserveNext();
     if (!keys_.orCreate().emplace(key, slots_.slots()).second) {
-      throw Error(ErrorCode::InvalidArgument, "the collection has an entry " + shown(key));
+      throw Error(ErrorCode::InvalidArgument, "the collection already has the key " + shown(key));
     }
     slots_.append(std::move(value));
   }

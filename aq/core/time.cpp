@@ -82,7 +82,8 @@ void AQ_Time::appendTODstring(std::string& text) const {
   const auto narrowed = static_cast<float>(near ? timeOfDay_ : kEnd);
   const auto time = static_cast<double>(narrowed);
   if (!(time >= 0 && time < kEnd)) {
-    throw Error(ErrorCode::InvalidValue, "a time of day without a clock form");
+    throw Error(ErrorCode::InvalidValue,
+                "the time of day has no clock form: it is negative or 25 hours or more");
   }
   const int second = static_cast<int>(time);
   const int hours = second / 3600;

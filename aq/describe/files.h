@@ -182,7 +182,7 @@ struct Description<AQ_DataSPC> {
   static void members(To& to) {
     using F = AQ_DataSPC;
     to.method("setHeader", &F::setHeader, "Sets the header for writes",
-              in("aqHeader", "The header; without one, the texts of a file are empty"))
+              in("aqHeader", "The header; without one, the header fields of a file are empty"))
         .property("RecordLength", &F::RecordLength, &F::RecordLength,
                   "Time from one record to the next, initially 0.5; a read stores the file's. "
                   "Raises unless above 0 and below 1000",

@@ -23,7 +23,7 @@ class AQ_API AQ_DataSPC : public FileClass {
   /// The first line of a file begins with these bytes.
   static constexpr std::string_view kBeginning = "SPC                 ";
 
-  /// Sets the header for writes, shared with the caller; without one, the texts of a file are
+  /// Sets the header for writes, shared with the caller; without one, the header fields are
   /// empty.
   void setHeader(const std::shared_ptr<AQ_HeaderSTH>& aqHeader) { header_ = aqHeader; }
 
@@ -48,7 +48,8 @@ class AQ_API AQ_DataSPC : public FileClass {
   /// records or one of the chosen part is missing (`InvalidArgument`); if there are no levels and
   /// the bands are not set, if a level, a time or a word does not fit its columns, if bands are not
   /// between 2 and 50, or if a text of the header has a line end or, outside other records and
-  /// comments, a tab (`InvalidValue`); or if a level is not a number (`TypeMismatch`).
+  /// comments, a tab (`InvalidValue`); if a level is not a number (`TypeMismatch`); or if a date is
+  /// outside the years 1 to 9999 (`Overflow`).
   AQ_DataMessage writeFile(const std::string& sFileName, AQ_SpectralTimeHistory& aqTimeHistory);
 
   /// Reads a file into a new header and a new history. When the header fails, sets neither, nor any

@@ -136,7 +136,7 @@ bool AQ_DataSTH::getRawHeader(const std::string& sFileName,
   const AQ_DataMessage result = reading(sFileName, [&](const std::string& name) {
     auto header = std::make_shared<Collection<std::string>>();
     LineReader lines(name);
-    HeaderReader(lines).titleBehindComma(AQ_DataSTH::kTitle);
+    HeaderReader(lines).titleAfterComma(AQ_DataSTH::kTitle);
     bool more = true;
     for (; more && !lines.line().starts_with(kFirstHeading); more = lines.next()) {
       header->Add(std::string(lines.line()));

@@ -20,7 +20,7 @@ class AQ_API AQ_DataPTH : public FileClass {
 
   /// Writes a history, replacing the file; the header gets the file's name and the number of
   /// positions. Throws, and writes nothing, for more than 32767 positions (`Overflow`), a time of
-  /// day without a clock form or a coordinate that is not finite (`InvalidValue`), no header or a
+  /// day that has no clock form or a coordinate that is not finite (`InvalidValue`), no header or a
   /// null position (`ObjectNotSet`).
   void writeFile(const std::string& sFileName, const std::shared_ptr<AQ_HeaderPTH>& aqHeader,
                  const AQ_PositionTimeHistory& aqTimeHistory, AQ_DataMessage& result);

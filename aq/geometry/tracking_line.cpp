@@ -8,7 +8,7 @@ TrackingLine trackingLineFrom(const LineReader& lines) {
   FieldReader fields(lines, FieldReader::Form::Raw);
   TrackingLine line{std::make_shared<AQ_Position>(), 0};
   line.position->lazyTime().assign(fields.timeOfDay());
-  line.quality = fields.byte("a whole RT20 figure");
+  line.quality = fields.byte("an integer RT20 figure");
   fields.skip(6, "a field before the coordinates");
   line.position->X(fields.number("a coordinate"));
   line.position->Y(fields.number("a coordinate"));

@@ -101,8 +101,7 @@ std::int32_t missingBetween(const RunPiece& before, const RunPiece& after) {
   }
   if (gap > std::numeric_limits<std::int16_t>::max()) {
     throw Error(ErrorCode::Overflow,
-                "the gap between the pieces has more records than there are "
-                "numbers");
+                "the gap between the pieces is longer than 16-bit record numbers allow");
   }
   return static_cast<std::int32_t>(std::lround(gap));
 }

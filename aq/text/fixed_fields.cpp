@@ -34,7 +34,7 @@ void FixedFieldReader::fail(std::string expected) const {
 
 std::int64_t scaled(double value, int decimals, std::size_t width, const char* what) {
   const auto refuse = [&] {
-    throw Error(ErrorCode::InvalidValue, std::string(what) + " has no text in " +
+    throw Error(ErrorCode::InvalidValue, std::string(what) + " does not fit in " +
                                              std::to_string(width) + " columns with " +
                                              std::to_string(decimals) + " decimals");
   };

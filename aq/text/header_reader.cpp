@@ -39,7 +39,7 @@ void HeaderReader::title(std::string_view fileType) {
   if (value_ != fileType) failRead(1, 2, fileTypeWords(fileType), shown(value_));
 }
 
-void HeaderReader::titleBehindComma(std::string_view fileType) {
+void HeaderReader::titleAfterComma(std::string_view fileType) {
   takeFirstLine(fileType);
   const std::string_view line = lines_.line();
   const std::size_t comma = line.find(',');
@@ -134,9 +134,9 @@ void HeaderReader::takeValue(std::string_view keyword, std::size_t fields) {
 /// False if there is no "**".
 bool HeaderReader::findValue() {
   value_ = {};
-  const auto behindMark = piece(trimmed(lines_.line()), kKeywordMark, 2);
-  if (!behindMark) return false;
-  value_ = cleanField(*behindMark, scratch_);
+  const auto afterMark = piece(trimmed(lines_.line()), kKeywordMark, 2);
+  if (!afterMark) return false;
+  value_ = cleanField(*afterMark, scratch_);
   if (!value_.empty()) value_.remove_prefix(1);
   value_ = trimmed(value_);
   return true;

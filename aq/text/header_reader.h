@@ -29,7 +29,7 @@ class AQ_API HeaderReader {
   [[nodiscard]] std::string_view anyTitle();
 
   /// Like `title`, but takes the text after the first comma and ignores the text before it.
-  void titleBehindComma(std::string_view fileType);
+  void titleAfterComma(std::string_view fileType);
 
   /// The first line; it must name exactly `fileType`.
   void title(std::string_view fileType);

@@ -18,7 +18,7 @@ from .times import OWN
 
 # Variables by the columns of the library's tables: name there, name here, unit, long name.
 RECORD_TIMES = (
-    ("TODseconds", "time", CLOCK, "time of day, going on beyond midnight"),
+    ("TODseconds", "time", CLOCK, "time of day, not wrapped at midnight"),
     ("RelSeconds", "relative_time", "s", "time relative to the reference time"),
     ("CurrentDate", "date", DATE, "date"),
 )
@@ -41,7 +41,7 @@ POSITION = RECORD_TIMES + (
     ("Z", "z", LENGTH, "height"),
 )
 GEOMETRY = (
-    ("Tm", "time", CLOCK, "time of day of the record at the microphone, going on beyond midnight"),
+    ("Tm", "time", CLOCK, "time of day of the record at the microphone, not wrapped at midnight"),
     ("Tm_RelSeconds", "relative_time", "s", "time of the record relative to the reference time"),
     ("Tm_CurrentDate", "date", DATE, "date of the record"),
     (
@@ -62,7 +62,7 @@ GEOMETRY = (
     ("debugTime", "debug_time", "1", "free value for diagnostics"),
 )
 EMISSION = (
-    ("T", "time", CLOCK, "time of day of the emission, going on beyond midnight"),
+    ("T", "time", CLOCK, "time of day of the emission, not wrapped at midnight"),
     (
         "Tr",
         "reception_time",

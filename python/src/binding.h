@@ -37,8 +37,8 @@ class BandRange {
   std::int16_t high_;
 };
 
-/// The object behind `history.spectrum`: the values of one owner by number, read by a call or by
-/// `[]`.
+/// The object that `history.spectrum` returns: the values of one owner by number, read by a call or
+/// by `[]`.
 template <class Owner, class Key, class Value>
 struct Indexed {
   std::shared_ptr<Owner> owner;
