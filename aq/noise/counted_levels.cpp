@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <limits>
 
+#include "aq/noise/level_table.h"
+
 namespace aq {
 namespace {
 
@@ -30,7 +32,7 @@ void CountedLevels::take(const AQ_Spectrum& spectrum, const AQ_MaskRow* masks) {
   codes_ = spectrum.levelCodes();
   if (!isCoded()) takeEach(spectrum);
   if (masks != nullptr) mask(*masks);
-  hasGaps_ = !isCoded() || std::find(codes_.begin(), codes_.end(), kInvalidCode) != codes_.end();
+  areInTable_ = isCoded() && aq::areInTable(codes_);
 }
 
 double CountedLevels::level(std::int32_t band) const {
@@ -44,12 +46,13 @@ std::int16_t CountedLevels::count(std::int32_t first, std::int32_t last) const {
   const std::int32_t begin = std::max(first, low_);
   const std::int32_t after = std::min(last + 1, end());
   std::int32_t found = std::max(0, after - begin);
-  for (std::int32_t band = begin; hasGaps_ && band < after; ++band) found -= counts(band) ? 0 : 1;
+  for (std::int32_t band = begin; !areInTable_ && band < after; ++band)
+    found -= counts(band) ? 0 : 1;
   return static_cast<std::int16_t>(found);
 }
 
 std::int16_t CountedLevels::countRun(std::int32_t first, std::int32_t last) const {
-  if (!hasGaps_ && low_ <= first) return count(first, last);
+  if (areInTable_ && low_ <= first) return count(first, last);
   std::int32_t band = first;
   while (band <= last && counts(band)) ++band;
   return static_cast<std::int16_t>(band - first);

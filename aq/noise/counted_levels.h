@@ -31,6 +31,8 @@ class CountedLevels {
 
   /// Whether every level has a code.
   [[nodiscard]] bool isCoded() const { return !codes_.empty(); }
+  /// Whether every level has a code that `LevelTable` has, so that every level counts.
+  [[nodiscard]] bool areInTable() const { return areInTable_; }
   /// The codes of the bands from `first` up to `last` or the last level; `kInvalidCode` for a level
   /// that does not count. Requires `isCoded` and a `first` of `low` or more.
   [[nodiscard]] std::span<const LevelCode> codes(std::int32_t first, std::int32_t last) const {
@@ -54,7 +56,7 @@ class CountedLevels {
   void mask(const AQ_MaskRow& masks);
 
   std::int32_t low_ = 0;
-  bool hasGaps_ = false;
+  bool areInTable_ = false;
   std::span<const LevelCode> codes_;  // of the spectrum, or `maskedCodes_`
   std::vector<LevelCode> maskedCodes_;
   std::vector<double> levels_;  // instead of the codes

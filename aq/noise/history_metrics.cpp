@@ -25,62 +25,123 @@ const AQ_MaskRow* rowOf(const AQ_MaskMap* map, std::int16_t record) {
   return &orThrow(map->heldRow(record));
 }
 
-void addLevels(const CountedLevels& levels, RecordMetrics& metrics) {
-  const WeightedLevels weighted = weightedLevelsOf(levels);
-  std::copy(weighted.begin(), weighted.end(), metrics.values.begin());
-}
+/// The records of a history in the order of their numbers.
+struct Record {
+  const AQ_Spectrum* spectrum;
+  const AQ_MaskRow* masks;  // may be null
+  std::int16_t number;
+  double seconds;  // of the day, of the stamp
+};
+using Records = std::vector<Record>;
 
-void addPerceivedNoise(const CountedLevels& levels, RecordMetrics& metrics) {
-  metrics.perceivedBands = levels.count(kFirstNoyBand, kLastNoyBand);
-  if (metrics.perceivedBands == 0) return;
-  const double level = perceivedNoiseLevelOf(levels);
-  if (!std::isfinite(level)) {
-    throw Error(ErrorCode::Overflow, "record " + std::to_string(metrics.record) +
-                                         ": the levels are too high for a perceived noise level");
+Records recordsOf(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map) {
+  Records records;
+  records.reserve(static_cast<std::size_t>(std::distance(history.begin(), history.end())));
+  for (const auto& [place, object] : history) {
+    const AQ_Spectrum& spectrum = orThrow(object);
+    const auto number = static_cast<std::int16_t>(place);
+    records.push_back({&spectrum, rowOf(map, number), number, spectrum.timeValue().TODseconds()});
   }
-  metrics.value(AQ_METRIC_PNL, level);
+  return records;
 }
 
-void addTone(double correction, double band, RecordMetrics& metrics) {
-  if (metrics.perceivedBands == 0) return;
-  metrics.value(AQ_METRIC_PNLT, metrics.value(AQ_METRIC_PNL) + correction);
-  metrics.value(AQ_METRIC_TONECOR, correction);
-  metrics.value(AQ_METRIC_TONEBND, band);
+/// Calls `use` for each record from `begin` to before `end` with its index, its levels, its tone
+/// correction and the band of that. Computes as many corrections at a time as there are lanes.
+template <class Use>
+void forEachTone(const Records& records, std::size_t begin, std::size_t end, const Use& use) {
+  std::array<CountedLevels, kLanes> levels;
+  Tones tones;
+  for (; begin < end; begin += kLanes) {
+    const std::size_t count = std::min(kLanes, end - begin);
+    for (std::size_t i = 0; i < kLanes; ++i) {  // repeats the last record to fill the lanes
+      const Record& record = records[begin + std::min(i, count - 1)];
+      levels[i].take(*record.spectrum, record.masks);
+    }
+    tones.find(levels);
+    for (std::size_t i = 0; i < count; ++i) {
+      use(begin + i, levels[i], tones.correction(i), tones.band(i));
+    }
+  }
 }
+
+/// How many bands of a perceived noise level have a level that counts.
+std::int16_t perceivedBandsOf(const CountedLevels& levels) {
+  return levels.count(kFirstNoyBand, kLastNoyBand);
+}
+
+double totalNoisiness(const CountedLevels& levels, const Record& record) {
+  const double total = totalNoisinessOf(levels);
+  if (std::isfinite(total)) return total;
+  throw Error(ErrorCode::Overflow, "record " + std::to_string(record.number) +
+                                       ": the levels are too high for a perceived noise level");
+}
+
+/// What an event depends on, by index of the record. NaN means no value.
+struct EventValues {
+  explicit EventValues(std::size_t records)
+      : pnlt(records, kNoValue), corrections(records, kNoValue) {}
+  std::vector<double> pnlt;
+  std::vector<double> corrections;
+};
 
 /// How long each record lasts, from the seconds of the day of its stamp until the next stamp, also
 /// across midnight; the last record lasts as long as the one before it.
-std::vector<double> durationsOf(const std::vector<RecordMetrics>& records) {
+std::vector<double> durationsOf(const Records& records) {
   std::vector<double> durations(records.size(), kRecordSeconds);
   for (std::size_t i = 0; i + 1 < records.size(); ++i) {
-    const double step = std::fmod(records[i + 1].seconds - records[i].seconds, kSecondsPerDay);
+    double step = records[i + 1].seconds - records[i].seconds;
+    if (!(step > 0 && step < kSecondsPerDay)) step = std::fmod(step, kSecondsPerDay);
     durations[i] = step < 0 ? step + kSecondsPerDay : step;
     if (durations[i] > 0) continue;
-    throw Error(ErrorCode::InvalidValue, "records " + std::to_string(records[i].record) + " and " +
-                                             std::to_string(records[i + 1].record) +
+    throw Error(ErrorCode::InvalidValue, "records " + std::to_string(records[i].number) + " and " +
+                                             std::to_string(records[i + 1].number) +
                                              " have the same time");
   }
   if (durations.size() > 1) durations.back() = *(durations.end() - 2);
   return durations;
 }
 
-/// Index 0 is the lowest record number; a number without a record is an index without PNLT.
-std::optional<NoiseEvent> eventOf(const std::vector<RecordMetrics>& records,
-                                  const std::vector<double>& durations) {
-  const auto hasPnlt = [](const RecordMetrics& record) { return record.has(AQ_METRIC_PNLT); };
-  if (std::none_of(records.begin(), records.end(), hasPnlt)) return std::nullopt;
-  const int low = records.front().record;
-  const auto places = static_cast<std::size_t>(records.back().record - low) + 1;
-  std::vector<double> pnlt(places, kNoValue);
-  std::vector<double> corrections(places, kNoValue);
-  std::vector<double> seconds(places, kRecordSeconds);
+/// The values by number of the record, from the lowest up; `other` for a number without a record.
+std::vector<double> byNumber(const Records& records, std::vector<double> values, double other) {
+  const int low = records.front().number;
+  const auto numbers = static_cast<std::size_t>(records.back().number - low) + 1;
+  if (numbers == values.size()) return values;
+  std::vector<double> all(numbers, other);
   for (std::size_t i = 0; i < records.size(); ++i) {
-    const auto place = static_cast<std::size_t>(records[i].record - low);
-    pnlt[place] = records[i].value(AQ_METRIC_PNLT);
-    corrections[place] = records[i].value(AQ_METRIC_TONECOR);
-    seconds[place] = durations[i];
+    all[static_cast<std::size_t>(records[i].number - low)] = values[i];
   }
-  return noiseEvent(pnlt, seconds, corrections);
+  return all;
+}
+
+/// Index 0 is the lowest record number; a number without a record is an index without PNLT.
+std::optional<NoiseEvent> eventOf(const Records& records, EventValues values) {
+  std::vector<double> durations = durationsOf(records);
+  const auto& pnlt = values.pnlt;
+  const bool hasPnlt = std::any_of(pnlt.begin(), pnlt.end(), [](double v) { return v == v; });
+  if (!hasPnlt) return std::nullopt;
+  return noiseEvent(byNumber(records, std::move(values.pnlt), kNoValue),
+                    byNumber(records, std::move(durations), kRecordSeconds),
+                    byNumber(records, std::move(values.corrections), kNoValue));
+}
+
+RecordMetrics metricsOf(const Record& record, const CountedLevels& levels, double correction,
+                        double band) {
+  RecordMetrics metrics;
+  metrics.record = record.number;
+  metrics.seconds = record.seconds;
+  metrics.values.fill(kNoValue);
+  const WeightedLevels weighted = weightedLevelsOf(levels);
+  std::copy(weighted.begin(), weighted.end(), metrics.values.begin());
+  metrics.perceivedBands = perceivedBandsOf(levels);
+  if (metrics.perceivedBands > 0) {
+    const double level = perceivedLevelOf(totalNoisiness(levels, record));
+    metrics.value(AQ_METRIC_PNL, level);
+    metrics.value(AQ_METRIC_PNLT, level + correction);
+    metrics.value(AQ_METRIC_TONECOR, correction);
+    metrics.value(AQ_METRIC_TONEBND, band);
+  }
+  metrics.value(AQ_METRIC_INTEG, 0);
+  return metrics;
 }
 
 void flagRecords(const NoiseEvent& event, std::vector<RecordMetrics>& records) {
@@ -96,114 +157,82 @@ void flagRecords(const NoiseEvent& event, std::vector<RecordMetrics>& records) {
   }
 }
 
-/// The records of a history and their metrics, in the order of their numbers.
-struct Series {
-  struct Record {
-    const AQ_Spectrum* spectrum;
-    const AQ_MaskRow* masks;  // may be null
-  };
-  std::vector<Record> records;
-  std::vector<RecordMetrics> metrics;
-
-  using Levels = std::array<CountedLevels, kLanes>;
-
-  /// Calls `compute` for the levels and metrics of the records from `begin` to before `end`, as
-  /// many at a time as there are lanes; repeats the last record to fill the lanes.
-  template <class Compute>
-  void forEachLanes(std::size_t begin, std::size_t end, const Compute& compute) {
-    Levels levels;
-    for (; begin < end; begin += kLanes) {
-      const std::size_t count = std::min(kLanes, end - begin);
-      for (std::size_t i = 0; i < kLanes; ++i) {
-        const Record& record = records[begin + std::min(i, count - 1)];
-        levels[i].take(*record.spectrum, record.masks);
-      }
-      compute(levels, std::span(metrics).subspan(begin, count));
-    }
+/// The total noisiness of each record; NaN if no level counts.
+std::vector<double> totalsOf(const Records& records) {
+  std::vector<double> totals;
+  totals.reserve(records.size());
+  CountedLevels levels;
+  for (const Record& record : records) {
+    levels.take(*record.spectrum, record.masks);
+    const double total = totalNoisiness(levels, record);
+    totals.push_back(total == 0 && perceivedBandsOf(levels) == 0 ? kNoValue : total);
   }
-};
-
-void addTones(const Series::Levels& levels, std::span<RecordMetrics> metrics) {
-  const Tones tones = tonesOf(levels);
-  for (std::size_t i = 0; i < metrics.size(); ++i) {
-    addTone(tones.corrections[i], tones.bands[i], metrics[i]);
-  }
+  return totals;
 }
 
-Series seriesOf(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map) {
-  Series series;
-  const auto count = static_cast<std::size_t>(std::distance(history.begin(), history.end()));
-  series.records.reserve(count);
-  series.metrics.reserve(count);
-  for (const auto& [number, object] : history) {
-    const AQ_Spectrum& spectrum = orThrow(object);
-    RecordMetrics& metrics = series.metrics.emplace_back();
-    metrics.record = static_cast<std::int16_t>(number);
-    metrics.seconds = spectrum.timeValue().TODseconds();
-    metrics.values.fill(kNoValue);
-    series.records.push_back({&spectrum, rowOf(map, metrics.record)});
-  }
-  return series;
-}
-
-/// The range of indices of the records that may belong to the event: from the first to the last
-/// that may reach the 10 dB-down limits, and those that count for band sharing.
-std::pair<std::size_t, std::size_t> eventRange(const std::vector<RecordMetrics>& records) {
-  constexpr double kDown = 10.1;   // dB, a little beyond the limits
-  constexpr double kMostTone = 7;  // dB, a little more than any correction
+/// The values of the records that may belong to the event: from the first to the last that may
+/// reach the 10 dB-down limits, and those that count for band sharing. Other records get no value.
+EventValues eventValuesOf(const Records& records) {
+  constexpr double kDown = 10.1;     // dB, a little beyond the limits
+  constexpr double kMostTone = 6.7;  // dB, a little more than any correction
   constexpr std::size_t kBeside = 2;
-  double highest = -std::numeric_limits<double>::infinity();
-  for (const auto& record : records) highest = std::fmax(highest, record.value(AQ_METRIC_PNL));
-  const auto mayReach = [&](const RecordMetrics& record) {
-    return record.value(AQ_METRIC_PNL) + kMostTone >= highest - kDown;
+  EventValues values(records.size());
+  const std::vector<double> totals = totalsOf(records);
+  const auto add = [&](std::size_t begin, std::size_t end) {
+    forEachTone(records, begin, end, [&](std::size_t i, const auto&, double correction, double) {
+      if (std::isnan(totals[i])) return;
+      values.corrections[i] = correction;
+      values.pnlt[i] = perceivedLevelOf(totals[i]) + correction;
+    });
   };
-  const auto first = std::find_if(records.begin(), records.end(), mayReach);
-  const auto last = std::find_if(records.rbegin(), records.rend(), mayReach);
-  const auto begin = static_cast<std::size_t>(first - records.begin());
-  const auto end = static_cast<std::size_t>(records.rend() - last);
-  return {begin - std::min(begin, kBeside), std::min(end + kBeside, records.size())};
+  std::size_t loudest = 0;
+  for (std::size_t i = 1; i < totals.size(); ++i) {
+    if (std::isnan(totals[loudest]) || totals[i] > totals[loudest]) loudest = i;
+  }
+  add(loudest, loudest + 1);
+  const double lowest = values.pnlt[loudest] - kDown - kMostTone;
+  const auto mayReach = [least = lowest > 0 ? totalNoisinessAt(lowest) : 0](double total) {
+    return total >= least;
+  };
+  const auto first = std::find_if(totals.begin(), totals.end(), mayReach);
+  const auto last = std::find_if(totals.rbegin(), totals.rend(), mayReach);
+  const auto begin = static_cast<std::size_t>(first - totals.begin());
+  const auto end = static_cast<std::size_t>(totals.rend() - last);
+  add(begin - std::min(begin, kBeside), std::min(end + kBeside, totals.size()));
+  return values;
 }
 
 }  // namespace
 
 HistoryMetrics historyMetrics(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map) {
-  Series series = seriesOf(history, map);
-  series.forEachLanes(0, series.records.size(), [](const auto& levels, auto metrics) {
-    for (std::size_t i = 0; i < metrics.size(); ++i) {
-      addLevels(levels[i], metrics[i]);
-      addPerceivedNoise(levels[i], metrics[i]);
-    }
-    addTones(levels, metrics);
-  });
+  const Records records = recordsOf(history, map);
+  EventValues values(records.size());
   HistoryMetrics result;
-  result.records = std::move(series.metrics);
-  for (std::size_t i = 0; i < result.records.size(); ++i) {
-    const AQ_MaskRow* const row = series.records[i].masks;
-    result.records[i].value(AQ_METRIC_INTEG, 0);
-    if (map == nullptr) continue;
-    result.records[i].value(AQ_METRIC_LGB, row == nullptr ? 0 : lastGoodBand(*row));
-  }
-  result.event = eventOf(result.records, durationsOf(result.records));
+  result.records.reserve(records.size());
+  forEachTone(records, 0, records.size(),
+              [&](std::size_t i, const auto& levels, double correction, double band) {
+                const Record& record = records[i];
+                RecordMetrics metrics = metricsOf(record, levels, correction, band);
+                if (map != nullptr) {
+                  const bool hasRow = record.masks != nullptr;
+                  metrics.value(AQ_METRIC_LGB, hasRow ? lastGoodBand(*record.masks) : 0);
+                }
+                values.pnlt[i] = metrics.value(AQ_METRIC_PNLT);
+                values.corrections[i] = metrics.value(AQ_METRIC_TONECOR);
+                result.records.push_back(metrics);
+              });
+  result.event = eventOf(records, std::move(values));
   if (result.event) flagRecords(*result.event, result.records);
   return result;
 }
 
 HistoryEvent historyEvent(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map) {
-  Series series = seriesOf(history, map);
-  std::vector<RecordMetrics>& records = series.metrics;
-  series.forEachLanes(0, records.size(), [](const auto& levels, auto metrics) {
-    for (std::size_t i = 0; i < metrics.size(); ++i) addPerceivedNoise(levels[i], metrics[i]);
-  });
-  // Other records are below the limits with or without their corrections.
-  for (RecordMetrics& record : records) {
-    record.value(AQ_METRIC_PNLT, record.value(AQ_METRIC_PNL));
-  }
-  const auto [begin, end] = eventRange(records);
-  series.forEachLanes(begin, end, addTones);
+  const Records records = recordsOf(history, map);
   HistoryEvent result;
   result.records = records.size();
-  if (!records.empty()) result.firstRecord = records.front().record;
-  result.event = eventOf(records, durationsOf(records));
+  if (records.empty()) return result;
+  result.firstRecord = records.front().number;
+  result.event = eventOf(records, eventValuesOf(records));
   return result;
 }
 

@@ -22,6 +22,16 @@ inline constexpr std::size_t kLanes = sizeof(Lanes) / sizeof(double);
   return lanes;
 }
 
+/// The lanes with the numbers that `numberAt` gives by lane.
+template <class NumberAt>
+[[nodiscard]] Lanes lanesOf(const NumberAt& numberAt) {
+#if defined(__GNUC__)
+  return Lanes{numberAt(0), numberAt(1)};
+#else
+  return numberAt(0);
+#endif
+}
+
 inline void putLanes(double* to, const Lanes& lanes) { std::memcpy(to, &lanes, sizeof(lanes)); }
 
 [[nodiscard]] inline double laneOf(const Lanes& lanes, std::size_t lane) {

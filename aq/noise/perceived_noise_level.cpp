@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 #include "aq/core/error.h"
@@ -33,52 +34,85 @@ struct BandNoys {
 class NoyTables {
  public:
   NoyTables() {
-    tables_.reserve(kNoyBands.size());  // bands keep pointers to them
-    for (std::size_t i = 0; i < bands_.size(); ++i) {
-      const bool isNew = i == 0 || !(kNoyBands[i] == kNoyBands[i - 1]);
-      if (isNew) tables_.emplace_back(BandNoys{&kNoyBands[i]});
-      bands_[i] = &tables_.back();
+    tables_.reserve(kCurves.back() + 1);
+    for (std::size_t i = 0; i < kNoyBands.size(); ++i) {
+      if (kCurves[i] == tables_.size()) tables_.emplace_back(BandNoys{&kNoyBands[i]});
     }
   }
 
   /// The table of the band at an index of `kNoyBands`.
-  [[nodiscard]] const LevelTable<BandNoys>& operator[](std::size_t i) const { return *bands_[i]; }
+  [[nodiscard]] const LevelTable<BandNoys>& operator[](std::size_t i) const {
+    return tables_[kCurves[i]];
+  }
 
  private:
+  /// The index in `tables_` of each band.
+  static constexpr auto kCurves = [] {
+    std::array<std::size_t, kNoyBands.size()> curves{};
+    for (std::size_t i = 1; i < curves.size(); ++i) {
+      curves[i] = curves[i - 1] + (kNoyBands[i] == kNoyBands[i - 1] ? 0 : 1);
+    }
+    return curves;
+  }();
   std::vector<LevelTable<BandNoys>> tables_;
-  std::array<const LevelTable<BandNoys>*, kNoyBands.size()> bands_{};
 };
 
-/// Calls `add` with the noys of each band of the record.
-template <class Add>
-void forEachNoys(const CountedLevels& record, const Add& add) {
-  static const NoyTables tables;
+/// The noys by band, from `kFirstNoyBand`; 0 for a level that does not count.
+std::array<double, kNoyBands.size()> noysOf(const CountedLevels& record, const NoyTables& tables) {
+  std::array<double, kNoyBands.size()> noys{};
   const std::int32_t low = std::max<std::int32_t>(record.low(), kFirstNoyBand);
   auto i = static_cast<std::size_t>(low - kFirstNoyBand);
   if (record.isCoded()) {
-    for (const LevelCode code : record.codes(low, kLastNoyBand)) add(tables[i++].of(code));
-    return;
+    for (const LevelCode code : record.codes(low, kLastNoyBand)) {
+      noys[i] = tables[i].of(code);
+      ++i;
+    }
+    return noys;
   }
-  for (std::int32_t band = low; band <= kLastNoyBand; ++band) {
-    add(noysOf(kNoyBands[i++], record.level(band)));
+  for (std::int32_t band = low; band <= kLastNoyBand; ++band, ++i) {
+    noys[i] = noysOf(kNoyBands[i], record.level(band));
   }
+  return noys;
+}
+
+/// The total noisiness of the noys that `noysAt` gives by index of `kNoyBands`. Two sums, so that
+/// an addition need not wait for the one before it; without a loop, so that the addresses of tables
+/// are constants.
+template <class NoysAt, std::size_t... kPairs>
+double totalOf(const NoysAt& noysAt, std::index_sequence<kPairs...>) {
+  double highest = 0;
+  double even = 0;
+  double odd = 0;
+  const auto add = [&](double first, double second) {
+    highest = std::max(second, std::max(first, highest));
+    even += first;
+    odd += second;
+  };
+  (add(noysAt(2 * kPairs), noysAt(2 * kPairs + 1)), ...);
+  return 0.85 * highest + 0.15 * (even + odd);
 }
 
 }  // namespace
 
-double perceivedNoiseLevelOf(const CountedLevels& record) {
-  double highest = 0;
-  double sum = 0;
-  forEachNoys(record, [&](double noys) {
-    highest = std::max(highest, noys);
-    sum += noys;
-  });
-  const double total = 0.85 * highest + 0.15 * sum;
-  return total > 0 ? 40 + 10 * std::log2(total) : 0;
+double totalNoisinessOf(const CountedLevels& record) {
+  constexpr std::make_index_sequence<kNoyBands.size() / 2> kPairs;
+  static const NoyTables tables;
+  if (record.areInTable() && record.low() <= kFirstNoyBand && record.end() > kLastNoyBand) {
+    const auto codes = record.codes(kFirstNoyBand, kLastNoyBand);
+    return totalOf([&](std::size_t i) { return tables[i][codes[i]]; }, kPairs);
+  }
+  const auto noys = noysOf(record, tables);
+  return totalOf([&](std::size_t i) { return noys[i]; }, kPairs);
 }
 
+double perceivedLevelOf(double totalNoisiness) {
+  return totalNoisiness > 0 ? 40 + 10 * std::log2(totalNoisiness) : 0;
+}
+
+double totalNoisinessAt(double perceivedLevel) { return std::exp2((perceivedLevel - 40) / 10); }
+
 double perceivedNoiseLevel(const AQ_Spectrum& spectrum, const AQ_MaskRow* masks) {
-  const double level = perceivedNoiseLevelOf(CountedLevels(spectrum, masks));
+  const double level = perceivedLevelOf(totalNoisinessOf(CountedLevels(spectrum, masks)));
   if (std::isfinite(level)) return level;
   throw Error(ErrorCode::Overflow, "the levels are too high for a perceived noise level");
 }

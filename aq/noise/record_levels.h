@@ -1,10 +1,13 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
 
 #include "aq/core/enumerations.h"
 #include "aq/noise/counted_levels.h"
 #include "aq/noise/lanes.h"
+#include "aq/noise/tone_procedure.h"
 
 // The metrics of records, from the levels that count.
 
@@ -16,14 +19,24 @@ using WeightedLevels = std::array<double, AQ_METRIC_OA>;
 /// See `weightedLevel`.
 [[nodiscard]] WeightedLevels weightedLevelsOf(const CountedLevels& record);
 
-/// See `perceivedNoiseLevel`; infinite instead of throwing.
-[[nodiscard]] double perceivedNoiseLevelOf(const CountedLevels& record);
+/// The total noisiness, noys; infinite if the levels are too high.
+[[nodiscard]] double totalNoisinessOf(const CountedLevels& record);
+/// The perceived noise level of a total noisiness, PNdB.
+[[nodiscard]] double perceivedLevelOf(double totalNoisiness);
+/// The inverse, for levels above 0.
+[[nodiscard]] double totalNoisinessAt(double perceivedLevel);
 
-/// See `toneCorrection`: the largest correction of each record and its band.
-struct Tones {
-  std::array<double, kLanes> corrections{};
-  std::array<double, kLanes> bands{};
+/// The largest tone correction of each of some records, and its band; see `toneCorrection`.
+class Tones {
+ public:
+  void find(const std::array<CountedLevels, kLanes>& records);
+  [[nodiscard]] double correction(std::size_t record) const { return corrections_[record]; }
+  [[nodiscard]] std::int16_t band(std::size_t record) const { return bands_[record]; }
+
+ private:
+  ToneProcedure<Lanes> procedure_;
+  std::array<double, kLanes> corrections_{};
+  std::array<std::int16_t, kLanes> bands_{};
 };
-[[nodiscard]] Tones tonesOf(const std::array<CountedLevels, kLanes>& records);
 
 }  // namespace aq

@@ -1,9 +1,12 @@
 #include "aq/noise/tone_correction.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <span>
 
+#include "aq/noise/level_table.h"
 #include "aq/noise/record_levels.h"
 #include "aq/noise/tone_procedure.h"
 
@@ -22,7 +25,7 @@ ToneStep stepAt(const ToneProcedure<double>& procedure, std::size_t i, std::size
   if (i + 1 < count) step.meanSlope = procedure.meanSlope[i];
   step.background = procedure.background[i];
   step.difference = procedure.difference[i];
-  step.correction = procedure.correction[i];
+  step.correction = bandCorrection(i, procedure.difference[i]);
   return step;
 }
 
@@ -32,41 +35,42 @@ std::size_t toneBandsOf(const CountedLevels& record) {
 
 std::int32_t bandAt(std::size_t place) { return kFirstToneBand + static_cast<std::int32_t>(place); }
 
-using Counts = std::array<std::size_t, kLanes>;
-
-/// The levels by band and record, as many of each record as `counts` says.
-std::array<std::array<double, kLanes>, kToneBands> levelsOf(
-    const std::array<CountedLevels, kLanes>& records, const Counts& counts) {
-  std::array<std::array<double, kLanes>, kToneBands> levels{};
-  for (std::size_t r = 0; r < kLanes; ++r) {
-    const CountedLevels& record = records[r];
-    if (counts[r] == 0) continue;
-    std::size_t i = 0;
-    if (record.isCoded()) {
-      for (const LevelCode code : record.codes(kFirstToneBand, bandAt(counts[r] - 1))) {
-        levels[i++][r] = levelOf(code);
-      }
-    }
-    for (; i < counts[r]; ++i) levels[i][r] = record.level(bandAt(i));
+/// The lowest band with this correction; 0 if it is 0.
+template <class DifferenceAt>
+std::int16_t bandOf(double correction, std::size_t count, const DifferenceAt& differenceAt) {
+  if (correction == 0) return 0;
+  std::size_t place = 0;
+  for (; place < count; ++place) {
+    const double difference = differenceAt(place);
+    if (difference < 2.99 * correction) continue;  // saves the division
+    if (bandCorrection(place, difference) == correction) break;
   }
-  return levels;
+  return static_cast<std::int16_t>(bandAt(place));
 }
 
 }  // namespace
 
-Tones tonesOf(const std::array<CountedLevels, kLanes>& records) {
-  Counts counts;
-  for (std::size_t r = 0; r < kLanes; ++r) counts[r] = toneBandsOf(records[r]);
-  ToneProcedure<Lanes> procedure;
-  const auto levels = levelsOf(records, counts);
-  for (std::size_t i = 0; i < kToneBands; ++i) procedure.level[i] = lanesAt(levels[i].data());
-  Tones tones;
+void Tones::find(const std::array<CountedLevels, kLanes>& records) {
+  static const LevelTable decibels([](double level) { return level; });
+  std::array<std::size_t, kLanes> counts{};
+  std::array<std::span<const LevelCode>, kLanes> codes;
   for (std::size_t r = 0; r < kLanes; ++r) {
-    if (r == 0 || counts[r] != counts[r - 1]) procedure.run(counts[r]);  // usually equal
-    tones.corrections[r] = laneOf(procedure.largest, r);
-    tones.bands[r] = laneOf(procedure.largestBand, r);
+    counts[r] = toneBandsOf(records[r]);
+    const bool areCodes = records[r].areInTable() && counts[r] > 0;
+    if (areCodes) codes[r] = records[r].codes(kFirstToneBand, bandAt(counts[r] - 1));
   }
-  return tones;
+  const std::size_t most = *std::max_element(counts.begin(), counts.end());
+  for (std::size_t i = 0; i < most; ++i) {
+    procedure_.level[i] = lanesOf([&](std::size_t r) {
+      return i < codes[r].size() ? decibels[codes[r][i]] : records[r].level(bandAt(i));
+    });
+  }
+  for (std::size_t r = 0; r < kLanes; ++r) {
+    if (r == 0 || counts[r] != counts[r - 1]) procedure_.run(counts[r]);  // usually equal
+    corrections_[r] = laneOf(procedure_.largest, r);
+    bands_[r] = bandOf(corrections_[r], counts[r],
+                       [&](std::size_t place) { return laneOf(procedure_.difference[place], r); });
+  }
 }
 
 ToneCorrection toneCorrection(const AQ_Spectrum& spectrum, const AQ_MaskRow* masks) {
@@ -77,7 +81,8 @@ ToneCorrection toneCorrection(const AQ_Spectrum& spectrum, const AQ_MaskRow* mas
   procedure.run(count);
   ToneCorrection result;
   result.correction = procedure.largest;
-  result.band = static_cast<std::int16_t>(procedure.largestBand);
+  result.band = bandOf(result.correction, count,
+                       [&](std::size_t place) { return procedure.difference[place]; });
   result.lastBand = static_cast<std::int16_t>(kFirstToneBand - 1 + static_cast<int>(count));
   result.rows.reserve(count);
   for (std::size_t i = 0; i < count; ++i) result.rows.push_back(stepAt(procedure, i, count));

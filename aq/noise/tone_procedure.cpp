@@ -1,18 +1,14 @@
 #include "aq/noise/tone_procedure.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace aq {
 namespace {
 
-/// Tones count double from 500 to 5000 Hz.
-constexpr std::array<double, kToneBands> kToneWeights = [] {
-  std::array<double, kToneBands> weights{};
-  for (std::size_t i = 0; i < kToneBands; ++i) {
-    weights[i] = i + kFirstToneBand >= 27 && i + kFirstToneBand <= 37 ? 2 : 1;
-  }
-  return weights;
-}();
+// Tones count double from 500 to 5000 Hz, bands 27 to 37.
+constexpr std::size_t kFirstDouble = 27 - kFirstToneBand;
+constexpr std::size_t kAfterDouble = 38 - kFirstToneBand;
 
 template <class Number>
 Number numberOf(double value) {
@@ -30,15 +26,19 @@ Number correctionOf(const Number& difference) {
 
 }  // namespace
 
+double bandCorrection(std::size_t place, double difference) {
+  const bool isDouble = place >= kFirstDouble && place < kAfterDouble;
+  return (isDouble ? 2 : 1) * correctionOf(difference);
+}
+
 template <class Number>
 void ToneProcedure<Number>::run(std::size_t count) {
   largest = Number{};
-  largestBand = Number{};
   if (count == 0) return;
   findSlopes(count);
   adjustLevels(count);
   findBackground(count);
-  correct(count);
+  findLargest(count);
 }
 
 template <class Number>
@@ -80,15 +80,21 @@ void ToneProcedure<Number>::findBackground(std::size_t count) {
   }
 }
 
+/// A correction never falls where the difference grows, so that of the largest difference is the
+/// largest one.
 template <class Number>
-void ToneProcedure<Number>::correct(std::size_t count) {
-  double band = kFirstToneBand;
-  for (std::size_t i = 0; i < count; ++i, ++band) {
-    difference[i] = level[i] - background[i];
-    correction[i] = kToneWeights[i] * correctionOf(difference[i]);
-    largestBand = correction[i] > largest ? numberOf<Number>(band) : largestBand;
-    largest = largerOf(correction[i], largest);
-  }
+void ToneProcedure<Number>::findLargest(std::size_t count) {
+  const auto largestOf = [&](std::size_t begin, std::size_t end) {
+    Number found{};
+    for (std::size_t i = begin; i < std::min(end, count); ++i) {
+      difference[i] = level[i] - background[i];
+      found = largerOf(difference[i], found);
+    }
+    return found;
+  };
+  const Number once = largerOf(largestOf(0, kFirstDouble), largestOf(kAfterDouble, kToneBands));
+  const Number twice = largestOf(kFirstDouble, kAfterDouble);
+  largest = largerOf<Number>(correctionOf(once), 2.0 * correctionOf(twice));
 }
 
 template class ToneProcedure<double>;

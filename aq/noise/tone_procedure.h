@@ -13,6 +13,10 @@ inline constexpr std::int16_t kLastToneBand = 40;   // 10 kHz
 inline constexpr double kMarkedSlopeChange = 5;     // dB, marks a slope when exceeded
 inline constexpr std::size_t kToneBands = kLastToneBand - kFirstToneBand + 1;
 
+/// The tone correction of a band at an index of columns, dB, at most a third of `difference`; 0
+/// where the difference to the background does not count.
+[[nodiscard]] double bandCorrection(std::size_t place, double difference);
+
 /// The tone correction procedure of 14 CFR 36, A36.4.3, step by step, for one record or for lanes
 /// of records with the same bands. Columns hold one number per band; index 0 is band 19.
 template <class Number>
@@ -32,9 +36,7 @@ class ToneProcedure {
   Column meanSlope{};      ///< none at the last band
   Column background{};
   Column difference{};
-  Column correction{};   ///< 0 where the difference does not count
-  Number largest{};      ///< of the corrections
-  Number largestBand{};  ///< the lowest band with that correction; 0 when it is 0
+  Number largest{};  ///< the largest correction of any band
 
   /// The slope minus that of the band below.
   [[nodiscard]] Number slopeChange(std::size_t place) const {
@@ -45,7 +47,7 @@ class ToneProcedure {
   void findSlopes(std::size_t count);
   void adjustLevels(std::size_t count);
   void findBackground(std::size_t count);
-  void correct(std::size_t count);
+  void findLargest(std::size_t count);
 };
 
 extern template class ToneProcedure<double>;
