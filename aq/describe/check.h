@@ -4,7 +4,7 @@
 #include "aq/check/finding.h"
 #include "aq/describe/description.h"
 
-// The checks of files. Hosts receive findings in their own form.
+// File checks. Each host receives findings in its own form.
 
 namespace aq::describe {
 
@@ -20,7 +20,7 @@ struct Description<Severity> {
   }
 };
 
-/// The functions of the folder.
+/// The functions of `aq/check`.
 struct CheckFunctions;
 
 template <>
@@ -31,18 +31,20 @@ struct Description<CheckFunctions> {
     constexpr auto report = in("report", "Receives each finding, in the order of the file's lines");
     using FitOfFiles = void (*)(const std::string&, const std::string&, const FindingSink&);
     to.function("checkFile", &checkFile,
-                about("Reads a file of any kind and reports what fails and what is probably wrong"),
+                about("Reads a file of any kind and reports what makes reading fail and what is "
+                      "probably wrong"),
                 in("path", "The name of the file", FileName{}), report)
         .function("checkFixes", &checkFixes,
                   about("Reports the fixes of a tracking file that a reader with this limit drops"),
                   in("path", "The tracking file", FileName{}),
                   in("limit", "The RT20Limit; 0 is the best", Quantity{"quality figure", 0, 255}),
                   report)
-        .function("checkFit", static_cast<FitOfFiles>(&checkFit),
-                  about("Reports why a masking map does not fit its history; nothing for a file "
-                        "that cannot be read"),
-                  in("historyPath", "The history file", FileName{}),
-                  in("mapPath", "The masking map file", FileName{}), report);
+        .function(
+            "checkFit", static_cast<FitOfFiles>(&checkFit),
+            about("Reports why a masking map does not fit its history; reports nothing if one "
+                  "of the files cannot be read"),
+            in("historyPath", "The history file", FileName{}),
+            in("mapPath", "The masking map file", FileName{}), report);
   }
 };
 

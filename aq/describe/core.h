@@ -26,22 +26,24 @@ struct Description<AQ_Time> {
                   "The time relative to a reference time", kSeconds)
         .setter("setRelTime", &T::setRelTime,
                 "Sets RelSeconds to the time since a reference, including the days in between; "
-                "raises if these exceed 32 bits of seconds",
+                "raises if these days, in seconds, exceed 32 bits",
                 in("reference", "The reference time"))
         .method("TODnumbers", &T::TODnumbers,
-                "Sets the time of day from three numbers, each in single precision; checks no "
-                "range, but a number that is not finite or exceeds single precision raises",
+                "Sets the time of day from three numbers, each in single precision; does not check "
+                "the range, but raises for a number that is not finite or too large for single "
+                "precision",
                 in("Hours", "Hours", Quantity{"h"}), in("Minutes", "Minutes", Quantity{"min"}),
                 in("Seconds", "Seconds", kSeconds))
         .property("TODseconds", &T::TODseconds, &T::TODseconds,
-                  "The time of day, from midnight; a value above 86400 wraps into the next day, "
-                  "and one that is not finite raises",
+                  "The time of day, from midnight; a value above 86400 wraps into the next day. "
+                  "Raises for one that is not finite",
                   kSecondsOfDay)
         .property("WorkingTime", &T::WorkingTime,
                   "RelSeconds or TODseconds, as chosen by setWorkingTime", kSeconds)
-        .form("TODstring", &T::TODstring, &T::TODstring,
-              "The time of day as hh:mm:ss with a fraction, as in 12:34:56.5; reading raises below "
-              "0 and at or above 90000 s, setting raises for a text with fewer than two colons")
+        .form(
+            "TODstring", &T::TODstring, &T::TODstring,
+            "The time of day as hh:mm:ss with a fraction, as in 12:34:56.5; reading raises unless "
+            "it is from 0 to below 90000 s; setting raises if the text has fewer than two colons")
         .property("CurrentDate", &T::CurrentDate, &T::CurrentDate,
                   "The calendar date; 0 means not set", Date{})
         .setter("setWorkingTime", &T::setWorkingTime, "Chooses the time that WorkingTime returns",
@@ -69,8 +71,8 @@ struct Description<Collection<T>> {
   static void members(To& to) {
     using L = Collection<T>;
     to.method("Add", static_cast<void (L::*)(T, std::string_view)>(&L::Add),
-              "Appends a value; a duplicate key raises", valueOf<T>("The new entry"),
-              optionally("key", "Its key"))
+              "Appends a value; raises for a duplicate key", valueOf<T>("The new entry"),
+              optionally("key", "The key of the new entry"))
         .keyed("Item", static_cast<const T& (L::*)(std::int32_t) const>(&L::Item),
                static_cast<const T& (L::*)(std::string_view) const>(&L::Item),
                "The entry at an index from 1 to Count, or with a key; raises if there is none")
@@ -118,7 +120,7 @@ struct Description<FileInformation> {
   }
 };
 
-/// The functions of the folder.
+/// The functions of `aq/core`.
 struct CoreFunctions;
 
 template <>
@@ -128,14 +130,14 @@ struct Description<CoreFunctions> {
   static void members(To& to) {
     to.function(
           "bandLabel", &bandLabel,
-          about(
-              "The column heading of a band, number and nominal frequency, as in B17/50Hz; raises "
-              "outside bands 2 to 50"),
+          about("The column heading of a band: its number and nominal frequency, as in B17/50Hz; "
+                "raises for a band outside 2 to 50"),
           in("band", "The band", kBand))
         .function("fileInformation", &fileInformation, about("The file information service in use"))
-        .function("setFileInformation", &setFileInformation,
-                  about("Installs a file information service; none restores the default"),
-                  in("information", "The service"));
+        .function(
+            "setFileInformation", &setFileInformation,
+            about("Installs a file information service, or restores the default if given none"),
+            in("information", "The service"));
   }
 };
 

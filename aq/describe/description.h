@@ -54,10 +54,10 @@ inline constexpr Quantity kLength{"m"};
 inline constexpr Quantity kAngle{"degree"};
 inline constexpr Quantity kOfTheMetric{"dB, PNdB, TPNdB, band or flags"};
 
-/// The description of a member or parameter, besides its type.
+/// The description of a member or parameter, apart from its type.
 struct About {
   std::string_view text;   ///< a sentence without its full stop
-  Quantity quantity = {};  ///< has a unit only if it is a number
+  Quantity quantity = {};  ///< with a unit only if the member is a number
   bool isDate = false;
   bool isFileName = false;
   std::string_view key = {};
@@ -108,7 +108,7 @@ struct Property {
   About about;
 };
 
-/// Another form of the value of other properties.
+/// The value of other properties in another form.
 template <class Get, class Set>
 struct Form : Property<Get, Set> {};
 
@@ -135,7 +135,7 @@ struct Setter {
   About about;
 };
 
-/// Values by a number or a type: `get(key)`, `set(key, value)`.
+/// Values selected by a number or a type: `get(key)`, `set(key, value)`.
 template <class Get, class Set>
 struct Indexed {
   const char* name;
@@ -163,7 +163,7 @@ struct Banded {
   About about;
 };
 
-/// One method for an index and for a key.
+/// A method that takes either an index or a key.
 template <class ByPlace, class ByKey>
 struct Keyed {
   const char* name;
@@ -287,7 +287,7 @@ class Members {
     return take(Field<Value C::*>{name, member, about(text, parts...)});
   }
 
-  /// A description that several classes share.
+  /// A field whose description several classes share.
   template <class Value, class... Parts>
   Members& field(const char* name, Value C::*member, const Told<Parts...>& told) {
     saysItsUnit<Value, Parts...>();
@@ -366,7 +366,7 @@ class Members {
   Visit& visit_;
 };
 
-/// The same for the members of an enumeration.
+/// The function that describes the members of an enumeration.
 template <class E, class Visit>
 class Members<E, Visit, true> {
  public:

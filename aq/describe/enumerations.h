@@ -59,7 +59,7 @@ struct Description<AQ_RefTimeType> {
         .member("AQ_TMAX", AQ_TMAX, "The largest tone-corrected perceived noise level")
         .member("AQ_OAMAX", AQ_OAMAX, "The largest overall level")
         .member("AQ_HACK", AQ_HACK, "A time mark set by hand during the measurement")
-        .member("AQ_OTHER", AQ_OTHER, "An event that none of the others names");
+        .member("AQ_OTHER", AQ_OTHER, "Any other event");
   }
 };
 
@@ -78,7 +78,7 @@ struct Description<AQ_CONSTANTS> {
 template <>
 struct Description<AQ_OPTIME> {
   static constexpr char name[] = "AQ_OPTIME";
-  static constexpr char text[] = "Which of its two times a time value uses";
+  static constexpr char text[] = "Which of its two times an AQ_Time returns as WorkingTime";
   template <class To>
   static void members(To& to) {
     to.member("AQ_TIME_TOD", AQ_TIME_TOD, "The time of day, in seconds after midnight")
@@ -126,9 +126,9 @@ struct Description<AQ_MASK_ADJUST> {
         .member("ENERGY_SUBTRACTION", ENERGY_SUBTRACTION,
                 "The energy of the ambient was subtracted")
         .member("FREQUENCY_EXTRAPOLATION", FREQUENCY_EXTRAPOLATION,
-                "Extrapolated from other bands of its record")
+                "Extrapolated from other bands of the same record")
         .member("TIME_EXTRAPOLATION", TIME_EXTRAPOLATION,
-                "Extrapolated from its band in other records")
+                "Extrapolated from the same band in other records")
         .member("AVG_OF_ADJACENT", AVG_OF_ADJACENT, "The mean of the adjacent bands")
         .member("CORRECTIONS_APPLIED", CORRECTIONS_APPLIED,
                 "Other corrections were applied to the level")
@@ -178,10 +178,10 @@ struct Description<ErrorCode> {
   template <class To>
   static void members(To& to) {
     to.member("InvalidArgument", ErrorCode::InvalidArgument,
-              "No such entry or label, text of the wrong form, or unfit arguments")
+              "No such entry or label, malformed text, or unsuitable arguments")
         .member("InvalidIndex", ErrorCode::InvalidIndex, "No entry at that index")
         .member("InvalidValue", ErrorCode::InvalidValue,
-                "A value that is not allowed, or a time of day without a text form")
+                "A value that is not allowed, or a time of day that cannot be written as text")
         .member("TypeMismatch", ErrorCode::TypeMismatch,
                 "A value that does not convert to the requested type")
         .member("Overflow", ErrorCode::Overflow, "A value outside the range of the requested type")

@@ -14,17 +14,17 @@
 #include "aq/geometry/data_tspi.h"
 #include "aq/masking/data_mask.h"
 
-// The file classes: a file's name first, then its header and what it holds.
+// The file classes. Their calls take the name of a file first, then its header and its content.
 
 namespace aq::describe {
 
 inline constexpr auto kPath = in("sFileName", "The name of the file", FileName{});
-inline constexpr auto kHeaderIn = in("aqHeader", "The file's header; its file name is set");
+inline constexpr auto kHeaderIn = in("aqHeader", "The file's header; the call sets its file name");
 inline constexpr auto kHeaderOut = in("aqHeader", "Receives a new header");
 inline constexpr auto kResult = in("result", "Receives the outcome");
 inline constexpr char kWrites[] =
-    "Writes a file, replacing it; raises for data that the format cannot hold. A failure leaves "
-    "the disk unchanged";
+    "Writes a file, replacing an existing one; raises for data that the format cannot hold. A "
+    "failure leaves the disk unchanged";
 inline constexpr char kReads[] = "Reads a file into a new header and a new object";
 
 template <>
@@ -184,20 +184,20 @@ struct Description<AQ_DataSPC> {
     to.method("setHeader", &F::setHeader, "Sets the header for writes",
               in("aqHeader", "The header; without one, the header fields of a file are empty"))
         .property("RecordLength", &F::RecordLength, &F::RecordLength,
-                  "Time from one record to the next, initially 0.5; a read stores the file's. "
-                  "Raises unless above 0 and below 1000",
+                  "Time from one record to the next, initially 0.5; reading a file sets it. Raises "
+                  "for a value that is not above 0 and below 1000",
                   Quantity{"s", 0, 1000})
         .property("NumberFirstRecord", &F::NumberFirstRecord, &F::NumberFirstRecord,
-                  "First record to write; 0 means the history's first. A read stores the file's",
+                  "First record to write; 0 means the history's first. Reading a file sets it",
                   kRecord)
         .property("NumberLastRecord", &F::NumberLastRecord, &F::NumberLastRecord,
-                  "Last record to write; 0 means the history's last. A read stores the file's",
+                  "Last record to write; 0 means the history's last. Reading a file sets it",
                   kRecord)
         .property("BandLow", &F::BandLow, &F::BandLow,
-                  "Lowest band to write; 0 means that of the records. A read stores the file's",
+                  "Lowest band to write; 0 means that of the records. Reading a file sets it",
                   Quantity{"band", 0, 50})
         .property("BandHigh", &F::BandHigh, &F::BandHigh,
-                  "Highest band to write; 0 means that of the records. A read stores the file's",
+                  "Highest band to write; 0 means that of the records. Reading a file sets it",
                   Quantity{"band", 0, 50})
         .method("writeFile", &F::writeFile, kWrites, kPath,
                 in("aqTimeHistory", "The history, of which the chosen part is written"))
@@ -267,7 +267,8 @@ struct Description<AQ_DataINI> {
         .property("HiRec", &F::HiRec, &F::HiRec, "Last record of the analysis; 0 is not written",
                   kRecord, Key{"high_record"})
         .property("FileName", &F::FileName, &F::FileName,
-                  "The file's name; its recorded name is written", FileName{}, Key{"file_name"})
+                  "The file's name, written as the file information service records it", FileName{},
+                  Key{"file_name"})
         .property("FileDate", &F::FileDate, "The date and time of the file read last",
                   Key{"file_date"})
         .property("Comments", &F::Comments, &F::Comments, "Comments, one per line", Key{"comments"})
@@ -275,7 +276,7 @@ struct Description<AQ_DataINI> {
   }
 };
 
-/// The functions of the folder.
+/// The functions of `aq/files`.
 struct FileFunctions;
 
 template <>
@@ -301,23 +302,26 @@ struct Description<AQ_DataHP3565> {
               in("colIndex", "Receives the names that begin with INDEX"),
               in("colTimeDat", "Receives the names that begin with TIMEDAT"),
               in("colRecordings", "Receives the other names that end in .DAT"))
-        .method("DAT_to_ASC", &F::DAT_to_ASC, "Writes a recording as text",
+        .method("DAT_to_ASC", &F::DAT_to_ASC, "Writes a recording as a text file",
                 in("sDatFile", "The recording", FileName{}),
                 in("sAscFile", "The text file, which is replaced", FileName{}))
-        .method("ParseASC", &F::ParseASC, "Reads the text of a recording",
+        .method("ParseASC", &F::ParseASC, "Reads a recording from a text file",
                 in("sAscFile", "The text file", FileName{}), kHeaderOut,
                 in("STH", "Receives a new history"))
         .method("readFile", &F::readFile, kReads, in("sDatFile", "The recording", FileName{}),
                 kHeaderOut, in("STH", "Receives a new history"))
         .property("SDFPRINT", &F::SDFPRINT, &F::SDFPRINT,
                   "The path of an external converter; empty for the built-in one", FileName{})
-        .property("Channel", &F::Channel, &F::Channel, "The trace of each scan to read, from 1",
-                  kPlace)
-        .property("RecordLength", &F::RecordLength, &F::RecordLength,
-                  "Time from one record to the next if scans have no times; raises unless above 0",
-                  kSeconds)
+        .property("Channel", &F::Channel, &F::Channel,
+                  "The trace of each scan to read, counted from 1", kPlace)
+        .property(
+            "RecordLength", &F::RecordLength, &F::RecordLength,
+            "Time from one record to the next if scans have no times; raises for a value that "
+            "is not above 0",
+            kSeconds)
         .property("CalAdj", &F::CalAdj, &F::CalAdj,
-                  "Calibration added to every level; raises if not finite", kDecibels)
+                  "Calibration added to every level; raises for a value that is not finite",
+                  kDecibels)
         .lastFailure();
   }
 };

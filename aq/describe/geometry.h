@@ -33,24 +33,27 @@ template <>
 struct Description<AQ_PositionTimeHistory> {
   static constexpr char name[] = "AQ_PositionTimeHistory";
   static constexpr int number = 32;
-  static constexpr char text[] = "The ordered series of a source's positions, shared, not copied";
+  static constexpr char text[] =
+      "The ordered series of a source's positions. They are shared, not copied";
   template <class To>
   static void members(To& to) {
     using H = AQ_PositionTimeHistory;
-    to.method("Copy", &H::Copy, "A deep copy, numbered from 1; raises above 32767 samples")
+    to.method("Copy", &H::Copy,
+              "A deep copy, numbered from 1; raises if there are more than 32767 samples")
         .indexed("Position", &H::Position, &H::Position,
                  in("nRecord", "Reading: the index; storing: the record number", kPlace),
-                 "The sample at an index from 1; reading a missing one raises, and storing goes by "
-                 "record number")
+                 "The sample at an index from 1; reading raises if it is missing. Storing takes a "
+                 "record number instead of an index")
         .method("PositionAt", &H::PositionAt,
                 "The stored sample nearest in time of day; no object if no two samples enclose it. "
-                "Raises above 32767 samples",
+                "Raises if there are more than 32767 samples",
                 in("aqTime", "The time of day"))
         .method("GoodTime", &H::GoodTime,
-                "Whether a time of day lies between the first and the last sample; raises for an "
-                "empty history and above 32767 samples",
+                "Whether a time of day lies between the first and the last sample; raises if the "
+                "history is empty or has more than 32767 samples",
                 in("aqTime", "The time of day"))
-        .property("Count", &H::Count, "The number of samples; raises above 32767", kCount)
+        .property("Count", &H::Count, "The number of samples; raises if there are more than 32767",
+                  kCount)
         .method("contains", &H::contains, "Whether there is a sample at an index",
                 in("place", "The index", kPlace));
   }
@@ -87,8 +90,8 @@ struct Description<AQ_Geometry> {
                "Angle from the direction of flight to the line to the microphone; 0 is ahead",
                Quantity{"degree", 0, 180})
         .field("BETAe", &G::BETAe,
-               "Angle of that line about the direction of flight, from straight down; positive to "
-               "the left",
+               "Angle of the line to the microphone about the direction of flight, from straight "
+               "down; positive to the left",
                Quantity{"degree", -180, 180})
         .field("Tprope", &G::Tprope, "Propagation time from emission to measurement", kSeconds)
         .field("debugTime", &G::debugTime,
@@ -114,9 +117,10 @@ struct Description<AQ_GeometryTimeHistory> {
         .property("ReferenceType", &H::ReferenceType, &H::ReferenceType,
                   "Which event the reference time marks")
         .method("setRelTimes", &H::setRelTimes,
-                "Shares the reference time; raises if there are points, whose relative times "
-                "setTimeStamps sets",
-                in("ReferenceTime", "The reference time"), in("RefType", "Which event it marks"))
+                "Shares the reference time; raises if there are points, since only setTimeStamps "
+                "sets their relative times",
+                in("ReferenceTime", "The reference time"),
+                in("RefType", "Which event the reference time marks"))
         .property("startTime", &H::startTime, &H::startTime, "The time of the first record")
         .property("TimeStampType", &H::TimeStampType, &H::TimeStampType,
                   "Which instant of a record its time stamp names")
@@ -125,11 +129,13 @@ struct Description<AQ_GeometryTimeHistory> {
                 "raises at a missing point, after stamping those before it",
                 in("startTime", "The time of the first record"),
                 in("StartTimeType", "Which instant of a record its stamp names"),
-                in("RefTime", "The reference time"), in("RefType", "Which event it marks"))
+                in("RefTime", "The reference time"),
+                in("RefType", "Which event the reference time marks"))
         .property("ReferenceTime", &H::ReferenceTime, &H::ReferenceTime, "The reference time")
         .indexed("Point", &H::Point, &H::Point, in("nRecord", "The record", kRecordOf32Bits),
-                 "The point of a record; reading a missing one raises")
-        .property("Count", &H::Count, "The number of points; raises above 32767", kCount)
+                 "The point of a record; reading raises if it is missing")
+        .property("Count", &H::Count, "The number of points; raises if there are more than 32767",
+                  kCount)
         .method("contains", &H::contains, "Whether a record has a point",
                 in("number", "The record", kRecordOf32Bits));
   }
@@ -159,28 +165,31 @@ struct Description<AQ_EmtRcvTable> {
   static constexpr char name[] = "AQ_EmtRcvTable";
   static constexpr int number = 37;
   static constexpr char text[] =
-      "A series of emission and reception pairs, also as columns. Records are shared";
+      "A series of emission and reception pairs, also as columns. Records are shared, not copied";
   template <class To>
   static void members(To& to) {
     using T = AQ_EmtRcvTable;
     to.indexed("Record", &T::Record, &T::Record, in("nRecord", "The index", kPlace),
-               "The record at an index from 1; reading a missing one raises, and storing ignores "
+               "The record at an index from 1; reading raises if it is missing. Storing ignores "
                "the index and appends")
+        .property("T", &T::T,
+                  "The emission times in seconds of the day, as a new collection; raises if there "
+                  "are more than 32767 records")
+        .property("Tr", &T::Tr,
+                  "The reception times in seconds of the day, as a new collection; raises if there "
+                  "are more than 32767 records")
+        .property("X", &T::X,
+                  "The aircraft's first coordinates, in the length unit of its positions, as a new "
+                  "collection; raises if there are more than 32767 records")
         .property(
-            "T", &T::T,
-            "The seconds of the day of emission, as a new collection; raises above 32767 records")
-        .property(
-            "Tr", &T::Tr,
-            "The seconds of the day of reception, as a new collection; raises above 32767 records")
-        .property(
-            "X", &T::X,
-            "The aircraft's first coordinate in m, as a new collection; raises above 32767 records")
-        .property("Y", &T::Y,
-                  "The aircraft's second coordinate in m, as a new collection; raises above 32767 "
-                  "records")
+            "Y", &T::Y,
+            "The aircraft's second coordinates, in the length unit of its positions, as a new "
+            "collection; raises if there are more than 32767 records")
         .property("Z", &T::Z,
-                  "The aircraft's height in m, as a new collection; raises above 32767 records")
-        .property("Count", &T::Count, "The number of records; raises above 32767", kCount);
+                  "The aircraft's heights, in the length unit of its positions, as a new "
+                  "collection; raises if there are more than 32767 records")
+        .property("Count", &T::Count, "The number of records; raises if there are more than 32767",
+                  kCount);
   }
 };
 

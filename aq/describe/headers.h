@@ -13,20 +13,21 @@
 namespace aq::describe {
 
 inline constexpr auto kFileType = about("The title in the first line of the file, as read");
-inline constexpr auto kName = about("The file's name; its recorded name is written", FileName{},  //
-                                    Key{"file_name"});
+inline constexpr auto kName =
+    about("The file's name, written as the file information service records it", FileName{},
+          Key{"file_name"});
 inline constexpr auto kDateTime = about(
     "The file's date and time, as read; the writer writes the current ones", Key{"file_date"});
 inline constexpr auto kProject = about("The project", Key{"project"});
 inline constexpr auto kMicrophone = about("The name of the microphone", Key{"microphone"});
 inline constexpr auto kGeneratedBy =
     about("The program or person that made the file", Key{"generated_by"});
-inline constexpr auto kGenerationFile =
-    about("The file from which this one was made; its recorded name is written", FileName{},
-          Key{"generation_file"});
+inline constexpr auto kGenerationFile = about(
+    "The file from which this one was made, written as the file information service records it",
+    FileName{}, Key{"generation_file"});
 inline constexpr auto kGenerationDateTime = about(
-    "The date and time of that file, as read; the writer gets them from the file information "
-    "service",
+    "The date and time of the generation file, as read; the writer gets them from the file "
+    "information service",
     Key{"generation_file_date"});
 inline constexpr auto kOtherCount =
     about("Number of other records, as read; the writer counts them", kCount);
@@ -111,11 +112,12 @@ struct Description<AQ_HeaderPTH> {
         .field("sProjectName", &H::sProjectName, kProject)
         .field("sGeneratedBy", &H::sGeneratedBy, kGeneratedBy)
         .field("sTSPIFileName", &H::sTSPIFileName,
-               "The tracking file that the positions were made from; its recorded name is written",
+               "The tracking file that the positions were made from, written as the file "
+               "information service records it",
                FileName{}, Key{"tracking_file"})
         .field("sTSPIFileDateTime", &H::sTSPIFileDateTime,
-               "The date and time of that file, as read; the writer gets them from the file "
-               "information service",
+               "The date and time of the tracking file, as read; the writer gets them from the "
+               "file information service",
                Key{"tracking_file_date"})
         .field("lNumberRecords", &H::lNumberRecords, "Number of positions", kRecords)
         .field("nOtherRecords", &H::nOtherRecords, kOtherCount)
@@ -169,16 +171,17 @@ struct Description<AQ_HeaderGTH> {
                Quantity{"degC", -273.15})
         .field("STHFileName", &H::STHFileName, "The file of the spectral time history", FileName{},
                Key{"history_file"})
-        .field("STHFileDateTime", &H::STHFileDateTime, "Its date and time, as read",
+        .field("STHFileDateTime", &H::STHFileDateTime,
+               "The date and time of the spectral time history file, as read",
                Key{"history_file_date"})
         .field("PTHFileName", &H::PTHFileName, "The file of the source's positions", FileName{},
                Key{"position_file"})
-        .field("PTHFileDateTime", &H::PTHFileDateTime, "Its date and time, as read",
-               Key{"position_file_date"})
+        .field("PTHFileDateTime", &H::PTHFileDateTime,
+               "The date and time of the position file, as read", Key{"position_file_date"})
         .field("MICFileName", &H::MICFileName, "The file of the microphone's position", FileName{},
                Key{"microphone_file"})
-        .field("MICFileDateTime", &H::MICFileDateTime, "Its date and time, as read",
-               Key{"microphone_file_date"})
+        .field("MICFileDateTime", &H::MICFileDateTime,
+               "The date and time of the microphone file, as read", Key{"microphone_file_date"})
         .field("NumberRecords", &H::NumberRecords, "Number of points", kRecords)
         .field("OtherRecords", &H::OtherRecords, kOtherCount)
         .field("colOtherRecords", &H::colOtherRecords, kOtherRecords)

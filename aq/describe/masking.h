@@ -71,8 +71,9 @@ struct Description<AQ_MaskMap> {
     using M = AQ_MaskMap;
     to.method("Copy", &M::Copy, "A deep copy of rows 1 to Count; raises if one is missing")
         .indexed("Row", &M::Row, &M::Row, in("nRecord", "The record", kRecord),
-                 "The row of a record; reading a missing one raises")
-        .property("Count", &M::Count, "The number of rows; raises above 32767", kCount)
+                 "The row of a record; reading raises if it is missing")
+        .property("Count", &M::Count, "The number of rows; raises if there are more than 32767",
+                  kCount)
         .method("setLGB", &M::setLGB, "Sets each row's last good band from its masks")
         .method("contains", &M::contains, "Whether a record has a row",
                 in("number", "The record", kRecord));

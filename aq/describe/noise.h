@@ -27,14 +27,13 @@ struct Description<ToneStep> {
   static void members(To& to) {
     using S = ToneStep;
     to.field("band", &S::band, "The band", kToneBand)
-        .field("level", &S::level, "Its level", kDecibels)
-        .field("slope", &S::slope, "Its level minus that of the band below", kDecibels)
+        .field("level", &S::level, "The level of the band", kDecibels)
+        .field("slope", &S::slope, "The band's level minus that of the band below", kDecibels)
         .field("slopeMarked", &S::slopeMarked,
                "Whether the slope differs by more than 5 dB from that of the band below")
         .field("levelMarked", &S::levelMarked,
                "Whether the level is removed to find the background")
-        .field("adjusted", &S::adjusted, "The level, or the replacement for a marked one",
-               kDecibels)
+        .field("adjusted", &S::adjusted, "The level, or its replacement if it is marked", kDecibels)
         .field("adjustedSlope", &S::adjustedSlope, "The slope of the adjusted levels", kDecibels)
         .field("meanSlope", &S::meanSlope,
                "The mean of three adjusted slopes, this band's and the next two", kDecibels)
@@ -55,8 +54,8 @@ struct Description<ToneCorrection> {
   static void members(To& to) {
     using C = ToneCorrection;
     to.field("correction", &C::correction, "The largest correction of all bands", kToneDecibels)
-        .field("band", &C::band, "The band that caused it, the lowest if several; 0 for none",
-               kToneBand)
+        .field("band", &C::band,
+               "The band that caused the correction, the lowest if several; 0 for none", kToneBand)
         .field("lastBand", &C::lastBand, "The last band used; 18 if band 19 does not count",
                kToneBand)
         .field("rows", &C::rows, "One step for each band used, from 19 up");
@@ -73,7 +72,7 @@ struct Description<NoiseEvent> {
   template <class To>
   static void members(To& to) {
     using E = NoiseEvent;
-    to.field("maximum", &E::maximum, "The first record of the largest PNLT", kPlaceFrom0)
+    to.field("maximum", &E::maximum, "The first record with the largest PNLT", kPlaceFrom0)
         .field("first", &E::first,
                "The 10 dB-down limit before the maximum; empty if the records begin above it",
                kPlaceFrom0)
@@ -104,13 +103,13 @@ struct Description<MetricDifference> {
     using D = MetricDifference;
     to.field("record", &D::record, "The record", kRecord)
         .field("metric", &D::metric, "Which metric")
-        .field("stored", &D::stored, "Its value in the record", kOfTheMetric)
+        .field("stored", &D::stored, "The value stored in the record", kOfTheMetric)
         .field("computed", &D::computed, "The value computed from the levels; NaN if there is none",
                kOfTheMetric);
   }
 };
 
-/// The functions of the folder.
+/// The functions of `aq/noise`.
 struct NoiseFunctions;
 
 template <>
@@ -119,9 +118,9 @@ struct Description<NoiseFunctions> {
   template <class To>
   static void members(To& to) {
     constexpr auto spectrum = in("spectrum", "The levels");
-    constexpr auto masks = optionally("masks", "Which of them are masked and do not count");
+    constexpr auto masks = optionally("masks", "Which of the levels are masked and do not count");
     constexpr auto history = in("history", "The records");
-    constexpr auto map = optionally("map", "Which of their levels are masked");
+    constexpr auto map = optionally("map", "Which levels of the records are masked");
     to.function("weightedLevel", &weightedLevel,
                 about("The A-, C- or D-weighted or the overall level of a spectrum; nothing if no "
                       "level counts. Raises for any other metric",
@@ -148,11 +147,12 @@ struct Description<NoiseFunctions> {
                         "event; nothing if no record has a PNLT. Raises if consecutive records "
                         "have the same stamp, or a level is too high for a metric"),
                   history, map)
-        .function("auditMetrics", &auditMetrics,
-                  about("Every stored metric that differs from the computed one; raises like "
-                        "setMetrics, and for a negative tolerance"),
-                  history, map,
-                  in("tolerance", "Levels differ if further apart than this", Quantity{"dB", 0}))
+        .function(
+            "auditMetrics", &auditMetrics,
+            about("Every stored metric that differs from the computed one; raises like "
+                  "setMetrics, and for a negative tolerance"),
+            history, map,
+            in("tolerance", "Levels differ if they are further apart than this", Quantity{"dB", 0}))
         .function("speedOfSound", &speedOfSound,
                   about("The speed of sound in air (ISO 9613-1); raises at or below -273.15 "
                         "degrees Celsius",

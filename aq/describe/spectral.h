@@ -55,7 +55,7 @@ struct Description<AQ_MetricSummary> {
         .method("isMetric", &S::isMetric, "Whether a metric is listed",
                 in("aqMetric", "Which metric"))
         .form("MetricTypeString", &S::MetricTypeString, &S::MetricTypeString,
-              "The list as text, as in AWT, PNLT; setting adds the metric of that name");
+              "The list as text, as in AWT, PNLT; setting adds the metric with that name");
   }
 };
 
@@ -70,9 +70,10 @@ struct Description<AQ_Spectrum> {
   template <class To>
   static void members(To& to) {
     using S = AQ_Spectrum;
-    to.method("Copy", &S::Copy, "A deep copy; raises if a band of the range has no level")
+    to.method("Copy", &S::Copy,
+              "A deep copy; raises if a band from LowBand to HighBand has no level")
         .indexed("SPL", &S::SPL, &S::SPL, in("nBand", "The band", kBand),
-                 "The level of a band; reading a band without one raises", kDecibels)
+                 "The level of a band; reading raises if the band has none", kDecibels)
         .property("LowBand", &S::LowBand, "The lowest band ever stored; 9999 if there is none",
                   kBand)
         .property("HighBand", &S::HighBand, "The highest band ever stored; -1 if there is none",
@@ -101,7 +102,7 @@ struct Description<AQ_Band> {
     using B = AQ_Band;
     to.method("Copy", &B::Copy, "Returns no object for an empty band; raises for any other")
         .indexed("SPL", &B::SPL, &B::SPL, in("nSpectrum", "The spectrum's number", kRecord),
-                 "The level of a spectrum number; reading a missing one raises", kDecibels)
+                 "The level of a spectrum number; reading raises if there is none", kDecibels)
         .property("Count", &B::Count, "Number of stored levels", kRecords)
         .method("contains", &B::contains, "Whether a spectrum number has a level",
                 in("number", "The spectrum's number", kRecord));
@@ -119,12 +120,13 @@ struct Description<AQ_SpectralTimeHistory> {
   template <class To>
   static void members(To& to) {
     using H = AQ_SpectralTimeHistory;
-    to.method("Init", &H::Init, "A new history of these records with level 0 in these bands",
+    to.method("Init", &H::Init,
+              "A new history of records LoRec to HiRec with level 0 in bands loBand to hiBand",
               in("LoRec", "The first record", kRecord), in("HiRec", "The last record", kRecord),
               in("loBand", "The lowest band", kBand), in("hiBand", "The highest band", kBand))
         .method("Resize", &H::Resize,
-                "A new history that shares these spectra; no object if the range exceeds this "
-                "history's. Raises if a record in it is missing",
+                "A new history that shares the spectra of records LoRec to HiRec; no object if the "
+                "range exceeds this history's. Raises if a record in it is missing",
                 in("LoRec", "The first record", kRecord), in("HiRec", "The last record", kRecord))
         .form("sAveragingMethod", &H::sAveragingMethod, &H::sAveragingMethod,
               "AverageMethod as LINEAR, TRUSLO, 4S100, 4S95, CONTEXPO or NA; other text changes "
@@ -134,7 +136,8 @@ struct Description<AQ_SpectralTimeHistory> {
               "never changes it")
         .form("sTimeStampType", &H::sTimeStampType, &H::sTimeStampType,
               "TimeStampType as START, MIDPT, END, ICAOSLO or OLDSLO; other text changes nothing")
-        .property("Count", &H::Count, "The number of spectra; raises above 32767", kCount)
+        .property("Count", &H::Count, "The number of spectra; raises if there are more than 32767",
+                  kCount)
         .method("EncompassesMask", &H::EncompassesMask,
                 "Whether the map has as many rows as the history has records, and no band that "
                 "they lack; raises if a record or row from 1 to Count is missing",
@@ -150,12 +153,13 @@ struct Description<AQ_SpectralTimeHistory> {
                 "reference; raises at a missing record, after stamping those before it",
                 in("startTime", "The time of the first record"),
                 in("StartTimeType", "Which instant of a record its stamp names"),
-                in("RefTime", "The reference time"), in("RefType", "Which event it marks"))
+                in("RefTime", "The reference time"),
+                in("RefType", "Which event the reference time marks"))
         .indexed("spectrum", &H::spectrum, &H::spectrum, in("nRecord", "The record", kRecord),
-                 "The spectrum of a record, shared; reading a missing one raises")
+                 "The spectrum of a record, shared; reading raises if it is missing")
         .property("ReferenceTime", &H::ReferenceTime, &H::ReferenceTime, "The reference time")
         .method("Copy", &H::Copy,
-                "A deep copy; raises if a record of the range or a level is missing")
+                "A deep copy; raises if a record from LoRec to HiRec or a level is missing")
         .indexed("Band", &H::Band,
                  static_cast<void (H::*)(std::int16_t, const std::shared_ptr<AQ_Band>&)>(&H::Band),
                  in("nBand", "The band", kBand),
@@ -165,7 +169,8 @@ struct Description<AQ_SpectralTimeHistory> {
         .method("setRelTimes", &H::setRelTimes,
                 "Shares the reference time and sets every record's relative time; raises like "
                 "setTimeStamps",
-                in("ReferenceTime", "The reference time"), in("RefType", "Which event it marks"))
+                in("ReferenceTime", "The reference time"),
+                in("RefType", "Which event the reference time marks"))
         .property("startTime", &H::startTime, &H::startTime, "The time of the first record")
         .property("AverageMethod", &H::AverageMethod, &H::AverageMethod,
                   "How the levels of a record were averaged")
@@ -181,7 +186,7 @@ struct Description<AQ_SpectralTimeHistory> {
   }
 };
 
-/// The functions of the folder.
+/// The functions of `aq/spectral`.
 struct SpectralFunctions;
 
 template <>
