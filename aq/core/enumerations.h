@@ -42,7 +42,7 @@ enum AQ_CONSTANTS : std::int32_t {
   AQ_INVALID_LEVEL = 9999,  ///< no valid level; no good band
 };
 
-/// Which of its two times a time value uses.
+/// Which of its two times an `AQ_Time` returns as `WorkingTime`.
 enum AQ_OPTIME : std::int32_t {
   AQ_TIME_TOD = 0,  ///< time of day
   AQ_TIME_REF = 1,  ///< time relative to a reference
@@ -67,8 +67,8 @@ enum AQ_MASK_MODE : std::int32_t {
 enum AQ_MASK_ADJUST : std::int32_t {
   NOT_ADJUSTED = 0,             ///< as measured
   ENERGY_SUBTRACTION = 1,       ///< energy of the ambient subtracted
-  FREQUENCY_EXTRAPOLATION = 2,  ///< from other bands of its record
-  TIME_EXTRAPOLATION = 3,       ///< from its band in other records
+  FREQUENCY_EXTRAPOLATION = 2,  ///< extrapolated from other bands of the same record
+  TIME_EXTRAPOLATION = 3,       ///< extrapolated from the same band in other records
   AVG_OF_ADJACENT = 4,          ///< mean of the adjacent bands
   CORRECTIONS_APPLIED = 5,      ///< other corrections
   ADJ_TO_REFERENCE = 6,         ///< adjusted to reference conditions

@@ -10,9 +10,9 @@ namespace aq {
 
 /// What kind of fault an `Error` reports.
 enum class ErrorCode {
-  InvalidArgument,     ///< no such entry or label, text of the wrong form, or unfit arguments
+  InvalidArgument,     ///< no such entry or label, malformed text, or unsuitable arguments
   InvalidIndex,        ///< no entry at that index
-  InvalidValue,        ///< a value that is not allowed, or a time of day without a text form
+  InvalidValue,        ///< a value that is not allowed, or a time of day that cannot be written
   TypeMismatch,        ///< a value that does not convert to the requested type
   Overflow,            ///< a value outside the range of the requested type
   ObjectNotSet,        ///< a required object is missing

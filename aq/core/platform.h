@@ -15,7 +15,7 @@
 // Everything that differs between operating systems: files, their names and dates, local time.
 namespace aq::platform {
 
-/// The line end that this system writes in text files.
+/// The line ending that this system writes in text files.
 extern AQ_API const std::string_view lineEnd;
 
 /// An operating system error; `what()` is its reason, in English in every locale.

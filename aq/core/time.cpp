@@ -82,8 +82,9 @@ void AQ_Time::appendTODstring(std::string& text) const {
   const auto narrowed = static_cast<float>(near ? timeOfDay_ : kEnd);
   const auto time = static_cast<double>(narrowed);
   if (!(time >= 0 && time < kEnd)) {
-    throw Error(ErrorCode::InvalidValue,
-                "the time of day has no clock form: it is negative or 25 hours or more");
+    throw Error(
+        ErrorCode::InvalidValue,
+        "the time of day cannot be written as hh:mm:ss: it is negative or 25 hours or more");
   }
   const int second = static_cast<int>(time);
   const int hours = second / 3600;

@@ -36,15 +36,16 @@ class AQ_API AQ_Time {
   [[nodiscard]] double TODseconds() const { return timeOfDay_; }
   void TODseconds(const Variant& seconds);
 
-  /// Sets the time of day from three numbers, each first rounded to single precision. Checks no
-  /// range, and keeps the date. Throws like `TODseconds`, and `Overflow` beyond single precision.
+  /// Sets the time of day from three numbers, each first rounded to single precision. Does not
+  /// check the range, and keeps the date. Throws like `TODseconds`, and `Overflow` for a number too
+  /// large for single precision.
   void TODnumbers(const Variant& Hours, const Variant& Minutes, const Variant& Seconds);
 
   /// The time of day as text: `hh:mm:ss`, then the fraction that the seconds after midnight have in
   /// 7 significant digits (12:34:56.5). 24 hours are written as 00. Reading throws `InvalidValue`
-  /// below 0 and at or above 90000 s. Setting takes three numbers between colons, adds 12 hours for
-  /// a "PM" anywhere (12:30:00 PM gives 24.5 hours), and throws `InvalidArgument` with fewer than
-  /// two colons.
+  /// below 0 and at or above 90000 s. Setting takes three numbers separated by colons, adds 12
+  /// hours for a "PM" anywhere (12:30:00 PM gives 24.5 hours), and throws `InvalidArgument` with
+  /// fewer than two colons.
   [[nodiscard]] std::string TODstring() const;
   void TODstring(std::string_view text);
 

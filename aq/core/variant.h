@@ -24,7 +24,7 @@ concept Number = std::integral<I> && !std::same_as<I, bool> && !std::same_as<I, 
                  !std::same_as<I, char16_t> && !std::same_as<I, char32_t>;
 
 /// A value of any type that a level, a count or a relative time may have. It keeps the type that it
-/// was given. An empty variant is neither a number nor a text; converting it throws.
+/// was given. An empty variant is neither a number nor text; converting it throws.
 class AQ_API Variant {
  public:
   enum class Type { Empty, Int16, Int32, Single, Double, Boolean, String, Date, Object };

@@ -11,7 +11,7 @@ namespace aq {
 // "4S100", "4S95", "CONTEXPO", "NA"; "START", "MIDPT", "END", "ICAOSLO", "OLDSLO"; "START",
 // "OVERHEAD", "AMAX", "PMAX", "TMAX", "OAMAX", "HACK", "OTHER".
 
-/// Empty for a value that is not a member.
+/// The word for a member; empty for any other value.
 [[nodiscard]] AQ_API std::string_view wordOf(AQ_AverageMethod value);
 [[nodiscard]] AQ_API std::string_view wordOf(AQ_TimeStampType value);
 [[nodiscard]] AQ_API std::string_view wordOf(AQ_RefTimeType value);

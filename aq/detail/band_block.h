@@ -47,7 +47,7 @@ class BandBlock {
  private:
   static std::size_t index(int at) { return static_cast<std::size_t>(at); }
 
-  [[no_unique_address]] Cells cells_;  // whose padding may hold the first band
+  [[no_unique_address]] Cells cells_;  // its padding may hold `first_`
   std::int16_t first_ = 0;
 };
 

@@ -90,7 +90,7 @@ class InlineVector {
     size_ = static_cast<Size>(size);
   }
 
-  alignas(Cell*) std::array<Cell, kInline> inPlace_{};  // or where more cells are
+  alignas(Cell*) std::array<Cell, kInline> inPlace_{};  // or a pointer to more cells
   Size size_ = 0;
 };
 

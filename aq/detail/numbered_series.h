@@ -77,9 +77,9 @@ class AQ_API NumberIndex {
     return first_ + static_cast<std::int64_t>(length_.value);
   }
 
-  std::int32_t first_ = 0;  // of the run, whose numbers are in slots 0, 1, 2 …
-  Counter length_;          // of the run
-  std::unordered_map<std::int32_t, std::size_t> table_;  // instead of a run
+  std::int32_t first_ = 0;  // first number of the run, whose numbers are in slots 0, 1, 2 …
+  Counter length_;          // how many numbers the run has
+  std::unordered_map<std::int32_t, std::size_t> table_;  // used instead of a run
 };
 
 /// Shared objects in order, each with a record number. Storing under an existing number removes the

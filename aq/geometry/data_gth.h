@@ -20,8 +20,9 @@ class AQ_API AQ_DataGTH : public FileClass {
 
   /// Writes points 1 to `Count`, replacing the file; the header gets the file's name and the number
   /// of points. Throws, and writes nothing, for more than 32767 points (`Overflow`), a missing
-  /// point (`InvalidArgument`), a time of day that has no clock form or a number that is not finite
-  /// (`InvalidValue`), no header, no microphone position or a null point (`ObjectNotSet`).
+  /// point (`InvalidArgument`), a time of day that cannot be written as hh:mm:ss or a number that
+  /// is not finite (`InvalidValue`), no header, no microphone position or a null point
+  /// (`ObjectNotSet`).
   void writeFile(const std::string& sFileName, const std::shared_ptr<AQ_HeaderGTH>& aqHeader,
                  const AQ_GeometryTimeHistory& aqTimeHistory, AQ_DataMessage& result);
 

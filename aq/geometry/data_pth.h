@@ -20,8 +20,8 @@ class AQ_API AQ_DataPTH : public FileClass {
 
   /// Writes a history, replacing the file; the header gets the file's name and the number of
   /// positions. Throws, and writes nothing, for more than 32767 positions (`Overflow`), a time of
-  /// day that has no clock form or a coordinate that is not finite (`InvalidValue`), no header or a
-  /// null position (`ObjectNotSet`).
+  /// day that cannot be written as hh:mm:ss or a coordinate that is not finite (`InvalidValue`), no
+  /// header or a null position (`ObjectNotSet`).
   void writeFile(const std::string& sFileName, const std::shared_ptr<AQ_HeaderPTH>& aqHeader,
                  const AQ_PositionTimeHistory& aqTimeHistory, AQ_DataMessage& result);
 

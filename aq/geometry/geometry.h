@@ -16,14 +16,19 @@ namespace aq {
 /// Numbers are 0 until set.
 class AQ_API AQ_Geometry {
  public:
-  double SRe = 0;     ///< slant range at emission, m
-  float THETAe = 0;   ///< between direction of flight and line to the microphone, degrees, 0 to 180
-  float BETAe = 0;    ///< of that line about the direction of flight, degrees, -180 to 180
-  double Tprope = 0;  ///< from emission to measurement, s
-  double debugTime = 0;  ///< s, free for diagnostics; written, but neither read back nor copied
+  /// Slant range at emission, m.
+  double SRe = 0;
+  /// Angle between the direction of flight and the line to the microphone, degrees, 0 to 180.
+  float THETAe = 0;
+  /// Angle of that line about the direction of flight, degrees, -180 to 180.
+  float BETAe = 0;
+  /// Propagation time from emission to measurement, s.
+  double Tprope = 0;
+  /// Free for diagnostics, s; written, but neither read back nor copied.
+  double debugTime = 0;
 
-  /// A deep copy, without `debugTime`: hosts rely on it. Creates this point's position and times if
-  /// they are missing.
+  /// A deep copy, but with a `debugTime` of 0, as hosts expect. Creates this point's position and
+  /// times if they are missing.
   [[nodiscard]] std::shared_ptr<AQ_Geometry> Copy();
 
   /// The source's position at emission. Created on first read; setting shares the caller's object.

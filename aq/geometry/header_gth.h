@@ -22,7 +22,7 @@ class AQ_HeaderGTH {
   std::string GeneratedBy;
   std::string MicrophoneID;
   std::shared_ptr<AQ_Position> MicrophonePosition = std::make_shared<AQ_Position>();
-  float Temperature = 0;  ///< of the air, in degrees Celsius or the unit of its file
+  float Temperature = 0;  ///< temperature of the air, in degrees Celsius or the unit of its file
   std::string STHFileName;
   std::string STHFileDateTime;
   std::string PTHFileName;

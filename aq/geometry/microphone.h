@@ -9,7 +9,7 @@ class AQ_Microphone {
   double X = 0;
   double Y = 0;
   double Z = 0;
-  double Height = 0;  ///< above the ground at X, Y
+  double Height = 0;  ///< height above the ground at X, Y
 };
 
 }  // namespace aq

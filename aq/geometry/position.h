@@ -27,7 +27,7 @@ class AQ_API AQ_Position {
   void Y(double y) { y_ = y; }
   void Z(double z) { z_ = z; }
 
-  /// The time; does not create its object.
+  /// The time, without creating its object.
   [[nodiscard]] LazyTime& lazyTime() { return time_; }
   [[nodiscard]] const LazyTime& lazyTime() const { return time_; }
 

@@ -12,7 +12,7 @@ namespace aq {
 /// exact meaning. Any value is stored; numbers are 0 until set, times null.
 class AQ_SPointTrk {
  public:
-  // Times: overhead, of the maximum, and two of the application.
+  // Times: source overhead, maximum level, and two that the application defines.
   [[nodiscard]] std::shared_ptr<AQ_Time> TOH() const { return overhead_; }
   void TOH(std::shared_ptr<AQ_Time> time) { overhead_ = std::move(time); }
   [[nodiscard]] std::shared_ptr<AQ_Time> TMAX() const { return maximum_; }
@@ -35,7 +35,7 @@ class AQ_SPointTrk {
   [[nodiscard]] float GSPDKTS() const { return groundSpeed_; }
   void GSPDKTS(float speed) { groundSpeed_ = speed; }
 
-  // Record numbers: first, last, and that of the maximum.
+  // Record numbers: the first, the last, and that of the maximum.
   [[nodiscard]] std::int16_t FIRST() const { return firstRecord_; }
   void FIRST(std::int16_t record) { firstRecord_ = record; }
   [[nodiscard]] std::int16_t LAST() const { return lastRecord_; }

@@ -12,7 +12,7 @@ namespace aq {
 /// it examines and the row lacks.
 [[nodiscard]] AQ_API std::int16_t lastGoodBand(AQ_MaskRow& row);
 
-/// The same, but leaves the row unchanged: a missing band counts as not masked.
+/// The last good band, found without changing the row: a missing band counts as not masked.
 [[nodiscard]] AQ_API std::int16_t lastGoodBand(const AQ_MaskRow& row);
 
 }  // namespace aq

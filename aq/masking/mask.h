@@ -9,7 +9,7 @@
 
 namespace aq {
 
-// The letters of mode and adjustment, indexed by value.
+// The letters of modes and adjustments, indexed by value.
 inline constexpr std::string_view kMaskModes = "-MAF";
 inline constexpr std::string_view kMaskAdjustments = "-SFTACR";
 

@@ -28,8 +28,8 @@ class AQ_API AQ_MaskRow {
   /// The mask of a band. Creates a default mask if the band has none, which widens the range.
   std::shared_ptr<AQ_Mask> Mask(std::int16_t nBand);
 
-  /// Stores a mask for a band that has none. If the band has one, only removes it: hosts rely on
-  /// it. To change a decision, change the mask that the getter returns.
+  /// Stores a mask for a band that has none. If the band has one, only removes it, as hosts expect.
+  /// To change a decision, change the mask that the getter returns.
   void Mask(std::int16_t nBand, std::shared_ptr<AQ_Mask> mask);
 
   /// The highest and lowest band ever stored or fetched; -1 and 9999 if there is none.

@@ -14,7 +14,7 @@ namespace aq {
 
 /// The levels of one band across a series of spectra, by spectrum number.
 class AQ_API AQ_Band {
-  using Levels = std::map<double, Variant>;  // by the number of the key's text
+  using Levels = std::map<double, Variant>;  // by the number that the key's text gives
 
  public:
   /// Visits the levels by record number.
@@ -47,8 +47,8 @@ class AQ_API AQ_Band {
     Levels::const_iterator end_;
   };
 
-  /// Does not copy: returns no object for an empty band, and throws `ObjectNotSet` for any other.
-  /// Hosts rely on it. To copy a band of a history, get it from the history again.
+  /// Does not copy, as hosts expect: returns no object for an empty band, and throws `ObjectNotSet`
+  /// for any other. To copy a band of a history, get it from the history again.
   [[nodiscard]] std::shared_ptr<AQ_Band> Copy() const;
 
   /// The level of a spectrum number; a number given as text is converted first. Reading throws

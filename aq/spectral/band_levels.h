@@ -44,7 +44,7 @@ class AQ_API BandLevels {
   [[nodiscard]] std::span<const LevelCode> codes() const { return codes_.all(); }
   [[nodiscard]] std::span<const double> plain() const;
 
-  /// The same with numbers of other types as doubles; nothing for codes.
+  /// Like `plain`, but with numbers of other types converted to doubles; nothing for codes.
   [[nodiscard]] std::span<const double> numbers() const;
 
  private:
@@ -66,7 +66,7 @@ class AQ_API BandLevels {
 
   static constexpr std::size_t kInline = 34;  // bands from 10 Hz to 20 kHz
   using CodeCount = std::uint16_t;
-  static constexpr std::size_t kMostCodes = UINT16_MAX;  // more levels are doubles
+  static constexpr std::size_t kMostCodes = UINT16_MAX;  // more levels than this are doubles
 
   BandBlock<LevelCode, InlineVector<LevelCode, kInline, CodeCount>> codes_;
   LazyPart<Doubles> doubles_;  // instead of the codes

@@ -23,8 +23,8 @@ class AQ_API AQ_MetricSummary {
 
   [[nodiscard]] bool isMetric(AQ_METRIC_TYPE aqMetric) const;
 
-  /// The list as text, as in "AWT, PNLT, LGB". Setting adds the metric of that name, ignoring case;
-  /// a listed one keeps its place, and any other text is ignored.
+  /// The list as text, as in "AWT, PNLT, LGB". Setting adds the metric with that name, ignoring
+  /// case; a listed one keeps its place, and any other text is ignored.
   [[nodiscard]] std::string MetricTypeString() const;
   void MetricTypeString(std::string_view name);
 

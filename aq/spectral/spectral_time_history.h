@@ -34,9 +34,10 @@ class AQ_API AQ_SpectralTimeHistory {
   [[nodiscard]] std::shared_ptr<AQ_SpectralTimeHistory> Resize(std::int16_t LoRec,
                                                                std::int16_t HiRec);
 
-  // Text forms: "LINEAR", "TRUSLO", "4S100", "4S95", "CONTEXPO", "NA"; "START", "OVERHEAD", "AMAX",
-  // "PMAX", "TMAX", "OAMAX", "HACK", "OTHER"; "START", "MIDPT", "END", "ICAOSLO", "OLDSLO". A value
-  // without a text form gives an empty text. Setting is case-sensitive and ignores other text.
+  // The settings as words: "LINEAR", "TRUSLO", "4S100", "4S95", "CONTEXPO", "NA"; "START",
+  // "OVERHEAD", "AMAX", "PMAX", "TMAX", "OAMAX", "HACK", "OTHER"; "START", "MIDPT", "END",
+  // "ICAOSLO", "OLDSLO". A value without a word gives an empty string. Setting is case-sensitive
+  // and ignores other text.
   [[nodiscard]] std::string sAveragingMethod() const;
   [[nodiscard]] std::string sReferenceTimeType() const;
   [[nodiscard]] std::string sTimeStampType() const;
@@ -58,9 +59,10 @@ class AQ_API AQ_SpectralTimeHistory {
 
   void TimeStampType(AQ_TimeStampType type) { timeStampType_ = type; }
 
-  /// Stamps every record: record i at i x 0.5 s after the start time less 0.5 (`AQ_START`), 0.25
-  /// (`AQ_MIDPT`), 0 (`AQ_END`), 0.75 (`AQ_ICAOSLO`) or 1 s (`AQ_OLDSLO`), that difference in
-  /// single precision; then sets each record's time relative to `RefTime`. Copies the two times.
+  /// Stamps every record: the stamp of record i is i x 0.5 s plus the start time minus 0.5
+  /// (`AQ_START`), 0.25 (`AQ_MIDPT`), 0 (`AQ_END`), 0.75 (`AQ_ICAOSLO`) or 1 s (`AQ_OLDSLO`), that
+  /// difference in single precision. Then sets each record's time relative to `RefTime`. Copies the
+  /// two times.
   /// Throws `InvalidArgument` at the first record of the range without a spectrum; those before it
   /// are stamped.
   void setTimeStamps(const AQ_Time& startTime, AQ_TimeStampType StartTimeType,

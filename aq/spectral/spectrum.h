@@ -81,8 +81,8 @@ class AQ_API AQ_Spectrum {
   /// All levels from `LowBand` to `HighBand`, if they are doubles without gaps; otherwise none.
   [[nodiscard]] std::vector<double> plainLevels() const;
 
-  // The same in the form in which they are stored: codes if every level has one, otherwise doubles.
-  // Both are empty if there are gaps or levels of other types.
+  // The levels from `LowBand` to `HighBand` as they are stored: codes if every level has one,
+  // otherwise doubles. Both are empty if there are gaps or levels of other types.
   [[nodiscard]] std::span<const LevelCode> levelCodes() const;
   [[nodiscard]] std::span<const double> levelDoubles() const;
 
@@ -103,7 +103,7 @@ class AQ_API AQ_Spectrum {
     std::shared_ptr<AQ_Metric> metric;
   };
 
-  // In an order that uses the padding of the time, as there are many spectra.
+  // Ordered so that the padding of the time is used, as there are many spectra.
   BandLevels levels_;
   [[no_unique_address]] LazyTime time_;
   bool copied_ = false;  // metrics created later have every metric set, to 0

@@ -45,7 +45,7 @@ Set s.Time = s: Expect "another class", 13, ""
 Set t.setRelTime = Nothing: Expect "no object", 91, ""
 Set s.Time = Nothing: Expect "no object where none will do", 0, ""
 t.TODnumbers 25, 0, 0
-n = t.TODstring: Expect "no clock form", 380, ""
+n = t.TODstring: Expect "a time that cannot be written", 380, ""
 Create("AQ_FileFailure"): Expect "only the library makes it", 429, ""
 Dim header
 Set header = Create("AQ_HeaderSTH")
