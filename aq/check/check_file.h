@@ -24,7 +24,8 @@ AQ_API void checkFixes(const std::string& path, std::uint8_t limit, const Findin
 AQ_API void checkFit(const AQ_SpectralTimeHistory& history, const std::string& historyName,
                      const AQ_MaskMap& map, const FindingSink& report);
 
-/// The same for files. Reports nothing if one of them cannot be read: `checkFile` reports that.
+/// Reads a history and a masking map, and reports why they do not fit each other. Reports nothing
+/// if one of the files cannot be read: `checkFile` reports that.
 AQ_API void checkFit(const std::string& historyPath, const std::string& mapPath,
                      const FindingSink& report);
 

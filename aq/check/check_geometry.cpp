@@ -47,7 +47,7 @@ class TimeOrder {
  private:
   /// Reports a stuck tracker or a source at rest: one finding per run of positions.
   void reportStay() const {
-    constexpr std::size_t kEnough = 4;  // a slow source may well have a few equal ones
+    constexpr std::size_t kEnough = 4;  // a slow source may well have a few equal positions
     if (stays_ < kEnough) return;
     report_(Kind::PositionStuck, {.line = line_ - stays_},
             "the position stays the same in the next " + std::to_string(stays_) + " lines");
@@ -166,7 +166,7 @@ class Contradictions {
   double temperature_;
   std::size_t temperatureLine_;
   const Reporter& report_;
-  double speed_ = 0;  // of sound, the value of most points
+  double speed_ = 0;  // speed of sound at most points
 };
 
 std::vector<PathPlace> emissionPath(const RecordLines& records,

@@ -16,7 +16,7 @@ namespace {
 using PositionsRead = Content<AQ_HeaderPTH, AQ_PositionTimeHistory>;
 using GeometryRead = Content<AQ_HeaderGTH, AQ_GeometryTimeHistory>;
 
-// Header lines, which are taken by position.
+// Header lines, identified by position.
 constexpr std::size_t kMicrophoneLine = 6;
 constexpr std::size_t kMicrophonePositionLine = 7;
 constexpr std::size_t kHistoryLine = 9;

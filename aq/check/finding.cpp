@@ -30,7 +30,7 @@ constexpr FindingKind kKinds[] = {
     {"lost-text", kWarning, "text of a header line that is not read", kHold},
     {"other-word", kWarning, "an unknown word is read as another one", kHold},
     {"heading", kWarning, "the headings do not match the data", kHold},
-    {"record-count", kWarning, "the count in the header differs from the data lines"},
+    {"record-count", kWarning, "the header's record count differs from the number of data lines"},
     {"record-range", kWarning, "record numbers in the header differ from the data"},
     {"second-data-set", kWarning, "the data start again, or continue unread"},
     {"record-repeated", kWarning, "a record number is duplicated; the later line counts"},

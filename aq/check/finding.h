@@ -24,7 +24,7 @@ struct FindingKind {
   std::string_view name;
   Severity severity;
   std::string_view meaning;  ///< in one line
-  bool dataHold = false;     ///< of a warning: the data are nevertheless as measured
+  bool dataHold = false;     ///< for a warning: whether the data are nevertheless as measured
 
   /// Whether the data may differ from what was measured.
   [[nodiscard]] constexpr bool doubtsData() const {

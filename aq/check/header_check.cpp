@@ -66,7 +66,7 @@ void checkFileName(std::size_t line, std::string_view name, const std::string& p
   const bool others = isBeside(path, recorded);
   report(others ? Kind::FileName : Kind::Renamed, {.line = line, .field = 2},
          others ? shown(recorded) + " is another file in this folder"
-                : "the file is called " + shown(recorded) + " here");
+                : "the header calls the file " + shown(recorded));
 }
 
 void checkFieldsBehind(const HeaderLine& line, const Reporter& report) {

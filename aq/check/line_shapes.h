@@ -66,10 +66,10 @@ class LineShapes {
   Shape last_{0, 0, false, false};
   Shape least_{std::numeric_limits<std::size_t>::max(), std::numeric_limits<std::size_t>::max(),
                false, false};  // open if any line is
-  bool ended_ = true;          // the last line has a line end
+  bool ended_ = true;          // the last line has a line ending
 };
 
-/// Reports a last line that has no line end.
+/// Reports a last line that has no line ending.
 void checkEnd(const std::string& path, const Reporter& report);
 
 }  // namespace aq

@@ -48,7 +48,7 @@ std::optional<std::string> fromUtf16(std::string_view bytes) {
   return text;
 }
 
-/// The lines of a text, without line ends, which the steps below mend one after another.
+/// The lines of a file, without their line endings, which the steps below mend one after another.
 class TextMender {
  public:
   TextMender(std::string_view bytes, std::string_view name, std::vector<std::string> done)
@@ -102,7 +102,7 @@ class TextMender {
     if (text.find('\r') == text.npos) return;
     if (!feeds) {
       std::replace(text.begin(), text.end(), '\r', '\n');
-      return done("carriage returns as line ends");
+      return done("carriage returns as line endings");
     }
     if (faultOfLines(text) && faultOfLines(text)->kind == Kind::LineEnds) {
       mended_.left.emplace_back("carriage returns within lines that end in line feeds");
@@ -149,7 +149,7 @@ class TextMender {
     const std::string_view end = returns_ ? "\r\n" : "\n";
     mended_.text.clear();
     for (const std::string& line : lines_) mended_.text.append(line).append(end);
-    // A last line without an end is a sign of a file that was cut short.
+    // A last line without a line ending is a sign of a file that was cut short.
     if (!ends_) mended_.text.resize(mended_.text.size() - end.size());
   }
 
@@ -442,7 +442,7 @@ class TextMender {
   char separator_ = '\0';   // the one that a spreadsheet put in place of commas
   std::size_t unsure_ = 0;  // the first line whose text has one; 0 for none
   bool returns_ = false;
-  bool ends_ = false;   // the last line has a line end
+  bool ends_ = false;   // the last line has a line ending
   bool again_ = false;  // something was mended
 };
 

@@ -12,11 +12,11 @@ namespace aq {
 struct Mended {
   std::string text;
   std::vector<std::string> done;  ///< what was mended, in words; empty if the text is unchanged
-  std::vector<std::string> left;  ///< what looks changed but is ambiguous, and so stays
+  std::vector<std::string> left;  ///< what looks changed but was left, since it is ambiguous
 };
 
 /// Undoes what other programs do to measurement files: UTF-16, a byte order mark, carriage returns
-/// as line ends, a spreadsheet's semicolons or tabs, quotes and padding, blank lines among and
+/// as line endings, a spreadsheet's semicolons or tabs, quotes and padding, blank lines among and
 /// after the data, and decimal commas. Leaves ambiguous text unchanged. If the format has comments,
 /// adds one that names the file `name` and the changes; `done` lists changes that the caller has
 /// already made, such as unpacking. Leaves analyzer recordings unchanged.

@@ -64,8 +64,8 @@ inline std::string secondsText(double seconds) {
 }
 
 /// Reports and returns records whose time of day, `timeOf(record)`, is not `recordLength` seconds
-/// per record after an earlier one. Reports once each single odd record, and each point from which
-/// all records continue at another time.
+/// per record after an earlier one. A single odd record is reported once, and a lasting shift only
+/// at the record where it starts.
 template <class Records, class TimeOf>
 std::set<std::int32_t> checkTimeSteps(const Records& records, const TimeOf& timeOf,
                                       const Reporter& report, double recordLength = 0.5) {

@@ -30,7 +30,7 @@ bool isDigits(std::string_view text) {
   return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
 }
 
-/// A carriage return that is not part of a line end.
+/// Whether there is a carriage return that is not part of a line ending.
 bool hasBareReturn(std::string_view head) {
   std::size_t at = head.find('\r');
   while (at < head.size() && head.substr(at + 1).starts_with('\n')) at = head.find('\r', at + 1);
@@ -41,8 +41,8 @@ std::size_t fieldsOf(std::string_view line) {
   return static_cast<std::size_t>(std::count(line.begin(), line.end(), ',')) + 1;
 }
 
-/// Decimal commas in the first data line: a time of day, no point, and at least two fields more
-/// than the headings above it.
+/// Finds decimal commas in the first data line: a time of day, no point, and at least two fields
+/// more than the headings above it.
 std::optional<TextFault> dividedLine(std::string_view head) {
   std::size_t headings = 0;
   for (std::size_t number = 1; !head.empty(); ++number) {
@@ -86,8 +86,9 @@ std::optional<TextFault> faultOfBytes(std::string_view head) {
 
 std::optional<TextFault> faultOfLines(std::string_view head) {
   if (hasBareReturn(head)) {
-    return TextFault{Kind::LineEnds,
-                     "lines end in carriage returns, as on old systems; tr '\\r' '\\n' repairs it"};
+    return TextFault{
+        Kind::LineEnds,
+        "lines end in carriage returns, as on old systems; tr '\\r' '\\n' converts them"};
   }
   const std::string_view first = trimmed(head.substr(0, head.find_first_of("\r\n")));
   const std::size_t mark = first.find(kKeywordMark);

@@ -37,10 +37,10 @@ class BandPlan {
  private:
   struct Part {
     std::int16_t band;
-    std::size_t first;  // point
-    std::size_t last;
-    double ofFirst;  // how much of it belongs to the band
-    double ofLast;
+    std::size_t first;  // index of the first point
+    std::size_t last;   // index of the last point
+    double ofFirst;     // how much of the first point belongs to the band
+    double ofLast;      // how much of the last point does
   };
 
   std::vector<Part> parts_;

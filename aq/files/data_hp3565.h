@@ -31,11 +31,11 @@ class AQ_API AQ_DataHP3565 : public FileClass {
                                std::shared_ptr<Collection<std::string>>& colTimeDat,
                                std::shared_ptr<Collection<std::string>>& colRecordings);
 
-  /// Writes a recording as text, with the external converter if one is set. A failure creates no
-  /// text file and leaves an existing one unchanged. Never replaces a recording.
+  /// Writes a recording as a text file, with the external converter if one is set. A failure
+  /// creates no text file and leaves an existing one unchanged. Never replaces a recording.
   AQ_DataMessage DAT_to_ASC(const std::string& sDatFile, const std::string& sAscFile);
 
-  /// Reads the text of a recording. If the text has only values, takes the headers from the .HDR
+  /// Reads a recording from a text file. If that has only values, takes the headers from the .HDR
   /// file in the same folder. A failure sets neither object.
   AQ_DataMessage ParseASC(const std::string& sAscFile, std::shared_ptr<AQ_HeaderSTH>& aqHeader,
                           std::shared_ptr<AQ_SpectralTimeHistory>& STH);

@@ -212,7 +212,7 @@ void AQ_DataSPC::header(Lines& lines, AQ_HeaderSTH& header, AQ_SpectralTimeHisto
   AQ_AverageMethod averaging = history.AverageMethod();
   AQ_TimeStampType stamp = history.TimeStampType();
   AQ_RefTimeType reference = history.ReferenceType();
-  lines.constant("SPC", "1", "the layout version 1");
+  lines.constant("SPC", "1", "layout version 1");
   lines.text("ProjectName", header.sProjectName);
   lines.text("MicrophoneID", header.sMicrophoneID);
   lines.word(keywords::kAveragingMethod, "an averaging method", averaging);

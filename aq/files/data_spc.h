@@ -27,14 +27,14 @@ class AQ_API AQ_DataSPC : public FileClass {
   /// empty.
   void setHeader(const std::shared_ptr<AQ_HeaderSTH>& aqHeader) { header_ = aqHeader; }
 
-  /// Seconds from one record to the next, initially 0.5. A read stores the file's. Setting throws,
+  /// Seconds from one record to the next, initially 0.5. Reading a file sets it. Setting throws,
   /// and keeps the old value, for a number that is not above 0 and below 1000 (`InvalidValue`) and
   /// for a value that is not a number (`TypeMismatch`).
   [[nodiscard]] double RecordLength() const { return settings_.recordLength; }
   void RecordLength(const Variant& seconds);
 
   // Which part of a history is written: 0, the default, means the first or last record stored, and
-  // the lowest or highest band of all records written. A read stores the file's.
+  // the lowest or highest band of all records written. Reading a file sets these four.
   [[nodiscard]] std::int16_t NumberFirstRecord() const { return settings_.first; }
   void NumberFirstRecord(std::int16_t nRecord) { settings_.first = nRecord; }
   [[nodiscard]] std::int16_t NumberLastRecord() const { return settings_.last; }
@@ -45,9 +45,9 @@ class AQ_API AQ_DataSPC : public FileClass {
   void BandHigh(std::int16_t nBand) { settings_.high = nBand; }
 
   /// Writes the chosen part, replacing the file. Throws, and writes nothing, if there are no
-  /// records or one of the chosen part is missing (`InvalidArgument`); if there are no levels and
+  /// records or one in the chosen part is missing (`InvalidArgument`); if there are no levels and
   /// the bands are not set, if a level, a time or a word does not fit its columns, if bands are not
-  /// between 2 and 50, or if a text of the header has a line end or, outside other records and
+  /// between 2 and 50, or if a header field has a line break or, outside other records and
   /// comments, a tab (`InvalidValue`); if a level is not a number (`TypeMismatch`); or if a date is
   /// outside the years 1 to 9999 (`Overflow`).
   AQ_DataMessage writeFile(const std::string& sFileName, AQ_SpectralTimeHistory& aqTimeHistory);

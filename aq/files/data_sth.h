@@ -20,9 +20,9 @@ class AQ_API AQ_DataSTH : public FileClass {
   static constexpr std::string_view kTitle = "Spectral Time-History";
 
   /// Writes records `LoRec` to `HiRec`, replacing the file; the header gets the file's name.
-  /// Throws, and writes nothing, when there are no records or one of the range is missing
-  /// (`InvalidArgument`), a level is not a number (`TypeMismatch`) or not finite, a time of day has
-  /// no clock form (`InvalidValue`), or an object is missing (`ObjectNotSet`).
+  /// Throws, and writes nothing, if there are no records or one in the range is missing
+  /// (`InvalidArgument`), a level is not a number (`TypeMismatch`) or not finite, a time of day
+  /// cannot be written as hh:mm:ss (`InvalidValue`), or an object is missing (`ObjectNotSet`).
   AQ_DataMessage writeFile(const std::string& sFileName,
                            const std::shared_ptr<AQ_HeaderSTH>& aqHeader,
                            AQ_SpectralTimeHistory& aqTimeHistory);

@@ -27,7 +27,7 @@ FileKind kindOfFirstLine(std::string_view line, std::string_view title) {
 }
 
 // The first bytes of a recording as a line of text: the type of its first record, 10, is a line
-// end.
+// feed.
 constexpr std::string_view kRecordingLine{"B\0\0", 3};
 
 bool isTrackingLine(const LineReader& lines) {

@@ -48,9 +48,9 @@ struct Format {
   using Content = aq::Content<Header, Model>;
 
   FileKind kind;
-  std::string_view text;    ///< in words, as in "spectral time history"
-  std::string_view word;    ///< in one, as in "history"
-  std::string_view ending;  ///< that names of such files usually have
+  std::string_view text;    ///< the kind in words, as in "spectral time history"
+  std::string_view word;    ///< the kind in one word, as in "history"
+  std::string_view ending;  ///< how names of such files usually end
 };
 
 inline constexpr std::tuple kFormats{

@@ -11,7 +11,7 @@
 // unchanged.
 namespace aq {
 
-/// Whether any time that a file of the model would have is this late in its second; null objects
+/// Whether any time that would be written for the model is this late in its second; null objects
 /// have no times.
 [[nodiscard]] AQ_API bool hasLateTimes(const AQ_PositionTimeHistory& positions);
 [[nodiscard]] AQ_API bool hasLateTimes(const AQ_GeometryTimeHistory& geometry);

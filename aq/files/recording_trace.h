@@ -14,10 +14,10 @@ struct RecordingTrace {
   const sdf::TraceSet* set;
   std::size_t trace;
   bool narrow;                 ///< bands are sums of narrow bands
-  const sdf::Record* channel;  ///< the first one that it was measured with; may be null
-  std::string unit;            ///< its label
+  const sdf::Record* channel;  ///< the first channel that it was measured with; may be null
+  std::string unit;            ///< label of the unit
   bool pressure;
-  double gain;        ///< factor of the values; of power data, the factor of the power
+  double gain;        ///< factor for the values; for power data, factor for the power
   double offset = 0;  ///< value = offset + scale * stored integer
   double scale = 1;   ///< see `offset`
 };

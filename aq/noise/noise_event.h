@@ -13,7 +13,7 @@ namespace aq {
 /// the records that count, and the effective perceived noise level (EPNL). Records are given by
 /// their indices from 0.
 struct NoiseEvent {
-  std::size_t maximum = 0;  ///< the first record of the largest PNLT
+  std::size_t maximum = 0;  ///< the first record with the largest PNLT
   /// The 10 dB-down limits, both part of the sum. Empty where the records begin or end above the
   /// limit: the sum then runs to that end, and the EPNL is a lower bound.
   std::optional<std::size_t> first, last;

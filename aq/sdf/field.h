@@ -34,7 +34,7 @@ inline constexpr std::int16_t kUnknownCode = -99;
 /// `kUnknownCode` if there is none.
 [[nodiscard]] std::int16_t numberOf(const Codes& codes, std::string_view word);
 
-/// How a field is stored. Numbers are big-endian; a text ends at its first NUL, if it has one.
+/// How a field is stored. Numbers are big-endian; text ends at its first NUL, if it has one.
 enum class Type : std::uint8_t { Short, Long, Float, Double, Byte, Text, Unit, Window };
 
 /// A field of a record.
@@ -42,11 +42,11 @@ struct Field {
   std::string_view name;
   std::size_t first;  ///< its first byte in the record, counted from 1
   Type type;
-  std::size_t count = 1;  ///< elements of an array, bytes of a text
+  std::size_t count = 1;  ///< elements of an array, bytes of a text field
   const Codes* codes = nullptr;
 };
 
-/// Bytes of one element, 1 for a text.
+/// Bytes of one element, 1 for a text field.
 [[nodiscard]] constexpr std::size_t sizeOf(const Field& field) {
   switch (field.type) {
     case Type::Short: return 2;

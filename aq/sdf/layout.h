@@ -10,8 +10,8 @@
 #include "aq/sdf/codes.h"
 #include "aq/sdf/field.h"
 
-// The records of the Standard Data Format, each field named once. Readers of files and texts, and
-// programs that show fields, use these lists.
+// The records of the Standard Data Format, each field named once. Readers of binary and text files,
+// and programs that show fields, use these lists.
 namespace aq::sdf {
 
 enum class RecordType : std::int16_t {
@@ -52,7 +52,7 @@ constexpr Layout<n> layout(std::string_view name, RecordType type, const Field (
   return {name, type, std::to_array(fields)};
 }
 
-/// A layout of any number of fields.
+/// A layout with any number of fields.
 struct AnyLayout {
   std::string_view name;
   RecordType type;

@@ -67,7 +67,7 @@ struct Numbers {
     return number;
   }
 
-  /// Fills `numbers`, which must not be larger than the stored values.
+  /// Fills `numbers`, which must not have more elements than there are stored values.
   void copyTo(std::span<double> numbers) const {
     switch (type) {
       case NumberType::Short: return copy<std::int16_t>(numbers);

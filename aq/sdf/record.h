@@ -30,8 +30,8 @@ struct UnitOfValues {
 /// the record is missing; reading it throws `ReadFailure`.
 class AQ_API Record {
  public:
-  /// `bytes` starts with the record, whose own size field is `size`; a record from a text may have
-  /// fewer bytes.
+  /// `bytes` starts with the record, whose own size field is `size`; a record from a text file may
+  /// have fewer bytes.
   Record(std::string_view bytes, std::size_t size, std::size_t place);
 
   [[nodiscard]] RecordType type() const;
@@ -52,7 +52,7 @@ class AQ_API Record {
   /// A unit or a window field, as a separate record.
   [[nodiscard]] Record part(const Field& field) const;
 
-  /// An integer that may not be negative.
+  /// An integer that must not be negative.
   [[nodiscard]] std::uint32_t count(const Field& field) const;
 
   /// Fails with the record's name, its place, and what was expected, such as "a domain".

@@ -26,7 +26,7 @@ class AQ_API RecordList {
   /// such as another recording.
   explicit RecordList(std::vector<char> bytes);
 
-  /// Takes consecutive `records` in `bytes`, as read from a text. A file header, a measurement
+  /// Takes consecutive `records` in `bytes`, as read from a text file. A file header, a measurement
   /// header and a data header must be among them.
   RecordList(std::vector<char> bytes, const std::vector<Record>& records);
 

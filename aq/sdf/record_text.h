@@ -9,7 +9,7 @@
 
 namespace aq::sdf {
 
-/// A line of a text as a name and its value; the name is empty if the line has another form.
+/// A line of a text file as a name and its value; the name is empty if the line has another form.
 struct NamedValue {
   std::string_view name;
   std::string_view value;
@@ -18,7 +18,7 @@ struct NamedValue {
 /// Splits a line at its first two blanks, at a colon, or at the column where values begin.
 [[nodiscard]] NamedValue namedValue(std::string_view line);
 
-/// Builds records from the lines of a text.
+/// Builds records from the lines of a text file.
 class RecordText {
  public:
   /// Starts a new record, to which the following fields belong.
@@ -35,7 +35,7 @@ class RecordText {
   struct Part {
     const AnyLayout* layout;
     std::string bytes;
-    std::size_t size = 0;  // according to the text
+    std::size_t size = 0;  // according to the text file
     std::size_t used = 0;  // up to the last field given
   };
   [[nodiscard]] static std::size_t sizeOfRecord(const Part& part);

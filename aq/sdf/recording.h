@@ -19,30 +19,30 @@ namespace aq::sdf {
 enum class Axis : std::int16_t {
   Linear,       ///< x0 + n dx
   Logarithmic,  ///< x0 dx^n
-  OfFile,       ///< one vector for all
-  OfData,       ///< one for each data header
-  OfTrace,      ///< one for each trace
+  OfFile,       ///< one vector for all traces
+  OfData,       ///< one vector for each data header
+  OfTrace,      ///< one vector for each trace
 };
 
 /// The traces of one data header, and where their values are.
 struct TraceSet {
   Record header;
-  std::size_t points = 0;         ///< per trace
+  std::size_t points = 0;         ///< points per trace
   std::size_t valuesOfPoint = 1;  ///< two for complex data
-  std::size_t traces = 0;         ///< per scan
+  std::size_t traces = 0;         ///< traces per scan
   bool scanned = false;  ///< whether each scan has its own values; otherwise there is one set
   NumberType type = NumberType::Float;
   std::uint64_t traceBytes = 0;
-  std::uint64_t at = 0;         ///< of the first value, relative to the Y record
-  std::uint64_t scanBytes = 0;  ///< from one scan to the next
+  std::uint64_t at = 0;         ///< offset of the first value in the Y record
+  std::uint64_t scanBytes = 0;  ///< bytes from one scan to the next
   Axis axis = Axis::Linear;
   NumberType axisType = NumberType::Float;
   std::size_t axisStep = 1;  ///< numbers of the x record per point, the first of which is used
   std::uint64_t axisBytes = 0;
-  std::uint64_t axisAt = 0;  ///< of the first x, relative to the X record
+  std::uint64_t axisAt = 0;  ///< offset of the first x in the X record
 };
 
-/// The scans of a recording: how many there is room for, and how many of them, from the first, are
+/// The scans of a recording: how many it has room for, and how many of them, from the first, are
 /// valid.
 struct Scans {
   bool any = false;  ///< false: everything was measured once
@@ -60,10 +60,10 @@ struct ScanVariable {
   NumberType type;
 };
 
-/// The values of one trace of one scan, from a text.
+/// The values of one trace of one scan, from a text file.
 struct TextTrace {
-  std::string values;  ///< doubles, stored as in a file
-  std::string x;       ///< likewise; empty if the text gives none
+  std::string values;  ///< doubles, stored as in a binary file
+  std::string x;       ///< doubles, stored in the same way; empty if the text file gives none
   std::optional<double> scanVariable;
 };
 
@@ -78,7 +78,7 @@ class AQ_API Recording {
   static Recording fromFile(const std::string& path);
 
   explicit Recording(RecordList records);
-  /// A recording read from a text; `traces` are by data header, trace and scan.
+  /// A recording read from a text file; the keys of `traces` are data header, trace and scan.
   Recording(RecordList records, TextTraces traces);
 
   [[nodiscard]] const RecordList& records() const { return records_; }
@@ -103,7 +103,7 @@ class AQ_API Recording {
 
   /// The scan variable of a set: a time if there is one, otherwise the first variable.
   [[nodiscard]] std::optional<ScanVariable> scanVariable(const TraceSet& set) const;
-  /// The value of a scan variable, in its own unit; nothing if a text gives none.
+  /// The value of a scan variable, in its own unit; nothing if a text file gives none.
   [[nodiscard]] std::optional<double> scanValue(const ScanVariable& variable, const TraceSet& set,
                                                 std::size_t trace, std::size_t scan) const;
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-// The form of the text of a recording, shared by writer and reader.
+// The form of a recording as text, shared by writer and reader.
 namespace aq::sdf::form {
 
 inline constexpr std::size_t kDots = 39;         // in the line above a record
@@ -20,11 +20,11 @@ inline constexpr std::string_view kPoints = "points";
 inline constexpr std::string_view kRecordType = "recordType";
 inline constexpr std::string_view kRecordSize = "recordSize";
 
-/// A text in double quotes, with control characters and backslashes as in `\x0a`, so that it fits
+/// `text` in double quotes, with control characters and backslashes as in `\x0a`, so that it fits
 /// on one line.
 [[nodiscard]] std::string quoted(std::string_view text);
 
-/// The number that a text represents, including one that is not finite. Throws like `doubleFrom`.
+/// The number that `text` represents, including one that is not finite. Throws like `doubleFrom`.
 [[nodiscard]] double storedFrom(std::string_view text);
 
 /// The text that `quoted` turned into `value`; also accepts a value without quotes.

@@ -184,14 +184,14 @@ std::string stored(std::span<const double> numbers, std::size_t before, NumberTy
   std::string bytes((before + numbers.size()) * sizeof(double), '\0');
   char* at = bytes.data() + before * sizeof(double);
   for (const double number : numbers) {
-    // A text may give a float with the digits of a double.
+    // A text file may give a float with the digits of a double.
     putNumber(at, type == NumberType::Float ? static_cast<double>(floatOf(number)) : number);
     at += sizeof(double);
   }
   return bytes;
 }
 
-/// Assigns the values of a text to the traces of the recording.
+/// Assigns the values in a text file to the traces of the recording.
 class Assignment {
  public:
   explicit Assignment(const Recording& recording) : recording_(recording) {

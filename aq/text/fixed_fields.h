@@ -44,7 +44,7 @@ class AQ_API FixedFieldReader {
     return found_;
   }
 
-  /// The same, from column `first` to the end of the line.
+  /// The text from column `first` to the end of the line, without its outer blanks.
   [[nodiscard]] std::string_view takeRest(std::size_t first, const char* expected);
 
   template <class Conversion>

@@ -27,7 +27,7 @@ class AQ_API FixedHeaderReader {
   FixedHeaderReader(LineReader& lines, const HeaderObserver& observer)
       : lines_(lines), observer_(observer) {}
 
-  /// A constant value.
+  /// A line whose value is always the same.
   void constant(std::string_view keyword, std::string_view value, const char* expected);
 
   void text(std::string_view keyword, std::string& value);
@@ -48,7 +48,7 @@ class AQ_API FixedHeaderReader {
   /// An integer from `low` to `high`.
   void integer(std::string_view keyword, std::int16_t& value, std::int16_t low, std::int16_t high);
 
-  /// A line with their number, then that many lines.
+  /// A line with a count, then that many lines.
   void lines(std::string_view keyword, const std::shared_ptr<Collection<std::string>>& block);
 
   /// Skips the line of column headings.
@@ -63,9 +63,9 @@ class AQ_API FixedHeaderReader {
   std::string_view value_;  // of the line taken last
 };
 
-/// Appends header lines to a text. Throws `InvalidValue` for a text with a line end or, outside
-/// `lines`, a tab, for a number or a time that does not fit its columns, and for a value without a
-/// word.
+/// Appends header lines to a text. Throws `InvalidValue` for a value with a line break or, outside
+/// `lines`, a tab, for a number or a time that does not fit its columns, and for an enumeration
+/// value without a word.
 class AQ_API FixedHeaderWriter {
  public:
   explicit FixedHeaderWriter(std::string& text) : text_(text) {}

@@ -21,7 +21,7 @@ struct HeaderLine {
   std::string_view text;     ///< unchanged
   std::string_view
       value;  ///< the part that is read of a line with a keyword, or of a parameter file's comment
-  std::size_t fields = 0;  ///< how many of the value are read; 0 when it is read as a whole
+  std::size_t fields = 0;  ///< how many fields of the value are read; 0 if it is read as a whole
 };
 
 /// Sees every header line that a read takes.

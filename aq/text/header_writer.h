@@ -58,8 +58,8 @@ class AQ_API HeaderWriter {
     line(keyword, information_->sourceDateTime(file, recorded));
   }
 
-  /// A line with their number, then the lines unchanged; the header's own count is not written. A
-  /// missing collection counts as empty.
+  /// A line with the number of lines, then the lines unchanged; the header's own count is not
+  /// written. A missing collection counts as empty.
   void lines(std::string_view keyword, const std::shared_ptr<Collection<std::string>>& block,
              std::int16_t /*count*/ = 0);
 

@@ -39,8 +39,8 @@ class AQ_API LineReader {
   std::unique_ptr<char[]> block_;
   std::size_t capacity_;   // of the block
   std::size_t most_;       // largest number of bytes still to be read
-  std::size_t begin_ = 0;  // the bytes not yet taken: from here
-  std::size_t end_ = 0;    // up to here
+  std::size_t begin_ = 0;  // start of the bytes not yet taken
+  std::size_t end_ = 0;    // end of the bytes not yet taken
   std::string_view line_;
   std::size_t number_ = 0;
   bool ended_ = true;

@@ -17,7 +17,7 @@ namespace aq {
 
 /// A number in plain form: an optional minus sign, up to 15 digits, an optional point.
 struct PlainNumber {
-  std::int64_t digits = 0;  // as one integer
+  std::int64_t digits = 0;  // all digits as one integer
   std::size_t decimals = 0;
   std::size_t length = 0;  // in characters; 0 if there is no such number
   bool negative = false;

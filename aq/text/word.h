@@ -13,7 +13,7 @@ namespace aq {
 
 inline constexpr std::size_t kWordBytes = sizeof(std::uint64_t);
 
-/// The word of a text's first eight characters; it must have as many.
+/// The word of a text's first eight characters; the text must have at least eight.
 [[nodiscard]] constexpr std::uint64_t wordOfText(std::string_view text) {
   std::uint64_t word = 0;
   if (std::endian::native == std::endian::little && !std::is_constant_evaluated()) {

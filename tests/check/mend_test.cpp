@@ -41,7 +41,7 @@ TEST(Mend, UndoesWhatIsCertain) {
       {wide(kPlain, false, "\xFF\xFE"), "UTF-16"},
       {wide(kPlain, true, "\xFE\xFF"), "UTF-16"},
       {wide(kPlain, true, ""), "UTF-16"},
-      {replaced(kPlain, "\n", "\r"), "carriage returns as line ends"},
+      {replaced(kPlain, "\n", "\r"), "carriage returns as line endings"},
       {replaced(replaced(kPlain, ",", "\t"), "Sun\t", "Sun,"), "tabs between fields"},
       {semicolons, "semicolons between fields"},
       {replaced(kPlain, "Sun, sea", "\"Sun, sea\""), "a spreadsheet's quotes"},

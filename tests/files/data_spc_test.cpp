@@ -205,7 +205,7 @@ TEST_F(Spc, FailuresNameColumns) {
       {"NumberLastRecord           3", "NumberLastRecord           4",
        "line 24: expected the line of record 4, found the end of the file"},
       {"SPC                 1", "SPC                 2",
-       "line 1, field 2: expected the layout version 1 from column 21 on, found \"2\""}};
+       "line 1, field 2: expected layout version 1 from column 21 on, found \"2\""}};
   for (const Row& row : rows) {
     std::string bad = good;
     bad.replace(bad.find(row.from), std::string_view(row.from).size(), row.to);
