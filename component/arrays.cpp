@@ -23,7 +23,7 @@ struct Range {
   std::int32_t high = std::numeric_limits<std::int32_t>::min();
 
   void take(std::int32_t from, std::int32_t to) {
-    if (from > to) return;  // nothing in it
+    if (from > to) return;  // the range is empty
     low = std::min(low, from);
     high = std::max(high, to);
   }

@@ -21,7 +21,7 @@ namespace aq::com {
 /// An error for which hosts have a code of their own. Thrown only inside the DLL.
 struct Fault {
   HRESULT code;
-  std::size_t argument = SIZE_MAX;  ///< its position in the call, if the error is about one
+  std::size_t argument = SIZE_MAX;  ///< position of the argument that the error is about, if any
 };
 
 /// A VARIANT that frees what it holds.
@@ -47,7 +47,7 @@ class Value : public VARIANT {
 /// One call of a member.
 struct Call {
   void* object;
-  std::span<VARIANTARG* const> given;  ///< by position; null if not given
+  std::span<VARIANTARG* const> given;  ///< arguments by position; null where left out
   VARIANTARG* value;                   ///< what a property is set to
   Value& result;
 };
@@ -57,7 +57,7 @@ struct Member {
   std::wstring name;
   DISPID id = 0;
   std::vector<std::wstring> parameters;
-  std::size_t required = 0;  ///< how many of the first must be given
+  std::size_t required = 0;  ///< how many parameters, from the first, must be given
   Thunk get = {};            ///< reads the property or runs the method
   Thunk put = {};
 };
@@ -67,11 +67,12 @@ struct ClassTable {
   std::string progId;
   int number = 0;
   std::vector<Member> members;
-  std::function<std::shared_ptr<void>()> create = {};       ///< empty if hosts cannot create it
-  std::function<Variant(std::shared_ptr<void>)> hold = {};  ///< an object as a value
-  std::function<std::shared_ptr<void>(const Variant&)> held = {};  ///< and back; null for others
-  std::function<std::vector<Value>(void*)> entries = {};           ///< for For Each
-  std::unordered_map<std::wstring, const Member*> byName = {};     ///< in lower case
+  std::function<std::shared_ptr<void>()> create = {};  ///< empty if hosts cannot create objects
+  std::function<Variant(std::shared_ptr<void>)> hold = {};  ///< makes a value of an object
+  /// The object of this class that a value holds; null if it holds none.
+  std::function<std::shared_ptr<void>(const Variant&)> held = {};
+  std::function<std::vector<Value>(void*)> entries = {};        ///< what For Each visits
+  std::unordered_map<std::wstring, const Member*> byName = {};  ///< keys are in lower case
   std::vector<const Member*> byId = {};
   std::unordered_map<DISPID, const Member*> byOtherId = {};
 

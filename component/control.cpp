@@ -15,11 +15,11 @@ constexpr LONG kSize = 28;  // pixels, each way
 constexpr LONG kHimetricPerInch = 2540;
 constexpr LONG kPixelsPerInch = 96;
 constexpr LONG kExtent = kSize * kHimetricPerInch / kPixelsPerInch;
-constexpr DWORD kSavedVersion = 1;  // the only saved data
+constexpr DWORD kSavedVersion = 1;  // the only data that is saved
 constexpr DWORD kStatus = OLEMISC_SETCLIENTSITEFIRST | OLEMISC_INVISIBLEATRUNTIME |
                           OLEMISC_CANTLINKINSIDE | OLEMISC_RECOMPOSEONRESIZE;
 
-/// A picture in the middle of its area on a form. It has no window, verbs or members, and never
+/// An icon in the middle of its area on a form. It has no window, verbs or members, and never
 /// changes; containers require all of these interfaces of a control.
 class Control final : public Counted<IOleObject, IOleControl, IOleInPlaceObject, IViewObject2,
                                      IPersistStreamInit, IPersistStorage, IPersistPropertyBag,

@@ -5,7 +5,7 @@
 
 namespace aq::com {
 
-/// The control `AQ_Data`, which shows the library's picture on a form.
+/// The control `AQ_Data`, which shows the library's icon on a form.
 [[nodiscard]] Held<IUnknown> makeControl();
 
 }  // namespace aq::com

@@ -111,7 +111,7 @@ std::string lowerCase(std::string name) {
   return name;
 }
 
-/// A type library has one spelling of a name, regardless of case; that of a member comes first.
+/// A type library has one spelling of a name, regardless of case; a member's takes precedence.
 std::string spelled(const std::string& name) {
   static const auto members = [] {
     std::map<std::string, std::string> found;
@@ -232,7 +232,7 @@ class Interface {
 
   template <class Value, class Member>
   void getAndSet(const Member& member, const std::string& given, const std::string& key) const {
-    // Hosts require one type for both.
+    // Hosts require one type for reading and setting.
     const std::string shown = given == "VARIANT" ? given : type<Value>();
     line(member, "propget", shown, key);
     set<Value>(member, shown, key, "value");
@@ -264,7 +264,7 @@ class Interface {
     line(called, "", type<Result>(), all);
   }
 
-  /// One interface serves collections of any value.
+  /// One interface serves collections of any type.
   template <class Argument>
   static std::string inCall(const describe::Parameter& given) {
     if (isCollection<C> && given.name == std::string_view("value")) return "[in] VARIANT value";

@@ -146,10 +146,10 @@ struct Extra {
   std::string_view owner;
   const char* name;
   std::int32_t id;
-  std::string_view type;        ///< in the language of the type library
-  std::string_view parameters;  ///< likewise
+  std::string_view type;        ///< as IDL
+  std::string_view parameters;  ///< as IDL
   bool isProperty;
-  bool isSet;  ///< of a property: whether it can be set
+  bool isSet;  ///< whether the property can be set
   std::string_view text;
 };
 
@@ -162,8 +162,8 @@ inline constexpr std::array kExtras{
           "[in] AQ_METRIC_TYPE aqMetric", true, false,
           "One metric of all records as an array, from LoRec up; Empty where it is not set"},
     Extra{"AQ_MaskMap", "MaskStrings", kFirstExtra, "VARIANT", "", true, true,
-          "All decisions in their two letters as an array, records by bands, from the lowest of "
-          "each up; Empty where there is none, and setting Empty leaves a decision unchanged"},
+          "All decisions as two-letter strings in an array, records by bands, both from the lowest "
+          "up; Empty where there is none, and setting Empty leaves a decision unchanged"},
     Extra{"AQ_PositionTimeHistory", "Table", kFirstExtra, "VARIANT", "", true, false,
           "All positions as an array: seconds of the day, X, Y, Z"},
     Extra{"AQ_GeometryTimeHistory", "Table", kFirstExtra, "VARIANT", "", true, false,

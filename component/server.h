@@ -6,7 +6,7 @@
 
 namespace aq::com {
 
-/// The DLL.
+/// The handle of the DLL.
 [[nodiscard]] HINSTANCE module();
 [[nodiscard]] std::wstring modulePath();
 

@@ -19,7 +19,7 @@ enum class TextKind {
 
 [[nodiscard]] std::wstring wideOf(std::string_view bytes, TextKind kind);
 
-/// To be freed by the host. Throws `bad_alloc`.
+/// `bytes` as text that the host must free. Throws `bad_alloc`.
 [[nodiscard]] BSTR hostText(std::string_view bytes, TextKind kind);
 [[nodiscard]] BSTR hostText(std::wstring_view text);
 

@@ -1,4 +1,4 @@
-"""Writes the picture of the component that tool boxes show, 16 by 15 pixels: FILE."""
+"""Writes the icon that tool boxes show for the component, 16 by 15 pixels: FILE."""
 
 import struct
 import sys

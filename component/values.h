@@ -30,7 +30,7 @@ namespace aq::com {
 /// Anything else is a type mismatch.
 [[nodiscard]] std::shared_ptr<void> objectOf(const VARIANT& given, const ClassTable& table);
 
-/// Whether it holds an object of that class.
+/// Whether `given` holds an object of that class.
 [[nodiscard]] bool isObjectOf(const VARIANT& given, const ClassTable& table);
 
 /// The entries of a one-dimensional array, or of anything that For Each visits.

@@ -214,7 +214,7 @@ class TextMender {
     return value.find_first_not_of(numbers) == value.npos ? std::string_view() : value;
   }
 
-  /// Whether a text has a separator outside quotes.
+  /// Whether `text` has a separator outside quotes.
   [[nodiscard]] bool hasSeparator(std::string_view text) const {
     bool quoted = false;
     return std::any_of(text.begin(), text.end(), [&](char c) {

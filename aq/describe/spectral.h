@@ -143,7 +143,7 @@ struct Description<AQ_SpectralTimeHistory> {
                 "they lack; raises if a record or row from 1 to Count is missing",
                 in("MapMask", "The masking map"))
         .setter("setLGB", &H::setLGB,
-                "Sets the metric LGB of each spectrum from the map's row of the same number; "
+                "Sets the metric LGB of each spectrum from the map's row with the same number; "
                 "raises at a missing record or row, after setting those before it",
                 in("MapMask", "The masking map"))
         .property("TimeStampType", &H::TimeStampType, &H::TimeStampType,

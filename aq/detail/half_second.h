@@ -28,7 +28,7 @@ class AQ_API HalfSecondStamps {
 
  private:
   double date_;
-  float offset_;  // of record 0; hosts rely on its rounding to single precision
+  float offset_;  // offset of record 0; hosts rely on its rounding to single precision
 };
 
 }  // namespace aq

@@ -16,7 +16,7 @@ namespace aq {
 }
 
 /// The lowest and highest band or record number ever stored. It only widens; an empty one is 9999
-/// to -1, and 9999 stays the low end when only larger numbers are stored: hosts rely on it.
+/// to -1, and 9999 stays the low end when only larger numbers are stored, as hosts expect.
 struct NumberRange {
   std::int16_t low = AQ_INVALID_LEVEL;
   std::int16_t high = -1;

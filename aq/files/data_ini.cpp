@@ -17,7 +17,7 @@ constexpr std::string_view kFileName = "FileName";
 constexpr std::string_view kFileDateTime = "FileDateTime";
 constexpr std::string_view kComments = "NumberOfCommentLines";
 
-/// One parameter: its keyword, what it expects, its text (none if it is not set), and how a text
+/// One parameter: its keyword, what it expects, its text (none if it is not set), and how text
 /// sets it.
 struct Parameter {
   std::string_view keyword;

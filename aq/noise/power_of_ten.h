@@ -10,7 +10,7 @@ inline double powerOfTen(double x) {
   return std::exp2(x * kLog2Of10);
 }
 
-/// lg x from the binary logarithm, for the same reason.
+/// lg x from the binary logarithm, also to save time.
 inline double logarithmOfTen(double x) {
   constexpr double kLog10Of2 = 0.301029995663981195213738894724493;
   return std::log2(x) * kLog10Of2;

@@ -53,7 +53,7 @@ class AQ_API AQ_SpectralTimeHistory {
   /// bands contain those of its row. Throws `InvalidArgument` for a missing spectrum or row.
   [[nodiscard]] bool EncompassesMask(const AQ_MaskMap& MapMask) const;
 
-  /// Sets the metric `LGB` of each spectrum from the map's row of the same number, from 1 to the
+  /// Sets the metric `LGB` of each spectrum from the map's row with the same number, from 1 to the
   /// map's count. Throws `InvalidArgument` at a missing spectrum or row; those before it are set.
   void setLGB(const AQ_MaskMap& MapMask);
 

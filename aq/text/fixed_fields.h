@@ -74,8 +74,8 @@ class AQ_API FixedFieldReader {
  private:
   std::string_view line_;
   std::size_t number_;
-  std::size_t field_ = 0;  // the number of the one taken last
-  Columns columns_{1, 1};  // of that one
+  std::size_t field_ = 0;  // number of the field taken last
+  Columns columns_{1, 1};  // columns of the field taken last
   std::string_view found_;
 };
 

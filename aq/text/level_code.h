@@ -34,7 +34,7 @@ inline constexpr LevelCode kInvalidCode = std::numeric_limits<LevelCode>::min();
 
 /// Takes levels in their written form (digits, a point and two decimals, separated by ",") from the
 /// start of `text`, until `codes` is full or another form follows, which `doubleFrom` may still
-/// accept. The values are the same.
+/// accept. The levels taken are those that `doubleFrom` gives.
 [[nodiscard]] AQ_API FieldsTaken levelsAtFront(std::string_view text, std::span<LevelCode> codes);
 
 inline constexpr std::size_t kLevelColumns = 8;

@@ -1,4 +1,4 @@
-' Put before each of the scripts.
+' Prepended to each of the scripts.
 Option Explicit
 Dim passed, failed
 Sub Check(what, holds)

@@ -13,7 +13,7 @@ T* asked(IUnknown* object, REFIID iid) {
   return static_cast<T*>(found);
 }
 
-/// Draws the control into a picture of its size; how many pixels it changed.
+/// Draws the control into a bitmap of its size; returns how many pixels it changed.
 int drawnPixels(IViewObject2& view) {
   BITMAPINFO format{};
   format.bmiHeader = {sizeof(BITMAPINFOHEADER), 28, 28, 1, 32, BI_RGB, 0, 0, 0, 0, 0};

@@ -126,7 +126,7 @@ inline Value create(const std::wstring& name) {
   return made;
 }
 
-void testTypeLibrary();  // and that objects are as it says
+void testTypeLibrary();  // and that objects agree with it
 void testControl();
 void testSpeed();
 /// How many keys of the registry name the component.

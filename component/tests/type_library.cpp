@@ -21,7 +21,7 @@ std::string text(BSTR given) {
   return {copy.begin(), copy.end()};
 }
 
-/// Whether what a property gave is of the type that the library says.
+/// Whether a property's value has the type that the type library declares.
 bool fits(const TYPEDESC& type, const VARIANT& value) {
   if (type.vt == VT_VARIANT) return true;
   if (type.vt == VT_PTR) return value.vt == VT_DISPATCH;
