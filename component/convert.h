@@ -160,7 +160,7 @@ void toHost(VARIANT& to, const T& value, TextKind kind, bool isDate = false) {
 
 /// An argument of a call as C++ takes it.
 struct Given {
-  VARIANTARG* at;  ///< null when it was left out
+  VARIANTARG* at;  ///< null if the host left it out
   std::size_t place;
   TextKind kind;
 };

@@ -164,7 +164,7 @@ Checked checkWithHistory(const std::string& path, const FindingSink& report) {
 }
 
 void check(FileOf<AQ_DataINI> of, const Reporter& report) {
-  constexpr std::string_view kTitle = "FILETYPE";  // which no reader uses
+  constexpr std::string_view kTitle = "FILETYPE";  // no reader uses it
   AQ_DataINI file;
   std::size_t nameLine = 0;
   file.observeHeader([&](const HeaderLine& line) {

@@ -24,7 +24,7 @@ class Decimals {
  private:
   struct Seen {
     std::size_t count = 0;
-    bool endsInZero = false;               // whether any of them does
+    bool endsInZero = false;               // whether any of these numbers does
     std::vector<FindingPlace> first = {};  // places that may be reported
   };
 

@@ -79,7 +79,7 @@ std::string_view severityText(Severity severity) {
 
 void Reporter::unreadable(const FileFailure& failure) const {
   if (const auto fault = faultOfLines(head_)) {
-    findings_.clear();  // they follow from it
+    findings_.clear();  // they follow from the fault
     return (*this)(fault->kind, {.line = fault->line}, fault->message);
   }
   const std::string_view found = failure.found;

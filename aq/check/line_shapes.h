@@ -45,8 +45,8 @@ class LineShapes {
  private:
   struct Shape {
     std::size_t fields;
-    std::size_t decimals;  // of the last field
-    bool empty;            // whether the last field is
+    std::size_t decimals;  // decimals of the last field
+    bool empty;            // the last field is empty
     bool open;             // the last field is empty or ends in a point
   };
 
@@ -65,7 +65,7 @@ class LineShapes {
   std::size_t extended_ = 0;  // lines with fields that are not read
   Shape last_{0, 0, false, false};
   Shape least_{std::numeric_limits<std::size_t>::max(), std::numeric_limits<std::size_t>::max(),
-               false, false};  // open if any line is
+               false, false};  // open if any line is open
   bool ended_ = true;          // the last line has a line ending
 };
 

@@ -205,7 +205,7 @@ class TextMender {
     if (mark == line.npos) return line;
     std::string_view keyword = line.substr(0, mark);
     std::string_view value = line.substr(mark + kKeywordMark.size());
-    if (value.starts_with('"')) value.remove_prefix(1);  // of a quoted keyword
+    if (value.starts_with('"')) value.remove_prefix(1);  // ends a quoted keyword
     if (!value.empty()) value.remove_prefix(1);
     for (const std::string_view ending : {"Name", "ID", "Code", "By", "File"}) {
       if (keyword.ends_with(ending)) return value;
@@ -440,7 +440,7 @@ class TextMender {
   std::size_t doneBefore_;
   std::vector<std::string> lines_;
   char separator_ = '\0';   // the one that a spreadsheet put in place of commas
-  std::size_t unsure_ = 0;  // the first line whose text has one; 0 for none
+  std::size_t unsure_ = 0;  // the first line whose text has a separator; 0 for none
   bool returns_ = false;
   bool ends_ = false;   // the last line has a line ending
   bool again_ = false;  // something was mended

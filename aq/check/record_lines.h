@@ -54,8 +54,8 @@ class RecordLines {
   bool readable_ = true;
   std::size_t count_ = 0;
   std::size_t setBegins_ = 0;  // the first line of this data set
-  std::int32_t first_ = 0;     // its number
-  std::int32_t before_ = 0;    // the number in the previous line
+  std::int32_t first_ = 0;     // the record number in that line
+  std::int32_t before_ = 0;    // the record number in the previous line
 };
 
 /// Seconds as text, with the digits that times of day in single precision hold.

@@ -12,8 +12,8 @@ namespace {
 /// A refusal by the operating system, worded as its own tools would word it.
 struct Refusal {
   std::string_view expected;
-  std::string_view before;  // the file
-  std::string_view after = {};
+  std::string_view before;      // text before the file's name
+  std::string_view after = {};  // text after the file's name
 };
 
 constexpr Refusal kRefusals[] = {

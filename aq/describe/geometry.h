@@ -205,12 +205,13 @@ struct Description<AQ_SPointTrk> {
     using P = AQ_SPointTrk;
     to.property("TOH", &P::TOH, &P::TOH, "Time at which the source is overhead; none until set")
         .property("TMAX", &P::TMAX, &P::TMAX, "Time of the maximum level; none until set")
-        .property("T1", &P::T1, &P::T1, "First time of the application; none until set")
-        .property("T2", &P::T2, &P::T2, "Second time of the application; none until set")
+        .property("T1", &P::T1, &P::T1, "First time that the application defines; none until set")
+        .property("T2", &P::T2, &P::T2, "Second time that the application defines; none until set")
         .property("YOFF", &P::YOFF, &P::YOFF, "Lateral offset from the track", kLength)
         .property("PHI", &P::PHI, &P::PHI, "Elevation angle, or as the application defines it",
                   kAngle)
-        .property("CYANG", &P::CYANG, &P::CYANG, "Another angle of the application", kAngle)
+        .property("CYANG", &P::CYANG, &P::CYANG, "Another angle that the application defines",
+                  kAngle)
         .property("ALT", &P::ALT, &P::ALT, "Altitude of the source", kLength)
         .property("GSPDKTS", &P::GSPDKTS, &P::GSPDKTS, "Ground speed", Quantity{"kn"})
         .property("FIRST", &P::FIRST, &P::FIRST, "First record of the event", kRecord)

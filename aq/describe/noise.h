@@ -38,8 +38,8 @@ struct Description<ToneStep> {
         .field("meanSlope", &S::meanSlope,
                "The mean of three adjusted slopes, this band's and the next two", kDecibels)
         .field("background", &S::background, "The level without tones", kDecibels)
-        .field("difference", &S::difference, "The level minus the background; counts from 1.5 up",
-               kDecibels)
+        .field("difference", &S::difference,
+               "The level minus the background; counts if it is at least 1.5", kDecibels)
         .field("correction", &S::correction,
                "The correction of this band; 0 if the difference does not count", kToneDecibels);
   }
@@ -101,8 +101,8 @@ struct Description<MetricDifference> {
   template <class To>
   static void members(To& to) {
     using D = MetricDifference;
-    to.field("record", &D::record, "The record", kRecord)
-        .field("metric", &D::metric, "Which metric")
+    to.field("record", &D::record, "The record whose metric differs", kRecord)
+        .field("metric", &D::metric, "Which metric differs")
         .field("stored", &D::stored, "The value stored in the record", kOfTheMetric)
         .field("computed", &D::computed, "The value computed from the levels; NaN if there is none",
                kOfTheMetric);
@@ -119,7 +119,7 @@ struct Description<NoiseFunctions> {
   static void members(To& to) {
     constexpr auto spectrum = in("spectrum", "The levels");
     constexpr auto masks = optionally("masks", "Which of the levels are masked and do not count");
-    constexpr auto history = in("history", "The records");
+    constexpr auto history = in("history", "The history of levels");
     constexpr auto map = optionally("map", "Which levels of the records are masked");
     to.function("weightedLevel", &weightedLevel,
                 about("The A-, C- or D-weighted or the overall level of a spectrum; nothing if no "

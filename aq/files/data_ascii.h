@@ -58,8 +58,8 @@ class AQ_API AQ_DataASCII : public FileClass {
 
   std::string delimiter_ = ",";
   bool quotedFields_ = false;
-  std::string opening_;  // before a quoted field
-  std::string closing_;  // after it
+  std::string opening_;  // delimiter and quote before a quoted field
+  std::string closing_;  // quote and delimiter after a quoted field
   std::shared_ptr<Collection<std::string>> lines_ = std::make_shared<Collection<std::string>>();
   std::shared_ptr<FieldLines> fields_ = std::make_shared<FieldLines>();
 };

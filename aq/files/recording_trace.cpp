@@ -19,12 +19,15 @@ using sdf::Record;
 using sdf::Recording;
 using sdf::TraceSet;
 
-constexpr std::int32_t kFrequency = 0;  // domains
+// Domains.
+constexpr std::int32_t kFrequency = 0;
 constexpr std::int32_t kOctave = 6;
-constexpr std::int32_t kAutoPower = 2;  // types of data
+// Types of data.
+constexpr std::int32_t kAutoPower = 2;
 constexpr std::int32_t kThirdOctave = 12;
 constexpr std::int32_t kPressure = 49;
-constexpr std::int32_t kNarrow = 1;  // corrections of a window
+// Corrections of a window.
+constexpr std::int32_t kNarrow = 1;
 constexpr std::int32_t kWide = 2;
 
 bool isData(const TraceSet& set, std::int32_t domain, std::int32_t type) {

@@ -18,18 +18,18 @@ struct ToneStep {
   std::optional<double> slope;  ///< level minus that of the band below, dB
   bool slopeMarked = false;     ///< the slope differs by more than 5 dB from that of the band below
   bool levelMarked = false;     ///< the level is removed to find the background
-  std::optional<double> adjusted;       ///< the level, or the replacement for a marked one, dB
+  std::optional<double> adjusted;       ///< the level, or its replacement if it is marked, dB
   std::optional<double> adjustedSlope;  ///< slope of the adjusted levels, dB
   std::optional<double>
       meanSlope;  ///< mean of three adjusted slopes, this band's and the next two, dB
   std::optional<double> background;  ///< level without tones, dB
-  std::optional<double> difference;  ///< level minus background, dB; counts from 1.5 up
+  std::optional<double> difference;  ///< level minus background, dB; counts if at least 1.5
   std::optional<double> correction;  ///< dB, 0 when the difference does not count
 };
 
 /// The tone correction of a spectrum, with every step.
 struct ToneCorrection {
-  double correction = 0;  ///< the largest of all bands, dB
+  double correction = 0;  ///< the largest correction of all bands, dB
   std::int16_t band =
       0;  ///< the band that caused it, the lowest if several; 0 if the correction is 0
   std::int16_t lastBand = 0;   ///< the last band used; 18 when band 19 does not count

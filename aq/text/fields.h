@@ -129,7 +129,7 @@ class AQ_API FieldReader {
   bool raw_;
   bool done_ = false;  // the last field was taken
   std::size_t line_;
-  std::size_t number_ = 0;  // of the field taken last
+  std::size_t number_ = 0;  // number of the field taken last
   std::string scratch_;
 };
 

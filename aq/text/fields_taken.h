@@ -9,7 +9,7 @@ namespace aq {
 struct FieldsTaken {
   std::size_t count = 0;
   std::size_t length = 0;
-  bool last = false;  // the line ended with the last of them
+  bool last = false;  // whether the line ended with the last field taken
 };
 
 }  // namespace aq

@@ -28,7 +28,8 @@ AQ_DataMessage FileClass::failed(const std::string& name) {
     failure.file = name;
     lastFailure_ = std::move(failure);
   } catch (const std::bad_alloc&) {
-    lastFailure_ = {.file = {}, .expected = "more memory", .found = "none left"};  // needs none
+    lastFailure_ = {
+        .file = {}, .expected = "more memory", .found = "none left"};  // needs no memory
   }
   return AQ_DATA_FILE_ERROR;
 }

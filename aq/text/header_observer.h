@@ -17,8 +17,8 @@ struct HeaderLine {
 
   std::size_t number;  ///< from 1
   Use use;
-  std::string_view keyword;  ///< the one that belongs to this line; empty for the other uses
-  std::string_view text;     ///< unchanged
+  std::string_view keyword;  ///< the keyword that belongs to this line; empty for the other uses
+  std::string_view text;     ///< the line, unchanged
   std::string_view
       value;  ///< the part that is read of a line with a keyword, or of a parameter file's comment
   std::size_t fields = 0;  ///< how many fields of the value are read; 0 if it is read as a whole

@@ -65,7 +65,7 @@ void testArguments(const std::wstring& data) {
   check("late object", call(positions.pdispVal, L"Count").value.iVal == 3);
 
   IDispatch* earlyHeader = nullptr;
-  IDispatch* earlyPositions = header.pdispVal;  // which is given back
+  IDispatch* earlyPositions = header.pdispVal;  // the call releases and replaces it
   earlyPositions->AddRef();
   long earlyResult = 7;
   const auto early = call(reader.pdispVal, L"readFile",
