@@ -163,7 +163,7 @@ Extent extentOf(const AQ_MaskMap& map) {
   return number >= range.low && number <= range.high;
 }
 
-/// Puts levels as they are stored, but numbers of any type as doubles.
+/// Puts levels into a row as they are stored, but numbers of any type as doubles.
 void putLevels(const NewArray& array, std::size_t row, const Range& bands,
                const AQ_Spectrum& spectrum) {
   const auto codes = spectrum.levelCodes();

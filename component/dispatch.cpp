@@ -25,7 +25,7 @@ Shown& shown() {
   return *all;
 }
 
-/// As in Visual Basic, whose numbers hosts compare.
+/// The number of the error in Visual Basic, with which hosts compare.
 SCODE numberOf(ErrorCode code) {
   constexpr SCODE kFacility = static_cast<SCODE>(0x800A0000);
   switch (code) {

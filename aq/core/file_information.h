@@ -34,7 +34,7 @@ class AQ_API FileInformation {
 /// The service in use. Safe to call from any thread.
 [[nodiscard]] AQ_API std::shared_ptr<FileInformation> fileInformation();
 
-/// `CurrentDate` 0 and midnight as text: in a header, an unknown date.
+/// `CurrentDate` 0 and midnight as text; in a header it means that the date is unknown.
 inline constexpr std::string_view kNoDateTime = "12/30/1899,00:00:00";
 
 /// A service like the one in use, except that it keeps the dates that a header has for source

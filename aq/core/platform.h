@@ -64,9 +64,9 @@ AQ_API void appendToFile(const std::string& path, std::string_view bytes);
 /// The size of a large page, in bytes.
 inline constexpr std::size_t kLargePage = std::size_t{2} * 1024 * 1024;
 
-/// Asks for large pages for memory not used yet: the system provides it in a tenth of the time of
-/// small ones. `memory` and `size` are multiples of a large page. Does nothing where there are
-/// none.
+/// Asks for large pages for memory that is not used yet: the system provides them in a tenth of the
+/// time that small pages take. `memory` and `size` are multiples of a large page. Does nothing if
+/// the system has no large pages.
 AQ_API void preferLargePages(void* memory, std::size_t size);
 
 /// The names of the files in a folder, including links to files but no folders, in no particular

@@ -208,7 +208,7 @@ void Recording::placeX() {
   if (end == kHead) return;
   if (records.empty()) failRead(0, 0, "a record SDF_XDATA_HDR (type 16)", "none");
   const Record& record = records.front();
-  // Files store the x of a trace once per scan, or once for all.
+  // Files store the x of a trace once per scan, or once for all scans.
   axisOfScan_ = end <= record.size();
   if (!axisOfScan_) end = endOfX(false);
   if (end > record.size()) {

@@ -26,8 +26,8 @@ namespace aq {
 /// 0 to 23, and outer blanks are allowed. Throws `TypeMismatch` for any other text.
 [[nodiscard]] AQ_API double secondsOfDayFrom(std::string_view text);
 
-/// Appends `hh:mm:ss.sss`, rounding exact halves away from zero. Throws `InvalidValue` below 0 and
-/// where that rounds to 24 hours or more.
+/// Appends `hh:mm:ss.sss`, rounding exact halves away from zero. Throws `InvalidValue` for a time
+/// below 0 or one that rounds to 24 hours or more.
 AQ_API void appendMilliseconds(std::string& text, double secondsOfDay);
 
 /// A clock time in plain form: its seconds after midnight, those after the last colon in single

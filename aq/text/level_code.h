@@ -47,8 +47,8 @@ inline constexpr std::size_t kLevelColumns = 8;
 AQ_API void putInColumns(char* at, LevelCode code);
 
 /// Appends `level` as levels are written: two decimals, no zero before the point (.50, -.25),
-/// exact halves away from zero, no sign on what rounds to zero. Throws `InvalidValue` when not
-/// finite.
+/// exact halves away from zero, no sign on what rounds to zero. Throws `InvalidValue` for a level
+/// that is not finite.
 AQ_API void appendLevel(std::string& text, double level);
 
 // Append several levels, with "," between them.
