@@ -1,4 +1,4 @@
-# The tests that run under wine. Those that do not, and why:
+# The tests that run under wine. These do not run there:
 #   aq_fault_tests     the linker wraps each system call, and Windows has others
 #   aq_thread_tests    the compiler for Windows has no thread sanitizer
 #   consumer.*         scripts/windows builds a host against the folder that it makes instead
@@ -6,11 +6,11 @@
 #   house.*, reference.*   do not depend on the system
 #   Write.* and Platform.* of write_test.cpp   owners, permissions, umask, /proc, /dev: those of
 #                      write_windows_test.cpp replace them
-#   recordings in Formats.GoodSamplesHaveTheListedValues   their levels go through the system's own
-#                      logarithm: second.opinion compares them to 1e-9 dB
+#   recordings in Formats.GoodSamplesHaveTheListedValues   their levels are computed with the
+#                      system's logarithm; second.opinion compares them to 1e-9 dB
 #   Analyzer.RunsAnExternalConverterWithoutAShell   runs shell scripts; replaced by Platform.RunsPrograms
-# Python is named by its path: the target would be run by wine, which loses its output and status.
-# AQ_NATIVE is a build of this system with print_file and aqdata; without it nothing is compared.
+# Python is named by its path: wine would run the target, and lose its output and status.
+# AQ_NATIVE is a native build with print_file and aqdata; without one, nothing is compared.
 add_test(NAME library COMMAND aq_tests
   --gtest_filter=-Analyzer.RunsAnExternalConverterWithoutAShell)
 
@@ -28,7 +28,7 @@ add_test(NAME second.metrics
   COMMAND ${Python3_EXECUTABLE} ${second}/compare_metrics.py
     "${emulator} $<TARGET_FILE:print_metrics>" 300)
 
-set(AQ_NATIVE "" CACHE PATH "A build of this system, to compare with")
+set(AQ_NATIVE "" CACHE PATH "A native build to compare with")
 if(AQ_NATIVE)
   add_test(NAME second.same
     COMMAND ${Python3_EXECUTABLE} ${second}/compare.py "${emulator} $<TARGET_FILE:print_file>"

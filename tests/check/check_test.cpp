@@ -1,4 +1,4 @@
-// A clean sample with one change, and the findings of a check.
+// Changes one place of a clean sample and compares the findings of a check.
 #include <aq/check/check_file.h>
 #include <aq/check/same_levels.h>
 #include <aq/files/formats.h>
@@ -22,7 +22,7 @@ std::string replaced(std::string text, const std::string& from, const std::strin
   return at == text.npos ? text : text.replace(at, from.size(), to);
 }
 
-/// As in `24:3 level-range r5 b19`.
+/// A finding in short, such as `24:3 level-range r5 b19`.
 std::string shortForm(const Finding& finding) {
   std::string text = std::to_string(finding.place.line) + ':' +
                      std::to_string(finding.place.field) + ' ' + std::string(finding.kind.name);
@@ -111,7 +111,7 @@ const Change kChanges[] = {
     {kHistory, ",62.66,", ",6E1,", {"22:8 lost-digits"}},
     {kHistory, ",62.91,", ",2.91,", {"23:8 level-jump r2 b21"}},
     {kHistory, ",62.91,", ",162.91,", {"23:8 level-jump r2 b21"}},
-    {kHistory, ",62.91,", ",92.91,", {}},  // a bird
+    {kHistory, ",62.91,", ",92.91,", {}},  // a bird may cause such a jump
     {kMap, "FileName**,fly-over.mask.csv", "FileName**,other.csv", {"2:2 file-name"}},
     {kMap, "NumberOfRows**,60", "NumberOfRows**,61", {"4:2 record-count"}},
     {kMap, "2,M-,M-", "2,MX,M-", {"13:2 mask-letters r2 b17"}},
@@ -169,7 +169,7 @@ TEST(Check, OneChangeIsFoundWhereItWasMade) {
   EXPECT_EQ(lastOf(",B40/10kHz", ""), "expected 27 headings, found 26");
   EXPECT_EQ(lastOf("Name**,F", "Name**xF"), "in place of a comma \"x\" is not read");
   EXPECT_EQ(findingsIn(folder.file("none")), std::vector<std::string>{"0:0 unreadable"});
-  // A fault in every line is reported once, with a remedy for what a spreadsheet did.
+  // A fault that is in every line is reported once.
   using Found = std::vector<std::string>;
   const auto all = [&](std::string text, char from, const std::string& to) {
     for (std::size_t at = 0; (at = text.find(from, at)) != text.npos; at += to.size()) {
@@ -270,7 +270,7 @@ TEST(Check, PositionsAndGeometry) {
             (Found{"21:1 record-gap r3", "21:2 time-step r3"}));
 }
 
-/// With gaps between bands, a level is compared with those of its own band.
+/// If records lack different bands, a level is still compared with those of its own band.
 TEST(Check, GapsBetweenBandsAreNoJumps) {
   const test::Folder folder;
   std::string text = test::contentOf(test::kData / "fixed-column-history/good/landing.spc");
@@ -399,7 +399,7 @@ TEST(Check, AMapThatDoesNotFitItsHistory) {
   const std::string row = text.substr(text.find("\n60,") + 3);
   for (int record = 61; record <= 32767; ++record) many += std::to_string(record) + row;
   many += "0" + row;
-  EXPECT_EQ(misfits(many), Found{"0:0 unreadable"});  // one more than the interface can count
+  EXPECT_EQ(misfits(many), Found{"0:0 unreadable"});  // one row more than the interface can count
 }
 
 TEST(Check, KindsHaveUniqueNames) {

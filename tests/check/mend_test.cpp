@@ -24,7 +24,7 @@ std::string wide(const std::string& text, bool highFirst, const std::string& mar
   return bytes;
 }
 
-/// The plain text with the comment that a mend adds.
+/// `kPlain` with the comment line that a mend adds.
 std::string commented(const std::string& done) {
   return replaced(replaced(kPlain, "Lines\\*\\*,2", "Lines**,3"), "Rec#",
                   ("Mended from a.csv: " + done + "\nRec#").c_str());
@@ -56,8 +56,9 @@ TEST(Mend, UndoesWhatIsCertain) {
     EXPECT_EQ(mended.text, commented(done));
     EXPECT_TRUE(mended.left.empty()) << done;
   }
-  // A text that a spreadsheet quoted because of its semicolon; one that it would have quoted; a
-  // comment like the line that counts the comments; and a file that was cut short and still is.
+  // A field that a spreadsheet quoted because of its semicolon; a field that it would have quoted;
+  // a comment that looks like the line with the number of comments; a comment that ends with a
+  // comma; and a file that was cut short and stays so.
   const std::pair<std::string, const char*> words[] = {
       {replaced(semicolons, "Sun, sea", "\"Sun; \"\"sea\"\"\""), "ProjectName**,Sun; \"sea\"\n"},
       {replaced(semicolons, "Sun, sea", "Sun; sea"), "ProjectName**,Sun; sea\n"},
@@ -74,7 +75,7 @@ TEST(Mend, UndoesWhatIsCertain) {
   }
   EXPECT_EQ(mendText(kPlain, "a.csv", {"gzip"}).text, commented("gzip"));
   EXPECT_EQ(mendText(wide("FileType**,\xC3\xA9\n", false, "\xFF\xFE"), "x").text.size(), 16U);
-  const std::string wave("\xFF\xFE\x3D\xD8\x00\xDE\n\0", 8);  // a character of two halves
+  const std::string wave("\xFF\xFE\x3D\xD8\x00\xDE\n\0", 8);  // a surrogate pair
   EXPECT_EQ(mendText(wave, "x").text, "\xF0\x9F\x98\x80\n");
 }
 

@@ -1,4 +1,4 @@
-// A host program as users write it: every form of the interface once.
+// A host program as users write it, which uses each form of the interface once.
 #include <aq/aq.h>
 
 #include <cstdio>

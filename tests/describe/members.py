@@ -30,7 +30,7 @@ HELPERS = {
     "FileInformation.sourceDateTime",
     "AQ_DataINI.kTimingNotSet", "kTitle", "kBeginning",
 }  # fmt: skip
-met = set()  # of them
+met = set()  # the helpers that the headers declare
 KINDS = cindex.CursorKind
 CALLS = (KINDS.CXX_METHOD, KINDS.FUNCTION_TEMPLATE)
 CLASSES = (KINDS.CLASS_DECL, KINDS.STRUCT_DECL, KINDS.CLASS_TEMPLATE)
@@ -91,7 +91,7 @@ def declared(root, headers):
 
 
 def renamed(root):
-    """Members described under a name other than that of the pointer."""
+    """Members that are described under a name other than their own."""
     text = "".join(path.read_text() for path in sorted(root.glob("aq/describe/*.h")))
     pairs = re.findall(r'"(\w+)",\s*(?:static_cast<[^;]*?>\()?&?\w+::(\w+)\b', text)
     pairs += re.findall(r'\.member\("(\w+)", (?:\w+::)?(\w+),', text)
@@ -106,8 +106,8 @@ VAGUE = re.compile(r"\bthat of the (file|program|list|metric)\b|^(well|other|mis
 
 
 def senseless(senses):
-    """Members and parameters with a meaningless unit or text. A number without a unit does not
-    compile.
+    """Members and parameters with a meaningless unit or description. A number without a unit does
+    not compile.
     """
     for name, what in senses.items():
         unit, text = what.split("|", 1)

@@ -1,5 +1,5 @@
-"""Fails if the committed reference page differs from the one made from the description: PROGRAM
-PAGE.
+"""Fails if the committed reference page differs from the one that the program generates from the
+description: `PROGRAM PAGE`.
 """
 
 import difflib

@@ -20,7 +20,7 @@ Numbers walked(const Series& series, const Check& check) {
   return numbers;
 }
 
-/// Stores objects under the numbers, in this order, and walks.
+/// Stores objects under the numbers, in this order; returns the numbers that a walk visits.
 template <class Series, class Object, class Number>
 Numbers stored(void (Series::*put)(Number, std::shared_ptr<Object>),
                std::shared_ptr<Object> (Series::*get)(Number) const, const Numbers& numbers) {
@@ -111,7 +111,7 @@ TEST(Walk, MaskRowGivesMasksAndMakesNone) {
   row.store(33, adjusted);
   row.Mask(31, nullptr);  // counts as a default mask
   row.Mask(29, std::make_shared<AQ_Mask>());
-  row.Mask(29, std::make_shared<AQ_Mask>());  // only removes it
+  row.Mask(29, std::make_shared<AQ_Mask>());  // storing a second mask only removes the first
   EXPECT_EQ(letters(), "30A- 31-- 33-S ");
   EXPECT_FALSE(row.contains(29));
   EXPECT_FALSE(row.contains(32));

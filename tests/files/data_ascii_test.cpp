@@ -67,13 +67,13 @@ TEST(DataASCII, DividesLines) {
       {",", false, "a|b", {"a|b"}},
       {",", true, "\"x, y\",2", {"x, y", "2"}},
       {",", true, "1,\"x,y\",\"p,q\"", {"1", "x,y", "p,q"}},
-      {",", true, "1,\"x,y", {"1", "x", "y"}},      // never closed
+      {",", true, "1,\"x,y", {"1", "x", "y"}},      // a quote that is never closed
       {",", true, "a\"b,c\",d", {"ab", "c", "d"}},  // a quote inside a field opens nothing
       {",", true, "\"\",\"a\"\"b,\"", {"", "ab,"}},
       {",", true, "a|b", {"a,b"}},
       {",", true, "\"", {""}},
       {"**", false, "Bands**,17, 40**x", {"Bands", ",17, 40", "x"}},
-      {"**", false, "a*\"*b", {"a**b"}},  // divided before quotes are removed
+      {"**", false, "a*\"*b", {"a**b"}},  // fields are divided before quotes are removed
       {" ", false, "  a   b  ", {"a", "b"}},
       {" ", false, "   ", {}},
       {" ", true, "\"a b\"", {"\"a", "b\""}},

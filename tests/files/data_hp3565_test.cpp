@@ -1,5 +1,5 @@
-// Analyzer recordings, apart from what the second reader compares: folders, texts of other programs
-// and the external converter.
+// Analyzer recordings, apart from what the second reader compares: folders, text files from other
+// programs, and the external converter.
 #include <aq/aq.h>
 #include <aq/sdf/layout.h>
 #include <gtest/gtest.h>
@@ -53,7 +53,7 @@ TEST(Analyzer, ListsAFolder) {
     static_cast<void>(folder.with(name, "x"));
   }
   fs::create_directory(folder.file("folder.dat"));
-  std::error_code none;  // some systems have no links
+  std::error_code none;  // some systems have no symbolic links
   fs::create_symlink(folder.file("A.dat"), folder.file("link.DAT"), none);
   fs::create_symlink(folder.file("gone"), folder.file("dangling.DAT"), none);
   AQ_DataHP3565 file;
@@ -134,7 +134,7 @@ std::string levelsOf(const Read& read) {
   return text;
 }
 
-/// Values are in Pa^2, of which 4e-10 is 0 dB.
+/// Values are in Pa^2; 4e-10 Pa^2 is 0 dB.
 TEST(Analyzer, ReadsTextsOfOtherPrograms) {
   const test::Folder folder;
   const std::string path = folder.file("a.txt");
@@ -145,11 +145,11 @@ TEST(Analyzer, ReadsTextsOfOtherPrograms) {
     std::string levels;
   } kCases[] = {
       {"4e-10\n4e-9\n4e-8\n4e-7\n", 1, all},
-      {"4e-10\n4e-9\n4e-8\n4e-7\n", 2, all},  // of the row that was printed
+      {"4e-10\n4e-9\n4e-8\n4e-7\n", 2, all},  // only the row of the channel was printed
       {"4e-10 4e-9 4e-8\n4e-7\n", 1, all},
       {"100 4e-10\n125 4e-9\n160 4e-8\n200 4e-7\n", 1, all},
-      {"1\n1\n1\n1\n----\n4e-10\n4e-9\n4e-8\n4e-7\n", 2, all},  // of both
-      {"4e-10\n4e-9\n", 1, "21 0 22 10 "},                      // without aliases
+      {"1\n1\n1\n1\n----\n4e-10\n4e-9\n4e-8\n4e-7\n", 2, all},  // both rows were printed
+      {"4e-10\n4e-9\n", 1, "21 0 22 10 "},  // points with aliases were not printed
       {"SDF_YDATA_HDR\ndata 0\nvector: 1\nscan 0\n4e-10\n4e-9\n4e-8\n4e-7\n", 2, all},
       {"4e-10\n4e-9\n4e-8\n4e-7\n1\n", 1, ", line 42: expected values of 4 points, found 5 values"},
       {"4e-10\n", 1, ", line 38: expected values of 4 points, found 1 values"},
@@ -211,7 +211,7 @@ TEST(Analyzer, RunsAnExternalConverterWithoutAShell) {
   EXPECT_EQ(run(converter("kill -9 $$")), "a program that ends with status 0, signal 9");
   EXPECT_EQ(run(converter("")), "text from \"" + folder.file("convert it") + "\", none");
   EXPECT_EQ(run(folder.file("none")), "a program that can be run, No such file or directory");
-  EXPECT_EQ(test::contentOf(text), recording + " /D:2 /R:2\n");  // as the first one left it
+  EXPECT_EQ(test::contentOf(text), recording + " /D:2 /R:2\n");  // as the first run left it
 }
 
 TEST(Analyzer, SettingsAreCheckedAndUsed) {

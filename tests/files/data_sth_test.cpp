@@ -64,7 +64,7 @@ TEST(DataSTH, WhatAFileDoesNotHold) {
 }
 
 TEST(DataSTH, AFileClassWithItsOwnInformationKeepsTheDateOfTheSource) {
-  const test::FixedInformation fixed;  // gives 2004
+  const test::FixedInformation fixed;  // its dates are in 2004
   const test::Folder folder;
   Read read(kGood);
   const auto dateWith = [&](std::shared_ptr<FileInformation> information, const char* source) {
@@ -225,7 +225,7 @@ TEST(DataSTH, BandsBelowTheRangesStartAreNotWrittenShort) {
   ASSERT_EQ(read.result, AQ_DATA_OK);
   EXPECT_ERROR(read.file.writeFile(folder.file("out"), read.header, *read.history),
                InvalidArgument);
-  lines[13] = "Bands**,19,17";  // no band at all
+  lines[13] = "Bands**,19,17";  // an empty range of bands
   const Read none(folder.with("in", test::textOf(lines)));
   EXPECT_EQ(none.history->spectrum(none.history->LoRec())->HighBand(), -1);
 }

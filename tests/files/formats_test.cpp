@@ -1,5 +1,5 @@
-// Tests for every format: a good sample gives the listed values and survives reading and writing
-// byte by byte, and a bad one fails with the message that its folder lists.
+// Tests for every format: a good sample has the listed values and is written back byte for byte,
+// and a bad one fails with the message that its folder lists.
 #include "tests/support/formats.h"
 
 #include <aq/aq.h>
@@ -38,7 +38,7 @@ TEST(Formats, GoodSamplesComeBackByteByByte) {
 /// The `.values` file of a good sample lists everything that is read from it.
 TEST(Formats, GoodSamplesHaveTheListedValues) {
   forSamples("good", [](const std::string& name, std::filesystem::path sample) {
-#ifdef _WIN32  // levels of recordings go through the system's own logarithm
+#ifdef _WIN32  // levels of recordings are computed with the system's logarithm
     if (name == "analyzer-recording") return;
 #endif
     const std::string found = test::valuesOf(kFormats.at(name).code, sample.string());
@@ -46,8 +46,8 @@ TEST(Formats, GoodSamplesHaveTheListedValues) {
   });
 }
 
-/// A line of `failures.txt` is the message without its folder, then in brackets what the read
-/// returned.
+/// Each line of `failures.txt` has the message without the folder, and in brackets what the failed
+/// read returned.
 TEST(Formats, BadSamplesFailAsListed) {
   std::map<std::string, std::vector<std::string>> found;
   forSamples("bad", [&](const std::string& name, const std::filesystem::path& sample) {
@@ -65,7 +65,7 @@ TEST(Formats, BadSamplesFailAsListed) {
   }
 }
 
-/// A measured landing, from the folder that AQ_FIELD_DATA names.
+/// Tests with a measured landing in the folder that AQ_FIELD_DATA names.
 class FieldData : public testing::Test {
  protected:
   void SetUp() override {

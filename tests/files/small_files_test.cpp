@@ -16,7 +16,7 @@ using test::contentOf;
 const std::string kSSR = (test::kData / "spectrum-record/good/three-bands.csv").string();
 const std::string kINI = (test::kData / "variable-initialization/good/all-parameters.csv").string();
 
-/// An object that is created on first access and then kept, unless the caller sets one.
+/// Expects an object that is created on first access and then kept, unless the caller sets another.
 template <class Owner, class Object>
 void expectShared(std::shared_ptr<Object> (Owner::*get)(),
                   void (Owner::*set)(std::shared_ptr<Object>)) {
@@ -112,15 +112,15 @@ TEST(DataINI, KeywordsComeInAnyCaseAndOrder) {
   ASSERT_EQ(parameters.readFile(path), AQ_DATA_OK);
   EXPECT_EQ(parameters.HiRec(), 9);
   EXPECT_EQ(parameters.CalAdj(), 2.5F);
-  EXPECT_EQ(parameters.LoRec(), 1);          // that line was a comment
+  EXPECT_EQ(parameters.LoRec(), 1);          // the line with LoRec is a comment
   EXPECT_EQ(parameters.NuAvg(), AQ_NA);      // not in the file
-  EXPECT_EQ(parameters.NuTimg(), AQ_START);  // an unknown text
+  EXPECT_EQ(parameters.NuTimg(), AQ_START);  // `end` in lower case is an unknown word
   EXPECT_EQ(parameters.FileName(), "all-parameters.csv");
-  ASSERT_EQ(parameters.Comments()->Count(), 3);  // added to the existing one
+  ASSERT_EQ(parameters.Comments()->Count(), 3);  // two follow the existing comment
   EXPECT_EQ(parameters.Comments()->Item(2), "a");
   EXPECT_EQ(parameters.Comments()->Item(3), "LoRec**");
   EXPECT_EQ(parameters.readFile(folder.file("none")), AQ_DATA_FILE_ERROR);
-  EXPECT_EQ(parameters.NuTimg(), AQ_START);  // nothing changes
+  EXPECT_EQ(parameters.NuTimg(), AQ_START);  // a failed read changes nothing
 }
 
 TEST(FileKind, ByTitleOrByShape) {
@@ -147,7 +147,7 @@ TEST(FileKind, ByTitleOrByShape) {
       {"x**, \"Masking Map\"", FileKind::MaskingMap},
       {header, FileKind::Unknown},
       {header + "10:00:00,0,,,,,,,1,2,3", FileKind::Tracking},
-      {"\n\n\n\n\n10:00:00,0,,,,,,,1,2,3\n", FileKind::Unknown},  // in the header
+      {"\n\n\n\n\n10:00:00,0,,,,,,,1,2,3\n", FileKind::Unknown},  // line 6 is still in the header
       {header + std::string(9, '\n') + "10:00:00,0,,,,,,,1,2,3", FileKind::Tracking},
       {header + std::string(10, '\n') + "10:00:00,0,,,,,,,1,2,3", FileKind::Unknown},
       {header + "10:00:00,0,,,,,,,1,2", FileKind::Unknown},

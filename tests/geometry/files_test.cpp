@@ -61,7 +61,7 @@ TEST(DataPTH, DataLinesAreCountedWithSixteenBits) {
   EXPECT_EQ(none.model->Count(), 0);
   lines.resize(12);
   EXPECT_EQ(ReadPTH(folder.with("in", test::textOf(lines))).result,
-            AQ_DATA_OK);  // titles are ignored
+            AQ_DATA_OK);  // the line of column titles may be missing
   lines.resize(13 + 32767, "10:00:00,1,2,3");
   const ReadPTH most(folder.with("in", test::textOf(lines)));
   ASSERT_EQ(most.result, AQ_DATA_OK);
@@ -94,7 +94,7 @@ TEST(DataTSPI, DropsPoorPositions) {
   }
   file.readFile("no such file", history, result);
   EXPECT_EQ(result, AQ_DATA_FILE_ERROR);
-  EXPECT_EQ(file.nBadPositions(), 3);  // of the previous read
+  EXPECT_EQ(file.nBadPositions(), 3);  // the count of the previous read
 }
 
 TEST(DataTSPI, LinesAreCountedWithSixteenBits) {

@@ -26,7 +26,7 @@ std::shared_ptr<AQ_Position> position(double seconds, double x = 0) {
   return made;
 }
 
-/// The documented search, index by index.
+/// The documented search, as a plain loop over the indices.
 std::shared_ptr<AQ_Position> describedSearch(const AQ_PositionTimeHistory& history, double t) {
   const auto time = [&](std::int32_t place) {
     return history.Position(place)->Time()->TODseconds();

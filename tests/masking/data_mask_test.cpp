@@ -26,7 +26,7 @@ TEST(DataMask, LinesAreCountedAfresh) {
   ASSERT_EQ(read.result, AQ_DATA_OK);
   AQ_HeaderMask& header = *read.header;
   const test::Folder folder;
-  header.lNumberRows = header.nCommentLines = 7;  // counted afresh
+  header.lNumberRows = header.nCommentLines = 7;  // wrong counts, which are not written
   EXPECT_EQ(read.file.writeFile(folder.file("out"), read.header, *read.map), AQ_DATA_OK);
   EXPECT_EQ(Read(folder.file("out")).header->nCommentLines, 1);
   EXPECT_EQ(header.nCommentLines, 7);
@@ -62,7 +62,7 @@ TEST(DataMask, BandsInAGapAreNotMasked) {
   const test::Folder folder;
   Read read(kGood);
   for (const std::int16_t row : {std::int16_t{1}, std::int16_t{2}}) {
-    read.map->Row(row)->store(30, AQ_Mask());  // the file ends at 19
+    read.map->Row(row)->store(30, AQ_Mask());  // the file's highest band is 19
   }
   ASSERT_EQ(read.file.writeFile(folder.file("out"), read.header, *read.map), AQ_DATA_OK);
   const Read again(folder.file("out"));
@@ -81,7 +81,7 @@ TEST(DataMask, WhatCannotBeWrittenThrows) {
   map.Row(1, std::make_shared<AQ_MaskRow>());
   EXPECT_ERROR(file.writeFile(folder.file("out"), header, map), InvalidArgument);  // no band
   map.Row(1)->Mask(1);
-  EXPECT_ERROR(file.writeFile(folder.file("out"), header, map), InvalidArgument);  // no label
+  EXPECT_ERROR(file.writeFile(folder.file("out"), header, map), InvalidArgument);  // no band label
   map.Row(1, std::make_shared<AQ_MaskRow>());
   map.Row(1)->Mask(50);
   map.Row(3, map.Row(1));

@@ -31,7 +31,7 @@ TEST(Mask, Letters) {
   EXPECT_EQ(mask.Copy()->MaskString(), "");
 }
 
-/// One column with a wrong letter or without its comma, at every position among others.
+/// Puts a column with a wrong letter or without its comma at every place among valid columns.
 TEST(MaskCode, ColumnsAreTakenUpToTheFirstOfAnotherForm) {
   for (const char* wrong : {"xS,", "Mx,", "MS;", "\xFF\xFF,", ",,,"}) {
     for (std::size_t count = 0; count < 10; ++count) {
@@ -60,10 +60,10 @@ TEST(MaskRow, FetchingMakesAMaskAndStoringTwiceRemovesIt) {
   mask->MaskString("MS");
   row.Mask(20, mask);
   EXPECT_EQ(row.Mask(20), mask);
-  row.Mask(20, mask->Copy());  // only removes
+  row.Mask(20, mask->Copy());  // storing a second mask only removes the first
   EXPECT_EQ(row.Mask(20)->MaskString(), "--");
   row.Mask(17, mask);
-  row.Mask(17, mask);  // was removed, so this one stores
+  row.Mask(17, mask);  // the first call removed the mask, so this one stores it
   EXPECT_EQ(row.Mask(17), mask);
 }
 

@@ -60,7 +60,7 @@ TEST(EmissionGeometry, SpeedOfSound) {
 }
 
 TEST(EmissionGeometry, SoundArrivesWhenTheRecordIsTaken) {
-  // Past the microphone at 100 m/s and 300 m above it, in pieces that do not end on a record.
+  // Flies past the microphone at 100 m/s, 300 m above it; no segment ends at the time of a record.
   const std::vector<Fix> flight{
       {100, -1000, 0, 300}, {103.3, -670, 0, 300}, {104, -600, 0, 300}, {120, 1000, 0, 300}};
   auto records = recordsAt({102.5, 105, 110, 115, 120}, 45000);
@@ -97,15 +97,15 @@ TEST(EmissionGeometry, Angles) {
     double theta, beta;
   };
   const std::vector<Case> cases{
-      {{0, 0, 0, 100}, {10, 0.001, 0, 100}, at(0, 100, 0), 90, 45},  // to the left of +x
+      {{0, 0, 0, 100}, {10, 0.001, 0, 100}, at(0, 100, 0), 90, 45},  // microphone left of +x
       {{0, 0, 0, 100}, {10, 0.001, 0, 100}, at(0, -100, 0), 90, -45},
-      {{0, 0, 0, 100}, {10, 0, 0.001, 100}, at(100, 0, 0), 90, -45},  // to the right of +y
+      {{0, 0, 0, 100}, {10, 0, 0.001, 100}, at(100, 0, 0), 90, -45},  // microphone right of +y
       {{0, 0, 0, 100}, {10, -0.001, 0, 100}, at(0, 100, 0), 90, -45},
-      {{0, 0, 0, 100}, {10, 0.001, 0, 100}, at(0, 100, 200), 90, 135},  // above
-      {{0, 0, 0, 100}, {10, 0.001, 0, 100}, at(100, 0, 100), 0, 0},     // ahead
+      {{0, 0, 0, 100}, {10, 0.001, 0, 100}, at(0, 100, 200), 90, 135},  // microphone above
+      {{0, 0, 0, 100}, {10, 0.001, 0, 100}, at(100, 0, 100), 0, 0},     // microphone ahead
       {{0, 0, 0, 100}, {10, 0.001, 0, 100}, at(-100, 0, 100), 180, 0},
       {{0, 0, 0, 100}, {10, 0, 0, 100.001}, at(100, 50, 100), 90, 0},  // climbs straight up
-      // Climbs at 45 degrees past a microphone to the side: below is then half ahead.
+      // Climbs at 45 degrees past a microphone to the side, which is below and so partly behind.
       {{0, 0, 0, 100},
        {10, 0.001, 0, 100.001},
        at(0, 100, 0),

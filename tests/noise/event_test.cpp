@@ -17,7 +17,7 @@ NoiseEvent eventOf(const std::vector<double>& pnlt, const std::vector<double>& s
   return noiseEvent(pnlt, seconds, corrections);
 }
 
-/// EPNL of these PNLT, half a second each.
+/// The EPNL of these PNLT values, each lasting half a second.
 double epnlOf(const std::vector<double>& pnlt) {
   double sum = 0;
   for (const double level : pnlt) sum += std::pow(10, level / 10) * 0.5;
@@ -31,12 +31,12 @@ TEST(NoiseEvent, LimitsAreTheNearerRecords) {
     Place first, last;
   };
   const std::vector<Case> cases{
-      {{80, 86, 90, 96, 90, 86, 80}, 3, 1, 5},          // just at the limit
-      {{80, 84, 87, 96, 96, 87.1, 84.7, 80}, 3, 2, 5},  // nearer inside
-      {{80, 85, 88, 96, 88, 85, 80}, 3, 1, 5},          // nearer outside
+      {{80, 86, 90, 96, 90, 86, 80}, 3, 1, 5},          // records exactly at the limit
+      {{80, 84, 87, 96, 96, 87.1, 84.7, 80}, 3, 2, 5},  // the record inside the limit is nearer
+      {{80, 85, 88, 96, 88, 85, 80}, 3, 1, 5},          // the record outside is nearer
       {{80, 84.7, 87.3, 96, 87.3, 84.7, 80}, 3, 1, 5},  // both equally near
-      {{80, 90, 80, 96, 80, 90, 80}, 3, 1, 5},          // dips stay in
-      {{80, 86, 80, 96, 80, 86, 80}, 3, 2, 5},          // rises above; stays below
+      {{80, 90, 80, 96, 80, 90, 80}, 3, 1, 5},  // a dip below the limit does not end the interval
+      {{80, 86, 80, 96, 80, 86, 80}, 3, 2, 5},  // 86 is at the limit, neither above nor below it
       {{90, 96, 86}, 1, {}, 2},
       {{86, 96, 90}, 1, 0, {}},
       {{96}, 0, {}, {}},
@@ -85,7 +85,7 @@ TEST(NoiseEvent, SecondPeaks) {
   EXPECT_EQ(eventOf({80, 93.9, 80, 96, 80}).secondPeaks, Peaks());  // more than 2 dB down
   EXPECT_EQ(eventOf({80, 95, 94.95, 96, 90, 95, 95, 80}).secondPeaks, Peaks());  // too flat
   EXPECT_EQ(eventOf({95, 90, 96, 90, 95}).secondPeaks,
-            Peaks());  // at an end, one neighbour is missing
+            Peaks());  // the first and the last record have only one neighbour
   EXPECT_EQ(eventOf({80, 96, kNone, 95, kNone, 80}).secondPeaks, Peaks{3});
   EXPECT_EQ(eventOf({80, 95, 94.9, 96.99, 80}).secondPeaks, Peaks{1});
 }

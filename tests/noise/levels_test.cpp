@@ -18,7 +18,8 @@ using test::spectrumOf;
 
 double square(double x) { return x * x; }
 
-// Annex E of IEC 61672-1, from the corner frequencies that it names, relative to 1 kHz.
+// The C-weighting of IEC 61672-1, Annex E, computed from its corner frequencies; low and high are
+// squares of frequencies.
 double curveC(double f) {
   const double low = 1000;
   const double high = std::pow(10, 7.8);
@@ -131,7 +132,7 @@ TEST(PerceivedNoise, PiecesMeet) {
 
 TEST(PerceivedNoise, SumsNoys) {
   const auto masked = rowOf(30, {"--", "A-", "AC"});
-  const std::vector<Variant> levels{40.0, 50.0, 48.0};  // 1, and 2^(12/10) noys in the last two
+  const std::vector<Variant> levels{40.0, 50.0, 48.0};  // 1 noy in band 30
   const double first = std::pow(10, 0.030103 * 10);
   const double high = std::pow(10, 0.030103 * 12);
   const double higher = std::pow(10, 0.02996 * 14);

@@ -18,7 +18,7 @@ namespace {
 using test::rowOf;
 using test::spectrumOf;
 
-/// Bands 17 to 40 at the same level, with a tone at 2.5 kHz.
+/// A spectrum with bands 17 to 40 at the same level, and a tone at 2.5 kHz.
 std::shared_ptr<AQ_Spectrum> recordAt(double seconds, double level) {
   AQ_Spectrum spectrum;
   for (std::int16_t band = 17; band <= 40; ++band) spectrum.SPL(band, level + (band == 34 ? 9 : 0));
@@ -27,7 +27,7 @@ std::shared_ptr<AQ_Spectrum> recordAt(double seconds, double level) {
   return record;
 }
 
-/// Records numbered from `first`, half a second each.
+/// A history of half-second records, numbered from `first`.
 AQ_SpectralTimeHistory historyOf(std::int16_t first, double seconds,
                                  const std::vector<double>& levels) {
   AQ_SpectralTimeHistory history;
@@ -158,7 +158,7 @@ TEST(SetMetrics, MasksByRecordNumberAndLeavesTheMapUnchanged) {
   EXPECT_EQ(map.Row(2)->LowBand(), 34);
   EXPECT_FALSE(map.contains(1));
   EXPECT_EQ(map.Row(3)->LGB(), 0);
-  setMetrics(history);  // without a map, the last good band stays
+  setMetrics(history);  // without a map, the last good band stays as it is
   EXPECT_EQ(history.spectrum(4)->Metric()->LGB(), 9999);
   EXPECT_EQ(history.spectrum(2)->Metric()->TONEBND(), 34);
 }
@@ -193,14 +193,14 @@ TEST(SetMetrics, TimeBetweenStampsCounts) {
   const auto usual = historyOf(1, 3600, kFlyOver);
   EXPECT_NEAR(epnl(historyOf(1, 86399, kFlyOver)), epnl(usual), 1e-12);
 
-  AQ_SpectralTimeHistory slow;  // numbered from the last stored to the first
+  AQ_SpectralTimeHistory slow;  // records are stored in descending order
   for (std::int16_t record = 7; record >= 1; --record) {
     slow.spectrum(record, recordAt(record * 2.0, kFlyOver[static_cast<std::size_t>(record - 1)]));
   }
   EXPECT_NEAR(epnl(slow), epnl(usual) + 10 * std::log10(4), 1e-9);
 
-  AQ_SpectralTimeHistory
-      gap;  // record 3 is missing, so record 2 lasts a second, and so does the last one
+  // Record 3 is missing, so record 2 lasts a second, and the last record just as long.
+  AQ_SpectralTimeHistory gap;
   gap.spectrum(1, recordAt(0, 40));
   gap.spectrum(2, recordAt(0.5, 60));
   gap.spectrum(4, recordAt(1.5, 60));
@@ -231,7 +231,7 @@ TEST(SetMetrics, AFailureLeavesTheHistoryAsItWas) {
   EXPECT_TRUE(unchanged(loud, 1));
 
   auto wide = historyOf(1, 10, {60, 61});
-  wide.spectrum(2)->SPL(50, 1e300);  // a level beyond single precision
+  wide.spectrum(2)->SPL(50, 1e300);  // too large for single precision
   EXPECT_ERROR(setMetrics(wide), Overflow);
   EXPECT_EQ(wide.spectrum(1)->Metric()->PNL(), 0);
 
@@ -243,7 +243,7 @@ TEST(SetMetrics, AFailureLeavesTheHistoryAsItWas) {
 
 TEST(AuditMetrics, ListsStoredMetricsThatDiffer) {
   auto history = historyOf(1, 3600, kFlyOver);
-  EXPECT_TRUE(auditMetrics(history, nullptr, 0).empty());  // has no stored metrics
+  EXPECT_TRUE(auditMetrics(history, nullptr, 0).empty());  // no metrics are stored yet
   EXPECT_FALSE(history.spectrum(1)->hasMetric());
   AQ_MaskMap map;
   map.Row(3, std::make_shared<AQ_MaskRow>(rowOf(30, {"M-"})));
@@ -273,8 +273,8 @@ TEST(AuditMetrics, ListsStoredMetricsThatDiffer) {
   AQ_SpectralTimeHistory silent;
   silent.spectrum(1, std::make_shared<AQ_Spectrum>(spectrumOf(30, {9999.0})));
   silent.spectrum(1)->Metric()->PNL(80);
-  silent.spectrum(1)->Metric()->PNLT(0);  // as copies have it
-  silent.spectrum(1)->Metric()->LGB(31);  // no map, nothing to compare with
+  silent.spectrum(1)->Metric()->PNLT(0);  // a copy has 0 for a missing metric
+  silent.spectrum(1)->Metric()->LGB(31);  // without a map, there is nothing to compare it with
   const auto made = auditMetrics(silent, nullptr, 0);
   ASSERT_EQ(made.size(), 1U);
   EXPECT_TRUE(std::isnan(made[0].computed));

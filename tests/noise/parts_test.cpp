@@ -12,7 +12,7 @@
 namespace aq {
 namespace {
 
-/// Records from number `low` on that rise and fall by a decibel each, the loudest in the middle.
+/// A history whose levels rise and then fall by about a decibel per record; numbered from `low`.
 std::shared_ptr<AQ_SpectralTimeHistory> flyOver(double start, std::int16_t low = 1,
                                                 std::int16_t count = 61) {
   auto history = std::make_shared<AQ_SpectralTimeHistory>();

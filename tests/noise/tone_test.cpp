@@ -15,7 +15,7 @@ std::vector<Variant> variants(const std::vector<double>& levels) {
   return {levels.begin(), levels.end()};
 }
 
-// The turbofan of the Environmental Technical Manual, table 3-7, 80 Hz to 10 kHz.
+// The turbofan spectrum in the Environmental Technical Manual, table 3-7, 80 Hz to 10 kHz.
 const std::vector<double> kTurbofan{70, 62, 70, 80, 82, 83, 76, 80, 80, 79, 78,
                                     80, 78, 76, 79, 85, 79, 78, 71, 60, 54, 45};
 
@@ -27,7 +27,7 @@ TEST(ToneCorrection, WorkedExampleStepByStep) {
   const std::vector<double> adjusted{70, 62, 71, 80, 82, 79, 76, 78, 80, 79, 78,
                                      80, 78, 76, 79, 79, 79, 78, 71, 60, 54, 45};
   const std::vector<double> thirds{
-      // of the background, in addition to whole decibels
+      // the background levels
       70, 67 + 2.0 / 3, 71,           77 + 2.0 / 3, 80 + 1.0 / 3, 79,           77 + 2.0 / 3,
       78, 79,           79,           79,           78 + 2.0 / 3, 78,           77 + 2.0 / 3,
       78, 79,           78 + 2.0 / 3, 76,           69 + 2.0 / 3, 61 + 2.0 / 3, 53,
@@ -74,7 +74,7 @@ TEST(ToneCorrection, LastBand) {
   EXPECT_EQ(masked.lastBand, 35);
   EXPECT_EQ(masked.rows.back().band, 35);
   EXPECT_EQ(masked.rows.back().meanSlope, std::nullopt);
-  // 3.15 kHz ends the spectrum, so its slope of 0 continues: 78, 79, 79 and background 79.
+  // The spectrum ends at 3.15 kHz, so the slope of 0 there continues, and the background is 79.
   EXPECT_NEAR(*masked.rows.back().background, 79, 1e-12);
   EXPECT_NEAR(masked.correction, 2, 1e-12);
 
@@ -97,7 +97,7 @@ TEST(ToneCorrection, AMarkedLastLevelContinuesTheSlopeBeforeIt) {
 }
 
 TEST(ToneCorrection, FromDifference) {
-  // A tone of n dB on a flat spectrum is n dB above its background, up to 500 dB.
+  // A level that is n dB above a flat spectrum is n dB above its background.
   const auto toneOf = [](std::size_t at, double height) {
     std::vector<double> levels(22, 60);
     levels[at] += height;
@@ -111,7 +111,7 @@ TEST(ToneCorrection, FromDifference) {
       EXPECT_NEAR(toneOf(at, height).correction, twice * correction, 1e-9) << height;
       EXPECT_EQ(toneOf(at, height).band, 19 + static_cast<int>(at));
     }
-    // Two of the three slopes around a level that is not removed include it.
+    // A level that is not removed is part of two of the three slopes that are averaged.
     EXPECT_NEAR(toneOf(at, 2.4).correction, twice * (1.6 / 3 - 0.5), 1e-9);
     EXPECT_EQ(toneOf(at, 2).correction, 0);
     EXPECT_EQ(toneOf(at, 2).band, 0);

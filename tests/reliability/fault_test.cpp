@@ -1,5 +1,5 @@
-// Makes every system call and allocation fail once, in every format: the outcome must be a clean
-// error or the right result, the old file or the new one, no temporary file and no open file.
+// Makes every system call and allocation fail once, in every format. Each run must end with a clean
+// error or the right result, and leave the old file or the new one, but no temporary or open file.
 #include <aq/aq.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -73,8 +73,8 @@ long strikeAll(Fault fault, const std::string& expected, const Work& work,
   }
 }
 
-/// The same in a child process that is killed at the call; `isWhole` says whether content may
-/// remain.
+/// Like `strikeAll`, but runs `work` in a child process that is killed at the call. `isWhole` says
+/// whether the content that is left is allowed.
 template <class Work, class IsWhole>
 long killAll(const Work& work, const IsWhole& isWhole, const std::string& name = "target.csv") {
   for (long nth = 1;; ++nth) {
@@ -157,7 +157,7 @@ TEST(Faults, BytesReachTheDiskBeforeTheName) {
     test::disarm();
     return test::callsMade();
   };
-  // Tests only the order of these calls that is promised.
+  // Keeps only the calls whose order is promised.
   const auto orderOf = [&](auto&& work) {
     std::istringstream calls(callsOf(work));
     std::string order;
@@ -170,7 +170,7 @@ TEST(Faults, BytesReachTheDiskBeforeTheName) {
   };
   EXPECT_EQ(orderOf([&] { return text.writeLines(path); }), "write fsync rename fsync ");
   EXPECT_EQ(orderOf([&] { return text.appendLines(path); }), "flock write fsync ");
-  // A new file's name needs its folder on the disk too.
+  // For a new file, the folder must reach the disk too, since it has the name.
   const std::string calls = callsOf([&] { return text.appendLines(folder.file("new")); });
   EXPECT_TRUE(calls.ends_with("fsync close close ")) << calls;
 }

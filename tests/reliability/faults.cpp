@@ -92,7 +92,7 @@ void operator delete[](void* memory) noexcept { aq::test::release(memory); }
 void operator delete(void* memory, std::size_t) noexcept { aq::test::release(memory); }
 void operator delete[](void* memory, std::size_t) noexcept { aq::test::release(memory); }
 
-// The linker redirects the calls here (--wrap); the real ones have a second name.
+// The linker redirects the calls here (--wrap); the real functions have the prefix __real_.
 #define AQ_WRAPPED(Result, call, parameters)  \
   extern "C" Result __real_##call parameters; \
   extern "C" Result __wrap_##call parameters
@@ -115,7 +115,7 @@ AQ_WRAP(int, fchown, EPERM, false, (int handle, uid_t owner, gid_t group), (hand
 AQ_WRAP(ssize_t, readlink, EIO, false, (const char* path, char* text, size_t size),
         (path, text, size))
 AQ_WRAP(int, rename, EIO, false, (const char* from, const char* to), (from, to))
-// Calls after a failure do not fail, but a process may end at them.
+// These calls follow a failure, so they do not fail themselves, but a process may end at them.
 AQ_WRAP(int, ftruncate, EIO, true, (int handle, off_t size), (handle, size))
 AQ_WRAP(int, unlink, EIO, false, (const char* path), (path))
 
@@ -124,7 +124,7 @@ AQ_WRAPPED(int, close, (int handle)) {
   const int result = __real_close(handle);  // closed in any case
   return strikes ? aq::test::refusal(EIO) : result;
 }
-/// A full disk writes a part first.
+/// Writes a part of the bytes at a time, as when a disk fills up.
 AQ_WRAPPED(ssize_t, write, (int handle, const void* bytes, size_t size)) {
   if (aq::test::strikes("write")) return aq::test::refusal(ENOSPC);
   return __real_write(handle, bytes, std::max<size_t>(size / 2, 1));

@@ -7,21 +7,21 @@
 namespace aq::test {
 
 enum class Fault {
-  Refusal,       // the call fails, memory runs out
-  Interruption,  // the call must be repeated; not for memory
-  Kill,          // the process ends at the call; not for memory
+  Refusal,       // the call fails, or memory runs out
+  Interruption,  // the call must be repeated; does not apply to allocations
+  Kill,          // the process ends at the call; does not apply to allocations
 };
 
 /// Makes the n-th call from now fail.
 void arm(Fault fault, long nth);
 
-/// Stops this; returns whether the fault happened.
+/// Cancels `arm`; returns whether the fault happened.
 bool disarm();
 
 /// The most bytes that were allocated at once since `arm`.
 std::size_t peakOfMemory();
 
-/// The names of the system calls since then, each followed by a blank.
+/// The names of the system calls since `arm`, each followed by a blank.
 std::string callsMade();
 
 }  // namespace aq::test

@@ -24,10 +24,11 @@ std::size_t memoryOf(const Work& work) {
   return test::peakOfMemory();
 }
 
-constexpr std::size_t kBlock = std::size_t{160} << 10;  // the reader's block, and the objects
+/// Memory for the reader's block and for objects, whatever the size of the file.
+constexpr std::size_t kBlock = std::size_t{160} << 10;
 
-/// Reads `content` by `format`, and expects a failure with its place and at most four times the
-/// bytes of memory.
+/// Reads `content` by `format`. Expects at most four times its size of memory besides the block,
+/// and a line number in a failure.
 void readModestly(const test::FormatCalls& format, const std::string& content) {
   const test::Folder folder;
   const std::string path = folder.with("a", content);
@@ -80,7 +81,7 @@ TEST(Sizes, LongLinesAndManyOfThem) {
   const test::Folder folder;
   AQ_DataASCII text;
   const std::string lines = folder.with("lines", std::string(kSize, '\n'));
-  // Each line takes a string, and as fields a collection of one string, however short it is.
+  // However short, each line takes a string, and when divided a collection of one string.
   EXPECT_LT(memoryOf([&] { EXPECT_EQ(text.readLines(lines), AQ_DATA_OK); }), 100 * kSize);
   EXPECT_LT(memoryOf([&] { EXPECT_EQ(text.readFields(lines), AQ_DATA_OK); }), 250 * kSize);
   EXPECT_EQ(text.Fields()->Count(), static_cast<std::int32_t>(kSize));

@@ -11,7 +11,7 @@
 namespace aq {
 namespace {
 
-/// Rewrites samples of every format repeatedly; returns how many came out different.
+/// Rewrites samples of every format repeatedly; returns the number of failures.
 int rewriteAll(const test::Folder& folder, int worker) {
   int wrong = 0;
   for (int round = 0; round < 5; ++round) {

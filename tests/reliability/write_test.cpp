@@ -74,7 +74,7 @@ TEST(Write, PermissionsStayAndNewFilesHaveTheUsualOnes) {
     ::umask(before);
     EXPECT_EQ(fs::status(made).permissions(), fs::perms(0666 & ~mask));
   }
-  // A host without standard input gets its handle.
+  // If standard input is closed, the file gets its handle.
   EXPECT_TRUE(inChild([&] { return ::close(0) == 0 && writes(path); }));
   EXPECT_EQ(std::distance(fs::directory_iterator(fs::path(path).parent_path()), {}), 3);
 }
@@ -109,21 +109,21 @@ TEST(Write, LinksStayAndOtherNamesKeepTheOldFile) {
   EXPECT_EQ(test::contentOf(file), "new\n");
   EXPECT_EQ(test::contentOf(folder.file("sub/none")), "new\n");
   EXPECT_EQ(test::contentOf(folder.file("other")), "old");
-  // A name below /proc is an ordinary file, unless it is the number of an open one.
+  // A path below /proc is treated as an ordinary file, unless it names an open file by number.
   fs::create_directory(folder.file("fd"));
   fs::create_hard_link(file, folder.file("fd/1"));
   EXPECT_TRUE(writes("/proc/self/root" + folder.file("fd/1")));
   EXPECT_EQ(fs::hard_link_count(file), 1U);
 }
 
-/// Appending waits for another appender, and then continues with the file that has the name.
+/// An append waits for another one, and then uses the file that has the name at that time.
 TEST(Write, AnAppendFollowsTheName) {
   const test::Folder folder;
   const std::string path = folder.with("a", "old");
   const int held = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   ASSERT_EQ(::flock(held, LOCK_EX), 0);
   std::jthread appender([&] { EXPECT_EQ(textOf("more").appendLines(path), AQ_DATA_OK); });
-  std::this_thread::sleep_for(std::chrono::milliseconds(100));  // most likely, it has begun
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));  // the append has probably begun
   EXPECT_TRUE(writes(path));
   ::close(held);
   appender.join();
@@ -140,7 +140,7 @@ TEST(Write, NonRegularFilesAreWrittenDirectly) {
   EXPECT_TRUE(writes("/proc/self/fd/" + std::to_string(pipe[1])));
   std::array<char, 8> room{};
   EXPECT_EQ(::read(pipe[0], room.data(), room.size()), 4);
-  ASSERT_EQ(::fcntl(pipe[1], F_SETFL, O_NONBLOCK), 0);  // as some readers leave it
+  ASSERT_EQ(::fcntl(pipe[1], F_SETFL, O_NONBLOCK), 0);  // as some readers leave the pipe
   const std::string large(300'000, 'x');
   std::jthread reader([&] {
     std::size_t left = large.size() + 1;
@@ -189,7 +189,8 @@ TEST(Write, ForeignFilesKeepTheirOwnerWhereTheSystemAllows) {
   EXPECT_EQ(status.st_mode & 07777U, 06700U);
   ASSERT_EQ(::stat(roots.c_str(), &status), 0);
   EXPECT_EQ(status.st_uid, kNobody);
-  EXPECT_EQ(status.st_mode & 07777U, 0707U);  // its new group gets none of root's permissions
+  // The new group does not get the permissions of the old one.
+  EXPECT_EQ(status.st_mode & 07777U, 0707U);
 }
 
 TEST(Write, RefusedWhereAPlainOpenOrTheFolderRefuses) {

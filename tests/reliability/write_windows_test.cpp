@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The failure of a call; empty if it succeeds.
+/// The message of the error that a call throws; empty if it succeeds.
 template <class Call>
 std::string refusalOf(const Call& call) {
   try {

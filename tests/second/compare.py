@@ -23,7 +23,7 @@ import recording_reader
 import recordings
 
 BATCH = 250
-FORMATS = [*files.SAMPLES, "HP3565"]  # recordings read straight, or through their text
+FORMATS = [*files.SAMPLES, "HP3565"]  # recordings are read directly or through their text form
 
 
 def library(program, paths):
@@ -71,7 +71,7 @@ def agree(variant, ours, theirs):
 
 
 def compare(program, kept, seed, name, first, count, other):
-    """The numbers of files, of readable and of failing ones; and the differences."""
+    """The name of the format, the numbers of files and of readable files, and the differences."""
     with tempfile.TemporaryDirectory() as folder:
         inputs = []
         for index in range(first, first + count):

@@ -3,7 +3,7 @@
 
     compare_metrics.py PROGRAM [COUNT] [--seed N]
 
-Values agree to 1e-9 dB and 1e-9 s. Prints what differs, with the seed that reproduces it."""
+Values must agree to 1e-9 dB and 1e-9 s. Prints what differs, with the seed that reproduces it."""
 
 import argparse
 import concurrent.futures
@@ -19,11 +19,11 @@ import metrics
 BATCH = 100
 NONE = -12345.0
 NAMES = ["AWT", "CWT", "DWT", "OA", "PNL", "PNLT", "TONECOR", "TONEBND", "LGB", "INTEG"]
-LEVEL, SECONDS, METRES, DEGREES = 1e-9, 1e-9, 1e-6, 1e-4  # angles are single precision
+LEVEL, SECONDS, METRES, DEGREES = 1e-9, 1e-9, 1e-6, 1e-4  # angles are in single precision
 
 
 def level(rng, mean):
-    """A level about `mean` dB: usually in the form of files, now and then another."""
+    """A level: usually about `mean` dB with two decimals as in files, sometimes an odd one."""
     kind = rng.random()
     if kind < 0.9:
         return round(rng.gauss(mean, 3), 2)
@@ -128,7 +128,7 @@ def flight_text(fixes, microphone, celsius, times):
 def flight_opinion(fixes, microphone, celsius, times):
     lines = []
     if all(place == fixes[0][1] for _, place in fixes):
-        return None  # nothing moves
+        return None  # the source does not move
     for number, received in enumerate(times, start=1):
         point = metrics.emission(fixes, microphone, received, celsius)
         if point:
@@ -147,7 +147,7 @@ def flight_opinion(fixes, microphone, celsius, times):
 
 
 def made(seed):
-    """The text and the opinion of one case."""
+    """The input for the program and the expected values of one case."""
     rng = random.Random(f"metrics {seed}")
     if rng.random() < 0.9:
         given = history(rng)

@@ -22,7 +22,7 @@ SAMPLES = {
     for name, folder in FOLDERS.items()
 }
 SAMPLES["ASCII"] = [text for texts in SAMPLES.values() for text in texts]
-BLOCK = 1 << 16  # line ends near it are cut apart by a reader of blocks
+BLOCK = 1 << 16  # bytes after which a reader of blocks may divide a line ending
 DELIMITERS = [",", ",", ",", ";", "\t", " ", "|", ", ", '"', ""]
 
 NUMBERS = [
@@ -222,7 +222,7 @@ SCRIBBLES = [
 
 
 def odd(rng, cell=""):
-    """A text that is not, or barely, a value of the cell's kind, or of another kind."""
+    """A string that is not, or only just, a value of the cell's kind, or is of another kind."""
     kind = "/" in cell and DATES or ":" in cell and TIMES or re.search("[0-9]", cell) and NUMBERS
     if rng.random() < 0.4:
         return "".join(rng.choices(rng.choice(SCRIBBLES), k=rng.randint(1, 9)))
@@ -230,7 +230,7 @@ def odd(rng, cell=""):
 
 
 def halfway(rng):
-    """Half-way between two neighbours in single or double precision, or next to it."""
+    """A number halfway between two neighbours in single or double precision, or next to it."""
     odd_bits = rng.getrandbits(rng.choice([25, 54])) | 1
     with decimal.localcontext() as context:
         context.prec = 400
@@ -390,7 +390,7 @@ def damaged(lines, rng):
 
 
 def file(name, rng):
-    """The format as print_file expects it, and a content."""
+    """The format as print_file expects it, and the content of a random file."""
     lines = rng.choice(SAMPLES[name]).split("\n") if rng.random() < 0.2 else good(name, rng)
     long = name in ("PTH", "GTH", "TSPI") and rng.random() < 0.001
     if long:

@@ -1,7 +1,8 @@
-"""Noise metrics of a history, computed a second time: plainly, from the regulations' formulas and
-in plain Python, without knowledge of the library's code. A history is a list of records {"number",
-"seconds", "levels": {band: level}} in the order of their numbers, a map {record number: {band:
-(mode, adjustment)}}; a missing value is None.
+"""Computes noise metrics a second time, in plain Python from the regulations' formulas, without
+knowledge of the library's code.
+
+A history is a list of records {"number", "seconds", "levels": {band: level}}, in order of their
+numbers. A map is {record number: {band: (mode, adjustment)}}. A missing value is None.
 """
 
 import cmath
@@ -41,12 +42,12 @@ NOYS = [
 
 
 def tenths(value):
-    """Rounded to 0.1 dB, halves away from zero."""
+    """The value rounded to 0.1 dB, halves away from zero."""
     return math.copysign(math.floor(abs(value) * 10 + 0.5) / 10, value)
 
 
 def pole_frequencies():
-    """f1 to f4 of the analytical curves of A and C."""
+    """The frequencies f1 to f4 in the formulas of the A and C curves."""
     f_r, f_l, f_h = 1000.0, 10**1.5, 10**3.9
     d = math.sqrt(0.5)
     b = (f_r**2 + f_l**2 * f_h**2 / f_r**2 - d * (f_l**2 + f_h**2)) / (1 - d)
@@ -77,7 +78,7 @@ def curve_d(f):
 
 
 def weights(curve, bands=range(10, 44)):
-    """Tenths of a decibel; A and C are 0 dB at 1 kHz."""
+    """The weights of the bands, in tenths of a decibel; A and C are 0 dB at 1 kHz."""
     zero = 0 if curve is curve_d else curve(1000.0)
     return {band: tenths(curve(10 ** (band / 10)) - zero) for band in bands}
 
@@ -86,7 +87,7 @@ WEIGHTS = {"AWT": weights(curve_a), "CWT": weights(curve_c), "DWT": weights(curv
 
 
 def counting(levels, masks):
-    """The levels that count."""
+    """The levels that count: valid, and not masked unless adjusted."""
     good = {}
     for band, level in levels.items():
         mode, adjustment = (masks or {}).get(band, (0, 0))
@@ -121,7 +122,7 @@ def noys(band, level):
 
 
 def perceived(levels):
-    """PNL, None without a band that counts."""
+    """The PNL, or None if no band counts."""
     values = [noys(band, level) for band, level in levels.items() if 17 <= band <= 40]
     if not values:
         return None
@@ -130,7 +131,9 @@ def perceived(levels):
 
 
 def tone(levels):
-    """Correction, tone band (0 for none), band n. By the regulation's numbers i = band - 16."""
+    """The correction, its band (0 for none) and the last band. Uses the regulation's band numbers
+    i = band - 16 and n.
+    """
     n = 2
     while n < 24 and n + 17 in levels:
         n += 1
@@ -194,7 +197,7 @@ def steps(seconds):
 
 
 def event(pnlt, seconds, corrections=None):
-    """The event of a list of PNLT; None for a record without one."""
+    """The event of a list of PNLT values, which are None for records without a PNLT."""
     low = -math.inf
     value = [low if p is None else p for p in pnlt]
     top = max(value)
@@ -209,7 +212,7 @@ def event(pnlt, seconds, corrections=None):
 
     above = next(k for k in range(count) if value[k] > limit)
     first = nearer(above - 1, above) if above > 0 else None
-    below = count  # the first of the run to the end that stays below
+    below = count  # from here to the end, all values stay below the limit
     while below > 0 and value[below - 1] < limit:
         below -= 1
     if below < count:
@@ -264,8 +267,8 @@ def metrics(history, masks=None):
         values["LGB"] = None if masks is None else last_good_band(row)
         values["INTEG"] = 0
         rows.append(values)
-    # A number without a record is an index without levels; the previous record lasts until the next
-    # one.
+    # A number without a record becomes an index without levels, and the record before it lasts
+    # until the next one.
     lowest = history[0]["number"]
     places = history[-1]["number"] - lowest + 1
     pnlt, corrections, seconds = [None] * places, [None] * places, [0.5] * places

@@ -1,7 +1,7 @@
 """A second reader of every file format, plain and slow, written from docs/formats alone.
 
-`opinion(format, content)` gives the lines that print_file gives for such a file. Contents are texts
-of one character per byte."""
+`opinion(format, content)` returns the lines that print_file prints for such a file. The content is
+a string with one character per byte."""
 
 import datetime
 import decimal
@@ -141,7 +141,7 @@ class Failure(Exception):
     """The line and field where a file cannot be read; field 0 is the whole line."""
 
 
-# Texts to values. Any other text raises ValueError.
+# From text to values. Any other text raises ValueError.
 
 NUMBER = re.compile(r"[+-]?([0-9]+\.?[0-9]*|\.[0-9]+)([eE][+-]?[0-9]+)?")
 
@@ -246,7 +246,7 @@ KINDS = {
 
 
 def take(line, fields, kinds, first=1):
-    """The values of a line's fields, the first of which is called `first`."""
+    """The values of a line's fields, which a failure numbers from `first`."""
     values = []
     for place, kind in enumerate(kinds):
         try:
@@ -307,7 +307,7 @@ class File:
         return plain(plain(parts[1])[1:])
 
 
-# Values to the lines of print_file.
+# From values to the lines that print_file prints.
 
 
 def shown(value):
@@ -474,8 +474,8 @@ def read_ascii(file, out, delimiter, quoted):
 
 
 def opinion(name, content):
-    """`name` of a delimited text carries the bytes of its delimiter and whether fields are quoted,
-    as in ASCII:2c:1."""
+    """For delimited text, `name` includes the bytes of the delimiter and whether fields may be
+    quoted, as in ASCII:2c:1."""
     name, *options = name.split(":")
     if name == "ASCII":
         options = [bytes.fromhex(options[0]).decode("latin-1"), options[1] == "1"]

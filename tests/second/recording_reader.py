@@ -1,6 +1,6 @@
-"""A second reader of analyzer recordings, plain and slow: binary layout to levels by band.
+"""A second reader of analyzer recordings, plain and slow: from the binary layout to levels by band.
 
-`opinion(bytes)` gives the lines that print_file gives for such a file. It knows nothing of the
+`opinion(bytes)` returns the lines that print_file prints for such a file, without knowledge of the
 library's code."""
 
 import datetime
@@ -74,7 +74,7 @@ def text(raw):
 
 
 def unit_of(raw):
-    """Factor to SI, and the eight doubled exponents."""
+    """The factor to SI units, and the eight doubled exponents."""
     return struct.unpack(">f", raw[10:14])[0], struct.unpack("8b", raw[14:22])
 
 
@@ -136,7 +136,7 @@ class Recording:
         return records
 
     def newer(self, record, key, since):
-        """A field that replaced an old one in revision `since`."""
+        """The field `key`, or before revision `since` the old field that it replaced."""
         value = record[key] if self.revision >= since else None
         value = record[key + "_old"] if value is None else value
         require(value is not None, key)
@@ -190,7 +190,7 @@ class Recording:
         self.place_x()
 
     def place_x(self):
-        """One x vector per trace may be one per row, for all scans."""
+        """Places x vectors for each scan or, if there is no room, one set for all scans."""
         room = self.x[0]["size"] if self.x else 6
         self.x_scans = True
         if self.x_end() > room:
@@ -232,7 +232,7 @@ class Recording:
 
 
 def bands_of(xs):
-    """The band of each point, None after the last band; fails if another point fits no band."""
+    """The bands of the points up to the last that fits one; fails if an earlier point fits none."""
     found = []
     for x in xs:
         require(math.isfinite(x), "x")
@@ -267,7 +267,7 @@ def valid_points(recording, data):
 
 
 def correction(recording, data, row, fft):
-    """F of the trace, and its first channel."""
+    """The correction factor F of the trace, and its first channel."""
     if not recording.vectors or data["vector"] == -1:
         return 1.0, None
     index = data["vector"] + row
@@ -291,7 +291,7 @@ def correction(recording, data, row, fft):
 
 
 def seconds_of(recording, data, length):
-    """The start of each scan after the first."""
+    """The time of each scan, in seconds from the start of the recording."""
     if not data["in_scans"]:
         return [0.0]
     for variable in recording.variables + recording.scans:
@@ -311,7 +311,7 @@ def octave_levels(xs, ys):
 
 
 def synthesised(xs, ys, start, stop):
-    """The sums over the bins of each covered band; a bin on an edge is split by width."""
+    """The sum over the bins of each covered band; a bin on an edge is divided by width."""
     require(all(a < b for a, b in zip(xs, xs[1:])), "rising x")
     xs, ys = xs[start : stop + 1], ys[start : stop + 1]
     require(len(xs) > 1, "bins")

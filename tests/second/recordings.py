@@ -1,5 +1,5 @@
-"""Random analyzer recordings: all revisions, kinds of x and y, scan orders and units; and damaged
-ones.
+"""Makes random analyzer recordings, of all revisions, kinds of x and y, scan orders and units; some
+are damaged.
 """
 
 import math
@@ -145,7 +145,7 @@ class Maker:
         )
 
     def scan_records(self):
-        """The scan record, or those of revision 3 instead."""
+        """The scan record, and the records that may replace it in revision 3."""
         rng = self.rng
         if not self.scans:
             return [], []

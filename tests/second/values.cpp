@@ -56,7 +56,7 @@ void show(const char* key, const Values&... values) {
   out += '\n';
 }
 
-/// Each value on its own line, after its key if there are several.
+/// Prints each value on its own line, after its key.
 template <class... Values>
 void showEach(std::string_view keys, const Values&... values) {
   const auto next = [&keys] {
@@ -245,7 +245,7 @@ void printINI(const std::string& path) {
            file.HiRec(), file.FileName(), *file.FileDate(), *file.Comments());
 }
 
-/// The words of the notes that the second reader prints.
+/// Prints a recording. Of its notes, prints only the words that the second reader prints.
 template <class Read>
 void printRecording(const std::string& path, const Read& read) {
   AQ_DataHP3565 file;
@@ -281,7 +281,7 @@ void printSDF(const std::string& path) {
   printRecording(path, [](AQ_DataHP3565& file, auto&... to) { return file.readFile(to...); });
 }
 
-/// The same through the text form.
+/// Like `printSDF`, but reads the recording through its text form.
 void printSDFText(const std::string& path) {
   printRecording(path, [](AQ_DataHP3565& file, const std::string& from, auto&... to) {
     const std::string text = from + ".asc";
@@ -307,7 +307,8 @@ void printSPC(const std::string& path) {
   for (const auto& [record, spectrum] : *history) show("date", spectrum->Time()->CurrentDate());
 }
 
-/// `options` are the delimiter, two digits per byte, and 1 for fields that may be quoted: `2c:1`.
+/// `options` are the delimiter, in two hexadecimal digits per byte, and 1 if fields may be quoted:
+/// `2c:1`.
 void printASCII(const std::string& path, const std::string& options) {
   AQ_DataASCII file;
   std::string delimiter;

@@ -61,7 +61,7 @@ TEST(History, TextForms) {
   for (int type = 0; type <= 8; ++type) {
     made.ReferenceType(static_cast<AQ_RefTimeType>(type));
     all += made.sReferenceTimeType() + ' ';
-    made.sReferenceTimeType("HACK");  // never changes the type
+    made.sReferenceTimeType("HACK");  // setting the text never changes the type
     EXPECT_EQ(made.ReferenceType(), type);
   }
   EXPECT_EQ(all, "START OVERHEAD AMAX PMAX TMAX OAMAX HACK OTHER  ");
@@ -205,7 +205,7 @@ TEST(History, LastGoodBandsFromTheMap) {
   EXPECT_ERROR(made.setLGB(map), InvalidArgument);
   map.Row(1, nullptr);
   EXPECT_ERROR(made.setLGB(map), ObjectNotSet);
-  EXPECT_EQ(made.spectrum(1)->Metric()->LGB(), 0);  // that band was for the previous row
+  EXPECT_EQ(made.spectrum(1)->Metric()->LGB(), 0);  // the band of the row that was replaced is gone
 }
 
 TEST(History, EncompassesTheMapRowByRow) {
@@ -224,7 +224,7 @@ TEST(History, EncompassesTheMapRowByRow) {
   EXPECT_ERROR(shifted->EncompassesMask(map), InvalidArgument);
 }
 
-/// Which of bands 20 to 23 this ambient masks at a margin of 3 dB, or the error.
+/// The masks and last good bands that this ambient gives at a margin of 3 dB, or the error.
 std::string maskedBy(const AQ_SpectralTimeHistory& history, const std::vector<double>& ambient) {
   AQ_Spectrum spectrum;
   spectrum.assignLevels(20, ambient);

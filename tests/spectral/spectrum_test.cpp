@@ -31,11 +31,11 @@ TEST(Spectrum, RangeOnlyWidens) {
   EXPECT_EQ(whole.plainLevels(), (std::vector<double>{60.5, 60.125, 60.5}));
   AQ_Spectrum high;
   high.SPL(10000, 1.0);
-  EXPECT_EQ(high.LowBand(), 9999);  // the low end starts there
+  EXPECT_EQ(high.LowBand(), 9999);  // the lowest band starts at 9999
   EXPECT_ERROR(high.Copy(), InvalidArgument);
   AQ_Spectrum low;
   low.SPL(-2, 1.0);
-  EXPECT_EQ(low.HighBand(), -1);  // as does the high end there
+  EXPECT_EQ(low.HighBand(), -1);  // the highest band starts at -1
   EXPECT_ERROR(low.Copy(), InvalidArgument);
 }
 
@@ -44,7 +44,7 @@ TEST(Spectrum, SharesAndCopiesItsObjects) {
   EXPECT_EQ(spectrum.Time(), spectrum.Time());
   const auto time = std::make_shared<AQ_Time>();
   spectrum.Time(time);
-  const auto bare = spectrum.Copy();  // as if from a metric with all values 0
+  const auto bare = spectrum.Copy();  // copies a missing metric as one with all values 0
   EXPECT_EQ(bare->Copy()->Metric()->MetricValue(AQ_METRIC_LGB), Variant(0.0F));
   bare->Metric(nullptr);
   EXPECT_EQ(bare->Metric()->MetricValue(AQ_METRIC_LGB), Variant(std::int16_t{0}));
@@ -56,7 +56,7 @@ TEST(Spectrum, SharesAndCopiesItsObjects) {
   EXPECT_EQ(spectrum.Time()->TODseconds(), 5);
   spectrum.lazyTime().assign(7, 8);
   spectrum.Time(nullptr);
-  EXPECT_EQ(spectrum.HighBand(), -1);  // next to the time in memory
+  EXPECT_EQ(spectrum.HighBand(), -1);  // stored next to the time
   EXPECT_EQ(spectrum.Time()->TODseconds(), 0);
   EXPECT_EQ(spectrum.Time()->RelSeconds(), 0);
   EXPECT_EQ(copy->Time()->TODseconds(), 0);

@@ -15,7 +15,8 @@ namespace aq::test {
 
 inline const std::filesystem::path kData = AQ_TEST_DATA;
 
-/// The content of a file; a text has the line ends of the samples, whatever the system.
+/// The content of a file. In a text file, line endings become \n, as in the samples, on every
+/// system.
 inline std::string contentOf(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
   std::string content{std::istreambuf_iterator<char>(stream), {}};

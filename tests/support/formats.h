@@ -21,10 +21,10 @@ struct Outcome {
   bool sound = true;
 };
 
-/// A kind of file with its reader and, if there is a writer, a function that reads and writes it
-/// again.
+/// A kind of file: a function that reads it and, if there is a writer, one that reads it and writes
+/// it again.
 struct FormatCalls {
-  std::string code;  ///< as in "STH", its name for `valuesOf`
+  std::string code;  ///< its name for `valuesOf`, such as "STH"
   std::function<Outcome(const std::string& path)> read;
   std::function<AQ_DataMessage(const std::string& from, const std::string& to)> rewrite = nullptr;
 };
@@ -79,7 +79,7 @@ FormatCalls callsOf(const Format<File, Header, Model>& /*format*/) {
   return calls;
 }
 
-/// By the names of their folders, as in "spectral-time-history".
+/// The formats by the names of their folders, such as "spectral-time-history".
 inline const std::map<std::string, FormatCalls> kFormats = [] {
   std::map<std::string, FormatCalls> calls;
   forFormats([&](const auto& format) {

@@ -623,7 +623,7 @@ def check_json(folder):
     done = run("aqdata check --json . ; aqdata info --json .", folder)
     documents = [json.loads(line) for line in done.stdout.decode("utf-8").splitlines()]
     bad = [d["file"] for d in documents if "unreadable" in d.get("counts", {})]
-    expect("files that do not read", bad, ["./bad.sth.csv", "./up/R.CSV"])
+    expect("unreadable files", bad, ["./bad.sth.csv", "./up/R.CSV"])
     expect("hidden files", [d for d in documents if "hidden" in d["file"]], [])
 
 
@@ -632,7 +632,7 @@ def check_streams(folder):
     expect("a closed pipe: status", done.returncode in (0, 141), True)
     expect("a closed pipe: messages", done.stderr, b"")
     plain = run(f"aqdata check --jobs 1 .", folder).stdout
-    expect("two threads or one", run("aqdata check --jobs 4 .", folder).stdout, plain)
+    expect("four threads or one", run("aqdata check --jobs 4 .", folder).stdout, plain)
     expect("leftovers", list(folder.rglob(".aq-*")), [])
 
 
@@ -644,7 +644,7 @@ def check_folders(parent):
     for link, target in (("a", "b"), ("b/up", ".."), ("gone.csv", "nowhere")):
         (folder / link).symlink_to(target)
     done = run("aqdata info . a b ./a/c gone.csv", folder)
-    expect("walked once", done.stdout.decode().splitlines()[0], "./b/c/m.csv  microphone position")
+    expect("folders visited once", done.stdout.decode().splitlines()[0], "./b/c/m.csv  microphone position")
     expect("broken links", done.stderr.decode().count("gone.csv: a broken link to nowhere"), 2)
     if os.geteuid() != 0:
         for name, refused in (("b/c", "b/c"), ("b/c/m.csv", "b")):
@@ -655,7 +655,7 @@ def check_folders(parent):
 
 
 def check_completion(folder):
-    """What bash offers after a command line."""
+    """Bash offers the right words after a command line."""
     for line, offered in (
         ("aqdata co", "convert completion"),
         ("aqdata --color a", "auto always"),
@@ -674,7 +674,7 @@ def check_completion(folder):
 
 
 def check_widths(folder):
-    """Columns are aligned, even if characters of names take two columns or none."""
+    """Tables are aligned even if a character in a name takes two columns or none."""
     names = ["fly-\u98db\u884c.csv", "fly-e\u0301.csv", "fly-plain.csv"]
     for name in names:
         shutil.copy(SAMPLES / "fly-over.mic.csv", folder / name)
@@ -694,7 +694,7 @@ def check_widths(folder):
 
 
 def check_cpp_tutorial():
-    """The page shows the tested program with its output, and signatures that the headers have."""
+    """The tutorial shows the tested program and its output, and signatures as in the headers."""
     page = (PROJECT / "docs" / "tutorials" / "cpp.md").read_text()
 
     def blocks(language):
@@ -737,7 +737,7 @@ def check_documents(parent):
         text = text.replace("\\\n", "")
         for example in re.findall(r"^  ((?:source|aqdata) .*)$", text, re.M):
             done = run(example + (" --force" if " -o " in example else ""), folder)
-            without = b"needs Python with" in done.stderr  # as in a build without the package
+            without = b"needs Python with" in done.stderr  # the Python package is not built
             expect(f"{example}: status", done.returncode in (0, 1) or without, True)
 
 
@@ -754,10 +754,10 @@ def check_recordings(folder):
         "a recording as a history", (info["kind"], info["records"]), ("spectral time history", 7)
     )
     done = run(f"aqdata check '{samples}/good/third-octaves-by-scan.dat'", folder)
-    expect_in("marks", done.stdout.decode(), "analyzer-mark")
+    expect_in("marks of a recording", done.stdout.decode(), "analyzer-mark")
     card = run(f"aqdata info '{samples}/bad/complex.dat'", folder).stdout.decode()
-    expect_in("without levels", card, "with real data, found complex data")
-    expect_in("its traces", card, "title Pwr Spec, domain OCTAVE_DOMAIN")
+    expect_in("a recording without levels", card, "with real data, found complex data")
+    expect_in("the traces of a recording", card, "title Pwr Spec, domain OCTAVE_DOMAIN")
     done = run(f"aqdata info '{samples}/bad/offset-outside.dat'", folder)
     expect("a damaged recording", (done.returncode, done.stdout), (2, b""))
 
@@ -766,7 +766,7 @@ def check_columns(folder):
     """Histories and recordings convert to fixed columns and back, or say why not."""
     run(f"aqdata convert {STH} -o there.spc", folder)
     run("aqdata convert there.spc -o back.sth.csv", folder)
-    expect("there and back", run(f"aqdata diff {STH} back.sth.csv", folder).returncode, 0)
+    expect("fixed columns and back", run(f"aqdata diff {STH} back.sth.csv", folder).returncode, 0)
     info = json.loads(run("aqdata info --json there.spc", folder).stdout)
     expect("fixed columns", (info["kind"], info["records"]), ("fixed-column history", 60))
     samples = PROJECT / "tests" / "data"
@@ -777,11 +777,11 @@ def check_columns(folder):
     rows = run(f"aqdata convert '{gap}'", folder).stdout.decode()
     expect_in("a gap in a table", rows, ",30,\n")
     found = run(f"aqdata check '{gap}'", folder).stdout.decode()
-    expect_in("findings", found, "line 21, field 7, record 1, band 32: note: 9999")
+    expect_in("findings in fixed columns", found, "line 21, field 7, record 1, band 32: note: 9999")
     recording = samples / "analyzer-recording" / "good" / "third-octaves-by-scan.dat"
     run(f"aqdata convert '{recording}' -o recording.spc", folder)
     done = run("aqdata check recording.spc", folder)
-    expect_in("a recording in columns", done.stdout.decode(), "1 without findings")
+    expect_in("a recording in fixed columns", done.stdout.decode(), "1 without findings")
 
 
 def check_field_data(folder):

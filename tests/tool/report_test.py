@@ -1,7 +1,7 @@
-"""Looks at the pages of `aqdata report` in a browser: report_test.py PROGRAM PROJECT [SCREENSHOTS]
+"""Tests the pages of `aqdata report` in a browser: report_test.py PROGRAM PROJECT [SCREENSHOTS]
 
-Chromium runs without a window, driven by Debian's selenium. Screenshots of the pages go to a folder
-when one is named.
+Chromium runs without a window, driven by Debian's selenium. If a folder SCREENSHOTS is given, it
+receives screenshots of the pages.
 """
 
 import base64
@@ -26,11 +26,11 @@ HOSTILE = [
     '"><img src=x onerror=window.hacked=1>',
     "<!--<script>",
     "\u202egnorw && <b>bold</b> \\u003c &lt;",
-    "]]> \x01\x1b[31m\x7f\u2028\u2029 \udcff",  # the last one is a byte that is not UTF-8
+    "]]> \x01\x1b[31m\x7f\u2028\u2029 \udcff",  # ends with a byte that is not UTF-8
     "w" * 400,
 ]
 HOSTILE_NAME = '<img src=x onerror=window.hacked=1>"&\u2028'
-TEXTS = "Name|ID|Code|By|File|ReferenceTimeType"  # how the keywords of text end
+TEXTS = "Name|ID|Code|By|File|ReferenceTimeType"  # endings of the keywords whose values are text
 faults = []
 
 
@@ -46,7 +46,9 @@ def run(*arguments, status=0):
 
 
 def season(folder):
-    """The sample, the same without companion files, a hostile one and one that cannot be read."""
+    """Fills a folder with four runs: the sample with its companion files, an altered copy without
+    them, a damaged one that cannot be read, and one with markup and script in its name and texts.
+    """
     shutil.copytree(SAMPLES, folder, dirs_exist_ok=True)
     text = (folder / "fly-over.sth.csv").read_text()
     odd = text.replace("61.51", "9999", 1).replace("61.48", "61.4875", 1)
@@ -71,7 +73,7 @@ def season(folder):
 
 
 def hostile(text):
-    """A file with all hostile words in each text of its header, and in a comment and another record."""
+    """The file's text, with all hostile words in each text field, a comment and another record."""
     words = " ".join(HOSTILE)
     text = re.sub(rf"^(\w*({TEXTS}))\*\*,.*", lambda m: f"{m[1]}**,{words}", text, flags=re.M)
     text = re.sub(r"^OtherRecords\*\*,0", lambda m: f"OtherRecords**,1\n{words}", text, flags=re.M)
@@ -100,7 +102,7 @@ class Browser:
         self.settle()
 
     def settle(self):
-        """Waits until the page has drawn what it was asked for."""
+        """Waits until the page has finished drawing."""
         self.driver.execute_async_script(
             "const done = arguments[0]; requestAnimationFrame(() => requestAnimationFrame(() => "
             "setTimeout(done, 50)))"
@@ -140,7 +142,7 @@ class Browser:
         return len(re.findall(rb"/Type\s*/Page\b", data))
 
     def check_quiet(self, what):
-        """Nothing failed, and nothing was requested from elsewhere."""
+        """The page has reported no errors and made no requests."""
         log = [entry["message"] for entry in self.driver.get_log("browser")]
         expect(f"{what}: console", log, [])
         entries = self.js("return performance.getEntriesByType('resource').map((e) => e.name)")
@@ -174,7 +176,7 @@ def marker(browser):
 
 
 def check_cursor(browser):
-    """The cursor ties all pictures and the table, by mouse and by keyboard."""
+    """Mouse and keyboard move the cursor in all charts and in the table."""
     plot = ".spectrogram .plot"
     browser.keys(plot, Keys.HOME, Keys.ARROW_RIGHT)
     expect("keys", "record 2 \u00b7 14:30:00.75" in readout(browser), True)
@@ -183,7 +185,7 @@ def check_cursor(browser):
     now = browser.js(
         "return [...document.querySelectorAll('[role=slider]')].map((e) => e.ariaValueNow)"
     )
-    expect("all pictures", now, ["2"] * 4)
+    expect("the cursor of all charts", now, ["2"] * 4)
     row = browser.one(".records [aria-current]").text.split()
     expect("the table's row", row[:2], ["2", "14:30:00.75"])
     label = browser.one(".spectrum .plot").get_attribute("aria-label")
@@ -207,7 +209,7 @@ def check_zoom(browser):
     browser.keys(".levels .plot", "+")
     expect("zoom by key", round(apart() / whole, 1), 2.0)
     browser.keys(".levels .plot", "0")
-    expect("all by key", round(apart() / whole, 1), 1.0)
+    expect("whole run by key", round(apart() / whole, 1), 1.0)
     over = browser.one(".levels .u-over")
     width = over.size["width"]
     ActionChains(browser.driver).move_to_element_with_offset(
@@ -219,7 +221,7 @@ def check_zoom(browser):
     expect("zoom by dragging", 1.8 < apart() / whole < 2.2, True)
     ActionChains(browser.driver).double_click(over).perform()
     browser.settle()
-    expect("all by double-click", round(apart() / whole, 1), 1.0)
+    expect("whole run by double-click", round(apart() / whole, 1), 1.0)
     for button in browser.all(".toolbar button"):
         if button.text == "10 dB down":
             button.click()
@@ -248,12 +250,12 @@ def check_run(browser, folder):
     page = folder / "run.html"
     run("report", str(folder / "fly-over.sth.csv"), "--celsius", "20", "-o", str(page))
     browser.open(page)
-    expect("pictures", browser.js(INK), [f"{name}:true" for name in PICTURES])
-    expect("without a name", browser.js(NAMELESS), [])
+    expect("charts", browser.js(INK), [f"{name}:true" for name in PICTURES])
+    expect("elements without a name", browser.js(NAMELESS), [])
     check_values(browser, folder)
     check_cursor(browser)
     check_zoom(browser)
-    expect("pages of paper", browser.pdf("run"), 2)
+    expect("printed pages", browser.pdf("run"), 2)
     browser.check_quiet("a run")
     for dark in (False, True):
         for width in (390, 1024, 1920):
@@ -283,7 +285,7 @@ def check_season(browser, folder):
         expect("sorted", browser.one("[aria-sort]").get_attribute("aria-sort"), sign)
     expect("the last run first", names(browser)[0], "fly-over.sth.csv")
     browser.keys("input[type=search]", "damaged")
-    expect("reduced", names(browser), ["damaged.sth.csv"])
+    expect("filtered", names(browser), ["damaged.sth.csv"])
     browser.keys("input[type=search]", *[Keys.BACKSPACE] * 7)
     for link in browser.all(".season a"):
         if link.get_property("textContent") == runs[0]:
@@ -291,17 +293,17 @@ def check_season(browser, folder):
             break
     browser.settle()
     check_hostile(browser, "details[open]")
-    browser.keys("body", "n")  # to the one without anything next to it
+    browser.keys("body", "n")  # to the run without companion files
     browser.keys("details[open] .spectrogram .plot", Keys.HOME, Keys.ARROW_UP)
     expect("9999", readout(browser)[-21:], "50 Hz: no valid level")
     browser.keys("details[open] .spectrogram .plot", Keys.ARROW_UP)
     expect("more decimals", readout(browser)[-15:], "63 Hz: 61.49 dB")
-    browser.keys("body", "nn")  # past the damaged one, to the sample
+    browser.keys("body", "nn")  # past the damaged run, to the sample
     titles = browser.js(
         "return [...document.querySelectorAll('details[open] h2')].map(h => h.textContent)"
     )
-    expect("one after the other", titles, ["fly-over.sth.csv"])
-    expect("pages of paper", browser.pdf("season"), 3)
+    expect("the open run", titles, ["fly-over.sth.csv"])
+    expect("printed pages of a season", browser.pdf("season"), 3)
     browser.check_quiet("a season")
     page = folder / "hostile.html"
     run("report", str(folder / f"{HOSTILE_NAME}.sth.csv"), "-o", str(page))
@@ -321,22 +323,22 @@ def check_season(browser, folder):
 
 
 def check_hostile(browser, place):
-    """Words that would do something in a page are shown as they are."""
+    """Markup and script from files are shown as text."""
     rows = browser.js(
         "return [...document.querySelector(arguments[0]).querySelectorAll('dd, pre, h2')]"
         ".map((e) => e.textContent)",
         place,
     )
     whole = " ".join(HOSTILE).replace("\udcff", "\ufffd").replace('"', "")  # without quotes
-    expect("texts shown as they are", sum(whole in row.replace('"', "") for row in rows), 8)
+    expect("fields shown as text", sum(whole in row.replace('"', "") for row in rows), 8)
     pictures = browser.js(
         "return document.querySelector(arguments[0]).querySelectorAll('.picture').length", place
     )
-    expect("pictures of a hostile run", pictures, len(PICTURES))
-    expect("nothing ran", browser.js("return window.hacked ?? null"), None)
-    expect("no markup of it", len(browser.all("img, details b:not(.figures b)")), 0)
+    expect("charts of a hostile run", pictures, len(PICTURES))
+    expect("script from a file", browser.js("return window.hacked ?? null"), None)
+    expect("markup from a file", len(browser.all("img, details b:not(.figures b)")), 0)
     title = browser.one(f"{place} :is(h1, h2)").get_property("textContent")
-    expect("its title", title, f"{HOSTILE_NAME}.sth.csv")
+    expect("the title", title, f"{HOSTILE_NAME}.sth.csv")
 
 
 with tempfile.TemporaryDirectory() as name:

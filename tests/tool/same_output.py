@@ -1,6 +1,6 @@
-"""Runs every row of aqdata_test.py with the program of this system and with one for Windows, and
+"""Runs every row of aqdata_test.py with the native program and with the program for Windows, and
 compares what they print and write: same_output.py PROGRAM PROJECT OTHER...
-OTHER is the command of wine and that program.
+OTHER is the command that runs the program for Windows under wine.
 """
 
 import os
@@ -13,23 +13,23 @@ import tempfile
 
 import aqdata_test
 
-ELSEWHERE = {  # rows that mean something else on Windows, by a part that they share
-    "odd": "names with line ends",
+ELSEWHERE = {  # parts of rows that mean something else on Windows, and why
+    "odd": "names with line breaks",
     "bytes": "names that are not text",
     "/dev/": "devices of this system",
-    "ln -f": "a second name of a file, which wine makes anew",
-    "COLORTERM": "depths of colour, which a console there does not report",
-    "TERM=": "the same",
-    "| head": "a reader that ends first, which a program there notices",
+    "ln -f": "a hard link to a file, which wine does not keep",
+    "COLORTERM": "the number of colours, which a Windows console does not report",
+    "TERM=": "the number of colours, which a Windows console does not report",
+    "| head": "a reader that ends first, which a Windows program gets as an error",
     "xlsx": "workbooks, which the program for Windows does not write",
     "AQ_PYTHON": "interpreters of this system",
-    "/&s/": "the end of a line, which has a carriage return there",
+    "/&s/": "the end of a line, which has a carriage return on Windows",
     "completion": "shells of this system",
 }
 
 
 def same_form(text):
-    """The output without what depends on the system and the run: line ends, separators, times."""
+    """The output without what depends on system and run: line endings, separators, times."""
     text = text.replace(b"\r\n", b"\n").replace(b"\\\\", b"\\").replace(b"\\", b"/")
     text = re.sub(rb"Wine cannot find the FreeType(.*\n){4}", b"", text)
     return re.sub(rb"(FileDateTime\*\*|created).*", rb"\1", text)

@@ -1,8 +1,8 @@
-"""Takes a generated season through the commands of docs/season.md:
+"""Runs the commands of docs/season.md on a generated season, in which some raw files are damaged:
 season_test.py PROGRAM PROJECT RUNS [PACKAGE]
 
-Some of its raw files are damaged. What comes out is compared with what the files were made of, and the
-time of each step with that of reading all files once.
+Compares the results with those of the undamaged files. Prints the time of each command relative to
+the time for reading all files once.
 """
 
 import csv
@@ -39,7 +39,7 @@ for run, path in zip(runs.values(), paths):
     assert run.mask.data == aq_data.read(str(path).replace(".sth.", ".mask.")).data
     assert list(run.history.header.cCommentLines) == list(header.cCommentLines)
 """
-BY_PACKAGE = [  # what the tool does with the package
+BY_PACKAGE = [  # commands that use the Python package
     f"aqdata convert {ONE}.sth.csv --masks -o one.nc && aqdata convert one.nc -o one.sth.csv",
     f"aqdata diff --dates {ONE}.sth.csv one.sth.csv && aqdata diff {ONE}.mask.csv one.mask.csv",
     f"aqdata plot {ONE}.sth.csv {ONE}.mask.csv -o one.png && grep -q PNG one.png",
@@ -66,7 +66,7 @@ def run(command, folder):
 
 
 def louder(text, number):
-    """A run whose levels are tenths of a decibel above those of the sample."""
+    """The sample with all levels raised by `number` tenths of a decibel."""
     head, heading, rows = text.partition("Rec#")
     first, *lines = rows.splitlines()
     made = [
@@ -79,7 +79,7 @@ def louder(text, number):
 
 
 def make(folder):
-    """Raw folders by day, and the whole files in another."""
+    """Writes raw files, some of them damaged, and whole files, in folders by day."""
     history = (SAMPLES / "fly-over.sth.csv").read_text()
     mask = (SAMPLES / "fly-over.mask.csv").read_text()
     for number in range(1, RUNS + 1):
