@@ -30,12 +30,12 @@ std::string recordedName(const std::string& path) {
 
 // Rows, from a table or from a document.
 
-/// A time of day: from its text, or from its seconds if it has none.
+/// The time of day of `text`, or of `seconds` if there is no text.
 aq::AQ_Time timeOf(const std::string& text, double seconds) {
   aq::AQ_Time time;
   if (!text.empty()) {
     time.TODstring(text);
-    // The text of a time late in its second is that of the next second.
+    // A time late in its second has the text of the next second; then the seconds count.
     if (std::abs(time.TODseconds() - seconds) < 0.006 || std::isnan(seconds)) return time;
   }
   time.assignSeconds(seconds, 0);
@@ -91,7 +91,7 @@ class HistoryRows : public NumberedRows<History, aq::AQ_Spectrum> {
   }
 };
 
-/// The seconds from the first stamp to the second; half a second if they do not rise.
+/// The time from the first stamp to the second, in seconds; 0.5 if the stamps do not ascend.
 double lengthOf(const aq::AQ_SpectralTimeHistory& history) {
   auto at = history.begin();
   if (at == history.end()) return 0.5;
@@ -164,7 +164,8 @@ constexpr std::string_view kHistoryTable = "record,time,time_s,relative_s,band,l
 constexpr std::string_view kMapTable = "record,last_good_band,band,mask";
 constexpr std::string_view kPositionTable = "position,time,time_s,x,y,z";
 
-/// Throws as the library's readers do, with the field.
+/// Reads all rows of a table. Throws `Failure` with the line and, as the library's readers do, the
+/// field.
 template <class Rows, class Take>
 Rows rowsOf(aq::LineReader& lines, const Take& take) {
   Rows rows;

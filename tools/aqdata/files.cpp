@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 
 bool isHidden(const fs::path& path) { return path.filename().string().starts_with('.'); }
 
-/// Not the originals that `fix` keeps.
+/// Whether a file in a folder is a measurement; originals that `fix` keeps are not.
 bool isMeasurement(const fs::path& path) {
   if (path.extension() == ".orig") return false;
   return aq::upperCased(path.extension().string()) == ".CSV" ||

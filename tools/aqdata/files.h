@@ -33,7 +33,7 @@ void expectOpens(const std::string& path);
 void expectOutput(const Session& session, const std::vector<std::string_view>& endings,
                   const std::vector<std::string>& inputs);
 
-/// Throws `Failure` unless the name has no extension or ends in one of these, as above.
+/// Throws `Failure` unless the name has no extension or one of these endings, like `expectOutput`.
 void expectEnding(const std::string& path, const std::vector<std::string_view>& endings);
 
 /// Throws `Failure` when `path` is one of the files that are read.
@@ -73,7 +73,7 @@ void writeAt(const std::string& place, Header& header, Model& model) {
   expectGood(aq::writeFrom(file, place, header, model), file);
 }
 
-/// The same to the session's output.
+/// Like `writeAt`, but writes to the session's output.
 template <class File, class Header, class Model>
 void writeOutput(const Session& session, Header& header, Model& model) {
   writeAt<File>(outputPlace(session), header, model);

@@ -20,8 +20,8 @@ struct FileFindings {
     std::size_t kept = 0;
   };
   std::vector<Count> counts = {};       // in the order of their first findings
-  std::vector<aq::Finding> whole = {};  // of the file as a whole
-  std::vector<aq::Finding> kept = {};   // in the order of the file's lines
+  std::vector<aq::Finding> whole = {};  // findings about the file as a whole
+  std::vector<aq::Finding> kept = {};   // the others, in the order of the file's lines
 
   /// Counts a finding, and keeps it when there are fewer than `limit` of its kind.
   void take(const aq::Finding& finding, std::size_t limit);
@@ -30,10 +30,10 @@ struct FileFindings {
   [[nodiscard]] std::vector<const aq::Finding*> listed() const;
 };
 
-/// As in ", line 22, field 4, record 1, band 17"; empty for the whole file.
+/// The place as text, such as ", line 22, field 4, record 1, band 17"; empty for the whole file.
 [[nodiscard]] std::string placeText(const aq::FindingPlace& place);
 
-/// Without the keys of a place that the finding does not have.
+/// The finding as JSON, without the parts of a place that it does not have.
 [[nodiscard]] Json findingJson(const aq::Finding& finding);
 
 }  // namespace aqdata

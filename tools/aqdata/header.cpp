@@ -52,7 +52,7 @@ Json jsonOf(const std::shared_ptr<aq::Collection<std::string>>& lines) {
 Json jsonOf(aq::AQ_AverageMethod method) { return aq::wordOf(method); }
 Json jsonOf(aq::AQ_TimeStampType type) { return aq::wordOf(type); }
 
-/// The members of an object with a key.
+/// The values of the members that have a key.
 template <class Object>
 Json keyed(Object& object) {
   Json values = Json::object();

@@ -19,7 +19,7 @@ struct Held : aq::Content<Header, Model> {};
 template <>
 struct Held<aq::AQ_HeaderSTH, aq::AQ_SpectralTimeHistory>
     : aq::Content<aq::AQ_HeaderSTH, aq::AQ_SpectralTimeHistory> {
-  aq::HistoryWords words = {};  // of the header
+  aq::HistoryWords words = {};  // the words of the header
   std::vector<aq::HistoryWords::Other> others =
       {};                     // unknown words, which would be written as others
   double recordLength = 0.5;  // seconds; not in every file
@@ -27,7 +27,7 @@ struct Held<aq::AQ_HeaderSTH, aq::AQ_SpectralTimeHistory>
 
 template <>
 struct Held<void, aq::AQ_PositionTimeHistory> : aq::Content<void, aq::AQ_PositionTimeHistory> {
-  std::int32_t rejected = 0;  // fixes
+  std::int32_t rejected = 0;  // number of rejected fixes
 };
 
 using History = Held<aq::AQ_HeaderSTH, aq::AQ_SpectralTimeHistory>;
@@ -64,7 +64,7 @@ struct Measurement {
   Data data;
 };
 
-/// In one word, as in "history".
+/// The kind of file in one word, such as "history".
 [[nodiscard]] std::string_view kindWord(aq::FileKind kind);
 
 /// Reads a file of any kind; `watch` gets its header lines, and tracking fixes above `rt20Limit`
@@ -78,7 +78,7 @@ void expectFile(const std::string& path);
 // Read a file of one kind. Throw `Failure`, also for a file of another kind.
 [[nodiscard]] History openHistory(const std::string& path, const aq::HeaderObserver& watch = {});
 [[nodiscard]] MaskingMap openMap(const std::string& path, const aq::HeaderObserver& watch = {});
-/// For a map that must fit a history, which was read from `historyPath`.
+/// Reads a map, which must fit the history that was read from `historyPath`.
 [[nodiscard]] MaskingMap openMapOf(const History& history, const std::string& historyPath,
                                    const std::string& map);
 [[nodiscard]] SpectrumRecord openSpectrum(const std::string& path,
@@ -96,14 +96,15 @@ struct FlownPath {
 };
 [[nodiscard]] FlownPath openPath(const std::string& path);
 
-/// Throws `Failure` for a history whose header has a word that would be written as another one.
+/// Throws `Failure` for a history whose header has an unknown word, which would be written as
+/// another word.
 void expectKnownWords(const History& read, const std::string& path);
 
 /// Throws `Failure` unless a read or write succeeded.
 void expectGood(aq::AQ_DataMessage result, const aq::FileClass& file);
 
-/// The time of day as text, rounded to the nearest time that has a text form; empty if it has no
-/// clock form.
+/// The time of day as text, rounded to the nearest time that can be written; empty if it cannot be
+/// written as hh:mm:ss.
 [[nodiscard]] std::string timeText(aq::AQ_Time time);
 
 /// The time of day given to an option. Throws `Failure` for any other text.

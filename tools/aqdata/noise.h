@@ -33,10 +33,10 @@ inline constexpr MetricName kMetricNames[] = {
 /// The role of a record in the event, as in "max" or "first 2nd".
 [[nodiscard]] std::string flagsText(int flags);
 
-/// Record numbers, as in "3, 5-9"; after twenty runs gives the number of the rest.
+/// Record numbers, as in "3, 5-9"; after twenty runs, only the number of the others.
 [[nodiscard]] std::string recordsText(const std::vector<int>& records);
 
-/// As in "34 (2.5 kHz)".
+/// A band and its frequency, such as "34 (2.5 kHz)".
 [[nodiscard]] std::string bandText(std::int16_t band);
 
 /// The meaning of a record's last good band in words.
@@ -45,7 +45,7 @@ inline constexpr MetricName kMetricNames[] = {
 /// The row of a record; null without a map or without a row for it.
 [[nodiscard]] const aq::AQ_MaskRow* rowOf(const aq::AQ_MaskMap* map, std::int16_t record);
 
-/// As in "tone of 2.00 dB in band 34 (2.5 kHz)".
+/// The correction in words, such as "tone correction of 2.00 dB for band 34 (2.5 kHz)".
 [[nodiscard]] std::string toneText(const aq::ToneCorrection& tone);
 
 /// A field of comma-separated values, in quotes if necessary.

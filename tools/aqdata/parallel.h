@@ -13,11 +13,12 @@
 namespace aqdata {
 
 /// Runs `work(i)` for every i below `count` in `jobs` threads, and passes each result to `take(i,
-/// result)` in this thread, in order. Keeps only as many results waiting as keep the threads busy.
+/// result)` in this thread, in order. The threads run at most 16 * `jobs` items ahead of `take`, so
+/// that few results wait.
 template <class Work, class Take>
 void inOrder(std::size_t count, int jobs, const Work& work, const Take& take) {
   using Result = decltype(work(std::size_t{0}));
-  const std::size_t most = static_cast<std::size_t>(jobs) * 16;  // results that may wait
+  const std::size_t most = static_cast<std::size_t>(jobs) * 16;  // items ahead of `take`
   std::mutex mutex;
   std::condition_variable changed;
   std::map<std::size_t, Result> waiting;

@@ -36,7 +36,7 @@ struct Scale {
   }
   [[nodiscard]] bool empty() const { return low > high; }
 
-  /// From 0 at the bottom to 1 at the top.
+  /// The place of a level on the scale, from 0 at the bottom to 1 at the top.
   [[nodiscard]] double share(double level) const {
     return high > low ? (level - low) / (high - low) : 1;
   }
@@ -93,7 +93,7 @@ std::string bar(double share, std::size_t width, bool masked) {
   return masked ? text : text.append(kParts[eighths % 8]);
 }
 
-/// The line with the first and the last time below the ends of a picture.
+/// Prints the first and the last time below the ends of a drawing.
 void printTimes(Session& session, const Sheet& sheet, std::size_t margin, std::size_t columns) {
   const auto text = [](const Sheet::Row& row) {
     return row.cells.size() > 1 ? cellText(row.cells[1]) : cellText(row.cells[0]);
@@ -109,7 +109,7 @@ std::size_t room(std::size_t margin) {
   return static_cast<std::size_t>(std::max(40, terminal::width())) - margin - 1;
 }
 
-/// From blue through green and yellow to red.
+/// A colour from blue (0) through green and yellow to red (1).
 std::array<int, 3> colourAt(double share) {
   static constexpr std::array<std::array<int, 3>, 5> kStops{
       {{20, 20, 70}, {30, 90, 180}, {40, 170, 120}, {240, 210, 60}, {220, 40, 30}}};
@@ -159,7 +159,7 @@ std::string scaleText(const Scale& scale) {
 }  // namespace
 
 bool isLevel(const Json& cell) {
-  constexpr double kSummable = 3000;  // others are not real levels and would spoil the axis
+  constexpr double kSummable = 3000;  // levels beyond it are not real and would spoil the axis
   return cell.is_number() && cell.get<double>() != double{aq::AQ_INVALID_LEVEL} &&
          std::abs(cell.get<double>()) <= kSummable;
 }
@@ -205,7 +205,7 @@ void plotHistory(Session& session, const Sheet& sheet) {
                             single ? bandName(sheet.low) : std::string("all bands together"),
                             !masked  ? ""
                             : single ? ", light where masked"
-                                     : ", without those that are masked,"));
+                                     : ", excluding masked ones,"));
   for (int line = kLines - 1; line >= 0; --line) {
     std::string drawn;
     for (const Level& level : levels) {

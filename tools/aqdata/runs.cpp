@@ -69,7 +69,8 @@ std::vector<std::string> writeRun(const Session& session, Run& run, const RunFil
       writeHistory(session, run.history, to.history, from, isColumns(to.history));
   if (run.map) {
     run.map->header->sGenerationFile = to.history;
-    run.map->header->aqGenerationDateTime = std::make_shared<aq::AQ_Time>();  // the file's own
+    // Without a date here, the date of the history file is written.
+    run.map->header->aqGenerationDateTime = std::make_shared<aq::AQ_Time>();
     writeAt<aq::AQ_DataMask>(to.map, run.map->header, *run.map->model);
   }
   if (run.geometry) {

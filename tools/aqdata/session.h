@@ -30,10 +30,11 @@ class Session {
   bool quiet = false;
   std::string colour = "auto";
   int jobs = 2;
-  std::vector<std::string> files;                                     ///< as given
-  std::string output;                                                 ///< the file to write
-  bool force = false;                                                 ///< replaces an existing file
-  std::map<const CLI::Option*, std::vector<std::string>> words = {};  ///< that options take
+  std::vector<std::string> files;  ///< as given
+  std::string output;              ///< the file to write
+  bool force = false;              ///< replaces an existing file
+  std::map<const CLI::Option*, std::vector<std::string>> words =
+      {};  ///< the words that options take
 
   [[nodiscard]] int status() const { return status_; }
 
@@ -106,7 +107,7 @@ void addOutputFile(CLI::App& command, Session& session, const char* what, bool n
 /// them by commas. Shells offer the words.
 void addWords(Session& session, CLI::Option& option, std::vector<std::string> words);
 
-// Checks of an option's text. Return why it is not such a number; empty if it is.
+// Check an option's text. Return why it is not such a number, or an empty string if it is.
 std::string finiteNumber(const std::string& text);
 std::string numberFromZero(const std::string& text);
 using Check = std::function<std::string(const std::string&)>;

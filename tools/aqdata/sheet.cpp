@@ -30,7 +30,7 @@ std::vector<Json> levelsOf(const aq::AQ_Spectrum& spectrum) {
   return levels;
 }
 
-/// As `levelsOf`, from band `low` to `high`, with null for a missing level.
+/// The levels of a spectrum from band `low` to `high`, with null for a missing level.
 std::vector<Json> levelsOf(const aq::AQ_Spectrum& spectrum, std::int16_t low, std::int16_t high) {
   std::vector<Json> levels = levelsOf(spectrum);
   const bool whole = spectrum.LowBand() == low && spectrum.HighBand() == high;

@@ -15,7 +15,7 @@ namespace aqdata {
 /// The data of a file of any kind as rows, to show, convert and compare.
 struct Sheet {
   struct Row {
-    std::int32_t number;            ///< of the record; the index of a position
+    std::int32_t number;            ///< record number, or the index of a position
     std::vector<Json> cells;        ///< one per column
     std::vector<Json> bands;        ///< one per band from the lowest; null if there is none
     std::vector<bool> masked = {};  ///< one per band; empty without a map
@@ -59,7 +59,7 @@ struct Sheet {
 /// The keys that a header of some kind may have.
 [[nodiscard]] std::vector<std::string> headerKeys();
 
-/// Seconds rounded to five decimals: those of a minute are read in single precision.
+/// Seconds rounded to five decimals, since files are read in single precision.
 [[nodiscard]] double tidySeconds(double seconds);
 
 /// The double with the same shortest text as a single-precision number.

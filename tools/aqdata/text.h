@@ -24,7 +24,7 @@ namespace aqdata {
 /// `text` wrapped to lines of at most `width` columns, broken at blanks.
 [[nodiscard]] std::vector<std::string> wrapped(std::string_view text, std::size_t width);
 
-/// As in "1 record" and "2 records".
+/// A count with its noun, such as "1 record" or "2 records".
 [[nodiscard]] std::string counted(std::size_t count, std::string_view ofWhat);
 
 /// The entry of `names` that is most similar to `name`; empty if none is similar.

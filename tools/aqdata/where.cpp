@@ -55,7 +55,7 @@ int compareTexts(const std::string& a, const std::string& b) {
   return upper < 0 ? -1 : upper > 0 ? 1 : 0;
 }
 
-/// Whether a text matches a pattern with `*` and `?`.
+/// Whether `text` matches a pattern with `*` and `?`.
 bool fitsPattern(std::string_view text, std::string_view pattern) {
   std::size_t at = 0;
   std::size_t in = 0;

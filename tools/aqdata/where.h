@@ -11,8 +11,8 @@ namespace aqdata {
 /// The value of a key in the document of a file, or in its header; null if missing.
 [[nodiscard]] const Json& fieldOf(const Json& info, const std::string& field);
 
-/// Compares two values for sorting: numbers by size, times of day by the clock, other text without
-/// regard to case; null comes last. Negative, 0 or positive.
+/// Compares two values for sorting: numbers by value, times of day chronologically, and other text
+/// without regard to case; null comes last. Returns a negative number, 0 or a positive number.
 [[nodiscard]] int compareFields(const Json& a, const Json& b);
 
 /// Whether a file is wanted, from its document.

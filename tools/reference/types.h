@@ -52,7 +52,7 @@ struct Words<aq::Collection<T>> {
   static std::string text() { return linked("Collection") + " of " + typeWords<T>(); }
 };
 
-/// As in "16-bit integer", "text", "[AQ_Time](#aq_time)".
+/// A type in words, such as "16-bit integer", "text" or "[AQ_Time](#aq_time)".
 template <class T>
 std::string typeWords() {
   using Value = std::remove_cvref_t<T>;

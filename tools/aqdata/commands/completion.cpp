@@ -47,7 +47,7 @@ void forWords(const CLI::App& command, const Session& session, const Visit& visi
 /// The branches of a shell's `case` on the command and the word before the one to complete.
 std::string wordCases(CLI::App& program, const Session& session, const char* branch) {
   std::string cases;
-  std::string arguments;  // which any word may precede, so they come last
+  std::string arguments;  // branches for arguments; any word may precede one, so they come last
   for (const CLI::App* command : commandsOf(program)) {
     forWords(*command, session, [&](const auto& names, const std::string& words) {
       const std::string pattern = command->get_name() + ':' + (names.empty() ? "*" : names.front());
@@ -126,7 +126,7 @@ std::string zsh(CLI::App& program, const Session& session) {
       "    _files\n"
       "  fi\n"
       "}}\n"
-      // Loaded by its name on first use, or sourced.
+      // The shell loads the function by its name on first use, or the user sources the script.
       "if [ \"$funcstack[1]\" = _aqdata ]; then\n"
       "  _aqdata \"$@\"\n"
       "else\n"

@@ -29,8 +29,8 @@ struct ConvertChoice {
   std::string file;
   std::string to;
   std::optional<std::int16_t> record = {};
-  std::string map = {};  // for a workbook
-  bool maps = false;     // those next to the histories
+  std::string map = {};  // the masking map, for a workbook or netCDF
+  bool maps = false;     // use the maps next to the histories
   std::uint8_t rt20 = 1;
 };
 
@@ -114,7 +114,7 @@ void putSpectrum(const Session& session, const ConvertChoice& choice, const Meas
   writeOutput<aq::AQ_DataSSR>(session, header, *spectrum);
 }
 
-/// Writes the history of any file in one of the two text forms.
+/// Writes the history in any file, either comma-separated or in fixed columns.
 void putHistory(Session& session, const ConvertChoice& choice, const Measurement& measurement,
                 bool inColumns) {
   const auto* const read = std::get_if<History>(&measurement.data);
@@ -141,7 +141,7 @@ void putMap(const Session& session, const Measurement& measurement) {
   writeOutput<aq::AQ_DataMask>(session, read->header, *read->model);
 }
 
-/// Writes positions, from tracking or from what `convert` made of positions.
+/// Writes positions, from a tracking file or from a table or document that `convert` has written.
 void putPositions(Session& session, const ConvertChoice& choice) {
   if (choice.record) throw Failure("--record does not apply to positions");
   const auto back =
@@ -162,7 +162,7 @@ std::string beginningOf(const std::string& path) {
   return begin;
 }
 
-/// Reads a file of any kind, or what `convert` made of one.
+/// Reads a file of any kind, or a table or document that `convert` has written.
 Measurement readAny(const ConvertChoice& choice) {
   if (beginningOf(choice.file) == "PK\x03\x04") {
     throw Failure(

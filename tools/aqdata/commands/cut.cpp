@@ -22,8 +22,8 @@ struct CutChoice {
   std::string down = {};
   std::string map = {};
   std::string geometry = {};
-  bool maps = false;        // next to the histories
-  bool geometries = false;  // likewise
+  bool maps = false;        // cut the maps next to the histories
+  bool geometries = false;  // cut the geometries next to the histories
   bool renumber = false;
 };
 
@@ -59,8 +59,8 @@ void expectOneChoice(const CutChoice& choice, bool severalFiles) {
   }
   if (severalFiles && (!choice.map.empty() || !choice.geometry.empty())) {
     throw Failure(
-        "--mask and --geometry are those of one history; --masks and --geometries take "
-        "those next to several");
+        "--mask and --geometry belong to one history; --masks and --geometries use the "
+        "files next to several");
   }
 }
 
@@ -172,7 +172,7 @@ void cut(Session& session, const CutChoice& choice) {
 void addCut(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<CutChoice>();
   CLI::App* const command = addCommand(
-      program, session, "cut", "Cut histories, maps and geometries to some records",
+      program, session, "cut", "Cut histories, maps and geometries to a range of records",
       "Records keep their time stamps. They keep their numbers unless a map or geometry\n"
       "is also cut; these require numbers from 1, so the records are renumbered, and\n"
       "a comment in each header gives the old numbers. The map and geometry are written\n"
@@ -192,10 +192,10 @@ void addCut(CLI::App& program, Session& session) {
   add("--down", choice->down, "Keep the event: PNLT within DB of the largest", "DB")
       ->check(finiteNumber, "");
   add("--mask", choice->map, "Also cut this masking map", "MAP");
-  command->add_flag("--masks", choice->maps, "Also cut the maps next to the histories, x.mask.csv");
+  command->add_flag("--masks", choice->maps, "Also cut the maps next to histories, x.mask.csv");
   add("--geometry", choice->geometry, "Also cut this emission geometry", "FILE");
   command->add_flag("--geometries", choice->geometries,
-                    "Also cut the geometries next to them, x.gth.csv");
+                    "Also cut the geometries next to histories, x.gth.csv");
   command->add_flag("--renumber", choice->renumber,
                     "Number the records from 1 even without a map or geometry");
   addOutputFile(*command, session, "The history to write, or a folder");

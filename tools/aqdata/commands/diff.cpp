@@ -28,18 +28,18 @@ struct DiffChoice {
 /// How two files differ in one column, or in one band.
 struct Column {
   std::size_t count = 0;
-  double largest = -1;      // difference of numbers; of other cells, the first one is shown
-  std::int32_t record = 0;  // its record
+  double largest = -1;      // the largest difference; 0 if the cells are not numbers
+  std::int32_t record = 0;  // the record with the largest difference, or the first that differs
   Json a = {};
   Json b = {};
-  std::size_t numbers = 0;  // compared, including equal ones
-  double sum = 0;           // of their differences
+  std::size_t numbers = 0;  // how many numbers were compared, including equal ones
+  double sum = 0;           // the sum of their differences
 
   void compare(const Json& one, const Json& other, std::int32_t number, double tolerance) {
     const bool areNumbers = one.is_number() && other.is_number();
     const double difference = areNumbers ? std::abs(one.get<double>() - other.get<double>()) : 0;
     if (areNumbers) ++numbers, sum += difference;
-    constexpr double kRounding = 1e-9;  // 0.01 apart despite rounding
+    constexpr double kRounding = 1e-9;  // so that 65.31 - 65.30 is not above 0.01
     if (areNumbers ? difference <= tolerance + kRounding : one == other) return;
     ++count;
     if (difference <= largest) return;
@@ -132,7 +132,7 @@ class Comparison {
     for (const auto& [band, column] : bands_) add(column);
     if (bands_.empty()) {
       for (std::size_t i = 1; i < columns_.size(); ++i)
-        add(columns_[i]);  // the first is the number
+        add(columns_[i]);  // the first column is the number
     }
     return numbers == 0 ? 0 : sum / static_cast<double>(numbers);
   }
@@ -144,7 +144,7 @@ class Comparison {
   std::map<std::int32_t, Column> bands_;
 };
 
-/// As in "1 to 3, 7".
+/// Ascending numbers as text, such as "1 to 3, 7".
 std::string rangesText(const std::vector<std::int32_t>& numbers) {
   std::string text;
   for (std::size_t i = 0; i < numbers.size();) {
@@ -385,7 +385,7 @@ void addDiff(CLI::App& program, Session& session) {
   CLI::App* const command =
       addCommand(program, session, "diff", "Show how two files or folders differ",
                  "Ignores the files' own names and dates. Compares the names of their source\n"
-                 "files, and with --dates also the dates of those.\n\n"
+                 "files and, with --dates, also the dates of the source files.\n\n"
                  "Examples:\n"
                  "  aqdata diff fly-over.sth.csv stamped.sth.csv --tolerance 0.01\n",
                  [&session, choice] { diff(session, *choice); });

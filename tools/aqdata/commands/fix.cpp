@@ -28,7 +28,7 @@ struct FixChoice {
 struct FixOutcome {
   aq::Mended mended = {};
   std::string output = {};    // empty when nothing was written
-  std::string original = {};  // where it is kept; empty if it is not
+  std::string original = {};  // where the original is kept; empty if it is not
   std::vector<std::string> errors = {};
   std::size_t warnings = 0;
   std::string failure = {};
@@ -68,7 +68,8 @@ std::string keepOriginal(const std::string& path, std::string_view bytes) {
   std::string original = path + ".orig";
   std::error_code error;
   if (fs::exists(pathOf(original), error)) {
-    throw Failure(fmt::format("{}: already exists; --no-orig keeps none", aq::escaped(original)));
+    throw Failure(
+        fmt::format("{}: already exists; --no-orig keeps no original", aq::escaped(original)));
   }
   writeBytes(original, bytes);
   fs::last_write_time(pathOf(original), fs::last_write_time(pathOf(path), error), error);
@@ -138,7 +139,7 @@ Json documentOf(const std::string& file, const FixOutcome& outcome) {
           {"warnings", outcome.warnings}};
 }
 
-/// Says what was done with a file, and what is left.
+/// Reports what was done with a file, and what is left to do.
 void tellOutcome(Session& session, const std::string& file, const FixOutcome& outcome) {
   const std::string name = aq::escaped(file);
   const bool written = !outcome.output.empty();
@@ -210,7 +211,7 @@ void addFix(CLI::App& program, Session& session) {
   CLI::App* const command = addCommand(
       program, session, "fix", "Undo what other programs did to the text of files",
       "Undoes only what is certain: gzip, UTF-16, byte order marks, carriage returns as\n"
-      "line ends, semicolons, tabs, quotes and padding added by spreadsheets, blank\n"
+      "line endings, semicolons, tabs, quotes and padding added by spreadsheets, blank\n"
       "lines, and decimal commas. A comment in the file says what was changed; anything\n"
       "uncertain is only reported. Without --write, prints what would change and exits\n"
       "with status 1 if anything would. If OUT is a folder, it receives all files,\n"

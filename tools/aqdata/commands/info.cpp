@@ -31,7 +31,7 @@ struct Extent {
   std::int32_t low = 0;
   std::int32_t high = 0;
   std::optional<double> begin = {};  // time of day of the lowest record, in seconds
-  std::optional<double> end = {};    // of the highest record
+  std::optional<double> end = {};    // time of day of the highest record
   std::string beginText = {};
   std::string endText = {};
 
@@ -144,7 +144,7 @@ Json channelInfo(const aq::sdf::Record& channel) {
           {"range_db_v_peak", channel.real(kChannel["range"])}};
 }
 
-/// What a recording holds besides levels.
+/// Adds what a recording holds besides levels.
 void addRecording(const std::string& path, Json& info) {
   const auto recording = aq::sdf::Recording::fromFile(path);
   info["revision"] = recording.records().revision();
@@ -159,7 +159,7 @@ void addRecording(const std::string& path, Json& info) {
 
 struct Outcome {
   Json info = {};
-  std::string_view word = {};  // its kind
+  std::string_view word = {};  // the word for its kind
   std::string failure = {};
 };
 
@@ -206,7 +206,7 @@ std::string partsText(const Json& object) {
   return text;
 }
 
-/// The lines of a value: each entry of a list of texts or objects starts one.
+/// The lines of a value; each entry of a list of strings or objects starts a new line.
 std::vector<std::string> valueLines(const Json& value, std::size_t width) {
   if (!value.is_array() || value.empty() || value.front().is_number()) {
     return wrapped(listText(value, ", "), width);
@@ -219,7 +219,7 @@ std::vector<std::string> valueLines(const Json& value, std::size_t width) {
   return lines;
 }
 
-/// One key per line; leaves out empty values.
+/// Prints one key per line; leaves out empty values.
 void printValues(Session& session, const Json& values) {
   constexpr std::size_t kKeys = 25;
   constexpr std::size_t kNarrowest = 20;
@@ -337,7 +337,7 @@ class Listing {
       const Json& other = fieldOf(b, field);
       const int order = compareFields(one, other);
       const bool lacking =
-          listText(one, "").empty() != listText(other, "").empty();  // they come last
+          listText(one, "").empty() != listText(other, "").empty();  // empty values come last
       if (order != 0) return falls_ && !lacking ? order > 0 : order < 0;
     }
     return false;
@@ -413,8 +413,7 @@ void addInfo(CLI::App& program, Session& session) {
                  "    --columns file,microphone,records --sort begin\n",
                  [&session, choice] { info(session, *choice); });
   addFiles(*command, session);
-  command
-      ->add_option("--where", choice->where, "Only files that match a condition, as in records>10")
+  command->add_option("--where", choice->where, "List only files that match, as in records>10")
       ->option_text("TEXT");
   command
       ->add_option("--columns", choice->columns,

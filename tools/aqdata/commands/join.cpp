@@ -146,7 +146,7 @@ void addJoin(CLI::App& program, Session& session) {
                     "Fill gaps with records whose levels are 9999, not valid");
   command->add_flag("--masks", choice->maps, "Also join the maps next to the pieces");
   command->add_flag("--geometries", choice->geometries,
-                    "Also join their geometries, if no record is missing");
+                    "Also join the geometries, if no record is missing");
   addOutputFile(*command, session, "The history to write");
 }
 

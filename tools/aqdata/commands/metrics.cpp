@@ -18,7 +18,7 @@ namespace {
 
 struct MetricsChoice {
   std::string map;
-  bool maps = false;  // next to the histories
+  bool maps = false;  // use the maps next to the histories
 };
 
 /// The metrics of a file.
@@ -167,7 +167,7 @@ class MetricsReport {
   }
 
  private:
-  /// Adds the records of a single file, or one event of several files.
+  /// Adds the records of a single file, or the event of one of several files.
   void take(const FileMetrics& outcome, CsvLines& lines) {
     if (!oneFile_) return lines.add(eventCells(outcome, cellText));
     addMetricLines(outcome.document, lines);
@@ -177,7 +177,7 @@ class MetricsReport {
 
   Session& session_;
   bool oneFile_;
-  std::string event_;  // of a single file, whose table has only records
+  std::string event_;  // the event of a single file, whose table has only records
   CsvLines lines_;
   Table table_{{{"file"},
                 {"records", true, true},
@@ -226,8 +226,8 @@ void addMetrics(CLI::App& program, Session& session) {
   CLI::App* const command =
       addCommand(program, session, "metrics", "Compute noise metrics and the event: PNLT, EPNL",
                  "One history: prints the metrics of each record, then the event. Several, or a\n"
-                 "folder: prints the event of each history on one line. -o writes the same table;\n"
-                 "that of one history has no event. INTEG says which part of the event a record\n"
+                 "folder: prints the event of each history on one line. -o writes the same table,\n"
+                 "for one history without the event. INTEG says which part of the event a record\n"
                  "is: the maximum, the first or last record of the sum, or a second peak.\n\n"
                  "Examples:\n"
                  "  aqdata metrics fly-over.sth.csv --mask fly-over.mask.csv\n"

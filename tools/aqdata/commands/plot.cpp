@@ -11,7 +11,7 @@ void plot(Session& session) {
   const std::vector<std::string> files = chosenFiles(session);
   if (session.status() != kFine) return;
   if (session.intoStream())
-    throw Failure("a picture cannot go to standard output: name a file with -o");
+    throw Failure("an image cannot go to standard output: name a file with -o");
   expectOutput(session, {".png", ".svg", ".pdf"}, files);
   if (session.output.find('.') == session.output.npos) {
     throw Failure(fmt::format("{}: expected a name that ends in .png, .svg, .pdf",
@@ -22,7 +22,7 @@ void plot(Session& session) {
     static_cast<void>(openFile(file));  // reports a file that cannot be read
     words.push_back(file);
   }
-  runPackage("a picture", words);
+  runPackage("an image", words);
   session.wrote("drawn");
 }
 
@@ -37,7 +37,7 @@ void addPlot(CLI::App& program, Session& session) {
       "  aqdata plot fly-over.sth.csv fly-over.mask.csv -o fly-over.png\n",
       [&session] { plot(session); });
   addFiles(*command, session);
-  addOutputFile(*command, session, "The picture to write: .png, .svg or .pdf");
+  addOutputFile(*command, session, "The image to write: .png, .svg or .pdf");
 }
 
 }  // namespace aqdata

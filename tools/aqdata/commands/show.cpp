@@ -15,7 +15,7 @@ struct ShowChoice {
   std::string records;
   std::string bands;
   std::string map;
-  std::size_t most = 10;  // that head shows
+  std::size_t most = 10;  // the number of records that head shows
   bool levels = false;
   bool plot = false;
   bool spectrogram = false;
@@ -42,7 +42,7 @@ std::string bandText(Session& session, const Json& cell, bool masked) {
   return masked ? session.faint(text + '*') : text;
 }
 
-/// One column per band.
+/// Prints the levels, one column per band.
 void printBands(Session& session, const Sheet& sheet) {
   std::vector<Table::Column> columns;
   for (const std::string& name : sheet.columns) columns.push_back({name, true});

@@ -30,7 +30,7 @@ std::vector<std::string> wordsOf() {
   }
 }
 
-/// The member with that word, which must exist.
+/// The enumerator that `word` names; there must be one.
 template <class Enumeration>
 Enumeration valueOf(const std::string& word) {
   Enumeration value{};
@@ -50,7 +50,7 @@ aq::AQ_RefTimeType referenceOf(const History& read, const StampChoice& choice) {
                   aq::escaped(choice.file), aq::shown(read.words.reference())));
 }
 
-/// Stamp and reference type are replaced; the averaging method must be a known word.
+/// Throws `Failure` for an unknown averaging method; the other words of the file are replaced.
 void expectKnownAveraging(History read, const std::string& file) {
   std::erase_if(read.others, [](const auto& other) { return other.what != "averaging method"; });
   expectKnownWords(read, file);
@@ -106,7 +106,7 @@ void addStamp(CLI::App& program, Session& session) {
   };
   add("--start", choice->start, "The time of day at which record 1 begins", "TIME")->required();
   addWords(session,
-           *add("--type", choice->type, "What a stamp gives: START, MIDPT, END, ICAOSLO, OLDSLO",
+           *add("--type", choice->type, "What a stamp marks: START, MIDPT, END, ICAOSLO, OLDSLO",
                 "TYPE"),
            wordsOf<aq::AQ_TimeStampType>());
   add("--ref", choice->reference, "The reference time, from which relative times count", "TIME")

@@ -20,7 +20,7 @@ function(embed name content)
 endfunction()
 
 file(READ "${SOURCE}/vendor/uplot/uPlot.iife.min.js" chart)
-string(REGEX REPLACE "^/\\*![^\n]*\n" "" chart "${chart}")  # the licence comes with it, without links
+string(REGEX REPLACE "^/\\*![^\n]*\n" "" chart "${chart}")  # removes links; the licence is below
 embed(chart "${chart}")
 file(READ "${SOURCE}/vendor/uplot/LICENSE" licence)
 embed(chartLicence "${licence}")

@@ -20,7 +20,7 @@ namespace aqdata::report {
 /// Numbers from 0 to 3, four per byte, the first one in the lowest bits.
 [[nodiscard]] Json packedQuarters(std::string_view numbers);
 
-/// The same for `value(element)` of each element.
+/// Packs `value(element)` of each element.
 template <class Elements, class Value>
 Json packedFrom(const Elements& elements, double step, const Value& value) {
   std::vector<double> numbers;

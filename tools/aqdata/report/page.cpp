@@ -61,7 +61,7 @@ Page::Page(std::string_view title) {
       "<meta name=\"color-scheme\" content=\"light dark\">\n"
       "<meta name=\"generator\" content=\"aqdata {}\">\n"
       "<title>{}</title>\n<style>{}</style>\n</head>\n<body>\n"
-      "<noscript>This page draws its pictures and tables with a script, and scripts are "
+      "<noscript>This page draws its charts and tables with a script, and scripts are "
       "switched off in this browser.</noscript>\n",
       sourceOf(assets::styleDigest), sourceOf(assets::chartDigest), sourceOf(assets::scriptDigest),
       AQDATA_VERSION, htmlText(title), assets::style);

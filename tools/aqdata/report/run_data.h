@@ -27,8 +27,8 @@ struct RunChoice {
 /// A run in the page's form.
 struct RunData {
   Json summary = {};                         ///< its line in the table of all runs
-  Json document = {};                        ///< its section
-  aq::Checked checked = {};                  ///< of the history
+  Json document = {};                        ///< the data of its section
+  aq::Checked checked = {};                  ///< the findings of the history
   std::vector<std::string> complaints = {};  ///< about files that the page leaves out
   std::string failure = {};                  ///< why the history could not be read
 };

@@ -1,7 +1,7 @@
 import { element } from "./dom.js";
 import { LEVEL_COLOURS } from "./theme.js";
 
-/** The heading of a picture, and its keys: pairs of a style name and a text. */
+/** The heading of a chart, and its keys: pairs of a style name and a label. */
 export function caption(title, keys) {
   const made = element("figcaption", {}, element("span", { class: "title" }, title));
   for (const [style, text] of keys) {

@@ -26,7 +26,8 @@ function leave(section) {
   section.close();
 }
 
-// Only open sections near the view have pictures, since those of hundreds would not fit in memory.
+// Only open sections near the view have charts, since the charts of hundreds of runs would not fit
+// in memory.
 const watcher = new IntersectionObserver(
   (entries) => {
     for (const { target, isIntersecting } of entries) {
@@ -96,7 +97,7 @@ function build() {
   const [only] = season.runs;
   const title = single ? only.name : `${season.runs.length} runs`;
   const help =
-    "Drag across a picture to zoom, double-click to show all. With the keyboard: Tab to a picture, " +
+    "Drag across a chart to zoom, double-click to show all. With the keyboard: Tab to a chart, " +
     "arrows move the cursor, + and \u2212 zoom, 0 shows all" +
     (single ? "." : "; n and p go to the next and previous run.");
   for (const section of sections) section.root = rootOf(section);

@@ -113,7 +113,7 @@ export class Run {
   }
 }
 
-/** The state that the pictures of a run share: record and band at the cursor, and the range shown. */
+/** The state that the charts of a run share: record and band at the cursor, and the range shown. */
 export class Selection {
   constructor(run) {
     this.run = run;

@@ -10,7 +10,7 @@ import { spectrum } from "./spectrum.js";
 
 const PAPER_WIDTH = 720; // width in CSS pixels that fits A4 and Letter
 const PICTURES = [
-  // name, picture, whether it takes half the width of the paper
+  // name, chart, whether it takes half the width of the paper
   ["spectrogram", spectrogram, false],
   ["levels", levels, false],
   ["spectrum", spectrum, false],
@@ -19,7 +19,7 @@ const PICTURES = [
   ["geometry", geometry, false],
 ];
 
-/** The section of one run. Its pictures exist between `open` and `close`. */
+/** The section of one run. Its charts exist between `open` and `close`. */
 export class Section {
   constructor(number, summary, season) {
     this.number = number;
@@ -110,7 +110,7 @@ export class Section {
     this.slider.setAttribute("aria-valuetext", text);
   }
 
-  /** Fits the pictures to the width of the page, or to all or half of the paper. */
+  /** Fits the charts to the width of the page, or to all or half of the paper. */
   fit(paper = false) {
     for (const { host, half, chart } of this.charts) {
       const width = paper ? (half ? PAPER_WIDTH / 2 - 6 : PAPER_WIDTH) : host.clientWidth;
@@ -126,7 +126,7 @@ export class Section {
     this.root.classList.remove("printed");
   }
 
-  /** Releases the pictures; the section keeps its height. */
+  /** Releases the charts; the section keeps its height. */
   close() {
     if (!this.shown) return;
     this.shown = false;

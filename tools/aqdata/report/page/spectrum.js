@@ -4,7 +4,7 @@ import { colour } from "./theme.js";
 import { baseOptions, line, plain, sideAxis, axis } from "./time_chart.js";
 
 const SPECTRUM_HEIGHTS = { screen: 280, beside: 548, paper: 185 };
-const isBeside = matchMedia("(min-width: 1400px)"); // spectrogram and levels, as high as both
+const isBeside = matchMedia("(min-width: 1400px)"); // beside spectrogram and levels, and as high
 
 function ambientOf(run) {
   const { ambient } = run.data;

@@ -1,4 +1,4 @@
-// Viridis, as in the pictures of the Python package: distinguishable with any colour vision and in
+// Viridis, as in the plots of the Python package: distinguishable with any colour vision and in
 // grey.
 const VIRIDIS =
   "440154 470d60 48186a 482374 472e7c 453882 424186 3e4a89 3a548c 365d8d 32658e 2e6d8e " +

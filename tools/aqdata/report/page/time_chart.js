@@ -3,7 +3,7 @@ import { element } from "./dom.js";
 import { colour } from "./theme.js";
 
 const FONT = '12px system-ui, "DejaVu Sans", sans-serif';
-export const GUTTER = 58; // of every vertical axis, so that pictures align in time
+export const GUTTER = 58; // width of every vertical axis, so that charts align in time
 const SECONDS = [0.5, 1, 2, 5, 10, 15, 30, 60, 120, 300, 600, 900, 1800, 3600, 7200, 21600];
 const RECORDS = [1, 2, 5, 10, 20, 50, 100, 200, 500, 1000, 2000, 5000, 10000];
 
@@ -25,7 +25,7 @@ export function axis(more = {}) {
 /** A vertical axis with the name and unit of its quantity. */
 export const sideAxis = (label, more = {}) => axis({ label, ...more });
 
-/** A line in a picture. */
+/** A line in a chart. */
 export function line(name, more = {}) {
   return {
     stroke: () => colour(name),
@@ -36,7 +36,7 @@ export function line(name, more = {}) {
   };
 }
 
-/** The uPlot options that all pictures share. */
+/** The uPlot options that all charts share. */
 export function baseOptions(width, height) {
   return {
     width,
@@ -53,12 +53,12 @@ export function plain(values) {
 }
 
 /**
- * A picture over the time of the records, linked to the selection: a line marks the record at the
+ * A chart over the time of the records, linked to the selection: a line marks the record at the
  * cursor, dragging zooms, and keys move and zoom.
  *
  * `options` has uPlot's `data`, `series`, `axes` except the first, `scales` except x, and `hooks`;
- * `label` describes the picture; `heights` are those on the screen and on paper; `bandAt` gives the
- * band at the pointer; `marksCursor` is set if `hooks` draw something at the cursor.
+ * `label` describes the chart; `heights` are its heights on the screen and on paper; `bandAt` gives
+ * the band at the pointer; `marksCursor` is set if `hooks` draw something at the cursor.
  */
 export class TimeChart {
   constructor(host, selection, options) {
@@ -108,7 +108,7 @@ export class TimeChart {
     };
   }
 
-  /** Presents the picture to assistive programs as a slider over the records. */
+  /** Presents the chart to assistive programs as a slider over the records. */
   describe() {
     const { run } = this.selection;
     const set = (name, value) => this.host.setAttribute(name, value);
