@@ -12,7 +12,7 @@ from .errors import Error
 from .files import read, write
 from .restore import measurement
 
-_PAGE = {  # what a picture shows of a file, by its class
+_PAGE = {  # the argument of `plot.page` for the content of a file, by its class
     _core.AQ_SpectralTimeHistory: "history",
     _core.AQ_MaskMap: "mask",
     _core.AQ_Spectrum: "ambient",
@@ -52,7 +52,7 @@ def plot(output: str, *paths: str) -> None:
         header, data = read(path)
         part = _PAGE.get(type(data))
         if part is None:
-            raise ValueError(f"{path}: there is no picture of {type(data).__name__}")
+            raise ValueError(f"{path}: {type(data).__name__} cannot be drawn")
         if part in found:
             raise ValueError(f"{path}: expected one file of each kind, found a second {part}")
         found[part] = (header, data)

@@ -26,7 +26,7 @@ class Accessor:
     @property
     def level(self) -> xr.DataArray:
         """Levels in dB over `time` and `band`, NaN where there is no valid level. Raises
-        `ValueError` if the dataset has none.
+        `ValueError` if the dataset has no levels.
 
         >>> ds.aq.level.max("time")
         """
@@ -74,15 +74,15 @@ class Accessor:
     ) -> xr.Dataset:
         """The dataset of a range of records: by number, between two times of day, or the event,
         which is the records within `down` decibels of the largest PNLT, masks taken into account,
-        plus one on each side. Records keep their numbers; `measurement` gives history and map.
-        Raises `ValueError` unless exactly one is given, and if no record remains.
+        plus one on each side. Records keep their numbers; `measurement` returns history and map.
+        Raises `ValueError` unless exactly one way is chosen, and if no record remains.
 
         >>> ds.aq.cut(down=10)
         """
         need_once(self._ds)
         history, mask = measurement(self._ds)
         numbers = np.sort(self._ds["record"].values)
-        if mask is not None and records is not None:  # `measurement` numbers them from 1
+        if mask is not None and records is not None:  # `measurement` numbers records from 1
             places = np.flatnonzero((numbers >= records[0]) & (numbers <= records[1])) + 1
             if not places.size:
                 raise ValueError(
@@ -140,6 +140,6 @@ class Accessor:
         for name, column in points.data_vars.items():
             dates = column.dtype.kind == "M"
             none = np.array([np.datetime64("NaT") if dates else np.nan])
-            values = np.append(column.values, none)[places]  # place -1 is the one without a value
+            values = np.append(column.values, none)[places]  # index -1 is the missing value
             joined[name] = ("time", values, column.attrs)
         return self._ds.assign(joined)

@@ -21,13 +21,13 @@ from .times import OWN, clock, going_on
 
 Function = TypeVar("Function", bound=Callable[..., Any])
 
-# By the word for their content; kinds without a header of their own are written without one.
+# The header classes by the word for a file's content, of the kinds that have a header class.
 HEADERS: dict[str, Any] = {
     f.word: f.header for f in FORMATS.values() if f.header is not None and f.word != "recording"
 }
 KINDS = (None, "emission", "parameters", *HEADERS)
-# Header texts as readable attributes, with the fields that headers have for them. The CF
-# conventions define the names title and source.
+# Readable attributes, and the text fields of headers that they show. The CF conventions define the
+# names title and source.
 _WORDS: dict[str, tuple[str, ...]] = {
     "title": ("sProjectName", "ProjectName"),
     "source": ("sGeneratedBy", "GeneratedBy"),
@@ -66,7 +66,7 @@ def nominal_frequency(bands: npt.ArrayLike) -> npt.NDArray[np.float64]:
     return np.asarray(np.round(series[step] * 10.0**decade, 9))
 
 
-# Headers and settings as plain values and back.
+# Converts headers and settings to plain values, and back.
 
 _FOLLOWING = ("LoRec", "HiRec")  # set by the records; a dataset may have fewer
 
@@ -86,7 +86,7 @@ def plain(value: Any) -> Any:
 
 
 def restored(target: Any, values: Any) -> Any:
-    """The target with these values from `plain`."""
+    """Stores values from `plain` in the target, and returns it."""
     try:
         return _restored(target, values)
     except (AttributeError, LookupError, TypeError, ValueError) as error:
@@ -119,7 +119,7 @@ def _word(member: Any) -> str:
 def _clock_text(time: _core.AQ_Time) -> str:
     try:
         return time.TODstring
-    except Error:  # outside a day
+    except Error:  # not a time within a day
         return f"{time.TODseconds!r} s"
 
 
@@ -300,11 +300,11 @@ def flags(dims: tuple[str, str], values: Any, enum: Any, long_name: str) -> xr.V
     return variable(dims, values, "", long_name, **values_and_meanings)
 
 
-DATE, CLOCK, CLOCK_BESIDE, LENGTH = "date", "clock", "clock beside time", "length"  # as units
+DATE, CLOCK, CLOCK_BESIDE, LENGTH = "date", "clock", "clock beside time", "length"  # as if units
 
 
 def _own_times(name: str, dim: str, own: Any, seconds: Any) -> dict[str, xr.Variable]:
-    """The times of the file, if those of the dataset differ."""
+    """A variable with the times of the file, if those of the dataset differ."""
     if np.array_equal(own, seconds, equal_nan=True):
         return {}
     return {name + OWN: variable(dim, own, "s", "time of day, as in the file")}

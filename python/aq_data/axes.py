@@ -1,4 +1,4 @@
-"""Shared parts of pictures: datasets ready to be drawn, axes of time and frequency, legends."""
+"""Shared parts of plots: datasets ready to be drawn, axes of time and frequency, legends."""
 
 from __future__ import annotations
 
@@ -29,7 +29,7 @@ def axes(ax: Optional[Axes]) -> Axes:
 
 
 def length_unit(unit: Optional[str], ds: xr.Dataset, name: str) -> str:
-    """The unit of a picture's lengths: the given one, otherwise that of the dataset."""
+    """The unit of lengths in a plot: the given one, otherwise that of the dataset."""
     return check_unit(ds[name].attrs.get("units", "m") if unit is None else unit)
 
 
@@ -96,10 +96,10 @@ def _tells(values: Any) -> bool:
 
 
 def time_axis(ax: Axes, *datasets: xr.Dataset) -> list[Any]:
-    """The times of datasets for a picture, of the kind of the first one that has any.
+    """The times of datasets for the horizontal axis.
 
-    Relative to the reference if there are such times, otherwise times of day, otherwise record
-    numbers.
+    These are times relative to the reference if the first dataset with records has them, otherwise
+    times of day, otherwise record numbers.
     """
     first = next((ds for ds in datasets if ds["time"].size), datasets[0])
     kinds = [name for name in _TIMES if name in first.variables]

@@ -28,7 +28,7 @@ class NoPlaceError(Error, IndexError):
 
 
 class UnwritableError(Error, ValueError):
-    """A value that has no text form."""
+    """A value that cannot be written as text."""
 
 
 class MismatchError(Error, TypeError):
@@ -103,7 +103,7 @@ class NoFolderFileError(SystemFileError, NotADirectoryError):
     """A path through something that is not a folder."""
 
 
-# By the library's reasons, which are in English in every locale.
+# Error numbers by the library's reasons, which are in English in every locale.
 _NUMBERS = {os.strerror(number): number for number in errno.errorcode}
 _CLASSES = {
     errno.ENOENT: MissingFileError,

@@ -28,12 +28,12 @@ _MEMBERS = {
     "time_stamp": ("TimeStampType", _core.AQ_TimeStampType),
     "reference_time_type": ("ReferenceType", _core.AQ_RefTimeType),
 }
-_FIRST_BAND = 4  # its column
+_FIRST_BAND = 4  # the column of the lowest band
 _NO_MASK = ".."
 
 
 def _date(text: str) -> _core.AQ_Time:
-    """Parses `mm/dd/yyyy hh:mm:ss`; midnight may lack the time."""
+    """Parses `mm/dd/yyyy hh:mm:ss`; the time may be missing at midnight."""
     day, _, clock = text.partition(" ")
     month, number, year = map(int, day.split("/"))
     time = as_time(clock or "00:00:00")
@@ -71,7 +71,7 @@ def _number(value: Any) -> float:
 
 
 def _stamp(text: Any, seconds: float) -> float:
-    """The time of day of a text; `seconds` if the text was rounded to the next second."""
+    """The time of day in `text`, or `seconds` if the text was rounded to the next second."""
     own = as_time(str(text)).TODseconds if text else seconds
     return own if abs(own - seconds) < 0.006 else seconds
 
@@ -86,7 +86,7 @@ def _run_of(rows: list[tuple[Any, ...]], headers: list[tuple[str, str, Any]]) ->
     levels = np.array([[_number(cell) for cell in row[_FIRST_BAND:end]] for row in rows[1:]])
     history = _core.AQ_SpectralTimeHistory.from_numpy(levels, low, numbers)
     stamps = [_stamp(row[1], _number(row[2])) for row in rows[1:]]
-    relative = np.array([_number(row[3]) for row in rows[1:]], dtype=np.float32)  # as files have it
+    relative = np.array([_number(row[3]) for row in rows[1:]], dtype=np.float32)  # as in files
     history.times = {"TODseconds": np.array(stamps), "RelSeconds": relative.astype(float)}
     header, map_header = _core.AQ_HeaderSTH(), _core.AQ_HeaderMask()
     for part, key, value in headers:

@@ -44,8 +44,8 @@ def read_sdf(path: Path) -> dict[str, Any]:
     `recording["SDF_CHANNEL_HDR"]` is a list of dictionaries of fields; so are the other records,
     under the names of their types. `recording["traces"][i]` belongs to data header `i` and has `y`
     by scan, trace and value, `x` by point and, if there is one, `scan_variable` by scan. All values
-    are as stored, without unit: `read` gives levels. `revision` and `scans`, the number of valid
-    ones, are further keys.
+    are as stored, without units; `read` returns levels. The other keys are `revision` and `scans`,
+    the number of valid scans.
 
     Raises what `read` raises.
 
@@ -172,7 +172,7 @@ def read(path: Path, wanted: Optional[type[Any]] = None) -> AnyReading:
 def read_quietly(
     path: Path, wanted: Optional[type[Any]] = None, others: Optional[list[Any]] = None
 ) -> AnyReading:
-    """As `read`, but without warnings; puts their content into `others`."""
+    """Like `read`, but appends unknown words to `others` instead of warning."""
     name = path_text(path)
     kind = _core.kindOfFile(name)
     if kind == FileKind.Unknown:

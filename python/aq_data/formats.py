@@ -13,16 +13,16 @@ class Format(NamedTuple):
     """A kind of file: its names, and the classes that read it and hold its content."""
 
     kind: FileKind
-    text: str  # in words
-    word: str  # in one
-    ending: str  # usual for names of such files
+    text: str  # the name in words
+    word: str  # the name in one word
+    ending: str  # the usual ending of file names
     file: Any
     header: Any  # None where the kind has no header of its own
     model: Any
     writes: bool
 
     def read(self, path: Path, others: Optional[list[Any]] = None) -> Reading[Any, Any]:
-        """Appends line, meaning, word and its replacement to `others` for each unknown word."""
+        """Reads a file; appends line, meaning, word and replacement of unknown words to `others`."""
         file = self.file()
         if hasattr(file, "_readWithWords"):
             *given, unknown = file._readWithWords(path)
@@ -35,7 +35,7 @@ class Format(NamedTuple):
         return Reading(None, file if self.model is self.file else given)
 
     def write(self, path: Path, header: Any, model: Any) -> None:
-        """Keeps the header's dates of source files."""
+        """Writes a file, keeping the header's dates of source files."""
         if self.header is None:
             model.writeFile(path)
             return
@@ -59,7 +59,7 @@ def _record_length(history: Any) -> float:
 
 _rows: Any = _core._formats()
 FORMATS: dict[FileKind, Format] = {row[0]: Format(*row) for row in _rows}
-"""By their kinds."""
+"""The formats by their kinds."""
 
 
 def format_for(obj: Any, path: str) -> Format:

@@ -119,7 +119,7 @@ def _first(records: Any, times: Any = None) -> dict[str, Any]:
 
 
 def _named(attrs: dict[str, Any], coordinates: dict[str, Any]) -> dict[str, Any]:
-    """The attributes, without `Conventions` if times do not always ascend, which the conventions
+    """The attributes, without `Conventions` unless times always ascend, as the conventions
     require.
     """
     time = coordinates.get("time")
@@ -142,7 +142,7 @@ def check_map(history: _core.AQ_SpectralTimeHistory, mask: _core.AQ_MaskMap) -> 
             f"expected a map of the history's {len(history)} records, found {len(mask)} rows"
             " of other numbers"
         )
-    own, narrow = history.bands, mask.bands  # each from a lowest to a highest
+    own, narrow = history.bands, mask.bands  # each array is ascending, without gaps
     if narrow.size and not (own.size and own[0] <= narrow[0] and narrow[-1] <= own[-1]):
         raise ValueError("expected a map of the history's bands, found other bands")
 
@@ -178,8 +178,8 @@ def history_to_xarray(
 
     Its coordinates are `time`, `relative_time` (s), `date`, `record`, `band` and `frequency` (Hz);
     with a map there are `mask_mode` and `mask_adjustment(time, band)` (flags, -1 where a row has no
-    mask) and `last_good_band(time)`; and the metrics of the history. Headers and settings go into
-    the attributes. Raises `ValueError` for a map of other records or bands.
+    mask) and `last_good_band(time)`. The metrics of the history are variables too; headers and
+    settings go into the attributes. Raises `ValueError` for a map of other records or bands.
 
     >>> ds = history.to_xarray(mask, header, mask_header)
     >>> ds.level.sel(time=52210, method="nearest")

@@ -44,7 +44,7 @@ class _Shape(NamedTuple):
     times: npt.NDArray[Any]
     last_good_bands: Any
     words: dict[str, Any]  # values of the coordinates per file
-    levels: Optional[int]  # a digest
+    levels: Optional[int]  # a digest of the levels
 
     def state(self) -> list[Any]:
         """What changes when a file is rewritten."""

@@ -56,7 +56,7 @@ def event_words(event: Optional[_core.NoiseEvent], first_record: int) -> dict[st
 
 
 def metric_variables(values: Any, dim: str) -> dict[str, xr.Variable]:
-    """The ten metrics as variables; `values` is by type and record."""
+    """The ten metrics as variables; `values` has a row per metric and a column per record."""
     return {name: variable(dim, values[place], *_WORDS[name]) for place, name in enumerate(NAMES)}
 
 

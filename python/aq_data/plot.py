@@ -1,4 +1,4 @@
-"""Pictures of a measurement. Each takes datasets and an `Axes`, and returns the `Axes`."""
+"""Plots of a measurement. Each takes datasets and an `Axes`, and returns the `Axes`."""
 
 from __future__ import annotations
 
@@ -39,7 +39,7 @@ NO_BAND_IS_GOOD = int(_core.AQ_CONSTANTS.AQ_INVALID_LEVEL)
 
 def _last_good_band(ds: xr.Dataset) -> tuple[Any, bool]:
     """The upper edge of the last good band of each record, within the drawn bands, and whether any
-    record has none, whose edge is then the lower one of the picture.
+    record has none; its edge is then the lower edge of the plot.
     """
     low, high = ds["band"].values[[0, -1]]
     last = ds["last_good_band"].values.astype(float)
@@ -52,7 +52,7 @@ def _last_good_band(ds: xr.Dataset) -> tuple[Any, bool]:
 def spectrogram(history: History, ax: Optional[Axes] = None) -> Axes:
     """Levels in dB over time and band; masked cells are hatched, the last good band is a line.
 
-    Raises `ValueError` for a history without levels, as do all pictures of a history.
+    Raises `ValueError` for a history without levels, as do all plots of a history.
 
     >>> aq_data.plot.spectrogram(history.to_xarray(mask))
     """
@@ -300,7 +300,7 @@ def page(
     unit: Optional[str] = None,
 ) -> Figure:
     """A whole measurement on one page; omits what is not given. `unit` is that of positions and
-    geometry. Raises what its pictures raise, and then leaves no figure open.
+    geometry. Raises what its plots raise, and then leaves no figure open.
 
     >>> aq_data.plot.page(ds, ambient, track).savefig("fly-over.png")
     """

@@ -13,13 +13,13 @@ import xarray as xr
 
 DAY = 86400.0
 EPOCH = np.datetime64("1899-12-30", "D")
-OWN = "_of_day"  # ends the name of the variable that has a file's own times
+OWN = "_of_day"  # the ending of the name of a variable with the file's own times
 _CF_DATE = {"units": "days since 1899-12-30", "calendar": "standard", "dtype": "float64"}
 
 
 def going_on(seconds: Any, beside: Optional[Any] = None) -> Any:
     """Seconds of the day that continue beyond midnight: a drop of more than half a day starts the
-    next day. `beside` are continuing times: each result is on the day nearest to them.
+    next day. With `beside`, times that already continue, each result is on the day nearest to them.
     """
     if beside is not None:
         return seconds + DAY * np.round((beside - seconds) / DAY)

@@ -163,7 +163,7 @@ def _same_words(one: Any, other: Any) -> None:
 
 
 def _joined_geometry(run: Run, piece: Run, gap: int) -> Optional[GeometryReading]:
-    """The points of all records of both."""
+    """The points of all records of both pieces."""
     if run.geometry is None and piece.geometry is None:
         return None
     if run.geometry is None or piece.geometry is None:
@@ -319,7 +319,7 @@ def fix(
     to: Optional[Path] = None,
 ) -> pd.DataFrame:
     """Undoes what other programs did to the text of files, as far as that is certain: gzip, UTF-16,
-    byte order marks, carriage returns as line ends, a spreadsheet's semicolons, tabs, quotes and
+    byte order marks, carriage returns as line endings, a spreadsheet's semicolons, tabs, quotes and
     padding, blank lines, and decimal commas.
 
     Without `write` nothing changes. With it, each file is replaced completely or not at all, and
@@ -329,7 +329,7 @@ def fix(
     the file says what was changed.
 
     The columns are `path`; `done`, what was or would be changed; `left`, what is ambiguous and was
-    left alone, both lists of texts; and `output`, None if nothing was written. `paths` are as for
+    left alone, both lists of strings; and `output`, None if nothing was written. `paths` are as for
     `check`.
 
     >>> found = aq_data.fix("raw", write=True, to="mended")
@@ -344,7 +344,7 @@ def fix(
         (each, file) for each in absolute(paths) for file in walked(each, seen, (".gz",))
     ):
         if path.lower().endswith(".nc"):
-            continue  # no text
+            continue  # not a text file
         text, done, left = _mended(path)
         output = None
         if target is not None:

@@ -64,7 +64,7 @@ py::array_t<Number, py::array::c_style> numbersFrom(const py::object& given, py:
   return py::array_t<Number, py::array::c_style | py::array::forcecast>(array);
 }
 
-/// Record or band numbers, as many as `count`.
+/// Exactly `count` record or band numbers.
 inline std::vector<std::int16_t> shortNumbers(const py::object& given, py::ssize_t count,
                                               const char* wanted) {
   const auto numbers = numbersFrom<std::int64_t>(given, 1, wanted);

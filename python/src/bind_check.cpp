@@ -44,7 +44,7 @@ void bindCheck(py::module_& module) {
             "One finding about a file: severity, kind, line, field, record, band, message");
   ofOneFile(
       "checkWithHistory", checkWithHistory,
-      "As checkFile; also compares a masking map with the history that it names in its folder");
+      "Like checkFile; also compares a masking map with the history in its folder that it names");
   module.def(
       "checkFit",
       [](const Path& history, const Path& map) {
@@ -57,7 +57,7 @@ void bindCheck(py::module_& module) {
       [](const AQ_SpectralTimeHistory& history, const std::string& name, const AQ_MaskMap& map) {
         return gathered([&](const FindingSink& sink) { checkFit(history, name, map, sink); });
       },
-      py::arg("history"), py::arg("name"), py::arg("map"), "As checkFit, for models");
+      py::arg("history"), py::arg("name"), py::arg("map"), "Like checkFit, for models");
   module.def(
       "_checkWithLevels",
       [](const Path& path) {

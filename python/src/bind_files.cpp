@@ -142,8 +142,8 @@ void bindFailure(py::module_& module) {
       py::arg("path"), docOf<describe::FileFunctions>("kindOfFile").c_str());
 }
 
-/// As `readFile`, but also sets the history's reference time type from the header, which the file
-/// class ignores since hosts rely on that; and returns the unknown words of the header.
+/// Like `readFile`, but also sets the history's reference time type from the header, and returns
+/// the header's unknown words. Hosts rely on the file class to leave the type unset.
 auto readWithWords(AQ_DataSTH& self, const Path& path) {
   std::shared_ptr<AQ_HeaderSTH> header;
   std::shared_ptr<AQ_SpectralTimeHistory> history;
@@ -165,7 +165,7 @@ auto readWithWords(AQ_DataSTH& self, const Path& path) {
 void bindHistoryFile(BoundFile<AQ_DataSTH>& history) {
   history.def(
       "_readWithWords", readWithWords, py::arg("sFileName"),
-      "As readFile, but sets the reference time type that the header names. Also returns line, "
+      "Like readFile, but sets the reference time type that the header names. Also returns line, "
       "meaning, word and its replacement for each unknown word");
   history.def(
       "getRawHeader",

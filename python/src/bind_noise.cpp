@@ -53,7 +53,7 @@ py::array_t<StepRow> stepsOf(const AQ_Spectrum& spectrum, const AQ_MaskRow* mask
 constexpr std::int16_t kFirstBand = 17;
 constexpr py::ssize_t kBands = 24;
 
-/// For each row of levels of bands 17 to 40.
+/// The tone correction of each row of levels of bands 17 to 40.
 py::array_t<ToneRow> toneCorrections(const py::object& given) {
   const auto levels = numbersFrom<double>(given, 2, "levels of bands 17 to 40, (records, 24)");
   if (levels.shape(1) != kBands) {
@@ -134,9 +134,10 @@ void bindEvent(const py::module_& module) {
       .def_readonly("first", &E::first, "The first 10 dB-down limit; None if there is none")
       .def_readonly("last", &E::last, "The last 10 dB-down limit; None if there is none")
       .def_readonly("secondPeaks", &E::secondPeaks, "Other maxima within 2 dB of the largest")
-      .def_readonly("pnltm", &E::pnltm, "The largest PNLT, TPNdB, without band sharing")
-      .def_readonly("epnl", &E::epnl, "EPNdB, without band sharing")
-      .def_readonly("epnlWithBandSharing", &E::epnlWithBandSharing, "EPNdB, with band sharing")
+      .def_readonly("pnltm", &E::pnltm, "The largest PNLT in TPNdB, without band sharing")
+      .def_readonly("epnl", &E::epnl, "The EPNL in EPNdB, without band sharing")
+      .def_readonly("epnlWithBandSharing", &E::epnlWithBandSharing,
+                    "The EPNL in EPNdB, with band sharing")
       .def_readonly("duration", &E::duration, "The duration correction, dB")
       .def_readonly("bandSharing", &E::bandSharing, "The band sharing adjustment, dB")
       .def("__repr__", eventText);
@@ -193,7 +194,7 @@ void bindNoise(py::module_& module) {
       "maskByAmbient", maskByAmbient, py::arg("history"), py::arg("ambient"), py::arg("margin"),
       "The masking map of a history from an ambient spectrum: masks levels less than margin dB "
       "above the ambient's");
-  module.def("speedOfSound", speedOfSound, py::arg("celsius"), "In air, m/s");
+  module.def("speedOfSound", speedOfSound, py::arg("celsius"), "The speed of sound in air, m/s");
 }
 
 }  // namespace aq::python

@@ -14,8 +14,8 @@ void checkAny(const NumberRange& bands) {
   if (bands.high < bands.low) throw py::value_error("expected an object with bands, found none");
 }
 
-/// Checks that every band between the lowest and the highest has a level; levels in one block have
-/// no gaps.
+/// Checks that every band between the lowest and the highest has a level. Levels in one block never
+/// have gaps.
 void checkLevels(const AQ_Spectrum& spectrum) {
   if (!spectrum.levelCodes().empty() || !spectrum.levelDoubles().empty()) return;
   for (const std::int16_t band : numbersOf({spectrum.LowBand(), spectrum.HighBand()})) {

@@ -172,7 +172,7 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
   }
 
  private:
-  /// Copies objects of which the library returns its own.
+  /// Returns a copy where the library returns a reference to its own object.
   template <class Get>
   static auto byValue(Get get) {
     if constexpr (std::is_reference_v<std::invoke_result_t<Get, C&>>) {

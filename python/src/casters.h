@@ -26,7 +26,7 @@ py::handle& enumClass() {
   return type;
 }
 
-/// While one exists, enumerations accept any number in this thread.
+/// While an object of this type exists, enumerations accept any number in this thread.
 struct AnyNumber {
   static inline thread_local bool inForce = false;
 

@@ -5,7 +5,7 @@
 namespace aq::python {
 
 /// A described enumeration as an `IntEnum`, or as an `IntFlag` for flags. Members of an unscoped
-/// one become members of the module too.
+/// enumeration also become members of the module.
 template <class E>
 void bindEnum(py::module_& module) {
   using Description = describe::Description<E>;

@@ -10,7 +10,7 @@ if(KIND STREQUAL "prefix")
   run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK} --component python)
   run(${CMAKE_COMMAND} -E env PYTHONPATH=${WORK}/${PYTHON_DIR} ${PYTHON} ${smoke})
 else()
-  # With the module of this build, which would take minutes to make again.
+  # Uses the module of this build, since compiling it again would take minutes.
   run(${CMAKE_COMMAND} -E env AQ_DATA_BUILD=${BUILD}
     ${PYTHON} -m pip wheel -q --no-index --no-build-isolation --no-deps -w ${WORK}
     ${SOURCE}/python)

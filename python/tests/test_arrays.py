@@ -37,7 +37,7 @@ def test_levels_go_by_band_and_record_number() -> None:
 def test_masked_levels_are_missing_on_request() -> None:
     history = History.from_numpy(LEVELS, low_band=24, records=[5, 7])
     mask = Map()
-    mask.Row[5] = aq.AQ_MaskRow()  # without a band, which masks nothing
+    mask.Row[5] = aq.AQ_MaskRow()  # a row without bands masks nothing
     mask.Row[7] = aq.AQ_MaskRow()
     mask.Row[7].Mask[25].MaskMode = aq.MASKED_BY_PRE_DETECT
     mask.Row[7].Mask[40].MaskMode = aq.MASKED_BY_PRE_DETECT  # a band that the history lacks
@@ -133,11 +133,11 @@ def test_tables_of_times_metrics_positions_and_geometry() -> None:
     history.times = {"TODseconds": [90000.0, 1.0], "CurrentDate": [37695, 37696]}
     history.metrics = {"PNLT": [95.5, 90.25], "INTEG": [5, 0], "Level": [70.0, 71.0]}
     first = history.spectrum(1)
-    assert (first.Time.TODseconds, first.Time.CurrentDate) == (90000, 37695)  # nothing wraps
+    assert (first.Time.TODseconds, first.Time.CurrentDate) == (90000, 37695)  # no wrap at midnight
     assert (first.Metric.PNLT, first.Metric.INTEG, first.Level) == (95.5, 5, 70)
     with pytest.raises(ValueError, match="LGB, record 2"):
         history.metrics = {"PNLT": [1.0, 2.0], "LGB": [30, 1e9]}
-    assert history.metrics["PNLT"].tolist() == [95.5, 90.25]  # all or nothing
+    assert history.metrics["PNLT"].tolist() == [95.5, 90.25]  # the failed call stored nothing
     rows = [(37695, 36000.1, -1.5, 1.0, 2.0, 3.0), (0, 36000.2, 0, 4, 5, 6)]
     names = ["CurrentDate", "TODseconds", "RelSeconds", "X", "Y", "Z"]
     table = np.array(rows, dtype=[(name, "f8") for name in names])

@@ -71,7 +71,7 @@ def test_what_a_file_cannot_say_is_told(tmp_path: Path, sample: Path) -> None:
     late = aq.AQ_PositionTimeHistory.from_numpy(
         {"TODseconds": [45296.996], "X": [1], "Y": [2], "Z": [3]}
     )
-    aq.write(late, tmp_path / "late.pth.csv")  # its text would be 12:34:56
+    aq.write(late, tmp_path / "late.pth.csv")  # unrounded, this would read as 12:34:56
     assert aq.read(tmp_path / "late.pth.csv").data.to_numpy()["TODseconds"] == 45297
     assert late.to_numpy()["TODseconds"] == 45296.996
 

@@ -111,7 +111,7 @@ def test_xarray_opens_the_files_itself(name: str, sample: Path) -> None:
     ds = xr.open_dataset(sample / name, engine="aq")
     reading = aq.read(sample / name)
     assert values(aq.from_xarray(ds).data) == values(reading.data)
-    xr.testing.assert_identical(xr.open_dataset(str(sample / name)), ds)  # the engine is found
+    xr.testing.assert_identical(xr.open_dataset(str(sample / name)), ds)  # finds the engine itself
 
 
 def test_the_engine_joins_the_map_and_drops_variables(sample: Path) -> None:

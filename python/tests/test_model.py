@@ -1,4 +1,4 @@
-"""The object model: its own names, as Python expects them."""
+"""The object model: its own names, with the behaviour that Python users expect."""
 
 from __future__ import annotations
 
@@ -79,7 +79,7 @@ def test_enumerations_are_integers() -> None:
     assert history.AverageMethod is aq.AQ_TRUSLO
     with pytest.raises(ValueError, match="Method: expected a member of AQ_Av.*AQ_NA.*found 77"):
         history.AverageMethod = 77  # type: ignore[assignment]
-    parameters = aq.AQ_DataINI()  # 99, not set, comes back though it is no member
+    parameters = aq.AQ_DataINI()  # 99 (not set) is kept, although it is not a member
     assert pickle.loads(pickle.dumps(parameters)).NuTimg == parameters.NuTimg == 99
     metric = aq.AQ_Metric()
     metric.INTEG = aq.AQ_INTEG_MAX | aq.AQ_INTEG_LST

@@ -1,4 +1,4 @@
-"""Pictures: drawn without a display, on the given axes, with units."""
+"""Plots are drawn without a display, on the given axes, with units."""
 
 from __future__ import annotations
 

@@ -1,4 +1,4 @@
-"""Cutting, joining and mending give the same as the tool, also for datasets."""
+"""Cutting, joining and mending give the same results as the tool, also for datasets."""
 
 import gzip
 import shutil
@@ -21,14 +21,14 @@ def place(sample, tmp_path, monkeypatch):
 
 
 def geometry_of(whole):
-    """The points of records 10 to 50, and as a file of its own, numbered from 1."""
+    """The points of records 10 to 50, and the same points numbered from 1, as a file has them."""
     microphone = aq_data.read("fly-over.mic.csv").data
     track = aq_data.read_tracking("fly-over.tspi.csv").positions
     part = aq_data.AQ_SpectralTimeHistory()
     for record in range(10, 51):
         part.spectrum[record] = whole.data.spectrum(record)
     points = aq_data.emission_geometry(track, microphone, part, celsius=20)
-    numbered = aq_data.AQ_GeometryTimeHistory.from_numpy(points.to_numpy())  # from 1
+    numbered = aq_data.AQ_GeometryTimeHistory.from_numpy(points.to_numpy())  # numbers them from 1
     return points, (aq_data.AQ_HeaderGTH(), numbered)
 
 
@@ -159,7 +159,7 @@ def test_pictures_and_netcdf(place, capsys):
     assert main(["plot", "page.svg", STH, MAP, "fly-over.tspi.csv", "fly-over.ssr.csv"]) == 0
     assert b"EPNL" in (place / "page.svg").read_bytes()
     assert main(["plot", "x.png", STH, "fly-over.ini.csv"]) == 2
-    assert "no picture of AQ_DataINI" in capsys.readouterr().err
+    assert "AQ_DataINI cannot be drawn" in capsys.readouterr().err
     assert main(["convert", STH, "fly.nc", MAP]) == 0
     assert main(["convert", "fly.nc", "back.sth.csv"]) == 0
     assert aq_data.read("back.sth.csv").data == aq_data.read(STH).data

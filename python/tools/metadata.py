@@ -1,8 +1,7 @@
 """Writes the package's metadata, with its entry points, next to it: `metadata.py PROJECT
 FOLDER`.
 
-The build backend of the wheel makes it, so that an installed prefix has the same metadata as a
-wheel.
+Uses the build backend of the wheel, so that an installed prefix has the same metadata as a wheel.
 """
 
 from __future__ import annotations

@@ -95,7 +95,7 @@ def method(name: str, function: Any, static: bool = False) -> Iterator[str]:
 def attribute(name: str, value: property) -> Iterator[str]:
     kind = signatures(value.fget)[0][1]
     given = re.search(r"arg1: ([^)]*)\)", getattr(value.fset, "__doc__", None) or "")
-    if given and typed(given[1]) == "Any":  # the checker wants one type for both ways
+    if given and typed(given[1]) == "Any":  # mypy wants the same type for reading and setting
         kind = "Any"
     yield "    @property"
     yield f"    def {name}(self) -> {kind}:"
