@@ -30,8 +30,8 @@ struct History {
   void read(const std::string& path);
 };
 
-/// Rows for the memory of this process after reading a history, relative to its start, and for the
-/// peak while reading, relative to that.
+/// Rows with the memory that reading a history takes in this process, the additional memory at the
+/// peak while reading, and the size of the file.
 nlohmann::ordered_json memoryOfReading(const std::string& path);
 
 }  // namespace bench

@@ -1,5 +1,5 @@
-// The cost of a record in a history of 32,767 records, compared with one of 1,000; and the gain of
-// two threads.
+// The cost of a record in a history of 32,767 records, compared with its cost in one of 1,000; and
+// the gain from a second thread.
 #include <array>
 #include <thread>
 

@@ -86,7 +86,7 @@ void plainWrite(const std::string& path, const PlainRecords& records) {
   std::ofstream(path, std::ios::binary) << text;
 }
 
-// Fixed columns: the same loops, but fields end with their columns.
+// The same loops for fixed columns, in which a field ends with its column.
 
 PlainRecords plainReadColumns(const std::string& path) {
   const std::string bytes = bytesOf(path);

@@ -1,4 +1,4 @@
-// The memory of a process that reads a history, and its peak, as the system reports it.
+// The memory of a process that reads a history, and its peak, as reported by the system.
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -35,8 +35,8 @@ nlohmann::ordered_json memoryOfReading(const std::string& path) {
   const double peak = residentAtMost() - held;
   const auto file = static_cast<double>(std::filesystem::file_size(path));
   return {{{"name", "history 32,767 held in memory"}, {"mib", (held - start) / kMiB}},
-          {{"name", "peak while reading it, above that"}, {"mib", peak / kMiB}},
-          {{"name", "the file"}, {"mib", file / kMiB}}};
+          {{"name", "additional peak while reading it"}, {"mib", peak / kMiB}},
+          {{"name", "size of the file"}, {"mib", file / kMiB}}};
 }
 
 }  // namespace bench

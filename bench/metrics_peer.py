@@ -1,5 +1,5 @@
-"""The ten noise metrics of many records in vectorised numpy. peers.py compares its time with the
-library's.
+"""Computes the ten noise metrics of many records in vectorised numpy. peers.py compares the time
+that this takes with the library's.
 """
 
 import pathlib
@@ -49,7 +49,7 @@ def perceived(levels: np.ndarray) -> np.ndarray:
 
 
 def tone(levels: np.ndarray) -> tuple[np.ndarray, np.ndarray]:
-    """Corrections and bands of levels without gaps."""
+    """Tone corrections and tone bands of levels without gaps."""
     level = levels[:, 2:]
     slope = np.diff(level, axis=1)
     before, after = slope[:, :-1], slope[:, 1:]
@@ -77,7 +77,7 @@ def tone(levels: np.ndarray) -> tuple[np.ndarray, np.ndarray]:
 
 
 def metrics(levels: np.ndarray, seconds: float = 0.5) -> dict[str, np.ndarray]:
-    """For levels of bands 17 to 40 without gaps; no level is 9999."""
+    """The ten metrics by name, for levels of bands 17 to 40 without gaps or 9999."""
     corrections, bands = tone(levels)
     pnl = perceived(levels)
     pnlt = pnl + corrections

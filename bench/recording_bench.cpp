@@ -23,7 +23,7 @@ void putBigEndian(std::string& bytes, std::size_t at, std::size_t size, std::uin
   for (std::size_t i = size; i-- != 0; value >>= 8) bytes[at + i] = static_cast<char>(value & 0xFF);
 }
 
-/// A record of a type, zero except for what is put.
+/// A record of a type, zero except for the fields that are put.
 class MadeRecord {
  public:
   MadeRecord(aq::sdf::RecordType type, std::size_t head, std::size_t size) : bytes_(head, '\0') {
@@ -44,8 +44,8 @@ class MadeRecord {
   std::string bytes_;
 };
 
-/// Revision 3, one third-octave trace per scan in a unit that is not a pressure; its values are the
-/// last bytes of the file.
+/// A recording of revision 3 with one third-octave trace per scan, in a unit that is not a
+/// pressure. The values of the trace are the last bytes of the file.
 std::string madeRecording() {
   using namespace aq::sdf;
   constexpr std::size_t kValues = kScanned * kBandsOfScan;

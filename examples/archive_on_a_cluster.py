@@ -21,12 +21,12 @@ from distributed import Client, LocalCluster
 import aq_data
 
 RECORDS, LOW_BAND, BANDS = 60, 17, 24
-ANGLES = np.arange(0, 181, 15)  # edges, degrees
+ANGLES = np.arange(0, 181, 15)  # edges of the angle classes, degrees
 PATHS_PER_TASK = 25
 
 
 def make(folder: Path, number: int) -> None:
-    """One fly-over; louder and faster as the number grows, masked where it falls below 40 dB."""
+    """Writes the files of a fly-over; its speed depends on the number. Masks levels below 40 dB."""
     rng = np.random.default_rng(number)
     seconds = (np.arange(RECORDS) - RECORDS // 2) * 0.5
     slant = np.hypot(150, (60 + number % 40) * seconds)
@@ -43,7 +43,7 @@ def make(folder: Path, number: int) -> None:
 
 
 def energy_by_angle(paths: list[str]) -> xr.Dataset:
-    """Sums of band energy and counts of levels by emission angle, for some histories."""
+    """Sums of band energy and counts of levels by emission angle, over the histories at `paths`."""
     energy = np.zeros((len(ANGLES) - 1, BANDS))
     count = np.zeros_like(energy)
     for path in paths:

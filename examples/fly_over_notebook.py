@@ -1,5 +1,5 @@
 # %% [markdown]
-# # A fly-over, from its files to a picture
+# # A fly-over, from its files to a plot
 # The cells run in any editor that knows `# %%`, or all at once with `/usr/bin/python3`.
 
 # %%
@@ -15,7 +15,7 @@ microphone = aq_data.read(data / "fly-over.mic.csv").data
 track = aq_data.read_tracking(data / "fly-over.tspi.csv")
 
 # %% [markdown]
-# Last good bands follow from the masks, and the dataset keeps all of it.
+# The last good bands follow from the masks. One dataset holds everything.
 
 # %%
 mask.setLGB()
@@ -40,7 +40,7 @@ page = aq_data.plot.page(ds, ambient, track, microphone=microphone, events=event
 page.savefig("fly-over.png", dpi=100)
 
 # %% [markdown]
-# One netCDF file stores everything, and restores it.
+# A netCDF file stores the whole dataset.
 
 # %%
 ds.to_netcdf("fly-over.nc")

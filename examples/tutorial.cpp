@@ -1,5 +1,5 @@
-// The program of the C++ tutorial: reads a history and an ambient, masks, computes the EPNL,
-// writes.
+// The program of the C++ tutorial: reads a history and an ambient, makes a masking map, computes
+// the EPNL, and writes the results.
 //   tutorial HISTORY AMBIENT HISTORY_OUT MAP_OUT
 #include <aq/aq.h>
 
@@ -8,7 +8,7 @@
 int main(int argc, char** argv) {
   if (argc != 5) return 2;
   aq::AQ_DataSTH historyFile;
-  aq::HistoryWords words;  // the reference type, which readFile does not take
+  aq::HistoryWords words;  // collects the reference type, which readFile does not set
   historyFile.observeHeader([&](const aq::HeaderLine& line) { words.see(line); });
   std::shared_ptr<aq::AQ_HeaderSTH> header;
   std::shared_ptr<aq::AQ_SpectralTimeHistory> history;

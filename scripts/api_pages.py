@@ -59,7 +59,7 @@ def entries(xml):
 
 
 def part_of(header):
-    """The folder whose section has the header; the classes of files are documented with them."""
+    """The folder in whose section a header is shown; that of aq/text is the section of files."""
     return "files" if header.startswith("aq/text/") else header.split("/")[1]
 
 

@@ -18,8 +18,8 @@ ALLOWED = {  # each folder, and the others that it may use
     "check": {"core", "detail", "text", "sdf", "masking", "spectral", "geometry", "noise", "files"},
     "describe": {"core", "masking", "spectral", "geometry", "noise", "files", "check"},
 }
-# Variants, times and the dates of files have text forms, which these sources may use but not their
-# headers.
+# Variants, times and file dates convert to text, so these sources may use aq/text; their headers
+# may not.
 WITH_TEXT = {"aq/core/variant.cpp", "aq/core/time.cpp", "aq/core/file_information.cpp"}
 
 
@@ -34,7 +34,7 @@ def includes(root):
 def imports(root):
     """Which modules of a package import which, including imports in functions."""
     modules = {path.stem: f"{root.name}/{path.name}" for path in sorted(root.glob("*.py"))}
-    modules.pop("__init__", None)  # imports them all
+    modules.pop("__init__", None)  # it imports all modules
     found = {}
     for stem, name in modules.items():
         known = set()
@@ -72,7 +72,7 @@ def room_faults(graph):
 
 
 def main():
-    """Roots: the library's folder, then Python packages."""
+    """Arguments: the library's folder, then the folders of Python packages."""
     library, *packages = map(pathlib.Path, sys.argv[1:])
     graph = includes(library)
     faults = list(room_faults(graph))

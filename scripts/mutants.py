@@ -26,9 +26,9 @@ import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 SLOW_MILLISECONDS = 100
-ENOUGH = 95  # per cent of the changes
+ENOUGH = 95  # per cent of the changes that tests must detect
 MEMORY = 4 << 30
-COMPILE_SECONDS = 900  # of everything that a changed header affects
+COMPILE_SECONDS = 900  # time limit for all sources that a changed header affects
 FLAGS = [
     "-std=c++20",
     "-O0",
@@ -104,7 +104,7 @@ DECLARATION = re.compile(
 
 
 def visible(source):
-    """The source with comments, strings, directives and the like as blanks."""
+    """The source with blanks in place of comments, strings, directives and the like."""
     return HIDDEN.sub(
         lambda part: "'" + "c" * (len(part[0]) - 2) + "'"
         if part["kept"]
@@ -238,8 +238,8 @@ class Worker:
         return f"{header}.pch"
 
     def run(self, command, seconds=COMPILE_SECONDS, required=False):
-        """The command's success; `Hung` when it takes more seconds of processor or five times as
-        long by the clock."""
+        """Whether a command succeeds. Raises `Hung` if it takes more than `seconds` of processor
+        time, or five times as much in real time."""
 
         def limit():
             resource.setrlimit(resource.RLIMIT_CPU, (seconds, seconds))
@@ -314,7 +314,7 @@ class Worker:
             self.limits.append(5 + int(4 * (time.monotonic() - begin)))
 
     def survives(self, mutant):
-        """True or false; None if the mutant does not compile."""
+        """Whether no test detects the mutant; None if it does not compile."""
         path = self.source / mutant.file
         source, status = path.read_text(encoding="utf-8"), path.stat()
         path.write_text(
@@ -352,7 +352,7 @@ def equals():
 
 
 def tried(mutants_taken, jobs, folder):
-    """Each mutant with its outcome, as they finish."""
+    """Each mutant with its outcome, as soon as it is known."""
     workers = queue.SimpleQueue()
 
     def trial(mutant):
@@ -389,7 +389,7 @@ def main():
     equal = [mutant for mutant in taken if described(mutant) in known]
     taken = [mutant for mutant in taken if mutant not in equal]
     begin = time.monotonic()
-    # If interrupted, prints what it has.
+    # If interrupted, prints the results so far.
     with tempfile.TemporaryDirectory(prefix="aq-mutants-") as folder, contextlib.suppress(
         KeyboardInterrupt
     ):

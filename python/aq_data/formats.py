@@ -22,7 +22,9 @@ class Format(NamedTuple):
     writes: bool
 
     def read(self, path: Path, others: Optional[list[Any]] = None) -> Reading[Any, Any]:
-        """Reads a file; appends line, meaning, word and replacement of unknown words to `others`."""
+        """Reads a file; appends line, meaning, word and replacement to `others` for each unknown
+        word.
+        """
         file = self.file()
         if hasattr(file, "_readWithWords"):
             *given, unknown = file._readWithWords(path)
