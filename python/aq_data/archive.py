@@ -42,8 +42,8 @@ _COLUMNS += ["ok", "line", "field", "expected", "found"]
 
 
 def in_threads(work: Callable[[Item], Result], paths: list[Item], progress: bool) -> list[Result]:
-    """`work` for each path, several at a time in threads: the library releases the interpreter's
-    lock.
+    """Calls `work` for each path, several at a time in threads, since the library releases the
+    interpreter's lock.
     """
     parts = [paths[i : i + FILES_PER_TASK] for i in range(0, len(paths), FILES_PER_TASK)]
     tasks: list[Any] = [dask.delayed(lambda some: [work(p) for p in some])(part) for part in parts]
@@ -55,7 +55,7 @@ def in_threads(work: Callable[[Item], Result], paths: list[Item], progress: bool
 
 
 def absolute(paths: Union[Path, Iterable[Path]]) -> list[str]:
-    """Absolute paths, valid wherever a task runs, of a file or pattern or a list of them."""
+    """The absolute paths of a file, a pattern or a list of them, valid wherever a task runs."""
     if not isinstance(paths, ONE_PATH):
         if not isinstance(paths, Iterable):
             raise TypeError(f"paths: expected a path, a pattern or a list, found {paths!r:.60}")

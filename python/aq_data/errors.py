@@ -61,7 +61,7 @@ class FileError(Error):
         failure.expected, failure.found = expected, found
         self.message = failure.message()
         super().__init__(self.message)
-        self.args = (file, line, field, expected, found, partial)  # what a pickle restores it from
+        self.args = (file, line, field, expected, found, partial)  # for pickling
         self.file, self.line, self.field = file, line, field
         self.expected, self.found, self.partial = expected, found, partial
 

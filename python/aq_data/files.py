@@ -240,5 +240,5 @@ def write(obj: Any, path: Path, header: Any = None, exist_ok: bool = True) -> No
     format = format_for(obj, path)
     if isinstance(obj, _TABLES):
         _core._checkWritable(obj, format.kind)
-    is_clock = format.kind != FileKind.FixedColumnHistory  # which has dates and milliseconds
+    is_clock = format.kind != FileKind.FixedColumnHistory  # it has dates and milliseconds
     format.write(path, header, _with_clock_times(obj) if is_clock else obj)

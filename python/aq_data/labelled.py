@@ -88,8 +88,8 @@ PARAMETERS = (
     ("LoRec", "first_record", "1", "first record, 0 when not set"),
     ("HiRec", "last_record", "1", "last record, 0 when not set"),
 )
-ANGLES = ("degree", "rad")  # units of angles, which files do not name either
-UNITS = ("m", "km", "ft", "nautical_mile")  # of lengths, which the files do not name
+ANGLES = ("degree", "rad")  # units of angles, which files do not name
+UNITS = ("m", "km", "ft", "nautical_mile")  # units of lengths, which files do not name
 
 
 # Histories and maps.

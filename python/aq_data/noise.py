@@ -45,7 +45,7 @@ def _pair(history: History, mask: Optional[_core.AQ_MaskMap]) -> tuple[Any, Any]
 
 
 def event_words(event: Optional[_core.NoiseEvent], first_record: int) -> dict[str, Any]:
-    """An event under the names of attributes and columns, with record numbers."""
+    """The values of an event by the names of attributes and columns, with record numbers."""
     if event is None:
         return {**dict.fromkeys(EVENT, np.nan), **dict.fromkeys(_LIMITS, NO_RECORD)}
     words: dict[str, Any] = {name: getattr(event, own) for name, own in EVENT.items()}
@@ -82,7 +82,7 @@ def metrics(history: History, mask: Optional[_core.AQ_MaskMap] = None) -> xr.Dat
     return xr.Dataset(metric_variables(values, "record"), coordinates, event_words(event, first))
 
 
-def maskByAmbient(  # as in C++
+def maskByAmbient(  # named as in C++
     history: _core.AQ_SpectralTimeHistory, ambient: _core.AQ_Spectrum, margin: float
 ) -> _core.AQ_MaskMap:
     """The masking map of a history from an ambient spectrum: masks levels less than `margin` dB
@@ -96,7 +96,7 @@ def maskByAmbient(  # as in C++
     return _core.maskByAmbient(history, ambient, margin)
 
 
-def setMetrics(  # as in C++
+def setMetrics(  # named as in C++
     history: _core.AQ_SpectralTimeHistory, map: Optional[_core.AQ_MaskMap] = None
 ) -> Optional[_core.NoiseEvent]:
     """Computes and stores the ten metrics of each record; returns the event, `None` if no record
@@ -248,7 +248,7 @@ class _Measured(NamedTuple):
     """Levels and masks of whole files, record after record, with the record numbers."""
 
     level: Any  # (records, bands)
-    modes: Any  # of that shape, or None
+    modes: Any  # (records, bands), or None
     adjustments: Any
     numbers: Any  # (records, 3): time of day, record number and place of the file
     bands: Any
@@ -275,7 +275,7 @@ class _Measured(NamedTuple):
         return history, _core.AQ_MaskMap.from_numpy(modes, adjustments, low, records)
 
     def _wide(self, values: Any, empty: Any) -> Any:
-        """Columns for every band from the lowest to the highest."""
+        """The values with a column for every band from the lowest to the highest."""
         if self.bands[-1] - self.bands[0] + 1 == len(self.bands):
             return values
         wide = np.full((len(values), self.bands[-1] - self.bands[0] + 1), empty, values.dtype)

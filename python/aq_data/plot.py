@@ -43,7 +43,7 @@ def _last_good_band(ds: xr.Dataset) -> tuple[Any, bool]:
     """
     low, high = ds["band"].values[[0, -1]]
     last = ds["last_good_band"].values.astype(float)
-    last[last == 0] = high  # all are good
+    last[last == 0] = high  # all bands are good
     none = last == NO_BAND_IS_GOOD
     last[none] = low - 1
     return np.clip(last + 0.5, low - 0.5, high + 0.5), bool(none.any())
@@ -264,8 +264,8 @@ def height(positions: Any, ax: Optional[Axes] = None, unit: Optional[str] = None
 
 
 def geometry(geometry: Any, ax: Optional[Axes] = None, unit: Optional[str] = None) -> Axes:
-    """Slant range, left, and emission angles in degrees, right, over the time of the record; `unit`
-    as for the ground track.
+    """Slant range (left axis) and emission angles in degrees (right axis) over the time of the
+    record; `unit` as for the ground track.
 
     >>> aq_data.plot.geometry(points)
     """

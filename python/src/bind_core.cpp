@@ -19,7 +19,7 @@ void bindTime(const py::module_& module) {
            py::arg("relativeSeconds"), "Stores both times without wrapping or checking")
       .def("__repr__", [](const AQ_Time& self) {
         const double day = self.CurrentDate();
-        const bool dated = day >= 1 && day < 2.9e6;  // a date with a text form
+        const bool dated = day >= 1 && day < 2.9e6;  // a date that can be written as text
         return "<AQ_Time: " + (dated ? dateText(day) + ", " : "") +
                std::to_string(self.TODseconds()) + " s of day, " +
                std::to_string(self.RelSeconds()) + " s relative>";

@@ -86,7 +86,7 @@ class BoundFile : public Bound<File> {
     return *this;
   }
 
-  /// For files whose header is set before writing.
+  /// Binds the writer of a file class whose header is set before writing.
   template <class Header, class Model>
   void writesSet() {
     this->def("setHeader", &File::setHeader, py::arg("aqHeader"), docOf<File>("setHeader").c_str());
@@ -101,7 +101,7 @@ class BoundFile : public Bound<File> {
             .c_str());
   }
 
-  /// For files that have no header object.
+  /// Binds the reader of a file class that has no header object.
   template <class Model>
   void readsAlone() {
     this->def(
@@ -117,7 +117,7 @@ class BoundFile : public Bound<File> {
  private:
   using Call = AQ_DataMessage (File::*)(const std::string&);
 
-  /// A call that takes a path and returns nothing.
+  /// Binds a call that takes a path and returns nothing.
   void call(const describe::Method<Call, 1>& method) {
     this->def(
         method.name,

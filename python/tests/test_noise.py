@@ -1,4 +1,4 @@
-"""Noise metrics over arrays, datasets and archives, against the plain program of tests/second."""
+"""Noise metrics of arrays, datasets and archives, compared with a plain program in tests/second."""
 
 from __future__ import annotations
 

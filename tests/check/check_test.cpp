@@ -152,7 +152,7 @@ const Change kChanges[] = {
 TEST(Check, OneChangeIsFoundWhereItWasMade) {
   const test::Folder folder;
   static_cast<void>(folder.with("other.csv", ""));
-  static_cast<void>(folder.with(kHistory, ""));  // the map's source
+  static_cast<void>(folder.with(kHistory, ""));  // the history that the map names
   for (const Change& change : kChanges) {
     SCOPED_TRACE(change.sample + ": " + change.from + " > " + change.to);
     const std::string text = test::contentOf(kSamples / change.sample);

@@ -40,7 +40,7 @@ TEST(DataASCII, EveryBlockBoundaryReadsTheSame) {
   for (const std::size_t block : {65536U, 131072U}) {
     for (std::size_t ahead = block - 80; ahead <= block + 3; ++ahead) {
       const std::string first(ahead, 'x');
-      std::string bytes = '\n' + first + "\r\n";  // leaves one byte of the block free
+      std::string bytes = '\n' + first + "\r\n";  // the first line frees one byte of the block
       for (const std::string& line : lines) bytes += line + "\r\n";
       ASSERT_EQ(file.readLines(folder.with("in", bytes)), AQ_DATA_OK);
       Strings expected{"", first};
@@ -68,7 +68,7 @@ TEST(DataASCII, DividesLines) {
       {",", true, "\"x, y\",2", {"x, y", "2"}},
       {",", true, "1,\"x,y\",\"p,q\"", {"1", "x,y", "p,q"}},
       {",", true, "1,\"x,y", {"1", "x", "y"}},      // a quote that is never closed
-      {",", true, "a\"b,c\",d", {"ab", "c", "d"}},  // a quote inside a field opens nothing
+      {",", true, "a\"b,c\",d", {"ab", "c", "d"}},  // a quote inside a field has no effect
       {",", true, "\"\",\"a\"\"b,\"", {"", "ab,"}},
       {",", true, "a|b", {"a,b"}},
       {",", true, "\"", {""}},

@@ -137,7 +137,7 @@ TEST(GeometryTimeHistory, StampsHalfSeconds) {
   EXPECT_EQ(history.TimeStampType(), AQ_END);
   EXPECT_EQ(history.ReferenceType(), AQ_AMAX);
   EXPECT_EQ(history.Copy()->Count(), 3);
-  EXPECT_EQ(history.Copy()->ReferenceTime()->TODseconds(), 0);  // points only
+  EXPECT_EQ(history.Copy()->ReferenceTime()->TODseconds(), 0);  // only points are copied
   history.Point(5, std::make_shared<AQ_Geometry>());
   EXPECT_ERROR(history.setTimeStamps(at(10), AQ_END, at(0), AQ_HACK), InvalidArgument);
   EXPECT_EQ(history.Point(2)->Tm()->TODseconds(), 11);
@@ -152,7 +152,7 @@ TEST(SPointTrk, EachValueIsStoredSeparately) {
   };
   const auto times = [&] { return std::tuple(point.TOH(), point.TMAX(), point.T1(), point.T2()); };
   EXPECT_EQ(values(), std::tuple(0, 0, 0, 0, 0, 0, 0, 0));
-  EXPECT_EQ(times(), std::tuple(nullptr, nullptr, nullptr, nullptr));  // until they are set
+  EXPECT_EQ(times(), std::tuple(nullptr, nullptr, nullptr, nullptr));  // null until they are set
   const auto [a, b, c, d] = std::tuple(position(1), position(2), position(3), position(4));
   point.YOFF(1), point.PHI(2), point.CYANG(3), point.ALT(4), point.GSPDKTS(5);
   point.FIRST(6), point.LAST(7), (point.MAX)(8);

@@ -55,7 +55,7 @@ TEST(DataMask, RowOneDecidesTheBands) {
   EXPECT_NE(
       text.find("\nRec#,B21/125Hz,B22/160Hz,B23/200Hz,B23/200Hz,LGB\n1,MS,--,--,0\n2,MS,--,0\n"),
       std::string::npos);
-  EXPECT_EQ(Read(folder.file("out")).result, AQ_DATA_FILE_ERROR);  // row 2 is a band short
+  EXPECT_EQ(Read(folder.file("out")).result, AQ_DATA_FILE_ERROR);  // row 2 lacks a band
 }
 
 TEST(DataMask, BandsInAGapAreNotMasked) {

@@ -133,7 +133,7 @@ TEST(Sizes, ALineOfTwoGigabytes) {
   if (free < 4 * kSize) GTEST_SKIP() << "needs 8 GiB of free memory";
   const test::Folder folder;
   const std::string path = folder.with("a", "FileType**,");
-  fs::resize_file(path, kSize);  // with zeros, which take no space on the disk
+  fs::resize_file(path, kSize);  // adds zeros, which take no space on the disk
   test::Outcome outcome;
   const auto read = [&] { outcome = test::kFormats.at("spectral-time-history").read(path); };
   EXPECT_LT(memoryOf(read), 4 * kSize);

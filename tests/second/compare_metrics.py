@@ -48,7 +48,7 @@ def history(rng):
             for band in range(low, high + 1)
         }
         band = rng.randint(low, high)
-        if rng.random() < 0.5 and levels[band] < 200:  # a tone
+        if rng.random() < 0.5 and levels[band] < 200:  # adds a tone
             levels[band] = round(levels[band] + rng.uniform(0, 30), 2)
         for band in [b for b in levels if rng.random() < rng.choice([0, 0, 0, 0.05])]:
             del levels[band]

@@ -46,7 +46,7 @@ BY_PACKAGE = [  # commands that use the Python package
     f"! aqdata plot one.sth.csv {ONE}.sth.csv -o two.png",
     f"/usr/bin/python3 -c '{IN_PYTHON}'",
 ]
-DAMAGE = {  # by the last digit of a run's number
+DAMAGE = {  # the damage to a run, by the last digit of its number
     1: lambda text: b"\xef\xbb\xbf" + text,
     2: lambda text: text.decode().encode("utf-16"),
     3: lambda text: text.replace(b"\n", b"\r"),

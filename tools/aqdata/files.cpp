@@ -118,7 +118,7 @@ class Choice {
     } else if (fs::is_directory(fs::symlink_status(entry, error))) {
       return walk(entry);
     } else if (fs::is_directory(entry, error)) {
-      links_.insert(links_.begin(), entry);  // after the folders themselves
+      links_.insert(links_.begin(), entry);  // to be visited after the folders themselves
     } else if (fs::is_regular_file(entry, error) && isWanted(entry)) {
       seenMeasurement_ = true;
       addFile(entry.string());
@@ -142,7 +142,7 @@ class Choice {
   std::vector<std::string> files_;
   std::unordered_set<std::string> seen_;
   std::unordered_set<std::string> walked_;
-  std::vector<fs::path> links_;  // to folders, the next one at the end
+  std::vector<fs::path> links_;  // links to folders; the last one is visited next
   bool seenMeasurement_ = false;
 };
 

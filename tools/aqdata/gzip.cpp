@@ -30,7 +30,7 @@ std::string unpacked(std::string_view bytes, const std::string& path) {
       static_cast<uInt>(std::min<std::size_t>(packed.size(), std::numeric_limits<uInt>::max()));
   int state = Z_OK;
   while (state == Z_OK || (state == Z_STREAM_END && stream.avail_in != 0)) {
-    if (state == Z_STREAM_END && inflateReset(&stream) != Z_OK) break;  // several members
+    if (state == Z_STREAM_END && inflateReset(&stream) != Z_OK) break;  // another member follows
     stream.next_out = block.data();
     stream.avail_out = static_cast<uInt>(block.size());
     state = inflate(&stream, Z_NO_FLUSH);

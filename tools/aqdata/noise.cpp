@@ -30,7 +30,7 @@ std::string flagsText(int flags) {
 }
 
 std::string recordsText(const std::vector<int>& records) {
-  constexpr std::size_t kMost = 20;  // runs
+  constexpr std::size_t kMost = 20;  // runs of numbers
   std::vector<std::string> runs;
   for (std::size_t i = 0; i < records.size();) {
     if (runs.size() == kMost) {

@@ -44,7 +44,7 @@ class Session {
   /// Writes to standard output. A write that fails ends the program.
   void print(std::string_view text);
 
-  /// Flushes standard output, whose failure counts too. Must be called at the end.
+  /// Flushes standard output; a failure ends the program, too. Must be called at the end.
   void finish();
 
   /// Prints the name of the file whose output follows, if there are several.

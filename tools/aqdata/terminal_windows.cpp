@@ -52,7 +52,7 @@ UINT codePageBefore = 0;
 /// escaped.
 std::wstring inQuotes(std::wstring_view word) {
   std::wstring text = L"\"";
-  std::size_t slashes = 0;  // doubled before a quote
+  std::size_t slashes = 0;  // backslashes, which are doubled before a quote
   for (const wchar_t letter : word) {
     if (letter == L'"') text.append(slashes + 1, L'\\');
     slashes = letter == L'\\' ? slashes + 1 : 0;

@@ -67,7 +67,7 @@ class Table {
 
   std::vector<Column> columns_;
   std::vector<std::vector<std::string>> rows_;
-  std::vector<std::string> leftOut_;  // headings
+  std::vector<std::string> leftOut_;  // headings of omitted columns
 };
 
 }  // namespace aqdata

@@ -297,7 +297,7 @@ class Workbook::Sheets {
   lxw_workbook* book_;
   lxw_format* heading_ = nullptr;
   lxw_format* level_ = nullptr;
-  std::vector<lxw_format*> masked_ = {};  // by mode
+  std::vector<lxw_format*> masked_ = {};  // cell formats by mask mode
   lxw_worksheet* runs_ = nullptr;
   lxw_worksheet* headers_ = nullptr;
   std::set<std::string> taken_ = {};  // names of sheets, in capitals

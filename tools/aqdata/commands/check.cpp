@@ -123,7 +123,7 @@ struct Summary {
     }
   }
 
-  /// One line per kind of finding, or one document with all of them.
+  /// Prints one line per kind of finding, or one document with all of them.
   void print(Session& session) const {
     Table table({{"finding"}, {"severity"}, {"count", true}, {"files", true}, {"meaning"}});
     Json findings = Json::object();

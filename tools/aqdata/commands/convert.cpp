@@ -36,7 +36,7 @@ struct ConvertChoice {
 
 struct Form {
   std::string name;
-  std::string_view ending;  // of file names
+  std::string_view ending;  // the ending of file names
 };
 const Form kForms[] = {{"history", ".sth.csv"},   {"columns", ".spc"},      {"map", ".mask.csv"},
                        {"positions", ".pth.csv"}, {"spectrum", ".ssr.csv"}, {"json", ".json"},

@@ -56,7 +56,7 @@ struct Difference {
   std::vector<std::int32_t> onlyInB = {};
   std::vector<std::pair<std::string, Column>> columns = {};
   std::map<std::int32_t, Column> bands = {};
-  double mean = 0;  // of the differences of the levels, or of all numbers if there are no levels
+  double mean = 0;  // the mean difference of the levels, or of all numbers if there are no levels
 
   [[nodiscard]] bool empty() const {
     return header.empty() && onlyInA.empty() && onlyInB.empty() && columns.empty() && bands.empty();

@@ -23,10 +23,10 @@ struct MetricsChoice {
 
 /// The metrics of a file.
 struct FileMetrics {
-  Json document = {};  // with the records if requested
+  Json document = {};  // includes the records if requested
   std::size_t records = 0;
   std::vector<std::string> words =
-      {};  // about the event, and about values that could not be computed
+      {};  // sentences about the event and about values that could not be computed
   std::string failure = {};
 };
 

@@ -16,7 +16,7 @@ struct StampChoice {
   std::string start;
   std::string type = "START";
   std::string reference;
-  std::string referenceType = {};  // the file's own
+  std::string referenceType = {};  // empty for the file's own
 };
 
 /// The words of an enumeration whose values start at 0.

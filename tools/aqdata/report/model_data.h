@@ -15,7 +15,7 @@ namespace aqdata::report {
 inline constexpr double kNoValue = std::numeric_limits<double>::quiet_NaN();
 
 // The steps to which the numbers in a page are rounded.
-inline constexpr double kHundredth = 0.01;  // of a decibel, a degree
+inline constexpr double kHundredth = 0.01;  // of a decibel or a degree
 inline constexpr double kTimeStep = 1e-4;   // in seconds
 inline constexpr double kLengthStep = 1e-3;
 

@@ -1,7 +1,7 @@
 import { decimals } from "./data.js";
 import { element } from "./dom.js";
 
-const FINDINGS_ON_PAPER = 6; // findings
+const FINDINGS_ON_PAPER = 6;
 const KEPT_OUT = new Set(["other_records", "comments"]); // shown below the others
 
 const wordsOf = (key) => {

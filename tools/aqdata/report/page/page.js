@@ -126,7 +126,7 @@ if (single) sections[0].open();
 else {
   addEventListener("hashchange", openNamed);
   table.node.addEventListener("click", ({ target }) => {
-    if (target.hash === location.hash) openNamed(); // no hashchange event
+    if (target.hash === location.hash) openNamed(); // there is no hashchange event then
   });
   addEventListener("keydown", onKey);
   openNamed();
