@@ -227,7 +227,7 @@ def check(paths: Union[Path, Iterable[Path]]) -> pd.DataFrame:
     subfolders, checks files that end in `.csv` or `.nc` or whose kind is known, except hidden ones.
     For a netCDF file, compares the stored metrics with those computed from its levels. The columns
     are `path`, `severity` ("error", "warning", "note"), `kind`, `line` and `field` (from 1; 0 for
-    the whole file or line), `record`, `band`, `message`; `FINDING_KINDS` gives the meaning of each
+    the whole file or line), `record`, `band`, `message`; `FINDING_KINDS` has the meaning of each
     kind. Raises `FileNotFoundError` if nothing matches; a file that cannot be read is a finding.
     Also finds histories that have the same levels as an earlier one.
 

@@ -185,7 +185,7 @@ def attributes(
 
 
 def changed_words(ds: xr.Dataset, kind: str, header: Any, settings: Any, mask_header: Any) -> None:
-    """Takes over header texts that were changed in the attributes."""
+    """Stores text that was changed in the attributes in the headers and settings."""
     was = _readable(kind, header, settings, mask_header)
     for target, prefix in ((header, ""), (mask_header, "" if kind == "map" else "mask_")):
         for word, names in (*_WORDS.items(), ("comment", _COMMENTS)):

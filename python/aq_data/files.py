@@ -155,7 +155,7 @@ def read(path: Path, wanted: Optional[type[Any]] = None) -> AnyReading:
 
     Raises `FileError` with line and field for a file that cannot be read, and the system's error
     (`FileNotFoundError`, `PermissionError`, another `OSError`) for one that cannot be opened. Warns
-    of an unknown word in a history's header, since it would be written as another one.
+    of an unknown word in a history's header, since it would be written as another word.
 
     >>> header, history = aq_data.read("fly-over.sth.csv")
     >>> mask = aq_data.read("fly-over.mask.csv", aq_data.AQ_MaskMap).data
@@ -215,7 +215,7 @@ def _with_clock_times(obj: Any) -> Any:
 def write(obj: Any, path: Path, header: Any = None, exist_ok: bool = True) -> None:
     """Writes an object, `(header, object)` as from `read`, or a dataset, completely or not at all.
 
-    Without a header, writes a new one. A dataset with masks is two files: `measurement` gives the
+    Without a header, writes a new one. A dataset with masks is two files: `measurement` returns the
     content of each. Records of a map or a geometry cut from a dataset are numbered from 1, and a
     comment keeps their old numbers. An existing file is replaced, or with `exist_ok=False` raises
     `FileExistsError`.

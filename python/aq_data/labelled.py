@@ -255,8 +255,8 @@ def positions_to_xarray(
 ) -> xr.Dataset:
     """A dataset with `x`, `y` and `z` over `time`, the time of day in seconds.
 
-    `unit` is that of the coordinates, which a file does not name: m, km, ft or nautical_mile; any
-    other raises `ValueError`.
+    `unit` is the unit of the coordinates, which a file does not name: m, km, ft or nautical_mile;
+    any other raises `ValueError`.
 
     >>> track.positions.to_xarray(unit="ft").z.max()
     """
@@ -273,8 +273,8 @@ def geometry_to_xarray(
     """A dataset over `time` (s) with the emission time, position, slant range and angles of each
     record.
 
-    `unit` is that of lengths, as for positions, `angle_unit` that of angles, degree or rad, as used
-    by the program that computed them; any other raises `ValueError`.
+    `unit` is the unit of lengths, as for positions, and `angle_unit` the unit of angles, degree or
+    rad, which depends on the program that computed them; any other raises `ValueError`.
 
     >>> geometry.to_xarray().slant_range.min()
     """
@@ -290,7 +290,7 @@ def geometry_to_xarray(
 def emission_to_xarray(self: _core.AQ_EmtRcvTable, unit: str = "m") -> xr.Dataset:
     """A dataset with reception time (s), position and slant range over the time of emission.
 
-    `unit` is that of lengths, as for positions.
+    `unit` is the unit of lengths, as for positions.
 
     >>> table.to_xarray().reception_time - table.to_xarray().time
     """

@@ -53,7 +53,7 @@ class _Shape(NamedTuple):
 
 
 class _WrongPair(ValueError):
-    """A pattern paired a history with the map of another one; `errors` never skips this."""
+    """A pattern paired a history with the map of another; raised even with `errors="skip"`."""
 
 
 def _read(path: str, cls: Any, wanted: str) -> Reading[Any, Any]:

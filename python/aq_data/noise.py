@@ -131,8 +131,8 @@ def epnl(
 ) -> _core.NoiseEvent:
     """The event of a series of PNLT, NaN where a record has none.
 
-    `seconds` is how long records last, one number for all or one per record; `tone_corrections`
-    give the band sharing adjustment, which is 0 without them. Records are indices from 0.
+    `seconds` is how long records last, one number for all or one per record. Without
+    `tone_corrections`, the band sharing adjustment is 0. Records are indices from 0.
 
     >>> aq_data.epnl(m.PNLT, tone_corrections=m.TONECOR).epnl
     """

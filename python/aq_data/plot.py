@@ -299,7 +299,7 @@ def page(
     events: Optional[dict[str, float]] = None,
     unit: Optional[str] = None,
 ) -> Figure:
-    """A whole measurement on one page; omits what is not given. `unit` is that of positions and
+    """A whole measurement on one page; omits what is not given. `unit` is the unit of positions and
     geometry. Raises what its plots raise, and then leaves no figure open.
 
     >>> aq_data.plot.page(ds, ambient, track).savefig("fly-over.png")

@@ -255,7 +255,7 @@ def measurement(
     If the dataset was cut, the records of a history with a map are numbered from 1, as a map
     requires, and a comment in both headers keeps the old numbers; without masks they keep their
     numbers. The map's header no longer names the whole history, which it does not fit: set
-    `sGenerationFile` to the name of the cut one.
+    `sGenerationFile` to the name of the cut history.
 
     >>> history, mask = aq_data.measurement(ds.isel(time=slice(10, 50)))
     >>> aq_data.write(history, "cut.sth.csv")

@@ -122,8 +122,8 @@ def cut(
     Choose the records by one of `records`, the first and the last number; `between`, two times of
     day, of which one may be None; or `down`, the event: the records within this many decibels of
     the largest PNLT, plus one on each side. Time stamps do not change. With a map, a geometry or
-    `renumber`, records are numbered from 1, and a comment in each header gives the old numbers. Set
-    the history's name in the headers of map and geometry once it has one. Arguments are paths or
+    `renumber`, records are numbered from 1, and a comment in each header gives the old numbers.
+    When the history has a name, set it in the headers of map and geometry. Arguments are paths or
     results of `read`.
 
     Raises `ValueError` if no record remains, or unless exactly one way of choosing is given.
