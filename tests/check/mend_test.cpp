@@ -58,7 +58,7 @@ TEST(Mend, UndoesWhatIsCertain) {
   }
   // A field that a spreadsheet quoted because of its semicolon; a field that it would have quoted;
   // a comment that looks like the line with the number of comments; a comment that ends with a
-  // comma; and a file that was cut short and stays so.
+  // comma; and a file that was cut short, whose end stays as it is.
   const std::pair<std::string, const char*> words[] = {
       {replaced(semicolons, "Sun, sea", "\"Sun; \"\"sea\"\"\""), "ProjectName**,Sun; \"sea\"\n"},
       {replaced(semicolons, "Sun, sea", "Sun; sea"), "ProjectName**,Sun; sea\n"},

@@ -56,7 +56,7 @@ def is_interface(cls, member):
 
 
 def public_members(cls):
-    """Name and forms of the public members of a class and its bases."""
+    """The public members of a class and its bases, by name, with the numbers of their arguments."""
     members = collections.defaultdict(set)
     for child in cls.get_children():
         if child.kind == KINDS.CXX_BASE_SPECIFIER:

@@ -150,7 +150,7 @@ TEST(Write, NonRegularFilesAreWrittenDirectly) {
   reader.join();
   ::close(pipe[0]);
   ::close(pipe[1]);
-  // A name of an open file, such as /dev/stdout, keeps naming it.
+  // A name such as /dev/stdout still names the same open file after a write.
   const test::Folder folder;
   std::FILE* const open = std::fopen(folder.with("a", "old").c_str(), "r");
   EXPECT_TRUE(

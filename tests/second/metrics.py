@@ -78,7 +78,7 @@ def curve_d(f):
 
 
 def weights(curve, bands=range(10, 44)):
-    """The weights of the bands, in tenths of a decibel; A and C are 0 dB at 1 kHz."""
+    """The weights of the bands in dB, rounded to tenths; A and C are 0 dB at 1 kHz."""
     zero = 0 if curve is curve_d else curve(1000.0)
     return {band: tenths(curve(10 ** (band / 10)) - zero) for band in bands}
 
@@ -131,8 +131,8 @@ def perceived(levels):
 
 
 def tone(levels):
-    """The correction, its band (0 for none) and the last band. Uses the regulation's band numbers
-    i = band - 16 and n.
+    """The correction, the tone band (0 for none) and the last band. Numbers bands as the regulation
+    does: i = band - 16, up to n.
     """
     n = 2
     while n < 24 and n + 17 in levels:

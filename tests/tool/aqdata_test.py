@@ -644,7 +644,7 @@ def check_folders(parent):
     for link, target in (("a", "b"), ("b/up", ".."), ("gone.csv", "nowhere")):
         (folder / link).symlink_to(target)
     done = run("aqdata info . a b ./a/c gone.csv", folder)
-    expect("folders visited once", done.stdout.decode().splitlines()[0], "./b/c/m.csv  microphone position")
+    expect("visited once", done.stdout.decode().splitlines()[0], "./b/c/m.csv  microphone position")
     expect("broken links", done.stderr.decode().count("gone.csv: a broken link to nowhere"), 2)
     if os.geteuid() != 0:
         for name, refused in (("b/c", "b/c"), ("b/c/m.csv", "b")):

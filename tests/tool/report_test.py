@@ -47,7 +47,7 @@ def run(*arguments, status=0):
 
 def season(folder):
     """Fills a folder with four runs: the sample with its companion files, an altered copy without
-    them, a damaged one that cannot be read, and one with markup and script in its name and texts.
+    them, a damaged one that cannot be read, and one with markup and script in its name and header.
     """
     shutil.copytree(SAMPLES, folder, dirs_exist_ok=True)
     text = (folder / "fly-over.sth.csv").read_text()
