@@ -5,8 +5,8 @@
 #include <cstdint>
 
 #include "aq/core/enumerations.h"
+#include "aq/detail/lanes.h"
 #include "aq/noise/counted_levels.h"
-#include "aq/noise/lanes.h"
 #include "aq/noise/tone_procedure.h"
 
 // The metrics of records, from the levels that count.

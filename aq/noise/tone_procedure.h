@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "aq/noise/lanes.h"
+#include "aq/detail/lanes.h"
 
 namespace aq {
 

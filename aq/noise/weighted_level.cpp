@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "aq/core/error.h"
-#include "aq/noise/lanes.h"
+#include "aq/detail/lanes.h"
 #include "aq/noise/level_table.h"
 #include "aq/noise/power_of_ten.h"
 #include "aq/noise/record_levels.h"

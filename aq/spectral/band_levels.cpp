@@ -16,7 +16,7 @@ bool adjoins(const Block& block, std::int16_t band) {
 
 std::vector<double> levelsOf(std::span<const LevelCode> codes) {
   std::vector<double> levels(codes.size());
-  std::transform(codes.begin(), codes.end(), levels.begin(), levelOf);
+  copyLevels(codes, levels.data());
   return levels;
 }
 

@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "aq/core/error.h"
+#include "aq/detail/lanes.h"
 #include "aq/text/level_word.h"
 
 namespace aq {
@@ -16,39 +17,48 @@ namespace {
 
 // Writing.
 
-constexpr std::size_t kLongestQuick = 7;  // a sign, three digits, a point, two decimals
-
-/// The digits of 0 to 999 without leading zeros, none for 0, and their number.
-struct WholeDigits {
-  std::array<char, 3> text{};
-  std::uint8_t count = 0;
+/// The digits of 0 to 999 without leading zeros, none for 0, a point, and how many these are.
+struct WholeText {
+  std::array<char, 4> text{};
+  std::uint32_t size = 0;
 };
-constexpr auto kWholeDigits = [] {
-  std::array<WholeDigits, 1000> all{};
-  for (std::size_t number = 1; number < all.size(); ++number) {
-    WholeDigits& digits = all[number];
+constexpr auto kWholeTexts = [] {
+  std::array<WholeText, 1000> all{};
+  for (std::size_t number = 0; number < all.size(); ++number) {
+    WholeText& part = all[number];
     for (std::size_t scale = 100; scale != 0; scale /= 10) {
       if (number < scale) continue;
-      digits.text[digits.count++] = static_cast<char>('0' + number / scale % 10);
+      part.text[part.size++] = static_cast<char>('0' + number / scale % 10);
     }
+    part.text[part.size++] = '.';
   }
   return all;
 }();
 
+/// Two digits and a comma.
+using DecimalText = std::array<char, 4>;
+constexpr auto kDecimalTexts = [] {
+  std::array<DecimalText, 100> all{};
+  for (std::size_t number = 0; number < all.size(); ++number) {
+    all[number] = {static_cast<char>('0' + number / 10), static_cast<char>('0' + number % 10), ','};
+  }
+  return all;
+}();
+
+constexpr std::size_t kLongestQuick = 8;   // a sign, three digits, a point, two decimals, a comma
 constexpr std::int32_t kQuickEnd = 99999;  // hundredths with up to three whole digits
 
-/// Writes a level given in hundredths, below `kQuickEnd` in magnitude; returns its end.
+/// Writes a level given in hundredths, below `kQuickEnd` in magnitude, and a comma; returns the
+/// end of the comma, after which it may have changed a character.
 char* writeHundredths(char* at, std::int32_t hundredths) {
   *at = '-';
   at += hundredths < 0 ? 1 : 0;
   const auto size = static_cast<std::uint32_t>(std::abs(hundredths));
-  const WholeDigits& whole = kWholeDigits[size / 100];
+  const WholeText& whole = kWholeTexts[size / 100];
   std::memcpy(at, whole.text.data(), whole.text.size());
-  at += whole.count;
-  *at++ = '.';
-  *at++ = static_cast<char>('0' + size / 10 % 10);
-  *at++ = static_cast<char>('0' + size % 10);
-  return at;
+  at += whole.size;
+  std::memcpy(at, kDecimalTexts[size % 100].data(), sizeof(DecimalText));
+  return at + 3;
 }
 
 constexpr std::int32_t kDoubtful = kQuickEnd;
@@ -96,19 +106,22 @@ void appendExactly(std::string& text, double level) {
 
 template <class Level>
 void appendAll(std::string& text, std::span<const Level> levels) {
-  std::array<char, 32 * (kLongestQuick + 1)> buffer;
-  const char* const full = buffer.data() + buffer.size() - kLongestQuick - 1;
+  if (levels.empty()) return;
+  std::array<char, 32 * kLongestQuick> buffer;
+  const char* const full = buffer.data() + buffer.size() - kLongestQuick;
   char* at = buffer.data();
-  for (std::size_t i = 0; i < levels.size(); ++i) {
-    if (i != 0) *at++ = ',';
-    const std::int32_t hundredths = quickHundredths(levels[i]);
+  for (const Level level : levels) {
+    const std::int32_t hundredths = quickHundredths(level);
     if (hundredths != kDoubtful) at = writeHundredths(at, hundredths);
     if (hundredths != kDoubtful && at < full) continue;
     text.append(buffer.data(), at);
     at = buffer.data();
-    if (hundredths == kDoubtful) appendExactly(text, exactly(levels[i]));
+    if (hundredths != kDoubtful) continue;
+    appendExactly(text, exactly(level));
+    *at++ = ',';
   }
   text.append(buffer.data(), at);
+  text.pop_back();  // the last comma
 }
 
 // In columns.
@@ -164,6 +177,22 @@ void putInColumns(char* at, LevelCode code) {
   std::memcpy(at, kWholesInColumns[code < 0 ? 1 : 0][size / 100].data(), kLevelColumns);
   at[6] = static_cast<char>('0' + size / 10 % 10);
   at[7] = static_cast<char>('0' + size % 10);
+}
+
+void copyLevels(std::span<const LevelCode> codes, double* levels) {
+  LevelCode lowest = 0;
+  std::size_t i = 0;
+  for (; i + kLanes <= codes.size(); i += kLanes) {
+    putLanes(levels + i, lanesOf([&](std::size_t lane) {
+                           lowest = std::min(lowest, codes[i + lane]);
+                           return static_cast<double>(codes[i + lane]);
+                         }) / 100.0);
+  }
+  for (; i < codes.size(); ++i) levels[i] = levelOf(codes[i]);
+  if (lowest != kInvalidCode) return;
+  for (i = 0; i < codes.size(); ++i) {
+    if (codes[i] == kInvalidCode) levels[i] = kInvalidLevel;
+  }
 }
 
 std::optional<LevelCode> codeOf(double level) {

@@ -29,6 +29,9 @@ inline constexpr LevelCode kInvalidCode = std::numeric_limits<LevelCode>::min();
   return code == kInvalidCode ? kInvalidLevel : code / 100.0;
 }
 
+/// Stores `levelOf` each code, from `levels` on.
+AQ_API void copyLevels(std::span<const LevelCode> codes, double* levels);
+
 /// The code that `levelOf` turns into exactly this level; nothing if there is none.
 [[nodiscard]] AQ_API std::optional<LevelCode> codeOf(double level);
 

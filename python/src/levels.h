@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "arrays.h"
 
 namespace aq::python {
@@ -27,7 +29,7 @@ inline void takeLevels(const AQ_Spectrum& spectrum, std::int16_t low, std::span<
   }
   if (!codes.empty() || !doubles.empty()) {
     const auto first = cells.begin() + (spectrum.LowBand() - low);
-    std::transform(codes.begin(), codes.end(), first, levelOf);
+    copyLevels(codes, std::to_address(first));
     std::copy(doubles.begin(), doubles.end(), first);
     return;
   }
