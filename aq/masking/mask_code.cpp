@@ -18,19 +18,24 @@ AQ_Mask maskWith(int mode, int adjustment) {
   return mask;
 }
 
-constexpr unsigned kNoLetter = 0x80;  // above all codes, and above the sum of two
+constexpr std::size_t indexOf(char mode, char adjustment) {
+  return static_cast<unsigned char>(mode) | std::size_t{static_cast<unsigned char>(adjustment)}
+                                                << 8;
+}
 
-/// What each byte adds to a code, `kNoLetter` for a byte that is not in `letters`.
-constexpr auto codesOf(std::string_view letters, std::size_t first, std::size_t step) {
-  std::array<std::uint8_t, 256> codes{};
-  codes.fill(kNoLetter);
-  for (std::size_t i = 0; i < letters.size(); ++i) {
-    codes[static_cast<unsigned char>(letters[i])] = static_cast<std::uint8_t>(first + i * step);
+constexpr MaskCode kNoLetters = 0x80;  // above all codes
+
+/// The code of any two bytes, `kNoLetters` for other than a mask. Only the few entries of masks are
+/// touched, so the table needs no more of a cache than one per letter.
+constexpr auto kCodesOfLetters = [] {
+  std::array<MaskCode, 1 << 16> codes{};
+  codes.fill(kNoLetters);
+  MaskCode code = kDefaultMaskCode;
+  for (const char mode : kMaskModes) {
+    for (const char adjustment : kMaskAdjustments) codes[indexOf(mode, adjustment)] = code++;
   }
   return codes;
-}
-constexpr auto kModeCodes = codesOf(kMaskModes, kDefaultMaskCode, kMaskAdjustments.size());
-constexpr auto kAdjustmentCodes = codesOf(kMaskAdjustments, 0, 1);
+}();
 
 constexpr std::size_t kColumn = 3;  // two letters and a comma
 
@@ -79,10 +84,8 @@ namespace {
 
 /// Takes the code of one column; returns 0 only if the column has two known letters and a comma.
 unsigned takeMask(const char* at, MaskCode& code) {
-  const unsigned sum = kModeCodes[static_cast<unsigned char>(at[0])] +
-                       kAdjustmentCodes[static_cast<unsigned char>(at[1])];
-  code = static_cast<MaskCode>(sum);
-  return sum / kNoLetter | static_cast<unsigned>(at[2] ^ ',');
+  code = kCodesOfLetters[indexOf(at[0], at[1])];
+  return (code & unsigned{kNoLetters}) | static_cast<unsigned>(at[2] ^ ',');
 }
 
 }  // namespace

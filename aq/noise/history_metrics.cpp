@@ -46,9 +46,11 @@ Records recordsOf(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map) 
 }
 
 /// Calls `use` for each record from `begin` to before `end` with its index, its levels, its tone
-/// correction and the band of that. Computes as many corrections at a time as there are lanes.
+/// correction and, `withBands`, the band of that. Computes as many corrections at a time as there
+/// are lanes.
 template <class Use>
-void forEachTone(const Records& records, std::size_t begin, std::size_t end, const Use& use) {
+void forEachTone(const Records& records, std::size_t begin, std::size_t end, bool withBands,
+                 const Use& use) {
   std::array<CountedLevels, kLanes> levels;
   Tones tones;
   for (; begin < end; begin += kLanes) {
@@ -57,7 +59,7 @@ void forEachTone(const Records& records, std::size_t begin, std::size_t end, con
       const Record& record = records[begin + std::min(i, count - 1)];
       levels[i].take(*record.spectrum, record.masks);
     }
-    tones.find(levels);
+    tones.find(levels, withBands);
     for (std::size_t i = 0; i < count; ++i) {
       use(begin + i, levels[i], tones.correction(i), tones.band(i));
     }
@@ -179,11 +181,12 @@ EventValues eventValuesOf(const Records& records) {
   EventValues values(records.size());
   const std::vector<double> totals = totalsOf(records);
   const auto add = [&](std::size_t begin, std::size_t end) {
-    forEachTone(records, begin, end, [&](std::size_t i, const auto&, double correction, double) {
-      if (std::isnan(totals[i])) return;
-      values.corrections[i] = correction;
-      values.pnlt[i] = perceivedLevelOf(totals[i]) + correction;
-    });
+    forEachTone(records, begin, end, false,
+                [&](std::size_t i, const auto&, double correction, double) {
+                  if (std::isnan(totals[i])) return;
+                  values.corrections[i] = correction;
+                  values.pnlt[i] = perceivedLevelOf(totals[i]) + correction;
+                });
   };
   std::size_t loudest = 0;
   for (std::size_t i = 1; i < totals.size(); ++i) {
@@ -209,7 +212,7 @@ HistoryMetrics historyMetrics(const AQ_SpectralTimeHistory& history, const AQ_Ma
   EventValues values(records.size());
   HistoryMetrics result;
   result.records.reserve(records.size());
-  forEachTone(records, 0, records.size(),
+  forEachTone(records, 0, records.size(), true,
               [&](std::size_t i, const auto& levels, double correction, double band) {
                 const Record& record = records[i];
                 RecordMetrics metrics = metricsOf(record, levels, correction, band);

@@ -29,7 +29,8 @@ using WeightedLevels = std::array<double, AQ_METRIC_OA>;
 /// The largest tone correction of each of some records, and its band; see `toneCorrection`.
 class Tones {
  public:
-  void find(const std::array<CountedLevels, kLanes>& records);
+  /// Leaves the bands as they are unless `withBands`.
+  void find(const std::array<CountedLevels, kLanes>& records, bool withBands);
   [[nodiscard]] double correction(std::size_t record) const { return corrections_[record]; }
   [[nodiscard]] std::int16_t band(std::size_t record) const { return bands_[record]; }
 

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <span>
 
 #include "aq/noise/level_table.h"
@@ -35,22 +37,21 @@ std::size_t toneBandsOf(const CountedLevels& record) {
 
 std::int32_t bandAt(std::size_t place) { return kFirstToneBand + static_cast<std::int32_t>(place); }
 
-/// The lowest band with this correction; 0 if it is 0.
+/// The lowest band with the largest correction of a lane; 0 if that is 0. The differences are those
+/// of the lane.
 template <class DifferenceAt>
-std::int16_t bandOf(double correction, std::size_t count, const DifferenceAt& differenceAt) {
-  if (correction == 0) return 0;
-  std::size_t place = 0;
-  for (; place < count; ++place) {
-    const double difference = differenceAt(place);
-    if (difference < 2.99 * correction) continue;  // saves the division
-    if (bandCorrection(place, difference) == correction) break;
+std::int16_t bandOf(double largest, std::uint32_t candidates, const DifferenceAt& differenceAt) {
+  for (; largest > 0 && candidates != 0; candidates &= candidates - 1) {
+    const auto place = static_cast<std::size_t>(std::countr_zero(candidates));
+    if (bandCorrection(place, differenceAt(place)) != largest) continue;
+    return static_cast<std::int16_t>(bandAt(place));
   }
-  return static_cast<std::int16_t>(bandAt(place));
+  return 0;
 }
 
 }  // namespace
 
-void Tones::find(const std::array<CountedLevels, kLanes>& records) {
+void Tones::find(const std::array<CountedLevels, kLanes>& records, bool withBands) {
   static const LevelTable decibels([](double level) { return level; });
   std::array<std::size_t, kLanes> counts{};
   std::array<std::span<const LevelCode>, kLanes> codes;
@@ -65,10 +66,15 @@ void Tones::find(const std::array<CountedLevels, kLanes>& records) {
       return i < codes[r].size() ? decibels[codes[r][i]] : records[r].level(bandAt(i));
     });
   }
+  Lanes candidates{};
   for (std::size_t r = 0; r < kLanes; ++r) {
-    if (r == 0 || counts[r] != counts[r - 1]) procedure_.run(counts[r]);  // usually equal
+    if (r == 0 || counts[r] != counts[r - 1]) {  // usually equal
+      procedure_.run(counts[r]);
+      if (withBands) candidates = procedure_.candidates(counts[r]);
+    }
     corrections_[r] = laneOf(procedure_.largest, r);
-    bands_[r] = bandOf(corrections_[r], counts[r],
+    if (!withBands) continue;
+    bands_[r] = bandOf(corrections_[r], static_cast<std::uint32_t>(laneOf(candidates, r)),
                        [&](std::size_t place) { return laneOf(procedure_.difference[place], r); });
   }
 }
@@ -81,7 +87,7 @@ ToneCorrection toneCorrection(const AQ_Spectrum& spectrum, const AQ_MaskRow* mas
   procedure.run(count);
   ToneCorrection result;
   result.correction = procedure.largest;
-  result.band = bandOf(result.correction, count,
+  result.band = bandOf(result.correction, static_cast<std::uint32_t>(procedure.candidates(count)),
                        [&](std::size_t place) { return procedure.difference[place]; });
   result.lastBand = static_cast<std::int16_t>(kFirstToneBand - 1 + static_cast<int>(count));
   result.rows.reserve(count);

@@ -97,6 +97,17 @@ void ToneProcedure<Number>::findLargest(std::size_t count) {
   largest = largerOf<Number>(correctionOf(once), 2.0 * correctionOf(twice));
 }
 
+template <class Number>
+Number ToneProcedure<Number>::candidates(std::size_t count) const {
+  const Number least = 2.99 * largest;  // a correction is at most a third of the difference
+  Number sum{};
+  double power = 1;
+  for (std::size_t i = 0; i < count; ++i, power *= 2) {
+    sum += difference[i] >= least ? numberOf<Number>(power) : Number{};
+  }
+  return sum;
+}
+
 template class ToneProcedure<double>;
 template class ToneProcedure<Lanes>;
 
