@@ -26,8 +26,9 @@ class AQ_API AQ_Time {
   void RelSeconds(const Variant& seconds) { relativeSeconds_ = seconds.toDouble(); }
 
   /// Sets the relative seconds to the time since `reference`, including the days between the two
-  /// dates. Only whole days of the dates are used, with two-digit years (30 to 99 are 1930 to
-  /// 1999). Throws `Overflow` if the days in between, in seconds, exceed 32 bits.
+  /// dates. Of each date only the calendar day counts, with the century derived from the last two
+  /// digits of its year (30 to 99 are 1930 to 1999, 00 to 29 are 2000 to 2029). Throws `Overflow`
+  /// if the days in between, in seconds, exceed 32 bits.
   void setRelTime(const AQ_Time& reference);
 
   /// Seconds after midnight. A value above 86400 wraps into the day and advances the date by one

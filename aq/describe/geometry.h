@@ -80,8 +80,8 @@ struct Description<AQ_Geometry> {
   static constexpr int number = 34;
   static constexpr char text[] =
       "The emission geometry of one measured record: when its sound was emitted, where the source "
-      "was then, and how the sound reached the microphone. emissionGeometry computes metres, "
-      "degrees and seconds; values of other programs are not converted";
+      "was then, and how the sound reached the microphone. emissionGeometry gives metres, "
+      "degrees and seconds; values from other programs are not converted";
   template <class To>
   static void members(To& to) {
     using G = AQ_Geometry;
@@ -124,13 +124,15 @@ struct Description<AQ_GeometryTimeHistory> {
         .property("startTime", &H::startTime, &H::startTime, "The time of the first record")
         .property("TimeStampType", &H::TimeStampType, &H::TimeStampType,
                   "Which instant of a record its time stamp names")
-        .method("setTimeStamps", &H::setTimeStamps,
-                "Stamps Tm of points 1 to Count, half a second each, relative to the reference; "
-                "raises at a missing point, after stamping those before it",
-                in("startTime", "The time of the first record"),
-                in("StartTimeType", "Which instant of a record its stamp names"),
-                in("RefTime", "The reference time"),
-                in("RefType", "Which event the reference time marks"))
+        .method(
+            "setTimeStamps", &H::setTimeStamps,
+            "Stamps Tm of points 1 to Count half a second apart, then sets their times "
+            "relative to the reference. If a point is missing, raises with only those before it "
+            "stamped",
+            in("startTime", "The time of the first record"),
+            in("StartTimeType", "Which instant of a record its stamp names"),
+            in("RefTime", "The reference time"),
+            in("RefType", "Which event the reference time marks"))
         .property("ReferenceTime", &H::ReferenceTime, &H::ReferenceTime, "The reference time")
         .indexed("Point", &H::Point, &H::Point, in("nRecord", "The record", kRecordOf32Bits),
                  "The point of a record; reading raises if it is missing")
@@ -205,8 +207,10 @@ struct Description<AQ_SPointTrk> {
     using P = AQ_SPointTrk;
     to.property("TOH", &P::TOH, &P::TOH, "Time at which the source is overhead; none until set")
         .property("TMAX", &P::TMAX, &P::TMAX, "Time of the maximum level; none until set")
-        .property("T1", &P::T1, &P::T1, "First time that the application defines; none until set")
-        .property("T2", &P::T2, &P::T2, "Second time that the application defines; none until set")
+        .property("T1", &P::T1, &P::T1,
+                  "The first of two times for the application's own use; none until set")
+        .property("T2", &P::T2, &P::T2,
+                  "The second of two times for the application's own use; none until set")
         .property("YOFF", &P::YOFF, &P::YOFF, "Lateral offset from the track", kLength)
         .property("PHI", &P::PHI, &P::PHI, "Elevation angle, or as the application defines it",
                   kAngle)

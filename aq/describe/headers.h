@@ -8,7 +8,7 @@
 #include "aq/geometry/header_pth.h"
 #include "aq/masking/header_mask.h"
 
-// The headers of files. Fields that most of them have are described once.
+// The headers of files. Fields common to most of them are described only once.
 
 namespace aq::describe {
 

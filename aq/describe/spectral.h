@@ -139,8 +139,9 @@ struct Description<AQ_SpectralTimeHistory> {
         .property("Count", &H::Count, "The number of spectra; raises if there are more than 32767",
                   kCount)
         .method("EncompassesMask", &H::EncompassesMask,
-                "Whether the map has as many rows as the history has records, and no band that "
-                "they lack; raises if a record or row from 1 to Count is missing",
+                "Whether the map has as many rows as the history has records, and no row goes "
+                "beyond the bands of its record; raises if a record or row from 1 to Count is "
+                "missing",
                 in("MapMask", "The masking map"))
         .setter("setLGB", &H::setLGB,
                 "Sets the metric LGB of each spectrum from the map's row with the same number; "
@@ -149,7 +150,7 @@ struct Description<AQ_SpectralTimeHistory> {
         .property("TimeStampType", &H::TimeStampType, &H::TimeStampType,
                   "Which instant of a record its time stamp names")
         .method("setTimeStamps", &H::setTimeStamps,
-                "Stamps every record, half a second each, and sets its time relative to the "
+                "Stamps the records half a second apart, and sets their times relative to the "
                 "reference; raises at a missing record, after stamping those before it",
                 in("startTime", "The time of the first record"),
                 in("StartTimeType", "Which instant of a record its stamp names"),

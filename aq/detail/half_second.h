@@ -18,7 +18,7 @@ AQ_API void copyDateAndTimeOfDay(const AQ_Time& from, AQ_Time& to);
 /// Adds seconds, which may be negative, to a time of day; across midnight, the date changes too.
 AQ_API void moveTimeOfDay(AQ_Time& time, double seconds);
 
-/// The time stamps of records of half a second each.
+/// The time stamps of records that are half a second long.
 class AQ_API HalfSecondStamps {
  public:
   HalfSecondStamps(const AQ_Time& start, AQ_TimeStampType type);

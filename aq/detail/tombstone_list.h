@@ -13,8 +13,8 @@
 
 namespace aq {
 
-/// Which slots of a list are removed but not yet compacted. Finds the slot of a place, which is the
-/// n-th slot still in use, in logarithmic time.
+/// Which slots of a list are removed but not yet compacted. Finds the n-th slot still in use in
+/// logarithmic time.
 class AQ_API Tombstones {
  public:
   [[nodiscard]] std::size_t count() const { return count_; }
@@ -29,7 +29,7 @@ class AQ_API Tombstones {
   /// Records that a slot in use was appended to the list.
   void grow();
 
-  /// The slot of a zero-based place below the number of slots in use.
+  /// The slot with a zero-based index among those in use; the index must be less than their number.
   [[nodiscard]] std::size_t slotOf(std::size_t place) const;
 
   /// How many slots in use come before `slot`.
@@ -94,7 +94,7 @@ class TombstoneList {
   [[nodiscard]] std::size_t slotOf(std::int32_t place) const {
     if (place < 1 || static_cast<std::size_t>(place) > size()) {
       throw Error(ErrorCode::InvalidIndex,
-                  "no place " + std::to_string(place) + " in a list of " + std::to_string(size()));
+                  "no entry " + std::to_string(place) + " in a list of " + std::to_string(size()));
     }
     const auto zeroBased = static_cast<std::size_t>(place) - 1;
     return removed_ ? removed_->slotOf(zeroBased) : zeroBased;

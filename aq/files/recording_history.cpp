@@ -185,7 +185,8 @@ class ScanTimes {
     const double factor = variable_->unit.factor;
     const double seconds = factor == 0 ? *value : *value * factor;
     if (!(std::abs(seconds) <= kMostSeconds)) {
-      variable_->record->fail("a time of scan " + std::to_string(scan), std::to_string(seconds));
+      variable_->record->fail("a plausible time of scan " + std::to_string(scan),
+                              std::to_string(seconds));
     }
     return seconds;
   }

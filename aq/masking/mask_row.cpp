@@ -69,7 +69,7 @@ std::span<const MaskCode> AQ_MaskRow::fetchedCodes() {
   return codes;
 }
 
-/// The code of a band, that of a default mask if it had none.
+/// The code of a band; if it had none, it gets that of a default mask.
 MaskCode& AQ_MaskRow::fetch(std::int16_t band) {
   bands_.widen(band);
   MaskCode& code = codes_.touch(band);
@@ -77,8 +77,8 @@ MaskCode& AQ_MaskRow::fetch(std::int16_t band) {
   return code;
 }
 
-/// The code to set, that of a default mask; `nullptr` if the band had a mask, which is then
-/// removed.
+/// The code to set, initially that of a default mask; `nullptr` if the band had a mask, which is
+/// then removed.
 MaskCode* AQ_MaskRow::place(std::int16_t band) {
   bands_.widen(band);
   MaskCode& code = codes_.touch(band);

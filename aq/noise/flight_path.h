@@ -9,7 +9,7 @@
 
 namespace aq {
 
-/// A place or a direction, in metres.
+/// A position or a direction, in metres.
 using Vector3 = std::array<double, 3>;
 
 [[nodiscard]] Vector3 operator-(const Vector3& a, const Vector3& b);

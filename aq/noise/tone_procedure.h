@@ -29,7 +29,7 @@ class ToneProcedure {
   /// Runs every step for the first `count` levels.
   void run(std::size_t count);
 
-  Column slope{};          ///< NaN at place 0 and above the last band
+  Column slope{};          ///< NaN at index 0 and above the last band
   Column isTakenOut{};     ///< 1 for a level that is taken out, otherwise 0
   Column adjusted{};       ///< the level, or the replacement for one that is taken out
   Column adjustedSlope{};  ///< extends one band beyond both ends

@@ -55,7 +55,7 @@ class AQ_API Record {
   /// An integer that must not be negative.
   [[nodiscard]] std::uint32_t count(const Field& field) const;
 
-  /// Fails with the record's name, its place, and what was expected, such as "a domain".
+  /// Fails with the record's name, its offset, and what was expected, such as "a domain".
   [[noreturn]] void fail(const std::string& expected, const std::string& found) const;
 
  private:

@@ -123,7 +123,7 @@ void RecordList::addChain(const Field& count, const Field& offset,
   const std::uint32_t number = file().count(count);
   if (number == 0) return;
   const std::int32_t first = file().integer(offset);
-  if (first < 0) failAt(types, first, std::to_string(number) + " of them, and no such byte");
+  if (first < 0) failAt(types, first, std::to_string(number) + " of them at a negative offset");
   auto place = static_cast<std::size_t>(first);
   for (std::uint32_t i = 0; i < number; ++i) place += add(place, types).size();
 }

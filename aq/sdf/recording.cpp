@@ -216,7 +216,7 @@ void Recording::placeX() {
   }
 }
 
-/// Finds the places of the x vectors and returns the end of the last one.
+/// Finds the offsets of the x vectors and returns the end of the last one.
 std::uint64_t Recording::endOfX(bool eachScan) {
   std::uint64_t at = kHead;
   for (TraceSet& set : sets_) {

@@ -48,8 +48,8 @@ struct Scans {
   bool any = false;  ///< false: everything was measured once
   std::size_t kept = 1;
   std::size_t valid = 1;
-  bool byData = false;  ///< true: all scans of one data header are contiguous; false: all data
-                        ///< headers of one scan are
+  bool byData = false;  ///< true: the scans of each data header are contiguous; false: the
+                        ///< data headers of each scan are contiguous
 };
 
 /// The quantity that a scan was measured at, such as a time or a speed.

@@ -53,7 +53,7 @@ std::shared_ptr<AQ_MaskMap> maskByAmbient(const AQ_SpectralTimeHistory& history,
   for (std::int32_t number = 1; number <= count; ++number) {
     if (!history.contains(number)) {
       throw Error(ErrorCode::InvalidArgument,
-                  "a map needs records numbered from 1 without a gap, record " +
+                  "a map needs records numbered from 1 without a gap, but record " +
                       std::to_string(number) + " is missing");
     }
     const auto record = static_cast<std::int16_t>(number);

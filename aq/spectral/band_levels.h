@@ -39,8 +39,8 @@ class AQ_API BandLevels {
   void assign(std::int16_t low, std::span<const double> levels);
   void assign(std::int16_t low, std::span<const LevelCode> codes);
 
-  // All levels, from the lowest band up, if they are stored as codes, or as doubles without gaps;
-  // otherwise nothing.
+  // `codes`: all levels if they are stored as codes; `plain`: all levels if they are doubles
+  // without gaps. Both start at the lowest band, and are empty otherwise.
   [[nodiscard]] std::span<const LevelCode> codes() const { return codes_.all(); }
   [[nodiscard]] std::span<const double> plain() const;
 

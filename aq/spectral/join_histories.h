@@ -17,7 +17,7 @@ namespace aq {
                                                  AQ_SpectralTimeHistory& after);
 
 /// Joins two pieces of one measurement: record numbers continue from `before`; stamps and relative
-/// times do not change. `fill` fills a gap with records whose levels are 9999, not valid. Spectra
+/// times do not change. `fill` fills a gap with records whose levels are 9999 (not valid). Spectra
 /// are shared with the pieces. Throws like `recordsMissing`, `InvalidArgument` for a gap without
 /// `fill`, and `Overflow` if record numbers exceed 16 bits.
 [[nodiscard]] AQ_API std::shared_ptr<AQ_SpectralTimeHistory> joinHistories(

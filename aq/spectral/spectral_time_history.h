@@ -60,9 +60,9 @@ class AQ_API AQ_SpectralTimeHistory {
   void TimeStampType(AQ_TimeStampType type) { timeStampType_ = type; }
 
   /// Stamps every record: the stamp of record i is i x 0.5 s plus the start time minus 0.5
-  /// (`AQ_START`), 0.25 (`AQ_MIDPT`), 0 (`AQ_END`), 0.75 (`AQ_ICAOSLO`) or 1 s (`AQ_OLDSLO`), that
-  /// difference in single precision. Then sets each record's time relative to `RefTime`. Copies the
-  /// two times.
+  /// (`AQ_START`), 0.25 (`AQ_MIDPT`), 0 (`AQ_END`), 0.75 (`AQ_ICAOSLO`) or 1 s (`AQ_OLDSLO`), where
+  /// the difference is rounded to single precision. Then sets each record's time relative to
+  /// `RefTime`. Copies the two times.
   /// Throws `InvalidArgument` at the first record of the range without a spectrum; those before it
   /// are stamped.
   void setTimeStamps(const AQ_Time& startTime, AQ_TimeStampType StartTimeType,

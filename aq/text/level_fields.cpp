@@ -20,7 +20,7 @@ namespace {
 constexpr std::size_t kShortestLevel = 3;  // a point and two decimals
 constexpr std::size_t kLongestLevel = 6;
 
-/// Takes one level of any form; returns how many characters it has, 0 if the text starts with none.
+/// Takes one level in any form; returns its length, or 0 if the text does not start with one.
 std::size_t takeLevel(std::string_view text, LevelCode& code) {
   constexpr std::string_view kInvalidText = "9999.00";
   if (text.starts_with(kInvalidText)) {
@@ -48,8 +48,8 @@ constexpr std::size_t kLengths = kLongestLevel - kShortestLevel + 1;
 constexpr std::uint8_t kNoByte = 0x80;
 using Bytes = std::array<std::uint8_t, kHalf>;
 
-/// Where fields of a text end: entry n is the end of field n, from 1, and entry 0 the place before
-/// the text.
+/// Where fields of a text end: entry n is the end of field n, from 1, and entry 0 is the position
+/// before the text.
 using FieldEnds = std::array<std::uint16_t, 1 + kFieldsAtOnce + kScanned>;
 
 /// A bit for every comma among 32 bytes.

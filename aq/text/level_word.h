@@ -20,7 +20,7 @@ inline constexpr std::int32_t kNoHundredths = -1;
 /// The hundredths of a level in columns: at least two blanks, three digits with blanks for leading
 /// zeros, a point and two digits. `kNoHundredths` for any other text.
 inline std::int32_t hundredthsInColumns(std::uint64_t word) {
-  constexpr std::uint64_t kWhole = 0x1010101010U;  // a bit that "0" has and a blank has not
+  constexpr std::uint64_t kWhole = 0x1010101010U;  // a bit that "0" has but a blank does not
   constexpr std::uint64_t kDigits = 0x0606000606060606U;
   constexpr std::uint64_t kStrange = 0xF0F0FFF0F0F0F0F0U;
   constexpr std::uint64_t kAlwaysBlank = 0xFFFFU;

@@ -30,12 +30,12 @@ inline constexpr std::size_t kWordBytes = sizeof(std::uint64_t);
   return static_cast<std::uint8_t>(word >> (8 * place));
 }
 
-/// The word with this byte in all places.
+/// The word with this byte in all eight positions.
 [[nodiscard]] constexpr std::uint64_t eightTimes(char byte) {
   return 0x0101010101010101U * static_cast<unsigned char>(byte);
 }
 
-/// The first place of `byte`, 8 if the word does not have it.
+/// The index of the first `byte`; 8 if there is none.
 [[nodiscard]] constexpr std::size_t firstPlaceOf(char byte, std::uint64_t word) {
   const std::uint64_t zeroThere = word ^ eightTimes(byte);
   // Marks the first zero byte, and perhaps others after it.

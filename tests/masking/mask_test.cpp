@@ -31,7 +31,7 @@ TEST(Mask, Letters) {
   EXPECT_EQ(mask.Copy()->MaskString(), "");
 }
 
-/// Puts a column with a wrong letter or without its comma at every place among valid columns.
+/// Puts a column with a wrong letter or without its comma at every position among valid columns.
 TEST(MaskCode, ColumnsAreTakenUpToTheFirstOfAnotherForm) {
   for (const char* wrong : {"xS,", "Mx,", "MS;", "\xFF\xFF,", ",,,"}) {
     for (std::size_t count = 0; count < 10; ++count) {

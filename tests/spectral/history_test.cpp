@@ -244,7 +244,7 @@ std::string maskedBy(const AQ_SpectralTimeHistory& history, const std::vector<do
 TEST(AmbientMasking, ALevelTheMarginAboveIsNotMasked) {
   AQ_SpectralTimeHistory history;
   EXPECT_EQ(maskedBy(history, {}),
-            "a map needs records numbered from 1 without a gap, record 1 is missing");
+            "a map needs records numbered from 1 without a gap, but record 1 is missing");
   auto spectrum = std::make_shared<AQ_Spectrum>();
   for (const double level : {63.0, 62.99, 9999.0}) {
     spectrum->SPL(static_cast<std::int16_t>(std::max<int>(20, spectrum->HighBand() + 1)), level);
@@ -261,7 +261,7 @@ TEST(AmbientMasking, ALevelTheMarginAboveIsNotMasked) {
   }
   history.spectrum(3, spectrum);
   EXPECT_EQ(maskedBy(history, {60, 60, 60}),
-            "a map needs records numbered from 1 without a gap, record 2 is missing");
+            "a map needs records numbered from 1 without a gap, but record 2 is missing");
 }
 
 }  // namespace
