@@ -102,7 +102,7 @@ void checkParameters(const AQ_DataINI& file, const Reporter& report) {
     contradicts("the last record, " + std::to_string(file.HiRec()) + ", is before the first, " +
                 std::to_string(file.LoRec()));
   }
-  if (file.PrWndo() < 0 || file.PoWndo() < 0) contradicts("a window of less than 0 s");
+  if (file.PrWndo() < 0 || file.PoWndo() < 0) contradicts("a window is shorter than 0 s");
 }
 
 }  // namespace
@@ -193,7 +193,7 @@ void checkNothingBehind(const std::string& path, std::size_t last, const Reporte
   }
   if (count == 0) return;
   report(Kind::SecondDataSet, {.line = first},
-         "lines that are ignored: " + std::to_string(count) + " from here");
+         "lines ignored from here on: " + std::to_string(count));
 }
 
 }  // namespace aq

@@ -135,7 +135,7 @@ class Contradictions {
     if (std::abs((temperature_ - 32) / 1.8 - celsius) <= kNear) return;
     report_(Kind::Contradiction, {.line = temperatureLine_, .field = 2},
             "slant ranges and propagation times give about " + numberText(std::round(celsius)) +
-                " degrees Celsius, the header says " + numberText(rounded(temperature_)));
+                " degrees Celsius, but the header says " + numberText(rounded(temperature_)));
   }
 
   [[nodiscard]] std::string faultOf(AQ_Geometry& point, std::size_t points) const {
@@ -144,19 +144,19 @@ class Contradictions {
     const double between =
         std::remainder(point.Tm()->TODseconds() - point.Te()->TODseconds(), kSecondsPerDay);
     if (std::abs(between - point.Tprope) > kTolerance) {
-      return "the sound is emitted " + secondsText(between) + " before it is measured, its " +
-             "propagation time is " + secondsText(point.Tprope);
+      return "the sound is emitted " + secondsText(between) + " before it is measured, but " +
+             "its propagation time is " + secondsText(point.Tprope);
     }
     const double range = point.Tprope * speed_;
     if (points >= kEnough && std::abs(point.SRe - range) > 0.005 * range + 0.1) {
-      return "the slant range is " + numberText(point.SRe) + ", the propagation time gives " +
+      return "the slant range is " + numberText(point.SRe) + ", but the propagation time gives " +
              numberText(rounded(range));
     }
     const double distance =
         std::hypot(point.Pe()->X() - microphone_.X(), point.Pe()->Y() - microphone_.Y(),
                    point.Pe()->Z() - microphone_.Z());
     if (std::abs(point.SRe - distance) <= 0.01 * distance + 2) return {};
-    return "the slant range is " + numberText(point.SRe) + ", the position is " +
+    return "the slant range is " + numberText(point.SRe) + ", but the position is " +
            numberText(rounded(distance)) + " from the microphone";
   }
 

@@ -51,7 +51,7 @@ void compareRecords(const AQ_SpectralTimeHistory& history, const AQ_MaskMap& map
     place.record = number;
     if (!map.contains(record) || !history.contains(record)) {
       report(Kind::MapMisfit, place,
-             map.contains(record) ? "the history lacks it" : "the map has no row for it");
+             map.contains(record) ? "the history has no such record" : "the map has no row for it");
       continue;
     }
     const auto row = map.Row(record);
@@ -88,7 +88,7 @@ void checkMapFit(const AQ_SpectralTimeHistory& history, const std::string& histo
                  const AQ_MaskMap& map, const Reporter& report) {
   if (history.Count() != map.Count()) {
     report(Kind::MapMisfit, {},
-           "the map has " + std::to_string(map.Count()) + " rows, its history " +
+           "the map has " + std::to_string(map.Count()) + " rows, but its history " +
                shown(historyName) + " has " + std::to_string(history.Count()) + " records");
   }
   compareRecords(history, map, report);

@@ -47,9 +47,9 @@ void checkMicrophoneOf(const std::string& source, const GeometryRead& read,
       isNear(at.Z(), microphone.Z) || isNear(at.Z(), microphone.Z + microphone.Height);
   if (isNear(at.X(), microphone.X) && isNear(at.Y(), microphone.Y) && height) return;
   report(Kind::SourceMisfit, {.line = kMicrophonePositionLine, .field = 2},
-         shown(read.header->MICFileName) + " has the microphone at " + numberText(microphone.X) +
-             ", " + numberText(microphone.Y) + ", " + numberText(microphone.Z) + " and " +
-             numberText(microphone.Height) + " above it");
+         shown(read.header->MICFileName) + " puts the microphone at " + numberText(microphone.X) +
+             ", " + numberText(microphone.Y) + ", " + numberText(microphone.Z) +
+             " with a height of " + numberText(microphone.Height));
 }
 
 void checkHistoryOf(const std::string& source, const GeometryRead& read, const Reporter& report) {
@@ -61,7 +61,7 @@ void checkHistoryOf(const std::string& source, const GeometryRead& read, const R
   const std::string& own = read.header->MicrophoneID;
   if (!microphone.empty() && !own.empty() && upperCased(microphone) != upperCased(own)) {
     report(Kind::SourceMisfit, {.line = kMicrophoneLine, .field = 2},
-           shown(read.header->STHFileName) + " is of the microphone " + shown(microphone));
+           shown(read.header->STHFileName) + " is from microphone " + shown(microphone));
   }
   std::vector<double> stamps;
   for (const auto& [record, spectrum] : *found.model) {
@@ -77,7 +77,7 @@ void checkHistoryOf(const std::string& source, const GeometryRead& read, const R
   if (!areMany(wrong, read)) return;
   report(
       Kind::SourceMisfit, {.line = kHistoryLine, .field = 2},
-      shown(read.header->STHFileName) + " has no record at the time of " + countText(wrong, read));
+      shown(read.header->STHFileName) + " has no record at the times of " + countText(wrong, read));
 }
 
 std::shared_ptr<AQ_PositionTimeHistory> positionsIn(const std::string& source) {
@@ -107,15 +107,15 @@ class SourcePath {
     return times_.size() > 1 && std::is_sorted(times_.begin(), times_.end());
   }
 
-  /// Whether the path is known at that time, to a tenth of a second.
+  /// Whether the path covers that time, to a tenth of a second.
   [[nodiscard]] bool covers(double time) const {
     constexpr double kBeyond = 0.1;
     time = near(time);
     return time >= times_.front() - kBeyond && time <= times_.back() + kBeyond;
   }
 
-  /// Whether the source was near `at` at that time, within the accuracy of tenths of a second and
-  /// straight lines.
+  /// Whether the source was near `at` at that time, allowing for times in tenths of a second and
+  /// for straight lines between positions.
   [[nodiscard]] bool passes(double time, const AQ_Position& at) const {
     if (!covers(time)) return false;
     time = near(time);
@@ -152,7 +152,7 @@ void checkPositionsOf(const std::string& source, const GeometryRead& read, const
   }
   if (!areMany(wrong, read)) return;
   report(Kind::SourceMisfit, {.line = kPositionsLine, .field = 2},
-         shown(read.header->PTHFileName) + " has the source elsewhere at the emission of " +
+         shown(read.header->PTHFileName) + " puts the source elsewhere at the emission times of " +
              countText(wrong, read));
 }
 

@@ -29,7 +29,7 @@ constexpr std::size_t kBeforeLevels = 3;  // record number, time of day and rela
 
 void checkLevel(double level, const FindingPlace& place, const Reporter& report) {
   if (level == double{AQ_INVALID_LEVEL}) {
-    report(Kind::LevelInvalid, place, "9999, no valid level");
+    report(Kind::LevelInvalid, place, "the level is 9999, which means not valid");
   } else if (level < kLowestLevel || level > kHighestLevel) {
     report(Kind::LevelRange, place, numberText(level) + " dB is outside -20 to 200 dB");
   }
@@ -64,7 +64,7 @@ void checkRange(const HeaderCheck& header, const RecordLines& records, const Rep
   if (low == records.low() && high == records.high()) return;
   report(Kind::RecordRange, {.line = header.lineOf(kRecordNumbers), .field = 2},
          "the header says records " + std::to_string(low) + " to " + std::to_string(high) +
-             ", the file has " + std::to_string(records.low()) + " to " +
+             ", but the file has " + std::to_string(records.low()) + " to " +
              std::to_string(records.high()));
 }
 
@@ -115,7 +115,7 @@ void checkStartTime(const HeaderCheck& header, const RecordLines& records,
   };
   if (fits(expected) || fits(expected + (low - 1) * 0.5)) return;
   report(Kind::StartTime, {.line = header.lineOf(kStartTime), .field = 2},
-         "the start gives a first stamp " +
+         "the start time implies a first stamp that differs by " +
              secondsText(std::remainder(expected - stamp, kSecondsPerDay)) +
              " from the actual one, " + history.spectrum(low)->timeValue().TODstring());
 }

@@ -101,7 +101,7 @@ std::optional<std::string> DecimalCommas::frontOf(std::span<const std::string_vi
   return std::string(fields[0]) + ',' + ways.front().first + ',' + ways.front().second;
 }
 
-/// Whether a relative time belongs to a time of day; always, if the reference is unknown.
+/// Whether a relative time fits a time of day; always true if the reference is unknown.
 bool DecimalCommas::fits(const std::string& time, const std::string& relative) const {
   try {
     AQ_Time clock;

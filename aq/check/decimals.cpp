@@ -34,7 +34,7 @@ void Decimals::report(const FindingPlace& told, const Reporter& report) const {
     for (const FindingPlace& place : seen->second.first) {
       if (place.line == told.line && place.field == told.field) continue;
       report(Kind::LostDigits, place,
-             "the number has " + decimalsText(seen->first) + ", the others have " +
+             "the number has " + decimalsText(seen->first) + ", but the others have " +
                  std::to_string(usual->first));
     }
   }

@@ -115,7 +115,7 @@ void HeaderCheck::expectCount(std::string_view keyword, std::size_t count,
   const std::string_view text = valueOf(keyword);
   if (text.empty() || int32From(text) == static_cast<std::int64_t>(count)) return;
   report_(Kind::RecordCount, {.line = lineOf(keyword), .field = 2},
-          "the header counts " + std::string(text) + ' ' + ofWhat + ", the file has " +
+          "the header counts " + std::string(text) + ' ' + ofWhat + ", but the file has " +
               std::to_string(count));
 }
 
@@ -202,8 +202,9 @@ void HeaderCheck::seeKeyword(const HeaderLine& line, std::string_view found) {
     }
   }
   if (upperCased(found) == upperCased(line.keyword)) return;
-  report_(Kind::Keyword, {.line = line.number, .field = 1},
-          "this line is read as " + std::string(line.keyword) + ", its keyword is " + shown(found));
+  report_(
+      Kind::Keyword, {.line = line.number, .field = 1},
+      "this line is read as " + std::string(line.keyword) + ", but its keyword is " + shown(found));
 }
 
 /// A keyword's value starts after the comma that follows the mark and ends at the next mark; any
@@ -212,15 +213,15 @@ void HeaderCheck::seeMarks(const HeaderLine& line,
                            const std::vector<std::string_view>& pieces) const {
   const bool keyword = line.use == HeaderLine::Use::Keyword;
   const auto lost = [&](std::string_view text, const char* where) {
-    report_(Kind::LostText, {.line = line.number}, where + shown(text) + " is not read");
+    report_(Kind::LostText, {.line = line.number}, shown(text) + where + " is not read");
   };
   const std::string_view after = pieces.size() > 1 ? pieces[1] : std::string_view();
   const std::string_view value = after.substr(std::min(after.find_first_not_of('"'), after.size()));
   if (keyword && !value.empty() && value.front() != ',') {
-    lost(value.substr(0, 1), "in place of a comma ");
+    lost(value.substr(0, 1), " in place of a comma");
   }
   const std::size_t read = keyword ? 2 : 1;
-  if (pieces.size() > read) lost(pieces[read], "after \"**\" ");
+  if (pieces.size() > read) lost(pieces[read], " after \"**\"");
 }
 
 }  // namespace aq

@@ -113,7 +113,7 @@ void LineShapes::reportExtra(const std::string& path, const Reporter& report) co
   if (empty == 0) return;
   report(Kind::ExtraFields, {.line = firstEmpty, .field = columns_.fields + 1},
          "empty fields at the end of " + std::to_string(empty) + (empty == 1 ? " line" : " lines") +
-             ", as spreadsheets add them");
+             ", such as spreadsheets add");
 }
 
 FindingPlace LineShapes::reportCut(const Reporter& report) const {
@@ -122,7 +122,7 @@ FindingPlace LineShapes::reportCut(const Reporter& report) const {
   const auto shorter = [this]() -> std::string {
     if (!ended_) return kNoEnd;
     if (count_ > 1 && last_.fields < std::min(least_.fields, columns_.fields)) {
-      return "the last line has " + std::to_string(last_.fields) + " fields, all others " +
+      return "the last line has " + std::to_string(last_.fields) + " fields, but all others have " +
              std::to_string(least_.fields) + " or more";
     }
     if (last_.open && !least_.open && (count_ > kLinesEnough || !last_.empty)) {
@@ -130,7 +130,7 @@ FindingPlace LineShapes::reportCut(const Reporter& report) const {
     }
     if (count_ <= kLinesEnough || last_.fields != least_.fields) return {};
     if (last_.decimals >= least_.decimals) return {};
-    return "the last number has " + decimalsText(last_.decimals) + ", those above it have " +
+    return "the last number has " + decimalsText(last_.decimals) + ", but those above it have " +
            std::to_string(least_.decimals) + " or more";
   };
   const std::string message = shorter();

@@ -66,7 +66,7 @@ class TextMender {
     mendReturns();
     mendLines();
     if (!faultAtStart()) return std::move(mended_);
-    // Quotes or a byte order mark hid a mark of UTF-16 or of compression, which no program writes.
+    // Quotes or a byte order mark hid a mark of UTF-16 or compression. No program writes such text.
     mended_.text = bytes_;
     mended_.done.resize(doneBefore_);
     mended_.left.clear();

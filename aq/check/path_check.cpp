@@ -25,7 +25,8 @@ double lengthBetween(const std::array<double, 3>& one, const std::array<double, 
   return std::hypot(one[0] - other[0], one[1] - other[1], one[2] - other[2]);
 }
 
-/// The distance of a position from the line between its neighbours, at its time.
+/// How far a position is from where the straight line between its neighbours would put it at that
+/// time.
 double lineOff(const PathPlace& before, const PathPlace& here, const PathPlace& after) {
   const double whole = secondsFrom(before, after);
   const double part = whole > 0 ? std::clamp(secondsFrom(before, here) / whole, 0.0, 1.0) : 0.5;
@@ -70,8 +71,8 @@ void checkGaps(const std::vector<PathPlace>& path, const Reporter& report) {
   for (std::size_t i = 0; i < steps.size(); ++i) {
     if (steps[i] <= kLong || steps[i] <= 10 * usual) continue;
     report(Kind::TimeGap, {.line = path[i + 1].line, .field = 1},
-           "no position for " + secondsText(steps[i]) + "; they are usually " + secondsText(usual) +
-               " apart");
+           "no position for " + secondsText(steps[i]) + "; positions are usually " +
+               secondsText(usual) + " apart");
   }
 }
 

@@ -35,7 +35,8 @@ aq::AQ_Time timeOf(const std::string& text, double seconds) {
   aq::AQ_Time time;
   if (!text.empty()) {
     time.TODstring(text);
-    // A time late in its second has the text of the next second; then the seconds count.
+    // If the time was late in its second, its text is that of the next second, and `seconds` is
+    // right.
     if (std::abs(time.TODseconds() - seconds) < 0.006 || std::isnan(seconds)) return time;
   }
   time.assignSeconds(seconds, 0);
@@ -177,8 +178,8 @@ Rows rowsOf(aq::LineReader& lines, const Take& take) {
       throw Failure(fmt::format("line {}: {}", lines.number(), error.what()));
     }
     if (!fields.rest().empty()) {
-      throw Failure(
-          fmt::format("line {}: expected {} fields, found more", lines.number(), "the heading's"));
+      throw Failure(fmt::format("line {}: expected as many fields as the heading has, found more",
+                                lines.number()));
     }
   }
   return rows;

@@ -141,7 +141,7 @@ std::string cellAt(const Level& level, const Scale& scale, terminal::Colours col
   return std::string(kShades[static_cast<std::size_t>(std::lround(share * 4))]);
 }
 
-/// The level `levelIn(row)` of every record; none for a missing record number.
+/// The level `levelIn(row)` of every record; no value for a missing record number.
 template <class LevelIn>
 std::vector<Level> levelsAcross(const Sheet& sheet, const LevelIn& levelIn) {
   std::vector<Level> levels;

@@ -26,7 +26,7 @@ void Session::finish() {
 }
 
 void Session::failOutput() {
-  // A closed pipe is not a failure; systems without a signal for it report an error.
+  // Where no signal ends the program, a closed pipe shows up as EPIPE, which needs no message.
   if (errno != EPIPE) std::fputs("aqdata: cannot write to standard output\n", stderr);
   std::_Exit(kCouldNot);
 }
@@ -148,7 +148,7 @@ void addWords(Session& session, CLI::Option& option, std::vector<std::string> wo
 }
 
 void addOutputOptions(CLI::App& command, Session& session) {
-  command.add_flag("--json", session.json, "Print JSON, one document per file and line");
+  command.add_flag("--json", session.json, "Print JSON, one document per file, each on one line");
   command.add_flag("-q,--quiet", session.quiet, "Print only results");
   CLI::Option* const colour =
       command.add_option("--color", session.colour, "Colours: auto, always or never")

@@ -33,7 +33,7 @@ struct Sheet {
 
   [[nodiscard]] bool hasBands() const { return !ofBand.empty(); }
 
-  /// The band of an index in `Row::bands`.
+  /// The band at an index of `Row::bands`.
   [[nodiscard]] std::int16_t band(std::size_t place) const {
     return static_cast<std::int16_t>(low + static_cast<std::int32_t>(place));
   }
@@ -43,7 +43,7 @@ struct Sheet {
   void keepRows(Range range, const std::string& file);
   void keepBands(Range range, const std::string& file);
 
-  /// Times appear twice, as text and in seconds; drops the columns whose names have this ending.
+  /// Drops the columns whose names have this ending, such as one of the two forms of each time.
   void dropColumns(std::string_view ending);
 };
 

@@ -224,8 +224,9 @@ void expectField(const std::string& field, const std::vector<std::string>& field
   if (std::find(fields.begin(), fields.end(), field) != fields.end()) return;
   const std::string meant = nearest(field, fields);
   throw Failure(fmt::format("unknown field {}{}", aq::shown(field),
-                            meant.empty() ? fmt::format(", known are {}", fmt::join(fields, ", "))
-                                          : fmt::format("; did you mean {}?", meant)));
+                            meant.empty()
+                                ? fmt::format("; the fields are {}", fmt::join(fields, ", "))
+                                : fmt::format("; did you mean {}?", meant)));
 }
 
 Condition conditionFrom(const std::string& text, const std::vector<std::string>& fields) {

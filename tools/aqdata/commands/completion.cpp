@@ -31,8 +31,8 @@ std::string quoted(const std::string& text) {
   return result + '\'';
 }
 
-/// Calls `visit(names, words)` for each option or argument of a command that takes words: an
-/// option's names with dashes, none for an argument.
+/// Calls `visit(names, words)` for each option or argument that takes one of a fixed set of words.
+/// `names` are the option's long names with their dashes; empty for an argument.
 template <class Visit>
 void forWords(const CLI::App& command, const Session& session, const Visit& visit) {
   for (const CLI::Option* option : command.get_options()) {

@@ -222,8 +222,8 @@ Difference differenceOf(const std::string& fileA, const std::string& fileB,
   const Measurement a = openFile(fileA);
   const Measurement b = openFile(fileB);
   if (a.data.index() != b.data.index()) {
-    throw Failure(fmt::format("{} is a {} file, {} a {} file", aq::escaped(fileA), kindText(a.kind),
-                              aq::escaped(fileB), kindText(b.kind)));
+    throw Failure(fmt::format("{} is a {} file, but {} is a {} file", aq::escaped(fileA),
+                              kindText(a.kind), aq::escaped(fileB), kindText(b.kind)));
   }
   Difference difference;
   compareHeaders(headerOf(a), headerOf(b), choice.dates, difference);

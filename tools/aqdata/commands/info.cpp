@@ -417,7 +417,7 @@ void addInfo(CLI::App& program, Session& session) {
       ->option_text("TEXT");
   command
       ->add_option("--columns", choice->columns,
-                   "The columns to show, separated by commas: --json keys")
+                   "The columns to show: --json keys, separated by commas")
       ->delimiter(',')
       ->option_text("FIELDS");
   command->add_option("--sort", choice->sort, "Sort by these columns, separated by commas")

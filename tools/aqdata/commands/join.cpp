@@ -143,7 +143,7 @@ void addJoin(CLI::App& program, Session& session) {
       ->required()
       ->type_name("");
   command->add_flag("--fill", choice->fill,
-                    "Fill gaps with records whose levels are 9999, not valid");
+                    "Fill gaps with records whose levels are 9999 (not valid)");
   command->add_flag("--masks", choice->maps, "Also join the maps next to the pieces");
   command->add_flag("--geometries", choice->geometries,
                     "Also join the geometries, if no record is missing");
