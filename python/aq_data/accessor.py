@@ -109,9 +109,9 @@ class Accessor:
         return total.rename("overall_level")
 
     def metrics(self) -> xr.Dataset:
-        """The ten noise metrics of each record over `time`, as `aq_data.metrics` has them over
-        `record`, in the units of their attributes; for `open_many` they are computed on demand,
-        with one event per file. Raises `ValueError` if the dataset has no levels.
+        """The ten noise metrics of each record, as `aq_data.metrics` computes them, but over
+        `time`; their attributes have the units. For `open_many` they are computed on demand, with
+        one event per file. Raises `ValueError` if the dataset has no levels.
 
         >>> ds.aq.metrics().PNLT.max()
         """

@@ -174,7 +174,7 @@ def _row(path: str) -> tuple[dict[str, Any], Checked]:
     except OSError as error:
         row.update(ok=False, expected="a file that can be opened", found=error.strerror)
     except Error as error:
-        row.update(ok=False, expected="values that go together", found=str(error))
+        row.update(ok=False, expected="values that do not contradict each other", found=str(error))
     return {**row, **header_words(reading.header)}, result
 
 

@@ -187,7 +187,9 @@ def _named(cls: Any) -> str:
     models = {format.model for format in FORMATS.values()}
     if cls not in models:
         classes = sorted(own.__name__ for own in models)
-        raise TypeError(f"expected a class that has a file, {', '.join(classes)}, found {cls!r}")
+        raise TypeError(
+            f"expected one of the classes with a file format ({', '.join(classes)}), found {cls!r}"
+        )
     return str(cls.__name__)
 
 

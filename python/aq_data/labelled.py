@@ -103,7 +103,7 @@ def mask_variables(modes: Any, adjustments: Any, last_good_bands: Any) -> dict[s
             dims, adjustments, _core.AQ_MASK_ADJUST, "adjustment of a masked level"
         ),
         "last_good_band": variable(
-            "time", last_good_bands, "1", "last good band; 0 all, 9999 none"
+            "time", last_good_bands, "1", "last good band; 0 if all are good, 9999 if none is"
         ),
     }
 
@@ -130,7 +130,7 @@ def _named(attrs: dict[str, Any], coordinates: dict[str, Any]) -> dict[str, Any]
 
 def check_unit(unit: str) -> str:
     if unit not in UNITS:
-        raise ValueError(f"expected a unit of length, {', '.join(UNITS)}, found {unit!r}")
+        raise ValueError(f"expected a unit of length ({', '.join(UNITS)}), found {unit!r}")
     return unit
 
 
@@ -140,7 +140,7 @@ def check_map(history: _core.AQ_SpectralTimeHistory, mask: _core.AQ_MaskMap) -> 
     if not np.array_equal(mask.records, history.records):
         raise ValueError(
             f"expected a map of the history's {len(history)} records, found {len(mask)} rows"
-            " of other numbers"
+            " with other numbers"
         )
     own, narrow = history.bands, mask.bands  # each array is ascending, without gaps
     if narrow.size and not (own.size and own[0] <= narrow[0] and narrow[-1] <= own[-1]):
@@ -279,7 +279,7 @@ def geometry_to_xarray(
     >>> geometry.to_xarray().slant_range.min()
     """
     if angle_unit not in ANGLES:
-        raise ValueError(f"expected a unit of angles, {', '.join(ANGLES)}, found {angle_unit!r}")
+        raise ValueError(f"expected an angle unit ({', '.join(ANGLES)}), found {angle_unit!r}")
     ds = _series_to_xarray("geometry", self, GEOMETRY, header, unit)
     for name in ("theta", "beta"):
         ds[name].attrs["units"] = angle_unit
@@ -288,7 +288,7 @@ def geometry_to_xarray(
 
 @attach(_core.AQ_EmtRcvTable, name="to_xarray")
 def emission_to_xarray(self: _core.AQ_EmtRcvTable, unit: str = "m") -> xr.Dataset:
-    """A dataset with reception time (s), position and slant range over the time of emission.
+    """A dataset of reception time (s), position and slant range, indexed by emission time.
 
     `unit` is the unit of lengths, as for positions.
 

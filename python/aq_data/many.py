@@ -240,7 +240,7 @@ def _coordinates(shapes: list[_Shape], bands: Any) -> dict[str, Any]:
     return {
         **table_variables(times, RECORD_TIMES, "time"),
         "record": variable("time", numbers, "1", "record number"),
-        "file": variable("time", files, "1", "place in path"),
+        "file": variable("time", files, "1", "index in path"),
         "path": ("path", [shape.path for shape in shapes]),
         **by_file,
         **band_coordinates(bands),

@@ -215,7 +215,7 @@ def metric_findings(path: str) -> list[tuple[Any, ...]]:
 
 def _difference(row: Any) -> str:
     computed = "no value" if np.isnan(row.computed) else f"{row.computed:.2f}"
-    return f"{row.metric} is {row.stored:.2f}, its levels give {computed}"
+    return f"{row.metric} is {row.stored:.2f}, but the levels give {computed}"
 
 
 def emission_geometry(
@@ -250,7 +250,7 @@ class _Measured(NamedTuple):
     level: Any  # (records, bands)
     modes: Any  # (records, bands), or None
     adjustments: Any
-    numbers: Any  # (records, 3): time of day, record number and place of the file
+    numbers: Any  # (records, 3): time of day, record number and index of the file
     bands: Any
 
     def by_file(self) -> Iterator[tuple[slice, _core.AQ_SpectralTimeHistory, Any]]:

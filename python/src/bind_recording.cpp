@@ -116,7 +116,8 @@ void bindRecording(py::module_& module) {
           return py::make_tuple(std::string(error.wanted()), std::string(error.what()));
         }
       },
-      py::arg("path"), "The records and traces of a recording; expected and found of a failure");
+      py::arg("path"),
+      "The records and traces of a recording, or what was expected and found if reading failed");
 }
 
 }  // namespace aq::python

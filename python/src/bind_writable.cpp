@@ -43,7 +43,7 @@ void checkRecords(std::int32_t first, std::int32_t last, const Series& series,
     if (number == first) bands = own;
     if (own.low != bands.low || own.high != bands.high) {
       throw py::value_error("record " + std::to_string(number) + " has " + bandsText(own) +
-                            ", record " + std::to_string(first) + " has " + bandsText(bands));
+                            ", but record " + std::to_string(first) + " has " + bandsText(bands));
     }
     at("record", record, [&] { checkLevels(*object); });
   }

@@ -69,8 +69,8 @@ class TableSource {
 
   [[nodiscard]] py::ssize_t rows() const { return columns_.front().size(); }
 
-  /// Stores all cells, or none if one does not fit. Messages name a row by its record number, or by
-  /// its place from 1 without record numbers.
+  /// Stores all cells, or none if one does not fit. Messages name a row by its record number
+  /// or, without record numbers, by its index, counted from 1.
   template <class Object>
   void fill(const std::vector<std::shared_ptr<Object>>& objects,
             std::span<const Column<Object>> columns,

@@ -144,7 +144,7 @@ def test_a_file_of_another_class_than_wanted_is_refused(sample: Path) -> None:
     assert aq.read(sample / "fly-over.mask.csv", aq.AQ_MaskMap).header.lNumberRows == 60
     with pytest.raises(aq.FileError, match="a file of AQ_MaskMap, found one of AQ_Spectral"):
         aq.read(sample / "fly-over.sth.csv", aq.AQ_MaskMap)
-    with pytest.raises(TypeError, match="a class that has a file"):
+    with pytest.raises(TypeError, match="one of the classes with a file format"):
         aq.read(sample / "fly-over.sth.csv", str)  # type: ignore[call-overload]
 
 

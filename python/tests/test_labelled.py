@@ -16,7 +16,7 @@ History, Map, NAN = aq.AQ_SpectralTimeHistory.from_numpy, aq.AQ_MaskMap.from_num
 HISTORY = History([[60.0, 61.0]])
 GRID, TWICE, BANDS = (("time", "band"), [[1.0], [2.0]]), ("time", [4, 4]), {"band": [17]}
 POINTS = aq.AQ_GeometryTimeHistory.from_numpy({"SRe": [1.0]})
-UNEVEN = "record 2 has bands 17 to 18, record 1 has bands 18 to 18"
+UNEVEN = "record 2 has bands 17 to 18, but record 1 has bands 18 to 18"
 LABELLED = ["fly-over.ssr.csv", "fly-over.mask.csv", "fly-over.sth.csv", "fly-over.tspi.csv"]
 
 
