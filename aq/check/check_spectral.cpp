@@ -35,7 +35,7 @@ void checkLevel(double level, const FindingPlace& place, const Reporter& report)
   }
 }
 
-/// `place` is where the level of `low` is.
+/// `place` is the place of the level of band `low`.
 void checkLevels(const AQ_Spectrum& spectrum, std::int16_t low, FindingPlace place,
                  const Reporter& report) {
   const std::size_t first = place.field;

@@ -95,7 +95,7 @@ class OutputFile {
   }
 
   /// Gives the file the owner and permissions of another one. If the system does not allow setting
-  /// the owner, the file stays the writer's, without permissions that depend on the owner.
+  /// the owner, the writer stays the owner, and permissions that depend on the owner are dropped.
   void takeAfter(const struct stat& other) const {
     constexpr auto kKeptOwner = static_cast<uid_t>(-1);
     const struct stat own = status();

@@ -222,8 +222,8 @@ Handle open(const std::wstring& path, const Opening& how, const char* wanted) {
   return handle;
 }
 
-/// A duplicate handle of one of the program's own streams, by its name on other systems; null for
-/// any other path.
+/// A duplicate of the handle of the program's own stream that `path` names as on other systems,
+/// such as /dev/stdout; null for any other path.
 Handle standardStream(const std::string& path) {
   DWORD stream = 0;
   if (path == "/dev/stdin") stream = STD_INPUT_HANDLE;
@@ -608,7 +608,8 @@ std::vector<std::string> filesIn(const std::string& folder) {
 
 std::string outputOf(const std::string& program, const std::vector<std::string>& arguments) {
   const std::wstring path = pathOf(program, kRun);
-  if (isBatch(path)) throw SystemError(kRun, "a batch file, which may take names for commands");
+  if (isBatch(path))
+    throw SystemError(kRun, "a batch file, which may run parts of a file name as commands");
   std::wstring line;
   appendArgument(line, path);
   for (const std::string& argument : arguments) appendArgument(line, wide(argument, kRun));

@@ -7,9 +7,9 @@
 
 namespace aq {
 
-// The words for members of enumerations in files and settings: "LINEAR", "TRUSLO",
-// "4S100", "4S95", "CONTEXPO", "NA"; "START", "MIDPT", "END", "ICAOSLO", "OLDSLO"; "START",
-// "OVERHEAD", "AMAX", "PMAX", "TMAX", "OAMAX", "HACK", "OTHER".
+// The words for members of enumerations in files and settings. Averaging methods: "LINEAR",
+// "TRUSLO", "4S100", "4S95", "CONTEXPO", "NA". Time stamps: "START", "MIDPT", "END", "ICAOSLO",
+// "OLDSLO". Reference times: "START", "OVERHEAD", "AMAX", "PMAX", "TMAX", "OAMAX", "HACK", "OTHER".
 
 /// The word for a member; empty for any other value.
 [[nodiscard]] AQ_API std::string_view wordOf(AQ_AverageMethod value);

@@ -381,8 +381,8 @@ class Members<E, Visit, true> {
   Visit& visit_;
 };
 
-/// A class or an enumeration: its `name`, for a class its `number`, by which hosts identify it and
-/// which is never reused, a `text` and its `members`.
+/// A class or an enumeration: its `name`, a `text` and its `members`; for a class also its
+/// `number`, by which hosts identify it and which is never reused.
 template <class C>
 struct Description;
 

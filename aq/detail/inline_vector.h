@@ -77,7 +77,7 @@ class InlineVector {
     std::swap(inPlace_, other.inPlace_);
   }
 
-  /// Changes the size to a larger one; the cells added have any value.
+  /// Changes the size to a larger one; the values of the new cells are unspecified.
   void grow(std::size_t size) {
     const std::size_t room = isInPlace() ? kInline : std::bit_ceil(this->size());
     if (size > room) {

@@ -47,7 +47,7 @@ class BlockMemory {
   std::byte* bytes_;
 };
 
-/// Allocates from `memory`, which outlives what it holds, until that is full, then as usual.
+/// Allocates from `memory`, which outlives what it holds, and as usual once it is full.
 template <class T>
 struct BlockAllocator {
   using value_type = T;

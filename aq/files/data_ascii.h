@@ -34,14 +34,14 @@ class AQ_API AQ_DataASCII : public FileClass {
   void Lines(std::shared_ptr<Collection<std::string>> lines) { lines_ = std::move(lines); }
 
   // Writers replace the file, appenders add to it. Fields are joined by the delimiter;
-  // `appendFields` puts each in double quotes when `CommentFields` is set, `writeFields` never
-  // does: hosts rely on it. A missing collection throws `ObjectNotSet`.
+  // `appendFields` puts each in double quotes when `CommentFields` is set; `writeFields` never
+  // does, as hosts expect. A missing collection throws `ObjectNotSet`.
   AQ_DataMessage writeFields(const std::string& sFileName);
   AQ_DataMessage appendFields(const std::string& sFileName);
   AQ_DataMessage writeLines(const std::string& sFileName);
   AQ_DataMessage appendLines(const std::string& sFileName);
 
-  /// The text between fields, initially ",". An empty text splits nothing.
+  /// The text between fields, initially ",". An empty delimiter splits nothing.
   void Delimiter(std::string text) { delimiter_ = std::move(text); }
 
   /// Whether fields may be in double quotes, with delimiters inside. Uses the delimiter that is set

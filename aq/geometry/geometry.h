@@ -11,8 +11,8 @@
 namespace aq {
 
 /// The emission geometry of one measured record: when its sound was emitted, where the source was
-/// then, and how the sound reached the microphone. `emissionGeometry` computes metres, degrees and
-/// seconds; another program's points may have another length unit, and nothing is converted.
+/// then, and how the sound reached the microphone. `emissionGeometry` gives metres, degrees and
+/// seconds; points from other programs may have another length unit, and nothing is converted.
 /// Numbers are 0 until set.
 class AQ_API AQ_Geometry {
  public:

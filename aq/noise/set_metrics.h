@@ -16,11 +16,11 @@ namespace aq {
 /// until the stamp of the next one.
 ///
 /// A row of the map applies to the record with the same number; a record without a row is not
-/// masked. Does not change the map. Returns the event, with indices counted from the lowest record
-/// number, from unrounded values; nothing if no record has a PNLT.
+/// masked. Does not change the map. Returns the event, computed from unrounded values, with
+/// indices counted from the lowest record number; nothing if no record has a PNLT.
 ///
 /// Throws `InvalidValue` when a stamp equals that of the previous record, `Overflow` for a level
-/// that is too high for a metric, `ObjectNotSet` for a null spectrum or row, and leaves the history
+/// that is too high for a metric, `ObjectNotSet` for a null spectrum or row; the history is then
 /// unchanged.
 AQ_API std::optional<NoiseEvent> setMetrics(AQ_SpectralTimeHistory& history,
                                             const AQ_MaskMap* map = nullptr);

@@ -13,8 +13,8 @@ inline constexpr std::int16_t kLastToneBand = 40;   // 10 kHz
 inline constexpr double kMarkedSlopeChange = 5;     // dB, marks a slope when exceeded
 inline constexpr std::size_t kToneBands = kLastToneBand - kFirstToneBand + 1;
 
-/// The tone correction of a band at an index of columns, dB, at most a third of `difference`; 0
-/// where the difference to the background does not count.
+/// The tone correction in dB of the band at an index of the columns, at most a third of
+/// `difference`; 0 where the difference to the background does not count.
 [[nodiscard]] double bandCorrection(std::size_t place, double difference);
 
 /// The tone correction procedure of 14 CFR 36, A36.4.3, step by step, for one record or for lanes

@@ -59,7 +59,7 @@ struct AnyLayout {
   std::span<const Field> fields;
 };
 
-/// The layout of records of that type; for all types of the instrument's own, that of `Unique`.
+/// The layout of records of that type; types defined by the instrument share that of `Unique`.
 [[nodiscard]] AQ_API const AnyLayout& layoutOf(RecordType type);
 
 /// The layout with that name in the instrument's text; `nullptr` if there is none.

@@ -34,10 +34,10 @@ class AQ_API AQ_SpectralTimeHistory {
   [[nodiscard]] std::shared_ptr<AQ_SpectralTimeHistory> Resize(std::int16_t LoRec,
                                                                std::int16_t HiRec);
 
-  // The settings as words: "LINEAR", "TRUSLO", "4S100", "4S95", "CONTEXPO", "NA"; "START",
-  // "OVERHEAD", "AMAX", "PMAX", "TMAX", "OAMAX", "HACK", "OTHER"; "START", "MIDPT", "END",
-  // "ICAOSLO", "OLDSLO". A value without a word gives an empty string. Setting is case-sensitive
-  // and ignores other text.
+  // The settings as words. Averaging methods: "LINEAR", "TRUSLO", "4S100", "4S95", "CONTEXPO",
+  // "NA". Reference times: "START", "OVERHEAD", "AMAX", "PMAX", "TMAX", "OAMAX", "HACK", "OTHER".
+  // Time stamps: "START", "MIDPT", "END", "ICAOSLO", "OLDSLO". A value without a word gives an
+  // empty string. Setting is case-sensitive and ignores other text.
   [[nodiscard]] std::string sAveragingMethod() const;
   [[nodiscard]] std::string sReferenceTimeType() const;
   [[nodiscard]] std::string sTimeStampType() const;
@@ -53,8 +53,9 @@ class AQ_API AQ_SpectralTimeHistory {
   /// bands contain those of its row. Throws `InvalidArgument` for a missing spectrum or row.
   [[nodiscard]] bool EncompassesMask(const AQ_MaskMap& MapMask) const;
 
-  /// Sets the metric `LGB` of each spectrum from the map's row with the same number, from 1 to the
-  /// map's count. Throws `InvalidArgument` at a missing spectrum or row; those before it are set.
+  /// Sets the metric `LGB` of the spectra from 1 to the map's count, each from the map's row with
+  /// the same number. Throws `InvalidArgument` at a missing spectrum or row; those before it are
+  /// set.
   void setLGB(const AQ_MaskMap& MapMask);
 
   void TimeStampType(AQ_TimeStampType type) { timeStampType_ = type; }

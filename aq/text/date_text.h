@@ -14,8 +14,8 @@ namespace aq {
 /// The date value of a calendar day.
 [[nodiscard]] AQ_API double dateFrom(int year, unsigned month, unsigned day);
 
-/// The date value of `mm/dd/yyyy`; months and days may have one digit, outer blanks are allowed.
-/// Throws `TypeMismatch` for any other text.
+/// The date value of `mm/dd/yyyy`; months and days may have one digit, and outer blanks are
+/// allowed. Throws `TypeMismatch` for any other text.
 [[nodiscard]] AQ_API double dateFrom(std::string_view text);
 
 /// The clock time `text` as `hh:mm:ss`. Its parts may have one or two digits, hours are 0 to 23,

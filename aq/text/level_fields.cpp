@@ -84,8 +84,8 @@ AQ_AVX2 std::size_t findEnds(std::string_view text, std::size_t most, FieldEnds&
   return std::min(count, most);
 }
 
-/// Shuffles that move two neighbouring fields, the second at the end of sixteen bytes, to the ends
-/// of the two halves; by the fields' lengths less the shortest.
+/// Shuffles of sixteen bytes that end with two neighbouring fields: they move each field to the end
+/// of its own half. Indexed by the lengths of both fields, less the shortest length.
 constexpr auto kHalves = [] {
   std::array<std::array<Bytes, kLengths>, kLengths> all{};
   for (std::size_t first = 0; first < kLengths; ++first) {

@@ -19,16 +19,17 @@ namespace aq {
 [[nodiscard]] AQ_API std::string upperCased(std::string_view text);
 
 // The number that all of `text` represents, outer blanks aside: an optional sign, digits with an
-// optional point and fraction, an optional exponent; for integers a sign and digits only. Rounded
-// correctly. Throws `TypeMismatch` for any other text, `Overflow` outside the type's range.
+// optional point and fraction, an optional exponent; for integers, an optional sign and digits
+// only. Rounded correctly. Throws `TypeMismatch` for any other text, `Overflow` outside the type's
+// range.
 [[nodiscard]] AQ_API double doubleFrom(std::string_view text);
 [[nodiscard]] AQ_API float singleFrom(std::string_view text);
 [[nodiscard]] AQ_API std::int32_t int32From(std::string_view text);
 [[nodiscard]] AQ_API std::int16_t int16From(std::string_view text);
 [[nodiscard]] AQ_API std::uint8_t byteFrom(std::string_view text);
 
-/// The number at the start of `text`, 0 if there is none: skips blanks, and ends at the first
-/// character that cannot continue a number. Throws `Overflow` outside the range of a double.
+/// The number at the start of `text`, after any blanks, up to the first character that cannot
+/// continue a number; 0 if there is none. Throws `Overflow` outside the range of a double.
 [[nodiscard]] AQ_API double leadingNumber(std::string_view text);
 
 // Default text: at most 15 (double) or 7 (single) significant digits, a zero before the point, no

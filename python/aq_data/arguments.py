@@ -1,4 +1,4 @@
-"""Arguments of calls: what they take, in words."""
+"""What the arguments of calls accept, in words."""
 
 from __future__ import annotations
 

@@ -21,7 +21,7 @@ from .times import OWN, clock, going_on
 
 Function = TypeVar("Function", bound=Callable[..., Any])
 
-# The header classes by the word for a file's content, of the kinds that have a header class.
+# The header classes by the word for a file's content, for the kinds that have one.
 HEADERS: dict[str, Any] = {
     f.word: f.header for f in FORMATS.values() if f.header is not None and f.word != "recording"
 }

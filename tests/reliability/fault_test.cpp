@@ -46,8 +46,8 @@ std::string madeIn(const test::Folder& folder, Target target, const std::string&
   return path;
 }
 
-/// Runs `work(path)`, each time with a fault at a later call, until a run has no fault; returns the
-/// number of calls. `expected` is the new content.
+/// Runs `work(path)` repeatedly, with the fault one call later each time, until a run has no fault;
+/// returns the number of calls. `expected` is the new content.
 template <class Work>
 long strikeAll(Fault fault, const std::string& expected, const Work& work,
                const std::string& name = "target.csv", Target target = Target::File) {

@@ -142,7 +142,7 @@ TEST(Platform, RunsPrograms) {
   EXPECT_EQ(run("C:\\none.exe", {}), "No such file or directory");
   const test::Folder folder;
   EXPECT_EQ(run(folder.with("a.Cmd", "exit"), {}),
-            "a batch file, which may take names for commands");
+            "a batch file, which may run parts of a file name as commands");
   EXPECT_NE(run(folder.with("a.exe", "no program"), {}), "");
 }
 

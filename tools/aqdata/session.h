@@ -66,7 +66,7 @@ class Session {
   /// document if requested. The run has then failed.
   void complain(std::string_view text, const std::string& file = {});
 
-  /// Shows the progress of a long run on a terminal; `total` of `total` removes it.
+  /// Shows the progress of a long run on a terminal; removes it when `done` reaches `total`.
   void progress(std::size_t done, std::size_t total);
 
   [[nodiscard]] bool colourful() const;
