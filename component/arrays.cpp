@@ -1,6 +1,5 @@
 
 #include <algorithm>
-#include <cstddef>
 #include <limits>
 #include <new>
 #include <optional>
@@ -83,20 +82,9 @@ class NewArray {
 /// A table from the host, with any bounds and any one type of values.
 class GivenTable {
  public:
-  explicit GivenTable(const VARIANT& given) {
-    const VARIANT* value = &given;
-    while (value->vt == (VT_BYREF | VT_VARIANT)) value = value->pvarVal;
-    if ((value->vt & VT_ARRAY) == 0) throw Fault{DISP_E_TYPEMISMATCH};
-    array_ = (value->vt & VT_BYREF) != 0 ? *value->pparray : value->parray;
-    if (array_ == nullptr || SafeArrayGetDim(array_) != 2 ||
-        FAILED(SafeArrayGetVartype(array_, &type_)) ||
-        FAILED(SafeArrayAccessData(array_, &data_))) {
-      throw Fault{DISP_E_TYPEMISMATCH};
-    }
+  explicit GivenTable(const VARIANT& given) : array_(given) {
+    if (array_.bounds().size() != 2) throw Fault{DISP_E_TYPEMISMATCH};
   }
-  GivenTable(const GivenTable&) = delete;
-  GivenTable& operator=(const GivenTable&) = delete;
-  ~GivenTable() { SafeArrayUnaccessData(array_); }
 
   /// Throws `InvalidArgument` unless the table has this shape.
   void wantShape(std::size_t rows, std::size_t columns) const {
@@ -106,23 +94,17 @@ class GivenTable {
   }
 
   [[nodiscard]] Variant at(std::size_t row, std::size_t column) const {
-    VARIANT cell{};
-    cell.vt = static_cast<VARTYPE>(type_ | VT_BYREF);
-    cell.byref = static_cast<std::byte*>(data_) + (column * rows() + row) * array_->cbElements;
-    return variantOf(cell);
+    return variantOf(array_.at(column * rows() + row));
   }
 
  private:
-  // The bounds of the last dimension come first.
-  [[nodiscard]] std::size_t rows() const { return array_->rgsabound[1].cElements; }
-  [[nodiscard]] std::size_t columns() const { return array_->rgsabound[0].cElements; }
+  [[nodiscard]] std::size_t rows() const { return array_.bounds()[1].cElements; }
+  [[nodiscard]] std::size_t columns() const { return array_.bounds()[0].cElements; }
   static std::string shape(std::size_t rows, std::size_t columns) {
     return "an array of " + std::to_string(rows) + " by " + std::to_string(columns);
   }
 
-  SAFEARRAY* array_ = nullptr;
-  VARTYPE type_ = VT_EMPTY;
-  void* data_ = nullptr;
+  GivenArray array_;
 };
 
 std::string placeText(const char* what, std::int32_t record, std::int32_t band) {
@@ -133,6 +115,11 @@ std::string placeText(const char* what, std::int32_t record, std::int32_t band) 
 template <class C>
 C& self(const Call& call) {
   return *static_cast<C*>(call.object);
+}
+
+template <class T>
+T argument(const Call& call, std::size_t place) {
+  return Argument<T>(Given{call.given[place], place, TextKind::Name}).get();
 }
 
 struct Extent {
@@ -205,21 +192,24 @@ struct Change {
 /// Converts all cells that are not Empty with `read(cell)` before anything is changed. `ownerOf`
 /// throws for a missing record.
 template <class Owner, class OwnerOf, class Read>
-auto changesOf(const VARIANT& given, const Extent& extent, const char* what, const OwnerOf& ownerOf,
+auto changesOf(const Call& call, const Extent& extent, const char* what, const OwnerOf& ownerOf,
                const Read& read) {
-  const GivenTable table(given);
+  const GivenTable table =
+      reading({call.value, 0, TextKind::Plain}, [&call] { return GivenTable(*call.value); });
   table.wantShape(extent.records.size(), extent.bands.size());
   std::vector<Change<Owner, decltype(read(Variant()))>> changes;
   for (std::size_t row = 0; row < extent.records.size(); ++row) {
     const auto record = static_cast<std::int16_t>(extent.records.numberAt(row));
     for (std::size_t column = 0; column < extent.bands.size(); ++column) {
       const auto band = static_cast<std::int16_t>(extent.bands.numberAt(column));
-      const Variant cell = table.at(row, column);
-      if (cell.isEmpty()) continue;
       try {
-        changes.push_back({required(ownerOf(record)), band, read(cell)});
+        const Variant cell = table.at(row, column);
+        if (!cell.isEmpty()) changes.push_back({required(ownerOf(record)), band, read(cell)});
       } catch (const Error& error) {
         throw Error(error.code(), placeText(what, record, band) + error.what());
+      } catch (const Fault&) {
+        throw Error(ErrorCode::TypeMismatch,
+                    placeText(what, record, band) + "neither a number nor text");
       }
     }
   }
@@ -229,7 +219,7 @@ auto changesOf(const VARIANT& given, const Extent& extent, const char* what, con
 void setLevels(const Call& call) {
   auto& history = self<AQ_SpectralTimeHistory>(call);
   const auto changes = changesOf<AQ_Spectrum>(
-      *call.value, extentOf(history), "level",
+      call, extentOf(history), "level",
       [&](std::int16_t record) { return history.spectrum(record); },
       [](const Variant& cell) { return cell.toDouble(); });
   for (const auto& [spectrum, band, level] : changes) spectrum->SPL(band, level);
@@ -237,7 +227,7 @@ void setLevels(const Call& call) {
 
 void getMetricTable(const Call& call) {
   auto& history = self<AQ_SpectralTimeHistory>(call);
-  const auto metric = fromHost<AQ_METRIC_TYPE>(*call.given[0], TextKind::Plain);
+  const auto metric = argument<AQ_METRIC_TYPE>(call, 0);
   const Range records = extentOf(history).records;
   if (records.size() == 0) return;
   NewArray array(records.size(), 1, 1);
@@ -281,8 +271,7 @@ AQ_Mask maskOf(const Variant& cell) {
 void setMaskStrings(const Call& call) {
   auto& map = self<AQ_MaskMap>(call);
   const auto changes = changesOf<AQ_MaskRow>(
-      *call.value, extentOf(map), "mask", [&](std::int16_t record) { return map.Row(record); },
-      maskOf);
+      call, extentOf(map), "mask", [&](std::int16_t record) { return map.Row(record); }, maskOf);
   for (const auto& [row, band, given] : changes) {
     const auto mask = row->Mask(band);
     mask->MaskMode(given.MaskMode());
@@ -339,18 +328,18 @@ std::string lineOf(const Finding& finding) {
 template <class Check>
 void giveFindings(const Call& call, const Check& check) {
   auto lines = std::make_shared<Collection<Message>>();
-  check(stringOf(*call.given[0], TextKind::Name),
+  check(argument<std::string>(call, 0),
         [&lines](const Finding& finding) { lines->Add({lineOf(finding)}); });
   setObject(call.result, std::move(lines), tableOf<Collection<Message>>());
 }
 void checkFileLines(const Call& call) { giveFindings(call, checkFile); }
 void checkFixesLines(const Call& call) {
-  const auto limit = fromHost<std::uint8_t>(*call.given[1], TextKind::Plain);
+  const auto limit = argument<std::uint8_t>(call, 1);
   giveFindings(call,
                [&](const auto& path, const auto& report) { checkFixes(path, limit, report); });
 }
 void checkFitLines(const Call& call) {
-  const std::string map = stringOf(*call.given[1], TextKind::Name);
+  const auto map = argument<std::string>(call, 1);
   giveFindings(call, [&](const auto& path, const auto& report) { checkFit(path, map, report); });
 }
 

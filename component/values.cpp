@@ -1,6 +1,9 @@
 #include "component/values.h"
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
+#include <initializer_list>
 #include <new>
 
 #include "aq/core/error.h"
@@ -18,6 +21,15 @@ VARIANT followed(const VARIANT& given) {
     if (value.pvarVal == nullptr) mismatch();
     value = *value.pvarVal;
   }
+  return value;
+}
+
+/// A copy of a value, also of one by reference.
+Value copied(const VARIANT& given) {
+  Value value;
+  const HRESULT result = VariantCopyInd(&value, const_cast<VARIANT*>(&given));
+  if (result == E_OUTOFMEMORY) throw std::bad_alloc();
+  if (FAILED(result)) mismatch();
   return value;
 }
 
@@ -91,11 +103,7 @@ Variant variantOf(const VARIANT& given, TextKind kind) {
   const VARIANT value = followed(given);
   if (holdsObject(value)) return variantOfObject(value, kind);
   if ((value.vt & VT_ARRAY) != 0) mismatch();
-  if ((value.vt & VT_BYREF) != 0) {
-    Value direct;
-    if (FAILED(VariantCopyInd(&direct, const_cast<VARIANT*>(&value)))) mismatch();
-    return variantOf(direct, kind);
-  }
+  if ((value.vt & VT_BYREF) != 0) return variantOf(copied(value), kind);
   switch (value.vt) {
     case VT_EMPTY:
     case VT_NULL: return {};
@@ -145,24 +153,43 @@ bool isObjectOf(const VARIANT& given, const ClassTable& table) {
   return own != nullptr && &own->table() == &table;
 }
 
-namespace {
-
-std::vector<Value> arrayEntries(SAFEARRAY* array) {
-  if (array == nullptr) return {};
-  VARTYPE type = VT_EMPTY;
-  LONG low = 0;
-  LONG high = 0;
-  if (SafeArrayGetDim(array) != 1 || FAILED(SafeArrayGetVartype(array, &type)) ||
-      FAILED(SafeArrayGetLBound(array, 1, &low)) || FAILED(SafeArrayGetUBound(array, 1, &high))) {
+GivenArray::GivenArray(const VARIANT& given) {
+  const VARIANT value = followed(given);
+  if ((value.vt & VT_ARRAY) == 0) mismatch();
+  array_ = (value.vt & VT_BYREF) != 0 ? *value.pparray : value.parray;
+  if (array_ == nullptr) return;
+  // A record by reference would need a description of its fields.
+  if (FAILED(SafeArrayGetVartype(array_, &type_)) || type_ == VT_RECORD ||
+      FAILED(SafeArrayAccessData(array_, &data_))) {
     mismatch();
   }
+}
+
+std::span<const SAFEARRAYBOUND> GivenArray::bounds() const {
+  if (array_ == nullptr) return {};
+  return {array_->rgsabound, array_->cDims};
+}
+
+VARIANT GivenArray::at(std::size_t place) const {
+  VARIANT element{};
+  element.vt = static_cast<VARTYPE>(type_ | VT_BYREF);
+  element.byref = static_cast<std::byte*>(data_) + place * array_->cbElements;
+  return element;
+}
+
+namespace {
+
+std::vector<Value> arrayEntries(const GivenArray& array) {
+  std::size_t count = array.bounds().empty() ? 0 : 1;
+  int longSides = 0;
+  for (const SAFEARRAYBOUND& bound : array.bounds()) {
+    count *= bound.cElements;
+    if (bound.cElements != 1) ++longSides;
+  }
+  if (longSides > 1) mismatch();
   std::vector<Value> entries;
-  for (LONG at = low; at <= high; ++at) {
-    Value entry;
-    void* const to = type == VT_VARIANT ? static_cast<void*>(&entry) : &entry.llVal;
-    if (FAILED(SafeArrayGetElement(array, &at, to))) throw std::bad_alloc();
-    if (type != VT_VARIANT) entry.vt = type;
-    entries.push_back(std::move(entry));
+  for (std::size_t place = 0; place < count; ++place) {
+    entries.push_back(copied(followed(array.at(place))));
   }
   return entries;
 }
@@ -188,9 +215,7 @@ std::vector<Value> objectEntries(IDispatch& object) {
 
 std::vector<Value> entriesOf(const VARIANT& given) {
   const VARIANT value = followed(given);
-  if ((value.vt & VT_ARRAY) != 0) {
-    return arrayEntries((value.vt & VT_BYREF) != 0 ? *value.pparray : value.parray);
-  }
+  if ((value.vt & VT_ARRAY) != 0) return arrayEntries(GivenArray(value));
   if (!holdsObject(value)) mismatch();
   const Held<IDispatch> object = callable(value);
   if (!object) mismatch();
@@ -256,28 +281,42 @@ void setVariant(VARIANT& to, const Variant& value) {
   to.vt = VT_DISPATCH;
 }
 
-bool isVariable(const VARIANT& given) { return (given.vt & VT_BYREF) != 0; }
+namespace {
+
+/// The last of the variables that refer to each other: late-bound hosts pass on a reference that
+/// they received.
+const VARIANT& variableOf(const VARIANT& given) {
+  const VARIANT* last = &given;
+  while (last->vt == (VT_BYREF | VT_VARIANT) && last->pvarVal != nullptr &&
+         (last->pvarVal->vt & VT_BYREF) != 0) {
+    last = last->pvarVal;
+  }
+  return *last;
+}
+
+bool isVariableOf(const VARIANT& given, std::initializer_list<int> types) {
+  const VARIANT& variable = variableOf(given);
+  return (variable.vt & VT_BYREF) != 0 && variable.byref != nullptr &&
+         std::find(types.begin(), types.end(), variable.vt & ~VT_BYREF) != types.end();
+}
+
+}  // namespace
 
 bool isObjectVariable(const VARIANT& given) {
-  return given.vt == (VT_BYREF | VT_VARIANT) || given.vt == (VT_BYREF | VT_DISPATCH) ||
-         given.vt == (VT_BYREF | VT_UNKNOWN);
+  return isVariableOf(given, {VT_VARIANT, VT_DISPATCH, VT_UNKNOWN});
 }
 
 bool isNumberVariable(const VARIANT& given) {
-  return given.vt == (VT_BYREF | VT_VARIANT) || given.vt == (VT_BYREF | VT_I4) ||
-         given.vt == (VT_BYREF | VT_I2) || given.vt == (VT_BYREF | VT_INT);
+  return isVariableOf(given, {VT_VARIANT, VT_I4, VT_I2, VT_INT});
 }
 
-void writeBack(VARIANT& variable, Value& value) {
+void writeBack(const VARIANT& given, Value& value) {
+  const VARIANT& variable = variableOf(given);
   switch (variable.vt & ~VT_BYREF) {
-    case VT_VARIANT: {
-      VARIANT& to = *variable.pvarVal;
-      // Late-bound hosts may pass on a reference that they received.
-      if (isVariable(to)) return writeBack(to, value);
-      VariantClear(&to);
-      value.release(to);
+    case VT_VARIANT:
+      VariantClear(variable.pvarVal);
+      value.release(*variable.pvarVal);
       return;
-    }
     case VT_DISPATCH:
     case VT_UNKNOWN: {
       IUnknown* const old = std::exchange(*variable.ppunkVal, value.punkVal);
@@ -286,7 +325,8 @@ void writeBack(VARIANT& variable, Value& value) {
       return;
     }
     case VT_I2: *variable.piVal = static_cast<SHORT>(value.lVal); return;
-    default: *variable.plVal = value.lVal;
+    case VT_I4:
+    case VT_INT: *variable.plVal = value.lVal; return;
   }
 }
 

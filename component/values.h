@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -33,7 +34,28 @@ namespace aq::com {
 /// Whether `given` holds an object of that class.
 [[nodiscard]] bool isObjectOf(const VARIANT& given, const ClassTable& table);
 
-/// The entries of a one-dimensional array, or of anything that For Each visits.
+/// A host's array of any shape, locked as long as this exists.
+class GivenArray {
+ public:
+  /// Anything but an array is a type mismatch, as is an array of records.
+  explicit GivenArray(const VARIANT& given);
+  GivenArray(const GivenArray&) = delete;
+  GivenArray& operator=(const GivenArray&) = delete;
+  ~GivenArray() { SafeArrayUnaccessData(array_); }
+
+  /// The last dimension comes first. Empty for an array that was never filled.
+  [[nodiscard]] std::span<const SAFEARRAYBOUND> bounds() const;
+  /// An element in the order of memory, by reference.
+  [[nodiscard]] VARIANT at(std::size_t place) const;
+
+ private:
+  SAFEARRAY* array_ = nullptr;
+  VARTYPE type_ = VT_EMPTY;
+  void* data_ = nullptr;
+};
+
+/// The entries of an array of one dimension, one row or one column, or of anything that For Each
+/// visits.
 [[nodiscard]] std::vector<Value> entriesOf(const VARIANT& given);
 
 /// A named property of any object.
@@ -44,12 +66,11 @@ void setVariant(VARIANT& to, const Variant& value);
 void setObject(VARIANT& to, std::shared_ptr<void> object, const ClassTable& table);
 void setText(VARIANT& to, std::string_view text, TextKind kind);
 
-/// Whether a host's variable is writable.
-[[nodiscard]] bool isVariable(const VARIANT& given);
+// Whether the host's variable can hold such a result.
 [[nodiscard]] bool isObjectVariable(const VARIANT& given);
 [[nodiscard]] bool isNumberVariable(const VARIANT& given);
 
-/// Stores a value in the host's variable, replacing the old one.
-void writeBack(VARIANT& variable, Value& value);
+/// Stores a value in a host's variable that can hold it, replacing the old one.
+void writeBack(const VARIANT& given, Value& value);
 
 }  // namespace aq::com
