@@ -29,8 +29,11 @@ class Enumerator final : public Counted<IEnumVARIANT> {
     ULONG given = 0;
     while (given < count && at_ < entries_->size()) {
       VariantInit(&to[given]);
-      if (FAILED(VariantCopy(&to[given], const_cast<Value*>(&(*entries_)[at_]))))
+      if (FAILED(VariantCopy(&to[given], const_cast<Value*>(&(*entries_)[at_])))) {
+        for (; given > 0; --at_) VariantClear(&to[--given]);
+        if (fetched != nullptr) *fetched = 0;
         return E_OUTOFMEMORY;
+      }
       ++given;
       ++at_;
     }
