@@ -58,10 +58,12 @@ class Classes {
     check(status);
   }
 
-  void remove(const std::wstring& path) const {
+  /// Keeps a failure for `checkRemoved`, so that the other keys can still be removed.
+  void remove(const std::wstring& path) {
     const LSTATUS status = RegDeleteTreeW(root_, (kFolder + path).c_str());
-    if (status != ERROR_FILE_NOT_FOUND) check(status);
+    if (status != ERROR_SUCCESS && status != ERROR_FILE_NOT_FOUND) failure_ = status;
   }
+  void checkRemoved() const { check(failure_); }
 
   /// Whether the DLL of the other size has a class.
   [[nodiscard]] bool hasOtherSize(const std::wstring& path) const {
@@ -76,6 +78,7 @@ class Classes {
   static inline const std::wstring kFolder = L"Software\\Classes\\";
 
   HKEY root_;
+  LSTATUS failure_ = ERROR_SUCCESS;
 };
 
 /// A class that hosts create.
@@ -132,14 +135,11 @@ void addClass(const Classes& classes, const Entry& entry, const std::wstring& dl
   classes.set(path + L"\\TypeLib", nullptr, text(guid(kTypeLibraryIdentifier)));
   classes.set(path + L"\\Version", nullptr,
               std::to_wstring(kMajorVersion) + L"." + std::to_wstring(kMinorVersion));
-  if (entry.number == kControlNumber) {
-    addControl(classes, path, dll);
-  } else {
-    classes.set(path + L"\\Programmable", nullptr, L"");
-  }
+  classes.set(path + L"\\Programmable", nullptr, L"");
+  if (entry.number == kControlNumber) addControl(classes, path, dll);
 }
 
-void removeClass(const Classes& classes, const Entry& entry) {
+void removeClass(Classes& classes, const Entry& entry) {
   classes.remove(entry.path());
   if (classes.hasOtherSize(entry.path())) return;
   classes.remove(entry.progId());
@@ -180,9 +180,10 @@ HRESULT registerServer(Scope scope) {
 }
 
 HRESULT unregisterServer(Scope scope) {
-  const Classes classes(scope);
+  Classes classes(scope);
   for (const Entry& entry : entries()) removeClass(classes, entry);
   removeTypeLibrary(scope);
+  classes.checkRemoved();
   return S_OK;
 }
 
