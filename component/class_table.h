@@ -60,6 +60,7 @@ struct Member {
   std::size_t required = 0;  ///< how many parameters, from the first, must be given
   Thunk get = {};            ///< reads the property or runs the method
   Thunk put = {};
+  bool givesCollection = false;  ///< a property without arguments of its own
 };
 
 struct ClassTable {

@@ -94,20 +94,14 @@ class Places {
   UINT positional_ = 0;
 };
 
-/// For `header.cCommentLines(2)`: extra arguments go to the default member of the property's
-/// object.
-Value ofDefaultMember(const Member& member, const Call& call, std::span<VARIANTARG* const> rest) {
+/// For `header.cCommentLines(2)`: the argument goes to the default member of the collection.
+Value entryOf(const Member& member, const Call& call, std::span<VARIANTARG* const> given) {
+  if (!member.givesCollection || given.size() != 1) throw Fault{DISP_E_BADPARAMCOUNT};
   member.get(call);
-  if (call.result.vt != VT_DISPATCH || call.result.pdispVal == nullptr) {
-    throw Fault{DISP_E_BADPARAMCOUNT};
-  }
-  const Dispatch* const inner = ownObject(call.result.pdispVal);
-  const Member* const item = inner->table().find(DISPID_VALUE);
-  if (item == nullptr || rest.size() != item->parameters.size()) {
-    throw Fault{DISP_E_BADPARAMCOUNT};
-  }
+  const Dispatch* const collection = ownObject(call.result.pdispVal);
+  if (collection == nullptr) throw Error(ErrorCode::ObjectNotSet, "the collection is Nothing");
   Value result;
-  item->get({inner->object().get(), rest, nullptr, result});
+  collection->table().find(DISPID_VALUE)->get({collection->object().get(), given, nullptr, result});
   return result;
 }
 
@@ -247,12 +241,15 @@ Value called(const Member& member, void* object, const Places& places) {
   const std::size_t wanted = member.parameters.size();
   const Call call{object, all.first(wanted), places.value(), result};
   if (all.size() > wanted) {
-    if (places.value() != nullptr || wanted != 0 || !member.get) throw Fault{DISP_E_BADPARAMCOUNT};
-    return ofDefaultMember(member, call, all);
+    if (places.value() != nullptr) throw Fault{DISP_E_BADPARAMCOUNT};
+    return entryOf(member, call, all);
   }
   for (std::size_t i = 0; i < member.required; ++i) {
     if (i >= places.positional() && all[i] == nullptr) throw Fault{DISP_E_BADPARAMCOUNT};
     if (isMissing(all[i])) throw Fault{DISP_E_PARAMNOTOPTIONAL, i};
+  }
+  if (places.value() != nullptr && isMissing(places.value())) {
+    throw Fault{DISP_E_PARAMNOTOPTIONAL, wanted};
   }
   const Thunk& thunk = places.value() == nullptr ? member.get : member.put;
   thunk(call);

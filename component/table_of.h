@@ -59,6 +59,13 @@ std::vector<Value> entriesOfObject(void* object) {
   return entries;
 }
 
+/// Whether hosts see a value as a collection.
+template <class T>
+constexpr bool givesCollection() {
+  if constexpr (Shared<T>) return ACollection<typename T::element_type>;
+  return isVector<T>;
+}
+
 template <class C>
 class TableOf {
  public:
@@ -97,12 +104,14 @@ class TableOf {
   void take(const describe::Property<Get, Set>& property) {
     Member& member = add(property.name, {});
     member.get = reader(property.get, property.about);
+    member.givesCollection = givesCollection<std::remove_cvref_t<std::invoke_result_t<Get, C&>>>();
     if constexpr (!std::is_null_pointer_v<Set>) member.put = setter(property.set, property.about);
   }
   template <class Value_>
   void take(const describe::Field<Value_ C::*>& field) {
     Member& member = add(field.name, {});
     member.get = reader(field.member, field.about);
+    member.givesCollection = givesCollection<Value_>();
     if constexpr (isCreatable<C>) {
       member.put = [at = field.member, kind = kindOf(field.about)](const Call& call) {
         self(call).*at = Argument<Value_>(Given{call.value, 0, kind}).get();
@@ -156,9 +165,11 @@ class TableOf {
         [[nodiscard]] std::int16_t LowBand() const { return low; }
         [[nodiscard]] std::int16_t HighBand() const { return high; }
       };
-      const VARIANT& other = *call.given[0];
-      const Range range{propertyOf(other, L"LowBand").toInt16(),
-                        propertyOf(other, L"HighBand").toInt16()};
+      const Given other{call.given[0], 0, TextKind::Plain};
+      const Range range = reading(other, [&other] {
+        return Range{propertyOf(*other.at, L"LowBand").toInt16(),
+                     propertyOf(*other.at, L"HighBand").toInt16()};
+      });
       toHost(call.result, run(self(call), range), TextKind::Plain);
     };
   }
@@ -166,7 +177,7 @@ class TableOf {
   void take(const describe::Keyed<ByPlace, ByKey>& keyed) {
     const describe::Parameter placeOrKey{"PlaceOrKey", {}};
     add(keyed.name, std::span(&placeOrKey, 1)).get = [keyed](const Call& call) {
-      const Variant key = variantOf(*call.given[0]);
+      const Variant key = Argument<Variant>(Given{call.given[0], 0, TextKind::Plain}).get();
       const auto run = [&](const auto& at, const auto& given) {
         using Result = decltype((self(call).*at)(given));
         if constexpr (std::is_void_v<Result>) {
