@@ -114,7 +114,7 @@ std::string lowerCase(std::string name) {
 /// A type library has one spelling of a name, regardless of case; a member's takes precedence.
 std::string spelled(const std::string& name) {
   static const auto members = [] {
-    std::map<std::string, std::string> found;
+    std::map<std::string, std::string> found{{"key", "Key"}};  // as in hosts' own collections
     forClasses([&found]<class C>() {
       forMembers<C>([&found](std::int32_t /*id*/, const auto& member) {
         found.try_emplace(lowerCase(member.name), member.name);
@@ -130,8 +130,11 @@ template <class Argument>
 std::string parameter(const describe::Parameter& given) {
   const std::string name = " " + spelled(given.name);
   if (isOut<Argument>) {
+    // An enumeration here would reject variables of other number types.
+    const std::string result =
+        std::is_enum_v<std::remove_reference_t<Argument>> ? "long" : type<Argument>();
     return given.isOptional ? "[in, out, optional] VARIANT*" + name
-                            : "[in, out] " + type<Argument>() + "*" + name;
+                            : "[in, out] " + result + "*" + name;
   }
   return given.isOptional ? "[in, optional] VARIANT" + name : "[in] " + type<Argument>() + name;
 }
@@ -267,7 +270,9 @@ class Interface {
   /// One interface serves collections of any type.
   template <class Argument>
   static std::string inCall(const describe::Parameter& given) {
-    if (isCollection<C> && given.name == std::string_view("value")) return "[in] VARIANT value";
+    if (isCollection<C> && given.name == std::string_view("value")) {
+      return "[in] VARIANT " + std::string(kEntryName);
+    }
     return parameter<Argument>(given);
   }
 
@@ -298,8 +303,8 @@ class Interface {
 
 template <class E>
 void showEnumeration() {
-  std::cout << "\n  typedef [helpstring(" << quoted(describe::Description<E>::text)
-            << ")]\n  enum {";
+  std::cout << "\n  typedef [helpstring(" << quoted(describe::Description<E>::text) << ")]\n  enum "
+            << describe::Description<E>::name << " {";
   const char* separator = "\n";
   describe::forMembers<E>([&](const auto& member) {
     std::cout << separator << "    " << member.name << " = "

@@ -13,6 +13,7 @@
 #include <concepts>
 #include <cstdint>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -44,6 +45,9 @@ inline constexpr std::int32_t kEnumerator = -4;  // hidden, as hosts ask for it 
 /// Members that only the component has start at this number.
 inline constexpr std::int32_t kFirstExtra = 101;
 
+/// The argument of a collection's `Add`, as in hosts' own collections.
+inline constexpr std::string_view kEntryName = "Item";
+
 /// The functions of the library, as the members of one class. Each folder has 20 numbers; a new
 /// folder gets the next 20.
 struct Library {};
@@ -51,6 +55,11 @@ inline constexpr std::int32_t kFunctionsOfAFolder = 20;
 inline constexpr aq::describe::List<aq::describe::CoreFunctions, aq::describe::FileFunctions,
                                     aq::describe::NoiseFunctions, aq::describe::SpectralFunctions>
     kFunctions;
+template <class... Folders>
+constexpr std::int32_t folderCount(const aq::describe::List<Folders...>& /*folders*/) {
+  return sizeof...(Folders);
+}
+static_assert(folderCount(kFunctions) * kFunctionsOfAFolder < kFirstExtra);
 inline constexpr int kControlNumber = 90;
 
 }  // namespace aq::com
@@ -114,21 +123,23 @@ void forEnumerations(const Visit& visit) {
   });
 }
 
-/// Calls `visit(id, member)` for each member of a class that the description has.
+/// Calls `visit(id, member)` for each member of a class that the description has. Throws if there
+/// are more members than numbers for them.
 template <class C, class Visit>
 void forMembers(const Visit& visit) {
   std::int32_t id = 0;
+  std::int32_t end = kFirstExtra;
   const auto numbered = [&](const auto& member) {
-    ++id;
+    if (++id >= end) throw std::length_error("more members than numbers");
     const bool isDefault = isCollection<C> && std::string_view(member.name) == "Item";
     visit(isDefault ? kDefaultMember : id, member);
   };
   if constexpr (std::same_as<C, Library>) {
-    std::int32_t first = 0;
+    end = 1;
     describe::forClasses(kFunctions, [&]<class Functions>() {
-      id = first;
+      id = end - 1;
+      end += kFunctionsOfAFolder;
       describe::forMembers<Functions>(numbered);
-      first += kFunctionsOfAFolder;
     });
   } else {
     describe::forMembers<C>(numbered);

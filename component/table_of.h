@@ -141,10 +141,12 @@ class TableOf {
   template <class Entry, std::size_t Count>
   void take(const describe::Method<void (C::*)(Entry, std::string_view), Count>& method) {
     static_assert(isCollection<C>, "the only one with a key that may be left out");
-    add(method.name, method.parameters).get = [](const Call& call) {
+    Member& member = add(method.name, method.parameters);
+    member.parameters.front() = widened(kEntryName);
+    member.get = [](const Call& call) {
       const auto entry = Argument<Entry>(Given{call.given[0], 0, TextKind::Plain}).get();
       if (isMissing(call.given[1])) return self(call).Add(entry);
-      self(call).Add(entry, stringOf(*call.given[1], TextKind::Plain));
+      self(call).Add(entry, Argument<std::string>(Given{call.given[1], 1, TextKind::Plain}).get());
     };
   }
   template <class Result, class... As, std::size_t Count>
