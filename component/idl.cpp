@@ -130,7 +130,7 @@ template <class Argument>
 std::string parameter(const describe::Parameter& given) {
   const std::string name = " " + spelled(given.name);
   if (isOut<Argument>) {
-    // An enumeration here would reject variables of other number types.
+    // Hosts that bind early pass a plain number.
     const std::string result =
         std::is_enum_v<std::remove_reference_t<Argument>> ? "long" : type<Argument>();
     return given.isOptional ? "[in, out, optional] VARIANT*" + name
