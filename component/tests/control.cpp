@@ -13,6 +13,32 @@ T* asked(IUnknown* object, REFIID iid) {
   return static_cast<T*>(found);
 }
 
+/// A form's side of a control, which only counts its references.
+class Site final : public IOleClientSite {
+ public:
+  STDMETHODIMP QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
+  STDMETHODIMP_(ULONG) AddRef() override { return ++count; }
+  STDMETHODIMP_(ULONG) Release() override { return --count; }
+  STDMETHODIMP SaveObject() override { return E_NOTIMPL; }
+  STDMETHODIMP GetMoniker(DWORD, DWORD, IMoniker**) override { return E_NOTIMPL; }
+  STDMETHODIMP GetContainer(IOleContainer**) override { return E_NOTIMPL; }
+  STDMETHODIMP ShowObject() override { return E_NOTIMPL; }
+  STDMETHODIMP OnShowWindow(BOOL) override { return E_NOTIMPL; }
+  STDMETHODIMP RequestNewObjectLayout() override { return E_NOTIMPL; }
+
+  ULONG count = 0;
+};
+
+void testSite(IOleObject& object) {
+  Site site;
+  IOleClientSite* given = nullptr;
+  check("a site", object.SetClientSite(&site) == S_OK && site.count == 1);
+  check("the site again",
+        object.GetClientSite(&given) == S_OK && given == &site && site.count == 2);
+  site.Release();
+  check("no site", object.SetClientSite(nullptr) == S_OK && site.count == 0);
+}
+
 /// Draws the control into a bitmap of its size; returns how many pixels it changed.
 int drawnPixels(IViewObject2& view) {
   BITMAPINFO format{};
@@ -44,6 +70,16 @@ void testSaving(IUnknown* control) {
   check("not loaded from nothing", persisted->Load(stream) == E_FAIL);
   stream->Release();
   persisted->Release();
+  auto* const stored = asked<IPersistStorage>(control, IID_IPersistStorage);
+  IStorage* storage = nullptr;
+  StgCreateDocfile(nullptr,
+                   STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE | STGM_DELETEONRELEASE, 0,
+                   &storage);
+  check("not loaded from an empty storage", FAILED(stored->Load(storage)));
+  check("saved in a storage", stored->Save(storage, TRUE) == S_OK);
+  check("loaded from a storage", stored->Load(storage) == S_OK);
+  storage->Release();
+  stored->Release();
 }
 
 }  // namespace
@@ -52,21 +88,26 @@ void testControl() {
   const Value control = create(L"AQ_Data");
   auto* const object = asked<IOleObject>(control.pdispVal, IID_IOleObject);
   auto* const view = asked<IViewObject2>(control.pdispVal, IID_IViewObject2);
-  for (const IID& iid : {IID_IOleControl, IID_IOleInPlaceObject, IID_IPersistStorage,
-                         IID_IPersistPropertyBag, IID_IDataObject, IID_IProvideClassInfo}) {
+  for (const IID& iid : {IID_IOleControl, IID_IOleInPlaceObject, IID_IPersistPropertyBag,
+                         IID_IDataObject, IID_IProvideClassInfo}) {
     asked<IUnknown>(control.pdispVal, iid)->Release();
   }
   DWORD status = 0;
   SIZEL size{};
   check("status", object->GetMiscStatus(DVASPECT_CONTENT, &status) == S_OK && status == 132113);
   check("size", object->GetExtent(DVASPECT_CONTENT, &size) == S_OK && size.cx == 740);
-  check("no site", object->SetClientSite(nullptr) == S_OK);
+  testSite(*object);
   check("drawn in its middle", drawnPixels(*view) == 16 * 15 - 16);  // one line is black
   testSaving(control.pdispVal);
   object->Release();
   view->Release();
   const HMODULE dll = GetModuleHandleW(L"AQ_Data_Control.dll");
-  check("picture for tool boxes", FindResourceW(dll, MAKEINTRESOURCEW(1), RT_BITMAP) != nullptr);
+  const HANDLE picture =
+      LoadImageW(dll, MAKEINTRESOURCEW(1), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION);
+  BITMAP shape{};
+  GetObjectW(picture, sizeof shape, &shape);
+  check("picture for tool boxes", shape.bmWidth == 16 && shape.bmHeight == 15);
+  DeleteObject(picture);
 }
 
 }  // namespace host

@@ -39,19 +39,18 @@ class Value : public VARIANT {
   ~Value() { VariantClear(this); }
 
   /// The host's own variable, as late-bound and early-bound hosts pass it.
-  static Value late(Value& variable) {
+  static Value late(Value& variable) { return reference(VT_VARIANT, &variable); }
+  static Value early(IDispatch*& variable) { return reference(VT_DISPATCH, &variable); }
+  static Value early(long& variable) { return reference(VT_I4, &variable); }
+  static Value reference(int type, void* variable) {
     Value made;
-    made.vt = VT_BYREF | VT_VARIANT, made.pvarVal = &variable;
+    made.vt = static_cast<VARTYPE>(VT_BYREF | type), made.byref = variable;
     return made;
   }
-  static Value early(IDispatch*& variable) {
+  /// An optional argument that the host was not given either.
+  static Value missing() {
     Value made;
-    made.vt = VT_BYREF | VT_DISPATCH, made.ppdispVal = &variable;
-    return made;
-  }
-  static Value early(long& variable) {
-    Value made;
-    made.vt = VT_BYREF | VT_I4, made.plVal = &variable;
+    made.vt = VT_ERROR, made.scode = DISP_E_PARAMNOTFOUND;
     return made;
   }
 };
@@ -95,11 +94,19 @@ inline Outcome invoke(IDispatch* object, DISPID id, WORD flags, const std::vecto
   return outcome;
 }
 
-inline DISPID idOf(IDispatch* object, std::wstring name) {
-  wchar_t* names = name.data();
-  DISPID id = DISPID_UNKNOWN;
-  if (object != nullptr) object->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_INVARIANT, &id);
-  return id;
+/// The numbers of a member and of its arguments, `DISPID_UNKNOWN` for an unknown name.
+inline std::vector<DISPID> idsOf(IDispatch* object, std::vector<std::wstring> names) {
+  std::vector<wchar_t*> texts;
+  for (std::wstring& name : names) texts.push_back(name.data());
+  std::vector<DISPID> ids(names.size(), DISPID_UNKNOWN);
+  if (object != nullptr) {
+    object->GetIDsOfNames(IID_NULL, texts.data(), static_cast<UINT>(texts.size()), LOCALE_INVARIANT,
+                          ids.data());
+  }
+  return ids;
+}
+inline DISPID idOf(IDispatch* object, const std::wstring& name) {
+  return idsOf(object, {name}).front();
 }
 
 inline Outcome call(IDispatch* object, const std::wstring& name,
@@ -126,10 +133,20 @@ inline Value create(const std::wstring& name) {
   return made;
 }
 
+/// The registry's folder of classes, and in it the key of a class.
+inline const std::wstring kClasses = L"Software\\Classes\\";
+inline std::wstring keyOf(const GUID& identifier) {
+  wchar_t letters[40];
+  StringFromGUID2(identifier, letters, 40);
+  return std::wstring(L"CLSID\\") + letters;
+}
+
 void testTypeLibrary();  // and that objects agree with it
 void testControl();
 void testSpeed();
 /// How many keys of the registry name the component.
 int registered(HKEY root);
+/// The values of these keys, which name the DLL.
+void testRegistration(HKEY root, const std::wstring& dll);
 
 }  // namespace host

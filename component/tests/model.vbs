@@ -77,6 +77,14 @@ Check "for each", all = "2;c;" And lines.Count = 2
 header.cCommentLines = Array("x", "y", "z")
 Check "array as collection", header.cCommentLines.Count = 3 And header.cCommentLines(3) = "z"
 header.cCommentLines = 5: Expect "number as collection", 13, ""
+Dim column(2, 0), small(1, 1)
+For n = 0 To 2: column(n, 0) = 80 + n: Next
+header.cCommentLines = column
+Check "column as collection", header.cCommentLines.Count = 3 And header.cCommentLines(3) = "82"
+header.cCommentLines = small: Expect "table as collection", 13, ""
+Set header.cOtherRecords = Nothing
+n = header.cOtherRecords(1): Expect "entry of no collection", 91, ""
+n = s.Time(1): Expect "surplus argument of an object", 450, ""
 Dim ascii
 Set ascii = Create("AQ_DataASCII")
 ascii.Fields = Array(Array("a", "b"), Array("c"))
@@ -94,12 +102,13 @@ Next
 cells(3, 4) = Empty
 h.Levels = cells
 Check "set as array", h.spectrum(2).SPL(18) = 62.5 And h.spectrum(3).SPL(20) = 0
+cells(2, 1) = Array(1)
+h.Levels = cells: Expect "cell of another kind", 13, "record 2, band 17"
 cells(2, 1) = "loud"
 cells(1, 1) = 99
 h.Levels = cells: Expect "cell that is no number", 13, "record 2, band 17"
 Check "nothing set", h.spectrum(1).SPL(17) = 0
 h.Levels = Array(1, 2): Expect "one dimension", 13, ""
-Dim small(1, 1)
 h.Levels = small: Expect "another shape", 5, "3 by 4"
 For Each spectrum In h
   sum = sum + spectrum.SPL(18)
@@ -117,6 +126,9 @@ masks(1, 2) = "FT": rows.MaskStrings = masks
 Check "masks set", row.Mask(29).AdjustMode = 3
 masks(1, 1) = "--": masks(1, 2) = "??": rows.MaskStrings = masks: Expect "no mask", 5, "band 29"
 Check "mask unchanged", row.Mask(28).MaskString = "MS"
+row.LGB = 5
+rows.setLGB 5: Expect "surplus argument of a method", 450, ""
+Check "method not run", row.LGB = 5
 Expect "series", 0, ""
 
 ' The library itself
@@ -133,6 +145,8 @@ Check "empty where not defined", IsEmpty(step_.rows(1).slope)
 Set event_ = library.noiseEvent(Array(80, 95, 100, 95, 80), 0.5)
 Check "event", event_.maximum = 2 And event_.pnltm = 100 And event_.first = 1 And event_.last = 3
 library.noiseEvent Array(), 0.5: Expect "no records", 5, ""
+Check "column of levels", library.noiseEvent(column, 0.5).pnltm = 82
+Check "gap", library.noiseEvent(Array(80, Empty, 100, 95, 80), 0.5).first = 2
 Check "weighted", VarType(library.weightedLevel(s, 1)) = vbDouble
 Expect "library", 0, ""
 
