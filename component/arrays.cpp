@@ -117,6 +117,7 @@ C& self(const Call& call) {
   return *static_cast<C*>(call.object);
 }
 
+/// An argument that must be given; text is the name of a file.
 template <class T>
 T argument(const Call& call, std::size_t place) {
   return Argument<T>(Given{call.given[place], place, TextKind::Name}).get();
