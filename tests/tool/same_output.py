@@ -32,7 +32,7 @@ def same_form(text):
     """The output without what depends on system and run: line endings, separators, times."""
     text = text.replace(b"\r\n", b"\n").replace(b"\\\\", b"\\").replace(b"\\", b"/")
     text = re.sub(rb"Wine cannot find the FreeType(.*\n){4}", b"", text)
-    return re.sub(rb"(FileDateTime\*\*|created).*", rb"\1", text)
+    return re.sub(rb"(FileDateTime\*\*|created|file date).*", rb"\1", text)
 
 
 def answer(path, command, folder):
