@@ -105,7 +105,7 @@ inline constexpr bool isOptional = false;
 template <class T>
 inline constexpr bool isOptional<std::optional<T>> = true;
 
-/// Stores a value in `to`, which is empty.
+/// Stores a value in `to`, which must be empty.
 template <class T>
 void toHost(VARIANT& to, const T& value, TextKind kind, bool isDate = false) {
   if constexpr (std::same_as<T, Variant>) {

@@ -48,8 +48,8 @@ enum AQ_OPTIME : std::int32_t {
   AQ_TIME_REF = 1,  ///< time relative to a reference
 };
 
-/// The outcome of reading or writing a file. The value 1 is unused; `lastFailure()` gives the
-/// reason.
+/// The outcome of reading or writing a file; after an error, `lastFailure()` gives the reason. The
+/// value 1 is unused.
 enum AQ_DataMessage : std::int32_t {
   AQ_DATA_OK = 0,
   AQ_DATA_FILE_ERROR = 2,

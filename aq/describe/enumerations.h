@@ -147,7 +147,7 @@ struct Description<AQ_METRIC_INTEG_VALUE> {
         .member("AQ_INTEG_FST", AQ_INTEG_FST, "The first record of the sum, at a 10 dB-down limit")
         .member("AQ_INTEG_LST", AQ_INTEG_LST, "The last record of the sum, at a 10 dB-down limit")
         .member("AQ_INTEG_2ND", AQ_INTEG_2ND,
-                "The record has a second peak within 2 dB of the largest");
+                "The record has a second peak of PNLT, within 2 dB of the largest");
   }
 };
 

@@ -56,8 +56,8 @@ struct Description<ToneCorrection> {
     to.field("correction", &C::correction, "The largest correction of all bands", kToneDecibels)
         .field("band", &C::band,
                "The band that caused the correction, the lowest if several; 0 for none", kToneBand)
-        .field("lastBand", &C::lastBand, "The last band used; 18 if band 19 does not count",
-               kToneBand)
+        .field("lastBand", &C::lastBand,
+               "The last band used; 18 if there is none, since band 19 does not count", kToneBand)
         .field("rows", &C::rows, "One step for each band used, from 19 up");
   }
 };

@@ -52,8 +52,8 @@ class AQ_API AQ_DataSPC : public FileClass {
   /// outside the years 1 to 9999 (`Overflow`).
   AQ_DataMessage writeFile(const std::string& sFileName, AQ_SpectralTimeHistory& aqTimeHistory);
 
-  /// Reads a file into a new header and a new history. When the header fails, sets neither, nor any
-  /// setting; when a record fails, sets only the header and the settings.
+  /// Reads a file into a new header and a new history. If the header cannot be read, sets
+  /// neither, nor any setting; if a record cannot be read, sets only the header and the settings.
   AQ_DataMessage readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderSTH>& aqHeader,
                           std::shared_ptr<AQ_SpectralTimeHistory>& STH);
 

@@ -25,8 +25,8 @@ class AQ_API AQ_DataSSR : public FileClass {
                            const std::shared_ptr<AQ_HeaderSSR>& aqHeader,
                            const AQ_Spectrum& spectrum);
 
-  /// Reads a file into a new spectrum and a new header. When the header fails, sets neither; when
-  /// the labels or the levels fail, sets only the header.
+  /// Reads a file into a new spectrum and a new header. If the header cannot be read,
+  /// sets neither; if the labels or the levels cannot be read, sets only the header.
   AQ_DataMessage readFile(const std::string& sFileName, std::shared_ptr<AQ_Spectrum>& specNew,
                           std::shared_ptr<AQ_HeaderSSR>& ssrHeader);
   AQ_DataMessage readFile(const std::string& sFileName, std::shared_ptr<AQ_Spectrum>& specNew);

@@ -27,8 +27,8 @@ class AQ_API AQ_DataSTH : public FileClass {
                            const std::shared_ptr<AQ_HeaderSTH>& aqHeader,
                            AQ_SpectralTimeHistory& aqTimeHistory);
 
-  /// Reads a file into a new header and a new history. When the header fails, sets neither; when a
-  /// record fails, sets only the header.
+  /// Reads a file into a new header and a new history. If the header cannot be read, sets
+  /// neither; if a record cannot be read, sets only the header.
   AQ_DataMessage readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderSTH>& aqHeader,
                           std::shared_ptr<AQ_SpectralTimeHistory>& STH);
 

@@ -26,8 +26,8 @@ class AQ_API AQ_DataGTH : public FileClass {
   void writeFile(const std::string& sFileName, const std::shared_ptr<AQ_HeaderGTH>& aqHeader,
                  const AQ_GeometryTimeHistory& aqTimeHistory, AQ_DataMessage& result);
 
-  /// Reads a file into a new header and a new history. When the header fails, sets neither; when a
-  /// point fails, sets only the header.
+  /// Reads a file into a new header and a new history. If the header cannot be read, sets
+  /// neither; if a point cannot be read, sets only the header.
   void readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderGTH>& aqHeader,
                 std::shared_ptr<AQ_GeometryTimeHistory>& GTH, AQ_DataMessage& result);
 

@@ -25,8 +25,8 @@ class AQ_API AQ_DataPTH : public FileClass {
   void writeFile(const std::string& sFileName, const std::shared_ptr<AQ_HeaderPTH>& aqHeader,
                  const AQ_PositionTimeHistory& aqTimeHistory, AQ_DataMessage& result);
 
-  /// Reads a file into a new header and a new history. When the header fails, sets neither; when a
-  /// position fails, sets only the header.
+  /// Reads a file into a new header and a new history. If the header cannot be read, sets
+  /// neither; if a position cannot be read, sets only the header.
   void readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderPTH>& aqHeader,
                 std::shared_ptr<AQ_PositionTimeHistory>& PTH, AQ_DataMessage& result);
 

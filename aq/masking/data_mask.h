@@ -26,8 +26,8 @@ class AQ_API AQ_DataMask : public FileClass {
                            const std::shared_ptr<AQ_HeaderMask>& aqHeader,
                            const AQ_MaskMap& aqMaskMap);
 
-  /// Reads a file into a new header and a new map. When the header fails, sets neither; when a row
-  /// fails, the map holds the rows before it.
+  /// Reads a file into a new header and a new map. If the header cannot be read, sets
+  /// neither; if a row cannot be read, the map holds the rows before it.
   AQ_DataMessage readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderMask>& aqHeader,
                           std::shared_ptr<AQ_MaskMap>& MaskMap);
 

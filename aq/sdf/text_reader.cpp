@@ -216,8 +216,8 @@ class Assignment {
         *values.set < recording_.sets().size() ? &recording_.sets()[*values.set] : nullptr;
     if (set == nullptr) {
       failRead(values.lastLine, 0,
-               "values of one of the " + std::to_string(recording_.sets().size()) + " data headers",
-               "those of " + std::to_string(*values.set));
+               "a data header number below " + std::to_string(recording_.sets().size()),
+               std::to_string(*values.set));
     }
     const std::size_t count = values.y.size();
     const std::size_t wanted = values.points.value_or(set->points);

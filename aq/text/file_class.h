@@ -23,8 +23,8 @@ class AQ_API FileClass {
   /// `watch` ends the read and reaches the caller.
   void observeHeader(HeaderObserver watch) { observer_ = std::move(watch); }
 
-  /// Sets the service that supplies names and dates to writes; `nullptr`, the default, means the
-  /// service in use.
+  /// Sets the service that supplies the names and dates for writes; `nullptr`, the default, means
+  /// the service in use.
   void fileInformation(std::shared_ptr<FileInformation> information) {
     information_ = std::move(information);
   }

@@ -60,7 +60,7 @@ class AQ_API FixedFieldReader {
   /// Fails when the line has anything but blanks after that column.
   void expectEnd(std::size_t last);
 
-  /// Fails at the field taken last; `expected` without its columns.
+  /// Throws `ReadFailure` for the field taken last; adds its columns to `expected`.
   [[noreturn]] void fail(std::string expected) const;
 
   /// The line from a column to its end, unchanged.

@@ -19,8 +19,8 @@ constexpr const char* kDateTime = "a date and a time mm/dd/yyyy hh:mm:ss.sss";
 
 void expectOneLine(std::string_view text, bool tabs) {
   if (text.find_first_of(tabs ? "\r\n" : "\t\r\n") == text.npos) return;
-  throw Error(ErrorCode::InvalidValue, std::string("a text with a line break") +
-                                           (tabs ? ": " : " or a tab: ") + shown(text));
+  throw Error(ErrorCode::InvalidValue,
+              std::string("text with a line break") + (tabs ? ": " : " or a tab: ") + shown(text));
 }
 
 void setDateTime(std::string_view text, AQ_Time& time) {
@@ -60,7 +60,7 @@ void FixedHeaderReader::constant(std::string_view keyword, std::string_view valu
 }
 
 void FixedHeaderReader::text(std::string_view keyword, std::string& value) {
-  take(keyword, "a text");
+  take(keyword, "text");
   value = value_;
 }
 

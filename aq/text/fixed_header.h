@@ -63,9 +63,9 @@ class AQ_API FixedHeaderReader {
   std::string_view value_;  // of the line taken last
 };
 
-/// Appends header lines to a text. Throws `InvalidValue` for a value with a line break or, outside
-/// `lines`, a tab, for a number or a time that does not fit its columns, and for an enumeration
-/// value without a word.
+/// Appends header lines to a string. Throws `InvalidValue` for a value with a line break or,
+/// outside `lines`, a tab, for a number or a time that does not fit its columns, and for an
+/// enumeration value without a word.
 class AQ_API FixedHeaderWriter {
  public:
   explicit FixedHeaderWriter(std::string& text) : text_(text) {}

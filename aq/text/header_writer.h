@@ -15,7 +15,7 @@
 
 namespace aq {
 
-/// Writes keyword header lines, as in `Bands**,17, 40`, to a text. `HeaderReader` has the same
+/// Writes keyword header lines, as in `Bands**,17, 40`, to a string. `HeaderReader` has the same
 /// members, so that one description of a header serves both.
 class AQ_API HeaderWriter {
  public:

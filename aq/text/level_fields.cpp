@@ -48,7 +48,7 @@ constexpr std::size_t kLengths = kLongestLevel - kShortestLevel + 1;
 constexpr std::uint8_t kNoByte = 0x80;
 using Bytes = std::array<std::uint8_t, kHalf>;
 
-/// Where fields of a text end: entry n is the end of field n, from 1, and entry 0 is the position
+/// Where the fields of text end: entry n is the end of field n, from 1, and entry 0 is the position
 /// before the text.
 using FieldEnds = std::array<std::uint16_t, 1 + kFieldsAtOnce + kScanned>;
 
@@ -114,7 +114,7 @@ constexpr auto kToEnd = [] {
 
 __m128i loaded(const void* bytes) { return _mm_loadu_si128(static_cast<const __m128i*>(bytes)); }
 
-/// The sixteen bytes of a text that end at `end`, or all of them if there are fewer.
+/// The sixteen bytes of text that end at `end`, or all of them if there are fewer.
 AQ_AVX2 __m128i bytesTo(const char* text, std::size_t end) {
   if (end >= kHalf) return loaded(text + end - kHalf);
   return _mm_shuffle_epi8(loaded(text), loaded(&kToEnd[end]));
@@ -165,7 +165,7 @@ AQ_AVX2 bool takeGroup(const char* text, const std::uint16_t* ends, LevelCode* c
   return true;
 }
 
-/// Takes groups of levels from the start of a text of 32 bytes or more.
+/// Takes groups of levels from the start of text of 32 bytes or more.
 AQ_AVX2 FieldsTaken takeGroups(std::string_view text, std::span<LevelCode> codes) {
   constexpr std::size_t kMost = kFieldsAtOnce * (kLongestLevel + 1);  // as long as they can be
   FieldEnds ends;

@@ -19,7 +19,7 @@ constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 constexpr bool isSign(char c) { return c == '+' || c == '-'; }
 
-/// Where the number at the start of a text is.
+/// Where the number at the start of text is.
 struct Extent {
   const char* begin = nullptr;  // after a plus sign, which from_chars does not accept
   const char* end = nullptr;    // `nullptr` when there is no number

@@ -7,13 +7,13 @@
 #include <string_view>
 #include <type_traits>
 
-// Eight characters of a text as one word, the first in the lowest byte.
+// Eight characters of text as one word, the first in the lowest byte.
 
 namespace aq {
 
 inline constexpr std::size_t kWordBytes = sizeof(std::uint64_t);
 
-/// The word of a text's first eight characters; the text must have at least eight.
+/// The word of the first eight characters of `text`, which must have at least eight.
 [[nodiscard]] constexpr std::uint64_t wordOfText(std::string_view text) {
   std::uint64_t word = 0;
   if (std::endian::native == std::endian::little && !std::is_constant_evaluated()) {

@@ -8,7 +8,7 @@
 
 #include "component/com.h"
 
-// A host in C++ that knows the component only by its registration and through automation.
+// A host in C++ that finds the component through its registration and calls it through automation.
 
 namespace host {
 

@@ -26,8 +26,8 @@ HEADERS: dict[str, Any] = {
     f.word: f.header for f in FORMATS.values() if f.header is not None and f.word != "recording"
 }
 KINDS = (None, "emission", "parameters", *HEADERS)
-# Readable attributes, and the text fields of headers that they show. The CF conventions define the
-# names title and source.
+# Attributes for people, each with the header fields whose text it shows. The CF conventions define
+# the names title and source.
 _WORDS: dict[str, tuple[str, ...]] = {
     "title": ("sProjectName", "ProjectName"),
     "source": ("sGeneratedBy", "GeneratedBy"),

@@ -51,8 +51,9 @@ void bindWork(py::module_& module) {
       },
       py::arg("geometry"), py::arg("history"), py::arg("first"), py::arg("last"),
       "The points of the records of a range, found by their times, numbered from 1");
-  module.def("joinGeometries", joinGeometries, py::arg("before"), py::arg("after"),
-             "The points of two geometries; the second is numbered on from the end of the first");
+  module.def(
+      "joinGeometries", joinGeometries, py::arg("before"), py::arg("after"),
+      "The points of two geometries; the numbering of the second continues that of the first");
   module.def("recordsMissing", recordsMissing, py::arg("before"), py::arg("after"),
              "How many records are missing between two pieces of a measurement");
   module.def("joinHistories", joinHistories, py::arg("before"), py::arg("after"),

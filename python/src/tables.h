@@ -6,7 +6,7 @@
 
 namespace aq::python {
 
-/// The types that the cells of a column may have.
+/// What the cells of a column may hold, and the test for it.
 struct Cells {
   const char* wanted;
   bool (*fit)(double);

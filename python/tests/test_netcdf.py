@@ -77,7 +77,7 @@ def test_files_keep_to_the_conventions(
     assert "Conventions" not in unstamped.attrs and "date" not in unstamped.variables
     geometry = aq.AQ_GeometryTimeHistory.from_numpy({"Tm": [5.0, 5.5], "Te": [4.0, 4.5]})
     check_conventions(geometry.to_xarray(), tmp_path / "geometry.nc")
-    with pytest.raises(ValueError, match="unit of length, m, km, ft, nautical_mile, found 'mile'"):
+    with pytest.raises(ValueError, match=r"\(m, km, ft, nautical_mile\), found 'mile'"):
         geometry.to_xarray(unit="mile")
 
 

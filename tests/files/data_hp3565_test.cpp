@@ -157,7 +157,7 @@ TEST(Analyzer, ReadsTextsOfOtherPrograms) {
       {"SDF_YDATA_HDR\ndata x\n1\n", 1,
        ", line 39, field 2: expected a number for data, found \"x\""},
       {"SDF_YDATA_HDR\ndata 3\nvector 0\nscan 0\n1\n", 1,
-       ", line 42: expected values of one of the 1 data headers, found those of 3"},
+       ", line 42: expected a data header number below 1, found 3"},
       {"SDF_YDATA_HDR\ndata 0\nvector 1\nscan 0\n1\n2\n3\n4\n", 1,
        ": expected the values of data 0, vector 0, scan 0, found none"},
       {"SDF_YDATA_HDR\ndata 0\nvector 0\nscan 0\n1\n2\n3\n4\n5\n", 1,

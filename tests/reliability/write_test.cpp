@@ -116,7 +116,7 @@ TEST(Write, LinksStayAndOtherNamesKeepTheOldFile) {
   EXPECT_EQ(fs::hard_link_count(file), 1U);
 }
 
-/// An append waits for another one, and then uses the file that has the name at that time.
+/// An append waits for another one, and then uses whichever file has the name by then.
 TEST(Write, AnAppendFollowsTheName) {
   const test::Folder folder;
   const std::string path = folder.with("a", "old");

@@ -417,7 +417,7 @@ ROWS = [  # command, status, what the output contains, what the messages contain
         "",
         "strange.json: expected a document that convert writes",
     ),
-    ("convert m.json -o x5.sth.csv", 2, "", "only a history or a recording converts to a history"),
+    ("convert m.json -o x5.sth.csv", 2, "", "only a history or a recording can become a history"),
     (f"convert {STH} deep -o x.csv", 2, "", "only a workbook holds several files"),
     (
         f"convert {STH} deep/one.csv --mask {MAP} -o x.xlsx",
@@ -777,7 +777,7 @@ def check_columns(folder):
     rows = run(f"aqdata convert '{gap}'", folder).stdout.decode()
     expect_in("a gap in a table", rows, ",30,\n")
     found = run(f"aqdata check '{gap}'", folder).stdout.decode()
-    expect_in("findings in fixed columns", found, "line 21, field 7, record 1, band 32: note: 9999")
+    expect_in("findings in fixed columns", found, "line 21, field 7, record 1, band 32: note: the level is 9999")
     recording = samples / "analyzer-recording" / "good" / "third-octaves-by-scan.dat"
     run(f"aqdata convert '{recording}' -o recording.spc", folder)
     done = run("aqdata check recording.spc", folder)

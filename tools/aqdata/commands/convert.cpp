@@ -118,7 +118,7 @@ void putSpectrum(const Session& session, const ConvertChoice& choice, const Meas
 void putHistory(Session& session, const ConvertChoice& choice, const Measurement& measurement,
                 bool inColumns) {
   const auto* const read = std::get_if<History>(&measurement.data);
-  if (read == nullptr) throw Failure("only a history or a recording converts to a history");
+  if (read == nullptr) throw Failure("only a history or a recording can become a history");
   if (choice.record) throw Failure("--record does not apply to a history");
   for (const std::string& note :
        writeHistory(session, *read, session.output, choice.file, inColumns)) {
