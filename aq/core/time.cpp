@@ -15,7 +15,7 @@ float single(double number) { return Variant(number).toSingle(); }
 
 void requireFiniteTime(double seconds) {
   if (std::isfinite(seconds)) return;
-  throw Error(ErrorCode::InvalidValue, "a time of day that is not a finite number");
+  throw Error(ErrorCode::InvalidValue, "the time of day is not a finite number");
 }
 
 bool containsLetters(std::string_view text, std::string_view capitals) {

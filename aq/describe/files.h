@@ -45,7 +45,7 @@ struct Description<FileKind> {
                 "Processing parameters of an analysis")
         .member("SpectrumRecord", FileKind::SpectrumRecord,
                 "One spectrum, such as that of the ambient")
-        .member("Tracking", FileKind::Tracking, "Fixes of a tracking system")
+        .member("Tracking", FileKind::Tracking, "Position fixes from a tracking system")
         .member("Unknown", FileKind::Unknown, "Another kind of file, or one that cannot be read")
         .member("FixedColumnHistory", FileKind::FixedColumnHistory,
                 "Levels of the records of a measurement in fixed columns")

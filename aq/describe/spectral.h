@@ -201,7 +201,8 @@ struct Description<SpectralFunctions> {
               "records are numbered from 1 without gaps, the ambient has a valid level in each of "
               "their bands, and the margin is 0 or more"),
         in("history", "The levels to mask"), in("ambient", "The levels of the ambient"),
-        in("margin", "Levels less than this above the ambient are masked", Quantity{"dB", 0}));
+        in("margin", "Levels that do not exceed the ambient by at least this are masked",
+           Quantity{"dB", 0}));
   }
 };
 

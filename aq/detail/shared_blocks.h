@@ -78,7 +78,7 @@ template <class T>
 class SharedBlocks {
  public:
   SharedBlocks() = default;
-  /// For a file that claims to have this many records, of which at most 32767 are expected.
+  /// For a file that claims to have this many records; more than 32767 are not believed.
   explicit SharedBlocks(std::int32_t claim)
       : expected_(static_cast<std::size_t>(std::clamp(claim, 0, 32767))) {}
 

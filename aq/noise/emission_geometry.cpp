@@ -16,7 +16,7 @@ namespace {
 constexpr double kDegrees = 180 / std::numbers::pi;
 constexpr double kKelvinAtZero = 273.15;
 
-/// The angle between a direction of length 1 and a line, in degrees.
+/// The angle between a unit vector and a line, in degrees.
 double angleBetween(const Vector3& direction, const Vector3& line) {
   const Vector3 cross{direction[1] * line[2] - direction[2] * line[1],
                       direction[2] * line[0] - direction[0] * line[2],
@@ -24,7 +24,7 @@ double angleBetween(const Vector3& direction, const Vector3& line) {
   return std::atan2(lengthOf(cross), dot(direction, line)) * kDegrees;
 }
 
-/// The angle of a line about a direction of length 1, from below to the left, in degrees.
+/// The angle of a line about a unit vector, from below to the left, in degrees.
 double angleAbout(const Vector3& direction, const Vector3& line) {
   const double level = std::hypot(direction[0], direction[1]);
   if (level == 0) return 0;  // a vertical flight has no left or right

@@ -22,7 +22,7 @@ class AQ_API LineReader {
   /// Goes to the next line; false after the last one.
   [[nodiscard]] bool next();
 
-  /// The line without its end. Valid until `next`.
+  /// The line without its line ending. Valid until `next`.
   [[nodiscard]] std::string_view line() const { return line_; }
 
   /// Whether the line has an end: the last one may lack it. True before the first line.

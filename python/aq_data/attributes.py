@@ -253,7 +253,8 @@ def need_once(ds: xr.Dataset) -> None:
     need(ds, "record")
     if ds["record"].ndim != 1:
         raise ValueError(
-            "expected records in one dimension; isel(time=[4]) keeps it for one record"
+            "expected `record` to have one dimension; select a single record with a list, as in "
+            "isel(time=[4]), to keep it"
         )
     numbers, counts = np.unique(ds["record"].values, return_counts=True)
     if (counts > 1).any():

@@ -1,4 +1,4 @@
-"""Labelled datasets of the objects; `restore` converts back.
+"""Converts the objects to labelled datasets; `restore` converts them back.
 
 A dataset of a history has the dimensions `time`, one entry per record, and `band`.
 """

@@ -1,4 +1,4 @@
-"""Pandas tables of the objects, wide and tidy, and back."""
+"""Converts the objects to wide and tidy pandas tables, and back."""
 
 from __future__ import annotations
 

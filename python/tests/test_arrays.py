@@ -19,7 +19,7 @@ HUGE = np.array([2**64 - 1], dtype=np.uint64)
 
 
 class Gone:
-    """An array of a file that no longer exists."""
+    """An array backed by a file that no longer exists."""
 
     def __array__(self, *_: Any) -> Any:
         return open("gone.csv")

@@ -15,7 +15,7 @@ namespace aqdata {
 /// without regard to case; null comes last. Returns a negative number, 0 or a positive number.
 [[nodiscard]] int compareFields(const Json& a, const Json& b);
 
-/// Whether a file is wanted, from its document.
+/// Decides from a file's document, as `info --json` prints it, whether the file is wanted.
 using Condition = std::function<bool(const Json& info)>;
 
 /// Parses a condition such as `microphone=M1 and (records>100 or begin>=14:00)`: comparisons of

@@ -187,7 +187,7 @@ void putNetcdf(const Session& session, const ConvertChoice& choice) {
   if (choice.record) throw Failure("--record does not apply to netCDF");
   std::vector<std::string> words{"convert", choice.file, outputPlace(session)};
   if (!isNetcdf(choice.file))
-    static_cast<void>(openFile(choice.file));  // reports what cannot be read
+    static_cast<void>(openFile(choice.file));  // throws if the file cannot be read
   const std::string map = choice.maps ? nextToHistory(choice.file, ".mask.csv") : choice.map;
   if (!map.empty()) {
     static_cast<void>(openMapOf(openHistory(choice.file), choice.file, map));
