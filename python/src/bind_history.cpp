@@ -51,8 +51,7 @@ Levels levelsOf(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* mask) {
 
 std::shared_ptr<AQ_SpectralTimeHistory> historyFrom(const py::object& given, std::int16_t lowBand,
                                                     const py::object& records) {
-  const auto levels =
-      numbersFrom<double>(given, 2, "a two-dimensional array of numbers, (records, bands)");
+  const auto levels = numbersFrom<double>(given, 2, "numbers in two dimensions, (records, bands)");
   checkBands(lowBand, levels.shape(1));
   const auto width = static_cast<std::size_t>(levels.shape(1));
   auto history = std::make_shared<AQ_SpectralTimeHistory>();

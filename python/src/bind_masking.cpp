@@ -70,7 +70,7 @@ std::shared_ptr<AQ_MaskRow> rowFrom(const Numbers& modes, const Numbers& adjustm
 /// Codes of modes or adjustments: an aligned frame or array has NaN for no decision, and a
 /// comparison has True for masked.
 Numbers codesFrom(const py::object& given) {
-  const char* const wanted = "a two-dimensional array of numbers, (records, bands)";
+  const char* const wanted = "numbers in two dimensions, (records, bands)";
   const py::array array = arrayFrom(given);
   if (array.dtype().kind() == 'b') {
     return numbersFrom<std::int64_t>(array.attr("astype")("i1"), 2, wanted);

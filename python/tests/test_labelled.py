@@ -148,7 +148,7 @@ def test_a_dataset_without_what_it_needs_says_so(ds: xr.Dataset, text: str) -> N
         (lambda ds: ds.drop_vars("frequency").aq.between(1, 2), ValueError, "lacks frequency"),
         (lambda ds: ds.aq.overall([99]), ValueError, "99"),
         (lambda ds: ds.aq.between(1e6, 1e7), ValueError, "1e\\+06 to 1e\\+07 Hz, found none"),
-        (lambda ds: ds.isel(time=0).aq.with_geometry(POINTS), ValueError, "in one dimension"),
+        (lambda ds: ds.isel(time=0).aq.with_geometry(POINTS), ValueError, "one dimension"),
         (lambda ds: aq.from_xarray(ds.assign_attrs(aq="x")), ValueError, "attribute aq.*'x'"),
         (lambda ds: aq.from_xarray(ds.assign_attrs(aq='{"kind": 1}')), ValueError, "attribute aq"),
         (lambda ds: aq.from_xarray(ds.assign_attrs(aq='{"header": {"x": 1}}')), ValueError, "'x'"),
