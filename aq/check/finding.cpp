@@ -57,7 +57,7 @@ constexpr FindingKind kKinds[] = {
     {"renamed", kNote, "the name in the header differs from the file's"},
     {"source-missing", kNote, "a file that the header names is not in the folder"},
     {"position-stuck", kNote, "positions stay the same as time passes"},
-    {"time-gap", kNote, "positions are missing for some time"},
+    {"time-gap", kNote, "no positions for an unusually long time"},
     {"level-invalid", kNote, "a level is 9999, which means not valid"},
     {"fix-rejected", kNote, "the quality figure of a fix is above the usual limit"},
     {"table", kNote, "a table made from measurements, which is not checked"},

@@ -31,7 +31,7 @@ bool isPlainNumber(std::string_view text) {
   return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
 }
 
-/// The name that a header records, without the folders of any system.
+/// The file name that a header records, without its folders, whether separated by "/" or "\".
 std::string bareName(std::string_view name) {
   return std::string(name.substr(name.find_last_of("/\\") + 1));
 }

@@ -23,7 +23,7 @@ constexpr Packed kPacked[] = {
     {"\xFD\x37zXZ", "the file is compressed by xz; unxz unpacks it"},
     {"\x28\xB5\x2F\xFD", "the file is compressed by zstd; unzstd unpacks it"},
     {"PK\x03\x04",
-     "the file is a zip archive, or a spreadsheet's workbook; unpack it, or save it as text"},
+     "the file is a zip archive or a spreadsheet's workbook; unpack it or save it as text"},
     {"\xD0\xCF\x11\xE0", "the file is a spreadsheet's workbook; save it as text with commas"}};
 
 bool isDigits(std::string_view text) {

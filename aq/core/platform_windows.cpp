@@ -367,7 +367,7 @@ std::wstring folderOf(const std::wstring& path) {
   return path.substr(0, path.find_last_of(L"/\\") + 1);
 }
 
-/// The path of an open file, links followed.
+/// The path of an open file, with links resolved.
 std::wstring finalPath(const Handle& file) {
   const DWORD size = ::GetFinalPathNameByHandleW(file.get(), nullptr, 0, FILE_NAME_NORMALIZED);
   std::wstring path(size, L'\0');

@@ -313,7 +313,7 @@ struct Description<AQ_DataHP3565> {
         .property("SDFPRINT", &F::SDFPRINT, &F::SDFPRINT,
                   "The path of an external converter; empty for the built-in one", FileName{})
         .property("Channel", &F::Channel, &F::Channel,
-                  "The trace of each scan to read, counted from 1", kPlace)
+                  "The trace of each scan to read, counted from 1", Quantity{"index", 1, 32767})
         .property(
             "RecordLength", &F::RecordLength, &F::RecordLength,
             "Time from one record to the next if scans have no times; raises for a value that "

@@ -19,8 +19,8 @@ using Vector3 = std::array<double, 3>;
 /// The path of a source: straight segments between its positions. Seconds continue across midnight.
 class FlightPath {
  public:
-  /// Throws `InvalidValue` for a coordinate that is not finite and a position earlier than the
-  /// previous one, `ObjectNotSet` for a null one.
+  /// Throws `InvalidValue` if a coordinate is not finite or a position is earlier than the previous
+  /// one, `ObjectNotSet` if a position is null.
   explicit FlightPath(const AQ_PositionTimeHistory& positions);
 
   /// A point of the path.

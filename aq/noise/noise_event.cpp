@@ -21,7 +21,7 @@ constexpr double kBelowAll = -std::numeric_limits<double>::infinity();
 void check(std::span<const double> pnlt, std::span<const double> seconds,
            std::span<const double> toneCorrections) {
   const auto found = [](std::span<const double> values) { return std::to_string(values.size()); };
-  if (pnlt.empty()) throw Error(ErrorCode::InvalidArgument, "there is no record");
+  if (pnlt.empty()) throw Error(ErrorCode::InvalidArgument, "there are no records");
   if (seconds.size() != 1 && seconds.size() != pnlt.size()) {
     throw Error(ErrorCode::InvalidArgument,
                 "expected one duration or " + found(pnlt) + ", found " + found(seconds));

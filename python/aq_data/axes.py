@@ -84,7 +84,7 @@ def complete(ds: xr.Dataset) -> xr.Dataset:
 
 
 def _clock(seconds: float, _: Any = None) -> str:
-    """A time of day; times beyond midnight belong to another day."""
+    """Formats seconds as a time of day, which starts again at 00:00 after midnight."""
     whole, thousandths = divmod(round(seconds % DAY * 1000), 1000)
     text = f"{whole // 3600 % 24:02}:{whole // 60 % 60:02}:{whole % 60:02}.{thousandths:03}"
     return text.rstrip("0").rstrip(".") if thousandths else text[:-4]

@@ -165,7 +165,7 @@ void bindNoise(py::module_& module) {
   const auto masks = py::arg("masks") = py::none();
   const auto map = py::arg("map") = py::none();
   module.def("weightedLevel", weightedLevel, py::arg("spectrum"), py::arg("weighting"), masks,
-             "The A-, C-, D-weighted or overall level in dB; None when no level counts");
+             "The A-, C- or D-weighted or the overall level in dB; None when no level counts");
   module.def("perceivedNoiseLevel", perceivedNoiseLevel, py::arg("spectrum"), masks,
              "The perceived noise level in PNdB; 0 if there are no noys");
   module.def("toneSteps", stepsOf, py::arg("spectrum"), masks,

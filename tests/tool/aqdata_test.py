@@ -429,7 +429,7 @@ ROWS = [  # command, status, what the output contains, what the messages contain
         f"convert {STH} near.sth.csv bad.sth.csv -o x.xlsx",
         2,
         "",
-        "nothing is written, since not all files",
+        "nothing was written, because some files",
     ),
     (f"convert {STH} deep/one.csv deep/er/two.csv -o two.xlsx", 0, "two.xlsx: 3 runs", ""),
     (f"export AQ_PYTHON=false; plot {STH} -o x.png", 2, "", "making an image failed"),
@@ -585,7 +585,12 @@ ROWS = [  # command, status, what the output contains, what the messages contain
     (f"report {STH} -o p.html --mask fly-over.mic.csv", 2, "", "expected a masking map file"),
     (f"report {STH} --alone --celsius 20 -o p.html", 2, "p.html: a page", "no geometry: there are"),
     (f"report {STH} bad.sth.csv -o two.html", 2, "two.html: a page of 2 runs", '"6x.2"'),
-    ("report bad.sth.csv -o no.html", 2, "", "nothing is written, since no history could be read"),
+    (
+        "report bad.sth.csv -o no.html",
+        2,
+        "",
+        "nothing was written, because no history could be read",
+    ),
     (f"cp {MAP} gap.mask.csv; report gap.sth.csv -o gap.html", 2, "gap.html: a", "record 30: the"),
     ("grep -c -e :// -e 'src=' -e '@import' page.html; help report", 0, "0\n", ""),
     ("completion tcsh", 2, "", "tcsh"),
@@ -777,7 +782,11 @@ def check_columns(folder):
     rows = run(f"aqdata convert '{gap}'", folder).stdout.decode()
     expect_in("a gap in a table", rows, ",30,\n")
     found = run(f"aqdata check '{gap}'", folder).stdout.decode()
-    expect_in("findings in fixed columns", found, "line 21, field 7, record 1, band 32: note: the level is 9999")
+    expect_in(
+        "findings in fixed columns",
+        found,
+        "line 21, field 7, record 1, band 32: note: the level is 9999",
+    )
     recording = samples / "analyzer-recording" / "good" / "third-octaves-by-scan.dat"
     run(f"aqdata convert '{recording}' -o recording.spc", folder)
     done = run("aqdata check recording.spc", folder)

@@ -14,11 +14,11 @@
 
 namespace aqdata {
 
-/// The files that the user's arguments name: for a folder, the measurement files in and below it,
-/// which are those whose name ends in ".csv", ignoring case, or whose kind is known, except hidden
-/// ones; for a pattern, what it matches. Each file and folder appears once, even if several links
-/// lead to it. In folders, also takes files whose names, in capitals, have one of the `more`
-/// endings. Complains about what does not exist.
+/// The files that the user's arguments name. A pattern stands for what it matches; a folder for the
+/// measurement files in it and below: files that end in ".csv", ignoring case, or are of a known
+/// kind, except hidden ones and those that `fix` keeps. Each file and folder appears once, even if
+/// several links lead to it. In folders, also takes files whose names, in capitals, have one of the
+/// `more` endings. Complains about what does not exist.
 [[nodiscard]] std::vector<std::string> chosenFiles(Session& session,
                                                    const std::vector<std::string_view>& more = {});
 
@@ -28,12 +28,13 @@ namespace aqdata {
 /// Throws `Failure`, with the system's reason, for a file that cannot be opened.
 void expectOpens(const std::string& path);
 
-/// Throws `Failure` unless the name of the session's output has no extension or one of these
-/// (".csv" only without the ending of another kind of file), and it is not one of the `inputs`.
+/// Throws `Failure` if the session's output has an extension but none of these endings, or is one
+/// of the `inputs`. A name with the ending of a particular format, such as "x.mask.csv", does not
+/// count as ".csv".
 void expectOutput(const Session& session, const std::vector<std::string_view>& endings,
                   const std::vector<std::string>& inputs);
 
-/// Throws `Failure` unless the name has no extension or one of these endings, like `expectOutput`.
+/// Throws `Failure` if the name has an extension but none of these endings, like `expectOutput`.
 void expectEnding(const std::string& path, const std::vector<std::string_view>& endings);
 
 /// Throws `Failure` when `path` is one of the files that are read.
@@ -48,7 +49,8 @@ void expectFree(const Session& session, const std::string& path);
 
 /// Where the outputs of several files go: the session's output is then a folder, in which a file
 /// that was named keeps its name, and a file found in a given folder its path below that folder. If
-/// a single file was named, the output is a file, unless it is a folder or ends in a slash.
+/// the user named a single file, the session's output is the file to write, unless it is an
+/// existing folder or ends in a slash.
 class OutputPlaces {
  public:
   explicit OutputPlaces(const Session& session);

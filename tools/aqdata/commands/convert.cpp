@@ -218,7 +218,7 @@ void putWorkbook(Session& session, const ConvertChoice& choice) {
     session.progress(i + 1, files.size());
   }
   if (session.status() != kFine)
-    throw Failure("nothing is written, since not all files could be read");
+    throw Failure("nothing was written, because some files could not be read");
   workbook.finish();
   session.wrote(counted(files.size(), "run"));
 }
@@ -242,7 +242,7 @@ void convert(Session& session, ConvertChoice choice) {
         fmt::format("{} cannot go to standard output: name a file with -o", formWord(form)));
   }
   if (netcdf) {
-    if (session.output.empty()) throw Failure("name the file to write with -o");
+    if (session.output.empty()) throw Failure("name the output file with -o");
     putNetcdf(session, choice);
     return session.wrote("written");
   }

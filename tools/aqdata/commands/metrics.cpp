@@ -157,7 +157,7 @@ class MetricsReport {
   void finish(std::size_t files) {
     if (!session_.output.empty()) {
       if (session_.status() != kFine)
-        throw Failure("nothing is written, since not all metrics could be computed");
+        throw Failure("nothing was written, because some metrics could not be computed");
       writeLines(session_, lines_.all());
       session_.wrote(oneFile_ ? event_ : fmt::format("the events of {}", counted(files, "file")));
     } else if (!session_.json && !oneFile_) {

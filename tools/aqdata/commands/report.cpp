@@ -63,7 +63,7 @@ std::string pageOf(Session& session, const std::vector<std::string>& files,
         page.addRun(run.document);
         runs.push_back(std::move(run.summary));
       });
-  if (read == 0) throw Failure("nothing is written, since no history could be read");
+  if (read == 0) throw Failure("nothing was written, because no history could be read");
   return std::move(page).finished({{"runs", std::move(runs)}});
 }
 

@@ -28,7 +28,7 @@ constexpr std::size_t kListed = 20;  // findings of one kind that are listed per
 
 std::string nameOf(const std::string& path) { return pathOf(path).filename().string(); }
 
-/// The recorded name of a file, without the folders of any system.
+/// The recorded name of a file, without its folders, whether separated by "/" or "\".
 std::string bareName(const std::string& recorded) {
   return recorded.substr(recorded.find_last_of("/\\") + 1);
 }
