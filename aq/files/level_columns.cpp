@@ -15,8 +15,7 @@ void LevelColumns::read(FieldReader& fields, AQ_Spectrum& spectrum) {
     return;
   }
   levels.resize(plain);
-  std::transform(codes.begin(), codes.begin() + static_cast<std::ptrdiff_t>(plain), levels.begin(),
-                 levelOf);
+  copyLevels(std::span(codes).first(plain), levels.data());
   while (levels.size() < count) levels.push_back(fields.number("a level"));
   spectrum.assignLevels(low, levels);
 }

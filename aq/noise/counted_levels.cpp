@@ -45,9 +45,9 @@ double CountedLevels::level(std::int32_t band) const {
 std::int16_t CountedLevels::count(std::int32_t first, std::int32_t last) const {
   const std::int32_t begin = std::max(first, low_);
   const std::int32_t after = std::min(last + 1, end());
-  std::int32_t found = std::max(0, after - begin);
-  for (std::int32_t band = begin; !areInTable_ && band < after; ++band)
-    found -= counts(band) ? 0 : 1;
+  if (areInTable_) return static_cast<std::int16_t>(std::max(0, after - begin));
+  std::int32_t found = 0;
+  for (std::int32_t band = begin; band < after; ++band) found += counts(band) ? 1 : 0;
   return static_cast<std::int16_t>(found);
 }
 
