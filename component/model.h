@@ -174,7 +174,7 @@ inline constexpr std::array kExtras{
           "One metric of all records as an array, from LoRec up; Empty where it is not set"},
     Extra{"AQ_MaskMap", "MaskStrings", kFirstExtra, "VARIANT", "", true, true,
           "All decisions as two-letter strings in an array, records by bands, both from the lowest "
-          "up; Empty where there is none, and setting Empty leaves a decision unchanged"},
+          "up; Empty for a band without a decision, and setting Empty leaves a decision unchanged"},
     Extra{"AQ_PositionTimeHistory", "Table", kFirstExtra, "VARIANT", "", true, false,
           "All positions as an array: seconds of the day, X, Y, Z"},
     Extra{"AQ_GeometryTimeHistory", "Table", kFirstExtra, "VARIANT", "", true, false,

@@ -29,7 +29,7 @@ void checkWord(std::size_t line, std::string_view word, std::string_view readAs,
 void checkFileName(std::size_t line, std::string_view name, const std::string& path,
                    const Reporter& report);
 
-/// The path of the file with the recorded name in the folder of `path`; empty if there is none.
+/// The path of the file with the recorded name in the folder of `path`; empty if it does not exist.
 /// Ignores the folders in the recorded name.
 std::string sourceBeside(const std::string& path, std::string_view recorded);
 

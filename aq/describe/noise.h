@@ -57,7 +57,8 @@ struct Description<ToneCorrection> {
         .field("band", &C::band,
                "The band that caused the correction, the lowest if several; 0 for none", kToneBand)
         .field("lastBand", &C::lastBand,
-               "The last band used; 18 if there is none, since band 19 does not count", kToneBand)
+               "The last band used; 18 if band 19 does not count, so that no band is used",
+               kToneBand)
         .field("rows", &C::rows, "One step for each band used, from 19 up");
   }
 };

@@ -102,7 +102,8 @@ struct Description<AQ_Band> {
     using B = AQ_Band;
     to.method("Copy", &B::Copy, "Returns no object for an empty band; raises for any other")
         .indexed("SPL", &B::SPL, &B::SPL, in("nSpectrum", "The spectrum's number", kRecord),
-                 "The level of a spectrum number; reading raises if there is none", kDecibels)
+                 "The level of a spectrum number; reading raises if the number has no level",
+                 kDecibels)
         .property("Count", &B::Count, "Number of stored levels", kRecords)
         .method("contains", &B::contains, "Whether a spectrum number has a level",
                 in("number", "The spectrum's number", kRecord));

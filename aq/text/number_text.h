@@ -29,7 +29,7 @@ namespace aq {
 [[nodiscard]] AQ_API std::uint8_t byteFrom(std::string_view text);
 
 /// The number at the start of `text`, after any blanks, up to the first character that cannot
-/// continue a number; 0 if there is none. Throws `Overflow` outside the range of a double.
+/// continue a number; 0 if there is no number. Throws `Overflow` outside the range of a double.
 [[nodiscard]] AQ_API double leadingNumber(std::string_view text);
 
 // Default text: at most 15 (double) or 7 (single) significant digits, a zero before the point, no

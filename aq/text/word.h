@@ -35,7 +35,7 @@ inline constexpr std::size_t kWordBytes = sizeof(std::uint64_t);
   return 0x0101010101010101U * static_cast<unsigned char>(byte);
 }
 
-/// The index of the first `byte`; 8 if there is none.
+/// The index of the first `byte`; 8 if the word does not have it.
 [[nodiscard]] constexpr std::size_t firstPlaceOf(char byte, std::uint64_t word) {
   const std::uint64_t zeroThere = word ^ eightTimes(byte);
   // Marks the first zero byte, and perhaps others after it.
