@@ -13,7 +13,11 @@
 namespace aq {
 
 /// `text` without its outer blanks.
-[[nodiscard]] AQ_API std::string_view trimmed(std::string_view text);
+[[nodiscard]] inline std::string_view trimmed(std::string_view text) {
+  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  return text;
+}
 
 /// `text` with its letters a to z as capitals; other bytes unchanged.
 [[nodiscard]] AQ_API std::string upperCased(std::string_view text);
