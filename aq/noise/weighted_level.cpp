@@ -80,7 +80,6 @@ void forEachEnergy(const CountedLevels& record, const Add& add) {
   std::int32_t band = record.low();
   if (record.isCoded()) {
     for (const LevelCode code : record.codes(band, record.end())) add(band++, table.of(code));
-    return;
   }
   for (; band < record.end(); ++band) {
     const double level = record.level(band);

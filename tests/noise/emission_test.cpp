@@ -111,6 +111,12 @@ TEST(EmissionGeometry, Angles) {
        at(0, 100, 0),
        120,
        std::atan(std::sqrt(2)) / std::numbers::pi * 180},
+      // Climbs at 45 degrees towards +x and +y, past a microphone on the right.
+      {{0, 0, 0, 100},
+       {10, 0.001, 0.001, 100 + 0.001 * std::numbers::sqrt2},
+       at(100, 0, 0),
+       std::acos((0.5 - std::sqrt(0.5)) / std::numbers::sqrt2) / std::numbers::pi * 180,
+       -std::atan(2 - std::numbers::sqrt2) / std::numbers::pi * 180},
   };
   for (std::size_t i = 0; i < cases.size(); ++i) {
     SCOPED_TRACE(i);
@@ -151,6 +157,8 @@ TEST(EmissionGeometry, AcrossMidnight) {
   EXPECT_NEAR(geometry->Point(2)->Tprope, 1, 1e-5);
   EXPECT_NEAR(geometry->Point(3)->Te()->TODseconds(), 2, 1e-4);
   EXPECT_EQ(geometry->Point(3)->Te()->CurrentDate(), 45000);
+  const auto undated = emissionGeometry(path, at(0, 0, 0), recordsAt({0.25}), kCelsius);
+  EXPECT_EQ(undated->Point(1)->Te()->CurrentDate(), 0);
 }
 
 TEST(EmissionGeometry, NothingIsExtrapolated) {

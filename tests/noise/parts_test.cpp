@@ -1,6 +1,7 @@
 #include <aq/geometry/cut_geometry.h>
 #include <aq/masking/cut_map.h>
 #include <aq/noise/history_metrics.h>
+#include <aq/noise/record_geometry.h>
 #include <aq/noise/records_down.h>
 #include <aq/spectral/join_histories.h>
 #include <gtest/gtest.h>
@@ -147,6 +148,24 @@ TEST(Parts, MapsAndGeometriesFollow) {
   EXPECT_EQ(points->Point(1), geometry.Point(2));
   EXPECT_EQ(points->startTime()->TODseconds(), 91);
   EXPECT_ERROR(cutGeometry(geometry, 5, 6), InvalidArgument);
+}
+
+TEST(Parts, PointsOfRecordsAreFoundByTheirTime) {
+  const auto history = flyOver(86390, 5);
+  AQ_GeometryTimeHistory geometry;
+  for (std::int16_t record = 7; record <= 9; ++record) {
+    auto point = std::make_shared<AQ_Geometry>();
+    point->Tm()->TODseconds(stampOf(*history, record) + 0.005);
+    geometry.Point(record + 10, point);
+  }
+  const auto points = geometryOf(geometry, *history, {8, 9});
+  EXPECT_EQ(points->Count(), 2);
+  EXPECT_EQ(points->Point(1), geometry.Point(18));
+  for (const auto& [first, last] : {std::pair{6, 8}, {8, 10}, {80, 99}}) {
+    EXPECT_ERROR(geometryOf(geometry, *history, {first, last}), InvalidArgument);
+  }
+  geometry.Point(18)->Tm()->TODseconds(0);
+  EXPECT_ERROR(geometryOf(geometry, *history, {7, 9}), InvalidArgument);
 }
 
 }  // namespace
