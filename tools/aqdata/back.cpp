@@ -35,8 +35,7 @@ aq::AQ_Time timeOf(const std::string& text, double seconds) {
   aq::AQ_Time time;
   if (!text.empty()) {
     time.TODstring(text);
-    // If the time was late in its second, its text is that of the next second, and `seconds` is
-    // right.
+    // The text of a time late in its second is that of the next second, so `seconds` decides.
     if (std::abs(time.TODseconds() - seconds) < 0.006 || std::isnan(seconds)) return time;
   }
   time.assignSeconds(seconds, 0);
@@ -104,8 +103,8 @@ double lengthOf(const aq::AQ_SpectralTimeHistory& history) {
   return length > 0 && length < 1000 ? length : 0.5;
 }
 
-/// Sets what a table does not have: the start is the first stamp; the reference follows from the
-/// relative times. Throws `Failure` if those disagree.
+/// Sets what a table does not have: the start is the first stamp, and the reference follows from
+/// the relative times. Throws `Failure` if the relative times disagree.
 void giveTimes(History& read) {
   aq::AQ_SpectralTimeHistory& history = *read.model;
   history.AverageMethod(aq::AQ_NA);

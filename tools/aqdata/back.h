@@ -8,8 +8,8 @@
 namespace aqdata {
 
 /// Reads a table or JSON document that `convert` has written: a history, a masking map or
-/// positions; nothing for any other file. A table has no header, so the result has a new one, which
-/// names the table. Throws `Failure` with the line and field, or the row, at fault.
+/// positions. Returns nothing for any other file. A table has no header, so the result has a new
+/// one, which names the table. Throws `Failure` with the line and field, or the row, at fault.
 [[nodiscard]] std::optional<Measurement> backFrom(const std::string& path);
 
 }  // namespace aqdata

@@ -80,8 +80,8 @@ class Choice {
     }
   }
 
-  /// Visits a folder and those that its links lead to; returns whether it was new and completely
-  /// read.
+  /// Visits a folder, and then the folders that links in it lead to. Returns whether any of them
+  /// was new and all could be read.
   bool walkNew(const std::string& folder) {
     seenMeasurement_ = false;
     const std::size_t before = walked_.size();
@@ -146,8 +146,8 @@ class Choice {
   bool seenMeasurement_ = false;
 };
 
-/// Whether the ending of `name` allows this kind of file: the ending of one kind excludes the
-/// others.
+/// Whether `name` has this ending. A name with the ending of a particular format does not count as
+/// ".csv".
 bool mayEnd(const std::string& name, std::string_view ending) {
   const auto endsIn = [upper = aq::upperCased(name)](std::string_view end) {
     return upper.ends_with(aq::upperCased(end));

@@ -14,11 +14,11 @@
 
 namespace aqdata {
 
-/// The files that the user's arguments name. A pattern stands for what it matches; a folder for the
-/// measurement files in it and below: files that end in ".csv", ignoring case, or are of a known
-/// kind, except hidden ones and those that `fix` keeps. Each file and folder appears once, even if
-/// several links lead to it. In folders, also takes files whose names, in capitals, have one of the
-/// `more` endings. Complains about what does not exist.
+/// The files that the user's arguments name. A pattern stands for the files and folders that match
+/// it, and a folder for all measurement files below it: those that end in ".csv", ignoring case, or
+/// are of a known kind, except hidden files and the originals that `fix` keeps. A folder is visited
+/// once, even if several links lead to it. In folders, also takes files whose names, in capitals,
+/// have one of the `more` endings. Complains about names that lead to no file.
 [[nodiscard]] std::vector<std::string> chosenFiles(Session& session,
                                                    const std::vector<std::string_view>& more = {});
 
@@ -37,7 +37,7 @@ void expectOutput(const Session& session, const std::vector<std::string_view>& e
 /// Throws `Failure` if the name has an extension but none of these endings, like `expectOutput`.
 void expectEnding(const std::string& path, const std::vector<std::string_view>& endings);
 
-/// Throws `Failure` when `path` is one of the files that are read.
+/// Throws `Failure` if `path` is one of the inputs.
 void expectNoInput(const std::string& path, const std::vector<std::string>& inputs);
 
 /// Throws `Failure` if `path` is an existing file and the user did not give --force.
@@ -47,10 +47,10 @@ void expectFree(const Session& session, const std::string& path);
 /// replaced.
 [[nodiscard]] std::string outputPlace(const Session& session);
 
-/// Where the outputs of several files go: the session's output is then a folder, in which a file
-/// that was named keeps its name, and a file found in a given folder its path below that folder. If
-/// the user named a single file, the session's output is the file to write, unless it is an
-/// existing folder or ends in a slash.
+/// Chooses the output of each file. For several files, the session's output is a folder: a file
+/// that the user named keeps its name in it, and a file found in a given folder keeps its path
+/// below that folder. If the user named a single file, the session's output is the file to write,
+/// unless it is an existing folder or ends in a slash.
 class OutputPlaces {
  public:
   explicit OutputPlaces(const Session& session);

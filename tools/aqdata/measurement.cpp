@@ -34,8 +34,8 @@ struct Reading {
   std::uint8_t rt20Limit = 1;
 };
 
-/// The record length in seconds: what the file says, or the distance of the first two records of a
-/// recording.
+/// The record length in seconds: the one that the file gives or, in a recording, the time from the
+/// first record to the second.
 template <class File>
 std::optional<double> recordLengthOf(const File& file, const aq::AQ_SpectralTimeHistory& history) {
   if constexpr (std::is_same_v<File, aq::AQ_DataSPC>) return file.RecordLength();

@@ -19,10 +19,9 @@ struct Held : aq::Content<Header, Model> {};
 template <>
 struct Held<aq::AQ_HeaderSTH, aq::AQ_SpectralTimeHistory>
     : aq::Content<aq::AQ_HeaderSTH, aq::AQ_SpectralTimeHistory> {
-  aq::HistoryWords words = {};  // the words of the header
-  std::vector<aq::HistoryWords::Other> others =
-      {};                     // unknown words, which would be written as others
-  double recordLength = 0.5;  // seconds; not in every file
+  aq::HistoryWords words = {};                       // the words of the header
+  std::vector<aq::HistoryWords::Other> others = {};  // unknown words, which a write would replace
+  double recordLength = 0.5;                         // seconds; not in every file
 };
 
 template <>
@@ -67,8 +66,8 @@ struct Measurement {
 /// The kind of file in one word, such as "history".
 [[nodiscard]] std::string_view kindWord(aq::FileKind kind);
 
-/// Reads a file of any kind; `watch` gets its header lines, and tracking fixes above `rt20Limit`
-/// are dropped. Throws `Failure`.
+/// Reads a file of any kind; `watch` gets its header lines. Drops tracking fixes with an RT20
+/// figure above `rt20Limit`. Throws `Failure`.
 [[nodiscard]] Measurement openFile(const std::string& path, const aq::HeaderObserver& watch = {},
                                    std::uint8_t rt20Limit = 1);
 
@@ -89,7 +88,7 @@ void expectFile(const std::string& path);
 [[nodiscard]] Microphone openMicrophone(const std::string& path);
 [[nodiscard]] Geometry openGeometry(const std::string& path);
 
-/// The positions of a position time history or a tracking file, and how many fixes it rejected.
+/// The positions of a position time history or a tracking file, and the number of rejected fixes.
 struct FlownPath {
   std::shared_ptr<aq::AQ_PositionTimeHistory> positions;
   std::int32_t rejected = 0;

@@ -27,13 +27,13 @@ inline constexpr MetricName kMetricNames[] = {
   return type == aq::AQ_METRIC_TONEBND || type == aq::AQ_METRIC_LGB;
 }
 
-/// A computed metric; null if there is none.
+/// A metric of a record; null if the record has none.
 [[nodiscard]] Json metricJson(const aq::RecordMetrics& record, aq::AQ_METRIC_TYPE type);
 
 /// The role of a record in the event, as in "max" or "first 2nd".
 [[nodiscard]] std::string flagsText(int flags);
 
-/// Record numbers, as in "3, 5-9"; after twenty runs, only the number of the others.
+/// Record numbers as ranges, such as "3, 5-9"; after twenty ranges, how many records remain.
 [[nodiscard]] std::string recordsText(const std::vector<int>& records);
 
 /// A band and its frequency, such as "34 (2.5 kHz)".
@@ -51,7 +51,7 @@ inline constexpr MetricName kMetricNames[] = {
 /// A field of comma-separated values, in quotes if necessary.
 [[nodiscard]] std::string csvField(const std::string& text);
 
-/// The files that the user's arguments name, and the histories in folders.
+/// The files that the user's arguments name, and the histories in the folders that they name.
 [[nodiscard]] std::vector<std::string> chosenHistories(Session& session);
 
 }  // namespace aqdata

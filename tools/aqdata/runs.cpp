@@ -13,7 +13,8 @@
 namespace aqdata {
 namespace {
 
-/// A history file lists the bands of all records once.
+/// Throws `Failure` unless every record has a level in each of the same bands, since a history file
+/// lists the bands only once.
 void expectWhole(const History& read, const std::string& file) {
   const auto fail = [&](std::int32_t record, const std::string& why) {
     throw Failure(fmt::format("{}, record {}: {}, which a history file cannot leave out",

@@ -26,7 +26,7 @@ void Session::finish() {
 }
 
 void Session::failOutput() {
-  // Where no signal ends the program, a closed pipe shows up as EPIPE, which needs no message.
+  // If no signal ends the program, a closed pipe results in EPIPE, which needs no message.
   if (errno != EPIPE) std::fputs("aqdata: cannot write to standard output\n", stderr);
   std::_Exit(kCouldNot);
 }

@@ -44,7 +44,7 @@ class Session {
   /// Writes to standard output. A write that fails ends the program.
   void print(std::string_view text);
 
-  /// Flushes standard output; a failure ends the program, too. Must be called at the end.
+  /// Flushes standard output; a failure also ends the program. Must be called at the end.
   void finish();
 
   /// Prints the name of the file whose output follows, if there are several.
@@ -63,7 +63,7 @@ class Session {
   void wrote(std::string_view what);
 
   /// Reports on standard error what went wrong, with `file` if it is one of several, and in a
-  /// document if requested. The run has then failed.
+  /// document if requested. Sets the status to failure.
   void complain(std::string_view text, const std::string& file = {});
 
   /// Shows the progress of a long run on a terminal; removes it when `done` reaches `total`.

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t kGap = 2;  // between two columns
 
-/// How many bytes of `text` fit into `width` columns.
+/// How many bytes of `text` fit into `columns`.
 std::size_t bytesWithin(std::string_view text, std::size_t columns) {
   std::size_t at = 0;
   while (at < text.size()) {
@@ -26,7 +26,7 @@ std::size_t bytesWithin(std::string_view text, std::size_t columns) {
   return at;
 }
 
-/// Where the last characters of `text` that fit into the columns begin.
+/// The index from which the rest of `text` fits into `columns`.
 std::size_t lastWithin(std::string_view text, std::size_t columns) {
   std::size_t at = 0;
   for (std::size_t left = widthOf(text); left > columns && at < text.size();) {

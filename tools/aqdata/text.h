@@ -9,7 +9,7 @@
 
 namespace aqdata {
 
-/// How many columns of a terminal `text` takes, without colours.
+/// How many columns of a terminal `text` takes; colour codes take none.
 [[nodiscard]] std::size_t widthOf(std::string_view text);
 
 /// `text` in at most `width` columns; a mark replaces what is cut from the middle.
@@ -18,7 +18,7 @@ namespace aqdata {
 /// A cell as a table shows it: text unchanged, nothing for null.
 [[nodiscard]] std::string cellText(const Json& value);
 
-/// As `cellText`; joins the entries of a list with `between`.
+/// Like `cellText`, but joins the entries of a list with `between`.
 [[nodiscard]] std::string listText(const Json& value, std::string_view between);
 
 /// `text` wrapped to lines of at most `width` columns, broken at blanks.
@@ -35,7 +35,8 @@ struct Range {
   std::int16_t first = -32768;
   std::int16_t last = 32767;
 };
-/// Parses the value of --records, if `ofWhat` is "records". Throws `Failure`.
+/// Parses the value of an option such as --records; `ofWhat` is its name without dashes. Throws
+/// `Failure`.
 [[nodiscard]] Range rangeFrom(const std::string& text, std::string_view ofWhat);
 
 /// Lines of cells in aligned columns.
@@ -56,7 +57,8 @@ class Table {
   /// shortens the first column.
   void fit(std::size_t width);
 
-  /// Columns that do not fit the terminal follow below, with the first column repeated.
+  /// Prints the table. Columns that do not fit the terminal follow below, after the first column
+  /// again.
   void print(Session& session) const;
 
  private:

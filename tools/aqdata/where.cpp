@@ -37,7 +37,7 @@ std::optional<double> clockIn(const std::string& text) {
   }
 }
 
-/// A value as a number, if both it and what it is compared with are numbers or times.
+/// Both values as numbers, if both are numbers or both are times of day.
 std::optional<std::pair<double, double>> numbersOf(const std::string& a, const std::string& b) {
   for (const auto& in : {plainNumberIn, clockIn}) {
     const auto one = in(a);

@@ -48,7 +48,7 @@ std::string validText(const std::string& text) {
       .get<std::string>();
 }
 
-/// A valid name of a sheet: up to 31 characters, without those with a meaning in formulas.
+/// A valid name of a sheet: up to 31 characters, none with a meaning in formulas.
 std::string sheetNameOf(const std::string& file, std::set<std::string>& taken) {
   constexpr std::size_t kMost = 31;
   std::string name = pathOf(file).filename().string();

@@ -1,6 +1,6 @@
-// Writes the reference page of the object model or, with `members`, what a test compares with the
-// headers and checks for units and meanings: each class with its number, each member with its
-// counts of arguments, and the unit and text of everything that is described.
+// Writes the reference page of the object model. With `members`, writes what a test compares with
+// the headers and checks for units and meanings: each class with its number, each member with the
+// numbers of arguments that it takes, and the unit and text of everything that is described.
 
 #include <aq/describe/check.h>
 #include <aq/describe/files.h>
@@ -192,7 +192,7 @@ void showPage() {
   forEnumerations([]<class E>() { showEnumeration<E>(); });
 }
 
-/// The counts of arguments under which a member of C++ can be called.
+/// The numbers of arguments with which a C++ member can be called.
 struct Counts {
   template <class Get, class Set>
   std::string operator()(const describe::Property<Get, Set>& /*property*/) const {

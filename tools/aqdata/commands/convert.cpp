@@ -114,7 +114,7 @@ void putSpectrum(const Session& session, const ConvertChoice& choice, const Meas
   writeOutput<aq::AQ_DataSSR>(session, header, *spectrum);
 }
 
-/// Writes the history in any file, either comma-separated or in fixed columns.
+/// Writes the history that a file of any kind holds, comma-separated or in fixed columns.
 void putHistory(Session& session, const ConvertChoice& choice, const Measurement& measurement,
                 bool inColumns) {
   const auto* const read = std::get_if<History>(&measurement.data);
@@ -182,7 +182,7 @@ bool isNetcdf(const std::string& path) {
   return begin == "\x89HDF" || begin.starts_with("CDF");
 }
 
-/// Converts to and from netCDF, by the Python package.
+/// Converts to and from netCDF with the Python package.
 void putNetcdf(const Session& session, const ConvertChoice& choice) {
   if (choice.record) throw Failure("--record does not apply to netCDF");
   std::vector<std::string> words{"convert", choice.file, outputPlace(session)};

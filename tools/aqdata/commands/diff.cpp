@@ -63,8 +63,8 @@ struct Difference {
   }
 };
 
-/// The files' own names and dates are not part of the data; dates of source files are compared on
-/// request.
+/// Whether a header field is compared: the files' own names and dates are not, and the dates of
+/// source files only on request.
 bool isCompared(const std::string& key, bool dates) {
   if (key == "file_name" || key == "file_date") return false;
   return dates || !key.ends_with("_date");
@@ -283,7 +283,7 @@ struct PairOutcome {
   std::string failure = {};
 };
 
-/// The column or band with the largest difference, and its name; none if no number differs.
+/// The name and column of the largest difference, of a band or a column; null if no number differs.
 std::pair<std::string, const Column*> largestOf(const Difference& difference) {
   std::pair<std::string, const Column*> found{{}, nullptr};
   const auto see = [&](const std::string& name, const Column& column) {

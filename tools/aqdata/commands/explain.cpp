@@ -123,7 +123,7 @@ void printSteps(Session& session, const std::vector<aq::ToneStep>& rows) {
   table.print(session);
 }
 
-/// The bands from 17 to 40 whose levels do not count.
+/// The bands from 17 to 40 that metrics leave out.
 std::vector<int> bandsWithout(const Explained& explained) {
   std::vector<int> bands;
   for (std::int16_t band = 17; band <= 40; ++band) {

@@ -2,7 +2,7 @@
 
 namespace aqdata {
 
-/// The command line becomes that of --help before it is parsed; this only lists the command.
+/// `help X` is rewritten as `X --help` before it is parsed, so this only lists the command.
 void addHelp(CLI::App& program, Session& session) {
   const auto name = std::make_shared<std::string>();
   CLI::App* const command = addCommand(program, session, "help", "Show the help of a command",

@@ -21,7 +21,7 @@ struct JoinChoice {
   bool geometries = false;
 };
 
-/// The headers of pieces of one run must agree.
+/// Throws `Failure` unless the headers agree, as those of pieces of one run do.
 void expectSameHeader(const History& one, const History& other, const std::string& file) {
   const auto expectWord = [&](const char* what, const std::string& a, const std::string& b) {
     if (a == b) return;

@@ -30,7 +30,7 @@ std::vector<std::string> wordsOf() {
   }
 }
 
-/// The enumerator that `word` names; there must be one.
+/// The enumerator with the name `word`, which must exist.
 template <class Enumeration>
 Enumeration valueOf(const std::string& word) {
   Enumeration value{};
@@ -58,7 +58,7 @@ void expectKnownAveraging(History read, const std::string& file) {
 
 /// A run lasts minutes, so a reference half a day away is on the other side of midnight.
 void setDates(aq::AQ_Time& start, aq::AQ_Time& reference) {
-  constexpr std::int32_t kDay = 36526;  // any date will do: a history file has no dates of records
+  constexpr std::int32_t kDay = 36526;  // any date, since a history file has no dates of records
   constexpr double kHalfDay = 43200;
   const double ahead = reference.TODseconds() - start.TODseconds();
   start.CurrentDate(kDay);

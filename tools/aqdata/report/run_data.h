@@ -20,7 +20,7 @@ struct RunChoice {
   std::string celsius;  ///< the temperature for computing a missing geometry; empty for none
   bool alone = false;   ///< uses no files next to the history
 
-  /// Whether a file is named that belongs to a single history.
+  /// Whether the user named a file that belongs to a single history.
   [[nodiscard]] bool isOfOneRun() const;
 };
 
@@ -37,7 +37,7 @@ struct RunData {
 /// a file that the user named and that cannot be used.
 [[nodiscard]] RunData runData(const std::string& history, const RunChoice& choice);
 
-/// Adds a finding that only shows when runs are compared.
+/// Adds a finding that appears only when runs are compared.
 void addFinding(RunData& run, const std::string& file, const aq::Finding& finding);
 
 }  // namespace aqdata::report

@@ -6,7 +6,7 @@ const season = dataOf("season");
 const single = season.runs.length === 1;
 const sections = season.runs.map((summary, i) => new Section(i + 1, summary, season));
 
-/** One run is a section; several are sections that open and close. */
+/** A single run is a plain section; each of several runs is a section that opens and closes. */
 function rootOf(section) {
   const { number, summary, body } = section;
   const name = element("h2", { id: `name-${number}` }, summary.name);

@@ -52,8 +52,8 @@ function thumbnail(season, i) {
   return picture;
 }
 
-/** The table of all runs, which sorts by any column and filters by text. Calls `onReduce` for each run
- * with whether it is shown. */
+/** The table of all runs, which sorts by any column and filters by text. Calls `onReduce` with the
+ * index of each run and whether it is shown. */
 export class SeasonTable {
   constructor(season, onReduce) {
     this.season = season;
