@@ -79,7 +79,7 @@ class NewArray {
   std::size_t rows_;
 };
 
-/// A table from the host, with any bounds and any one type of values.
+/// A table from the host, with any bounds and values of any single type.
 class GivenTable {
  public:
   explicit GivenTable(const VARIANT& given) : array_(given) {
@@ -117,7 +117,7 @@ C& self(const Call& call) {
   return *static_cast<C*>(call.object);
 }
 
-/// An argument that must be given; text is the name of a file.
+/// A required argument; if it is text, it is the name of a file.
 template <class T>
 T argument(const Call& call, std::size_t place) {
   return Argument<T>(Given{call.given[place], place, TextKind::Name}).get();
@@ -151,7 +151,7 @@ Extent extentOf(const AQ_MaskMap& map) {
   return number >= range.low && number <= range.high;
 }
 
-/// Puts levels into a row as they are stored, but numbers of any type as doubles.
+/// Puts levels into a row as they are stored, except that numbers of any type become doubles.
 void putLevels(const NewArray& array, std::size_t row, const Range& bands,
                const AQ_Spectrum& spectrum) {
   const auto codes = spectrum.levelCodes();
@@ -325,7 +325,7 @@ std::string lineOf(const Finding& finding) {
   return line + finding.message;
 }
 
-/// What `check` reports, given the call's first argument as the name of a file.
+/// Returns the findings of `check` about the file that the call's first argument names.
 template <class Check>
 void giveFindings(const Call& call, const Check& check) {
   auto lines = std::make_shared<Collection<Message>>();

@@ -114,8 +114,8 @@ void forClasses(const Visit& visit) {
   visit.template operator()<Library>();
 }
 
-/// Calls `visit.operator()<E>()` for each enumeration that hosts know; errors have the host's own
-/// numbers, and the kind of a file is text.
+/// Calls `visit.operator()<E>()` for each enumeration that hosts know: not for the error codes,
+/// since errors have the host's own numbers.
 template <class Visit>
 void forEnumerations(const Visit& visit) {
   describe::forClasses(describe::kEnumerations, [&]<class E>() {
@@ -192,7 +192,8 @@ inline constexpr std::array kExtras{
           "Why a masking map does not fit its history, one finding per line"},
 };
 
-/// Whether a function can be called through the component: a host has no file information service.
+/// Whether a function with these arguments can be called through the component. One that takes a
+/// file information service cannot, since hosts have none.
 template <class... T>
 inline constexpr bool isShown =
     (... && !std::same_as<std::remove_cvref_t<T>, std::shared_ptr<FileInformation>>);

@@ -65,7 +65,7 @@ class Classes {
   }
   void checkRemoved() const { check(failure_); }
 
-  /// Whether the DLL of the other size has a class.
+  /// Whether the DLL of the other size, 32 or 64 bits, has registered a class.
   [[nodiscard]] bool hasOtherSize(const std::wstring& path) const {
     HKEY key = nullptr;
     const LSTATUS status =
@@ -111,8 +111,8 @@ void addControl(const Classes& classes, const std::wstring& path, const std::wst
   classes.set(path + L"\\Control", nullptr, L"");
   classes.set(path + L"\\ToolboxBitmap32", nullptr, dll + L", 1");
   classes.set(path + L"\\MiscStatus", nullptr, L"0");
-  // Sets its client site first, is invisible at run time, cannot link inside, and is redrawn when
-  // resized.
+  // The control gets its client site first, is invisible at run time, cannot link inside, and is
+  // redrawn when resized.
   classes.set(path + L"\\MiscStatus\\1", nullptr, L"132113");
   const std::wstring categories = path + L"\\Implemented Categories\\";
   classes.set(categories + L"{40FC6ED4-2438-11CF-A3DB-080036F12502}", nullptr, L"");  // controls
@@ -159,7 +159,7 @@ void removeTypeLibrary(Scope scope) {
   const auto remove = scope == Scope::Machine ? UnRegisterTypeLib : UnRegisterTypeLibForUser;
   const HRESULT result =
       remove(guid(kTypeLibraryIdentifier), kMajorVersion, kMinorVersion, 0, kThisSize);
-  // What the versions of the system return if there is none to remove.
+  // Versions of the system return different codes if there is no type library to remove.
   constexpr std::array kAbsent{TYPE_E_REGISTRYACCESS, TYPE_E_LIBNOTREGISTERED, E_INVALIDARG};
   if (std::find(kAbsent.begin(), kAbsent.end(), result) == kAbsent.end()) checkResult(result);
 }

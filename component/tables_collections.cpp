@@ -4,7 +4,7 @@ namespace aq::com {
 
 void addCollections(Tables& tables) {
   addTables(tables, describe::kCoreClasses);
-  // Collections of other entries: hosts know only one class, and create collections of text.
+  // Collections with other entries. Hosts see one class for all, and create only those of text.
   addTables<Collection<std::shared_ptr<Collection<std::string>>>, Collection<AQ_METRIC_TYPE>,
             Collection<double>, Collection<Message>, Collection<std::shared_ptr<ToneStep>>,
             Collection<std::shared_ptr<MetricDifference>>>(tables);

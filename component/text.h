@@ -11,7 +11,7 @@ namespace aq::com {
 
 enum class TextKind {
   Plain,  ///< in the code page of the system, as the hosts' own files are
-  Name,   ///< names of files and messages: UTF-8, and the code page for bytes that are not UTF-8
+  Name,   ///< names of files and messages: UTF-8, or the code page if the bytes are not UTF-8
 };
 
 /// Throws `InvalidArgument` for an unpaired surrogate and for a character that the code page lacks.

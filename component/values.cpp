@@ -24,7 +24,7 @@ VARIANT followed(const VARIANT& given) {
   return value;
 }
 
-/// A copy of a value, also of one by reference.
+/// A copy of a value, which may be a reference to another.
 Value copied(const VARIANT& given) {
   Value value;
   const HRESULT result = VariantCopyInd(&value, const_cast<VARIANT*>(&given));

@@ -66,7 +66,7 @@ void setVariant(VARIANT& to, const Variant& value);
 void setObject(VARIANT& to, std::shared_ptr<void> object, const ClassTable& table);
 void setText(VARIANT& to, std::string_view text, TextKind kind);
 
-// Whether the host's variable can hold such a result.
+// Whether the host's variable can hold an object, or a number.
 [[nodiscard]] bool isObjectVariable(const VARIANT& given);
 [[nodiscard]] bool isNumberVariable(const VARIANT& given);
 

@@ -70,8 +70,8 @@ void testRefusals() {
   SafeArrayDestroy(numbers);
 }
 
-/// Variables of a type, passed on by a procedure that takes any: what a result of 2 leaves in
-/// eight bytes of ones, and whether an object can be stored.
+/// Results stored in typed variables, which a procedure passes on as a variable of any type. Checks
+/// what a result of 2 leaves of eight bytes of ones, and whether a variable can take an object.
 void testTypedVariables(IDispatch* reader, const std::wstring& file) {
   constexpr struct {
     int type;
@@ -234,7 +234,7 @@ HRESULT ask(const char* name) {
 }
 bool canUnload() { return ask("DllCanUnloadNow") == S_OK; }
 
-/// Objects in use keep working after the component is unregistered, as do those that they create.
+/// Objects in use keep working after the component is unregistered, and so do objects they create.
 void testUnregisteredInUse() {
   const Value spectrum = create(L"AQ_Spectrum");
   CLSID identifier{};

@@ -47,7 +47,7 @@ class Value : public VARIANT {
     made.vt = static_cast<VARTYPE>(VT_BYREF | type), made.byref = variable;
     return made;
   }
-  /// An optional argument that the host was not given either.
+  /// An optional argument of the host's own procedure, which its caller left out.
   static Value missing() {
     Value made;
     made.vt = VT_ERROR, made.scode = DISP_E_PARAMNOTFOUND;
@@ -144,7 +144,7 @@ inline std::wstring keyOf(const GUID& identifier) {
 void testTypeLibrary();  // and that objects agree with it
 void testControl();
 void testSpeed();
-/// How many keys of the registry name the component.
+/// How many registry keys name the component.
 int registered(HKEY root);
 /// The values of these keys, which name the DLL.
 void testRegistration(HKEY root, const std::wstring& dll);

@@ -34,7 +34,7 @@ double secondsOfCall(IDispatch* object, const wchar_t* name, std::vector<VARIANT
          kCalls;
 }
 
-/// Fills an array of that many numbers in a plain loop.
+/// Fills an array of this size with numbers in a plain loop.
 void fillPlainly(ULONG rows, ULONG columns) {
   SAFEARRAYBOUND bounds[] = {{rows, 1}, {columns, 1}};
   SAFEARRAY* const array = SafeArrayCreate(VT_VARIANT, 2, bounds);

@@ -30,7 +30,7 @@ bool fits(const TYPEDESC& type, const VARIANT& value) {
   return value.vt == type.vt;
 }
 
-/// Every member is there under its name and number with its arguments, and every property can be
+/// Checks that every member has its name, number and arguments, and that every property can be
 /// read.
 void testMembers(ITypeInfo& type, const TYPEATTR& attributes, IDispatch* object) {
   for (UINT i = 0; i < attributes.cFuncs; ++i) {
