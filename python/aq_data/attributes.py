@@ -301,7 +301,7 @@ def flags(dims: tuple[str, str], values: Any, enum: Any, long_name: str) -> xr.V
     return variable(dims, values, "", long_name, **values_and_meanings)
 
 
-DATE, CLOCK, CLOCK_BESIDE, LENGTH = "date", "clock", "clock beside time", "length"  # as if units
+DATE, CLOCK, CLOCK_BESIDE, LENGTH = "date", "clock", "clock beside time", "length"  # not units
 
 
 def _own_times(name: str, dim: str, own: Any, seconds: Any) -> dict[str, xr.Variable]:

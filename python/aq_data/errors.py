@@ -125,8 +125,8 @@ _KINDS = (
 
 
 def error(message: str, code: int) -> Error:
-    """The exception for a fault of the library, which is also Python's own exception for such a
-    fault.
+    """The exception for a fault that the library reports; it is also Python's own exception for
+    such a fault.
     """
     return _KINDS[code](message, code)
 

@@ -47,7 +47,7 @@ class _Shape(NamedTuple):
     levels: Optional[int]  # a digest of the levels
 
     def state(self) -> list[Any]:
-        """What changes when a file is rewritten."""
+        """A value that changes when the history or its map is rewritten."""
         stats = [os.stat(path) for path in (self.path, self.mask) if path]
         return [self.path, self.mask, *((s.st_mtime_ns, s.st_size) for s in stats)]
 
@@ -189,7 +189,7 @@ class _Lazy:
         self.token = dask.base.tokenize([shape.state() for shape in shapes], bands)
 
     def array(self, read_file: Any, attribute: str, empty: Any) -> dask.array.Array:
-        """`read_file` for the file that each shape names by `attribute`."""
+        """A lazy array: `read_file` of the file that `attribute` names in each shape."""
         name = f"aq{read_file.__name__}-{self.token}"
         tasks, sizes = {}, []
         for place, chunk in enumerate(self.chunks):

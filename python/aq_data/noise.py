@@ -305,7 +305,7 @@ def _block_events(*arrays: Any, bands: Any) -> list[dict[str, Any]]:
 
 
 def _filled(arrays: tuple[Any, ...]) -> tuple[Any, ...]:
-    """Level, masks and numbers; masks may be missing."""
+    """Levels, modes, adjustments and numbers, with None for missing masks."""
     return arrays if len(arrays) == 4 else (arrays[0], None, None, arrays[1])
 
 
@@ -321,7 +321,7 @@ def _file_sizes(files: Any) -> tuple[int, ...]:
 
 
 def _arrays(ds: xr.Dataset) -> tuple[list[Any], Any]:
-    """The arrays of a dataset to compute from, lazy if its levels are, and its bands."""
+    """The arrays to compute a dataset's metrics from, lazy if its levels are, and its bands."""
     need(ds, "level", "band", "time", "record")
     ds = ds.sortby("band")
     bands = ds["band"].values

@@ -39,7 +39,7 @@ NO_BAND_IS_GOOD = int(_core.AQ_CONSTANTS.AQ_INVALID_LEVEL)
 
 def _last_good_band(ds: xr.Dataset) -> tuple[Any, bool]:
     """The upper edge of the last good band of each record, within the drawn bands, and whether any
-    record has none; its edge is then the lower edge of the plot.
+    record has none; the edge of such a record is the lower edge of the plot.
     """
     low, high = ds["band"].values[[0, -1]]
     last = ds["last_good_band"].values.astype(float)

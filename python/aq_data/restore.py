@@ -225,8 +225,8 @@ def _renumbered(ds: xr.Dataset) -> tuple[xr.Dataset, list[str]]:
 
 
 def _without_source(header: _core.AQ_HeaderMask, comments: list[str]) -> list[str]:
-    """Removes the name of the whole history from the map's header, since a cut map does not fit it;
-    returns the comments, which then have that name.
+    """Removes the name of the whole history from the map's header, since a cut map does not fit it.
+    Returns the comments, to which the name is moved.
     """
     if not comments or not header.sGenerationFile:
         return comments

@@ -97,7 +97,7 @@ def _bands(wide: pd.DataFrame) -> int:
 
 
 def _of_records(frame: pd.DataFrame, column: str, wide: pd.DataFrame) -> Any:
-    """The values that a tidy frame has once per record."""
+    """A column of a tidy frame that has one value per record."""
     first = frame.groupby("record")[column]
     if (first.nunique(dropna=False) > 1).any():
         raise ValueError(f"expected one {column} per record, found several")

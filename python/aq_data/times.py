@@ -28,8 +28,8 @@ def going_on(seconds: Any, beside: Optional[Any] = None) -> Any:
 
 
 def of_day(ds: xr.Dataset, name: str) -> Any:
-    """The file's own times: those kept with the variable, unless it has since been changed, other
-    than by rounding or whole days.
+    """The file's own times: those kept with the variable, or its times of day where it has since
+    been changed by more than rounding or whole days.
     """
     seconds = np.asarray(ds[name].values, dtype=float)
     if name + OWN not in ds.variables:

@@ -51,7 +51,7 @@ void putPoints(AQ_GeometryTimeHistory& history, const std::vector<std::int16_t>&
   for (std::size_t i = 0; i < records.size(); ++i) history.Point(records[i], points.at(i));
 }
 
-/// Points are numbered by record, which arrays and pickles keep.
+/// Points are numbered by record; arrays and pickles keep the numbers.
 void bindNumberedPoints(Bound<AQ_GeometryTimeHistory>& history) {
   using H = AQ_GeometryTimeHistory;
   history
@@ -67,7 +67,7 @@ void bindNumberedPoints(Bound<AQ_GeometryTimeHistory>& history) {
             return made;
           },
           py::arg("columns"), py::arg("records") = py::none(),
-          R"(A new series from a table, or a mapping of columns of shape (points,), as to_numpy has them.
+          R"(A new series from a table as of to_numpy, or a mapping of columns of shape (points,).
 
 A missing column leaves zeros. Points are numbered from 1 unless distinct numbers are given.
 Raises ValueError for columns of other names or lengths, and for values that are not numbers.

@@ -5,7 +5,7 @@
 namespace aq::python {
 namespace {
 
-/// The type of a level, which a pickle keeps, since the written file may depend on it.
+/// The levels for a pickle, which also keeps their types, since a written file may depend on them.
 py::tuple savedLevels(const AQ_Spectrum& spectrum) {
   if (const auto plain = spectrum.plainLevels(); !plain.empty()) {
     return py::make_tuple(spectrum.LowBand(), py::bytes(reinterpret_cast<const char*>(plain.data()),

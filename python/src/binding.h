@@ -1,7 +1,7 @@
 #pragma once
 
-// Turns a described class of the library into a Python class: properties as attributes, indexed
-// ones as views, and from the list of settable properties pickling, copying and repr.
+// Turns a described class of the library into a Python class: properties become attributes, indexed
+// ones views; pickling, copying and repr use the list of settable properties.
 
 #include <aq/describe/description.h>
 #include <aq/detail/pointers.h>

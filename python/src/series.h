@@ -7,7 +7,7 @@
 
 namespace aq::python {
 
-/// A column of a time: one of its values, from the object that `time` returns.
+// Columns of the time that `Time` returns: its time of day, relative time and date.
 template <class Object, std::shared_ptr<AQ_Time> (Object::*Time)()>
 constexpr Column<Object> todColumn(const char* name) {
   return {name, [](Object& o) { return (o.*Time)()->TODseconds(); },
@@ -82,8 +82,8 @@ void bindPlaced(Bound<Series>& series, const All& all, Put<Series, Object> put,
         return made;
       },
       py::arg("columns"),
-      "A new series, numbered from 1, from a table, or a mapping of columns of shape (entries,), "
-      "as to_numpy has them.\n\nA missing column leaves zeros. Raises ValueError for columns "
+      "A new series, numbered from 1, from a table like that of to_numpy, or a mapping of columns, "
+      "shape (entries,).\n\nA missing column leaves zeros. Raises ValueError for columns "
       "of other names or lengths, and for values that are not numbers.\n\n>>> again = "
       "type(series).from_numpy(series.to_numpy())\n");
   series.container([all](const Series& self) { return all(self); },

@@ -21,7 +21,7 @@ def place(sample, tmp_path, monkeypatch):
 
 
 def geometry_of(whole):
-    """The points of records 10 to 50, and the same points numbered from 1, as a file has them."""
+    """The points of records 10 to 50, and the same points numbered from 1, as in a file."""
     microphone = aq_data.read("fly-over.mic.csv").data
     track = aq_data.read_tracking("fly-over.tspi.csv").positions
     part = aq_data.AQ_SpectralTimeHistory()
