@@ -129,7 +129,7 @@ std::string printed(const char* form, int digits, double value) {
   return text.data();
 }
 
-/// The default text: that many significant digits without trailing zeros.
+/// The default text: `digits` significant digits without trailing zeros.
 std::string defaultText(double value, int digits) {
   std::string text = printed("%.*E", digits - 1, value);
   std::string power = text.substr(text.find('E'));

@@ -17,7 +17,7 @@
 namespace aq::fuzz {
 namespace {
 
-/// A file of this process; reuses the same few.
+/// The path of a file with this name in the temporary folder of this process.
 std::string fileNamed(const char* name) {
   static const test::Folder folder;
   return folder.file(name);
@@ -55,8 +55,8 @@ void checkAny(const Target&, std::string_view input) {
   });
 }
 
-/// The lines of a text: a carriage return before a line end belongs to the end, and the last line
-/// needs no end.
+/// The lines of the input: a carriage return before a line end belongs to the end, and the last
+/// line needs no end.
 std::vector<std::string> plainLines(std::string_view input) {
   std::vector<std::string> lines;
   while (!input.empty()) {
