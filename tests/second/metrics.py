@@ -298,8 +298,8 @@ def dot(a, b):
 
 
 def emission(fixes, microphone, received, celsius):
-    """When the sound that arrives at `received` was emitted, and its geometry; None outside
-    `fixes`, a list of (seconds of the day, (x, y, z)) in the order of time.
+    """When the sound that arrives at `received` was emitted, and its geometry; None outside the
+    times of `fixes`, an ascending list of (seconds of the day, (x, y, z)).
     """
     c = 343.2 * math.sqrt((celsius + 273.15) / 293.15)
     times = [fixes[0][0]]

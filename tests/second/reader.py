@@ -210,7 +210,7 @@ def clock(text):
 
 
 def twelve(text):
-    """The time value adds 12 hours to the 12:30:00 PM that a twelve-hour clock shows at 12:30."""
+    """A twelve-hour clock shows 12:30 as 12:30:00 PM, to which the time value adds 12 hours."""
     seconds = clock(text)
     return seconds + 43200 if seconds // 3600 == 12 else seconds
 

@@ -142,7 +142,7 @@ class Browser:
         return len(re.findall(rb"/Type\s*/Page\b", data))
 
     def check_quiet(self, what):
-        """The page has reported no errors and made no requests."""
+        """Checks that the page has reported no errors and made no requests."""
         log = [entry["message"] for entry in self.driver.get_log("browser")]
         expect(f"{what}: console", log, [])
         entries = self.js("return performance.getEntriesByType('resource').map((e) => e.name)")
