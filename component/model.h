@@ -168,7 +168,7 @@ inline constexpr std::array kExtras{
     Extra{
         "AQ_SpectralTimeHistory", "Levels", kFirstExtra, "VARIANT", "", true, true,
         "All levels in dB as an array, records by bands, from LoRec and the lowest band up; Empty "
-        "where there is none, and setting Empty leaves a level unchanged"},
+        "for a missing level, and setting Empty leaves a level unchanged"},
     Extra{"AQ_SpectralTimeHistory", "MetricTable", kFirstExtra + 1, "VARIANT",
           "[in] AQ_METRIC_TYPE aqMetric", true, false,
           "One metric of all records as an array, from LoRec up; Empty where it is not set"},
