@@ -123,8 +123,8 @@ def cut(
     day, of which one may be None; or `down`, the event: the records within this many decibels of
     the largest PNLT, plus one on each side. Time stamps do not change. With a map, a geometry or
     `renumber`, records are numbered from 1, and a comment in each header gives the old numbers.
-    When the history has a name, set it in the headers of map and geometry. Arguments are paths or
-    results of `read`.
+    When the new history has a file name, set it in the headers of map and geometry. Arguments are
+    paths or results of `read`.
 
     Raises `ValueError` if no record remains, or unless exactly one way of choosing is given.
 
@@ -193,8 +193,8 @@ def join(
     geometry)`.
 
     Time stamps do not change; records are numbered consecutively from the first piece on. `masks`
-    are the maps of the pieces, one each; a `Run` brings its own map and geometry. A gap raises, or
-    with `fill` is filled with records of 9999, which no geometry can have.
+    are the maps of the pieces, one each; a `Run` brings its own map and geometry. A gap raises or,
+    with `fill`, is filled with records of 9999; a gap in a geometry cannot be filled.
 
     Raises `ValueError` for pieces that differ in bands, averaging, stamps, reference, project,
     microphone or adjustment.
