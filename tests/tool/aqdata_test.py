@@ -403,7 +403,7 @@ ROWS = [  # command, status, what the output contains, what the messages contain
         "sed 's/^4,\\(.*\\),-13,/4,\\1,-9,/' t.csv > t4.csv; convert t4.csv -o x4.sth.csv",
         2,
         "",
-        "record 4: its relative time counts from a different",
+        "record 4: its relative time is from a different",
     ),
     (
         "head -c 999 all.json > half.json; convert half.json -o x.sth.csv",
@@ -560,11 +560,11 @@ ROWS = [  # command, status, what the output contains, what the messages contain
         f"mkdir -p raw/in && printf '\\xef\\xbb\\xbf' | cat - {STH} > raw/mark.csv && gzip -c {STH} > "
         "raw/in/p.sth.csv.gz && cp fly-over.tspi.csv raw; fix raw",
         1,
-        "raw/mark.csv: would mend byte order mark\n3 files: 2 to mend, 1 as they were",
+        "raw/mark.csv: would mend byte order mark\n3 files: 2 to mend, 1 unchanged",
         "",
     ),
     ("fix raw -o mended", 2, "", "-o needs --write"),
-    ("fix raw --write -o mended && ls mended/in", 0, "3 files: 2 mended, 1 as they were\n", ""),
+    ("fix raw --write -o mended && ls mended/in", 0, "3 files: 2 mended, 1 unchanged\n", ""),
     (
         "cd raw; fix . --write -o in/new && aqdata fix . --write -f -o in/new && rm -r in/new",
         0,

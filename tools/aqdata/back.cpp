@@ -117,8 +117,8 @@ void giveTimes(History& read) {
     if (first) reference = own;
     if (std::abs(std::remainder(own - reference, aq::kSecondsPerDay)) > 0.02) {
       throw Failure(
-          fmt::format("record {}: its relative time counts from a different reference "
-                      "than those of the records before it",
+          fmt::format("record {}: its relative time is from a different reference "
+                      "than in the records before it",
                       record));
     }
     first = false;

@@ -17,8 +17,9 @@ namespace {
 /// lists the bands only once.
 void expectWhole(const History& read, const std::string& file) {
   const auto fail = [&](std::int32_t record, const std::string& why) {
-    throw Failure(fmt::format("{}, record {}: {}, which a history file cannot leave out",
-                              aq::escaped(file), record, why));
+    throw Failure(
+        fmt::format("{}, record {}: {}, but in a history file all records have the same bands",
+                    aq::escaped(file), record, why));
   };
   const auto& history = *read.model;
   std::optional<std::pair<std::int16_t, std::int16_t>> bands;

@@ -152,7 +152,7 @@ void tellOutcome(Session& session, const std::string& file, const FixOutcome& ou
     session.print(line + '\n');
   }
   for (const std::string& left : outcome.mended.left) {
-    session.print(fmt::format("{}: left as it is: {}\n", name, left));
+    session.print(fmt::format("{}: left unchanged: {}\n", name, left));
   }
   for (const std::string& error : outcome.errors) {
     session.print(fmt::format("{}: {}\n", name, error));
@@ -200,7 +200,7 @@ void fix(Session& session, const FixChoice& choice) {
         if (session.json) return session.printDocument(documentOf(files[i], outcome));
         tellOutcome(session, files[i], outcome);
       });
-  session.tell(fmt::format("{}: {} {}, {} as they were", counted(done, "file"), mended,
+  session.tell(fmt::format("{}: {} {}, {} unchanged", counted(done, "file"), mended,
                            choice.write ? "mended" : "to mend", done - mended));
 }
 

@@ -115,7 +115,7 @@ void addReport(CLI::App& program, Session& session) {
       ->add_option("--celsius", choice->celsius, "Compute missing geometries for this temperature")
       ->check(finiteNumber, "")
       ->option_text("T");
-  command->add_flag("--alone", choice->alone, "Use no files next to the histories");
+  command->add_flag("--alone", choice->alone, "Ignore files next to the histories");
   addOutputFile(*command, session, "The page to write");
   addJobs(*command, session);
 }

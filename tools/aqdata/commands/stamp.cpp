@@ -109,7 +109,7 @@ void addStamp(CLI::App& program, Session& session) {
            *add("--type", choice->type, "What a stamp marks: START, MIDPT, END, ICAOSLO, OLDSLO",
                 "TYPE"),
            wordsOf<aq::AQ_TimeStampType>());
-  add("--ref", choice->reference, "The reference time, from which relative times count", "TIME")
+  add("--ref", choice->reference, "The time of day from which relative times are measured", "TIME")
       ->required();
   addWords(session,
            *add("--ref-type", choice->referenceType,
