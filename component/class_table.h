@@ -60,7 +60,7 @@ struct Member {
   std::size_t required = 0;  ///< how many parameters, from the first, must be given
   Thunk get = {};            ///< reads the property or runs the method
   Thunk put = {};
-  bool givesCollection = false;  ///< a property without arguments of its own
+  bool givesCollection = false;  ///< whether it takes no arguments and returns a collection
 };
 
 struct ClassTable {
@@ -90,7 +90,7 @@ struct ClassTable {
 /// Every class with a number, in the order of the description.
 [[nodiscard]] const std::vector<const ClassTable*>& allTables();
 
-/// The table of a class of C++.
+/// The table of a C++ class.
 [[nodiscard]] const ClassTable& tableOf(const std::type_info& type);
 template <class C>
 [[nodiscard]] const ClassTable& tableOf() {

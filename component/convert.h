@@ -158,7 +158,7 @@ void toHost(VARIANT& to, const T& value, TextKind kind, bool isDate = false) {
   }
 }
 
-/// An argument of a call as C++ takes it.
+/// An argument of a call as the host gave it, its position and the kind of its text.
 struct Given {
   VARIANTARG* at;  ///< null if the host left it out
   std::size_t place;
@@ -181,7 +181,7 @@ std::shared_ptr<T> required(std::shared_ptr<T> object) {
   return object;
 }
 
-/// By value, also for const references.
+/// An argument that C++ takes by value or by const reference.
 template <class A>
 class Argument {
   using T = std::conditional_t<std::same_as<std::remove_cvref_t<A>, std::string_view>, std::string,
@@ -256,7 +256,7 @@ class Argument<std::span<const double>> {
   std::vector<double> numbers_;
 };
 
-/// The result for the host's variable, which keeps its value if the call returns nothing.
+/// An argument for a result: the host's variable keeps its value if the call returns no object.
 template <class T>
 class Argument<std::shared_ptr<T>&> {
  public:

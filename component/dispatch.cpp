@@ -94,7 +94,8 @@ class Places {
   UINT positional_ = 0;
 };
 
-/// For `header.cCommentLines(2)`: the argument goes to the default member of the collection.
+/// The result of `header.cCommentLines(2)`: passes the argument to the default member of the
+/// collection.
 Value entryOf(const Member& member, const Call& call, std::span<VARIANTARG* const> given) {
   if (!member.givesCollection || given.size() != 1) throw Fault{DISP_E_BADPARAMCOUNT};
   member.get(call);

@@ -14,10 +14,10 @@
 
 namespace aq::com {
 
-/// An argument that the host left out.
+/// Whether the host left out an argument.
 [[nodiscard]] bool isMissing(const VARIANT* given);
 
-/// Empty, Null or Nothing, also by reference.
+/// Whether a value is Empty, Null or Nothing, also by reference.
 [[nodiscard]] bool isNoObject(const VARIANT& given);
 
 /// A host's value with its own type; for a foreign object, its default member. Null becomes Empty.
