@@ -107,7 +107,7 @@ bool isWritersOwn(std::string_view line) {
          key == "rows" || key == "bands";
 }
 
-/// A parameter that is 0 is not written.
+/// Whether a line has a parameter of 0, which is not written.
 bool isUnwritten(std::string_view line) {
   constexpr std::array kParameters{"caladj", "prwndo", "powndo", "lorec", "hirec"};
   const bool zero = line.ends_with(" 0") || line.ends_with(" -0");

@@ -47,7 +47,7 @@ class _Shape(NamedTuple):
     levels: Optional[int]  # a digest of the levels
 
     def state(self) -> list[Any]:
-        """A value that changes when the history or its map is rewritten."""
+        """Names, times and sizes of the files, which change when one is rewritten."""
         stats = [os.stat(path) for path in (self.path, self.mask) if path]
         return [self.path, self.mask, *((s.st_mtime_ns, s.st_size) for s in stats)]
 
@@ -72,7 +72,7 @@ def _map(path: str) -> Reading[Any, Any]:
 
 
 def _check_pair(path: str, mask: str, header: _core.AQ_HeaderMask) -> None:
-    """Rejects a map that names another history, in any folder, as its source."""
+    """Rejects a map whose header names another history as its source; ignores folders."""
     own, named = os.path.basename(path), ntpath.basename(header.sGenerationFile)
     if named and named.lower() != own.lower():
         raise _WrongPair(f"{mask}: expected a map of {own}, found one of {named}")

@@ -67,7 +67,7 @@ void bindNumberedPoints(Bound<AQ_GeometryTimeHistory>& history) {
             return made;
           },
           py::arg("columns"), py::arg("records") = py::none(),
-          R"(A new series from a table as of to_numpy, or a mapping of columns of shape (points,).
+          R"(A new series from a table made by to_numpy, or a mapping of columns of shape (points,).
 
 A missing column leaves zeros. Points are numbered from 1 unless distinct numbers are given.
 Raises ValueError for columns of other names or lengths, and for values that are not numbers.

@@ -82,7 +82,7 @@ void bindPlaced(Bound<Series>& series, const All& all, Put<Series, Object> put,
         return made;
       },
       py::arg("columns"),
-      "A new series, numbered from 1, from a table like that of to_numpy, or a mapping of columns, "
+      "A new series, numbered from 1, from a table made by to_numpy, or a mapping of columns of "
       "shape (entries,).\n\nA missing column leaves zeros. Raises ValueError for columns "
       "of other names or lengths, and for values that are not numbers.\n\n>>> again = "
       "type(series).from_numpy(series.to_numpy())\n");

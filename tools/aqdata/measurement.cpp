@@ -76,7 +76,7 @@ Measurement readAs(aq::FileKind kind, const std::string& path, const Reading& ho
   return read;
 }
 
-/// `found` if its files hold such data, otherwise the first kind whose files do.
+/// `found` if its files hold `Wanted`, otherwise the first kind whose files do.
 template <class Wanted>
 aq::FileKind kindHolding(aq::FileKind found) {
   auto kind = aq::FileKind::Unknown;
