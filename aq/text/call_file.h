@@ -9,7 +9,7 @@
 // parameter. Code that serves every format uses these functions, which all have the same form.
 namespace aq {
 
-/// `file.readFile` for a header and a model, in either order, or for one object.
+/// Calls `file.readFile` with a header and a model, in either order, or with one object.
 template <class File, class... Out>
 [[nodiscard]] AQ_DataMessage readInto(File& file, const std::string& path, Out&... out) {
   if constexpr (requires { AQ_DataMessage(file.readFile(path, out...)); }) {
@@ -32,7 +32,7 @@ inline constexpr bool fillsCallers = requires(File file, std::string path,
   file.readFile(path, header, model, result);
 };
 
-/// `file.writeFile` for a header and a model.
+/// Calls `file.writeFile` with a header and a model.
 template <class File, class... In>
 [[nodiscard]] AQ_DataMessage writeFrom(File& file, const std::string& path, In&... in) {
   if constexpr (requires { AQ_DataMessage(file.writeFile(path, in...)); }) {

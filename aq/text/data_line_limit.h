@@ -9,10 +9,10 @@
 
 namespace aq {
 
-/// Counts data lines with 16 bits, since hosts do: reading fails at line 32768.
+/// Counts data lines in 16 bits, as hosts do: reading fails at data line 32768.
 class DataLineLimit {
  public:
-  /// The number of the line among the data lines, from 1.
+  /// Counts a data line and returns its number, from 1.
   std::int32_t count(const LineReader& lines) {
     if (number_ == kMost) failRead(lines.number(), 0, "no more than 32767 lines", "one more");
     return ++number_;

@@ -44,7 +44,8 @@ struct Digits {
   std::size_t most;
 };
 
-/// Three whole numbers with `separator` between them, each with its number of digits.
+/// The three whole numbers of `text`, separated by `separator`; nothing if one does not have the
+/// number of digits that `widths` allows it.
 std::optional<std::array<int, 3>> threeNumbers(std::string_view text, char separator,
                                                const std::array<Digits, 3>& widths) {
   std::array<int, 3> numbers{};

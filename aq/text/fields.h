@@ -22,12 +22,12 @@ struct ReadFailure {
   FileFailure failure;
 };
 
-/// Throws `ReadFailure` for a line, or for a field of it.
+/// Throws `ReadFailure` for a field of a line, or for the whole line if `field` is 0.
 [[noreturn]] AQ_API void failRead(std::size_t line, std::size_t field, std::string expected,
                                   std::string found);
 
-/// Goes to the next line. At the end of the file, fails with `what` and `keyword` as what was
-/// expected.
+/// Goes to the next line. Fails at the end of the file; the failure says that `what` and `keyword`
+/// were expected.
 AQ_API void takeLine(LineReader& lines, const char* what, std::string_view keyword = {});
 
 /// What a failed conversion expected, with "in range" for a number out of range.
@@ -60,7 +60,7 @@ class AQ_API FieldReader {
       : FieldReader(lines.line(), lines.number(), form) {}
 
   [[nodiscard]] std::string_view text(const char* expected);
-  /// The next field through `conversion`, whose `Error` becomes the failure.
+  /// Converts the next field with `conversion`; an `Error` that this throws becomes the failure.
   template <class Conversion>
   auto convert(const char* expected, const Conversion& conversion) {
     return convertTaken(expected, text(expected), conversion);
@@ -73,8 +73,8 @@ class AQ_API FieldReader {
   /// The next field as a time of day, in seconds after midnight.
   [[nodiscard]] double timeOfDay();
 
-  /// Takes fields by `takeSome`, which returns `FieldsTaken`, as long as they have a form that it
-  /// knows and `values` has room; returns how many. The next field is then the one that stopped it.
+  /// Takes fields with `takeSome`, which returns `FieldsTaken`, as long as they have a form that it
+  /// knows and `values` has room; returns how many. The next field is the first one not taken.
   template <class Value, class TakeSome>
   [[nodiscard]] std::size_t takeRun(std::span<Value> values, const TakeSome& takeSome) {
     if (done_) return 0;
@@ -94,7 +94,7 @@ class AQ_API FieldReader {
   /// Skips `count` fields.
   void skip(int count, const char* expected);
 
-  /// The last field of the line, even if already taken, through `conversion`.
+  /// Converts the last field of the line, even if already taken, with `conversion`.
   template <class Conversion>
   auto convertLast(const char* expected, const Conversion& conversion) {
     while (!done_) static_cast<void>(text(expected));

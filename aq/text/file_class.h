@@ -16,11 +16,11 @@ namespace aq {
 /// The base of all file classes: a result value for each call, and the reason for a failure.
 class AQ_API FileClass {
  public:
-  /// Why the last call failed; empty when it gave `AQ_DATA_OK` or threw.
+  /// Why the last call failed; empty if it returned `AQ_DATA_OK` or threw.
   [[nodiscard]] const std::optional<FileFailure>& lastFailure() const { return lastFailure_; }
 
-  /// Calls `watch` with each header line of every later read, until a failure. An exception from
-  /// `watch` ends the read and reaches the caller.
+  /// Calls `watch` with each header line of every later read, up to the failure if the read fails.
+  /// An exception from `watch` ends the read and reaches the caller.
   void observeHeader(HeaderObserver watch) { observer_ = std::move(watch); }
 
   /// Sets the service that supplies the names and dates for writes; `nullptr`, the default, means
@@ -42,7 +42,7 @@ class AQ_API FileClass {
 
   [[nodiscard]] const HeaderObserver& headerObserver() const { return observer_; }
 
-  // Each works on a copy of the name, since the caller's may be part of what the call replaces,
+  // Each of these works on a copy of the name, since the call may replace the caller's own string,
   // such as the name in a header or in the last failure.
 
   /// Runs `read(name)`; a failure of the file becomes the last failure.

@@ -20,7 +20,7 @@ struct HeaderLine {
   std::string_view keyword;  ///< the keyword that belongs to this line; empty for the other uses
   std::string_view text;     ///< the line, unchanged
   std::string_view
-      value;  ///< the part that is read of a line with a keyword, or of a parameter file's comment
+      value;  ///< the part that is read from a line with a keyword or a parameter file's comment
   std::size_t fields = 0;  ///< how many fields of the value are read; 0 if it is read as a whole
 };
 

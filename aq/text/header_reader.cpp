@@ -15,7 +15,7 @@ std::string fileTypeWords(std::string_view fileType) {
   return "the file type \"" + std::string(fileType) + '"';
 }
 
-/// The piece of `text` with that number, from 1, between its delimiters.
+/// Piece `number`, from 1, of `text` split at its delimiters; nothing if it has fewer pieces.
 std::optional<std::string_view> piece(std::string_view text, std::string_view delimiter,
                                       std::size_t number) {
   for (; number > 1; --number) {

@@ -67,8 +67,8 @@ class AQ_API HeaderReader {
     text(keyword, value);
   }
 
-  /// A line with a count, then that many lines, each up to its first "**". A negative count counts
-  /// as 0.
+  /// A line with a count, then that many lines, each up to its first "**". A negative count
+  /// reads no lines.
   void lines(std::string_view keyword, const std::shared_ptr<Collection<std::string>>& block,
              std::int16_t& count);
   void lines(std::string_view keyword, const std::shared_ptr<Collection<std::string>>& block);

@@ -44,22 +44,22 @@ class AQ_API HeaderWriter {
   /// The name under which the file information service records `file`.
   void recordedName(std::string_view keyword, const std::string& file);
 
-  /// The current date and time; the header's own is not written.
+  /// Writes the current date and time instead of the header's own.
   void currentDateTime(std::string_view keyword, const std::shared_ptr<AQ_Time>&);
   void currentDateTime12(std::string_view keyword, const std::shared_ptr<AQ_Time>& time) {
     currentDateTime(keyword, time);
   }
 
-  /// The date and time of a source file; the information service chooses between that in the header
-  /// and the file's own.
+  /// The date and time of a source file; the information service chooses between those recorded in
+  /// the header and the file's own.
   void dateTimeOf(std::string_view keyword, const std::string& file,
                   const std::shared_ptr<AQ_Time>& recorded);
   void dateTimeOf(std::string_view keyword, const std::string& file, const std::string& recorded) {
     line(keyword, information_->sourceDateTime(file, recorded));
   }
 
-  /// A line with the number of lines, then the lines unchanged; the header's own count is not
-  /// written. A missing collection counts as empty.
+  /// A line with the number of lines, then the lines unchanged; ignores the header's own count. A
+  /// missing collection counts as empty.
   void lines(std::string_view keyword, const std::shared_ptr<Collection<std::string>>& block,
              std::int16_t /*count*/ = 0);
 

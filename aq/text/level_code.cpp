@@ -17,7 +17,8 @@ namespace {
 
 // Writing.
 
-/// The digits of 0 to 999 without leading zeros, none for 0, a point, and how many these are.
+/// The digits of a number from 0 to 999 without leading zeros (none for 0), then a point; `size` is
+/// the number of these characters.
 struct WholeText {
   std::array<char, 4> text{};
   std::uint32_t size = 0;
@@ -48,8 +49,8 @@ constexpr auto kDecimalTexts = [] {
 constexpr std::size_t kLongestQuick = 8;   // a sign, three digits, a point, two decimals, a comma
 constexpr std::int32_t kQuickEnd = 99999;  // hundredths with up to three whole digits
 
-/// Writes a level given in hundredths, below `kQuickEnd` in magnitude, and a comma; returns the
-/// end of the comma, after which it may have changed a character.
+/// Writes a level given in hundredths, below `kQuickEnd` in magnitude, and a comma. Returns the
+/// position after the comma; may overwrite the character there.
 char* writeHundredths(char* at, std::int32_t hundredths) {
   *at = '-';
   at += hundredths < 0 ? 1 : 0;
@@ -94,7 +95,7 @@ void appendExactly(std::string& text, double level) {
                                      std::chars_format::fixed, halfway ? 3 : 2);
   char* end = written.ptr;
   if (halfway) {
-    // .125, .375, .625 or .875: up without a carry, where to_chars would take the even digit.
+    // .125, .375, .625 or .875: rounding up needs no carry; to_chars would round to the even digit.
     --end;
     ++end[-1];
   }

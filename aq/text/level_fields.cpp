@@ -10,9 +10,9 @@
 #define AQ_AVX2 __attribute__((target("avx2,bmi")))  // for functions that run only where both exist
 #endif
 
-// Levels with "," between them. Each may have one, two or three whole digits, so where the
-// processor can align bytes, the ends of all fields are found first, and eight levels are taken at
-// once, without a branch on their widths.
+// Levels with "," between them, each with up to three whole digits. Where the processor can shuffle
+// bytes, the ends of all fields are found first and then eight levels are taken at a time, without
+// a branch on their widths.
 
 namespace aq {
 namespace {
@@ -20,7 +20,8 @@ namespace {
 constexpr std::size_t kShortestLevel = 3;  // a point and two decimals
 constexpr std::size_t kLongestLevel = 6;
 
-/// Takes one level in any form; returns its length, or 0 if the text does not start with one.
+/// Takes one level with two decimals, which may be negative or 9999.00; returns its length, or 0 if
+/// the text does not start with one.
 std::size_t takeLevel(std::string_view text, LevelCode& code) {
   constexpr std::string_view kInvalidText = "9999.00";
   if (text.starts_with(kInvalidText)) {
@@ -59,8 +60,8 @@ AQ_AVX2 std::uint64_t commasAt(const char* at) {
   return static_cast<std::uint32_t>(_mm256_movemask_epi8(commas));
 }
 
-/// A bit for every comma in the block at `from`, and for the end of the text, which has 32 bytes or
-/// more.
+/// A bit for every comma in the block at `from`, and for the end of the text. The text has 32 bytes
+/// or more.
 AQ_AVX2 std::uint64_t endsInBlock(std::string_view text, std::size_t from) {
   const char* const at = text.data() + from;
   const std::size_t left = text.size() - from;
@@ -167,7 +168,7 @@ AQ_AVX2 bool takeGroup(const char* text, const std::uint16_t* ends, LevelCode* c
 
 /// Takes groups of levels from the start of text of 32 bytes or more.
 AQ_AVX2 FieldsTaken takeGroups(std::string_view text, std::span<LevelCode> codes) {
-  constexpr std::size_t kMost = kFieldsAtOnce * (kLongestLevel + 1);  // as long as they can be
+  constexpr std::size_t kMost = kFieldsAtOnce * (kLongestLevel + 1);  // if all have this length
   FieldEnds ends;
   const std::size_t found =
       findEnds(text.substr(0, kMost), std::min(codes.size(), kFieldsAtOnce), ends);

@@ -25,7 +25,7 @@ class AQ_API LineReader {
   /// The line without its line ending. Valid until `next`.
   [[nodiscard]] std::string_view line() const { return line_; }
 
-  /// Whether the line has an end: the last one may lack it. True before the first line.
+  /// Whether the line has a line ending, which the last one may lack. True before the first line.
   [[nodiscard]] bool ended() const { return ended_; }
 
   /// The line's number, from 1; after the last line, the number of lines.

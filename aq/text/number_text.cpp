@@ -205,8 +205,8 @@ void appendFractionDigits(std::string& text, std::int64_t fraction, int places) 
   text.append(begin, end);
 }
 
-/// The fraction of a value from 1 to below 1e6, in 7 significant digits of the whole. The product
-/// with that power of ten is exact, so rounding it once is correct.
+/// Appends the fraction of a value from 1 to below 1e6 that is written with 7 significant digits.
+/// The product of value and scale is an exact double, so a single rounding is correct.
 void appendDecimals(std::string& text, float value) {
   int places = kSingleDigits - 1;
   std::int64_t scale = 1000000;

@@ -59,7 +59,7 @@ struct FieldDigits {
   const std::size_t point = firstPlaceOf(kPoint, field.bytes);
   const std::size_t points = point < kWordBytes ? 1 : 0;
   std::uint64_t digits = field.bytes;
-  if (points != 0) {  // the digits before it move over it
+  if (points != 0) {  // the digits before the point move into its place
     const std::uint64_t after = ~std::uint64_t{0xFF} << (8 * point);
     digits = (digits & after) | (digits & ~(after >> 8)) << 8;
   }
