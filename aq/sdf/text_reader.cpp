@@ -31,7 +31,7 @@ struct Values {
 
   [[nodiscard]] bool isNamed() const { return set && trace && scan; }
 
-  /// The line of the value at that index, or after the last one.
+  /// The line of the value at that index; `lastLine` if there is no such value.
   [[nodiscard]] std::size_t lineOf(std::size_t place) const {
     const auto after =
         std::upper_bound(lines.begin(), lines.end(), place,
