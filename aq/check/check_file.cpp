@@ -19,7 +19,7 @@
 namespace aq {
 namespace {
 
-/// Whether a line heads a table of records, positions, microphones or events of `aqdata`.
+/// Whether a line heads a table that `aqdata` writes: records, positions, microphones or events.
 bool isTableHeading(std::string_view line) {
   constexpr std::string_view kBeginnings[] = {"record,", "position,time,", "microphone,x,",
                                               "file,records,EPNL"};

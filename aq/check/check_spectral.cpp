@@ -91,7 +91,7 @@ void checkRelativeTimes(const Records& records, AQ_SpectralTimeHistory& history,
          first + "; wrong in " + std::to_string(wrong) + (wrong == 1 ? " record" : " records"));
 }
 
-/// How long after the start of a record its stamp is, by its type.
+/// Seconds from the start of a record to its time stamp, by the type of the stamp.
 double shiftOf(AQ_TimeStampType type) {
   switch (type) {
     case AQ_START: break;

@@ -52,7 +52,7 @@ DecimalCommas::DecimalCommas(std::span<const std::string> header) {
         const std::int32_t count = int32From(fields[1]) - int32From(fields[0]) + 1;
         bands_ = count > 0 ? static_cast<std::size_t>(count) : 0;
       } else if (const auto clock = keywordValue(line, "ReferenceTime"); !clock.empty()) {
-        std::string text(clock);  // "14:30:14,75" too
+        std::string text(clock);  // also accepts "14:30:14,75"
         for (char& c : text) c = c == ',' ? '.' : c;
         AQ_Time time;
         time.TODstring(text);

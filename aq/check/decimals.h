@@ -12,13 +12,14 @@
 namespace aq {
 
 /// Counts the decimals of the numbers in a column. Trailing zeros show that the program always
-/// writes the same number of decimals; a number with fewer has then lost digits. Ignores a plain 0
-/// and a plain 9999, which mean no value.
+/// writes the same number of decimals, so that a number with fewer has lost digits. Ignores a plain
+/// 0 and a plain 9999, which mean no value.
 class Decimals {
  public:
   void see(std::string_view field, const FindingPlace& place);
 
-  /// Reports each number with fewer decimals than nearly all others, except the one at `told`.
+  /// Reports each number with fewer decimals than nearly all others, except one at `told`, where
+  /// a finding was already reported.
   void report(const FindingPlace& told, const Reporter& report) const;
 
  private:

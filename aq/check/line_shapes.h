@@ -12,8 +12,8 @@
 
 namespace aq {
 
-/// The fields of a data line that are read; the last `numbers` of them may have decimals, the same
-/// number in all columns if `alike`.
+/// The number of fields that are read from a data line. The last `numbers` of them may have
+/// decimals; if `alike`, all these columns have the same number of decimals.
 struct DataColumns {
   std::size_t fields;
   std::size_t numbers;

@@ -48,7 +48,7 @@ std::optional<std::string> fromUtf16(std::string_view bytes) {
   return text;
 }
 
-/// The lines of a file, without their line endings, which the steps below mend one after another.
+/// Holds the lines of a file, without their line endings, and mends them in the steps below.
 class TextMender {
  public:
   TextMender(std::string_view bytes, std::string_view name, std::vector<std::string> done)
@@ -198,8 +198,8 @@ class TextMender {
     done(separator == ';' ? "semicolons between fields" : "tabs between fields");
   }
 
-  /// The free text of a header line, in which a separator is the author's or was a comma: a
-  /// comment, or the value of a keyword such as `ProjectName`. Empty for numbers, dates and times.
+  /// The free text of a header line: a comment, or the value of a keyword such as `ProjectName`. A
+  /// separator in it may be the author's own or a former comma. Empty for numbers, dates and times.
   [[nodiscard]] std::string_view textIn(std::string_view line, bool mayHaveKeyword) const {
     const std::size_t mark = mayHaveKeyword ? line.find(kKeywordMark) : line.npos;
     if (mark == line.npos) return line;
@@ -285,7 +285,7 @@ class TextMender {
         if (at >= line.size()) return std::nullopt;
         line.remove_prefix(at + 1);
         if (!line.empty() && line.front() != ',') return std::nullopt;
-        // Only a field with a separator or a quote in it needs quotes; others are the author's.
+        // Only a field with a separator or a quote in it needs quotes; any others are the author's.
         const bool needed = all || field.find_first_of(special, 0, sizeof special) != field.npos;
         whole += needed ? field : '"' + field + '"';
       } else {
