@@ -15,9 +15,9 @@ class BandPlan {
   /// Fails for any other point, for bands that do not ascend, and if none is from 2 to 50.
   static BandPlan ofOctaves(std::span<const double> x);
 
-  /// For narrow bands: sums the points from `start` up to `end`, which is not included and at most
-  /// the size of `x`; splits a point on a band edge in proportion. Uses only bands that the points
-  /// cover and that are at least three points wide. Fails if there is no such band.
+  /// For narrow bands: sums the points from `start` up to, but not including, `end`, which is at
+  /// most the size of `x`; splits a point on a band edge in proportion. Uses only bands that the
+  /// points cover and that are at least three points wide. Fails if there is no such band.
   static BandPlan ofBins(std::span<const double> x, std::size_t start, std::size_t end);
 
   [[nodiscard]] std::size_t size() const { return parts_.size(); }

@@ -17,8 +17,8 @@ constexpr std::string_view kFileName = "FileName";
 constexpr std::string_view kFileDateTime = "FileDateTime";
 constexpr std::string_view kComments = "NumberOfCommentLines";
 
-/// One parameter: its keyword, what it expects, its text (none if it is not set), and how text
-/// sets it.
+/// One parameter: its keyword, the kind of value that it expects, a function that returns its text
+/// (nothing if it is not set), and one that sets it from text.
 struct Parameter {
   std::string_view keyword;
   const char* expected;
@@ -32,7 +32,7 @@ std::optional<std::string> textUnlessZero(Number value) {
   return numberText(value);
 }
 
-/// The word of an enumeration member; nothing if not set.
+/// The word of an enumeration member; nothing if it is `notSet`.
 template <class Enumeration>
 std::optional<std::string> wordUnless(Enumeration notSet, Enumeration value) {
   if (value == notSet) return std::nullopt;
@@ -98,8 +98,8 @@ void readDateTime(FieldReader& fields, AQ_Time& time) {
   time.TODstring(fields.convert("a time hh:mm:ss", clockTimeFrom));
 }
 
-/// Takes a line and those that belong to it. Ignores the case of keywords; skips unknown keywords
-/// and lines without one.
+/// Takes a line and the comment lines that it announces. Ignores the case of keywords; skips
+/// unknown keywords and lines without one.
 void readLine(LineReader& lines, const HeaderObserver& watch, AQ_DataINI& parameters) {
   FieldReader fields(lines);
   const std::string_view key = keywordOf(upperCased(keywordIn(fields.text("a keyword"))));

@@ -5,10 +5,10 @@
 #include "aq/geometry/position_time_history.h"
 #include "aq/spectral/spectral_time_history.h"
 
-// The text of a time of day has seven significant digits and drops a fraction that they round up to
-// a second, which hosts rely on: 12:34:56.996 becomes 12:34:56, nearly a second early. Call these
-// functions before writing a model: they round such times up to the second and leave others
-// unchanged.
+// The text of a time of day has seven significant digits. If these round its fraction up to a whole
+// second, the text drops the fraction, as hosts expect: 12:34:56.996 becomes 12:34:56, nearly a
+// second early. Call these functions before writing a model: they round such times up to the second
+// and leave others unchanged.
 namespace aq {
 
 /// Whether any time that would be written for the model is this late in its second; null objects

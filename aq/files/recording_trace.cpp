@@ -46,7 +46,7 @@ bool hasThirdOctaves(const Recording& recording, const TraceSet& set) {
   }
 }
 
-/// The record with that number; nothing for -1.
+/// The record with that number; null for -1.
 const Record* numbered(const std::vector<Record>& records, const Record& by, std::int64_t number,
                        const char* what) {
   if (number == -1) return nullptr;

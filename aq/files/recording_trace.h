@@ -22,8 +22,8 @@ struct RecordingTrace {
   double scale = 1;   ///< see `offset`
 };
 
-/// The header that levels come from: the first one with third octaves, otherwise the first one with
-/// auto power. Fails if there is neither.
+/// The header that the levels come from: the first one with third octaves, otherwise the first one
+/// with auto power. Fails if there is neither.
 [[nodiscard]] const sdf::TraceSet& levelsOf(const sdf::Recording& recording);
 
 /// Trace `channel`, counted from 1, of the header that levels come from. Fails if the form of its
