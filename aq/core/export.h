@@ -1,6 +1,6 @@
 #pragma once
 
-// What a shared build exports to its hosts; everything else stays hidden.
+// Marks what a shared build exports to its hosts; everything else stays hidden.
 #if defined(_WIN32) && defined(AQ_BUILDS_SHARED)
 #define AQ_API __declspec(dllexport)
 #elif defined(_WIN32) && defined(AQ_USES_SHARED)

@@ -151,8 +151,8 @@ bool namesOpenFile(const std::string& path) {
   return process == "self" || isNumber(process);
 }
 
-/// A duplicate of the handle that such a name refers to, if this process has it open for writing:
-/// writes continue at its position. -1 for anything else.
+/// A duplicate of the handle that the name of an open file refers to, if this process has the file
+/// open for writing: writes continue at its position. -1 for anything else.
 int ownHandle(const std::string& path) {
   const bool own = path.starts_with("/proc/self/") || path.starts_with("/dev/");
   if (!own || !namesOpenFile(path)) return -1;

@@ -26,7 +26,7 @@ class AQ_API AQ_Time {
   void RelSeconds(const Variant& seconds) { relativeSeconds_ = seconds.toDouble(); }
 
   /// Sets the relative seconds to the time since `reference`, including the days between the two
-  /// dates. Of each date only the calendar day counts, with the century derived from the last two
+  /// dates. Of each date only the calendar day matters, with the century derived from the last two
   /// digits of its year (30 to 99 are 1930 to 1999, 00 to 29 are 2000 to 2029). Throws `Overflow`
   /// if the days in between, in seconds, exceed 32 bits.
   void setRelTime(const AQ_Time& reference);
