@@ -9,7 +9,7 @@
 namespace aq {
 
 /// A time stored as two doubles, for objects of which there are many. Creates the `AQ_Time` on
-/// first access; from then on, or once one is shared, that object holds the time.
+/// first access; from then on, or after one is shared, that object holds the time.
 class LazyTime {
  public:
   /// Created on first use and then kept.

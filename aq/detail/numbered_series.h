@@ -43,7 +43,7 @@ class AQ_API NumberIndex {
     return static_cast<std::size_t>(std::int64_t{number} - first_);
   }
 
-  /// Whether the number is the next one of a run. Then `lengthen` records it, in the next slot.
+  /// Whether the number is the next one of a run. If so, `lengthen` records it in the next slot.
   [[nodiscard]] bool continues(std::int32_t number) const {
     return isRun() && length_.value != 0 && number == afterRun();
   }

@@ -47,7 +47,7 @@ class BlockMemory {
   std::byte* bytes_;
 };
 
-/// Allocates from `memory`, which outlives what it holds, and as usual once it is full.
+/// Allocates from `memory`, which it keeps alive, and as usual when that is full.
 template <class T>
 struct BlockAllocator {
   using value_type = T;
@@ -78,7 +78,7 @@ template <class T>
 class SharedBlocks {
  public:
   SharedBlocks() = default;
-  /// For a file that claims to have this many records; more than 32767 are not believed.
+  /// For a file that claims to have this many records; a larger claim is taken as 32767.
   explicit SharedBlocks(std::int32_t claim)
       : expected_(static_cast<std::size_t>(std::clamp(claim, 0, 32767))) {}
 
