@@ -41,7 +41,7 @@ void header(Lines& lines, AQ_HeaderGTH& header) {
   microphone.Z(z);
 }
 
-/// The last of the eleven columns has no name: hosts rely on it.
+/// The last of the eleven columns has no heading: hosts rely on it.
 
 void appendPoint(std::string& text, std::int32_t record, AQ_Geometry& point) {
   const auto field = [&text](auto value) {

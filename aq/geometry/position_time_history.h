@@ -73,7 +73,7 @@ class AQ_API AQ_PositionTimeHistory {
   [[nodiscard]] std::int16_t Count() const { return positions_.count(); }
 
   // The samples as pairs of index and position, in order of the indices. Storing a sample
-  // invalidates iterators. `contains` tells whether there is such an index.
+  // invalidates iterators. `contains` tells whether an index exists.
   [[nodiscard]] Walk begin() const { return Walk(positions_.placed().begin()); }
   [[nodiscard]] Walk end() const { return Walk(positions_.placed().end()); }
   [[nodiscard]] bool contains(std::int32_t place) const {
