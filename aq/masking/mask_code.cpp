@@ -25,8 +25,8 @@ constexpr std::size_t indexOf(char mode, char adjustment) {
 
 constexpr MaskCode kNoLetters = 0x80;  // above all codes
 
-/// The code of any two bytes, `kNoLetters` for other than a mask. Only the few entries of masks are
-/// touched, so the table needs no more of a cache than one per letter.
+/// The code of any two bytes, `kNoLetters` if they are not a mask. Reading touches only the few
+/// entries of masks, so this table needs no more cache than one table per letter would.
 constexpr auto kCodesOfLetters = [] {
   std::array<MaskCode, 1 << 16> codes{};
   codes.fill(kNoLetters);
@@ -47,8 +47,8 @@ constexpr std::array<char, kColumn> columnOf(std::size_t code) {
           kMaskAdjustments[pair % kMaskAdjustments.size()], ','};
 }
 
-/// Both columns of all pairs of codes, in a word that is copied at once; the next pair overwrites
-/// the excess bytes.
+/// The two columns of each pair of codes, in a word that is copied at once; the next pair
+/// overwrites the excess bytes.
 using TwoColumns = std::array<char, 8>;
 constexpr auto kTwoColumns = [] {
   std::array<TwoColumns, kCodes * kCodes> pairs{};
