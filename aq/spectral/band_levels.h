@@ -39,8 +39,8 @@ class AQ_API BandLevels {
   void assign(std::int16_t low, std::span<const double> levels);
   void assign(std::int16_t low, std::span<const LevelCode> codes);
 
-  // `codes`: all levels if they are stored as codes; `plain`: all levels if they are doubles
-  // without gaps. Both start at the lowest band, and are empty otherwise.
+  // All levels from the lowest band up: `codes` if they are stored as codes, `plain` if they are
+  // doubles without gaps. Empty otherwise.
   [[nodiscard]] std::span<const LevelCode> codes() const { return codes_.all(); }
   [[nodiscard]] std::span<const double> plain() const;
 
@@ -66,7 +66,7 @@ class AQ_API BandLevels {
 
   static constexpr std::size_t kInline = 34;  // bands from 10 Hz to 20 kHz
   using CodeCount = std::uint16_t;
-  static constexpr std::size_t kMostCodes = UINT16_MAX;  // more levels than this are doubles
+  static constexpr std::size_t kMostCodes = UINT16_MAX;  // more levels are stored as doubles
 
   BandBlock<LevelCode, InlineVector<LevelCode, kInline, CodeCount>> codes_;
   LazyPart<Doubles> doubles_;  // instead of the codes

@@ -42,7 +42,7 @@ struct RunPiece {
   [[nodiscard]] double begin() const { return firstSpectrum->lazyTime().secondsOfDay(); }
   [[nodiscard]] double end() const { return lastSpectrum->lazyTime().secondsOfDay(); }
 
-  /// From one stamp to the next in seconds, on average; nothing for a single record.
+  /// Seconds from one stamp to the next, on average; nothing for a single record.
   [[nodiscard]] std::optional<double> step() const {
     if (first == last) return std::nullopt;
     return secondsFrom(begin(), end()) / (last - first);
@@ -68,7 +68,7 @@ void expectOneMeasurement(AQ_SpectralTimeHistory& before, AQ_SpectralTimeHistory
   const AQ_Time& other = *after.ReferenceTime();
   if (one.TODseconds() != other.TODseconds()) {
     expectSame("reference times", one.TODstring(), other.TODstring());
-    refusePieces("the pieces have different reference times");  // although their texts are equal
+    refusePieces("the pieces have different reference times");  // with the same text
   }
   if (one.CurrentDate() != other.CurrentDate()) {
     refusePieces("the pieces have reference times of different days");
@@ -106,7 +106,7 @@ std::int32_t missingBetween(const RunPiece& before, const RunPiece& after) {
   return static_cast<std::int32_t>(std::lround(gap));
 }
 
-/// A record of levels that are not valid, some seconds after another.
+/// A record of levels that are not valid, stamped `seconds` after `last`.
 std::shared_ptr<AQ_Spectrum> invalidAfter(AQ_Spectrum& last, double seconds) {
   auto spectrum = std::make_shared<AQ_Spectrum>();
   const auto bands = static_cast<std::size_t>(last.HighBand() - last.LowBand()) + 1;
