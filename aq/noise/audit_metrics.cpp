@@ -16,7 +16,7 @@ bool isLevel(AQ_METRIC_TYPE metric) {
   return metric != AQ_METRIC_TONEBND && metric != AQ_METRIC_LGB && metric != AQ_METRIC_INTEG;
 }
 
-/// NaN for a text that is not a number.
+/// The stored value as a number; NaN for text that is not one.
 double storedNumber(const Variant& stored) {
   try {
     return stored.toDouble();

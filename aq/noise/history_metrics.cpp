@@ -45,9 +45,9 @@ Records recordsOf(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map) 
   return records;
 }
 
-/// Calls `use` for each record from `begin` to before `end` with its index, its levels, its tone
-/// correction and, `withBands`, the band of that. Computes as many corrections at a time as there
-/// are lanes.
+/// Calls `use` for each record from `begin` up to, but not including, `end`, with its index, its
+/// levels, its tone correction and, if `withBands`, the band that caused it. Computes as many
+/// corrections at a time as there are lanes.
 template <class Use>
 void forEachTone(const Records& records, std::size_t begin, std::size_t end, bool withBands,
                  const Use& use) {
@@ -66,7 +66,7 @@ void forEachTone(const Records& records, std::size_t begin, std::size_t end, boo
   }
 }
 
-/// How many bands of a perceived noise level have a level that counts.
+/// How many of the bands used for the perceived noise level have a level that counts.
 std::int16_t perceivedBandsOf(const CountedLevels& levels) {
   return levels.count(kFirstNoyBand, kLastNoyBand);
 }
@@ -86,8 +86,8 @@ struct EventValues {
   std::vector<double> corrections;
 };
 
-/// How long each record lasts, from the seconds of the day of its stamp until the next stamp, also
-/// across midnight; the last record lasts as long as the one before it.
+/// How long each record lasts: from its stamp to the next one, also across midnight. The last
+/// record lasts as long as the one before it.
 std::vector<double> durationsOf(const Records& records) {
   std::vector<double> durations(records.size(), kRecordSeconds);
   for (std::size_t i = 0; i + 1 < records.size(); ++i) {

@@ -30,7 +30,7 @@ inline constexpr LevelCode kTableCodes = 12801;
   return (signs & kSign) == 0;
 }
 
-/// A function of the level, computed in advance for the codes from 0 to before `kTableCodes`.
+/// A function of the level, computed in advance for the codes from 0 to `kTableCodes` - 1.
 template <class Function>
 class LevelTable {
  public:
@@ -39,7 +39,7 @@ class LevelTable {
       values_[at(code)] = function(levelOf(code));
   }
 
-  /// The value for a code that `areInTable`.
+  /// The value for a code for which `areInTable` holds.
   [[nodiscard]] double operator[](LevelCode code) const { return values_[at(code)]; }
 
   /// 0 for `kInvalidCode`.

@@ -23,7 +23,7 @@ using WeightedLevels = std::array<double, AQ_METRIC_OA>;
 [[nodiscard]] double totalNoisinessOf(const CountedLevels& record);
 /// The perceived noise level of a total noisiness, PNdB.
 [[nodiscard]] double perceivedLevelOf(double totalNoisiness);
-/// The inverse, for levels above 0.
+/// The inverse of `perceivedLevelOf`, for levels above 0.
 [[nodiscard]] double totalNoisinessAt(double perceivedLevel);
 
 /// The largest tone correction of each of some records, and its band; see `toneCorrection`.

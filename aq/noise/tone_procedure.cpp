@@ -15,8 +15,8 @@ Number numberOf(double value) {
   return Number{} + value;
 }
 
-/// The correction in dB for a difference to the background, outside 500 to 5000 Hz; 0 for NaN. The
-/// curve is the minimum of three lines.
+/// The correction in dB for a difference from the background, outside 500 to 5000 Hz; 0 for NaN.
+/// The curve is the minimum of three lines.
 template <class Number>
 Number correctionOf(const Number& difference) {
   const Number third = difference / 3.0;
@@ -80,8 +80,8 @@ void ToneProcedure<Number>::findBackground(std::size_t count) {
   }
 }
 
-/// A correction never falls where the difference grows, so that of the largest difference is the
-/// largest one.
+/// A correction never falls where the difference grows, so the largest difference has the largest
+/// correction.
 template <class Number>
 void ToneProcedure<Number>::findLargest(std::size_t count) {
   const auto largestOf = [&](std::size_t begin, std::size_t end) {

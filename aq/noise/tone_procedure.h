@@ -14,7 +14,7 @@ inline constexpr double kMarkedSlopeChange = 5;     // dB, marks a slope when ex
 inline constexpr std::size_t kToneBands = kLastToneBand - kFirstToneBand + 1;
 
 /// The tone correction in dB of the band at an index of the columns, at most a third of
-/// `difference`; 0 where the difference to the background does not count.
+/// `difference`; 0 where the difference from the background does not count.
 [[nodiscard]] double bandCorrection(std::size_t place, double difference);
 
 /// The tone correction procedure of 14 CFR 36, A36.4.3, step by step, for one record or for lanes
