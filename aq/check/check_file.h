@@ -29,7 +29,7 @@ AQ_API void checkFit(const AQ_SpectralTimeHistory& history, const std::string& h
 AQ_API void checkFit(const std::string& historyPath, const std::string& mapPath,
                      const FindingSink& report);
 
-/// What a check returns besides findings.
+/// The result of a check besides its findings.
 struct Checked {
   std::optional<std::uint64_t> levels = {};  ///< a digest of all levels of a history
 };

@@ -37,10 +37,11 @@ struct RecordingTrace {
 /// Whether the data are already one-third octaves.
 [[nodiscard]] bool isOctaves(const sdf::TraceSet& set);
 
-/// What limits the use of the data, one line each: weighting, overload, data not valid, correction.
+/// The limits on the use of the data, one line each: weighting, overload, data not valid,
+/// correction.
 [[nodiscard]] std::vector<std::string> marksOf(const RecordingTrace& trace);
 
-/// What users of the levels need to know, one line each: channel, unit, calibration and marks.
+/// Notes for users of the levels, one line each: channel, unit, calibration and marks.
 [[nodiscard]] std::vector<std::string> notesOf(const RecordingTrace& trace, double calibration);
 
 }  // namespace aq

@@ -78,7 +78,7 @@ double totalNoisiness(const CountedLevels& levels, const Record& record) {
                                        ": the levels are too high for a perceived noise level");
 }
 
-/// What an event depends on, by index of the record. NaN means no value.
+/// The values that an event depends on, by index of the record. NaN means no value.
 struct EventValues {
   explicit EventValues(std::size_t records)
       : pnlt(records, kNoValue), corrections(records, kNoValue) {}

@@ -40,7 +40,8 @@ struct HistoryMetrics {
   std::optional<NoiseEvent> event;
 };
 
-/// What `setMetrics` stores, unrounded. Never changes the history. Throws like `setMetrics`.
+/// The metrics that `setMetrics` stores, unrounded. Never changes the history. Throws like
+/// `setMetrics`.
 [[nodiscard]] AQ_API HistoryMetrics historyMetrics(const AQ_SpectralTimeHistory& history,
                                                    const AQ_MaskMap* map = nullptr);
 

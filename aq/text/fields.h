@@ -30,7 +30,7 @@ struct ReadFailure {
 /// were expected.
 AQ_API void takeLine(LineReader& lines, const char* what, std::string_view keyword = {});
 
-/// What a failed conversion expected, with "in range" for a number out of range.
+/// The words for what a failed conversion expected, with "in range" for a number out of range.
 [[nodiscard]] AQ_API std::string expectedFor(const char* expected, const Error& error);
 
 /// `text` without its double quotes and outer blanks, as a field of delimited text is read.
