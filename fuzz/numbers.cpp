@@ -179,8 +179,8 @@ void checkWritten(float value) {
   const std::string text = numberText(value);
   expect(text == defaultText(static_cast<double>(value), 7), "7 digits");
   if (value < 0 || text.find('E') != text.npos) return;
-  std::string fraction;
-  appendFraction(fraction, value);
+  std::array<char, kFractionSize> buffer;
+  const std::string fraction(buffer.data(), putFraction(buffer.data(), value));
   expect(fraction == text.substr(std::min(text.find('.'), text.size())),
          "the fraction of 7 digits");
 }

@@ -1,6 +1,7 @@
 #include "aq/core/time.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <optional>
 
@@ -77,6 +78,12 @@ std::string AQ_Time::TODstring() const {
 }
 
 void AQ_Time::appendTODstring(std::string& text) const {
+  std::array<char, kTODsize> buffer;
+  text.append(buffer.data(), putTODstring(buffer.data()));
+}
+
+char* AQ_Time::putTODstring(char* at) const {
+  static_assert(kTODsize >= kClockSize + kFractionSize);
   constexpr double kEnd = 90000;  // hours go up to 24
   const bool near = std::abs(timeOfDay_) <= kEnd;
   const auto narrowed = static_cast<float>(near ? timeOfDay_ : kEnd);
@@ -88,8 +95,8 @@ void AQ_Time::appendTODstring(std::string& text) const {
   }
   const int second = static_cast<int>(time);
   const int hours = second / 3600;
-  appendClockTime(text, hours == 24 ? 0 : hours, second / 60 % 60, second % 60);
-  appendFraction(text, narrowed);
+  at = putClockTime(at, hours == 24 ? 0 : hours, second / 60 % 60, second % 60);
+  return putFraction(at, narrowed);
 }
 
 void AQ_Time::TODstring(std::string_view text) {

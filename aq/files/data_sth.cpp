@@ -1,5 +1,7 @@
 #include "aq/files/data_sth.h"
 
+#include <array>
+
 #include "aq/core/band_label.h"
 #include "aq/core/platform.h"
 #include "aq/detail/pointers.h"
@@ -65,12 +67,14 @@ std::string columnHeading() {
 
 void appendRecord(std::string& text, std::int16_t record, const AQ_Spectrum& spectrum) {
   const AQ_Time time = spectrum.timeValue();
-  appendNumber(text, std::int32_t{record});
-  text += ',';
-  time.appendTODstring(text);
-  text += ',';
-  appendNumber(text, time.RelSeconds());
-  if (spectrum.LowBand() <= spectrum.HighBand()) text += ',';
+  std::array<char, kIntegerSize + AQ_Time::kTODsize + kNumberSize + 3> columns;
+  char* at = putNumber(columns.data(), std::int32_t{record});
+  *at++ = ',';
+  at = time.putTODstring(at);
+  *at++ = ',';
+  at = putNumber(at, time.RelSeconds());
+  if (spectrum.LowBand() <= spectrum.HighBand()) *at++ = ',';
+  text.append(columns.data(), at);
   appendLevels(text, spectrum);
   text += platform::lineEnd;
 }

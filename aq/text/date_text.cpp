@@ -192,12 +192,18 @@ double dayWithWindowedYear(double date) {
   return dateValue(windowed / at.month() / at.day());
 }
 
-void appendClockTime(std::string& text, int hours, int minutes, int seconds) {
+char* putClockTime(char* at, int hours, int minutes, int seconds) {
   const auto tens = [](int number) { return static_cast<char>('0' + number / 10); };
   const auto ones = [](int number) { return static_cast<char>('0' + number % 10); };
-  const std::array<char, 8> clock{tens(hours),   ones(hours), ':',           tens(minutes),
-                                  ones(minutes), ':',         tens(seconds), ones(seconds)};
-  text.append(clock.data(), clock.size());
+  const std::array<char, kClockSize> clock{tens(hours),   ones(hours),   ':',
+                                           tens(minutes), ones(minutes), ':',
+                                           tens(seconds), ones(seconds)};
+  return std::copy(clock.begin(), clock.end(), at);
+}
+
+void appendClockTime(std::string& text, int hours, int minutes, int seconds) {
+  std::array<char, kClockSize> clock;
+  text.append(clock.data(), putClockTime(clock.data(), hours, minutes, seconds));
 }
 
 std::string dateText(double date) {

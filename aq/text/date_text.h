@@ -50,6 +50,11 @@ struct PlainClock {
 /// Appends `hours:minutes:seconds`, two digits each.
 AQ_API void appendClockTime(std::string& text, int hours, int minutes, int seconds);
 
+inline constexpr std::size_t kClockSize = 8;
+
+/// Writes `hours:minutes:seconds` into `kClockSize` characters; returns their end.
+[[nodiscard]] AQ_API char* putClockTime(char* at, int hours, int minutes, int seconds);
+
 /// `mm/dd/yyyy`. Throws `Overflow` outside the years 1 to 9999.
 [[nodiscard]] AQ_API std::string dateText(double date);
 

@@ -117,8 +117,7 @@ Integer wholeInteger(std::string_view text) {
   return static_cast<Integer>(value);
 }
 
-constexpr std::size_t kLongest = 400;  // a double in fixed notation, with room to spare
-using Buffer = std::array<char, kLongest>;
+using Buffer = std::array<char, 64>;  // for a text of any length that this file writes
 
 void requireFinite(double value) {
   if (!std::isfinite(value)) {
@@ -142,97 +141,85 @@ std::string_view significantDigits(Real value, int digits, Buffer& buffer, int& 
   return {buffer.data() + 1, last};
 }
 
-void appendFixed(std::string& text, std::string_view digits, int exponent) {
+char* put(char* at, std::string_view text) { return std::copy(text.begin(), text.end(), at); }
+
+char* putFixed(char* at, std::string_view digits, int exponent) {
   if (exponent < 0) {
-    text += "0.";
-    text.append(static_cast<std::size_t>(-exponent - 1), '0');
-    text += digits;
-    return;
+    at = std::fill_n(put(at, "0."), -exponent - 1, '0');
+    return put(at, digits);
   }
   const auto whole = static_cast<std::size_t>(exponent) + 1;
-  text += digits.substr(0, whole);
-  if (digits.size() <= whole) {
-    text.append(whole - digits.size(), '0');
-  } else {
-    text += '.';
-    text += digits.substr(whole);
-  }
+  at = put(at, digits.substr(0, whole));
+  if (digits.size() <= whole) return std::fill_n(at, whole - digits.size(), '0');
+  *at++ = '.';
+  return put(at, digits.substr(whole));
 }
 
-void appendScientific(std::string& text, std::string_view digits, int exponent) {
-  text += digits[0];
+char* putScientific(char* at, std::string_view digits, int exponent) {
+  *at++ = digits[0];
   if (digits.size() > 1) {
-    text += '.';
-    text += digits.substr(1);
+    *at++ = '.';
+    at = put(at, digits.substr(1));
   }
-  text += exponent < 0 ? "E-" : "E+";
-  if (std::abs(exponent) < 10) text += '0';
-  appendNumber(text, std::abs(exponent));
+  at = put(at, exponent < 0 ? "E-" : "E+");
+  if (std::abs(exponent) < 10) *at++ = '0';
+  return putNumber(at, std::abs(exponent));
 }
 
 constexpr int kSmallestFixed = -7;  // a tenth of a microsecond or micrometre needs no exponent
 
 template <class Real>
-void appendReal(std::string& text, Real value, int digits) {
+char* putReal(char* at, Real value, int digits) {
   requireFinite(static_cast<double>(value));
-  if (value == 0) {
-    text += '0';
-    return;
-  }
-  if (value < 0) text += '-';
+  if (value == 0) return put(at, "0");
+  if (value < 0) *at++ = '-';
   Buffer buffer;
   int exponent = 0;
   const std::string_view shortest = significantDigits(value, digits, buffer, exponent);
-  if (exponent >= kSmallestFixed && exponent < digits) {
-    appendFixed(text, shortest, exponent);
-  } else {
-    appendScientific(text, shortest, exponent);
-  }
+  return exponent >= kSmallestFixed && exponent < digits ? putFixed(at, shortest, exponent)
+                                                         : putScientific(at, shortest, exponent);
 }
 
 constexpr int kDoubleDigits = 15;
 constexpr int kSingleDigits = 7;
 
-/// Appends the point and the `places` digits of `fraction`, without trailing zeros; nothing for 0.
-void appendFractionDigits(std::string& text, std::int64_t fraction, int places) {
-  if (fraction == 0) return;
-  for (; fraction % 10 == 0; fraction /= 10) --places;
-  std::array<char, 16> buffer;
-  char* const end = buffer.data() + buffer.size();
-  char* begin = end;
-  for (; places > 0; --places, fraction /= 10) *--begin = static_cast<char>('0' + fraction % 10);
-  *--begin = '.';
-  text.append(begin, end);
+/// Writes the point and the `places` digits of `fraction`, without trailing zeros; nothing for 0.
+char* putFractionDigits(char* at, std::int32_t fraction, int places) {
+  if (fraction == 0) return at;
+  *at = '.';
+  for (int place = places; place > 0; --place, fraction /= 10) {
+    at[place] = static_cast<char>('0' + fraction % 10);
+  }
+  at += places;
+  while (*at == '0') --at;
+  return at + 1;
 }
 
-/// Appends the fraction of a value from 1 to below 1e6 that is written with 7 significant digits.
-/// The product of value and scale is an exact double, so a single rounding is correct.
-void appendDecimals(std::string& text, float value) {
+/// The fraction of a value from 1 to below 1e6, in 7 significant digits of the whole. The product
+/// with that power of ten is exact, so rounding it once is correct.
+char* putDecimals(char* at, float value) {
   int places = kSingleDigits - 1;
-  std::int64_t scale = 1000000;
+  std::int32_t scale = 1000000;
   for (float ten = 10; value >= ten; ten *= 10) {
     --places;
     scale /= 10;
   }
-  const double scaled = std::nearbyint(static_cast<double>(value) * static_cast<double>(scale));
-  appendFractionDigits(text, static_cast<std::int64_t>(scaled) % scale, places);
+  const double scaled = std::nearbyint(static_cast<double>(value) * scale);
+  return putFractionDigits(at, static_cast<std::int32_t>(scaled) % scale, places);
 }
 
-/// Writes a value that is a whole number of thousandths; false for any other. Its text has at most
-/// 15 digits, so it is the text of the value with 15.
-bool appendThousandths(std::string& text, double value) {
+/// Writes a value that is a whole number of thousandths; `nullptr` for any other. Its text has at
+/// most 15 digits, so it is the text of the value with 15.
+char* putThousandths(char* at, double value) {
   constexpr double kScale = 1000;
   constexpr double kLargest = 1e11;
-  if (!(std::abs(value) < kLargest)) return false;
-  const double scaled = std::nearbyint(value * kScale);
-  if (scaled / kScale != value) return false;
-  const auto thousandths = static_cast<std::int64_t>(std::abs(scaled));
-  if (scaled < 0) text += '-';
-  std::array<char, 16> whole;
-  const auto written = std::to_chars(whole.data(), whole.data() + whole.size(), thousandths / 1000);
-  text.append(whole.data(), written.ptr);
-  appendFractionDigits(text, thousandths % 1000, 3);
-  return true;
+  const double size = std::abs(value);
+  if (!(size < kLargest)) return nullptr;
+  const auto thousandths = static_cast<std::int64_t>(size * kScale + 0.5);
+  if (static_cast<double>(thousandths) / kScale != size) return nullptr;
+  if (value < 0) *at++ = '-';
+  at = std::to_chars(at, at + kIntegerSize, thousandths / 1000).ptr;
+  return putFractionDigits(at, static_cast<std::int32_t>(thousandths % 1000), 3);
 }
 
 template <class Real, class... Form>
@@ -301,16 +288,30 @@ double leadingNumber(std::string_view text) {
   return number.end != nullptr ? realFrom<double>(number) : 0;
 }
 
-void appendNumber(std::string& text, double value) {
-  if (!appendThousandths(text, value)) appendReal(text, value, kDoubleDigits);
+char* putNumber(char* at, double value) {
+  char* const end = putThousandths(at, value);
+  return end != nullptr ? end : putReal(at, value, kDoubleDigits);
 }
 
-void appendNumber(std::string& text, float value) { appendReal(text, value, kSingleDigits); }
+char* putNumber(char* at, float value) { return putReal(at, value, kSingleDigits); }
 
-void appendNumber(std::string& text, std::int32_t value) {
-  std::array<char, kIntegerSize> buffer;
+char* putNumber(char* at, std::int32_t value) {
+  return std::to_chars(at, at + kIntegerSize, value).ptr;
+}
+
+namespace {
+
+template <class Number>
+void appendAny(std::string& text, Number value) {
+  std::array<char, kNumberSize> buffer;
   text.append(buffer.data(), putNumber(buffer.data(), value));
 }
+
+}  // namespace
+
+void appendNumber(std::string& text, double value) { appendAny(text, value); }
+void appendNumber(std::string& text, float value) { appendAny(text, value); }
+void appendNumber(std::string& text, std::int32_t value) { appendAny(text, value); }
 
 void appendExact(std::string& text, double value) { appendChars(text, value); }
 void appendExact(std::string& text, float value) { appendChars(text, value); }
@@ -324,10 +325,6 @@ std::int64_t scaledBy(double value, double scale) {
   const bool up = std::fma(size, scale, -(below + 0.5)) >= 0;
   const auto whole = static_cast<std::int64_t>(below) + (up ? 1 : 0);
   return value < 0 ? -whole : whole;
-}
-
-char* putNumber(char* at, std::int32_t value) {
-  return std::to_chars(at, at + kIntegerSize, value).ptr;
 }
 
 std::string numberText(double value) {
@@ -348,19 +345,16 @@ std::string numberText(std::int32_t value) {
   return text;
 }
 
-void appendFraction(std::string& text, float value) {
-  if (value == std::floor(value)) return;
-  if (value >= 1 && value < 1e6F) {
-    appendDecimals(text, value);
-    return;
-  }
-  Buffer buffer;
+char* putFraction(char* at, float value) {
+  if (value == std::floor(value)) return at;
+  if (value >= 1 && value < 1e6F) return putDecimals(at, value);
+  Buffer digits;
   int exponent = 0;
-  const std::string_view digits = significantDigits(value, kSingleDigits, buffer, exponent);
-  std::string plain;
-  appendFixed(plain, digits, exponent);
-  const std::size_t point = plain.find('.');
-  if (point != std::string::npos) text.append(plain, point);
+  Buffer plain;
+  const char* const end =
+      putFixed(plain.data(), significantDigits(value, kSingleDigits, digits, exponent), exponent);
+  const char* const point = std::find(static_cast<const char*>(plain.data()), end, '.');
+  return std::copy(point, end, at);
 }
 
 }  // namespace aq

@@ -56,13 +56,17 @@ AQ_API void appendAllDigits(std::string& text, float value);
 /// `value` is finite and the product below 2^52.
 [[nodiscard]] AQ_API std::int64_t scaledBy(double value, double scale);
 
-inline constexpr std::size_t kIntegerSize = 11;  // a sign and ten digits
-
-/// Writes an integer into at least `kIntegerSize` characters, and returns its end.
+// The same text in place, for rows of many numbers. Each returns the end of its text, and `at` has
+// room for the longest one.
+inline constexpr std::size_t kIntegerSize = 11;   // a sign and ten digits
+inline constexpr std::size_t kNumberSize = 24;    // a sign, "0.", six zeros and 15 digits
+inline constexpr std::size_t kFractionSize = 64;  // a point and the digits of the smallest single
 [[nodiscard]] AQ_API char* putNumber(char* at, std::int32_t value);
+[[nodiscard]] AQ_API char* putNumber(char* at, double value);
+[[nodiscard]] AQ_API char* putNumber(char* at, float value);
 
-/// Appends the fraction, with its point, of the text of `value` with 7 significant digits; nothing
-/// when those digits hold no fraction. `value` is finite.
-AQ_API void appendFraction(std::string& text, float value);
+/// Writes the fraction, with its point, of the text of `value` with 7 significant digits; nothing
+/// when those digits hold no fraction. `value` is finite and not negative.
+[[nodiscard]] AQ_API char* putFraction(char* at, float value);
 
 }  // namespace aq
