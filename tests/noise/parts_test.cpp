@@ -161,8 +161,8 @@ TEST(Parts, PointsOfRecordsAreFoundByTheirTime) {
   const auto points = geometryOf(geometry, *history, {8, 9});
   EXPECT_EQ(points->Count(), 2);
   EXPECT_EQ(points->Point(1), geometry.Point(18));
-  for (const auto& [first, last] : {std::pair{6, 8}, {8, 10}, {80, 99}}) {
-    EXPECT_ERROR(geometryOf(geometry, *history, {first, last}), InvalidArgument);
+  for (const RecordRange& range : {RecordRange{6, 8}, RecordRange{8, 10}, RecordRange{80, 99}}) {
+    EXPECT_ERROR(geometryOf(geometry, *history, range), InvalidArgument);
   }
   geometry.Point(18)->Tm()->TODseconds(0);
   EXPECT_ERROR(geometryOf(geometry, *history, {7, 9}), InvalidArgument);
