@@ -139,6 +139,10 @@ TEST(EmissionGeometry, WhereTheSourceHovers) {
   EXPECT_NEAR(geometry->Point(4)->THETAe, 180, 1e-4);
   EXPECT_NEAR(geometry->Point(3)->Tprope, 1 / 343.2, 1e-9);
 
+  const auto passing = emissionGeometry(pathOf({{15, 0, 0, 0}, {30, 100, 0, 0}}), at(0, 0, 0),
+                                        recordsAt({15}), kCelsius);
+  EXPECT_EQ(passing->Point(1)->Te()->TODseconds(), 15);
+
   const auto still = pathOf({{0, 0, 0, 50}, {30, 0, 0, 50}});
   const auto hovering = emissionGeometry(still, at(0, 0, 50), recordsAt({15}), kCelsius);
   EXPECT_EQ(hovering->Point(1)->SRe, 0);
@@ -148,8 +152,12 @@ TEST(EmissionGeometry, WhereTheSourceHovers) {
 
 TEST(EmissionGeometry, AcrossMidnight) {
   const auto path = pathOf({{86399, 0, 0, 343.2}, {0.5, 1.5, 0, 343.2}, {4, 5, 0, 343.2}});
-  const auto geometry =
-      emissionGeometry(path, at(0, 0, 0), recordsAt({86399.5, 0.25, 3}, 45000), kCelsius);
+  auto records = recordsAt({86399.5, 0.25, 3}, 45000);
+  records.startTime()->TODseconds(86399);
+  records.ReferenceTime()->TODseconds(1.5);
+  const auto geometry = emissionGeometry(path, at(0, 0, 0), records, kCelsius);
+  EXPECT_EQ(geometry->startTime()->TODseconds(), 86399);
+  EXPECT_EQ(geometry->ReferenceTime()->TODseconds(), 1.5);
   EXPECT_FALSE(geometry->contains(1));
   EXPECT_NEAR(geometry->Point(2)->Te()->TODseconds(), 86399.25, 1e-5);
   EXPECT_EQ(geometry->Point(2)->Te()->CurrentDate(), 44999);
@@ -167,7 +175,7 @@ TEST(EmissionGeometry, NothingIsExtrapolated) {
       emissionGeometry(path, at(0, 0, 0), recordsAt({10.99, 11, 12, 12.01}), kCelsius);
   EXPECT_FALSE(geometry->contains(1));
   EXPECT_TRUE(geometry->contains(2));
-  EXPECT_TRUE(geometry->contains(3));
+  EXPECT_EQ(geometry->Point(3)->Pe()->Z(), 343.2);  // of two positions at the same time
   EXPECT_FALSE(geometry->contains(4));
   EXPECT_EQ(emissionGeometry(pathOf({}), at(0, 0, 0), recordsAt({1}), kCelsius)->Count(), 0);
   EXPECT_EQ(

@@ -1,3 +1,4 @@
+#include <aq/noise/level_table.h>
 #include <aq/noise/perceived_noise_level.h>
 #include <aq/noise/weighted_level.h>
 #include <gtest/gtest.h>
@@ -106,6 +107,28 @@ TEST(WeightedLevel, ALevelInHundredthsIsUnchanged) {
   }
 }
 
+TEST(EnergySum, OfLevelsThatCount) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_NEAR(*energySum(std::array{60.0, nan, 9999.0, 60.0}), 60 + 10 * std::log10(2), 1e-12);
+  EXPECT_EQ(energySum(std::array{nan, 9999.0}), std::nullopt);
+}
+
+TEST(LevelTable, HasCodesUpTo128Decibels) {
+  for (std::size_t count = 1; count <= 9; ++count) {
+    for (std::size_t place = 0; place < count; ++place) {
+      std::vector<LevelCode> codes(count, 6000);
+      for (const int code : {0, 1, 6001, 12799, 12800}) {
+        codes[place] = static_cast<LevelCode>(code);
+        EXPECT_TRUE(areInTable(codes)) << code << " of " << count;
+      }
+      for (const int code : {-32768, -32767, -1, 12801, 20000, 32767}) {
+        codes[place] = static_cast<LevelCode>(code);
+        EXPECT_FALSE(areInTable(codes)) << code << " of " << count;
+      }
+    }
+  }
+}
+
 /// Noys of a band, from the perceived noise level of that band alone.
 double noys(std::int16_t band, double level) {
   const double pnl = perceivedNoiseLevel(test::spectrumOf(band, {level}));
@@ -148,6 +171,11 @@ TEST(PerceivedNoise, SumsNoys) {
   EXPECT_NEAR(perceivedNoiseLevel(spectrumOf(17, {200.0})), level(std::pow(10, 0.030103 * 148)),
               1e-9);
   EXPECT_ERROR(perceivedNoiseLevel(spectrumOf(30, {20000.0})), Overflow);
+  AQ_Spectrum shortened;  // no longer has a level in band 40
+  shortened.assignLevels(17, std::vector<double>(24, 90));
+  shortened.assignLevels(17, std::vector<double>(23, 60));
+  EXPECT_EQ(perceivedNoiseLevel(shortened),
+            perceivedNoiseLevel(spectrumOf(17, std::vector<Variant>(23, 60.0))));
 }
 
 }  // namespace
