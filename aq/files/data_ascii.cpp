@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <utility>
-#include <vector>
 
 #include "aq/core/platform.h"
 #include "aq/detail/pointers.h"
@@ -17,13 +16,13 @@ constexpr char kQuote = '"';
 constexpr char kPlaceholder = '|';
 
 std::string replaced(std::string_view text, std::string_view from, std::string_view to) {
-  std::vector<std::string_view> pieces;
-  split(text, from, pieces);
   std::string result;
-  for (std::size_t i = 0; i < pieces.size(); ++i) {
-    if (i != 0) result += to;
-    result += pieces[i];
-  }
+  std::string_view between;
+  forEachPiece(text, from, [&](std::string_view piece) {
+    result += between;
+    result += piece;
+    between = to;
+  });
   return result;
 }
 
@@ -41,8 +40,11 @@ AQ_DataMessage AQ_DataASCII::readFields(const std::string& sFileName) {
   return reading(sFileName, [&](const std::string& name) {
     auto fields = std::make_shared<FieldLines>();
     LineReader lines(name);
-    std::vector<std::string_view> pieces;  // shared by all lines
-    while (lines.next()) fields->Add(divided(lines.line(), pieces));
+    std::int32_t expected = 0;  // as many fields as in the line before
+    while (lines.next()) {
+      fields->Add(divided(lines.line(), expected));
+      expected = fields->Item(fields->Count())->Count();
+    }
     fields_ = std::move(fields);
   });
 }
@@ -78,8 +80,8 @@ void AQ_DataASCII::CommentFields(bool quoted) {
   closing_ = kQuote + delimiter_;
 }
 
-std::shared_ptr<Collection<std::string>> AQ_DataASCII::divided(
-    std::string_view line, std::vector<std::string_view>& pieces) const {
+std::shared_ptr<Collection<std::string>> AQ_DataASCII::divided(std::string_view line,
+                                                               std::int32_t expected) const {
   auto fields = std::make_shared<Collection<std::string>>();
   if (delimiter_ == " ") {
     divideAtSpaces(line, *fields);
@@ -88,16 +90,13 @@ std::shared_ptr<Collection<std::string>> AQ_DataASCII::divided(
   line = trimmed(line);
   std::string guarded;
   if (quotedFields_ && line.find(kQuote) != line.npos) line = guarded = withPlaceholders(line);
-  pieces.clear();
-  split(line, delimiter_, pieces);
-  fields->reserve(pieces.size());
+  fields->reserve(std::min(static_cast<std::size_t>(expected), line.size() + 1));
   const bool plain = line.find(kQuote) == line.npos && line.find(kPlaceholder) == line.npos;
-  for (const std::string_view piece : pieces) {
-    if (plain) {
-      fields->Emplace(trimmed(piece));
-    } else {
-      fields->Add(restored(piece));
-    }
+  if (plain) {
+    forEachPiece(line, delimiter_,
+                 [&](std::string_view piece) { fields->Emplace(trimmed(piece)); });
+  } else {
+    forEachPiece(line, delimiter_, [&](std::string_view piece) { fields->Add(restored(piece)); });
   }
   return fields;
 }

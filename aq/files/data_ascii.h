@@ -4,7 +4,6 @@
 #include <string>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "aq/core/collection.h"
 #include "aq/core/enumerations.h"
@@ -49,8 +48,8 @@ class AQ_API AQ_DataASCII : public FileClass {
   void CommentFields(bool quoted);
 
  private:
-  [[nodiscard]] std::shared_ptr<Collection<std::string>> divided(
-      std::string_view line, std::vector<std::string_view>& pieces) const;
+  [[nodiscard]] std::shared_ptr<Collection<std::string>> divided(std::string_view line,
+                                                                 std::int32_t expected) const;
   [[nodiscard]] std::string withPlaceholders(std::string_view line) const;
   [[nodiscard]] std::string restored(std::string_view field) const;
   [[nodiscard]] std::string linesText() const;

@@ -1,13 +1,10 @@
 #include "aq/text/fields.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstdint>
 #include <utility>
 
 #include "aq/text/date_text.h"
 #include "aq/text/plain_number.h"
-#include "aq/text/word.h"
 
 namespace aq {
 
@@ -44,38 +41,9 @@ std::string_view keywordIn(std::string_view field) {
   return mark == field.npos ? std::string_view() : field.substr(0, mark);
 }
 
-namespace {
-
-void splitAt(char delimiter, std::string_view text, std::vector<std::string_view>& pieces) {
-  std::size_t begin = 0;
-  const auto endPiece = [&](std::size_t end) {
-    pieces.push_back(text.substr(begin, end - begin));
-    begin = end + 1;
-  };
-  std::size_t at = 0;
-  for (; text.size() - at >= kWordBytes; at += kWordBytes) {
-    std::uint64_t marks = marksOf(delimiter, wordOfText(text.substr(at)));
-    for (; marks != 0; marks &= marks - 1) {
-      endPiece(at + static_cast<std::size_t>(std::countr_zero(marks)) / 8);
-    }
-  }
-  for (; at < text.size(); ++at) {
-    if (text[at] == delimiter) endPiece(at);
-  }
-  endPiece(text.size());
-}
-
-}  // namespace
-
 void split(std::string_view text, std::string_view delimiter,
            std::vector<std::string_view>& pieces) {
-  if (delimiter.size() == 1) return splitAt(delimiter.front(), text, pieces);
-  for (;;) {
-    const std::size_t at = delimiter.empty() ? text.npos : text.find(delimiter);
-    pieces.push_back(text.substr(0, at));
-    if (at == text.npos) return;
-    text.remove_prefix(at + delimiter.size());
-  }
+  forEachPiece(text, delimiter, [&](std::string_view piece) { pieces.push_back(piece); });
 }
 
 FieldReader::FieldReader(std::string_view line, std::size_t lineNumber, Form form)

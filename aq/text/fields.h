@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -14,6 +16,7 @@
 #include "aq/text/fields_taken.h"
 #include "aq/text/line_reader.h"
 #include "aq/text/number_text.h"
+#include "aq/text/word.h"
 
 namespace aq {
 
@@ -43,8 +46,31 @@ inline constexpr std::string_view kKeywordMark = "**";
 /// The part before the mark in a header line's first field; empty when there is no mark.
 [[nodiscard]] AQ_API std::string_view keywordIn(std::string_view field);
 
-/// Appends to `pieces` the parts of `text` between its delimiters: n of them give n + 1 parts. An
+/// Calls `put` with each part of `text` between its delimiters: n of them give n + 1 parts. An
 /// empty delimiter splits nothing.
+template <class Put>
+void forEachPiece(std::string_view text, std::string_view delimiter, const Put& put) {
+  std::size_t begin = 0;
+  const auto endPiece = [&](std::size_t end) {
+    put(text.substr(begin, end - begin));
+    begin = end + delimiter.size();
+  };
+  std::size_t at = 0;
+  if (delimiter.size() == 1) {
+    for (; text.size() - at >= kWordBytes; at += kWordBytes) {
+      std::uint64_t marks = marksOf(delimiter.front(), wordOfText(text.substr(at)));
+      for (; marks != 0; marks &= marks - 1) {
+        endPiece(at + static_cast<std::size_t>(std::countr_zero(marks)) / 8);
+      }
+    }
+  }
+  while (!delimiter.empty() && (at = text.find(delimiter, std::max(at, begin))) != text.npos) {
+    endPiece(at);
+  }
+  put(text.substr(begin));
+}
+
+/// Appends these parts to `pieces`.
 AQ_API void split(std::string_view text, std::string_view delimiter,
                   std::vector<std::string_view>& pieces);
 
