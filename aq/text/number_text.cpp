@@ -348,13 +348,12 @@ std::string numberText(std::int32_t value) {
 char* putFraction(char* at, float value) {
   if (value == std::floor(value)) return at;
   if (value >= 1 && value < 1e6F) return putDecimals(at, value);
-  Buffer digits;
+  Buffer buffer;
   int exponent = 0;
+  const std::string_view digits = significantDigits(value, kSingleDigits, buffer, exponent);
   Buffer plain;
-  const char* const end =
-      putFixed(plain.data(), significantDigits(value, kSingleDigits, digits, exponent), exponent);
-  const char* const point = std::find(static_cast<const char*>(plain.data()), end, '.');
-  return std::copy(point, end, at);
+  char* const end = putFixed(plain.data(), digits, exponent);
+  return std::copy(std::find(plain.data(), end, '.'), end, at);
 }
 
 }  // namespace aq

@@ -240,6 +240,9 @@ TEST(SetMetrics, AFailureLeavesTheHistoryAsItWas) {
   still.spectrum(3)->Time()->TODseconds(10.5);
   EXPECT_ERROR(setMetrics(still), InvalidValue);
   EXPECT_TRUE(unchanged(still, 1));
+  still.spectrum(2)->Time()->TODseconds(0);
+  still.spectrum(3)->Time()->assignSeconds(kSecondsPerDay, 0);
+  EXPECT_ERROR(setMetrics(still), InvalidValue);
 
   auto lacking = historyOf(1, 10, {60, 61});
   lacking.spectrum(3, nullptr);
@@ -298,6 +301,7 @@ TEST(AuditMetrics, ListsStoredMetricsThatDiffer) {
   silent.spectrum(1)->Metric()->LGB(31);  // without a map, there is nothing to compare it with
   const auto made = auditMetrics(silent, nullptr, 0);
   ASSERT_EQ(made.size(), 1U);
+  EXPECT_EQ(made[0].metric, AQ_METRIC_PNL);
   EXPECT_TRUE(std::isnan(made[0].computed));
   EXPECT_ERROR(auditMetrics(silent, nullptr, -0.1), InvalidArgument);
   EXPECT_ERROR(auditMetrics(silent, nullptr, std::nan("")), InvalidArgument);
