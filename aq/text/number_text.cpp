@@ -215,7 +215,7 @@ char* putThousandths(char* at, double value) {
   constexpr double kLargest = 1e11;
   const double size = std::abs(value);
   if (!(size < kLargest)) return nullptr;
-  const auto thousandths = static_cast<std::int64_t>(size * kScale + 0.5);
+  const auto thousandths = static_cast<std::int64_t>(std::nearbyint(size * kScale));
   if (static_cast<double>(thousandths) / kScale != size) return nullptr;
   if (value < 0) *at++ = '-';
   at = std::to_chars(at, at + kIntegerSize, thousandths / 1000).ptr;
