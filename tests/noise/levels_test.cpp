@@ -72,6 +72,8 @@ TEST(WeightedLevel, SumsWhatCounts) {
       {spectrumOf(10, {60.0}), nullptr, AQ_METRIC_AWT, -10.4},
       {spectrumOf(43, {60.0}), nullptr, AQ_METRIC_AWT, 50.7},
       {spectrumOf(29, {60.0, 60.0}), nullptr, AQ_METRIC_OA, 60 + 10 * std::log10(2)},
+      {spectrumOf(10, {70.0, 70.0}), nullptr, AQ_METRIC_AWT,
+       70 + 10 * std::log10(std::pow(10, -7.04) + std::pow(10, -6.34))},
       {spectrumOf(9, {60.0}), nullptr, AQ_METRIC_AWT, {}},
       {spectrumOf(44, {60.0}), nullptr, AQ_METRIC_CWT, {}},
       {spectrumOf(9, {60.0, 9999.0}), nullptr, AQ_METRIC_OA, 60},

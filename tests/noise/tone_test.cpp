@@ -96,6 +96,12 @@ TEST(ToneCorrection, AMarkedLastLevelContinuesTheSlopeBeforeIt) {
   EXPECT_EQ(result.band, 22);
 }
 
+TEST(ToneCorrection, ALevelAfterARiseIsMarkedIfTheNextSlopeIsZero) {
+  const auto result = toneCorrection(spectrumOf(19, {60.0, 70.0, 70.0, 70.0}));
+  EXPECT_TRUE(result.rows[1].levelMarked);
+  EXPECT_FALSE(result.rows[2].levelMarked);
+}
+
 TEST(ToneCorrection, FromDifference) {
   // A level that is n dB above a flat spectrum is n dB above its background.
   const auto toneOf = [](std::size_t at, double height) {
