@@ -9,7 +9,6 @@
 
 #include "aq/core/error.h"
 #include "aq/text/number_text.h"
-#include "aq/text/plain_number.h"
 #include "aq/text/word.h"
 
 namespace aq {
@@ -153,27 +152,26 @@ void appendMilliseconds(std::string& text, double secondsOfDay) {
 
 PlainClock plainClock(std::string_view text) {
   constexpr std::size_t kPoint = 8;
-  constexpr std::size_t kMostDecimals = 6;
+  constexpr std::size_t kLongest = kPoint + 7;
   if (text.size() < kPoint || text[2] != ':' || text[5] != ':') return {};
   const std::uint64_t clock = wordOfText(text) ^ wordOfText("00:00:00");
+  bool digits = areDigits(clock);
   const std::uint64_t pairs = clock * 10 + (clock >> 8);
   const int hours = byteOf(pairs, 0);
   const int minutes = byteOf(pairs, 3);
-  FieldWord decimals;
-  std::size_t length = kPoint;
-  if (length < text.size() && text[length] == '.') {
-    decimals = fieldWord(text.substr(++length));
-    length += decimals.length;
+  std::int32_t seconds = byteOf(pairs, 6);  // with its decimals as one integer
+  std::int32_t scale = 1;
+  std::size_t place = kPoint;
+  if (place < text.size() && text[place] == '.') ++place;
+  for (; place > kPoint && place < std::min(text.size(), kLongest) && text[place] != ','; ++place) {
+    const auto digit = static_cast<unsigned>(text[place] - '0');
+    digits = digits && digit <= 9;
+    seconds = seconds * 10 + static_cast<int>(digit);
+    scale *= 10;
   }
-  const bool whole = length == text.size() || text[length] == ',';
-  if (!areDigits(clock) || !areDigits(decimals.bytes) || decimals.length > kMostDecimals ||
-      !whole) {
-    return {};
-  }
-  const double scale = ExactRange<double>::powers[decimals.length];
-  const double seconds = byteOf(pairs, 6) * scale + numberOfDigits(decimals.bytes);
-  const auto narrowed = static_cast<float>(seconds / scale);
-  return {minutes * 60 + hours * 3600 + static_cast<double>(narrowed), length};
+  if (!digits || (place < text.size() && text[place] != ',')) return {};
+  const auto narrowed = static_cast<float>(seconds / static_cast<double>(scale));
+  return {minutes * 60 + hours * 3600 + static_cast<double>(narrowed), place};
 }
 
 std::string twelveHourText(std::string_view clockTime) {

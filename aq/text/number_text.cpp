@@ -241,25 +241,32 @@ void appendEveryDigit(std::string& text, Real value) {
 
 }  // namespace
 
-PlainNumber longNumber(std::string_view unsignedText, bool negative) {
-  constexpr std::size_t kMostDigits = 15;
-  constexpr std::array<std::int64_t, kWordBytes + 1> kPowers{
-      1, 10, 100, 1000, 10'000, 100'000, 1'000'000, 10'000'000, 100'000'000};
-  if (unsignedText.size() <= kWordBytes) return {};
-  const FieldDigits first = digitsOf(fieldOf(wordOfText(unsignedText), kWordBytes));
-  const FieldWord rest = fieldWord(unsignedText.substr(kWordBytes));
-  const FieldDigits second = digitsOf(rest);
-  const std::size_t points = first.points + second.points;
-  const std::size_t length = kWordBytes + rest.length;
-  if (!first.areDigits || !second.areDigits || rest.length == 0 || points > 1 ||
-      length - points > kMostDigits) {
-    return {};
+PlainNumber longNumber(std::string_view text) {
+  constexpr std::ptrdiff_t kMostDigits = 15;
+  const char* const end = text.data() + text.size();
+  const char* at = text.data();
+  PlainNumber number;
+  number.negative = at != end && *at == '-';
+  if (number.negative) ++at;
+  const char* const begin = at;
+  const char* fraction = nullptr;
+  std::uint64_t digits = 0;
+  for (; at != end; ++at) {
+    const auto digit = static_cast<unsigned>(*at - '0');
+    if (digit <= 9) {
+      digits = digits * 10 + digit;
+    } else if (*at == '.' && fraction == nullptr) {
+      fraction = at + 1;
+    } else {
+      break;
+    }
   }
-  return {.digits = first.number * kPowers[rest.length - second.points] + second.number,
-          .decimals = static_cast<std::uint8_t>(first.points != 0 ? first.decimals + rest.length
-                                                                  : second.decimals),
-          .length = static_cast<std::uint8_t>(length + (negative ? 1 : 0)),
-          .negative = negative};
+  const std::ptrdiff_t count = at - begin - (fraction != nullptr ? 1 : 0);
+  if (count == 0 || count > kMostDigits || (at != end && *at != ',')) return {};
+  number.digits = static_cast<std::int64_t>(digits);
+  number.decimals = fraction != nullptr ? static_cast<std::size_t>(at - fraction) : 0;
+  number.length = static_cast<std::size_t>(at - text.data());
+  return number;
 }
 
 std::string upperCased(std::string_view text) {

@@ -15,12 +15,11 @@
 
 namespace aq {
 
-/// A number in plain form: an optional minus sign, up to 15 digits, an optional point. Small enough
-/// to be returned in registers.
+/// A number in plain form: an optional minus sign, up to 15 digits, an optional point.
 struct PlainNumber {
   std::int64_t digits = 0;  // all digits as one integer
-  std::uint8_t decimals = 0;
-  std::uint8_t length = 0;  // in characters; 0 if there is no such number
+  std::size_t decimals = 0;
+  std::size_t length = 0;  // in characters; 0 if there is no such number
   bool negative = false;
 };
 
@@ -30,32 +29,30 @@ struct FieldWord {
   std::size_t length = 0;  // in characters; 0 if there is no such field
 };
 
-/// The first `length` characters of a word, 1 to 8.
-[[nodiscard]] inline FieldWord fieldOf(std::uint64_t word, std::size_t length) {
-  return {(word ^ eightTimes('0')) << (8 * (kWordBytes - length)), length};
-}
-
 /// The field that fills `text` up to its first comma or its end.
 [[nodiscard]] inline FieldWord fieldWord(std::string_view text) {
-  const std::uint64_t word = text.size() >= kWordBytes
-                                 ? wordOfText(text)
-                                 : wordOfShortText(text) | eightTimes(',') << (8 * text.size());
+  std::uint64_t word = eightTimes(',');
+  if (text.size() >= kWordBytes) {
+    word = wordOfText(text);
+  } else {
+    for (std::size_t i = text.size(); i-- > 0;) {
+      word = word << 8 | static_cast<unsigned char>(text[i]);
+    }
+  }
   const std::size_t length = firstPlaceOf(',', word);
   const bool isLonger = length == kWordBytes && text.size() > length && text[length] != ',';
   if (length == 0 || isLonger) return {};
-  return fieldOf(word, length);
+  return {(word ^ eightTimes('0')) << (8 * (kWordBytes - length)), length};
 }
 
-/// The digits of a field that may have a point.
-struct FieldDigits {
-  std::uint32_t number = 0;  // all digits as one integer
-  bool areDigits = false;    // false if the field has another character
-  std::size_t points = 0;
-  std::size_t decimals = 0;
-};
+/// A plain number of any length; see `plainNumber`.
+[[nodiscard]] AQ_API PlainNumber longNumber(std::string_view text);
 
-[[nodiscard]] inline FieldDigits digitsOf(const FieldWord& field) {
+/// The plain number that fills `text` up to its first comma or its end.
+[[nodiscard]] inline PlainNumber plainNumber(std::string_view text) {
   constexpr char kPoint = '.' ^ '0';
+  const bool negative = text.starts_with('-');
+  const FieldWord field = fieldWord(negative ? text.substr(1) : text);
   const std::size_t point = firstPlaceOf(kPoint, field.bytes);
   const std::size_t points = point < kWordBytes ? 1 : 0;
   std::uint64_t digits = field.bytes;
@@ -63,25 +60,10 @@ struct FieldDigits {
     const std::uint64_t after = ~std::uint64_t{0xFF} << (8 * point);
     digits = (digits & after) | (digits & ~(after >> 8)) << 8;
   }
-  return {.number = numberOfDigits(digits),
-          .areDigits = areDigits(digits),
-          .points = points,
-          .decimals = points * (kWordBytes - 1 - point)};
-}
-
-/// A plain number of more than eight characters without its sign.
-[[nodiscard]] AQ_API PlainNumber longNumber(std::string_view unsignedText, bool negative);
-
-/// The plain number that fills `text` up to its first comma or its end.
-[[nodiscard]] inline PlainNumber plainNumber(std::string_view text) {
-  const bool negative = text.starts_with('-');
-  if (negative) text.remove_prefix(1);
-  const FieldWord field = fieldWord(text);
-  const FieldDigits digits = digitsOf(field);
-  if (field.length <= digits.points || !digits.areDigits) return longNumber(text, negative);
-  return {.digits = digits.number,
-          .decimals = static_cast<std::uint8_t>(digits.decimals),
-          .length = static_cast<std::uint8_t>(field.length + (negative ? 1 : 0)),
+  if (field.length <= points || !areDigits(digits)) return longNumber(text);
+  return {.digits = numberOfDigits(digits),
+          .decimals = points * (kWordBytes - 1 - point),
+          .length = field.length + (negative ? 1 : 0),
           .negative = negative};
 }
 

@@ -13,32 +13,15 @@ namespace aq {
 
 inline constexpr std::size_t kWordBytes = sizeof(std::uint64_t);
 
-/// The word of the first characters of `text`, as many as `Word` has bytes.
-template <class Word = std::uint64_t>
-[[nodiscard]] constexpr Word wordOfText(std::string_view text) {
-  Word word = 0;
+/// The word of the first eight characters of `text`, which must have at least eight.
+[[nodiscard]] constexpr std::uint64_t wordOfText(std::string_view text) {
+  std::uint64_t word = 0;
   if (std::endian::native == std::endian::little && !std::is_constant_evaluated()) {
     std::memcpy(&word, text.data(), sizeof word);
     return word;
   }
-  for (std::size_t place = sizeof word; place-- > 0;) {
+  for (std::size_t place = kWordBytes; place-- > 0;) {
     word = word << 8 | static_cast<unsigned char>(text[place]);
-  }
-  return word;
-}
-
-/// The word of fewer than eight characters, followed by zeros.
-[[nodiscard]] inline std::uint64_t wordOfShortText(std::string_view text) {
-  constexpr std::size_t kHalf = sizeof(std::uint32_t);
-  if (text.size() >= kHalf) {
-    const std::size_t last = text.size() - kHalf;  // the halves may overlap
-    return wordOfText<std::uint32_t>(text) |
-           std::uint64_t{wordOfText<std::uint32_t>(text.substr(last))} << (8 * last);
-  }
-  std::uint64_t word = 0;
-  if (text.empty()) return word;
-  for (const std::size_t place : {std::size_t{0}, text.size() / 2, text.size() - 1}) {
-    word |= std::uint64_t{static_cast<unsigned char>(text[place])} << (8 * place);
   }
   return word;
 }
