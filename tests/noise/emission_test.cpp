@@ -114,9 +114,9 @@ TEST(EmissionGeometry, Angles) {
       // Climbs at 45 degrees towards +x and +y, past a microphone on the right.
       {{0, 0, 0, 100},
        {10, 0.001, 0.001, 100 + 0.001 * std::numbers::sqrt2},
-       at(100, 0, 0),
-       std::acos((0.5 - std::sqrt(0.5)) / std::numbers::sqrt2) / std::numbers::pi * 180,
-       -std::atan(2 - std::numbers::sqrt2) / std::numbers::pi * 180},
+       at(60, 40, 0),
+       std::acos((50 - 100 * std::sqrt(0.5)) / std::sqrt(15200)) / std::numbers::pi * 180,
+       -std::atan(20 * std::sqrt(0.5) / (50 + 100 * std::sqrt(0.5))) / std::numbers::pi * 180},
   };
   for (std::size_t i = 0; i < cases.size(); ++i) {
     SCOPED_TRACE(i);
