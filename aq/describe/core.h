@@ -26,7 +26,7 @@ struct Description<AQ_Time> {
                   "The time relative to a reference time", kSeconds)
         .setter("setRelTime", &T::setRelTime,
                 "Sets RelSeconds to the time since a reference, including the days in between; "
-                "raises if these days, in seconds, exceed 32 bits",
+                "raises if those days, in seconds, do not fit in 32 bits",
                 in("reference", "The reference time"))
         .method("TODnumbers", &T::TODnumbers,
                 "Sets the time of day from three numbers, each in single precision; does not check "
@@ -35,15 +35,16 @@ struct Description<AQ_Time> {
                 in("Hours", "Hours", Quantity{"h"}), in("Minutes", "Minutes", Quantity{"min"}),
                 in("Seconds", "Seconds", kSeconds))
         .property("TODseconds", &T::TODseconds, &T::TODseconds,
-                  "The time of day, from midnight; a value above 86400 wraps into the next day. "
-                  "Raises for one that is not finite",
+                  "The time of day since midnight; a value above 86400 wraps into the next day. "
+                  "Raises for a value that is not finite",
                   kSecondsOfDay)
         .property("WorkingTime", &T::WorkingTime,
                   "RelSeconds or TODseconds, as chosen by setWorkingTime", kSeconds)
         .form(
             "TODstring", &T::TODstring, &T::TODstring,
             "The time of day as hh:mm:ss with a fraction, as in 12:34:56.5; reading raises unless "
-            "it is from 0 to below 90000 s; setting raises if the text has fewer than two colons")
+            "the time is at least 0 and below 90000 s; setting raises if the text has fewer than "
+            "two colons")
         .property("CurrentDate", &T::CurrentDate, &T::CurrentDate,
                   "The calendar date; 0 means not set", Date{})
         .setter("setWorkingTime", &T::setWorkingTime, "Chooses the time that WorkingTime returns",
@@ -94,8 +95,10 @@ struct Description<FileFailure> {
   static void members(To& to) {
     using F = FileFailure;
     to.field("file", &F::file, "The file, as the caller named it", FileName{})
-        .field("line", &F::line, "The line, from 1; 0 for the whole file", Quantity{"line", 0})
-        .field("field", &F::field, "The field, from 1; 0 for the whole line", Quantity{"field", 0})
+        .field("line", &F::line, "The line, counted from 1; 0 for the whole file",
+               Quantity{"line", 0})
+        .field("field", &F::field, "The field, counted from 1; 0 for the whole line",
+               Quantity{"field", 0})
         .field("expected", &F::expected, "What was expected, for example a level")
         .field("found", &F::found, "What was found; text from the file is in quotes")
         .method("message", &F::message, "The whole failure in one line");
@@ -106,7 +109,8 @@ template <>
 struct Description<FileInformation> {
   static constexpr char name[] = "FileInformation";
   static constexpr char text[] =
-      "Supplies the names and dates of files that writers record. A host may install its own";
+      "Supplies the names and dates of files that writers record. A host may install its own "
+      "service";
   template <class To>
   static void members(To& to) {
     using I = FileInformation;

@@ -16,10 +16,10 @@
 #include "aq/core/variant.h"
 
 // The description of the object model for hosts: each class, enumeration and member once, with its
-// name and its meaning. A host calls `forMembers<C>` with a function that accepts all
-// kinds of members below; types come from the pointers to members. Initial values are not listed:
-// hosts read them from a new object. Members are in the order of the interface, and new ones are
-// added at the end, since some hosts identify a member by its position.
+// name and its meaning. A host calls `forMembers<C>` with a function that accepts every kind of
+// member below; types come from the pointers to members. Initial values are not listed: hosts read
+// them from a new object. Members are in the order of the interface, and new ones are added at the
+// end, since some hosts identify a member by its position.
 
 namespace aq::describe {
 
@@ -31,11 +31,11 @@ struct Quantity {
   double high = std::numeric_limits<double>::infinity();
 };
 
-/// A number that is a date: days since 1899-12-30, the time of day as the fraction.
+/// A number that is a date: days since 1899-12-30, with the time of day as the fraction.
 struct Date {};
-/// Text that names a file of the system.
+/// Text that names a file in the file system.
 struct FileName {};
-/// The word under which hosts list a value, as in `project`. It never changes.
+/// The word under which hosts list a value, such as `project`. It never changes.
 struct Key {
   std::string_view word;
 };
@@ -272,7 +272,7 @@ class Members {
     using Get = const std::optional<FileFailure>& (C::*)() const;
     return take(Property<Get, std::nullptr_t>{
         "lastFailure", &C::lastFailure, nullptr,
-        about("Why the last call gave AQ_DATA_FILE_ERROR; none if it succeeded")});
+        about("Why the last call gave AQ_DATA_FILE_ERROR; no object if it succeeded")});
   }
 
   template <class Get, class Set>
@@ -391,7 +391,7 @@ concept Described = requires {
   Description<C>::name;
 };
 
-/// Classes or enumerations of a folder, in order of their dependencies.
+/// The classes or enumerations of a folder, in the order of their dependencies.
 template <class... C>
 struct List {};
 

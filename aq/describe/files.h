@@ -49,7 +49,7 @@ struct Description<FileKind> {
         .member("Unknown", FileKind::Unknown, "Another kind of file, or one that cannot be read")
         .member("FixedColumnHistory", FileKind::FixedColumnHistory,
                 "Levels of the records of a measurement in fixed columns")
-        .member("AnalyzerRecording", FileKind::AnalyzerRecording, "A recording of an analyzer");
+        .member("AnalyzerRecording", FileKind::AnalyzerRecording, "An analyzer recording");
   }
 };
 
@@ -100,7 +100,7 @@ struct Description<AQ_DataPTH> {
     to.method("writeFile", &F::writeFile, kWrites, kPath, kHeaderIn,
               in("aqTimeHistory", "The positions"), kResult)
         .method("readFile", &F::readFile, kReads, kPath, kHeaderOut,
-                in("PTH", "Receives the positions, a new history"), kResult)
+                in("PTH", "Receives the positions as a new history"), kResult)
         .lastFailure();
   }
 };
@@ -114,7 +114,7 @@ struct Description<AQ_DataTSPI> {
   static void members(To& to) {
     using F = AQ_DataTSPI;
     to.method("readFile", &F::readFile, "Reads a file into a new history, numbered from 1", kPath,
-              in("PTH", "Receives the positions, a new history"), kResult)
+              in("PTH", "Receives the positions as a new history"), kResult)
         .property("RT20Limit", &F::RT20Limit, &F::RT20Limit,
                   "The highest quality figure to accept; 0 is the best",
                   Quantity{"quality figure", 0, 255})
@@ -149,7 +149,7 @@ struct Description<AQ_DataGTH> {
     to.method("writeFile", &F::writeFile, kWrites, kPath, kHeaderIn,
               in("aqTimeHistory", "The points, of which 1 to Count are written"), kResult)
         .method("readFile", &F::readFile, kReads, kPath, kHeaderOut,
-                in("GTH", "Receives the points, a new history"), kResult)
+                in("GTH", "Receives the points as a new history"), kResult)
         .lastFailure();
   }
 };
@@ -267,7 +267,7 @@ struct Description<AQ_DataINI> {
         .property("HiRec", &F::HiRec, &F::HiRec, "Last record of the analysis; 0 is not written",
                   kRecord, Key{"high_record"})
         .property("FileName", &F::FileName, &F::FileName,
-                  "The file's name, written as the file information service records it", FileName{},
+                  "The file's name, written as the file information service gives it", FileName{},
                   Key{"file_name"})
         .property("FileDate", &F::FileDate, "The date and time of the file read last",
                   Key{"file_date"})

@@ -45,8 +45,8 @@ struct Description<AQ_PositionTimeHistory> {
                  "The sample at an index from 1; reading raises if it is missing. Storing takes a "
                  "record number instead of an index")
         .method("PositionAt", &H::PositionAt,
-                "The stored sample nearest in time of day; no object if no two samples enclose it. "
-                "Raises if there are more than 32767 samples",
+                "The stored sample nearest in time of day; no object if no two samples enclose "
+                "that time. Raises if there are more than 32767 samples",
                 in("aqTime", "The time of day"))
         .method("GoodTime", &H::GoodTime,
                 "Whether a time of day lies between the first and the last sample; raises if the "
@@ -127,10 +127,10 @@ struct Description<AQ_GeometryTimeHistory> {
         .method(
             "setTimeStamps", &H::setTimeStamps,
             "Stamps Tm of points 1 to Count half a second apart, then sets their times "
-            "relative to the reference. If a point is missing, raises with only those before it "
-            "stamped",
+            "relative to the reference. If a point is missing, raises after stamping only those "
+            "before it",
             in("startTime", "The time of the first record"),
-            in("StartTimeType", "Which instant of a record its stamp names"),
+            in("StartTimeType", "Which instant of a record its time stamp names"),
             in("RefTime", "The reference time"),
             in("RefType", "Which event the reference time marks"))
         .property("ReferenceTime", &H::ReferenceTime, &H::ReferenceTime, "The reference time")

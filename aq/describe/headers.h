@@ -14,7 +14,7 @@ namespace aq::describe {
 
 inline constexpr auto kFileType = about("The title in the first line of the file, as read");
 inline constexpr auto kName =
-    about("The file's name, written as the file information service records it", FileName{},
+    about("The file's name, written as the file information service gives it", FileName{},
           Key{"file_name"});
 inline constexpr auto kDateTime = about(
     "The file's date and time, as read; the writer writes the current ones", Key{"file_date"});
@@ -22,9 +22,9 @@ inline constexpr auto kProject = about("The project", Key{"project"});
 inline constexpr auto kMicrophone = about("The name of the microphone", Key{"microphone"});
 inline constexpr auto kGeneratedBy =
     about("The program or person that made the file", Key{"generated_by"});
-inline constexpr auto kGenerationFile = about(
-    "The file from which this one was made, written as the file information service records it",
-    FileName{}, Key{"generation_file"});
+inline constexpr auto kGenerationFile =
+    about("The file from which this one was made, written as the file information service gives it",
+          FileName{}, Key{"generation_file"});
 inline constexpr auto kGenerationDateTime = about(
     "The date and time of the generation file, as read; the writer gets them from the file "
     "information service",
@@ -113,7 +113,7 @@ struct Description<AQ_HeaderPTH> {
         .field("sGeneratedBy", &H::sGeneratedBy, kGeneratedBy)
         .field("sTSPIFileName", &H::sTSPIFileName,
                "The tracking file that the positions were made from, written as the file "
-               "information service records it",
+               "information service gives it",
                FileName{}, Key{"tracking_file"})
         .field("sTSPIFileDateTime", &H::sTSPIFileDateTime,
                "The date and time of the tracking file, as read; the writer gets them from the "

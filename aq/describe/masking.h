@@ -22,7 +22,7 @@ struct Description<AQ_Mask> {
                   "Whether the level is masked, and by which test")
         .property("AdjustMode", &M::AdjustMode, &M::AdjustMode, "How the level was adjusted")
         .form("MaskString", &M::MaskString, &M::MaskString,
-              "The letters of mode (-MAF) and adjustment (-SFTACR)");
+              "The letters of the mode (-MAF) and of the adjustment (-SFTACR)");
   }
 };
 
@@ -54,7 +54,7 @@ struct Description<AQ_MaskRow> {
                   "The last good band: 0 when no band from 29 up is masked, 9999 when bands 28 and "
                   "29 both are",
                   kBand)
-        .method("contains", &R::contains, "Whether a band has a mask; creates none",
+        .method("contains", &R::contains, "Whether a band has a mask; does not create one",
                 in("band", "The band", kBand));
   }
 };

@@ -68,8 +68,9 @@ struct Description<NoiseEvent> {
   static constexpr char name[] = "NoiseEvent";
   static constexpr int number = 43;
   static constexpr char text[] =
-      "The noise of one aircraft passing by: its largest tone-corrected perceived noise level, the "
-      "records that count, as indices from 0, and the effective perceived noise level";
+      "The noise of one aircraft passing by: its largest tone-corrected perceived noise level, its "
+      "effective perceived noise level, and the records of the maxima and limits, as indices from "
+      "0";
   template <class To>
   static void members(To& to) {
     using E = NoiseEvent;
@@ -119,7 +120,8 @@ struct Description<NoiseFunctions> {
   template <class To>
   static void members(To& to) {
     constexpr auto spectrum = in("spectrum", "The levels");
-    constexpr auto masks = optionally("masks", "Which of the levels are masked and do not count");
+    constexpr auto masks =
+        optionally("masks", "Which of the levels are masked, so that they do not count");
     constexpr auto history = in("history", "The history of levels");
     constexpr auto map = optionally("map", "Which levels of the records are masked");
     to.function("weightedLevel", &weightedLevel,
@@ -136,9 +138,10 @@ struct Description<NoiseFunctions> {
                   about("The tone correction of a spectrum, from bands 19 to 40"), spectrum, masks)
         .function(
             "noiseEvent", &noiseEvent,
-            about("The event of a series of tone-corrected perceived noise levels; raises if no "
-                  "level is given, if sizes differ, for an infinite level, and for a duration of 0 "
-                  "or less"),
+            about(
+                "The event of a series of tone-corrected perceived noise levels; raises if no "
+                "level is given, if the sizes differ, if a level is infinite, or if a duration is "
+                "0 or less"),
             in("pnlt", "The levels by record; NaN where there is none", Quantity{"TPNdB"}),
             in("seconds", "How long a record lasts: one value for all, or one per record",
                Quantity{"s", 0}),
@@ -146,7 +149,7 @@ struct Description<NoiseFunctions> {
         .function("setMetrics", &setMetrics,
                   about("Computes and stores the ten metrics of every record and returns the "
                         "event; nothing if no record has a PNLT. Raises if consecutive records "
-                        "have the same stamp, or a level is too high for a metric"),
+                        "have the same time stamp, or if a level is too high for a metric"),
                   history, map)
         .function(
             "auditMetrics", &auditMetrics,
@@ -161,8 +164,8 @@ struct Description<NoiseFunctions> {
                   kAir)
         .function("emissionGeometry", &emissionGeometry,
                   about("Where and when the sound of each record was emitted, in metres, degrees "
-                        "and seconds; raises for a position earlier than the previous one, a "
-                        "coordinate that is not finite, and like speedOfSound"),
+                        "and seconds; raises like speedOfSound, and for a position earlier than "
+                        "the previous one or a coordinate that is not finite"),
                   in("positions", "The source's positions, in metres"),
                   in("microphone", "The microphone's position, in metres"),
                   in("records", "The records that were measured"), kAir);

@@ -49,13 +49,13 @@ struct Description<AQ_MetricSummary> {
   static void members(To& to) {
     using S = AQ_MetricSummary;
     to.method("Copy", &S::Copy, "A new summary with the same list")
-        .setter("MetricType", &S::MetricType, "Adds a metric; a listed one moves to the end",
+        .setter("MetricType", &S::MetricType, "Adds a metric; one already listed moves to the end",
                 in("aqMetric", "Which metric"))
         .property("MetricTypes", &S::MetricTypes, "The summary's own list, not a copy")
         .method("isMetric", &S::isMetric, "Whether a metric is listed",
                 in("aqMetric", "Which metric"))
         .form("MetricTypeString", &S::MetricTypeString, &S::MetricTypeString,
-              "The list as text, as in AWT, PNLT; setting adds the metric with that name");
+              "The list as text, for example AWT, PNLT; setting adds the metric with that name");
   }
 };
 
@@ -102,10 +102,10 @@ struct Description<AQ_Band> {
     using B = AQ_Band;
     to.method("Copy", &B::Copy, "Returns no object for an empty band; raises for any other")
         .indexed("SPL", &B::SPL, &B::SPL, in("nSpectrum", "The spectrum's number", kRecord),
-                 "The level of a spectrum number; reading raises if the number has no level",
+                 "The level of a spectrum, by its number; reading raises if there is none",
                  kDecibels)
         .property("Count", &B::Count, "Number of stored levels", kRecords)
-        .method("contains", &B::contains, "Whether a spectrum number has a level",
+        .method("contains", &B::contains, "Whether there is a level for a spectrum number",
                 in("number", "The spectrum's number", kRecord));
   }
 };
@@ -130,13 +130,14 @@ struct Description<AQ_SpectralTimeHistory> {
                 "range exceeds this history's. Raises if a record in it is missing",
                 in("LoRec", "The first record", kRecord), in("HiRec", "The last record", kRecord))
         .form("sAveragingMethod", &H::sAveragingMethod, &H::sAveragingMethod,
-              "AverageMethod as LINEAR, TRUSLO, 4S100, 4S95, CONTEXPO or NA; other text changes "
-              "nothing")
+              "AverageMethod as a word: LINEAR, TRUSLO, 4S100, 4S95, CONTEXPO or NA; other text "
+              "changes nothing")
         .form("sReferenceTimeType", &H::sReferenceTimeType, &H::sReferenceTimeType,
-              "ReferenceType as START, OVERHEAD, AMAX, PMAX, TMAX, OAMAX, HACK or OTHER; setting "
-              "never changes it")
+              "ReferenceType as a word: START, OVERHEAD, AMAX, PMAX, TMAX, OAMAX, HACK or OTHER; "
+              "setting never changes it")
         .form("sTimeStampType", &H::sTimeStampType, &H::sTimeStampType,
-              "TimeStampType as START, MIDPT, END, ICAOSLO or OLDSLO; other text changes nothing")
+              "TimeStampType as a word: START, MIDPT, END, ICAOSLO or OLDSLO; other text changes "
+              "nothing")
         .property("Count", &H::Count, "The number of spectra; raises if there are more than 32767",
                   kCount)
         .method("EncompassesMask", &H::EncompassesMask,
@@ -154,7 +155,7 @@ struct Description<AQ_SpectralTimeHistory> {
                 "Stamps the records half a second apart, and sets their times relative to the "
                 "reference; raises at a missing record, after stamping those before it",
                 in("startTime", "The time of the first record"),
-                in("StartTimeType", "Which instant of a record its stamp names"),
+                in("StartTimeType", "Which instant of a record its time stamp names"),
                 in("RefTime", "The reference time"),
                 in("RefType", "Which event the reference time marks"))
         .indexed("spectrum", &H::spectrum, &H::spectrum, in("nRecord", "The record", kRecord),
@@ -162,12 +163,13 @@ struct Description<AQ_SpectralTimeHistory> {
         .property("ReferenceTime", &H::ReferenceTime, &H::ReferenceTime, "The reference time")
         .method("Copy", &H::Copy,
                 "A deep copy; raises if a record from LoRec to HiRec or a level is missing")
-        .indexed("Band", &H::Band,
-                 static_cast<void (H::*)(std::int16_t, const std::shared_ptr<AQ_Band>&)>(&H::Band),
-                 in("nBand", "The band", kBand),
-                 "The levels of one band over all records; no object if a record lacks it. Setting "
-                 "stops without an error at the first record that is missing or has no level in "
-                 "the given band")
+        .indexed(
+            "Band", &H::Band,
+            static_cast<void (H::*)(std::int16_t, const std::shared_ptr<AQ_Band>&)>(&H::Band),
+            in("nBand", "The band", kBand),
+            "The levels of one band over all records; no object if a record lacks the band. "
+            "Setting stops without an error at the first record that is missing or has no level "
+            "in the given band")
         .method("setRelTimes", &H::setRelTimes,
                 "Shares the reference time and sets every record's relative time; raises like "
                 "setTimeStamps",
@@ -202,7 +204,7 @@ struct Description<SpectralFunctions> {
               "records are numbered from 1 without gaps, the ambient has a valid level in each of "
               "their bands, and the margin is 0 or more"),
         in("history", "The levels to mask"), in("ambient", "The levels of the ambient"),
-        in("margin", "Levels that do not exceed the ambient by at least this are masked",
+        in("margin", "Levels that do not exceed the ambient by at least this much are masked",
            Quantity{"dB", 0}));
   }
 };
