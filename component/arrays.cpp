@@ -37,8 +37,8 @@ struct Range {
   }
 };
 
-/// An array for the host. Its values are initially Empty, and it starts at 1, since some hosts
-/// support no other bounds.
+/// An array for the host. Its values are initially Empty, and its indices start at 1, since some
+/// hosts support no other bounds.
 class NewArray {
  public:
   NewArray(std::size_t rows, std::size_t columns, UINT dimensions = 2) : rows_(rows) {

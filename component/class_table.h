@@ -69,7 +69,7 @@ struct ClassTable {
   int number = 0;
   std::vector<Member> members;
   std::function<std::shared_ptr<void>()> create = {};  ///< empty if hosts cannot create objects
-  std::function<Variant(std::shared_ptr<void>)> hold = {};  ///< makes a value of an object
+  std::function<Variant(std::shared_ptr<void>)> hold = {};  ///< makes a value that holds an object
   /// The object of this class that a value holds; null if it holds none.
   std::function<std::shared_ptr<void>(const Variant&)> held = {};
   std::function<std::vector<Value>(void*)> entries = {};        ///< what For Each visits

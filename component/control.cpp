@@ -130,7 +130,7 @@ class Control final : public Counted<IOleObject, IOleControl, IOleInPlaceObject,
     return GetExtent(aspect, to);
   }
 
-  // IPersist of a stream, of a storage and of properties
+  // IPersistStreamInit, IPersistStorage and IPersistPropertyBag
   STDMETHODIMP GetClassID(CLSID* to) override {
     if (to == nullptr) return E_POINTER;
     *to = guid(classIdentifier(kControlNumber));

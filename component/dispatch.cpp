@@ -25,7 +25,7 @@ Shown& shown() {
   return *all;
 }
 
-/// The number of the error in Visual Basic, with which hosts compare.
+/// The error number of Visual Basic, which hosts test for.
 SCODE numberOf(ErrorCode code) {
   constexpr SCODE kFacility = static_cast<SCODE>(0x800A0000);
   switch (code) {
@@ -87,7 +87,7 @@ class Places {
   }
 
   DISPPARAMS& parameters_;
-  // No member has more arguments, and a list would cost more than most calls.
+  // No member has more arguments, and allocating a list would cost more than most calls.
   std::array<VARIANTARG*, 8> places_{};
   std::size_t size_ = 0;
   VARIANTARG* value_ = nullptr;

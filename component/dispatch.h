@@ -14,8 +14,8 @@ namespace aq::com {
 [[nodiscard]] GUID guid(int number);
 
 /// A library object as hosts hold it. As long as it is held, a library object always has the same
-/// host object, so that hosts can compare them. Belongs to the thread that created it: COM forwards
-/// calls from other apartments, and direct calls are refused.
+/// host object, so that hosts can compare objects. Belongs to the thread that created it: COM
+/// forwards calls from other apartments, and direct calls are refused.
 class Dispatch final : public IDispatch, public IProvideClassInfo {
  public:
   Dispatch(std::shared_ptr<void> object, const ClassTable& table);

@@ -36,7 +36,7 @@ inline constexpr std::string_view kIdentifierRest = "-4a90-4a24-9e5e-a2d82603c1a
 inline constexpr int kTypeLibraryIdentifier = 0;
 [[nodiscard]] constexpr int interfaceIdentifier(int classNumber) { return 2 * classNumber; }
 [[nodiscard]] constexpr int classIdentifier(int classNumber) { return 2 * classNumber + 1; }
-/// By this identifier the component recognises its own objects.
+/// The identifier by which the component recognises its own objects.
 inline constexpr int kOwnIdentifier = 999;
 
 // Members are numbered by their position in the description, from 1.

@@ -6,8 +6,8 @@ namespace aq::com {
 
 enum class Scope { Machine, User };
 
-// Registers the classes and the type library for hosts. A failure half-way undoes what was written.
-// Removal keeps what the DLL of the other size, 32 or 64 bits, shares.
+// Registers the classes and the type library for hosts. If this fails half-way, what was written
+// is removed. Removal keeps what the DLL of the other size (32 or 64 bits) shares with this one.
 [[nodiscard]] HRESULT registerServer(Scope scope);
 [[nodiscard]] HRESULT unregisterServer(Scope scope);
 

@@ -24,7 +24,7 @@ std::wstring widened(std::string_view bytes, UINT page, DWORD flags) {
   return text;
 }
 
-/// Whether the code page has every character.
+/// Converts `text` to `bytes`; returns whether the code page has every character.
 bool narrow(std::wstring_view text, UINT page, std::string& bytes) {
   const bool isUtf8 = page == CP_UTF8;
   const DWORD flags = isUtf8 ? WC_ERR_INVALID_CHARS : WC_NO_BEST_FIT_CHARS;

@@ -23,7 +23,7 @@ enum class TextKind {
 [[nodiscard]] BSTR hostText(std::string_view bytes, TextKind kind);
 [[nodiscard]] BSTR hostText(std::wstring_view text);
 
-/// The content of a host's text; a null text is empty.
+/// The content of a host's string; a null string is empty.
 [[nodiscard]] inline std::wstring_view textOf(BSTR text) {
   return text == nullptr ? std::wstring_view() : std::wstring_view(text, SysStringLen(text));
 }

@@ -283,8 +283,8 @@ void setVariant(VARIANT& to, const Variant& value) {
 
 namespace {
 
-/// The last of the variables that refer to each other: late-bound hosts pass on a reference that
-/// they received.
+/// The last variable in a chain of references: late-bound hosts pass on a reference that they
+/// received.
 const VARIANT& variableOf(const VARIANT& given) {
   const VARIANT* last = &given;
   while (last->vt == (VT_BYREF | VT_VARIANT) && last->pvarVal != nullptr &&

@@ -24,7 +24,7 @@ namespace aq::com {
 /// An array or an object without a default member is a type mismatch.
 [[nodiscard]] Variant variantOf(const VARIANT& given, TextKind kind = TextKind::Plain);
 
-/// A value as text; Empty becomes an empty text.
+/// A value as text; Empty becomes an empty string.
 [[nodiscard]] std::string stringOf(const VARIANT& given, TextKind kind);
 
 /// The object of the component that `given` holds, if it is of that class; null for no object.
@@ -45,7 +45,7 @@ class GivenArray {
 
   /// The last dimension comes first. Empty for an array that was never filled.
   [[nodiscard]] std::span<const SAFEARRAYBOUND> bounds() const;
-  /// An element in the order of memory, by reference.
+  /// The element at a place in memory order, by reference.
   [[nodiscard]] VARIANT at(std::size_t place) const;
 
  private:

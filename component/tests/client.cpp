@@ -27,7 +27,7 @@ void testRefusals() {
     Outcome outcome;
     HRESULT result;
     int number;
-    UINT argument = UINT_MAX;  // from the last one, as hosts count
+    UINT argument = UINT_MAX;  // counted from the last, as hosts do
   } rows[] = {
       {"no level", call(object, L"SPL", {30}), DISP_E_EXCEPTION, 5},
       {"overflow", call(object, L"SPL", {70000}), DISP_E_EXCEPTION, 6},
@@ -70,8 +70,8 @@ void testRefusals() {
   SafeArrayDestroy(numbers);
 }
 
-/// Results stored in typed variables, which a procedure passes on as a variable of any type. Checks
-/// what a result of 2 leaves of eight bytes of ones, and whether a variable can take an object.
+/// Results stored in typed variables, which a procedure passes on as variables of any type. Checks
+/// which of 64 set bits a result of 2 overwrites, and whether a variable can take an object.
 void testTypedVariables(IDispatch* reader, const std::wstring& file) {
   constexpr struct {
     int type;
@@ -127,7 +127,7 @@ void testArrays() {
   SafeArrayDestroyDescriptor(records);
 }
 
-/// Arguments by reference and by name, both ways of binding.
+/// Arguments by reference, with late and with early binding, and arguments by name.
 void testArguments(const std::wstring& data) {
   const Value reader = create(L"AQ_DataPTH");
   const std::wstring file = data + L"\\position-time-history\\good\\three-positions.csv";
@@ -162,7 +162,7 @@ void testArguments(const std::wstring& data) {
   std::vector<DISPID> ids =
       idsOf(history.pdispVal, {L"INIT", L"hiband", L"LoBand", L"HIREC", L"lorec"});
   check("names of arguments", std::find(ids.begin(), ids.end(), DISPID_UNKNOWN) == ids.end());
-  // The last argument is the first that is named.
+  // The names are in reverse order: the first belongs to the last argument.
   const auto named = invoke(history.pdispVal, ids[0], DISPATCH_METHOD, {1, 2, 30, 33},
                             {ids.begin() + 1, ids.end()});
   const auto bands = named.result == S_OK ? call(named.value.pdispVal, L"Levels") : Outcome();
@@ -173,7 +173,7 @@ void testArguments(const std::wstring& data) {
                                       {L"Add", L"Item", L"Key"}) == std::vector<DISPID>{1, 0, 1});
 }
 
-/// One object of the library is one object of the host, and all of COM's rules of identity hold.
+/// Each object of the library is a single object of the host, and COM's rules of identity hold.
 void testIdentity() {
   const Value spectrum = create(L"AQ_Spectrum");
   const Value time = call(spectrum.pdispVal, L"Time").value;
@@ -195,7 +195,7 @@ void testIdentity() {
                                            IID_IUnknown, &made) == CLASS_E_NOAGGREGATION);
 }
 
-/// Another thread with objects of its own and with one of ours, through COM and directly.
+/// Another thread uses objects of its own, and one of ours through COM and directly.
 void testApartments() {
   const Value ours = create(L"AQ_Time");
   IStream* stream = nullptr;
@@ -262,7 +262,7 @@ void testUnregisteredInUse() {
             FAILED(CoCreateInstance(identifier, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown,
                                     &created)));
   check("twice", ask("DllUnregisterServer") == S_OK);
-  // A key that lasts until the next start accepts no lasting ones, so the last class fails.
+  // A volatile key cannot have permanent subkeys, so registering the last class fails.
   RegCreateKeyExW(HKEY_LOCAL_MACHINE, (kClasses + L"AQ_Data_Control.AQ_Data").c_str(), 0, nullptr,
                   REG_OPTION_VOLATILE, KEY_WRITE, nullptr, &made, nullptr);
   RegCloseKey(made);
@@ -295,7 +295,7 @@ void testLocks() {
   check("an enumerator is left", entries.vt == VT_UNKNOWN && !canUnload());
 }
 
-/// Ends with objects, a factory and a thread's objects that nobody releases.
+/// Ends with objects that nobody releases, one of them created by another thread.
 void forget(const std::wstring& data) {
   static Value kept[] = {create(L"AQ_DataSTH"), Value(), Value()};
   const std::wstring file = data + L"\\spectral-time-history\\good\\three-records.csv";

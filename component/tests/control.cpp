@@ -97,7 +97,7 @@ void testControl() {
   check("status", object->GetMiscStatus(DVASPECT_CONTENT, &status) == S_OK && status == 132113);
   check("size", object->GetExtent(DVASPECT_CONTENT, &size) == S_OK && size.cx == 740);
   testSite(*object);
-  check("drawn in its middle", drawnPixels(*view) == 16 * 15 - 16);  // one line is black
+  check("drawn in its middle", drawnPixels(*view) == 16 * 15 - 16);  // one row is black
   testSaving(control.pdispVal);
   object->Release();
   view->Release();

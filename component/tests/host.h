@@ -70,7 +70,7 @@ struct Outcome {
   }
 };
 
-/// A call by number with the arguments in their order; the last `named` of them have names.
+/// A call by number with the arguments in order; the last ones are named, one for each of `named`.
 inline Outcome invoke(IDispatch* object, DISPID id, WORD flags, const std::vector<Value>& given,
                       std::vector<DISPID> named = {}) {
   std::vector<VARIANTARG> all(given.rbegin(), given.rend());
@@ -133,7 +133,7 @@ inline Value create(const std::wstring& name) {
   return made;
 }
 
-/// The registry's folder of classes, and in it the key of a class.
+/// The registry's folder of classes, and the key of a class in it.
 inline const std::wstring kClasses = L"Software\\Classes\\";
 inline std::wstring keyOf(const GUID& identifier) {
   wchar_t letters[40];
@@ -141,7 +141,7 @@ inline std::wstring keyOf(const GUID& identifier) {
   return std::wstring(L"CLSID\\") + letters;
 }
 
-void testTypeLibrary();  // and that objects agree with it
+void testTypeLibrary();  // also that objects agree with it
 void testControl();
 void testSpeed();
 /// How many registry keys name the component.

@@ -62,7 +62,7 @@ drive("keys of the machine", client, "values", "machine", windows(dll))
 drive("C++", client, windows(data))
 said = subprocess.run([wine, client, "forget", windows(data)], capture_output=True)
 expect("ends without a release", said.returncode == 0 and b"forgotten" in said.stdout, said.stdout)
-common = (here / "common.vbs").read_text()  # wine's script host includes no file
+common = (here / "common.vbs").read_text()  # wine's script host cannot include files
 for script in sorted([*here.glob("*.vbs"), *here.glob("*.js")]):
     if script.name == "common.vbs":
         continue
@@ -88,5 +88,5 @@ expect("registered for the user", keys("user") > 100)
 drive("keys of the user", client, "values", "user", windows(dll))
 run("regsvr32", "/s", "/u", "/n", "/i:user", windows(dll))
 expect("nothing is left of the user", keys("user") + keys("machine") == 0)
-subprocess.run([os.environ.get("WINESERVER", "wineserver"), "--kill"])  # of this prefix alone
+subprocess.run([os.environ.get("WINESERVER", "wineserver"), "--kill"])  # only that of this prefix
 sys.exit(bool(failures))
