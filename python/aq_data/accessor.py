@@ -36,7 +36,7 @@ class Accessor:
 
     @property
     def masked(self) -> xr.DataArray:
-        """Whether a level is masked, over `time` and `band`; all False without masks.
+        """Whether each level is masked, over `time` and `band`; all False without masks.
 
         >>> ds.aq.masked.sum("band")
         """
@@ -54,7 +54,7 @@ class Accessor:
         return self._ds.assign(level=self.level.where(~self.masked))
 
     def between(self, low: float, high: float) -> xr.Dataset:
-        """The dataset of the bands with a nominal frequency from `low` to `high`, in Hz, both
+        """The dataset cut to the bands with a nominal frequency from `low` to `high`, in Hz, both
         included. Raises `ValueError` if there is no such band.
 
         >>> ds.aq.between(500, 5000).level
@@ -72,10 +72,10 @@ class Accessor:
         between: Optional[Times] = None,
         down: Optional[float] = None,
     ) -> xr.Dataset:
-        """The dataset of a range of records: by number, between two times of day, or the event,
-        which is the records within `down` decibels of the largest PNLT, masks taken into account,
-        plus one on each side. Records keep their numbers; `measurement` returns history and map.
-        Raises `ValueError` unless exactly one way is chosen, and if no record remains.
+        """The dataset cut to a range of records: by number, between two times of day, or to the
+        event, that is, the records within `down` decibels of the largest PNLT, masks taken into
+        account, plus one on each side. Records keep their numbers; `measurement` returns history
+        and map. Raises `ValueError` unless exactly one range is given, or if no record remains.
 
         >>> ds.aq.cut(down=10)
         """
@@ -97,8 +97,8 @@ class Accessor:
         return self._ds.isel(time=((here >= first) & (here <= last)).values)
 
     def overall(self, bands: Optional[Iterable[int]] = None) -> xr.DataArray:
-        """The energy sum over the given band numbers, by default all, in dB over `time`; NaN where
-        no band has a level. Raises `ValueError` for a band that the dataset lacks.
+        """The energy sum of the bands with the given numbers, by default of all, in dB over `time`;
+        NaN where no band has a level. Raises `ValueError` for a band that the dataset lacks.
 
         >>> ds.aq.unmasked().aq.overall(range(24, 34)).max()
         """
@@ -110,8 +110,8 @@ class Accessor:
 
     def metrics(self) -> xr.Dataset:
         """The ten noise metrics of each record, as `aq_data.metrics` computes them, but over
-        `time`; their attributes have the units. For `open_many` they are computed on demand, with
-        one event per file. Raises `ValueError` if the dataset has no levels.
+        `time`; their attributes have the units. For a dataset of `open_many` they are computed on
+        demand, with one event per file. Raises `ValueError` if the dataset has no levels.
 
         >>> ds.aq.metrics().PNLT.max()
         """
@@ -126,8 +126,8 @@ class Accessor:
 
     def with_geometry(self, geometry: Union[xr.Dataset, AQ_GeometryTimeHistory]) -> xr.Dataset:
         """The dataset with the emission geometry of each record over `time`, by record number, NaN
-        where it has none: `slant_range`, `x`, `theta` and others, in the units of their attributes.
-        Raises `ValueError` for a duplicate record number.
+        for records without one: `slant_range`, `x`, `theta` and others, in the units of their
+        attributes. Raises `ValueError` for a duplicate record number.
 
         >>> ds.aq.with_geometry(geometry).plot.scatter("slant_range", "theta")
         """
@@ -140,6 +140,6 @@ class Accessor:
         for name, column in points.data_vars.items():
             dates = column.dtype.kind == "M"
             none = np.array([np.datetime64("NaT") if dates else np.nan])
-            values = np.append(column.values, none)[places]  # index -1 is the missing value
+            values = np.append(column.values, none)[places]  # index -1 picks the missing value
             joined[name] = ("time", values, column.attrs)
         return self._ds.assign(joined)

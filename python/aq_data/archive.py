@@ -42,8 +42,8 @@ _COLUMNS += ["ok", "line", "field", "expected", "found"]
 
 
 def in_threads(work: Callable[[Item], Result], paths: list[Item], progress: bool) -> list[Result]:
-    """Calls `work` for each path, several at a time in threads, since the library releases the
-    interpreter's lock.
+    """Calls `work` for each path, several at a time: threads suffice, since the library releases
+    the interpreter's lock.
     """
     parts = [paths[i : i + FILES_PER_TASK] for i in range(0, len(paths), FILES_PER_TASK)]
     tasks: list[Any] = [dask.delayed(lambda some: [work(p) for p in some])(part) for part in parts]
@@ -55,7 +55,7 @@ def in_threads(work: Callable[[Item], Result], paths: list[Item], progress: bool
 
 
 def absolute(paths: Union[Path, Iterable[Path]]) -> list[str]:
-    """The absolute paths of a file, a pattern or a list of them, valid wherever a task runs."""
+    """The absolute paths of a file, a pattern or a list of files, valid wherever a task runs."""
     if not isinstance(paths, ONE_PATH):
         if not isinstance(paths, Iterable):
             raise TypeError(f"paths: expected a path, a pattern or a list, found {paths!r:.60}")
@@ -70,7 +70,8 @@ def absolute(paths: Union[Path, Iterable[Path]]) -> list[str]:
 
 def walked(path: str, seen: set[str], more: tuple[str, ...] = ()) -> Iterator[str]:
     """The path itself, or the measurement files below a folder, each folder once, since links may
-    form a circle. A broken link is a file that cannot be read. `more` are endings of further files.
+    form a circle. A broken link counts as an unreadable file. `more` lists endings of further
+    files.
     """
     if not os.path.isdir(path):
         yield path
@@ -80,7 +81,7 @@ def walked(path: str, seen: set[str], more: tuple[str, ...] = ()) -> Iterator[st
     seen.add(os.path.realpath(path))
     for name in sorted(os.listdir(path)):
         entry = os.path.join(path, name)
-        if name.startswith(".") or name.endswith(".orig"):  # an original that fix has kept
+        if name.startswith(".") or name.endswith(".orig"):  # hidden, or an original kept by fix
             continue
         if os.path.isdir(entry):
             yield from walked(entry, seen, more)
@@ -179,7 +180,9 @@ def _row(path: str) -> tuple[dict[str, Any], Checked]:
 
 
 def _judged(row: dict[str, Any], found: list[Finding], strict: bool) -> dict[str, Any]:
-    """The row with its counts; if strict, a readable file with doubtful levels is not ok."""
+    """The row with the counts of its findings; if strict, a readable file with doubtful levels is
+    not ok.
+    """
     doubt = next((finding for finding in found if finding.doubts_levels), None)
     if row["ok"] and strict and doubt:
         row.update(ok=False, line=doubt.line, field=doubt.field)
@@ -201,8 +204,8 @@ def scan(
     the whole file or line), `expected`, `found`. A file is not ok if it cannot be read or, unless
     `strict` is false, if `check` finds an error or a warning about its levels.
 
-    Files are read in threads; a progress bar shows on a terminal unless `progress` says otherwise.
-    Raises `NotADirectoryError` for a path that is not a folder.
+    Files are read in threads; a progress bar is shown on a terminal unless `progress` says
+    otherwise. Raises `NotADirectoryError` for a path that is not a folder.
 
     >>> found = aq_data.scan("season-7")
     >>> found[~found.ok]
@@ -227,7 +230,7 @@ def check(paths: Union[Path, Iterable[Path]]) -> pd.DataFrame:
     subfolders, checks files that end in `.csv` or `.nc` or whose kind is known, except hidden ones.
     For a netCDF file, compares the stored metrics with those computed from its levels. The columns
     are `path`, `severity` ("error", "warning", "note"), `kind`, `line` and `field` (from 1; 0 for
-    the whole file or line), `record`, `band`, `message`; `FINDING_KINDS` has the meaning of each
+    the whole file or line), `record`, `band`, `message`; `FINDING_KINDS` gives the meaning of each
     kind. Raises `FileNotFoundError` if nothing matches; a file that cannot be read is a finding.
     Also finds histories that have the same levels as an earlier one.
 

@@ -1,4 +1,4 @@
-"""What the arguments of calls accept, in words."""
+"""The types that arguments accept, in words."""
 
 from __future__ import annotations
 

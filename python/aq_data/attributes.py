@@ -1,7 +1,7 @@
-"""The parts of datasets: methods of the library's classes, variables, attributes.
+"""The parts that datasets are made of: methods of the library's classes, variables, attributes.
 
-Headers and settings, which do not fit in an array, are in the dataset's attribute `aq` as JSON, so
-that everything survives a netCDF file too.
+Headers and settings, which do not fit in an array, are stored in the dataset's attribute `aq` as
+JSON, so that they survive in a netCDF file too.
 """
 
 from __future__ import annotations
@@ -21,13 +21,13 @@ from .times import OWN, clock, going_on
 
 Function = TypeVar("Function", bound=Callable[..., Any])
 
-# The header classes by the word for a file's content, for the kinds that have one.
+# The header classes by the word for a file's content, for the kinds with a header.
 HEADERS: dict[str, Any] = {
     f.word: f.header for f in FORMATS.values() if f.header is not None and f.word != "recording"
 }
 KINDS = (None, "emission", "parameters", *HEADERS)
-# Attributes for people, each with the header fields whose text it shows. The CF conventions define
-# the names title and source.
+# Attributes for people to read, each with the header fields whose text it shows. The CF conventions
+# define the names title and source.
 _WORDS: dict[str, tuple[str, ...]] = {
     "title": ("sProjectName", "ProjectName"),
     "source": ("sGeneratedBy", "GeneratedBy"),
@@ -68,7 +68,7 @@ def nominal_frequency(bands: npt.ArrayLike) -> npt.NDArray[np.float64]:
 
 # Converts headers and settings to plain values, and back.
 
-_FOLLOWING = ("LoRec", "HiRec")  # set by the records; a dataset may have fewer
+_FOLLOWING = ("LoRec", "HiRec")  # follow from the records; a dataset may have fewer of them
 
 
 def plain(value: Any) -> Any:
@@ -103,7 +103,7 @@ def _restored(target: Any, values: dict[str, Any]) -> Any:
         elif isinstance(getattr(target, name), _core.AQ_Time):
             time = getattr(target, name)
             time.CurrentDate = value[0]
-            time.assignSeconds(*value[1:])  # not through the setter, which wraps into the day
+            time.assignSeconds(*value[1:])  # the setter would wrap them into a day
         elif isinstance(value, dict):
             _restored(getattr(target, name), value)
         else:
@@ -112,7 +112,7 @@ def _restored(target: Any, values: dict[str, Any]) -> Any:
 
 
 def _word(member: Any) -> str:
-    """The word that a header has for a member of an enumeration."""
+    """The word for a member of an enumeration in a header."""
     return str(member.name).replace("AQ_", "").replace("_REF", "")
 
 
@@ -185,7 +185,7 @@ def attributes(
 
 
 def changed_words(ds: xr.Dataset, kind: str, header: Any, settings: Any, mask_header: Any) -> None:
-    """Stores text that was changed in the attributes in the headers and settings."""
+    """Copies text that was changed in the attributes back to the headers and settings."""
     was = _readable(kind, header, settings, mask_header)
     for target, prefix in ((header, ""), (mask_header, "" if kind == "map" else "mask_")):
         for word, names in (*_WORDS.items(), ("comment", _COMMENTS)):
@@ -220,7 +220,7 @@ _CLASS_WORDS: dict[type, str] = {Integral: "a whole number", Real: "a number"}
 
 
 def expect(value: Any, cls: type, name: str = "") -> None:
-    """Raises `TypeError` with the name of the argument for an object of another class."""
+    """Raises `TypeError` with the name of the argument if the value is of another class."""
     if not isinstance(value, cls):
         place = f"{name}: " if name else ""
         wanted = _CLASS_WORDS.get(cls, cls.__name__)
@@ -248,7 +248,7 @@ def dataset_of(data: Any, *names: str) -> xr.Dataset:
 
 def need_once(ds: xr.Dataset) -> None:
     """Rejects a dataset with a duplicate record number, such as one of several files, and a single
-    record selected out of its dimension.
+    record that has lost its dimension.
     """
     need(ds, "record")
     if ds["record"].ndim != 1:
@@ -312,8 +312,8 @@ def _own_times(name: str, dim: str, own: Any, seconds: Any) -> dict[str, xr.Vari
 
 
 def table_variables(table: Any, columns: Any, dim: str, unit: str = "m") -> dict[str, xr.Variable]:
-    """The columns of a library table with the units and names of datasets; omits dates if no record
-    has one.
+    """The columns of a library table as variables with the names and units of a dataset; omits
+    dates if no record has one.
     """
     made: dict[str, xr.Variable] = {}
     for column, name, units, long_name in columns:

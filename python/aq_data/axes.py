@@ -122,7 +122,7 @@ def _frequency_label(hertz: float) -> str:
 
 
 def frequency_axis(axis: Any, ds: xr.Dataset) -> None:
-    """Ticks at every third band, an octave apart, named by their nominal frequencies."""
+    """Ticks at every third band, an octave apart, labelled with their nominal frequencies."""
     bands = ds["band"].values
     octaves = bands[bands % 3 == 0]
     if len(octaves) == 0:
@@ -133,7 +133,7 @@ def frequency_axis(axis: Any, ds: xr.Dataset) -> None:
 
 
 def edges(ax: Axes, centres: Any) -> Any:
-    """Cell edges half-way between centres; a single centre gets a cell of one record."""
+    """Cell edges half-way between centres; a single centre gets a cell as wide as one record."""
     if len(centres) < 2:
         half = 0.5 if ax.get_xlabel() == _TIMES["record"] else 0.25
         return np.concatenate([centres - half, centres + half])

@@ -103,7 +103,7 @@ class NoFolderFileError(SystemFileError, NotADirectoryError):
     """A path through something that is not a folder."""
 
 
-# Error numbers by the library's reasons, which are in English in every locale.
+# Error numbers by the library's words for them, which are English in every locale.
 _NUMBERS = {os.strerror(number): number for number in errno.errorcode}
 _CLASSES = {
     errno.ENOENT: MissingFileError,
@@ -134,7 +134,7 @@ def error(message: str, code: int) -> Error:
 def file_error(
     file: str, line: int, field: int, expected: str, found: str, partial: tuple[object, ...]
 ) -> Exception:
-    """The exception for a file's failure: also Python's own if the system refused."""
+    """The exception for a file's failure; it is also Python's own if the system refused."""
     number = _NUMBERS.get(found) if line == 0 else None
     cls = FileError if number is None else _CLASSES.get(number, SystemFileError)
     return cls(file, line, field, expected, found, partial)

@@ -24,7 +24,7 @@ def read_tracking(path: Path, limit: int = 1) -> Tracking:
     """The fixes of a tracking file, `(positions, rejected)`: those with a quality figure up to
     `limit` (0 is the best, 255 the worst), numbered from 1, and the others.
 
-    Raises what `read` raises.
+    Raises the same errors as `read`.
 
     >>> track = aq_data.read_tracking("fly-over.tspi.csv", limit=2)
     >>> track.positions.to_numpy()["Z"].max(), len(track.rejected)
@@ -42,12 +42,12 @@ def read_sdf(path: Path) -> dict[str, Any]:
     """The content of an analyzer recording: its records as dictionaries, its traces as arrays.
 
     `recording["SDF_CHANNEL_HDR"]` is a list of dictionaries of fields; so are the other records,
-    under the names of their types. `recording["traces"][i]` belongs to data header `i` and has `y`
-    by scan, trace and value, `x` by point and, if there is one, `scan_variable` by scan. All values
-    are as stored, without units; `read` returns levels. The other keys are `revision` and `scans`,
-    the number of valid scans.
+    under the names of their types. `recording["traces"][i]` belongs to data header `i` and holds
+    `y` indexed by scan, trace and value, `x` by point and, if there is one, `scan_variable` by
+    scan. All values are as stored, without units; `read` returns levels. The other keys are
+    `revision` and `scans`, the number of valid scans.
 
-    Raises what `read` raises.
+    Raises the same errors as `read`.
 
     >>> recording = aq_data.read_sdf("TRACE1.DAT")
     >>> recording["SDF_DATA_HDR"][0]["dataTitle"], recording["traces"][0]["y"].shape
@@ -64,7 +64,7 @@ def read_sdf(path: Path) -> dict[str, Any]:
 def _without(
     everything: _core.AQ_PositionTimeHistory, good: _core.AQ_PositionTimeHistory
 ) -> _core.AQ_PositionTimeHistory:
-    """The samples of a series that are not in `good`, a part of it in the same order."""
+    """The samples of a series that are not in `good`, a subset of it in the same order."""
     rest = _core.AQ_PositionTimeHistory()
     table = good.to_numpy()
     place = 0
@@ -151,7 +151,7 @@ def read(path: Path, wanted: Optional[type[Any]] = None) -> AnyReading:
     """Header and object of a file of any kind.
 
     With `wanted`, the class of the object, an editor knows the type of the result, and a file of
-    another kind raises. Levels are in dB, times in seconds, lengths in the unit of the file.
+    another kind is an error. Levels are in dB, times in seconds, lengths in the unit of the file.
 
     Raises `FileError` with line and field for a file that cannot be read, and the system's error
     (`FileNotFoundError`, `PermissionError`, another `OSError`) for one that cannot be opened. Warns
@@ -217,10 +217,10 @@ def _with_clock_times(obj: Any) -> Any:
 def write(obj: Any, path: Path, header: Any = None, exist_ok: bool = True) -> None:
     """Writes an object, a pair `(header, object)` as from `read`, or a dataset: all of it or nothing.
 
-    Without a header, writes a new one. A dataset with masks is two files: `measurement` returns the
-    content of each. Records of a map or a geometry cut from a dataset are numbered from 1, and a
-    comment keeps their old numbers. An existing file is replaced, or with `exist_ok=False` raises
-    `FileExistsError`.
+    Writes a new header if none is given. A dataset with masks needs two files: `measurement`
+    returns the content of each. Records of a map or a geometry cut from a dataset are numbered from
+    1, and a comment keeps their old numbers. An existing file is replaced, unless `exist_ok=False`:
+    it then raises `FileExistsError`.
 
     Raises `ValueError` for data that would not be read back unchanged (records with other bands
     than the first, gaps between records), `TypeError` for an object without a file format,
@@ -242,5 +242,5 @@ def write(obj: Any, path: Path, header: Any = None, exist_ok: bool = True) -> No
     format = format_for(obj, path)
     if isinstance(obj, _TABLES):
         _core._checkWritable(obj, format.kind)
-    is_clock = format.kind != FileKind.FixedColumnHistory  # it has dates and milliseconds
+    is_clock = format.kind != FileKind.FixedColumnHistory  # that one has dates and milliseconds
     format.write(path, header, _with_clock_times(obj) if is_clock else obj)

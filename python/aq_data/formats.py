@@ -65,8 +65,8 @@ FORMATS: dict[FileKind, Format] = {row[0]: Format(*row) for row in _rows}
 
 
 def format_for(obj: Any, path: str) -> Format:
-    """The format in which an object is written: by the name's ending, otherwise the first for its
-    class.
+    """The format in which an object is written: chosen by the file name's ending, otherwise the
+    first one for its class.
     """
     written = [f for f in FORMATS.values() if f.writes and isinstance(obj, f.model)]
     if not written:
