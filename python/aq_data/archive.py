@@ -70,8 +70,7 @@ def absolute(paths: Union[Path, Iterable[Path]]) -> list[str]:
 
 def walked(path: str, seen: set[str], more: tuple[str, ...] = ()) -> Iterator[str]:
     """The path itself, or the measurement files below a folder, each folder once, since links may
-    form a circle. A broken link counts as an unreadable file. `more` lists endings of further
-    files.
+    form a loop. A broken link counts as an unreadable file. `more` lists endings of further files.
     """
     if not os.path.isdir(path):
         yield path

@@ -23,8 +23,7 @@ LABELLED = (
 
 
 def to_dataset(reading: Reading[Any, Any], mask: Optional[Path] = None) -> xr.Dataset:
-    """Makes a dataset from the result of `read`; the map of a history may come from a second file.
-    """
+    """Makes a dataset from the result of `read`; a history's map may come from a second file."""
     if not hasattr(reading.data, "to_xarray"):
         raise ValueError(f"expected a file that can be a dataset, found {reading.data!r}")
     arguments: dict[str, Any] = {} if reading.header is None else {"header": reading.header}

@@ -215,7 +215,8 @@ def _with_clock_times(obj: Any) -> Any:
 
 
 def write(obj: Any, path: Path, header: Any = None, exist_ok: bool = True) -> None:
-    """Writes an object, a pair `(header, object)` as from `read`, or a dataset: all of it or nothing.
+    """Writes an object, a pair `(header, object)` as from `read`, or a dataset, completely or not
+    at all.
 
     Writes a new header if none is given. A dataset with masks needs two files: `measurement`
     returns the content of each. Records of a map or a geometry cut from a dataset are numbered from

@@ -47,7 +47,7 @@ class _Shape(NamedTuple):
     levels: Optional[int]  # a digest of the levels
 
     def state(self) -> list[Any]:
-        """Names, times and sizes of the files, which change when one is rewritten."""
+        """Names, times and sizes of the files, which change when a file is rewritten."""
         stats = [os.stat(path) for path in (self.path, self.mask) if path]
         return [self.path, self.mask, *((s.st_mtime_ns, s.st_size) for s in stats)]
 
@@ -151,7 +151,9 @@ def _adjustments(path: str) -> tuple[Any, Any]:
 
 
 def _chunk(read_file: Any, files: tuple[tuple[str, int], ...], bands: Any, empty: Any) -> Any:
-    """The values of files, each with its number of records, one after another on common bands."""
+    """The values of several files, given with their numbers of records, one file after another on
+    common bands.
+    """
     values = np.full((sum(count for _, count in files), len(bands)), empty)
     first = 0
     for path, count in files:
@@ -168,7 +170,7 @@ def _chunk(read_file: Any, files: tuple[tuple[str, int], ...], bands: Any, empty
 
 
 def _chunks(shapes: list[_Shape]) -> list[list[_Shape]]:
-    """Consecutive files, as many as one task reads."""
+    """Groups of consecutive files, each as many as one task reads."""
     chunks: list[list[_Shape]] = []
     room = 0
     for shape in shapes:
@@ -189,7 +191,7 @@ class _Lazy:
         self.token = dask.base.tokenize([shape.state() for shape in shapes], bands)
 
     def array(self, read_file: Any, attribute: str, empty: Any) -> dask.array.Array:
-        """A lazy array: `read_file` of the file that `attribute` names in each shape."""
+        """A lazy array: `read_file` applied to the file that `attribute` names in each shape."""
         name = f"aq{read_file.__name__}-{self.token}"
         tasks, sizes = {}, []
         for place, chunk in enumerate(self.chunks):
@@ -256,8 +258,8 @@ def open_many(
     """Many spectral time histories as one dataset, record after record, whose levels (and masks)
     load when they are computed.
 
-    `paths` is a pattern or a list; `masks` names the map of each, in the same order. With patterns,
-    a map whose header names another history raises; lists are used unchecked.
+    `paths` is a pattern or a list; `masks` names the map of each history, in the same order. With
+    patterns, a map whose header names another history is an error; lists are used unchecked.
 
     The dataset has `level(time, band)` in dB, NaN where a record has no level in a band, with masks
     `mask_mode` and `mask_adjustment` of that shape. `file(time)` is the index in `path`; per file

@@ -64,10 +64,11 @@ def metrics(history: History, mask: Optional[_core.AQ_MaskMap] = None) -> xr.Dat
     """The ten metrics of each record and the event.
 
     The dataset has `AWT`, `CWT`, `DWT`, `OA`, `PNL`, `PNLT`, `TONECOR`, `TONEBND`, `LGB` and
-    `INTEG` over `record`, doubles that are NaN for no value (`LGB` without a map), and `time`. Its
-    attributes describe the event: `EPNL`, `EPNL_with_band_sharing`, `PNLTM`, `band_sharing`,
-    `duration_correction`, and the record numbers `first`, `maximum` and `last`, -1 if there is
-    none. A row of `mask` belongs to the record with its number. Does not change the history.
+    `INTEG` over `record`, doubles that are NaN where there is no value (`LGB` without a map), and
+    `time`. Its attributes describe the event: `EPNL`, `EPNL_with_band_sharing`, `PNLTM`,
+    `band_sharing`, `duration_correction`, and the record numbers `first`, `maximum` and `last`, -1
+    if there is none. A row of `mask` belongs to the record with the same number. Does not change
+    the history.
 
     >>> m = aq_data.metrics(history, mask)
     >>> m.attrs["EPNL"], m.PNLT.sel(record=30)
@@ -86,7 +87,7 @@ def maskByAmbient(  # named as in C++
     history: _core.AQ_SpectralTimeHistory, ambient: _core.AQ_Spectrum, margin: float
 ) -> _core.AQ_MaskMap:
     """The masking map of a history from an ambient spectrum: masks levels less than `margin` dB
-    above the ambient's, and sets the last good band of each row.
+    above those of the ambient, and sets the last good band of each row.
 
     >>> mask = aq_data.maskByAmbient(history, ambient, 3)
     """
@@ -112,10 +113,10 @@ def setMetrics(  # named as in C++
 
 
 def tone_correction(levels: npt.ArrayLike) -> npt.NDArray[Any]:
-    """Tone corrections of levels in bands 17 to 40, an array `(records, 24)` or `(24,)`.
+    """Tone corrections of levels in bands 17 to 40, given as an array `(records, 24)` or `(24,)`.
 
-    Returns `correction` in dB, `band` (0 for none) and `last_band` (18 if 80 Hz does not count) of
-    each record. A level that is NaN or 9999 does not count.
+    Returns `correction` in dB, `band` (0 for none) and `last_band` (18 if there is no level at 80
+    Hz) of each record. A level of NaN or 9999 is taken as missing.
 
     >>> aq_data.tone_correction(history.to_numpy())["correction"]
     """
@@ -129,10 +130,10 @@ def epnl(
     seconds: npt.ArrayLike = 0.5,
     tone_corrections: Optional[npt.ArrayLike] = None,
 ) -> _core.NoiseEvent:
-    """The event of a series of PNLT, NaN where a record has none.
+    """The event of a series of PNLT values, NaN where a record has none.
 
-    `seconds` is how long records last, one number for all or one per record. Without
-    `tone_corrections`, the band sharing adjustment is 0. Records are indices from 0.
+    `seconds` is the duration of the records, one number for all or one per record. Without
+    `tone_corrections`, the band sharing adjustment is 0. The event's records are indices from 0.
 
     >>> aq_data.epnl(m.PNLT, tone_corrections=m.TONECOR).epnl
     """
@@ -151,7 +152,7 @@ def explain(
     The columns are `frequency` in Hz, `level`, `slope` and whether it is marked, whether the level
     is removed, `adjusted` level, its slope, the mean slope, `background`, `difference` and
     `correction`, NaN where a step has no value; the attributes `correction`, `band` and `last_band`
-    are the result.
+    hold the result.
 
     >>> aq_data.explain(history, 30, mask)[["level", "background", "correction"]]
     """
@@ -254,7 +255,7 @@ class _Measured(NamedTuple):
     bands: Any
 
     def by_file(self) -> Iterator[tuple[slice, _core.AQ_SpectralTimeHistory, Any]]:
-        """Each file's records and its objects."""
+        """Each file's slice of the records, its history and its map."""
         files = self.numbers[:, 2]
         starts = np.flatnonzero(np.diff(files, prepend=np.nan) != 0)
         for start, end in zip(starts, [*starts[1:], len(files)]):

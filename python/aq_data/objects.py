@@ -1,5 +1,5 @@
-"""What Python users expect of objects: `[]` and slices, `==`, tables in notebooks, times as text,
-and errors that name the property.
+"""The behaviour that Python users expect of objects: `[]` and slices, `==`, tables in notebooks,
+times as text, and errors that name the property.
 """
 
 from __future__ import annotations
@@ -47,7 +47,7 @@ def as_time(given: Clock) -> _core.AQ_Time:
 
 
 def _taken(cls: type, name: str) -> str:
-    """What a property accepts, in words."""
+    """The values that a property accepts, in words."""
     setter = getattr(getattr(cls, name, None), "fset", None)
     found = re.search(r"arg\d: ([^,)]*)\)", getattr(setter, "__doc__", None) or "")
     kind = found[1].rpartition(".")[2] if found else "another value"
@@ -76,7 +76,7 @@ def _set(self: Any, name: str, value: Any) -> None:
 
 
 def _checked_setting(view: type) -> None:
-    """Makes `view[number] = value` say what it accepts when given something else."""
+    """Makes `view[number] = value` name the type that it accepts when given another one."""
     method: Callable[..., Any] = getattr(view, "__setitem__")
     place = "AQ_" + ".".join(view.__name__[1:].rsplit("_", 1))
     found = re.search(r"value: ([^)]*)\)", method.__doc__ or "")
@@ -118,7 +118,7 @@ for _cls in (*CLASSES, *(cls for name, cls in vars(_core).items() if name in COL
 
 
 def _taking_clocks(cls: type, name: str) -> None:
-    """Makes a method accept times of any form as its first arguments."""
+    """Makes a method accept times of any form as arguments."""
     method: Callable[..., Any] = getattr(cls, name)
 
     def call(self: Any, *arguments: Any, **named: Any) -> Any:
@@ -208,7 +208,7 @@ def positions_getitem(self: _core.AQ_PositionTimeHistory, number: Any) -> Any:
 
 @attach(_core.AQ_Spectrum, name="__getitem__")
 def spectrum_getitem(self: _core.AQ_Spectrum, band: int) -> Any:
-    """The level of a band, in dB. Raises a `KeyError` if there is none.
+    """The level of a band, in dB. Raises `KeyError` if the band has none.
 
     >>> spectrum[24]
     """

@@ -50,7 +50,8 @@ def _last_good_band(ds: xr.Dataset) -> tuple[Any, bool]:
 
 
 def spectrogram(history: History, ax: Optional[Axes] = None) -> Axes:
-    """Levels in dB over time and band; masked cells are hatched, the last good band is a line.
+    """Levels in dB over time and band; masked cells are hatched, and the last good band is drawn as
+    a line.
 
     Raises `ValueError` for a history without levels, as do all plots of a history.
 
@@ -174,7 +175,7 @@ def level_time(
     history: History, events: Optional[dict[str, float]] = None, ax: Optional[Axes] = None
 ) -> Axes:
     """The overall level in dB over time, of all bands and of those that are not masked, and the
-    event if the history has PNLT. `events` are times in the axis's seconds, by name.
+    event if the history has PNLT. `events` gives times by name, in seconds of the time axis.
 
     >>> aq_data.plot.level_time(ds, {"overhead": 0.0})
     """
@@ -231,8 +232,8 @@ def ground_track(
 ) -> Axes:
     """The path over the ground, to scale, with rejected fixes and the microphone.
 
-    `unit` names the lengths: m, km, ft or nautical_mile, otherwise that of the dataset; any other
-    raises `ValueError`, as do positions without a fix.
+    `unit` is the unit of lengths: m, km, ft or nautical_mile, by default that of the dataset; any
+    other raises `ValueError`, as do positions without a fix.
 
     >>> aq_data.plot.ground_track(track, microphone)
     """
@@ -287,7 +288,7 @@ def geometry(geometry: Any, ax: Optional[Axes] = None, unit: Optional[str] = Non
     return ax
 
 
-_draw_geometry = geometry  # a page has an argument of that name
+_draw_geometry = geometry  # `page` has an argument of that name
 
 
 def page(
@@ -300,7 +301,7 @@ def page(
     unit: Optional[str] = None,
 ) -> Figure:
     """A whole measurement on one page; omits what is not given. `unit` is the unit of positions and
-    geometry. Raises what its plots raise, and then leaves no figure open.
+    geometry. Raises the same errors as its plots, and then leaves no figure open.
 
     >>> aq_data.plot.page(ds, ambient, track).savefig("fly-over.png")
     """

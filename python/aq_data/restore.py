@@ -33,7 +33,9 @@ def _by_band(ds: xr.Dataset, name: str, *dims: str) -> tuple[xr.Dataset, int]:
 
 
 def _by_record(ds: xr.Dataset) -> tuple[xr.Dataset, Any]:
-    """A dataset in the order of its records, like the tables of the objects, and their numbers."""
+    """A dataset in the order of its records, like the tables of the objects, and the record
+    numbers.
+    """
     if "record" not in ds.variables:
         return ds, None
     need_once(ds)
@@ -56,7 +58,7 @@ def _table(ds: xr.Dataset, columns: Any) -> dict[str, Any]:
 
 
 def _settings(ds: xr.Dataset, target: Any) -> Any:
-    """The target with its settings; its start time follows the first record."""
+    """The target with the settings of the dataset; its start time follows the first record."""
     restored(target, kept(ds).get("settings") or {})
     before = (kept(ds).get("first") or {}).get("time")
     if before is None or "time" not in ds.variables or not ds["time"].size:

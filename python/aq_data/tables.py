@@ -20,8 +20,8 @@ def history_to_pandas(
     tidy: bool = False,
 ) -> pd.DataFrame:
     """Levels in dB, one row per record and one column per band, NaN for a missing level and, with a
-    map, a masked one; `tidy`: one row per record and band, with `time` in s, `frequency` in Hz,
-    `level` and masks as columns. Raises `ValueError` for a map of other records.
+    map, for a masked one; with `tidy`, one row per record and band, with `time` in s, `frequency`
+    in Hz, `level` and masks as columns. Raises `ValueError` for a map of other records.
 
     >>> history.to_pandas(mask)[24].max()
     >>> history.to_pandas(tidy=True).groupby("band").level.max()
@@ -34,8 +34,8 @@ def history_to_pandas(
 
 @attach(_core.AQ_MaskMap, name="to_pandas")
 def map_to_pandas(self: _core.AQ_MaskMap, tidy: bool = False) -> pd.DataFrame:
-    """Mask modes, one row per record and one column per band, -1 for no mask; `tidy`: one row per
-    record and band, with `mask_mode`, `mask_adjustment` and `last_good_band` as columns.
+    """Mask modes, one row per record and one column per band, -1 for no mask; with `tidy`, one row
+    per record and band, with `mask_mode`, `mask_adjustment` and `last_good_band` as columns.
 
     >>> (mask.to_pandas() > 0).sum(axis="columns")
     """
@@ -67,7 +67,7 @@ def _tidy(ds: xr.Dataset, keys: list[str]) -> pd.DataFrame:
 )
 def series_to_pandas(self: Any) -> pd.DataFrame:
     """One row per entry, by record number or by index from 1; the columns are those of `to_numpy`:
-    times in s of the day, lengths in the unit of the file.
+    times of day in s, lengths in the unit of the file.
 
     >>> track.positions.to_pandas().Z.max()
     """

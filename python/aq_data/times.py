@@ -13,7 +13,7 @@ import xarray as xr
 
 DAY = 86400.0
 EPOCH = np.datetime64("1899-12-30", "D")
-OWN = "_of_day"  # the ending of the name of a variable with the file's own times
+OWN = "_of_day"  # the suffix of a variable that holds the file's own times
 _CF_DATE = {"units": "days since 1899-12-30", "calendar": "standard", "dtype": "float64"}
 
 

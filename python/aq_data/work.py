@@ -83,7 +83,7 @@ def chosen_records(
     down: Optional[float],
 ) -> tuple[int, int, str]:
     """First and last record, and the request in words. Raises `ValueError` unless exactly one way
-    of choosing is given, and if no record remains.
+    of choosing is given, or if no record remains.
     """
     if sum(each is not None for each in (records, between, down)) != 1:
         raise ValueError("expected exactly one of records, between and down")
@@ -193,8 +193,8 @@ def join(
     geometry)`.
 
     Time stamps do not change; records are numbered consecutively from the first piece on. `masks`
-    are the maps of the pieces, one each; a `Run` brings its own map and geometry. A gap raises or,
-    with `fill`, is filled with records of 9999; a gap in a geometry cannot be filled.
+    are the maps of the pieces, one each; a `Run` brings its own map and geometry. A gap is an error
+    or, with `fill`, is filled with records of 9999; a gap in a geometry cannot be filled.
 
     Raises `ValueError` for pieces that differ in bands, averaging, stamps, reference, project,
     microphone or adjustment.
@@ -295,7 +295,7 @@ def _write_new(path: Any, text: bytes) -> str:
 
 
 def _write_mended(path: str, text: bytes, keep: bool) -> str:
-    """Replaces the file, or unpacks it next to itself; keeps the original."""
+    """Replaces the file, or unpacks it next to itself; `keep` keeps the original."""
     place = _unpacked_name(path)
     if place != path:
         _expect_free(place)
@@ -325,8 +325,8 @@ def fix(
     Without `write` nothing changes. With it, each file is replaced completely or not at all, and
     the original is kept as `FILE.orig` unless `keep_original` is false; a packed file is unpacked
     next to itself. With `to`, nothing is replaced: all files, including those that need no change,
-    are written below that folder, and `FileExistsError` is raised for one that exists. A comment in
-    the file says what was changed.
+    are written below that folder, and `FileExistsError` is raised for a file that already exists
+    there. A comment in the file says what was changed.
 
     The columns are `path`; `done`, what was or would be changed; `left`, what is ambiguous and was
     left alone, both lists of strings; and `output`, None if nothing was written. `paths` are as for
