@@ -24,7 +24,8 @@ inline py::object shown(const py::object& given) {
   return given.attr("astype")("f8").attr("filled")(std::numeric_limits<double>::quiet_NaN());
 }
 
-/// Converts anything to a numpy array; exceptions of numpy propagate, as for a deleted file.
+/// Converts anything to a numpy array; exceptions of numpy propagate, such as that for a deleted
+/// file.
 inline py::array arrayFrom(const py::object& given) {
   return py::module_::import("numpy").attr("asarray")(shown(given));
 }

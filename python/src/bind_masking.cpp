@@ -68,7 +68,7 @@ std::shared_ptr<AQ_MaskRow> rowFrom(const Numbers& modes, const Numbers& adjustm
 }
 
 /// Codes of modes or adjustments: an aligned frame or array has NaN for no decision, and a
-/// comparison has True for masked.
+/// comparison gives True for masked.
 Numbers codesFrom(const py::object& given) {
   const char* const wanted = "numbers in two dimensions, (records, bands)";
   const py::array array = arrayFrom(given);

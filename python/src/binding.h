@@ -1,7 +1,7 @@
 #pragma once
 
 // Turns a described class of the library into a Python class: properties become attributes, indexed
-// ones views; pickling, copying and repr use the list of settable properties.
+// properties become views; pickling, copying and repr use the list of settable properties.
 
 #include <aq/describe/description.h>
 #include <aq/detail/pointers.h>
@@ -154,8 +154,8 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
     });
   }
 
-  /// Completes a class that holds more than its settable properties: `save(object)` returns what to
-  /// keep besides them, `load(object, kept)` stores it again.
+  /// Completes a class that holds more than its settable properties: `save(object)` returns the
+  /// rest to keep, `load(object, kept)` stores it again.
   template <class Save, class Load>
   void container(Save save, Load load) {
     keepFields();

@@ -151,7 +151,7 @@ class type_caster<aq::Variant> {
 template <class E>
 concept NamedEnum = std::is_enum_v<E> && aq::describe::Described<E>;
 
-/// Whether a number is one of the enumeration's, or a combination of its flags.
+/// Whether a number is a member of the enumeration, or a combination of its flags.
 template <class E>
 bool isMember(std::int32_t number) {
   constexpr bool combines = requires(E member) {

@@ -9,7 +9,8 @@
 
 namespace aq::python {
 
-/// A collection under its own names, counted from 1, and as a Python sequence, counted from 0.
+/// A collection with its own methods, which count from 1, and as a Python sequence, which counts
+/// from 0.
 template <class T>
 void bindCollection(const py::module_& module, const char* name) {
   using List = Collection<T>;

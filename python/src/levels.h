@@ -20,7 +20,7 @@ auto at(const char* place, std::int16_t number, const Work& work) {
 }
 
 /// Copies the levels of a spectrum, starting at band `low`, into `cells`, which must have room for
-/// all.
+/// all of them.
 inline void takeLevels(const AQ_Spectrum& spectrum, std::int16_t low, std::span<double> cells) {
   const auto codes = spectrum.levelCodes();
   const auto doubles = spectrum.levelDoubles();

@@ -6,7 +6,7 @@
 
 namespace aq::python {
 
-/// What the cells of a column may hold, and the test for it.
+/// The values that the cells of a column may hold, and the test for them.
 struct Cells {
   const char* wanted;
   bool (*fit)(double);
