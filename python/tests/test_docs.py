@@ -1,4 +1,4 @@
-"""The code of the guide and of the tutorial runs, and so does the script for a notebook."""
+"""Runs the code of the guide and of the tutorial, and the script for a notebook."""
 
 from __future__ import annotations
 

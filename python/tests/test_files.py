@@ -94,7 +94,7 @@ SAMPLES = sorted((PROJECT / "examples" / "data").glob("*.csv"))
 
 
 def same_line(line: str) -> str:
-    """A line without the name and date of the file itself, and without a bare number's zeros."""
+    """A line, or an empty one if it holds the name or the date of the file itself."""
     return "" if re.match("(FileName|FileDateTime)[*]", line) else line
 
 

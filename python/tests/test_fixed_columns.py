@@ -13,7 +13,7 @@ import pytest
 
 import aq_data
 
-FIRST = 20  # lines before the records: 19 and the headings, without comments and other records
+FIRST = 20  # lines before the records: 19 and the headings, not counting comments and other records
 
 
 def columns(count):
