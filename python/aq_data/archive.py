@@ -1,4 +1,4 @@
-"""Folders of files: their content and what is wrong with it."""
+"""Folders of files: their content and the faults in it."""
 
 from __future__ import annotations
 

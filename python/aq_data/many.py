@@ -35,7 +35,7 @@ class _Job(NamedTuple):
 
 
 class _Shape(NamedTuple):
-    """What is known about a history and its map before their arrays are read."""
+    """The properties of a history and its map that are known before their arrays are read."""
 
     path: str
     mask: Optional[str]
@@ -267,8 +267,8 @@ def open_many(
     `warnings` and `notes` of `check` for the history and its map.
 
     A file that cannot be read, a map that does not fit and, unless `strict` is false, a file with
-    an error or a warning about its levels raise the exceptions of reading (`FileError`, `OSError`,
-    `ValueError`); with `errors="skip"` the history is left out with a warning.
+    an error or a warning about its levels raise the same exceptions as reading (`FileError`,
+    `OSError`, `ValueError`); with `errors="skip"` the history is left out with a warning.
 
     >>> many = aq_data.open_many("season-7/*.sth.csv", "season-7/*.mask.csv", errors="skip")
     >>> many.aq.unmasked().level.max().compute()

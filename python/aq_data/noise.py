@@ -365,8 +365,8 @@ def dataset_metrics(ds: xr.Dataset) -> xr.Dataset:
 
 
 def events(many: xr.Dataset) -> pd.DataFrame:
-    """The event of each history of `open_many`, one row per file, computed by dask: `path`,
-    `project`, `microphone`, `begin`, `records`, then the attributes of `metrics`.
+    """The event of each history in a dataset of `open_many`, one row per file, computed by dask:
+    `path`, `project`, `microphone`, `begin`, `records`, then the attributes of `metrics`.
 
     >>> aq_data.events(aq_data.open_many("season/*.sth.csv", "season/*.mask.csv"))
     """

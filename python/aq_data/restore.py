@@ -207,7 +207,7 @@ def _runs(numbers: Any) -> str:
 
 
 def _is_cut(ds: xr.Dataset) -> bool:
-    """Whether a dataset has other records than when it was made."""
+    """Whether the records of a dataset differ from those that it was made with."""
     before = (kept(ds).get("first") or {}).get("records")
     numbers = np.sort(ds["record"].values) if "record" in ds.variables else np.array([])
     now = [numbers.size, *map(int, numbers[:1]), *map(int, numbers[-1:])]
