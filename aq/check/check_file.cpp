@@ -42,8 +42,8 @@ void checkAs(FileKind kind, const std::string& path, const Reporter& report) {
   });
 }
 
-/// First reports what other programs did to the text, and nothing else if that explains the rest.
-/// `checkData` checks a file of the given kind.
+/// First reports damage that other programs did to the text, and nothing else if that explains all
+/// other faults. `checkData` checks a file of the given kind.
 template <class CheckData>
 void checkText(const std::string& path, Reporter& report, const CheckData& checkData) {
   std::string head = headOf(path);

@@ -11,9 +11,9 @@
 
 namespace aq {
 
-/// Reads a file and reports what makes its reader fail, and what the reader accepts but is probably
-/// wrong. Exceptions from `report` reach the caller. Different threads may check different files at
-/// once.
+/// Reads a file and reports what makes its reader fail, and what the reader accepts although it is
+/// probably wrong. Exceptions from `report` reach the caller. Different threads may check different
+/// files at once.
 AQ_API void checkFile(const std::string& path, const FindingSink& report);
 
 /// Reports the fixes of a tracking file that a reader with this `RT20Limit` drops.

@@ -58,8 +58,7 @@ class TimeOrder {
   std::array<double, 3> at_{};
   std::size_t stays_ = 0;  // lines that repeat the previous position
   std::size_t line_ = 0;
-  double before_ =
-      std::numeric_limits<double>::quiet_NaN();  // nothing compares as later or earlier
+  double before_ = std::numeric_limits<double>::quiet_NaN();  // no time is later or earlier
 };
 
 /// Calls `visit(fix, line)` for every fix of a readable file.
@@ -166,7 +165,7 @@ class Contradictions {
   double temperature_;
   std::size_t temperatureLine_;
   const Reporter& report_;
-  double speed_ = 0;  // speed of sound at most points
+  double speed_ = 0;  // the median over all points
 };
 
 std::vector<PathPlace> emissionPath(const RecordLines& records,

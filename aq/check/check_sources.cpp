@@ -8,22 +8,21 @@
 #include "aq/core/time.h"
 #include "aq/text/number_text.h"
 
-// Positions and geometries name the files that they were made from, whose content must agree with
-// them.
+// Positions and geometries must agree with the files that their headers name as sources.
 namespace aq {
 namespace {
 
 using PositionsRead = Content<AQ_HeaderPTH, AQ_PositionTimeHistory>;
 using GeometryRead = Content<AQ_HeaderGTH, AQ_GeometryTimeHistory>;
 
-// Header lines, identified by position.
+// Numbers of header lines, which are the same in every file.
 constexpr std::size_t kMicrophoneLine = 6;
 constexpr std::size_t kMicrophonePositionLine = 7;
 constexpr std::size_t kHistoryLine = 9;
 constexpr std::size_t kPositionsLine = 11;
 constexpr std::size_t kTrackingLine = 6;
 
-/// Whether more than a tenth of the points are wrong: too many for single damaged ones.
+/// Whether more than a tenth of the points are wrong, which is too many for isolated damage.
 template <class Read>
 bool areMany(std::size_t wrong, const Read& read) {
   return wrong * 10 > static_cast<std::size_t>(read.model->Count());
@@ -107,7 +106,7 @@ class SourcePath {
     return times_.size() > 1 && std::is_sorted(times_.begin(), times_.end());
   }
 
-  /// Whether the path covers that time, to a tenth of a second.
+  /// Whether the path covers that time, with a tenth of a second to spare.
   [[nodiscard]] bool covers(double time) const {
     constexpr double kBeyond = 0.1;
     time = near(time);

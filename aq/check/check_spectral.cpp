@@ -46,7 +46,7 @@ void checkLevels(const AQ_Spectrum& spectrum, std::int16_t low, FindingPlace pla
   }
 }
 
-/// The levels from `LowBand` up; 9999 for a band without a level, which fixed columns can have
+/// The levels from `LowBand` up; 9999 for a band without a level. Fixed columns can have such bands
 /// between others.
 std::vector<double> levelsOf(const AQ_Spectrum& spectrum) {
   const std::int32_t low = spectrum.LowBand();
@@ -125,8 +125,8 @@ bool isAnyValid(const std::vector<double>& levels) {
                      [](double level) { return level != double{AQ_INVALID_LEVEL}; });
 }
 
-/// Reports records that repeat all levels of the previous one, which real records never do. One
-/// finding per run of records.
+/// Reports records that repeat all levels of the record before, which measured records never do.
+/// One finding per run of records.
 class StuckRecords {
  public:
   explicit StuckRecords(const Reporter& report) : report_(report) {}
@@ -147,7 +147,7 @@ class StuckRecords {
       FindingPlace place{.line = first_};
       place.record = before_ + 1;
       report_(Kind::RecordStuck, place,
-              "all levels of record " + std::to_string(before_) + " are repeated in record " +
+              "records that repeat all levels of record " + std::to_string(before_) + ": " +
                   std::to_string(before_ + 1) + last);
     }
     first_ = 0;

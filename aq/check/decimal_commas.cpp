@@ -52,7 +52,7 @@ DecimalCommas::DecimalCommas(std::span<const std::string> header) {
         const std::int32_t count = int32From(fields[1]) - int32From(fields[0]) + 1;
         bands_ = count > 0 ? static_cast<std::size_t>(count) : 0;
       } else if (const auto clock = keywordValue(line, "ReferenceTime"); !clock.empty()) {
-        std::string text(clock);  // also accepts "14:30:14,75"
+        std::string text(clock);  // may be "14:30:14,75"
         for (char& c : text) c = c == ',' ? '.' : c;
         AQ_Time time;
         time.TODstring(text);
@@ -82,7 +82,7 @@ std::optional<std::string> DecimalCommas::mended(const std::string& line) {
   return text;
 }
 
-/// Record number, time and relative time.
+/// The record number, time and relative time, with decimal points; nothing if they are ambiguous.
 std::optional<std::string> DecimalCommas::frontOf(std::span<const std::string_view> fields) const {
   std::vector<std::pair<std::string, std::string>> ways;
   const auto add = [&](std::string time, std::string relative) {

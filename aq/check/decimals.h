@@ -25,7 +25,7 @@ class Decimals {
  private:
   struct Seen {
     std::size_t count = 0;
-    bool endsInZero = false;               // whether any of these numbers does
+    bool endsInZero = false;               // whether any of these numbers ends in 0
     std::vector<FindingPlace> first = {};  // places that may be reported
   };
 
@@ -33,7 +33,7 @@ class Decimals {
   std::size_t count_ = 0;
 };
 
-/// A count in words, as in "1 decimal".
+/// A number of decimals with the noun, as in "1 decimal".
 std::string decimalsText(std::size_t count);
 
 }  // namespace aq

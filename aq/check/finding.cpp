@@ -12,7 +12,7 @@ namespace {
 constexpr auto kError = Severity::Error;
 constexpr auto kWarning = Severity::Warning;
 constexpr auto kNote = Severity::Note;
-constexpr bool kHold = true;  // the data are as written
+constexpr bool kHold = true;  // the data are as measured
 
 constexpr FindingKind kKinds[] = {
     {"unreadable", kError, "the reader fails here"},

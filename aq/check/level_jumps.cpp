@@ -23,7 +23,7 @@ double jumpOf(double before, double here, double after) {
   return std::abs(before - after) <= kSame ? here - (before + after) / 2 : kNoJump;
 }
 
-/// Levels out of range are reported as such.
+/// Excludes levels out of range, which are reported as such.
 bool isJump(double level, double off) {
   return level >= kLowestLevel && level <= kHighestLevel && (off < -20 || off > 40);
 }

@@ -9,7 +9,7 @@
 
 namespace aq {
 
-// Levels that sound can have, in dB.
+// The range of levels that sound can have, in dB.
 inline constexpr double kLowestLevel = -20;
 inline constexpr double kHighestLevel = 200;
 
@@ -39,7 +39,7 @@ class LevelJumps {
   std::int16_t low_;
   std::size_t firstField_;
   const Reporter& report_;
-  std::array<Row, 2> rows_;  // the last two records; line 0 until there are two
+  std::array<Row, 2> rows_;  // the last two records; line 0 until they are filled
 };
 
 }  // namespace aq

@@ -27,7 +27,7 @@ class LineShapes {
   explicit LineShapes(const DataColumns& columns)
       : columns_(columns), decimals_(columns.alike ? 1 : columns.numbers) {}
 
-  /// Takes the lines after line `header`.
+  /// Takes all data lines of a file: those after line `header`.
   LineShapes(const std::string& path, std::size_t header, const DataColumns& columns);
 
   /// The number of data lines.
@@ -61,7 +61,7 @@ class LineShapes {
   std::size_t count_ = 0;
   std::size_t first_ = 0;     // the first line's number
   std::size_t line_ = 0;      // the last line's number
-  std::size_t divided_ = 0;   // lines with as many fields as decimal commas would make
+  std::size_t divided_ = 0;   // lines with as many fields as decimal commas would give
   std::size_t extended_ = 0;  // lines with fields that are not read
   Shape last_{0, 0, false, false};
   Shape least_{std::numeric_limits<std::size_t>::max(), std::numeric_limits<std::size_t>::max(),

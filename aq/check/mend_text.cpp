@@ -113,7 +113,7 @@ class TextMender {
     split();
     if (lines_.empty()) return;
     const std::size_t left = mended_.left.size();
-    do {  // removing quotes may show more to mend
+    do {  // removing quotes may reveal more to mend
       again_ = false;
       mended_.left.resize(left);
       mendMark();
@@ -264,8 +264,8 @@ class TextMender {
     return field;
   }
 
-  /// The fields of a line by the quoting rules of spreadsheets; nothing for a line that
-  /// violates them.
+  /// The line without the quotes that a spreadsheet added; nothing for a line that violates the
+  /// quoting rules of spreadsheets. If `all`, removes all quotes around fields.
   [[nodiscard]] std::optional<std::string> unquoted(std::string_view line, bool all) const {
     const char special[] = {',', '"', separator_ == '\0' ? ',' : separator_};
     std::string whole;
@@ -285,7 +285,8 @@ class TextMender {
         if (at >= line.size()) return std::nullopt;
         line.remove_prefix(at + 1);
         if (!line.empty() && line.front() != ',') return std::nullopt;
-        // Only a field with a separator or a quote in it needs quotes; any others are the author's.
+        // Only a field with a separator or a quote in it needs quotes; all other quotes are the
+        // author's.
         const bool needed = all || field.find_first_of(special, 0, sizeof special) != field.npos;
         whole += needed ? field : '"' + field + '"';
       } else {
@@ -345,13 +346,13 @@ class TextMender {
     done("trailing commas");
   }
 
-  /// Where the count of the comments and the column headings after them are.
+  /// The indices of the line with the comment count and of the column headings after the comments.
   struct HeaderPlaces {
     std::size_t count = 0;
     std::size_t headings = 0;
   };
 
-  /// Nothing if the lines do not show them.
+  /// Nothing if the lines do not show where they are.
   [[nodiscard]] std::optional<HeaderPlaces> header() const {
     constexpr std::string_view kCount = "NumberOfCommentLines**";
     for (std::size_t at = 0; at < lines_.size(); ++at) {

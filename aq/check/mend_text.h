@@ -18,8 +18,8 @@ struct Mended {
 /// Undoes what other programs do to measurement files: UTF-16, a byte order mark, carriage returns
 /// as line endings, a spreadsheet's semicolons or tabs, quotes and padding, blank lines among and
 /// after the data, and decimal commas. Leaves ambiguous text unchanged. If the format has comments,
-/// adds one that names the file `name` and the changes; `done` lists changes that the caller has
-/// already made, such as unpacking. Leaves analyzer recordings unchanged.
+/// adds one that gives the file's `name` and lists the changes; `done` lists changes that the
+/// caller has already made, such as unpacking. Leaves analyzer recordings unchanged.
 [[nodiscard]] AQ_API Mended mendText(std::string_view bytes, std::string_view name,
                                      std::vector<std::string> done = {});
 

@@ -41,11 +41,11 @@ double lineOff(const PathPlace& before, const PathPlace& here, const PathPlace& 
 
 void checkJumps(const std::vector<PathPlace>& path, const Reporter& report) {
   if (path.size() < kPlacesEnough) return;
-  std::vector<double> offs(path.size(), 0.0);  // the first and the last have one neighbour
+  std::vector<double> offs(path.size(), 0.0);  // the first and the last have only one neighbour
   for (std::size_t i = 1; i + 1 < path.size(); ++i) {
     offs[i] = lineOff(path[i - 1], path[i], path[i + 1]);
   }
-  // Turns and rounding to tenths of a second or metre cause smaller distances.
+  // Turns, and rounding to tenths of a second or metre, cause smaller distances.
   const double limit = std::max(20 * middleOf(offs), 10.0);
   const auto isOff = [&](std::size_t i) {
     return offs[i] > limit && offs[i] > lengthBetween(path[i - 1].at, path[i + 1].at) / 4;

@@ -20,11 +20,11 @@ namespace aq {
 /// numbers.
 class RecordLines {
  public:
-  /// Skips the header.
+  /// Takes the data lines of a file, skipping its header.
   RecordLines(const std::string& path, const HeaderCheck& header, const DataColumns& columns,
               const Reporter& report);
 
-  /// False, without any records, if decimal commas made every value wrong.
+  /// False if decimal commas made every value wrong; then there are no records.
   [[nodiscard]] bool readable() const { return readable_; }
 
   /// The number of data lines.
@@ -63,13 +63,13 @@ inline std::string secondsText(double seconds) {
   return numberText(std::round(seconds * 1e3) / 1e3) + " s";
 }
 
-/// Reports and returns records whose time of day, `timeOf(record)`, is not `recordLength` seconds
-/// per record after an earlier one. A single odd record is reported once, and a lasting shift only
-/// at the record where it starts.
+/// Reports and returns the records whose time of day, `timeOf(record)`, does not follow from that
+/// of an earlier record at `recordLength` seconds per record. A single odd record is reported once,
+/// and a lasting shift only at the record where it starts.
 template <class Records, class TimeOf>
 std::set<std::int32_t> checkTimeSteps(const Records& records, const TimeOf& timeOf,
                                       const Reporter& report, double recordLength = 0.5) {
-  constexpr double kTolerance = 0.0101;  // a written time of day keeps hundredths
+  constexpr double kTolerance = 0.0101;  // times of day are written in hundredths
   struct Seen {
     std::int32_t record;
     double time;
