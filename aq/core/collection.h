@@ -40,7 +40,7 @@ class Collection {
     slots_.append(std::move(value));
   }
 
-  /// The entry at an index from 1 to `Count()`. Throws `InvalidIndex` for any other.
+  /// The entry at an index from 1 to `Count()`. Throws `InvalidIndex` for any other index.
   [[nodiscard]] T& Item(std::int32_t place) { return slots_.at(slots_.slotOf(place)); }
   [[nodiscard]] const T& Item(std::int32_t place) const { return slots_.at(slots_.slotOf(place)); }
 

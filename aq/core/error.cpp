@@ -34,7 +34,7 @@ std::string escaped(std::string_view text) {
 std::string shown(std::string_view text) {
   constexpr std::string_view kCut = "...";
   std::string quoted = "\"";
-  std::size_t whole = quoted.size();  // what fits before the mark that shows a cut
+  std::size_t whole = quoted.size();  // the size that still leaves room for `kCut`
   for (const char c : text) {
     appendShown(quoted, static_cast<unsigned char>(c));
     if (quoted.size() <= kLongestShown + 1 - kCut.size()) whole = quoted.size();

@@ -95,7 +95,8 @@ class OutputFile {
   }
 
   /// Gives the file the owner and permissions of another one. If the system does not allow setting
-  /// the owner, the writer stays the owner, and permissions that depend on the owner are dropped.
+  /// the owner, the writer stays the owner, and permissions that would then belong to a
+  /// different owner or group are dropped.
   void takeAfter(const struct stat& other) const {
     constexpr auto kKeptOwner = static_cast<uid_t>(-1);
     const struct stat own = status();
@@ -139,7 +140,7 @@ bool isNumber(std::string_view text) {
 }
 
 /// Whether `path` names an open file of this process or, below /proc, of any process. Other names
-/// there lead to ordinary files.
+/// below /proc lead to ordinary files.
 bool namesOpenFile(const std::string& path) {
   constexpr std::string_view kProcesses = "/proc/";
   constexpr std::string_view kFiles = "/fd/";
@@ -250,7 +251,7 @@ void appendTo(const OutputFile& file, const std::string& path, const struct stat
   try {
     file.write(bytes);
     file.flush();
-    if (before.st_size == 0) flushFolder(folderOf(entryOf(path)));  // it may be new
+    if (before.st_size == 0) flushFolder(folderOf(entryOf(path)));  // the file may be new
   } catch (...) {
     if (S_ISREG(before.st_mode)) file.cutTo(before.st_size);
     throw;
@@ -336,7 +337,7 @@ class Openings {
   posix_spawn_file_actions_t actions_{};
 };
 
-/// A process; the destructor waits for it if necessary.
+/// A process; the destructor kills it unless `status` was called.
 class Process {
  public:
   Process(const std::string& program, const std::vector<std::string>& arguments, int output) {

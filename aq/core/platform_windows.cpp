@@ -63,7 +63,7 @@ constexpr std::array kReasons{
     Reason{ERROR_CANT_RESOLVE_FILENAME, "Too many levels of symbolic links"},
 };
 
-/// The system's own message, in English if it has one.
+/// The system's own message, in English if available.
 std::string systemText(DWORD error) {
   constexpr DWORD kFlags = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
   constexpr DWORD kEnglish = MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US);
@@ -161,8 +161,8 @@ std::wstring pathOf(const std::string& path, const char* wanted) {
   return systemPath(std::move(name), wanted);
 }
 
-/// Retries for a short while an operation that fails because another program has the file open for
-/// a moment, such as a virus scanner or an indexer.
+/// Retries an operation for a short while if it fails because another program, such as a virus
+/// scanner or an indexer, has the file open for a moment.
 template <class Call>
 bool patiently(const Call& call) {
   for (DWORD wait = 5;; wait *= 2) {
@@ -195,7 +195,7 @@ bool isThere(const std::wstring& path) {
 bool isFolder(const std::wstring& path) { return has(path, FILE_ATTRIBUTE_DIRECTORY); }
 
 /// Throws `SystemError` for a `path` that cannot be opened, with a clearer reason than the system's
-/// if it is known.
+/// if one is known.
 [[noreturn]] void failToOpen(const std::wstring& path, const char* wanted, DWORD error) {
   if (isFolder(path)) throw SystemError(wanted == kOpen ? kRead : wanted, "Is a directory");
   failBy(wanted, error);
@@ -222,8 +222,8 @@ Handle open(const std::wstring& path, const Opening& how, const char* wanted) {
   return handle;
 }
 
-/// A duplicate of the handle of the program's own stream that `path` names as on other systems,
-/// such as /dev/stdout; null for any other path.
+/// A duplicate of the handle of the program's own stream that `path` names in the form of other
+/// systems, such as /dev/stdout; null for any other path.
 Handle standardStream(const std::string& path) {
   DWORD stream = 0;
   if (path == "/dev/stdin") stream = STD_INPUT_HANDLE;
@@ -240,7 +240,7 @@ Handle standardStream(const std::string& path) {
 }
 
 void write(const Handle& file, std::string_view bytes) {
-  constexpr std::size_t kMost = std::size_t{16} * 1024 * 1024;  // network drives refuse larger ones
+  constexpr std::size_t kMost = std::size_t{16} * 1024 * 1024;  // network drives refuse more
   while (!bytes.empty()) {
     const auto size = static_cast<DWORD>(std::min(bytes.size(), kMost));
     DWORD written = 0;
@@ -301,7 +301,7 @@ class Access {
   PACL list_ = nullptr;
 };
 
-/// The existing file that `path` names.
+/// The access rights and attributes that a file passes on to the one that replaces it.
 struct Old {
   explicit Old(const Handle& file)
       : access(file), attributes(informationOf(file).dwFileAttributes & kKept) {}
@@ -525,7 +525,7 @@ std::string allOf(const Handle& output) {
   }
 }
 
-constexpr long long kTicksOfSecond = 10'000'000;  // of 100 ns
+constexpr long long kTicksOfSecond = 10'000'000;  // ticks of 100 ns
 constexpr long long kSecondsTo1970 = 11'644'473'600;
 
 long long ticksOf(const FILETIME& time) {
@@ -569,7 +569,7 @@ void replaceFile(const std::string& path, std::string_view bytes) {
   const Old old(file);
   if (has(entry, FILE_ATTRIBUTE_REPARSE_POINT)) entry = finalPath(file);
   file.reset();
-  open(entry, {.access = DELETE}, kReplace).reset();  // fails if another program prevents it
+  open(entry, {.access = DELETE}, kReplace).reset();  // fails if another program prevents deletion
   replace(entry, &old, bytes);
 }
 
@@ -585,7 +585,7 @@ void appendToFile(const std::string& path, std::string_view bytes) {
   appendTo(file, bytes);
 }
 
-void preferLargePages(void*, std::size_t) {}  // would need a privilege
+void preferLargePages(void*, std::size_t) {}  // large pages would need a privilege
 
 std::vector<std::string> filesIn(const std::string& folder) {
   if (folder.empty()) failBy(kReadFolder, ERROR_PATH_NOT_FOUND);
@@ -661,7 +661,7 @@ bool areOneFile(const std::string& one, const std::string& other) try {
 std::string fileName(const std::string& path) { return path.substr(path.find_last_of("/\\:") + 1); }
 
 std::optional<std::tm> localTime(std::int64_t at) {
-  constexpr std::int64_t kMost = 253'402'300'799 + 86'400;  // a day after the year 9999
+  constexpr std::int64_t kMost = 253'402'300'799 + 86'400;  // a day after the end of 9999
   if (at < -kSecondsTo1970 || at > kMost) return std::nullopt;
   const auto ticks = static_cast<std::uint64_t>((at + kSecondsTo1970) * kTicksOfSecond);
   const FILETIME time{.dwLowDateTime = static_cast<DWORD>(ticks & 0xFFFFFFFFU),

@@ -114,7 +114,7 @@ void AQ_Time::TODstring(std::string_view text) {
   float hours = single(leadingNumber(text.substr(0, first)));
   const float minutes = single(leadingNumber(text.substr(first + 1, second - first)));
   const float seconds = single(leadingNumber(text.substr(second + 1)));
-  // Added to every hour, so 12:30:00 PM is 24.5 hours: hosts rely on it.
+  // PM adds 12 to every hour, so 12:30:00 PM is 24.5 hours: hosts rely on it.
   if (containsLetters(text, "M")) {
     if (containsLetters(text, "PM")) hours += 12;
     if (containsLetters(text, "AM") && hours == 12) hours = 0;

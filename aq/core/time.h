@@ -29,7 +29,7 @@ class AQ_API AQ_Time {
   /// Sets the relative seconds to the time since `reference`, including the days between the two
   /// dates. Of each date only the calendar day matters, with the century derived from the last two
   /// digits of its year (30 to 99 are 1930 to 1999, 00 to 29 are 2000 to 2029). Throws `Overflow`
-  /// if the days in between, in seconds, exceed 32 bits.
+  /// if the days in between, in seconds, do not fit in 32 bits.
   void setRelTime(const AQ_Time& reference);
 
   /// Seconds after midnight. A value above 86400 wraps into the day and advances the date by one
@@ -44,10 +44,10 @@ class AQ_API AQ_Time {
   void TODnumbers(const Variant& Hours, const Variant& Minutes, const Variant& Seconds);
 
   /// The time of day as text: `hh:mm:ss`, then the fraction that the seconds after midnight have in
-  /// 7 significant digits (12:34:56.5). 24 hours are written as 00. Reading throws `InvalidValue`
-  /// below 0 and at or above 90000 s. Setting takes three numbers separated by colons, adds 12
-  /// hours for a "PM" anywhere (12:30:00 PM gives 24.5 hours), and throws `InvalidArgument` with
-  /// fewer than two colons.
+  /// 7 significant digits (12:34:56.5). 24 hours are written as 00. Getting it throws
+  /// `InvalidValue` below 0 and at or above 90000 s. Setting it takes three numbers separated by
+  /// colons, adds 12 hours for a "PM" anywhere in the text (12:30:00 PM gives 24.5 hours), and
+  /// throws `InvalidArgument` with fewer than two colons.
   [[nodiscard]] std::string TODstring() const;
   void TODstring(std::string_view text);
 
