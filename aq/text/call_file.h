@@ -5,8 +5,9 @@
 
 #include "aq/core/enumerations.h"
 
-// The file classes return the result of a read or a write as a value or through their last
-// parameter. Code that serves every format uses these functions, which all have the same form.
+// The functions of file classes return the result of a read or a write as a value or through their
+// last parameter. Code that serves every format calls the functions below instead, which have one
+// form for all classes.
 namespace aq {
 
 /// Calls `file.readFile` with a header and a model, in either order, or with one object.

@@ -2,8 +2,7 @@
 
 #include <string_view>
 
-// The keywords of lines that count the data or name their kind. Readers accept any keyword; checks
-// compare them.
+// The keywords of lines whose values are checked. Readers accept any keyword; checks compare them.
 namespace aq::keywords {
 
 inline constexpr std::string_view kAveragingMethod = "AveragingMethod";

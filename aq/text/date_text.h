@@ -30,8 +30,8 @@ namespace aq {
 /// below 0 or one that rounds to 24 hours or more.
 AQ_API void appendMilliseconds(std::string& text, double secondsOfDay);
 
-/// A clock time in plain form: its seconds after midnight, those after the last colon in single
-/// precision, and its number of characters, 0 if there is no such time.
+/// A clock time in plain form: its seconds after midnight, in which the part after the last colon
+/// has single precision, and its number of characters, 0 if there is no such time.
 struct PlainClock {
   double seconds = 0;
   std::size_t length = 0;

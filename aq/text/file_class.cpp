@@ -9,7 +9,7 @@
 namespace aq {
 namespace {
 
-/// The failure that the current exception reports; rethrows any that does not come from a reader.
+/// The failure that the current exception reports; rethrows any other exception.
 FileFailure failureInFlight() {
   try {
     throw;

@@ -85,8 +85,8 @@ class AQ_API FixedFieldReader {
 [[nodiscard]] AQ_API std::int64_t scaled(double value, int decimals, std::size_t width,
                                          const char* what);
 
-/// Writes a number from `scaled` right-aligned into the columns starting at `at`, and returns their
-/// end.
+/// Writes a number that `scaled` returned, right-aligned in the columns starting at `at`, and
+/// returns their end.
 AQ_API char* putScaled(char* at, std::int64_t value, int decimals, std::size_t width);
 
 /// Appends `field`, right-aligned in `width` columns.

@@ -6,7 +6,7 @@
 
 namespace aq {
 
-/// A header line as a reader takes it. Valid during the call only.
+/// A header line as a reader takes it. Valid only while the observer runs.
 struct HeaderLine {
   enum class Use {
     Keyword,   ///< its value is read
@@ -20,7 +20,7 @@ struct HeaderLine {
   std::string_view keyword;  ///< the keyword that belongs to this line; empty for the other uses
   std::string_view text;     ///< the line, unchanged
   std::string_view
-      value;  ///< the part that is read from a line with a keyword or a parameter file's comment
+      value;  ///< the text after the keyword; in a parameter file also a whole comment line
   std::size_t fields = 0;  ///< how many fields of the value are read; 0 if it is read as a whole
 };
 

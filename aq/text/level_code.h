@@ -29,7 +29,7 @@ inline constexpr LevelCode kInvalidCode = std::numeric_limits<LevelCode>::min();
   return code == kInvalidCode ? kInvalidLevel : code / 100.0;
 }
 
-/// Stores `levelOf` each code, from `levels` on.
+/// Stores the `levelOf` of each code, starting at `levels`.
 AQ_API void copyLevels(std::span<const LevelCode> codes, double* levels);
 
 /// The code that `levelOf` turns into exactly this level; nothing if there is none.
@@ -46,7 +46,7 @@ inline constexpr std::size_t kLevelColumns = 8;
 /// until `codes` is full or another form follows, such as eight blanks; returns how many.
 [[nodiscard]] AQ_API std::size_t codesInColumns(std::string_view text, std::span<LevelCode> codes);
 
-/// Writes a level into eight columns, in the form that is read.
+/// Writes a level into eight columns, in the form that `codesInColumns` reads.
 AQ_API void putInColumns(char* at, LevelCode code);
 
 /// Appends `level` as levels are written: two decimals, no zero before the point (.50, -.25),

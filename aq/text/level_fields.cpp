@@ -168,13 +168,13 @@ AQ_AVX2 bool takeGroup(const char* text, const std::uint16_t* ends, LevelCode* c
 
 /// Takes groups of levels from the start of text of 32 bytes or more.
 AQ_AVX2 FieldsTaken takeGroups(std::string_view text, std::span<LevelCode> codes) {
-  constexpr std::size_t kMost = kFieldsAtOnce * (kLongestLevel + 1);  // if all have this length
+  constexpr std::size_t kMost = kFieldsAtOnce * (kLongestLevel + 1);  // if all are the longest
   FieldEnds ends;
   const std::size_t found =
       findEnds(text.substr(0, kMost), std::min(codes.size(), kFieldsAtOnce), ends);
   std::size_t count = 0;
   while (count < found && found >= kGroup) {
-    const std::size_t from = std::min(count, found - kGroup);  // the last group may overlap
+    const std::size_t from = std::min(count, found - kGroup);  // may overlap the group before
     if (!takeGroup(text.data(), &ends[from], &codes[from])) break;
     count = from + kGroup;
   }
@@ -197,7 +197,7 @@ FieldsTaken takeUsual(std::string_view, std::span<LevelCode>) { return {}; }
 }  // namespace
 
 FieldsTaken levelsAtFront(std::string_view text, std::span<LevelCode> codes) {
-  constexpr std::size_t kAtOnce = 8;  // one by one, until the usual form is tried again
+  constexpr std::size_t kAtOnce = 8;  // taken one by one before the usual form is tried again
   FieldsTaken taken;
   while (taken.count < codes.size() && !taken.last) {
     const FieldsTaken usual = takeUsual(text.substr(taken.length), codes.subspan(taken.count));

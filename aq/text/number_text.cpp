@@ -117,7 +117,7 @@ Integer wholeInteger(std::string_view text) {
   return static_cast<Integer>(value);
 }
 
-using Buffer = std::array<char, 64>;  // for a text of any length that this file writes
+using Buffer = std::array<char, 64>;  // long enough for any text that this file writes
 
 void requireFinite(double value) {
   if (!std::isfinite(value)) {
@@ -195,8 +195,8 @@ char* putFractionDigits(char* at, std::int32_t fraction, int places) {
   return at + 1;
 }
 
-/// The fraction of a value from 1 to below 1e6, in 7 significant digits of the whole. The product
-/// with that power of ten is exact, so rounding it once is correct.
+/// The fraction of a value from 1 to below 1e6, in 7 significant digits of the whole. The value
+/// times a power of ten is exact in double precision, so rounding it once is correct.
 char* putDecimals(char* at, float value) {
   int places = kSingleDigits - 1;
   std::int32_t scale = 1000000;
@@ -208,8 +208,8 @@ char* putDecimals(char* at, float value) {
   return putFractionDigits(at, static_cast<std::int32_t>(scaled) % scale, places);
 }
 
-/// Writes a value that is a whole number of thousandths; `nullptr` for any other. Its text has at
-/// most 15 digits, so it is the text of the value with 15.
+/// Writes a value that is a whole number of thousandths; `nullptr` for any other. The text has at
+/// most 15 digits, so rounding the value to 15 digits gives the same text.
 char* putThousandths(char* at, double value) {
   constexpr double kScale = 1000;
   constexpr double kLargest = 1e11;
@@ -328,7 +328,8 @@ void appendAllDigits(std::string& text, float value) { appendEveryDigit(text, va
 std::int64_t scaledBy(double value, double scale) {
   const double size = std::abs(value);
   const double below = std::floor(size * scale);
-  // The sign of the fused product shows which way the product was rounded.
+  // The fused result is rounded only once: its sign shows on which side of the half the exact
+  // product is.
   const bool up = std::fma(size, scale, -(below + 0.5)) >= 0;
   const auto whole = static_cast<std::int64_t>(below) + (up ? 1 : 0);
   return value < 0 ? -whole : whole;

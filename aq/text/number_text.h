@@ -32,7 +32,7 @@ namespace aq {
 [[nodiscard]] AQ_API std::int16_t int16From(std::string_view text);
 [[nodiscard]] AQ_API std::uint8_t byteFrom(std::string_view text);
 
-/// The number at the start of `text`, after any blanks, up to the first character that cannot
+/// The number at the start of `text`, ignoring all blanks, up to the first character that cannot
 /// continue a number; 0 if there is no number. Throws `Overflow` outside the range of a double.
 [[nodiscard]] AQ_API double leadingNumber(std::string_view text);
 
@@ -53,11 +53,11 @@ AQ_API void appendAllDigits(std::string& text, double value);
 AQ_API void appendAllDigits(std::string& text, float value);
 
 /// `value` times `scale`, a power of ten, rounded to an integer, exact halves away from zero.
-/// `value` is finite and the product below 2^52.
+/// `value` is finite and the product is below 2^52.
 [[nodiscard]] AQ_API std::int64_t scaledBy(double value, double scale);
 
-// The same text in place, for rows of many numbers. Each returns the end of its text, and `at` has
-// room for the longest one.
+// The default text in place, for rows of many numbers. Each returns the end of its text, and `at`
+// has room for the longest one.
 inline constexpr std::size_t kIntegerSize = 11;   // a sign and ten digits
 inline constexpr std::size_t kNumberSize = 24;    // a sign, "0.", six zeros and 15 digits
 inline constexpr std::size_t kFractionSize = 64;  // a point and the digits of the smallest single

@@ -11,7 +11,8 @@
 #include "aq/text/word.h"
 
 // The fast path for numbers in the form that files mostly use; `number_text.h` handles all forms.
-// Inline, since a call would cost as much as the number. Up to eight characters form one word.
+// Inline, since a call would cost as much as converting the number. Up to eight characters form one
+// word.
 
 namespace aq {
 
