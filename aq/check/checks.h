@@ -14,8 +14,8 @@ struct FileOf {
   const std::string& path;
 };
 
-// The checks of each format. If a file changes during the check, they throw what text readers
-// throw.
+// The checks for each format. If a file changes during the check, they throw the exceptions of text
+// readers.
 void check(FileOf<AQ_DataSTH> file, const Reporter& report);
 void check(FileOf<AQ_DataSSR> file, const Reporter& report);
 void check(FileOf<AQ_DataTSPI> of, const Reporter& report);

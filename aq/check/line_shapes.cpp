@@ -16,7 +16,7 @@ std::string_view withoutEmptyEnd(std::string_view line) {
   return line.substr(0, last == line.npos ? 0 : last + 1);
 }
 
-/// The fields of a line after the first two, one of which may be a time with its own point.
+/// The fields of a line after the first two, one of which may be a time with a decimal point.
 std::string_view afterTwoFields(std::string_view line) {
   for (int i = 0; i < 2; ++i) line.remove_prefix(std::min(line.find(','), line.size() - 1) + 1);
   return line;
