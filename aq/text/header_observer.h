@@ -20,11 +20,11 @@ struct HeaderLine {
   std::string_view keyword;  ///< the keyword that belongs to this line; empty for the other uses
   std::string_view text;     ///< the line, unchanged
   std::string_view
-      value;  ///< the text after the keyword; in a parameter file also a whole comment line
+      value;  ///< the part read after the keyword; in a parameter file also a whole comment line
   std::size_t fields = 0;  ///< how many fields of the value are read; 0 if it is read as a whole
 };
 
-/// Sees every header line that a read takes.
+/// Called with every header line that a read takes.
 using HeaderObserver = std::function<void(const HeaderLine&)>;
 
 inline void showLine(const HeaderObserver& watch, const HeaderLine& line) {
