@@ -9,8 +9,8 @@
 namespace aq {
 
 /// Replaces decimal commas with points in the data lines of a history, where commas also separate
-/// fields. Levels always have two decimals. The time and the relative time are identified by
-/// the number of fields or, if that leaves two possibilities, by the reference time.
+/// fields. Levels always have two decimals. The time and the relative time are identified by the
+/// number of fields or, if that leaves two possibilities, by the reference time.
 class DecimalCommas {
  public:
   /// Takes the bands and the reference time from the lines of the header.

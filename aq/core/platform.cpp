@@ -95,8 +95,8 @@ class OutputFile {
   }
 
   /// Gives the file the owner and permissions of another one. If the system does not allow setting
-  /// the owner, the writer stays the owner, and permissions that would then belong to a
-  /// different owner or group are dropped.
+  /// the owner, the writer stays the owner, and permissions that would then belong to a different
+  /// owner or group are dropped.
   void takeAfter(const struct stat& other) const {
     constexpr auto kKeptOwner = static_cast<uid_t>(-1);
     const struct stat own = status();

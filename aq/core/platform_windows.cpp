@@ -432,7 +432,7 @@ void appendTo(const Handle& file, std::string_view bytes) {
 }
 
 /// Appends an argument, quoted in the way that started programs parse; without quotes if it needs
-/// none, since old programs do not remove them.
+/// none, since old programs do not remove quotes.
 void appendArgument(std::wstring& line, std::wstring_view argument) {
   if (!line.empty()) line += L' ';
   if (!argument.empty() && argument.find_first_of(L" \t\"") == argument.npos) {
@@ -503,8 +503,7 @@ Handle start(const std::wstring& program, std::wstring line, HANDLE output) {
   return Handle(started.hProcess);
 }
 
-/// Whether a program is a batch file, whose shell could run parts of a file's name as
-/// commands.
+/// Whether a program is a batch file, whose shell could run parts of a file's name as commands.
 bool isBatch(std::wstring_view program) {
   std::wstring ending(program.substr(std::min(program.rfind(L'.'), program.size())));
   std::transform(ending.begin(), ending.end(), ending.begin(),
