@@ -19,7 +19,7 @@ class BandBlock {
   [[nodiscard]] std::span<Cell> all() { return {cells_.data(), cells_.size()}; }
   [[nodiscard]] std::span<const Cell> all() const { return {cells_.data(), cells_.size()}; }
 
-  /// The cell of `band`, `nullptr` outside the block.
+  /// The cell of `band`; `nullptr` outside the block.
   [[nodiscard]] const Cell* find(std::int16_t band) const {
     const int at = band - first_;
     return at < 0 || at >= static_cast<int>(cells_.size()) ? nullptr : &cells_[index(at)];

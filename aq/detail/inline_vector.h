@@ -90,7 +90,7 @@ class InlineVector {
     size_ = static_cast<Size>(size);
   }
 
-  alignas(Cell*) std::array<Cell, kInline> inPlace_{};  // or a pointer to more cells
+  alignas(Cell*) std::array<Cell, kInline> inPlace_{};  // a pointer to the cells if there are more
   Size size_ = 0;
 };
 

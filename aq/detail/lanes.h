@@ -5,9 +5,9 @@
 
 namespace aq {
 
-// If the compiler supports vectors, `Lanes` is a vector of doubles, one for each of two records, a
-// size that every processor with vectors handles in one instruction. Otherwise it is a double. Code
-// on lanes chooses by `?:`, which evaluates both sides.
+// If the compiler supports vectors, `Lanes` is a vector of two doubles, one for each of two
+// records; every processor with vectors handles this size in one instruction. Otherwise it is a
+// double. Code that works on lanes chooses with `?:`, which evaluates both sides.
 #if defined(__GNUC__)
 using Lanes = double __attribute__((vector_size(16)));
 #else
@@ -22,7 +22,7 @@ inline constexpr std::size_t kLanes = sizeof(Lanes) / sizeof(double);
   return lanes;
 }
 
-/// Lanes with the number that `numberAt` returns for each.
+/// Lanes, each holding the number that `numberAt` returns for it.
 template <class NumberAt>
 [[nodiscard]] Lanes lanesOf(const NumberAt& numberAt) {
 #if defined(__GNUC__)

@@ -8,7 +8,7 @@
 
 namespace aq {
 
-/// A time stored as two doubles, for objects of which there are many. Creates the `AQ_Time` on
+/// A time stored as two doubles, for objects that exist in large numbers. Creates the `AQ_Time` on
 /// first access; from then on, or after one is shared, that object holds the time.
 class LazyTime {
  public:

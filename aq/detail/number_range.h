@@ -15,7 +15,7 @@ namespace aq {
   return static_cast<std::int16_t>(size);
 }
 
-/// The lowest and highest band or record number ever stored. It only widens; an empty one is 9999
+/// The lowest and highest band or record number ever stored. It only widens; an empty range is 9999
 /// to -1, and 9999 stays the low end when only larger numbers are stored, as hosts expect.
 struct NumberRange {
   std::int16_t low = AQ_INVALID_LEVEL;
@@ -33,8 +33,8 @@ struct NumberRange {
     widen(static_cast<std::int16_t>(first + static_cast<int>(count) - 1));
   }
 
-  /// Whether the range spans exactly `count` numbers. It spans more than were stored if all of them
-  /// are below -1 or above 9999.
+  /// Whether the range spans exactly `count` numbers. It spans more numbers than were stored if
+  /// these are all below -1 or all above 9999.
   [[nodiscard]] bool holds(std::size_t count) const {
     return high - low + 1 == static_cast<int>(count);
   }

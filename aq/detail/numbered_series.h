@@ -82,8 +82,9 @@ class AQ_API NumberIndex {
   std::unordered_map<std::int32_t, std::size_t> table_;  // used instead of a run
 };
 
-/// Shared objects in order, each with a record number. Storing under an existing number removes the
-/// old object and appends the new one at the end. `Number` is the type of the number in a walk.
+/// Shared objects in the order in which they were stored, each with a record number. Storing under
+/// an existing number removes the old object and appends the new one at the end. `Number` is the
+/// type of the number in a walk.
 template <class T, class Number = std::int32_t>
 class NumberedSeries {
  public:

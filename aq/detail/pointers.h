@@ -6,14 +6,14 @@
 
 namespace aq {
 
-/// The object of `pointer`; created and kept there if the pointer is empty.
+/// The object that `pointer` points to; created and kept there if the pointer is empty.
 template <class T>
 const std::shared_ptr<T>& orCreate(std::shared_ptr<T>& pointer) {
   if (!pointer) pointer = std::make_shared<T>();
   return pointer;
 }
 
-/// The object of a pointer from a caller. Throws `ObjectNotSet` if the pointer is empty.
+/// The object that a caller's pointer points to. Throws `ObjectNotSet` if the pointer is empty.
 template <class T>
 T& orThrow(const std::shared_ptr<T>& pointer) {
   if (!pointer) throw Error(ErrorCode::ObjectNotSet, "an object is missing");

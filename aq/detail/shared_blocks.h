@@ -47,7 +47,7 @@ class BlockMemory {
   std::byte* bytes_;
 };
 
-/// Allocates from `memory`, which it keeps alive, and as usual when that is full.
+/// Allocates from `memory`, which it keeps alive; once that is full, allocates as usual.
 template <class T>
 struct BlockAllocator {
   using value_type = T;
@@ -73,7 +73,7 @@ struct BlockAllocator {
 
 /// Creates shared objects for the records of a file, with one allocation for many of them. An
 /// object that outlives the others keeps its whole block alive, including what its neighbours hold.
-/// In a file with megabytes of objects, it keeps the memory of most others too.
+/// In a file with megabytes of objects, it keeps the memory of most of the others too.
 template <class T>
 class SharedBlocks {
  public:

@@ -13,7 +13,7 @@
 
 namespace aq {
 
-/// Which slots of a list are removed but not yet compacted. Finds the n-th slot still in use in
+/// The slots of a list that are removed but not yet compacted. Finds the n-th slot still in use in
 /// logarithmic time.
 class AQ_API Tombstones {
  public:
