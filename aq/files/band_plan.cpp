@@ -36,8 +36,8 @@ std::optional<int> bandAt(double frequency) {
   return static_cast<int>(band);
 }
 
-/// The edges of bins: half-way between centres; the outer edges are as far from the centre as the
-/// inner ones.
+/// The edges of bins, half-way between their centres; the outer edge of the first and of the last
+/// bin is as far from the centre as the inner one.
 std::vector<double> edgesOf(std::span<const double> x) {
   std::vector<double> edges(x.size() + 1);
   for (std::size_t i = 1; i < x.size(); ++i) {

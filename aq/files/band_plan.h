@@ -10,9 +10,10 @@ namespace aq {
 /// Maps the points of a trace to one-third-octave bands 2 to 50, in ascending order.
 class BandPlan {
  public:
-  /// For octave data: each point is a band, with its centre at 10^(n/10) Hz, its nominal or its
-  /// base-2 frequency (IEC 61260-1). Leaves out points after the last band, such as overall levels.
-  /// Fails for any other point, for bands that do not ascend, and if none is from 2 to 50.
+  /// For octave data: each point is a band, with its centre at 10^(n/10) Hz, at its nominal
+  /// frequency or at its base-2 frequency (IEC 61260-1). Leaves out points after the last band,
+  /// such as overall levels. Fails for any other point, for bands that do not ascend, and if none
+  /// of them is from 2 to 50.
   static BandPlan ofOctaves(std::span<const double> x);
 
   /// For narrow bands: sums the points from `start` up to, but not including, `end`, which is at

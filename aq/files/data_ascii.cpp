@@ -40,7 +40,7 @@ AQ_DataMessage AQ_DataASCII::readFields(const std::string& sFileName) {
   return reading(sFileName, [&](const std::string& name) {
     auto fields = std::make_shared<FieldLines>();
     LineReader lines(name);
-    std::int32_t expected = 0;  // as many fields as in the line before
+    std::int32_t expected = 0;  // the number of fields in the line before
     while (lines.next()) {
       fields->Add(divided(lines.line(), expected));
       expected = fields->Item(fields->Count())->Count();

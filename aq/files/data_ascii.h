@@ -12,8 +12,9 @@
 
 namespace aq {
 
-/// Reads any delimited text file as lines or as lines of fields, and writes or appends such lists.
-/// The collections are shared with the caller, not copied. A failed call leaves them unchanged.
+/// Reads any delimited text file as lines or as lines of fields, and writes or appends these. The
+/// collections of lines and fields are shared with the caller, not copied. A failed call leaves
+/// them unchanged.
 class AQ_API AQ_DataASCII : public FileClass {
  public:
   using FieldLines = Collection<std::shared_ptr<Collection<std::string>>>;

@@ -41,8 +41,8 @@ bool isRecording(const std::string& path) {
   }
 }
 
-/// The data header that the external converter should print, from 1: the one that the levels come
-/// from, or the first one if only the converter understands the recording.
+/// The number, from 1, of the data header that the external converter should print: the one that
+/// the levels come from, or the first one if only the converter understands the recording.
 std::size_t headerToPrint(const std::string& path) {
   try {
     const auto recording = sdf::Recording::fromFile(path);

@@ -18,7 +18,7 @@ class Recording;
 }
 
 /// Reads the recordings of an analyzer, in the Standard Data Format, as spectral time histories:
-/// one-third-octave data unchanged, auto power of narrow bands summed to bands
+/// one-third-octave data unchanged, auto power of narrow bands summed into bands
 /// (docs/formats/analyzer-recording.md). Everything that users of the levels should know becomes a
 /// comment line in the header.
 class AQ_API AQ_DataHP3565 : public FileClass {
@@ -35,8 +35,8 @@ class AQ_API AQ_DataHP3565 : public FileClass {
   /// creates no text file and leaves an existing one unchanged. Never replaces a recording.
   AQ_DataMessage DAT_to_ASC(const std::string& sDatFile, const std::string& sAscFile);
 
-  /// Reads a recording from a text file. If that has only values, takes the headers from the .HDR
-  /// file in the same folder. A failure sets neither object.
+  /// Reads a recording from a text file. If that file has only values, takes the headers from the
+  /// .HDR file in the same folder. A failure sets neither object.
   AQ_DataMessage ParseASC(const std::string& sAscFile, std::shared_ptr<AQ_HeaderSTH>& aqHeader,
                           std::shared_ptr<AQ_SpectralTimeHistory>& STH);
 
@@ -52,8 +52,8 @@ class AQ_API AQ_DataHP3565 : public FileClass {
   [[nodiscard]] std::int16_t Channel() const { return channel_; }
   void Channel(std::int16_t channel) { channel_ = channel; }
 
-  /// Seconds from one record to the next if scans have no times. Throws `InvalidValue` for a
-  /// value that is not above 0.
+  /// Seconds from one record to the next if scans have no times. Throws `InvalidValue` for a value
+  /// that is not finite or not above 0.
   [[nodiscard]] double RecordLength() const { return recordLength_; }
   void RecordLength(double seconds);
 

@@ -31,7 +31,7 @@ class AQ_API AQ_DataINI : public FileClass {
 
   /// Reads parameters by their keywords, in any order. Unsets `NuAvg` and `NuTimg` unless the file
   /// sets them; other parameters that the file does not name keep their values, and comments are
-  /// added to the existing ones. After a failure, what was read before it remains.
+  /// added to the existing ones. After a failure, the values read before it remain.
   AQ_DataMessage readFile(const std::string& sFileName);
 
   /// Calibration adjustment, decibels; 0 is not written.

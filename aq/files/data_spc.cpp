@@ -34,7 +34,7 @@ constexpr Columns levelColumns(std::size_t place) {
   return {first, first + kLevelColumns - 1};
 }
 
-/// The nominal frequency in a label such as "B17/50Hz".
+/// The nominal frequency in the label of a band, such as "50Hz" in "B17/50Hz".
 std::string_view frequencyOf(std::int16_t band) {
   const std::string_view label = bandLabel(band);
   return label.substr(label.find('/') + 1);
@@ -97,8 +97,8 @@ std::int32_t recordFrom(std::string_view text) {
   return plain.length == text.size() && plain.length != 0 ? plain.value : int32From(text);
 }
 
-/// The levels of one record. A band without a level becomes a gap between others, and is left out
-/// at either end.
+/// The levels of one record. A band without a level becomes a gap if it lies between bands with
+/// levels, and is left out at either end.
 class LevelRow {
  public:
   LevelRow(std::int16_t low, std::int16_t high)
@@ -244,7 +244,7 @@ void AQ_DataSPC::RecordLength(const Variant& seconds) {
 }
 
 /// The settings, with a 0 replaced by the first or last stored number. Does not use the history's
-/// `LoRec` and `HiRec`: a 0 in them reads as another number.
+/// `LoRec` and `HiRec`, which return another number for a 0.
 AQ_DataSPC::Settings AQ_DataSPC::chosen(const AQ_SpectralTimeHistory& history) const {
   Settings chosen = settings_;
   std::optional<std::int16_t> first;

@@ -21,7 +21,7 @@ enum class FileKind {
   AnalyzerRecording,
 };
 
-/// The kind of a file, from its title in the first line or the start of that line or, for a
+/// The kind of a file, from the title in its first line, from the start of that line or, for a
 /// tracking file, from the shape of the lines after its header. Reads at most the first 64 KiB. A
 /// file that cannot be read is `Unknown`.
 [[nodiscard]] AQ_API FileKind kindOfFile(const std::string& path);

@@ -39,7 +39,7 @@ struct Content<void, Model_> {
 };
 
 /// A kind of file: its names, the class that reads and perhaps writes it, and its content. Files
-/// that name their type do so by `File::kTitle`; others may begin with `File::kBeginning`.
+/// that name their type do so with `File::kTitle`; others may begin with `File::kBeginning`.
 template <class File_, class Header_, class Model_>
 struct Format {
   using File = File_;
@@ -107,8 +107,8 @@ using FormatOf = decltype(std::apply(
   return text;
 }
 
-/// Reads a file of the format of `file` into new objects. After a failure they hold what the file
-/// class defines.
+/// Reads a file in the format of `file` into new objects. After a failure, their contents depend on
+/// the file class.
 template <class File, class Header, class Model>
 [[nodiscard]] AQ_DataMessage readContent(File& file, const std::string& path,
                                          Content<Header, Model>& content) {
@@ -125,7 +125,7 @@ template <class File, class Header, class Model>
   }
 }
 
-/// Writes a file of the format of `file`.
+/// Writes a file in the format of `file`.
 template <class File, class Header, class Model>
 [[nodiscard]] AQ_DataMessage writeContent(File& file, const std::string& path,
                                           const Content<Header, Model>& content) {

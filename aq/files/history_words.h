@@ -14,7 +14,7 @@
 namespace aq {
 
 /// The words for members of enumerations in the header of a history file. As hosts expect,
-/// `AQ_DataSTH` reads an unknown word as another one, and leaves the reference time type at
+/// `AQ_DataSTH` reads an unknown word as a known one, and leaves the reference time type at
 /// `AQ_START_REF`. Code that writes the history again observes the header with this class.
 class AQ_API HistoryWords {
  public:

@@ -105,7 +105,8 @@ class LevelReader {
     for (double& level : levels_) {
       level = level > 0 ? factor_ * std::log10(level) + constant_ : kNoLevel;
     }
-    // The logarithm of a finite value is finite.
+    // The values are finite, and so are their logarithms: only the constant can make a level
+    // infinite.
     if (!std::isfinite(constant_)) failAt(0, scan, constant_);
     if (whole) return spectrum.assignLevels(plan_.band(0), levels_);
     for (std::size_t i = 0; i < plan_.size(); ++i) {
@@ -185,7 +186,7 @@ class ScanTimes {
     const double factor = variable_->unit.factor;
     const double seconds = factor == 0 ? *value : *value * factor;
     if (!(std::abs(seconds) <= kMostSeconds)) {
-      variable_->record->fail("a plausible time of scan " + std::to_string(scan),
+      variable_->record->fail("a plausible time for scan " + std::to_string(scan),
                               std::to_string(seconds));
     }
     return seconds;

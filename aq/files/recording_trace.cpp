@@ -26,7 +26,7 @@ constexpr std::int32_t kOctave = 6;
 constexpr std::int32_t kAutoPower = 2;
 constexpr std::int32_t kThirdOctave = 12;
 constexpr std::int32_t kPressure = 49;
-// Corrections of a window.
+// Kinds of window correction.
 constexpr std::int32_t kNarrow = 1;
 constexpr std::int32_t kWide = 2;
 
@@ -65,7 +65,7 @@ const Record* vectorOf(const Recording& recording, const TraceSet& set, std::siz
   return numbered(vectors, set.header, first < 0 ? first : number, "vectors");
 }
 
-/// The window's correction of amplitudes for narrow-band power data of noise.
+/// The amplitude correction of the window for narrow-band power data of noise.
 double windowFactor(const Record& channel) {
   const Record window = channel.part(kChannel["window"]);
   const double wide = window.real(kWindow["wideBandCorr"]);

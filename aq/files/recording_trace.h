@@ -26,8 +26,8 @@ struct RecordingTrace {
 /// with auto power. Fails if there is neither.
 [[nodiscard]] const sdf::TraceSet& levelsOf(const sdf::Recording& recording);
 
-/// Trace `channel`, counted from 1, of the header that levels come from. Fails if the form of its
-/// data is unknown, or if its unit or correction is missing.
+/// Trace `channel`, counted from 1, of the header that the levels come from. Fails if the form of
+/// its data is unknown, or if its unit or correction is missing.
 [[nodiscard]] RecordingTrace traceOf(const sdf::Recording& recording, std::int16_t channel);
 
 /// How many points of a trace are valid.
@@ -37,8 +37,7 @@ struct RecordingTrace {
 /// Whether the data are already one-third octaves.
 [[nodiscard]] bool isOctaves(const sdf::TraceSet& set);
 
-/// The limits on the use of the data, one line each: weighting, overload, data not valid,
-/// correction.
+/// The limits on the use of the data, one line each: weighting, overload, invalid data, correction.
 [[nodiscard]] std::vector<std::string> marksOf(const RecordingTrace& trace);
 
 /// Notes for users of the levels, one line each: channel, unit, calibration and marks.
