@@ -9,15 +9,15 @@
 namespace aq {
 
 /// Points `first` to `last`, renumbered from 1. The start time moves by the time between the `Tm`
-/// of the geometry's first point and that of `first`. Points are shared with the geometry. Throws
-/// `InvalidArgument` if a point is missing.
+/// of the geometry's first point and that of point `first`. Points are shared with the geometry.
+/// Throws `InvalidArgument` if a point is missing.
 [[nodiscard]] AQ_API std::shared_ptr<AQ_GeometryTimeHistory> cutGeometry(
     AQ_GeometryTimeHistory& geometry, std::int32_t first, std::int32_t last);
 
 /// The points of two geometries; those of `after` are numbered on from the last one of `before`.
-/// Points are shared with both; start time, reference and their types are those of `before`. Throws
-/// `InvalidArgument` when `after` has another reference or type of stamps, or does not begin after
-/// `before` has ended, and when either has no points.
+/// Points are shared with both; the start time, the reference time and their types are those of
+/// `before`. Throws `InvalidArgument` when `after` has another reference or type of stamps, or does
+/// not begin after `before` ends, and when either has no points.
 [[nodiscard]] AQ_API std::shared_ptr<AQ_GeometryTimeHistory> joinGeometries(
     AQ_GeometryTimeHistory& before, AQ_GeometryTimeHistory& after);
 

@@ -42,7 +42,6 @@ void header(Lines& lines, AQ_HeaderGTH& header) {
 }
 
 /// The last of the eleven columns has no heading: hosts rely on it.
-
 void appendPoint(std::string& text, std::int32_t record, AQ_Geometry& point) {
   const auto field = [&text](auto value) {
     text += ',';

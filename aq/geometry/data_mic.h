@@ -18,9 +18,9 @@ class AQ_API AQ_DataMIC : public FileClass {
   /// The file type that the first line names.
   static constexpr std::string_view kTitle = "Microphone Position File";
 
-  /// Reads a file into a new header and into the caller's microphone. If the header
-  /// cannot be read, neither changes. If the microphone's line cannot be read, the header is set,
-  /// and so are the coordinates before the failure.
+  /// Reads a file into a new header and into the caller's microphone. If the header cannot be read,
+  /// neither changes. If the microphone's line cannot be read, the header is set, and so are the
+  /// coordinates read before the failure.
   void readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderMIC>& aqHeader,
                 const std::shared_ptr<AQ_Microphone>& MIC, AQ_DataMessage& result);
 

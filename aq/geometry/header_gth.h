@@ -11,8 +11,8 @@
 namespace aq {
 
 /// The header of a geometric time history file. It names the three files that the geometry was
-/// computed from; their dates are as read, and the writer gets them from the file information
-/// service.
+/// computed from; their dates are as read, but the writer gets the dates that it writes from the
+/// file information service.
 class AQ_HeaderGTH {
  public:
   std::string FileType;
