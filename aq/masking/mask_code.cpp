@@ -25,7 +25,7 @@ constexpr std::size_t indexOf(char mode, char adjustment) {
 
 constexpr MaskCode kNoLetters = 0x80;  // above all codes
 
-/// The code of any two bytes, `kNoLetters` if they are not a mask. Reading touches only the few
+/// The code of any two bytes; `kNoLetters` if they are not a mask. Reading touches only the few
 /// entries of masks, so this table needs no more cache than one table per letter would.
 constexpr auto kCodesOfLetters = [] {
   std::array<MaskCode, 1 << 16> codes{};
@@ -39,7 +39,7 @@ constexpr auto kCodesOfLetters = [] {
 
 constexpr std::size_t kColumn = 3;  // two letters and a comma
 
-/// The column of a code, empty for `kNoMaskCode`.
+/// The column of a code; empty for `kNoMaskCode`.
 constexpr std::array<char, kColumn> columnOf(std::size_t code) {
   if (code == kNoMaskCode) return {};
   const std::size_t pair = code - 1;

@@ -13,7 +13,7 @@
 
 namespace aq {
 
-/// A masking decision in one byte: 1 and up for each pair of letters, 0 for no decision.
+/// A masking decision in one byte: from 1 up for the pairs of letters, 0 for no decision.
 using MaskCode = std::uint8_t;
 
 inline constexpr MaskCode kNoMaskCode = 0;

@@ -42,8 +42,8 @@ class AQ_API AQ_MaskRow {
     return bands_.encompasses(spectrum);
   }
 
-  /// The last good band, 28 to the highest band less 1; 0 when no band from 29 up is masked, 9999
-  /// when bands 28 and 29 both are.
+  /// The last good band, from 28 to the highest band minus 1; 0 when no band from 29 up is masked,
+  /// 9999 when bands 28 and 29 both are.
   [[nodiscard]] std::int16_t LGB() const { return lastGoodBand_; }
   void LGB(std::int16_t band) { lastGoodBand_ = band; }
 
