@@ -24,7 +24,7 @@ double angleBetween(const Vector3& direction, const Vector3& line) {
   return std::atan2(lengthOf(cross), dot(direction, line)) * kDegrees;
 }
 
-/// The angle of a line about a unit vector, from below to the left, in degrees.
+/// The angle of a line about a unit vector, measured from below towards the left, in degrees.
 double angleAbout(const Vector3& direction, const Vector3& line) {
   const double level = std::hypot(direction[0], direction[1]);
   if (level == 0) return 0;  // a vertical flight has no left or right
@@ -34,7 +34,7 @@ double angleAbout(const Vector3& direction, const Vector3& line) {
   return std::atan2(dot(line, left), dot(line, below)) * kDegrees;
 }
 
-/// The time at `seconds` of the path, possibly on another day than the record at `received`.
+/// The time at `seconds` of the path; its day may differ from that of the record at `received`.
 std::shared_ptr<AQ_Time> emissionTime(const AQ_Time& recorded, double received, double seconds) {
   auto time = std::make_shared<AQ_Time>();
   const double day = std::floor(seconds / kSecondsPerDay);
@@ -101,7 +101,7 @@ std::shared_ptr<AQ_GeometryTimeHistory> emissionGeometry(const AQ_PositionTimeHi
     const auto place = path.emission(receiver, recorded.TODseconds(), speed);
     if (place) geometry->Point(number, pointAt(path, *place, receiver, recorded));
   }
-  AQ_SpectralTimeHistory shared = records;  // so that its times are created there on first read
+  AQ_SpectralTimeHistory shared = records;  // a copy, so that missing times are created there
   copyDateAndTimeOfDay(*shared.startTime(), *geometry->startTime());
   copyDateAndTimeOfDay(*shared.ReferenceTime(), *geometry->ReferenceTime());
   geometry->TimeStampType(records.TimeStampType());

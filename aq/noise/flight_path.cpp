@@ -75,7 +75,8 @@ double FlightPath::secondsOf(double timeOfDay) const {
 std::optional<FlightPath::Place> FlightPath::emission(const Vector3& receiver, double timeOfDay,
                                                       double speedOfSound) const {
   const double received = secondsOf(timeOfDay);
-  const auto hasPassed = [&](std::size_t i) {  // whether sound from position i has arrived by then
+  // Whether the sound emitted at position i has arrived by `received`.
+  const auto hasPassed = [&](std::size_t i) {
     return speedOfSound * (received - seconds_[i]) >= lengthOf(positions_[i] - receiver);
   };
   if (seconds_.size() < 2 || !hasPassed(0)) return std::nullopt;

@@ -18,19 +18,19 @@ namespace aq {
 namespace {
 
 constexpr double kNoValue = std::numeric_limits<double>::quiet_NaN();
-constexpr double kRecordSeconds = 0.5;  // of a single record
+constexpr double kRecordSeconds = 0.5;  // the length of a record if the stamps do not give it
 
 const AQ_MaskRow* rowOf(const AQ_MaskMap* map, std::int16_t record) {
   if (map == nullptr || !map->contains(record)) return nullptr;
   return &orThrow(map->heldRow(record));
 }
 
-/// The records of a history in the order of their numbers.
+/// A record of a history; `Records` are in the order of their numbers.
 struct Record {
   const AQ_Spectrum* spectrum;
   const AQ_MaskRow* masks;  // may be null
   std::int16_t number;
-  double seconds;  // of the day, of the stamp
+  double seconds;  // the time of day of the stamp
 };
 using Records = std::vector<Record>;
 
@@ -103,7 +103,7 @@ std::vector<double> durationsOf(const Records& records) {
   return durations;
 }
 
-/// The values by number of the record, from the lowest up; `other` for a number without a record.
+/// The values by record number, from the lowest up; `other` for a number without a record.
 std::vector<double> byNumber(const Records& records, std::vector<double> values, double other) {
   const int low = records.front().number;
   const auto numbers = static_cast<std::size_t>(records.back().number - low) + 1;
@@ -115,7 +115,7 @@ std::vector<double> byNumber(const Records& records, std::vector<double> values,
   return all;
 }
 
-/// Index 0 is the lowest record number; a number without a record is an index without PNLT.
+/// Index 0 is the lowest record number; a number without a record gives an index without PNLT.
 std::optional<NoiseEvent> eventOf(const Records& records, EventValues values) {
   std::vector<double> durations = durationsOf(records);
   const auto& pnlt = values.pnlt;

@@ -10,7 +10,7 @@
 
 namespace aq {
 
-/// The codes of a table, from 0 to 128 dB.
+/// The number of codes in a table: those from 0 to 128 dB.
 inline constexpr LevelCode kTableCodes = 12801;
 
 /// Whether a table has all of these codes; looks at four at a time.
@@ -42,7 +42,7 @@ class LevelTable {
   /// The value for a code for which `areInTable` holds.
   [[nodiscard]] double operator[](LevelCode code) const { return values_[at(code)]; }
 
-  /// 0 for `kInvalidCode`.
+  /// The value for any code; 0 for `kInvalidCode`.
   [[nodiscard]] double of(LevelCode code) const {
     return at(code) < kTableCodes ? values_[at(code)] : outside(code);
   }

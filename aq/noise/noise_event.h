@@ -27,10 +27,10 @@ struct NoiseEvent {
 };
 
 /// The event of a series of PNLT (14 CFR 36, A36.4.4 to A36.4.6). NaN means a record without PNLT:
-/// it adds nothing and lies below any limit. `seconds` is how long each record lasts, one value for
-/// all or one per record. `toneCorrections` in dB, one per record and NaN if missing, give the band
-/// sharing adjustment: the mean of the corrections of the five records around the maximum minus
-/// that of the maximum, if positive. Without them it is 0.
+/// it adds nothing and lies below any limit. `seconds` gives the length of each record, one value
+/// for all or one per record. `toneCorrections` in dB, one per record and NaN if missing, give the
+/// band sharing adjustment: the mean of the corrections of the five records around the maximum
+/// minus that of the maximum, if positive. Without them it is 0.
 ///
 /// Comparisons allow 1e-9 dB for the rounding of decimals. Throws `InvalidArgument` when there is
 /// no PNLT or the sizes differ, `InvalidValue` for an infinite PNLT and a duration of 0 or less.

@@ -46,7 +46,7 @@ class NoyTables {
   }
 
  private:
-  /// The index in `tables_` of each band.
+  /// The index in `tables_` of the table of each band.
   static constexpr auto kCurves = [] {
     std::array<std::size_t, kNoyBands.size()> curves{};
     for (std::size_t i = 1; i < curves.size(); ++i) {

@@ -26,10 +26,10 @@ using WeightedLevels = std::array<double, AQ_METRIC_OA>;
 /// The inverse of `perceivedLevelOf`, for levels above 0.
 [[nodiscard]] double totalNoisinessAt(double perceivedLevel);
 
-/// The largest tone correction of each of some records, and its band; see `toneCorrection`.
+/// The largest tone correction of each of `kLanes` records, and its band; see `toneCorrection`.
 class Tones {
  public:
-  /// Leaves the bands as they are unless `withBands`.
+  /// Leaves the bands unchanged unless `withBands`.
   void find(const std::array<CountedLevels, kLanes>& records, bool withBands);
   [[nodiscard]] double correction(std::size_t record) const { return corrections_[record]; }
   [[nodiscard]] std::int16_t band(std::size_t record) const { return bands_[record]; }

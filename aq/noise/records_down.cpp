@@ -10,7 +10,7 @@ namespace aq {
 
 RecordRange recordsDown(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map,
                         double decibels) {
-  constexpr double kDecimals = 1e-9;  // dB, as for the limits of an event
+  constexpr double kDecimals = 1e-9;  // dB, for rounding, as for the limits of an event
   if (!(decibels > kDecimals)) {
     throw Error(ErrorCode::InvalidArgument, "expected a difference above 0 dB");
   }
@@ -22,7 +22,7 @@ RecordRange recordsDown(const AQ_SpectralTimeHistory& history, const AQ_MaskMap*
   };
   const auto& records = metrics.records;
   auto first = std::find_if(records.begin(), records.end(), isAbove);
-  auto last = std::find_if(records.rbegin(), records.rend(), isAbove).base();  // after it
+  auto last = std::find_if(records.rbegin(), records.rend(), isAbove).base();  // one past it
   if (first != records.begin()) --first;
   if (last == records.end()) --last;
   return {first->record, last->record};

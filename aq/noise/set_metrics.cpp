@@ -21,7 +21,7 @@ void forEachMetric(const Visit& visit) {
   }
 }
 
-/// Whether every value fits the single precision of a metric record; throws `Overflow`.
+/// Throws `Overflow` unless every value fits the single precision of a metric record.
 void checkRange(const RecordMetrics& computed) {
   for (const double value : computed.values) {
     if (!std::isnan(value)) static_cast<void>(Variant(value).toSingle());

@@ -38,7 +38,7 @@ class ToneProcedure {
   Column difference{};
   Number largest{};  ///< the largest correction of any band
 
-  /// The sum of 2^index of the bands that may have the largest correction.
+  /// The sum of 2^index over the bands that may have the largest correction.
   [[nodiscard]] Number candidates(std::size_t count) const;
 
   /// The slope minus that of the band below.

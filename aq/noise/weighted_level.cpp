@@ -42,8 +42,8 @@ std::array<Factors, std::tuple_size_v<Weighting>> factorsOfBands() {
   return factors;
 }
 
-/// The level of the sum of levels that count, computed relative to the highest, so that energies
-/// may exceed the range of a double. NaN if no level counts.
+/// The energy sum of the levels that count, in dB, computed relative to the highest, so that
+/// energies may exceed the range of a double. NaN if no level counts.
 double relativeSum(const std::vector<double>& levels) {
   if (levels.empty()) return std::numeric_limits<double>::quiet_NaN();
   const double highest = *std::max_element(levels.begin(), levels.end());
@@ -90,7 +90,7 @@ void forEachEnergy(const CountedLevels& record, const Add& add) {
 /// The sums of the energies by type.
 WeightedLevels energySums(const CountedLevels& record) {
   static const auto kFactors = factorsOfBands();
-  static constexpr Factors kOther{0, 0, 0, 1};  // of a band that no weighting has
+  static constexpr Factors kOther{0, 0, 0, 1};  // of a band that no weighting covers
   std::array<Lanes, std::tuple_size_v<Factors> / kLanes> sums{};
   forEachEnergy(record, [&](std::int32_t band, double energy) {
     const auto at = static_cast<std::size_t>(band - kFirstWeightedBand);
