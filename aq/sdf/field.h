@@ -46,7 +46,7 @@ struct Field {
   const Codes* codes = nullptr;
 };
 
-/// Bytes of one element, 1 for a text field.
+/// Bytes of one element; a text field is a single element of `count` bytes.
 [[nodiscard]] constexpr std::size_t sizeOf(const Field& field) {
   switch (field.type) {
     case Type::Short: return 2;

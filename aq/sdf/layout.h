@@ -29,7 +29,7 @@ enum class RecordType : std::int16_t {
   Unique = 1000,  // up to 2000, defined by the instrument
 };
 
-/// Bytes of the two fields at the start of every record: its type and its total size.
+/// The size in bytes of the two fields at the start of every record: its type and its total size.
 inline constexpr std::size_t kRecordHead = 6;
 
 template <std::size_t n>
@@ -65,7 +65,7 @@ struct AnyLayout {
 /// The layout with that name in the instrument's text; `nullptr` if there is none.
 [[nodiscard]] const AnyLayout* layoutNamed(std::string_view name);
 
-/// The parts of a unit or window field. Their bytes count from its start.
+/// The parts of a unit or window field. Their bytes are counted from the start of that field.
 [[nodiscard]] AQ_API std::span<const Field> partsOf(const Field& field);
 
 inline constexpr auto kUnit = layout("SDF_UNIT", {},

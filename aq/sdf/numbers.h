@@ -98,8 +98,8 @@ struct Numbers {
   return number < 0 ? -most : most;
 }
 
-// Counts in a file may have any value: a product or sum above 64 bits becomes the largest number,
-// which exceeds any file.
+// Counts in a file may have any value: a product or sum that exceeds 64 bits becomes the largest
+// number, which is above the size of any file.
 [[nodiscard]] constexpr std::uint64_t times(std::uint64_t a, std::uint64_t b) {
   constexpr std::uint64_t kMost = std::numeric_limits<std::uint64_t>::max();
   return a != 0 && b > kMost / a ? kMost : a * b;

@@ -27,10 +27,10 @@ struct UnitOfValues {
 };
 
 /// A record in the bytes of a recording, which it does not copy. A field that does not end within
-/// the record is missing; reading it throws `ReadFailure`.
+/// the record counts as missing; reading it throws `ReadFailure`.
 class AQ_API Record {
  public:
-  /// `bytes` starts with the record, whose own size field is `size`; a record from a text file may
+  /// `bytes` starts with the record, whose size field says `size`; a record from a text file may
   /// have fewer bytes.
   Record(std::string_view bytes, std::size_t size, std::size_t place);
 

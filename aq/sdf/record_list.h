@@ -22,8 +22,8 @@ inline constexpr std::string_view kMark{"B\0", 2};
 class AQ_API RecordList {
  public:
   /// Takes the records from the bytes of a file. Throws `ReadFailure` unless every record that the
-  /// file header counts is of the expected type and ends within the file. Ignores bytes after them,
-  /// such as another recording.
+  /// file header counts is of the expected type and ends within the file. Ignores bytes after these
+  /// records, such as another recording.
   explicit RecordList(std::vector<char> bytes);
 
   /// Takes consecutive `records` in `bytes`, as read from a text file. A file header, a measurement

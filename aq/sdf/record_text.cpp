@@ -19,7 +19,7 @@ struct Target {
   std::size_t at = 0;
 };
 
-/// `pwrOfChan[1]` as a name and its element.
+/// Splits a name such as `pwrOfChan[1]` into the name of the field and the element.
 std::pair<std::string_view, std::size_t> elementOf(std::string_view name) {
   const std::size_t bracket = name.find('[');
   if (bracket == name.npos || !name.ends_with(']')) return {name, 0};
@@ -45,7 +45,7 @@ Target targetIn(std::span<const Field> fields, std::string_view name, std::size_
   return {&*field, at + element * sizeOf(*field)};
 }
 
-/// Converts `value` to a number of the field, or fails at the line.
+/// Converts `value` to a number for the field, or fails at the line.
 template <class Conversion>
 auto converted(const Field& field, std::string_view value, std::size_t line,
                const Conversion& conversion) {

@@ -15,7 +15,8 @@ struct NamedValue {
   std::string_view value;
 };
 
-/// Splits a line at its first two blanks, at a colon, or at the column where values begin.
+/// Splits a line after the name, which ends at a blank, at a colon, or at the column where values
+/// begin.
 [[nodiscard]] NamedValue namedValue(std::string_view line);
 
 /// Builds records from the lines of a text file.

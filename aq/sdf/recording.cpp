@@ -28,7 +28,7 @@ std::vector<char> bytesOf(const std::string& path) {
   return bytes;
 }
 
-/// The header of a record of scan variables, which is followed by their values.
+/// The size of the header of a record of scan variables; their values follow it.
 std::size_t headerOf(const Record& record) {
   constexpr std::size_t kScansHeader = 36;
   constexpr std::size_t kVariableHeader = 54;
@@ -67,7 +67,7 @@ bool isTime(const Record& record, const UnitOfValues& unit) {
                            record.integer(kScanVariable["scanBase_type"]) == kTimeBase);
 }
 
-/// The size of the values at the end of a record, in words for a failure.
+/// The size of the values of a record, which end at `end`, in words for a failure.
 std::string countedText(std::uint64_t end) {
   constexpr std::uint64_t kTooMany = std::numeric_limits<std::uint64_t>::max();
   const std::string bytes = end == kTooMany ? "2^64 or more" : std::to_string(end - kHead);

@@ -68,7 +68,7 @@ struct TextTrace {
 };
 
 /// The content of an analyzer recording: its records, and the values of its traces as stored,
-/// without unit. Traces, scans and points count from 0.
+/// without units. Traces, scans and points count from 0.
 class AQ_API Recording {
  public:
   using TextTraces = std::map<std::tuple<std::size_t, std::size_t, std::size_t>, TextTrace>;

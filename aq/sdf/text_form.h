@@ -20,8 +20,8 @@ inline constexpr std::string_view kPoints = "points";
 inline constexpr std::string_view kRecordType = "recordType";
 inline constexpr std::string_view kRecordSize = "recordSize";
 
-/// `text` in double quotes, with control characters and backslashes as in `\x0a`, so that it fits
-/// on one line.
+/// `text` in double quotes, with control characters and backslashes written as in `\x0a`, so that
+/// it fits on one line.
 [[nodiscard]] std::string quoted(std::string_view text);
 
 /// The number that `text` represents, including one that is not finite. Throws like `doubleFrom`.

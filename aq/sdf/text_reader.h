@@ -16,11 +16,11 @@ struct WantedTrace {
   std::size_t trace;
 };
 
-/// Reads a recording from a text file: what `textOf` writes, and what other programs print (fields
+/// Reads a recording from a text file, as written by `textOf` or printed by other programs (fields
 /// by name, codes by number or word, one or more values per line). If the file has only values,
 /// takes the records from the `.HDR` file in the same folder. Values that do not name their trace
-/// belong to all traces in turn or, if they are too few for that, to the scans of the trace
-/// `wanted`. Throws `ReadFailure` and `platform::SystemError`.
+/// belong to all traces in turn or, if they are too few for that, to the scans of the trace that
+/// `wanted` returns. Throws `ReadFailure` and `platform::SystemError`.
 [[nodiscard]] AQ_API Recording
 textRecording(const std::string& path, const std::function<WantedTrace(const Recording&)>& wanted);
 
