@@ -49,7 +49,7 @@ void BandLevels::store(std::int16_t band, const Variant& level) {
   Doubles& doubles = asDoubles();
   const Kind kind = kindOf(level);
   if (kind != Kind::Double || !adjoins(doubles.numbers, band)) startMixed(doubles);
-  // Allocations come first, so that a failure keeps the old level.
+  // Allocations come first, so that a failure leaves the old level unchanged.
   if (doubles.mixed) static_cast<void>(doubles.mixed.orCreate().kinds.touch(band));
   double& number = doubles.numbers.touch(band);
   if (kind == Kind::Other) {

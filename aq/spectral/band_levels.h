@@ -51,7 +51,7 @@ class AQ_API BandLevels {
   enum class Kind : std::uint8_t { Missing, Int16, Int32, Single, Double, Other };
   struct Mixed {
     BandBlock<Kind> kinds;
-    std::map<std::int16_t, Variant> others;  // values that are not doubles
+    std::map<std::int16_t, Variant> others;  // values that are not numbers
   };
   struct Doubles {
     BandBlock<double> numbers;
@@ -69,7 +69,7 @@ class AQ_API BandLevels {
   static constexpr std::size_t kMostCodes = UINT16_MAX;  // more levels are stored as doubles
 
   BandBlock<LevelCode, InlineVector<LevelCode, kInline, CodeCount>> codes_;
-  LazyPart<Doubles> doubles_;  // instead of the codes
+  LazyPart<Doubles> doubles_;  // used instead of the codes
 };
 
 }  // namespace aq

@@ -8,7 +8,7 @@
 
 namespace aq {
 
-/// Records by their numbers, both ends included.
+/// A range of records by their numbers, both ends included.
 struct RecordRange {
   std::int16_t first = 0;
   std::int16_t last = 0;
@@ -21,9 +21,9 @@ struct RecordRange {
                                                 double to);
 
 /// The records of a range, as a history with the same settings. Stamps do not change; the start
-/// time moves by the time from the history's first stamp to that of the range. `fromOne` numbers
-/// the records from 1, as a masking map requires, and keeps gaps. Spectra are shared with the
-/// history. Throws `InvalidArgument` if there is no record in the range, `Overflow` if a number
+/// time moves by the time from the history's first stamp to the first one of the range. `fromOne`
+/// numbers the records from 1, as a masking map requires, and keeps gaps. Spectra are shared with
+/// the history. Throws `InvalidArgument` if there is no record in the range, `Overflow` if a number
 /// would exceed 32767.
 [[nodiscard]] AQ_API std::shared_ptr<AQ_SpectralTimeHistory> cutHistory(
     AQ_SpectralTimeHistory& history, const RecordRange& range, bool fromOne);

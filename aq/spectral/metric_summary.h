@@ -10,7 +10,7 @@
 
 namespace aq {
 
-/// Which metrics a spectral time history carries, in order, and that list as text.
+/// The list of the metrics that a spectral time history carries, in order, also as text.
 class AQ_API AQ_MetricSummary {
  public:
   [[nodiscard]] std::shared_ptr<AQ_MetricSummary> Copy() const;

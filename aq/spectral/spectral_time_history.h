@@ -18,8 +18,8 @@
 namespace aq {
 
 /// A numbered series of spectra measured one after another, half a second each, with the time of
-/// the first record, a reference time, how the levels were averaged and which instant of a record
-/// its time stamp names. Spectra are shared with the caller, not copied.
+/// the first record, a reference time, the averaging method and the instant of a record that its
+/// time stamp names. Spectra are shared with the caller, not copied.
 class AQ_API AQ_SpectralTimeHistory {
  public:
   /// A new history of records `LoRec` to `HiRec` with level 0 in bands `loBand` to `hiBand`. Does
@@ -37,7 +37,7 @@ class AQ_API AQ_SpectralTimeHistory {
   // The settings as words. Averaging methods: "LINEAR", "TRUSLO", "4S100", "4S95", "CONTEXPO",
   // "NA". Reference times: "START", "OVERHEAD", "AMAX", "PMAX", "TMAX", "OAMAX", "HACK", "OTHER".
   // Time stamps: "START", "MIDPT", "END", "ICAOSLO", "OLDSLO". A value without a word gives an
-  // empty string. Setting is case-sensitive and ignores other text.
+  // empty string. Setting is case-sensitive and ignores any other text.
   [[nodiscard]] std::string sAveragingMethod() const;
   [[nodiscard]] std::string sReferenceTimeType() const;
   [[nodiscard]] std::string sTimeStampType() const;
@@ -80,8 +80,9 @@ class AQ_API AQ_SpectralTimeHistory {
   std::shared_ptr<AQ_Time> ReferenceTime() { return orCreate(referenceTime_); }
   void ReferenceTime(std::shared_ptr<AQ_Time> time) { referenceTime_ = std::move(time); }
 
-  /// A deep copy of the records from `LoRec` to `HiRec`. Of the start and the reference time,
-  /// copies only date and time of day. Throws `InvalidArgument` for a missing spectrum or level.
+  /// A deep copy of the records from `LoRec` to `HiRec`. Of the start time and the reference time,
+  /// copies only the date and the time of day. Throws `InvalidArgument` for a missing spectrum or
+  /// level.
   [[nodiscard]] std::shared_ptr<AQ_SpectralTimeHistory> Copy();
 
   /// The levels of one band over all records; no object if the history is empty, or if a record of
@@ -94,7 +95,7 @@ class AQ_API AQ_SpectralTimeHistory {
     if (aqBand) Band(nBand, *aqBand);
   }
 
-  /// Shares `ReferenceTime` and sets every record's relative time to it. Throws like
+  /// Shares `ReferenceTime` and sets every record's time relative to it. Throws like
   /// `setTimeStamps`.
   void setRelTimes(const std::shared_ptr<AQ_Time>& ReferenceTime, AQ_RefTimeType RefType);
 

@@ -106,7 +106,7 @@ class AQ_API AQ_Spectrum {
   // Ordered so that the padding of the time is used, as there are many spectra.
   BandLevels levels_;
   [[no_unique_address]] LazyTime time_;
-  bool copied_ = false;  // metrics created later have every metric set, to 0
+  bool copied_ = false;  // a metrics object created later has every metric set to 0
   NumberRange bands_;
   LazyPart<Extras> extras_;  // unused in most files
 };
