@@ -1,4 +1,4 @@
-// Changes one place of a clean sample and compares the findings of a check.
+// Changes one place in a clean sample and compares the findings of a check.
 #include <aq/check/check_file.h>
 #include <aq/check/same_levels.h>
 #include <aq/files/formats.h>
@@ -22,7 +22,7 @@ std::string replaced(std::string text, const std::string& from, const std::strin
   return at == text.npos ? text : text.replace(at, from.size(), to);
 }
 
-/// A finding in short, such as `24:3 level-range r5 b19`.
+/// A finding in short form, such as `24:3 level-range r5 b19`.
 std::string shortForm(const Finding& finding) {
   std::string text = std::to_string(finding.place.line) + ':' +
                      std::to_string(finding.place.field) + ' ' + std::string(finding.kind.name);
@@ -169,7 +169,7 @@ TEST(Check, OneChangeIsFoundWhereItWasMade) {
   EXPECT_EQ(lastOf(",B40/10kHz", ""), "expected 27 headings, found 26");
   EXPECT_EQ(lastOf("Name**,F", "Name**xF"), "\"x\" in place of a comma is not read");
   EXPECT_EQ(findingsIn(folder.file("none")), std::vector<std::string>{"0:0 unreadable"});
-  // A fault that is in every line is reported once.
+  // A fault in every line is reported once.
   using Found = std::vector<std::string>;
   const auto all = [&](std::string text, char from, const std::string& to) {
     for (std::size_t at = 0; (at = text.find(from, at)) != text.npos; at += to.size()) {
@@ -270,7 +270,7 @@ TEST(Check, PositionsAndGeometry) {
             (Found{"21:1 record-gap r3", "21:2 time-step r3"}));
 }
 
-/// If records lack different bands, a level is still compared with those of its own band.
+/// Even if records lack different bands, a level is compared with levels of its own band.
 TEST(Check, GapsBetweenBandsAreNoJumps) {
   const test::Folder folder;
   std::string text = test::contentOf(test::kData / "fixed-column-history/good/landing.spc");
@@ -289,7 +289,7 @@ const char* const kTrack = "fly-over.tspi.csv";
 const char* const kPositions = "fly-over.pth.csv";
 const char* const kGeometry = "fly-over.gth.csv";
 
-/// A folder with the sample, its positions and its geometry.
+/// Fills a folder with the sample, its positions and its geometry.
 void makeFlight(const test::Folder& folder) {
   for (const std::string& name : {kHistory, std::string("fly-over.mic.csv"), std::string(kTrack)}) {
     static_cast<void>(folder.with(name, test::contentOf(kSamples / name)));
