@@ -97,7 +97,7 @@ TEST(Time, RelativeToAReference) {
   for (const Row& row :
        {Row{"03/15/2004", 86390, "03/16/2004", 10, -20},
         Row{"03/16/2004", 10, "03/15/2004", 86390, 20}, Row{"03/15/2004", 5, "03/15/2004", 2, 3},
-        Row{"03/15/1904", 5, "03/15/2004", 5, 0},  // only the last two digits of a year count
+        Row{"03/15/1904", 5, "03/15/2004", 5, 0},  // only the last two digits of a year matter
         Row{"01/01/2000", 0, "12/31/1999", 0, 86400},
         Row{"12/31/1929", 0, "01/01/2030", 0,
             (dateFrom("12/31/2029") - dateFrom("01/01/1930")) * 86400}}) {
@@ -113,7 +113,7 @@ TEST(Time, RelativeToAReference) {
   noon.CurrentDate(noon.CurrentDate() + 0.9);
   AQ_Time next = on("03/16/2004", 0);
   next.setRelTime(noon);
-  EXPECT_EQ(next.RelSeconds(), 86400);  // only the whole days of a date count
+  EXPECT_EQ(next.RelSeconds(), 86400);  // only the whole days of a date matter
 }
 
 TEST(Time, CopyWrapsALongDayAndKeepsTheMode) {
@@ -131,7 +131,7 @@ TEST(Time, CopyWrapsALongDayAndKeepsTheMode) {
 }
 
 TEST(Platform, LocalTimesStayWithinTheSystemsYears) {
-  constexpr std::int64_t kTwoDays = 2 * 86400;  // more than the offset of any zone
+  constexpr std::int64_t kTwoDays = 2 * 86400;  // more than the offset of any time zone
 #ifdef _WIN32
   constexpr std::int64_t kFirst = -11644473600;  // start of year 1601
 #else
