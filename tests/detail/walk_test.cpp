@@ -8,7 +8,7 @@ namespace {
 
 using Numbers = std::vector<std::int32_t>;
 
-/// The numbers that a walk visits; `check` gets each entry.
+/// The numbers that a walk visits; `check` is called with each entry.
 template <class Series, class Check>
 Numbers walked(const Series& series, const Check& check) {
   Numbers numbers;
@@ -20,7 +20,7 @@ Numbers walked(const Series& series, const Check& check) {
   return numbers;
 }
 
-/// Stores objects under the numbers, in this order; returns the numbers that a walk visits.
+/// Stores objects under these numbers, in this order; returns the numbers that a walk visits.
 template <class Series, class Object, class Number>
 Numbers stored(void (Series::*put)(Number, std::shared_ptr<Object>),
                std::shared_ptr<Object> (Series::*get)(Number) const, const Numbers& numbers) {
