@@ -40,7 +40,7 @@ TEST(DataASCII, EveryBlockBoundaryReadsTheSame) {
   for (const std::size_t block : {65536U, 131072U}) {
     for (std::size_t ahead = block - 80; ahead <= block + 3; ++ahead) {
       const std::string first(ahead, 'x');
-      std::string bytes = '\n' + first + "\r\n";  // the first line frees one byte of the block
+      std::string bytes = '\n' + first + "\r\n";  // the empty line frees one byte of the block
       for (const std::string& line : lines) bytes += line + "\r\n";
       ASSERT_EQ(file.readLines(folder.with("in", bytes)), AQ_DATA_OK);
       Strings expected{"", first};
@@ -73,7 +73,7 @@ TEST(DataASCII, DividesLines) {
       {",", true, "a|b", {"a,b"}},
       {",", true, "\"", {""}},
       {"**", false, "Bands**,17, 40**x", {"Bands", ",17, 40", "x"}},
-      {"**", false, "a*\"*b", {"a**b"}},  // fields are divided before quotes are removed
+      {"**", false, "a*\"*b", {"a**b"}},  // a line is divided before quotes are removed
       {" ", false, "  a   b  ", {"a", "b"}},
       {" ", false, "   ", {}},
       {" ", true, "\"a b\"", {"\"a", "b\""}},

@@ -1,4 +1,4 @@
-// Analyzer recordings, apart from what the second reader compares: folders, text files from other
+// Analyzer recordings, beyond the comparison with the second reader: folders, text files from other
 // programs, and the external converter.
 #include <aq/aq.h>
 #include <aq/sdf/layout.h>
