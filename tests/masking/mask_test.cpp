@@ -79,7 +79,7 @@ TEST(MaskRow, CopyFillsTheRange) {
   row.Mask(24)->MaskString("--");
   EXPECT_EQ(copy->Mask(24)->MaskString(), "MS");
   EXPECT_EQ(copy->Mask(22)->MaskString(), "--");
-  row.Mask(22, std::make_shared<AQ_Mask>());  // the copy created one here, so this removes it
+  row.Mask(22, std::make_shared<AQ_Mask>());  // Copy created one here, so this call removes it
   const auto given = std::make_shared<AQ_Mask>();
   row.Mask(22, given);
   EXPECT_EQ(row.Mask(22), given);
