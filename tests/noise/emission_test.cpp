@@ -105,7 +105,7 @@ TEST(EmissionGeometry, Angles) {
       {{0, 0, 0, 100}, {10, 0.001, 0, 100}, at(100, 0, 100), 0, 0},     // microphone ahead
       {{0, 0, 0, 100}, {10, 0.001, 0, 100}, at(-100, 0, 100), 180, 0},
       {{0, 0, 0, 100}, {10, 0, 0, 100.001}, at(100, 50, 100), 90, 0},  // climbs straight up
-      // Climbs at 45 degrees past a microphone to the side, which is below and so partly behind.
+      // Climbs at 45 degrees past a microphone that is to the side and below, so partly behind.
       {{0, 0, 0, 100},
        {10, 0.001, 0, 100.001},
        at(0, 100, 0),
@@ -175,7 +175,7 @@ TEST(EmissionGeometry, NothingIsExtrapolated) {
       emissionGeometry(path, at(0, 0, 0), recordsAt({10.99, 11, 12, 12.01}), kCelsius);
   EXPECT_FALSE(geometry->contains(1));
   EXPECT_TRUE(geometry->contains(2));
-  EXPECT_EQ(geometry->Point(3)->Pe()->Z(), 343.2);  // of two positions at the same time
+  EXPECT_EQ(geometry->Point(3)->Pe()->Z(), 343.2);  // emitted at 11 s, the time of two positions
   EXPECT_FALSE(geometry->contains(4));
   EXPECT_EQ(emissionGeometry(pathOf({}), at(0, 0, 0), recordsAt({1}), kCelsius)->Count(), 0);
   EXPECT_EQ(

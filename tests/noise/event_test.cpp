@@ -83,7 +83,8 @@ TEST(NoiseEvent, SecondPeaks) {
   using Peaks = std::vector<std::size_t>;
   EXPECT_EQ(eventOf({80, 94, 93.9, 96, 95.9, 96, 80, 95, 80}).secondPeaks, (Peaks{1, 5, 7}));
   EXPECT_EQ(eventOf({80, 93.9, 80, 96, 80}).secondPeaks, Peaks());  // more than 2 dB down
-  EXPECT_EQ(eventOf({80, 95, 94.95, 96, 90, 95, 95, 80}).secondPeaks, Peaks());  // less than 0.1 dB
+  // These records are less than 0.1 dB above a neighbour.
+  EXPECT_EQ(eventOf({80, 95, 94.95, 96, 90, 95, 95, 80}).secondPeaks, Peaks());
   EXPECT_EQ(eventOf({95, 90, 96, 90, 95}).secondPeaks,
             Peaks());  // the first and the last record have only one neighbour
   EXPECT_EQ(eventOf({80, 96, kNone, 95, kNone, 80}).secondPeaks, Peaks{3});

@@ -158,7 +158,7 @@ TEST(PerceivedNoise, PiecesMeet) {
 
 TEST(PerceivedNoise, SumsNoys) {
   const auto masked = rowOf(30, {"--", "A-", "AC"});
-  const std::vector<Variant> levels{40.0, 50.0, 48.0};  // 1 noy in band 30
+  const std::vector<Variant> levels{40.0, 50.0, 48.0};  // 40 dB is 1 noy in band 30
   const double first = std::pow(10, 0.030103 * 10);
   const double high = std::pow(10, 0.030103 * 12);
   const double higher = std::pow(10, 0.02996 * 14);
