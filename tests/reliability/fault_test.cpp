@@ -170,7 +170,7 @@ TEST(Faults, BytesReachTheDiskBeforeTheName) {
   };
   EXPECT_EQ(orderOf([&] { return text.writeLines(path); }), "write fsync rename fsync ");
   EXPECT_EQ(orderOf([&] { return text.appendLines(path); }), "flock write fsync ");
-  // For a new file, the folder must reach the disk too, since it has the name.
+  // For a new file, the folder must reach the disk too, since it holds the name.
   const std::string calls = callsOf([&] { return text.appendLines(folder.file("new")); });
   EXPECT_TRUE(calls.ends_with("fsync close close ")) << calls;
 }

@@ -23,7 +23,7 @@ Fault kind = Fault::Refusal;
 long callsLeft = 0;
 std::size_t allocated = 0;
 std::size_t peak = 0;
-std::array<char, 1024> calls;  // not a string, whose memory would count
+std::array<char, 1024> calls;  // not a string, whose memory would be counted
 
 bool strikesNext() {
   if (--callsLeft != 0) return false;
@@ -124,7 +124,7 @@ AQ_WRAPPED(int, close, (int handle)) {
   const int result = __real_close(handle);  // closed in any case
   return strikes ? aq::test::refusal(EIO) : result;
 }
-/// Writes a part of the bytes at a time, as when a disk fills up.
+/// Writes only part of the bytes at a time, as when a disk fills up.
 AQ_WRAPPED(ssize_t, write, (int handle, const void* bytes, size_t size)) {
   if (aq::test::strikes("write")) return aq::test::refusal(ENOSPC);
   return __real_write(handle, bytes, std::max<size_t>(size / 2, 1));

@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The most memory that `work` takes at once.
+/// The most memory that `work` holds at any time.
 template <class Work>
 std::size_t memoryOf(const Work& work) {
   test::arm(test::Fault::Refusal, -1);
@@ -27,8 +27,8 @@ std::size_t memoryOf(const Work& work) {
 /// Memory for the reader's block and for objects, whatever the size of the file.
 constexpr std::size_t kBlock = std::size_t{160} << 10;
 
-/// Reads `content` by `format`. Expects the read to take at most four times its size of memory,
-/// besides the block, and a failure to have a line number.
+/// Reads `content` as `format`. Expects the read to take at most four times the size of `content`
+/// in memory, besides the block, and any failure to have a line number.
 void readModestly(const test::FormatCalls& format, const std::string& content) {
   const test::Folder folder;
   const std::string path = folder.with("a", content);

@@ -1,4 +1,5 @@
-// Eight threads that read and write different files, while others set the file information service.
+// Eight threads that read and write different files, while another replaces the file information
+// service.
 #include <aq/aq.h>
 #include <aq/check/check_file.h>
 #include <gtest/gtest.h>
