@@ -27,7 +27,7 @@ FORMATS = [*files.SAMPLES, "HP3565"]  # recordings are read directly or through 
 
 
 def library(program, paths):
-    """The lines that the program prints for each path, up to its end line."""
+    """The lines that the program prints for each path, up to the line `end`."""
     run = subprocess.run(
         [program] if pathlib.Path(program).exists() else shlex.split(program),
         input="".join(f"{name} {path}\n" for name, path in paths),

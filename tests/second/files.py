@@ -22,7 +22,7 @@ SAMPLES = {
     for name, folder in FOLDERS.items()
 }
 SAMPLES["ASCII"] = [text for texts in SAMPLES.values() for text in texts]
-BLOCK = 1 << 16  # bytes after which a reader of blocks may divide a line ending
+BLOCK = 1 << 16  # bytes after which a reader of blocks may split a line ending
 DELIMITERS = [",", ",", ",", ";", "\t", " ", "|", ", ", '"', ""]
 
 NUMBERS = [

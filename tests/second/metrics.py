@@ -176,7 +176,7 @@ def tone(levels):
 
 
 def last_good_band(masks):
-    """9999 if 28 and 29 are masked, otherwise the band below the first masked one from 29 up."""
+    """9999 if bands 28 and 29 are masked, otherwise the band below the first masked from 29 up."""
 
     def masked(band):
         return masks.get(band, (0, 0))[0] != 0
@@ -253,7 +253,7 @@ def event(pnlt, seconds, corrections=None):
 
 
 def metrics(history, masks=None):
-    """The metrics of each record, and the event or None; indices count from the lowest number."""
+    """The metrics of each record, and the event or None; indices start at the lowest record."""
     rows = []
     for record in history:
         row = (masks or {}).get(record["number"], {})

@@ -141,7 +141,7 @@ class Failure(Exception):
     """The line and field where a file cannot be read; field 0 is the whole line."""
 
 
-# From text to values. Any other text raises ValueError.
+# Conversions of text to values. Text that is no such value raises ValueError.
 
 NUMBER = re.compile(r"[+-]?([0-9]+\.?[0-9]*|\.[0-9]+)([eE][+-]?[0-9]+)?")
 
@@ -246,7 +246,7 @@ KINDS = {
 
 
 def take(line, fields, kinds, first=1):
-    """The values of a line's fields, which a failure numbers from `first`."""
+    """The values of a line's fields, numbered from `first` in failures."""
     values = []
     for place, kind in enumerate(kinds):
         try:
@@ -307,7 +307,7 @@ class File:
         return plain(plain(parts[1])[1:])
 
 
-# From values to the lines that print_file prints.
+# Conversions of values to the lines that print_file prints.
 
 
 def shown(value):

@@ -311,7 +311,7 @@ def octave_levels(xs, ys):
 
 
 def synthesised(xs, ys, start, stop):
-    """The sum over the bins of each covered band; a bin on an edge is divided by width."""
+    """The sum over the bins of each covered band; a bin on an edge is split by width."""
     require(all(a < b for a, b in zip(xs, xs[1:])), "rising x")
     xs, ys = xs[start : stop + 1], ys[start : stop + 1]
     require(len(xs) > 1, "bins")
