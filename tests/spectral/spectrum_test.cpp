@@ -56,7 +56,7 @@ TEST(Spectrum, SharesAndCopiesItsObjects) {
   EXPECT_EQ(spectrum.Time()->TODseconds(), 5);
   spectrum.lazyTime().assign(7, 8);
   spectrum.Time(nullptr);
-  EXPECT_EQ(spectrum.HighBand(), -1);  // is stored next to the time
+  EXPECT_EQ(spectrum.HighBand(), -1);  // the band is stored next to the time
   EXPECT_EQ(spectrum.Time()->TODseconds(), 0);
   EXPECT_EQ(spectrum.Time()->RelSeconds(), 0);
   EXPECT_EQ(copy->Time()->TODseconds(), 0);
