@@ -9,7 +9,7 @@
 
 namespace aq::test {
 
-/// Calls `check(format, sample)` for every sample in this folder of every format.
+/// Calls `check(format, sample)` for every sample in `folder` of every format.
 template <class Check>
 void forSamples(const char* folder, const Check& check) {
   for (const auto& kind : std::filesystem::directory_iterator(kData)) {
