@@ -1,6 +1,6 @@
 // Runs pairs of plain loops and library calls, interleaved, and prints the ratio of the medians of
-// each pair: `name ratio median spread`, the median of the library's call in milliseconds and its
-// spread, the coefficient of variation.
+// each pair: `name ratio median spread`, where the median is that of the library's call in
+// milliseconds, and the spread is its coefficient of variation.
 //
 //   aq_bench FOLDER [--json FILE] [options of Google Benchmark]
 //

@@ -6,7 +6,7 @@
 namespace bench {
 
 /// Times `tested` and `plain`, a loop that does the same work without the library, in one run.
-/// Calls both repeatedly; the table has `name` with the ratio of their medians times `scale`.
+/// Calls both repeatedly; the table shows `name` with the ratio of their medians times `scale`.
 void addPair(const std::string& name, const std::function<void()>& plain,
              const std::function<void()>& tested, double scale = 1);
 
