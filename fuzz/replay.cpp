@@ -21,8 +21,8 @@ int replay(const std::string& target, const std::filesystem::path& folder) {
   return count;
 }
 
-/// A choice, then arbitrary bytes or, every second time, fields that are nearly numbers, levels or
-/// clock times.
+/// A byte that makes a choice, then arbitrary bytes or, half of the time, fields that are nearly
+/// numbers, levels or clock times.
 std::string made(std::mt19937& random, std::size_t most) {
   constexpr std::array kForms{"0",         "-0",    "00000",           "32767",  ".00",
                               "-.00",      "00.00", "000.00",          "327.68", "0.0000",

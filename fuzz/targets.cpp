@@ -201,7 +201,7 @@ void expect(bool holds, const char* what) {
 
 void roundTrip(const Target&, std::string_view input) {
   static const test::FixedInformation fixed;
-  if (input.find('\r') != input.npos) return;  // the first of two is lost with the line end
+  if (input.find('\r') != input.npos) return;  // the first of two \r is lost with the line end
   const std::string path = fileWith(input);
   for (const auto& [name, format] : test::kFormats) {
     if (format.rewrite) checkCopy(format, path);
