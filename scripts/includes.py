@@ -1,4 +1,4 @@
-"""Checks includes and imports in C++ and Python: folders use only inner ones, without cycles."""
+"""Checks C++ includes and Python imports: folders use only inner ones, no files form a circle."""
 
 import ast
 import pathlib

@@ -5,7 +5,7 @@
 Each worker has its own copy of the source tree and its own build, in a temporary folder. A change
 that does not compile does not count; a test that hangs or runs out of memory counts as detecting
 it. Mutations known to have no effect are listed in mutants.txt. PLACE is the start of `file:line:`.
-The same seed takes the same changes.
+The same seed selects the same changes.
 """
 
 import argparse
@@ -94,7 +94,8 @@ HIDDEN = re.compile(
     r"|^namespace [^\n]*",
     re.M | re.S,
 )
-# A line that is a single statement and not a declaration, which starts with two words or a keyword.
+# A line that is a single statement. Declarations, which start with two words or a keyword, are
+# left alone.
 STATEMENT = re.compile(r" +((?!return )[^ ].*;) *$")
 DECLARATION = re.compile(
     r"(?!throw|if|for|while|delete)(?:\[\[\w+\]\] )?[\w:]+(?:<.*>)?[&*]*"
