@@ -33,7 +33,7 @@ constexpr FindingKind kKinds[] = {
     {"record-count", kWarning, "the record count in the header differs from the data"},
     {"record-range", kWarning, "record numbers in the header differ from the data"},
     {"second-data-set", kWarning, "the data start again, or further lines are ignored"},
-    {"record-repeated", kWarning, "a record number is duplicated; the later line is used"},
+    {"record-repeated", kWarning, "a record number is duplicated; the last line is used"},
     {"record-falls", kWarning, "a record number is below the previous one"},
     {"record-gap", kWarning, "record numbers are missing"},
     {"extra-fields", kWarning, "a data line has more fields than are read"},

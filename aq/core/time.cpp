@@ -78,25 +78,8 @@ std::string AQ_Time::TODstring() const {
 }
 
 void AQ_Time::appendTODstring(std::string& text) const {
-  std::array<char, kTODsize> buffer;
-  text.append(buffer.data(), putTODstring(buffer.data()));
-}
-
-char* AQ_Time::putTODstring(char* at) const {
-  static_assert(kTODsize >= kClockSize + kFractionSize);
-  constexpr double kEnd = 90000;  // hours go up to 24
-  const bool near = std::abs(timeOfDay_) <= kEnd;
-  const auto narrowed = static_cast<float>(near ? timeOfDay_ : kEnd);
-  const auto time = static_cast<double>(narrowed);
-  if (!(time >= 0 && time < kEnd)) {
-    throw Error(
-        ErrorCode::InvalidValue,
-        "the time of day cannot be written as hh:mm:ss: it is negative or 25 hours or more");
-  }
-  const int second = static_cast<int>(time);
-  const int hours = second / 3600;
-  at = putClockTime(at, hours == 24 ? 0 : hours, second / 60 % 60, second % 60);
-  return putFraction(at, narrowed);
+  std::array<char, kTimeOfDaySize> buffer;
+  text.append(buffer.data(), putTimeOfDay(buffer.data(), timeOfDay_));
 }
 
 void AQ_Time::TODstring(std::string_view text) {

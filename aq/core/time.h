@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -69,10 +68,6 @@ class AQ_API AQ_Time {
 
   /// Appends the `TODstring` to `text`.
   void appendTODstring(std::string& text) const;
-
-  /// Writes the `TODstring` into at least `kTODsize` characters; returns its end.
-  [[nodiscard]] char* putTODstring(char* at) const;
-  static constexpr std::size_t kTODsize = 72;
 
  private:
   double date_ = 0;

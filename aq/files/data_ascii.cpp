@@ -14,6 +14,7 @@ namespace {
 
 constexpr char kQuote = '"';
 constexpr char kPlaceholder = '|';
+constexpr std::size_t kLongField = 64;  // longer than most fields
 
 std::string replaced(std::string_view text, std::string_view from, std::string_view to) {
   std::string result;
@@ -90,7 +91,12 @@ std::shared_ptr<Collection<std::string>> AQ_DataASCII::divided(std::string_view 
   line = trimmed(line);
   std::string guarded;
   if (quotedFields_ && line.find(kQuote) != line.npos) line = guarded = withPlaceholders(line);
-  fields->reserve(std::min(static_cast<std::size_t>(expected), line.size() + 1));
+  auto count = static_cast<std::size_t>(expected);
+  if (count * kLongField < line.size()) {  // perhaps far more fields than in the line before
+    count = 0;
+    forEachPiece(line, delimiter_, [&](std::string_view) { ++count; });
+  }
+  fields->reserve(std::min(count, line.size() + 1));
   const bool plain = line.find(kQuote) == line.npos && line.find(kPlaceholder) == line.npos;
   if (plain) {
     forEachPiece(line, delimiter_,

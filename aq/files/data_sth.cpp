@@ -8,6 +8,7 @@
 #include "aq/detail/shared_blocks.h"
 #include "aq/files/level_columns.h"
 #include "aq/text/checked_keywords.h"
+#include "aq/text/date_text.h"
 #include "aq/text/fields.h"
 #include "aq/text/header_reader.h"
 #include "aq/text/header_writer.h"
@@ -67,10 +68,10 @@ std::string columnHeading() {
 
 void appendRecord(std::string& text, std::int16_t record, const AQ_Spectrum& spectrum) {
   const AQ_Time time = spectrum.timeValue();
-  std::array<char, kIntegerSize + AQ_Time::kTODsize + kNumberSize + 3> columns;
+  std::array<char, kIntegerSize + kTimeOfDaySize + kNumberSize + 3> columns;
   char* at = putNumber(columns.data(), std::int32_t{record});
   *at++ = ',';
-  at = time.putTODstring(at);
+  at = putTimeOfDay(at, time.TODseconds());
   *at++ = ',';
   at = putNumber(at, time.RelSeconds());
   if (spectrum.LowBand() <= spectrum.HighBand()) *at++ = ',';

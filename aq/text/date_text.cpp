@@ -62,6 +62,17 @@ std::optional<std::array<int, 3>> threeNumbers(std::string_view text, char separ
   return numbers;
 }
 
+constexpr std::size_t kClockSize = 8;
+
+char* putClockTime(char* at, int hours, int minutes, int seconds) {
+  const auto tens = [](int number) { return static_cast<char>('0' + number / 10); };
+  const auto ones = [](int number) { return static_cast<char>('0' + number % 10); };
+  const std::array<char, kClockSize> clock{tens(hours),   ones(hours),   ':',
+                                           tens(minutes), ones(minutes), ':',
+                                           tens(seconds), ones(seconds)};
+  return std::copy(clock.begin(), clock.end(), at);
+}
+
 void appendPadded(std::string& text, int number, std::size_t width) {
   const std::string digits = numberText(static_cast<std::int32_t>(number));
   text.append(width - std::min(width, digits.size()), '0');
@@ -190,18 +201,26 @@ double dayWithWindowedYear(double date) {
   return dateValue(windowed / at.month() / at.day());
 }
 
-char* putClockTime(char* at, int hours, int minutes, int seconds) {
-  const auto tens = [](int number) { return static_cast<char>('0' + number / 10); };
-  const auto ones = [](int number) { return static_cast<char>('0' + number % 10); };
-  const std::array<char, kClockSize> clock{tens(hours),   ones(hours),   ':',
-                                           tens(minutes), ones(minutes), ':',
-                                           tens(seconds), ones(seconds)};
-  return std::copy(clock.begin(), clock.end(), at);
-}
-
 void appendClockTime(std::string& text, int hours, int minutes, int seconds) {
   std::array<char, kClockSize> clock;
   text.append(clock.data(), putClockTime(clock.data(), hours, minutes, seconds));
+}
+
+char* putTimeOfDay(char* at, double seconds) {
+  static_assert(kTimeOfDaySize >= kClockSize + kFractionSize);
+  constexpr double kEnd = 90000;  // hours go up to 24
+  const bool near = std::abs(seconds) <= kEnd;
+  const auto narrowed = static_cast<float>(near ? seconds : kEnd);
+  const auto time = static_cast<double>(narrowed);
+  if (!(time >= 0 && time < kEnd)) {
+    throw Error(
+        ErrorCode::InvalidValue,
+        "the time of day cannot be written as hh:mm:ss: it is negative or 25 hours or more");
+  }
+  const int second = static_cast<int>(time);
+  const int hours = second / 3600;
+  at = putClockTime(at, hours == 24 ? 0 : hours, second / 60 % 60, second % 60);
+  return putFraction(at, narrowed);
 }
 
 std::string dateText(double date) {

@@ -50,10 +50,12 @@ struct PlainClock {
 /// Appends `hours:minutes:seconds`, two digits each.
 AQ_API void appendClockTime(std::string& text, int hours, int minutes, int seconds);
 
-inline constexpr std::size_t kClockSize = 8;
+inline constexpr std::size_t kTimeOfDaySize = 72;  // a clock time and any fraction
 
-/// Writes `hours:minutes:seconds` into `kClockSize` characters; returns their end.
-[[nodiscard]] AQ_API char* putClockTime(char* at, int hours, int minutes, int seconds);
+/// Writes `hh:mm:ss` with the fraction of single precision, if there is one, into at least
+/// `kTimeOfDaySize` characters; returns its end. Hours 24 are written as 00. Throws `InvalidValue`
+/// for a time below 0 or of 25 hours or more.
+[[nodiscard]] AQ_API char* putTimeOfDay(char* at, double seconds);
 
 /// `mm/dd/yyyy`. Throws `Overflow` outside the years 1 to 9999.
 [[nodiscard]] AQ_API std::string dateText(double date);

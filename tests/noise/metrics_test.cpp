@@ -231,6 +231,8 @@ TEST(SetMetrics, TimeBetweenStampsCounts) {
   for (std::int16_t record = 0; record < 2; ++record)
     two.spectrum(record, recordAt(record * 2, 60));
   EXPECT_NEAR(epnl(two), event->pnltm + 10 * std::log10(0.4), 1e-9);
+  two.spectrum(0)->Time()->TODseconds(12);  // ten seconds later than on the next day
+  EXPECT_NEAR(epnl(two), event->pnltm + 10 * std::log10(0.2 * 86390), 1e-9);
 }
 
 TEST(SetMetrics, AFailureLeavesTheHistoryAsItWas) {
