@@ -164,7 +164,7 @@ ROWS = [  # command, status, what the output contains, what the messages contain
     (f"show {STH} --records 29:30 --bands 17:18 --mask {MAP}", 0, "17     18", ""),
     (f"show {STH} --records 1 --bands 17 --mask {MAP}", 0, "61.51*", ""),
     (f"show {STH} --records 2:1", 2, "", '--records: expected records as in 10:40, found "2:1"'),
-    (f"show {STH} --records 200:300", 2, "", "has no record from 200 to 300"),
+    (f"show {STH} --records 200:300", 2, "", "has no records from 200 to 300"),
     (f"show {STH} --bands 50", 2, "", "has no band 50"),
     (f"show gap.sth.csv --mask {MAP}", 2, "", "record 30: the history has no such record"),
     (f"show {MAP} --mask {MAP}", 2, "", "has no records to mask"),

@@ -63,12 +63,13 @@ std::vector<std::string> missingWords(const aq::HistoryMetrics& metrics,
   add([&](const auto& record) { return map != nullptr && !map->contains(record.record); }, "",
       " without a row in the map, treated as not masked");
   add([](const auto& record) { return !record.has(aq::AQ_METRIC_OA); }, "no metrics for ",
-      fmt::format(", with all levels {}", unused));
+      fmt::format(" whose levels are all {}", unused));
   add(
       [](const auto& record) {
         return record.has(aq::AQ_METRIC_OA) && !record.has(aq::AQ_METRIC_PNL);
       },
-      "no PNL, PNLT or tone for ", fmt::format(", with all levels of bands 17 to 40 {}", unused));
+      "no PNL, PNLT or tone for ",
+      fmt::format(" whose levels in bands 17 to 40 are all {}", unused));
   return words;
 }
 

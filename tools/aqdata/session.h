@@ -103,8 +103,8 @@ void addFile(CLI::App& command, std::string& file, const char* name, const char*
 void addJobs(CLI::App& command, Session& session);
 void addOutputFile(CLI::App& command, Session& session, const char* what, bool needed = true);
 
-/// Restricts an option to these words, regardless of case; an option that takes several separates
-/// them by commas. Shells offer the words.
+/// Restricts an option to these words, regardless of case; if it takes several, commas separate
+/// them. Shells offer the words.
 void addWords(Session& session, CLI::Option& option, std::vector<std::string> words);
 
 // Check an option's text. Return why it is not such a number, or an empty string if it is.

@@ -112,7 +112,7 @@ Sheet sheetFrom(const Held<Header, aq::AQ_Microphone>& read) {
 [[noreturn]] void failEmpty(const std::string& file, const std::string& ofWhat, Range range) {
   throw Failure(range.first == range.last
                     ? fmt::format("{}: has no {} {}", aq::escaped(file), ofWhat, range.first)
-                    : fmt::format("{}: has no {} from {} to {}", aq::escaped(file), ofWhat,
+                    : fmt::format("{}: has no {}s from {} to {}", aq::escaped(file), ofWhat,
                                   range.first, range.last));
 }
 

@@ -81,19 +81,19 @@ std::string stepNumber(const std::optional<double>& value) {
 
 /// Why a step marks a slope or a level; `next` is the step of the band above, if there is one.
 std::string reason(const aq::ToneStep& step, const aq::ToneStep* before, const aq::ToneStep* next) {
-  std::vector<std::string> reasons;
+  std::string text;
   if (step.slopeMarked) {
-    reasons.push_back(fmt::format("slope changes by {:+.2f}", *step.slope - *before->slope));
+    text = fmt::format("slope changes by {:+.2f}", *step.slope - *before->slope);
   }
   if (step.levelMarked) {
     const bool rises = step.slopeMarked && *step.slope > 0 && *step.slope > *before->slope;
-    if (rises) reasons.emplace_back("and rises: level removed");
+    if (rises) text += " and is positive: level removed";
     if (!rises && next != nullptr) {
-      reasons.push_back(fmt::format("slope above changes by {:+.2f} and falls: level removed",
-                                    *next->slope - *step.slope));
+      text += fmt::format("{}next slope changes by {:+.2f} and is not positive: level removed",
+                          text.empty() ? "" : ", ", *next->slope - *step.slope);
     }
   }
-  return fmt::format("{}", fmt::join(reasons, " "));
+  return text;
 }
 
 void printSteps(Session& session, const std::vector<aq::ToneStep>& rows) {

@@ -21,7 +21,7 @@ struct GeometryChoice {
   std::string records;
 };
 
-/// The points, numbered from 1 as a file requires. Throws `Failure` if a record of the range has no
+/// The points, numbered from 1 as a file requires. Throws `Failure` if a record in the range has no
 /// point.
 aq::AQ_GeometryTimeHistory numberedPoints(const aq::AQ_SpectralTimeHistory& history,
                                           const aq::AQ_GeometryTimeHistory& points,
@@ -48,7 +48,8 @@ aq::AQ_GeometryTimeHistory numberedPoints(const aq::AQ_SpectralTimeHistory& hist
                     aq::escaped(file), counted(without.size(), "record"), recordsText(without)));
   }
   if (next == 0)
-    throw Failure(fmt::format("{}: contains none of these records", aq::escaped(file)));
+    throw Failure(
+        fmt::format("{}: the history has none of the records asked for", aq::escaped(file)));
   return geometry;
 }
 

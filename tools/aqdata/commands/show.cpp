@@ -98,7 +98,7 @@ void plot(Session& session, const Sheet& sheet, const ShowChoice& choice) {
   if (sheet.ofBand != "level_db")
     throw Failure(fmt::format("{}: no levels", aq::escaped(choice.file)));
   if (sheet.rows.empty())
-    throw Failure(fmt::format("{}: contains none of these records", aq::escaped(choice.file)));
+    throw Failure(fmt::format("{}: has none of the records asked for", aq::escaped(choice.file)));
   if (choice.spectrogram) return plotSpectrogram(session, sheet);
   if (sheet.rows.size() == 1) return plotSpectrum(session, sheet, sheet.rows.front());
   plotHistory(session, sheet);
