@@ -116,7 +116,7 @@ Sheet sheetFrom(const Held<Header, aq::AQ_Microphone>& read) {
                                   range.first, range.last));
 }
 
-Sheet sheetFrom(const Parameters&) { return {}; }  // the header has everything
+Sheet sheetFrom(const Parameters&) { return {}; }  // all the content is in the header
 
 }  // namespace
 
