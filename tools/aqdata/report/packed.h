@@ -13,8 +13,8 @@ namespace aqdata::report {
 [[nodiscard]] std::string base64(std::string_view bytes);
 
 /// Packs numbers as multiples of `step`: as 16-bit or 32-bit integers, or as the first one and the
-/// difference if that is constant. If a number is too large or, with `exact`, not a multiple to
-/// within 1e-9, packs all in single precision instead. NaN means no value.
+/// difference if that is constant. If a number is too large or, with `exact`, not within 1e-9
+/// of a multiple, packs all in single precision instead. NaN means no value.
 [[nodiscard]] Json packed(std::span<const double> numbers, double step, bool exact = false);
 
 /// Numbers from 0 to 3, four per byte, the first one in the lowest bits.

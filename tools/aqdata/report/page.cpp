@@ -28,7 +28,7 @@ std::string htmlText(std::string_view text) {
 
 unsigned digitOf(char c) { return static_cast<unsigned>(c <= '9' ? c - '0' : c - 'a' + 10); }
 
-/// A digest in the form of a content security policy.
+/// A digest in the notation of a content security policy.
 std::string sourceOf(std::string_view digest) {
   std::string bytes;
   for (std::size_t i = 0; i + 1 < digest.size(); i += 2) {

@@ -8,7 +8,7 @@
 namespace aqdata::report {
 
 /// A page of runs in one self-contained file. Text from files is treated as data throughout: it
-/// never becomes markup, and the page runs only its own scripts, named by digest.
+/// never becomes markup, and the page runs only its own scripts, identified by digest.
 class Page {
  public:
   explicit Page(std::string_view title);
@@ -16,7 +16,7 @@ class Page {
   /// Adds the document of a run.
   void addRun(const Json& document);
 
-  /// The finished page. `season` describes all runs: `runs` has the summary of each.
+  /// The finished page. `season` describes all runs: its `runs` has the summary of each.
   [[nodiscard]] std::string finished(const Json& season) &&;
 
  private:

@@ -24,11 +24,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kListed = 20;  // findings of one kind that are listed per file
+constexpr std::size_t kListed = 20;  // most findings of one kind that are listed per file
 
 std::string nameOf(const std::string& path) { return pathOf(path).filename().string(); }
 
-/// The recorded name of a file, without its folders, whether separated by "/" or "\".
+/// The recorded name of a file without its folders, which "/" or "\" may separate.
 std::string bareName(const std::string& recorded) {
   return recorded.substr(recorded.find_last_of("/\\") + 1);
 }
@@ -68,8 +68,8 @@ class RunReader {
     return {};
   }
 
-  /// Calls `use` with a file. If that fails, the page reports the file and leaves it out; for a
-  /// file that the user named, it throws.
+  /// Calls `use` with a file. If that fails, throws for a file that the user named; for any other
+  /// file, the page reports the failure and leaves the file out.
   template <class Use>
   void with(const std::string& file, const char* what, bool named, const Use& use) {
     if (file.empty()) return;

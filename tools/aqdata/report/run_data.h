@@ -9,7 +9,7 @@
 
 namespace aqdata::report {
 
-/// The companion files of a history that the user chose. An empty name means the file next to the
+/// The companion files that the user chose for a history. An empty name means the file next to the
 /// history, unless `alone`.
 struct RunChoice {
   std::string map;
