@@ -10,7 +10,7 @@
 
 namespace aqdata {
 
-/// The event of a history as JSON, with these keys and `second_peaks`; null if there is none.
+/// The event of a history as JSON, with these keys and `second_peaks`; null without an event.
 /// Records are given by number.
 inline constexpr const char* kEventKeys[] = {"EPNL",
                                              "EPNL_with_band_sharing",
@@ -22,13 +22,13 @@ inline constexpr const char* kEventKeys[] = {"EPNL",
                                              "last"};
 [[nodiscard]] Json eventJson(const std::optional<aq::NoiseEvent>& found, int firstRecord);
 
-/// The event in words, one sentence per entry; `event` is its document.
+/// The event in words, one sentence per entry; `event` is what `eventJson` returned for it.
 [[nodiscard]] std::vector<std::string> eventWords(const aq::HistoryMetrics& metrics,
                                                   const Json& event,
                                                   const aq::AQ_SpectralTimeHistory& history,
                                                   const aq::AQ_MaskMap* map);
 
-/// In words, which records lack a metric and why.
+/// Says in words which records lack a metric, and why.
 [[nodiscard]] std::vector<std::string> missingWords(const aq::HistoryMetrics& metrics,
                                                     const aq::AQ_MaskMap* map);
 

@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 
 bool isHidden(const fs::path& path) { return path.filename().string().starts_with('.'); }
 
-/// Whether a file in a folder is a measurement; originals that `fix` keeps are not.
+/// Whether a file found in a folder is a measurement file; originals that `fix` keeps are not.
 bool isMeasurement(const fs::path& path) {
   if (path.extension() == ".orig") return false;
   return aq::upperCased(path.extension().string()) == ".CSV" ||
@@ -41,7 +41,7 @@ std::string danglingLink(const fs::path& path) {
 }
 
 /// Finds the files that the user's arguments name. Visits each folder once, since links may form a
-/// circle.
+/// cycle.
 class Choice {
  public:
   Choice(Session& session, const std::vector<std::string_view>& more)
@@ -147,7 +147,7 @@ class Choice {
 };
 
 /// Whether `name` has this ending. A name with the ending of a particular format does not count as
-/// ".csv".
+/// ending in ".csv".
 bool mayEnd(const std::string& name, std::string_view ending) {
   const auto endsIn = [upper = aq::upperCased(name)](std::string_view end) {
     return upper.ends_with(aq::upperCased(end));

@@ -17,12 +17,12 @@ namespace aqdata {
 /// The files that the user's arguments name. A pattern stands for the files and folders that match
 /// it, and a folder for all measurement files below it: those that end in ".csv", ignoring case, or
 /// are of a known kind, except hidden files and the originals that `fix` keeps. A folder is visited
-/// once, even if several links lead to it. In folders, also takes files whose names, in capitals,
-/// have one of the `more` endings. Complains about names that lead to no file.
+/// once, even if several links lead to it. In folders, files whose names, in capitals, have one of
+/// the `more` endings are chosen too. Complains about names that lead to no file.
 [[nodiscard]] std::vector<std::string> chosenFiles(Session& session,
                                                    const std::vector<std::string_view>& more = {});
 
-/// The failure for a file that the operating system refuses, with its reason.
+/// The failure for a file to which the operating system refuses access, with the system's reason.
 [[nodiscard]] Failure refusal(const std::string& path, const aq::platform::SystemError& error);
 
 /// Throws `Failure`, with the system's reason, for a file that cannot be opened.
@@ -30,7 +30,7 @@ void expectOpens(const std::string& path);
 
 /// Throws `Failure` if the session's output has an extension but none of these endings, or is one
 /// of the `inputs`. A name with the ending of a particular format, such as "x.mask.csv", does not
-/// count as ".csv".
+/// count as ending in ".csv".
 void expectOutput(const Session& session, const std::vector<std::string_view>& endings,
                   const std::vector<std::string>& inputs);
 
@@ -43,8 +43,8 @@ void expectNoInput(const std::string& path, const std::vector<std::string>& inpu
 /// Throws `Failure` if `path` is an existing file and the user did not give --force.
 void expectFree(const Session& session, const std::string& path);
 
-/// The session's output, for a file class to write. Throws `Failure` if it exists and may not be
-/// replaced.
+/// The name of the session's output, for a file class to write. Throws `Failure` if it exists and
+/// may not be replaced.
 [[nodiscard]] std::string outputPlace(const Session& session);
 
 /// Chooses the output of each file. For several files, the session's output is a folder: a file
@@ -55,8 +55,8 @@ class OutputPlaces {
  public:
   explicit OutputPlaces(const Session& session);
 
-  /// Creates the folders on the way. Throws `Failure` if another file of the run has the same
-  /// output, or a folder cannot be created.
+  /// The output of a file; creates the folders that lead to it. Throws `Failure` if another file
+  /// of the run has the same output, or if a folder cannot be created.
   [[nodiscard]] std::string of(const std::string& file);
 
  private:

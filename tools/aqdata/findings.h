@@ -12,7 +12,7 @@
 namespace aqdata {
 
 /// The findings of one file. Counts all, but keeps only a limited number of each kind, so that
-/// results that wait to be printed stay small.
+/// results waiting to be printed stay small.
 struct FileFindings {
   struct Count {
     const aq::FindingKind* kind;
@@ -23,7 +23,7 @@ struct FileFindings {
   std::vector<aq::Finding> whole = {};  // findings about the file as a whole
   std::vector<aq::Finding> kept = {};   // the others, in the order of the file's lines
 
-  /// Counts a finding, and keeps it when there are fewer than `limit` of its kind.
+  /// Counts a finding, and keeps it if fewer than `limit` of its kind are kept so far.
   void take(const aq::Finding& finding, std::size_t limit);
 
   /// The kept findings; those of the whole file come first.
@@ -33,7 +33,7 @@ struct FileFindings {
 /// The place as text, such as ", line 22, field 4, record 1, band 17"; empty for the whole file.
 [[nodiscard]] std::string placeText(const aq::FindingPlace& place);
 
-/// The finding as JSON, without the parts of a place that it does not have.
+/// The finding as JSON; what its place lacks is left out.
 [[nodiscard]] Json findingJson(const aq::Finding& finding);
 
 }  // namespace aqdata

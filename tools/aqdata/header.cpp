@@ -10,7 +10,7 @@
 namespace aqdata {
 namespace {
 
-/// The order of a card's keys; members are in the order of the interface.
+/// The order of the keys on a card; the members themselves are in the order of the interface.
 constexpr std::array<std::string_view, 20> kCardOrder{"file_name",
                                                       "file_date",
                                                       "project",
@@ -71,7 +71,7 @@ Json keyed(Object& object) {
   return values;
 }
 
-/// Sorts keys in the order of a card; keeps the order of the others.
+/// Puts keys in the order of a card; values that already begin with its first key stay as they are.
 Json inCardOrder(const Json& values) {
   if (values.empty() || values.begin().key() == kCardOrder.front()) return values;
   Json ordered = Json::object();

@@ -12,7 +12,7 @@
 
 namespace aqdata {
 
-/// What a file holds, as read.
+/// The content of a file, as read.
 template <class Header, class Model>
 struct Held : aq::Content<Header, Model> {};
 
@@ -21,7 +21,7 @@ struct Held<aq::AQ_HeaderSTH, aq::AQ_SpectralTimeHistory>
     : aq::Content<aq::AQ_HeaderSTH, aq::AQ_SpectralTimeHistory> {
   aq::HistoryWords words = {};                       // the words of the header
   std::vector<aq::HistoryWords::Other> others = {};  // unknown words, which a write would replace
-  double recordLength = 0.5;                         // seconds; not in every file
+  double recordLength = 0.5;                         // seconds; the default if the file gives none
 };
 
 template <>

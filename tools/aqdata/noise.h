@@ -27,7 +27,7 @@ inline constexpr MetricName kMetricNames[] = {
   return type == aq::AQ_METRIC_TONEBND || type == aq::AQ_METRIC_LGB;
 }
 
-/// A metric of a record; null if the record has none.
+/// A metric of a record; null if the record lacks it.
 [[nodiscard]] Json metricJson(const aq::RecordMetrics& record, aq::AQ_METRIC_TYPE type);
 
 /// The role of a record in the event, as in "max" or "first 2nd".

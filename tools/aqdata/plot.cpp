@@ -24,7 +24,7 @@ struct Drawn {
 };
 using Level = std::optional<Drawn>;
 
-/// The range of the drawn levels, in whole tens.
+/// The range of the drawn levels, extended to multiples of ten.
 struct Scale {
   double low = std::numeric_limits<double>::max();
   double high = std::numeric_limits<double>::lowest();
@@ -36,7 +36,7 @@ struct Scale {
   }
   [[nodiscard]] bool empty() const { return low > high; }
 
-  /// The place of a level on the scale, from 0 at the bottom to 1 at the top.
+  /// The position of a level on the scale, from 0 at the bottom to 1 at the top.
   [[nodiscard]] double share(double level) const {
     return high > low ? (level - low) / (high - low) : 1;
   }
@@ -55,7 +55,7 @@ Level sumOf(const Sheet::Row& row) {
   return levelOf(energySum(heard));
 }
 
-/// The loudest of the records that share a column, so that no peak is lost.
+/// Takes the loudest of the records that share a column, so that no peak is lost.
 std::vector<Level> resampled(const std::vector<Level>& levels, std::size_t columns) {
   if (levels.size() <= columns) return levels;
   std::vector<Level> fewer(columns);
@@ -123,7 +123,7 @@ std::array<int, 3> colourAt(double share) {
   return colour;
 }
 
-/// One cell of a spectrogram: a coloured blank, or a shade without colours.
+/// One cell of a spectrogram: a coloured blank or, without colours, a shade.
 std::string cellAt(const Level& level, const Scale& scale, terminal::Colours colours) {
   if (!level) return " ";
   const double share = scale.share(level->level);

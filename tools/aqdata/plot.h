@@ -12,7 +12,7 @@ namespace aqdata {
 /// Whether a cell holds a valid level.
 [[nodiscard]] bool isLevel(const Json& cell);
 
-/// The energy sum of the valid levels; null if there is none.
+/// The energy sum of the valid levels; null if no level is valid.
 [[nodiscard]] Json energySum(const std::vector<Json>& levels);
 
 /// Draws a spectrum, one bar per band.

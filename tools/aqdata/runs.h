@@ -11,7 +11,7 @@
 
 namespace aqdata {
 
-/// The names of a run's files; empty for a file that it lacks.
+/// The names of a run's files; empty for a file that the run lacks.
 struct RunFiles {
   std::string history = {};
   std::string map = {};
@@ -33,9 +33,9 @@ struct Run {
 /// Reads a run's files. Throws `Failure`, also for a map that does not fit the history.
 [[nodiscard]] Run openRun(const RunFiles& files);
 
-/// Writes a run; the headers of map and geometry get the name of the new history. Returns what the
-/// history's format cannot hold. Throws `Failure`, before anything is written, if a file exists
-/// that may not be replaced.
+/// Writes a run; the headers of the map and the geometry get the name of the new history. Returns
+/// what the history's format cannot hold. Throws `Failure`, before anything is written, if a file
+/// exists that may not be replaced.
 std::vector<std::string> writeRun(const Session& session, Run& run, const RunFiles& to,
                                   const std::string& from);
 

@@ -62,8 +62,8 @@ class Session {
   /// Reports what was written to the output, as a document if requested.
   void wrote(std::string_view what);
 
-  /// Reports on standard error what went wrong, with `file` if it is one of several, and in a
-  /// document if requested. Sets the status to failure.
+  /// Reports on standard error what went wrong, with `file` if it is one of several, and also
+  /// in a document if requested. Sets the status to failure.
   void complain(std::string_view text, const std::string& file = {});
 
   /// Shows the progress of a long run on a terminal; removes it when `done` reaches `total`.
@@ -103,11 +103,11 @@ void addFile(CLI::App& command, std::string& file, const char* name, const char*
 void addJobs(CLI::App& command, Session& session);
 void addOutputFile(CLI::App& command, Session& session, const char* what, bool needed = true);
 
-/// Restricts an option to these words, regardless of case; if it takes several, commas separate
-/// them. Shells offer the words.
+/// Restricts an option to these words, regardless of case. If it takes several, they are separated
+/// by commas. Shells offer the words as completions.
 void addWords(Session& session, CLI::Option& option, std::vector<std::string> words);
 
-// Check an option's text. Return why it is not such a number, or an empty string if it is.
+// Check an option's text. Return why it is not the expected number, or an empty string if it is.
 std::string finiteNumber(const std::string& text);
 std::string numberFromZero(const std::string& text);
 using Check = std::function<std::string(const std::string&)>;

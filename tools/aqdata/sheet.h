@@ -17,7 +17,7 @@ struct Sheet {
   struct Row {
     std::int32_t number;            ///< record number, or the index of a position
     std::vector<Json> cells;        ///< one per column
-    std::vector<Json> bands;        ///< one per band from the lowest; null if there is none
+    std::vector<Json> bands;        ///< one per band from the lowest; null for a missing level
     std::vector<bool> masked = {};  ///< one per band; empty without a map
 
     [[nodiscard]] bool masks(std::size_t place) const {
@@ -26,7 +26,7 @@ struct Sheet {
   };
 
   std::vector<std::string> columns = {};  ///< the first holds the number
-  std::string ofBand = {};  ///< what a band's cell holds, as in "level"; empty without bands
+  std::string ofBand = {};  ///< what a band's cell holds, such as "mask"; empty without bands
   std::int16_t low = 0;
   std::int16_t high = -1;
   std::vector<Row> rows = {};  ///< in ascending order of their numbers
@@ -47,16 +47,16 @@ struct Sheet {
   void dropColumns(std::string_view ending);
 };
 
-/// The lowest and the highest band of all records; 0 and -1 if there is none.
+/// The lowest and the highest band of all records; 0 and -1 without records.
 [[nodiscard]] std::pair<std::int16_t, std::int16_t> bandsOf(
     const aq::AQ_SpectralTimeHistory& history);
 
 [[nodiscard]] Sheet sheetOf(const Measurement& measurement);
 
-/// The content of a file's header, key by key, in its order.
+/// The content of a file's header, key by key, in the header's order.
 [[nodiscard]] Json headerOf(const Measurement& measurement);
 
-/// The keys that a header of some kind may have.
+/// The keys that occur in headers of any kind.
 [[nodiscard]] std::vector<std::string> headerKeys();
 
 /// Seconds rounded to five decimals, since files are read in single precision.

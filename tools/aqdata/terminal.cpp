@@ -33,7 +33,7 @@ class Utf8 {
  private:
   static locale_t tables() {
     static const locale_t kTables = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-    return kTables;  // null if the system lacks them: the locale then stays
+    return kTables;  // null if the system lacks them: the locale then stays as it is
   }
 
   locale_t before_;

@@ -16,10 +16,10 @@ enum class Colours { None, Some, Many256, True };
 [[nodiscard]] bool onOutput();
 [[nodiscard]] bool onErrors();
 
-/// The colours that the environment allows, including `NO_COLOR`.
+/// The colours that the environment allows, taking `NO_COLOR` into account.
 [[nodiscard]] Colours colours();
 
-/// The columns of the terminal on standard output; 80 if there is none.
+/// The columns of the terminal on standard output; 80 without a terminal.
 [[nodiscard]] int width();
 
 /// A character of text: its bytes, and the columns of a terminal that it takes.

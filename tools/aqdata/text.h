@@ -30,7 +30,7 @@ namespace aqdata {
 /// The entry of `names` that is most similar to `name`; empty if none is similar.
 [[nodiscard]] std::string nearest(std::string_view name, const std::vector<std::string>& names);
 
-/// The bounds of a range as in "10:40", "10:", ":40" or "10".
+/// The bounds of a range such as "10:40", "10:", ":40" or "10".
 struct Range {
   std::int16_t first = -32768;
   std::int16_t last = 32767;
@@ -57,8 +57,8 @@ class Table {
   /// shortens the first column.
   void fit(std::size_t width);
 
-  /// Prints the table. Columns that do not fit the terminal follow below, after the first column
-  /// again.
+  /// Prints the table. Columns that do not fit the terminal follow below, with the first column
+  /// repeated.
   void print(Session& session) const;
 
  private:
