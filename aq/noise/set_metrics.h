@@ -19,8 +19,8 @@ namespace aq {
 /// masked. Does not change the map. Returns the event, computed from unrounded values, with
 /// indices counted from the lowest record number; nothing if no record has a PNLT.
 ///
-/// Throws `InvalidValue` when a stamp equals that of the previous record, `Overflow` for a level
-/// that is too high for a metric, `ObjectNotSet` for a null spectrum or row; the history is then
+/// Throws `InvalidValue` if a stamp equals that of the previous record, `Overflow` for a level that
+/// is too high for a metric, and `ObjectNotSet` for a null spectrum or row; the history is then
 /// unchanged.
 AQ_API std::optional<NoiseEvent> setMetrics(AQ_SpectralTimeHistory& history,
                                             const AQ_MaskMap* map = nullptr);

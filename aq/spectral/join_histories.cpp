@@ -71,7 +71,7 @@ void expectOneMeasurement(AQ_SpectralTimeHistory& before, AQ_SpectralTimeHistory
     refusePieces("the pieces have different reference times");  // but the same text
   }
   if (one.CurrentDate() != other.CurrentDate()) {
-    refusePieces("the pieces have reference times of different days");
+    refusePieces("the pieces have reference times on different days");
   }
 }
 

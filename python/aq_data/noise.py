@@ -63,12 +63,12 @@ def metric_variables(values: Any, dim: str) -> dict[str, xr.Variable]:
 def metrics(history: History, mask: Optional[_core.AQ_MaskMap] = None) -> xr.Dataset:
     """The ten metrics of each record and the event.
 
-    The dataset has `AWT`, `CWT`, `DWT`, `OA`, `PNL`, `PNLT`, `TONECOR`, `TONEBND`, `LGB` and
-    `INTEG` over `record`, doubles that are NaN where there is no value (`LGB` without a map), and
-    `time`. Its attributes describe the event: `EPNL`, `EPNL_with_band_sharing`, `PNLTM`,
-    `band_sharing`, `duration_correction`, and the record numbers `first`, `maximum` and `last`, -1
-    if there is none. A row of `mask` belongs to the record with the same number. Does not change
-    the history.
+    The dataset has the variables `AWT`, `CWT`, `DWT`, `OA`, `PNL`, `PNLT`, `TONECOR`, `TONEBND`,
+    `LGB` and `INTEG` over `record`, and the coordinate `time`. The variables are doubles, NaN where
+    there is no value (as for `LGB` without a map). The attributes describe the event: `EPNL`,
+    `EPNL_with_band_sharing`, `PNLTM`, `band_sharing`, `duration_correction`, and the record numbers
+    `first`, `maximum` and `last`, -1 if there is none. A row of `mask` belongs to the record with
+    the same number. Does not change the history.
 
     >>> m = aq_data.metrics(history, mask)
     >>> m.attrs["EPNL"], m.PNLT.sel(record=30)

@@ -114,7 +114,7 @@ def spectrum(
             raise ValueError(
                 "expected one spectrum as the ambient, found levels over other dimensions than band"
             )
-        finite(floor, "level", "levels of the ambient")
+        finite(floor, "level", "ambient levels")
         ax.plot(floor["band"], floor.aq.level, "--", color=AMBIENT, label="ambient")
     ax.set_ylabel("Band level (dB)")
     ax.legend()
