@@ -91,7 +91,8 @@ class HistoryRows : public NumberedRows<History, aq::AQ_Spectrum> {
   }
 };
 
-/// The time from the first stamp to the second, in seconds; 0.5 if the stamps do not ascend.
+/// The time from the first stamp to the second, in seconds; 0.5 if it is implausible or there is no
+/// second stamp.
 double lengthOf(const aq::AQ_SpectralTimeHistory& history) {
   auto at = history.begin();
   if (at == history.end()) return 0.5;
@@ -103,8 +104,8 @@ double lengthOf(const aq::AQ_SpectralTimeHistory& history) {
   return length > 0 && length < 1000 ? length : 0.5;
 }
 
-/// Sets what a table does not have: the start is the first stamp, and the reference follows from
-/// the relative times. Throws `Failure` if the relative times disagree.
+/// Sets the times that a table does not have: the start is the first stamp, and the reference
+/// follows from the relative times. Throws `Failure` if the relative times disagree.
 void giveTimes(History& read) {
   aq::AQ_SpectralTimeHistory& history = *read.model;
   history.AverageMethod(aq::AQ_NA);
@@ -117,8 +118,8 @@ void giveTimes(History& read) {
     if (first) reference = own;
     if (std::abs(std::remainder(own - reference, aq::kSecondsPerDay)) > 0.02) {
       throw Failure(
-          fmt::format("record {}: its relative time is from a different reference "
-                      "than in the records before it",
+          fmt::format("record {}: its relative time has a different reference "
+                      "from that of the records before it",
                       record));
     }
     first = false;

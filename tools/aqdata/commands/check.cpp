@@ -21,7 +21,7 @@ struct CheckChoice {
   std::string severity = "note";  // the lowest that is reported
   bool strict = false;
   bool summary = false;
-  std::size_t limit = 20;  // findings of one kind that are listed per file
+  std::size_t limit = 20;  // how many findings of one kind are listed per file
 
   [[nodiscard]] bool wants(const aq::FindingKind& kind) const {
     const auto has = [&kind](const auto& names) {

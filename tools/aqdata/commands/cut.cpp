@@ -40,7 +40,7 @@ std::string optionsText(const CutChoice& choice) {
   return text;
 }
 
-/// Rejects options that contradict each other, or that are wrong for any file.
+/// Rejects options that contradict each other, or that would be wrong for every file.
 void expectOneChoice(const CutChoice& choice, bool severalFiles) {
   const bool byTime = !choice.from.empty() || !choice.to.empty();
   const int ways =

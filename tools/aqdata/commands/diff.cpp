@@ -77,7 +77,7 @@ void compareHeaders(const Json& a, const Json& b, bool dates, Difference& differ
   }
 }
 
-/// The cell of a band that one file may lack.
+/// The cell of a band; null if the row does not have the band.
 Json bandCell(const Sheet& sheet, const Sheet::Row& row, std::int32_t band) {
   const std::int32_t place = band - sheet.low;
   if (place < 0 || place >= static_cast<std::int32_t>(row.bands.size())) return nullptr;
@@ -132,7 +132,7 @@ class Comparison {
     for (const auto& [band, column] : bands_) add(column);
     if (bands_.empty()) {
       for (std::size_t i = 1; i < columns_.size(); ++i)
-        add(columns_[i]);  // the first column is the number
+        add(columns_[i]);  // the first column is the row number
     }
     return numbers == 0 ? 0 : sum / static_cast<double>(numbers);
   }
@@ -277,13 +277,13 @@ std::vector<FilePair> pairsOf(Session& session, const DiffChoice& choice) {
   return pairs;
 }
 
-/// The difference between two files with the same relative path, as one line.
+/// How two files with the same relative path differ, or why they could not be compared.
 struct PairOutcome {
   std::optional<Difference> difference = {};  // empty for a file that only one folder has
   std::string failure = {};
 };
 
-/// The name and column of the largest difference, of a band or a column; null if no number differs.
+/// The band or column with the largest difference, and its name; null if no number differs.
 std::pair<std::string, const Column*> largestOf(const Difference& difference) {
   std::pair<std::string, const Column*> found{{}, nullptr};
   const auto see = [&](const std::string& name, const Column& column) {

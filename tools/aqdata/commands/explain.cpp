@@ -17,7 +17,7 @@ struct ExplainChoice {
   std::string map;
 };
 
-/// A spectrum and its name in the text.
+/// The spectrum to explain; its record number and map, if it has them.
 struct Explained {
   std::shared_ptr<aq::AQ_Spectrum> spectrum;
   std::optional<int> record;

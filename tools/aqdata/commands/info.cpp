@@ -159,11 +159,11 @@ void addRecording(const std::string& path, Json& info) {
 
 struct Outcome {
   Json info = {};
-  std::string_view word = {};  // the word for its kind
+  std::string_view word = {};  // the word for the file's kind
   std::string failure = {};
 };
 
-/// The recording in a file without levels, such as a time signal; nothing for any other file.
+/// What is known of a recording without levels, such as a time signal; nothing for any other file.
 std::optional<Json> infoWithoutLevels(const std::string& path, const std::string& failure) {
   constexpr auto kKind = aq::FileKind::AnalyzerRecording;
   if (aq::kindOfFile(path) != kKind) return std::nullopt;

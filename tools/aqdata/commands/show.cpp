@@ -21,7 +21,7 @@ struct ShowChoice {
   bool spectrogram = false;
 };
 
-/// Marks the levels that the map masks, if there is one.
+/// If there is a map, marks the levels that it masks.
 void takeMasks(Sheet& sheet, const Measurement& read, const ShowChoice& choice) {
   if (choice.map.empty()) return;
   const auto* const history = std::get_if<History>(&read.data);

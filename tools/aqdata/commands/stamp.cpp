@@ -56,7 +56,7 @@ void expectKnownAveraging(History read, const std::string& file) {
   expectKnownWords(read, file);
 }
 
-/// A run lasts minutes, so a reference half a day away is on the other side of midnight.
+/// A run lasts minutes, so a reference more than half a day away is on the other side of midnight.
 void setDates(aq::AQ_Time& start, aq::AQ_Time& reference) {
   constexpr std::int32_t kDay = 36526;  // any date, since a history file has no dates of records
   constexpr double kHalfDay = 43200;
