@@ -660,7 +660,7 @@ def check_folders(parent):
 
 
 def check_completion(folder):
-    """Bash offers the right words after a command line."""
+    """Bash completes command lines with the right words."""
     for line, offered in (
         ("aqdata co", "convert completion"),
         ("aqdata --color a", "auto always"),
@@ -768,7 +768,7 @@ def check_recordings(folder):
 
 
 def check_columns(folder):
-    """Histories and recordings convert to fixed columns and back, or say why not."""
+    """Histories and recordings convert to fixed columns and back, or messages say why not."""
     run(f"aqdata convert {STH} -o there.spc", folder)
     run("aqdata convert there.spc -o back.sth.csv", folder)
     expect("fixed columns and back", run(f"aqdata diff {STH} back.sth.csv", folder).returncode, 0)

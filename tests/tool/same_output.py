@@ -29,7 +29,7 @@ ELSEWHERE = {  # parts of rows that mean something else on Windows, and why
 
 
 def same_form(text):
-    """The output without what depends on system and run: line endings, separators, times."""
+    """The output without what depends on the system or the run: line ends, separators, times."""
     text = text.replace(b"\r\n", b"\n").replace(b"\\\\", b"\\").replace(b"\\", b"/")
     text = re.sub(rb"Wine cannot find the FreeType(.*\n){4}", b"", text)
     return re.sub(rb"(FileDateTime\*\*|created|file date).*", rb"\1", text)
