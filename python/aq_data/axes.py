@@ -91,7 +91,7 @@ def _clock(seconds: float, _: Any = None) -> str:
 
 
 def _tells(values: Any) -> bool:
-    """Whether times are set: not all equal or, if single, not 0."""
+    """Whether times are set: not all equal or, if there is only one, not 0."""
     return bool(values.any() if values.size == 1 else values.size and np.ptp(values) > 0)
 
 

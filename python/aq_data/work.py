@@ -271,7 +271,7 @@ def _mended(path: str) -> tuple[bytes, list[str], list[str]]:
         try:
             raw = gzip.decompress(raw)
         except (OSError, EOFError) as error:
-            raise FileError(path, 0, 0, "a file packed by gzip", str(error)) from error
+            raise FileError(path, 0, 0, "an intact gzip file", str(error)) from error
     done = ["gzip"] if packed else []
     text, done, left = _core._mendText(raw, os.path.basename(path), done)
     return text, done, left

@@ -24,7 +24,7 @@ std::string wide(const std::string& text, bool highFirst, const std::string& mar
   return bytes;
 }
 
-/// `kPlain` with the comment line that a mend adds.
+/// `kPlain` with the comment line that mending adds.
 std::string commented(const std::string& done) {
   return replaced(replaced(kPlain, "Lines\\*\\*,2", "Lines**,3"), "Rec#",
                   ("Mended from a.csv: " + done + "\nRec#").c_str());

@@ -106,8 +106,8 @@ VAGUE = re.compile(r"\bthat of the (file|program|list|metric)\b|^(well|other|mis
 
 
 def senseless(senses):
-    """Members and parameters with a meaningless unit or description. A number without a unit does
-    not compile.
+    """Members and parameters with a meaningless unit or description. A missing unit is not checked
+    here: a number without one does not compile.
     """
     for name, what in senses.items():
         unit, text = what.split("|", 1)
