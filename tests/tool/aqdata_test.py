@@ -1,7 +1,7 @@
 """Drives the installed program end to end: aqdata_test.py PROGRAM PROJECT
 
-Each row is a command line, run in a folder with the project's samples, its exit status, and what
-its output and its messages must contain.
+Each row holds a command line, its exit status, and what its output and its messages must contain.
+The commands run in a folder with the project's samples.
 """
 
 import json
@@ -309,7 +309,7 @@ ROWS = [  # command, status, what the output contains, what the messages contain
     (
         f"diff {STH} near.sth.csv",
         1,
-        "band 17: differs in 1 record, by at most 0.01, as in 1",
+        "band 17: differs in 1 record, by at most 0.01, as in record 1",
         "",
     ),
     (f"diff --tolerance 0.01 {STH} near.sth.csv", 0, "no difference", ""),
@@ -603,7 +603,7 @@ ROWS = [  # command, status, what the output contains, what the messages contain
 
 
 def command_line(row):
-    """Words before the command belong to the shell: variables, or another command."""
+    """Inserts the program's name after the words for the shell: variables, or another command."""
     words = row.split(" ")
     first = next(
         (i for i, word in enumerate(words) if not re.fullmatch(r"[A-Z]+=\S*", word)), len(words)
@@ -699,7 +699,7 @@ def check_widths(folder):
 
 
 def check_cpp_tutorial():
-    """The tutorial shows the tested program and its output, and signatures as in the headers."""
+    """The tutorial shows the tested program, its output, and signatures that are in the headers."""
     page = (PROJECT / "docs" / "tutorials" / "cpp.md").read_text()
 
     def blocks(language):

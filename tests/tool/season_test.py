@@ -79,7 +79,7 @@ def louder(text, number):
 
 
 def make(folder):
-    """Writes raw files, some of them damaged, and whole files, in folders by day."""
+    """Writes raw files, some of them damaged, and undamaged ones, in a folder for each day."""
     history = (SAMPLES / "fly-over.sth.csv").read_text()
     mask = (SAMPLES / "fly-over.mask.csv").read_text()
     for number in range(1, RUNS + 1):

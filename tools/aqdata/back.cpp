@@ -30,19 +30,19 @@ std::string recordedName(const std::string& path) {
 
 // Rows, from a table or from a document.
 
-/// The time of day of `text`, or of `seconds` if there is no text.
+/// The time of day of `text`, or of `seconds` if `text` is empty.
 aq::AQ_Time timeOf(const std::string& text, double seconds) {
   aq::AQ_Time time;
   if (!text.empty()) {
     time.TODstring(text);
-    // The text of a time late in its second is that of the next second, so `seconds` decides.
+    // A time late in a second has the text of the next second; `seconds` decides if they differ.
     if (std::abs(time.TODseconds() - seconds) < 0.006 || std::isnan(seconds)) return time;
   }
   time.assignSeconds(seconds, 0);
   return time;
 }
 
-/// Collects records by number, and makes a measurement of them at the end.
+/// Collects records by number, and makes a measurement from them at the end.
 template <class Read, class Object>
 class NumberedRows {
  public:
@@ -165,7 +165,7 @@ constexpr std::string_view kHistoryTable = "record,time,time_s,relative_s,band,l
 constexpr std::string_view kMapTable = "record,last_good_band,band,mask";
 constexpr std::string_view kPositionTable = "position,time,time_s,x,y,z";
 
-/// Reads all rows of a table. Throws `Failure` with the line and, as the library's readers do, the
+/// Reads all rows of a table. Throws `Failure` with the line, or `ReadFailure`, which also has the
 /// field.
 template <class Rows, class Take>
 Rows rowsOf(aq::LineReader& lines, const Take& take) {
@@ -249,7 +249,7 @@ void setFrom(const Json& value, std::shared_ptr<aq::Collection<std::string>>& li
 void setFrom(const Json& value, std::shared_ptr<aq::AQ_Time>& time) {
   if (value.is_null()) return;
   const std::string text =
-      value.get<std::string>();  // mm/dd/yyyy hh:mm:ss, or without the time at midnight
+      value.get<std::string>();  // mm/dd/yyyy hh:mm:ss; at midnight, only the date
   time->CurrentDate(aq::dateFrom(text.substr(0, text.find(' '))));
   if (text.find(' ') != text.npos) time->TODstring(text.substr(text.find(' ') + 1));
 }

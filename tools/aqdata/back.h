@@ -9,7 +9,8 @@ namespace aqdata {
 
 /// Reads a table or JSON document that `convert` has written: a history, a masking map or
 /// positions. Returns nothing for any other file. A table has no header, so the result has a new
-/// one, which names the table. Throws `Failure` with the line and field, or the row, at fault.
+/// one, which names the table. Throws `Failure`; for a table, with the line and field, or the
+/// record, at fault.
 [[nodiscard]] std::optional<Measurement> backFrom(const std::string& path);
 
 }  // namespace aqdata

@@ -30,7 +30,7 @@ inline constexpr MetricName kMetricNames[] = {
 /// A metric of a record; null if the record lacks it.
 [[nodiscard]] Json metricJson(const aq::RecordMetrics& record, aq::AQ_METRIC_TYPE type);
 
-/// The role of a record in the event, as in "max" or "first 2nd".
+/// The role of a record in the event, such as "max" or "first 2nd".
 [[nodiscard]] std::string flagsText(int flags);
 
 /// Record numbers as ranges, such as "3, 5-9"; after twenty ranges, how many records remain.

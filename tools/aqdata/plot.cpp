@@ -123,7 +123,7 @@ std::array<int, 3> colourAt(double share) {
   return colour;
 }
 
-/// One cell of a spectrogram: a coloured blank or, without colours, a shade.
+/// One cell of a spectrogram: a coloured blank or, with too few colours, a shade.
 std::string cellAt(const Level& level, const Scale& scale, terminal::Colours colours) {
   if (!level) return " ";
   const double share = scale.share(level->level);

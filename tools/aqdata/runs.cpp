@@ -13,8 +13,8 @@
 namespace aqdata {
 namespace {
 
-/// Throws `Failure` unless every record has a level in each of the same bands, since a history file
-/// lists the bands only once.
+/// Throws `Failure` unless all records have levels in the same bands without a gap, since a history
+/// file lists the bands only once.
 void expectWhole(const History& read, const std::string& file) {
   const auto fail = [&](std::int32_t record, const std::string& why) {
     throw Failure(

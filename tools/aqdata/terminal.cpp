@@ -22,7 +22,7 @@ std::string_view environment(const char* name) {
   return value == nullptr ? std::string_view() : value;
 }
 
-/// The system's character tables, independent of the user's locale, during the object's lifetime.
+/// During its lifetime, selects the system's UTF-8 character tables, whatever the user's locale.
 class Utf8 {
  public:
   Utf8() : before_(::uselocale(tables())) {}

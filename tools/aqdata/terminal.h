@@ -10,7 +10,7 @@
 // name patterns.
 namespace aqdata::terminal {
 
-/// How many colours the terminal on standard output shows.
+/// How many colours the terminal on standard output can show.
 enum class Colours { None, Some, Many256, True };
 
 [[nodiscard]] bool onOutput();

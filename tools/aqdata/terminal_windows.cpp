@@ -89,8 +89,8 @@ bool fits(std::wstring_view name, std::wstring_view pattern) {
   return same && fits(name.substr(1), pattern.substr(1));
 }
 
-/// Adds the entries of a folder that `part` of a pattern matches; an empty name means the working
-/// folder.
+/// Adds the entries of a folder that `part` of a pattern matches; an empty `folder` means the
+/// working folder.
 void addMatches(const fs::path& folder, const fs::path& part, std::vector<fs::path>& found) {
   std::error_code error;
   const std::wstring& pattern = part.native();

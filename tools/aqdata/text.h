@@ -50,7 +50,7 @@ class Table {
 
   explicit Table(std::vector<Column> columns) : columns_(std::move(columns)) {}
 
-  /// Cells may have colours.
+  /// Adds a row. Cells may contain colour codes.
   void add(std::vector<std::string> cells) { rows_.push_back(std::move(cells)); }
 
   /// Fits the table to a width: leaves out optional columns, which the last line names, and

@@ -5,7 +5,7 @@
 namespace aqdata {
 namespace {
 
-/// Calls `visit(names, description)` for every option of a command, names with their dashes.
+/// Calls `visit(names, description)` for every option of a command; `names` have their dashes.
 template <class Visit>
 void forOptions(const CLI::App& command, const Visit& visit) {
   for (const CLI::Option* option : command.get_options()) {

@@ -126,7 +126,7 @@ void putHistory(Session& session, const ConvertChoice& choice, const Measurement
   }
 }
 
-/// The plural of a form.
+/// The plural of a form; empty for a form that can go to standard output.
 std::string_view formWord(const std::string& form) {
   if (form == "history" || form == "columns") return "histories";
   if (form == "map") return "maps";

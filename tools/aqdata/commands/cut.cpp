@@ -27,7 +27,7 @@ struct CutChoice {
   bool renumber = false;
 };
 
-/// The options, for the comment in the file.
+/// The options that choose records, as text for comments and messages.
 std::string optionsText(const CutChoice& choice) {
   std::string text;
   const auto add = [&](const char* name, const std::string& value) {

@@ -2,7 +2,8 @@
 
 namespace aqdata {
 
-/// `help X` is rewritten as `X --help` before it is parsed, so this only lists the command.
+/// `help X` is rewritten as `X --help` before it is parsed, so this only adds `help` to the list of
+/// commands and to completions.
 void addHelp(CLI::App& program, Session& session) {
   const auto name = std::make_shared<std::string>();
   CLI::App* const command = addCommand(program, session, "help", "Show the help of a command",

@@ -54,7 +54,7 @@ struct Extent {
     if (!begin) return;
     info["begin"] = beginText;
     info["end"] = endText;
-    // Times continue across midnight; any other step back is out of order.
+    // A step back of more than half a day crosses midnight; a smaller one is a fault of the times.
     const double seconds = *end - *begin;
     info["duration_s"] = tidySeconds(seconds < -43200 ? seconds + 86400 : seconds);
   }

@@ -88,7 +88,7 @@ void printMetrics(Session& session, const Json& document) {
   table.print(session);
 }
 
-/// The line of a file in the table of several files, with each number as `text` returns it.
+/// The line of a file in the table of several files; `text` formats the numbers of the event.
 template <class Text>
 std::vector<std::string> eventCells(const FileMetrics& outcome, const Text& text) {
   const Json& event = outcome.document["event"];

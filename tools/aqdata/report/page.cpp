@@ -79,7 +79,7 @@ std::string Page::finished(const Json& season) && {
   return std::move(text_);
 }
 
-/// Escapes every "<" in the data, so that nothing in it can end its element.
+/// Escapes every "<" in the data, so that nothing in it can end the element that holds it.
 void Page::addData(std::string_view id, const Json& document) {
   text_ += fmt::format(R"(<script type="application/json" id="{}">)", id);
   const std::string data = lineOf(document);

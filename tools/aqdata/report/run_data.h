@@ -28,7 +28,7 @@ struct RunChoice {
 struct RunData {
   Json summary = {};                         ///< its line in the table of all runs
   Json document = {};                        ///< the data of its section
-  aq::Checked checked = {};                  ///< the findings of the history
+  aq::Checked checked = {};                  ///< a digest of the history's levels
   std::vector<std::string> complaints = {};  ///< about files that the page leaves out
   std::string failure = {};                  ///< why the history could not be read
 };
