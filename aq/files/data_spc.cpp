@@ -243,8 +243,8 @@ void AQ_DataSPC::RecordLength(const Variant& seconds) {
   settings_.recordLength = length;
 }
 
-/// The settings, with each 0 replaced by the first or last stored number. Does not use the history's
-/// `LoRec` and `HiRec`, which return another number for a 0.
+/// The settings, with each 0 replaced by the first or last stored number. Does not use the
+/// history's `LoRec` and `HiRec`, which return another number for a 0.
 AQ_DataSPC::Settings AQ_DataSPC::chosen(const AQ_SpectralTimeHistory& history) const {
   Settings chosen = settings_;
   std::optional<std::int16_t> first;
