@@ -43,8 +43,9 @@ AQ_DataMessage AQ_DataASCII::readFields(const std::string& sFileName) {
     LineReader lines(name);
     std::int32_t expected = 0;  // the number of fields in the line before
     while (lines.next()) {
-      fields->Add(divided(lines.line(), expected));
-      expected = fields->Item(fields->Count())->Count();
+      auto line = divided(lines.line(), expected);
+      expected = line->Count();
+      fields->Add(std::move(line));
     }
     fields_ = std::move(fields);
   });

@@ -47,9 +47,6 @@ aq::AQ_GeometryTimeHistory numberedPoints(const aq::AQ_SpectralTimeHistory& hist
         fmt::format("{}: no position for the emission of {}: {}; --records A:B selects others",
                     aq::escaped(file), counted(without.size(), "record"), recordsText(without)));
   }
-  if (next == 0)
-    throw Failure(
-        fmt::format("{}: the history has none of the records asked for", aq::escaped(file)));
   return geometry;
 }
 
@@ -83,6 +80,10 @@ void geometry(Session& session, const GeometryChoice& choice) {
   const auto points =
       aq::emissionGeometry(*positions, *membraneOf(*microphone.model), *read.model, celsius);
   const auto made = numberedPoints(*read.model, *points, range, choice.positions);
+  if (made.Count() == 0) {
+    throw Failure(
+        fmt::format("{}: has none of the records asked for", aq::escaped(choice.history)));
+  }
   const auto header = headerFor(choice, read, microphone, celsius, range);
   writeOutput<aq::AQ_DataGTH>(session, header, made);
   session.wrote(fmt::format("{}, sound at {:.2f} m/s",
