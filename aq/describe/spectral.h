@@ -102,7 +102,7 @@ struct Description<AQ_Band> {
     using B = AQ_Band;
     to.method("Copy", &B::Copy, "Returns no object for an empty band; raises for any other")
         .indexed("SPL", &B::SPL, &B::SPL, in("nSpectrum", "The spectrum's number", kRecord),
-                 "The level of a spectrum, by its number; reading raises if there is none",
+                 "The level of a spectrum, by its number; reading raises if it is missing",
                  kDecibels)
         .property("Count", &B::Count, "Number of stored levels", kRecords)
         .method("contains", &B::contains, "Whether there is a level for a spectrum number",

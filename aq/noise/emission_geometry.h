@@ -26,8 +26,8 @@ namespace aq {
 /// direction of flight and the line to the microphone, 0 to 180 degrees. `BETAe` is the angle of
 /// that line around the direction of flight, from the vertical plane below the source, positive to
 /// the left of the flight, -180 to 180 degrees; 0 for a vertical flight. If two positions are
-/// equal, the direction is that of the nearest segment with movement; both angles are NaN if there
-/// is none.
+/// equal, the direction is that of the nearest segment with movement; both angles are NaN if
+/// the source does not move.
 ///
 /// A record whose sound was emitted before the first or after the last position has no point:
 /// nothing is extrapolated. The start time, the reference time and their types come from the

@@ -22,7 +22,7 @@ namespace aq {
                                                          AQ_METRIC_TYPE weighting,
                                                          const AQ_MaskRow* masks = nullptr);
 
-/// The energy sum of the levels in dB that are finite and not 9999; nothing if there are none.
+/// The energy sum of the levels in dB that are finite and not 9999; nothing without such a level.
 [[nodiscard]] AQ_API std::optional<double> energySum(std::span<const double> levels);
 
 }  // namespace aq

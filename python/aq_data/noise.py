@@ -67,7 +67,7 @@ def metrics(history: History, mask: Optional[_core.AQ_MaskMap] = None) -> xr.Dat
     `LGB` and `INTEG` over `record`, and the coordinate `time`. The variables are doubles, NaN where
     there is no value (as for `LGB` without a map). The attributes describe the event: `EPNL`,
     `EPNL_with_band_sharing`, `PNLTM`, `band_sharing`, `duration_correction`, and the record numbers
-    `first`, `maximum` and `last`, -1 if there is none. A row of `mask` belongs to the record with
+    `first`, `maximum` and `last`, -1 for a missing one. A row of `mask` belongs to the record with
     the same number. Does not change the history.
 
     >>> m = aq_data.metrics(history, mask)

@@ -105,7 +105,7 @@ TEST(EmissionGeometry, Angles) {
       {{0, 0, 0, 100}, {10, 0.001, 0, 100}, at(100, 0, 100), 0, 0},     // microphone ahead
       {{0, 0, 0, 100}, {10, 0.001, 0, 100}, at(-100, 0, 100), 180, 0},
       {{0, 0, 0, 100}, {10, 0, 0, 100.001}, at(100, 50, 100), 90, 0},  // climbs straight up
-      // Climbs at 45 degrees past a microphone that is to the side and below, so partly behind.
+      // Climbs at 45 degrees past a microphone to the side and below, so theta exceeds 90 degrees.
       {{0, 0, 0, 100},
        {10, 0.001, 0, 100.001},
        at(0, 100, 0),

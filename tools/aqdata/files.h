@@ -14,8 +14,8 @@
 
 namespace aqdata {
 
-/// The files that the user's arguments name. A pattern stands for the files and folders that match
-/// it, and a folder for all measurement files below it: those that end in ".csv", ignoring case, or
+/// The files that the user's arguments name. A pattern selects the files and folders that match
+/// it, and a folder all measurement files below it: those that end in ".csv", ignoring case, or
 /// are of a known kind, except hidden files and the originals that `fix` keeps. A folder is visited
 /// once, even if several links lead to it. In folders, files whose names, in capitals, have one of
 /// the `more` endings are chosen too. Complains about names that lead to no file.
