@@ -91,7 +91,7 @@ void checkWord(std::size_t line, std::string_view word, std::string_view readAs,
                const Reporter& report) {
   if (upperCased(word) == readAs) return;
   report(Kind::OtherWord, {.line = line, .field = 2},
-         shown(word) + " is unknown and read as " + shown(readAs));
+         shown(word) + " is unknown, so it is read as " + shown(readAs));
 }
 
 std::size_t HeaderCheck::lineOf(std::string_view keyword) const {

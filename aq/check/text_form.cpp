@@ -18,7 +18,7 @@ struct Packed {
 };
 
 constexpr Packed kPacked[] = {
-    {"\x1F\x8B", "the file is compressed by gzip; gunzip unpacks it"},
+    {"\x1F\x8B", "the file is compressed with gzip; gunzip unpacks it"},
     {"BZh", "the file is compressed by bzip2; bunzip2 unpacks it"},
     {"\xFD\x37zXZ", "the file is compressed by xz; unxz unpacks it"},
     {"\x28\xB5\x2F\xFD", "the file is compressed by zstd; unzstd unpacks it"},

@@ -24,7 +24,7 @@ constexpr Refusal kRefusals[] = {
     {"a folder that takes a temporary file", "cannot replace ", " by way of a temporary file"},
     {"a folder that lets the file be replaced", "cannot replace "},
     {"a program that can be run", "", ": cannot run the converter"},
-    {"a program that ends with status 0", "", ": the converter failed"},
+    {"a program that exits with status 0", "", ": the converter failed"},
 };
 
 }  // namespace

@@ -283,7 +283,7 @@ class Folder {
 };
 
 constexpr const char* kRun = "a program that can be run";
-constexpr const char* kSucceeds = "a program that ends with status 0";
+constexpr const char* kSucceeds = "a program that exits with status 0";
 
 /// The ends of a new pipe; the destructor closes those that are open.
 class Pipe {

@@ -20,7 +20,7 @@ constexpr const char* kWrite = "a file that can be written";
 constexpr const char* kReplace = "a folder that lets the file be replaced";
 constexpr const char* kReadFolder = "a folder that can be read";
 constexpr const char* kRun = "a program that can be run";
-constexpr const char* kSucceeds = "a program that ends with status 0";
+constexpr const char* kSucceeds = "a program that exits with status 0";
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 std::string utf8(std::wstring_view text) {

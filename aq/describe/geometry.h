@@ -42,7 +42,7 @@ struct Description<AQ_PositionTimeHistory> {
               "A deep copy, numbered from 1; raises if there are more than 32767 samples")
         .indexed("Position", &H::Position, &H::Position,
                  in("nRecord", "Reading: the index; storing: the record number", kPlace),
-                 "The sample at an index from 1; reading raises if it is missing. Storing takes a "
+                 "The sample at a 1-based index; reading raises if it is missing. Storing takes a "
                  "record number instead of an index")
         .method("PositionAt", &H::PositionAt,
                 "The stored sample nearest in time of day; no object if no two samples enclose "
@@ -172,7 +172,7 @@ struct Description<AQ_EmtRcvTable> {
   static void members(To& to) {
     using T = AQ_EmtRcvTable;
     to.indexed("Record", &T::Record, &T::Record, in("nRecord", "The index", kPlace),
-               "The record at an index from 1; reading raises if it is missing. Storing ignores "
+               "The record at a 1-based index; reading raises if it is missing. Storing ignores "
                "the index and appends")
         .property("T", &T::T,
                   "The emission times in seconds of the day, as a new collection; raises if there "

@@ -165,7 +165,7 @@ class NumberedSeries {
     return slots_.at(slot);
   }
 
-  /// The object at an index from 1; throws `InvalidIndex` out of range.
+  /// The object at a 1-based index; throws `InvalidIndex` out of range.
   [[nodiscard]] const Object& atPlace(std::int32_t place) const {
     return slots_.at(slots_.slotOf(place));
   }

@@ -90,7 +90,7 @@ class TombstoneList {
   [[nodiscard]] T& at(std::size_t slot) { return values_[slot]; }
   [[nodiscard]] const T& at(std::size_t slot) const { return values_[slot]; }
 
-  /// The slot of an index from 1. Throws `InvalidIndex` outside the list.
+  /// The slot of a 1-based index. Throws `InvalidIndex` outside the list.
   [[nodiscard]] std::size_t slotOf(std::int32_t place) const {
     if (place < 1 || static_cast<std::size_t>(place) > size()) {
       throw Error(ErrorCode::InvalidIndex,

@@ -15,7 +15,7 @@ class AQ_API AQ_EmtRcvTable {
  public:
   using Column = std::shared_ptr<Collection<double>>;
 
-  /// The record at an index from 1; throws `InvalidIndex` out of range.
+  /// The record at a 1-based index; throws `InvalidIndex` out of range.
   [[nodiscard]] std::shared_ptr<AQ_EmtRcvRecord> Record(std::int32_t nRecord) const {
     return records_.Item(nRecord);
   }

@@ -49,7 +49,7 @@ class AQ_API AQ_PositionTimeHistory {
   /// A deep copy in order of the indices, numbered from 1. Throws `Overflow` above 32767 samples.
   [[nodiscard]] std::shared_ptr<AQ_PositionTimeHistory> Copy() const;
 
-  /// The sample at an index from 1; throws `InvalidIndex` out of range.
+  /// The sample at a 1-based index; throws `InvalidIndex` out of range.
   [[nodiscard]] std::shared_ptr<AQ_Position> Position(std::int32_t nRecord) const {
     return positions_.atPlace(nRecord);
   }

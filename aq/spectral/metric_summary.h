@@ -15,7 +15,7 @@ class AQ_API AQ_MetricSummary {
  public:
   [[nodiscard]] std::shared_ptr<AQ_MetricSummary> Copy() const;
 
-  /// Adds a metric; a listed one moves to the end.
+  /// Adds a metric, or moves it to the end if it is already listed.
   void MetricType(AQ_METRIC_TYPE aqMetric);
 
   /// The summary's own list, not a copy.
@@ -24,7 +24,7 @@ class AQ_API AQ_MetricSummary {
   [[nodiscard]] bool isMetric(AQ_METRIC_TYPE aqMetric) const;
 
   /// The list as text, as in "AWT, PNLT, LGB". Setting adds the metric with that name, ignoring
-  /// case; a listed one keeps its place, and any other text is ignored.
+  /// case, unless it is already listed. Other text is ignored.
   [[nodiscard]] std::string MetricTypeString() const;
   void MetricTypeString(std::string_view name);
 

@@ -164,7 +164,7 @@ def read(path: Path, wanted: Optional[type[Any]] = None) -> AnyReading:
     reading = read_quietly(path, wanted, others)
     for line, what, word, read_as in others:
         place = f"{os.fsdecode(path)}, line {line}"
-        text = f'{place}: the {what} "{word}" is unknown and read as {read_as}'
+        text = f'{place}: the {what} "{word}" is unknown, so it is read as {read_as}'
         warnings.warn(text, stacklevel=2)
     return reading
 

@@ -207,8 +207,8 @@ TEST(Analyzer, RunsAnExternalConverterWithoutAShell) {
                               : test::contentOf(text);
   };
   EXPECT_EQ(run(converter("cat; echo \"$@\"; echo no >&2")), recording + " /D:2 /R:2\n");
-  EXPECT_EQ(run(converter("echo half; exit 3")), "a program that ends with status 0, status 3");
-  EXPECT_EQ(run(converter("kill -9 $$")), "a program that ends with status 0, signal 9");
+  EXPECT_EQ(run(converter("echo half; exit 3")), "a program that exits with status 0, status 3");
+  EXPECT_EQ(run(converter("kill -9 $$")), "a program that exits with status 0, signal 9");
   EXPECT_EQ(run(converter("")), "text from " + shown(folder.file("convert it")) + ", none");
   EXPECT_EQ(run(folder.file("none")), "a program that can be run, No such file or directory");
   EXPECT_EQ(test::contentOf(text), recording + " /D:2 /R:2\n");  // as the first run left it

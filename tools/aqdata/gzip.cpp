@@ -38,12 +38,12 @@ std::string unpacked(std::string_view bytes, const std::string& path) {
   }
   inflateEnd(&stream);
   if (state == Z_STREAM_END) return text;
-  throw Failure(fmt::format("{}: packed by gzip, but cut or damaged", aq::escaped(path)));
+  throw Failure(fmt::format("{}: compressed with gzip, but cut or damaged", aq::escaped(path)));
 }
 #else
 std::string unpacked(std::string_view, const std::string& path) {
   throw Failure(
-      fmt::format("{}: packed by gzip; this program is built without zlib, so unpack it "
+      fmt::format("{}: compressed with gzip; this program is built without zlib, so unpack it "
                   "with gunzip",
                   aq::escaped(path)));
 }

@@ -5,7 +5,7 @@
 
 namespace aqdata {
 
-/// Whether the bytes are a file packed by gzip.
+/// Whether the bytes are a file compressed with gzip.
 [[nodiscard]] bool isGzip(std::string_view bytes);
 
 /// The unpacked bytes. Throws `Failure` for damaged bytes, or if the tool was built without zlib.

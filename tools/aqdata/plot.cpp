@@ -204,7 +204,7 @@ void plotHistory(Session& session, const Sheet& sheet) {
   session.print(fmt::format("Level of {}{} in dB\n",
                             single ? bandName(sheet.low) : std::string("all bands together"),
                             !masked  ? ""
-                            : single ? ", light where masked"
+                            : single ? ", light where masked,"
                                      : ", excluding masked ones,"));
   for (int line = kLines - 1; line >= 0; --line) {
     std::string drawn;
