@@ -4,6 +4,10 @@
 
 namespace aq {
 
+void throwNoRecord(std::int32_t number) {
+  throw Error(ErrorCode::InvalidArgument, "no record " + std::to_string(number));
+}
+
 std::size_t NumberIndex::findInTable(std::int32_t number) const {
   const auto entry = table_.find(number);
   return entry == table_.end() ? kNoSlot : entry->second;

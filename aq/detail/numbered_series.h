@@ -31,6 +31,9 @@ struct Counter {
   ~Counter() = default;
 };
 
+/// Throws `InvalidArgument`. Not inline, so that `NumberedSeries::at` is.
+[[noreturn]] AQ_API void throwNoRecord(std::int32_t number);
+
 /// Finds the slot of a record number. As long as records are numbered n, n+1, n+2 …, the slot
 /// follows from the number and no table is needed.
 class AQ_API NumberIndex {
@@ -159,9 +162,7 @@ class NumberedSeries {
   /// The object with that number; throws `InvalidArgument` if there is none.
   [[nodiscard]] const Object& at(std::int32_t number) const {
     const std::size_t slot = index_.find(number);
-    if (slot == NumberIndex::kNoSlot) {
-      throw Error(ErrorCode::InvalidArgument, "no record " + std::to_string(number));
-    }
+    if (slot == NumberIndex::kNoSlot) throwNoRecord(number);
     return slots_.at(slot);
   }
 

@@ -3,8 +3,12 @@
 #include <memory>
 
 #include "aq/core/error.h"
+#include "aq/core/export.h"
 
 namespace aq {
+
+/// Throws `ObjectNotSet`. Not inline, so that `orThrow` is.
+[[noreturn]] AQ_API void throwMissingObject();
 
 /// The object that `pointer` points to; created and kept there if the pointer is empty.
 template <class T>
@@ -16,7 +20,7 @@ const std::shared_ptr<T>& orCreate(std::shared_ptr<T>& pointer) {
 /// The object that a caller's pointer points to. Throws `ObjectNotSet` if the pointer is empty.
 template <class T>
 T& orThrow(const std::shared_ptr<T>& pointer) {
-  if (!pointer) throw Error(ErrorCode::ObjectNotSet, "an object is missing");
+  if (!pointer) throwMissingObject();
   return *pointer;
 }
 

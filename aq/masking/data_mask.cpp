@@ -41,22 +41,28 @@ std::string columnHeading(const AQ_HeaderMask& header) {
   return heading + ",LGB";
 }
 
+/// Writes all masks of a row; creates a default mask in each band that has none.
+char* putDecisions(char* at, AQ_MaskRow& row) {
+  const auto codes = row.codes();
+  char* const end = codes.empty() ? nullptr : putMasks(at, codes);
+  if (end != nullptr) return end;
+  for (std::int32_t band = row.LowBand(); band <= row.HighBand(); ++band) {
+    const std::string letters = row.decision(static_cast<std::int16_t>(band)).MaskString();
+    at = std::copy(letters.begin(), letters.end(), at);
+    *at++ = ',';
+  }
+  return at;
+}
+
 /// Written in place: a map is mostly letters, and one append per field would cost more than the
 /// letters.
 void appendRow(std::string& text, std::int16_t record, AQ_MaskRow& row) {
-  const auto codes = row.fetchedCodes();
   const std::size_t begin = text.size();
   const auto bands = static_cast<std::size_t>(std::max(row.HighBand() - row.LowBand() + 1, 0));
   text.resize(begin + 2 * kIntegerSize + maskBytes(bands));
   char* at = putNumber(text.data() + begin, record);
   *at++ = ',';
-  at = putMasks(at, codes);
-  for (std::int32_t band = row.LowBand(); codes.empty() && band <= row.HighBand(); ++band) {
-    const std::string letters = row.decision(static_cast<std::int16_t>(band)).MaskString();
-    at = std::copy(letters.begin(), letters.end(), at);
-    *at++ = ',';
-  }
-  at = putNumber(at, row.LGB());
+  at = putNumber(putDecisions(at, row), row.LGB());
   text.resize(static_cast<std::size_t>(at - text.data()));
   text += platform::lineEnd;
 }

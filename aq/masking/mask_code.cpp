@@ -1,5 +1,7 @@
 #include "aq/masking/mask_code.h"
 
+#include <array>
+#include <bit>
 #include <cstddef>
 #include <cstring>
 #include <string_view>
@@ -47,21 +49,33 @@ constexpr std::array<char, kColumn> columnOf(std::size_t code) {
           kMaskAdjustments[pair % kMaskAdjustments.size()], ','};
 }
 
-/// The two columns of each pair of codes, in a word that is copied at once; the next pair
-/// overwrites the excess bytes.
-using TwoColumns = std::array<char, 8>;
+/// The two columns of a pair of codes, in a word that is written at once; the next pair overwrites
+/// the two excess bytes. One of these marks a pair with `kNoMaskCode`.
+using TwoColumns = std::uint64_t;
+constexpr TwoColumns kMissing = std::bit_cast<TwoColumns>(std::array<char, 8>{0, 0, 0, 0, 0, 0, 1});
+
+/// Indexed by two codes, read as one number from memory.
 constexpr auto kTwoColumns = [] {
-  std::array<TwoColumns, kCodes * kCodes> pairs{};
-  for (std::size_t pair = 0; pair < pairs.size(); ++pair) {
-    const auto first = columnOf(pair / kCodes);
-    const auto second = columnOf(pair % kCodes);
-    pairs[pair] = {first[0], first[1], first[2], second[0], second[1], second[2]};
+  std::array<TwoColumns, kCodes << 8> table{};
+  for (MaskCode first = 0; first < kCodes; ++first) {
+    for (MaskCode second = 0; second < kCodes; ++second) {
+      const auto one = columnOf(first);
+      const auto two = columnOf(second);
+      const char missing = first == kNoMaskCode || second == kNoMaskCode ? 1 : 0;
+      const std::array columns = {one[0], one[1], one[2], two[0], two[1], two[2], missing, '\0'};
+      table[std::bit_cast<std::uint16_t>(std::array{first, second})] =
+          std::bit_cast<TwoColumns>(columns);
+    }
   }
-  return pairs;
+  return table;
 }();
 
-void putTwo(char* at, MaskCode first, MaskCode second) {
-  std::memcpy(at, kTwoColumns[first * kCodes + second].data(), sizeof(TwoColumns));
+TwoColumns putTwo(char* at, const MaskCode* codes) {
+  std::uint16_t both = 0;
+  std::memcpy(&both, codes, sizeof both);
+  const TwoColumns columns = kTwoColumns[both];
+  std::memcpy(at, &columns, sizeof columns);
+  return columns;
 }
 
 }  // namespace
@@ -105,13 +119,16 @@ FieldsTaken masksAtFront(std::string_view text, std::span<MaskCode> codes) {
 }
 
 char* putMasks(char* at, std::span<const MaskCode> codes) {
+  TwoColumns put = 0;
   std::size_t next = 0;
-  for (; codes.size() - next >= 2; next += 2, at += 2 * kColumn) {
-    putTwo(at, codes[next], codes[next + 1]);
+  for (; codes.size() - next >= 4; next += 4, at += 4 * kColumn) {  // faster than two by two
+    put |= putTwo(at, &codes[next]) | putTwo(at + 2 * kColumn, &codes[next + 2]);
   }
-  if (next == codes.size()) return at;
-  putTwo(at, codes[next], kNoMaskCode);
-  return at + kColumn;
+  for (; next < codes.size(); ++next, at += kColumn) {
+    const std::array<MaskCode, 2> last = {codes[next], kDefaultMaskCode};
+    put |= putTwo(at, last.data());
+  }
+  return (put & kMissing) == 0 ? at : nullptr;
 }
 
 }  // namespace aq

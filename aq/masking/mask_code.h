@@ -33,7 +33,7 @@ inline constexpr MaskCode kDefaultMaskCode = 1;
 constexpr std::size_t maskBytes(std::size_t masks) { return 3 * masks + 5; }
 
 /// Writes the letters of each code, each followed by ",", into at least `maskBytes` bytes, and
-/// returns their end. None of the codes may be `kNoMaskCode`.
+/// returns their end; `nullptr` if one of the codes is `kNoMaskCode`.
 [[nodiscard]] AQ_API char* putMasks(char* at, std::span<const MaskCode> codes);
 
 }  // namespace aq

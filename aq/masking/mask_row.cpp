@@ -1,7 +1,5 @@
 #include "aq/masking/mask_row.h"
 
-#include <algorithm>
-#include <cstring>
 #include <utility>
 
 namespace aq {
@@ -58,15 +56,6 @@ void AQ_MaskRow::assign(std::int16_t low, std::span<const MaskCode> codes) {
   codes_.assign(low, codes);
   objects_.reset();
   bands_.widen(low, codes.size());
-}
-
-std::span<const MaskCode> AQ_MaskRow::fetchedCodes() {
-  const std::span<MaskCode> codes = codes_.all();
-  if (objects_ || !bands_.holds(codes.size())) return {};
-  if (std::memchr(codes.data(), kNoMaskCode, codes.size()) != nullptr) {
-    std::replace(codes.begin(), codes.end(), kNoMaskCode, kDefaultMaskCode);
-  }
-  return codes;
 }
 
 /// The code of a band; if it had none, it gets that of a default mask.

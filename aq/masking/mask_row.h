@@ -63,9 +63,11 @@ class AQ_API AQ_MaskRow {
   /// Replaces all masks with those of `codes`, for consecutive bands from `low` up.
   void assign(std::int16_t low, std::span<const MaskCode> codes);
 
-  /// The codes of the masks from `LowBand` to `HighBand`; like the getter, creates those that are
-  /// missing. Empty if a mask has no code or its object was handed out.
-  [[nodiscard]] std::span<const MaskCode> fetchedCodes();
+  /// The codes of the masks from `LowBand` to `HighBand`, `kNoMaskCode` where a band has no mask.
+  /// Empty if a mask has no code or its object was handed out.
+  [[nodiscard]] std::span<const MaskCode> codes() const {
+    return objects_ || !bands_.holds(codes_.size()) ? std::span<const MaskCode>() : codes_.all();
+  }
 
  private:
   friend NumberWalk<AQ_MaskRow>;
