@@ -74,7 +74,7 @@ void checking(const Reporter& reporter, const Check& check) {
   }
 }
 
-/// Reports an unknown word, which is read as the first one of its enumeration.
+/// Reports an unknown word, which is read as the first word of its enumeration.
 void checkParameterWord(const HeaderLine& line, const Reporter& report) {
   const bool averaging = line.keyword == keywords::kNuAvg;
   if (!averaging && line.keyword != keywords::kNuTimg) return;
@@ -102,7 +102,7 @@ void checkParameters(const AQ_DataINI& file, const Reporter& report) {
     contradicts("the last record, " + std::to_string(file.HiRec()) + ", is before the first, " +
                 std::to_string(file.LoRec()));
   }
-  if (file.PrWndo() < 0 || file.PoWndo() < 0) contradicts("a window is shorter than 0 s");
+  if (file.PrWndo() < 0 || file.PoWndo() < 0) contradicts("a window has a negative length");
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 namespace aq {
 namespace {
 
-/// Reports letters without a meaning, which are lost when read.
+/// Reports letters that have no meaning, which reading drops.
 void checkLetters(const std::string& path, const HeaderCheck& header, const Reporter& report) {
   const auto [low, high] = header.integersOf(keywords::kBands);
   LineReader lines(path);
@@ -59,7 +59,7 @@ void compareRecords(const AQ_SpectralTimeHistory& history, const AQ_MaskMap& map
     if (!spectrum->Encompasses(*row)) {
       report(Kind::MapMisfit, place,
              "the map's bands " + std::to_string(row->LowBand()) + " to " +
-                 std::to_string(row->HighBand()) + " are not all in the history's " +
+                 std::to_string(row->HighBand()) + " are not all among the history's " +
                  std::to_string(spectrum->LowBand()) + " to " +
                  std::to_string(spectrum->HighBand()));
     }

@@ -106,15 +106,15 @@ class SourcePath {
     return times_.size() > 1 && std::is_sorted(times_.begin(), times_.end());
   }
 
-  /// Whether the path covers that time, with a tenth of a second to spare.
+  /// Whether the path covers a time, give or take a tenth of a second.
   [[nodiscard]] bool covers(double time) const {
     constexpr double kBeyond = 0.1;
     time = near(time);
     return time >= times_.front() - kBeyond && time <= times_.back() + kBeyond;
   }
 
-  /// Whether the source was near `at` at that time, allowing for times in tenths of a second and
-  /// for straight lines between positions.
+  /// Whether the source was near the position `at` at a time, allowing for times in tenths of a
+  /// second and for straight lines between positions.
   [[nodiscard]] bool passes(double time, const AQ_Position& at) const {
     if (!covers(time)) return false;
     time = near(time);

@@ -46,8 +46,8 @@ void checkLevels(const AQ_Spectrum& spectrum, std::int16_t low, FindingPlace pla
   }
 }
 
-/// The levels from `LowBand` up; 9999 for a band without a level. Fixed columns can have such bands
-/// between others.
+/// The levels from `LowBand` up; 9999 for a band without a level. Fixed-column files can have such
+/// bands between others.
 std::vector<double> levelsOf(const AQ_Spectrum& spectrum) {
   const std::int32_t low = spectrum.LowBand();
   std::vector<double> levels;
@@ -72,7 +72,7 @@ void checkRange(const HeaderCheck& header, const RecordLines& records, const Rep
 template <class Records>
 void checkRelativeTimes(const Records& records, AQ_SpectralTimeHistory& history,
                         const std::set<std::int32_t>& offInTime, const Reporter& report) {
-  constexpr double kTolerance = 0.0201;  // the time of day is in hundredths, single precision
+  constexpr double kTolerance = 0.0201;  // the time of day is in hundredths and single precision
   const double reference = history.ReferenceTime()->TODseconds();
   FindingPlace place;
   std::size_t wrong = 0;
@@ -106,7 +106,7 @@ double shiftOf(AQ_TimeStampType type) {
 /// The start time is that of record 1, or of the lowest record in the file.
 void checkStartTime(const HeaderCheck& header, const RecordLines& records,
                     AQ_SpectralTimeHistory& history, const Reporter& report) {
-  constexpr double kTolerance = 0.0201;  // both times are in hundredths, and single precision
+  constexpr double kTolerance = 0.0201;  // both times are in hundredths and single precision
   const auto low = static_cast<std::int16_t>(records.low());
   const double stamp = history.spectrum(low)->timeValue().TODseconds();
   const double expected = history.startTime()->TODseconds() + shiftOf(history.TimeStampType());
@@ -207,7 +207,7 @@ Digest checkAllLevels(const Records& records, const AQ_SpectralTimeHistory& hist
   return digest;
 }
 
-/// The records of fixed columns: their reader requires all of them, in order.
+/// The records of a fixed-column history, whose reader requires all of them, in order.
 struct FixedRecords {
   std::int16_t first;
   std::int16_t last;

@@ -20,7 +20,7 @@ class DecimalCommas {
   /// ambiguous.
   [[nodiscard]] std::optional<std::string> mended(const std::string& line);
 
-  /// Whether a line had decimal commas.
+  /// Whether any line had decimal commas.
   [[nodiscard]] bool any() const { return any_; }
 
  private:

@@ -33,7 +33,7 @@ class Decimals {
   std::size_t count_ = 0;
 };
 
-/// A number of decimals with the noun, as in "1 decimal".
+/// A count of decimals in words, such as "1 decimal".
 std::string decimalsText(std::size_t count);
 
 }  // namespace aq

@@ -16,8 +16,8 @@
 
 namespace aq {
 
-/// Reports the first non-empty field after the fields of a value that are read: the digits after a
-/// decimal comma, or text that is lost.
+/// Reports the first non-empty field after those that are read: the digits after a decimal comma,
+/// or text that is lost.
 void checkFieldsBehind(const HeaderLine& line, const Reporter& report);
 
 /// Reports a word of the header that is read as another one.
@@ -68,7 +68,7 @@ class HeaderCheck {
   /// The value of a keyword; empty if the header has none.
   [[nodiscard]] std::string_view valueOf(std::string_view keyword) const;
 
-  /// The two integers of a keyword, which the header must have.
+  /// The two integers of a keyword that the header must have.
   [[nodiscard]] std::pair<std::int16_t, std::int16_t> integersOf(std::string_view keyword) const;
 
   /// Compares the count that a keyword gives with the actual number.
@@ -80,10 +80,10 @@ class HeaderCheck {
   /// Reports an unknown word for the reference time type, which readers ignore.
   void expectReferenceType() const;
 
-  /// Compares the headings with those of the columns by position, ignoring case.
+  /// Compares the file's headings with `headings` one by one, ignoring case.
   void expectHeadings(std::string_view headings) const;
 
-  /// Compares the headings, starting at field `first`, with the labels of the bands followed by
+  /// Compares the headings from field `first` on with the labels of the bands followed by
   /// `after`.
   void expectLabels(std::size_t first, std::int16_t low, std::int16_t high,
                     std::string_view after = {}) const;

@@ -8,7 +8,7 @@
 namespace aq {
 namespace {
 
-constexpr const char* kNoEnd = "the last line has no line end, so the file may be cut off";
+constexpr const char* kNoEnd = "the last line has no line ending, so the file may be cut off";
 
 /// `line` without trailing empty fields.
 std::string_view withoutEmptyEnd(std::string_view line) {

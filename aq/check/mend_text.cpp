@@ -37,7 +37,7 @@ std::optional<std::string> fromUtf16(std::string_view bytes) {
   std::string text;
   for (std::size_t at = mark ? 2 : 0; at < bytes.size(); at += 2) {
     std::uint32_t code = unit(at);
-    if (code >= 0xD800 && code < 0xE000) {  // half of a character
+    if (code >= 0xD800 && code < 0xE000) {  // half of a surrogate pair
       at += 2;
       const std::uint32_t low = at < bytes.size() ? unit(at) : 0;
       if (code >= 0xDC00 || low < 0xDC00 || low >= 0xE000) return std::nullopt;
@@ -66,7 +66,8 @@ class TextMender {
     mendReturns();
     mendLines();
     if (!faultAtStart()) return std::move(mended_);
-    // Quotes or a byte order mark hid a mark of UTF-16 or compression. No program writes such text.
+    // Without its quotes or byte order mark, the text begins like UTF-16 or a compressed file,
+    // which no program writes.
     mended_.text = bytes_;
     mended_.done.resize(doneBefore_);
     mended_.left.clear();
@@ -165,7 +166,7 @@ class TextMender {
     return lines_.front().find(kKeywordMark) != std::string::npos;
   }
 
-  /// Spreadsheets separate fields by semicolons in countries with decimal commas, or by tabs.
+  /// Spreadsheets separate fields with semicolons in countries with decimal commas, or with tabs.
   void mendSeparators() {
     const std::size_t mark = lines_.front().find(kKeywordMark);
     if (mark == std::string::npos) return;

@@ -18,8 +18,8 @@ struct PathPlace {
   std::optional<std::int32_t> record = {};
 };
 
-/// Reports positions that are far from the line between their neighbours if nearly all others are
-/// near theirs: one finding per run.
+/// Reports positions much farther than most from the line between their neighbours: one finding per
+/// run.
 void checkJumps(const std::vector<PathPlace>& path, const Reporter& report);
 
 /// Reports gaps between positions that are much longer than usual.

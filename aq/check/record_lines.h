@@ -36,8 +36,8 @@ class RecordLines {
     return lines_.first() + static_cast<std::int32_t>(lines_.size()) - 1;
   }
 
-  /// Calls `visit(record, line)` for every record, in ascending order; for a record in several
-  /// lines, with the last one.
+  /// Calls `visit(record, line)` for every record, in ascending order; if a record appears in
+  /// several lines, `line` is the last of them.
   template <class Visit>
   void forEach(const Visit& visit) const {
     const std::size_t* line = lines_.all().data();
@@ -58,7 +58,7 @@ class RecordLines {
   std::int32_t before_ = 0;    // the record number in the previous line
 };
 
-/// Seconds as text, with the digits that times of day in single precision hold.
+/// Seconds as text, with as many decimals as a time of day in single precision holds.
 inline std::string secondsText(double seconds) {
   return numberText(std::round(seconds * 1e3) / 1e3) + " s";
 }

@@ -88,7 +88,7 @@ class Reporter {
  private:
   const FindingSink& sink_;
   std::string head_;
-  // Checks receive a const reporter.
+  // Mutable because checks receive a const reporter.
   mutable std::vector<Finding> findings_;
   mutable std::optional<std::uint64_t> levels_;
 };

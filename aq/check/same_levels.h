@@ -11,7 +11,7 @@
 
 namespace aq {
 
-/// Finds measurements of an archive that have the same levels: a copy under another name, or a file
+/// Finds measurements in an archive that have the same levels: a copy under another name, or a file
 /// stored in place of another. Not thread-safe.
 class AQ_API SameLevels {
  public:

@@ -19,9 +19,9 @@ struct Packed {
 
 constexpr Packed kPacked[] = {
     {"\x1F\x8B", "the file is compressed with gzip; gunzip unpacks it"},
-    {"BZh", "the file is compressed by bzip2; bunzip2 unpacks it"},
-    {"\xFD\x37zXZ", "the file is compressed by xz; unxz unpacks it"},
-    {"\x28\xB5\x2F\xFD", "the file is compressed by zstd; unzstd unpacks it"},
+    {"BZh", "the file is compressed with bzip2; bunzip2 unpacks it"},
+    {"\xFD\x37zXZ", "the file is compressed with xz; unxz unpacks it"},
+    {"\x28\xB5\x2F\xFD", "the file is compressed with zstd; unzstd unpacks it"},
     {"PK\x03\x04",
      "the file is a zip archive or a spreadsheet's workbook; unpack it or save it as text"},
     {"\xD0\xCF\x11\xE0", "the file is a spreadsheet's workbook; save it as text with commas"}};
@@ -99,9 +99,10 @@ std::optional<TextFault> faultOfLines(std::string_view head) {
   }
   const std::string_view after = first.substr(mark + kKeywordMark.size());
   if (!after.starts_with(';') && !after.starts_with('\t')) return dividedLine(head);
-  return TextFault{Kind::Spreadsheet,
-                   "a spreadsheet has separated fields by semicolons or tabs; save it with commas, "
-                   "and with decimal points"};
+  return TextFault{
+      Kind::Spreadsheet,
+      "a spreadsheet has separated fields with semicolons or tabs; save it with commas, "
+      "and with decimal points"};
 }
 
 bool isDecimalComma(std::string_view text) {

@@ -14,8 +14,8 @@
 
 namespace aq {
 
-/// An ordered list of values, counted from 1, whose entries may have a text key. Lookup by key
-/// takes constant time; keys are compared byte by byte. Copying a collection copies its values.
+/// An ordered list of values, numbered from 1; each may have a text key. Lookup by key takes
+/// constant time; keys are compared byte by byte. Copying a collection copies its values.
 template <class T>
 class Collection {
  public:
@@ -31,7 +31,7 @@ class Collection {
     slots_.append(std::forward<Arguments>(arguments)...);
   }
 
-  /// Throws `InvalidArgument`, and adds nothing, when the key already exists.
+  /// Throws `InvalidArgument`, and adds nothing, if the key already exists.
   void Add(T value, std::string_view key) {
     slots_.reserveNext();
     if (!keys_.orCreate().emplace(key, slots_.slots()).second) {
@@ -40,7 +40,7 @@ class Collection {
     slots_.append(std::move(value));
   }
 
-  /// The entry at an index from 1 to `Count()`. Throws `InvalidIndex` for any other index.
+  /// The entry at `place`, from 1 to `Count()`. Throws `InvalidIndex` outside that range.
   [[nodiscard]] T& Item(std::int32_t place) { return slots_.at(slots_.slotOf(place)); }
   [[nodiscard]] const T& Item(std::int32_t place) const { return slots_.at(slots_.slotOf(place)); }
 

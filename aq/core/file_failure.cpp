@@ -9,7 +9,7 @@
 namespace aq {
 namespace {
 
-/// A refusal by the operating system, worded as its own tools would word it.
+/// A refusal by the operating system, worded as the system's own tools would word it.
 struct Refusal {
   std::string_view expected;
   std::string_view before;      // text before the file's name

@@ -8,7 +8,8 @@
 
 namespace aq {
 
-/// Supplies the names and dates of files that writers record. A host may install its own.
+/// A service that supplies the names and dates of files that writers record. A host may install its
+/// own.
 class AQ_API FileInformation {
  public:
   FileInformation() = default;
@@ -26,15 +27,15 @@ class AQ_API FileInformation {
   /// The current date and time, as `mm/dd/yyyy,hh:mm:ss`.
   virtual std::string currentDateTime() = 0;
 
-  /// The date to write for the file from which another was made. `recorded` is the date that the
-  /// header has for it, in the same form. The default calls `fileDateTime`: hosts rely on it.
+  /// The date to write for a source file, from which another was made. `recorded` is the date that
+  /// the header has for it, in the same form. The default calls `fileDateTime`: hosts rely on it.
   virtual std::string sourceDateTime(const std::string& path, const std::string& recorded);
 };
 
 /// The service in use. Safe to call from any thread.
 [[nodiscard]] AQ_API std::shared_ptr<FileInformation> fileInformation();
 
-/// `CurrentDate` 0 and midnight as text; in a header it means that the date is unknown.
+/// `CurrentDate` 0 at midnight, as text; in a header, an unknown date.
 inline constexpr std::string_view kNoDateTime = "12/30/1899,00:00:00";
 
 /// A service like the one in use, except that it keeps the dates that a header has for source

@@ -82,7 +82,7 @@ class OutputFile {
     }
   }
 
-  /// Waits until the bytes are on the disk, if there is one.
+  /// Waits until the bytes are on the disk, if the file is on one.
   void flush() const {
     if (uninterrupted([&] { return ::fsync(handle_); }) == 0) return;
     if (errno != EINVAL && errno != ENOTSUP) failBy(kWrite, errno);
@@ -152,8 +152,8 @@ bool namesOpenFile(const std::string& path) {
   return process == "self" || isNumber(process);
 }
 
-/// A duplicate of the handle that the name of an open file refers to, if this process has the file
-/// open for writing: writes continue at its position. -1 for anything else.
+/// A duplicate of the handle that `path` names, if this process has it open for writing: writes
+/// continue at its position. -1 for anything else.
 int ownHandle(const std::string& path) {
   const bool own = path.starts_with("/proc/self/") || path.starts_with("/dev/");
   if (!own || !namesOpenFile(path)) return -1;
@@ -363,7 +363,7 @@ class Process {
     static_cast<void>(status());
   }
 
-  /// Waits for the end of the process and returns its status.
+  /// Waits for the process to end and returns its status.
   int status() {
     int status = 0;
     const pid_t ended = uninterrupted([&] { return ::waitpid(number_, &status, 0); });
@@ -396,7 +396,7 @@ void replaceFile(const std::string& path, std::string_view bytes) {
   const auto old = statusOf(path);
   const std::string entry = entryOf(path);
   if ((old && !S_ISREG(old->st_mode)) || namesOpenFile(entry)) return writeStraight(entry, bytes);
-  if (old) static_cast<void>(OutputFile(path, 0));  // refuses a file without write permission
+  if (old) static_cast<void>(OutputFile(path, 0));  // throws without write permission
   const std::string folder = folderOf(entry);
   // Nobody else may read the file until it has the permissions of the old one.
   Temporary temporary(folder, old ? kOwnFile : kNewFile,
@@ -410,13 +410,13 @@ void replaceFile(const std::string& path, std::string_view bytes) {
 }
 
 void appendToFile(const std::string& path, std::string_view bytes) {
-  constexpr int kMostTimes = 100;  // some file systems give a file a new number on each request
+  constexpr int kMostTimes = 100;  // some file systems give a file a new inode number on each call
   for (int times = 1;; ++times) {
     const int own = ownHandle(entryOf(path));
     const OutputFile file = own >= 0 ? OutputFile(own) : OutputFile(path, O_CREAT | O_APPEND);
     file.lock();
     const struct stat before = file.status();
-    // Another file may have taken the name while this one waited for the lock.
+    // Another file may have taken the name while this call waited for the lock.
     if (own < 0 && times < kMostTimes && !sameFile(statusOf(path), before)) continue;
     return appendTo(file, path, before, bytes);
   }
@@ -424,7 +424,7 @@ void appendToFile(const std::string& path, std::string_view bytes) {
 
 void preferLargePages([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t size) {
 #ifdef MADV_HUGEPAGE
-  ::madvise(memory, size, MADV_HUGEPAGE);  // a refusal changes nothing
+  ::madvise(memory, size, MADV_HUGEPAGE);  // failure is harmless
 #endif
 }
 

@@ -74,7 +74,7 @@ AQ_API void preferLargePages(void* memory, std::size_t size);
 [[nodiscard]] AQ_API std::vector<std::string> filesIn(const std::string& folder);
 
 /// Runs a program without a shell and returns its standard output; it has no input. Throws
-/// `SystemError` when it cannot be started or ends with a status other than 0.
+/// `SystemError` if it cannot be started or exits with a status other than 0.
 [[nodiscard]] AQ_API std::string outputOf(const std::string& program,
                                           const std::vector<std::string>& arguments);
 
@@ -91,7 +91,8 @@ AQ_API void preferLargePages(void* memory, std::size_t size);
 /// `path` without its folders.
 [[nodiscard]] AQ_API std::string fileName(const std::string& path);
 
-/// The local time at `at` seconds since 1970; nothing outside the years 1 to 9999.
+/// The local time at `at` seconds since 1970; nothing outside the years 1 (on
+/// Windows, 1601) to 9999.
 [[nodiscard]] AQ_API std::optional<std::tm> localTime(std::int64_t at);
 
 }  // namespace aq::platform

@@ -97,7 +97,7 @@ std::wstring wide(const std::string& text, const char* wanted) {
   return characters;
 }
 
-/// Whether `path` is in the system's own form, which it does not interpret: \\?\ or \\.\.
+/// Whether `path` is in the system's own form, \\?\ or \\.\, which the system does not interpret.
 bool isRaw(std::wstring_view path) {
   return path.starts_with(L"\\\\?\\") || path.starts_with(L"\\\\.\\");
 }
@@ -133,12 +133,12 @@ void checkNames(std::wstring_view path, const char* wanted) {
     }
     if (isDevice(name)) {
       throw SystemError(wanted,
-                        '"' + utf8(name) + "\" is a name that the system keeps for a device");
+                        '"' + utf8(name) + "\" is a name that the system reserves for a device");
     }
   }
 }
 
-/// A path for the system: absolute, and in its own form if it is longer than usual.
+/// The absolute path, in the system's own form if it is long.
 std::wstring systemPath(std::wstring path, const char* wanted) {
   constexpr std::size_t kMostUsual =
       200;  // leaves room for the name of a temporary file next to it
@@ -152,7 +152,7 @@ std::wstring systemPath(std::wstring path, const char* wanted) {
   return full.starts_with(L"\\\\") ? L"\\\\?\\UNC" + full.substr(1) : L"\\\\?\\" + full;
 }
 
-/// `path` for the system. A device is named by its bare name, or in the system's own form.
+/// Converts `path` for the system. Only a bare name or the system's own form can name a device.
 std::wstring pathOf(const std::string& path, const char* wanted) {
   std::wstring name = wide(path, wanted);
   const bool bareDevice = name.find_first_of(L"./\\: ") == name.npos && isDevice(name);
@@ -222,8 +222,8 @@ Handle open(const std::wstring& path, const Opening& how, const char* wanted) {
   return handle;
 }
 
-/// A duplicate of the handle of the program's own stream that `path` names in the form of other
-/// systems, such as /dev/stdout; null for any other path.
+/// A duplicate of the handle of the standard stream that `path` names as on other systems, such as
+/// /dev/stdout; null for any other path.
 Handle standardStream(const std::string& path) {
   DWORD stream = 0;
   if (path == "/dev/stdin") stream = STD_INPUT_HANDLE;
@@ -240,7 +240,7 @@ Handle standardStream(const std::string& path) {
 }
 
 void write(const Handle& file, std::string_view bytes) {
-  constexpr std::size_t kMost = std::size_t{16} * 1024 * 1024;  // network drives refuse more
+  constexpr std::size_t kMost = std::size_t{16} * 1024 * 1024;  // the limit of network drives
   while (!bytes.empty()) {
     const auto size = static_cast<DWORD>(std::min(bytes.size(), kMost));
     DWORD written = 0;
@@ -249,7 +249,7 @@ void write(const Handle& file, std::string_view bytes) {
   }
 }
 
-/// Waits until the bytes are on the disk, if there is one.
+/// Waits until the bytes are on the disk, if the file is on one.
 void flush(const Handle& file) {
   if (::FlushFileBuffers(file.get()) != 0) return;
   const DWORD error = ::GetLastError();
@@ -431,8 +431,8 @@ void appendTo(const Handle& file, std::string_view bytes) {
   }
 }
 
-/// Appends an argument, quoted in the way that started programs parse; without quotes if it needs
-/// none, since old programs do not remove quotes.
+/// Appends an argument, quoted in the way that programs parse; without quotes if it needs none,
+/// since old programs do not remove quotes.
 void appendArgument(std::wstring& line, std::wstring_view argument) {
   if (!line.empty()) line += L' ';
   if (!argument.empty() && argument.find_first_of(L" \t\"") == argument.npos) {
@@ -450,7 +450,7 @@ void appendArgument(std::wstring& line, std::wstring_view argument) {
   line += L'"';
 }
 
-/// The handles that a started process inherits, and no others.
+/// The only handles that a started process inherits.
 class Inherited {
  public:
   explicit Inherited(std::array<HANDLE, 2>& handles) {
@@ -575,7 +575,7 @@ void replaceFile(const std::string& path, std::string_view bytes) {
 
 void appendToFile(const std::string& path, std::string_view bytes) {
   if (const Handle stream = standardStream(path)) return write(stream, bytes);
-  // No other process can replace or delete the file while this one waits.
+  // No other process can replace or delete the file while this one waits for the lock.
   const Handle file = open(pathOf(path, kWrite),
                            {.access = GENERIC_WRITE,
                             .sharing = FILE_SHARE_READ | FILE_SHARE_WRITE,
@@ -585,7 +585,7 @@ void appendToFile(const std::string& path, std::string_view bytes) {
   appendTo(file, bytes);
 }
 
-void preferLargePages(void*, std::size_t) {}  // large pages would need a privilege
+void preferLargePages(void*, std::size_t) {}  // large pages need a privilege
 
 std::vector<std::string> filesIn(const std::string& folder) {
   if (folder.empty()) failBy(kReadFolder, ERROR_PATH_NOT_FOUND);

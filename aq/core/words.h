@@ -7,7 +7,7 @@
 
 namespace aq {
 
-// The words for members of enumerations in files and settings. Averaging methods: "LINEAR",
+// The words that files and settings use for members of enumerations. Averaging methods: "LINEAR",
 // "TRUSLO", "4S100", "4S95", "CONTEXPO", "NA". Time stamps: "START", "MIDPT", "END", "ICAOSLO",
 // "OLDSLO". Reference times: "START", "OVERHEAD", "AMAX", "PMAX", "TMAX", "OAMAX", "HACK", "OTHER".
 

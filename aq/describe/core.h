@@ -67,7 +67,7 @@ struct Description<Collection<T>> {
   static constexpr char name[] = "Collection";
   static constexpr int number = 2;
   static constexpr char text[] =
-      "An ordered list of values, counted from 1, whose entries may have a text key";
+      "An ordered list of values, numbered from 1; each may have a text key";
   template <class To>
   static void members(To& to) {
     using L = Collection<T>;
@@ -76,11 +76,11 @@ struct Description<Collection<T>> {
               optionally("key", "The key of the new entry"))
         .keyed("Item", static_cast<const T& (L::*)(std::int32_t) const>(&L::Item),
                static_cast<const T& (L::*)(std::string_view) const>(&L::Item),
-               "The entry at an index from 1 to Count, or with a key; raises if there is none")
+               "The entry with this index, from 1 to Count, or this key; raises if there is none")
         .property("Count", &L::Count, "The number of entries", kRecords)
         .keyed("Remove", static_cast<void (L::*)(std::int32_t)>(&L::Remove),
                static_cast<void (L::*)(std::string_view)>(&L::Remove),
-               "Removes the entry at an index or with a key; raises if there is none")
+               "Removes the entry with this index or key; raises if there is none")
         .method("contains", &L::contains, "Whether there is an entry with this key",
                 in("key", "The key"));
   }

@@ -82,7 +82,7 @@ constexpr Told<Parts...> about(std::string_view text, Parts... parts) {
   return all;
 }
 
-/// As in "dB", "s, from 0", "band, 2 to 50"; empty if there is no unit.
+/// Text such as "dB", "s, from 0", "band, 2 to 50"; empty if there is no unit.
 [[nodiscard]] inline std::string quantityText(const Quantity& quantity) {
   constexpr double kNoEnd = std::numeric_limits<double>::infinity();
   std::string text(quantity.unit);
@@ -108,7 +108,7 @@ struct Property {
   About about;
 };
 
-/// The value of other properties in another form.
+/// A property that gives other properties' values in another form.
 template <class Get, class Set>
 struct Form : Property<Get, Set> {};
 

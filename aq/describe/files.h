@@ -14,7 +14,7 @@
 #include "aq/geometry/data_tspi.h"
 #include "aq/masking/data_mask.h"
 
-// The file classes. Their calls take the name of a file first, then its header and its content.
+// The file classes. Their functions take the file name first, then the header and the content.
 
 namespace aq::describe {
 
@@ -62,7 +62,7 @@ struct Description<AQ_DataSTH> {
   static void members(To& to) {
     using F = AQ_DataSTH;
     to.method("writeFile", &F::writeFile, kWrites, kPath, kHeaderIn,
-              in("aqTimeHistory", "The history, of which records LoRec to HiRec are written"))
+              in("aqTimeHistory", "The history; records LoRec to HiRec are written"))
         .method("readFile", &F::readFile, kReads, kPath, kHeaderOut,
                 in("STH", "Receives a new history"))
         .method("getRawHeader", &F::getRawHeader,
@@ -82,9 +82,10 @@ struct Description<AQ_DataMask> {
   static void members(To& to) {
     using F = AQ_DataMask;
     to.method("writeFile", &F::writeFile, kWrites, kPath, kHeaderIn,
-              in("aqMaskMap", "The map, of which rows 1 to Count are written"))
+              in("aqMaskMap", "The map; rows 1 to Count are written"))
         .method("readFile", &F::readFile, kReads, kPath, kHeaderOut,
-                in("MaskMap", "Receives a new map; after a failure in a row, the rows before it"))
+                in("MaskMap",
+                   "Receives a new map; if a row cannot be read, the map has the rows before it"))
         .lastFailure();
   }
 };
@@ -113,7 +114,8 @@ struct Description<AQ_DataTSPI> {
   template <class To>
   static void members(To& to) {
     using F = AQ_DataTSPI;
-    to.method("readFile", &F::readFile, "Reads a file into a new history, numbered from 1", kPath,
+    to.method("readFile", &F::readFile,
+              "Reads a file into a new history, with positions numbered from 1", kPath,
               in("PTH", "Receives the positions as a new history"), kResult)
         .property("RT20Limit", &F::RT20Limit, &F::RT20Limit,
                   "The highest quality figure to accept; 0 is the best",
@@ -147,7 +149,7 @@ struct Description<AQ_DataGTH> {
   static void members(To& to) {
     using F = AQ_DataGTH;
     to.method("writeFile", &F::writeFile, kWrites, kPath, kHeaderIn,
-              in("aqTimeHistory", "The points, of which 1 to Count are written"), kResult)
+              in("aqTimeHistory", "The history; points 1 to Count are written"), kResult)
         .method("readFile", &F::readFile, kReads, kPath, kHeaderOut,
                 in("GTH", "Receives the points as a new history"), kResult)
         .lastFailure();
@@ -194,13 +196,13 @@ struct Description<AQ_DataSPC> {
                   "Last record to write; 0 means the history's last. Reading a file sets it",
                   kRecord)
         .property("BandLow", &F::BandLow, &F::BandLow,
-                  "Lowest band to write; 0 means that of the records. Reading a file sets it",
+                  "Lowest band to write; 0 means the records' lowest. Reading a file sets it",
                   Quantity{"band", 0, 50})
         .property("BandHigh", &F::BandHigh, &F::BandHigh,
-                  "Highest band to write; 0 means that of the records. Reading a file sets it",
+                  "Highest band to write; 0 means the records' highest. Reading a file sets it",
                   Quantity{"band", 0, 50})
         .method("writeFile", &F::writeFile, kWrites, kPath,
-                in("aqTimeHistory", "The history, of which the chosen part is written"))
+                in("aqTimeHistory", "The history; the chosen part is written"))
         .method("readFile", &F::readFile, kReads, kPath, kHeaderOut,
                 in("STH", "Receives a new history"))
         .lastFailure();
@@ -226,7 +228,7 @@ struct Description<AQ_DataASCII> {
         .method("writeLines", &F::writeLines, "Writes Lines, replacing the file", kPath)
         .method("appendLines", &F::appendLines, "Appends Lines to the file", kPath)
         .setter("Delimiter", &F::Delimiter, "The text between fields, initially a comma",
-                in("text", "The delimiter; an empty one splits nothing"))
+                in("text", "The delimiter; if empty, lines are not split"))
         .setter("CommentFields", &F::CommentFields,
                 "Whether fields may be in double quotes, with delimiters inside",
                 in("quoted", "Whether they may; initially false"))

@@ -37,7 +37,7 @@ std::ptrdiff_t entriesOf(const fs::path& folder) {
 
 TEST(Write, NamesThatTheSystemChangesAreRefused) {
   const test::Folder folder;
-  const std::string device = "\" is a name that the system keeps for a device";
+  const std::string device = "\" is a name that the system reserves for a device";
   const std::string end = "a dot or blank at the end of a name, which the system drops";
   const std::pair<std::string, std::string> rows[] = {{"nul.csv", "\"nul.csv" + device},
                                                       {"Aux", "\"Aux" + device},
