@@ -23,14 +23,14 @@ void check(FileOf<AQ_DataMIC> file, const Reporter& report);
 void check(FileOf<AQ_DataHP3565> file, const Reporter& report);
 void check(FileOf<AQ_DataINI> of, const Reporter& report);
 void check(FileOf<AQ_DataSPC> of, const Reporter& report);
-/// Returns the map as far as it was read.
+/// Returns the map; empty if it cannot be read.
 Content<AQ_HeaderMask, AQ_MaskMap> check(FileOf<AQ_DataMask> file, const Reporter& report);
 
-/// Returns the positions as far as they were read.
+/// Returns the positions; empty if they cannot be used.
 Content<AQ_HeaderPTH, AQ_PositionTimeHistory> check(FileOf<AQ_DataPTH> file,
                                                     const Reporter& report);
 
-/// Returns the geometry as far as it was read.
+/// Returns the geometry; empty if it cannot be used.
 Content<AQ_HeaderGTH, AQ_GeometryTimeHistory> check(FileOf<AQ_DataGTH> file,
                                                     const Reporter& report);
 

@@ -91,8 +91,8 @@ AQ_API void preferLargePages(void* memory, std::size_t size);
 /// `path` without its folders.
 [[nodiscard]] AQ_API std::string fileName(const std::string& path);
 
-/// The local time at `at` seconds since 1970; nothing outside the years 1 (on
-/// Windows, 1601) to 9999.
+/// The local time at `at` seconds since 1970; nothing outside the years 1 (on Windows, 1601)
+/// to 9999.
 [[nodiscard]] AQ_API std::optional<std::tm> localTime(std::int64_t at);
 
 }  // namespace aq::platform
