@@ -269,7 +269,7 @@ struct Description<AQ_DataINI> {
         .property("HiRec", &F::HiRec, &F::HiRec, "Last record of the analysis; 0 is not written",
                   kRecord, Key{"high_record"})
         .property("FileName", &F::FileName, &F::FileName,
-                  "The file's name, written as the file information service gives it", FileName{},
+                  "The file's name, written as the file information service names it", FileName{},
                   Key{"file_name"})
         .property("FileDate", &F::FileDate, "The date and time of the file read last",
                   Key{"file_date"})

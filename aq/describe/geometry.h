@@ -34,18 +34,18 @@ struct Description<AQ_PositionTimeHistory> {
   static constexpr char name[] = "AQ_PositionTimeHistory";
   static constexpr int number = 32;
   static constexpr char text[] =
-      "The ordered series of a source's positions. They are shared, not copied";
+      "The ordered series of a source's positions. Positions are shared, not copied";
   template <class To>
   static void members(To& to) {
     using H = AQ_PositionTimeHistory;
     to.method("Copy", &H::Copy,
               "A deep copy, numbered from 1; raises if there are more than 32767 samples")
         .indexed("Position", &H::Position, &H::Position,
-                 in("nRecord", "Reading: the index; storing: the record number", kPlace),
+                 in("nRecord", "The index when reading, the record number when storing", kPlace),
                  "The sample at a 1-based index; reading raises if it is missing. Storing takes a "
                  "record number instead of an index")
         .method("PositionAt", &H::PositionAt,
-                "The stored sample nearest in time of day; no object if no two samples enclose "
+                "The stored sample nearest to a time of day; no object unless two samples enclose "
                 "that time. Raises if there are more than 32767 samples",
                 in("aqTime", "The time of day"))
         .method("GoodTime", &H::GoodTime,
@@ -90,12 +90,12 @@ struct Description<AQ_Geometry> {
                "Angle from the direction of flight to the line to the microphone; 0 is ahead",
                Quantity{"degree", 0, 180})
         .field("BETAe", &G::BETAe,
-               "Angle of the line to the microphone about the direction of flight, from straight "
-               "down; positive to the left",
+               "Angle about the direction of flight, from straight down to the line to the "
+               "microphone; positive to the left",
                Quantity{"degree", -180, 180})
         .field("Tprope", &G::Tprope, "Propagation time from emission to measurement", kSeconds)
         .field("debugTime", &G::debugTime,
-               "Free for diagnostics; written, but neither read back nor copied", kSeconds)
+               "Free for diagnostics; written to files, but neither read back nor copied", kSeconds)
         .method("Copy", &G::Copy, "A deep copy, without debugTime")
         .property("Pe", &G::Pe, &G::Pe, "The source's position at emission")
         .property("Te", &G::Te, &G::Te, "The time of emission")
@@ -108,8 +108,8 @@ struct Description<AQ_GeometryTimeHistory> {
   static constexpr char name[] = "AQ_GeometryTimeHistory";
   static constexpr int number = 35;
   static constexpr char text[] =
-      "The emission geometry of the records of a measurement, by record number. Points are shared, "
-      "not copied";
+      "The emission geometry of a measurement's records, by record number. Points are shared, not "
+      "copied";
   template <class To>
   static void members(To& to) {
     using H = AQ_GeometryTimeHistory;
@@ -117,22 +117,20 @@ struct Description<AQ_GeometryTimeHistory> {
         .property("ReferenceType", &H::ReferenceType, &H::ReferenceType,
                   "Which event the reference time marks")
         .method("setRelTimes", &H::setRelTimes,
-                "Shares the reference time; raises if there are points, since only setTimeStamps "
-                "sets their relative times",
+                "Stores the reference time, shared; then raises if there are points, as only "
+                "setTimeStamps sets their relative times",
                 in("ReferenceTime", "The reference time"),
                 in("RefType", "Which event the reference time marks"))
         .property("startTime", &H::startTime, &H::startTime, "The time of the first record")
         .property("TimeStampType", &H::TimeStampType, &H::TimeStampType,
-                  "Which instant of a record its time stamp names")
-        .method(
-            "setTimeStamps", &H::setTimeStamps,
-            "Stamps Tm of points 1 to Count half a second apart, then sets their times "
-            "relative to the reference. If a point is missing, raises after stamping only those "
-            "before it",
-            in("startTime", "The time of the first record"),
-            in("StartTimeType", "Which instant of a record its time stamp names"),
-            in("RefTime", "The reference time"),
-            in("RefType", "Which event the reference time marks"))
+                  "Which instant of a record its time stamp marks")
+        .method("setTimeStamps", &H::setTimeStamps,
+                "Sets Tm of points 1 to Count, half a second apart, and their times relative to "
+                "the reference. Raises at a missing point, after stamping those before it",
+                in("startTime", "The time of the first record"),
+                in("StartTimeType", "Which instant of a record its time stamp marks"),
+                in("RefTime", "The reference time"),
+                in("RefType", "Which event the reference time marks"))
         .property("ReferenceTime", &H::ReferenceTime, &H::ReferenceTime, "The reference time")
         .indexed("Point", &H::Point, &H::Point, in("nRecord", "The record", kRecordOf32Bits),
                  "The point of a record; reading raises if it is missing")
@@ -167,7 +165,8 @@ struct Description<AQ_EmtRcvTable> {
   static constexpr char name[] = "AQ_EmtRcvTable";
   static constexpr int number = 37;
   static constexpr char text[] =
-      "A series of emission and reception pairs, also as columns. Records are shared, not copied";
+      "A series of emission and reception pairs, also available as columns. Records are shared, "
+      "not copied";
   template <class To>
   static void members(To& to) {
     using T = AQ_EmtRcvTable;
@@ -200,8 +199,7 @@ struct Description<AQ_SPointTrk> {
   static constexpr char name[] = "AQ_SPointTrk";
   static constexpr int number = 38;
   static constexpr char text[] =
-      "Summary values of one point of a flight track, kept for the application, which defines "
-      "their exact meaning";
+      "Summary values for one point of a flight track; the application defines their exact meaning";
   template <class To>
   static void members(To& to) {
     using P = AQ_SPointTrk;

@@ -8,13 +8,13 @@
 #include "aq/geometry/header_pth.h"
 #include "aq/masking/header_mask.h"
 
-// The headers of files. Fields common to most of them are described only once.
+// File headers. Fields common to most of them are described only once.
 
 namespace aq::describe {
 
 inline constexpr auto kFileType = about("The title in the first line of the file, as read");
 inline constexpr auto kName =
-    about("The file's name, written as the file information service gives it", FileName{},
+    about("The file's name, written as the file information service names it", FileName{},
           Key{"file_name"});
 inline constexpr auto kDateTime = about(
     "The file's date and time, as read; the writer writes the current ones", Key{"file_date"});
@@ -23,7 +23,7 @@ inline constexpr auto kMicrophone = about("The name of the microphone", Key{"mic
 inline constexpr auto kGeneratedBy =
     about("The program or person that made the file", Key{"generated_by"});
 inline constexpr auto kGenerationFile =
-    about("The file from which this one was made, written as the file information service gives it",
+    about("The file from which this one was made, written as the file information service names it",
           FileName{}, Key{"generation_file"});
 inline constexpr auto kGenerationDateTime = about(
     "The date and time of the generation file, as read; the writer gets them from the file "
@@ -46,7 +46,7 @@ struct Description<AQ_HeaderSTH> {
   static void members(To& to) {
     using H = AQ_HeaderSTH;
     to.field("sAdjustmentCode", &H::sAdjustmentCode,
-             "The adjustment that was applied to the levels, free text", Key{"adjustment"})
+             "The adjustment applied to the levels, as free text", Key{"adjustment"})
         .field("sGeneratedBy", &H::sGeneratedBy, kGeneratedBy)
         .field("sGenerationFile", &H::sGenerationFile, kGenerationFile)
         .field("aqGenerationDateTime", &H::aqGenerationDateTime, kGenerationDateTime)
@@ -113,7 +113,7 @@ struct Description<AQ_HeaderPTH> {
         .field("sGeneratedBy", &H::sGeneratedBy, kGeneratedBy)
         .field("sTSPIFileName", &H::sTSPIFileName,
                "The tracking file that the positions were made from, written as the file "
-               "information service gives it",
+               "information service names it",
                FileName{}, Key{"tracking_file"})
         .field("sTSPIFileDateTime", &H::sTSPIFileDateTime,
                "The date and time of the tracking file, as read; the writer gets them from the "

@@ -12,8 +12,8 @@ struct Description<AQ_Mask> {
   static constexpr char name[] = "AQ_Mask";
   static constexpr int number = 21;
   static constexpr char text[] =
-      "One masking decision: whether and by which test the level of one band of one record is "
-      "masked by the ambient, and how it was adjusted";
+      "One masking decision for one band of one record: whether and by which test the ambient "
+      "masks its level, and how the level was adjusted";
   template <class To>
   static void members(To& to) {
     using M = AQ_Mask;
@@ -22,7 +22,7 @@ struct Description<AQ_Mask> {
                   "Whether the level is masked, and by which test")
         .property("AdjustMode", &M::AdjustMode, &M::AdjustMode, "How the level was adjusted")
         .form("MaskString", &M::MaskString, &M::MaskString,
-              "The letters of the mode (-MAF) and of the adjustment (-SFTACR)");
+              "Two letters: one of -MAF for the mode and one of -SFTACR for the adjustment");
   }
 };
 
@@ -48,11 +48,11 @@ struct Description<AQ_MaskRow> {
         .banded(
             "Encompasses",
             [](const R& self, const auto& spectrum) { return self.Encompasses(spectrum); },
-            "Whether the bands of an object with LowBand and HighBand lie inside the row's",
+            "Whether the bands of another object, LowBand to HighBand, lie within the row's",
             in("spectrum", "Any object with LowBand and HighBand"))
         .property("LGB", &R::LGB, &R::LGB,
                   "The last good band: 0 when no band from 29 up is masked, 9999 when bands 28 and "
-                  "29 both are",
+                  "29 are both masked",
                   kBand)
         .method("contains", &R::contains, "Whether a band has a mask; does not create one",
                 in("band", "The band", kBand));

@@ -57,7 +57,7 @@ struct Description<ToneCorrection> {
         .field("band", &C::band,
                "The band that caused the correction, the lowest if several; 0 for none", kToneBand)
         .field("lastBand", &C::lastBand,
-               "The last band used; 18 if band 19 does not count, so that no band is used",
+               "The last band used; 18 if no band is used, because band 19 does not count",
                kToneBand)
         .field("rows", &C::rows, "One step for each band used, from 19 up");
   }
@@ -125,8 +125,8 @@ struct Description<NoiseFunctions> {
     constexpr auto history = in("history", "The history of levels");
     constexpr auto map = optionally("map", "Which levels of the records are masked");
     to.function("weightedLevel", &weightedLevel,
-                about("The A-, C- or D-weighted or the overall level of a spectrum; nothing if no "
-                      "level counts. Raises for any other metric",
+                about("The A-, C- or D-weighted level of a spectrum, or its overall level; nothing "
+                      "if no level counts. Raises for any other metric",
                       kDecibels),
                 spectrum, in("weighting", "AQ_METRIC_AWT, _CWT, _DWT or _OA"), masks)
         .function("perceivedNoiseLevel", &perceivedNoiseLevel,
@@ -136,16 +136,14 @@ struct Description<NoiseFunctions> {
                   spectrum, masks)
         .function("toneCorrection", &toneCorrection,
                   about("The tone correction of a spectrum, from bands 19 to 40"), spectrum, masks)
-        .function(
-            "noiseEvent", &noiseEvent,
-            about(
-                "The event of a series of tone-corrected perceived noise levels; raises if no "
-                "level is given, if the sizes differ, if a level is infinite, or if a duration is "
-                "0 or less"),
-            in("pnlt", "The levels by record; NaN where there is none", Quantity{"TPNdB"}),
-            in("seconds", "How long a record lasts: one value for all, or one per record",
-               Quantity{"s", 0}),
-            optionally("toneCorrections", "The tone corrections by record", kToneDecibels))
+        .function("noiseEvent", &noiseEvent,
+                  about("The event in a series of tone-corrected perceived noise levels; raises if "
+                        "no level is given, if the sizes differ, if a level is infinite, or if a "
+                        "duration is 0 or less"),
+                  in("pnlt", "The levels by record; NaN where there is none", Quantity{"TPNdB"}),
+                  in("seconds", "How long a record lasts: one value for all, or one per record",
+                     Quantity{"s", 0}),
+                  optionally("toneCorrections", "The tone corrections by record", kToneDecibels))
         .function("setMetrics", &setMetrics,
                   about("Computes and stores the ten metrics of every record and returns the "
                         "event; nothing if no record has a PNLT. Raises if consecutive records "

@@ -32,7 +32,7 @@ struct Description<AQ_Metric> {
                   kBand)
         .property("LGB", &M::LGB, &M::LGB,
                   "The last good band: 0 when no band from 29 up is masked, 9999 when bands 28 and "
-                  "29 both are",
+                  "29 are both masked",
                   kBand)
         .property("INTEG", &M::INTEG, &M::INTEG, "The role of the record in the EPNL integration")
         .indexed("MetricValue", &M::MetricValue, &M::MetricValue, in("aqMetric", "Which metric"),
@@ -49,7 +49,8 @@ struct Description<AQ_MetricSummary> {
   static void members(To& to) {
     using S = AQ_MetricSummary;
     to.method("Copy", &S::Copy, "A new summary with the same list")
-        .setter("MetricType", &S::MetricType, "Adds a metric; one already listed moves to the end",
+        .setter("MetricType", &S::MetricType,
+                "Adds a metric; a metric already listed moves to the end",
                 in("aqMetric", "Which metric"))
         .property("MetricTypes", &S::MetricTypes, "The summary's own list, not a copy")
         .method("isMetric", &S::isMetric, "Whether a metric is listed",
@@ -66,7 +67,7 @@ struct Description<AQ_Spectrum> {
   static constexpr char text[] =
       "One measured one-third-octave spectrum: a level in dB for each band that has one, the time "
       "of the measurement, an overall level and the metrics. Band n is centred at 10^(n/10) Hz; "
-      "9999 is a level that is not valid";
+      "9999 marks an invalid level";
   template <class To>
   static void members(To& to) {
     using S = AQ_Spectrum;
@@ -81,7 +82,7 @@ struct Description<AQ_Spectrum> {
         .banded(
             "Encompasses",
             [](const S& self, const auto& spectrum) { return self.Encompasses(spectrum); },
-            "Whether the bands of an object with LowBand and HighBand lie inside this one's",
+            "Whether the bands of another object, LowBand to HighBand, lie within this one's",
             in("spectrum", "Any object with LowBand and HighBand"))
         .property("Level", &S::Level, &S::Level, "An overall level", kDecibels)
         .property("Time", &S::Time, &S::Time, "The time of the measurement")
@@ -100,7 +101,7 @@ struct Description<AQ_Band> {
   template <class To>
   static void members(To& to) {
     using B = AQ_Band;
-    to.method("Copy", &B::Copy, "Returns no object for an empty band; raises for any other")
+    to.method("Copy", &B::Copy, "Returns no object if the band is empty; raises otherwise")
         .indexed("SPL", &B::SPL, &B::SPL, in("nSpectrum", "The spectrum's number", kRecord),
                  "The level of a spectrum, by its number; reading raises if it is missing",
                  kDecibels)
@@ -115,9 +116,9 @@ struct Description<AQ_SpectralTimeHistory> {
   static constexpr char name[] = "AQ_SpectralTimeHistory";
   static constexpr int number = 15;
   static constexpr char text[] =
-      "A numbered series of spectra measured one after another, half a second each, with the time "
-      "of the first record, a reference time, how the levels were averaged and which instant "
-      "of a record its time stamp names. Spectra are shared, not copied";
+      "A numbered series of consecutive half-second spectra, with the time of the first record, a "
+      "reference time, the averaging method and the instant of a record that its time stamp marks. "
+      "Spectra are shared, not copied";
   template <class To>
   static void members(To& to) {
     using H = AQ_SpectralTimeHistory;
@@ -127,7 +128,7 @@ struct Description<AQ_SpectralTimeHistory> {
               in("loBand", "The lowest band", kBand), in("hiBand", "The highest band", kBand))
         .method("Resize", &H::Resize,
                 "A new history that shares the spectra of records LoRec to HiRec; no object if the "
-                "range exceeds this history's. Raises if a record in it is missing",
+                "range exceeds this history's. Raises if a record in the range is missing",
                 in("LoRec", "The first record", kRecord), in("HiRec", "The last record", kRecord))
         .form("sAveragingMethod", &H::sAveragingMethod, &H::sAveragingMethod,
               "AverageMethod as a word: LINEAR, TRUSLO, 4S100, 4S95, CONTEXPO or NA; other text "
@@ -150,12 +151,12 @@ struct Description<AQ_SpectralTimeHistory> {
                 "raises at a missing record or row, after setting those before it",
                 in("MapMask", "The masking map"))
         .property("TimeStampType", &H::TimeStampType, &H::TimeStampType,
-                  "Which instant of a record its time stamp names")
+                  "Which instant of a record its time stamp marks")
         .method("setTimeStamps", &H::setTimeStamps,
                 "Stamps the records half a second apart, and sets their times relative to the "
                 "reference; raises at a missing record, after stamping those before it",
                 in("startTime", "The time of the first record"),
-                in("StartTimeType", "Which instant of a record its time stamp names"),
+                in("StartTimeType", "Which instant of a record its time stamp marks"),
                 in("RefTime", "The reference time"),
                 in("RefType", "Which event the reference time marks"))
         .indexed("spectrum", &H::spectrum, &H::spectrum, in("nRecord", "The record", kRecord),
@@ -171,8 +172,8 @@ struct Description<AQ_SpectralTimeHistory> {
             "Setting stops without an error at the first record that is missing or has no level "
             "in the given band")
         .method("setRelTimes", &H::setRelTimes,
-                "Shares the reference time and sets every record's relative time; raises like "
-                "setTimeStamps",
+                "Stores the reference time, shared, and sets every record's relative time; raises "
+                "like setTimeStamps",
                 in("ReferenceTime", "The reference time"),
                 in("RefType", "Which event the reference time marks"))
         .property("startTime", &H::startTime, &H::startTime, "The time of the first record")
@@ -200,7 +201,7 @@ struct Description<SpectralFunctions> {
   static void members(To& to) {
     to.function(
         "maskByAmbient", &maskByAmbient,
-        about("The masking map of a history from the spectrum of the ambient; raises unless the "
+        about("The masking map of a history, made from the ambient's spectrum; raises unless the "
               "records are numbered from 1 without gaps, the ambient has a valid level in each of "
               "their bands, and the margin is 0 or more"),
         in("history", "The levels to mask"), in("ambient", "The levels of the ambient"),

@@ -8,8 +8,8 @@
 
 namespace aq {
 
-/// One cell per band in one block of memory, from the lowest band that was touched to the highest;
-/// the cells between are defaults.
+/// One cell per band in one block of memory, from the lowest band touched to the highest; untouched
+/// cells in between are defaults.
 template <class Cell, class Cells = std::vector<Cell>>
 class BandBlock {
  public:
@@ -38,7 +38,7 @@ class BandBlock {
     return cells_[index(at)];
   }
 
-  /// Replaces the block with these cells, the first for band `first`.
+  /// Replaces the block with these cells; the first one is for band `first`.
   void assign(std::int16_t first, std::span<const Cell> cells) {
     cells_.assign(cells.data(), cells.data() + cells.size());
     first_ = first;

@@ -8,7 +8,7 @@
 
 namespace aq {
 
-/// Copies the date and the time of day from `from` to `to`, the time of day through its setter.
+/// Copies the date and, through its setter, the time of day from `from` to `to`.
 AQ_API void copyDateAndTimeOfDay(const AQ_Time& from, AQ_Time& to);
 
 /// Seconds from one time of day to another, at most half a day: a run lasts minutes, so a larger

@@ -90,7 +90,7 @@ class InlineVector {
     size_ = static_cast<Size>(size);
   }
 
-  alignas(Cell*) std::array<Cell, kInline> inPlace_{};  // a pointer to the cells if there are more
+  alignas(Cell*) std::array<Cell, kInline> inPlace_{};  // a pointer if the cells do not fit
   Size size_ = 0;
 };
 

@@ -5,9 +5,9 @@
 
 namespace aq {
 
-// If the compiler supports vectors, `Lanes` is a vector of two doubles, one for each of two
-// records; every processor with vectors handles this size in one instruction. Otherwise it is a
-// double. Code that works on lanes chooses with `?:`, which evaluates both sides.
+// If the compiler supports vectors, `Lanes` is a vector of two doubles, one per record; every
+// processor with vectors handles that size in one instruction. Otherwise it is a single double.
+// Code that works on lanes chooses with `?:`, which evaluates both sides.
 #if defined(__GNUC__)
 using Lanes = double __attribute__((vector_size(16)));
 #else

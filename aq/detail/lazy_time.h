@@ -9,7 +9,7 @@
 namespace aq {
 
 /// A time stored as two doubles, for objects that exist in large numbers. Creates the `AQ_Time` on
-/// first access; from then on, or after one is shared, that object holds the time.
+/// first access; from then on, or once a caller shares an `AQ_Time`, that object holds the time.
 class LazyTime {
  public:
   /// Created on first use and then kept.
@@ -61,7 +61,7 @@ class LazyTime {
     const auto* const object = std::get_if<Object>(&time_);
     return object != nullptr ? object->get() : nullptr;
   }
-  /// Zero for a time that was moved from.
+  /// Zero if the time was moved from.
   [[nodiscard]] Seconds seconds() const {
     const auto* const seconds = std::get_if<Seconds>(&time_);
     return seconds != nullptr ? *seconds : Seconds();

@@ -33,8 +33,8 @@ struct NumberRange {
     widen(static_cast<std::int16_t>(first + static_cast<int>(count) - 1));
   }
 
-  /// Whether the range spans exactly `count` numbers. It spans more numbers than were stored if
-  /// these are all below -1 or all above 9999.
+  /// Whether the range spans exactly `count` numbers. If all stored numbers are below -1 or all are
+  /// above 9999, it spans more numbers than were stored.
   [[nodiscard]] bool holds(std::size_t count) const {
     return high - low + 1 == static_cast<int>(count);
   }

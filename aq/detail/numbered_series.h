@@ -46,7 +46,7 @@ class AQ_API NumberIndex {
     return static_cast<std::size_t>(std::int64_t{number} - first_);
   }
 
-  /// Whether the number is the next one of a run. If so, `lengthen` records it in the next slot.
+  /// Whether the number is the next one in a run. If so, `lengthen` records it in the next slot.
   [[nodiscard]] bool continues(std::int32_t number) const {
     return isRun() && length_.value != 0 && number == afterRun();
   }
@@ -66,7 +66,7 @@ class AQ_API NumberIndex {
   [[nodiscard]] std::vector<std::pair<std::int32_t, std::size_t>> sorted() const;
   [[nodiscard]] std::int32_t first() const { return first_; }
 
-  /// Call after slots were compacted: `newSlot` gives the new slot of an old one.
+  /// Call after compacting the slots: `newSlot` gives the new slot of an old one.
   template <class NewSlot>
   void renumber(const NewSlot& newSlot) {
     for (auto& [number, slot] : table_) slot = newSlot(slot);
@@ -87,7 +87,7 @@ class AQ_API NumberIndex {
 
 /// Shared objects in the order in which they were stored, each with a record number. Storing under
 /// an existing number removes the old object and appends the new one at the end. `Number` is the
-/// type of the number in a walk.
+/// type of the numbers that a walk yields.
 template <class T, class Number = std::int32_t>
 class NumberedSeries {
  public:

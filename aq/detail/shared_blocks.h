@@ -13,7 +13,7 @@
 
 namespace aq {
 
-/// Memory in large pages for the blocks of a long file, given out from its start to its end.
+/// Memory in large pages for the blocks of a long file, handed out from start to end.
 class BlockMemory {
  public:
   /// `pages` is at least 1.
@@ -73,7 +73,7 @@ struct BlockAllocator {
 
 /// Creates shared objects for the records of a file, with one allocation for many of them. An
 /// object that outlives the others keeps its whole block alive, including what its neighbours hold.
-/// In a file with megabytes of objects, it keeps the memory of most of the others too.
+/// If a file has megabytes of objects, that object also keeps the memory of most others allocated.
 template <class T>
 class SharedBlocks {
  public:
@@ -103,7 +103,7 @@ class SharedBlocks {
     created_ += kBlock;
     if (created_ == kTrusted && created_ < expected_) {
       const std::size_t bytes = (expected_ - created_) * sizeof(T);
-      // A last page that is filled to less than seven tenths costs more than it saves.
+      // A last page that is less than 70 % full costs more than it saves.
       const std::size_t pages = (bytes + platform::kLargePage * 3 / 10) / platform::kLargePage;
       if (pages != 0) memory_ = std::make_shared<BlockMemory>(pages);
     }

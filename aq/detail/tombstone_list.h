@@ -13,8 +13,8 @@
 
 namespace aq {
 
-/// The slots of a list that are removed but not yet compacted. Finds the n-th slot still in use in
-/// logarithmic time.
+/// The slots that were removed from a list but not yet compacted away. Finds the n-th slot still in
+/// use in logarithmic time.
 class AQ_API Tombstones {
  public:
   [[nodiscard]] std::size_t count() const { return count_; }
@@ -90,7 +90,7 @@ class TombstoneList {
   [[nodiscard]] T& at(std::size_t slot) { return values_[slot]; }
   [[nodiscard]] const T& at(std::size_t slot) const { return values_[slot]; }
 
-  /// The slot of a 1-based index. Throws `InvalidIndex` outside the list.
+  /// The slot at a 1-based index. Throws `InvalidIndex` outside the list.
   [[nodiscard]] std::size_t slotOf(std::int32_t place) const {
     if (place < 1 || static_cast<std::size_t>(place) > size()) {
       throw Error(ErrorCode::InvalidIndex,

@@ -29,15 +29,15 @@ std::string shownNumber(double number) {
 
 /// The band with that centre frequency; nothing if there is none.
 std::optional<int> bandAt(double frequency) {
-  constexpr double kFarthest = 0.03;  // nominal and base-2 centres differ by less
+  constexpr double kFarthest = 0.03;  // nominal and base-2 centres deviate by less
   if (!(frequency > 0) || !std::isfinite(frequency)) return std::nullopt;
   const double band = std::round(kBandsOfDecade * std::log10(frequency));
   if (std::abs(frequency / frequencyOf(band) - 1) > kFarthest) return std::nullopt;
   return static_cast<int>(band);
 }
 
-/// The edges of bins, half-way between their centres; the outer edge of the first and of the last
-/// bin is as far from the centre as the inner one.
+/// The edges of bins, half-way between their centres; the outer edges of the first and last bins
+/// are as far from their centres as the inner ones.
 std::vector<double> edgesOf(std::span<const double> x) {
   std::vector<double> edges(x.size() + 1);
   for (std::size_t i = 1; i < x.size(); ++i) {

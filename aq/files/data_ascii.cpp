@@ -41,7 +41,7 @@ AQ_DataMessage AQ_DataASCII::readFields(const std::string& sFileName) {
   return reading(sFileName, [&](const std::string& name) {
     auto fields = std::make_shared<FieldLines>();
     LineReader lines(name);
-    std::int32_t expected = 0;  // the number of fields in the line before
+    std::int32_t expected = 0;  // the number of fields in the previous line
     while (lines.next()) {
       auto line = divided(lines.line(), expected);
       expected = line->Count();
@@ -93,7 +93,7 @@ std::shared_ptr<Collection<std::string>> AQ_DataASCII::divided(std::string_view 
   std::string guarded;
   if (quotedFields_ && line.find(kQuote) != line.npos) line = guarded = withPlaceholders(line);
   auto count = static_cast<std::size_t>(expected);
-  if (count * kLongField < line.size()) {  // perhaps far more fields than in the line before
+  if (count * kLongField < line.size()) {  // perhaps far more fields than in the previous line
     count = 0;
     forEachPiece(line, delimiter_, [&](std::string_view) { ++count; });
   }

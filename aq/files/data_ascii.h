@@ -12,7 +12,7 @@
 
 namespace aq {
 
-/// Reads any delimited text file as lines or as lines of fields, and writes or appends these. The
+/// Reads any delimited text file as lines or as lines of fields; writes and appends both. The
 /// collections of lines and fields are shared with the caller, not copied. A failed call leaves
 /// them unchanged.
 class AQ_API AQ_DataASCII : public FileClass {
@@ -20,9 +20,9 @@ class AQ_API AQ_DataASCII : public FileClass {
   using FieldLines = Collection<std::shared_ptr<Collection<std::string>>>;
 
   /// Reads a file into new `Fields`, one entry per line. Splits a line at every delimiter; removes
-  /// double quotes and outer blanks of fields; a blank line is one empty field. With a single space
-  /// as the delimiter, runs of spaces separate fields, quotes are kept, and a blank line has no
-  /// field.
+  /// double quotes and surrounding blanks from fields; a blank line is one empty field. With a
+  /// single space as the delimiter, runs of spaces separate fields, quotes are kept, and a blank
+  /// line has no field.
   AQ_DataMessage readFields(const std::string& sFileName);
 
   /// Reads a file into new `Lines`, unchanged.
@@ -33,7 +33,7 @@ class AQ_API AQ_DataASCII : public FileClass {
   void Fields(std::shared_ptr<FieldLines> fields) { fields_ = std::move(fields); }
   void Lines(std::shared_ptr<Collection<std::string>> lines) { lines_ = std::move(lines); }
 
-  // Writers replace the file, appenders add to it. Fields are joined by the delimiter;
+  // Writers replace the file; appenders add to it. Fields are joined by the delimiter;
   // `appendFields` puts each in double quotes when `CommentFields` is set; `writeFields` never
   // does, as hosts expect. A missing collection throws `ObjectNotSet`.
   AQ_DataMessage writeFields(const std::string& sFileName);
@@ -44,8 +44,8 @@ class AQ_API AQ_DataASCII : public FileClass {
   /// The text between fields, initially ",". An empty delimiter splits nothing.
   void Delimiter(std::string text) { delimiter_ = std::move(text); }
 
-  /// Whether fields may be in double quotes, with delimiters inside. Uses the delimiter that is set
-  /// at the time of the call. A "|" is then read as a delimiter.
+  /// Whether fields may be in double quotes, with delimiters inside. Set `Delimiter` first. A "|"
+  /// in a field then becomes the delimiter.
   void CommentFields(bool quoted);
 
  private:

@@ -48,7 +48,7 @@ class AQ_API AQ_DataHP3565 : public FileClass {
   [[nodiscard]] const std::string& SDFPRINT() const { return converter_; }
   void SDFPRINT(std::string path) { converter_ = std::move(path); }
 
-  /// Which trace of each scan is read, from 1. Reading fails if the recording does not have it.
+  /// The trace to read from each scan, counted from 1. Reading fails if the recording lacks it.
   [[nodiscard]] std::int16_t Channel() const { return channel_; }
   void Channel(std::int16_t channel) { channel_ = channel; }
 

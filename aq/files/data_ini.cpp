@@ -80,7 +80,7 @@ std::string_view keywordOf(std::string_view upperCase) {
   return {};
 }
 
-/// Takes `count` comment lines, each up to its first comma; drops empty ones.
+/// Reads `count` comment lines, each up to its first comma; drops empty ones.
 void readComments(std::int16_t count, LineReader& lines, const HeaderObserver& watch,
                   Collection<std::string>& comments) {
   for (std::int32_t i = 1; i <= count; ++i) {
@@ -98,8 +98,8 @@ void readDateTime(FieldReader& fields, AQ_Time& time) {
   time.TODstring(fields.convert("a time hh:mm:ss", clockTimeFrom));
 }
 
-/// Takes a line and the comment lines that it announces. Ignores the case of keywords; skips
-/// unknown keywords and lines without one.
+/// Reads a line, and the comment lines after it if it gives their number. Ignores the case of
+/// keywords; skips unknown keywords and lines without a keyword.
 void readLine(LineReader& lines, const HeaderObserver& watch, AQ_DataINI& parameters) {
   FieldReader fields(lines);
   const std::string_view key = keywordOf(upperCased(keywordIn(fields.text("a keyword"))));

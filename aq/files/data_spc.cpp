@@ -157,7 +157,7 @@ class RecordDates {
   double before_ = 0;
 };
 
-/// Takes the lines after the last record, which must be blank.
+/// Reads the lines after the last record; all must be blank.
 void expectOnlyBlanks(LineReader& lines) {
   while (lines.next()) {
     if (trimmed(lines.line()).empty()) continue;
@@ -244,7 +244,7 @@ void AQ_DataSPC::RecordLength(const Variant& seconds) {
 }
 
 /// The settings, with each 0 replaced by the first or last stored number. Does not use the
-/// history's `LoRec` and `HiRec`, which return another number for a 0.
+/// history's `LoRec` and `HiRec`: they replace a 0 even where it is a record number.
 AQ_DataSPC::Settings AQ_DataSPC::chosen(const AQ_SpectralTimeHistory& history) const {
   Settings chosen = settings_;
   std::optional<std::int16_t> first;

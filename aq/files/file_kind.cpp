@@ -39,8 +39,8 @@ bool isTrackingLine(const LineReader& lines) {
   }
 }
 
-/// `lines` is at the first line. One good fix among the first ten is enough; the reader reports
-/// what is wrong with the others.
+/// `lines` must be at the first line. One good fix among the first ten is enough; the reader
+/// reports what is wrong with the others.
 FileKind kindByShape(LineReader& lines) {
   constexpr std::size_t kLast = kTrackingHeaderLines + 10;
   while (lines.number() < kLast && lines.next()) {

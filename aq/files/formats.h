@@ -23,7 +23,7 @@
 
 namespace aq {
 
-/// The content of a file of a format. `Header` is void if the format has none of its own.
+/// What a file of a format contains. `Header` is void if the format has none of its own.
 template <class Header_, class Model_>
 struct Content {
   using Header = Header_;

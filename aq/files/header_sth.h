@@ -11,7 +11,7 @@ namespace aq {
 /// The descriptive part of the header of a spectral time history file.
 class AQ_HeaderSTH {
  public:
-  std::string sAdjustmentCode;  ///< the adjustment applied to the levels, free text
+  std::string sAdjustmentCode;  ///< the adjustment applied to the levels, as free text
   std::string sGeneratedBy;
   std::string sGenerationFile;  ///< the file from which this one was generated
   std::shared_ptr<AQ_Time> aqGenerationDateTime = std::make_shared<AQ_Time>();

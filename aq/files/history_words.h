@@ -15,7 +15,7 @@ namespace aq {
 
 /// The words for members of enumerations in the header of a history file. As hosts expect,
 /// `AQ_DataSTH` reads an unknown word as a known one, and leaves the reference time type at
-/// `AQ_START_REF`. Code that writes the history again observes the header with this class.
+/// `AQ_START_REF`. Code that rewrites the history observes the header with this class.
 class AQ_API HistoryWords {
  public:
   /// An unknown word, and the word that would be written instead.
@@ -26,7 +26,7 @@ class AQ_API HistoryWords {
     std::string readAs;
   };
 
-  /// Takes the word of a header line, if it has one. For `observeHeader`.
+  /// Keeps the word of a header line, if it has one. For `observeHeader`.
   void see(const HeaderLine& line);
 
   /// The word of the reference time type as in the file; empty if there was none.

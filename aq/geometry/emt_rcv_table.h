@@ -10,7 +10,8 @@
 
 namespace aq {
 
-/// A series of emission and reception pairs, also as columns. Records are shared with the caller.
+/// A series of emission and reception pairs, also available as columns. Records are shared with the
+/// caller.
 class AQ_API AQ_EmtRcvTable {
  public:
   using Column = std::shared_ptr<Collection<double>>;

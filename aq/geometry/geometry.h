@@ -24,7 +24,7 @@ class AQ_API AQ_Geometry {
   float BETAe = 0;
   /// Propagation time from emission to measurement, s.
   double Tprope = 0;
-  /// Free for diagnostics, s; written, but neither read back nor copied.
+  /// Free for diagnostics, s; written to files, but neither read back nor copied.
   double debugTime = 0;
 
   /// A deep copy, but with a `debugTime` of 0, as hosts expect. Creates this point's position and

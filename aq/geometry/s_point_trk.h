@@ -8,8 +8,8 @@
 
 namespace aq {
 
-/// Summary values of one point of a flight track, kept for the application, which defines their
-/// exact meaning. Any value is stored; numbers are 0 until set, times null.
+/// Summary values for one point of a flight track; the application defines their exact meaning. Any
+/// value is stored; numbers are 0 until set, times null.
 class AQ_SPointTrk {
  public:
   // Times: source overhead, maximum level, and two that the application defines.

@@ -13,8 +13,8 @@ namespace aq {
 inline constexpr std::string_view kMaskModes = "-MAF";
 inline constexpr std::string_view kMaskAdjustments = "-SFTACR";
 
-/// One masking decision: whether and by which test the level of one band of one record is masked by
-/// the ambient, and how it was adjusted. Any value is stored.
+/// One masking decision for one band of one record: whether and by which test the ambient masks its
+/// level, and how the level was adjusted. Any value is stored.
 class AQ_API AQ_Mask {
  public:
   [[nodiscard]] std::shared_ptr<AQ_Mask> Copy() const { return std::make_shared<AQ_Mask>(*this); }

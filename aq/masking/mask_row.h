@@ -43,7 +43,7 @@ class AQ_API AQ_MaskRow {
   }
 
   /// The last good band, from 28 to the highest band minus 1; 0 when no band from 29 up is masked,
-  /// 9999 when bands 28 and 29 both are.
+  /// 9999 when bands 28 and 29 are both masked.
   [[nodiscard]] std::int16_t LGB() const { return lastGoodBand_; }
   void LGB(std::int16_t band) { lastGoodBand_ = band; }
 

@@ -52,7 +52,7 @@ class AQ_API AQ_Metric {
   void TONEBND(float band) { MetricValue(AQ_METRIC_TONEBND, band); }
 
   /// The last good band, from 28 to the highest band minus 1; 0 when no band from 29 up is masked,
-  /// 9999 when bands 28 and 29 both are.
+  /// 9999 when bands 28 and 29 are both masked.
   [[nodiscard]] float LGB() const { return single(AQ_METRIC_LGB); }
   void LGB(float band) { MetricValue(AQ_METRIC_LGB, band); }
 
