@@ -180,12 +180,11 @@ struct Description<AQ_EmtRcvTable> {
                   "The reception times in seconds of the day, as a new collection; raises if there "
                   "are more than 32767 records")
         .property("X", &T::X,
-                  "The aircraft's first coordinates, in the length unit of its positions, as a new "
+                  "The aircraft's X coordinates, in the length unit of its positions, as a new "
                   "collection; raises if there are more than 32767 records")
-        .property(
-            "Y", &T::Y,
-            "The aircraft's second coordinates, in the length unit of its positions, as a new "
-            "collection; raises if there are more than 32767 records")
+        .property("Y", &T::Y,
+                  "The aircraft's Y coordinates, in the length unit of its positions, as a new "
+                  "collection; raises if there are more than 32767 records")
         .property("Z", &T::Z,
                   "The aircraft's heights, in the length unit of its positions, as a new "
                   "collection; raises if there are more than 32767 records")
@@ -203,15 +202,16 @@ struct Description<AQ_SPointTrk> {
   template <class To>
   static void members(To& to) {
     using P = AQ_SPointTrk;
-    to.property("TOH", &P::TOH, &P::TOH, "Time at which the source is overhead; none until set")
-        .property("TMAX", &P::TMAX, &P::TMAX, "Time of the maximum level; none until set")
+    to.property("TOH", &P::TOH, &P::TOH,
+                "Time at which the source is overhead; no object until set")
+        .property("TMAX", &P::TMAX, &P::TMAX, "Time of the maximum level; no object until set")
         .property("T1", &P::T1, &P::T1,
-                  "The first of two times for the application's own use; none until set")
+                  "The first of two times for the application's own use; no object until set")
         .property("T2", &P::T2, &P::T2,
-                  "The second of two times for the application's own use; none until set")
+                  "The second of two times for the application's own use; no object until set")
         .property("YOFF", &P::YOFF, &P::YOFF, "Lateral offset from the track", kLength)
-        .property("PHI", &P::PHI, &P::PHI, "Elevation angle, or as the application defines it",
-                  kAngle)
+        .property("PHI", &P::PHI, &P::PHI,
+                  "Elevation angle, or another angle that the application defines", kAngle)
         .property("CYANG", &P::CYANG, &P::CYANG, "Another angle that the application defines",
                   kAngle)
         .property("ALT", &P::ALT, &P::ALT, "Altitude of the source", kLength)

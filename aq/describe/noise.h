@@ -69,8 +69,8 @@ struct Description<NoiseEvent> {
   static constexpr int number = 43;
   static constexpr char text[] =
       "The noise of one aircraft passing by: its largest tone-corrected perceived noise level, its "
-      "effective perceived noise level, and the records of the maxima and limits, as indices from "
-      "0";
+      "effective perceived noise level, and the records of the maxima and limits, as zero-based "
+      "indices";
   template <class To>
   static void members(To& to) {
     using E = NoiseEvent;
@@ -121,7 +121,7 @@ struct Description<NoiseFunctions> {
   static void members(To& to) {
     constexpr auto spectrum = in("spectrum", "The levels");
     constexpr auto masks =
-        optionally("masks", "Which of the levels are masked, so that they do not count");
+        optionally("masks", "Which levels are masked and therefore do not count");
     constexpr auto history = in("history", "The history of levels");
     constexpr auto map = optionally("map", "Which levels of the records are masked");
     to.function("weightedLevel", &weightedLevel,
@@ -166,7 +166,7 @@ struct Description<NoiseFunctions> {
                         "the previous one or a coordinate that is not finite"),
                   in("positions", "The source's positions, in metres"),
                   in("microphone", "The microphone's position, in metres"),
-                  in("records", "The records that were measured"), kAir);
+                  in("records", "The measured records"), kAir);
   }
 };
 

@@ -23,9 +23,9 @@ class Recording;
 /// comment line in the header.
 class AQ_API AQ_DataHP3565 : public FileClass {
  public:
-  /// Lists the files in an analyzer's folder, by name without the folder: names that begin with
-  /// INDEX, those that begin with TIMEDAT, and others that end in .DAT. Ignores case, also when
-  /// sorting. Does not list folders. Changes nothing if the folder cannot be read.
+  /// Lists the names, without the folder, of the files in an analyzer's folder: names that begin
+  /// with INDEX, those that begin with TIMEDAT, and others that end in .DAT. Ignores case, also
+  /// when sorting. Does not list folders. Changes nothing if the folder cannot be read.
   AQ_DataMessage readDirectory(const std::string& sDirectory,
                                std::shared_ptr<Collection<std::string>>& colIndex,
                                std::shared_ptr<Collection<std::string>>& colTimeDat,

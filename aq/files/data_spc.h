@@ -16,8 +16,8 @@ namespace aq {
 
 class LineReader;
 
-/// Writes and reads fixed-column spectral time histories (docs/formats/fixed-columns.md). They keep
-/// dates, bands without a level and the reference time type, but not the dates of files.
+/// Writes and reads fixed-column spectral time histories (docs/formats/fixed-columns.md). The files
+/// keep dates, bands without a level and the reference time type, but not the dates of files.
 class AQ_API AQ_DataSPC : public FileClass {
  public:
   /// The first line of a file begins with these bytes.
@@ -52,8 +52,8 @@ class AQ_API AQ_DataSPC : public FileClass {
   /// outside the years 1 to 9999 (`Overflow`).
   AQ_DataMessage writeFile(const std::string& sFileName, AQ_SpectralTimeHistory& aqTimeHistory);
 
-  /// Reads a file into a new header and a new history. If the header cannot be read, sets
-  /// neither, nor any setting; if a record cannot be read, sets only the header and the settings.
+  /// Reads a file into a new header and a new history. If the header cannot be read, sets nothing;
+  /// if a record cannot be read, sets only the header and the settings.
   AQ_DataMessage readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderSTH>& aqHeader,
                           std::shared_ptr<AQ_SpectralTimeHistory>& STH);
 

@@ -119,7 +119,7 @@ template <class File, class Header, class Model>
   } else if constexpr (std::is_void_v<Header>) {
     return readInto(file, path, content.model);
   } else {
-    // A class that fills the caller's object needs one.
+    // A class that fills the caller's object must be given one.
     if constexpr (fillsCallers<File, Header, Model>) content.model = std::make_shared<Model>();
     return readInto(file, path, content.header, content.model);
   }

@@ -7,21 +7,20 @@
 
 // The text of a time of day has seven significant digits. If these round its fraction up to a whole
 // second, the text drops the fraction, as hosts expect: 12:34:56.996 becomes 12:34:56, nearly a
-// second early. Call these functions before writing a model: they round such times up to the second
-// and leave others unchanged.
+// second early. Call these functions before writing a model: they round such late times up to the
+// second and leave others unchanged.
 namespace aq {
 
-/// Whether any time that would be written for the model is this late in its second; null objects
-/// have no times.
+/// Whether any time written for the model would lose its fraction; null objects have no times.
 [[nodiscard]] AQ_API bool hasLateTimes(const AQ_PositionTimeHistory& positions);
 [[nodiscard]] AQ_API bool hasLateTimes(const AQ_GeometryTimeHistory& geometry);
 [[nodiscard]] AQ_API bool hasLateTimes(AQ_SpectralTimeHistory& history);
 
-/// Returns whether the time was late in its second.
+/// Rounds the time up if its fraction would be lost; returns whether it did.
 AQ_API bool roundLateTime(AQ_Time& time);
 
-/// Returns whether any time of the model was late in its second. Times shared with other models
-/// change there too.
+/// Rounds such times of the model up; returns whether there were any. Times shared with other
+/// models change there too.
 AQ_API bool roundLateTimes(const AQ_PositionTimeHistory& positions);
 AQ_API bool roundLateTimes(const AQ_GeometryTimeHistory& geometry);
 /// Also rounds the start and the reference time.

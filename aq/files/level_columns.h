@@ -17,7 +17,7 @@ struct LevelColumns {
   std::vector<LevelCode> codes = {};
   std::vector<double> levels = {};
 
-  /// Takes a level for every band from the line.
+  /// Reads a level for every band from the line.
   void read(FieldReader& fields, AQ_Spectrum& spectrum);
 };
 

@@ -65,7 +65,7 @@ const Record* vectorOf(const Recording& recording, const TraceSet& set, std::siz
   return numbered(vectors, set.header, first < 0 ? first : number, "vectors");
 }
 
-/// The amplitude correction of the window for narrow-band power data of noise.
+/// The window's amplitude correction for narrow-band power data of noise.
 double windowFactor(const Record& channel) {
   const Record window = channel.part(kChannel["window"]);
   const double wide = window.real(kWindow["wideBandCorr"]);

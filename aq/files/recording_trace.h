@@ -40,7 +40,8 @@ struct RecordingTrace {
 /// The limits on the use of the data, one line each: weighting, overload, invalid data, correction.
 [[nodiscard]] std::vector<std::string> marksOf(const RecordingTrace& trace);
 
-/// Notes for users of the levels, one line each: channel, unit, calibration and marks.
+/// Notes for users of the levels, one line each: channel, unit, calibration and the lines of
+/// `marksOf`.
 [[nodiscard]] std::vector<std::string> notesOf(const RecordingTrace& trace, double calibration);
 
 }  // namespace aq

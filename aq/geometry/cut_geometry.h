@@ -14,10 +14,10 @@ namespace aq {
 [[nodiscard]] AQ_API std::shared_ptr<AQ_GeometryTimeHistory> cutGeometry(
     AQ_GeometryTimeHistory& geometry, std::int32_t first, std::int32_t last);
 
-/// The points of two geometries; those of `after` are numbered on from the last one of `before`.
-/// Points are shared with both; the start time, the reference time and their types are those of
-/// `before`. Throws `InvalidArgument` when `after` has another reference or type of stamps, or does
-/// not begin after `before` ends, and when either has no points.
+/// The points of two geometries; those of `after` are renumbered to follow the last one of
+/// `before`. Points are shared with both; the start time, the reference time and their types are
+/// those of `before`. Throws `InvalidArgument` if the two differ in reference time, reference type
+/// or time stamp type, if `after` does not begin after `before` ends, or if either has no points.
 [[nodiscard]] AQ_API std::shared_ptr<AQ_GeometryTimeHistory> joinGeometries(
     AQ_GeometryTimeHistory& before, AQ_GeometryTimeHistory& after);
 

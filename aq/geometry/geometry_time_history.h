@@ -36,8 +36,8 @@ class AQ_API AQ_GeometryTimeHistory {
   void TimeStampType(AQ_TimeStampType type) { timeStampType_ = type; }
 
   /// Stamps `Tm` of points 1 to `Count` as `AQ_SpectralTimeHistory::setTimeStamps` stamps records,
-  /// then makes each relative to `RefTime`. Copies the two times. Throws `InvalidArgument` at a
-  /// missing point; those before it are stamped.
+  /// then sets each one's time relative to `RefTime`. Copies the two times. Throws
+  /// `InvalidArgument` at a missing point; those before it are stamped.
   void setTimeStamps(const AQ_Time& startTime, AQ_TimeStampType StartTimeType,
                      const AQ_Time& RefTime, AQ_RefTimeType RefType);
 
@@ -45,8 +45,8 @@ class AQ_API AQ_GeometryTimeHistory {
   std::shared_ptr<AQ_Time> ReferenceTime() { return orCreate(referenceTime_); }
   void ReferenceTime(std::shared_ptr<AQ_Time> time) { referenceTime_ = std::move(time); }
 
-  /// The point with a record number, which is not its index. Reading throws `InvalidArgument` if
-  /// there is none; storing replaces an existing one.
+  /// The point with this record number, which need not be its index. Reading throws
+  /// `InvalidArgument` if there is none; storing replaces an existing one.
   [[nodiscard]] std::shared_ptr<AQ_Geometry> Point(std::int32_t nRecord) const {
     return points_.at(nRecord);
   }

@@ -3,7 +3,7 @@
 namespace aq {
 
 /// The position of a microphone in metres, or in the length unit of its file: nothing is converted.
-/// All are 0 until set.
+/// All members are 0 until set.
 class AQ_Microphone {
  public:
   double X = 0;

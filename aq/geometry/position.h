@@ -9,7 +9,7 @@
 namespace aq {
 
 /// One sample of a source's position: a time of day and three Cartesian coordinates in metres, or
-/// in the length unit of its file: nothing is converted. All are 0 until set.
+/// in the length unit of its file; nothing is converted. Coordinates are 0 until set.
 class AQ_API AQ_Position {
  public:
   /// A deep copy.

@@ -60,9 +60,9 @@ class AQ_API AQ_PositionTimeHistory {
     positions_.store(nRecord, std::move(aqPosition));
   }
 
-  /// The stored sample nearest in time of day, the later of two equally near; no object if no two
-  /// neighbours enclose the time. Neither interpolates nor extrapolates. Throws `Overflow` above
-  /// 32767 samples.
+  /// The stored sample nearest to a time of day, the later of two equally near ones; no object
+  /// unless two neighbours enclose the time. Neither interpolates nor extrapolates. Throws
+  /// `Overflow` above 32767 samples.
   [[nodiscard]] std::shared_ptr<AQ_Position> PositionAt(const AQ_Time& aqTime) const;
 
   /// Whether a time of day lies between those of the first and the last sample. Throws

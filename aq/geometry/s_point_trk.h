@@ -8,8 +8,8 @@
 
 namespace aq {
 
-/// Summary values for one point of a flight track; the application defines their exact meaning. Any
-/// value is stored; numbers are 0 until set, times null.
+/// Summary values for one point of a flight track; the application defines their exact meaning.
+/// Setters store any value; numbers are 0 until set, and times are null.
 class AQ_SPointTrk {
  public:
   // Times: source overhead, maximum level, and two that the application defines.

@@ -14,7 +14,7 @@ inline constexpr std::string_view kMaskModes = "-MAF";
 inline constexpr std::string_view kMaskAdjustments = "-SFTACR";
 
 /// One masking decision for one band of one record: whether and by which test the ambient masks its
-/// level, and how the level was adjusted. Any value is stored.
+/// level, and how the level was adjusted. Setters store any value.
 class AQ_API AQ_Mask {
  public:
   [[nodiscard]] std::shared_ptr<AQ_Mask> Copy() const { return std::make_shared<AQ_Mask>(*this); }
@@ -27,7 +27,7 @@ class AQ_API AQ_Mask {
 
   /// The mode's letter ("-", "M", "A", "F") and the adjustment's ("-", "S", "F", "T", "A", "C",
   /// "R"); a value without a letter gives no character. Setting uses the first and the last
-  /// character; any other character leaves its half unchanged.
+  /// character; an unknown letter leaves its half unchanged.
   [[nodiscard]] std::string MaskString() const;
   void MaskString(std::string_view letters);
 

@@ -28,7 +28,7 @@ constexpr std::size_t indexOf(char mode, char adjustment) {
 constexpr MaskCode kNoLetters = 0x80;  // above all codes
 
 /// The code of any two bytes; `kNoLetters` if they are not a mask. Reading touches only the few
-/// entries of masks, so this table needs no more cache than one table per letter would.
+/// entries that are masks, so this table needs no more cache than one table per letter would.
 constexpr auto kCodesOfLetters = [] {
   std::array<MaskCode, 1 << 16> codes{};
   codes.fill(kNoLetters);
@@ -96,7 +96,7 @@ AQ_Mask maskOf(MaskCode code) {
 
 namespace {
 
-/// Takes the code of one column; returns 0 only if the column has two known letters and a comma.
+/// Reads the code of one column; returns 0 only if the column has two known letters and a comma.
 unsigned takeMask(const char* at, MaskCode& code) {
   code = kCodesOfLetters[indexOf(at[0], at[1])];
   return (code & unsigned{kNoLetters}) | static_cast<unsigned>(at[2] ^ ',');

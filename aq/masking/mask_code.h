@@ -13,7 +13,7 @@
 
 namespace aq {
 
-/// A masking decision in one byte: from 1 up for the pairs of letters, 0 for no decision.
+/// A masking decision in one byte: 1 and up for the pairs of letters, 0 for no decision.
 using MaskCode = std::uint8_t;
 
 inline constexpr MaskCode kNoMaskCode = 0;
@@ -25,8 +25,8 @@ inline constexpr MaskCode kDefaultMaskCode = 1;
 /// The decision for a code; a default one for `kNoMaskCode`.
 [[nodiscard]] AQ_API AQ_Mask maskOf(MaskCode code);
 
-/// Takes masks of two letters, each followed by ",", from the start of `text`, until `codes` is
-/// full or other text follows. Later entries of `codes` may be overwritten.
+/// Reads masks of two letters, each followed by ",", from the start of `text` until `codes` is full
+/// or other text follows. Later entries of `codes` may be overwritten.
 [[nodiscard]] AQ_API FieldsTaken masksAtFront(std::string_view text, std::span<MaskCode> codes);
 
 /// The number of bytes needed while writing that many masks.

@@ -17,7 +17,7 @@ class AQ_API AQ_MaskMap {
   [[nodiscard]] std::shared_ptr<AQ_MaskMap> Copy() const;
 
   /// The row of a record. Reading throws `InvalidArgument` if there is none; storing replaces an
-  /// existing one and moves its number to the end.
+  /// existing one.
   [[nodiscard]] std::shared_ptr<AQ_MaskRow> Row(std::int16_t nRecord) const {
     return rows_.at(nRecord);
   }

@@ -58,7 +58,7 @@ void AQ_MaskRow::assign(std::int16_t low, std::span<const MaskCode> codes) {
   bands_.widen(low, codes.size());
 }
 
-/// The code of a band; if it had none, it gets that of a default mask.
+/// The code of a band; a band without one gets that of a default mask.
 MaskCode& AQ_MaskRow::fetch(std::int16_t band) {
   bands_.widen(band);
   MaskCode& code = codes_.touch(band);

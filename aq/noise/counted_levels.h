@@ -26,15 +26,15 @@ class CountedLevels {
   [[nodiscard]] std::int32_t low() const { return low_; }
   [[nodiscard]] std::int32_t end() const { return low_ + static_cast<std::int32_t>(size()); }
 
-  /// The level of any band; NaN for one that does not count.
+  /// The level of any band; NaN for a level that does not count.
   [[nodiscard]] double level(std::int32_t band) const;
 
   /// Whether every level has a code.
   [[nodiscard]] bool isCoded() const { return !codes_.empty(); }
-  /// Whether every level has a code that `LevelTable` has, so that every level counts.
+  /// Whether `LevelTable` has the code of every level, so that every level counts.
   [[nodiscard]] bool areInTable() const { return areInTable_; }
-  /// The codes of the bands from `first` up to `last` or the last level; `kInvalidCode` for a level
-  /// that does not count. Requires `isCoded` and a `first` of `low` or more.
+  /// The codes of the bands from `first` up to `last` or to the last level; `kInvalidCode` for a
+  /// level that does not count. Requires `isCoded` and a `first` of `low` or more.
   [[nodiscard]] std::span<const LevelCode> codes(std::int32_t first, std::int32_t last) const {
     const std::int32_t bands = std::min(last + 1, end()) - first;
     return bands > 0 ? codes_.subspan(at(first), static_cast<std::size_t>(bands))
@@ -43,7 +43,7 @@ class CountedLevels {
 
   /// How many of the bands from `first` to `last` have a level that counts.
   [[nodiscard]] std::int16_t count(std::int32_t first, std::int32_t last) const;
-  /// How many consecutive bands from `first` on, up to `last`, count.
+  /// How many consecutive bands from `first` on, up to `last`, have a level that counts.
   [[nodiscard]] std::int16_t countRun(std::int32_t first, std::int32_t last) const;
 
  private:
@@ -59,7 +59,7 @@ class CountedLevels {
   bool areInTable_ = false;
   std::span<const LevelCode> codes_;  // of the spectrum, or `maskedCodes_`
   std::vector<LevelCode> maskedCodes_;
-  std::vector<double> levels_;  // instead of the codes
+  std::vector<double> levels_;  // used instead of the codes
 };
 
 }  // namespace aq

@@ -34,7 +34,8 @@ double angleAbout(const Vector3& direction, const Vector3& line) {
   return std::atan2(dot(line, left), dot(line, below)) * kDegrees;
 }
 
-/// The time at `seconds` of the path; its day may differ from that of the record at `received`.
+/// The time at `seconds` of the path. The record was received at `received`, perhaps on another
+/// day.
 std::shared_ptr<AQ_Time> emissionTime(const AQ_Time& recorded, double received, double seconds) {
   auto time = std::make_shared<AQ_Time>();
   const double day = std::floor(seconds / kSecondsPerDay);
@@ -101,7 +102,7 @@ std::shared_ptr<AQ_GeometryTimeHistory> emissionGeometry(const AQ_PositionTimeHi
     const auto place = path.emission(receiver, recorded.TODseconds(), speed);
     if (place) geometry->Point(number, pointAt(path, *place, receiver, recorded));
   }
-  AQ_SpectralTimeHistory shared = records;  // a copy, so that missing times are created there
+  AQ_SpectralTimeHistory shared = records;  // a copy, so that missing times are created only there
   copyDateAndTimeOfDay(*shared.startTime(), *geometry->startTime());
   copyDateAndTimeOfDay(*shared.ReferenceTime(), *geometry->ReferenceTime());
   geometry->TimeStampType(records.TimeStampType());

@@ -20,16 +20,17 @@ Vector3 along(const Vector3& from, const Vector3& to, double part) {
 /// The time of day `next` as seconds that continue from `before`.
 double continued(double before, double next, std::size_t place) {
   const double step = std::fmod(next - before, kSecondsPerDay);
-  // A step back of more than half a day has passed midnight.
+  // A step back of more than half a day means that midnight has passed.
   if (step < -kSecondsPerDay / 2.0) return before + step + kSecondsPerDay;
   if (step >= 0) return before + step;
   throw Error(ErrorCode::InvalidValue,
               "position " + std::to_string(place) + " is earlier than the one before");
 }
 
-/// The seconds from the start of a segment, flown with `velocity`, until the source emits the sound
-/// that reaches the receiver `remaining` seconds after that start; `offset` is the start relative
-/// to the receiver. Solves |offset + velocity x| = speed (remaining - x) without loss of digits.
+/// The seconds from the start of a segment, flown at `velocity`, until the source emits the sound
+/// that reaches the receiver `remaining` seconds after that start; `offset` is the start point
+/// relative to the receiver. Solves |offset + velocity x| = speed (remaining - x) without loss of
+/// significance.
 double secondsIntoPiece(const Vector3& offset, const Vector3& velocity, double remaining,
                         double speed) {
   const double reach = speed * remaining;

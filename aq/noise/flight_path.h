@@ -35,11 +35,12 @@ class FlightPath {
   [[nodiscard]] std::optional<Place> emission(const Vector3& receiver, double timeOfDay,
                                               double speedOfSound) const;
 
-  /// A time of day as seconds of the path, which continue from the first position.
+  /// Converts a time of day to seconds of the path; a time before the first position is on the next
+  /// day.
   [[nodiscard]] double secondsOf(double timeOfDay) const;
 
-  /// The direction of flight, of length 1, from the nearest segment with movement. Nothing if the
-  /// path has no such segment.
+  /// The direction of flight, as a unit vector, from the nearest segment with movement. Nothing if
+  /// the path has no such segment.
   [[nodiscard]] std::optional<Vector3> direction(const Place& place) const;
 
  private:

@@ -52,8 +52,8 @@ struct HistoryEvent {
   std::optional<NoiseEvent> event;  ///< empty if no record has a PNLT
 };
 
-/// Only the event of `historyMetrics`, in less time: records that cannot belong to the event get no
-/// tone correction. Throws like `setMetrics`.
+/// Computes only the event of `historyMetrics`, in less time: records that cannot belong to the
+/// event get no tone correction. Throws like `setMetrics`.
 [[nodiscard]] AQ_API HistoryEvent historyEvent(const AQ_SpectralTimeHistory& history,
                                                const AQ_MaskMap* map = nullptr);
 

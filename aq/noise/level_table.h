@@ -13,7 +13,7 @@ namespace aq {
 /// The number of codes in a table: those from 0 to 128 dB.
 inline constexpr LevelCode kTableCodes = 12801;
 
-/// Whether a table has all of these codes; looks at four at a time.
+/// Whether a table has all of these codes; checks four at a time.
 [[nodiscard]] inline bool areInTable(std::span<const LevelCode> codes) {
   constexpr std::size_t kAtOnce = sizeof(std::uint64_t) / sizeof(LevelCode);
   constexpr std::uint64_t kEach = 0x0001000100010001;

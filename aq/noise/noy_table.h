@@ -18,7 +18,7 @@ inline constexpr std::int16_t kFirstNoyBand = 17;  // 50 Hz
 inline constexpr std::int16_t kLastNoyBand = 40;   // 10 kHz
 
 namespace noys {
-/// In bands without SPL(a) the piece from SPL(b) continues, and there is no piece C.
+/// In bands without SPL(a), the piece from SPL(b) continues, and there is no piece C.
 inline constexpr double kNone = std::numeric_limits<double>::infinity();
 }  // namespace noys
 

@@ -46,7 +46,7 @@ class NoyTables {
   }
 
  private:
-  /// The index in `tables_` of the table of each band.
+  /// For each band, the index of its table in `tables_`.
   static constexpr auto kCurves = [] {
     std::array<std::size_t, kNoyBands.size()> curves{};
     for (std::size_t i = 1; i < curves.size(); ++i) {
@@ -75,8 +75,8 @@ std::array<double, kNoyBands.size()> noysOf(const CountedLevels& record, const N
   return noys;
 }
 
-/// The total noisiness of the noys that `noysAt` gives by index of `kNoyBands`. Two sums, so that
-/// an addition need not wait for the one before it; without a loop, so that the addresses of tables
+/// The total noisiness; `noysAt` returns the noys at an index of `kNoyBands`. Two sums, so that an
+/// addition need not wait for the one before it; without a loop, so that the addresses of tables
 /// are constants.
 template <class NoysAt, std::size_t... kPairs>
 double totalOf(const NoysAt& noysAt, std::index_sequence<kPairs...>) {

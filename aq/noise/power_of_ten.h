@@ -4,7 +4,8 @@
 
 namespace aq {
 
-/// 10^x as a power of two, which takes the maths library a third of the time of a power of ten.
+/// 10^x as a power of two, which takes the maths library a third of the time that a power of ten
+/// takes.
 inline double powerOfTen(double x) {
   constexpr double kLog2Of10 = 3.321928094887362347870319429489390;
   return std::exp2(x * kLog2Of10);

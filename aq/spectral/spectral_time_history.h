@@ -17,9 +17,9 @@
 
 namespace aq {
 
-/// A numbered series of spectra measured one after another, half a second each, with the time of
-/// the first record, a reference time, the averaging method and the instant of a record that its
-/// time stamp names. Spectra are shared with the caller, not copied.
+/// A numbered series of consecutive half-second spectra, with the time of the first record, a
+/// reference time, the averaging method and the instant of a record that its time stamp marks.
+/// Spectra are shared with the caller, not copied.
 class AQ_API AQ_SpectralTimeHistory {
  public:
   /// A new history of records `LoRec` to `HiRec` with level 0 in bands `loBand` to `hiBand`. Does
