@@ -16,8 +16,9 @@ namespace aq {
 
 class LineReader;
 
-/// Writes and reads fixed-column spectral time histories (docs/formats/fixed-columns.md). The files
-/// keep dates, bands without a level and the reference time type, but not the dates of files.
+/// Writes and reads fixed-column spectral time histories (docs/formats/fixed-columns.md). The
+/// format keeps dates, bands without a level and the reference time type, but not the dates of
+/// files.
 class AQ_API AQ_DataSPC : public FileClass {
  public:
   /// The first line of a file begins with these bytes.
@@ -28,8 +29,8 @@ class AQ_API AQ_DataSPC : public FileClass {
   void setHeader(const std::shared_ptr<AQ_HeaderSTH>& aqHeader) { header_ = aqHeader; }
 
   /// Seconds from one record to the next, initially 0.5. Reading a file sets it. Setting throws,
-  /// and keeps the old value, for a number that is not above 0 and below 1000 (`InvalidValue`) and
-  /// for a value that is not a number (`TypeMismatch`).
+  /// and keeps the old value, unless the number is above 0 and below 1000 (`InvalidValue`), or if
+  /// the value is not a number (`TypeMismatch`).
   [[nodiscard]] double RecordLength() const { return settings_.recordLength; }
   void RecordLength(const Variant& seconds);
 
