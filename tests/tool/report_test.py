@@ -73,7 +73,7 @@ def season(folder):
 
 
 def hostile(text):
-    """The file's text, with all hostile words in each text field, a comment and another record."""
+    """The file's text with all hostile words in every text field, a comment and another record."""
     words = " ".join(HOSTILE)
     text = re.sub(rf"^(\w*({TEXTS}))\*\*,.*", lambda m: f"{m[1]}**,{words}", text, flags=re.M)
     text = re.sub(r"^OtherRecords\*\*,0", lambda m: f"OtherRecords**,1\n{words}", text, flags=re.M)
@@ -176,7 +176,7 @@ def marker(browser):
 
 
 def check_cursor(browser):
-    """Mouse and keyboard move the cursor in all charts and in the table."""
+    """The mouse and the keyboard move the cursor in all charts and in the table."""
     plot = ".spectrogram .plot"
     browser.keys(plot, Keys.HOME, Keys.ARROW_RIGHT)
     expect("keys", "record 2 \u00b7 14:30:00.75" in readout(browser), True)
@@ -185,7 +185,7 @@ def check_cursor(browser):
     now = browser.js(
         "return [...document.querySelectorAll('[role=slider]')].map((e) => e.ariaValueNow)"
     )
-    expect("the cursor of all charts", now, ["2"] * 4)
+    expect("the cursor in all charts", now, ["2"] * 4)
     row = browser.one(".records [aria-current]").text.split()
     expect("the table's row", row[:2], ["2", "14:30:00.75"])
     label = browser.one(".spectrum .plot").get_attribute("aria-label")
@@ -209,7 +209,7 @@ def check_zoom(browser):
     browser.keys(".levels .plot", "+")
     expect("zoom by key", round(apart() / whole, 1), 2.0)
     browser.keys(".levels .plot", "0")
-    expect("whole run by key", round(apart() / whole, 1), 1.0)
+    expect("zooming out by key", round(apart() / whole, 1), 1.0)
     over = browser.one(".levels .u-over")
     width = over.size["width"]
     ActionChains(browser.driver).move_to_element_with_offset(
@@ -221,7 +221,7 @@ def check_zoom(browser):
     expect("zoom by dragging", 1.8 < apart() / whole < 2.2, True)
     ActionChains(browser.driver).double_click(over).perform()
     browser.settle()
-    expect("whole run by double-click", round(apart() / whole, 1), 1.0)
+    expect("zooming out by double-click", round(apart() / whole, 1), 1.0)
     for button in browser.all(".toolbar button"):
         if button.text == "10 dB down":
             button.click()
@@ -230,7 +230,7 @@ def check_zoom(browser):
 
 
 def check_values(browser, folder):
-    """The table of records has the values that `aqdata metrics` prints."""
+    """The table of records shows the values that `aqdata metrics` prints."""
     mask = str(folder / "fly-over.mask.csv")
     found = json.loads(run("metrics", "--json", "--mask", mask, str(folder / "fly-over.sth.csv")))
     rows = browser.js(

@@ -13,23 +13,23 @@ import tempfile
 
 import aqdata_test
 
-ELSEWHERE = {  # parts of rows that mean something else on Windows, and why
+ELSEWHERE = {  # rows with these parts are skipped: what differs on Windows
     "odd": "names with line breaks",
-    "bytes": "names that are not text",
-    "/dev/": "devices of this system",
-    "ln -f": "a hard link to a file, which wine does not keep",
+    "bytes": "names that are not valid text",
+    "/dev/": "Unix devices",
+    "ln -f": "hard links, which wine does not keep",
     "COLORTERM": "the number of colours, which a Windows console does not report",
     "TERM=": "the number of colours, which a Windows console does not report",
-    "| head": "a reader that ends first, which a Windows program gets as an error",
+    "| head": "a reader that closes the pipe early, which is an error for a Windows program",
     "xlsx": "workbooks, which the program for Windows does not write",
-    "AQ_PYTHON": "interpreters of this system",
-    "/&s/": "the end of a line, which has a carriage return on Windows",
-    "completion": "shells of this system",
+    "AQ_PYTHON": "Unix interpreters",
+    "/&s/": "line ends, which include a carriage return on Windows",
+    "completion": "Unix shells",
 }
 
 
 def same_form(text):
-    """The output without what depends on the system or the run: line ends, separators, times."""
+    """Removes differences due to the system or the run: in line ends, separators and times."""
     text = text.replace(b"\r\n", b"\n").replace(b"\\\\", b"\\").replace(b"\\", b"/")
     text = re.sub(rb"Wine cannot find the FreeType(.*\n){4}", b"", text)
     return re.sub(rb"(FileDateTime\*\*|created|file date).*", rb"\1", text)

@@ -2,7 +2,7 @@
 season_test.py PROGRAM PROJECT RUNS [PACKAGE]
 
 Compares the results with those of the undamaged files. Prints the time of each command relative to
-the time for reading all files once.
+the time it takes to read all files once.
 """
 
 import csv
@@ -79,7 +79,7 @@ def louder(text, number):
 
 
 def make(folder):
-    """Writes raw files, some of them damaged, and undamaged ones, in a folder for each day."""
+    """Writes raw files, some of them damaged, and the undamaged originals, in one folder per day."""
     history = (SAMPLES / "fly-over.sth.csv").read_text()
     mask = (SAMPLES / "fly-over.mask.csv").read_text()
     for number in range(1, RUNS + 1):

@@ -30,12 +30,12 @@ std::string recordedName(const std::string& path) {
 
 // Rows, from a table or from a document.
 
-/// The time of day of `text`, or of `seconds` if `text` is empty.
+/// The time of day in `text`, or `seconds` if `text` is empty.
 aq::AQ_Time timeOf(const std::string& text, double seconds) {
   aq::AQ_Time time;
   if (!text.empty()) {
     time.TODstring(text);
-    // A time late in a second has the text of the next second; `seconds` decides if they differ.
+    // A time late in a second is written as the next second: if the two differ, `seconds` decides.
     if (std::abs(time.TODseconds() - seconds) < 0.006 || std::isnan(seconds)) return time;
   }
   time.assignSeconds(seconds, 0);
@@ -118,8 +118,8 @@ void giveTimes(History& read) {
     if (first) reference = own;
     if (std::abs(std::remainder(own - reference, aq::kSecondsPerDay)) > 0.02) {
       throw Failure(
-          fmt::format("record {}: its relative time has a different reference "
-                      "from that of the records before it",
+          fmt::format("record {}: its relative time implies a different reference "
+                      "than the records before it",
                       record));
     }
     first = false;
@@ -165,8 +165,8 @@ constexpr std::string_view kHistoryTable = "record,time,time_s,relative_s,band,l
 constexpr std::string_view kMapTable = "record,last_good_band,band,mask";
 constexpr std::string_view kPositionTable = "position,time,time_s,x,y,z";
 
-/// Reads all rows of a table. Throws `Failure` with the line, or `ReadFailure`, which also has the
-/// field.
+/// Reads all rows of a table. Throws `Failure`, which names the line, or `ReadFailure`, which also
+/// names the field.
 template <class Rows, class Take>
 Rows rowsOf(aq::LineReader& lines, const Take& take) {
   Rows rows;

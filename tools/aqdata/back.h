@@ -9,7 +9,7 @@ namespace aqdata {
 
 /// Reads a table or JSON document that `convert` has written: a history, a masking map or
 /// positions. Returns nothing for any other file. A table has no header, so the result has a new
-/// one, which names the table. Throws `Failure`; for a table, with the line and field, or the
+/// one, which names the table. Throws `Failure`, which for a table names the line and field, or the
 /// record, at fault.
 [[nodiscard]] std::optional<Measurement> backFrom(const std::string& path);
 

@@ -18,7 +18,7 @@ namespace {
 struct CheckChoice {
   std::vector<std::string> only;
   std::vector<std::string> ignore;
-  std::string severity = "note";  // the lowest that is reported
+  std::string severity = "note";  // the lowest severity to report
   bool strict = false;
   bool summary = false;
   std::size_t limit = 20;  // how many findings of one kind are listed per file

@@ -5,7 +5,7 @@
 namespace aqdata {
 namespace {
 
-/// Calls `visit(names, description)` for every option of a command; `names` have their dashes.
+/// Calls `visit(names, description)` for every option of a command; `names` include the dashes.
 template <class Visit>
 void forOptions(const CLI::App& command, const Visit& visit) {
   for (const CLI::Option* option : command.get_options()) {
@@ -47,7 +47,7 @@ void forWords(const CLI::App& command, const Session& session, const Visit& visi
 /// The branches of a shell's `case` on the command and the word before the one to complete.
 std::string wordCases(CLI::App& program, const Session& session, const char* branch) {
   std::string cases;
-  std::string arguments;  // branches for arguments; any word may precede one, so they come last
+  std::string arguments;  // branches for arguments; they match any word before, so they come last
   for (const CLI::App* command : commandsOf(program)) {
     forWords(*command, session, [&](const auto& names, const std::string& words) {
       const std::string pattern = command->get_name() + ':' + (names.empty() ? "*" : names.front());

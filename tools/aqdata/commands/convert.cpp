@@ -114,7 +114,7 @@ void putSpectrum(const Session& session, const ConvertChoice& choice, const Meas
   writeOutput<aq::AQ_DataSSR>(session, header, *spectrum);
 }
 
-/// Writes the history that a file of any kind holds, comma-separated or in fixed columns.
+/// Writes the history of a measurement, comma-separated or in fixed columns.
 void putHistory(Session& session, const ConvertChoice& choice, const Measurement& measurement,
                 bool inColumns) {
   const auto* const read = std::get_if<History>(&measurement.data);
@@ -126,7 +126,7 @@ void putHistory(Session& session, const ConvertChoice& choice, const Measurement
   }
 }
 
-/// The plural of a form; empty for a form that can go to standard output.
+/// The name of a form in the plural; empty if the form can go to standard output.
 std::string_view formWord(const std::string& form) {
   if (form == "history" || form == "columns") return "histories";
   if (form == "map") return "maps";

@@ -59,8 +59,7 @@ void expectOneChoice(const CutChoice& choice, bool severalFiles) {
   }
   if (severalFiles && (!choice.map.empty() || !choice.geometry.empty())) {
     throw Failure(
-        "--mask and --geometry belong to one history; --masks and --geometries use the "
-        "files next to several");
+        "--mask and --geometry belong to one history; for several, use --masks and --geometries");
   }
 }
 

@@ -33,7 +33,7 @@ struct Column {
   Json a = {};
   Json b = {};
   std::size_t numbers = 0;  // how many numbers were compared, including equal ones
-  double sum = 0;           // the sum of their differences
+  double sum = 0;           // the sum of the absolute differences
 
   void compare(const Json& one, const Json& other, std::int32_t number, double tolerance) {
     const bool areNumbers = one.is_number() && other.is_number();
@@ -333,7 +333,7 @@ std::vector<std::string> pairRow(const FilePair& pair, const PairOutcome& outcom
           fmt::format("{}", fmt::join(others, ", "))};
 }
 
-/// Compares two folders file by file: two seasons, or one before and after a change.
+/// Compares two folders file by file: two seasons, or one season before and after a change.
 void diffFolders(Session& session, const DiffChoice& choice) {
   const std::vector<FilePair> pairs = pairsOf(session, choice);
   Table table({{"file"}, {""}, {"largest", true}, {"where"}, {"mean", true}, {"and", false, true}});

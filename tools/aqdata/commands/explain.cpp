@@ -17,7 +17,7 @@ struct ExplainChoice {
   std::string map;
 };
 
-/// The spectrum to explain; its record number and map, if it has them.
+/// The spectrum to explain, with its record number and map, if it has them.
 struct Explained {
   std::shared_ptr<aq::AQ_Spectrum> spectrum;
   std::optional<int> record;

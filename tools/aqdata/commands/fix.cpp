@@ -63,7 +63,7 @@ void writeBytes(const std::string& path, std::string_view bytes) {
   }
 }
 
-/// Keeps a copy of a file next to it, with its date.
+/// Keeps a copy next to the file, with the file's date.
 std::string keepOriginal(const std::string& path, std::string_view bytes) {
   std::string original = path + ".orig";
   std::error_code error;

@@ -54,7 +54,7 @@ struct Extent {
     if (!begin) return;
     info["begin"] = beginText;
     info["end"] = endText;
-    // A step back of more than half a day crosses midnight; a smaller one is a fault of the times.
+    // A step back of more than half a day crosses midnight; a smaller one is an error in the times.
     const double seconds = *end - *begin;
     info["duration_s"] = tidySeconds(seconds < -43200 ? seconds + 86400 : seconds);
   }
@@ -109,7 +109,7 @@ void describe(const Held<Header, aq::AQ_Microphone>& read, Json& info) {
 
 void describe(const Parameters&, Json&) {}
 
-/// The instrument's word for a code, or the number.
+/// The instrument's word for a code, or the number if there is no word.
 std::string codeText(const aq::sdf::Record& record, const aq::sdf::Field& field) {
   const std::int32_t number = record.integer(field);
   const std::string_view word = aq::sdf::wordOf(*field.codes, number);
@@ -163,7 +163,7 @@ struct Outcome {
   std::string failure = {};
 };
 
-/// What is known of a recording without levels, such as a time signal; nothing for any other file.
+/// What is known about a recording without levels, such as a time signal; nothing for other files.
 std::optional<Json> infoWithoutLevels(const std::string& path, const std::string& failure) {
   constexpr auto kKind = aq::FileKind::AnalyzerRecording;
   if (aq::kindOfFile(path) != kKind) return std::nullopt;

@@ -21,7 +21,7 @@ struct JoinChoice {
   bool geometries = false;
 };
 
-/// Throws `Failure` unless the headers agree, as those of pieces of one run do.
+/// Throws `Failure` unless the headers agree, as they do for pieces of one run.
 void expectSameHeader(const History& one, const History& other, const std::string& file) {
   const auto expectWord = [&](const char* what, const std::string& a, const std::string& b) {
     if (a == b) return;
@@ -53,7 +53,7 @@ void expectSameGeometry(const aq::AQ_HeaderGTH& one, const aq::AQ_HeaderGTH& oth
     return std::tuple(at.X(), at.Y(), at.Z());
   };
   if (place(one) != place(other)) {
-    throw Failure("the geometries have different positions of the microphone");
+    throw Failure("the geometries have different microphone positions");
   }
   if (one.Temperature != other.Temperature) {
     throw Failure(fmt::format("the geometries have different temperatures: {} and {}",
@@ -61,7 +61,7 @@ void expectSameGeometry(const aq::AQ_HeaderGTH& one, const aq::AQ_HeaderGTH& oth
   }
 }
 
-/// Appends a piece to the run; returns how many records were missing between them.
+/// Appends a piece to the run; returns how many records were missing between the two.
 std::int32_t append(Run& run, Run& piece, const std::string& file, const JoinChoice& choice) {
   expectSameHeader(run.history, piece.history, file);
   expectKnownWords(piece.history, file);

@@ -87,8 +87,7 @@ void addMask(CLI::App& program, Session& session) {
   command->add_option("--ambient", choice->ambient, "The spectrum record of the ambient")
       ->required()
       ->option_text("AMBIENT");
-  command
-      ->add_option("--margin", choice->margin, "Mask levels less than this above the ambient (3)")
+  command->add_option("--margin", choice->margin, "Mask levels less than DB above the ambient (3)")
       ->check(numberFromZero, "")
       ->option_text("DB");
   addOutputFile(*command, session, "The masking map to write");

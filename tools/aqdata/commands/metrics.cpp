@@ -88,7 +88,7 @@ void printMetrics(Session& session, const Json& document) {
   table.print(session);
 }
 
-/// The line of a file in the table of several files; `text` formats the numbers of the event.
+/// A file's line in the table of several files; `text` formats the numbers of the event.
 template <class Text>
 std::vector<std::string> eventCells(const FileMetrics& outcome, const Text& text) {
   const Json& event = outcome.document["event"];

@@ -50,7 +50,7 @@ aq::AQ_RefTimeType referenceOf(const History& read, const StampChoice& choice) {
                   aq::escaped(choice.file), aq::shown(read.words.reference())));
 }
 
-/// Throws `Failure` for an unknown averaging method; the other words of the file are replaced.
+/// Throws `Failure` for an unknown averaging method; stamping replaces the file's other words.
 void expectKnownAveraging(History read, const std::string& file) {
   std::erase_if(read.others, [](const auto& other) { return other.what != "averaging method"; });
   expectKnownWords(read, file);
