@@ -14,11 +14,11 @@
 
 namespace aqdata {
 
-/// The files that the user's arguments name. A pattern selects the files and folders that match
-/// it, and a folder all measurement files below it: those that end in ".csv", ignoring case, or
-/// are of a known kind, except hidden files and the originals that `fix` keeps. A folder is visited
-/// once, even if several links lead to it. In folders, files whose names, in capitals, have one of
-/// the `more` endings are chosen too. Complains about names that lead to no file.
+/// The files that the user's arguments name. A pattern selects the files and folders that match it.
+/// A folder selects all measurement files below it: those that end in ".csv", ignoring case, or are
+/// of a known kind, except hidden files and the originals that `fix` keeps. It also selects files
+/// whose names, in capitals, have one of the `more` endings. A folder is visited once, even if
+/// several links lead to it. Complains about arguments that select no file.
 [[nodiscard]] std::vector<std::string> chosenFiles(Session& session,
                                                    const std::vector<std::string_view>& more = {});
 

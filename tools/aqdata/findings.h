@@ -26,14 +26,14 @@ struct FileFindings {
   /// Counts a finding, and keeps it if fewer than `limit` of its kind are kept so far.
   void take(const aq::Finding& finding, std::size_t limit);
 
-  /// The kept findings; those of the whole file come first.
+  /// The kept findings; those about the whole file come first.
   [[nodiscard]] std::vector<const aq::Finding*> listed() const;
 };
 
 /// The place as text, such as ", line 22, field 4, record 1, band 17"; empty for the whole file.
 [[nodiscard]] std::string placeText(const aq::FindingPlace& place);
 
-/// The finding as JSON; what its place lacks is left out.
+/// The finding as JSON; parts that its place lacks are left out.
 [[nodiscard]] Json findingJson(const aq::Finding& finding);
 
 }  // namespace aqdata

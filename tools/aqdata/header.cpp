@@ -71,7 +71,7 @@ Json keyed(Object& object) {
   return values;
 }
 
-/// Puts keys in the order of a card; values that already begin with its first key stay as they are.
+/// Puts keys in the order of a card, unless they already begin with the card's first key.
 Json inCardOrder(const Json& values) {
   if (values.empty() || values.begin().key() == kCardOrder.front()) return values;
   Json ordered = Json::object();

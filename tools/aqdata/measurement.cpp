@@ -28,7 +28,7 @@ aq::FileKind kindOf(const std::string& path) {
                             empty ? "an empty file" : aq::shown(lines.Lines()->Item(1))));
 }
 
-/// How a file is read: who sees its header lines, and which tracking fixes are dropped.
+/// How a file is read: what observes its header lines, and which tracking fixes are dropped.
 struct Reading {
   const aq::HeaderObserver& watch;
   std::uint8_t rt20Limit = 1;

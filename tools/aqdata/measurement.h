@@ -66,7 +66,7 @@ struct Measurement {
 /// The kind of file in one word, such as "history".
 [[nodiscard]] std::string_view kindWord(aq::FileKind kind);
 
-/// Reads a file of any kind; `watch` gets its header lines. Drops tracking fixes with an RT20
+/// Reads a file of any kind; `watch` receives its header lines. Drops tracking fixes with an RT20
 /// figure above `rt20Limit`. Throws `Failure`.
 [[nodiscard]] Measurement openFile(const std::string& path, const aq::HeaderObserver& watch = {},
                                    std::uint8_t rt20Limit = 1);

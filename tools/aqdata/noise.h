@@ -51,7 +51,7 @@ inline constexpr MetricName kMetricNames[] = {
 /// A field of comma-separated values, in quotes if necessary.
 [[nodiscard]] std::string csvField(const std::string& text);
 
-/// The files that the user's arguments name, and the histories in the folders that they name.
+/// The files that the user's arguments name; for a folder, the histories in it.
 [[nodiscard]] std::vector<std::string> chosenHistories(Session& session);
 
 }  // namespace aqdata

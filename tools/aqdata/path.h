@@ -6,7 +6,7 @@
 
 namespace aqdata {
 
-/// A name in UTF-8 as a path. On Windows, a path made from its plain bytes would have wrong
+/// A name in UTF-8 as a path. On Windows, a path made from its plain bytes would have the wrong
 /// letters.
 [[nodiscard]] inline std::filesystem::path pathOf(std::string_view name) {
   return std::u8string(name.begin(), name.end());

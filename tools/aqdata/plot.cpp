@@ -78,7 +78,7 @@ constexpr std::string_view kMaskedBlock = "░";
 constexpr std::string_view kMaskedCell = "·";
 constexpr std::array<std::string_view, 9> kBlocks{" ", "▁", "▂", "▃", "▄", "▅", "▆", "▇", "█"};
 
-/// The part of a bar in one line of characters; `height` is in lines.
+/// The character that draws a bar's part in one line; `height` is in lines.
 std::string_view blockIn(double height, int line) {
   const double part = std::clamp(height - line, 0.0, 1.0);
   return kBlocks[static_cast<std::size_t>(std::lround(part * 8))];

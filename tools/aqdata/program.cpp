@@ -38,7 +38,7 @@ std::string unknown(const char* what, const std::string& found,
                      meant.empty() ? "" : fmt::format("; did you mean {}?", meant));
 }
 
-/// How many words at the beginning are an option that commands share, with its value.
+/// How many of the first words form an option that commands share, with its value.
 std::size_t sharedOption(const std::vector<std::string>& words) {
   static const std::set<std::string> kFlags{"--json", "-q", "--quiet"};
   static const std::set<std::string> kWithValue{"--color", "-j", "--jobs"};

@@ -34,7 +34,7 @@ class Session {
   std::string output;              ///< the file to write
   bool force = false;              ///< replaces an existing file
   std::map<const CLI::Option*, std::vector<std::string>> words =
-      {};  ///< the words that options take
+      {};  ///< the words that each option takes
 
   [[nodiscard]] int status() const { return status_; }
 

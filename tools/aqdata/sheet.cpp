@@ -8,7 +8,7 @@
 namespace aqdata {
 namespace {
 
-/// The seconds of a time as a number, since its text has only hundredths for most of the day.
+/// The seconds of a time as a number; as text, most times of day have only hundredths.
 double secondsOf(const aq::AQ_Time& time) { return tidySeconds(time.TODseconds()); }
 
 /// Adds a row: its number, the cells of the other columns, and its value in each of the sheet's

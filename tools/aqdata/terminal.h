@@ -31,7 +31,8 @@ struct Character {
 /// The first character of `text`, which is UTF-8 and not empty; an invalid byte takes one column.
 [[nodiscard]] Character firstOf(std::string_view text);
 
-/// Whether `path` is a device, a pipe or one of the program's own streams; /dev/stdout always is.
+/// Whether `path` is a device, a pipe or one of the program's own streams; /dev/stdout always
+/// counts as one.
 [[nodiscard]] bool isStream(const std::string& path);
 
 /// Sets up the streams: a closed pipe ends the program silently, if the system supports that.

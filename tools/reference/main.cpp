@@ -1,6 +1,6 @@
 // Writes the reference page of the object model. With `members`, writes what a test compares with
 // the headers and checks for units and meanings: each class with its number, each member with the
-// numbers of arguments that it takes, and the unit and text of everything that is described.
+// numbers of arguments it takes, and every unit and description.
 
 #include <aq/describe/check.h>
 #include <aq/describe/files.h>

@@ -21,8 +21,8 @@ struct GeometryChoice {
   std::string records;
 };
 
-/// The points, numbered from 1 as a file requires. Throws `Failure` if a record in the range has no
-/// point.
+/// The points, numbered from 1 as the file format requires. Throws `Failure` if a record in the
+/// range has no point.
 aq::AQ_GeometryTimeHistory numberedPoints(const aq::AQ_SpectralTimeHistory& history,
                                           const aq::AQ_GeometryTimeHistory& points,
                                           const Range& range, const std::string& file) {
@@ -97,8 +97,8 @@ void addGeometry(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<GeometryChoice>();
   CLI::App* const command = addCommand(
       program, session, "geometry", "Compute where the source was when it emitted each record",
-      "Coordinates are in metres. The source is taken to fly straight from position to\n"
-      "position; every record must have been emitted between the first and the last.\n\n"
+      "Coordinates are in metres. The source is assumed to fly straight between\n"
+      "positions; every record must have been emitted between the first and the last.\n\n"
       "Examples:\n"
       "  aqdata geometry fly-over.sth.csv fly-over.tspi.csv fly-over.mic.csv \\\n"
       "    --celsius 20 --records 10:50 -o made.gth.csv\n",

@@ -226,8 +226,8 @@ void addMetrics(CLI::App& program, Session& session) {
   CLI::App* const command =
       addCommand(program, session, "metrics", "Compute noise metrics and the event: PNLT, EPNL",
                  "One history: prints the metrics of each record, then the event. Several, or a\n"
-                 "folder: prints the event of each history on one line. -o writes the same table,\n"
-                 "for one history without the event. INTEG says which part of the event a record\n"
+                 "folder: prints the event of each history on one line. -o writes the same table;\n"
+                 "for one history, without the event. INTEG says which part of the event a record\n"
                  "is: the maximum, the first or last record of the sum, or a second peak.\n\n"
                  "Examples:\n"
                  "  aqdata metrics fly-over.sth.csv --mask fly-over.mask.csv\n"

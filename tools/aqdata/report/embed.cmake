@@ -6,7 +6,7 @@
 set(text "// Made by embed.cmake.\n#include \"tools/aqdata/report/assets.h\"\n\n")
 string(APPEND text "namespace aqdata::report::assets {\n")
 
-# Writes an array of bytes, since compilers limit the length of a string, and the digest of them.
+# Writes the content as an array of bytes, since compilers limit string lengths, and its digest.
 function(embed name content)
   string(HEX "${content}" hex)
   string(REGEX REPLACE "(..)" "0x\\1," bytes "${hex}")

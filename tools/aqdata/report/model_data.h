@@ -9,7 +9,7 @@
 
 #include "tools/aqdata/session.h"
 
-// The content of the models in the page's form. Lengths are in the unit of the file.
+// The content of the models in the form that the page reads. Lengths are in the unit of the file.
 namespace aqdata::report {
 
 inline constexpr double kNoValue = std::numeric_limits<double>::quiet_NaN();

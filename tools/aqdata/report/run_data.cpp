@@ -24,7 +24,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kListed = 20;  // most findings of one kind that are listed per file
+constexpr std::size_t kListed = 20;  // how many findings of one kind are listed per file
 
 std::string nameOf(const std::string& path) { return pathOf(path).filename().string(); }
 
@@ -236,8 +236,8 @@ class RunReader {
          });
   }
 
-  /// The file that was found or, without one, the file `name` that the geometry was made from;
-  /// empty if there is none.
+  /// `found` or, if it is empty, the file `name` that the geometry was made from; empty if that
+  /// file does not exist.
   [[nodiscard]] std::string recorded(const std::string& found, const std::string& name) const {
     if (!found.empty() || name.empty() || choice_.alone) return found;
     std::error_code error;

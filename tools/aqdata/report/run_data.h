@@ -24,7 +24,7 @@ struct RunChoice {
   [[nodiscard]] bool isOfOneRun() const;
 };
 
-/// A run in the page's form.
+/// A run in the form that the page reads.
 struct RunData {
   Json summary = {};                         ///< its line in the table of all runs
   Json document = {};                        ///< the data of its section
