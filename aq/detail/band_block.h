@@ -44,6 +44,13 @@ class BandBlock {
     first_ = first;
   }
 
+  /// Replaces the block with `count` cells of unspecified value, the first one for band `first`.
+  [[nodiscard]] std::span<Cell> renew(std::int16_t first, std::size_t count) {
+    cells_.renew(count);
+    first_ = first;
+    return all();
+  }
+
  private:
   static std::size_t index(int at) { return static_cast<std::size_t>(at); }
 

@@ -50,6 +50,13 @@ class InlineVector {
     swap(assigned);
   }
 
+  /// Replaces the cells with `size` unspecified ones.
+  void renew(std::size_t size) {
+    free();
+    size_ = 0;
+    grow(size);
+  }
+
   void insert(const Cell* place, std::size_t count, Cell value) {
     const std::ptrdiff_t at = place - data();
     const std::size_t before = size();

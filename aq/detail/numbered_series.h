@@ -139,20 +139,15 @@ class NumberedSeries {
   };
 
   void store(std::int32_t number, Object&& object) {
-    if (index_.continues(number)) {
-      slots_.reserveNext();
-      slots_.append(std::move(object));
-      index_.lengthen();
-      return;
-    }
-    const std::size_t slot = index_.find(number);
     slots_.reserveNext();
-    index_.reserveNext(number);
-    if (slot != NumberIndex::kNoSlot) {
-      slots_.remove(slot, [this](const auto& newSlot) { index_.renumber(newSlot); });
-    }
+    const bool continues = index_.continues(number);
+    if (!continues) makeRoomFor(number);
     slots_.append(std::move(object));
-    index_.set(number, slots_.slots() - 1);
+    if (continues) {
+      index_.lengthen();
+    } else {
+      index_.set(number, slots_.slots() - 1);
+    }
   }
 
   [[nodiscard]] bool contains(std::int32_t number) const {
@@ -183,6 +178,14 @@ class NumberedSeries {
   [[nodiscard]] const TombstoneList<Object>& placed() const { return slots_; }
 
  private:
+  /// Removes the object with that number, if there is one, and reserves room for the number.
+  void makeRoomFor(std::int32_t number) {
+    const std::size_t slot = index_.find(number);
+    index_.reserveNext(number);
+    if (slot == NumberIndex::kNoSlot) return;
+    slots_.remove(slot, [this](const auto& newSlot) { index_.renumber(newSlot); });
+  }
+
   TombstoneList<Object> slots_;
   NumberIndex index_;
 };

@@ -1,7 +1,6 @@
 #include "aq/masking/data_mask.h"
 
 #include <algorithm>
-#include <vector>
 
 #include "aq/core/band_label.h"
 #include "aq/core/platform.h"
@@ -81,16 +80,16 @@ std::size_t bandCount(const AQ_HeaderMask& header) {
   return static_cast<std::size_t>(std::max(count, 0));
 }
 
-/// Uses the bands of the header, which may differ from those that the row had when written. `codes`
-/// is a buffer that all rows share.
-void readRow(FieldReader fields, const AQ_HeaderMask& header, std::vector<MaskCode>& codes,
-             std::shared_ptr<AQ_MaskRow> row, AQ_MaskMap& map) {
+/// Uses the bands of the header, which may differ from those that the row had when written.
+void readRow(FieldReader fields, const AQ_HeaderMask& header, std::shared_ptr<AQ_MaskRow> row,
+             AQ_MaskMap& map) {
   const std::int16_t record = fields.int16("a record number");
   const std::size_t count = bandCount(header);
-  codes.resize(std::min(count, fields.mostLeft()));  // the header may claim any number
-  codes.resize(fields.takeRun(std::span(codes), masksAtFront));
-  while (codes.size() < count) codes.push_back(maskCodeOf(maskFrom(fields)));
-  row->assign(header.iBandLow, codes);
+  // The header may claim any number; taking more masks than the line can have throws.
+  const auto codes = row->renew(header.iBandLow, std::min(count, fields.mostLeft()));
+  for (std::size_t i = fields.takeRun(codes, masksAtFront); i < count; ++i) {
+    codes[i] = maskCodeOf(maskFrom(fields));
+  }
   row->LGB(fields.int16("the last good band"));
   map.Row(record, std::move(row));
 }
@@ -132,9 +131,8 @@ AQ_DataMessage AQ_DataMask::readFile(const std::string& sFileName,
     header_->sColumnLabels = headerLines.columns();
     aqHeader = header_;
     MaskMap = std::make_shared<AQ_MaskMap>();
-    std::vector<MaskCode> codes;
     SharedBlocks<AQ_MaskRow> rows(header_->lNumberRows);
-    while (lines.next()) readRow(FieldReader(lines), *header_, codes, rows.next(), *MaskMap);
+    while (lines.next()) readRow(FieldReader(lines), *header_, rows.next(), *MaskMap);
   });
 }
 

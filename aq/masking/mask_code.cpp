@@ -20,9 +20,15 @@ AQ_Mask maskWith(int mode, int adjustment) {
   return mask;
 }
 
-constexpr std::size_t indexOf(char mode, char adjustment) {
-  return static_cast<unsigned char>(mode) | std::size_t{static_cast<unsigned char>(adjustment)}
-                                                << 8;
+/// Two bytes as the number that they are in memory, the index of the tables below.
+template <class Byte>
+constexpr std::size_t indexOf(std::array<Byte, 2> bytes) {
+  return std::bit_cast<std::uint16_t>(bytes);
+}
+std::size_t indexAt(const void* bytes) {
+  std::uint16_t index = 0;
+  std::memcpy(&index, bytes, sizeof index);
+  return index;
 }
 
 constexpr MaskCode kNoLetters = 0x80;  // above all codes
@@ -34,7 +40,8 @@ constexpr auto kCodesOfLetters = [] {
   codes.fill(kNoLetters);
   MaskCode code = kDefaultMaskCode;
   for (const char mode : kMaskModes) {
-    for (const char adjustment : kMaskAdjustments) codes[indexOf(mode, adjustment)] = code++;
+    for (const char adjustment : kMaskAdjustments)
+      codes[indexOf(std::array{mode, adjustment})] = code++;
   }
   return codes;
 }();
@@ -54,7 +61,6 @@ constexpr std::array<char, kColumn> columnOf(std::size_t code) {
 using TwoColumns = std::uint64_t;
 constexpr TwoColumns kMissing = std::bit_cast<TwoColumns>(std::array<char, 8>{0, 0, 0, 0, 0, 0, 1});
 
-/// Indexed by two codes, read as one number from memory.
 constexpr auto kTwoColumns = [] {
   std::array<TwoColumns, kCodes << 8> table{};
   for (MaskCode first = 0; first < kCodes; ++first) {
@@ -63,17 +69,14 @@ constexpr auto kTwoColumns = [] {
       const auto two = columnOf(second);
       const char missing = first == kNoMaskCode || second == kNoMaskCode ? 1 : 0;
       const std::array columns = {one[0], one[1], one[2], two[0], two[1], two[2], missing, '\0'};
-      table[std::bit_cast<std::uint16_t>(std::array{first, second})] =
-          std::bit_cast<TwoColumns>(columns);
+      table[indexOf(std::array{first, second})] = std::bit_cast<TwoColumns>(columns);
     }
   }
   return table;
 }();
 
 TwoColumns putTwo(char* at, const MaskCode* codes) {
-  std::uint16_t both = 0;
-  std::memcpy(&both, codes, sizeof both);
-  const TwoColumns columns = kTwoColumns[both];
+  const TwoColumns columns = kTwoColumns[indexAt(codes)];
   std::memcpy(at, &columns, sizeof columns);
   return columns;
 }
@@ -98,7 +101,7 @@ namespace {
 
 /// Reads the code of one column; returns 0 only if the column has two known letters and a comma.
 unsigned takeMask(const char* at, MaskCode& code) {
-  code = kCodesOfLetters[indexOf(at[0], at[1])];
+  code = kCodesOfLetters[indexAt(at)];
   return (code & unsigned{kNoLetters}) | static_cast<unsigned>(at[2] ^ ',');
 }
 

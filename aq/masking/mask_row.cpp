@@ -52,10 +52,11 @@ void AQ_MaskRow::store(std::int16_t band, const AQ_Mask& decision) {
   }
 }
 
-void AQ_MaskRow::assign(std::int16_t low, std::span<const MaskCode> codes) {
-  codes_.assign(low, codes);
+std::span<MaskCode> AQ_MaskRow::renew(std::int16_t low, std::size_t count) {
+  const std::span<MaskCode> codes = codes_.renew(low, count);
   objects_.reset();
-  bands_.widen(low, codes.size());
+  bands_.widen(low, count);
+  return codes;
 }
 
 /// The code of a band; a band without one gets that of a default mask.

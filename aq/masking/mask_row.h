@@ -60,8 +60,9 @@ class AQ_API AQ_MaskRow {
   /// Like the setter with a new mask of these values.
   void store(std::int16_t band, const AQ_Mask& decision);
 
-  /// Replaces all masks with those of `codes`, for consecutive bands from `low` up.
-  void assign(std::int16_t low, std::span<const MaskCode> codes);
+  /// Replaces all masks with `count` masks of consecutive bands from `low` up. Returns the codes to
+  /// set, all of them, before any other call.
+  [[nodiscard]] std::span<MaskCode> renew(std::int16_t low, std::size_t count);
 
   /// The codes of the masks from `LowBand` to `HighBand`, `kNoMaskCode` where a band has no mask.
   /// Empty if a mask has no code or its object was handed out.

@@ -46,9 +46,6 @@ void split(std::string_view text, std::string_view delimiter,
   forEachPiece(text, delimiter, [&](std::string_view piece) { pieces.push_back(piece); });
 }
 
-FieldReader::FieldReader(std::string_view line, std::size_t lineNumber, Form form)
-    : rest_(trimmed(line)), raw_(form == Form::Raw), line_(lineNumber) {}
-
 std::string_view FieldReader::text(const char* expected) {
   ++number_;
   if (done_) failRead(line_, number_, expected, "the end of the line");

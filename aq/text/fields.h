@@ -81,7 +81,8 @@ class AQ_API FieldReader {
   /// Whether fields lose their double quotes and outer blanks.
   enum class Form { Clean, Raw };
 
-  FieldReader(std::string_view line, std::size_t lineNumber, Form form = Form::Clean);
+  FieldReader(std::string_view line, std::size_t lineNumber, Form form = Form::Clean)
+      : rest_(trimmed(line)), raw_(form == Form::Raw), line_(lineNumber) {}
   explicit FieldReader(const LineReader& lines, Form form = Form::Clean)
       : FieldReader(lines.line(), lines.number(), form) {}
 

@@ -24,7 +24,7 @@ HELPERS = {
     "AQ_Spectrum.levelNumbers",
     "AQ_Spectrum.plainLevels", "AQ_Spectrum.timeValue",
     "AQ_Position.lazyTime",
-    "AQ_MaskRow.assign", "AQ_MaskRow.codes", "AQ_MaskRow.decision", "AQ_MaskRow.store",
+    "AQ_MaskRow.codes", "AQ_MaskRow.decision", "AQ_MaskRow.renew", "AQ_MaskRow.store",
     "AQ_MaskMap.heldRow",
     "FileClass.fileInformation", "FileClass.observeHeader",
     "FileInformation.sourceDateTime",
