@@ -2,8 +2,8 @@
 
 #include "aq/sdf/field.h"
 
-// The codes of the fields, with the words of the instrument's own text. An unlisted number is shown
-// as a number.
+// The codes of the fields, with the words that the instrument prints. A number without a word is
+// shown as a number.
 namespace aq::sdf::codes {
 
 inline constexpr Code kInstrumentList[] = {

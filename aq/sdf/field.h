@@ -10,15 +10,15 @@
 
 namespace aq::sdf {
 
-/// A coded number and its word in the instrument's own text.
+/// A coded number and the word that the instrument prints for it.
 struct Code {
   std::int16_t number;
   std::string_view word;
   std::string_view otherWord = {};
 };
 
-/// The codes of a field. A prefix or suffix that every word has, such as "_DATA", is optional when
-/// read.
+/// The codes of a field. Readers accept each word without the prefix or suffix that all words have,
+/// such as "_DATA".
 struct Codes {
   std::span<const Code> codes;
   std::string_view affix;

@@ -59,10 +59,11 @@ struct AnyLayout {
   std::span<const Field> fields;
 };
 
-/// The layout of records of that type; types defined by the instrument share that of `Unique`.
+/// The layout of records of that type; types defined by the instrument share the layout of
+/// `Unique`.
 [[nodiscard]] AQ_API const AnyLayout& layoutOf(RecordType type);
 
-/// The layout with that name in the instrument's text; `nullptr` if there is none.
+/// The layout with the name that the instrument prints; `nullptr` if there is none.
 [[nodiscard]] const AnyLayout* layoutNamed(std::string_view name);
 
 /// The parts of a unit or window field. Their bytes are counted from the start of that field.
@@ -71,7 +72,7 @@ struct AnyLayout {
 inline constexpr auto kUnit = layout("SDF_UNIT", {},
                                      {{"label", 1, Type::Text, 10},
                                       {"factor", 11, Type::Float},  // to the SI unit
-                                      // Each is twice the exponent of its quantity.
+                                      // Twice the exponent of each base quantity.
                                       {"mass", 15, Type::Byte},
                                       {"length", 16, Type::Byte},
                                       {"time", 17, Type::Byte},

@@ -26,17 +26,17 @@ struct UnitOfValues {
   [[nodiscard]] bool isTime() const { return isLike(0, 0, 2); }
 };
 
-/// A record in the bytes of a recording, which it does not copy. A field that does not end within
-/// the record counts as missing; reading it throws `ReadFailure`.
+/// A view of one record in the bytes of a recording. A field that extends past the end of the
+/// record counts as missing; reading it throws `ReadFailure`.
 class AQ_API Record {
  public:
-  /// `bytes` starts with the record, whose size field says `size`; a record from a text file may
+  /// `bytes` starts with the record, whose size field holds `size`; a record from a text file may
   /// have fewer bytes.
   Record(std::string_view bytes, std::size_t size, std::size_t place);
 
   [[nodiscard]] RecordType type() const;
   [[nodiscard]] std::size_t size() const { return size_; }
-  /// The offset of its first byte in the file.
+  /// The offset of the record in the file.
   [[nodiscard]] std::size_t place() const { return place_; }
   [[nodiscard]] const AnyLayout& layout() const { return layoutOf(type()); }
   [[nodiscard]] std::string_view bytes() const { return bytes_; }

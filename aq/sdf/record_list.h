@@ -39,17 +39,17 @@ class AQ_API RecordList {
   [[nodiscard]] const Record& file() const { return all(RecordType::File).front(); }
   [[nodiscard]] const Record& measurement() const { return all(RecordType::Measurement).front(); }
 
-  /// The records of a type; empty if there is none.
+  /// The records of a type; empty if there are none.
   [[nodiscard]] const std::vector<Record>& all(RecordType type) const;
 
-  /// The revision, 1 to 3, found from the size of the measurement header, since the file header may
-  /// say 0.
+  /// The revision, 1 to 3, derived from the size of the measurement header, since the file header
+  /// may give 0.
   [[nodiscard]] int revision() const;
 
-  /// The size of a measurement header whose fields end with byte `used`.
+  /// The size of a measurement header whose last field ends with byte `used`.
   [[nodiscard]] static std::size_t measurementSize(std::size_t used);
 
-  // A field of `record` that replaces `old` since revision `since`; older files use `old`.
+  // A field of `record` that replaces `old` from revision `since` on; older files have `old`.
   [[nodiscard]] std::int32_t integer(const Record& record, const Field& field, int since,
                                      const Field& old) const;
   [[nodiscard]] double real(const Record& record, const Field& field, int since,

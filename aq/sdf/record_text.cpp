@@ -121,7 +121,7 @@ void RecordText::field(std::string_view name, std::string_view value, std::size_
   part.used = std::max(part.used, target.at + sizeOf(*target.field));
 }
 
-/// The size that the text file gives; otherwise the size that the record's fields need.
+/// The size given in the text file, or else the size that the record's fields need.
 std::size_t RecordText::sizeOfRecord(const Part& part) {
   if (part.size != 0) return part.size;
   switch (part.layout->type) {

@@ -9,7 +9,8 @@
 
 namespace aq::sdf {
 
-/// A line of a text file as a name and its value; the name is empty if the line has another form.
+/// A line of a text file as a name and its value; the name is empty if the line does not have this
+/// form.
 struct NamedValue {
   std::string_view name;
   std::string_view value;

@@ -28,7 +28,7 @@ std::vector<char> bytesOf(const std::string& path) {
   return bytes;
 }
 
-/// The size of the header of a record of scan variables; their values follow it.
+/// The size of the header of a scan variable record; the values follow it.
 std::size_t headerOf(const Record& record) {
   constexpr std::size_t kScansHeader = 36;
   constexpr std::size_t kVariableHeader = 54;
@@ -44,7 +44,7 @@ NumberType variableType(const Record& record) {
                                                                : kScanVariable["scanVar_type"]);
 }
 
-/// The records that can hold the values of scan variables, those of revision 3 first.
+/// The records that can hold values of scan variables; the kind of revision 3 comes first.
 std::vector<const Record*> variableRecords(const RecordList& records) {
   std::vector<const Record*> found;
   for (const RecordType type : {RecordType::ScanVariable, RecordType::Scans}) {
@@ -67,7 +67,7 @@ bool isTime(const Record& record, const UnitOfValues& unit) {
                            record.integer(kScanVariable["scanBase_type"]) == kTimeBase);
 }
 
-/// The size of the values of a record, which end at `end`, in words for a failure.
+/// The size of the values of a record that end at `end`, as text for a failure.
 std::string countedText(std::uint64_t end) {
   constexpr std::uint64_t kTooMany = std::numeric_limits<std::uint64_t>::max();
   const std::string bytes = end == kTooMany ? "2^64 or more" : std::to_string(end - kHead);
@@ -180,7 +180,7 @@ void Recording::readSets() {
 void Recording::placeY() {
   std::uint64_t at = kHead;
   const auto whole = [](const TraceSet& set) { return times(set.traceBytes, set.traces); };
-  std::uint64_t scanBytes = 0;  // of all sets together
+  std::uint64_t scanBytes = 0;  // one scan of all sets together
   for (const TraceSet& set : sets_) {
     if (set.scanned) scanBytes = plus(scanBytes, whole(set));
   }
@@ -208,7 +208,7 @@ void Recording::placeX() {
   if (end == kHead) return;
   if (records.empty()) failRead(0, 0, "a record SDF_XDATA_HDR (type 16)", "none");
   const Record& record = records.front();
-  // Files store the x of a trace once per scan, or once for all scans.
+  // Files store the x vector of a trace once per scan, or once for all scans.
   axisOfScan_ = end <= record.size();
   if (!axisOfScan_) end = endOfX(false);
   if (end > record.size()) {

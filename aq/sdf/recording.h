@@ -37,13 +37,13 @@ struct TraceSet {
   std::uint64_t scanBytes = 0;  ///< bytes from one scan to the next
   Axis axis = Axis::Linear;
   NumberType axisType = NumberType::Float;
-  std::size_t axisStep = 1;  ///< numbers of the x record per point, the first of which is used
+  std::size_t axisStep = 1;  ///< numbers per point in the X record; the first is used
   std::uint64_t axisBytes = 0;
   std::uint64_t axisAt = 0;  ///< offset of the first x in the X record
 };
 
-/// The scans of a recording: how many it has room for, and how many of them, from the first, are
-/// valid.
+/// The scans of a recording: how many it has room for, and how many of these, counted from the
+/// first, are valid.
 struct Scans {
   bool any = false;  ///< false: everything was measured once
   std::size_t kept = 1;
@@ -52,7 +52,7 @@ struct Scans {
                         ///< data headers of each scan are contiguous
 };
 
-/// The quantity that a scan was measured at, such as a time or a speed.
+/// The quantity at which each scan was measured, such as a time or a speed.
 struct ScanVariable {
   const Record* record;
   UnitOfValues unit;
@@ -74,11 +74,11 @@ class AQ_API Recording {
   using TextTraces = std::map<std::tuple<std::size_t, std::size_t, std::size_t>, TextTrace>;
 
   /// Reads a binary file. Throws `platform::SystemError`, and `ReadFailure` if the file contradicts
-  /// itself or its size, before allocating any memory that it claims to need.
+  /// itself or its size, before allocating any memory that the file claims to need.
   static Recording fromFile(const std::string& path);
 
   explicit Recording(RecordList records);
-  /// A recording read from a text file; the keys of `traces` are data header, trace and scan.
+  /// A recording read from a text file; each key of `traces` is a data header, a trace and a scan.
   Recording(RecordList records, TextTraces traces);
 
   [[nodiscard]] const RecordList& records() const { return records_; }
@@ -127,7 +127,7 @@ class AQ_API Recording {
   bool axisOfScan_ = true;  // the traces of each scan have their own x vectors
 };
 
-/// The type of a number from its code; fails with the record's name for an unknown code.
+/// The number type that the field's code selects; fails with the record's name for an unknown code.
 [[nodiscard]] NumberType numberType(const Record& record, const Field& field);
 
 }  // namespace aq::sdf

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-// The form of a recording as text, shared by writer and reader.
+// The text form of a recording, shared by the writer and the reader.
 namespace aq::sdf::form {
 
 inline constexpr std::size_t kDots = 39;         // in the line above a record
@@ -20,7 +20,7 @@ inline constexpr std::string_view kPoints = "points";
 inline constexpr std::string_view kRecordType = "recordType";
 inline constexpr std::string_view kRecordSize = "recordSize";
 
-/// `text` in double quotes, with control characters and backslashes written as in `\x0a`, so that
+/// `text` in double quotes, with control characters and backslashes escaped, as in `\x0a`, so that
 /// it fits on one line.
 [[nodiscard]] std::string quoted(std::string_view text);
 

@@ -46,7 +46,7 @@ bool isSeparator(std::string_view line) {
          line.find_first_not_of(line[0]) == line.npos;
 }
 
-/// Takes the numbers of a line; returns false if it has none or any other word.
+/// Takes the numbers of a line; returns false if it has none, or has any other word.
 bool numbersOf(std::string_view line, std::vector<double>& numbers) {
   numbers.clear();
   for (;;) {
@@ -179,12 +179,12 @@ RecordText recordsBeside(const std::string& path) {
            "none");
 }
 
-/// Numbers as a file stores them, after `before` zeros.
+/// Numbers in the form that binary files store, after `before` zeros.
 std::string stored(std::span<const double> numbers, std::size_t before, NumberType type) {
   std::string bytes((before + numbers.size()) * sizeof(double), '\0');
   char* at = bytes.data() + before * sizeof(double);
   for (const double number : numbers) {
-    // A text file may give a float with the digits of a double.
+    // A text file may write a float with as many digits as a double.
     putNumber(at, type == NumberType::Float ? static_cast<double>(floatOf(number)) : number);
     at += sizeof(double);
   }
@@ -304,7 +304,7 @@ class Assignment {
 
   const Recording& recording_;
   std::size_t start_ = 0;
-  std::size_t free_ = 0;  // points without aliases; 0 if unknown
+  std::size_t free_ = 0;  // alias-free points; 0 if unknown
 };
 
 /// All unnamed values, one after another; ignores separators and headings among them.
