@@ -21,7 +21,7 @@ std::shared_ptr<AQ_MaskRow> rowWithout(std::int16_t low, std::int16_t high) {
 void expectBands(const AQ_MaskRow& row, std::int32_t number, const AQ_MaskRow& first) {
   if (row.LowBand() == first.LowBand() && row.HighBand() == first.HighBand()) return;
   throw Error(ErrorCode::InvalidArgument,
-              "row " + std::to_string(number) + " of a map has other bands than the first row");
+              "row " + std::to_string(number) + " of a map has different bands from the first row");
 }
 
 }  // namespace

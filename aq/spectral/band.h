@@ -14,7 +14,7 @@ namespace aq {
 
 /// The levels of one band across a series of spectra, by spectrum number.
 class AQ_API AQ_Band {
-  using Levels = std::map<double, Variant>;  // by the number that the key's text gives
+  using Levels = std::map<double, Variant>;  // by record number, normalized through its text
 
  public:
   /// Visits the levels by record number.
@@ -47,7 +47,7 @@ class AQ_API AQ_Band {
     Levels::const_iterator end_;
   };
 
-  /// Does not copy, as hosts expect: returns no object for an empty band, and throws `ObjectNotSet`
+  /// Never copies; hosts rely on it. Returns no object for an empty band, and throws `ObjectNotSet`
   /// for any other. To copy a band of a history, get it from the history again.
   [[nodiscard]] std::shared_ptr<AQ_Band> Copy() const;
 

@@ -7,7 +7,7 @@
 namespace aq {
 namespace {
 
-/// Whether `block` stays without gaps when it grows to hold `band`.
+/// Whether `block` has no gaps after it grows to hold `band`.
 template <class Block>
 bool adjoins(const Block& block, std::int16_t band) {
   const int at = band - block.first();
@@ -117,7 +117,7 @@ BandLevels::Kind BandLevels::kindOf(const Variant& level) {
   }
 }
 
-/// False if the level cannot join the codes, or if they are no longer used.
+/// False if the level cannot be stored as a code, or if codes are no longer used.
 bool BandLevels::storeCode(std::int16_t band, const Variant& level) {
   if (doubles_ || kindOf(level) != Kind::Double) return false;
   const auto code = codeOf(level.toDouble());

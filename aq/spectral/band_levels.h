@@ -15,9 +15,9 @@
 
 namespace aq {
 
-/// The levels of a spectrum in one block by band. Each level keeps its type and value. If all are
-/// doubles without gaps, they are stored as one number per band; if these are also whole hundredths
-/// of a decibel, as in files, as one code per band.
+/// The levels of a spectrum in one block, by band. Each level keeps its type and value. Doubles
+/// without gaps are stored as one number per band or, if all are whole hundredths of a decibel, as
+/// in files, as one code per band.
 class AQ_API BandLevels {
  public:
   /// The level of `band`; nothing if it has none.
@@ -66,7 +66,7 @@ class AQ_API BandLevels {
 
   static constexpr std::size_t kInline = 34;  // bands from 10 Hz to 20 kHz
   using CodeCount = std::uint16_t;
-  static constexpr std::size_t kMostCodes = UINT16_MAX;  // more levels are stored as doubles
+  static constexpr std::size_t kMostCodes = UINT16_MAX;  // beyond it, levels are stored as doubles
 
   BandBlock<LevelCode, InlineVector<LevelCode, kInline, CodeCount>> codes_;
   LazyPart<Doubles> doubles_;  // used instead of the codes

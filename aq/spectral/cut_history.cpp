@@ -48,7 +48,7 @@ std::shared_ptr<AQ_SpectralTimeHistory> cutHistory(AQ_SpectralTimeHistory& histo
     }
     const std::int32_t place = fromOne ? number - *first + 1 : number;
     if (place > std::numeric_limits<std::int16_t>::max()) {
-      throw Error(ErrorCode::Overflow, "there are more records than 16-bit numbers from 1 allow");
+      throw Error(ErrorCode::Overflow, "there are too many records for 16-bit numbers from 1");
     }
     part->spectrum(static_cast<std::int16_t>(place), spectrum);
   }

@@ -30,7 +30,7 @@ struct RunPiece {
       if (firstSpectrum == nullptr) first = number, firstSpectrum = &here;
       last = number, lastSpectrum = &here;
       if (bandsOfPiece(here) == bandsOfPiece(*firstSpectrum)) continue;
-      refusePieces("record " + std::to_string(number) + " has other bands than record " +
+      refusePieces("record " + std::to_string(number) + " has different bands from record " +
                    std::to_string(first));
     }
     if (firstSpectrum == nullptr) refusePieces("a piece has no records");
@@ -42,7 +42,7 @@ struct RunPiece {
   [[nodiscard]] double begin() const { return firstSpectrum->lazyTime().secondsOfDay(); }
   [[nodiscard]] double end() const { return lastSpectrum->lazyTime().secondsOfDay(); }
 
-  /// Seconds from one stamp to the next, on average; nothing for a single record.
+  /// The average time between stamps, in seconds; nothing for a single record.
   [[nodiscard]] std::optional<double> step() const {
     if (first == last) return std::nullopt;
     return secondsFrom(begin(), end()) / (last - first);
@@ -68,7 +68,7 @@ void expectOneMeasurement(AQ_SpectralTimeHistory& before, AQ_SpectralTimeHistory
   const AQ_Time& other = *after.ReferenceTime();
   if (one.TODseconds() != other.TODseconds()) {
     expectSame("reference times", one.TODstring(), other.TODstring());
-    refusePieces("the pieces have different reference times");  // but the same text
+    refusePieces("the pieces have different reference times");  // with the same text
   }
   if (one.CurrentDate() != other.CurrentDate()) {
     refusePieces("the pieces have reference times on different days");
@@ -76,12 +76,12 @@ void expectOneMeasurement(AQ_SpectralTimeHistory& before, AQ_SpectralTimeHistory
 }
 
 /// Seconds from one record to the next, which must be the same in both pieces; half a second if
-/// each has a single record.
+/// both have a single record.
 double stepOf(const RunPiece& before, const RunPiece& after) {
   constexpr double kHalfSecond = 0.5;
   constexpr double kRounding = 0.005;  // stamps are written to hundredths of a second
   const double step = before.step().value_or(after.step().value_or(kHalfSecond));
-  if (!(step > 0)) refusePieces("the times of the records of a piece do not ascend");
+  if (!(step > 0)) refusePieces("the record times of a piece do not ascend");
   if (std::abs(after.step().value_or(step) - step) > kRounding) {
     refusePieces("the pieces have different record lengths");
   }
@@ -106,7 +106,7 @@ std::int32_t missingBetween(const RunPiece& before, const RunPiece& after) {
   return static_cast<std::int32_t>(std::lround(gap));
 }
 
-/// A record of levels that are not valid, stamped `seconds` after `last`.
+/// A record whose levels are not valid, stamped `seconds` after `last`.
 std::shared_ptr<AQ_Spectrum> invalidAfter(AQ_Spectrum& last, double seconds) {
   auto spectrum = std::make_shared<AQ_Spectrum>();
   const auto bands = static_cast<std::size_t>(last.HighBand() - last.LowBand()) + 1;

@@ -23,8 +23,8 @@ class AQ_API AQ_Metric {
   [[nodiscard]] Variant AWT() const { return MetricValue(AQ_METRIC_AWT); }
   void AWT(const Variant& level) { MetricValue(AQ_METRIC_AWT, level); }
 
-  /// A new metric with the same values. The copy has every metric set, to 0 where this one had
-  /// none.
+  /// A new object with the same values. In the copy every metric is set, to 0 if this object lacks
+  /// it.
   [[nodiscard]] std::shared_ptr<AQ_Metric> Copy() const;
 
   [[nodiscard]] float CWT() const { return single(AQ_METRIC_CWT); }

@@ -45,7 +45,7 @@ std::shared_ptr<AQ_SpectralTimeHistory> AQ_SpectralTimeHistory::withoutSpectra()
 
 std::shared_ptr<AQ_SpectralTimeHistory> AQ_SpectralTimeHistory::Resize(std::int16_t LoRec,
                                                                        std::int16_t HiRec) {
-  const std::int16_t low = this->LoRec();  // both are read, since reading may set either
+  const std::int16_t low = this->LoRec();  // read both, since reading may set them
   const std::int16_t high = this->HiRec();
   if (LoRec < low || HiRec > high) return nullptr;
   auto history = withoutSpectra();

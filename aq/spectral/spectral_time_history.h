@@ -17,9 +17,9 @@
 
 namespace aq {
 
-/// A numbered series of consecutive half-second spectra, with the time of the first record, a
-/// reference time, the averaging method and the instant of a record that its time stamp marks.
-/// Spectra are shared with the caller, not copied.
+/// A numbered series of spectra measured one after another, half a second each, with the time of
+/// the first record, a reference time, the averaging method, and the instant of a record that its
+/// time stamp marks. Spectra are shared with the caller, not copied.
 class AQ_API AQ_SpectralTimeHistory {
  public:
   /// A new history of records `LoRec` to `HiRec` with level 0 in bands `loBand` to `hiBand`. Does
@@ -53,19 +53,18 @@ class AQ_API AQ_SpectralTimeHistory {
   /// bands contain those of its row. Throws `InvalidArgument` for a missing spectrum or row.
   [[nodiscard]] bool EncompassesMask(const AQ_MaskMap& MapMask) const;
 
-  /// Sets the metric `LGB` of the spectra from 1 to the map's count, each from the map's row with
-  /// the same number. Throws `InvalidArgument` at a missing spectrum or row; those before it are
-  /// set.
+  /// Copies the last good bands of the map's rows, from 1 to its count, to the metric `LGB` of the
+  /// spectra with the same numbers. Throws `InvalidArgument` at the first missing spectrum or row;
+  /// earlier spectra keep their new values.
   void setLGB(const AQ_MaskMap& MapMask);
 
   void TimeStampType(AQ_TimeStampType type) { timeStampType_ = type; }
 
-  /// Stamps every record: the stamp of record i is i x 0.5 s plus the start time minus 0.5
-  /// (`AQ_START`), 0.25 (`AQ_MIDPT`), 0 (`AQ_END`), 0.75 (`AQ_ICAOSLO`) or 1 s (`AQ_OLDSLO`), where
-  /// the difference is rounded to single precision. Then sets each record's time relative to
-  /// `RefTime`. Copies the two times.
-  /// Throws `InvalidArgument` at the first record of the range without a spectrum; those before it
-  /// are stamped.
+  /// Stamps every record: the stamp of record i is i x 0.5 s plus the start time less 0.5 s
+  /// (`AQ_START`), 0.25 s (`AQ_MIDPT`), 0 (`AQ_END`), 0.75 s (`AQ_ICAOSLO`) or 1 s (`AQ_OLDSLO`),
+  /// with that difference rounded to single precision. Then sets each record's time relative to
+  /// `RefTime`. Copies the two times. Throws `InvalidArgument` at the first record of the range
+  /// without a spectrum; earlier records are already stamped.
   void setTimeStamps(const AQ_Time& startTime, AQ_TimeStampType StartTimeType,
                      const AQ_Time& RefTime, AQ_RefTimeType RefType);
 
@@ -113,8 +112,9 @@ class AQ_API AQ_SpectralTimeHistory {
   std::shared_ptr<AQ_MetricSummary> Metrics() { return orCreate(metrics_); }
   void Metrics(std::shared_ptr<AQ_MetricSummary> metrics) { metrics_ = std::move(metrics); }
 
-  /// The highest and lowest record number ever stored; -1 and 9999 if there is none. Reading a 0
-  /// first sets `HiRec` to `Count`, or `LoRec` to 1.
+  /// The highest and lowest record number ever stored; -1 and 9999 if there is none. Reading
+  /// `HiRec` while it is 0 first sets it to `Count`; reading `LoRec` while it is 0 first sets it to
+  /// 1.
   std::int16_t HiRec();
   std::int16_t LoRec();
   void LoRec(std::int16_t nRecord) { records_.low = nRecord; }

@@ -81,8 +81,8 @@ class AQ_API AQ_Spectrum {
   /// All levels from `LowBand` to `HighBand`, if they are doubles without gaps; otherwise none.
   [[nodiscard]] std::vector<double> plainLevels() const;
 
-  // The levels from `LowBand` to `HighBand` as they are stored: codes if every level has one,
-  // otherwise doubles. Both are empty if there are gaps or levels of other types.
+  // The levels from `LowBand` to `HighBand` as they are stored: in `levelCodes` if every level has
+  // a code, otherwise in `levelDoubles`. Both are empty if there are gaps or levels of other types.
   [[nodiscard]] std::span<const LevelCode> levelCodes() const;
   [[nodiscard]] std::span<const double> levelDoubles() const;
 
@@ -103,7 +103,7 @@ class AQ_API AQ_Spectrum {
     std::shared_ptr<AQ_Metric> metric;
   };
 
-  // Ordered so that the padding of the time is used, as there are many spectra.
+  // In this order, members use the padding of the time; there are many spectra.
   BandLevels levels_;
   [[no_unique_address]] LazyTime time_;
   bool copied_ = false;  // a metrics object created later has every metric set to 0

@@ -6,8 +6,8 @@
 
 #include "aq/core/export.h"
 
-// Calendar dates and clock times as text and back. A date value is a double: days since
-// 1899-12-30, the time of day as its fraction.
+// Calendar dates and clock times as text and back. A date value is a double: the days since
+// 1899-12-30, with the time of day as the fraction.
 
 namespace aq {
 
@@ -30,8 +30,8 @@ namespace aq {
 /// below 0 or one that rounds to 24 hours or more.
 AQ_API void appendMilliseconds(std::string& text, double secondsOfDay);
 
-/// A clock time in plain form: its seconds after midnight, in which the part after the last colon
-/// has single precision, and its number of characters, 0 if there is no such time.
+/// A clock time in plain form: its seconds after midnight, and its length in characters, 0 if there
+/// is no such time. The part after the last colon has single precision.
 struct PlainClock {
   double seconds = 0;
   std::size_t length = 0;
@@ -52,8 +52,8 @@ AQ_API void appendClockTime(std::string& text, int hours, int minutes, int secon
 
 inline constexpr std::size_t kTimeOfDaySize = 72;  // a clock time and any fraction
 
-/// Writes `hh:mm:ss` with the fraction of single precision, if there is one, into at least
-/// `kTimeOfDaySize` characters; returns its end. Hours 24 are written as 00. Throws `InvalidValue`
+/// Writes `hh:mm:ss` and any fraction, in single precision, and returns the end of the text; `at`
+/// must have room for `kTimeOfDaySize` characters. Hour 24 is written as 00. Throws `InvalidValue`
 /// for a time below 0 or of 25 hours or more.
 [[nodiscard]] AQ_API char* putTimeOfDay(char* at, double seconds);
 

@@ -20,7 +20,7 @@
 
 namespace aq {
 
-/// Thrown by readers of text: a failure with its place; the caller adds the file's name.
+/// A failure with its place, thrown by readers of text; the caller adds the file's name.
 struct ReadFailure {
   FileFailure failure;
 };
@@ -33,7 +33,7 @@ struct ReadFailure {
 /// were expected.
 AQ_API void takeLine(LineReader& lines, const char* what, std::string_view keyword = {});
 
-/// The words for what a failed conversion expected, with "in range" for a number out of range.
+/// The words for what a failed conversion expected; adds "in range" if a number was out of range.
 [[nodiscard]] AQ_API std::string expectedFor(const char* expected, const Error& error);
 
 /// `text` without its double quotes and outer blanks, as a field of delimited text is read.
@@ -43,10 +43,10 @@ AQ_API void takeLine(LineReader& lines, const char* what, std::string_view keywo
 /// Separates the keyword of a header line from its value.
 inline constexpr std::string_view kKeywordMark = "**";
 
-/// The part before the mark in a header line's first field; empty when there is no mark.
+/// The part of a header line's first field before `kKeywordMark`; empty if it has no mark.
 [[nodiscard]] AQ_API std::string_view keywordIn(std::string_view field);
 
-/// Calls `put` with each part of `text` between its delimiters: n of them give n + 1 parts. An
+/// Calls `put` with each part of `text` between its delimiters: n delimiters give n + 1 parts. An
 /// empty delimiter splits nothing.
 template <class Put>
 void forEachPiece(std::string_view text, std::string_view delimiter, const Put& put) {
@@ -87,7 +87,7 @@ class AQ_API FieldReader {
       : FieldReader(lines.line(), lines.number(), form) {}
 
   [[nodiscard]] std::string_view text(const char* expected);
-  /// Converts the next field with `conversion`; an `Error` that this throws becomes the failure.
+  /// Converts the next field with `conversion`; an `Error` from `conversion` becomes the failure.
   template <class Conversion>
   auto convert(const char* expected, const Conversion& conversion) {
     return convertTaken(expected, text(expected), conversion);
@@ -100,8 +100,8 @@ class AQ_API FieldReader {
   /// The next field as a time of day, in seconds after midnight.
   [[nodiscard]] double timeOfDay();
 
-  /// Takes fields with `takeSome`, which returns `FieldsTaken`, as long as they have a form that it
-  /// knows and `values` has room; returns how many. The next field is the first one not taken.
+  /// Takes fields with `takeSome`, which returns `FieldsTaken`, until one has a form that it does
+  /// not know or `values` is full; returns how many. The next field is the first one not taken.
   template <class Value, class TakeSome>
   [[nodiscard]] std::size_t takeRun(std::span<Value> values, const TakeSome& takeSome) {
     if (done_) return 0;

@@ -24,8 +24,8 @@ struct Columns {
   [[nodiscard]] constexpr std::size_t width() const { return last - first + 1; }
 };
 
-/// The fields of one line by their columns, counted as they are taken. A short line reads as if
-/// padded with blanks. Throws `ReadFailure` with place and columns for a field that has a tab or
+/// Takes the fields of one line by their columns, and counts them. A short line reads as if padded
+/// with blanks. Throws `ReadFailure` with the place and the columns for a field that has a tab or
 /// does not convert.
 class AQ_API FixedFieldReader {
  public:
@@ -80,8 +80,8 @@ class AQ_API FixedFieldReader {
 };
 
 /// `value` times a power of ten, rounded to an integer, exact halves away from zero. Throws
-/// `InvalidValue`, naming `what`, unless it fits `width` columns with its point, its sign and a
-/// digit before the point.
+/// `InvalidValue`, naming `what`, unless it fits `width` columns including the point, any sign and
+/// a digit before the point.
 [[nodiscard]] AQ_API std::int64_t scaled(double value, int decimals, std::size_t width,
                                          const char* what);
 

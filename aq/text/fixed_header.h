@@ -14,8 +14,8 @@
 #include "aq/text/header_observer.h"
 #include "aq/text/line_reader.h"
 
-// Header lines with a keyword from column 1 and its value from column 21. Reader and writer have
-// the same members, so that one description of a header serves both.
+// Header lines with a keyword from column 1 and its value from column 21. The reader and the writer
+// have the same members, so that one description of a header serves both.
 
 namespace aq {
 
@@ -63,8 +63,8 @@ class AQ_API FixedHeaderReader {
   std::string_view value_;  // of the line taken last
 };
 
-/// Appends header lines to a string. Throws `InvalidValue` for a value with a line break or,
-/// outside `lines`, a tab, for a number or a time that does not fit its columns, and for an
+/// Appends header lines to a string. Throws `InvalidValue` for text with a line break, for text
+/// with a tab except in `lines`, for a number or a time that does not fit its columns, and for an
 /// enumeration value without a word.
 class AQ_API FixedHeaderWriter {
  public:

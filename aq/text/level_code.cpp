@@ -17,8 +17,8 @@ namespace {
 
 // Writing.
 
-/// The digits of a number from 0 to 999 without leading zeros (none for 0), then a point; `size` is
-/// the number of these characters.
+/// The digits of a number from 0 to 999 without leading zeros (no digit for 0), then a point;
+/// `size` is the number of these characters.
 struct WholeText {
   std::array<char, 4> text{};
   std::uint32_t size = 0;
@@ -84,10 +84,11 @@ double exactly(LevelCode code) { return levelOf(code); }
 /// Whether `level` lies exactly half-way between two hundredths: an odd number of eighths.
 bool isHalfway(double level) { return std::fmod(std::abs(level) * 8, 2) == 1; }
 
-/// Appends any finite level, by its exact decimal expansion.
+/// Appends any finite level, rounding its exact decimal expansion.
 void appendExactly(std::string& text, double level) {
   if (!std::isfinite(level)) {
-    throw Error(ErrorCode::InvalidValue, "a level that is not a finite number has no text");
+    throw Error(ErrorCode::InvalidValue,
+                "a level that is not a finite number cannot be written as text");
   }
   const bool halfway = isHalfway(level);
   std::array<char, 400> buffer;  // a double in fixed notation, with room to spare

@@ -7,10 +7,10 @@
 #include "aq/text/plain_number.h"
 #if defined(__GNUC__) && defined(__SSE2__)
 #include <immintrin.h>
-#define AQ_AVX2 __attribute__((target("avx2,bmi")))  // for functions that run only where both exist
+#define AQ_AVX2 __attribute__((target("avx2,bmi")))  // needs both extensions
 #endif
 
-// Levels with "," between them, each with up to three whole digits. Where the processor can shuffle
+// Comma-separated levels, each with up to three whole digits. Where the processor can shuffle
 // bytes, the ends of all fields are found first and then eight levels are taken at a time, without
 // a branch on their widths.
 
@@ -49,8 +49,8 @@ constexpr std::size_t kLengths = kLongestLevel - kShortestLevel + 1;
 constexpr std::uint8_t kNoByte = 0x80;
 using Bytes = std::array<std::uint8_t, kHalf>;
 
-/// Where the fields of text end: entry n is the end of field n, from 1, and entry 0 is the position
-/// before the text.
+/// Where the fields of a text end: entry n is the end of field n, from 1, and entry 0 is the
+/// position before the text.
 using FieldEnds = std::array<std::uint16_t, 1 + kFieldsAtOnce + kScanned>;
 
 /// A bit for every comma among 32 bytes.
@@ -60,8 +60,8 @@ AQ_AVX2 std::uint64_t commasAt(const char* at) {
   return static_cast<std::uint32_t>(_mm256_movemask_epi8(commas));
 }
 
-/// A bit for every comma in the block at `from`, and for the end of the text. The text has 32 bytes
-/// or more.
+/// A bit for every comma in the block at `from`, and for the end of the text, which must have at
+/// least 32 bytes.
 AQ_AVX2 std::uint64_t endsInBlock(std::string_view text, std::size_t from) {
   const char* const at = text.data() + from;
   const std::size_t left = text.size() - from;
@@ -115,7 +115,7 @@ constexpr auto kToEnd = [] {
 
 __m128i loaded(const void* bytes) { return _mm_loadu_si128(static_cast<const __m128i*>(bytes)); }
 
-/// The sixteen bytes of text that end at `end`, or all of them if there are fewer.
+/// The sixteen bytes of text before `end`, or all bytes before it if there are fewer.
 AQ_AVX2 __m128i bytesTo(const char* text, std::size_t end) {
   if (end >= kHalf) return loaded(text + end - kHalf);
   return _mm_shuffle_epi8(loaded(text), loaded(&kToEnd[end]));
@@ -140,7 +140,7 @@ AQ_AVX2 __m256i termsOf(__m256i digits) {
 }
 
 /// Takes eight levels from 0 to 299.99 dB, whose ends follow `ends[0]`; false if one has another
-/// form. The text has sixteen bytes or more.
+/// form. The text must have at least sixteen bytes.
 AQ_AVX2 bool takeGroup(const char* text, const std::uint16_t* ends, LevelCode* codes) {
   const __m128i lengths = _mm_sub_epi16(_mm_sub_epi16(loaded(ends + 1), loaded(ends)),
                                         _mm_set1_epi16(1 + kShortestLevel));
@@ -155,7 +155,7 @@ AQ_AVX2 bool takeGroup(const char* text, const std::uint16_t* ends, LevelCode* c
       digitsOf(bytesTo(text, ends[2]), bytesTo(text, ends[6]), places[0], places[2]);
   const __m256i odd =
       digitsOf(bytesTo(text, ends[4]), bytesTo(text, ends[8]), places[1], places[3]);
-  const __m256i largest = _mm256_set1_epi64x(0x0909000909020000);  // what each byte may be
+  const __m256i largest = _mm256_set1_epi64x(0x0909000909020000);  // the largest value of each byte
   const __m256i above =
       _mm256_or_si256(_mm256_subs_epu8(even, largest), _mm256_subs_epu8(odd, largest));
   if (_mm256_testz_si256(above, above) == 0) return false;
@@ -166,15 +166,15 @@ AQ_AVX2 bool takeGroup(const char* text, const std::uint16_t* ends, LevelCode* c
   return true;
 }
 
-/// Takes groups of levels from the start of text of 32 bytes or more.
+/// Takes groups of levels from the start of `text`, which must have at least 32 bytes.
 AQ_AVX2 FieldsTaken takeGroups(std::string_view text, std::span<LevelCode> codes) {
-  constexpr std::size_t kMost = kFieldsAtOnce * (kLongestLevel + 1);  // if all are the longest
+  constexpr std::size_t kMost = kFieldsAtOnce * (kLongestLevel + 1);  // all of greatest length
   FieldEnds ends;
   const std::size_t found =
       findEnds(text.substr(0, kMost), std::min(codes.size(), kFieldsAtOnce), ends);
   std::size_t count = 0;
   while (count < found && found >= kGroup) {
-    const std::size_t from = std::min(count, found - kGroup);  // may overlap the group before
+    const std::size_t from = std::min(count, found - kGroup);  // may overlap the previous group
     if (!takeGroup(text.data(), &ends[from], &codes[from])) break;
     count = from + kGroup;
   }

@@ -19,7 +19,7 @@ constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 constexpr bool isSign(char c) { return c == '+' || c == '-'; }
 
-/// Where the number at the start of text is.
+/// Where the number at the start of a text begins and ends.
 struct Extent {
   const char* begin = nullptr;  // after a plus sign, which from_chars does not accept
   const char* end = nullptr;    // `nullptr` when there is no number
@@ -121,7 +121,8 @@ using Buffer = std::array<char, 64>;  // long enough for any text that this file
 
 void requireFinite(double value) {
   if (!std::isfinite(value)) {
-    throw Error(ErrorCode::InvalidValue, "a value that is not a finite number has no text");
+    throw Error(ErrorCode::InvalidValue,
+                "a value that is not a finite number cannot be written as text");
   }
 }
 

@@ -7,8 +7,7 @@
 
 #include "aq/core/export.h"
 
-// Numbers as text and back: the only place where the library turns one into the other. The point
-// is always ".", whatever the locale, and a blank is a space.
+// Numbers as text and back. The point is always ".", whatever the locale, and a blank is a space.
 
 namespace aq {
 
@@ -23,7 +22,7 @@ namespace aq {
 [[nodiscard]] AQ_API std::string upperCased(std::string_view text);
 
 // The number that all of `text` represents, outer blanks aside: an optional sign, digits with an
-// optional point and fraction, an optional exponent; for integers, an optional sign and digits
+// optional point and fraction, and an optional exponent; for integers, an optional sign and digits
 // only. Rounded correctly. Throws `TypeMismatch` for any other text, `Overflow` outside the type's
 // range.
 [[nodiscard]] AQ_API double doubleFrom(std::string_view text);
@@ -65,8 +64,8 @@ inline constexpr std::size_t kFractionSize = 64;  // a point and the digits of t
 [[nodiscard]] AQ_API char* putNumber(char* at, double value);
 [[nodiscard]] AQ_API char* putNumber(char* at, float value);
 
-/// Writes the fraction, with its point, of the text of `value` with 7 significant digits; nothing
-/// when those digits hold no fraction. `value` is finite and not negative.
+/// Writes the point and the fraction of `value` in 7 significant digits; nothing if those digits
+/// have no fraction. `value` is finite and not negative.
 [[nodiscard]] AQ_API char* putFraction(char* at, float value);
 
 }  // namespace aq

@@ -35,14 +35,14 @@ inline constexpr std::size_t kWordBytes = sizeof(std::uint64_t);
   return 0x0101010101010101U * static_cast<unsigned char>(byte);
 }
 
-/// The highest bit of each byte that equals `byte`; 0 if the word does not have it.
+/// The highest bit of each byte that equals `byte`; 0 if no byte does.
 [[nodiscard]] constexpr std::uint64_t marksOf(char byte, std::uint64_t word) {
   constexpr std::uint64_t kLowBits = eightTimes('\x7F');
   const std::uint64_t zeroThere = word ^ eightTimes(byte);
   return ~(((zeroThere & kLowBits) + kLowBits) | zeroThere | kLowBits);
 }
 
-/// The index of the first `byte`; 8 if the word does not have it.
+/// The index of the first byte that equals `byte`; 8 if none does.
 [[nodiscard]] constexpr std::size_t firstPlaceOf(char byte, std::uint64_t word) {
   const std::uint64_t zeroThere = word ^ eightTimes(byte);
   // Marks the first zero byte, and perhaps others after it.
