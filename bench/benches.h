@@ -30,8 +30,8 @@ struct History {
   void read(const std::string& path);
 };
 
-/// Rows with the memory that reading a history takes in this process, the additional memory at the
-/// peak while reading, and the size of the file.
+/// The memory that reading a history takes in this process, the additional peak while reading, and
+/// the size of the file, one row each.
 nlohmann::ordered_json memoryOfReading(const std::string& path);
 
 }  // namespace bench

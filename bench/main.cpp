@@ -4,7 +4,7 @@
 //
 //   aq_bench FOLDER [--json FILE] [options of Google Benchmark]
 //
-// Each group runs in its own process, since memory left by one slows the next.
+// Each group runs in its own process, since memory left by one group slows the next.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -84,7 +84,7 @@ nlohmann::ordered_json runPairs(const std::vector<void (*)()>& adders,
                                 std::vector<char*> arguments) {
   for (const auto& addAll : adders) addAll();
   std::string interleaved = "--benchmark_enable_random_interleaving=true";
-  std::string shorter = "--benchmark_min_time=0.2";  // unless an argument sets another
+  std::string shorter = "--benchmark_min_time=0.2";  // unless an argument sets another time
   arguments.push_back(interleaved.data());
   arguments.insert(arguments.begin() + 1, shorter.data());
   int count = static_cast<int>(arguments.size());
@@ -112,7 +112,7 @@ void print(const nlohmann::ordered_json& row) {
   }
 }
 
-/// The rows of a group, from its own process.
+/// Runs a group in its own process and returns its rows.
 nlohmann::ordered_json rowsOf(const std::string& group, const std::vector<char*>& arguments) {
   const std::string rows = fileInFolder(group + ".json");
   std::string command = "'/proc/" + std::to_string(getpid()) + "/exe' --group " + group;

@@ -1,8 +1,8 @@
 """Times numpy and pandas against the library on the same history: reading, writing, noise metrics.
 
-peers.py FOLDER TABLE: FOLDER has the history made by the benchmark program, TABLE is its output
-with --json. Prints `name ratio median spread`; the ratio is the peer's median divided by the
-library's in this run. aq_data must be importable.
+peers.py FOLDER TABLE: FOLDER has the history that the benchmark program made; TABLE is the
+program's output with --json. Prints `name ratio median spread`; the ratio is the peer's median
+divided by the library's in this run. aq_data must be importable.
 """
 
 import json
@@ -38,7 +38,7 @@ def printed(name: str, times: list[float], own: float) -> None:
 
 
 def compare_metrics(history: Path) -> None:
-    """Metrics of every record and the EPNL must agree to 1e-9; prints the ratios of the times."""
+    """Checks that the metrics of all records and the EPNL agree to 1e-9; prints the time ratios."""
     read = aq_data.read(history).data
     levels = read.to_numpy()
     expected, found = metrics_peer.metrics(levels), aq_data.metrics(read)

@@ -1,5 +1,5 @@
-# The header-only libraries that the tool uses, for cross-compiling: Debian's folders of these,
-# without the neighbouring headers, which belong to this system.
+# The header-only libraries that the tool uses, for cross-compiling: links to their folders in
+# /usr/include, without the other headers there, which belong to this system.
 set(aq_headers ${PROJECT_BINARY_DIR}/headers_only)
 file(MAKE_DIRECTORY ${aq_headers})
 foreach(folder IN ITEMS CLI fmt nlohmann)

@@ -1,4 +1,4 @@
-# Debian's mingw-w64 for 64-bit Windows; what is built runs under wine.
+# Debian's mingw-w64 for 64-bit Windows; programs run under wine.
 set(processor x86_64)
 set(host x86_64-w64-mingw32)
 set(wine /usr/lib/wine/wine64)

@@ -79,7 +79,7 @@ class NewArray {
   std::size_t rows_;
 };
 
-/// A table from the host, with any bounds and values of any single type.
+/// A table from the host, with any bounds and any element type.
 class GivenTable {
  public:
   explicit GivenTable(const VARIANT& given) : array_(given) {
@@ -151,7 +151,7 @@ Extent extentOf(const AQ_MaskMap& map) {
   return number >= range.low && number <= range.high;
 }
 
-/// Puts levels into a row as they are stored, except that numbers of any type become doubles.
+/// Puts levels into a row. Numbers of any type become doubles; other values stay as they are.
 void putLevels(const NewArray& array, std::size_t row, const Range& bands,
                const AQ_Spectrum& spectrum) {
   const auto codes = spectrum.levelCodes();
@@ -182,7 +182,7 @@ void getLevels(const Call& call) {
   array.release(call.result);
 }
 
-/// The value that a cell of a table sets.
+/// A value that a cell of a table sets.
 template <class Owner, class Given>
 struct Change {
   std::shared_ptr<Owner> owner;

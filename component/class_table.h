@@ -37,7 +37,7 @@ class Value : public VARIANT {
   Value& operator=(const Value&) = delete;
   ~Value() { VariantClear(this); }
 
-  /// Moves its value to `other`, which is overwritten.
+  /// Moves the value to `other`, overwriting its old content.
   void release(VARIANT& other) {
     other = *this;
     VariantInit(this);

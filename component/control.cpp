@@ -20,7 +20,7 @@ constexpr DWORD kStatus = OLEMISC_SETCLIENTSITEFIRST | OLEMISC_INVISIBLEATRUNTIM
                           OLEMISC_CANTLINKINSIDE | OLEMISC_RECOMPOSEONRESIZE;
 
 /// An icon in the middle of its area on a form. It has no window, verbs or members, and never
-/// changes; containers require all of these interfaces of a control.
+/// changes; containers require a control to have all of these interfaces.
 class Control final : public Counted<IOleObject, IOleControl, IOleInPlaceObject, IViewObject2,
                                      IPersistStreamInit, IPersistStorage, IPersistPropertyBag,
                                      IDataObject, IProvideClassInfo, IDispatch> {

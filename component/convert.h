@@ -18,11 +18,11 @@
 #include "component/class_table.h"
 #include "component/values.h"
 
-// Converts C++ types to values of hosts, and back.
+// Converts C++ values to host values, and back.
 
 namespace aq::com {
 
-/// Text that quotes names of files.
+/// Text that may quote file names.
 struct Message {
   std::string text;
 };
@@ -47,7 +47,8 @@ concept Shared = requires(T value) {
 template <class T>
 T fromHost(const VARIANT& given, TextKind kind);
 
-/// The host's own collection, or a new one with the content of its array or collection.
+/// The library's collection that `given` holds, or a new one with the entries of the host's array
+/// or own collection.
 template <ACollection C>
 std::shared_ptr<C> collectionFrom(const VARIANT& given, TextKind kind) {
   if (isNoObject(given)) return nullptr;
@@ -158,7 +159,7 @@ void toHost(VARIANT& to, const T& value, TextKind kind, bool isDate = false) {
   }
 }
 
-/// An argument of a call as the host gave it, its position and the kind of its text.
+/// An argument of a call as the host passed it, with its position and the kind of its text.
 struct Given {
   VARIANTARG* at;  ///< null if the host left it out
   std::size_t place;

@@ -25,7 +25,7 @@ Shown& shown() {
   return *all;
 }
 
-/// The error number of Visual Basic, which hosts test for.
+/// The Visual Basic error number, which hosts test for.
 SCODE numberOf(ErrorCode code) {
   constexpr SCODE kFacility = static_cast<SCODE>(0x800A0000);
   switch (code) {

@@ -51,13 +51,14 @@ class Dispatch final : public IDispatch, public IProvideClassInfo {
 /// The host object of a library object, with a reference for the caller; null for no object.
 [[nodiscard]] IDispatch* wrap(std::shared_ptr<void> object, const ClassTable& table);
 
-/// A host's object as one of ours in this apartment; null for any other.
+/// The object as one of the component's own in this apartment; null for any other object.
 [[nodiscard]] const Dispatch* ownObject(IDispatch* object);
 
 /// A type description from the DLL's type library.
 [[nodiscard]] HRESULT typeInfo(const GUID& identifier, ITypeInfo** to);
 
-/// Runs `work`, which returns an HRESULT; converts exceptions to one, so that none leaves the DLL.
+/// Runs `work`, which returns an HRESULT; converts exceptions to HRESULTs, so that no exception
+/// leaves the DLL.
 template <class Work>
 HRESULT guarded(const Work& work) noexcept {
   try {

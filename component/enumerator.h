@@ -11,7 +11,7 @@
 
 namespace aq::com {
 
-/// The entries that For Each visits, as they were when it began.
+/// The entries that For Each visits, as they were when the loop began.
 class Enumerator final : public Counted<IEnumVARIANT> {
  public:
   using Entries = std::shared_ptr<const std::vector<Value>>;

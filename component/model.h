@@ -41,11 +41,11 @@ inline constexpr int kOwnIdentifier = 999;
 
 // Members are numbered by their position in the description, from 1.
 inline constexpr std::int32_t kDefaultMember = 0;
-inline constexpr std::int32_t kEnumerator = -4;  // hidden, as hosts ask for it by number
+inline constexpr std::int32_t kEnumerator = -4;  // hidden, since hosts ask for it by number
 /// Members that only the component has start at this number.
 inline constexpr std::int32_t kFirstExtra = 101;
 
-/// The argument of a collection's `Add`, as in hosts' own collections.
+/// The name of the argument of a collection's `Add`, as in hosts' own collections.
 inline constexpr std::string_view kEntryName = "Item";
 
 /// The functions of the library, as the members of one class. Each folder has 20 numbers; a new
@@ -84,7 +84,7 @@ inline constexpr bool isCollection = false;
 template <class T>
 inline constexpr bool isCollection<Collection<T>> = true;
 
-/// Classes that only the library creates.
+/// Whether hosts can create objects of a class; only the library creates those below.
 template <class C>
 inline constexpr bool isCreatable =
     !std::same_as<C, FileFailure> && !std::same_as<C, ToneStep> &&
@@ -114,8 +114,8 @@ void forClasses(const Visit& visit) {
   visit.template operator()<Library>();
 }
 
-/// Calls `visit.operator()<E>()` for each enumeration that hosts know: not for the error codes,
-/// since errors have the host's own numbers.
+/// Calls `visit.operator()<E>()` for each enumeration that hosts know: all except the error codes,
+/// since hosts have their own error numbers.
 template <class Visit>
 void forEnumerations(const Visit& visit) {
   describe::forClasses(describe::kEnumerations, [&]<class E>() {
@@ -123,8 +123,8 @@ void forEnumerations(const Visit& visit) {
   });
 }
 
-/// Calls `visit(id, member)` for each member of a class that the description has. Throws if there
-/// are more members than numbers for them.
+/// Calls `visit(id, member)` for each member in the description of a class. Throws if there are
+/// more members than numbers for them.
 template <class C, class Visit>
 void forMembers(const Visit& visit) {
   std::int32_t id = 0;
@@ -152,7 +152,7 @@ inline constexpr bool isSeries = std::same_as<C, AQ_EmtRcvTable> || requires(con
   object.begin();
 };
 
-/// A member that only the component has, for what a C++ program does in a loop.
+/// A member that only the component has; it does what a C++ program does in a loop.
 struct Extra {
   std::string_view owner;
   const char* name;
@@ -192,8 +192,8 @@ inline constexpr std::array kExtras{
           "Why a masking map does not fit its history, one finding per line"},
 };
 
-/// Whether a function with these arguments can be called through the component. One that takes a
-/// file information service cannot, since hosts have none.
+/// Whether a function with these arguments can be called through the component. A function that
+/// takes a file information service cannot, since hosts have none.
 template <class... T>
 inline constexpr bool isShown =
     (... && !std::same_as<std::remove_cvref_t<T>, std::shared_ptr<FileInformation>>);

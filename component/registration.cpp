@@ -81,7 +81,7 @@ class Classes {
   LSTATUS failure_ = ERROR_SUCCESS;
 };
 
-/// A class that hosts create.
+/// A class that hosts can create.
 struct Entry {
   std::wstring name;
   int number;

@@ -15,7 +15,7 @@ namespace aq::com {
 
 inline std::wstring widened(std::string_view name) { return {name.begin(), name.end()}; }
 
-/// Runs `call` with the host's arguments, and returns its results to the host.
+/// Calls `run` with the host's arguments, and returns its results to the host.
 template <class Result, class... As, class F>
 void callWith(const Call& call, [[maybe_unused]] std::span<const TextKind> kinds,
               TextKind resultKind, const F& run) {
@@ -140,7 +140,7 @@ class TableOf {
   }
   template <class Entry, std::size_t Count>
   void take(const describe::Method<void (C::*)(Entry, std::string_view), Count>& method) {
-    static_assert(isCollection<C>, "the only one with a key that may be left out");
+    static_assert(isCollection<C>, "only collections have a key that may be left out");
     Member& member = add(method.name, method.parameters);
     member.parameters.front() = widened(kEntryName);
     member.get = [](const Call& call) {

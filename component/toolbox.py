@@ -1,9 +1,9 @@
-"""Writes the icon that tool boxes show for the component, 16 by 15 pixels: FILE."""
+"""Writes the icon that toolboxes show for the component, 16 by 15 pixels, to FILE."""
 
 import struct
 import sys
 
-# The levels of a spectrum that rise above their ambient. Tool boxes make the colour of the lowest
+# The levels of a spectrum that rise above their ambient. Toolboxes make the colour of the lowest
 # pixel on the left transparent.
 PICTURE = """
 ................
@@ -34,6 +34,6 @@ def bitmap(rows):
 
 
 for row in PICTURE:
-    assert len(row) == 16 and len(PICTURE) == 15, "tool boxes take 16 by 15 pixels"
+    assert len(row) == 16 and len(PICTURE) == 15, "toolboxes take 16 by 15 pixels"
 with open(sys.argv[1], "wb") as file:
     file.write(bitmap(PICTURE))

@@ -17,11 +17,11 @@ namespace aq::com {
 /// Whether the host left out an argument.
 [[nodiscard]] bool isMissing(const VARIANT* given);
 
-/// Whether a value is Empty, Null or Nothing, also by reference.
+/// Whether a value is Empty, Null or Nothing, or a reference to one of these.
 [[nodiscard]] bool isNoObject(const VARIANT& given);
 
-/// A host's value with its own type; for a foreign object, its default member. Null becomes Empty.
-/// An array or an object without a default member is a type mismatch.
+/// A host's value with its own type; for a foreign object, the value of its default member. Null
+/// becomes Empty. An array or an object without a default member is a type mismatch.
 [[nodiscard]] Variant variantOf(const VARIANT& given, TextKind kind = TextKind::Plain);
 
 /// A value as text; Empty becomes an empty string.

@@ -14,7 +14,7 @@ namespace aq::sdf {
 /// Appends a value with the digits that its type needs.
 AQ_API void appendStored(std::string& text, double value, NumberType type);
 
-/// Appends the value of an element of a field: a number, the word of a code, or text in quotes.
+/// Appends the value of one element of a field: a number, the word of a code, or text in quotes.
 AQ_API void appendValue(std::string& text, const Record& record, const Field& field,
                         std::size_t element);
 

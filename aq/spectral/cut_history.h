@@ -15,8 +15,8 @@ struct RecordRange {
 };
 
 /// The range of records with stamps from `from` to `to`, both included, in seconds of the day.
-/// Times more than half a day from the first record are on the other side of midnight. Throws
-/// `InvalidArgument` if there is no such record.
+/// Times more than half a day from the first record are taken to be on the other side of midnight.
+/// Throws `InvalidArgument` if there is no such record.
 [[nodiscard]] AQ_API RecordRange recordsBetween(const AQ_SpectralTimeHistory& history, double from,
                                                 double to);
 

@@ -29,7 +29,7 @@ class AQ_API FileClass {
     information_ = std::move(information);
   }
 
-  /// The service that writes use.
+  /// The service used for writes.
   [[nodiscard]] std::shared_ptr<FileInformation> fileInformation() const {
     return information_ ? information_ : aq::fileInformation();
   }

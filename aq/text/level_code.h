@@ -37,7 +37,7 @@ AQ_API void copyLevels(std::span<const LevelCode> codes, double* levels);
 
 /// Takes levels in their written form (digits, a point and two decimals, separated by ",") from the
 /// start of `text`, until `codes` is full or another form follows, which `doubleFrom` may still
-/// accept. The levels taken are those that `doubleFrom` gives.
+/// accept. The levels taken equal those that `doubleFrom` gives.
 [[nodiscard]] AQ_API FieldsTaken levelsAtFront(std::string_view text, std::span<LevelCode> codes);
 
 inline constexpr std::size_t kLevelColumns = 8;
@@ -49,8 +49,8 @@ inline constexpr std::size_t kLevelColumns = 8;
 /// Writes a level into eight columns, in the form that `codesInColumns` reads.
 AQ_API void putInColumns(char* at, LevelCode code);
 
-/// Appends `level` as levels are written: two decimals, no zero before the point (.50, -.25),
-/// exact halves away from zero, no sign on what rounds to zero. Throws `InvalidValue` for a level
+/// Appends `level` as levels are written: two decimals, no zero before the point (.50, -.25), exact
+/// halves away from zero, no sign on a level that rounds to zero. Throws `InvalidValue` for a level
 /// that is not finite.
 AQ_API void appendLevel(std::string& text, double level);
 

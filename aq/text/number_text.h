@@ -55,8 +55,8 @@ AQ_API void appendAllDigits(std::string& text, float value);
 /// `value` is finite and the product is below 2^52.
 [[nodiscard]] AQ_API std::int64_t scaledBy(double value, double scale);
 
-// The default text in place, for rows of many numbers. Each returns the end of its text, and `at`
-// has room for the longest one.
+// Write the default text in place, for rows of many numbers. Each returns the end of its text; `at`
+// must have room for the longest text.
 inline constexpr std::size_t kIntegerSize = 11;   // a sign and ten digits
 inline constexpr std::size_t kNumberSize = 24;    // a sign, "0.", six zeros and 15 digits
 inline constexpr std::size_t kFractionSize = 64;  // a point and the digits of the smallest single

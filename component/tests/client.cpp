@@ -1,5 +1,5 @@
-// Drives the registered component as hosts do, with early and with late binding: DATA, or `speed`,
-// or `forget DATA`, or `keys machine|user`, or `values machine|user DLL`.
+// Drives the registered component as hosts do, with early and with late binding. Arguments: DATA,
+// `speed`, `forget DATA`, `keys machine|user`, or `values machine|user DLL`.
 
 #include <algorithm>
 #include <thread>
@@ -27,7 +27,7 @@ void testRefusals() {
     Outcome outcome;
     HRESULT result;
     int number;
-    UINT argument = UINT_MAX;  // counted from the last, as hosts do
+    UINT argument = UINT_MAX;  // counted from the last argument
   } rows[] = {
       {"no level", call(object, L"SPL", {30}), DISP_E_EXCEPTION, 5},
       {"overflow", call(object, L"SPL", {70000}), DISP_E_EXCEPTION, 6},
@@ -239,7 +239,7 @@ void testUnregisteredInUse() {
   const Value spectrum = create(L"AQ_Spectrum");
   CLSID identifier{};
   CLSIDFromProgID(L"AQ_Data_Control.AQ_Spectrum", &identifier);
-  // As if the DLL of the other size were registered too; the names of classes belong to both.
+  // As if the DLL of the other size were registered too; class names belong to both.
   const std::wstring key = kClasses + keyOf(identifier);
   constexpr REGSAM kOtherSize = sizeof(void*) == 8 ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
   HKEY made = nullptr;
@@ -248,7 +248,7 @@ void testUnregisteredInUse() {
   RegCloseKey(made);
   check("unregistered in use", ask("DllUnregisterServer") == S_OK);
   const bool isNamed = CLSIDFromProgID(L"AQ_Data_Control.AQ_Spectrum", &identifier) == S_OK;
-  check("shared names stay", isNamed == (sizeof(void*) == 8));  // 32-bit wine has no other size
+  check("shared names stay", isNamed == (sizeof(void*) == 8));  // 32-bit wine has only one size
   RegDeleteKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), kOtherSize, 0);
   check("still works", put(spectrum.pdispVal, L"SPL", {24, 65.5}).result == S_OK);
   const Outcome time = call(spectrum.pdispVal, L"Time");

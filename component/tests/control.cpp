@@ -67,7 +67,7 @@ void testSaving(IUnknown* control) {
   check("saved", persisted->Save(stream, TRUE) == S_OK);
   stream->Seek({}, STREAM_SEEK_SET, nullptr);
   check("loaded", persisted->Load(stream) == S_OK);
-  check("not loaded from nothing", persisted->Load(stream) == E_FAIL);
+  check("not loaded past the end", persisted->Load(stream) == E_FAIL);
   stream->Release();
   persisted->Release();
   auto* const stored = asked<IPersistStorage>(control, IID_IPersistStorage);
@@ -97,7 +97,7 @@ void testControl() {
   check("status", object->GetMiscStatus(DVASPECT_CONTENT, &status) == S_OK && status == 132113);
   check("size", object->GetExtent(DVASPECT_CONTENT, &size) == S_OK && size.cx == 740);
   testSite(*object);
-  check("drawn in its middle", drawnPixels(*view) == 16 * 15 - 16);  // one row is black
+  check("drawn in the middle", drawnPixels(*view) == 16 * 15 - 16);  // one row is black
   testSaving(control.pdispVal);
   object->Release();
   view->Release();
@@ -106,7 +106,7 @@ void testControl() {
       LoadImageW(dll, MAKEINTRESOURCEW(1), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION);
   BITMAP shape{};
   GetObjectW(picture, sizeof shape, &shape);
-  check("picture for tool boxes", shape.bmWidth == 16 && shape.bmHeight == 15);
+  check("picture for toolboxes", shape.bmWidth == 16 && shape.bmHeight == 15);
   DeleteObject(picture);
 }
 

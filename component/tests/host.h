@@ -133,7 +133,7 @@ inline Value create(const std::wstring& name) {
   return made;
 }
 
-/// The registry's folder of classes, and the key of a class in it.
+/// The registry key of all classes, and the key of one class below it.
 inline const std::wstring kClasses = L"Software\\Classes\\";
 inline std::wstring keyOf(const GUID& identifier) {
   wchar_t letters[40];
@@ -141,7 +141,7 @@ inline std::wstring keyOf(const GUID& identifier) {
   return std::wstring(L"CLSID\\") + letters;
 }
 
-void testTypeLibrary();  // also that objects agree with it
+void testTypeLibrary();  // also checks that objects agree with it
 void testControl();
 void testSpeed();
 /// How many registry keys name the component.

@@ -1,5 +1,5 @@
-"""Registers the component under wine, drives it with each client, and unregisters it:
-WINE DLL CLIENT DATA WORK."""
+"""Registers the component under wine, drives it with each client, and unregisters it.
+Arguments: WINE DLL CLIENT DATA WORK."""
 
 import os
 import pathlib
@@ -22,7 +22,7 @@ failures = []
 
 
 def run(*command):
-    """The output of a Windows program, whose status is unreliable."""
+    """The output of a Windows program, whose exit status is unreliable."""
     said = subprocess.run([wine, *map(str, command)], capture_output=True, timeout=300)
     return said.stdout.decode("utf-8", "replace").replace("\r", "")
 
@@ -80,13 +80,13 @@ for script in sorted([*here.glob("*.vbs"), *here.glob("*.js")]):
     )
 said = run("cscript", "//nologo", *map(windows, (example, example.parent / "data", work / "files")))
 expect("the example", "EPNL 97.16" in said and said.endswith("error 5: no record 500\n"), said)
-print(run(client, "speed"), end="")  # for the reader: ratios vary too much for a limit
+print(run(client, "speed"), end="")  # only printed: ratios vary too much for a limit
 run("regsvr32", "/s", "/u", windows(dll))
 expect("nothing is left on the machine", keys("machine") == 0)
 run("regsvr32", "/s", "/n", "/i:user", windows(dll))
 expect("registered for the user", keys("user") > 100)
 drive("keys of the user", client, "values", "user", windows(dll))
 run("regsvr32", "/s", "/u", "/n", "/i:user", windows(dll))
-expect("nothing is left of the user", keys("user") + keys("machine") == 0)
-subprocess.run([os.environ.get("WINESERVER", "wineserver"), "--kill"])  # only that of this prefix
+expect("nothing is left for the user", keys("user") + keys("machine") == 0)
+subprocess.run([os.environ.get("WINESERVER", "wineserver"), "--kill"])  # this prefix only
 sys.exit(bool(failures))

@@ -56,7 +56,7 @@ void testSpeed() {
   for (int band = 17; band <= 40; ++band) put(spectrum.pdispVal, L"SPL", {band, 60.25});
   const double empty = secondsOfCall(spectrum.pdispVal, L"LowBand", {});
   const double level = secondsOfCall(spectrum.pdispVal, L"SPL", {Value(24)});
-  std::cout << "a level " << level * 1e9 << " ns, an Invoke that gives a number of the object "
+  std::cout << "a level " << level * 1e9 << " ns, an Invoke that returns a stored number "
             << empty * 1e9 << " ns, ratio " << level / empty << "\n";
 
   const Value history =

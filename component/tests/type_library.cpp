@@ -53,9 +53,9 @@ void testMembers(ITypeInfo& type, const TYPEATTR& attributes, IDispatch* object)
           isHelped && idsOf(object, spelled) == numbers);
     if (function->invkind == INVOKE_PROPERTYGET && function->cParams == 0) {
       const Outcome read = invoke(object, function->memid, DISPATCH_PROPERTYGET, {});
-      check(what + " is of its type", read.result == S_OK
-                                          ? fits(function->elemdescFunc.tdesc, read.value)
-                                          : read.result == DISP_E_EXCEPTION);
+      check(what + " has its declared type", read.result == S_OK
+                                                 ? fits(function->elemdescFunc.tdesc, read.value)
+                                                 : read.result == DISP_E_EXCEPTION);
     }
     type.ReleaseFuncDesc(function);
   }
@@ -69,7 +69,7 @@ void testClass(ITypeInfo& type, const TYPEATTR& attributes) {
   const HRESULT result =
       CoCreateInstance(attributes.guid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, &made);
   const bool isCreatable = (attributes.wTypeFlags & TYPEFLAG_FCANCREATE) != 0;
-  check(what + " is made if the library says so", SUCCEEDED(result) == isCreatable);
+  check(what + " can be created if the library says so", SUCCEEDED(result) == isCreatable);
   if (FAILED(result)) return;
   auto* const object = static_cast<IDispatch*>(made);
   HREFTYPE reference = 0;
