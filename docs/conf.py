@@ -1,4 +1,4 @@
-"""The site: `scripts/docs` builds it."""
+"""Settings of the documentation site, which `scripts/docs` builds."""
 
 import os
 import pathlib
@@ -17,7 +17,7 @@ html_theme = "furo"
 
 
 def dark_colours():
-    """The dark colours of the theme, whose style in Debian leaves out those for a dark system."""
+    """The theme's dark colours, which its style in Debian omits for systems in dark mode."""
     style = pathlib.Path(furo.__file__).parent / "theme/furo/static/styles/furo.css"
     dark = re.search(r'body\[data-theme="dark"\] \{(.*?)\}', style.read_text(), re.S)
     return dict(re.findall(r"--([\w-]+): ([^;]+);", dark[1])) if dark else {}
@@ -30,7 +30,7 @@ html_css_files = ["site.css"]
 
 myst_heading_anchors = 3
 myst_enable_extensions = ["colon_fence"]
-default_role = "code"  # docstrings quote code by single backticks
+default_role = "code"  # docstrings quote code in single backticks
 breathe_projects = {"aq": os.environ.get("AQ_DOXYGEN_XML", str(ROOT / "build/docs/doxygen/xml"))}
 breathe_default_project = "aq"
 breathe_default_members = ("members",)
@@ -39,7 +39,7 @@ autodoc_typehints = "none"
 
 
 def add_guides(app, name, source):
-    """Lists the pages that the index does not name among its guides."""
+    """Adds to the guides of the index the pages that it does not list."""
     if name == "index":
         listed = set(re.findall(r"^[a-z-]+$", source[0], re.M)) | {"index"}
         others = {path.stem for path in pathlib.Path(app.srcdir).glob("*.md")} - listed
