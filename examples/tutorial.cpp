@@ -26,7 +26,7 @@ int main(int argc, char** argv) {
   std::cout << header->sProjectName << ": " << history->Count() << " records, "
             << history->spectrum(30)->SPL(28).toDouble() << " dB in band 28 of record 30\n";
 
-  // Mask what is less than 3 dB above the ambient.
+  // Mask levels less than 3 dB above the ambient.
   const auto map = aq::maskByAmbient(*history, *ambient, 3);
   history->setLGB(*map);
   std::cout << "last good band of record 1: " << history->spectrum(1)->Metric()->LGB() << '\n';
@@ -38,7 +38,7 @@ int main(int argc, char** argv) {
   std::cout << "EPNL " << event->epnl << " EPNdB, PNLTM " << event->pnltm << " TPNdB at record "
             << loudest << '\n';
 
-  // Write both files, and compare what comes back.
+  // Write both files, and read the history back.
   const auto mapHeader = std::make_shared<aq::AQ_HeaderMask>();
   mapHeader->sGenerationFile = argv[3];
   aq::AQ_DataMask mapFile;
