@@ -2,9 +2,9 @@
 
     /usr/bin/python3 examples/archive_on_a_cluster.py [--files 2000] [--folder FOLDER]
 
-Makes histories, maps and geometry files; scans the folder; then each worker reads the files at its
-paths, leaves out masked levels and sums band energies by emission angle. The energy means go to
-`by_angle.nc`.
+Makes histories, maps and geometry files, and scans the folder. Each worker then reads the files at
+its paths, leaves out masked levels and sums band energies by emission angle. The energy means are
+written to `by_angle.nc`.
 """
 
 from __future__ import annotations
@@ -26,7 +26,7 @@ PATHS_PER_TASK = 25
 
 
 def make(folder: Path, number: int) -> None:
-    """Writes the files of a fly-over; its speed depends on the number. Masks levels below 40 dB."""
+    """Writes the files of a fly-over, whose speed depends on `number`. Masks levels below 40 dB."""
     rng = np.random.default_rng(number)
     seconds = (np.arange(RECORDS) - RECORDS // 2) * 0.5
     slant = np.hypot(150, (60 + number % 40) * seconds)
@@ -90,7 +90,7 @@ def run(folder: Path, files: int) -> None:
             say("two workers are up")
             lazy = aq_data.open_many(paths)
             loudest = float(lazy.aq.level.max().compute())
-            say(f"loudest level {loudest:.1f} dB, by dask on the cluster")
+            say(f"loudest level {loudest:.1f} dB, computed by dask on the cluster")
             parts = client.gather(client.map(energy_by_angle, tasks))
             say("energies by angle")
     mean_level(parts).to_netcdf(folder / "by_angle.nc")

@@ -1,4 +1,4 @@
-// Fills a table of emission and reception from a track, and reads it by columns:
+// Fills a table of emission and reception from a track, and reads it column by column:
 //   emission_table TRACKING MICROPHONE
 #include <cmath>
 

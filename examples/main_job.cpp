@@ -1,5 +1,5 @@
-// The main job: reads a history and its masking map, stamps it, finds the last good bands, prints
-// it, writes it, reads it back, and prints what is equal and what the file does not contain.
+// The main job: reads a history and its masking map, stamps the history, finds its last good bands,
+// prints it, writes it, reads it back, and prints what is equal and what the file does not contain.
 #include <algorithm>
 #include <iomanip>
 #include <string>
@@ -96,7 +96,7 @@ void report(const std::string& what, const std::string& found) {
   std::cout << "  " << std::left << std::setw(26) << what << std::right << found << '\n';
 }
 
-/// Prints which parts of `a` are equal in `b`; true if everything that the file contains is.
+/// Prints which parts of `a` and `b` are equal; true if all parts that the file contains are.
 bool compare(const Measurement& a, const Measurement& b) {
   AQ_SpectralTimeHistory& one = *a.history;
   AQ_SpectralTimeHistory& two = *b.history;
@@ -126,7 +126,7 @@ bool compare(const Measurement& a, const Measurement& b) {
   report("file date and time", "not equal: when this file was written");
   report("reference time type",
          "not read back: " + one.sReferenceTimeType() + " reads as " + two.sReferenceTimeType());
-  report("last good bands", "not in this file; the map gives them again");
+  report("last good bands", "not in this file; they come from the map");
   return allEqual;
 }
 

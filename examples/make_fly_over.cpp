@@ -26,7 +26,7 @@ double sourceLevelAt1m(int band) {
 
 double absorptionPerMetre(int band) { return 1e-4 * std::pow(10.0, 0.0875 * (band - 20)); }
 
-/// The distance from the microphone in metres, at a time in seconds from the closest point.
+/// The distance from the microphone in metres, `seconds` after the aircraft passes overhead.
 double slantRange(double seconds) { return std::hypot(150.0, 85.0 * seconds); }
 
 double level(int band, double seconds) {

@@ -12,7 +12,7 @@
 namespace aq::fuzz {
 namespace {
 
-/// Takes values from the input; zeros after its end.
+/// Takes values from the input, and zeros after its end.
 struct Calls {
   std::string_view input;
 
@@ -30,7 +30,8 @@ struct Calls {
 
 std::int16_t number(int value) { return static_cast<std::int16_t>(value); }
 
-/// Whether a call succeeds. It must, unless it is `wrong`; then it must fail with `code`.
+/// Whether a call succeeds. A call must succeed unless it is `wrong`; a wrong call must fail with
+/// `code`.
 template <class Call>
 bool succeeds(bool wrong, ErrorCode code, const Call& call) {
   try {

@@ -1,5 +1,5 @@
-// The fast paths for numbers, levels and times, compared with the exact ones of the standard
-// library and with the general ones.
+// The fast paths for numbers, levels and times, compared with the exact conversions of the standard
+// library and with the general paths.
 #include <aq/core/time.h>
 #include <aq/text/date_text.h>
 #include <aq/text/level_code.h>
@@ -55,7 +55,8 @@ void checkReal(std::string_view field, const PlainNumber& plain, const Convert& 
   const auto exact = exactly<Real>(field);
   const auto whole = converted(convert, field);
   expect(!exact || (whole && same(*whole, *exact)), "the nearest number");
-  if (numberFrom(plain, quick)) expect(exact && same(quick, *exact), "the nearest number at once");
+  if (numberFrom(plain, quick))
+    expect(exact && same(quick, *exact), "the nearest number by the fast path");
 }
 
 void checkNumbers(std::string_view text) {
@@ -76,7 +77,7 @@ void checkNumbers(std::string_view text) {
   const PlainInteger quick = plainInteger(text);
   const bool taken = isInteger && integer && *integer != INT16_MIN;
   expect(quick.length == (taken ? field.size() : 0), "a plain integer where there is one");
-  expect(!taken || quick.value == *integer, "the integer at once");
+  expect(!taken || quick.value == *integer, "the integer by the fast path");
 }
 
 void checkClock(std::string_view text) {

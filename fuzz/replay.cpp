@@ -1,4 +1,4 @@
-// Runs each target, under any compiler, with the kept inputs and with all samples of every format;
+// Runs each target, under any compiler, with the saved inputs and with all samples of every format;
 // targets that need no file also run with generated inputs: replay CORPUS SAMPLES
 #include <array>
 #include <filesystem>

@@ -32,7 +32,7 @@ std::string fileWith(std::string_view input) {
   return path;
 }
 
-/// The number of a line after the last one of the input.
+/// A line number just past the last line of the input.
 std::size_t lineAfter(std::string_view input) {
   return static_cast<std::size_t>(std::count(input.begin(), input.end(), '\n')) + 2;
 }
@@ -55,8 +55,8 @@ void checkAny(const Target&, std::string_view input) {
   });
 }
 
-/// The lines of the input: a carriage return before a line end belongs to the end, and the last
-/// line needs no end.
+/// The lines of the input: a carriage return before a line feed belongs to the line end, and the
+/// last line needs no line end.
 std::vector<std::string> plainLines(std::string_view input) {
   std::vector<std::string> lines;
   while (!input.empty()) {
@@ -162,8 +162,8 @@ void checkCopy(const test::FormatCalls& format, const std::string& path) {
 
 void mendAny(const Target&, std::string_view input) {
   const Mended mended = mendText(input, "input");
-  expect(!mended.done.empty() || mended.text == input, "text that is not mended unchanged");
-  expect(mendText(mended.text, "mended").done.empty(), "mended text that needs no more");
+  expect(!mended.done.empty() || mended.text == input, "the same text if nothing was mended");
+  expect(mendText(mended.text, "mended").done.empty(), "mended text that needs no further mending");
 }
 
 /// One target per format, then the others.

@@ -12,7 +12,7 @@ from .errors import Error
 from .files import read, write
 from .restore import measurement
 
-_PAGE = {  # the argument of `plot.page` that takes a file's content, by its class
+_PAGE = {  # the argument of `plot.page` for each class of content
     _core.AQ_SpectralTimeHistory: "history",
     _core.AQ_MaskMap: "mask",
     _core.AQ_Spectrum: "ambient",
@@ -83,8 +83,8 @@ def _single(found: dict[str, Any], pictures: Any) -> Any:
 
 
 def convert(source: str, output: str, mask: Optional[str] = None) -> None:
-    """Converts to netCDF, with history and map in one dataset, or back, with the map in a file next
-    to the history's.
+    """Converts to netCDF, with a history and its map in one dataset, or back, with the map in a
+    file next to the history.
     """
     import xarray as xr
 

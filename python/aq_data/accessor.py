@@ -18,7 +18,7 @@ INVALID_LEVEL = float(AQ_CONSTANTS.AQ_INVALID_LEVEL)
 
 @xr.register_dataset_accessor("aq")  # type: ignore[no-untyped-call]
 class Accessor:
-    """Selections and sums over `level(time, band)`; none changes the dataset."""
+    """Selections and sums over `level(time, band)`; none of them changes the dataset."""
 
     def __init__(self, ds: xr.Dataset) -> None:
         self._ds = ds
@@ -72,10 +72,10 @@ class Accessor:
         between: Optional[Times] = None,
         down: Optional[float] = None,
     ) -> xr.Dataset:
-        """The dataset cut to a range of records: by number, between two times of day, or to the
-        event, that is, the records within `down` decibels of the largest PNLT, masks taken into
-        account, plus one on each side. Records keep their numbers; `measurement` returns history
-        and map. Raises `ValueError` unless exactly one range is given, or if no record remains.
+        """The dataset cut to a range of records, by number or between two times of day, or to the
+        event: the records within `down` decibels of the largest PNLT (masks taken into account),
+        plus one on each side. Records keep their numbers; `measurement` returns history and map.
+        Raises `ValueError` unless exactly one range is given, or if no record remains.
 
         >>> ds.aq.cut(down=10)
         """
@@ -110,7 +110,7 @@ class Accessor:
 
     def metrics(self) -> xr.Dataset:
         """The ten noise metrics of each record, as `aq_data.metrics` computes them, but over
-        `time`; their attributes have the units. For a dataset of `open_many` they are computed on
+        `time`; their attributes give the units. For a dataset from `open_many` they are computed on
         demand, with one event per file. Raises `ValueError` if the dataset has no levels.
 
         >>> ds.aq.metrics().PNLT.max()
@@ -125,8 +125,8 @@ class Accessor:
         return self.level.sel(band=bands)
 
     def with_geometry(self, geometry: Union[xr.Dataset, AQ_GeometryTimeHistory]) -> xr.Dataset:
-        """The dataset with the emission geometry of each record over `time`, by record number, NaN
-        for records without one: `slant_range`, `x`, `theta` and others, in the units of their
+        """The dataset joined with the emission geometry of records with the same number, NaN for
+        other records: `slant_range`, `x`, `theta` and others over `time`, in the units of their
         attributes. Raises `ValueError` for a duplicate record number.
 
         >>> ds.aq.with_geometry(geometry).plot.scatter("slant_range", "theta")

@@ -69,8 +69,9 @@ def absolute(paths: Union[Path, Iterable[Path]]) -> list[str]:
 
 
 def walked(path: str, seen: set[str], more: tuple[str, ...] = ()) -> Iterator[str]:
-    """The path itself, or the measurement files below a folder, each folder once, since links may
-    form a loop. A broken link counts as an unreadable file. `more` lists endings of further files.
+    """The path itself, or the measurement files below a folder. Visits each folder once, since
+    links may form a loop. A broken link counts as an unreadable file. `more` lists further endings
+    of file names.
     """
     if not os.path.isdir(path):
         yield path
@@ -226,7 +227,7 @@ def check(paths: Union[Path, Iterable[Path]]) -> pd.DataFrame:
     """The findings of `aqdata check`, one per row, in the order of the paths and their lines.
 
     `paths` is a file, a folder, a pattern or a list of files and folders. In a folder and its
-    subfolders, checks files that end in `.csv` or `.nc` or whose kind is known, except hidden ones.
+    subfolders, checks files that end in `.csv` or `.nc` or are of a known kind, except hidden ones.
     For a netCDF file, compares the stored metrics with those computed from its levels. The columns
     are `path`, `severity` ("error", "warning", "note"), `kind`, `line` and `field` (from 1; 0 for
     the whole file or line), `record`, `band`, `message`; `FINDING_KINDS` gives the meaning of each

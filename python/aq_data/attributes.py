@@ -21,7 +21,7 @@ from .times import OWN, clock, going_on
 
 Function = TypeVar("Function", bound=Callable[..., Any])
 
-# The header classes by the word for a file's content, for the kinds with a header.
+# The header class of each kind of content that has a header.
 HEADERS: dict[str, Any] = {
     f.word: f.header for f in FORMATS.values() if f.header is not None and f.word != "recording"
 }
@@ -60,7 +60,7 @@ def attach(*classes: type, name: str) -> Callable[[Function], Function]:
 
 
 def nominal_frequency(bands: npt.ArrayLike) -> npt.NDArray[np.float64]:
-    """Nominal centre frequencies in Hz of one-third-octave bands, by their numbers."""
+    """Nominal centre frequencies, in Hz, of the one-third-octave bands with these numbers."""
     series = np.array([1.0, 1.25, 1.6, 2.0, 2.5, 3.15, 4.0, 5.0, 6.3, 8.0])
     decade, step = np.divmod(np.asarray(bands, dtype=int), 10)
     return np.asarray(np.round(series[step] * 10.0**decade, 9))
@@ -68,7 +68,7 @@ def nominal_frequency(bands: npt.ArrayLike) -> npt.NDArray[np.float64]:
 
 # Converts headers and settings to plain values, and back.
 
-_FOLLOWING = ("LoRec", "HiRec")  # follow from the records; a dataset may have fewer of them
+_FOLLOWING = ("LoRec", "HiRec")  # follow from the records, and a dataset may have fewer records
 
 
 def plain(value: Any) -> Any:
@@ -112,7 +112,7 @@ def _restored(target: Any, values: dict[str, Any]) -> Any:
 
 
 def _word(member: Any) -> str:
-    """The word for a member of an enumeration in a header."""
+    """The word that headers use for a member of an enumeration."""
     return str(member.name).replace("AQ_", "").replace("_REF", "")
 
 
@@ -173,7 +173,7 @@ def attributes(
     kind: str, header: Any, settings: Any = None, mask_header: Any = None, first: Any = None
 ) -> dict[str, Any]:
     """Attributes of a dataset: those of the CF conventions, readable header texts, and everything
-    as JSON. `first` lets `restore` recognise a cut dataset.
+    as JSON. `first` describes the whole dataset, so that `restore` recognises a cut one.
     """
     for given, its_kind in ((header, kind), (mask_header, "map")):
         if given is not None:
@@ -237,7 +237,7 @@ def need(ds: Any, *names: str) -> None:
 
 
 def dataset_of(data: Any, *names: str) -> xr.Dataset:
-    """A dataset, or the dataset of an object, which must have these variables."""
+    """The given dataset, or that of the given object; it must have these variables."""
     if not isinstance(data, xr.Dataset):
         if not hasattr(type(data), "_fields") or not hasattr(data, "to_xarray"):
             raise TypeError(f"expected a dataset or an object, found {type(data).__name__}")
@@ -247,8 +247,8 @@ def dataset_of(data: Any, *names: str) -> xr.Dataset:
 
 
 def need_once(ds: xr.Dataset) -> None:
-    """Rejects a dataset with a duplicate record number, such as one of several files, and a single
-    record that has lost its dimension.
+    """Rejects a dataset with a duplicate record number, such as one made from several files, and a
+    single record that has lost its dimension.
     """
     need(ds, "record")
     if ds["record"].ndim != 1:

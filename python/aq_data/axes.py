@@ -44,7 +44,7 @@ def finite(ds: xr.Dataset, name: str, what: str) -> xr.Dataset:
 
 
 def history_of(data: Any) -> xr.Dataset:
-    """The dataset of a history for drawing."""
+    """The dataset of a history to be drawn."""
     ds = dataset_of(data, "level", "band", "frequency", "time", "record")
     need_once(ds)
     if not np.isfinite(ds.aq.level.values).any():
@@ -143,8 +143,8 @@ def edges(ax: Axes, centres: Any) -> Any:
 
 
 def legend_above(ax: Axes, handles: list[Any]) -> None:
-    """Puts the legend above the axes, where it hides no data; titles of a page are to its left, so
-    long labels take two rows.
+    """Puts the legend above the axes, where it hides no data. Since a page has its titles to the
+    left of the legends, long labels take two rows.
     """
     is_long = sum(len(handle.get_label()) for handle in handles) > 40
     ax.legend(

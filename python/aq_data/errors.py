@@ -134,7 +134,9 @@ def error(message: str, code: int) -> Error:
 def file_error(
     file: str, line: int, field: int, expected: str, found: str, partial: tuple[object, ...]
 ) -> Exception:
-    """The exception for a file's failure; it is also Python's own if the system refused."""
+    """The exception for a file's failure, also Python's own exception if the system refused the
+    file.
+    """
     number = _NUMBERS.get(found) if line == 0 else None
     cls = FileError if number is None else _CLASSES.get(number, SystemFileError)
     return cls(file, line, field, expected, found, partial)

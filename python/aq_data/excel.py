@@ -129,7 +129,7 @@ def _sheets(path: str) -> Iterator[tuple[str, list[tuple[Any, ...]]]]:
 
 def read_excel(path: Path) -> dict[str, Run]:
     """The runs of a workbook that `aqdata convert FILES -o BOOK.xlsx` wrote, by the names of their
-    sheets: `(history, mask, geometry)`, each with its header, `geometry` always None.
+    sheets: `(history, mask, geometry)`, each with its header; `geometry` is always None.
 
     Raises `FileError` for any other file. Does not read metrics, which follow from the levels.
 

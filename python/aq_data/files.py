@@ -53,7 +53,7 @@ def read_sdf(path: Path) -> dict[str, Any]:
     >>> recording["SDF_DATA_HDR"][0]["dataTitle"], recording["traces"][0]["y"].shape
     """
     name = path_text(path)
-    with open(name, "rb"):  # raises the system's own error if it cannot be opened
+    with open(name, "rb"):  # raises the system's own error if this fails
         pass
     content: Any = _core._readRecording(name)
     if isinstance(content, tuple):
@@ -64,7 +64,7 @@ def read_sdf(path: Path) -> dict[str, Any]:
 def _without(
     everything: _core.AQ_PositionTimeHistory, good: _core.AQ_PositionTimeHistory
 ) -> _core.AQ_PositionTimeHistory:
-    """The samples of a series that are not in `good`, a subset of it in the same order."""
+    """The samples of `everything` that are not in `good`, a subset in the same order."""
     rest = _core.AQ_PositionTimeHistory()
     table = good.to_numpy()
     place = 0
@@ -86,7 +86,7 @@ _TABLES = (_core.AQ_SpectralTimeHistory, _core.AQ_MaskMap, _core.AQ_Spectrum)
 
 def _beginning(name: str) -> str:
     """The start of a file of unknown kind, in the form that the tool prints."""
-    with open(name, "rb") as file:  # raises the system's own error if it cannot be opened
+    with open(name, "rb") as file:  # raises the system's own error if this fails
         line = file.readline(400).rstrip(b"\r\n")
     if not line:
         return "nothing" if os.path.getsize(name) == 0 else "an empty first line"
@@ -148,14 +148,14 @@ def read(path: Path, wanted: type[_core.AQ_DataINI]) -> Reading[None, _core.AQ_D
 
 
 def read(path: Path, wanted: Optional[type[Any]] = None) -> AnyReading:
-    """Header and object of a file of any kind.
+    """The header and the object of a file of any kind.
 
     With `wanted`, the class of the object, an editor knows the type of the result, and a file of
     another kind is an error. Levels are in dB, times in seconds, lengths in the unit of the file.
 
     Raises `FileError` with line and field for a file that cannot be read, and the system's error
     (`FileNotFoundError`, `PermissionError`, another `OSError`) for one that cannot be opened. Warns
-    of an unknown word in a history's header, since it would be written as another word.
+    of an unknown word in a history's header, since `write` would replace it with another word.
 
     >>> header, history = aq_data.read("fly-over.sth.csv")
     >>> mask = aq_data.read("fly-over.mask.csv", aq_data.AQ_MaskMap).data
@@ -204,8 +204,8 @@ def _of_one_file(ds: Any) -> AnyReading:
 
 
 def _with_clock_times(obj: Any) -> Any:
-    """The object, or a copy with times rounded to the next second where their text, which has seven
-    digits, would be a second early.
+    """The object, or a copy in which times are rounded up to the next second if their text, which
+    has seven digits, would be a second early.
     """
     if not isinstance(obj, _TIMED) or not _core._hasLateTimes(obj):
         return obj
@@ -220,7 +220,7 @@ def write(obj: Any, path: Path, header: Any = None, exist_ok: bool = True) -> No
 
     Writes a new header if none is given. A dataset with masks needs two files: `measurement`
     returns the content of each. Records of a map or a geometry cut from a dataset are numbered from
-    1, and a comment keeps their old numbers. An existing file is replaced, unless `exist_ok=False`:
+    1, and a comment gives their old numbers. An existing file is replaced, unless `exist_ok=False`:
     it then raises `FileExistsError`.
 
     Raises `ValueError` for data that would not be read back unchanged (records with other bands
@@ -243,5 +243,5 @@ def write(obj: Any, path: Path, header: Any = None, exist_ok: bool = True) -> No
     format = format_for(obj, path)
     if isinstance(obj, _TABLES):
         _core._checkWritable(obj, format.kind)
-    is_clock = format.kind != FileKind.FixedColumnHistory  # that one has dates and milliseconds
+    is_clock = format.kind != FileKind.FixedColumnHistory  # its times have dates and milliseconds
     format.write(path, header, _with_clock_times(obj) if is_clock else obj)

@@ -1,4 +1,4 @@
-"""The formats that the library lists."""
+"""The file formats of the library."""
 
 from __future__ import annotations
 
@@ -22,8 +22,8 @@ class Format(NamedTuple):
     writes: bool
 
     def read(self, path: Path, others: Optional[list[Any]] = None) -> Reading[Any, Any]:
-        """Reads a file; appends line, meaning, word and replacement to `others` for each unknown
-        word.
+        """Reads a file; for each unknown word, appends its line, meaning, text and replacement to
+        `others`.
         """
         file = self.file()
         if hasattr(file, "_readWithWords"):
@@ -53,7 +53,9 @@ class Format(NamedTuple):
 
 
 def _record_length(history: Any) -> float:
-    """Seconds from the first stamp to the next; half a second if the stamps do not give one."""
+    """Seconds from the first stamp to the next; half a second if the stamps give no valid
+    length.
+    """
     stamps = history.times["TODseconds"][:2]
     length = round(float(stamps[-1] - stamps[0]) % 86400, 3)
     return length if 0 < length < 1000 else 0.5
@@ -61,7 +63,7 @@ def _record_length(history: Any) -> float:
 
 _rows: Any = _core._formats()
 FORMATS: dict[FileKind, Format] = {row[0]: Format(*row) for row in _rows}
-"""The formats by their kinds."""
+"""The format of each kind."""
 
 
 def format_for(obj: Any, path: str) -> Format:

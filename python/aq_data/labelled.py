@@ -16,7 +16,7 @@ from .attributes import band_coordinates, expect, flags, level_variable, plain, 
 from .attributes import variable
 from .times import OWN
 
-# Variables by the columns of the library's tables: column, variable, unit, long name.
+# The variables for the columns of the library's tables: column, variable, unit, long name.
 RECORD_TIMES = (
     ("TODseconds", "time", CLOCK, "time of day, not wrapped at midnight"),
     ("RelSeconds", "relative_time", "s", "time relative to the reference time"),
@@ -109,7 +109,9 @@ def mask_variables(modes: Any, adjustments: Any, last_good_bands: Any) -> dict[s
 
 
 def _first(records: Any, times: Any = None) -> dict[str, Any]:
-    """Identifies a dataset before it is cut: its records, and the time of the first one."""
+    """What identifies a dataset before it is cut: the number of records, the first and last record
+    number, and the time of the first record.
+    """
     first: dict[str, Any] = {
         "records": [len(records), *map(int, records[:1]), *map(int, records[-1:])]
     }
@@ -221,7 +223,7 @@ def map_to_xarray(
 def spectrum_to_xarray(
     self: _core.AQ_Spectrum, header: Optional[_core.AQ_HeaderSSR] = None
 ) -> xr.Dataset:
-    """A dataset with `level(band)` in dB, NaN for a band in between that has no level.
+    """A dataset with `level(band)` in dB, NaN for a band within the range that has no level.
 
     >>> spectrum.to_xarray().level.sel(band=30)
     """

@@ -31,7 +31,7 @@ class _Job(NamedTuple):
     path: str
     mask: Optional[str]
     joined: bool  # paired by a pattern, not by the caller
-    strict: bool  # whether findings about the levels exclude it
+    strict: bool  # whether findings about the levels exclude the history
 
 
 class _Shape(NamedTuple):
@@ -151,8 +151,8 @@ def _adjustments(path: str) -> tuple[Any, Any]:
 
 
 def _chunk(read_file: Any, files: tuple[tuple[str, int], ...], bands: Any, empty: Any) -> Any:
-    """The values of several files, given with their numbers of records, one file after another on
-    common bands.
+    """The values of several files, one file after another, on common bands. Each file is given with
+    its number of records.
     """
     values = np.full((sum(count for _, count in files), len(bands)), empty)
     first = 0
@@ -170,7 +170,7 @@ def _chunk(read_file: Any, files: tuple[tuple[str, int], ...], bands: Any, empty
 
 
 def _chunks(shapes: list[_Shape]) -> list[list[_Shape]]:
-    """Groups of consecutive files, each as many as one task reads."""
+    """Groups of consecutive files, one group per task."""
     chunks: list[list[_Shape]] = []
     room = 0
     for shape in shapes:
@@ -183,7 +183,7 @@ def _chunks(shapes: list[_Shape]) -> list[list[_Shape]]:
 
 
 class _Lazy:
-    """Arrays of all files; workers get only their paths."""
+    """Arrays of all files; workers get only the paths."""
 
     def __init__(self, shapes: list[_Shape], bands: Any) -> None:
         self.bands = bands
@@ -261,10 +261,10 @@ def open_many(
     `paths` is a pattern or a list; `masks` names the map of each history, in the same order. With
     patterns, a map whose header names another history is an error; lists are used unchecked.
 
-    The dataset has `level(time, band)` in dB, NaN where a record has no level in a band, with masks
-    `mask_mode` and `mask_adjustment` of that shape. `file(time)` is the index in `path`; per file
-    there are `project`, `microphone`, `begin` (start time as text) and the number of `errors`,
-    `warnings` and `notes` of `check` for the history and its map.
+    The dataset has `level(time, band)` in dB, NaN where a record has no level in a band and, if
+    there are masks, `mask_mode` and `mask_adjustment` of that shape. `file(time)` is the index in
+    `path`; per file there are `project`, `microphone`, `begin` (start time as text) and the number
+    of `errors`, `warnings` and `notes` of `check` for the history and its map.
 
     A file that cannot be read, a map that does not fit and, unless `strict` is false, a file with
     an error or a warning about its levels raise the same exceptions as reading (`FileError`,

@@ -34,7 +34,7 @@ RECORDS_PER_CHUNK = 4096  # several short files form one task and share its cost
 
 
 def _pair(history: History, mask: Optional[_core.AQ_MaskMap]) -> tuple[Any, Any]:
-    """The history and the map, by default the map of a dataset with masks."""
+    """The history and its map: `mask` or, if that is None, the map of a dataset with masks."""
     if isinstance(history, xr.Dataset):
         own, own_mask = measurement(history)
         return own.data, own_mask.data if mask is None and own_mask is not None else mask
@@ -65,9 +65,9 @@ def metrics(history: History, mask: Optional[_core.AQ_MaskMap] = None) -> xr.Dat
 
     The dataset has the variables `AWT`, `CWT`, `DWT`, `OA`, `PNL`, `PNLT`, `TONECOR`, `TONEBND`,
     `LGB` and `INTEG` over `record`, and the coordinate `time`. The variables are doubles, NaN where
-    there is no value (as for `LGB` without a map). The attributes describe the event: `EPNL`,
+    there is no value (for example `LGB` without a map). The attributes describe the event: `EPNL`,
     `EPNL_with_band_sharing`, `PNLTM`, `band_sharing`, `duration_correction`, and the record numbers
-    `first`, `maximum` and `last`, -1 for a missing one. A row of `mask` belongs to the record with
+    `first`, `maximum` and `last`, -1 if missing. A row of `mask` belongs to the record with
     the same number. Does not change the history.
 
     >>> m = aq_data.metrics(history, mask)
@@ -103,7 +103,7 @@ def setMetrics(  # named as in C++
     """Computes and stores the ten metrics of each record; returns the event, `None` if no record
     has a PNLT.
 
-    The event's `first`, `maximum` and `last` are indices from 0; `metrics(history).attrs` has
+    The event's `first`, `maximum` and `last` count records from 0; `metrics(history).attrs` has
     record numbers.
     """
     expect(history, _core.AQ_SpectralTimeHistory, "history")
@@ -133,7 +133,7 @@ def epnl(
     """The event of a series of PNLT values, NaN where a record has none.
 
     `seconds` is the duration of the records, one number for all or one per record. Without
-    `tone_corrections`, the band sharing adjustment is 0. The event's records are indices from 0.
+    `tone_corrections`, the band sharing adjustment is 0. The event counts records from 0.
 
     >>> aq_data.epnl(m.PNLT, tone_corrections=m.TONECOR).epnl
     """
@@ -181,8 +181,8 @@ def audit(
     """The stored metrics of a history that differ from those computed from its levels: `record`,
     `metric`, `stored` and `computed`, NaN if the levels give no value.
 
-    Levels and corrections differ when more than `tolerance` dB apart, bands and flags when not
-    equal. Compares the last good band only if there is a map.
+    Levels and corrections differ if they are more than `tolerance` dB apart, bands and flags if
+    they are not equal. Compares the last good band only if there is a map.
 
     >>> aq_data.audit(aq_data.from_xarray(xarray.open_dataset("season.nc")).data)
     """
@@ -311,7 +311,7 @@ def _filled(arrays: tuple[Any, ...]) -> tuple[Any, ...]:
 
 
 def _file_sizes(files: Any) -> tuple[int, ...]:
-    """The number of records of each block; a block has consecutive whole files."""
+    """The number of records of each block; a block consists of consecutive whole files."""
     starts = np.flatnonzero(np.diff(files, prepend=np.nan) != 0)
     sizes: list[int] = []
     for size in np.diff([*starts, len(files)]):
@@ -322,7 +322,9 @@ def _file_sizes(files: Any) -> tuple[int, ...]:
 
 
 def _arrays(ds: xr.Dataset) -> tuple[list[Any], Any]:
-    """The arrays to compute a dataset's metrics from, lazy if its levels are, and its bands."""
+    """The arrays from which the metrics of a dataset are computed, lazy if its levels are, and its
+    bands.
+    """
     need(ds, "level", "band", "time", "record")
     ds = ds.sortby("band")
     bands = ds["band"].values
@@ -365,7 +367,7 @@ def dataset_metrics(ds: xr.Dataset) -> xr.Dataset:
 
 
 def events(many: xr.Dataset) -> pd.DataFrame:
-    """The event of each history in a dataset of `open_many`, one row per file, computed by dask:
+    """The event of each history in a dataset from `open_many`, one row per file, computed by dask:
     `path`, `project`, `microphone`, `begin`, `records`, then the attributes of `metrics`.
 
     >>> aq_data.events(aq_data.open_many("season/*.sth.csv", "season/*.mask.csv"))

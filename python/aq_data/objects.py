@@ -27,8 +27,8 @@ CLASSES.append(_core.AQ_Time)
 
 
 def as_time(given: Clock) -> _core.AQ_Time:
-    """The time value of a time of day: text `hh:mm:ss` with or without a fraction, or a Python time
-    or datetime, whose date is kept. Raises `ValueError` for any other text.
+    """The time object for a time of day: text `hh:mm:ss` with or without a fraction, a Python time,
+    or a datetime, whose date is kept. Raises `ValueError` for any other text.
     """
     if isinstance(given, _core.AQ_Time):
         return given
@@ -76,7 +76,7 @@ def _set(self: Any, name: str, value: Any) -> None:
 
 
 def _checked_setting(view: type) -> None:
-    """Makes `view[number] = value` name the type that it accepts when given another one."""
+    """Makes errors from `view[number] = value` name the type that it accepts."""
     method: Callable[..., Any] = getattr(view, "__setitem__")
     place = "AQ_" + ".".join(view.__name__[1:].rsplit("_", 1))
     found = re.search(r"value: ([^)]*)\)", method.__doc__ or "")
@@ -151,8 +151,8 @@ def _chosen(numbers: Any, part: slice) -> list[int]:
 
 @attach(_core.AQ_SpectralTimeHistory, name="__getitem__")
 def history_getitem(self: _core.AQ_SpectralTimeHistory, number: Any) -> Any:
-    """The spectrum of a record; for a slice, a history of the records from start to stop, stop
-    excluded, that shares their spectra and keeps their numbers. Its start time is adjusted.
+    """The spectrum of a record; for a slice, a history that shares the spectra from start to stop,
+    stop excluded, and keeps their numbers. Its start time is adjusted to its first record.
 
     >>> history[12].SPL[24], len(history[10:50])
     """
@@ -178,8 +178,8 @@ def history_getitem(self: _core.AQ_SpectralTimeHistory, number: Any) -> Any:
 
 @attach(_core.AQ_MaskMap, name="__getitem__")
 def map_getitem(self: _core.AQ_MaskMap, number: Any) -> Any:
-    """The row of a record; for a slice, a map of the rows from start to stop, stop excluded, that
-    shares them and keeps their numbers.
+    """The row of a record; for a slice, a map that shares the rows from start to stop, stop
+    excluded, and keeps their numbers.
 
     >>> mask[12].Mask[40].MaskMode
     """
@@ -193,8 +193,8 @@ def map_getitem(self: _core.AQ_MaskMap, number: Any) -> Any:
 
 @attach(_core.AQ_PositionTimeHistory, name="__getitem__")
 def positions_getitem(self: _core.AQ_PositionTimeHistory, number: Any) -> Any:
-    """The position at an index from 1; for a slice, a series of those from start to stop, stop
-    excluded, that shares them.
+    """The position with this index, counted from 1; for a slice, a series that shares the positions
+    from start to stop, stop excluded.
 
     >>> track.positions[1].X
     """
@@ -217,7 +217,7 @@ def spectrum_getitem(self: _core.AQ_Spectrum, band: int) -> Any:
 
 @attach(_core.AQ_Spectrum, name="__iter__")
 def spectrum_iter(self: _core.AQ_Spectrum) -> Iterator[tuple[int, Any]]:
-    """Band and level in dB of each band, ascending; omits bands without a level.
+    """The number and the level (dB) of each band, in ascending order; omits bands without a level.
 
     >>> loudest, level = max(spectrum, key=lambda each: each[1])
     """

@@ -39,7 +39,7 @@ NO_BAND_IS_GOOD = int(_core.AQ_CONSTANTS.AQ_INVALID_LEVEL)
 
 def _last_good_band(ds: xr.Dataset) -> tuple[Any, bool]:
     """The upper edge of the last good band of each record, within the drawn bands, and whether any
-    record has none; the edge of such a record is the lower edge of the plot.
+    record has no good band; such a record gets the lower edge of the plot.
     """
     low, high = ds["band"].values[[0, -1]]
     last = ds["last_good_band"].values.astype(float)
@@ -90,8 +90,8 @@ def spectrum(
     ambient: Union[xr.Dataset, _core.AQ_Spectrum, None] = None,
     ax: Optional[Axes] = None,
 ) -> Axes:
-    """The levels of one record, in dB by band, masked ones hollow, with the spectrum of the
-    ambient.
+    """The levels of one record, in dB by band, with masked levels drawn hollow, and the spectrum of
+    the ambient.
 
     Raises `ValueError` for a record that the history lacks.
 
@@ -156,7 +156,9 @@ def tone(
 
 
 def _draw_event(ax: Axes, seconds: Any, ds: xr.Dataset) -> list[Any]:
-    """Draws PNLT, the level 10 dB down, the summed records and the EPNL; returns the lines."""
+    """Draws PNLT, its maximum, and a line 10 dB below the maximum over the records that count;
+    returns the lines.
+    """
     pnlt = np.where(ds["PNLT"].values > 0, ds["PNLT"].values, np.nan)
     lines = ax.plot(seconds, pnlt, color=TONE, lw=1, label="PNLT (TPNdB)", **ALONE)
     steps: Any = np.diff(ds["time"].values)
@@ -175,7 +177,7 @@ def level_time(
     history: History, events: Optional[dict[str, float]] = None, ax: Optional[Axes] = None
 ) -> Axes:
     """The overall level in dB over time, of all bands and of those that are not masked, and the
-    event if the history has PNLT. `events` gives times by name, in seconds of the time axis.
+    event if the history has PNLT. `events` gives times by name, in seconds on the time axis.
 
     >>> aq_data.plot.level_time(ds, {"overhead": 0.0})
     """
@@ -288,7 +290,7 @@ def geometry(geometry: Any, ax: Optional[Axes] = None, unit: Optional[str] = Non
     return ax
 
 
-_draw_geometry = geometry  # `page` has an argument of that name
+_draw_geometry = geometry  # `page` has an argument named `geometry`
 
 
 def page(

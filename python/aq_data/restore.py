@@ -16,7 +16,7 @@ from .times import DAY, days_of, of_day
 
 
 def _by_band(ds: xr.Dataset, name: str, *dims: str) -> tuple[xr.Dataset, int]:
-    """A dataset with its bands ascending, and the lowest band."""
+    """The dataset with its bands in ascending order, and the lowest band."""
     need(ds, name, "band")
     if set(ds[name].dims) != {*dims, "band"}:
         raise ValueError(
@@ -33,7 +33,7 @@ def _by_band(ds: xr.Dataset, name: str, *dims: str) -> tuple[xr.Dataset, int]:
 
 
 def _by_record(ds: xr.Dataset) -> tuple[xr.Dataset, Any]:
-    """A dataset in the order of its records, like the tables of the objects, and the record
+    """The dataset in the order of its record numbers, like the tables of the objects, and those
     numbers.
     """
     if "record" not in ds.variables:
@@ -132,8 +132,8 @@ def _microphone_from(ds: xr.Dataset) -> _core.AQ_Microphone:
 
 
 def _parameters_from(ds: xr.Dataset) -> _core.AQ_DataINI:
-    """Parameters from a dataset; methods and comments are attributes, and an unset method has
-    none.
+    """Parameters from a dataset; methods and comments are attributes, and an unset method has no
+    attribute.
     """
     need(ds, *(name for _, name, *_ in PARAMETERS))
     values = dict(kept(ds).get("settings") or {})
@@ -170,7 +170,7 @@ def _kind(ds: xr.Dataset) -> str:
 
 
 def _headers(ds: xr.Dataset, kind: str, data: Any) -> tuple[Any, Any]:
-    """Headers of the object and of the map, with changes made in the attributes."""
+    """Headers of the object and of the map, with changes made to the attributes."""
     header, mask_header = (
         restored(cls(), kept(ds).get(name) or {}) if cls else None
         for name, cls in (
@@ -215,7 +215,7 @@ def _is_cut(ds: xr.Dataset) -> bool:
 
 
 def _renumbered(ds: xr.Dataset) -> tuple[xr.Dataset, list[str]]:
-    """A dataset whose records are numbered from 1 if it was cut, and the comment that says so."""
+    """The dataset, with records numbered from 1 if it was cut, and a comment that says so."""
     if not _is_cut(ds) or not ds["record"].size:
         return ds, []
     ds, numbers = _by_record(ds)
@@ -228,7 +228,7 @@ def _renumbered(ds: xr.Dataset) -> tuple[xr.Dataset, list[str]]:
 
 def _without_source(header: _core.AQ_HeaderMask, comments: list[str]) -> list[str]:
     """Removes the name of the whole history from the map's header, since a cut map does not fit it.
-    Returns the comments, to which the name is moved.
+    Returns the comments, which now give that name.
     """
     if not comments or not header.sGenerationFile:
         return comments
@@ -255,7 +255,7 @@ def measurement(
     if the dataset has no masks.
 
     If the dataset was cut, the records of a history with a map are numbered from 1, as a map
-    requires, and a comment in both headers keeps the old numbers; without masks they keep their
+    requires, and a comment in both headers gives the old numbers; without masks, records keep their
     numbers. The map's header no longer names the whole history, which it does not fit: set
     `sGenerationFile` to the name of the cut history.
 

@@ -66,8 +66,8 @@ def _tidy(ds: xr.Dataset, keys: list[str]) -> pd.DataFrame:
     name="to_pandas",
 )
 def series_to_pandas(self: Any) -> pd.DataFrame:
-    """One row per entry, by record number or by index from 1; the columns are those of `to_numpy`:
-    times of day in s, lengths in the unit of the file.
+    """One row per entry, numbered by record or, for other entries, from 1; the columns are those of
+    `to_numpy`: times of day in s, lengths in the unit of the file.
 
     >>> track.positions.to_pandas().Z.max()
     """
