@@ -1,5 +1,5 @@
-"""The compiled part of the wheel, built by CMake from the sources around this folder, and its
-version, which is that of the CMake project."""
+"""Builds the compiled part of the wheel with CMake from the sources around this folder, under the
+version of the CMake project."""
 
 from __future__ import annotations
 

@@ -8,7 +8,7 @@
 
 namespace aq {
 
-/// The text of a measurement file before other programs changed it, as far as that is certain.
+/// The text of a measurement file before other programs changed it, where that is unambiguous.
 struct Mended {
   std::string text;
   std::vector<std::string> done;  ///< what was mended, in words; empty if the text is unchanged

@@ -15,7 +15,7 @@ namespace aq {
 /// `InvalidValue` at or below -273.15 degrees Celsius, and for a value that is not finite.
 [[nodiscard]] AQ_API double speedOfSound(double celsius);
 
-/// Where a microphone measures: at X, Y and Z + Height.
+/// The point at which a microphone measures: X, Y and Z + Height.
 [[nodiscard]] AQ_API std::shared_ptr<AQ_Position> membraneOf(const AQ_Microphone& microphone);
 
 /// Where and when the sound of each record was emitted. The source flies straight from position to

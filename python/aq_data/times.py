@@ -1,7 +1,8 @@
-"""Converts clock times and dates of the library's tables to those of datasets, and back.
+"""Converts clock times and dates between the library's tables and datasets.
 
-A file's times are seconds of the day, which restart at midnight; those of a dataset continue, since
-lookups need ascending times. The file's own times are kept in addition if they differ.
+Times in a file are seconds of the day, which restart at midnight; times in a dataset continue to
+rise, because lookups need ascending times. If they differ, a dataset also keeps the file's own
+times.
 """
 
 from __future__ import annotations
@@ -19,7 +20,8 @@ _CF_DATE = {"units": "days since 1899-12-30", "calendar": "standard", "dtype": "
 
 def going_on(seconds: Any, beside: Optional[Any] = None) -> Any:
     """Seconds of the day that continue beyond midnight: a drop of more than half a day starts the
-    next day. With `beside`, times that already continue, each result is on the day nearest to them.
+    next day. If `beside` gives times that already continue, each result is on the day nearest to
+    its counterpart there.
     """
     if beside is not None:
         return seconds + DAY * np.round((beside - seconds) / DAY)
@@ -28,8 +30,8 @@ def going_on(seconds: Any, beside: Optional[Any] = None) -> Any:
 
 
 def of_day(ds: xr.Dataset, name: str) -> Any:
-    """The file's own times: those kept with the variable, or its times of day where it has since
-    been changed by more than rounding or whole days.
+    """The file's own times: those kept with the variable or, where the variable has since changed
+    by more than rounding or whole days, its times of day.
     """
     seconds = np.asarray(ds[name].values, dtype=float)
     if name + OWN not in ds.variables:
@@ -40,10 +42,9 @@ def of_day(ds: xr.Dataset, name: str) -> Any:
 
 
 def clock(days: Any) -> tuple[Any, dict[str, Any], dict[str, Any]]:
-    """Dates, their attributes, and their form in a netCDF file; 0 means unknown and gives no
-    date.
+    """Dates, their attributes, and their encoding in netCDF; 0 means unknown and gives no date.
 
-    A value that is not a whole day of the years 1694 to 2241 stays a number.
+    If any value is not a whole day between 1694 and 2242, all of them stay numbers.
     """
     days = np.asarray(days, dtype=float)
     if not (np.isfinite(days).all() and (days % 1 == 0).all() and (abs(days - 25000) < 1e5).all()):
@@ -54,7 +55,7 @@ def clock(days: Any) -> tuple[Any, dict[str, Any], dict[str, Any]]:
 
 
 def days_of(dates: Any) -> Any:
-    """Days since 1899-12-30 of dates, or of numbers that are such days already; 0 for no date."""
+    """Dates as days since 1899-12-30, 0 for no date. Numbers are taken to be such days already."""
     dates = np.asarray(dates)
     if dates.dtype.kind == "M":
         none = np.isnat(dates)

@@ -39,7 +39,7 @@ class Run(NamedTuple):
 
 
 def _reading(given: Any, cls: type) -> Reading[Any, Any]:
-    """A copy of the reading whose header may be changed."""
+    """A reading whose header may be changed: read from a path, or with the given header copied."""
     if isinstance(given, (str, bytes, os.PathLike)):
         return read(given, cls)  # type: ignore[call-overload, no-any-return]
     if not isinstance(given, tuple) or len(given) != 2:
@@ -120,11 +120,11 @@ def cut(
     `(history, mask, geometry)`, each with its header.
 
     Choose the records by one of `records`, the first and the last number; `between`, two times of
-    day, of which one may be None; or `down`, the event: the records within this many decibels of
+    day, either of which may be None; or `down`, the event: the records within this many decibels of
     the largest PNLT, plus one on each side. Time stamps do not change. With a map, a geometry or
     `renumber`, records are numbered from 1, and a comment in each header gives the old numbers.
-    When the new history has a file name, set it in the headers of map and geometry. Arguments are
-    paths or results of `read`.
+    When the new history has a file name, set it in the headers of the map and the geometry.
+    Arguments are paths or results of `read`.
 
     Raises `ValueError` if no record remains, or unless exactly one way of choosing is given.
 
@@ -167,7 +167,7 @@ def _joined_geometry(run: Run, piece: Run, gap: int) -> Optional[GeometryReading
     if run.geometry is None and piece.geometry is None:
         return None
     if run.geometry is None or piece.geometry is None:
-        raise ValueError("expected a geometry for each piece, or none")
+        raise ValueError("expected a geometry for every piece or for none")
     if gap:
         raise ValueError("a gap cannot be filled in a geometry")
     one, other = run.geometry.header, piece.geometry.header
@@ -230,7 +230,7 @@ def join(
         if rows is not None and piece.mask is not None:
             rows = Reading(rows.header, _core.joinMaps(rows.data, piece.mask.data, gap))
         elif (rows is None) != (piece.mask is None):
-            raise ValueError("expected a mask for each piece, or none")
+            raise ValueError("expected a mask for every piece or for none")
         run = Run(Reading(run.history.header, whole), rows, points)
     line = (
         "Joined from "
@@ -318,8 +318,8 @@ def fix(
     keep_original: bool = True,
     to: Optional[Path] = None,
 ) -> pd.DataFrame:
-    """Undoes what other programs did to the text of files, as far as that is certain: gzip, UTF-16,
-    byte order marks, carriage returns as line endings, a spreadsheet's semicolons, tabs, quotes and
+    """Undoes what other programs did to text files, where that is unambiguous: gzip, UTF-16, byte
+    order marks, carriage returns as line endings, a spreadsheet's semicolons, tabs, quotes and
     padding, blank lines, and decimal commas.
 
     Without `write` nothing changes. With it, each file is replaced completely or not at all, and
@@ -328,9 +328,9 @@ def fix(
     are written below that folder, and `FileExistsError` is raised for a file that already exists
     there. A comment in the file says what was changed.
 
-    The columns are `path`; `done`, what was or would be changed; `left`, what is ambiguous and was
-    left alone, both lists of strings; and `output`, None if nothing was written. `paths` are as for
-    `check`.
+    The columns are `path`; `done` and `left`, which list in words what was or would be changed and
+    what was left alone because it is ambiguous; and `output`, None if nothing was written. `paths`
+    are as for `check`.
 
     >>> found = aq_data.fix("raw", write=True, to="mended")
     >>> found[found.done.str.len() > 0]

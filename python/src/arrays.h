@@ -18,14 +18,13 @@ namespace aq::python {
 
 using Doubles = py::array_t<double, py::array::c_style | py::array::forcecast>;
 
-/// The array of a `numpy.ma` array, with NaN where a value is masked; any other array unchanged.
+/// Replaces the masked values of a `numpy.ma` array with NaN; returns any other object unchanged.
 inline py::object shown(const py::object& given) {
   if (!py::isinstance(given, py::module_::import("numpy.ma").attr("MaskedArray"))) return given;
   return given.attr("astype")("f8").attr("filled")(std::numeric_limits<double>::quiet_NaN());
 }
 
-/// Converts anything to a numpy array; exceptions of numpy propagate, such as that for a deleted
-/// file.
+/// Converts anything to a numpy array; exceptions from numpy, e.g. for a deleted file, propagate.
 inline py::array arrayFrom(const py::object& given) {
   return py::module_::import("numpy").attr("asarray")(shown(given));
 }
@@ -46,7 +45,7 @@ inline void checkWhole(const Doubles& cells) {
 }
 
 /// Contiguous numbers of one type, converted from any type and layout; NaN for missing values.
-/// Throws `TypeError` for values that are not numbers, `ValueError` for another number of
+/// Throws `TypeError` for values that are not numbers, `ValueError` for a wrong number of
 /// dimensions and, for integers, for a fraction or a value beyond 64 bits.
 template <class Number>
 py::array_t<Number, py::array::c_style> numbersFrom(const py::object& given, py::ssize_t dimensions,
@@ -90,7 +89,7 @@ inline void checkOnce(std::vector<std::int16_t> numbers) {
   throw py::value_error("the record number " + std::to_string(*twice) + " appears twice");
 }
 
-/// The numbers of `count` records: those given, otherwise from 1.
+/// The given numbers of `count` records; 1 to `count` if none are given.
 inline std::vector<std::int16_t> recordNumbers(const py::object& given, py::ssize_t count) {
   if (given.is_none()) {
     return shortNumbers(py::module_::import("numpy").attr("arange")(1, count + 1), count,

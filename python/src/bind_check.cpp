@@ -40,11 +40,12 @@ void bindCheck(py::module_& module) {
         },
         py::arg("path"), doc);
   };
-  ofOneFile("checkFile", checkFile,
-            "One finding about a file: severity, kind, line, field, record, band, message");
+  ofOneFile(
+      "checkFile", checkFile,
+      "The findings about a file: severity, kind, line, field, record, band and message of each");
   ofOneFile(
       "checkWithHistory", checkWithHistory,
-      "Like checkFile; also compares a masking map with the history in its folder that it names");
+      "Like checkFile; also compares a file with the sources in its folder that its header names");
   module.def(
       "checkFit",
       [](const Path& history, const Path& map) {

@@ -8,7 +8,7 @@
 namespace aq::python {
 namespace {
 
-/// Raises the exception for a failure, with the objects that the call still returned.
+/// Raises the exception for a failure. `partial` has the objects that the call returned despite it.
 [[noreturn]] void raise(const FileFailure& failure, const py::tuple& partial) {
   const py::object raised = py::module_::import("aq_data.errors")
                                 .attr("file_error")(failure.file, failure.line, failure.field,
@@ -17,8 +17,8 @@ namespace {
   throw py::error_already_set();
 }
 
-/// Runs `call(file)` without the interpreter's lock, on a copy of the file object, since two
-/// threads may share one.
+/// Runs `call(file)` without the interpreter's lock, on a copy of the file object, since threads
+/// may share the object.
 template <class File, class Call>
 [[nodiscard]] AQ_DataMessage unlocked(File& file, const Call& call) {
   File working = file;
@@ -117,7 +117,7 @@ class BoundFile : public Bound<File> {
  private:
   using Call = AQ_DataMessage (File::*)(const std::string&);
 
-  /// Binds a call that takes a path and returns nothing.
+  /// Binds a method that takes a path and returns nothing.
   void call(const describe::Method<Call, 1>& method) {
     this->def(
         method.name,
@@ -163,10 +163,10 @@ auto readWithWords(AQ_DataSTH& self, const Path& path) {
 }
 
 void bindHistoryFile(BoundFile<AQ_DataSTH>& history) {
-  history.def(
-      "_readWithWords", readWithWords, py::arg("sFileName"),
-      "Like readFile, but sets the reference time type that the header names. Also returns line, "
-      "meaning, word and its replacement for each unknown word");
+  history.def("_readWithWords", readWithWords, py::arg("sFileName"),
+              "Like readFile, but sets the reference time type that the header names. Also returns "
+              "the line, "
+              "meaning, text and replacement of each unknown word");
   history.def(
       "getRawHeader",
       [](AQ_DataSTH& self, const Path& path) {
@@ -259,10 +259,10 @@ void bindFiles(py::module_& module) {
   });
   const BoundFile<AQ_DataASCII> text(module);
   module.def("keepingFileInformation", &keepingFileInformation,
-             "The service in use, except that dates of source files in a header are kept");
+             "A service like the one in use that keeps the dates a header gives for source files");
   module.def("_formats", formats,
              "For each format: kind, long and short name, ending, file class, header class if "
-             "it has one, class of the data, and whether such files are written");
+             "it has one, class of the data, and whether such files can be written");
 }
 
 }  // namespace aq::python

@@ -90,7 +90,7 @@ std::shared_ptr<AQ_MaskMap> mapFromArrays(const py::object& modes, const py::obj
   if (!adjustments.is_none()) {
     adjustCodes = codesFrom(adjustments);
     if (adjustCodes.shape(0) != modeCodes.shape(0) || adjustCodes.shape(1) != modeCodes.shape(1)) {
-      throw py::value_error("expected modes and adjustments of one shape");
+      throw py::value_error("expected modes and adjustments of the same shape");
     }
   }
   checkBands(lowBand, modeCodes.shape(1));
@@ -187,7 +187,7 @@ ValueError for another shape and for numbers that no mask, record or band can ha
 
 void bindMasking(py::module_& module) {
   Bound<AQ_Mask> mask(module);
-  // Python accepts only the numbers of members.
+  // Only members of the enumerations are accepted from Python.
   mask.def_property(
           "MaskMode", [](const AQ_Mask& self) { return self.MaskMode(); },
           [](AQ_Mask& self, AQ_MASK_MODE mode) { self.MaskMode(modeOf("a mask mode", mode, 0)); },

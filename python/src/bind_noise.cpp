@@ -113,7 +113,7 @@ NoiseEvent eventOf(const py::object& pnlt, const py::object& seconds,
     return numbersFrom<double>(given, 1, wanted);
   };
   const auto levels = numbers(pnlt, "PNLT by record");
-  const auto durations = numbers(seconds, "seconds, one or one per record");
+  const auto durations = numbers(seconds, "seconds, one value or one per record");
   const auto tones = numbers(corrections, "tone corrections by record");
   const auto cells = [](const auto& array) {
     return std::span<const double>(array.data(), static_cast<std::size_t>(array.size()));
@@ -129,8 +129,8 @@ std::string eventText(const NoiseEvent& event) {
 void bindEvent(const py::module_& module) {
   using E = NoiseEvent;
   py::class_<E>(module, "NoiseEvent",
-                "The noise of one aircraft passing by. Records are indices from 0.")
-      .def_readonly("maximum", &E::maximum, "The first record of the largest PNLT")
+                "The noise of one aircraft passing by. Record indices start at 0.")
+      .def_readonly("maximum", &E::maximum, "The first record with the largest PNLT")
       .def_readonly("first", &E::first, "The first 10 dB-down limit; None if there is none")
       .def_readonly("last", &E::last, "The last 10 dB-down limit; None if there is none")
       .def_readonly("secondPeaks", &E::secondPeaks, "Other maxima within 2 dB of the largest")
@@ -181,11 +181,11 @@ void bindNoise(py::module_& module) {
       "setMetrics", setMetrics, py::arg("history"), map,
       "Computes and stores the ten metrics of every record; returns the event, if there is one");
   module.def("noiseEvent", eventOf, py::arg("pnlt"), py::arg("seconds"), py::arg("toneCorrections"),
-             "The event of a series of PNLT");
+             "The event in a series of PNLT values");
   module.def("auditMetrics", differences, py::arg("history"), py::arg("map"), py::arg("tolerance"),
              "Record, metric, stored and computed value of every metric that differs");
   module.def("membraneOf", membraneOf, py::arg("microphone"),
-             "Where a microphone measures: at X, Y and Z + Height");
+             "The point at which a microphone measures: X, Y and Z + Height");
   module.def("emissionGeometry", emissionGeometry, py::arg("positions"), py::arg("microphone"),
              py::arg("records"), py::arg("celsius"),
              "Where and when the sound of each record was emitted; no point before the first or "
@@ -193,7 +193,7 @@ void bindNoise(py::module_& module) {
   module.def(
       "maskByAmbient", maskByAmbient, py::arg("history"), py::arg("ambient"), py::arg("margin"),
       "The masking map of a history from an ambient spectrum: masks levels less than margin dB "
-      "above the ambient's");
+      "above the ambient level");
   module.def("speedOfSound", speedOfSound, py::arg("celsius"), "The speed of sound in air, m/s");
 }
 

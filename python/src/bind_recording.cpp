@@ -44,7 +44,7 @@ py::dict fieldsOf(const Record& record, std::span<const sdf::Field> fields) {
   return values;
 }
 
-/// The records by the names of their types, each a list of dictionaries.
+/// The records by type name: a list of dictionaries for each type.
 py::dict recordsOf(const Recording& recording) {
   py::dict records;
   for (const auto type :

@@ -23,7 +23,7 @@ void bindWork(py::module_& module) {
         return pairOf(recordsBetween(history, from, to));
       },
       py::arg("history"), py::arg("from_"), py::arg("to"),
-      "First and last record with a stamp from one time of day to another, in seconds");
+      "First and last record stamped within a range of times of day, in seconds");
   module.def(
       "recordsDown",
       [](const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map, double decibels) {
@@ -68,7 +68,7 @@ void bindWork(py::module_& module) {
         return std::tuple(py::bytes(mended.text), mended.done, mended.left);
       },
       py::arg("bytes"), py::arg("name"), py::arg("done"),
-      "The text, and lists of what was mended and what was left, in words");
+      "The mended text, and lists in words of what was mended and what was left");
 }
 
 }  // namespace aq::python

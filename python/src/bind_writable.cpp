@@ -52,8 +52,7 @@ void checkRecords(std::int32_t first, std::int32_t last, const Series& series,
 
 void checkDates(AQ_SpectralTimeHistory& history) {
   if (keepsDates(history)) return;
-  throw py::value_error(
-      "expected records of the date that startTime has, and of the next after midnight");
+  throw py::value_error("expected records dated like startTime, or one day later after midnight");
 }
 
 }  // namespace
@@ -85,14 +84,14 @@ void bindWritable(py::module_& module) {
     module.def("_hasLateTimes", find, py::arg("model"), doc);
   };
   finds(static_cast<bool (*)(AQ_SpectralTimeHistory&)>(hasLateTimes),
-        "Whether the text of a time would be a second early");
+        "Whether any time would be a second early when written as text");
   finds(static_cast<bool (*)(const AQ_PositionTimeHistory&)>(hasLateTimes), "");
   finds(static_cast<bool (*)(const AQ_GeometryTimeHistory&)>(hasLateTimes), "");
   const auto rounds = [&module](auto* round, const char* doc) {
     module.def("_roundLateTimes", round, py::arg("model"), doc);
   };
   rounds(static_cast<bool (*)(AQ_SpectralTimeHistory&)>(roundLateTimes),
-         "Rounds times whose text would be a second early to the next second");
+         "Rounds times that would be a second early when written as text to the next second");
   rounds(static_cast<bool (*)(const AQ_PositionTimeHistory&)>(roundLateTimes), "");
   rounds(static_cast<bool (*)(const AQ_GeometryTimeHistory&)>(roundLateTimes), "");
 }

@@ -37,14 +37,14 @@ class BandRange {
   std::int16_t high_;
 };
 
-/// The object that `history.spectrum` returns: the values of one owner by number, read by a call or
-/// by `[]`.
+/// The object that `history.spectrum` returns: one object's values by number, read with a call or
+/// with `[]`.
 template <class Owner, class Key, class Value>
 struct Indexed {
   std::shared_ptr<Owner> owner;
 };
 
-/// The sentence of a description, and the unit and range of a number.
+/// The text of a description, followed by the unit and range of a number.
 inline std::string docOf(const describe::About& about) {
   std::string doc(about.text);
   const std::string quantity = describe::quantityText(about.quantity);
@@ -155,7 +155,7 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
   }
 
   /// Completes a class that holds more than its settable properties: `save(object)` returns the
-  /// rest to keep, `load(object, kept)` stores it again.
+  /// rest, and `load(object, kept)` stores it again.
   template <class Save, class Load>
   void container(Save save, Load load) {
     keepFields();
@@ -243,7 +243,7 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
   py::list fields_;
 };
 
-// One function per folder, in order of dependencies.
+// One function per folder, in order of dependency.
 void bindCore(py::module_& module);
 void bindMasking(py::module_& module);
 void bindSpectral(py::module_& module);

@@ -66,7 +66,7 @@ void bindSeries(Bound<Series>& series, const char* name, const All& all,
 template <class Series, class Object>
 using Put = void (Series::*)(std::int32_t, std::shared_ptr<Object>);
 
-/// A series whose objects have indices: constructed and unpickled in the order of the indices.
+/// A series whose objects have indices: built and unpickled in the order of the indices.
 template <class Series, class Object, class All>
 void bindPlaced(Bound<Series>& series, const All& all, Put<Series, Object> put,
                 std::span<const Column<Object>> columns) {

@@ -17,7 +17,7 @@ SAMPLE = PROJECT / "examples" / "data"
 
 
 def values(thing: Any) -> Any:
-    """The content of an object as plain values: two objects are equal if these are."""
+    """The content of an object as plain values: objects are equal if their values are."""
     if type(thing).__module__ == "aq_data._core" and not isinstance(thing, int):
         return type(thing).__name__, values(thing.__getstate__())
     if isinstance(thing, (list, tuple)):
