@@ -1,4 +1,4 @@
-"""Writes the page of C++ classes from the XML of Doxygen, by public header: XML PAGE."""
+"""Writes the page of C++ classes, by public header, from Doxygen's XML: `api_pages.py XML PAGE`."""
 
 import pathlib
 import re
@@ -59,7 +59,7 @@ def entries(xml):
 
 
 def part_of(header):
-    """The folder in whose section a header is shown; that of aq/text is the section of files."""
+    """The folder whose section lists a header; headers of aq/text are listed under files."""
     return "files" if header.startswith("aq/text/") else header.split("/")[1]
 
 

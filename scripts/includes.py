@@ -1,11 +1,11 @@
-"""Checks C++ includes and Python imports: folders use only inner ones, no files form a circle."""
+"""Checks C++ includes and Python imports: folders use only those listed, and none are circular."""
 
 import ast
 import pathlib
 import re
 import sys
 
-ALLOWED = {  # each folder, and the others that it may use
+ALLOWED = {  # each folder, and the other folders that it may use
     "core": {"detail"},
     "detail": {"core"},
     "text": {"core", "detail"},
@@ -46,7 +46,7 @@ def imports(root):
 
 
 def circle_from(start, graph):
-    """The files on a path from `start` back to it; None if there is none."""
+    """The files on a circular path from `start`; None if there is no such path."""
     seen, ways = set(), [[start]]
     while ways:
         way = ways.pop()
@@ -81,7 +81,7 @@ def main():
         ways = filter(None, (circle_from(name, each) for name in each))
         faults += ["circle: " + " > ".join(way) for way in ways]
     count = sum(map(len, graphs))
-    print("\n".join(faults) or f"{count} files, no fault")
+    print("\n".join(faults) or f"{count} files, no faults")
     return 1 if faults or not all(graphs) else 0
 
 

@@ -178,7 +178,7 @@ def changes(source):
 
 
 def mutants():
-    """All mutants of the library, in the order of their places."""
+    """All mutants of the library, in source order."""
     for path in sorted((ROOT / "aq").rglob("*.[ch]*")):
         if path.suffix in (".h", ".cpp") and not path.stem.endswith("_windows"):
             source = path.read_text(encoding="utf-8")
@@ -205,7 +205,8 @@ class Worker:
             symlinks=True,
             ignore=shutil.ignore_patterns(".git", "build", "__pycache__"),
         )
-        # Optimised for compile time; a function that may end without a result does not compile.
+        # Optimised for compile time; a function that may end without returning a value does not
+        # compile.
         self.run(
             [
                 "cmake",
@@ -230,7 +231,7 @@ class Worker:
         self.run(["cp", "-a", self.build, self.fresh], required=True)
 
     def precompiled(self, folder):
-        """A header with the standard ones that most sources read, compiled."""
+        """A precompiled header with the standard headers that most sources include."""
         header = folder / "standard.h"
         header.write_text("".join(f"#include <{name}>\n" for name in STANDARD), encoding="ascii")
         self.run(
@@ -271,7 +272,7 @@ class Worker:
         return self.run(["ninja", "-C", self.build, "-j", "1", *targets], required=required)
 
     def stages(self):
-        """The tests, the quickest first: what to build, and what to run then."""
+        """The tests, quickest first: what to build for each, and the command to run then."""
         program = self.build / "tests/aq_tests"
         tests = [program, "--gtest_fail_fast", "--gtest_brief=1"]
         slow = ":".join(self.slow)
@@ -304,7 +305,8 @@ class Worker:
         ]
 
     def measure(self):
-        """Times the unchanged stages, to set time limits, and separates slow tests from the others."""
+        """Times each stage on the unchanged library to set its time limit, and finds the slow
+        tests."""
         program = self.build / "tests/aq_tests"
         shown = subprocess.run([program], capture_output=True, encoding="utf-8", check=True).stdout
         times = re.findall(r"OK \] (\S+) \((\d+) ms\)", shown)
@@ -405,8 +407,8 @@ def main():
     compiled = counts[True] + counts[False]
     killed = 100 * counts[False] / max(compiled, 1)
     print(
-        f"{counts.total()} of {len(taken)} tried, besides {len(equal)} equal: {compiled} compiled,"
-        f" {counts[False]} killed, {counts[True]} survived, {killed:.1f} % killed,"
+        f"{counts.total()} of {len(taken)} tried, not counting {len(equal)} equal:"
+        f" {compiled} compiled, {counts[False]} killed, {counts[True]} survived, {killed:.1f} % killed,"
         f" {(time.monotonic() - begin) / max(counts.total(), 1):.1f} s each"
     )
     return 0 if killed >= ENOUGH else 1

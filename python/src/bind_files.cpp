@@ -165,8 +165,7 @@ auto readWithWords(AQ_DataSTH& self, const Path& path) {
 void bindHistoryFile(BoundFile<AQ_DataSTH>& history) {
   history.def("_readWithWords", readWithWords, py::arg("sFileName"),
               "Like readFile, but sets the reference time type that the header names. Also returns "
-              "the line, "
-              "meaning, text and replacement of each unknown word");
+              "the line, meaning, text and replacement of each unknown word");
   history.def(
       "getRawHeader",
       [](AQ_DataSTH& self, const Path& path) {

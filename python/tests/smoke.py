@@ -12,7 +12,7 @@ sample = Path(sys.argv[1])
 project = Path(__file__).resolve().parents[1]
 assert (
     project not in Path(aq_data.__file__).parents
-), "imported the package of the sources, not the installed one"
+), "imported the package from the sources, not the installed one"
 assert importlib.metadata.version("aq_data") == aq_data.__version__
 assert (Path(aq_data.__file__).parent / "_core.pyi").exists()
 ds = xr.open_dataset(sample / "fly-over.sth.csv", engine="aq")

@@ -98,7 +98,7 @@ def test_a_file_whose_levels_are_in_doubt_is_not_fine(
     paths = archive(3)
     text = (sample / "fly-over.sth.csv").read_text()
     paths[1].write_text(text.replace(",61.51,", ",615.10,", 1))
-    other = text.replace(",61.51,", ",61.50,", 1)  # so that it is not a copy
+    other = text.replace(",61.51,", ",61.50,", 1)  # so that this file is not a copy
     paths[2].write_text(other.replace("MicrophoneID**,", "MicrophoneID**,M7 "))
     assert list(aq.scan(tmp_path).ok) == [True, False, True]
     row = aq.scan(tmp_path).iloc[1]

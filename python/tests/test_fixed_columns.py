@@ -13,7 +13,7 @@ import pytest
 
 import aq_data
 
-FIRST = 20  # lines before the records: 19 and the headings, not counting comments and other records
+FIRST = 20  # lines before the records: 19 and the headings, without comments and other records
 
 
 def columns(count):
@@ -21,7 +21,7 @@ def columns(count):
 
 
 def made(seed):
-    """A history of random size with gaps, and its levels by record and band, NaN for none."""
+    """A history of random size with gaps, and its levels by record and band, NaN where missing."""
     rng = random.Random(seed)
     low = rng.randint(2, 50)
     high = rng.randint(low, 50)

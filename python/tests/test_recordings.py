@@ -1,4 +1,4 @@
-"""The content of analyzer recordings, compared with a reader written only from the layout."""
+"""The content of analyzer recordings, compared with a reader written from the layout alone."""
 
 import pathlib
 import struct

@@ -1,4 +1,4 @@
-"""Cutting, joining and mending give the same results as the tool, also for datasets."""
+"""Cutting, joining and mending give the same results as the tool, for datasets as well."""
 
 import gzip
 import shutil

@@ -150,7 +150,7 @@ def main(program, root, *headers):
     faults += senseless(told["sense"])
     numbers = list(told["number"].values())
     faults += [f"class number {n} is used twice" for n in set(numbers) if numbers.count(n) > 1]
-    print("\n".join(faults) or f"{len(found)} members and {len(found_values)} values, no fault")
+    print("\n".join(faults) or f"{len(found)} members and {len(found_values)} values, no faults")
     return 1 if faults or not found else 0
 
 

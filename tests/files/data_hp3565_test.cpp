@@ -145,11 +145,11 @@ TEST(Analyzer, ReadsTextsOfOtherPrograms) {
     std::string levels;
   } kCases[] = {
       {"4e-10\n4e-9\n4e-8\n4e-7\n", 1, all},
-      {"4e-10\n4e-9\n4e-8\n4e-7\n", 2, all},  // only the row of the channel was printed
+      {"4e-10\n4e-9\n4e-8\n4e-7\n", 2, all},  // only the channel's row was printed
       {"4e-10 4e-9 4e-8\n4e-7\n", 1, all},
       {"100 4e-10\n125 4e-9\n160 4e-8\n200 4e-7\n", 1, all},
       {"1\n1\n1\n1\n----\n4e-10\n4e-9\n4e-8\n4e-7\n", 2, all},  // both rows were printed
-      {"4e-10\n4e-9\n", 1, "21 0 22 10 "},  // points with aliases were not printed
+      {"4e-10\n4e-9\n", 1, "21 0 22 10 "},                      // aliased points were not printed
       {"SDF_YDATA_HDR\ndata 0\nvector: 1\nscan 0\n4e-10\n4e-9\n4e-8\n4e-7\n", 2, all},
       {"4e-10\n4e-9\n4e-8\n4e-7\n1\n", 1, ", line 42: expected values of 4 points, found 5 values"},
       {"4e-10\n", 1, ", line 38: expected values of 4 points, found 1 values"},

@@ -147,7 +147,8 @@ TEST(FileKind, ByTitleOrByShape) {
       {"x**, \"Masking Map\"", FileKind::MaskingMap},
       {header, FileKind::Unknown},
       {header + "10:00:00,0,,,,,,,1,2,3", FileKind::Tracking},
-      {"\n\n\n\n\n10:00:00,0,,,,,,,1,2,3\n", FileKind::Unknown},  // line 6 is still in the header
+      {"\n\n\n\n\n10:00:00,0,,,,,,,1,2,3\n",
+       FileKind::Unknown},  // line 6 is still part of the header
       {header + std::string(9, '\n') + "10:00:00,0,,,,,,,1,2,3", FileKind::Tracking},
       {header + std::string(10, '\n') + "10:00:00,0,,,,,,,1,2,3", FileKind::Unknown},
       {header + "10:00:00,0,,,,,,,1,2", FileKind::Unknown},

@@ -157,7 +157,7 @@ TEST(Faults, BytesReachTheDiskBeforeTheName) {
     test::disarm();
     return test::callsMade();
   };
-  // Keeps only the calls whose order is promised.
+  // Keeps only the calls whose order is guaranteed.
   const auto orderOf = [&](auto&& work) {
     std::istringstream calls(callsOf(work));
     std::string order;

@@ -28,7 +28,7 @@ std::size_t memoryOf(const Work& work) {
 constexpr std::size_t kBlock = std::size_t{160} << 10;
 
 /// Reads `content` as `format`. Expects the read to take at most four times the size of `content`
-/// in memory, besides the block, and any failure to have a line number.
+/// in memory, not counting the block, and any failure to have a line number.
 void readModestly(const test::FormatCalls& format, const std::string& content) {
   const test::Folder folder;
   const std::string path = folder.with("a", content);
@@ -89,8 +89,8 @@ TEST(Sizes, LongLinesAndManyOfThem) {
   EXPECT_LT(memoryOf([&] { EXPECT_EQ(text.readFields(line), AQ_DATA_OK); }), 80 * kSize);
 }
 
-/// A record is an object with room for a spectrum, so the shortest lines take more than four times
-/// their bytes.
+/// A record is an object with room for a spectrum, so the shortest lines need more than four times
+/// their size in memory.
 TEST(Sizes, TheShortestRecords) {
   constexpr std::size_t kARecord = 300;
   constexpr int kRecords = 32000;

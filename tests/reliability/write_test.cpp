@@ -74,7 +74,7 @@ TEST(Write, PermissionsStayAndNewFilesHaveTheUsualOnes) {
     ::umask(before);
     EXPECT_EQ(fs::status(made).permissions(), fs::perms(0666 & ~mask));
   }
-  // If standard input is closed, the file gets its handle.
+  // If standard input is closed, the file gets its descriptor, 0.
   EXPECT_TRUE(inChild([&] { return ::close(0) == 0 && writes(path); }));
   EXPECT_EQ(std::distance(fs::directory_iterator(fs::path(path).parent_path()), {}), 3);
 }
@@ -171,7 +171,7 @@ TEST(Write, NonRegularFilesAreWrittenDirectly) {
 
 /// Which owner and permissions remain if the writer is not the owner.
 TEST(Write, ForeignFilesKeepTheirOwnerWhereTheSystemAllows) {
-  if (::geteuid() != 0) GTEST_SKIP() << "needs the rights to give files away";
+  if (::geteuid() != 0) GTEST_SKIP() << "needs permission to give files away";
   constexpr uid_t kNobody = 65534;
   const test::Folder folder;
   const std::string theirs = folder.with("theirs", "old");

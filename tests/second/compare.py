@@ -3,8 +3,8 @@
     compare.py PROGRAM FOLDER [COUNT] [--seed N] [--against OTHER]
 
 PROGRAM may be several words. OTHER is a build of print_file for another system, which is then used
-instead of reader.py. Files that are read differently are kept in FOLDER. The same seed makes the
-same files.
+instead of reader.py. Files that the two read differently are kept in FOLDER. The same seed makes
+the same files.
 """
 
 import argparse

@@ -23,7 +23,7 @@ LEVEL, SECONDS, METRES, DEGREES = 1e-9, 1e-9, 1e-6, 1e-4  # angles are in single
 
 
 def level(rng, mean):
-    """A level: usually about `mean` dB with two decimals as in files, sometimes an odd one."""
+    """A level: usually about `mean` dB with two decimals, as in files, but sometimes an odd one."""
     kind = rng.random()
     if kind < 0.9:
         return round(rng.gauss(mean, 3), 2)
@@ -33,7 +33,7 @@ def level(rng, mean):
 
 
 def history(rng):
-    """Records of an aircraft passing by, and their map or None."""
+    """Records of a passing aircraft, and their map or None."""
     low, high = rng.choice([(17, 40)] * 6 + [(10, 43), (2, 50), (19, 35), (20, 40), (30, 30)])
     count = rng.choice([1, 2, 3, 5, 12, 30])
     number, seconds = rng.choice([1, 1, 1, -3, 50]), rng.choice([0.0, 36000.25, 86395.0])

@@ -176,7 +176,8 @@ def tone(levels):
 
 
 def last_good_band(masks):
-    """9999 if bands 28 and 29 are masked, otherwise the band below the first masked from 29 up."""
+    """9999 if bands 28 and 29 are masked, otherwise the band below the first masked one from 29
+    up."""
 
     def masked(band):
         return masks.get(band, (0, 0))[0] != 0

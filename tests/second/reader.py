@@ -141,7 +141,7 @@ class Failure(Exception):
     """The line and field where a file cannot be read; field 0 is the whole line."""
 
 
-# Conversions of text to values. Text that is no such value raises ValueError.
+# Conversions of text to values. Text that is not a valid value raises ValueError.
 
 NUMBER = re.compile(r"[+-]?([0-9]+\.?[0-9]*|\.[0-9]+)([eE][+-]?[0-9]+)?")
 

@@ -136,7 +136,7 @@ class Recording:
         return records
 
     def newer(self, record, key, since):
-        """The field `key`, or before revision `since` the old field that it replaced."""
+        """The field `key` or, before revision `since`, the old field that it replaced."""
         value = record[key] if self.revision >= since else None
         value = record[key + "_old"] if value is None else value
         require(value is not None, key)
@@ -232,7 +232,8 @@ class Recording:
 
 
 def bands_of(xs):
-    """The bands of the points up to the last that fits one; fails if an earlier point fits none."""
+    """The bands of the points up to the last one in a band; fails if an earlier point is in no
+    band."""
     found = []
     for x in xs:
         require(math.isfinite(x), "x")

@@ -224,7 +224,8 @@ TEST(History, EncompassesTheMapRowByRow) {
   EXPECT_ERROR(shifted->EncompassesMask(map), InvalidArgument);
 }
 
-/// The masks and last good bands that this ambient gives at a margin of 3 dB, or the error.
+/// The masks and last good bands that this ambient spectrum gives at a margin of 3 dB, or the
+/// error.
 std::string maskedBy(const AQ_SpectralTimeHistory& history, const std::vector<double>& ambient) {
   AQ_Spectrum spectrum;
   spectrum.assignLevels(20, ambient);

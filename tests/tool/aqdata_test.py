@@ -825,7 +825,7 @@ def main():
             check_field_data,
         ):
             check(place)
-    print("\n".join(faults) or f"{len(ROWS)} commands, no fault")
+    print("\n".join(faults) or f"{len(ROWS)} commands, no faults")
     return 1 if faults else 0
 
 

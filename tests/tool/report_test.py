@@ -350,5 +350,5 @@ with tempfile.TemporaryDirectory() as name:
         check_season(browser, place)
     finally:
         browser.driver.quit()
-print("\n".join(faults) or "no fault")
+print("\n".join(faults) or "no faults")
 sys.exit(1 if faults else 0)
