@@ -1,4 +1,4 @@
-"""Checks C++ includes and Python imports: folders use only those listed, and none are circular."""
+"""Checks C++ includes and Python imports: each folder uses only those listed for it, no cycles."""
 
 import ast
 import pathlib

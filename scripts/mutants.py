@@ -408,8 +408,8 @@ def main():
     killed = 100 * counts[False] / max(compiled, 1)
     print(
         f"{counts.total()} of {len(taken)} tried, not counting {len(equal)} equal:"
-        f" {compiled} compiled, {counts[False]} killed, {counts[True]} survived, {killed:.1f} % killed,"
-        f" {(time.monotonic() - begin) / max(counts.total(), 1):.1f} s each"
+        f" {compiled} compiled, {counts[False]} killed, {counts[True]} survived,"
+        f" {killed:.1f} % killed, {(time.monotonic() - begin) / max(counts.total(), 1):.1f} s each"
     )
     return 0 if killed >= ENOUGH else 1
 

@@ -10,7 +10,7 @@ void SameLevels::see(const std::string& path, const Checked& checked, const Find
   const auto [first, isNew] = first_.try_emplace(*checked.levels, path);
   if (isNew || platform::areOneFile(first->second, path)) return;
   Reporter reporter(report);
-  reporter(Kind::SameLevels, {}, "all levels are those of \"" + first->second + '"');
+  reporter(Kind::SameLevels, {}, "all levels equal those of \"" + first->second + '"');
   reporter.finish();
 }
 

@@ -169,7 +169,7 @@ def _joined_geometry(run: Run, piece: Run, gap: int) -> Optional[GeometryReading
     if run.geometry is None or piece.geometry is None:
         raise ValueError("expected a geometry for every piece or for none")
     if gap:
-        raise ValueError("a gap cannot be filled in a geometry")
+        raise ValueError("a gap in a geometry cannot be filled")
     one, other = run.geometry.header, piece.geometry.header
     places = [(at.X, at.Y, at.Z) for at in (one.MicrophonePosition, other.MicrophonePosition)]
     if places[0] != places[1] or one.Temperature != other.Temperature:

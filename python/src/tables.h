@@ -14,7 +14,7 @@ struct Cells {
 
 constexpr Cells kAnyNumber{"a number", [](double) { return true; }};
 constexpr Cells kFinite{"a finite number", [](double cell) { return std::isfinite(cell); }};
-constexpr Cells kSingle{"a number of single precision", [](double cell) {
+constexpr Cells kSingle{"a single-precision number", [](double cell) {
                           return std::isinf(cell) || !std::isinf(static_cast<float>(cell));
                         }};
 template <class Number>

@@ -231,7 +231,7 @@ TEST(SetMetrics, TimeBetweenStampsCounts) {
   for (std::int16_t record = 0; record < 2; ++record)
     two.spectrum(record, recordAt(record * 2, 60));
   EXPECT_NEAR(epnl(two), event->pnltm + 10 * std::log10(0.4), 1e-9);
-  two.spectrum(0)->Time()->TODseconds(12);  // ten seconds later than on the next day
+  two.spectrum(0)->Time()->TODseconds(12);  // record 1 is then on the next day
   EXPECT_NEAR(epnl(two), event->pnltm + 10 * std::log10(0.2 * 86390), 1e-9);
 }
 

@@ -117,7 +117,7 @@ TEST(ToneCorrection, FromDifference) {
       EXPECT_NEAR(toneOf(at, height).correction, twice * correction, 1e-9) << height;
       EXPECT_EQ(toneOf(at, height).band, 19 + static_cast<int>(at));
     }
-    // A level that is not removed is part of two of the three slopes that are averaged.
+    // A level that is kept contributes to two of the three averaged slopes.
     EXPECT_NEAR(toneOf(at, 2.4).correction, twice * (1.6 / 3 - 0.5), 1e-9);
     EXPECT_EQ(toneOf(at, 2).correction, 0);
     EXPECT_EQ(toneOf(at, 2).band, 0);

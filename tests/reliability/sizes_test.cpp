@@ -81,7 +81,7 @@ TEST(Sizes, LongLinesAndManyOfThem) {
   const test::Folder folder;
   AQ_DataASCII text;
   const std::string lines = folder.with("lines", std::string(kSize, '\n'));
-  // Even the shortest line takes a string and, if it is divided, also a collection of one string.
+  // Even the shortest line needs a string and, if split into fields, a collection of one string.
   EXPECT_LT(memoryOf([&] { EXPECT_EQ(text.readLines(lines), AQ_DATA_OK); }), 100 * kSize);
   EXPECT_LT(memoryOf([&] { EXPECT_EQ(text.readFields(lines), AQ_DATA_OK); }), 250 * kSize);
   EXPECT_EQ(text.Fields()->Count(), static_cast<std::int32_t>(kSize));

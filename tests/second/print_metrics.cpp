@@ -1,4 +1,4 @@
-// Computes noise metrics and emission geometry from its input and prints every value, for comparison
+// Computes noise metrics and emission geometry from its input and prints every value, to compare
 // with metrics.py. The input consists of words separated by blanks, either `history RECORDS MAPPED`
 // and for each record `NUMBER SECONDS LEVELS (BAND LEVEL)... MASKS (BAND MODE ADJUSTMENT)...`, or
 // `flight FIXES (SECONDS X Y Z)... MICROPHONE (X Y Z) CELSIUS RECORDS SECONDS...`. Each answer ends

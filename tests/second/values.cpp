@@ -245,7 +245,7 @@ void printINI(const std::string& path) {
            file.HiRec(), file.FileName(), *file.FileDate(), *file.Comments());
 }
 
-/// Prints a recording. Of its notes, prints only the words that the second reader prints.
+/// Prints a recording, but of its notes only the words that the second reader prints too.
 template <class Read>
 void printRecording(const std::string& path, const Read& read) {
   AQ_DataHP3565 file;

@@ -205,7 +205,7 @@ TEST(History, LastGoodBandsFromTheMap) {
   EXPECT_ERROR(made.setLGB(map), InvalidArgument);
   map.Row(1, nullptr);
   EXPECT_ERROR(made.setLGB(map), ObjectNotSet);
-  EXPECT_EQ(made.spectrum(1)->Metric()->LGB(), 0);  // the band of the row that was replaced is gone
+  EXPECT_EQ(made.spectrum(1)->Metric()->LGB(), 0);  // the band of the replaced row is gone
 }
 
 TEST(History, EncompassesTheMapRowByRow) {

@@ -3,7 +3,7 @@
 #include <aq/core/error.h>
 #include <gtest/gtest.h>
 
-/// Expects `statement` to throw an `aq::Error` of that kind.
+/// Expects `statement` to throw an `aq::Error` with the code `kind`.
 #define EXPECT_ERROR(statement, kind)                             \
   try {                                                           \
     static_cast<void>(statement);                                 \

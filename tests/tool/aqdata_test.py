@@ -156,24 +156,24 @@ ROWS = [  # command, status, what the output contains, what the messages contain
     (
         f"check {STH} same.csv deep/one.csv",
         1,
-        'deep/one.csv: warning: all levels are those of "fly-over.sth.csv" [same-levels]',
+        'deep/one.csv: warning: all levels equal those of "fly-over.sth.csv" [same-levels]',
         "",
     ),
     ("check notes.txt short.sth.csv", 1, "[unknown-kind]", ""),
     (f"show {STH} --records 29:30", 0, "30  14:30:14.75           0", ""),
     (f"show {STH} --records 29:30 --bands 17:18 --mask {MAP}", 0, "17     18", ""),
     (f"show {STH} --records 1 --bands 17 --mask {MAP}", 0, "61.51*", ""),
-    (f"show {STH} --records 2:1", 2, "", '--records: expected records as in 10:40, found "2:1"'),
+    (f"show {STH} --records 2:1", 2, "", '--records: expected records such as 10:40, found "2:1"'),
     (f"show {STH} --records 200:300", 2, "", "has no records from 200 to 300"),
     (f"show {STH} --bands 50", 2, "", "has no band 50"),
     (f"show gap.sth.csv --mask {MAP}", 2, "", "record 30: the history has no such record"),
     (f"show {MAP} --mask {MAP}", 2, "", "has no records to mask"),
     (f"show --json {STH} --records 1 --bands 17:18 --mask {MAP}", 0, '"masked":[true,', ""),
-    (f"show {STH} --plot", 0, "Level of all bands together in dB", ""),
+    (f"show {STH} --plot", 0, "Level of all bands combined in dB", ""),
     (
         f"show {STH} --plot --mask {MAP}",
         0,
-        "all bands together, excluding masked ones, in",
+        "all bands combined, excluding masked ones, in",
         "",
     ),
     (f"show {STH} --plot --bands 17 --mask {MAP} | tail -2 | head -1", 0, "└────", ""),
@@ -309,7 +309,7 @@ ROWS = [  # command, status, what the output contains, what the messages contain
     (
         f"diff {STH} near.sth.csv",
         1,
-        "band 17: differs in 1 record, by at most 0.01, as in record 1",
+        "band 17: differs in 1 record, by at most 0.01, for example in record 1",
         "",
     ),
     (f"diff --tolerance 0.01 {STH} near.sth.csv", 0, "no difference", ""),
@@ -415,7 +415,7 @@ ROWS = [  # command, status, what the output contains, what the messages contain
         'printf \'{"rows":[{"level_db":3,"time":1}]}\' > strange.json; convert strange.json -o x.sth.csv',
         2,
         "",
-        "strange.json: expected a document that convert writes",
+        "strange.json: expected a document written by convert",
     ),
     ("convert m.json -o x5.sth.csv", 2, "", "only a history or a recording can become a history"),
     (f"convert {STH} deep -o x.csv", 2, "", "only a workbook holds several files"),
@@ -535,7 +535,7 @@ ROWS = [  # command, status, what the output contains, what the messages contain
         "--geometries --fill -o hj.sth.csv",
         2,
         "",
-        "j.sth.csv: a gap cannot be filled in a geometry",
+        "j.sth.csv: a gap in a geometry cannot be filled",
     ),
     (
         f"cut {STH} --records :20 --masks -q -o a.sth.csv && aqdata cut {STH} --records 24: --masks -q "
@@ -603,7 +603,7 @@ ROWS = [  # command, status, what the output contains, what the messages contain
 
 
 def command_line(row):
-    """Inserts the program's name after the words for the shell: variables, or another command."""
+    """Inserts the program's name after the leading shell words: variables, or another command."""
     words = row.split(" ")
     first = next(
         (i for i, word in enumerate(words) if not re.fullmatch(r"[A-Z]+=\S*", word)), len(words)

@@ -348,7 +348,7 @@ std::optional<Measurement> documentFrom(const std::string& path) {
   const std::string kind = document.value("kind", std::string());
   const auto found = document.find("rows");
   if (found == document.end() || !found->is_array() || found->empty()) {
-    throw Failure("expected a document that convert writes, found no rows");
+    throw Failure("expected a document written by convert, found no rows");
   }
   const Json& rows = *found;
   if (rows.front().contains("level_db") && rows.front().contains("time")) {
@@ -382,7 +382,7 @@ std::optional<Measurement> backFrom(const std::string& path) {
   } catch (const Json::parse_error& error) {
     throw fail(fmt::format("expected a JSON document, found an error at byte {}", error.byte));
   } catch (const Json::exception& error) {
-    throw fail(fmt::format("expected a document that convert writes: {}", error.what()));
+    throw fail(fmt::format("expected a document written by convert: {}", error.what()));
   } catch (const std::exception& error) {
     throw fail(error.what());
   }

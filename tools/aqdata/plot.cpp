@@ -202,7 +202,7 @@ void plotHistory(Session& session, const Sheet& sheet) {
   for (const Level& level : levels) scale.see(level);
   if (scale.empty()) return session.print("no valid level to draw\n");
   session.print(fmt::format("Level of {}{} in dB\n",
-                            single ? bandName(sheet.low) : std::string("all bands together"),
+                            single ? bandName(sheet.low) : std::string("all bands combined"),
                             !masked  ? ""
                             : single ? ", light where masked,"
                                      : ", excluding masked ones,"));

@@ -165,7 +165,7 @@ void printColumn(Session& session, const std::string& name, const Column& column
       column.a.is_number() && column.b.is_number()
           ? fmt::format("by at most {}, ", tidy(static_cast<float>(column.largest)))
           : "";
-  session.print(fmt::format("{}: differs in {}, {}as in record {}: {} and {}\n", name,
+  session.print(fmt::format("{}: differs in {}, {}for example in record {}: {} and {}\n", name,
                             counted(column.count, "record"), most, column.record,
                             shownCell(column.a), shownCell(column.b)));
 }

@@ -73,7 +73,7 @@ std::int32_t append(Run& run, Run& piece, const std::string& file, const JoinCho
           counted(static_cast<std::size_t>(gap), "record") + (gap == 1 ? " is" : " are")));
     }
     if (run.geometry) {
-      if (gap > 0) throw Failure("a gap cannot be filled in a geometry: join without --geometries");
+      if (gap > 0) throw Failure("a gap in a geometry cannot be filled: join without --geometries");
       expectSameGeometry(*run.geometry->header, *piece.geometry->header);
       run.geometry->model = aq::joinGeometries(*wholeGeometry(run), *wholeGeometry(piece));
     }
