@@ -403,7 +403,7 @@ ROWS = [  # command, status, what the output contains, what the messages contain
         "sed 's/^4,\\(.*\\),-13,/4,\\1,-9,/' t.csv > t4.csv; convert t4.csv -o x4.sth.csv",
         2,
         "",
-        "record 4: its relative time has a different",
+        "record 4: its relative time implies a different",
     ),
     (
         "head -c 999 all.json > half.json; convert half.json -o x.sth.csv",

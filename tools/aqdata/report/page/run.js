@@ -5,7 +5,7 @@ const TONE_BANDS = 22;
 const ALL_GOOD = 0; // values of the last good band that are not bands
 const NONE_GOOD = 9999;
 
-/** A run: its records by index from 0, each with levels, masks and metrics. */
+/** A run: its records by zero-based index, each with levels, masks and metrics. */
 export class Run {
   constructor(data, frequencies) {
     this.data = data;
