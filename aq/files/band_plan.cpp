@@ -56,7 +56,7 @@ std::vector<double> edgesOf(std::span<const double> x) {
 
 BandPlan BandPlan::ofOctaves(std::span<const double> x) {
   std::size_t count = x.size();
-  while (count > 0 && !bandAt(x[count - 1])) --count;
+  while (count > 0 && std::isfinite(x[count - 1]) && !bandAt(x[count - 1])) --count;
   BandPlan plan;
   int before = std::numeric_limits<int>::min();
   for (std::size_t point = 0; point < count; ++point) {

@@ -171,6 +171,7 @@ class Recording:
                 data["n"] * data["y_per"] * SIZES[data["y_type"]] * (2 if data["complex"] else 1)
             )
             in_scans = self.order is not None and (self.revision == 1 or data["scan"])
+            require(in_scans is not None, "scanData")
             data["in_scans"] = bool(in_scans)
             (scanned if in_scans else single).append(data)
         at = 6
