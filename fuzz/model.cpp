@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 #include <map>
+#include <utility>
 #include <vector>
 
 #include "fuzz/targets.h"
@@ -169,10 +170,12 @@ void driveRow(Calls& calls) {
         if (code != kNoMaskCode) plain.set(number(at), maskOf(code).Copy());
         ++at;
       }
-      row.assign(band, codes);
+      std::copy(codes.begin(), codes.end(), row.renew(band, codes.size()).begin());
     } else if (call == 6) {
-      for (int at = plain.range.low; const MaskCode code : row.fetchedCodes()) {
-        expect(same(maskOf(code), plain.at(number(at++))), "the code of a mask");
+      for (int at = plain.range.low; const MaskCode code : std::as_const(row).codes()) {
+        const auto mask = plain.masks.find(number(at++));
+        expect(mask == plain.masks.end() ? code == kNoMaskCode : same(maskOf(code), *mask->second),
+               "the code of a mask");
       }
     } else {
       const auto copy = row.Copy();

@@ -87,7 +87,7 @@ def test_any_layout_and_type_of_number_is_right(given: Any) -> None:
         (lambda: Map.from_numpy([[1]], [[-1]]), ValueError, "adjustment of 0 to 6, found -1"),
         (lambda: setattr(aq.AQ_Mask(), "MaskMode", 9), ValueError, "member of AQ_MASK_MODE"),
         (lambda: setattr(aq.AQ_Mask(), "AdjustMode", 7), ValueError, "member of AQ_MASK_ADJUST"),
-        (lambda: Map.from_numpy([[0]], [[0, 0]]), ValueError, "one shape"),
+        (lambda: Map.from_numpy([[0]], [[0, 0]]), ValueError, "same shape"),
         (lambda: setattr(Map(), "last_good_bands", [1, 2]), ValueError, "0 of them, found 2"),
         (lambda: Positions.from_numpy({"A": [1]}), ValueError, "TODseconds"),
         (lambda: Positions.from_numpy(5), TypeError, "named columns"),
