@@ -1,4 +1,4 @@
-// The memory of a process that reads a history, and its peak, as reported by the system.
+// The memory that a process holds after reading a history, and its peak, as reported by the system.
 #include <sys/resource.h>
 #include <unistd.h>
 

@@ -18,7 +18,7 @@
 
 namespace aq::com {
 
-/// An error for which hosts have a code of their own. Thrown only inside the DLL.
+/// An error that hosts receive as an `HRESULT`. Thrown only inside the DLL.
 struct Fault {
   HRESULT code;
   std::size_t argument = SIZE_MAX;  ///< position of the argument that the error is about, if any
@@ -37,7 +37,7 @@ class Value : public VARIANT {
   Value& operator=(const Value&) = delete;
   ~Value() { VariantClear(this); }
 
-  /// Moves the value to `other`, overwriting its old content.
+  /// Moves the value to `other`, without freeing what that held.
   void release(VARIANT& other) {
     other = *this;
     VariantInit(this);
@@ -47,8 +47,8 @@ class Value : public VARIANT {
 /// One call of a member.
 struct Call {
   void* object;
-  std::span<VARIANTARG* const> given;  ///< arguments by position; null where left out
-  VARIANTARG* value;                   ///< what a property is set to
+  std::span<VARIANTARG* const> given;  ///< arguments by position; null if omitted
+  VARIANTARG* value;                   ///< the new value of a property
   Value& result;
 };
 using Thunk = std::function<void(const Call&)>;
@@ -57,7 +57,7 @@ struct Member {
   std::wstring name;
   DISPID id = 0;
   std::vector<std::wstring> parameters;
-  std::size_t required = 0;  ///< how many parameters, from the first, must be given
+  std::size_t required = 0;  ///< number of leading parameters that must be given
   Thunk get = {};            ///< reads the property or runs the method
   Thunk put = {};
   bool givesCollection = false;  ///< whether it takes no arguments and returns a collection
@@ -72,7 +72,7 @@ struct ClassTable {
   std::function<Variant(std::shared_ptr<void>)> hold = {};  ///< makes a value that holds an object
   /// The object of this class that a value holds; null if it holds none.
   std::function<std::shared_ptr<void>(const Variant&)> held = {};
-  std::function<std::vector<Value>(void*)> entries = {};        ///< what For Each visits
+  std::function<std::vector<Value>(void*)> entries = {};  ///< the entries that For Each visits
   std::unordered_map<std::wstring, const Member*> byName = {};  ///< keys are in lower case
   std::vector<const Member*> byId = {};
   std::unordered_map<DISPID, const Member*> byOtherId = {};

@@ -13,7 +13,7 @@
 #include "component/server.h"
 
 extern "C" {
-// In the import library, but in no header.
+// Declared here because they are in the import library but in no header.
 HRESULT WINAPI RegisterTypeLibForUser(ITypeLib* library, OLECHAR* path, OLECHAR* help);
 HRESULT WINAPI UnRegisterTypeLibForUser(REFGUID identifier, WORD major, WORD minor, LCID locale,
                                         SYSKIND kind);
@@ -159,7 +159,7 @@ void removeTypeLibrary(Scope scope) {
   const auto remove = scope == Scope::Machine ? UnRegisterTypeLib : UnRegisterTypeLibForUser;
   const HRESULT result =
       remove(guid(kTypeLibraryIdentifier), kMajorVersion, kMinorVersion, 0, kThisSize);
-  // Versions of the system return different codes if there is no type library to remove.
+  // Windows versions return different codes if there is no type library to remove.
   constexpr std::array kAbsent{TYPE_E_REGISTRYACCESS, TYPE_E_LIBNOTREGISTERED, E_INVALIDARG};
   if (std::find(kAbsent.begin(), kAbsent.end(), result) == kAbsent.end()) checkResult(result);
 }

@@ -1,4 +1,4 @@
-// Random calls of the object model, compared with plain maps and vectors.
+// Random calls to the object model, whose results are compared with plain maps and vectors.
 #include <aq/aq.h>
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// Runs each target, under any compiler, with the saved inputs and with all samples of every format;
-// targets that need no file also run with generated inputs: replay CORPUS SAMPLES
+// Runs each target, built with any compiler, on the saved inputs and on all samples of every
+// format, and the targets that need no file also on generated inputs: replay CORPUS SAMPLES
 #include <array>
 #include <filesystem>
 #include <iostream>
@@ -14,15 +14,15 @@ int replay(const std::string& target, const std::filesystem::path& folder) {
   int count = 0;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
     if (!entry.is_regular_file()) continue;
-    std::cerr << target << ' ' << entry.path() << '\n';  // the last line of a run that ends early
+    std::cerr << target << ' ' << entry.path() << '\n';  // names the input if the run ends early
     aq::fuzz::run(target, aq::test::contentOf(entry.path()));
     ++count;
   }
   return count;
 }
 
-/// A byte that makes a choice, then arbitrary bytes or, half of the time, fields that are nearly
-/// numbers, levels or clock times.
+/// A byte from which the target makes a choice, followed by arbitrary bytes or, half of the time,
+/// by fields that resemble numbers, levels or clock times.
 std::string made(std::mt19937& random, std::size_t most) {
   constexpr std::array kForms{"0",         "-0",    "00000",           "32767",  ".00",
                               "-.00",      "00.00", "000.00",          "327.68", "0.0000",

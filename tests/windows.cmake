@@ -1,15 +1,15 @@
 # The tests that run under wine. These do not run there:
-#   aq_fault_tests     the linker wraps each system call, and Windows has different ones
+#   aq_fault_tests     make POSIX system calls fail by redirecting them at link time
 #   aq_thread_tests    the compiler for Windows has no thread sanitizer
-#   consumer.*         instead, scripts/windows builds a host against the folder that it makes
-#   tool.*             tool.same runs the rows with both programs and compares the outcomes
+#   consumer.*         instead, scripts/windows builds a host against the package that it makes
+#   tool.*             tool.same runs the same commands with both builds and compares the outcomes
 #   house.*, reference.*   do not depend on the system
 #   Write.* and Platform.* of write_test.cpp   test owners, permissions, umask, /proc, /dev; the
 #                      tests of write_windows_test.cpp replace them
 #   recordings in Formats.GoodSamplesHaveTheListedValues   their levels are computed with the
-#                      system's logarithm; second.opinion compares them to 1e-9 dB
+#                      system's logarithm; second.opinion compares them to within 1e-9 dB
 #   Analyzer.RunsAnExternalConverterWithoutAShell   runs shell scripts; replaced by Platform.RunsPrograms
-# Python is called by its path: wine would run the target and lose its output and exit status.
+# Python is called by its path: as a target it would run under wine and lose its output and exit status.
 # AQ_NATIVE is a native build with print_file and aqdata; without it, there are no *.same tests.
 add_test(NAME library COMMAND aq_tests
   --gtest_filter=-Analyzer.RunsAnExternalConverterWithoutAShell)

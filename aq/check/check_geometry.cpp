@@ -18,7 +18,7 @@
 namespace aq {
 namespace {
 
-/// Checks the times of positions, one per line.
+/// Checks the times of positions, one per line, and looks for stays, jumps and gaps.
 class TimeOrder {
  public:
   explicit TimeOrder(const Reporter& report) : report_(report) {}
@@ -58,7 +58,7 @@ class TimeOrder {
   std::array<double, 3> at_{};
   std::size_t stays_ = 0;  // lines that repeat the previous position
   std::size_t line_ = 0;
-  double before_ = std::numeric_limits<double>::quiet_NaN();  // no time is later or earlier
+  double before_ = std::numeric_limits<double>::quiet_NaN();  // accepts any first time
 };
 
 /// Calls `visit(fix, line)` for every fix of a readable file.
@@ -112,7 +112,7 @@ class Contradictions {
   }
 
  private:
-  /// Reports a speed that is not that of sound, in metres or feet per second, at a plausible
+  /// Reports a speed that is not the speed of sound, in metres or feet per second, at any plausible
   /// temperature.
   void expectSound() const {
     const bool metres = speed_ > 290 && speed_ < 370;
@@ -123,8 +123,8 @@ class Contradictions {
                 " per second; the speed of sound is about 340 m or 1120 ft");
   }
 
-  /// Reports an air temperature, in degrees Celsius or Fahrenheit, that does not give this speed of
-  /// sound in m/s. The temperature may vary along the path.
+  /// Reports an air temperature, in degrees Celsius or Fahrenheit, that is far from the one that
+  /// gives this speed of sound in m/s. The margin is wide, as it may vary along the path.
   void expectTemperature(double speed) const {
     constexpr double kNear = 20;
     constexpr double kAtZero = 331.3;  // m/s, at 0 degrees Celsius
@@ -138,8 +138,8 @@ class Contradictions {
   }
 
   [[nodiscard]] std::string faultOf(AQ_Geometry& point, std::size_t points) const {
-    constexpr double kTolerance = 0.0201;  // both times are in hundredths
-    constexpr std::size_t kEnough = 3;     // points needed to tell which one is wrong
+    constexpr double kTolerance = 0.0201;  // s; both times are in hundredths
+    constexpr std::size_t kEnough = 3;     // fewer points do not show which one is wrong
     const double between =
         std::remainder(point.Tm()->TODseconds() - point.Te()->TODseconds(), kSecondsPerDay);
     if (std::abs(between - point.Tprope) > kTolerance) {
@@ -165,7 +165,7 @@ class Contradictions {
   double temperature_;
   std::size_t temperatureLine_;
   const Reporter& report_;
-  double speed_ = 0;  // the median over all points
+  double speed_ = 0;  // of sound, the median over all points
 };
 
 std::vector<PathPlace> emissionPath(const RecordLines& records,
@@ -224,7 +224,7 @@ void check(FileOf<AQ_DataTSPI> of, const Reporter& report) {
   });
   order.finish();
   checkTrackingHeadings(of.path, report);
-  // Fields beyond the coordinates are the tracker's own.
+  // Each tracker may add fields of its own after the coordinates.
   const LineShapes shapes(of.path, kTrackingHeaderLines,
                           {std::numeric_limits<std::size_t>::max() / 2, 0});
   shapes.report(of.path, report);

@@ -15,7 +15,7 @@ namespace aq {
 /// How serious a finding is.
 enum class Severity {
   Note,     ///< worth knowing; the data are correct
-  Warning,  ///< what is read may not be what was measured
+  Warning,  ///< the data that are read may differ from those that were measured
   Error,    ///< the file, or pair of files, cannot be used
 };
 
@@ -23,7 +23,7 @@ enum class Severity {
 struct FindingKind {
   std::string_view name;
   Severity severity;
-  std::string_view meaning;  ///< in one line
+  std::string_view meaning;  ///< one line
   bool dataHold = false;     ///< for a warning: whether the data are nevertheless as measured
 
   /// Whether the data may differ from what was measured.
@@ -50,11 +50,10 @@ struct FindingPlace {
 struct Finding {
   const FindingKind& kind;
   FindingPlace place;
-  std::string message;  ///< in one line, without the place
+  std::string message;  ///< one line, without the place
 };
 
-/// Receives findings one by one, in the order of the file's lines; those about the whole file come
-/// first.
+/// Receives findings one by one, in line order; those about the whole file come first.
 using FindingSink = std::function<void(const Finding&)>;
 
 }  // namespace aq

@@ -16,16 +16,16 @@
 
 namespace aq {
 
-/// Reports the first non-empty field after those that are read: the digits after a decimal comma,
-/// or text that is lost.
+/// Reports the first non-empty field after those that are read, as the digits after a decimal comma
+/// or as text that is lost.
 void checkFieldsBehind(const HeaderLine& line, const Reporter& report);
 
-/// Reports a word of the header that is read as another one.
+/// Reports an unknown word in the header, which is read as `readAs`.
 void checkWord(std::size_t line, std::string_view word, std::string_view readAs,
                const Reporter& report);
 
-/// Reports that a header names a file other than its own: a warning if that file is in the same
-/// folder, otherwise a note.
+/// Reports a header that names a file other than its own: as a warning if that file is in the same
+/// folder, otherwise as a note.
 void checkFileName(std::size_t line, std::string_view name, const std::string& path,
                    const Reporter& report);
 
@@ -62,13 +62,13 @@ class HeaderCheck {
   /// How many lines the header has, including the column headings.
   [[nodiscard]] std::size_t lines() const { return lines_; }
 
-  /// The line of a keyword; 0 if the header has none.
+  /// The line of a keyword; 0 if the header does not have it.
   [[nodiscard]] std::size_t lineOf(std::string_view keyword) const;
 
-  /// The value of a keyword; empty if the header has none.
+  /// The value of a keyword; empty if the header does not have it.
   [[nodiscard]] std::string_view valueOf(std::string_view keyword) const;
 
-  /// The two integers of a keyword that the header must have.
+  /// The two integers that follow a keyword, which the header must have.
   [[nodiscard]] std::pair<std::int16_t, std::int16_t> integersOf(std::string_view keyword) const;
 
   /// Compares the count that a keyword gives with the actual number.
@@ -105,7 +105,7 @@ class HeaderCheck {
   std::map<std::string, Entry, std::less<>> entries_;
   std::string headings_;
   HistoryWords words_;
-  std::size_t quotes_ = 0;  // the first line in quotes
+  std::size_t quotes_ = 0;  // number of the first line in quotes; 0 if there is none
 };
 
 }  // namespace aq

@@ -13,7 +13,7 @@
 
 namespace aq {
 
-/// In the order of `findingKinds`.
+/// The kinds of finding, in the order of `findingKinds`.
 enum class Kind : std::size_t {
   Unreadable,
   UnknownKind,
@@ -63,7 +63,7 @@ enum class Kind : std::size_t {
   Table,
 };
 
-/// Collects the findings of a file and passes them on in the order of its lines.
+/// Collects the findings about a file and passes them on in line order.
 class Reporter {
  public:
   explicit Reporter(const FindingSink& sink) : sink_(sink) {}
@@ -77,11 +77,11 @@ class Reporter {
   void fileBegins(std::string head) { head_ = std::move(head); }
   void unreadable(const FileFailure& failure) const;
 
-  /// Keeps a digest of the levels of a history for comparison with others.
+  /// Keeps the digest of a history's levels, for comparison with other histories.
   void levels(std::uint64_t digest) const { levels_ = digest; }
   [[nodiscard]] std::optional<std::uint64_t> levels() const { return levels_; }
 
-  /// Passes on the findings, those of the whole file first. Exceptions from the sink reach the
+  /// Passes on the findings, those about the whole file first. Exceptions from the sink reach the
   /// caller.
   void finish();
 

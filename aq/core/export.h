@@ -1,6 +1,6 @@
 #pragma once
 
-// Marks what a shared build exports to its hosts; everything else stays hidden.
+// Marks the classes and functions that a shared build exports; everything else stays hidden.
 #if defined(_WIN32) && defined(AQ_BUILDS_SHARED)
 #define AQ_API __declspec(dllexport)
 #elif defined(_WIN32) && defined(AQ_USES_SHARED)

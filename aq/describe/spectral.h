@@ -101,7 +101,8 @@ struct Description<AQ_Band> {
   template <class To>
   static void members(To& to) {
     using B = AQ_Band;
-    to.method("Copy", &B::Copy, "Returns no object if the band is empty; raises otherwise")
+    to.method("Copy", &B::Copy,
+              "No object if the band is empty; raises if it has levels, which cannot be copied")
         .indexed("SPL", &B::SPL, &B::SPL, in("nSpectrum", "The spectrum's number", kRecord),
                  "The level of a spectrum, by its number; reading raises if it is missing",
                  kDecibels)

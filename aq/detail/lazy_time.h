@@ -67,7 +67,7 @@ class LazyTime {
     return seconds != nullptr ? *seconds : Seconds();
   }
 
-  [[no_unique_address]] std::variant<Seconds, Object> time_;  // leaves its padding to the owner
+  [[no_unique_address]] std::variant<Seconds, Object> time_;  // the owner can use its padding
 };
 
 }  // namespace aq

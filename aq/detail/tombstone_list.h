@@ -13,8 +13,8 @@
 
 namespace aq {
 
-/// The slots that were removed from a list but not yet compacted away. Finds the n-th slot still in
-/// use in logarithmic time.
+/// The slots that were removed from a list but not yet compacted away. Finding the n-th slot still
+/// in use takes logarithmic time.
 class AQ_API Tombstones {
  public:
   [[nodiscard]] std::size_t count() const { return count_; }
@@ -46,8 +46,8 @@ class AQ_API Tombstones {
 };
 
 /// The values of a list in the order in which they were added. A removed value leaves an unused
-/// slot. The list is compacted when unused slots outnumber the others, so that removing and adding
-/// takes constant time on average.
+/// slot. The list is compacted when unused slots outnumber the others, so compacting adds only
+/// constant time on average to each removal.
 template <class T>
 class TombstoneList {
  public:

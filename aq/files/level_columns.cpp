@@ -8,7 +8,7 @@ namespace aq {
 
 void LevelColumns::read(FieldReader& fields, AQ_Spectrum& spectrum) {
   const std::size_t count = low <= high ? static_cast<std::size_t>(high - low) + 1 : 0;
-  codes.resize(std::min(count, fields.mostLeft()));  // the header may claim any number
+  codes.resize(std::min(count, fields.mostLeft()));  // the header may claim any number of bands
   const std::size_t plain = fields.takeRun(std::span(codes), levelsAtFront);
   if (plain == count) {
     spectrum.assignCodes(low, codes);

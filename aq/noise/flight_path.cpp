@@ -17,7 +17,7 @@ Vector3 along(const Vector3& from, const Vector3& to, double part) {
   return place;
 }
 
-/// The time of day `next` as seconds that continue from `before`.
+/// The time of day `next` in seconds that continue from `before` without restarting at midnight.
 double continued(double before, double next, std::size_t place) {
   const double step = std::fmod(next - before, kSecondsPerDay);
   // A step back of more than half a day means that midnight has passed.

@@ -11,11 +11,11 @@
 namespace aq {
 namespace {
 
-constexpr double kDown = 10;          // dB, from the maximum to the limits
-constexpr double kSecondWithin = 2;   // dB, from the maximum to second peaks
-constexpr double kSecondAbove = 0.1;  // dB, from a second peak to its neighbours
+constexpr double kDown = 10;          // dB below the maximum, where the limits are
+constexpr double kSecondWithin = 2;   // dB below the maximum at most, for a second peak
+constexpr double kSecondAbove = 0.1;  // dB above both neighbours at least, for a second peak
 constexpr double kReferenceSeconds = 10;
-constexpr double kRounding = 1e-9;  // dB, rounding of decimals stored as doubles
+constexpr double kRounding = 1e-9;  // dB, tolerance for the rounding of decimals to doubles
 constexpr double kBelowAll = -std::numeric_limits<double>::infinity();
 
 void check(std::span<const double> pnlt, std::span<const double> seconds,
@@ -90,7 +90,8 @@ double bandSharingOf(std::span<const double> corrections, std::size_t maximum) {
   return std::max(0.0, sum / count - corrections[maximum]);
 }
 
-/// 10 lg of the energy from `begin` to `end` over ten seconds, computed relative to `largest`.
+/// The level in dB of the energy from `begin` to `end` averaged over ten seconds, computed relative
+/// to `largest`.
 double effectiveLevel(std::span<const double> pnlt, std::span<const double> seconds,
                       std::size_t begin, std::size_t end, double largest) {
   double energy = 0;

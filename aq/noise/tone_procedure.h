@@ -10,11 +10,11 @@ namespace aq {
 
 inline constexpr std::int16_t kFirstToneBand = 19;  // 80 Hz
 inline constexpr std::int16_t kLastToneBand = 40;   // 10 kHz
-inline constexpr double kMarkedSlopeChange = 5;     // dB, marks a slope when exceeded
+inline constexpr double kMarkedSlopeChange = 5;     // dB; a slope that changes by more is marked
 inline constexpr std::size_t kToneBands = kLastToneBand - kFirstToneBand + 1;
 
-/// The tone correction in dB of the band at an index of the columns, at most a third of
-/// `difference`; 0 where the difference from the background does not count.
+/// The tone correction in dB of the band at index `place` of the columns, whose level exceeds the
+/// background by `difference` dB: at most a third of it, and 0 where it is too small to count.
 [[nodiscard]] double bandCorrection(std::size_t place, double difference);
 
 /// The tone correction procedure of 14 CFR 36, A36.4.3, step by step, for one record or for lanes
@@ -22,7 +22,7 @@ inline constexpr std::size_t kToneBands = kLastToneBand - kFirstToneBand + 1;
 template <class Number>
 class ToneProcedure {
  public:
-  using Column = std::array<Number, kToneBands + 1>;  // steps look at the band above
+  using Column = std::array<Number, kToneBands + 1>;  // some steps look at the band above
 
   Column level{};  ///< to be filled by the caller
 
@@ -33,7 +33,7 @@ class ToneProcedure {
   Column isTakenOut{};     ///< 1 for a level that is taken out, otherwise 0
   Column adjusted{};       ///< the level, or the replacement for one that is taken out
   Column adjustedSlope{};  ///< extends one band beyond both ends
-  Column meanSlope{};      ///< none at the last band
+  Column meanSlope{};      ///< not set for the last band
   Column background{};
   Column difference{};
   Number largest{};  ///< the largest correction of any band

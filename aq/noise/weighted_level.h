@@ -18,7 +18,7 @@ namespace aq {
 ///
 /// A level counts if it is a finite number other than 9999 and, given a row of masks, if its band
 /// is unmasked or its masked level was adjusted. Returns nothing if no level counts. Throws
-/// `InvalidArgument` for any other metric.
+/// `InvalidArgument` if `weighting` is any other metric.
 [[nodiscard]] AQ_API std::optional<double> weightedLevel(const AQ_Spectrum& spectrum,
                                                          AQ_METRIC_TYPE weighting,
                                                          const AQ_MaskRow* masks = nullptr);

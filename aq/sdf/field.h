@@ -17,8 +17,8 @@ struct Code {
   std::string_view otherWord = {};
 };
 
-/// The codes of a field. Readers accept each word without the prefix or suffix that all words have,
-/// such as "_DATA".
+/// The codes of a field. Readers also accept each word without `affix`, a prefix or suffix that the
+/// words share, such as "_DATA".
 struct Codes {
   std::span<const Code> codes;
   std::string_view affix;
@@ -30,7 +30,7 @@ inline constexpr std::int16_t kUnknownCode = -99;
 /// The word for `number`; empty if there is none.
 [[nodiscard]] AQ_API std::string_view wordOf(const Codes& codes, std::int32_t number);
 
-/// The number of a word, ignoring case, with blanks or underscores between its parts;
+/// The number of a word, whatever its case, with blanks or underscores between its parts;
 /// `kUnknownCode` if there is none.
 [[nodiscard]] std::int16_t numberOf(const Codes& codes, std::string_view word);
 
@@ -42,11 +42,11 @@ struct Field {
   std::string_view name;
   std::size_t first;  ///< its first byte in the record, counted from 1
   Type type;
-  std::size_t count = 1;  ///< elements of an array, bytes of a text field
+  std::size_t count = 1;  ///< number of array elements, or of bytes in a text field
   const Codes* codes = nullptr;
 };
 
-/// Bytes of one element; a text field is a single element of `count` bytes.
+/// The size of one element in bytes; a text field is a single element of `count` bytes.
 [[nodiscard]] constexpr std::size_t sizeOf(const Field& field) {
   switch (field.type) {
     case Type::Short: return 2;
@@ -60,7 +60,7 @@ struct Field {
   }
 }
 
-/// The end of a field in its record.
+/// The offset of the byte after a field in its record, counted from 0.
 [[nodiscard]] constexpr std::size_t endOf(const Field& field) {
   const std::size_t elements = field.type == Type::Text ? 1 : field.count;
   return field.first - 1 + elements * sizeOf(field);

@@ -13,13 +13,13 @@
 namespace aq::sdf {
 namespace {
 
-/// A field found by name, with its first byte counted from 0 in the record.
+/// A field found by name, with the offset of its first byte in the record.
 struct Target {
   const Field* field = nullptr;
   std::size_t at = 0;
 };
 
-/// Splits a name such as `pwrOfChan[1]` into the name of the field and the element.
+/// Splits a name such as `pwrOfChan[1]` into the name of the field and the index of the element.
 std::pair<std::string_view, std::size_t> elementOf(std::string_view name) {
   const std::size_t bracket = name.find('[');
   if (bracket == name.npos || !name.ends_with(']')) return {name, 0};
@@ -45,7 +45,7 @@ Target targetIn(std::span<const Field> fields, std::string_view name, std::size_
   return {&*field, at + element * sizeOf(*field)};
 }
 
-/// Converts `value` to a number for the field, or fails at the line.
+/// Converts `value` to a number for the field; throws `ReadFailure` for the line if it is not one.
 template <class Conversion>
 auto converted(const Field& field, std::string_view value, std::size_t line,
                const Conversion& conversion) {

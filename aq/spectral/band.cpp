@@ -9,7 +9,7 @@
 namespace aq {
 namespace {
 
-/// Numbers with the same default text have the same key.
+/// Numbers that are written as the same text have the same key.
 double keyOf(const Variant& number) {
   using Type = Variant::Type;
   if (number.type() == Type::Int16 || number.type() == Type::Int32) return number.toDouble();

@@ -9,7 +9,7 @@
 namespace aq {
 namespace {
 
-/// The names by code, from `AQ_METRIC_AWT` up.
+/// The names of the metrics by code, from `AQ_METRIC_AWT` up.
 constexpr std::array<std::string_view, 10> kNames{"AWT",  "CWT",     "DWT",     "OA",  "PNL",
                                                   "PNLT", "TONECOR", "TONEBND", "LGB", "INTEG"};
 

@@ -42,7 +42,7 @@ class AQ_API AQ_SpectralTimeHistory {
   [[nodiscard]] std::string sReferenceTimeType() const;
   [[nodiscard]] std::string sTimeStampType() const;
   void sAveragingMethod(std::string_view text);
-  /// Setting never changes the reference type: hosts rely on it. `ReferenceType` sets it.
+  /// Setting never changes the reference type: hosts rely on this. `ReferenceType` sets it.
   void sReferenceTimeType(std::string_view text);
   void sTimeStampType(std::string_view text);
 
@@ -63,13 +63,13 @@ class AQ_API AQ_SpectralTimeHistory {
   /// Stamps every record: the stamp of record i is i x 0.5 s plus the start time less 0.5 s
   /// (`AQ_START`), 0.25 s (`AQ_MIDPT`), 0 (`AQ_END`), 0.75 s (`AQ_ICAOSLO`) or 1 s (`AQ_OLDSLO`),
   /// with that difference rounded to single precision. Then sets each record's time relative to
-  /// `RefTime`. Copies the two times. Throws `InvalidArgument` at the first record of the range
-  /// without a spectrum; earlier records are already stamped.
+  /// `RefTime`. Copies the two times. Throws `InvalidArgument` at the first record from
+  /// `LoRec` to `HiRec` without a spectrum; earlier records are already stamped.
   void setTimeStamps(const AQ_Time& startTime, AQ_TimeStampType StartTimeType,
                      const AQ_Time& RefTime, AQ_RefTimeType RefType);
 
   /// The spectrum of a record. Reading throws `InvalidArgument` if there is none; storing replaces
-  /// an existing one, moves its number to the end, and widens the record range.
+  /// an existing one and widens the record range.
   [[nodiscard]] std::shared_ptr<AQ_Spectrum> spectrum(std::int16_t nRecord) const {
     return spectra_.at(nRecord);
   }
@@ -84,8 +84,8 @@ class AQ_API AQ_SpectralTimeHistory {
   /// level.
   [[nodiscard]] std::shared_ptr<AQ_SpectralTimeHistory> Copy();
 
-  /// The levels of one band over all records; no object if the history is empty, or if a record of
-  /// the range is missing or has no level in that band.
+  /// The levels of one band over all records; no object if the history is empty, or if a record
+  /// from `LoRec` to `HiRec` is missing or has no level in that band.
   [[nodiscard]] std::shared_ptr<AQ_Band> Band(std::int16_t nBand) const;
   /// Stores the levels of a band in all records. Stops without an error at the first record that is
   /// missing or for which `aqBand` has no level; earlier records keep their new levels.

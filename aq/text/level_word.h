@@ -6,19 +6,20 @@
 #include "aq/text/level_code.h"
 #include "aq/text/word.h"
 
-// A level as text, right-aligned in one word of eight bytes, the first byte lowest.
+// A level as text, right-aligned in a word of eight bytes, with the first character in the lowest
+// byte.
 
 namespace aq {
 
 inline constexpr std::int32_t kLargestCode = std::numeric_limits<LevelCode>::max();
 
-/// The text of zero in columns.
+/// Zero in columns, with its leading zeros.
 inline constexpr std::uint64_t kZeroWord = wordOfText("00000.00");
 
 inline constexpr std::int32_t kNoHundredths = -1;
 
-/// The hundredths of a level in columns: at least two blanks, three digits with blanks for leading
-/// zeros, a point and two digits. `kNoHundredths` for any other text.
+/// The value in hundredths of a level in columns: at least two blanks, three digits with blanks for
+/// leading zeros, a point and two digits. `kNoHundredths` for any other text.
 inline std::int32_t hundredthsInColumns(std::uint64_t word) {
   constexpr std::uint64_t kWhole = 0x1010101010U;  // a bit that "0" has but a blank does not
   constexpr std::uint64_t kDigits = 0x0606000606060606U;

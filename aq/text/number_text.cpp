@@ -56,7 +56,7 @@ Extent extentOf(std::string_view text) {
   throw Error(code, std::string("expected ") + expected + ", found " + shown(text));
 }
 
-/// The power of ten of the first significant digit: tells a number too small from one too large.
+/// The decimal order of magnitude, which tells numbers too small for the type from those too large.
 std::int64_t magnitude(const Extent& number) {
   constexpr std::int64_t kHuge = std::int64_t{1} << 48;
   const char* const mark =
@@ -126,8 +126,8 @@ void requireFinite(double value) {
   }
 }
 
-/// `value`, not 0, with `digits` significant digits as d.ddd…e±xx: returns the digits without
-/// trailing zeros, and the exponent.
+/// Rounds `value`, which is not 0, to `digits` significant digits and returns them without trailing
+/// zeros; sets `exponent` to the power of ten of the first one.
 template <class Real>
 std::string_view significantDigits(Real value, int digits, Buffer& buffer, int& exponent) {
   const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(value),
@@ -136,7 +136,7 @@ std::string_view significantDigits(Real value, int digits, Buffer& buffer, int& 
   const char* power = mark + 1;
   if (*power == '+') ++power;
   std::from_chars(power, written.ptr, exponent);
-  buffer[1] = buffer[0];  // over the point, so that the digits are contiguous
+  buffer[1] = buffer[0];  // overwrites the point, so that the digits are contiguous
   const char* last = mark;
   while (last > buffer.data() + 2 && last[-1] == '0') --last;
   return {buffer.data() + 1, last};
@@ -196,8 +196,9 @@ char* putFractionDigits(char* at, std::int32_t fraction, int places) {
   return at + 1;
 }
 
-/// The fraction of a value from 1 to below 1e6, in 7 significant digits of the whole. The value
-/// times a power of ten is exact in double precision, so rounding it once is correct.
+/// Writes the fraction of a value of at least 1 and below 1e6, which is rounded to 7 significant
+/// digits. The value times a power of ten is exact in double precision, so rounding it once is
+/// correct.
 char* putDecimals(char* at, float value) {
   int places = kSingleDigits - 1;
   std::int32_t scale = 1000000;
@@ -209,8 +210,8 @@ char* putDecimals(char* at, float value) {
   return putFractionDigits(at, static_cast<std::int32_t>(scaled) % scale, places);
 }
 
-/// Writes a value that is a whole number of thousandths; `nullptr` for any other. The text has at
-/// most 15 digits, so rounding the value to 15 digits gives the same text.
+/// Writes a value that is a whole number of thousandths; returns `nullptr` for any other. The text
+/// has at most 15 digits, so rounding the value to 15 digits gives the same text.
 char* putThousandths(char* at, double value) {
   constexpr double kScale = 1000;
   constexpr double kLargest = 1e11;

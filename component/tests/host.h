@@ -38,7 +38,7 @@ class Value : public VARIANT {
   }
   ~Value() { VariantClear(this); }
 
-  /// The host's own variable, as late-bound and early-bound hosts pass it.
+  /// A reference to a variable of the host, as late-bound and early-bound hosts pass it.
   static Value late(Value& variable) { return reference(VT_VARIANT, &variable); }
   static Value early(IDispatch*& variable) { return reference(VT_DISPATCH, &variable); }
   static Value early(long& variable) { return reference(VT_I4, &variable); }
@@ -47,7 +47,7 @@ class Value : public VARIANT {
     made.vt = static_cast<VARTYPE>(VT_BYREF | type), made.byref = variable;
     return made;
   }
-  /// An optional argument of the host's own procedure, which its caller left out.
+  /// The optional argument of a procedure in the host, if the procedure's caller omitted it.
   static Value missing() {
     Value made;
     made.vt = VT_ERROR, made.scode = DISP_E_PARAMNOTFOUND;
@@ -70,7 +70,7 @@ struct Outcome {
   }
 };
 
-/// A call by number with the arguments in order; the last ones are named, one for each of `named`.
+/// A call by number with the arguments in order; the last of them are named by the ids in `named`.
 inline Outcome invoke(IDispatch* object, DISPID id, WORD flags, const std::vector<Value>& given,
                       std::vector<DISPID> named = {}) {
   std::vector<VARIANTARG> all(given.rbegin(), given.rend());
@@ -146,7 +146,7 @@ void testControl();
 void testSpeed();
 /// How many registry keys name the component.
 int registered(HKEY root);
-/// The values of these keys, which name the DLL.
+/// Checks that the values of these keys name the DLL.
 void testRegistration(HKEY root, const std::wstring& dll);
 
 }  // namespace host

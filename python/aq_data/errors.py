@@ -125,8 +125,8 @@ _KINDS = (
 
 
 def error(message: str, code: int) -> Error:
-    """The exception for a fault that the library reports; it is also Python's own exception for
-    such a fault.
+    """The exception for a fault that the library reports; it is also an instance of Python's own
+    exception for such a fault.
     """
     return _KINDS[code](message, code)
 
@@ -134,8 +134,8 @@ def error(message: str, code: int) -> Error:
 def file_error(
     file: str, line: int, field: int, expected: str, found: str, partial: tuple[object, ...]
 ) -> Exception:
-    """The exception for a file's failure, also Python's own exception if the system refused the
-    file.
+    """The exception for a failure with a file; also an instance of Python's own exception if the
+    system refused the file.
     """
     number = _NUMBERS.get(found) if line == 0 else None
     cls = FileError if number is None else _CLASSES.get(number, SystemFileError)

@@ -65,7 +65,7 @@ def _run(history: Any, mask: Any, geometry: Any) -> Run:
 
 def _commented(run: Run, line: str) -> Run:
     run.history.header.cCommentLines.Add(line)
-    if run.mask is not None:  # it fits the new history, which has no name yet
+    if run.mask is not None:  # the map is for the new history, which has no file name yet
         run.mask.header.cCommentLines.Add(line)
         run.mask.header.sGenerationFile = ""
         run.mask.header.aqGenerationDateTime = _core.AQ_Time()
@@ -123,8 +123,8 @@ def cut(
     day, either of which may be None; or `down`, the event: the records within this many decibels of
     the largest PNLT, plus one on each side. Time stamps do not change. With a map, a geometry or
     `renumber`, records are numbered from 1, and a comment in each header gives the old numbers.
-    When the new history has a file name, set it in the headers of the map and the geometry.
-    Arguments are paths or results of `read`.
+    After choosing a file name for the new history, set it in the headers of the map and the
+    geometry. Arguments are paths or results of `read`.
 
     Raises `ValueError` if no record remains, or unless exactly one way of choosing is given.
 
@@ -189,15 +189,15 @@ def join(
     masks: Optional[Iterable[Union[Path, MapReading]]] = None,
     fill: bool = False,
 ) -> Run:
-    """The pieces of one run joined in the order of their time stamps: `(history, mask,
-    geometry)`.
+    """The pieces of one run, given in the order of their time stamps, joined into one: `(history,
+    mask, geometry)`.
 
-    Time stamps do not change; records are numbered consecutively from the first piece on. `masks`
-    are the maps of the pieces, one each; a `Run` brings its own map and geometry. A gap is an error
-    or, with `fill`, is filled with records of 9999; a gap in a geometry cannot be filled.
+    Time stamps do not change; record numbers continue from those of the first piece. `masks` are
+    the maps of the pieces, one each; a `Run` brings its own map and geometry. A gap is an error or,
+    with `fill`, is filled with records whose levels are 9999; a gap in a geometry cannot be filled.
 
-    Raises `ValueError` for pieces that differ in bands, averaging, stamps, reference, project,
-    microphone or adjustment.
+    Raises `ValueError` for pieces that overlap or differ in bands, averaging method, time stamp
+    type, reference, project, microphone or adjustment.
 
     >>> whole = aq_data.join("a.sth.csv", "b.sth.csv", fill=True).history
     """

@@ -58,7 +58,7 @@ void bindWork(py::module_& module) {
              "How many records are missing between two pieces of a measurement");
   module.def("joinHistories", joinHistories, py::arg("before"), py::arg("after"),
              py::arg("fill") = false,
-             "Joins two pieces of a measurement; fills a gap with levels of 9999 if requested");
+             "Joins two pieces of a measurement; fills a gap with records of 9999 if requested");
   module.def("joinMaps", joinMaps, py::arg("before"), py::arg("after"), py::arg("gap") = 0,
              "The rows of two maps, with unmasked rows for the gap in between");
   module.def(
@@ -68,7 +68,7 @@ void bindWork(py::module_& module) {
         return std::tuple(py::bytes(mended.text), mended.done, mended.left);
       },
       py::arg("bytes"), py::arg("name"), py::arg("done"),
-      "The mended text, and lists in words of what was mended and what was left");
+      "The mended text, a list of what was mended, and a list of what was left alone");
 }
 
 }  // namespace aq::python

@@ -37,8 +37,8 @@ class BandRange {
   std::int16_t high_;
 };
 
-/// The object that `history.spectrum` returns: one object's values by number, read with a call or
-/// with `[]`.
+/// The type of indexed properties such as `history.spectrum`: one object's values by number, read
+/// with a call or with `[]`.
 template <class Owner, class Key, class Value>
 struct Indexed {
   std::shared_ptr<Owner> owner;
@@ -52,7 +52,7 @@ inline std::string docOf(const describe::About& about) {
   return doc;
 }
 
-/// The docstring of a member that has its own form in Python.
+/// The docstring of a member whose form in Python is different.
 template <class C>
 std::string docOf(std::string_view name) {
   std::string doc;
@@ -112,7 +112,8 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
   void operator()(const describe::Indexed<Value (C::*)(Key), void (C::*)(Key, Given)>& view) {
     bindView<std::decay_t<Key>, Value>(view);
   }
-  /// Methods of file classes take paths and return what they read: `BoundFile` binds them.
+  /// Leaves the methods of file classes, which take paths and return what they read, to
+  /// `BoundFile`.
   template <class Call, std::size_t Count>
   void operator()(const describe::Method<Call, Count>& method) {
     if constexpr (!std::is_base_of_v<FileClass, C>) {
@@ -134,7 +135,7 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
         py::arg(banded.other.name), docOf(banded.about).c_str());
   }
 
-  /// Completes a class that its settable properties describe fully.
+  /// Adds pickling and a repr to a class that its settable properties describe fully.
   void record() {
     keepFields();
     this->def(py::pickle([fields = fields_](const py::object& self) { return state(self, fields); },
@@ -154,8 +155,8 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
     });
   }
 
-  /// Completes a class that holds more than its settable properties: `save(object)` returns the
-  /// rest, and `load(object, kept)` stores it again.
+  /// Adds pickling to a class that holds more than its settable properties: `save(object)` returns
+  /// the rest, and `load(object, kept)` restores it.
   template <class Save, class Load>
   void container(Save save, Load load) {
     keepFields();
@@ -197,7 +198,7 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
     }
   }
 
-  /// `view(number)`, `view[number]` and `view[number] = value`.
+  /// Binds `view(number)`, `view[number]` and `view[number] = value`.
   template <class Key, class Value, class Get, class Set>
   void bindView(const describe::Indexed<Get, Set>& indexed) {
     using View = Indexed<C, Key, Value>;

@@ -1,5 +1,5 @@
-"""Fixed columns, compared with readers that know only the columns: pandas, and a Fortran
-program.
+"""Fixed-column histories, compared with programs that know only the columns: pandas, and a program
+in Fortran.
 """
 
 import pathlib
@@ -13,7 +13,7 @@ import pytest
 
 import aq_data
 
-FIRST = 20  # lines before the records: 19 and the headings, without comments and other records
+FIRST = 20  # the line of the first record, as there are no comments and no other records
 
 
 def columns(count):
@@ -21,7 +21,9 @@ def columns(count):
 
 
 def made(seed):
-    """A history of random size with gaps, and its levels by record and band, NaN where missing."""
+    """A history of random size with gaps, its first record, its lowest band, and its levels by
+    record and band, NaN where missing.
+    """
     rng = random.Random(seed)
     low = rng.randint(2, 50)
     high = rng.randint(low, 50)
@@ -89,7 +91,7 @@ def test_fortran_writes_the_same_file_again(tmp_path, fortran, seed):
     history, first, low, levels = made(seed)
     for row, own in enumerate(levels):
         for place, level in enumerate(own):
-            if np.isnan(level):  # a Fortran program takes a blank for 0
+            if np.isnan(level):  # Fortran reads a blank as 0
                 history.spectrum[first + row].SPL[low + place] = 0.0
     one, other = tmp_path / "one.spc", tmp_path / "other.spc"
     aq_data.write(history, one)

@@ -1,4 +1,4 @@
-"""Datasets and tables with labels; the whole measurement can be restored from them."""
+"""Labelled datasets and tables, and measurements restored from datasets."""
 
 from __future__ import annotations
 

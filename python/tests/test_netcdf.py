@@ -1,4 +1,4 @@
-"""Datasets and their files: the CF conventions, clocks at midnight, cut datasets."""
+"""Datasets and their files: the CF conventions, clocks that pass midnight, and cut datasets."""
 
 from __future__ import annotations
 
@@ -19,13 +19,13 @@ UNITS = {"1", "s", "Hz", "m", "ft", "degree", "d"} | {
     "dB",
     "PNdB",
     "TPNdB",
-}  # units of acoustics, which UDUNITS lacks
+}  # the last three are units of acoustics, which UDUNITS lacks
 NAMES = {"sound_frequency", "sound_pressure_level_in_air"}
 TYPES = {"int8", "int16", "int32", "float32", "float64", "str"}
 
 
 def faults_of_variable(name: str, var: Any, file: Any) -> list[str]:
-    """The faults that a checker of the conventions finds in a variable."""
+    """The rules of the CF conventions that a variable breaks."""
     is_coordinate = var.dimensions == (name,)
     told = {key: var.getncattr(key) for key in var.ncattrs()}
     kind = "str" if var.dtype is str else str(var.dtype)

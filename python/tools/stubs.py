@@ -1,4 +1,4 @@
-"""Writes aq_data/_core.pyi: the content of the compiled module, with its own signatures.
+"""Writes aq_data/_core.pyi, the type stubs of the compiled module, from its own signatures.
 
     python3 stubs.py FOLDER_OF_THE_PACKAGE
 """
@@ -66,7 +66,7 @@ def signatures(function: Any) -> list[tuple[str, str]]:
 
 
 def text_of(function: Any) -> str:
-    """The sentence after the signatures."""
+    """The description after the signatures."""
     if inspect.isfunction(function):
         return inspect.getdoc(function) or ""
     lines = (function.__doc__ or "").split("\n")

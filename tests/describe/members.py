@@ -1,8 +1,7 @@
-"""Compares the description with the public headers: `PROGRAM ROOT HEADER...`.
+"""Compares the description in aq/describe with the public headers: `PROGRAM ROOT HEADER...`.
 
-Each public member of a class and each member of an enumeration must be described, with the same
-numbers of arguments or the same value, except the helpers listed here; nothing else may be
-described.
+Each public member of a class must be described with the same argument counts, and each member of an
+enumeration with the same value, except the helpers listed here; nothing else may be described.
 """
 
 import collections
@@ -56,7 +55,7 @@ def is_interface(cls, member):
 
 
 def public_members(cls):
-    """The public members of a class and its bases, by name, with the numbers of their arguments."""
+    """The public members of a class and its bases, by name, with their argument counts."""
     members = collections.defaultdict(set)
     for child in cls.get_children():
         if child.kind == KINDS.CXX_BASE_SPECIFIER:

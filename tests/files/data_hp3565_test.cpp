@@ -1,5 +1,5 @@
-// Analyzer recordings, beyond the comparison with the second reader: folders, text files from other
-// programs, and the external converter.
+// What the comparison with the second reader does not cover in analyzer recordings: folders, text
+// files from other programs, the external converter, settings, and the page on the format.
 #include <aq/aq.h>
 #include <aq/sdf/layout.h>
 #include <gtest/gtest.h>
@@ -211,7 +211,7 @@ TEST(Analyzer, RunsAnExternalConverterWithoutAShell) {
   EXPECT_EQ(run(converter("kill -9 $$")), "a program that exits with status 0, signal 9");
   EXPECT_EQ(run(converter("")), "text from " + shown(folder.file("convert it")) + ", none");
   EXPECT_EQ(run(folder.file("none")), "a program that can be run, No such file or directory");
-  EXPECT_EQ(test::contentOf(text), recording + " /D:2 /R:2\n");  // as the first run left it
+  EXPECT_EQ(test::contentOf(text), recording + " /D:2 /R:2\n");  // unchanged since the first run
 }
 
 TEST(Analyzer, SettingsAreCheckedAndUsed) {

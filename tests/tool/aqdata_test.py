@@ -577,7 +577,7 @@ ROWS = [  # command, status, what the output contains, what the messages contain
     ("fix raw", 1, "raw/in/p.sth.csv.gz: would mend gzip\n3 files: 1 to mend", ""),
     ("fix raw/mark.csv --json", 0, '"mends":[],"left":[]', ""),
     ("fix bad.sth.csv", 1, 'bad.sth.csv: line 22: expected a level, found "6x.2"', ""),
-    ("head -c 99 raw/in/p.sth.csv.gz > cut.csv.gz; fix cut.csv.gz", 2, "", "cut or damaged"),
+    ("head -c 99 raw/in/p.sth.csv.gz > cut.csv.gz; fix cut.csv.gz", 2, "", "truncated or damaged"),
     (f"report {STH} --celsius 20 -o page.html", 0, "page.html: a page of 1 run, 0.", ""),
     (f"report {STH} -o page.html", 2, "", "page.html: already exists"),
     (f"report {STH} -f -o page.csv", 2, "", "expected a name that ends in .html, .htm"),

@@ -17,7 +17,7 @@ namespace aqdata {
 /// The files that the user's arguments name. A pattern selects the files and folders that match it.
 /// A folder selects all measurement files below it: those that end in ".csv", ignoring case, or are
 /// of a known kind, except hidden files and the originals that `fix` keeps. It also selects files
-/// whose names, in capitals, have one of the `more` endings. A folder is visited once, even if
+/// whose names, once in capitals, end in one of `more`. A folder is visited once, even if
 /// several links lead to it. Complains about arguments that select no file.
 [[nodiscard]] std::vector<std::string> chosenFiles(Session& session,
                                                    const std::vector<std::string_view>& more = {});
@@ -62,11 +62,11 @@ class OutputPlaces {
  private:
   const Session& session_;
   bool inFolder_;
-  std::map<std::string, std::string> taken_ = {};  // the input of each output
+  std::map<std::string, std::string> taken_ = {};  // maps each output to its input
 };
 
-/// Writes a header and a model with a file class. Keeps the header's dates of source files; writes
-/// times late in a second as the next second.
+/// Writes a header and a model with a file class. Keeps the dates of source files in the header,
+/// and rounds times that would lose their fraction up to the next second.
 template <class File, class Header, class Model>
 void writeAt(const std::string& place, Header& header, Model& model) {
   if constexpr (requires { aq::roundLateTimes(model); }) aq::roundLateTimes(model);

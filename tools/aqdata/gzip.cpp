@@ -38,7 +38,8 @@ std::string unpacked(std::string_view bytes, const std::string& path) {
   }
   inflateEnd(&stream);
   if (state == Z_STREAM_END) return text;
-  throw Failure(fmt::format("{}: compressed with gzip, but cut or damaged", aq::escaped(path)));
+  throw Failure(
+      fmt::format("{}: compressed with gzip, but truncated or damaged", aq::escaped(path)));
 }
 #else
 std::string unpacked(std::string_view, const std::string& path) {

@@ -78,7 +78,7 @@ constexpr std::string_view kMaskedBlock = "░";
 constexpr std::string_view kMaskedCell = "·";
 constexpr std::array<std::string_view, 9> kBlocks{" ", "▁", "▂", "▃", "▄", "▅", "▆", "▇", "█"};
 
-/// The character that draws a bar's part in one line; `height` is in lines.
+/// The character for the part of a bar that lies in one line; `height` is in lines.
 std::string_view blockIn(double height, int line) {
   const double part = std::clamp(height - line, 0.0, 1.0);
   return kBlocks[static_cast<std::size_t>(std::lround(part * 8))];
@@ -123,7 +123,8 @@ std::array<int, 3> colourAt(double share) {
   return colour;
 }
 
-/// One cell of a spectrogram: a coloured blank or, with too few colours, a shade.
+/// One cell of a spectrogram: a coloured blank or, if the terminal has too few colours, a shaded
+/// block; a dot if the level is masked.
 std::string cellAt(const Level& level, const Scale& scale, terminal::Colours colours) {
   if (!level) return " ";
   const double share = scale.share(level->level);
@@ -159,7 +160,7 @@ std::string scaleText(const Scale& scale) {
 }  // namespace
 
 bool isLevel(const Json& cell) {
-  constexpr double kSummable = 3000;  // levels beyond it are not real and would spoil the axis
+  constexpr double kSummable = 3000;  // dB; levels beyond are not real and would spoil the axis
   return cell.is_number() && cell.get<double>() != double{aq::AQ_INVALID_LEVEL} &&
          std::abs(cell.get<double>()) <= kSummable;
 }

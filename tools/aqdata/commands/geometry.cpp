@@ -64,7 +64,7 @@ std::shared_ptr<aq::AQ_HeaderGTH> headerFor(const GeometryChoice& choice, const 
   header->MICFileName = choice.microphone;
   if (!choice.records.empty() || read.model->LoRec() != 1) {
     const int low = std::max(range.first, read.model->LoRec());
-    header->colCommentLines->Add(fmt::format("Point 1 is that of record {}", low));
+    header->colCommentLines->Add(fmt::format("Point 1 belongs to record {}", low));
   }
   return header;
 }
@@ -96,9 +96,10 @@ void geometry(Session& session, const GeometryChoice& choice) {
 void addGeometry(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<GeometryChoice>();
   CLI::App* const command = addCommand(
-      program, session, "geometry", "Compute where the source was when it emitted each record",
+      program, session, "geometry", "Compute where the source emitted each record's sound",
       "Coordinates are in metres. The source is assumed to fly straight between\n"
-      "positions; every record must have been emitted between the first and the last.\n\n"
+      "positions; the sound of every record must have been emitted between the first\n"
+      "and the last.\n\n"
       "Examples:\n"
       "  aqdata geometry fly-over.sth.csv fly-over.tspi.csv fly-over.mic.csv \\\n"
       "    --celsius 20 --records 10:50 -o made.gth.csv\n",

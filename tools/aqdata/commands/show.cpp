@@ -15,7 +15,7 @@ struct ShowChoice {
   std::string records;
   std::string bands;
   std::string map;
-  std::size_t most = 10;  // the number of records that head shows
+  std::size_t most = 10;  // how many records the command `head` shows
   bool levels = false;
   bool plot = false;
   bool spectrogram = false;
@@ -61,7 +61,7 @@ void printBands(Session& session, const Sheet& sheet) {
   table.print(session);
 }
 
-/// A summary of the bands of a row: their sum, the loudest, and how many are masked.
+/// A summary of a row: the energy sum of its bands, the loudest band, and how many are masked.
 std::vector<std::string> summaryOf(const Sheet& sheet, const Sheet::Row& row) {
   std::size_t loudest = row.bands.size();
   std::size_t masked = 0;
