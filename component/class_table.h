@@ -14,7 +14,7 @@
 #include "aq/core/variant.h"
 #include "component/com.h"
 
-// A class as hosts call it: its members by name and number, with their implementations.
+// A class as hosts see it: its members by name and number, with their implementations.
 
 namespace aq::com {
 

@@ -10,7 +10,7 @@ namespace aq::com {
 [[nodiscard]] HINSTANCE module();
 [[nodiscard]] std::wstring modulePath();
 
-/// Counts the objects that keep the DLL loaded.
+/// Keeps the DLL loaded for as long as it exists.
 class InUse {
  public:
   InUse() noexcept;

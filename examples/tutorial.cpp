@@ -31,7 +31,7 @@ int main(int argc, char** argv) {
   history->setLGB(*map);
   std::cout << "last good band of record 1: " << history->spectrum(1)->Metric()->LGB() << '\n';
 
-  // Metrics of each record, and the event.
+  // Compute the metrics of each record, and the event.
   const auto event = aq::setMetrics(*history, map.get());
   if (!event) return 1;
   const auto loudest = static_cast<std::size_t>(history->LoRec()) + event->maximum;

@@ -45,9 +45,9 @@ class TimeOrder {
   }
 
  private:
-  /// Reports a stuck tracker or a source at rest: one finding per run of positions.
+  /// Reports a stuck tracker or a source at rest: one finding per run of equal positions.
   void reportStay() const {
-    constexpr std::size_t kEnough = 4;  // a slow source may well have a few equal positions
+    constexpr std::size_t kEnough = 4;  // a slow source may well repeat its position a few times
     if (stays_ < kEnough) return;
     report_(Kind::PositionStuck, {.line = line_ - stays_},
             "the position stays the same in the next " + std::to_string(stays_) + " lines");
@@ -89,7 +89,7 @@ class Contradictions {
         temperatureLine_(temperatureLine),
         report_(report) {}
 
-  /// Checks all points except those whose time is already known to be `wrong`.
+  /// Checks all points except those in `wrong`, whose times are already known to be wrong.
   void check(const RecordLines& records, const AQ_GeometryTimeHistory& history,
              const std::set<std::int32_t>& wrong) {
     std::vector<double> speeds;

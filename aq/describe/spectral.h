@@ -44,7 +44,8 @@ template <>
 struct Description<AQ_MetricSummary> {
   static constexpr char name[] = "AQ_MetricSummary";
   static constexpr int number = 12;
-  static constexpr char text[] = "Which metrics a spectral time history carries, in order";
+  static constexpr char text[] =
+      "The ordered list of the metrics that a spectral time history carries";
   template <class To>
   static void members(To& to) {
     using S = AQ_MetricSummary;

@@ -6,7 +6,7 @@
 namespace host {
 namespace {
 
-/// The best of several runs, in seconds.
+/// The time of the fastest of several runs, in seconds.
 template <class Work>
 double best(const Work& work) {
   double least = 1e9;

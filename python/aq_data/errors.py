@@ -92,7 +92,7 @@ class MissingFileError(SystemFileError, FileNotFoundError):
 
 
 class RefusedFileError(SystemFileError, PermissionError):
-    """A file that may not be read or written."""
+    """A file that the user may not read or write."""
 
 
 class FolderFileError(SystemFileError, IsADirectoryError):

@@ -31,7 +31,7 @@ _HALF_DAY = DAY / 2
 
 
 class Run(NamedTuple):
-    """A history with its map and geometry, each with its header, as `write` takes them."""
+    """A history with its map and geometry, each with its header, as `write` accepts them."""
 
     history: HistoryReading
     mask: Optional[MapReading] = None
@@ -295,7 +295,7 @@ def _write_new(path: Any, text: bytes) -> str:
 
 
 def _write_mended(path: str, text: bytes, keep: bool) -> str:
-    """Replaces the file, or unpacks it next to itself; `keep` keeps the original."""
+    """Replaces the file, or unpacks a gzip file next to itself; `keep` saves the old file."""
     place = _unpacked_name(path)
     if place != path:
         _expect_free(place)
@@ -323,7 +323,7 @@ def fix(
     padding, blank lines, and decimal commas.
 
     Without `write` nothing changes. With it, each file is replaced completely or not at all, and
-    the original is kept as `FILE.orig` unless `keep_original` is false; a packed file is unpacked
+    the original is kept as `FILE.orig` unless `keep_original` is false; a gzip file is unpacked
     next to itself. With `to`, nothing is replaced: all files, including those that need no change,
     are written below that folder, and `FileExistsError` is raised for a file that already exists
     there. A comment in the file says what was changed.
