@@ -1,4 +1,5 @@
-// Fields of any delimited text, compared with a vector of vectors of strings.
+// Reads the fields of any delimited text, compared with reading them into a vector of vectors of
+// strings.
 #include <fstream>
 #include <vector>
 

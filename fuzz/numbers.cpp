@@ -150,7 +150,7 @@ std::string hundredths(double level) {
   const bool tie = printed("%.*f", 40, level).ends_with("5" + std::string(37, '0'));
   std::string text = printed("%.*f", tie ? 3 : 2, level);
   if (tie) text.pop_back();
-  if (tie) ++text.back();  // .12, .37, .62 or .87, away from zero
+  if (tie) ++text.back();  // rounds .12, .37, .62 or .87 away from zero
   if (text.starts_with("0.") || text.starts_with("-0.")) text.erase(text.find('0'), 1);
   return text == "-.00" ? ".00" : text;
 }
@@ -172,7 +172,7 @@ void checkWritten(double value) {
   expect(codeOf(value) == code, "a code for a whole number of hundredths");
   text.clear();
   if (code) appendLevels(text, std::array{*code, LevelCode{100}, *code});
-  expect(!code || text == exact + ",1.00," + exact, "the same text of codes");
+  expect(!code || text == exact + ",1.00," + exact, "the same text from codes");
 }
 
 void checkWritten(float value) {
@@ -183,7 +183,7 @@ void checkWritten(float value) {
   std::array<char, kFractionSize> buffer;
   const std::string fraction(buffer.data(), putFraction(buffer.data(), value));
   expect(fraction == text.substr(std::min(text.find('.'), text.size())),
-         "the fraction of 7 digits");
+         "the fraction of the number with 7 digits");
 }
 
 template <class Bits>

@@ -15,7 +15,7 @@ struct Target {
 
 [[nodiscard]] std::span<const Target> targets();
 
-/// Runs the target of that name with one input.
+/// Runs the target with that name on one input.
 void run(std::string_view name, std::string_view input);
 
 /// Ends the process unless `holds`.

@@ -9,7 +9,7 @@
 namespace aq {
 namespace {
 
-/// Reports letters that have no meaning, which reading drops.
+/// Reports letters that have no meaning, which the reader drops.
 void checkLetters(const std::string& path, const HeaderCheck& header, const Reporter& report) {
   const auto [low, high] = header.integersOf(keywords::kBands);
   LineReader lines(path);

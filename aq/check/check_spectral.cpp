@@ -35,7 +35,7 @@ void checkLevel(double level, const FindingPlace& place, const Reporter& report)
   }
 }
 
-/// `place` is the place of the level of band `low`.
+/// `place` is where the level of band `low` is in the file.
 void checkLevels(const AQ_Spectrum& spectrum, std::int16_t low, FindingPlace place,
                  const Reporter& report) {
   const std::size_t first = place.field;
@@ -72,7 +72,7 @@ void checkRange(const HeaderCheck& header, const RecordLines& records, const Rep
 template <class Records>
 void checkRelativeTimes(const Records& records, AQ_SpectralTimeHistory& history,
                         const std::set<std::int32_t>& offInTime, const Reporter& report) {
-  constexpr double kTolerance = 0.0201;  // the time of day is in hundredths and single precision
+  constexpr double kTolerance = 0.0201;  // the time of day has two decimals, in single precision
   const double reference = history.ReferenceTime()->TODseconds();
   FindingPlace place;
   std::size_t wrong = 0;
@@ -106,7 +106,7 @@ double shiftOf(AQ_TimeStampType type) {
 /// The start time is that of record 1, or of the lowest record in the file.
 void checkStartTime(const HeaderCheck& header, const RecordLines& records,
                     AQ_SpectralTimeHistory& history, const Reporter& report) {
-  constexpr double kTolerance = 0.0201;  // both times are in hundredths and single precision
+  constexpr double kTolerance = 0.0201;  // both times have two decimals, in single precision
   const auto low = static_cast<std::int16_t>(records.low());
   const double stamp = history.spectrum(low)->timeValue().TODseconds();
   const double expected = history.startTime()->TODseconds() + shiftOf(history.TimeStampType());
@@ -125,8 +125,8 @@ bool isAnyValid(const std::vector<double>& levels) {
                      [](double level) { return level != double{AQ_INVALID_LEVEL}; });
 }
 
-/// Reports records that repeat all levels of the record before, which measured records never do.
-/// One finding per run of records.
+/// Reports each run of records that repeat all levels of the record before the run; measured levels
+/// never repeat exactly.
 class StuckRecords {
  public:
   explicit StuckRecords(const Reporter& report) : report_(report) {}
@@ -140,7 +140,7 @@ class StuckRecords {
   }
 
   void finish() {
-    constexpr std::size_t kEnough = 8;  // levels; one or two may be equal by chance
+    constexpr std::size_t kEnough = 8;  // levels; fewer may be equal by chance
     const auto count = static_cast<std::size_t>(last_ - before_);
     if (first_ != 0 && count * levels_.size() >= kEnough) {
       const std::string last = count == 1 ? "" : " to " + std::to_string(last_);
@@ -239,7 +239,7 @@ void check(FileOf<AQ_DataSPC> of, const Reporter& report) {
       [&](std::int16_t record) { return history.spectrum(record)->timeValue().TODseconds(); },
       report, file.RecordLength());
   checkRelativeTimes(records, history, offInTime, report);
-  // A copy in fixed columns is meant to have the levels of another file.
+  // No digest: a fixed-column file is usually a copy, with the same levels as its source.
   static_cast<void>(checkAllLevels(records, history, file.BandLow(), report));
 }
 

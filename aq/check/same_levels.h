@@ -19,7 +19,7 @@ class AQ_API SameLevels {
   void see(const std::string& path, const Checked& checked, const FindingSink& report);
 
  private:
-  std::unordered_map<std::uint64_t, std::string> first_;  // the first file, by its levels
+  std::unordered_map<std::uint64_t, std::string> first_;  // the first file, by digest of its levels
 };
 
 }  // namespace aq

@@ -41,8 +41,8 @@ std::size_t fieldsOf(std::string_view line) {
   return static_cast<std::size_t>(std::count(line.begin(), line.end(), ',')) + 1;
 }
 
-/// Finds decimal commas in the first data line: a time of day, no point, and at least two fields
-/// more than the headings above it.
+/// Finds decimal commas in the first data line: one with a time of day, no decimal point, and at
+/// least two more fields than the headings above it.
 std::optional<TextFault> dividedLine(std::string_view head) {
   std::size_t headings = 0;
   for (std::size_t number = 1; !head.empty(); ++number) {

@@ -4,7 +4,8 @@
 
 namespace aq {
 
-// Hosts store and exchange these numbers, so values and gaps never change.
+// Hosts store and exchange these numbers, so neither the values nor the gaps between them ever
+// change.
 
 /// How the levels of one record were averaged.
 enum AQ_AverageMethod : std::int32_t {
@@ -58,9 +59,9 @@ enum AQ_DataMessage : std::int32_t {
 /// Whether, and by which test, one band of one record is masked by the ambient.
 enum AQ_MASK_MODE : std::int32_t {
   NOT_MASKED = 0,                ///< the level is that of the source
-  MASKED_BY_MASK_CRITERION = 1,  ///< does not exceed the ambient by the criterion
-  MASKED_BY_PRE_DETECT = 2,      ///< ambient or electrical noise that adds its energy
-  MASKED_BY_POST_DETECT = 3,     ///< floor of the instruments, which adds nothing
+  MASKED_BY_MASK_CRITERION = 1,  ///< exceeds the ambient by less than the criterion
+  MASKED_BY_PRE_DETECT = 2,      ///< ambient or electrical noise, whose energy adds to the source's
+  MASKED_BY_POST_DETECT = 3,     ///< instrument noise floor, which adds no energy
 };
 
 /// How a masked level was adjusted.
@@ -77,8 +78,8 @@ enum AQ_MASK_ADJUST : std::int32_t {
 /// The role of a record in the integration of a metric; flags that can be combined.
 enum AQ_METRIC_INTEG_VALUE : std::int32_t {
   AQ_INTEG_MAX = 1,  ///< largest PNLT
-  AQ_INTEG_FST = 2,  ///< first record of the sum, at a 10 dB-down limit
-  AQ_INTEG_LST = 4,  ///< last record of the sum, at a 10 dB-down limit
+  AQ_INTEG_FST = 2,  ///< first record integrated, at a 10 dB-down limit
+  AQ_INTEG_LST = 4,  ///< last record integrated, at a 10 dB-down limit
   AQ_INTEG_2ND = 8,  ///< second peak within 2 dB of the largest
 };
 

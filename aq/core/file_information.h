@@ -27,15 +27,16 @@ class AQ_API FileInformation {
   /// The current date and time, as `mm/dd/yyyy,hh:mm:ss`.
   virtual std::string currentDateTime() = 0;
 
-  /// The date to write for a source file, from which another was made. `recorded` is the date that
-  /// the header has for it, in the same form. The default calls `fileDateTime`: hosts rely on it.
+  /// The date to write for a source file, one from which the written file was made. `recorded` is
+  /// the date that the header has for it, in the same form. The default ignores it and calls
+  /// `fileDateTime`: hosts rely on that.
   virtual std::string sourceDateTime(const std::string& path, const std::string& recorded);
 };
 
 /// The service in use. Safe to call from any thread.
 [[nodiscard]] AQ_API std::shared_ptr<FileInformation> fileInformation();
 
-/// `CurrentDate` 0 at midnight, as text; in a header, an unknown date.
+/// `CurrentDate` 0 at midnight, as text; in a header it means an unknown date.
 inline constexpr std::string_view kNoDateTime = "12/30/1899,00:00:00";
 
 /// A service like the one in use, except that it keeps the dates that a header has for source

@@ -243,8 +243,9 @@ void AQ_DataSPC::RecordLength(const Variant& seconds) {
   settings_.recordLength = length;
 }
 
-/// The settings, with each 0 replaced by the first or last stored number. Does not use the
-/// history's `LoRec` and `HiRec`: they replace a 0 even where it is a record number.
+/// The settings, with each 0 replaced by the first or last record, or the lowest or highest band.
+/// Does not use the history's `LoRec` and `HiRec`: they replace a 0 even where it is a record
+/// number.
 AQ_DataSPC::Settings AQ_DataSPC::chosen(const AQ_SpectralTimeHistory& history) const {
   Settings chosen = settings_;
   std::optional<std::int16_t> first;

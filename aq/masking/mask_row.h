@@ -47,21 +47,21 @@ class AQ_API AQ_MaskRow {
   [[nodiscard]] std::int16_t LGB() const { return lastGoodBand_; }
   void LGB(std::int16_t band) { lastGoodBand_ = band; }
 
-  // The bands that have a mask, as pairs of band and mask by value, ascending. Storing or fetching
-  // a mask invalidates iterators. Iterating and `contains` create no mask.
+  // The bands that have a mask, in ascending order, as pairs of band number and copied mask.
+  // Storing or fetching a mask invalidates iterators. Iterating and `contains` create no mask.
   [[nodiscard]] NumberWalk<AQ_MaskRow> begin() const { return {this, codes_.first(), afterLast()}; }
   [[nodiscard]] NumberWalk<AQ_MaskRow> end() const { return {this, afterLast(), afterLast()}; }
   [[nodiscard]] bool contains(std::int32_t band) const;
 
   /// The mask of a band by value. Like the getter, creates a default mask if the band has none, but
-  /// no object.
+  /// creates no mask object.
   [[nodiscard]] AQ_Mask decision(std::int16_t band);
 
   /// Like the setter with a new mask of these values.
   void store(std::int16_t band, const AQ_Mask& decision);
 
-  /// Replaces all masks with `count` masks of consecutive bands from `low` up. Returns the codes to
-  /// set, all of them, before any other call.
+  /// Replaces all masks with `count` masks of consecutive bands from `low` up. Returns their codes;
+  /// the caller must set all of them before any other call.
   [[nodiscard]] std::span<MaskCode> renew(std::int16_t low, std::size_t count);
 
   /// The codes of the masks from `LowBand` to `HighBand`, `kNoMaskCode` where a band has no mask.
@@ -85,7 +85,7 @@ class AQ_API AQ_MaskRow {
   static constexpr std::size_t kInline = 34;  // bands from 10 Hz to 20 kHz
 
   // A decision is kept as a code until its object is first accessed; from then on the object holds
-  // it. Later members use the padding of the codes, as there are many rows.
+  // it. The members after `codes_` fill its padding, which saves memory as there are many rows.
   [[no_unique_address]] BandBlock<MaskCode, InlineVector<MaskCode, kInline>> codes_;
   NumberRange bands_;
   std::int16_t lastGoodBand_ = 0;

@@ -24,13 +24,13 @@ double noysOf(const NoyBand& band, double level) {
   return 0;  // also for NaN, a level that does not count
 }
 
-/// The noys of the levels of one band.
+/// Converts levels of one band to noys.
 struct BandNoys {
   const NoyBand* band;
   double operator()(double level) const { return noysOf(*band, level); }
 };
 
-/// The noys of levels that have codes, by band. Bands with the same curve share a table.
+/// Tables of noys by level code. Bands with the same curve share a table.
 class NoyTables {
  public:
   NoyTables() {
@@ -40,7 +40,7 @@ class NoyTables {
     }
   }
 
-  /// The table of the band at an index of `kNoyBands`.
+  /// The table for the band at index `i` of `kNoyBands`.
   [[nodiscard]] const LevelTable<BandNoys>& operator[](std::size_t i) const {
     return tables_[kCurves[i]];
   }
@@ -75,9 +75,9 @@ std::array<double, kNoyBands.size()> noysOf(const CountedLevels& record, const N
   return noys;
 }
 
-/// The total noisiness; `noysAt` returns the noys at an index of `kNoyBands`. Two sums, so that an
-/// addition need not wait for the one before it; without a loop, so that the addresses of tables
-/// are constants.
+/// The total noisiness; `noysAt` returns the noys at an index of `kNoyBands`. There are two sums,
+/// so that an addition need not wait for the one before it, and no loop, so that the addresses of
+/// the tables are constants.
 template <class NoysAt, std::size_t... kPairs>
 double totalOf(const NoysAt& noysAt, std::index_sequence<kPairs...>) {
   double highest = 0;

@@ -13,7 +13,7 @@ namespace {
 
 constexpr AQ_METRIC_TYPE kFirst = AQ_METRIC_AWT;
 
-/// Calls `visit` with each of the ten types.
+/// Calls `visit` with each of the ten metric types.
 template <class Visit>
 void forEachMetric(const Visit& visit) {
   for (std::int32_t type = kFirst; type <= AQ_METRIC_INTEG; ++type) {

@@ -49,7 +49,8 @@ class AQ_API RecordList {
   /// The size of a measurement header whose last field ends with byte `used`.
   [[nodiscard]] static std::size_t measurementSize(std::size_t used);
 
-  // A field of `record` that replaces `old` from revision `since` on; older files have `old`.
+  // The value of `field`, which replaces `old` from revision `since` on; before that, the value of
+  // `old`.
   [[nodiscard]] std::int32_t integer(const Record& record, const Field& field, int since,
                                      const Field& old) const;
   [[nodiscard]] double real(const Record& record, const Field& field, int since,

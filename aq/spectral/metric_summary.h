@@ -10,7 +10,7 @@
 
 namespace aq {
 
-/// The list of the metrics that a spectral time history carries, in order, also as text.
+/// The metrics that a spectral time history carries, as an ordered list and as text.
 class AQ_API AQ_MetricSummary {
  public:
   [[nodiscard]] std::shared_ptr<AQ_MetricSummary> Copy() const;

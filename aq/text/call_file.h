@@ -6,8 +6,8 @@
 #include "aq/core/enumerations.h"
 
 // The functions of file classes return the result of a read or a write as a value or through their
-// last parameter. Code that serves every format calls the functions below instead, which have one
-// form for all classes.
+// last parameter. Code that serves every format calls the functions below instead, which are called
+// the same way for every class.
 namespace aq {
 
 /// Calls `file.readFile` with a header and a model, in either order, or with one object.

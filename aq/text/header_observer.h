@@ -6,7 +6,7 @@
 
 namespace aq {
 
-/// A header line as a reader takes it. Valid only while the observer runs.
+/// A header line taken by a reader. Valid only during the call of the observer.
 struct HeaderLine {
   enum class Use {
     Keyword,   ///< its value is read
@@ -24,7 +24,7 @@ struct HeaderLine {
   std::size_t fields = 0;  ///< how many fields of the value are read; 0 if it is read as a whole
 };
 
-/// Called with every header line that a read takes.
+/// Called with every header line that a reader takes.
 using HeaderObserver = std::function<void(const HeaderLine&)>;
 
 inline void showLine(const HeaderObserver& watch, const HeaderLine& line) {

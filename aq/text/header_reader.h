@@ -22,7 +22,7 @@ namespace aq {
 class AQ_API HeaderReader {
  public:
   explicit HeaderReader(LineReader& lines) : lines_(lines) {}
-  /// Shows `watch` every line that it takes; `watch` must outlive it.
+  /// Calls `watch` with every line that it takes; `watch` must outlive the reader.
   HeaderReader(LineReader& lines, const HeaderObserver& watch) : lines_(lines), observer_(&watch) {}
 
   /// The file type that the first line names; nothing if the file is empty or names none.
@@ -115,7 +115,7 @@ class AQ_API HeaderReader {
   LineReader& lines_;
   const HeaderObserver* observer_ = nullptr;
   std::string scratch_;
-  std::string_view value_;  // of the line taken last
+  std::string_view value_;  // of the last line taken
 };
 
 }  // namespace aq

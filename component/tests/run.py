@@ -42,7 +42,7 @@ def expect(what, holds, said=""):
 
 
 def drive(what, *command):
-    """Expects the counts that a client prints last; a script host that gives up prints nothing."""
+    """Expects a line that counts no failures; a script host that gives up prints none."""
     said = run(*command)
     ended = re.search(r"^(\d+) passed, 0 failed$", said, re.MULTILINE)
     expect(f"{what}: {ended.group(1) if ended else 'not all'} passed", ended, said)

@@ -29,7 +29,7 @@ def axes(ax: Optional[Axes]) -> Axes:
 
 
 def length_unit(unit: Optional[str], ds: xr.Dataset, name: str) -> str:
-    """The unit of lengths in a plot: the given one, otherwise that of the dataset."""
+    """The length unit of a plot: the given one, otherwise the dataset's."""
     return check_unit(ds[name].attrs.get("units", "m") if unit is None else unit)
 
 
@@ -84,7 +84,7 @@ def complete(ds: xr.Dataset) -> xr.Dataset:
 
 
 def _clock(seconds: float, _: Any = None) -> str:
-    """Formats seconds as a time of day, which starts again at 00:00 after midnight."""
+    """Formats seconds as a time of day, which wraps to 00:00 at midnight."""
     whole, thousandths = divmod(round(seconds % DAY * 1000), 1000)
     text = f"{whole // 3600 % 24:02}:{whole // 60 % 60:02}:{whole % 60:02}.{thousandths:03}"
     return text.rstrip("0").rstrip(".") if thousandths else text[:-4]
@@ -96,7 +96,7 @@ def _tells(values: Any) -> bool:
 
 
 def time_axis(ax: Axes, *datasets: xr.Dataset) -> list[Any]:
-    """The times of datasets for the horizontal axis.
+    """Labels the horizontal axis, and returns the times of each dataset on it.
 
     These are times relative to the reference if the first dataset with records has them, otherwise
     times of day, otherwise record numbers.
@@ -143,8 +143,8 @@ def edges(ax: Axes, centres: Any) -> Any:
 
 
 def legend_above(ax: Axes, handles: list[Any]) -> None:
-    """Puts the legend above the axes, where it hides no data. Since a page has its titles to the
-    left of the legends, long labels take two rows.
+    """Puts the legend above the axes, where it hides no data. Long labels are
+    set in two columns, as a page has its titles to the left of the legends.
     """
     is_long = sum(len(handle.get_label()) for handle in handles) > 40
     ax.legend(

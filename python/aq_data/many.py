@@ -43,17 +43,17 @@ class _Shape(NamedTuple):
     bands: npt.NDArray[np.int16]
     times: npt.NDArray[Any]
     last_good_bands: Any
-    words: dict[str, Any]  # values of the coordinates per file
+    words: dict[str, Any]  # the coordinates that have one value per file
     levels: Optional[int]  # a digest of the levels
 
     def state(self) -> list[Any]:
-        """Names, times and sizes of the files, which change when a file is rewritten."""
+        """The files' names, modification times and sizes, which change when a file is rewritten."""
         stats = [os.stat(path) for path in (self.path, self.mask) if path]
         return [self.path, self.mask, *((s.st_mtime_ns, s.st_size) for s in stats)]
 
 
 class _WrongPair(ValueError):
-    """A pattern paired a history with the map of another; raised even with `errors="skip"`."""
+    """A pattern paired a history with another history's map; raised even with `errors="skip"`."""
 
 
 def _read(path: str, cls: Any, wanted: str) -> Reading[Any, Any]:
@@ -151,8 +151,8 @@ def _adjustments(path: str) -> tuple[Any, Any]:
 
 
 def _chunk(read_file: Any, files: tuple[tuple[str, int], ...], bands: Any, empty: Any) -> Any:
-    """The values of several files, one file after another, on common bands. Each file is given with
-    its number of records.
+    """The values of several files, one file after another, on common bands. `files` has the
+    path and number of records of each.
     """
     values = np.full((sum(count for _, count in files), len(bands)), empty)
     first = 0
@@ -183,7 +183,7 @@ def _chunks(shapes: list[_Shape]) -> list[list[_Shape]]:
 
 
 class _Lazy:
-    """Arrays of all files; workers get only the paths."""
+    """Lazy arrays over all files; only the paths are sent to workers."""
 
     def __init__(self, shapes: list[_Shape], bands: Any) -> None:
         self.bands = bands
@@ -256,15 +256,15 @@ def open_many(
     strict: bool = True,
 ) -> xr.Dataset:
     """Many spectral time histories as one dataset, record after record, whose levels (and masks)
-    load when they are computed.
+    are loaded when they are computed.
 
     `paths` is a pattern or a list; `masks` names the map of each history, in the same order. With
     patterns, a map whose header names another history is an error; lists are used unchecked.
 
     The dataset has `level(time, band)` in dB, NaN where a record has no level in a band and, if
-    there are masks, `mask_mode` and `mask_adjustment` of that shape. `file(time)` is the index in
-    `path`; per file there are `project`, `microphone`, `begin` (start time as text) and the number
-    of `errors`, `warnings` and `notes` of `check` for the history and its map.
+    there are masks, `mask_mode` and `mask_adjustment` of the same shape. `file(time)` is the index
+    in `path`; per file there are `project`, `microphone`, `begin` (start time as text) and the
+    number of `errors`, `warnings` and `notes` of `check` for the history and its map.
 
     A file that cannot be read, a map that does not fit and, unless `strict` is false, a file with
     an error or a warning about its levels raise the same exceptions as reading (`FileError`,

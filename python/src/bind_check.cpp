@@ -70,7 +70,7 @@ void bindCheck(py::module_& module) {
       py::arg("path"), "The rows of checkWithHistory, and a digest of a history's levels");
   py::class_<SameLevels>(
       module, "SameLevels",
-      "Finds measurements of an archive that have the same levels, in the order they are checked")
+      "Finds files of an archive that have the same levels as a file seen earlier")
       .def(py::init<>())
       .def(
           "see",

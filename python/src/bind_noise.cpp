@@ -53,7 +53,7 @@ py::array_t<StepRow> stepsOf(const AQ_Spectrum& spectrum, const AQ_MaskRow* mask
 constexpr std::int16_t kFirstBand = 17;
 constexpr py::ssize_t kBands = 24;
 
-/// The tone correction of each row of levels of bands 17 to 40.
+/// The tone correction of each row, which has the levels of bands 17 to 40.
 py::array_t<ToneRow> toneCorrections(const py::object& given) {
   const auto levels = numbersFrom<double>(given, 2, "levels of bands 17 to 40, (records, 24)");
   if (levels.shape(1) != kBands) {
@@ -131,8 +131,10 @@ void bindEvent(const py::module_& module) {
   py::class_<E>(module, "NoiseEvent",
                 "The noise of one aircraft passing by. Record indices start at 0.")
       .def_readonly("maximum", &E::maximum, "The first record with the largest PNLT")
-      .def_readonly("first", &E::first, "The first 10 dB-down limit; None if there is none")
-      .def_readonly("last", &E::last, "The last 10 dB-down limit; None if there is none")
+      .def_readonly("first", &E::first,
+                    "The record at the first 10 dB-down limit; None if there is none")
+      .def_readonly("last", &E::last,
+                    "The record at the last 10 dB-down limit; None if there is none")
       .def_readonly("secondPeaks", &E::secondPeaks, "Other maxima within 2 dB of the largest")
       .def_readonly("pnltm", &E::pnltm, "The largest PNLT in TPNdB, without band sharing")
       .def_readonly("epnl", &E::epnl, "The EPNL in EPNdB, without band sharing")
@@ -170,8 +172,9 @@ void bindNoise(py::module_& module) {
              "The perceived noise level in PNdB; 0 if there are no noys");
   module.def("toneSteps", stepsOf, py::arg("spectrum"), masks,
              "The steps of the tone correction, one per band from 80 Hz up");
-  module.def("toneCorrections", toneCorrections, py::arg("levels"),
-             "Correction, band and last band of each row of levels of bands 17 to 40");
+  module.def(
+      "toneCorrections", toneCorrections, py::arg("levels"),
+      "Tone correction, its band and the last band used, for each row of levels of bands 17 to 40");
   module.def(
       "historyMetrics", metricsOf, py::arg("history"), map,
       "Record numbers, seconds of the day, the ten metrics by type and record, and the event");

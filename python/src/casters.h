@@ -40,8 +40,8 @@ struct AnyNumber {
 
 namespace pybind11::detail {
 
-/// Text is bytes without an encoding: bytes that are not UTF-8 become surrogates and come back
-/// unchanged.
+/// The library's text is bytes of unknown encoding: bytes that are not UTF-8 become surrogates and
+/// come back unchanged.
 template <>
 class type_caster<std::string> {
  public:

@@ -1,5 +1,5 @@
-// Numbers, lines and files of hostile size: memory stays proportional to the bytes, and a failure
-// names its line.
+// Numbers, lines and files of hostile size: memory stays proportional to the size of the file, and
+// a failure names its line.
 #include <aq/aq.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -36,7 +36,7 @@ void readModestly(const test::FormatCalls& format, const std::string& content) {
   const std::string begin = content.substr(0, 2000);
   EXPECT_LT(memoryOf([&] { outcome = format.read(path); }), 4 * content.size() + kBlock) << begin;
   EXPECT_TRUE(outcome.sound) << begin;
-  const bool hasLines = format.code != "HP3565";  // a recording has none
+  const bool hasLines = format.code != "HP3565";  // a recording has no lines
   if (outcome.failure && hasLines) {
     EXPECT_GT(outcome.failure->line, 0U) << begin;
   }

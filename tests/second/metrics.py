@@ -10,7 +10,7 @@ import math
 
 INVALID = 9999
 DAY = 86400.0
-MAX, FIRST, LAST, SECOND = 1, 2, 4, 8  # flags of a record in the integration
+MAX, FIRST, LAST, SECOND = 1, 2, 4, 8  # flags for a record's role in the integration
 
 # SPL(a) to SPL(e), M(b) to M(e), from 50 Hz (band 17) up.
 NOYS = [
@@ -198,7 +198,7 @@ def steps(seconds):
 
 
 def event(pnlt, seconds, corrections=None):
-    """The event of a list of PNLT values, which are None for records without a PNLT."""
+    """The event in a list of PNLT values, which are None for records without a PNLT."""
     low = -math.inf
     value = [low if p is None else p for p in pnlt]
     top = max(value)

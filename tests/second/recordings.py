@@ -7,7 +7,7 @@ import struct
 
 from recording_reader import LAYOUTS, NUMBERS
 
-RECORD_SIZES = {  # for revisions 1, 2 and 3
+RECORD_SIZES = {  # in bytes, for revisions 1, 2 and 3
     "file": (64, 64, 80),
     "measurement": (102, 140, 156),
     "data": (114, 134, 148),

@@ -245,7 +245,7 @@ void printINI(const std::string& path) {
            file.HiRec(), file.FileName(), *file.FileDate(), *file.Comments());
 }
 
-/// Prints a recording, but of its notes only the words that the second reader prints too.
+/// Prints a recording; of its notes, only the words that the second reader prints too.
 template <class Read>
 void printRecording(const std::string& path, const Read& read) {
   AQ_DataHP3565 file;
@@ -307,8 +307,8 @@ void printSPC(const std::string& path) {
   for (const auto& [record, spectrum] : *history) show("date", spectrum->Time()->CurrentDate());
 }
 
-/// `options` are the delimiter, in two hexadecimal digits per byte, and 1 if fields may be quoted:
-/// `2c:1`.
+/// `options` has the delimiter, as two hexadecimal digits per byte, a colon, and 1 if fields may be
+/// quoted, as in `2c:1`.
 void printASCII(const std::string& path, const std::string& options) {
   AQ_DataASCII file;
   std::string delimiter;

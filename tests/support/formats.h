@@ -79,7 +79,7 @@ FormatCalls callsOf(const Format<File, Header, Model>& /*format*/) {
   return calls;
 }
 
-/// The formats by the names of their folders, such as "spectral-time-history".
+/// The formats by folder name, such as "spectral-time-history".
 inline const std::map<std::string, FormatCalls> kFormats = [] {
   std::map<std::string, FormatCalls> calls;
   forFormats([&](const auto& format) {

@@ -1,4 +1,4 @@
-// The command line tool for files of aircraft noise measurements.
+// The command line tool for aircraft noise measurement files.
 #include "tools/aqdata/program.h"
 #include "tools/aqdata/terminal.h"
 

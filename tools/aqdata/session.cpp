@@ -136,7 +136,7 @@ void addWords(Session& session, CLI::Option& option, std::vector<std::string> wo
       text = word;
       return {};
     }
-    constexpr std::size_t kFew = 8;  // words that fit on a line
+    constexpr std::size_t kFew = 8;  // as many as fit on a line
     const std::string meant = nearest(text, words);
     const std::string all =
         words.size() > kFew ? "" : fmt::format("expected {}, ", fmt::join(words, ", "));

@@ -48,8 +48,7 @@ bool isConsole(DWORD stream) {
 
 UINT codePageBefore = 0;
 
-/// A word in the form that programs expect on a command line: in quotes, with its own quotes
-/// escaped.
+/// A command line argument in quotes, with any quotes within it escaped.
 std::wstring inQuotes(std::wstring_view word) {
   std::wstring text = L"\"";
   std::size_t slashes = 0;  // backslashes, which are doubled before a quote
@@ -89,8 +88,8 @@ bool fits(std::wstring_view name, std::wstring_view pattern) {
   return same && fits(name.substr(1), pattern.substr(1));
 }
 
-/// Adds the entries of a folder that `part` of a pattern matches; an empty `folder` means the
-/// working folder.
+/// Adds the entries of a folder that match `part`, a pattern for one level of a path; an empty
+/// `folder` means the working folder.
 void addMatches(const fs::path& folder, const fs::path& part, std::vector<fs::path>& found) {
   std::error_code error;
   const std::wstring& pattern = part.native();

@@ -9,7 +9,7 @@
 
 namespace aqdata {
 
-/// How many columns of a terminal `text` takes; colour codes take none.
+/// How many terminal columns `text` takes; colour codes take none.
 [[nodiscard]] std::size_t widthOf(std::string_view text);
 
 /// `text` in at most `width` columns; a mark replaces what is cut from the middle.
@@ -45,7 +45,7 @@ class Table {
   struct Column {
     std::string heading;
     bool number = false;    ///< aligned right
-    bool optional = false;  ///< left out if the table is too wide, the last one first
+    bool optional = false;  ///< may be left out if the table is too wide, the last column first
   };
 
   explicit Table(std::vector<Column> columns) : columns_(std::move(columns)) {}

@@ -22,8 +22,8 @@ struct CutChoice {
   std::string down = {};
   std::string map = {};
   std::string geometry = {};
-  bool maps = false;        // cut the maps next to the histories
-  bool geometries = false;  // cut the geometries next to the histories
+  bool maps = false;        // also cut the maps found next to the histories
+  bool geometries = false;  // also cut the geometries found next to the histories
   bool renumber = false;
 };
 

@@ -144,7 +144,7 @@ Json channelInfo(const aq::sdf::Record& channel) {
           {"range_db_v_peak", channel.real(kChannel["range"])}};
 }
 
-/// Adds what a recording holds besides levels.
+/// Adds a recording's revision, number of scans, traces and channels.
 void addRecording(const std::string& path, Json& info) {
   const auto recording = aq::sdf::Recording::fromFile(path);
   info["revision"] = recording.records().revision();
@@ -286,7 +286,7 @@ const std::vector<Table::Column> kColumns{{"file"},
                                           {"stamp", false, true},
                                           {"project", false, true}};
 
-/// The keys that --where, --columns and --sort may name.
+/// The keys that --where, --columns and --sort accept.
 std::vector<std::string> fieldNames() {
   std::vector<std::string> names{"file",     "kind",      "records",  "positions", "first",
                                  "last",     "missing",   "begin",    "end",       "duration_s",
