@@ -15,7 +15,7 @@ struct Description<Severity> {
   template <class To>
   static void members(To& to) {
     to.member("Note", Severity::Note, "Worth knowing; the data are correct")
-        .member("Warning", Severity::Warning, "What is read may differ from what was measured")
+        .member("Warning", Severity::Warning, "The values read may differ from those measured")
         .member("Error", Severity::Error, "The file, or pair of files, cannot be used");
   }
 };
@@ -28,7 +28,7 @@ struct Description<CheckFunctions> {
   static constexpr char name[] = "check";
   template <class To>
   static void members(To& to) {
-    constexpr auto report = in("report", "Receives each finding, in the order of the file's lines");
+    constexpr auto report = in("report", "Called with each finding, in line order");
     using FitOfFiles = void (*)(const std::string&, const std::string&, const FindingSink&);
     to.function("checkFile", &checkFile,
                 about("Reads a file of any kind and reports what makes reading fail and what is "

@@ -48,7 +48,7 @@ struct Description<AQ_Time> {
         .property("CurrentDate", &T::CurrentDate, &T::CurrentDate,
                   "The calendar date; 0 means not set", Date{})
         .setter("setWorkingTime", &T::setWorkingTime, "Chooses the time that WorkingTime returns",
-                in("mode", "Which time; initially the time of day"));
+                in("mode", "The time to return; initially the time of day"));
   }
 };
 
@@ -90,7 +90,7 @@ template <>
 struct Description<FileFailure> {
   static constexpr char name[] = "FileFailure";
   static constexpr int number = 3;
-  static constexpr char text[] = "Why a read or a write of a file failed";
+  static constexpr char text[] = "Why reading or writing a file failed";
   template <class To>
   static void members(To& to) {
     using F = FileFailure;
@@ -101,7 +101,7 @@ struct Description<FileFailure> {
                Quantity{"field", 0})
         .field("expected", &F::expected, "What was expected, for example a level")
         .field("found", &F::found, "What was found; text from the file is in quotes")
-        .method("message", &F::message, "The whole failure in one line");
+        .method("message", &F::message, "The whole failure as one line of text");
   }
 };
 

@@ -5,9 +5,9 @@
 
 #include "aq/core/enumerations.h"
 
-// The functions of file classes return the result of a read or a write as a value or through their
-// last parameter. Code that serves every format calls the functions below instead, which are called
-// the same way for every class.
+// File classes return the result of a read or a write either as a value or through the last
+// parameter. Code that serves every format calls the functions below instead, which are called the
+// same way for every class.
 namespace aq {
 
 /// Calls `file.readFile` with a header and a model, in either order, or with one object.

@@ -17,8 +17,8 @@
 namespace aq {
 
 /// Reads keyword header lines by position: each call takes the next line and ignores its keyword.
-/// Throws `ReadFailure` for a line that is missing, has no "**" or does not convert. `HeaderWriter`
-/// has the same members.
+/// Throws `ReadFailure` if the line is missing, has no "**" or has a value that does not convert.
+/// `HeaderWriter` has the same members.
 class AQ_API HeaderReader {
  public:
   explicit HeaderReader(LineReader& lines) : lines_(lines) {}

@@ -161,7 +161,7 @@ def _chunk(read_file: Any, files: tuple[tuple[str, int], ...], bands: Any, empty
         places = np.searchsorted(bands, own_bands)
         if len(own) != count or (bands.take(places, mode="clip") != own_bands).any():
             raise ValueError(
-                f"{path} has changed since it was opened: expected {count} records of the same"
+                f"{path} has changed since it was opened: expected {count} records with the same"
                 f" bands, found {len(own)}"
             )
         values[first : first + count, places] = own

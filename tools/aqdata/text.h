@@ -15,7 +15,7 @@ namespace aqdata {
 /// `text` in at most `width` columns; a mark replaces what is cut from the middle.
 [[nodiscard]] std::string shortened(std::string_view text, std::size_t width);
 
-/// A cell as a table shows it: text unchanged, nothing for null.
+/// A cell as a table shows it: strings escaped and without quotes, nothing for null.
 [[nodiscard]] std::string cellText(const Json& value);
 
 /// Like `cellText`, but joins the entries of a list with `between`.
