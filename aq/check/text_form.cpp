@@ -23,8 +23,8 @@ constexpr Packed kPacked[] = {
     {"\xFD\x37zXZ", "the file is compressed with xz; unxz unpacks it"},
     {"\x28\xB5\x2F\xFD", "the file is compressed with zstd; unzstd unpacks it"},
     {"PK\x03\x04",
-     "the file is a zip archive or a spreadsheet's workbook; unpack it or save it as text"},
-    {"\xD0\xCF\x11\xE0", "the file is a spreadsheet's workbook; save it as text with commas"}};
+     "the file is a zip archive or a spreadsheet workbook; unpack it or save it as text"},
+    {"\xD0\xCF\x11\xE0", "the file is a spreadsheet workbook; save it as comma-separated text"}};
 
 bool isDigits(std::string_view text) {
   return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
@@ -101,8 +101,8 @@ std::optional<TextFault> faultOfLines(std::string_view head) {
   if (!after.starts_with(';') && !after.starts_with('\t')) return dividedLine(head);
   return TextFault{
       Kind::Spreadsheet,
-      "a spreadsheet has separated fields with semicolons or tabs; save it with commas, "
-      "and with decimal points"};
+      "a spreadsheet has separated fields with semicolons or tabs; save the file with commas "
+      "and decimal points"};
 }
 
 bool isDecimalComma(std::string_view text) {

@@ -103,7 +103,7 @@ std::vector<std::string> writeHistory(const Session& session, const History& rea
     file.setHeader(read.header);
     expectGood(file.writeFile(to, history), file);
     if (!aq::keepsDates(history)) {
-      notes.emplace_back("the date is that of the start, advanced at each midnight");
+      notes.emplace_back("dates are derived from the start date and advance at midnight");
     }
     return notes;
   }
