@@ -17,7 +17,7 @@ html_theme = "furo"
 
 
 def dark_colours():
-    """The theme's dark colours, which its style in Debian omits for systems in dark mode."""
+    """The theme's dark colours, which the Debian package's style omits for systems in dark mode."""
     style = pathlib.Path(furo.__file__).parent / "theme/furo/static/styles/furo.css"
     dark = re.search(r'body\[data-theme="dark"\] \{(.*?)\}', style.read_text(), re.S)
     return dict(re.findall(r"--([\w-]+): ([^;]+);", dark[1])) if dark else {}
@@ -39,7 +39,7 @@ autodoc_typehints = "none"
 
 
 def add_guides(app, name, source):
-    """Adds to the guides of the index the pages that it does not list."""
+    """Adds the pages that the index does not list to its guides."""
     if name == "index":
         listed = set(re.findall(r"^[a-z-]+$", source[0], re.M)) | {"index"}
         others = {path.stem for path in pathlib.Path(app.srcdir).glob("*.md")} - listed
