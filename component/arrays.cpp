@@ -10,7 +10,7 @@
 #include "component/convert.h"
 #include "component/extras.h"
 
-// Members that only the component has, mainly whole series as arrays, so that a host can fill a
+// Members that only the component has. Most pass whole series as arrays, which let a host fill a
 // sheet in one call.
 
 namespace aq::com {
@@ -86,7 +86,7 @@ class GivenTable {
     if (array_.bounds().size() != 2) throw Fault{DISP_E_TYPEMISMATCH};
   }
 
-  /// Throws `InvalidArgument` unless the table has this shape.
+  /// Throws `InvalidArgument` unless the table has these dimensions.
   void wantShape(std::size_t rows, std::size_t columns) const {
     if (this->rows() == rows && this->columns() == columns) return;
     throw Error(ErrorCode::InvalidArgument, "expected " + shape(rows, columns) + ", found " +
@@ -257,7 +257,7 @@ void getMaskStrings(const Call& call) {
   array.release(call.result);
 }
 
-/// Rejects letters that a mask would ignore, since a table is assigned as a whole.
+/// Rejects letters that a mask would ignore, since a table is assigned completely or not at all.
 AQ_Mask maskOf(const Variant& cell) {
   const std::string letters = cell.toString();
   AQ_Mask mask;

@@ -48,7 +48,7 @@ template <class T>
 T fromHost(const VARIANT& given, TextKind kind);
 
 /// The library's collection that `given` holds, or a new one with the entries of the host's array
-/// or own collection.
+/// or collection.
 template <ACollection C>
 std::shared_ptr<C> collectionFrom(const VARIANT& given, TextKind kind) {
   if (isNoObject(given)) return nullptr;
@@ -166,7 +166,7 @@ struct Given {
   TextKind kind;
 };
 
-/// Runs `read`; an error names the argument.
+/// Runs `read`; its errors name the argument.
 template <class Read>
 auto reading(const Given& given, const Read& read) {
   try {

@@ -26,7 +26,7 @@ COLOURS = {".": (192, 192, 192), "B": (0, 84, 166), "G": (128, 128, 128), "K": (
 
 
 def bitmap(rows):
-    """An uncompressed bitmap, in which the lowest row and blue come first."""
+    """An uncompressed bitmap, stored from the lowest row up, each pixel as blue, green, red."""
     pixels = b"".join(bytes(COLOURS[letter][::-1]) for row in rows[::-1] for letter in row)
     width, height = len(rows[0]), len(rows)
     header = struct.pack("<IiiHHIIiiII", 40, width, height, 1, 24, 0, len(pixels), 0, 0, 0, 0)

@@ -1,4 +1,5 @@
-// Fills a table of emission and reception from a track, and reads it column by column:
+// Fills a table of emission and reception times and positions from a track, and reads it column by
+// column:
 //   emission_table TRACKING MICROPHONE
 #include <cmath>
 

@@ -9,11 +9,11 @@
 namespace aq {
 
 /// Replaces decimal commas with points in the data lines of a history, where commas also separate
-/// fields. Levels always have two decimals. The time and the relative time are identified by the
-/// number of fields or, if that leaves two possibilities, by the reference time.
+/// fields. Levels always have two decimals. The number of fields shows which of the time and the
+/// relative time have decimals; if that leaves two possibilities, the reference time decides.
 class DecimalCommas {
  public:
-  /// Takes the bands and the reference time from the lines of the header.
+  /// Takes the bands and the reference time from the header lines.
   explicit DecimalCommas(std::span<const std::string> header);
 
   /// The data line with decimal points; unchanged if it has no decimal commas. Nothing if it is

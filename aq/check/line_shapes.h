@@ -20,8 +20,8 @@ struct DataColumns {
   bool alike = false;
 };
 
-/// The shapes of the data lines of a readable file. They reveal truncation and effects of
-/// spreadsheets that the values do not show.
+/// The shapes of the data lines of a readable file: their numbers of fields and decimals. They
+/// reveal truncation and damage by spreadsheets that the values do not show.
 class LineShapes {
  public:
   explicit LineShapes(const DataColumns& columns)
@@ -36,7 +36,7 @@ class LineShapes {
   /// Takes the next data line.
   void see(const LineReader& lines);
 
-  /// Whether numbers were split at their decimal commas, so that every value is wrong.
+  /// Whether numbers were split at their decimal commas, which makes every value wrong.
   [[nodiscard]] bool decimalCommas() const;
 
   /// Reports irregular shapes, one finding per cause.

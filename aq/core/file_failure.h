@@ -7,7 +7,7 @@
 
 namespace aq {
 
-/// Why a read or a write returned `AQ_DATA_FILE_ERROR`, in words for the user.
+/// Why a read or a write returned `AQ_DATA_FILE_ERROR`, in words that a user can be shown.
 struct AQ_API FileFailure {
   std::string file;       ///< as the caller named it
   std::size_t line = 0;   ///< from 1; 0 for the whole file
@@ -16,7 +16,7 @@ struct AQ_API FileFailure {
   std::string found;      ///< as in `"6x.2"`: text of the file in quotes, escaped and cut
 
   /// In one line: `landing.csv, line 24, field 7: expected a level, found "6x.2"`, or `cannot open
-  /// landing.csv: No such file or directory` if the system refuses.
+  /// landing.csv: No such file or directory` for an error of the operating system.
   [[nodiscard]] std::string message() const;
 };
 

@@ -4,7 +4,7 @@
 #include "aq/core/error.h"
 #include "aq/describe/description.h"
 
-// The enumerations, and what their members mean.
+// Descriptions of the enumerations and their members.
 
 namespace aq::describe {
 
@@ -42,7 +42,7 @@ struct Description<AQ_TimeStampType> {
         .member("AQ_ICAOSLO", AQ_ICAOSLO,
                 "0.75 s before the end of the record, where a slow-response level belongs")
         .member("AQ_OLDSLO", AQ_OLDSLO,
-                "1 s before the end of the record, the older rule for slow response");
+                "1 s before the end of the record, the older convention for slow response");
   }
 };
 
@@ -107,12 +107,12 @@ struct Description<AQ_MASK_MODE> {
   static void members(To& to) {
     to.member("NOT_MASKED", NOT_MASKED, "Not masked: the level is that of the source")
         .member("MASKED_BY_MASK_CRITERION", MASKED_BY_MASK_CRITERION,
-                "Masked: the level does not exceed the ambient by the criterion")
+                "Masked: the level exceeds the ambient by less than the criterion")
         .member("MASKED_BY_PRE_DETECT", MASKED_BY_PRE_DETECT,
                 "Masked by pre-detection noise: ambient and electrical noise that adds its energy "
                 "to the source's")
         .member("MASKED_BY_POST_DETECT", MASKED_BY_POST_DETECT,
-                "Masked by post-detection noise: the floor of the instruments, which adds nothing");
+                "Masked by post-detection noise: the instruments' floor, which adds no energy");
   }
 };
 

@@ -9,7 +9,7 @@
 namespace aq {
 
 /// One cell per band in one block of memory, from the lowest band touched to the highest; untouched
-/// cells in between are defaults.
+/// cells in between are default-constructed.
 template <class Cell, class Cells = std::vector<Cell>>
 class BandBlock {
  public:

@@ -16,7 +16,7 @@
 namespace aq {
 
 /// The processing parameters of an analysis, and the file that holds them
-/// (docs/formats/variable-initialization.md). Setters store any value.
+/// (docs/formats/variable-initialization.md). Setters accept any value.
 class AQ_API AQ_DataINI : public FileClass {
  public:
   /// The file type that the first line names.
@@ -61,7 +61,7 @@ class AQ_API AQ_DataINI : public FileClass {
   [[nodiscard]] std::string FileName() const { return fileName_; }
   void FileName(std::string name) { fileName_ = std::move(name); }
 
-  /// Date and time of the file read last.
+  /// Date and time that the last file read gives.
   std::shared_ptr<AQ_Time> FileDate() { return orCreate(fileDate_); }
 
   std::shared_ptr<Collection<std::string>> Comments() { return orCreate(comments_); }

@@ -22,12 +22,12 @@ struct RecordingTrace {
   double scale = 1;   ///< see `offset`
 };
 
-/// The header that the levels come from: the first one with third octaves, otherwise the first one
-/// with auto power. Fails if there is neither.
+/// The data header that the levels come from: the first one with one-third octaves, otherwise the
+/// first one with auto power. Fails if there is neither.
 [[nodiscard]] const sdf::TraceSet& levelsOf(const sdf::Recording& recording);
 
-/// Trace `channel`, counted from 1, of the header that the levels come from. Fails if the form of
-/// its data is unknown, or if its unit or correction is missing.
+/// Trace `channel`, counted from 1, of the data header that the levels come from. Fails if its data
+/// cannot be converted to levels, or if its unit or correction is missing.
 [[nodiscard]] RecordingTrace traceOf(const sdf::Recording& recording, std::int16_t channel);
 
 /// How many points of a trace are valid.
@@ -37,7 +37,8 @@ struct RecordingTrace {
 /// Whether the data are already one-third octaves.
 [[nodiscard]] bool isOctaves(const sdf::TraceSet& set);
 
-/// The limits on the use of the data, one line each: weighting, overload, invalid data, correction.
+/// Reasons for caution in using the data, one line each: weighting, overload, invalid data,
+/// correction.
 [[nodiscard]] std::vector<std::string> marksOf(const RecordingTrace& trace);
 
 /// Notes for users of the levels, one line each: channel, unit, calibration and the lines of

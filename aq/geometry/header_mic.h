@@ -17,7 +17,7 @@ class AQ_HeaderMIC {
   std::shared_ptr<AQ_Time> aqFileDateTime = std::make_shared<AQ_Time>();
   std::string sProjectName;
   std::string sMicrophoneID;
-  std::int32_t lNumberRecords = 0;  ///< unused: the file has no such number
+  std::int32_t lNumberRecords = 0;  ///< unused: the file has no record count
   std::int16_t nOtherRecords = 0;
   std::shared_ptr<Collection<std::string>> cOtherRecords =
       std::make_shared<Collection<std::string>>();

@@ -9,7 +9,7 @@
 
 namespace aq {
 
-// The letters of modes and adjustments, indexed by value.
+// The letters of the mask modes and adjustments, indexed by enumeration value.
 inline constexpr std::string_view kMaskModes = "-MAF";
 inline constexpr std::string_view kMaskAdjustments = "-SFTACR";
 
@@ -26,8 +26,8 @@ class AQ_API AQ_Mask {
   void AdjustMode(AQ_MASK_ADJUST adjust) { adjust_ = adjust; }
 
   /// The mode's letter ("-", "M", "A", "F") and the adjustment's ("-", "S", "F", "T", "A", "C",
-  /// "R"); a value without a letter gives no character. Setting uses the first and the last
-  /// character; an unknown letter leaves its half unchanged.
+  /// "R"); a value without a letter is left out. Setting takes the mode from the first character
+  /// and the adjustment from the last; an unknown letter leaves its part unchanged.
   [[nodiscard]] std::string MaskString() const;
   void MaskString(std::string_view letters);
 

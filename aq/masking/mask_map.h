@@ -21,7 +21,7 @@ class AQ_API AQ_MaskMap {
   [[nodiscard]] std::shared_ptr<AQ_MaskRow> Row(std::int16_t nRecord) const {
     return rows_.at(nRecord);
   }
-  /// Like the getter, but does not share the row.
+  /// Like the getter, but returns a reference, so no ownership is shared.
   [[nodiscard]] const std::shared_ptr<AQ_MaskRow>& heldRow(std::int16_t nRecord) const {
     return rows_.at(nRecord);
   }
@@ -36,8 +36,8 @@ class AQ_API AQ_MaskMap {
   /// where a row has none.
   void setLGB();
 
-  // The stored rows as pairs of record number and object, in ascending order of the numbers.
-  // Storing a row invalidates iterators. `contains` creates nothing.
+  // The stored rows as pairs of record number and row, in ascending order of record number. Storing
+  // a row invalidates iterators. `contains` creates nothing.
   [[nodiscard]] auto begin() const { return rows_.begin(); }
   [[nodiscard]] auto end() const { return rows_.end(); }
   [[nodiscard]] bool contains(std::int32_t number) const { return rows_.contains(number); }

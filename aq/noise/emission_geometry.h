@@ -19,15 +19,15 @@ namespace aq {
 [[nodiscard]] AQ_API std::shared_ptr<AQ_Position> membraneOf(const AQ_Microphone& microphone);
 
 /// Where and when the sound of each record was emitted. The source flies straight from position to
-/// position, reaching each at its time of day, also across midnight; the propagation time is the
+/// position and reaches each at its time of day, also across midnight; the propagation time is the
 /// distance to the microphone divided by the speed of sound. Coordinates are in metres; record and
 /// point have the same number. `Tm` is the record's time, `Te` and `Pe` are the time of day and the
 /// position at emission, `Tprope` is in seconds, `SRe` in metres. `THETAe` is the angle between the
 /// direction of flight and the line to the microphone, 0 to 180 degrees. `BETAe` is the angle of
 /// that line around the direction of flight, measured from the vertical plane below the source,
-/// positive to the left, -180 to 180 degrees; 0 for a vertical flight. If two positions are equal,
-/// the direction is that of the nearest segment with movement; both angles are NaN if the source
-/// does not move.
+/// positive to the left, -180 to 180 degrees; 0 for a vertical flight. Between two equal positions,
+/// the direction is that of the nearest segment in which the source moves; both angles are NaN if
+/// the source does not move.
 ///
 /// A record whose sound was emitted before the first or after the last position has no point:
 /// nothing is extrapolated. The start time, the reference time and their types come from the

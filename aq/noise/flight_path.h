@@ -39,8 +39,8 @@ class FlightPath {
   /// day.
   [[nodiscard]] double secondsOf(double timeOfDay) const;
 
-  /// The direction of flight, as a unit vector, from the nearest segment with movement. Nothing if
-  /// the path has no such segment.
+  /// The direction of flight, as a unit vector, from the nearest segment in which the source moves.
+  /// Nothing if the path has no such segment.
   [[nodiscard]] std::optional<Vector3> direction(const Place& place) const;
 
  private:

@@ -25,7 +25,7 @@ const AQ_MaskRow* rowOf(const AQ_MaskMap* map, std::int16_t record) {
   return &orThrow(map->heldRow(record));
 }
 
-/// A record of a history; `Records` are in the order of their numbers.
+/// A record of a history; `Records` are in the order of record number.
 struct Record {
   const AQ_Spectrum* spectrum;
   const AQ_MaskRow* masks;  // may be null
@@ -66,7 +66,7 @@ void forEachTone(const Records& records, std::size_t begin, std::size_t end, boo
   }
 }
 
-/// How many of the bands used for the perceived noise level have a level that counts.
+/// The number of bands used for the perceived noise level whose level counts.
 std::int16_t perceivedBandsOf(const CountedLevels& levels) {
   return levels.count(kFirstNoyBand, kLastNoyBand);
 }
@@ -173,7 +173,8 @@ std::vector<double> totalsOf(const Records& records) {
 }
 
 /// The values of the records that may belong to the event: from the first to the last that may
-/// reach the 10 dB-down limits, and those that count for band sharing. Other records get no value.
+/// reach the 10 dB-down limits, and the neighbours that band sharing uses. Other records get no
+/// value.
 EventValues eventValuesOf(const Records& records) {
   constexpr double kDown = 10.1;     // dB, a little beyond the limits
   constexpr double kMostTone = 6.7;  // dB, a little more than any correction

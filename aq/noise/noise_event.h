@@ -10,8 +10,8 @@
 namespace aq {
 
 /// The noise of one aircraft passing by: its largest tone-corrected perceived noise level (PNLT),
-/// the records that count, and the effective perceived noise level (EPNL). Records are given by
-/// zero-based index.
+/// the range of records that are summed, and the effective perceived noise level (EPNL). Records
+/// are given by zero-based index.
 struct NoiseEvent {
   std::size_t maximum = 0;  ///< the first record with the largest PNLT
   /// The 10 dB-down limits, both included in the sum. Empty where the records begin or end above
@@ -27,13 +27,14 @@ struct NoiseEvent {
 };
 
 /// The event in a series of PNLT values (14 CFR 36, A36.4.4 to A36.4.6). NaN means a record without
-/// PNLT: it adds nothing and lies below any limit. `seconds` gives the length of each record, one
-/// value for all or one per record. `toneCorrections` in dB, one per record and NaN if missing,
-/// give the band sharing adjustment: the mean of the corrections of the five records around the
-/// maximum minus that of the maximum, if positive. Without corrections, the adjustment is 0.
+/// PNLT: it adds nothing and lies below any limit. `seconds` gives the record lengths: one value
+/// for all records or one per record. `toneCorrections`, in dB, one per record and NaN if missing,
+/// determine the band sharing adjustment: the mean of the corrections of the five records around
+/// the maximum minus that of the maximum, if positive. Without corrections, the adjustment is 0.
 ///
-/// Comparisons allow 1e-9 dB for the rounding of decimals. Throws `InvalidArgument` if there is no
-/// PNLT or the sizes differ, and `InvalidValue` for an infinite PNLT or a duration of 0 or less.
+/// Comparisons allow 1e-9 dB for the rounding of decimal fractions. Throws `InvalidArgument` if
+/// there is no PNLT or the sizes differ, and `InvalidValue` for an infinite PNLT or a duration of 0
+/// or less.
 [[nodiscard]] AQ_API NoiseEvent noiseEvent(std::span<const double> pnlt,
                                            std::span<const double> seconds,
                                            std::span<const double> toneCorrections = {});

@@ -44,7 +44,7 @@ NumberType variableType(const Record& record) {
                                                                : kScanVariable["scanVar_type"]);
 }
 
-/// The records that can hold values of scan variables; the kind of revision 3 comes first.
+/// The records that can hold values of scan variables, with those of revision 3 first.
 std::vector<const Record*> variableRecords(const RecordList& records) {
   std::vector<const Record*> found;
   for (const RecordType type : {RecordType::ScanVariable, RecordType::Scans}) {
@@ -180,7 +180,7 @@ void Recording::readSets() {
 void Recording::placeY() {
   std::uint64_t at = kHead;
   const auto whole = [](const TraceSet& set) { return times(set.traceBytes, set.traces); };
-  std::uint64_t scanBytes = 0;  // one scan of all sets together
+  std::uint64_t scanBytes = 0;  // bytes of one scan of all sets together
   for (const TraceSet& set : sets_) {
     if (set.scanned) scanBytes = plus(scanBytes, whole(set));
   }

@@ -68,7 +68,7 @@ void expectOneMeasurement(AQ_SpectralTimeHistory& before, AQ_SpectralTimeHistory
   const AQ_Time& other = *after.ReferenceTime();
   if (one.TODseconds() != other.TODseconds()) {
     expectSame("reference times", one.TODstring(), other.TODstring());
-    refusePieces("the pieces have different reference times");  // with the same text
+    refusePieces("the pieces have different reference times");  // equal as text
   }
   if (one.CurrentDate() != other.CurrentDate()) {
     refusePieces("the pieces have reference times on different days");

@@ -25,7 +25,7 @@ constexpr sys_days kFirstDay{year{1} / 1 / 1};
 constexpr sys_days kLastDay{year{9999} / 12 / 31};
 
 year_month_day calendarDay(double date) {
-  // The time of day counts forward before day zero too, so the day is the integer part.
+  // The time of day counts forward even before day zero, so the integer part is the day.
   const double whole = std::trunc(date);
   const auto days = [](sys_days at) { return static_cast<double>((at - kDayZero).count()); };
   if (!(whole >= days(kFirstDay) && whole <= days(kLastDay))) {

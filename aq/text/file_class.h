@@ -13,7 +13,7 @@
 
 namespace aq {
 
-/// The base of all file classes: a result value for each call, and the reason for a failure.
+/// The base of all file classes: each call returns a result, and the reason for a failure is kept.
 class AQ_API FileClass {
  public:
   /// Why the last call failed; empty if it returned `AQ_DATA_OK` or threw.
@@ -24,7 +24,7 @@ class AQ_API FileClass {
   void observeHeader(HeaderObserver watch) { observer_ = std::move(watch); }
 
   /// Sets the service that supplies the names and dates for writes; `nullptr`, the default, means
-  /// the service in use.
+  /// the global service.
   void fileInformation(std::shared_ptr<FileInformation> information) {
     information_ = std::move(information);
   }

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <type_traits>
 
-// Eight characters of text as one word, the first in the lowest byte.
+// Eight characters of text as one 64-bit word, the first in the lowest byte.
 
 namespace aq {
 
@@ -35,7 +35,7 @@ inline constexpr std::size_t kWordBytes = sizeof(std::uint64_t);
   return 0x0101010101010101U * static_cast<unsigned char>(byte);
 }
 
-/// The highest bit of each byte that equals `byte`; 0 if no byte does.
+/// The highest bit set in each byte that equals `byte`, and all other bits 0.
 [[nodiscard]] constexpr std::uint64_t marksOf(char byte, std::uint64_t word) {
   constexpr std::uint64_t kLowBits = eightTimes('\x7F');
   const std::uint64_t zeroThere = word ^ eightTimes(byte);

@@ -1,4 +1,4 @@
-"""Folders of files: their content and the faults in it."""
+"""Catalogues folders of measurement files and checks their content."""
 
 from __future__ import annotations
 
@@ -70,8 +70,8 @@ def absolute(paths: Union[Path, Iterable[Path]]) -> list[str]:
 
 def walked(path: str, seen: set[str], more: tuple[str, ...] = ()) -> Iterator[str]:
     """The path itself, or the measurement files below a folder. Visits each folder once, since
-    links may form a loop. A broken link counts as an unreadable file. `more` lists further endings
-    of file names.
+    links may form a loop. A broken link counts as an unreadable file. `more` lists additional
+    file name suffixes.
     """
     if not os.path.isdir(path):
         yield path
@@ -106,7 +106,7 @@ class Finding(NamedTuple):
 
     @property
     def doubts_levels(self) -> bool:
-        """Whether the levels may differ from what was measured."""
+        """Whether the finding means that levels may differ from those measured."""
         return self.kind in _DOUBTING
 
 
@@ -141,7 +141,7 @@ def counts(found: list[Finding]) -> dict[str, int]:
 
 
 def header_words(header: Any) -> dict[str, str]:
-    """Project, microphone and program, under any of the names that headers use."""
+    """Project, microphone and generating program, under any of the names that headers use."""
     return {
         column: next((getattr(header, name) for name in names if hasattr(header, name)), "")
         for column, names in _HEADER_COLUMNS.items()
@@ -180,9 +180,7 @@ def _row(path: str) -> tuple[dict[str, Any], Checked]:
 
 
 def _judged(row: dict[str, Any], found: list[Finding], strict: bool) -> dict[str, Any]:
-    """The row with the counts of its findings; if strict, a readable file with doubtful levels is
-    not ok.
-    """
+    """The row with its findings counted; if `strict`, doubtful levels make a file not ok."""
     doubt = next((finding for finding in found if finding.doubts_levels), None)
     if row["ok"] and strict and doubt:
         row.update(ok=False, line=doubt.line, field=doubt.field)
@@ -196,7 +194,7 @@ def scan(
     progress: Optional[bool] = None,
     strict: bool = True,
 ) -> pd.DataFrame:
-    """Lists the files below a folder: one row per file, in the order of their paths.
+    """Lists the files below a folder, one row per file, in path order.
 
     The columns are `path`, `kind`, what the header says (`project`, `microphone`, `generated_by`,
     `begin`, `averaging`, `stamp`), record and band numbers, the number of `errors`, `warnings` and
@@ -224,7 +222,7 @@ def scan(
 
 
 def check(paths: Union[Path, Iterable[Path]]) -> pd.DataFrame:
-    """The findings of `aqdata check`, one per row, in the order of the paths and their lines.
+    """The findings of `aqdata check`, one per row, ordered by path and line.
 
     `paths` is a file, a folder, a pattern or a list of files and folders. In a folder and its
     subfolders, checks files that end in `.csv` or `.nc` or are of a known kind, except hidden ones.

@@ -33,9 +33,7 @@ def _by_band(ds: xr.Dataset, name: str, *dims: str) -> tuple[xr.Dataset, int]:
 
 
 def _by_record(ds: xr.Dataset) -> tuple[xr.Dataset, Any]:
-    """The dataset in the order of its record numbers, like the tables of the objects, and those
-    numbers.
-    """
+    """The dataset sorted by record number, as the tables of the objects are, and those numbers."""
     if "record" not in ds.variables:
         return ds, None
     need_once(ds)
@@ -58,7 +56,7 @@ def _table(ds: xr.Dataset, columns: Any) -> dict[str, Any]:
 
 
 def _settings(ds: xr.Dataset, target: Any) -> Any:
-    """The target with the settings of the dataset; its start time follows the first record."""
+    """The target with the dataset's settings; its start time moves with the first record."""
     restored(target, kept(ds).get("settings") or {})
     before = (kept(ds).get("first") or {}).get("time")
     if before is None or "time" not in ds.variables or not ds["time"].size:
@@ -132,8 +130,7 @@ def _microphone_from(ds: xr.Dataset) -> _core.AQ_Microphone:
 
 
 def _parameters_from(ds: xr.Dataset) -> _core.AQ_DataINI:
-    """Parameters from a dataset; methods and comments are attributes, and an unset method has no
-    attribute.
+    """Parameters from a dataset; methods and comments are attributes, absent for an unset method.
     """
     need(ds, *(name for _, name, *_ in PARAMETERS))
     values = dict(kept(ds).get("settings") or {})
@@ -170,7 +167,7 @@ def _kind(ds: xr.Dataset) -> str:
 
 
 def _headers(ds: xr.Dataset, kind: str, data: Any) -> tuple[Any, Any]:
-    """Headers of the object and of the map, with changes made to the attributes."""
+    """Headers of the object and of the map, updated from the dataset's attributes."""
     header, mask_header = (
         restored(cls(), kept(ds).get(name) or {}) if cls else None
         for name, cls in (
@@ -207,7 +204,7 @@ def _runs(numbers: Any) -> str:
 
 
 def _is_cut(ds: xr.Dataset) -> bool:
-    """Whether the records of a dataset differ from those that it was made with."""
+    """Whether the dataset's records differ from those it was made with."""
     before = (kept(ds).get("first") or {}).get("records")
     numbers = np.sort(ds["record"].values) if "record" in ds.variables else np.array([])
     now = [numbers.size, *map(int, numbers[:1]), *map(int, numbers[-1:])]
@@ -227,7 +224,7 @@ def _renumbered(ds: xr.Dataset) -> tuple[xr.Dataset, list[str]]:
 
 
 def _without_source(header: _core.AQ_HeaderMask, comments: list[str]) -> list[str]:
-    """Removes the name of the whole history from the map's header, since a cut map does not fit it.
+    """Removes the name of the whole history from the map's header, which a cut map does not fit.
     Returns the comments, which now give that name.
     """
     if not comments or not header.sGenerationFile:

@@ -143,7 +143,7 @@ void bindFailure(py::module_& module) {
 }
 
 /// Like `readFile`, but also sets the history's reference time type from the header, and returns
-/// the header's unknown words. Hosts rely on the file class leaving the type unset.
+/// the header's unknown words. The file class itself leaves the type unset, which hosts rely on.
 auto readWithWords(AQ_DataSTH& self, const Path& path) {
   std::shared_ptr<AQ_HeaderSTH> header;
   std::shared_ptr<AQ_SpectralTimeHistory> history;

@@ -1,7 +1,7 @@
 #pragma once
 
-// Series of objects that have times and positions: the columns of their tables, and the methods
-// that every series has in Python. `all(series)` gives its objects.
+// Series of objects with times or positions: their table columns, and the methods that every series
+// has in Python. `all(series)` gives its objects.
 
 #include "tables.h"
 

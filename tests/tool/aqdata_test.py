@@ -603,7 +603,7 @@ ROWS = [  # command, status, what the output contains, what the messages contain
 
 
 def command_line(row):
-    """Inserts the program's name after the leading shell words: variables, or another command."""
+    """Inserts the program's name after any leading variable assignments or other command."""
     words = row.split(" ")
     first = next(
         (i for i, word in enumerate(words) if not re.fullmatch(r"[A-Z]+=\S*", word)), len(words)
@@ -660,7 +660,7 @@ def check_folders(parent):
 
 
 def check_completion(folder):
-    """Bash completes command lines with the right words."""
+    """The bash completion offers the right words for each command line."""
     for line, offered in (
         ("aqdata co", "convert completion"),
         ("aqdata --color a", "auto always"),
@@ -679,7 +679,7 @@ def check_completion(folder):
 
 
 def check_widths(folder):
-    """Tables are aligned even if a character in a name takes two columns or none."""
+    """Tables stay aligned when a character in a name takes two columns or none."""
     names = ["fly-\u98db\u884c.csv", "fly-e\u0301.csv", "fly-plain.csv"]
     for name in names:
         shutil.copy(SAMPLES / "fly-over.mic.csv", folder / name)
@@ -699,7 +699,7 @@ def check_widths(folder):
 
 
 def check_cpp_tutorial():
-    """The tutorial shows the tested program, its output, and signatures that are in the headers."""
+    """The C++ tutorial shows the tested program, its output and signatures from the headers."""
     page = (PROJECT / "docs" / "tutorials" / "cpp.md").read_text()
 
     def blocks(language):
@@ -768,7 +768,7 @@ def check_recordings(folder):
 
 
 def check_columns(folder):
-    """Histories and recordings convert to fixed columns and back, or messages say why not."""
+    """Histories and recordings convert to fixed columns and back, or a message says why not."""
     run(f"aqdata convert {STH} -o there.spc", folder)
     run("aqdata convert there.spc -o back.sth.csv", folder)
     expect("fixed columns and back", run(f"aqdata diff {STH} back.sth.csv", folder).returncode, 0)

@@ -93,7 +93,7 @@ template <class Wanted>
 Wanted openHeld(const std::string& path, const Reading& how) {
   const aq::FileKind found = kindOf(path);
   const aq::FileKind kind = kindHolding<Wanted>(found);
-  // A file that cannot be read or has lost its title fails in its reader, which says why.
+  // A file that cannot be read or has lost its title is left to the reader, whose failure says why.
   if (found != kind && found != aq::FileKind::Unknown) {
     throw Failure(fmt::format("{}: expected a {} file, found a {} file", aq::escaped(path),
                               kindText(kind), kindText(found)));

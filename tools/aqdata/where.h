@@ -21,7 +21,8 @@ using Condition = std::function<bool(const Json& info)>;
 /// Parses a condition such as `microphone=M1 and (records>100 or begin>=14:00)`: comparisons of
 /// fields by =, !=, <, <=, > and >= with a number, a time of day or text, in which `*` and `?` are
 /// wildcards. `and`, `or`, `not` and parentheses combine comparisons. A comparison is false if a
-/// file lacks its field. Throws `Failure` for other text, and for a field that is not in `fields`.
+/// file lacks its field. Throws `Failure` for any other text, and for a field that is not in
+/// `fields`.
 [[nodiscard]] Condition conditionFrom(const std::string& text,
                                       const std::vector<std::string>& fields);
 

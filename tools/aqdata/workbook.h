@@ -20,7 +20,7 @@ class Workbook {
   Workbook& operator=(const Workbook&) = delete;
   ~Workbook();
 
-  /// Adds a run that was read from `file`. Returns what is left out, in words.
+  /// Adds a run that was read from `file`. Returns a description of the data left out.
   std::vector<std::string> add(const Run& run, const std::string& file);
 
   /// Writes the file. Throws `Failure` with the system's reason.

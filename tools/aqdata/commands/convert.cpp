@@ -126,7 +126,7 @@ void putHistory(Session& session, const ConvertChoice& choice, const Measurement
   }
 }
 
-/// The name of a form in the plural; empty if the form can go to standard output.
+/// The plural name of a form that cannot go to standard output; empty for other forms.
 std::string_view formWord(const std::string& form) {
   if (form == "history" || form == "columns") return "histories";
   if (form == "map") return "maps";

@@ -19,7 +19,7 @@ struct StampChoice {
   std::string referenceType = {};  // empty for the file's own
 };
 
-/// The words of an enumeration whose values start at 0.
+/// The names of an enumeration's members, whose values start at 0.
 template <class Enumeration>
 std::vector<std::string> wordsOf() {
   std::vector<std::string> words;
@@ -56,9 +56,10 @@ void expectKnownAveraging(History read, const std::string& file) {
   expectKnownWords(read, file);
 }
 
-/// A run lasts minutes, so a reference more than half a day away is on the other side of midnight.
+/// A run lasts minutes, so a reference time more than half a day away is on the other side of
+/// midnight.
 void setDates(aq::AQ_Time& start, aq::AQ_Time& reference) {
-  constexpr std::int32_t kDay = 36526;  // any date, since a history file has no dates of records
+  constexpr std::int32_t kDay = 36526;  // any date, since records in a history file have none
   constexpr double kHalfDay = 43200;
   const double ahead = reference.TODseconds() - start.TODseconds();
   start.CurrentDate(kDay);

@@ -16,7 +16,7 @@ class Page {
   /// Adds the document of a run.
   void addRun(const Json& document);
 
-  /// The finished page. `season` describes all runs: its `runs` has the summary of each.
+  /// The finished page. `season` describes all runs; its member `runs` holds a summary of each.
   [[nodiscard]] std::string finished(const Json& season) &&;
 
  private:
