@@ -23,7 +23,7 @@ void putBigEndian(std::string& bytes, std::size_t at, std::size_t size, std::uin
   for (std::size_t i = size; i-- != 0; value >>= 8) bytes[at + i] = static_cast<char>(value & 0xFF);
 }
 
-/// A record of the given type, filled with zeros except for the fields that are put.
+/// A record of the given type, filled with zeros except for the fields that are set.
 class MadeRecord {
  public:
   MadeRecord(aq::sdf::RecordType type, std::size_t head, std::size_t size) : bytes_(head, '\0') {

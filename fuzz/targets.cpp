@@ -128,7 +128,8 @@ bool sameLine(const std::string& a, const std::string& b) {
     const double one = std::strtod(left, &leftEnd);
     const double other = std::strtod(right, &rightEnd);
     if ((leftEnd == left) != (rightEnd == right)) return false;
-    const bool lateInSecond = other == std::floor(one) && one - other > 0.99;  // 47.998 s is :47
+    // 47.998 s is written as :47.
+    const bool lateInSecond = other == std::floor(one) && one - other > 0.99;
     if (std::abs(one - other) > 0.00501 + 1e-6 * std::abs(one) && !lateInSecond) return false;
     if (leftEnd == left && *leftEnd++ != *rightEnd++) return false;
     left = leftEnd;
@@ -166,7 +167,7 @@ void mendAny(const Target&, std::string_view input) {
   expect(mendText(mended.text, "mended").done.empty(), "mended text that needs no further mending");
 }
 
-/// One target per format, then the others.
+/// One target per format, then the other targets.
 std::vector<Target> allTargets() {
   std::vector<Target> all;
   for (const auto& [name, format] : test::kFormats) all.push_back({name, readFormat});

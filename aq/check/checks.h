@@ -14,8 +14,8 @@ struct FileOf {
   const std::string& path;
 };
 
-// The checks for each format. If a file changes during the check, they throw the exceptions of text
-// readers.
+// The checks for each format. If a file changes during the check, they may throw as text readers
+// do.
 void check(FileOf<AQ_DataSTH> file, const Reporter& report);
 void check(FileOf<AQ_DataSSR> file, const Reporter& report);
 void check(FileOf<AQ_DataTSPI> of, const Reporter& report);

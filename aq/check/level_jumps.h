@@ -9,12 +9,12 @@
 
 namespace aq {
 
-// The range of levels that sound can have, in dB.
+// The range of plausible sound levels, in dB.
 inline constexpr double kLowestLevel = -20;
 inline constexpr double kHighestLevel = 200;
 
 /// Finds single levels that are far from those of the records before and after. No sound drops by
-/// 20 dB in one band for half a second; a rise must exceed 40 dB, since a bird may sing.
+/// 20 dB in one band for just half a second; a rise must exceed 40 dB, since a bird may sing.
 class LevelJumps {
  public:
   /// `firstField` is the field of band `low`.

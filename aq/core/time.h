@@ -13,12 +13,12 @@ namespace aq {
 inline constexpr std::int32_t kSecondsPerDay = 86400;
 
 /// The time stamp of a record: a calendar date, a time of day and a time relative to a reference.
-/// The two times are independent of each other; only `setRelTime` derives one from the other. All
-/// start at zero. A failure leaves the object unchanged.
+/// The two times are independent of each other; only `setRelTime` derives one from the other. The
+/// date and both times start at zero. A failure leaves the object unchanged.
 class AQ_API AQ_Time {
  public:
-  /// A new time with the same values, except that a time of day above 86400 s is wrapped and the
-  /// date is one day later.
+  /// A new time with the same values, except that a time of day above 86400 s is wrapped, with the
+  /// date one day later.
   [[nodiscard]] std::shared_ptr<AQ_Time> Copy() const;
 
   /// Seconds relative to a reference time. Throws `TypeMismatch` for a value that is not a number.
@@ -42,11 +42,11 @@ class AQ_API AQ_Time {
   /// large for single precision.
   void TODnumbers(const Variant& Hours, const Variant& Minutes, const Variant& Seconds);
 
-  /// The time of day as text: `hh:mm:ss`, then the fraction that the seconds after midnight have in
-  /// 7 significant digits (12:34:56.5). 24 hours are written as 00. Getting it throws
-  /// `InvalidValue` below 0 and at or above 90000 s. Setting it takes three numbers separated by
-  /// colons, adds 12 hours for a "PM" anywhere in the text (12:30:00 PM gives 24.5 hours), and
-  /// throws `InvalidArgument` with fewer than two colons.
+  /// The time of day as text: `hh:mm:ss`, then the fraction left when the seconds after midnight
+  /// are rounded to 7 significant digits (12:34:56.5). 24 hours are written as 00. Getting it
+  /// throws `InvalidValue` for times below 0 s and from 90000 s up. Setting it takes three numbers
+  /// separated by colons, adds 12 hours for a "PM" anywhere in the text (12:30:00 PM gives
+  /// 24.5 hours), and throws `InvalidArgument` with fewer than two colons.
   [[nodiscard]] std::string TODstring() const;
   void TODstring(std::string_view text);
 

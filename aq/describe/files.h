@@ -183,7 +183,7 @@ struct Description<AQ_DataSPC> {
   template <class To>
   static void members(To& to) {
     using F = AQ_DataSPC;
-    to.method("setHeader", &F::setHeader, "Sets the header for writes",
+    to.method("setHeader", &F::setHeader, "Sets the header to write",
               in("aqHeader", "The header; without one, the header fields of a file are empty"))
         .property("RecordLength", &F::RecordLength, &F::RecordLength,
                   "Time from one record to the next, initially 0.5; reading a file sets it. Raises "
@@ -202,7 +202,7 @@ struct Description<AQ_DataSPC> {
                   "Highest band to write; 0 means the records' highest. Reading a file sets it",
                   Quantity{"band", 0, 50})
         .method("writeFile", &F::writeFile, kWrites, kPath,
-                in("aqTimeHistory", "The history; the chosen part is written"))
+                in("aqTimeHistory", "The history; the chosen records and bands are written"))
         .method("readFile", &F::readFile, kReads, kPath, kHeaderOut,
                 in("STH", "Receives a new history"))
         .lastFailure();
@@ -231,7 +231,7 @@ struct Description<AQ_DataASCII> {
                 in("text", "The delimiter; if empty, lines are not split"))
         .setter("CommentFields", &F::CommentFields,
                 "Whether fields may be in double quotes, with delimiters inside",
-                in("quoted", "Whether they may; initially false"))
+                in("quoted", "True if they may; initially false"))
         .lastFailure();
   }
 };
@@ -271,7 +271,7 @@ struct Description<AQ_DataINI> {
         .property("FileName", &F::FileName, &F::FileName,
                   "The file's name, written as the file information service names it", FileName{},
                   Key{"file_name"})
-        .property("FileDate", &F::FileDate, "The date and time of the file read last",
+        .property("FileDate", &F::FileDate, "The date and time of the last file read",
                   Key{"file_date"})
         .property("Comments", &F::Comments, &F::Comments, "Comments, one per line", Key{"comments"})
         .lastFailure();
@@ -299,7 +299,7 @@ struct Description<AQ_DataHP3565> {
   template <class To>
   static void members(To& to) {
     using F = AQ_DataHP3565;
-    to.method("readDirectory", &F::readDirectory, "Lists the files of an analyzer's folder",
+    to.method("readDirectory", &F::readDirectory, "Lists the files in an analyzer's folder",
               in("sDirectory", "The folder", FileName{}),
               in("colIndex", "Receives the names that begin with INDEX"),
               in("colTimeDat", "Receives the names that begin with TIMEDAT"),

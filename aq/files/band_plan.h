@@ -10,15 +10,15 @@ namespace aq {
 /// Maps the points of a trace to one-third-octave bands 2 to 50, in ascending order.
 class BandPlan {
  public:
-  /// For octave data: each point is a band, with its centre at 10^(n/10) Hz, at its nominal
+  /// For third-octave data: each point is a band, with its centre at 10^(n/10) Hz, at its nominal
   /// frequency or at its base-2 frequency (IEC 61260-1). Leaves out points after the last band,
   /// such as overall levels. Fails for any other point, for bands that do not ascend, and if no
   /// band is from 2 to 50.
   static BandPlan ofOctaves(std::span<const double> x);
 
   /// For narrow bands: sums the points from `start` up to, but not including, `end`, which is at
-  /// most the size of `x`; splits a point on a band edge in proportion. Uses only bands that the
-  /// points cover and that are at least three points wide. Fails if there is no such band.
+  /// most the size of `x`; splits a point that a band edge crosses in proportion. Uses only bands
+  /// that the points cover and that are at least three points wide. Fails if there is no such band.
   static BandPlan ofBins(std::span<const double> x, std::size_t start, std::size_t end);
 
   [[nodiscard]] std::size_t size() const { return parts_.size(); }
@@ -40,8 +40,8 @@ class BandPlan {
     std::int16_t band;
     std::size_t first;  // index of the first point
     std::size_t last;   // index of the last point
-    double ofFirst;     // how much of the first point belongs to the band
-    double ofLast;      // how much of the last point does
+    double ofFirst;     // the share of the first point that is in the band
+    double ofLast;      // the share of the last point that is in the band
   };
 
   std::vector<Part> parts_;

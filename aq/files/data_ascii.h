@@ -22,7 +22,7 @@ class AQ_API AQ_DataASCII : public FileClass {
   /// Reads a file into new `Fields`, one entry per line. Splits a line at every delimiter; removes
   /// double quotes and surrounding blanks from fields; a blank line is one empty field. With a
   /// single space as the delimiter, runs of spaces separate fields, quotes are kept, and a blank
-  /// line has no field.
+  /// line has no fields.
   AQ_DataMessage readFields(const std::string& sFileName);
 
   /// Reads a file into new `Lines`, unchanged.
@@ -44,8 +44,8 @@ class AQ_API AQ_DataASCII : public FileClass {
   /// The text between fields, initially ",". An empty delimiter splits nothing.
   void Delimiter(std::string text) { delimiter_ = std::move(text); }
 
-  /// Whether fields may be in double quotes, with delimiters inside. Set `Delimiter` first. A "|"
-  /// in a field then becomes the delimiter.
+  /// Whether fields may be in double quotes, with delimiters inside. Set `Delimiter` first. If
+  /// true, a "|" in a field that is read becomes the delimiter.
   void CommentFields(bool quoted);
 
  private:

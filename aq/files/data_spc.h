@@ -24,8 +24,7 @@ class AQ_API AQ_DataSPC : public FileClass {
   /// The first line of a file begins with these bytes.
   static constexpr std::string_view kBeginning = "SPC                 ";
 
-  /// Sets the header for writes, shared with the caller; without one, the header fields are
-  /// empty.
+  /// Sets the header to write, shared with the caller; without one, the header fields are empty.
   void setHeader(const std::shared_ptr<AQ_HeaderSTH>& aqHeader) { header_ = aqHeader; }
 
   /// Seconds from one record to the next, initially 0.5. Reading a file sets it. Setting throws,

@@ -13,7 +13,7 @@
 
 namespace aq {
 
-/// The words for members of enumerations in the header of a history file. As hosts expect,
+/// The words in the header of a history file that name members of enumerations. As hosts expect,
 /// `AQ_DataSTH` reads an unknown word as a known one, and leaves the reference time type at
 /// `AQ_START_REF`. Code that rewrites the history observes the header with this class.
 class AQ_API HistoryWords {
@@ -36,7 +36,7 @@ class AQ_API HistoryWords {
   [[nodiscard]] std::optional<AQ_RefTimeType> referenceType() const;
 
   /// Sets the reference time type, if known, of the history that was read with this header. Returns
-  /// the unknown words in the order of their lines.
+  /// the unknown words in line order.
   std::vector<Other> takeInto(AQ_SpectralTimeHistory& history) const;
 
  private:

@@ -10,8 +10,8 @@
 #include "aq/sdf/codes.h"
 #include "aq/sdf/field.h"
 
-// The records of the Standard Data Format, each field named once. Readers of binary and text files,
-// and programs that show fields, use these lists.
+// The records of the Standard Data Format, with every field named in this one place. Readers of
+// binary and text files, and programs that show fields, use these lists.
 namespace aq::sdf {
 
 enum class RecordType : std::int16_t {
@@ -26,7 +26,7 @@ enum class RecordType : std::int16_t {
   ManyScans = 18,
   ScanVariable = 19,
   Comment = 20,
-  Unique = 1000,  // up to 2000, defined by the instrument
+  Unique = 1000,  // 1000 to 2000 are defined by the instrument
 };
 
 /// The size in bytes of the two fields at the start of every record: its type and its total size.
@@ -63,7 +63,7 @@ struct AnyLayout {
 /// `Unique`.
 [[nodiscard]] AQ_API const AnyLayout& layoutOf(RecordType type);
 
-/// The layout with the name that the instrument prints; `nullptr` if there is none.
+/// The layout with that name, as text files write it; `nullptr` if there is none.
 [[nodiscard]] const AnyLayout* layoutNamed(std::string_view name);
 
 /// The parts of a unit or window field. Their bytes are counted from the start of that field.

@@ -14,10 +14,10 @@ namespace aq {
 
 /// The levels of one band across a series of spectra, by spectrum number.
 class AQ_API AQ_Band {
-  using Levels = std::map<double, Variant>;  // by record number, normalized through its text
+  using Levels = std::map<double, Variant>;  // by record number, rounded by conversion to text
 
  public:
-  /// Visits the levels by record number.
+  /// Visits the levels in order of record number.
   class Walk {
    public:
     using iterator_category = std::input_iterator_tag;
@@ -51,8 +51,8 @@ class AQ_API AQ_Band {
   /// for any other. To copy a band of a history, get it from the history again.
   [[nodiscard]] std::shared_ptr<AQ_Band> Copy() const;
 
-  /// The level of a spectrum number; a number given as text is converted first. Reading throws
-  /// `InvalidArgument` if there is none.
+  /// The level in the spectrum with that number; a number given as text is converted first. Reading
+  /// throws `InvalidArgument` if there is no level.
   [[nodiscard]] Variant SPL(const Variant& nSpectrum) const;
   void SPL(const Variant& nSpectrum, const Variant& level);
 

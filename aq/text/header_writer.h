@@ -63,7 +63,7 @@ class AQ_API HeaderWriter {
   void lines(std::string_view keyword, const std::shared_ptr<Collection<std::string>>& block,
              std::int16_t /*count*/ = 0);
 
-  /// The line above the data lines.
+  /// The line of column headings above the data lines.
   void columns(std::string_view heading);
 
  private:

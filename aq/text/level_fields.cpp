@@ -105,7 +105,7 @@ constexpr auto kHalves = [] {
   return all;
 }();
 
-/// Shuffles: the one at byte n moves the first n of sixteen bytes to their end.
+/// Shuffles: the one at byte n moves the first n of sixteen bytes to the end.
 constexpr auto kToEnd = [] {
   std::array<std::uint8_t, 2 * kHalf> places{};
   places.fill(kNoByte);
@@ -168,7 +168,8 @@ AQ_AVX2 bool takeGroup(const char* text, const std::uint16_t* ends, LevelCode* c
 
 /// Takes groups of levels from the start of `text`, which must have at least 32 bytes.
 AQ_AVX2 FieldsTaken takeGroups(std::string_view text, std::span<LevelCode> codes) {
-  constexpr std::size_t kMost = kFieldsAtOnce * (kLongestLevel + 1);  // all of greatest length
+  constexpr std::size_t kMost =
+      kFieldsAtOnce * (kLongestLevel + 1);  // if all are of the greatest length
   FieldEnds ends;
   const std::size_t found =
       findEnds(text.substr(0, kMost), std::min(codes.size(), kFieldsAtOnce), ends);
@@ -197,7 +198,7 @@ FieldsTaken takeUsual(std::string_view, std::span<LevelCode>) { return {}; }
 }  // namespace
 
 FieldsTaken levelsAtFront(std::string_view text, std::span<LevelCode> codes) {
-  constexpr std::size_t kAtOnce = 8;  // taken one by one before the usual form is tried again
+  constexpr std::size_t kAtOnce = 8;  // levels taken singly before the usual form is tried again
   FieldsTaken taken;
   while (taken.count < codes.size() && !taken.last) {
     const FieldsTaken usual = takeUsual(text.substr(taken.length), codes.subspan(taken.count));

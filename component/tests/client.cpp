@@ -173,7 +173,7 @@ void testArguments(const std::wstring& data) {
                                       {L"Add", L"Item", L"Key"}) == std::vector<DISPID>{1, 0, 1});
 }
 
-/// Each object of the library is a single object of the host, and COM's rules of identity hold.
+/// A host sees each object of the library as a single object, and COM's identity rules hold.
 void testIdentity() {
   const Value spectrum = create(L"AQ_Spectrum");
   const Value time = call(spectrum.pdispVal, L"Time").value;
@@ -239,7 +239,7 @@ void testUnregisteredInUse() {
   const Value spectrum = create(L"AQ_Spectrum");
   CLSID identifier{};
   CLSIDFromProgID(L"AQ_Data_Control.AQ_Spectrum", &identifier);
-  // As if the DLL of the other size were registered too; class names belong to both.
+  // As if the DLL for the other word size were registered too; both share the class names.
   const std::wstring key = kClasses + keyOf(identifier);
   constexpr REGSAM kOtherSize = sizeof(void*) == 8 ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
   HKEY made = nullptr;
@@ -271,7 +271,7 @@ void testUnregisteredInUse() {
   check("registered again", ask("DllRegisterServer") == S_OK);
 }
 
-/// What keeps the DLL loaded besides objects.
+/// Things other than objects that keep the DLL loaded.
 void testLocks() {
   CLSID identifier{};
   CLSIDFromProgID(L"AQ_Data_Control.AQ_Collection", &identifier);

@@ -97,8 +97,8 @@ class Accessor:
         return self._ds.isel(time=((here >= first) & (here <= last)).values)
 
     def overall(self, bands: Optional[Iterable[int]] = None) -> xr.DataArray:
-        """The energy sum of the bands with the given numbers, by default of all, in dB over `time`;
-        NaN where no band has a level. Raises `ValueError` for a band that the dataset lacks.
+        """The energy sum in dB, over `time`, of the bands with the given numbers, by default of all
+        bands; NaN where no band has a level. Raises `ValueError` for a band that the dataset lacks.
 
         >>> ds.aq.unmasked().aq.overall(range(24, 34)).max()
         """

@@ -85,7 +85,7 @@ _TABLES = (_core.AQ_SpectralTimeHistory, _core.AQ_MaskMap, _core.AQ_Spectrum)
 
 
 def _beginning(name: str) -> str:
-    """The start of a file of unknown kind, in the form that the tool prints."""
+    """The start of a file of unknown kind, in the form that `aqdata` prints."""
     with open(name, "rb") as file:  # raises the system's own error if this fails
         line = file.readline(400).rstrip(b"\r\n")
     if not line:
@@ -150,8 +150,9 @@ def read(path: Path, wanted: type[_core.AQ_DataINI]) -> Reading[None, _core.AQ_D
 def read(path: Path, wanted: Optional[type[Any]] = None) -> AnyReading:
     """The header and the object of a file of any kind.
 
-    With `wanted`, the class of the object, an editor knows the type of the result, and a file of
-    another kind is an error. Levels are in dB, times in seconds, lengths in the unit of the file.
+    With `wanted`, the expected class of the object, an editor knows the type of the result, and a
+    file of another kind is an error. Levels are in dB, times in seconds, lengths in the unit of the
+    file.
 
     Raises `FileError` with line and field for a file that cannot be read, and the system's error
     (`FileNotFoundError`, `PermissionError`, another `OSError`) for one that cannot be opened. Warns
@@ -215,17 +216,17 @@ def _with_clock_times(obj: Any) -> Any:
 
 
 def write(obj: Any, path: Path, header: Any = None, exist_ok: bool = True) -> None:
-    """Writes an object, a pair `(header, object)` as from `read`, or a dataset, completely or not
-    at all.
+    """Writes an object, a pair `(header, object)` as returned by `read`, or a dataset, completely
+    or not at all.
 
     Writes a new header if none is given. A dataset with masks needs two files: `measurement`
     returns the content of each. Records of a map or a geometry cut from a dataset are numbered from
     1, and a comment gives their old numbers. An existing file is replaced, unless `exist_ok=False`:
     it then raises `FileExistsError`.
 
-    Raises `ValueError` for data that would not be read back unchanged (records with other bands
-    than the first, gaps between records), `TypeError` for an object without a file format,
-    `OSError` if the system refuses; the disk then stays unchanged.
+    Raises `ValueError` for data that would not be read back unchanged (records whose bands
+    differ from the first one's, gaps between records), `TypeError` for an object without a file
+    format, `OSError` if the system refuses; the disk then stays unchanged.
 
     >>> aq_data.write((header, history), "mended.sth.csv", exist_ok=False)
     """

@@ -13,7 +13,7 @@ import tempfile
 
 import aqdata_test
 
-ELSEWHERE = {  # rows with these parts are skipped: what differs on Windows
+ELSEWHERE = {  # skips rows that contain a key; its value says what differs on Windows
     "odd": "names with line breaks",
     "bytes": "names that are not valid text",
     "/dev/": "Unix devices",
@@ -29,7 +29,7 @@ ELSEWHERE = {  # rows with these parts are skipped: what differs on Windows
 
 
 def same_form(text):
-    """Removes differences due to the system or the run: in line ends, separators and times."""
+    """Removes differences due to the system or the run: line ends, path separators and times."""
     text = text.replace(b"\r\n", b"\n").replace(b"\\\\", b"\\").replace(b"\\", b"/")
     text = re.sub(rb"Wine cannot find the FreeType(.*\n){4}", b"", text)
     return re.sub(rb"(FileDateTime\*\*|created|file date).*", rb"\1", text)

@@ -28,7 +28,7 @@ std::string recordedName(const std::string& path) {
   return aq::escaped(aq::fileInformation()->recordedName(path));
 }
 
-// Rows, from a table or from a document.
+// Rows of a table or a document.
 
 /// The time of day in `text`, or `seconds` if `text` is empty.
 aq::AQ_Time timeOf(const std::string& text, double seconds) {

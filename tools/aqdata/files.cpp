@@ -33,7 +33,7 @@ void complainOf(const std::string& path, std::string_view why, Session& session)
   session.complain(fmt::format("{}: {}", aq::escaped(path), why), path);
 }
 
-/// A broken link in words, with its target; empty for anything else.
+/// Describes a broken link with its target; empty for anything else.
 std::string danglingLink(const fs::path& path) {
   std::error_code error;
   if (!fs::is_symlink(fs::symlink_status(path, error)) || fs::exists(path, error)) return {};

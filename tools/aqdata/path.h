@@ -6,8 +6,8 @@
 
 namespace aqdata {
 
-/// A name in UTF-8 as a path. On Windows, a path made from its plain bytes would have the wrong
-/// letters.
+/// A name in UTF-8 as a path. On Windows, a path made from the bytes themselves would be
+/// decoded with the system's code page.
 [[nodiscard]] inline std::filesystem::path pathOf(std::string_view name) {
   return std::u8string(name.begin(), name.end());
 }

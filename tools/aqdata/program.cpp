@@ -38,7 +38,7 @@ std::string unknown(const char* what, const std::string& found,
                      meant.empty() ? "" : fmt::format("; did you mean {}?", meant));
 }
 
-/// How many of the first words form an option that commands share, with its value.
+/// How many words at the start form an option that commands share, including its value.
 std::size_t sharedOption(const std::vector<std::string>& words) {
   static const std::set<std::string> kFlags{"--json", "-q", "--quiet"};
   static const std::set<std::string> kWithValue{"--color", "-j", "--jobs"};
@@ -120,7 +120,7 @@ void addCommands(CLI::App& program, Session& session) {
 
 std::vector<CLI::App*> commandsOf(CLI::App& program) {
   return program.get_subcommands([](const CLI::App* command) {
-    return !command->get_group().empty();  // hidden ones have no group
+    return !command->get_group().empty();  // hidden commands have no group
   });
 }
 

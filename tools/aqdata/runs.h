@@ -34,15 +34,15 @@ struct Run {
 [[nodiscard]] Run openRun(const RunFiles& files);
 
 /// Writes a run; the headers of the map and the geometry get the name of the new history. Returns
-/// what the history's format cannot hold. Throws `Failure`, before anything is written, if a file
-/// exists that may not be replaced.
+/// notes on what the history's format cannot hold. Throws `Failure`, before anything is written, if
+/// a file exists that may not be replaced.
 std::vector<std::string> writeRun(const Session& session, Run& run, const RunFiles& to,
                                   const std::string& from);
 
 /// Adds a comment line to all headers of a run.
 void addComment(Run& run, const std::string& line);
 
-/// Writes a history that was read from `from`. Returns what the format cannot hold. Throws
+/// Writes a history that was read from `from`. Returns notes on what the format cannot hold. Throws
 /// `Failure` for data that cannot be written unchanged.
 std::vector<std::string> writeHistory(const Session& session, const History& read,
                                       const std::string& to, const std::string& from,

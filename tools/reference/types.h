@@ -11,7 +11,7 @@
 #include <type_traits>
 #include <vector>
 
-// Types in words, and what a new object holds.
+// Types and initial values in words.
 
 namespace reference {
 
@@ -78,7 +78,7 @@ std::string typeWords() {
   }
 }
 
-/// What a member of a new object holds, in words.
+/// The initial value of a member, in words.
 template <class T>
 std::string valueWords(const T& value) {
   if constexpr (std::is_enum_v<T>) {

@@ -88,7 +88,7 @@ void printMetrics(Session& session, const Json& document) {
   table.print(session);
 }
 
-/// A file's line in the table of several files; `text` formats the numbers of the event.
+/// A file's line in the table for several files; `text` formats the numbers of the event.
 template <class Text>
 std::vector<std::string> eventCells(const FileMetrics& outcome, const Text& text) {
   const Json& event = outcome.document["event"];
@@ -225,9 +225,9 @@ void addMetrics(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<MetricsChoice>();
   CLI::App* const command =
       addCommand(program, session, "metrics", "Compute noise metrics and the event: PNLT, EPNL",
-                 "One history: prints the metrics of each record, then the event. Several, or a\n"
-                 "folder: prints the event of each history on one line. -o writes the same table;\n"
-                 "for one history, without the event. INTEG says which part of the event a record\n"
+                 "For one history, prints the metrics of each record, then the event; for several\n"
+                 "or a folder, the event of each history on one line. -o writes the same table,\n"
+                 "for one history without the event. INTEG says which part of the event a record\n"
                  "is: the maximum, the first or last record of the sum, or a second peak.\n\n"
                  "Examples:\n"
                  "  aqdata metrics fly-over.sth.csv --mask fly-over.mask.csv\n"

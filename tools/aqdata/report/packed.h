@@ -7,15 +7,16 @@
 
 #include "tools/aqdata/session.h"
 
-// Series of numbers in the form that the page reads: little-endian integers or single precision, in
-// base64.
+// Series of numbers in the form that the report page reads: little-endian integers or single
+// precision, in base64.
 namespace aqdata::report {
 
 [[nodiscard]] std::string base64(std::string_view bytes);
 
-/// Packs numbers as multiples of `step`: as 16-bit or 32-bit integers or, if their difference is
-/// constant, as the first number and the difference. If a number is too large or, with `exact`, not
-/// within 1e-9 of a multiple, packs all numbers in single precision instead. NaN means no value.
+/// Packs numbers as multiples of `step`: as 16-bit or 32-bit integers or, if consecutive ones
+/// differ by a constant, as the first number and that difference. If a number is too large or, with
+/// `exact`, not within 1e-9 of a multiple, packs all numbers in single precision instead. NaN means
+/// no value.
 [[nodiscard]] Json packed(std::span<const double> numbers, double step, bool exact = false);
 
 /// Numbers from 0 to 3, four per byte, the first one in the lowest bits.
