@@ -85,7 +85,7 @@ void readRow(FieldReader fields, const AQ_HeaderMask& header, std::shared_ptr<AQ
              AQ_MaskMap& map) {
   const std::int16_t record = fields.int16("a record number");
   const std::size_t count = bandCount(header);
-  // The header may claim any number; taking more masks than the line can have throws.
+  // The header may claim any number of bands; taking more masks than the line can have throws.
   const auto codes = row->renew(header.iBandLow, std::min(count, fields.mostLeft()));
   for (std::size_t i = fields.takeRun(codes, masksAtFront); i < count; ++i) {
     codes[i] = maskCodeOf(maskFrom(fields));

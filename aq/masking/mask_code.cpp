@@ -20,7 +20,7 @@ AQ_Mask maskWith(int mode, int adjustment) {
   return mask;
 }
 
-/// Two bytes as the number that they are in memory, the index of the tables below.
+/// Two bytes as a 16-bit number in memory order, which indexes the tables below.
 template <class Byte>
 constexpr std::size_t indexOf(std::array<Byte, 2> bytes) {
   return std::bit_cast<std::uint16_t>(bytes);
@@ -57,7 +57,7 @@ constexpr std::array<char, kColumn> columnOf(std::size_t code) {
 }
 
 /// The two columns of a pair of codes, in a word that is written at once; the next pair overwrites
-/// the two excess bytes. One of these marks a pair with `kNoMaskCode`.
+/// the two excess bytes. One of these is 1 if a code is `kNoMaskCode`.
 using TwoColumns = std::uint64_t;
 constexpr TwoColumns kMissing = std::bit_cast<TwoColumns>(std::array<char, 8>{0, 0, 0, 0, 0, 0, 1});
 

@@ -16,7 +16,7 @@
 namespace aq::sdf {
 namespace {
 
-/// Consecutive values, with their lines.
+/// Consecutive values, with their line numbers.
 struct Values {
   std::optional<std::size_t> set;
   std::optional<std::size_t> trace;
@@ -26,7 +26,7 @@ struct Values {
   std::vector<double> y;
   std::vector<double> x;
   std::vector<std::pair<std::size_t, std::size_t>>
-      lines;  // the number of values before a line, and the line
+      lines;  // the number of values before a line, and the line's number
   std::size_t lastLine = 0;
 
   [[nodiscard]] bool isNamed() const { return set && trace && scan; }
@@ -46,7 +46,7 @@ bool isSeparator(std::string_view line) {
          line.find_first_not_of(line[0]) == line.npos;
 }
 
-/// Takes the numbers of a line; returns false if it has none, or has any other word.
+/// Takes the numbers of a line; returns false if it has none or contains any other word.
 bool numbersOf(std::string_view line, std::vector<double>& numbers) {
   numbers.clear();
   for (;;) {
@@ -155,7 +155,7 @@ class TextReader {
   bool inValues_ = false;
 };
 
-/// The records of the header file in the folder of `path`.
+/// The records of the header file with the stem and folder of `path`.
 RecordText recordsBeside(const std::string& path) {
   const std::size_t dot = path.size() - std::min(path.size(), platform::fileName(path).size());
   const std::size_t point = path.rfind('.');

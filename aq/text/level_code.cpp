@@ -47,7 +47,7 @@ constexpr auto kDecimalTexts = [] {
 }();
 
 constexpr std::size_t kLongestQuick = 8;   // a sign, three digits, a point, two decimals, a comma
-constexpr std::int32_t kQuickEnd = 99999;  // hundredths below it have up to three whole digits
+constexpr std::int32_t kQuickEnd = 99999;  // below it: at most three whole digits
 
 /// Writes a level given in hundredths, below `kQuickEnd` in magnitude, and a comma. Returns the
 /// position after the comma; may overwrite the character there.
@@ -66,7 +66,7 @@ constexpr std::int32_t kDoubtful = kQuickEnd;
 
 /// The hundredths to which a level rounds; `kDoubtful` where the exact digits have to decide.
 std::int32_t quickHundredths(double level) {
-  constexpr double kNearHalf = 1e-3;  // products with 100 are off by less than 1e-9
+  constexpr double kNearHalf = 1e-3;  // the product with 100 is off by less than 1e-9
   const double size = std::abs(level) * 100;
   if (!(size < kQuickEnd - 1)) return kDoubtful;
   const auto below = static_cast<std::int32_t>(size);

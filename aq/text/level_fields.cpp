@@ -134,7 +134,7 @@ AQ_AVX2 __m256i digitsOf(__m128i low, __m128i high, std::uint32_t lowPlaces,
 
 /// The hundredths of four levels, each as two terms.
 AQ_AVX2 __m256i termsOf(__m256i digits) {
-  const __m256i pairs = _mm256_set1_epi64x(0x010A0064010A0000);  // tens, units, and after the point
+  const __m256i pairs = _mm256_set1_epi64x(0x010A0064010A0000);  // weights of each pair's digits
   const __m256i terms = _mm256_set1_epi64x(0x0001000103E80000);
   return _mm256_madd_epi16(_mm256_maddubs_epi16(digits, pairs), terms);
 }

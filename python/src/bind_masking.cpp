@@ -67,8 +67,8 @@ std::shared_ptr<AQ_MaskRow> rowFrom(const Numbers& modes, const Numbers& adjustm
   return row;
 }
 
-/// Codes of modes or adjustments: an aligned frame or array has NaN for no decision, and a
-/// comparison gives True for masked.
+/// Codes of modes or adjustments. Accepts NaN for no decision, as in aligned frames, and booleans,
+/// with True for masked, as comparisons give.
 Numbers codesFrom(const py::object& given) {
   const char* const wanted = "numbers in two dimensions, (records, bands)";
   const py::array array = arrayFrom(given);

@@ -120,7 +120,7 @@ INI = {
     "FileName": ["text"],
     "FileDateTime": ["date", "clock"],
 }
-INI_BEFORE = {  # what print_file sets before a read, which resets two of the values
+INI_BEFORE = {  # values that print_file sets before reading, which resets two of them
     "caladj": [1],
     "nuavg": [99],
     "prwndo": [2],
@@ -134,7 +134,7 @@ INI_BEFORE = {  # what print_file sets before a read, which resets two of the va
 AVERAGING = {"LINEAR": 0, "TRUSLO": 1, "4S100": 2, "4S95": 3, "CONTEXPO": 4, "NA": 99}
 STAMPS = {"START": 0, "MIDPT": 1, "END": 2, "ICAOSLO": 3, "OLDSLO": 4}
 MODES, ADJUSTMENTS = "-MAF", "-SFTACR"
-COUNTED = 32767  # the largest number of data lines if lines are numbered
+COUNTED = 32767  # the most data lines that a format with numbered lines can have
 
 
 class Failure(Exception):
