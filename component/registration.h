@@ -7,8 +7,8 @@ namespace aq::com {
 enum class Scope { Machine, User };
 
 // Registers the classes and the type library for hosts. If registration fails half-way, the entries
-// already written are removed. Removal keeps the entries shared with the DLL of the other size (32
-// or 64 bits).
+// already written are removed. Removal keeps the entries that the 32-bit and the 64-bit DLL
+// share.
 [[nodiscard]] HRESULT registerServer(Scope scope);
 [[nodiscard]] HRESULT unregisterServer(Scope scope);
 

@@ -15,7 +15,7 @@ namespace {
 using PositionsRead = Content<AQ_HeaderPTH, AQ_PositionTimeHistory>;
 using GeometryRead = Content<AQ_HeaderGTH, AQ_GeometryTimeHistory>;
 
-// Numbers of header lines, which are the same in all files of a kind.
+// Line numbers in headers, which are the same in all files of a kind.
 constexpr std::size_t kMicrophoneLine = 6;
 constexpr std::size_t kMicrophonePositionLine = 7;
 constexpr std::size_t kHistoryLine = 9;

@@ -222,8 +222,8 @@ Handle open(const std::wstring& path, const Opening& how, const char* wanted) {
   return handle;
 }
 
-/// A duplicate of the handle of the standard stream that `path` names as on other systems, such as
-/// /dev/stdout; null for any other path.
+/// A duplicate of the standard stream's handle if `path` names the stream as other systems do, such
+/// as /dev/stdout; otherwise null.
 Handle standardStream(const std::string& path) {
   DWORD stream = 0;
   if (path == "/dev/stdin") stream = STD_INPUT_HANDLE;
@@ -431,7 +431,7 @@ void appendTo(const Handle& file, std::string_view bytes) {
   }
 }
 
-/// Appends an argument, quoted in the way that programs parse; without quotes if it needs none,
+/// Appends an argument, quoted as programs expect; without quotes if it needs none,
 /// since old programs do not remove quotes.
 void appendArgument(std::wstring& line, std::wstring_view argument) {
   if (!line.empty()) line += L' ';

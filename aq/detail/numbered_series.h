@@ -31,7 +31,7 @@ struct Counter {
   ~Counter() = default;
 };
 
-/// Throws `InvalidArgument`. Not inline, so that `NumberedSeries::at` is.
+/// Throws `InvalidArgument`. Out of line to keep `NumberedSeries::at` small enough to inline.
 [[noreturn]] AQ_API void throwNoRecord(std::int32_t number);
 
 /// Finds the slot of a record number. As long as records are numbered n, n+1, n+2 …, the slot
@@ -46,14 +46,14 @@ class AQ_API NumberIndex {
     return static_cast<std::size_t>(std::int64_t{number} - first_);
   }
 
-  /// Whether the number is the next one in a run. If so, `lengthen` records it in the next slot.
+  /// Whether the number is the next one of the run. If so, `lengthen` records it in the next slot.
   [[nodiscard]] bool continues(std::int32_t number) const {
     return isRun() && length_.value != 0 && number == afterRun();
   }
   void lengthen() { ++length_.value; }
 
-  /// Reserves room for a number, so that `set` cannot fail. Only `renumber` may be called in
-  /// between.
+  /// Reserves room for a number, so that `set` cannot fail. Before `set`, only `renumber` may be
+  /// called.
   void reserveNext(std::int32_t number) {
     const bool followsRun = length_.value == 0 || number == afterRun() || number == afterRun() - 1;
     if (!isRun() || !followsRun) reserveInTable(number);
@@ -86,8 +86,8 @@ class AQ_API NumberIndex {
 };
 
 /// Shared objects in the order in which they were stored, each with a record number. Storing under
-/// an existing number removes the old object and appends the new one at the end. `Number` is the
-/// type of the numbers that a walk yields.
+/// an existing number removes the old object and appends the new one at the end. Iterators yield
+/// the numbers as `Number`.
 template <class T, class Number = std::int32_t>
 class NumberedSeries {
  public:
@@ -168,7 +168,7 @@ class NumberedSeries {
 
   [[nodiscard]] std::size_t size() const { return slots_.size(); }
 
-  /// The size as the 16-bit count of the interface; throws `Overflow` above 32767.
+  /// The size as a 16-bit count, as the interface returns it; throws `Overflow` above 32767.
   [[nodiscard]] std::int16_t count() const { return count16(size()); }
 
   [[nodiscard]] Walk begin() const { return {this, 0}; }

@@ -17,8 +17,8 @@ namespace aq {
 class LineReader;
 
 /// Writes and reads fixed-column spectral time histories (docs/formats/fixed-columns.md). The
-/// format keeps dates, bands without a level and the reference time type, but not the dates of
-/// files.
+/// format keeps record dates, bands without a level and the reference time type, but not file
+/// dates.
 class AQ_API AQ_DataSPC : public FileClass {
  public:
   /// The first line of a file begins with these bytes.
@@ -27,13 +27,13 @@ class AQ_API AQ_DataSPC : public FileClass {
   /// Sets the header to write, shared with the caller; without one, the header fields are empty.
   void setHeader(const std::shared_ptr<AQ_HeaderSTH>& aqHeader) { header_ = aqHeader; }
 
-  /// Seconds from one record to the next, initially 0.5. Reading a file sets it. Setting throws,
-  /// and keeps the old value, unless the number is above 0 and below 1000 (`InvalidValue`), or if
-  /// the value is not a number (`TypeMismatch`).
+  /// Seconds from one record to the next, initially 0.5. Reading a file sets it. Setting throws
+  /// and keeps the old value if the number is not above 0 and below 1000 (`InvalidValue`) or if the
+  /// value is not a number (`TypeMismatch`).
   [[nodiscard]] double RecordLength() const { return settings_.recordLength; }
   void RecordLength(const Variant& seconds);
 
-  // Which part of a history is written: 0, the default, means the first or last record stored, and
+  // Which part of a history is written: 0, the default, means the first or last record stored, or
   // the lowest or highest band of all records written. Reading a file sets these four.
   [[nodiscard]] std::int16_t NumberFirstRecord() const { return settings_.first; }
   void NumberFirstRecord(std::int16_t nRecord) { settings_.first = nRecord; }

@@ -6,7 +6,7 @@
 
 namespace aq {
 
-/// The kinds of file that the library reads.
+/// The kinds of file that the library recognises.
 enum class FileKind {
   SpectralTimeHistory,
   PositionTimeHistory,

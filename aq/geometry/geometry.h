@@ -20,8 +20,8 @@ class AQ_API AQ_Geometry {
   double SRe = 0;
   /// Angle between the direction of flight and the line to the microphone, degrees, 0 to 180.
   float THETAe = 0;
-  /// Angle about the direction of flight, from straight down to that line, degrees, -180 to 180;
-  /// positive to the left.
+  /// Angle about the direction of flight, from straight down to the line to the microphone,
+  /// degrees, -180 to 180; positive to the left.
   float BETAe = 0;
   /// Propagation time from emission to measurement, s.
   double Tprope = 0;

@@ -26,7 +26,7 @@ inline constexpr MaskCode kDefaultMaskCode = 1;
 [[nodiscard]] AQ_API AQ_Mask maskOf(MaskCode code);
 
 /// Reads masks of two letters, each followed by ",", from the start of `text` until `codes` is full
-/// or other text follows. Later entries of `codes` may be overwritten.
+/// or other text follows. Entries of `codes` after those read may be overwritten.
 [[nodiscard]] AQ_API FieldsTaken masksAtFront(std::string_view text, std::span<MaskCode> codes);
 
 /// The number of bytes needed while writing that many masks.

@@ -19,7 +19,8 @@ class CountedLevels {
   CountedLevels& operator=(const CountedLevels&) = delete;
   CountedLevels(const AQ_Spectrum& spectrum, const AQ_MaskRow* masks) { take(spectrum, masks); }
 
-  /// Keeps a view of the levels, which must not change. Throws only if memory runs out.
+  /// Keeps a view of the levels, which must not change while it is used. Throws only if memory runs
+  /// out.
   void take(const AQ_Spectrum& spectrum, const AQ_MaskRow* masks);
 
   /// The band of the first level, and the band after the last one.
@@ -31,7 +32,7 @@ class CountedLevels {
 
   /// Whether every level has a code.
   [[nodiscard]] bool isCoded() const { return !codes_.empty(); }
-  /// Whether `LevelTable` has the code of every level, so that every level counts.
+  /// Whether `LevelTable` has the code of every level, in which case every level counts.
   [[nodiscard]] bool areInTable() const { return areInTable_; }
   /// The codes of the bands from `first` up to `last` or to the last level; `kInvalidCode` for a
   /// level that does not count. Requires `isCoded` and a `first` of `low` or more.
@@ -57,7 +58,7 @@ class CountedLevels {
 
   std::int32_t low_ = 0;
   bool areInTable_ = false;
-  std::span<const LevelCode> codes_;  // of the spectrum, or `maskedCodes_`
+  std::span<const LevelCode> codes_;  // the spectrum's, or `maskedCodes_`
   std::vector<LevelCode> maskedCodes_;
   std::vector<double> levels_;  // used instead of the codes
 };

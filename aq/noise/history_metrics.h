@@ -21,7 +21,7 @@ struct RecordMetrics {
   std::int16_t perceivedBands = 0;  ///< how many of bands 17 to 40 have a level that counts
   double seconds = 0;               ///< the time of day of its stamp
   std::array<double, AQ_METRIC_INTEG>
-      values{};  ///< by type, from `AQ_METRIC_AWT` up; dB, PNdB, TPNdB and bands
+      values{};  ///< by type, from `AQ_METRIC_AWT` up; dB, PNdB, TPNdB or band numbers
 
   [[nodiscard]] double value(AQ_METRIC_TYPE metric) const { return values[at(metric)]; }
   void value(AQ_METRIC_TYPE metric, double number) { values[at(metric)] = number; }
@@ -35,8 +35,8 @@ struct RecordMetrics {
 
 /// The metrics of a history.
 struct HistoryMetrics {
-  std::vector<RecordMetrics> records;  ///< in the order of their numbers
-  /// Indices count from the lowest record number. Empty if no record has a PNLT.
+  std::vector<RecordMetrics> records;  ///< in order of record number
+  /// The event's indices count from the lowest record number. Empty if no record has a PNLT.
   std::optional<NoiseEvent> event;
 };
 

@@ -10,7 +10,7 @@ namespace aq {
 
 RecordRange recordsDown(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map,
                         double decibels) {
-  constexpr double kDecimals = 1e-9;  // dB, for rounding, as for the limits of an event
+  constexpr double kDecimals = 1e-9;  // dB, a tolerance for rounding, as for event limits
   if (!(decibels > kDecimals)) {
     throw Error(ErrorCode::InvalidArgument, "expected a difference above 0 dB");
   }

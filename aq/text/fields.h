@@ -128,7 +128,7 @@ class AQ_API FieldReader {
     return convertTaken(expected, cleanText(), conversion);
   }
 
-  /// Fails at the field taken last.
+  /// Fails at the last field taken.
   [[noreturn]] void fail(std::string expected) const;
 
  private:
@@ -156,7 +156,7 @@ class AQ_API FieldReader {
   bool raw_;
   bool done_ = false;  // the last field was taken
   std::size_t line_;
-  std::size_t number_ = 0;  // number of the field taken last
+  std::size_t number_ = 0;  // number of the last field taken
   std::string scratch_;
 };
 

@@ -60,10 +60,10 @@ class AQ_API FixedFieldReader {
   /// Fails when the line has anything but blanks after that column.
   void expectEnd(std::size_t last);
 
-  /// Throws `ReadFailure` for the field taken last; adds its columns to `expected`.
+  /// Throws `ReadFailure` for the last field taken; adds its columns to `expected`.
   [[noreturn]] void fail(std::string expected) const;
 
-  /// The line from a column to its end, unchanged.
+  /// The rest of the line from column `first`, unchanged.
   [[nodiscard]] std::string_view from(std::size_t first) const {
     return line_.substr(std::min(first - 1, line_.size()));
   }
@@ -74,8 +74,8 @@ class AQ_API FixedFieldReader {
  private:
   std::string_view line_;
   std::size_t number_;
-  std::size_t field_ = 0;  // number of the field taken last
-  Columns columns_{1, 1};  // columns of the field taken last
+  std::size_t field_ = 0;  // number of the last field taken
+  Columns columns_{1, 1};  // columns of the last field taken
   std::string_view found_;
 };
 

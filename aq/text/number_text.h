@@ -18,7 +18,7 @@ namespace aq {
   return text;
 }
 
-/// `text` with its letters a to z as capitals; other bytes unchanged.
+/// `text` with the letters a to z in upper case; other bytes unchanged.
 [[nodiscard]] AQ_API std::string upperCased(std::string_view text);
 
 // The number that all of `text` represents, outer blanks aside: an optional sign, digits with an
@@ -35,7 +35,7 @@ namespace aq {
 /// continue a number; 0 if there is no number. Throws `Overflow` outside the range of a double.
 [[nodiscard]] AQ_API double leadingNumber(std::string_view text);
 
-// Default text: at most 15 (double) or 7 (single) significant digits, a zero before the point, no
+// Default text: at most 15 (double) or 7 (single) significant digits, 0.5 instead of .5, no
 // exponent from 1e-7 up to 1e15 (1e7 for singles). Throws `InvalidValue` if not finite.
 AQ_API void appendNumber(std::string& text, double value);
 AQ_API void appendNumber(std::string& text, float value);
@@ -44,8 +44,9 @@ AQ_API void appendNumber(std::string& text, std::int32_t value);
 [[nodiscard]] AQ_API std::string numberText(float value);
 [[nodiscard]] AQ_API std::string numberText(std::int32_t value);
 
-// Text that reads back as exactly this value: the shortest one, and one with all digits and an
-// exponent, as in 4.58634312e-07. Values that are not finite give nan, inf or -inf.
+// Text that reads back as exactly this value: `appendExact` writes the shortest, `appendAllDigits`
+// all digits and an exponent, as in 4.58634312e-07. Values that are not finite give nan, inf or
+// -inf.
 AQ_API void appendExact(std::string& text, double value);
 AQ_API void appendExact(std::string& text, float value);
 AQ_API void appendAllDigits(std::string& text, double value);
@@ -64,8 +65,8 @@ inline constexpr std::size_t kFractionSize = 64;  // a point and the digits of t
 [[nodiscard]] AQ_API char* putNumber(char* at, double value);
 [[nodiscard]] AQ_API char* putNumber(char* at, float value);
 
-/// Writes the point and the fraction of `value` in 7 significant digits; nothing if those digits
-/// have no fraction. `value` is finite and not negative.
+/// Writes the point and the fraction of `value` rounded to 7 significant digits; nothing if no
+/// fraction remains. `value` is finite and not negative.
 [[nodiscard]] AQ_API char* putFraction(char* at, float value);
 
 }  // namespace aq

@@ -16,7 +16,7 @@ from .attributes import band_coordinates, expect, flags, level_variable, plain, 
 from .attributes import variable
 from .times import OWN
 
-# The variables for the columns of the library's tables: column, variable, unit, long name.
+# The variables made from the columns of the library's tables: column, variable, unit, long name.
 RECORD_TIMES = (
     ("TODseconds", "time", CLOCK, "time of day, not wrapped at midnight"),
     ("RelSeconds", "relative_time", "s", "time relative to the reference time"),
@@ -32,7 +32,7 @@ METRICS = (
     ("TONECOR", "dB", "tone correction"),
     ("TONEBND", "1", "band that caused the tone correction"),
     ("LGB", "1", "last good band"),
-    ("INTEG", "1", "part of the record in the integration, flags"),
+    ("INTEG", "1", "role of the record in the event, flags"),
     ("Level", "dB", "overall level"),
 )
 POSITION = RECORD_TIMES + (
@@ -121,7 +121,7 @@ def _first(records: Any, times: Any = None) -> dict[str, Any]:
 
 
 def _named(attrs: dict[str, Any], coordinates: dict[str, Any]) -> dict[str, Any]:
-    """The attributes, without `Conventions` unless times always ascend, as the conventions
+    """The attributes, without `Conventions` if times do not always ascend, as the CF conventions
     require.
     """
     time = coordinates.get("time")
@@ -137,7 +137,7 @@ def check_unit(unit: str) -> str:
 
 
 def check_map(history: _core.AQ_SpectralTimeHistory, mask: _core.AQ_MaskMap) -> None:
-    """Rejects a map whose records or bands are not those of the history."""
+    """Rejects a map with other records than the history's, or with bands outside its range."""
     expect(mask, _core.AQ_MaskMap, "mask")
     if not np.array_equal(mask.records, history.records):
         raise ValueError(
@@ -181,7 +181,8 @@ def history_to_xarray(
     Its coordinates are `time`, `relative_time` (s), `date`, `record`, `band` and `frequency` (Hz);
     with a map there are `mask_mode` and `mask_adjustment(time, band)` (flags, -1 where a row has no
     mask) and `last_good_band(time)`. The metrics of the history are variables too; headers and
-    settings go into the attributes. Raises `ValueError` for a map of other records or bands.
+    settings go into the attributes. Raises `ValueError` for a map with other records
+    than the history's, or with bands outside its range.
 
     >>> ds = history.to_xarray(mask, header, mask_header)
     >>> ds.level.sel(time=52210, method="nearest")
@@ -205,8 +206,8 @@ def history_to_xarray(
 def map_to_xarray(
     self: _core.AQ_MaskMap, header: Optional[_core.AQ_HeaderMask] = None
 ) -> xr.Dataset:
-    """A dataset with `mask_mode(time, band)`, `mask_adjustment` of that shape (both flags, -1 where
-    a row has no mask), and `last_good_band(time)`, 0 if all bands are good, 9999 if none is.
+    """A dataset with `mask_mode` and `mask_adjustment(time, band)` (flags, -1 where a row has no
+    mask), and `last_good_band(time)` (0 if all bands are good, 9999 if none is).
 
     >>> (mask.to_xarray().mask_mode > 0).sum()
     """
@@ -233,7 +234,7 @@ def spectrum_to_xarray(
     return xr.Dataset({"level": level}, band_coordinates(self.bands), attrs)
 
 
-# Series of positions and of geometry.
+# Series of positions, geometry, and emission and reception.
 
 
 def _series_to_xarray(
@@ -272,11 +273,11 @@ def geometry_to_xarray(
     unit: str = "m",
     angle_unit: str = "degree",
 ) -> xr.Dataset:
-    """A dataset over `time` (s) with the emission time, position, slant range and angles of each
-    record.
+    """A dataset over `time` (s) with the emission time, position, slant range, emission angles and
+    propagation time of each record.
 
-    `unit` is the unit of lengths, as for positions, and `angle_unit` the unit of angles, degree or
-    rad, which depends on the program that computed them; any other raises `ValueError`.
+    `unit` is the length unit, as for positions, and `angle_unit` the angle unit, degree or rad,
+    which depends on the program that computed them; any other raises `ValueError`.
 
     >>> geometry.to_xarray().slant_range.min()
     """
@@ -290,9 +291,10 @@ def geometry_to_xarray(
 
 @attach(_core.AQ_EmtRcvTable, name="to_xarray")
 def emission_to_xarray(self: _core.AQ_EmtRcvTable, unit: str = "m") -> xr.Dataset:
-    """A dataset of reception time (s), position and slant range, indexed by emission time.
+    """A dataset of reception time, position, slant range and propagation time, indexed by
+    emission time (s).
 
-    `unit` is the unit of lengths, as for positions.
+    `unit` is the length unit, as for positions.
 
     >>> table.to_xarray().reception_time - table.to_xarray().time
     """

@@ -234,7 +234,7 @@ def ground_track(
 ) -> Axes:
     """The path over the ground, to scale, with rejected fixes and the microphone.
 
-    `unit` is the unit of lengths: m, km, ft or nautical_mile, by default that of the dataset; any
+    `unit` is the length unit: m, km, ft or nautical_mile, by default that of the dataset; any
     other raises `ValueError`, as do positions without a fix.
 
     >>> aq_data.plot.ground_track(track, microphone)

@@ -1,4 +1,4 @@
-"""Folders of files: damaged files among many, and lazy datasets under any scheduler."""
+"""Tests folders of files: damaged files among good ones, and lazy datasets under any scheduler."""
 
 from __future__ import annotations
 

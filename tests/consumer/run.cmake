@@ -1,5 +1,5 @@
 # Builds the library as KIND, installs it into a prefix below WORK, and builds and runs the host
-# against that prefix: through the config package, and through pkg-config.
+# against that prefix: through the CMake config package, and through pkg-config.
 function(run)
   execute_process(COMMAND ${ARGV} WORKING_DIRECTORY ${WORK} COMMAND_ERROR_IS_FATAL ANY)
 endfunction()

@@ -1,4 +1,4 @@
-// What the samples of fixed columns do not cover: parts of a history, dates, and rejected calls.
+// Tests what the fixed-column samples do not cover: parts of a history, dates, and rejected calls.
 #include <aq/aq.h>
 #include <gtest/gtest.h>
 

@@ -18,7 +18,7 @@ void arm(Fault fault, long nth);
 /// Cancels `arm`; returns whether the fault happened.
 bool disarm();
 
-/// The most bytes that were allocated at the same time since `arm`.
+/// The largest number of bytes allocated at any one time since `arm`.
 std::size_t peakOfMemory();
 
 /// The names of the system calls since `arm`, each followed by a blank.

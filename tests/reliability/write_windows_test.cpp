@@ -1,4 +1,4 @@
-// What remains when a file is replaced or appended to on Windows, and what is refused.
+// Tests what is kept when a file is replaced or appended to on Windows, and what is refused.
 #include <aq/aq.h>
 #include <aq/core/platform.h>
 #include <gtest/gtest.h>

@@ -222,7 +222,7 @@ SCRIBBLES = [
 
 
 def odd(rng, cell=""):
-    """A string that is not a value of the cell's kind, barely is one, or is of another kind."""
+    """An invalid or borderline value of the cell's kind, or a value of another kind, as text."""
     kind = "/" in cell and DATES or ":" in cell and TIMES or re.search("[0-9]", cell) and NUMBERS
     if rng.random() < 0.4:
         return "".join(rng.choices(rng.choice(SCRIBBLES), k=rng.randint(1, 9)))

@@ -73,7 +73,7 @@ def season(folder):
 
 
 def hostile(text):
-    """The file's text with all hostile words in every text field, a comment and another record."""
+    """The text with all hostile words in every text field, a comment and an `OtherRecords` line."""
     words = " ".join(HOSTILE)
     text = re.sub(rf"^(\w*({TEXTS}))\*\*,.*", lambda m: f"{m[1]}**,{words}", text, flags=re.M)
     text = re.sub(r"^OtherRecords\*\*,0", lambda m: f"OtherRecords**,1\n{words}", text, flags=re.M)

@@ -10,7 +10,7 @@
 
 namespace aqdata {
 
-/// The name of a metric in tables and documents.
+/// The name of a metric in tables and JSON.
 struct MetricName {
   aq::AQ_METRIC_TYPE type;
   const char* text;
@@ -48,7 +48,7 @@ inline constexpr MetricName kMetricNames[] = {
 /// The correction in words, such as "tone correction of 2.00 dB for band 34 (2.5 kHz)".
 [[nodiscard]] std::string toneText(const aq::ToneCorrection& tone);
 
-/// A field of comma-separated values, in quotes if necessary.
+/// A CSV field, in quotes if necessary.
 [[nodiscard]] std::string csvField(const std::string& text);
 
 /// The files that the user's arguments name; for a folder, the histories in it.

@@ -41,7 +41,7 @@ std::string pieceText(const std::string& file, std::int32_t low, std::int32_t hi
              : fmt::format("{} (records {} to {}, previously from {})", name, low, high, was);
 }
 
-/// The points of all records of a run.
+/// A run's geometry, with a point for every record.
 std::shared_ptr<aq::AQ_GeometryTimeHistory> wholeGeometry(const Run& run) {
   aq::AQ_SpectralTimeHistory& history = *run.history.model;
   return aq::geometryOf(*run.geometry->model, history, {history.LoRec(), history.HiRec()});
@@ -87,7 +87,7 @@ std::int32_t append(Run& run, Run& piece, const std::string& file, const JoinCho
 
 void join(Session& session, const JoinChoice& choice) {
   const std::vector<std::string>& files = session.files;
-  if (files.size() < 2) throw Failure("expected two pieces or more, in the order of their times");
+  if (files.size() < 2) throw Failure("expected two pieces or more, in time order");
   expectEnding(session.output, {".sth.csv", ".spc", ".csv"});
   const auto filesOf = [&](const std::string& history) {
     return RunFiles{history, choice.maps ? nextToHistory(history, ".mask.csv") : std::string(),
@@ -139,7 +139,7 @@ void addJoin(CLI::App& program, Session& session) {
                  "  aqdata cut fly-over.sth.csv --records 24: -o b.sth.csv\n"
                  "  aqdata join a.sth.csv b.sth.csv --fill -o whole.sth.csv\n",
                  [&session, choice] { join(session, *choice); });
-  command->add_option("HISTORIES", session.files, "The pieces, in the order of their times")
+  command->add_option("HISTORIES", session.files, "The pieces, in time order")
       ->required()
       ->type_name("");
   command->add_flag("--fill", choice->fill,
