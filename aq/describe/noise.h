@@ -21,8 +21,8 @@ struct Description<ToneStep> {
   static constexpr char name[] = "ToneStep";
   static constexpr int number = 41;
   static constexpr char text[] =
-      "The results of the tone correction procedure for one band; values that a step does not "
-      "define are empty";
+      "The results of the tone correction procedure for one band; values that are not defined for "
+      "the band are empty";
   template <class To>
   static void members(To& to) {
     using S = ToneStep;
@@ -37,7 +37,8 @@ struct Description<ToneStep> {
         .field("adjustedSlope", &S::adjustedSlope, "The slope of the adjusted levels", kDecibels)
         .field("meanSlope", &S::meanSlope,
                "The mean of three adjusted slopes, this band's and the next two", kDecibels)
-        .field("background", &S::background, "The level without tones", kDecibels)
+        .field("background", &S::background, "The level that the band would have without tones",
+               kDecibels)
         .field("difference", &S::difference,
                "The level minus the background; counts if it is at least 1.5", kDecibels)
         .field("correction", &S::correction,
@@ -49,7 +50,7 @@ template <>
 struct Description<ToneCorrection> {
   static constexpr char name[] = "ToneCorrection";
   static constexpr int number = 42;
-  static constexpr char text[] = "The tone correction of a spectrum, with every step";
+  static constexpr char text[] = "The tone correction of a spectrum, with the steps for each band";
   template <class To>
   static void members(To& to) {
     using C = ToneCorrection;
@@ -81,8 +82,8 @@ struct Description<NoiseEvent> {
         .field("last", &E::last,
                "The 10 dB-down limit after the maximum; empty if the records end above it",
                kPlaceFrom0)
-        .field("secondPeaks", &E::secondPeaks, "Other maxima within 2 dB of the largest",
-               kPlaceFrom0)
+        .field("secondPeaks", &E::secondPeaks,
+               "Other local maxima of PNLT within 2 dB of the largest", kPlaceFrom0)
         .field("pnltm", &E::pnltm, "The largest PNLT, without band sharing", Quantity{"TPNdB"})
         .field("epnl", &E::epnl, "Effective perceived noise level, without band sharing",
                Quantity{"EPNdB"})
@@ -130,8 +131,8 @@ struct Description<NoiseFunctions> {
                       kDecibels),
                 spectrum, in("weighting", "AQ_METRIC_AWT, _CWT, _DWT or _OA"), masks)
         .function("perceivedNoiseLevel", &perceivedNoiseLevel,
-                  about("The perceived noise level of a spectrum, from bands 17 to 40; raises for "
-                        "levels of thousands of decibels",
+                  about("The perceived noise level of a spectrum, from bands 17 to 40; raises if "
+                        "the levels are too high for it",
                         Quantity{"PNdB", 0}),
                   spectrum, masks)
         .function("toneCorrection", &toneCorrection,

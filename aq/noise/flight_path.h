@@ -48,7 +48,7 @@ class FlightPath {
 
   std::vector<double> seconds_;
   std::vector<Vector3> positions_;
-  std::vector<std::size_t> moving_;  // segments with movement, in order
+  std::vector<std::size_t> moving_;  // segments in which the source moves, in order
 };
 
 }  // namespace aq

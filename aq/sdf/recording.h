@@ -42,8 +42,8 @@ struct TraceSet {
   std::uint64_t axisAt = 0;  ///< offset of the first x in the X record
 };
 
-/// The scans of a recording: how many it has room for, and how many of these, counted from the
-/// first, are valid.
+/// The scans of a recording: how many it has room for, and how many are valid; the valid ones come
+/// first.
 struct Scans {
   bool any = false;  ///< false: everything was measured once
   std::size_t kept = 1;
@@ -63,7 +63,7 @@ struct ScanVariable {
 /// The values of one trace of one scan, from a text file.
 struct TextTrace {
   std::string values;  ///< doubles, stored as in a binary file
-  std::string x;       ///< doubles, stored in the same way; empty if the text file gives none
+  std::string x;       ///< also doubles; empty if the text file gives none
   std::optional<double> scanVariable;
 };
 
@@ -74,11 +74,12 @@ class AQ_API Recording {
   using TextTraces = std::map<std::tuple<std::size_t, std::size_t, std::size_t>, TextTrace>;
 
   /// Reads a binary file. Throws `platform::SystemError`, and `ReadFailure` if the file contradicts
-  /// itself or its size, before allocating any memory that the file claims to need.
+  /// itself or its size, before allocating the memory that the file claims to need.
   static Recording fromFile(const std::string& path);
 
   explicit Recording(RecordList records);
-  /// A recording read from a text file; each key of `traces` is a data header, a trace and a scan.
+  /// A recording read from a text file; each key of `traces` is the indices of a data header, a
+  /// trace and a scan.
   Recording(RecordList records, TextTraces traces);
 
   [[nodiscard]] const RecordList& records() const { return records_; }
@@ -127,7 +128,7 @@ class AQ_API Recording {
   bool axisOfScan_ = true;  // the traces of each scan have their own x vectors
 };
 
-/// The number type that the field's code selects; fails with the record's name for an unknown code.
+/// The number type for the code in `field`; fails with the record's name if the code is unknown.
 [[nodiscard]] NumberType numberType(const Record& record, const Field& field);
 
 }  // namespace aq::sdf
