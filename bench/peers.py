@@ -1,6 +1,6 @@
 """Times numpy and pandas against the library on the same history: reading, writing, noise metrics.
 
-peers.py FOLDER TABLE: FOLDER has the history that the benchmark program made; TABLE is the
+peers.py FOLDER TABLE: FOLDER contains the history that the benchmark program made; TABLE is the
 program's output with --json. Prints `name ratio median spread`; the ratio is the peer's median
 divided by the library's in this run. aq_data must be importable.
 """

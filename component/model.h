@@ -25,7 +25,7 @@ namespace aq::com {
 
 namespace describe = aq::describe;
 
-inline constexpr std::string_view kServer = "AQ_Data_Control";  // before the dot of a ProgID
+inline constexpr std::string_view kServer = "AQ_Data_Control";  // the first part of a ProgID
 inline constexpr int kMajorVersion = 1;
 inline constexpr int kMinorVersion = 0;
 
@@ -48,8 +48,8 @@ inline constexpr std::int32_t kFirstExtra = 101;
 /// The name of the argument of a collection's `Add`, as in hosts' own collections.
 inline constexpr std::string_view kEntryName = "Item";
 
-/// The functions of the library, as the members of one class. Each folder has 20 numbers; a new
-/// folder gets the next 20.
+/// The functions of the library, as the members of one class. Each folder has 20 member numbers; a
+/// new folder gets the next 20.
 struct Library {};
 inline constexpr std::int32_t kFunctionsOfAFolder = 20;
 inline constexpr aq::describe::List<aq::describe::CoreFunctions, aq::describe::FileFunctions,
@@ -152,7 +152,7 @@ inline constexpr bool isSeries = std::same_as<C, AQ_EmtRcvTable> || requires(con
   object.begin();
 };
 
-/// A member that only the component has; it does what a C++ program does in a loop.
+/// A member that only the component has; it does in one call what a C++ program does in a loop.
 struct Extra {
   std::string_view owner;
   const char* name;

@@ -11,9 +11,9 @@
 
 namespace aq {
 
-/// Counts the decimals of the numbers in a column. Trailing zeros show that the program always
-/// writes the same number of decimals, so that a number with fewer has lost digits. Ignores a plain
-/// 0 and a plain 9999, which mean no value.
+/// Counts the decimals of the numbers in a column. Trailing zeros show that the file was written
+/// with a fixed number of decimals, so a number with fewer has lost digits. Ignores a plain 0 and a
+/// plain 9999, which mean no value.
 class Decimals {
  public:
   void see(std::string_view field, const FindingPlace& place);

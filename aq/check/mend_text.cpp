@@ -166,7 +166,7 @@ class TextMender {
     return lines_.front().find(kKeywordMark) != std::string::npos;
   }
 
-  /// Spreadsheets separate fields with semicolons in countries with decimal commas, or with tabs.
+  /// Spreadsheets separate fields with tabs or, in countries that use decimal commas, semicolons.
   void mendSeparators() {
     const std::size_t mark = lines_.front().find(kKeywordMark);
     if (mark == std::string::npos) return;
@@ -353,7 +353,7 @@ class TextMender {
     std::size_t headings = 0;
   };
 
-  /// Nothing if the lines do not show where they are.
+  /// Nothing if there is no valid comment count.
   [[nodiscard]] std::optional<HeaderPlaces> header() const {
     constexpr std::string_view kCount = "NumberOfCommentLines**";
     for (std::size_t at = 0; at < lines_.size(); ++at) {

@@ -8,18 +8,20 @@
 
 namespace aq {
 
-/// The text of a measurement file before other programs changed it, where that is unambiguous.
+/// The text of a measurement file as it was before other programs changed it, as far as that is
+/// unambiguous.
 struct Mended {
   std::string text;
   std::vector<std::string> done;  ///< what was mended, in words; empty if the text is unchanged
   std::vector<std::string> left;  ///< what looks changed but was left, since it is ambiguous
 };
 
-/// Undoes what other programs do to measurement files: UTF-16, a byte order mark, carriage returns
-/// as line endings, a spreadsheet's semicolons or tabs, quotes and padding, blank lines among and
-/// after the data, and decimal commas. Leaves ambiguous text unchanged. If the format has comments,
-/// adds one that gives the file's `name` and lists the changes; `done` lists changes that the
-/// caller has already made, such as unpacking. Leaves analyzer recordings unchanged.
+/// Undoes the changes that other programs make to measurement files: UTF-16, a byte order mark,
+/// carriage returns as line endings, a spreadsheet's semicolons or tabs, quotes and padding, blank
+/// lines among and after the data, and decimal commas. Leaves ambiguous text unchanged. If the
+/// format has comments, adds one that gives the file's `name` and lists the changes; `done` lists
+/// changes that the caller has already made, such as unpacking. Leaves analyzer recordings
+/// unchanged.
 [[nodiscard]] AQ_API Mended mendText(std::string_view bytes, std::string_view name,
                                      std::vector<std::string> done = {});
 

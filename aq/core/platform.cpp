@@ -400,7 +400,7 @@ void replaceFile(const std::string& path, std::string_view bytes) {
   const std::string folder = folderOf(entry);
   // Nobody else may read the file until it has the permissions of the old one.
   Temporary temporary(folder, old ? kOwnFile : kNewFile,
-                      old ? "a folder that takes a temporary file" : kWrite);
+                      old ? "a folder where a temporary file can be created" : kWrite);
   OutputFile file(temporary.handle());
   if (old) file.takeAfter(*old);
   file.write(bytes);

@@ -380,7 +380,7 @@ std::wstring finalPath(const Handle& file) {
 
 void replace(const std::wstring& path, const Old* old, std::string_view bytes) {
   Temporary temporary(folderOf(path), old,
-                      old != nullptr ? "a folder that takes a temporary file" : kWrite);
+                      old != nullptr ? "a folder where a temporary file can be created" : kWrite);
   write(temporary.file(), bytes);
   flush(temporary.file());
   temporary.renameTo(path, old != nullptr ? kReplace : kWrite);

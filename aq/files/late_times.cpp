@@ -7,7 +7,7 @@ namespace aq {
 namespace {
 
 bool isLate(double seconds) {
-  constexpr double kFirst = 0.99;  // of a second; five digits before the point leave two after it
+  constexpr double kFirst = 0.99;  // of a second; from 10,000 s on, times keep two decimals
   if (!(seconds >= 0 && seconds < kSecondsPerDay)) return false;
   if (seconds - std::floor(seconds) < kFirst) return false;
   AQ_Time time;

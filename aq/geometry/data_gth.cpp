@@ -12,7 +12,7 @@
 namespace aq {
 namespace {
 
-// Three keywords differ from the names of their fields: hosts rely on it.
+// Three keywords differ from the names of their fields; hosts rely on this.
 template <class Lines>
 void header(Lines& lines, AQ_HeaderGTH& header) {
   AQ_Position& microphone = orThrow(header.MicrophonePosition);
@@ -41,7 +41,7 @@ void header(Lines& lines, AQ_HeaderGTH& header) {
   microphone.Z(z);
 }
 
-/// The last of the eleven columns has no heading: hosts rely on it.
+/// The last of the eleven columns has no heading; hosts rely on this.
 void appendPoint(std::string& text, std::int32_t record, AQ_Geometry& point) {
   const auto field = [&text](auto value) {
     text += ',';

@@ -13,8 +13,8 @@
 
 namespace aq {
 
-/// The emission geometry of a measurement's records, half a second each, by record number. Points
-/// are shared with the caller, not copied.
+/// The emission geometry of a measurement: one point per record, by record number. Points are
+/// shared with the caller, not copied.
 class AQ_API AQ_GeometryTimeHistory {
  public:
   /// A deep copy of points 1 to `Count` only. Throws `InvalidArgument` if one of them is missing.
@@ -23,9 +23,9 @@ class AQ_API AQ_GeometryTimeHistory {
   [[nodiscard]] AQ_RefTimeType ReferenceType() const { return referenceType_; }
   void ReferenceType(AQ_RefTimeType type) { referenceType_ = type; }
 
-  /// Stores the reference time, shared with the caller, and its type. If there are points, then
-  /// throws `MemberNotSupported`, since points have two times: hosts rely on it. Only
-  /// `setTimeStamps` sets relative times.
+  /// Stores the reference time, shared with the caller, and its type. Then throws
+  /// `MemberNotSupported` if there are points, since a point has two times; hosts rely on this.
+  /// Only `setTimeStamps` sets relative times.
   void setRelTimes(const std::shared_ptr<AQ_Time>& ReferenceTime, AQ_RefTimeType RefType);
 
   /// Created on first read; setting shares the caller's object.

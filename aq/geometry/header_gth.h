@@ -11,8 +11,8 @@
 namespace aq {
 
 /// The header of a geometric time history file. It names the three files that the geometry was
-/// computed from; the dates of these files are as read, but the writer gets them from the file
-/// information service.
+/// computed from; the dates of these files are kept as read, but the writer takes them from the
+/// file information service.
 class AQ_HeaderGTH {
  public:
   std::string FileType;
@@ -22,7 +22,7 @@ class AQ_HeaderGTH {
   std::string GeneratedBy;
   std::string MicrophoneID;
   std::shared_ptr<AQ_Position> MicrophonePosition = std::make_shared<AQ_Position>();
-  float Temperature = 0;  ///< air temperature, in degrees Celsius or the unit of its file
+  float Temperature = 0;  ///< air temperature, in degrees Celsius or the unit used in its file
   std::string STHFileName;
   std::string STHFileDateTime;
   std::string PTHFileName;

@@ -6,7 +6,7 @@
 namespace aq {
 namespace {
 
-// Tones count double from 500 to 5000 Hz, bands 27 to 37.
+// Tone corrections are doubled from 500 to 5000 Hz, bands 27 to 37.
 constexpr std::size_t kFirstDouble = 27 - kFirstToneBand;
 constexpr std::size_t kAfterDouble = 38 - kFirstToneBand;
 
@@ -80,8 +80,8 @@ void ToneProcedure<Number>::findBackground(std::size_t count) {
   }
 }
 
-/// A correction never falls where the difference grows, so the largest difference has the largest
-/// correction.
+/// A correction never decreases as the difference increases, so the largest difference has the
+/// largest correction.
 template <class Number>
 void ToneProcedure<Number>::findLargest(std::size_t count) {
   const auto largestOf = [&](std::size_t begin, std::size_t end) {

@@ -13,7 +13,7 @@ bool isMetric(AQ_METRIC_TYPE type) { return type >= AQ_METRIC_AWT && type <= AQ_
 
 std::size_t bitOf(AQ_METRIC_TYPE type) { return static_cast<std::size_t>(type); }
 
-/// The index of a metric that is kept in single precision.
+/// The index of a metric among those kept in single precision.
 std::size_t singleOf(AQ_METRIC_TYPE type) { return static_cast<std::size_t>(type - AQ_METRIC_CWT); }
 
 }  // namespace

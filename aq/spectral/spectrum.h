@@ -86,7 +86,7 @@ class AQ_API AQ_Spectrum {
   [[nodiscard]] std::span<const LevelCode> levelCodes() const;
   [[nodiscard]] std::span<const double> levelDoubles() const;
 
-  /// Like `levelDoubles`, but also for numbers of other types, converted.
+  /// Like `levelDoubles`, but numbers of other types are converted.
   [[nodiscard]] std::span<const double> levelNumbers() const;
 
  private:
@@ -103,7 +103,7 @@ class AQ_API AQ_Spectrum {
     std::shared_ptr<AQ_Metric> metric;
   };
 
-  // In this order, members use the padding of the time; there are many spectra.
+  // In this order, members fill the padding of the time, which saves memory in every spectrum.
   BandLevels levels_;
   [[no_unique_address]] LazyTime time_;
   bool copied_ = false;  // a metrics object created later has every metric set to 0

@@ -15,7 +15,7 @@ std::string fileTypeWords(std::string_view fileType) {
   return "the file type \"" + std::string(fileType) + '"';
 }
 
-/// Piece `number`, from 1, of `text` split at its delimiters; nothing if it has fewer pieces.
+/// Piece `number`, from 1, of `text` split at `delimiter`; nothing if there are fewer pieces.
 std::optional<std::string_view> piece(std::string_view text, std::string_view delimiter,
                                       std::size_t number) {
   for (; number > 1; --number) {
@@ -149,7 +149,7 @@ std::string_view HeaderReader::field(std::size_t number, const char* expected) {
   return *found;
 }
 
-/// Counts the keyword as the line's first field.
+/// Fails at field `number` of the value; the message counts the keyword as field 1.
 void HeaderReader::fail(std::size_t number, std::string expected, std::string_view found) const {
   failRead(lines_.number(), number == kWhole ? 2 : number + 1, std::move(expected), shown(found));
 }

@@ -12,8 +12,8 @@
 #include "aq/core/export.h"
 #include "aq/text/fields_taken.h"
 
-// Levels as text and back. Nearly every level is a whole number of hundredths of a decibel, so a
-// short integer represents it in memory.
+// Converts levels to text and back. Nearly every level is a whole number of hundredths of a
+// decibel, so it is kept in memory as a short integer.
 
 namespace aq {
 
@@ -36,14 +36,15 @@ AQ_API void copyLevels(std::span<const LevelCode> codes, double* levels);
 [[nodiscard]] AQ_API std::optional<LevelCode> codeOf(double level);
 
 /// Takes levels in their written form (digits, a point and two decimals, separated by ",") from the
-/// start of `text`, until `codes` is full or another form follows, which `doubleFrom` may still
-/// accept. The levels taken equal those that `doubleFrom` gives.
+/// start of `text`, until `codes` is full or a field in another form follows, which `doubleFrom`
+/// may still accept. The levels taken equal those that `doubleFrom` gives.
 [[nodiscard]] AQ_API FieldsTaken levelsAtFront(std::string_view text, std::span<LevelCode> codes);
 
 inline constexpr std::size_t kLevelColumns = 8;
 
-/// Takes levels in columns of eight, right-aligned with two decimals, from the start of `text`
-/// until `codes` is full or another form follows, such as eight blanks; returns how many.
+/// Takes levels in columns eight characters wide, right-aligned with two decimals, from the start
+/// of `text` until `codes` is full or a column in another form follows, such as eight blanks;
+/// returns how many.
 [[nodiscard]] AQ_API std::size_t codesInColumns(std::string_view text, std::span<LevelCode> codes);
 
 /// Writes a level into eight columns, in the form that `codesInColumns` reads.

@@ -32,7 +32,7 @@ def sample() -> Path:
 
 @pytest.fixture
 def field() -> Path:
-    """A folder of field data."""
+    """The folder of field data; the test is skipped if there is none."""
     if "AQ_FIELD_DATA" not in os.environ:
         pytest.skip("AQ_FIELD_DATA names no folder")
     return Path(os.environ["AQ_FIELD_DATA"])

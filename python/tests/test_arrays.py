@@ -1,4 +1,4 @@
-"""Arrays and tables of numbers, in both directions."""
+"""Tests the conversion of objects to arrays and tables of numbers, and back."""
 
 from __future__ import annotations
 

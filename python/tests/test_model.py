@@ -1,4 +1,4 @@
-"""The object model: its own names, with the behaviour that Python users expect."""
+"""Tests that the object model, under its own names, behaves as Python users expect."""
 
 from __future__ import annotations
 

@@ -207,7 +207,7 @@ TEST(Write, RefusedWhereAPlainOpenOrTheFolderRefuses) {
     return becomeNobody() &&
            refusalOf(textOf("new"), readOnly) == "a file that can be written, Permission denied" &&
            refusalOf(textOf("new"), enclosed) ==
-               "a folder that takes a temporary file, Permission denied" &&
+               "a folder where a temporary file can be created, Permission denied" &&
            !writes(folder.file("closed/new")) && textOf("new").appendLines(enclosed) == AQ_DATA_OK;
   }));
   EXPECT_EQ(test::contentOf(readOnly), "old");

@@ -2,9 +2,9 @@
 
     compare.py PROGRAM FOLDER [COUNT] [--seed N] [--against OTHER]
 
-PROGRAM may be several words. OTHER is a build of print_file for another system, which is then used
-instead of reader.py. Files that the two read differently are kept in FOLDER. The same seed makes
-the same files.
+PROGRAM may be a command with arguments. OTHER is a build of print_file for another system, which is
+then used instead of reader.py. Files that the two read differently are kept in FOLDER. The same
+seed makes the same files.
 """
 
 import argparse
@@ -27,7 +27,7 @@ FORMATS = [*files.SAMPLES, "HP3565"]  # recordings are read directly or through 
 
 
 def library(program, paths):
-    """The lines that the program prints for each path, up to the line `end`."""
+    """The lines that `program` prints for each path, up to the line `end`."""
     run = subprocess.run(
         [program] if pathlib.Path(program).exists() else shlex.split(program),
         input="".join(f"{name} {path}\n" for name, path in paths),

@@ -1,4 +1,4 @@
-"""A second reader of analyzer recordings, plain and slow: from the binary layout to levels by band.
+"""A second, plain and slow reader of analyzer recordings: from the binary layout to band levels.
 
 `opinion(bytes)` returns the lines that print_file prints for such a file, without knowledge of the
 library's code."""

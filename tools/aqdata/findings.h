@@ -21,7 +21,7 @@ struct FileFindings {
   };
   std::vector<Count> counts = {};       // in the order of their first findings
   std::vector<aq::Finding> whole = {};  // findings about the file as a whole
-  std::vector<aq::Finding> kept = {};   // the others, in the order of the file's lines
+  std::vector<aq::Finding> kept = {};   // the others, in line order
 
   /// Counts a finding, and keeps it if fewer than `limit` of its kind are kept so far.
   void take(const aq::Finding& finding, std::size_t limit);

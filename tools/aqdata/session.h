@@ -34,7 +34,7 @@ class Session {
   std::string output;              ///< the file to write
   bool force = false;              ///< replaces an existing file
   std::map<const CLI::Option*, std::vector<std::string>> words =
-      {};  ///< the words that each option takes
+      {};  ///< the words that each option accepts
 
   [[nodiscard]] int status() const { return status_; }
 
@@ -81,7 +81,7 @@ class Session {
   [[noreturn]] static void failOutput();
 
   int status_ = kFine;
-  std::size_t shown_ = 0;  // progress shown, in hundredths
+  std::size_t shown_ = 0;  // the progress last shown, in hundredths
   bool progressing_ = false;
 };
 

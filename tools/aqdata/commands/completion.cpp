@@ -47,7 +47,7 @@ void forWords(const CLI::App& command, const Session& session, const Visit& visi
 /// The branches of a shell's `case` on the command and the word before the one to complete.
 std::string wordCases(CLI::App& program, const Session& session, const char* branch) {
   std::string cases;
-  std::string arguments;  // branches for arguments; they match any word before, so they come last
+  std::string arguments;  // branches for arguments; they match any word, so they come last
   for (const CLI::App* command : commandsOf(program)) {
     forWords(*command, session, [&](const auto& names, const std::string& words) {
       const std::string pattern = command->get_name() + ':' + (names.empty() ? "*" : names.front());
