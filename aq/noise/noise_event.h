@@ -17,7 +17,7 @@ struct NoiseEvent {
   /// The 10 dB-down limits, both included in the sum. Empty where the records begin or end above
   /// the limit: the sum then runs to that end, and the EPNL is a lower bound.
   std::optional<std::size_t> first, last;
-  /// Other maxima within 2 dB of the largest, each at least 0.1 dB above both neighbours.
+  /// Other local maxima within 2 dB of the largest, each at least 0.1 dB above both neighbours.
   std::vector<std::size_t> secondPeaks;
   double pnltm = 0;                ///< the largest PNLT, TPNdB, without `bandSharing`
   double epnl = 0;                 ///< EPNdB, without `bandSharing`

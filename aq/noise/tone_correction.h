@@ -22,12 +22,12 @@ struct ToneStep {
   std::optional<double> adjustedSlope;  ///< slope of the adjusted levels, dB
   std::optional<double>
       meanSlope;  ///< mean of three adjusted slopes, this band's and the next two, dB
-  std::optional<double> background;  ///< level without tones, dB
+  std::optional<double> background;  ///< the level that the band would have without tones, dB
   std::optional<double> difference;  ///< level minus background, dB; counts if at least 1.5
   std::optional<double> correction;  ///< dB, 0 when the difference does not count
 };
 
-/// The tone correction of a spectrum, with every step.
+/// The tone correction of a spectrum, with the steps for each band.
 struct ToneCorrection {
   double correction = 0;  ///< the largest correction of all bands, dB
   std::int16_t band =
