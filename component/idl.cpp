@@ -235,7 +235,7 @@ class Interface {
 
   template <class Value, class Member>
   void getAndSet(const Member& member, const std::string& given, const std::string& key) const {
-    // Hosts require one type for reading and setting.
+    // Hosts require the same type for reading and setting a property.
     const std::string shown = given == "VARIANT" ? given : type<Value>();
     line(member, "propget", shown, key);
     set<Value>(member, shown, key, "value");

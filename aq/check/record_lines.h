@@ -50,7 +50,7 @@ class RecordLines {
   void see(std::int16_t record, std::size_t line, const Reporter& report);
   void reportGaps(const Reporter& report) const;
 
-  BandBlock<std::size_t> lines_;  // by record number; 0 for a missing number
+  BandBlock<std::size_t> lines_;  // line numbers by record number; 0 if missing
   bool readable_ = true;
   std::size_t count_ = 0;
   std::size_t setBegins_ = 0;  // the first line of this data set

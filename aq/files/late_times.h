@@ -19,8 +19,8 @@ namespace aq {
 /// Rounds the time up if its fraction would be lost; returns whether it did.
 AQ_API bool roundLateTime(AQ_Time& time);
 
-/// Rounds such times of the model up; returns whether there were any. Times shared with other
-/// models change there too.
+/// Rounds up the model's late times; returns whether there were any. Times shared with other models
+/// change there too.
 AQ_API bool roundLateTimes(const AQ_PositionTimeHistory& positions);
 AQ_API bool roundLateTimes(const AQ_GeometryTimeHistory& geometry);
 /// Also rounds the start and the reference time.

@@ -74,7 +74,7 @@ double windowFactor(const Record& channel) {
   return applied == kNarrow ? wide / window.real(kWindow["narrowBandCorr"]) : wide;
 }
 
-/// The factor that a channel contributes to the correction of a trace.
+/// The factor that a channel contributes to a trace's correction.
 double factorOf(const Record& channel, double power, bool narrow) {
   constexpr double kWholePower = 48;
   const double internal = channel.real(kChannel["int2engrUnit"]);

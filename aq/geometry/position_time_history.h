@@ -46,7 +46,7 @@ class AQ_API AQ_PositionTimeHistory {
     std::int32_t place_ = 1;
   };
 
-  /// A deep copy in order of the indices, numbered from 1. Throws `Overflow` above 32767 samples.
+  /// A deep copy in index order, numbered from 1. Throws `Overflow` above 32767 samples.
   [[nodiscard]] std::shared_ptr<AQ_PositionTimeHistory> Copy() const;
 
   /// The sample at a 1-based index; throws `InvalidIndex` out of range.
@@ -54,8 +54,8 @@ class AQ_API AQ_PositionTimeHistory {
     return positions_.atPlace(nRecord);
   }
 
-  /// Stores a sample under a record number. Removes an existing one and appends the new one at the
-  /// end, so that index and number then differ: hosts rely on it.
+  /// Stores a sample under a record number. A sample already stored under the number is removed and
+  /// the new one appended at the end, so index and number then differ; hosts rely on this.
   void Position(std::int32_t nRecord, std::shared_ptr<AQ_Position> aqPosition) {
     positions_.store(nRecord, std::move(aqPosition));
   }
@@ -72,8 +72,8 @@ class AQ_API AQ_PositionTimeHistory {
   /// The number of samples. Throws `Overflow` above 32767.
   [[nodiscard]] std::int16_t Count() const { return positions_.count(); }
 
-  // The samples as pairs of index and position, in order of the indices. Storing a sample
-  // invalidates iterators. `contains` tells whether an index exists.
+  // The samples as pairs of index and position, in index order. Storing a sample invalidates
+  // iterators. `contains` tells whether an index exists.
   [[nodiscard]] Walk begin() const { return Walk(positions_.placed().begin()); }
   [[nodiscard]] Walk end() const { return Walk(positions_.placed().end()); }
   [[nodiscard]] bool contains(std::int32_t place) const {

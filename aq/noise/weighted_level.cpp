@@ -72,8 +72,8 @@ std::optional<double> valueOf(double level) {
 
 double energyOf(double level) { return powerOfTen(0.1 * level); }
 
-/// Calls `add` with each band and its energy 10^(0.1 L), which is infinite for levels L of
-/// thousands of decibels. A band whose level does not count is left out or passed with 0.
+/// Calls `add` with each band and its energy 10^(0.1 L), which is infinite for levels L above about
+/// 3,080 dB. A band whose level does not count is left out or passed with 0.
 template <class Add>
 void forEachEnergy(const CountedLevels& record, const Add& add) {
   static const LevelTable table(&energyOf);

@@ -49,12 +49,12 @@ void putNumber(char* at, Number number) {
 /// How the values of an axis are stored.
 enum class NumberType : std::int16_t { Short = 1, Long = 2, Float = 3, Double = 4 };
 
-/// Bytes of one number.
+/// The size of one number in bytes.
 [[nodiscard]] constexpr std::size_t sizeOf(NumberType type) {
   return type == NumberType::Short ? 2 : type == NumberType::Double ? 8 : 4;
 }
 
-/// Numbers in the bytes of a file. The bytes are not copied.
+/// Numbers stored in a file's bytes, which are not copied.
 struct Numbers {
   const char* at = nullptr;
   std::size_t count = 0;

@@ -7,10 +7,10 @@
 // The text form of a recording, shared by the writer and the reader.
 namespace aq::sdf::form {
 
-inline constexpr std::size_t kDots = 39;         // in the line above a record
+inline constexpr std::size_t kDots = 39;         // how many are in the line above a record
 inline constexpr std::size_t kValueColumn = 30;  // where values begin, from 0
 
-// The fields of the values of a trace.
+// The names of the fields that hold a trace's values.
 inline constexpr std::string_view kData = "data";
 inline constexpr std::string_view kVector = "vector";
 inline constexpr std::string_view kScan = "scan";

@@ -30,8 +30,8 @@ namespace aq {
 /// below 0 or one that rounds to 24 hours or more.
 AQ_API void appendMilliseconds(std::string& text, double secondsOfDay);
 
-/// A clock time in plain form: its seconds after midnight, and its length in characters, 0 if there
-/// is no such time. The part after the last colon has single precision.
+/// A clock time as `plainClock` finds it: its seconds after midnight, and its length in characters,
+/// 0 if there is no such time. The seconds of the minute are rounded to single precision.
 struct PlainClock {
   double seconds = 0;
   std::size_t length = 0;

@@ -1,4 +1,4 @@
-"""The parts that datasets are made of: methods of the library's classes, variables, attributes.
+"""Helpers that add methods to library classes and make the variables and attributes of datasets.
 
 Headers and settings, which do not fit in an array, are stored in the dataset's attribute `aq` as
 JSON, so that they survive in a netCDF file too.
@@ -68,7 +68,7 @@ def nominal_frequency(bands: npt.ArrayLike) -> npt.NDArray[np.float64]:
 
 # Converts headers and settings to plain values, and back.
 
-_FOLLOWING = ("LoRec", "HiRec")  # follow from the records, and a dataset may have fewer records
+_FOLLOWING = ("LoRec", "HiRec")  # derived from the records, of which a dataset may have fewer
 
 
 def plain(value: Any) -> Any:
@@ -103,7 +103,7 @@ def _restored(target: Any, values: dict[str, Any]) -> Any:
         elif isinstance(getattr(target, name), _core.AQ_Time):
             time = getattr(target, name)
             time.CurrentDate = value[0]
-            time.assignSeconds(*value[1:])  # the setter would wrap them into a day
+            time.assignSeconds(*value[1:])  # the setter would wrap the seconds into a day
         elif isinstance(value, dict):
             _restored(getattr(target, name), value)
         else:

@@ -126,8 +126,8 @@ void expectFile(const std::string& path) {
   std::error_code error;
   const auto status = std::filesystem::status(pathOf(path), error);
   if (!std::filesystem::is_other(status)) return;
-  throw Failure(
-      fmt::format("{}: is a pipe; only a file can be read more than once", aq::escaped(path)));
+  throw Failure(fmt::format("{}: is a pipe or a device; only a file can be read more than once",
+                            aq::escaped(path)));
 }
 
 Measurement openFile(const std::string& path, const aq::HeaderObserver& watch,

@@ -25,7 +25,7 @@ struct Sheet {
     }
   };
 
-  std::vector<std::string> columns = {};  ///< the first holds the number
+  std::vector<std::string> columns = {};  ///< the first column holds `Row::number`
   std::string ofBand = {};  ///< what a band's cell holds, such as "mask"; empty without bands
   std::int16_t low = 0;
   std::int16_t high = -1;

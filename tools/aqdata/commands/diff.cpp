@@ -56,14 +56,14 @@ struct Difference {
   std::vector<std::int32_t> onlyInB = {};
   std::vector<std::pair<std::string, Column>> columns = {};
   std::map<std::int32_t, Column> bands = {};
-  double mean = 0;  // the mean difference of the levels, or of all numbers if there are no levels
+  double mean = 0;  // mean absolute difference of the levels, or of all numbers without levels
 
   [[nodiscard]] bool empty() const {
     return header.empty() && onlyInA.empty() && onlyInB.empty() && columns.empty() && bands.empty();
   }
 };
 
-/// Whether a header field is compared: the files' own names and dates are not, and the dates of
+/// Whether a header field is compared. A file's own name and date are not, and the dates of its
 /// source files only on request.
 bool isCompared(const std::string& key, bool dates) {
   if (key == "file_name" || key == "file_date") return false;
@@ -279,7 +279,7 @@ std::vector<FilePair> pairsOf(Session& session, const DiffChoice& choice) {
 
 /// How two files with the same relative path differ, or why they could not be compared.
 struct PairOutcome {
-  std::optional<Difference> difference = {};  // empty for a file that only one folder has
+  std::optional<Difference> difference = {};  // empty for an unpaired file or a failure
   std::string failure = {};
 };
 
