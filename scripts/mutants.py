@@ -4,7 +4,8 @@
 
 Each worker has its own copy of the source tree and its own build, in a temporary folder. A change
 that does not compile does not count; a test that hangs or runs out of memory counts as detecting
-it. Mutations known to have no effect are listed in mutants.txt. PLACE is the start of `file:line:`.
+the change. Mutations known to have no effect are listed in mutants.txt. PLACE is the start of
+`file:line:`.
 The same seed selects the same changes.
 """
 
@@ -272,7 +273,7 @@ class Worker:
         return self.run(["ninja", "-C", self.build, "-j", "1", *targets], required=required)
 
     def stages(self):
-        """The tests, quickest first: what to build for each, and the command to run then."""
+        """The tests, quickest first: the targets to build for each and the command that runs it."""
         program = self.build / "tests/aq_tests"
         tests = [program, "--gtest_fail_fast", "--gtest_brief=1"]
         slow = ":".join(self.slow)
@@ -340,7 +341,7 @@ class Worker:
 
 
 def described(mutant):
-    """The file, and the lines before and after."""
+    """The mutant's file, and the changed lines before and after the change."""
     source = (ROOT / mutant.file).read_text(encoding="utf-8")
     begin = source.rfind("\n", 0, mutant.begin) + 1
     end = source.find("\n", mutant.end)
@@ -349,7 +350,7 @@ def described(mutant):
 
 
 def equals():
-    """The changes known to have no effect, from `mutants.txt`, each with its reason."""
+    """The changes known to have no effect, from `mutants.txt`, if a reason is given."""
     text = pathlib.Path(__file__).with_suffix(".txt").read_text(encoding="utf-8")
     return set(re.findall(r"^(\S+)\n  before: (.*)\n  after:  (.*)\n  equal:  .", text, re.M))
 

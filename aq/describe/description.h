@@ -189,7 +189,7 @@ struct Enumerator {
   std::string_view text;
 };
 
-/// The type of one value of an optional or a list.
+/// The type of the values in an optional or a list.
 template <class T>
 struct One {
   using Type = T;
@@ -267,7 +267,7 @@ class Members {
     return take(Property<decltype(get), decltype(set)>{name, get, set, about(text, parts...)});
   }
 
-  /// The member that every file class has.
+  /// Describes `lastFailure`, which every file class has.
   Members& lastFailure() {
     using Get = const std::optional<FileFailure>& (C::*)() const;
     return take(Property<Get, std::nullptr_t>{
@@ -391,7 +391,7 @@ concept Described = requires {
   Description<C>::name;
 };
 
-/// The classes or enumerations of a folder, in the order of their dependencies.
+/// The classes or enumerations of a folder, in dependency order.
 template <class... C>
 struct List {};
 

@@ -70,7 +70,7 @@ struct Description<AQ_HeaderMask> {
     to.field("sFileType", &H::sFileType, kFileType)
         .field("sFileName", &H::sFileName, kName)
         .field("aqFileDateTime", &H::aqFileDateTime, kDateTime)
-        .field("lNumberRows", &H::lNumberRows, "Number of rows of the map", kRecords)
+        .field("lNumberRows", &H::lNumberRows, "Number of rows in the map", kRecords)
         .field("iBandLow", &H::iBandLow, "The lowest band of the rows", kBand)
         .field("iBandHigh", &H::iBandHigh, "The highest band of the rows", kBand)
         .field("sGeneratedBy", &H::sGeneratedBy, kGeneratedBy)
@@ -140,7 +140,7 @@ struct Description<AQ_HeaderMIC> {
         .field("aqFileDateTime", &H::aqFileDateTime, kDateTime)
         .field("sProjectName", &H::sProjectName, kProject)
         .field("sMicrophoneID", &H::sMicrophoneID, kMicrophone)
-        .field("lNumberRecords", &H::lNumberRecords, "Unused: the file has no such number",
+        .field("lNumberRecords", &H::lNumberRecords, "Unused: the file has no record count",
                kRecords)
         .field("nOtherRecords", &H::nOtherRecords, kOtherCount)
         .field("cOtherRecords", &H::cOtherRecords, kOtherRecords)
@@ -167,18 +167,18 @@ struct Description<AQ_HeaderGTH> {
         .field("MicrophoneID", &H::MicrophoneID, kMicrophone)
         .field("MicrophonePosition", &H::MicrophonePosition,
                "The position of the microphone as X, Y and Z", Key{"microphone_position"})
-        .field("Temperature", &H::Temperature, "The temperature of the air", Key{"temperature"},
+        .field("Temperature", &H::Temperature, "The air temperature", Key{"temperature"},
                Quantity{"degC", -273.15})
-        .field("STHFileName", &H::STHFileName, "The file of the spectral time history", FileName{},
+        .field("STHFileName", &H::STHFileName, "The spectral time history file", FileName{},
                Key{"history_file"})
         .field("STHFileDateTime", &H::STHFileDateTime,
                "The date and time of the spectral time history file, as read",
                Key{"history_file_date"})
-        .field("PTHFileName", &H::PTHFileName, "The file of the source's positions", FileName{},
+        .field("PTHFileName", &H::PTHFileName, "The position time history file", FileName{},
                Key{"position_file"})
         .field("PTHFileDateTime", &H::PTHFileDateTime,
                "The date and time of the position file, as read", Key{"position_file_date"})
-        .field("MICFileName", &H::MICFileName, "The file of the microphone's position", FileName{},
+        .field("MICFileName", &H::MICFileName, "The microphone position file", FileName{},
                Key{"microphone_file"})
         .field("MICFileDateTime", &H::MICFileDateTime,
                "The date and time of the microphone file, as read", Key{"microphone_file_date"})

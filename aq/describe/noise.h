@@ -14,7 +14,7 @@ namespace aq::describe {
 inline constexpr Quantity kToneBand{"band", 19, 40};
 inline constexpr Quantity kToneDecibels{"dB", 0, 6.7};
 inline constexpr Quantity kPlaceFrom0{"index", 0};
-inline constexpr auto kAir = in("celsius", "The temperature of the air", Quantity{"degC", -273.15});
+inline constexpr auto kAir = in("celsius", "The air temperature", Quantity{"degC", -273.15});
 
 template <>
 struct Description<ToneStep> {

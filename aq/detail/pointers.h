@@ -7,7 +7,7 @@
 
 namespace aq {
 
-/// Throws `ObjectNotSet`. Not inline, so that `orThrow` is.
+/// Throws `ObjectNotSet`. Not inline, which keeps `orThrow` small enough to be inlined.
 [[noreturn]] AQ_API void throwMissingObject();
 
 /// The object that `pointer` points to; created and kept there if the pointer is empty.

@@ -78,7 +78,7 @@ template <class T>
 class SharedBlocks {
  public:
   SharedBlocks() = default;
-  /// For a file that claims to have this many records; a larger claim is taken as 32767.
+  /// For a file that claims to have this many records; a claim above 32767 is treated as 32767.
   explicit SharedBlocks(std::int32_t claim)
       : expected_(static_cast<std::size_t>(std::clamp(claim, 0, 32767))) {}
 

@@ -18,7 +18,7 @@ class Recording;
 }
 
 /// Reads the recordings of an analyzer, in the Standard Data Format, as spectral time histories:
-/// one-third-octave data unchanged, auto power of narrow bands summed into bands
+/// one-third-octave data unchanged, narrow-band auto power summed into one-third-octave bands
 /// (docs/formats/analyzer-recording.md). Everything that users of the levels should know becomes a
 /// comment line in the header.
 class AQ_API AQ_DataHP3565 : public FileClass {
@@ -48,7 +48,8 @@ class AQ_API AQ_DataHP3565 : public FileClass {
   [[nodiscard]] const std::string& SDFPRINT() const { return converter_; }
   void SDFPRINT(std::string path) { converter_ = std::move(path); }
 
-  /// The trace to read from each scan, counted from 1. Reading fails if the recording lacks it.
+  /// The trace to read from each scan, counted from 1. Reading fails if the recording has no such
+  /// trace.
   [[nodiscard]] std::int16_t Channel() const { return channel_; }
   void Channel(std::int16_t channel) { channel_ = channel; }
 

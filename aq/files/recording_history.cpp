@@ -49,7 +49,7 @@ AQ_Time startOf(const Record& file) {
   return start;
 }
 
-/// `start` plus that many seconds.
+/// The time `seconds` after `start`.
 AQ_Time later(const AQ_Time& start, double seconds) {
   const double whole = start.TODseconds() + seconds;
   const double days = std::floor(whole / kSecondsPerDay);

@@ -17,7 +17,7 @@ struct RecordingSettings {
   double calibration = 0;     ///< dB added to every level
 };
 
-/// The header of the history of a recording. Throws `ReadFailure`.
+/// The history header for a recording. Throws `ReadFailure`.
 [[nodiscard]] std::shared_ptr<AQ_HeaderSTH> headerOf(const sdf::Recording& recording,
                                                      const std::string& file,
                                                      const RecordingSettings& settings);

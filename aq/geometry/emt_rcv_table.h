@@ -33,7 +33,7 @@ class AQ_API AQ_EmtRcvTable {
   /// The number of records. Throws `Overflow` above 32767.
   [[nodiscard]] std::int16_t Count() const;
 
-  /// Appends a record and ignores the index: hosts rely on it.
+  /// Appends a record and ignores the index: hosts rely on this.
   void Record(std::int32_t /*nRecord*/, std::shared_ptr<AQ_EmtRcvRecord> record) {
     records_.Add(std::move(record));
   }

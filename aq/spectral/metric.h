@@ -19,7 +19,7 @@ namespace aq {
 /// never fails. Levels are in decibels.
 class AQ_API AQ_Metric {
  public:
-  /// The A-weighted level, dB; keeps the type that it was given.
+  /// The A-weighted level, dB; keeps the type of the value that was set.
   [[nodiscard]] Variant AWT() const { return MetricValue(AQ_METRIC_AWT); }
   void AWT(const Variant& level) { MetricValue(AQ_METRIC_AWT, level); }
 

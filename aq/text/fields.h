@@ -33,7 +33,7 @@ struct ReadFailure {
 /// were expected.
 AQ_API void takeLine(LineReader& lines, const char* what, std::string_view keyword = {});
 
-/// The words for what a failed conversion expected; adds "in range" if a number was out of range.
+/// The text for what a failed conversion expected; adds "in range" if a number was out of range.
 [[nodiscard]] AQ_API std::string expectedFor(const char* expected, const Error& error);
 
 /// `text` without its double quotes and outer blanks, as a field of delimited text is read.
@@ -100,8 +100,9 @@ class AQ_API FieldReader {
   /// The next field as a time of day, in seconds after midnight.
   [[nodiscard]] double timeOfDay();
 
-  /// Takes fields with `takeSome`, which returns `FieldsTaken`, until one has a form that it does
-  /// not know or `values` is full; returns how many. The next field is the first one not taken.
+  /// Takes fields with `takeSome`, which returns `FieldsTaken`, until `takeSome` does not know a
+  /// field's form or `values` is full; returns how many were taken. The next field is the first one
+  /// not taken.
   template <class Value, class TakeSome>
   [[nodiscard]] std::size_t takeRun(std::span<Value> values, const TakeSome& takeSome) {
     if (done_) return 0;

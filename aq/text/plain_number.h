@@ -11,8 +11,8 @@
 #include "aq/text/word.h"
 
 // The fast path for numbers in the form that files mostly use; `number_text.h` handles all forms.
-// Inline, since a call would cost as much as converting the number. Up to eight characters form one
-// word.
+// Inline, since a call would cost as much as converting the number. Up to eight characters are
+// processed as one machine word.
 
 namespace aq {
 
@@ -24,7 +24,7 @@ struct PlainNumber {
   bool negative = false;
 };
 
-/// A field of up to eight characters, each less '0', right-aligned in a word of zeros.
+/// A field of up to eight characters, each XORed with '0', right-aligned in a word of zeros.
 struct FieldWord {
   std::uint64_t bytes = 0;
   std::size_t length = 0;  // in characters; 0 if there is no such field
@@ -84,7 +84,7 @@ struct ExactRange<float> {
                                      1e6F, 1e7F, 1e8F, 1e9F, 1e10F};
 };
 
-/// Sets the number, correctly rounded; false when the fast path cannot tell.
+/// Sets the number, correctly rounded; false, with the number unchanged, if the fast path cannot.
 template <class Real>
 [[nodiscard]] bool numberFrom(const PlainNumber& plain, Real& number) {
   using Exact = ExactRange<Real>;

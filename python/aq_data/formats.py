@@ -53,7 +53,7 @@ class Format(NamedTuple):
 
 
 def _record_length(history: Any) -> float:
-    """Seconds from the first stamp to the next; half a second if the stamps give no valid
+    """Seconds from the first time stamp to the next; half a second if they give no valid
     length.
     """
     stamps = history.times["TODseconds"][:2]

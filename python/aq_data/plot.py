@@ -1,4 +1,4 @@
-"""Plots of a measurement. Each takes datasets and an `Axes`, and returns the `Axes`."""
+"""Plots of a measurement. Each function takes datasets and an `Axes`, and returns the `Axes`."""
 
 from __future__ import annotations
 

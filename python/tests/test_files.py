@@ -1,4 +1,4 @@
-"""One call for any file, and its errors for files that cannot be read."""
+"""Reads and writes any file with one call, and tests the errors for files that cannot be read."""
 
 from __future__ import annotations
 

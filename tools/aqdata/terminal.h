@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-// Everything in this program that differs between operating systems: terminal, streams and file
-// name patterns.
+// Everything in `aqdata` that differs between operating systems: terminal, streams and file name
+// patterns.
 namespace aqdata::terminal {
 
 /// How many colours the terminal on standard output can show.
