@@ -130,8 +130,7 @@ def _microphone_from(ds: xr.Dataset) -> _core.AQ_Microphone:
 
 
 def _parameters_from(ds: xr.Dataset) -> _core.AQ_DataINI:
-    """Parameters from a dataset; methods and comments are attributes, absent for an unset method.
-    """
+    """Parameters from a dataset; methods and comments are attributes, absent for an unset method."""
     need(ds, *(name for _, name, *_ in PARAMETERS))
     values = dict(kept(ds).get("settings") or {})
     if values.get("NuTimg") not in [int(member) for member in _core.AQ_TimeStampType]:
