@@ -1,5 +1,7 @@
-"""Builds the compiled part of the wheel with CMake from the sources around this folder, under the
-version of the CMake project."""
+"""Builds the wheel's compiled module with CMake from the source tree that contains this folder.
+
+The wheel takes its version from the CMake project.
+"""
 
 from __future__ import annotations
 

@@ -24,7 +24,7 @@ struct Codes {
   std::string_view affix;
 };
 
-/// Marks a number or a word without a code.
+/// What `numberOf` returns for an unknown word.
 inline constexpr std::int16_t kUnknownCode = -99;
 
 /// The word for `number`; empty if there is none.
