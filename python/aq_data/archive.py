@@ -225,12 +225,13 @@ def check(paths: Union[Path, Iterable[Path]]) -> pd.DataFrame:
     """The findings of `aqdata check`, one per row, ordered by path and line.
 
     `paths` is a file, a folder, a pattern or a list of files and folders. In a folder and its
-    subfolders, checks files that end in `.csv` or `.nc` or are of a known kind, except hidden ones.
-    For a netCDF file, compares the stored metrics with those computed from its levels. The columns
-    are `path`, `severity` ("error", "warning", "note"), `kind`, `line` and `field` (from 1; 0 for
-    the whole file or line), `record`, `band`, `message`; `FINDING_KINDS` gives the meaning of each
-    kind. Raises `FileNotFoundError` if nothing matches; a file that cannot be read is a finding.
-    Also finds histories that have the same levels as an earlier one.
+    subfolders, checks files that end in `.csv` or `.nc` or are of a known kind, except hidden ones
+    and the `.orig` files that `fix` keeps. For a netCDF file, compares the stored metrics with
+    those computed from its levels. The columns are `path`, `severity` ("error", "warning", "note"),
+    `kind`, `line` and `field` (from 1; 0 for the whole file or line), `record`, `band`, `message`;
+    `FINDING_KINDS` gives the meaning of each kind. Raises `FileNotFoundError` if nothing matches; a
+    file that cannot be read is a finding. Also finds histories that have the same levels as an
+    earlier one.
 
     >>> aq_data.check("season-7").groupby(["severity", "kind"]).size()
     """

@@ -266,9 +266,14 @@ def height(positions: Any, ax: Optional[Axes] = None, unit: Optional[str] = None
     return ax
 
 
+def _degrees(ds: xr.Dataset, name: str) -> Any:
+    angle = ds[name].values
+    return np.degrees(angle) if ds[name].attrs.get("units") == "rad" else angle
+
+
 def geometry(geometry: Any, ax: Optional[Axes] = None, unit: Optional[str] = None) -> Axes:
     """Slant range (left axis) and emission angles in degrees (right axis) over the time of the
-    record; `unit` as for the ground track.
+    record; `unit` as for the ground track. A dataset may have its angles in radians.
 
     >>> aq_data.plot.geometry(points)
     """
@@ -279,9 +284,11 @@ def geometry(geometry: Any, ax: Optional[Axes] = None, unit: Optional[str] = Non
     (seconds,) = time_axis(ax, ds)
     lines = ax.plot(seconds, ds["slant_range"], color=GOOD, label="range", **ALONE)
     angles = ax.twinx()
-    lines += angles.plot(seconds, ds["theta"], color="tab:orange", label="first angle", **ALONE)
     lines += angles.plot(
-        seconds, ds["beta"], "--", color="tab:green", label="second angle", **ALONE
+        seconds, _degrees(ds, "theta"), color="tab:orange", label="first angle", **ALONE
+    )
+    lines += angles.plot(
+        seconds, _degrees(ds, "beta"), "--", color="tab:green", label="second angle", **ALONE
     )
     ax.set_ylabel(f"Slant range at emission ({unit})")
     angles.set_ylabel("Emission angle (degrees)")

@@ -110,5 +110,8 @@ def test_units_are_those_of_the_data_or_known(sample: Path) -> None:
     assert aq.plot.height(track).get_ylabel() == "Height Z (ft)"
     with pytest.raises(ValueError, match=r"\(m, km, ft, nautical_mile\), found 'mile'"):
         aq.plot.height(track, unit="mile")
+    points = aq.AQ_GeometryTimeHistory.from_numpy({"SRe": [1.0, 2.0], "THETAe": [0.0, np.pi]})
+    in_radians = aq.plot.geometry(points.to_xarray(angle_unit="rad"))
+    np.testing.assert_allclose(in_radians.figure.axes[1].lines[0].get_ydata(), [0, 180])
     assert "plot" in dir(aq)
     plt.close("all")
