@@ -62,14 +62,18 @@ TEST(DataMask, BandsInAGapAreNotMasked) {
   const test::Folder folder;
   Read read(kGood);
   for (const std::int16_t row : {std::int16_t{1}, std::int16_t{2}}) {
-    read.map->Row(row)->store(30, AQ_Mask());  // the file's highest band is 19
+    const int gap = 19 + row;  // the file's highest band is 19
+    for (std::int16_t band = 20; band <= 30; ++band) {
+      if (band != gap) read.map->Row(row)->store(band, AQ_Mask());
+    }
   }
   ASSERT_EQ(read.file.writeFile(folder.file("out"), read.header, *read.map), AQ_DATA_OK);
   const Read again(folder.file("out"));
   ASSERT_EQ(again.result, AQ_DATA_OK);
   EXPECT_EQ(again.header->iBandHigh, 30);
   EXPECT_EQ(again.map->Row(2)->Mask(19)->MaskString(), "FR");
-  EXPECT_EQ(again.map->Row(2)->Mask(20)->MaskString(), "--");
+  EXPECT_EQ(again.map->Row(1)->Mask(20)->MaskString(), "--");
+  EXPECT_EQ(again.map->Row(2)->Mask(21)->MaskString(), "--");
 }
 
 TEST(DataMask, WhatCannotBeWrittenThrows) {
