@@ -120,6 +120,7 @@ TEST(DataSTH, LinesAreReadByPositionAndRecordsByNumber) {
   lines[11] = "NumberOfSpectrum**,99";
   lines[13] = "Bands**, 17 ,19, unused";
   lines.push_back("6,1:2:3, 1e1 ,\" 50.5 \",51,52,53,text");
+  lines.push_back("7,1:2:4,11,9999.00,51.00,5.2e1");  // two levels before a number in another form
   const Read read(folder.with("in", test::textOf(lines)));
   ASSERT_EQ(read.result, AQ_DATA_OK) << read.file.lastFailure()->message();
   EXPECT_EQ(read.header->sProjectName, "M1");
@@ -130,6 +131,8 @@ TEST(DataSTH, LinesAreReadByPositionAndRecordsByNumber) {
   EXPECT_EQ(read.history->spectrum(5)->SPL(17), Variant(65.3));
   EXPECT_EQ(read.history->spectrum(6)->SPL(17), Variant(50.5));
   EXPECT_EQ(read.history->spectrum(6)->Time()->RelSeconds(), 10);
+  EXPECT_EQ(read.history->spectrum(7)->SPL(17), Variant(9999.0));
+  EXPECT_EQ(read.history->spectrum(7)->SPL(19), Variant(52.0));
 }
 
 TEST(FileFailure, SaysWhereAndWhatInOneLine) {
