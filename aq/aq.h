@@ -1,6 +1,7 @@
 #pragma once
 
-// The whole library. `formats.h` has the file classes, with their headers and models.
+// Includes all classes and functions for hosts, except the descriptions in `describe/`. `formats.h`
+// has the file classes, with their headers and models.
 
 #include "aq/check/check_file.h"
 #include "aq/check/finding.h"

@@ -42,8 +42,8 @@ void checkAs(FileKind kind, const std::string& path, const Reporter& report) {
   });
 }
 
-/// First reports damage that other programs did to the text, and nothing else if that explains all
-/// other faults. `checkData` checks a file of the given kind.
+/// Reports damage that other programs did to the text. If that makes the file unreadable, reports
+/// nothing else; otherwise calls `checkData` with the kind of the file.
 template <class CheckData>
 void checkText(const std::string& path, Reporter& report, const CheckData& checkData) {
   std::string head = headOf(path);
@@ -60,7 +60,8 @@ void checkText(const std::string& path, Reporter& report, const CheckData& check
   report.fileBegins({});
 }
 
-/// Runs `check`; reports the file as unreadable if it changes during the check.
+/// Runs `check`. Reports the file as unreadable if that throws, for example because the file cannot
+/// be opened or changes during the check.
 template <class Check>
 void checking(const Reporter& reporter, const Check& check) {
   try {
@@ -69,12 +70,12 @@ void checking(const Reporter& reporter, const Check& check) {
     reporter.unreadable(failed.failure);
   } catch (const platform::SystemError& error) {
     reporter.unreadable({.file = {}, .expected = error.wanted(), .found = error.what()});
-  } catch (const Error& error) {  // more records than the interface can count
+  } catch (const Error& error) {  // for example, more than 32767 records
     reporter(Kind::Unreadable, {}, error.what());
   }
 }
 
-/// Reports an unknown word, which is read as the first word of its enumeration.
+/// Reports an unknown averaging method or time stamp type, which is read as the first one.
 void checkParameterWord(const HeaderLine& line, const Reporter& report) {
   const bool averaging = line.keyword == keywords::kNuAvg;
   if (!averaging && line.keyword != keywords::kNuTimg) return;
@@ -164,7 +165,7 @@ Checked checkWithHistory(const std::string& path, const FindingSink& report) {
 }
 
 void check(FileOf<AQ_DataINI> of, const Reporter& report) {
-  constexpr std::string_view kTitle = "FILETYPE";  // no reader uses it
+  constexpr std::string_view kTitle = "FILETYPE";  // begins a title, which readers skip
   AQ_DataINI file;
   std::size_t nameLine = 0;
   file.observeHeader([&](const HeaderLine& line) {

@@ -24,14 +24,16 @@ AQ_API void checkFixes(const std::string& path, std::uint8_t limit, const Findin
 AQ_API void checkFit(const AQ_SpectralTimeHistory& history, const std::string& historyName,
                      const AQ_MaskMap& map, const FindingSink& report);
 
-/// Reads a history and a masking map, and reports why they do not fit each other. Reports nothing
-/// if one of the files cannot be read: `checkFile` reports that.
+/// Reads a history and a masking map and reports where they do not fit each other. Reports nothing
+/// if either file cannot be read; `checkFile` reports that.
 AQ_API void checkFit(const std::string& historyPath, const std::string& mapPath,
                      const FindingSink& report);
 
 /// The result of a check besides its findings.
 struct Checked {
-  std::optional<std::uint64_t> levels = {};  ///< a digest of all levels of a history
+  /// A digest of all levels of a history. Empty for other files, for histories in fixed columns,
+  /// and for those with fewer than 8 levels or no valid one.
+  std::optional<std::uint64_t> levels = {};
 };
 
 /// Like `checkFile`, but also compares a masking map, positions or a geometry with the files that

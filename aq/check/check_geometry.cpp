@@ -18,7 +18,8 @@
 namespace aq {
 namespace {
 
-/// Checks the times of positions, one per line, and looks for stays, jumps and gaps.
+/// Checks that the times of positions, one per line, ascend. Also looks for repeated positions,
+/// jumps and gaps.
 class TimeOrder {
  public:
   explicit TimeOrder(const Reporter& report) : report_(report) {}
@@ -79,8 +80,8 @@ void checkQuality(const TrackingLine& fix, std::uint8_t limit, std::size_t line,
 
 constexpr std::size_t kPositionFields = 4;
 
-/// Compares slant range, propagation time, emission time and source position of a point, each of
-/// which follows from the others. One finding per point.
+/// Checks that the slant range, propagation time, emission time and source position of each point
+/// agree. Reports at most one finding per point.
 class Contradictions {
  public:
   Contradictions(const AQ_HeaderGTH& header, std::size_t temperatureLine, const Reporter& report)
@@ -89,7 +90,8 @@ class Contradictions {
         temperatureLine_(temperatureLine),
         report_(report) {}
 
-  /// Checks all points except those in `wrong`, whose times are already known to be wrong.
+  /// Checks all points except those of the records in `wrong`, whose times are already known to be
+  /// wrong.
   void check(const RecordLines& records, const AQ_GeometryTimeHistory& history,
              const std::set<std::int32_t>& wrong) {
     std::vector<double> speeds;
@@ -112,8 +114,8 @@ class Contradictions {
   }
 
  private:
-  /// Reports a speed that is not the speed of sound, in metres or feet per second, at any plausible
-  /// temperature.
+  /// Reports a speed that is no plausible speed of sound in metres or feet per second. If it is
+  /// one, checks the temperature.
   void expectSound() const {
     const bool metres = speed_ > 290 && speed_ < 370;
     const bool feet = speed_ > 950 && speed_ < 1220;
@@ -123,8 +125,9 @@ class Contradictions {
                 " per second; the speed of sound is about 340 m or 1120 ft");
   }
 
-  /// Reports an air temperature, in degrees Celsius or Fahrenheit, that is far from the one that
-  /// gives this speed of sound in m/s. The margin is wide, as it may vary along the path.
+  /// Reports an air temperature that is far from the one that gives this speed of sound in m/s,
+  /// whether read as degrees Celsius or Fahrenheit. The margin is wide, since the temperature may
+  /// vary along the path.
   void expectTemperature(double speed) const {
     constexpr double kNear = 20;
     constexpr double kAtZero = 331.3;  // m/s, at 0 degrees Celsius

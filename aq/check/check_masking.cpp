@@ -9,7 +9,7 @@
 namespace aq {
 namespace {
 
-/// Reports letters that have no meaning, which the reader drops.
+/// Reports masks whose letters the reader changes, for example by dropping one that has no meaning.
 void checkLetters(const std::string& path, const HeaderCheck& header, const Reporter& report) {
   const auto [low, high] = header.integersOf(keywords::kBands);
   LineReader lines(path);
@@ -74,8 +74,8 @@ Content<AQ_HeaderMask, AQ_MaskMap> check(FileOf<AQ_DataMask> file, const Reporte
   if (!header.reads<AQ_DataMask>(file.path, read)) return {};
   const auto [low, high] = header.integersOf(keywords::kBands);
   const std::size_t bands = low <= high ? static_cast<std::size_t>(high - low) + 1 : 0;
-  // The highest band's label appears twice in the headings of a map, unless someone has corrected
-  // it.
+  // The headings of a map repeat the label of the highest band, unless someone has corrected that,
+  // so nothing after the labels is compared.
   header.expectLabels(2, low, high);
   const RecordLines records(file.path, header, {bands + 2, 0}, report);
   header.expectCount(keywords::kNumberOfRows, records.count(), "rows");

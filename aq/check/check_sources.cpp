@@ -113,8 +113,8 @@ class SourcePath {
     return time >= times_.front() - kBeyond && time <= times_.back() + kBeyond;
   }
 
-  /// Whether the source was near the position `at` at a time, allowing for times in tenths of a
-  /// second and for straight lines between positions.
+  /// Whether the path is near the position `at` at a time. Allows for times rounded to tenths of a
+  /// second and for a path that curves between positions.
   [[nodiscard]] bool passes(double time, const AQ_Position& at) const {
     if (!covers(time)) return false;
     time = near(time);

@@ -68,7 +68,8 @@ void checkRange(const HeaderCheck& header, const RecordLines& records, const Rep
              std::to_string(records.high()));
 }
 
-/// Reports one finding per file: a wrong reference time makes every relative time wrong.
+/// Reports at most one finding per file, since a wrong reference time makes every relative time
+/// wrong.
 template <class Records>
 void checkRelativeTimes(const Records& records, AQ_SpectralTimeHistory& history,
                         const std::set<std::int32_t>& offInTime, const Reporter& report) {
@@ -91,7 +92,7 @@ void checkRelativeTimes(const Records& records, AQ_SpectralTimeHistory& history,
          first + "; wrong in " + std::to_string(wrong) + (wrong == 1 ? " record" : " records"));
 }
 
-/// Seconds from the start of a record to its time stamp, by the type of the stamp.
+/// Seconds from the start of a half-second record to its time stamp, by the type of the stamp.
 double shiftOf(AQ_TimeStampType type) {
   switch (type) {
     case AQ_START: break;
@@ -103,7 +104,7 @@ double shiftOf(AQ_TimeStampType type) {
   return 0;
 }
 
-/// The start time is that of record 1, or of the lowest record in the file.
+/// The start time may be that of record 1 or that of the lowest record in the file.
 void checkStartTime(const HeaderCheck& header, const RecordLines& records,
                     AQ_SpectralTimeHistory& history, const Reporter& report) {
   constexpr double kTolerance = 0.0201;  // both times have two decimals, in single precision
@@ -125,8 +126,8 @@ bool isAnyValid(const std::vector<double>& levels) {
                      [](double level) { return level != double{AQ_INVALID_LEVEL}; });
 }
 
-/// Reports each run of records that repeat all levels of the record before the run; measured levels
-/// never repeat exactly.
+/// Reports each run of records that repeat all levels of the record before the run. Measured levels
+/// hardly ever repeat exactly.
 class StuckRecords {
  public:
   explicit StuckRecords(const Reporter& report) : report_(report) {}
@@ -158,7 +159,7 @@ class StuckRecords {
   std::vector<double> levels_;
   std::int32_t last_ = std::numeric_limits<std::int16_t>::min() - 1;
   std::int32_t before_ = 0;  // the record whose levels are repeated
-  std::size_t first_ = 0;    // the line where they are repeated; 0 outside a run
+  std::size_t first_ = 0;    // the first line that repeats them; 0 outside a run
 };
 
 /// A hash of all levels (FNV-1a over their bits), which is practically never the same for different

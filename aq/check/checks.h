@@ -14,8 +14,8 @@ struct FileOf {
   const std::string& path;
 };
 
-// The checks for each format. If a file changes during the check, they may throw as text readers
-// do.
+// The checks for each format. They may throw `ReadFailure`, `platform::SystemError` or `Error` if a
+// file changes during the check or a recording cannot be used.
 void check(FileOf<AQ_DataSTH> file, const Reporter& report);
 void check(FileOf<AQ_DataSSR> file, const Reporter& report);
 void check(FileOf<AQ_DataTSPI> of, const Reporter& report);
@@ -39,6 +39,7 @@ void checkSources(const Content<AQ_HeaderPTH, AQ_PositionTimeHistory>& read,
                   const std::string& path, const Reporter& report);
 void checkSources(const Content<AQ_HeaderGTH, AQ_GeometryTimeHistory>& read,
                   const std::string& path, const Reporter& report);
+
 void checkQuality(FileOf<AQ_DataTSPI> file, std::uint8_t limit, const Reporter& report);
 void checkMapFit(const AQ_SpectralTimeHistory& history, const std::string& historyName,
                  const AQ_MaskMap& map, const Reporter& report);

@@ -82,7 +82,8 @@ std::optional<std::string> DecimalCommas::mended(const std::string& line) {
   return text;
 }
 
-/// The record number, time and relative time, with decimal points; nothing if they are ambiguous.
+/// The record number, time and relative time, with decimal points; nothing unless the fields can be
+/// read in exactly one way.
 std::optional<std::string> DecimalCommas::frontOf(std::span<const std::string_view> fields) const {
   std::vector<std::pair<std::string, std::string>> ways;
   const auto add = [&](std::string time, std::string relative) {
@@ -101,7 +102,8 @@ std::optional<std::string> DecimalCommas::frontOf(std::span<const std::string_vi
   return std::string(fields[0]) + ',' + ways.front().first + ',' + ways.front().second;
 }
 
-/// Whether a relative time fits a time of day; always true if the reference is unknown.
+/// Whether a time of day and a relative time are valid and, if the reference is known, fit each
+/// other.
 bool DecimalCommas::fits(const std::string& time, const std::string& relative) const {
   try {
     AQ_Time clock;

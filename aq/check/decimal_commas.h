@@ -16,8 +16,8 @@ class DecimalCommas {
   /// Takes the bands and the reference time from the header lines.
   explicit DecimalCommas(std::span<const std::string> header);
 
-  /// The data line with decimal points; unchanged if it has no decimal commas. Nothing if it is
-  /// ambiguous.
+  /// The data line with decimal points; unchanged if it has no decimal commas. Nothing if its times
+  /// cannot be read in exactly one way.
   [[nodiscard]] std::optional<std::string> mended(const std::string& line);
 
   /// Whether any line had decimal commas.

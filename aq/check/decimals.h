@@ -11,9 +11,9 @@
 
 namespace aq {
 
-/// Counts the decimals of the numbers in a column. Trailing zeros show that the file was written
-/// with a fixed number of decimals, so a number with fewer has lost digits. Ignores a plain 0 and a
-/// plain 9999, which mean no value.
+/// Counts the decimals of the numbers in one or more columns. Trailing zeros show that the file was
+/// written with a fixed number of decimals, so a number with fewer has lost digits. Ignores a plain
+/// 0 and a plain 9999, which mean no value.
 class Decimals {
  public:
   void see(std::string_view field, const FindingPlace& place);
@@ -25,8 +25,8 @@ class Decimals {
  private:
   struct Seen {
     std::size_t count = 0;
-    bool endsInZero = false;               // whether any of these numbers ends in 0
-    std::vector<FindingPlace> first = {};  // places that may be reported
+    bool endsInZero = false;               // whether any of them ends in 0
+    std::vector<FindingPlace> first = {};  // the first 1000 places
   };
 
   std::map<std::size_t, Seen> seen_;  // by the number of decimals

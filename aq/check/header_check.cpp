@@ -14,7 +14,7 @@
 namespace aq {
 namespace {
 
-/// The labels of the columns; nothing for bands without a label.
+/// The expected labels, followed by `after`; empty if a band has no label.
 std::string expectedLabels(std::int16_t low, std::int16_t high, std::string_view after) {
   try {
     std::string labels;
@@ -46,7 +46,7 @@ bool isBeside(const std::string& path, const std::string& name) {
 }
 
 constexpr std::string_view kOwnName = "FileName";
-/// Keywords of source files.
+/// The keywords that name source files.
 constexpr std::string_view kSources[] = {"GenerationFile", "TSPIFileName", "STHFileName",
                                          "PTHFileName", "MICFileName"};
 
@@ -207,8 +207,8 @@ void HeaderCheck::seeKeyword(const HeaderLine& line, std::string_view found) {
       "this line is read as " + std::string(line.keyword) + ", but its keyword is " + shown(found));
 }
 
-/// A keyword's value starts after the comma that follows the mark and ends at the next mark; any
-/// other line ends at its first mark.
+/// Reports text that readers skip. A keyword's value starts after "**," and ends at the next "**";
+/// any other line ends at its first "**".
 void HeaderCheck::seeMarks(const HeaderLine& line,
                            const std::vector<std::string_view>& pieces) const {
   const bool keyword = line.use == HeaderLine::Use::Keyword;

@@ -105,7 +105,7 @@ class HeaderCheck {
   std::map<std::string, Entry, std::less<>> entries_;
   std::string headings_;
   HistoryWords words_;
-  std::size_t quotes_ = 0;  // number of the first line in quotes; 0 if there is none
+  std::size_t quotes_ = 0;  // number of the last line in quotes so far; 0 for none
 };
 
 }  // namespace aq

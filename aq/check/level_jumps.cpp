@@ -14,7 +14,7 @@ namespace {
 constexpr double kNoJump = std::numeric_limits<double>::quiet_NaN();
 
 /// How far a level is above the mean of those before and after; NaN if one of the three is not
-/// valid, or if these two differ too much.
+/// valid, or if those before and after differ too much.
 double jumpOf(double before, double here, double after) {
   constexpr double kSame = 6;  // dB
   for (const double level : {before, here, after}) {

@@ -14,7 +14,8 @@ inline constexpr double kLowestLevel = -20;
 inline constexpr double kHighestLevel = 200;
 
 /// Finds single levels that are far from those of the records before and after. No sound drops by
-/// 20 dB in one band for just half a second; a rise must exceed 40 dB, since a bird may sing.
+/// more than 20 dB in one band for just half a second; a rise must exceed 40 dB, since a bird may
+/// sing.
 class LevelJumps {
  public:
   /// `firstField` is the field of band `low`.

@@ -94,7 +94,8 @@ void LineShapes::report(const std::string& path, const Reporter& report) const {
   for (const Decimals& decimals : decimals_) decimals.report(told, report);
 }
 
-/// Empty fields, which spreadsheets add to every line, are reported once.
+/// Reports each line with extra fields. Lines whose extra fields are all empty, as spreadsheets add
+/// them, share one finding.
 void LineShapes::reportExtra(const std::string& path, const Reporter& report) const {
   LineReader lines(path);
   std::size_t empty = 0;

@@ -27,7 +27,7 @@ class LineShapes {
   explicit LineShapes(const DataColumns& columns)
       : columns_(columns), decimals_(columns.alike ? 1 : columns.numbers) {}
 
-  /// Takes all data lines of a file: those after line `header`.
+  /// Takes all data lines of a file: the lines after line `header` that are not blank.
   LineShapes(const std::string& path, std::size_t header, const DataColumns& columns);
 
   /// The number of data lines.
@@ -39,7 +39,7 @@ class LineShapes {
   /// Whether numbers were split at their decimal commas, which makes every value wrong.
   [[nodiscard]] bool decimalCommas() const;
 
-  /// Reports irregular shapes, one finding per cause.
+  /// Reports irregular shapes; if there are decimal commas, nothing but these.
   void report(const std::string& path, const Reporter& report) const;
 
  private:
@@ -61,11 +61,11 @@ class LineShapes {
   std::size_t count_ = 0;
   std::size_t first_ = 0;     // the first line's number
   std::size_t line_ = 0;      // the last line's number
-  std::size_t divided_ = 0;   // lines with as many fields as decimal commas would give
+  std::size_t divided_ = 0;   // lines whose numbers seem to be split at decimal commas
   std::size_t extended_ = 0;  // lines with fields that are not read
   Shape last_{0, 0, false, false};
   Shape least_{std::numeric_limits<std::size_t>::max(), std::numeric_limits<std::size_t>::max(),
-               false, false};  // open if any line is open
+               false, false};  // the least before the last line; open if any line is
   bool ended_ = true;          // the last line has a line ending
 };
 

@@ -246,7 +246,8 @@ class TextMender {
     return whole;
   }
 
-  /// A level such as "61,51"; levels below 1 dB have no digit before the comma.
+  /// Whether a field is a number such as "61,51"; a level below 1 dB may have no digit before the
+  /// comma.
   [[nodiscard]] static bool isCommaNumber(std::string_view field) {
     field = trimmed(field);
     if (field.starts_with('-')) field.remove_prefix(1);
@@ -254,7 +255,7 @@ class TextMender {
            (field.starts_with(',') && isDecimalComma("0" + std::string(field)));
   }
 
-  /// A time of day such as "14:30:00,25".
+  /// Whether a field is a time of day such as "14:30:00,25".
   [[nodiscard]] static bool isCommaTime(std::string_view field) {
     const std::size_t colon = field.rfind(':');
     return colon != field.npos && isDecimalComma(field.substr(colon + 1)) &&

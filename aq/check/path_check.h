@@ -19,7 +19,7 @@ struct PathPlace {
 };
 
 /// Reports positions much farther than most from the line between their neighbours: one finding per
-/// run.
+/// run of such positions.
 void checkJumps(const std::vector<PathPlace>& path, const Reporter& report);
 
 /// Reports gaps between positions that are much longer than usual.

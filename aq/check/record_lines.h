@@ -58,7 +58,7 @@ class RecordLines {
   std::int32_t before_ = 0;    // the record number in the previous line
 };
 
-/// Seconds as text, with as many decimals as a time of day in single precision holds.
+/// Seconds as text, rounded to milliseconds.
 inline std::string secondsText(double seconds) {
   return numberText(std::round(seconds * 1e3) / 1e3) + " s";
 }

@@ -30,7 +30,7 @@ bool isDigits(std::string_view text) {
   return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
 }
 
-/// Whether there is a carriage return that is not part of a line ending.
+/// Whether any carriage return is followed by something other than a line feed.
 bool hasBareReturn(std::string_view head) {
   std::size_t at = head.find('\r');
   while (at < head.size() && head.substr(at + 1).starts_with('\n')) at = head.find('\r', at + 1);

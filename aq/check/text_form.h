@@ -31,7 +31,7 @@ std::optional<TextFault> faultOfBytes(std::string_view head);
 /// damage.
 std::optional<TextFault> faultOfLines(std::string_view head);
 
-/// Whether `text` looks like a number that was split at its decimal comma, as in "18,5".
+/// Whether `text` looks like a number with a decimal comma, such as "18,5".
 bool isDecimalComma(std::string_view text);
 
 inline constexpr std::string_view kDecimalCommaCure =

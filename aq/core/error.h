@@ -35,7 +35,8 @@ class AQ_API Error : public std::runtime_error {
 /// `text` with its control bytes escaped; letters of any encoding are kept.
 [[nodiscard]] AQ_API std::string escaped(std::string_view text);
 
-/// `text` as messages show it: in quotes, with unprintable bytes escaped, cut at 60 characters.
+/// `text` as messages show it: in quotes, with every byte but printable ASCII escaped, cut at 60
+/// characters.
 [[nodiscard]] AQ_API std::string shown(std::string_view text);
 
 }  // namespace aq
