@@ -15,7 +15,7 @@ constexpr auto kNote = Severity::Note;
 constexpr bool kHold = true;  // the data are as measured
 
 constexpr FindingKind kKinds[] = {
-    {"unreadable", kError, "the reader fails here"},
+    {"unreadable", kError, "the file cannot be read"},
     {"unknown-kind", kError, "the first lines match no kind of file"},
     {"compressed", kError, "the file is compressed or a workbook, not text"},
     {"utf-16", kError, "the text has two bytes per character"},
@@ -24,12 +24,12 @@ constexpr FindingKind kKinds[] = {
     {"decimal-comma", kError, "numbers are split at their decimal commas"},
     {"map-misfit", kError, "a masking map and its history do not fit each other"},
     {"byte-order-mark", kWarning, "a byte order mark precedes the first line", kHold},
-    {"file-name", kWarning, "the header names another file", kHold},
+    {"file-name", kWarning, "the header names another file in the folder", kHold},
     {"keyword", kWarning, "a header line does not have the expected keyword", kHold},
     {"unknown-keyword", kWarning, "a line of a parameter file is ignored", kHold},
     {"lost-text", kWarning, "some text in a header line is not read", kHold},
     {"other-word", kWarning, "an unknown word is ignored or read as another one", kHold},
-    {"heading", kWarning, "the headings do not match the data", kHold},
+    {"heading", kWarning, "the column headings are not as expected", kHold},
     {"record-count", kWarning, "the record count in the header differs from the data"},
     {"record-range", kWarning, "record numbers in the header differ from the data"},
     {"second-data-set", kWarning, "the data start again, or further lines are ignored"},
@@ -50,7 +50,7 @@ constexpr FindingKind kKinds[] = {
     {"lost-digits", kWarning, "a number has fewer decimals than the others"},
     {"mask-letters", kWarning, "a mask has unknown letters"},
     {"last-good-band", kWarning, "a last good band does not match the masks"},
-    {"analyzer-mark", kWarning, "the data are weighted, overloaded or not valid"},
+    {"analyzer-mark", kWarning, "data are weighted, corrected, overloaded or invalid"},
     {"cut-short", kWarning, "the last line is, or seems to be, cut short"},
     {"same-levels", kWarning, "another file in the archive has the same levels", kHold},
     {"quotes", kNote, "a spreadsheet put header lines in quotes"},

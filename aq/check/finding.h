@@ -14,8 +14,8 @@ namespace aq {
 
 /// How serious a finding is.
 enum class Severity {
-  Note,     ///< worth knowing; the data are correct
-  Warning,  ///< the data that are read may differ from those that were measured
+  Note,     ///< worth knowing; the data are as measured
+  Warning,  ///< probably a fault; the data may differ from what was measured
   Error,    ///< the file, or pair of files, cannot be used
 };
 
@@ -24,7 +24,7 @@ struct FindingKind {
   std::string_view name;
   Severity severity;
   std::string_view meaning;  ///< one line
-  bool dataHold = false;     ///< for a warning: whether the data are nevertheless as measured
+  bool dataHold = false;     ///< whether the data are as measured despite a warning
 
   /// Whether the data may differ from what was measured.
   [[nodiscard]] constexpr bool doubtsData() const {

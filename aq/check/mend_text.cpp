@@ -406,8 +406,9 @@ class TextMender {
       auto line = commas.mended(lines_[i]);
       if (!line) {
         if (commas.any())
-          mended_.left.emplace_back("decimal commas that can be read in two ways, from line " +
-                                    std::to_string(i + 1) + " on");
+          mended_.left.emplace_back(
+              "decimal commas that cannot be told from separators, from line " +
+              std::to_string(i + 1) + " on");
         return;
       }
       data.push_back(*std::move(line));

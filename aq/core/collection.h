@@ -15,7 +15,8 @@
 namespace aq {
 
 /// An ordered list of values, numbered from 1; each may have a text key. Lookup by key takes
-/// constant time; keys are compared byte by byte. Copying a collection copies its values.
+/// constant time on average; keys are compared byte by byte. Copying a collection copies its
+/// values.
 template <class T>
 class Collection {
  public:
