@@ -1,5 +1,5 @@
-"""Makes random analyzer recordings, of all revisions, kinds of x and y, scan orders and units; some
-are damaged.
+"""Makes random analyzer recordings, some of them damaged. They differ in revision, scan order,
+units and the form in which x and y are stored.
 """
 
 import math
@@ -145,7 +145,9 @@ class Maker:
         )
 
     def scan_records(self):
-        """The scan record, and the records that may replace it in revision 3."""
+        """A list for the scan record and one for the two records that may replace it in revision
+        3. At least one list is empty; without scans, both are.
+        """
         rng = self.rng
         if not self.scans:
             return [], []

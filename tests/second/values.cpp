@@ -229,7 +229,7 @@ void printTSPI(const std::string& path) {
 }
 
 void printINI(const std::string& path) {
-  AQ_DataINI file;  // every value differs from what a read sets for a missing line
+  AQ_DataINI file;  // with values that show what a read leaves alone
   file.CalAdj(1);
   file.NuAvg(AQ_4S95);
   file.PrWndo(2);
@@ -245,7 +245,8 @@ void printINI(const std::string& path) {
            file.HiRec(), file.FileName(), *file.FileDate(), *file.Comments());
 }
 
-/// Prints a recording; of its notes, only the words that the second reader prints too.
+/// Prints a recording. Of its comment lines, prints only which of four words they contain, as the
+/// second reader does.
 template <class Read>
 void printRecording(const std::string& path, const Read& read) {
   AQ_DataHP3565 file;
@@ -307,8 +308,8 @@ void printSPC(const std::string& path) {
   for (const auto& [record, spectrum] : *history) show("date", spectrum->Time()->CurrentDate());
 }
 
-/// `options` has the delimiter, as two hexadecimal digits per byte, a colon, and 1 if fields may be
-/// quoted, as in `2c:1`.
+/// `options` is the delimiter, two hexadecimal digits per byte, then a colon, and 1 if fields may
+/// be quoted or 0 if not, as in `2c:1`.
 void printASCII(const std::string& path, const std::string& options) {
   AQ_DataASCII file;
   std::string delimiter;

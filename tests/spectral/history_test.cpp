@@ -200,12 +200,12 @@ TEST(History, LastGoodBandsFromTheMap) {
     EXPECT_EQ(made.spectrum(record)->Metric()->LGB(), expected) << record;
     EXPECT_EQ(static_cast<float>(map.Row(record)->LGB()), expected) << record;
   }
-  EXPECT_EQ(map.Row(6)->HighBand(), 29);  // bands 28 and 29 were created
+  EXPECT_EQ(map.Row(6)->HighBand(), 29);  // setLGB creates bands 28 and 29
   map.Row(9, map.Row(1));
   EXPECT_ERROR(made.setLGB(map), InvalidArgument);
   map.Row(1, nullptr);
   EXPECT_ERROR(made.setLGB(map), ObjectNotSet);
-  EXPECT_EQ(made.spectrum(1)->Metric()->LGB(), 0);  // the band of the replaced row is gone
+  EXPECT_EQ(made.spectrum(1)->Metric()->LGB(), 0);  // reset before the missing row is found
 }
 
 TEST(History, EncompassesTheMapRowByRow) {
@@ -224,8 +224,8 @@ TEST(History, EncompassesTheMapRowByRow) {
   EXPECT_ERROR(shifted->EncompassesMask(map), InvalidArgument);
 }
 
-/// The masks and last good bands that this ambient spectrum gives at a margin of 3 dB, or the
-/// error.
+/// The masks and last good bands for an ambient with these levels from band 20 up, at a margin of
+/// 3 dB, or the text of the error.
 std::string maskedBy(const AQ_SpectralTimeHistory& history, const std::vector<double>& ambient) {
   AQ_Spectrum spectrum;
   spectrum.assignLevels(20, ambient);

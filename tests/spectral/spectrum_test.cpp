@@ -31,11 +31,11 @@ TEST(Spectrum, RangeOnlyWidens) {
   EXPECT_EQ(whole.plainLevels(), (std::vector<double>{60.5, 60.125, 60.5}));
   AQ_Spectrum high;
   high.SPL(10000, 1.0);
-  EXPECT_EQ(high.LowBand(), 9999);  // its value without bands, which is below 10000
+  EXPECT_EQ(high.LowBand(), 9999);  // as without bands, since 10000 is not below it
   EXPECT_ERROR(high.Copy(), InvalidArgument);
   AQ_Spectrum low;
   low.SPL(-2, 1.0);
-  EXPECT_EQ(low.HighBand(), -1);  // its value without bands, which is above -2
+  EXPECT_EQ(low.HighBand(), -1);  // as without bands, since -2 is not above it
   EXPECT_ERROR(low.Copy(), InvalidArgument);
 }
 
@@ -56,7 +56,7 @@ TEST(Spectrum, SharesAndCopiesItsObjects) {
   EXPECT_EQ(spectrum.Time()->TODseconds(), 5);
   spectrum.lazyTime().assign(7, 8);
   spectrum.Time(nullptr);
-  EXPECT_EQ(spectrum.HighBand(), -1);  // may share the padding of the time
+  EXPECT_EQ(spectrum.HighBand(), -1);  // the range may lie in the padding of the time
   EXPECT_EQ(spectrum.Time()->TODseconds(), 0);
   EXPECT_EQ(spectrum.Time()->RelSeconds(), 0);
   EXPECT_EQ(copy->Time()->TODseconds(), 0);

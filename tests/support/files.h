@@ -15,8 +15,8 @@ namespace aq::test {
 
 inline const std::filesystem::path kData = AQ_TEST_DATA;
 
-/// The content of a file. In a text file, line endings become \n, as in the samples, on every
-/// system.
+/// The content of a file. If it is text (without a zero byte), the system's line endings become \n,
+/// as in the samples.
 inline std::string contentOf(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
   std::string content{std::istreambuf_iterator<char>(stream), {}};

@@ -13,8 +13,8 @@
 
 namespace aq::test {
 
-/// The outcome of a read: the failure, what was returned despite it, and whether the result
-/// value agrees with both.
+/// The outcome of a read: the failure, if any; what was returned; and whether the result value
+/// agrees with both.
 struct Outcome {
   std::optional<FileFailure> failure;
   std::string handedOut;
@@ -29,7 +29,7 @@ struct FormatCalls {
   std::function<AQ_DataMessage(const std::string& from, const std::string& to)> rewrite = nullptr;
 };
 
-// What a failed read returns to the caller.
+// What a read returns even if it fails, as `failures.txt` shows it in brackets.
 template <class Header, class Model>
 std::string handedOut(const FileClass& /*file*/, const Content<Header, Model>& content) {
   return std::string(content.header ? "header " : "") + (content.model ? "model " : "");

@@ -161,7 +161,7 @@ TEST(LevelText, LevelsOfAnyWidthAndWhatIsNoLevel) {
     appendLevels(again, std::span<const LevelCode>(codes).first(fields.count));
     return again + (fields.last ? "" : "|") + std::string(text.substr(fields.length));
   };
-  // Every mixture of widths in a group of four, then more fields than a block or a pass can hold.
+  // Every mixture of widths in four neighbouring fields, then more fields than are found at once.
   const std::array<std::string, 6> widths{".50", "5.25", "65.75", "105.50", "9999.00", "-.25"};
   std::string all;
   for (std::size_t mix = 0; mix < 6 * 6 * 6 * 6; ++mix) {

@@ -1,7 +1,8 @@
 """Drives the installed program end to end: aqdata_test.py PROGRAM PROJECT
 
 Each row holds a command line, its exit status, and what its output and its messages must contain.
-The commands run in a folder with the project's samples.
+If the status is 0, there must be no messages. The commands run in a folder with the project's
+samples and altered copies of them.
 """
 
 import json
@@ -603,7 +604,7 @@ ROWS = [  # command, status, what the output contains, what the messages contain
 
 
 def command_line(row):
-    """Inserts the program's name after any leading variable assignments or other command."""
+    """Inserts `aqdata` after the first "; ", or else after any leading variable assignments."""
     words = row.split(" ")
     first = next(
         (i for i, word in enumerate(words) if not re.fullmatch(r"[A-Z]+=\S*", word)), len(words)
@@ -642,7 +643,7 @@ def check_streams(folder):
 
 
 def check_folders(parent):
-    """Linked folders are visited once; broken links and unreadable folders are reported."""
+    """Linked folders are visited once; broken links and what cannot be read are reported."""
     folder = parent / "links"
     (folder / "b" / "c").mkdir(parents=True)
     shutil.copy(SAMPLES / "fly-over.mic.csv", folder / "b" / "c" / "m.csv")
@@ -679,7 +680,9 @@ def check_completion(folder):
 
 
 def check_widths(folder):
-    """Tables stay aligned when a character in a name takes two columns or none."""
+    """Tables stay aligned when a character in a name takes two columns or none, and say which
+    columns did not fit.
+    """
     names = ["fly-\u98db\u884c.csv", "fly-e\u0301.csv", "fly-plain.csv"]
     for name in names:
         shutil.copy(SAMPLES / "fly-over.mic.csv", folder / name)
@@ -688,7 +691,7 @@ def check_widths(folder):
         unicodedata.normalize("NFC", line).replace("\u98db\u884c", "four").find("microphone")
         for line in lines[1:4]
     }
-    expect("names of wide characters", len(places), 1)
+    expect("names with wide characters", len(places), 1)
     wide = pathlib.Path(folder / "narrow.txt")
     run(
         f"stty cols 60 2>/dev/null; script -qc 'stty cols 60; aqdata info {names[0]} {STH}' {wide}",
@@ -717,7 +720,9 @@ def check_cpp_tutorial():
 
 
 def check_documents(parent):
-    """Every console block of the documentation shows what the program prints."""
+    """Console blocks of the pages show what the program prints; the examples in README.md and in
+    the help run; no line of the help is wider than 80 columns.
+    """
     check_cpp_tutorial()
     for page in ("docs/aqdata", "docs/metrics", "docs/season", "docs/tutorials/shell"):
         folder = parent / page.replace("/", "-")
@@ -768,7 +773,9 @@ def check_recordings(folder):
 
 
 def check_columns(folder):
-    """Histories and recordings convert to fixed columns and back, or a message says why not."""
+    """Histories convert to fixed columns and back, recordings convert to fixed columns, and a
+    message says why a file cannot be converted.
+    """
     run(f"aqdata convert {STH} -o there.spc", folder)
     run("aqdata convert there.spc -o back.sth.csv", folder)
     expect("fixed columns and back", run(f"aqdata diff {STH} back.sth.csv", folder).returncode, 0)

@@ -1,7 +1,7 @@
 """Tests the pages of `aqdata report` in a browser: report_test.py PROGRAM PROJECT [SCREENSHOTS]
 
 Chromium runs without a window, driven by Debian's selenium. If a folder SCREENSHOTS is given, it
-receives screenshots of the pages.
+receives screenshots of the pages, and PDF files of the printed pages.
 """
 
 import base64
@@ -47,7 +47,8 @@ def run(*arguments, status=0):
 
 def season(folder):
     """Fills a folder with four runs: the sample with its companion files, an altered copy without
-    them, a damaged one that cannot be read, and one with markup and script in its name and header.
+    them, a damaged one that cannot be read, and one whose file names and headers have markup and
+    script in them.
     """
     shutil.copytree(SAMPLES, folder, dirs_exist_ok=True)
     text = (folder / "fly-over.sth.csv").read_text()
@@ -73,7 +74,9 @@ def season(folder):
 
 
 def hostile(text):
-    """The text with all hostile words in every text field, a comment and an `OtherRecords` line."""
+    """The text with all of HOSTILE in the fields that TEXTS selects, in a comment and in an
+    `OtherRecords` line.
+    """
     words = " ".join(HOSTILE)
     text = re.sub(rf"^(\w*({TEXTS}))\*\*,.*", lambda m: f"{m[1]}**,{words}", text, flags=re.M)
     text = re.sub(r"^OtherRecords\*\*,0", lambda m: f"OtherRecords**,1\n{words}", text, flags=re.M)
@@ -102,7 +105,7 @@ class Browser:
         self.settle()
 
     def settle(self):
-        """Waits until the page has finished drawing."""
+        """Gives the page time to draw: two animation frames and 50 ms."""
         self.driver.execute_async_script(
             "const done = arguments[0]; requestAnimationFrame(() => requestAnimationFrame(() => "
             "setTimeout(done, 50)))"
@@ -142,7 +145,7 @@ class Browser:
         return len(re.findall(rb"/Type\s*/Page\b", data))
 
     def check_quiet(self, what):
-        """Checks that the page has reported no errors and made no requests."""
+        """Checks that the page has written nothing to the console and made no requests."""
         log = [entry["message"] for entry in self.driver.get_log("browser")]
         expect(f"{what}: console", log, [])
         entries = self.js("return performance.getEntriesByType('resource').map((e) => e.name)")

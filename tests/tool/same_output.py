@@ -1,6 +1,8 @@
-"""Runs every row of aqdata_test.py with the native program and with the program for Windows, and
-compares what they print and write: same_output.py PROGRAM PROJECT OTHER...
-OTHER is the command that runs the program for Windows under wine.
+"""Runs the rows of aqdata_test.py with the native program and with the program for Windows, and
+compares exit status, output and files: same_output.py PROGRAM PROJECT OTHER...
+
+OTHER is the command that runs the program for Windows under wine. Rows whose results must differ on
+Windows are skipped.
 """
 
 import os
@@ -13,9 +15,9 @@ import tempfile
 
 import aqdata_test
 
-ELSEWHERE = {  # skips rows that contain a key; its value says what differs on Windows
+ELSEWHERE = {  # rows that contain a key are skipped; its value says what differs on Windows
     "odd": "names with line breaks",
-    "bytes": "names that are not valid text",
+    "bytes": "names that are not UTF-8",
     "/dev/": "Unix devices",
     "ln -f": "hard links, which wine does not keep",
     "COLORTERM": "the number of colours, which a Windows console does not report",
@@ -29,7 +31,9 @@ ELSEWHERE = {  # skips rows that contain a key; its value says what differs on W
 
 
 def same_form(text):
-    """Removes differences due to the system or the run: line ends, path separators and times."""
+    """Makes line ends and path separators alike, and removes a warning from wine and the dates and
+    times of files.
+    """
     text = text.replace(b"\r\n", b"\n").replace(b"\\\\", b"\\").replace(b"\\", b"/")
     text = re.sub(rb"Wine cannot find the FreeType(.*\n){4}", b"", text)
     return re.sub(rb"(FileDateTime\*\*|created|file date).*", rb"\1", text)
@@ -83,7 +87,7 @@ def main():
             for path in sorted(ours.keys() | theirs.keys())
             if ours.get(path) != theirs.get(path)
         ]
-    print(*faults, f"{compared} commands compared, {len(faults)} differ", sep="\n")
+    print(*faults, f"{compared} commands compared, {len(faults)} differences", sep="\n")
     return 1 if faults or not compared else 0
 
 

@@ -1,8 +1,8 @@
 """Runs the commands of docs/season.md on a generated season, in which some raw files are damaged:
 season_test.py PROGRAM PROJECT RUNS [PACKAGE]
 
-Compares the results with those of the undamaged files. Prints the time of each command relative to
-the time it takes to read all files once.
+Compares the results with those of the undamaged files. Prints the time of each command of the
+page's first block, relative to the time it takes to read all files once.
 """
 
 import csv
