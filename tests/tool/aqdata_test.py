@@ -545,7 +545,7 @@ ROWS = [  # command, status, what the output contains, what the messages contain
         "",
         "b.sth.csv: 3 records are missing before it; --fill",
     ),
-    ("join a.sth.csv b.sth.csv --fill --masks -o ab.sth.csv", 0, "60 records, 3 of 9999", ""),
+    ("join a.sth.csv b.sth.csv --fill --masks -o ab.sth.csv", 0, "60 records, 3 filled", ""),
     ("diff fly-over.mask.csv ab.mask.csv", 1, "Joined from a.sth.csv (records 1 to 20), b.sth", ""),
     ("check --severity warning ab.*", 0, "2 without findings", ""),
     ("join b.sth.csv a.sth.csv -o ba.sth.csv", 2, "", "begins before the first one ends"),

@@ -118,7 +118,7 @@ void join(Session& session, const JoinChoice& choice) {
   const auto notes = writeRun(session, run, to, files.front());
   session.wrote(fmt::format("{}{}",
                             counted(static_cast<std::size_t>(run.history.model->Count()), "record"),
-                            filled == 0 ? "" : fmt::format(", {} of 9999 among them", filled)));
+                            filled == 0 ? "" : fmt::format(", {} filled with 9999", filled)));
   for (const std::string& note : notes) {
     session.tell(fmt::format("{}: {}", aq::escaped(session.output), note));
   }
