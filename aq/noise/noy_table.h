@@ -6,7 +6,8 @@
 
 namespace aq {
 
-/// The pieces of one band's curve from level to noys, in dB and 1/dB: 14 CFR 36, A36.4.7.
+/// The constants of one band's curve from level to noys: levels in dB, slopes in 1/dB (14 CFR 36,
+/// A36.4.7).
 struct NoyBand {
   double splA, splB, splC, splD, splE;
   double mB, mC, mD, mE;
@@ -18,7 +19,8 @@ inline constexpr std::int16_t kFirstNoyBand = 17;  // 50 Hz
 inline constexpr std::int16_t kLastNoyBand = 40;   // 10 kHz
 
 namespace noys {
-/// In bands without SPL(a), the piece from SPL(b) continues, and there is no piece C.
+/// Stands for SPL(a), SPL(c) and M(c) in bands that lack them: the piece from SPL(b) then has no
+/// upper end.
 inline constexpr double kNone = std::numeric_limits<double>::infinity();
 }  // namespace noys
 

@@ -30,7 +30,7 @@ struct BandNoys {
   double operator()(double level) const { return noysOf(*band, level); }
 };
 
-/// Tables of noys by level code. Bands with the same curve share a table.
+/// Tables of noys by level code. Adjacent bands with the same curve share a table.
 class NoyTables {
  public:
   NoyTables() {
@@ -57,7 +57,7 @@ class NoyTables {
   std::vector<LevelTable<BandNoys>> tables_;
 };
 
-/// The noys by band, from `kFirstNoyBand`; 0 for a level that does not count.
+/// The noys by band, from `kFirstNoyBand` up; 0 for a level that does not count.
 std::array<double, kNoyBands.size()> noysOf(const CountedLevels& record, const NoyTables& tables) {
   std::array<double, kNoyBands.size()> noys{};
   const std::int32_t low = std::max<std::int32_t>(record.low(), kFirstNoyBand);
@@ -76,8 +76,8 @@ std::array<double, kNoyBands.size()> noysOf(const CountedLevels& record, const N
 }
 
 /// The total noisiness; `noysAt` returns the noys at an index of `kNoyBands`. There are two sums,
-/// so that an addition need not wait for the one before it, and no loop, so that the addresses of
-/// the tables are constants.
+/// so that an addition need not wait for the one before it, and no loop, so that the index of each
+/// table is a constant.
 template <class NoysAt, std::size_t... kPairs>
 double totalOf(const NoysAt& noysAt, std::index_sequence<kPairs...>) {
   double highest = 0;

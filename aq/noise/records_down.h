@@ -6,10 +6,10 @@
 
 namespace aq {
 
-/// The records of the event: from the first to the last one with a PNLT within `decibels` of the
-/// largest, plus the record before and the record after them, if they exist. A history cut to these
-/// records has the same event. Throws `InvalidArgument` if no record has a PNLT or `decibels` is
-/// not above 0; otherwise throws as `setMetrics` does.
+/// The records of the event: from the first to the last one with a PNLT less than `decibels` below
+/// the largest, plus the record before and the record after them, if they exist. With 10 dB or
+/// more, a history cut to these records has the same 10 dB-down limits. Throws `InvalidArgument` if
+/// no record has a PNLT or `decibels` is not above 0; otherwise throws as `setMetrics` does.
 [[nodiscard]] AQ_API RecordRange recordsDown(const AQ_SpectralTimeHistory& history,
                                              const AQ_MaskMap* map = nullptr, double decibels = 10);
 

@@ -21,15 +21,15 @@ void forEachMetric(const Visit& visit) {
   }
 }
 
-/// Throws `Overflow` unless every value fits the single precision of a metric record.
+/// Throws `Overflow` unless every value fits single precision.
 void checkRange(const RecordMetrics& computed) {
   for (const double value : computed.values) {
     if (!std::isnan(value)) static_cast<void>(Variant(value).toSingle());
   }
 }
 
-/// Replaces the values of the metric record with the computed ones. Cannot fail for values that
-/// `checkRange` accepts.
+/// Replaces the values of `metric` with the computed ones. Cannot fail for values that `checkRange`
+/// accepts.
 void renew(AQ_Metric& metric, const RecordMetrics& computed, bool withLastGoodBand) {
   forEachMetric([&](AQ_METRIC_TYPE type) {
     if (computed.has(type)) {
@@ -45,7 +45,7 @@ void renew(AQ_Metric& metric, const RecordMetrics& computed, bool withLastGoodBa
 std::optional<NoiseEvent> setMetrics(AQ_SpectralTimeHistory& history, const AQ_MaskMap* map) {
   HistoryMetrics computed = historyMetrics(history, map);
 
-  // Everything that can fail is done before the first record changes.
+  // Everything that can fail is done before the first value changes.
   std::vector<std::shared_ptr<AQ_Metric>> held;
   held.reserve(computed.records.size());
   for (const auto& [number, spectrum] : history) held.push_back(spectrum->Metric());

@@ -10,10 +10,11 @@
 namespace aq {
 
 /// Stores the ten metrics of every record in its `Metric()`, in single precision, and lists them in
-/// `Metrics()`. Unsets a metric without a value: weighted and overall levels if no level of the
-/// record counts, and PNL, PNLT and tone correction if none in bands 17 to 40 counts. Without a
-/// map, keeps the last good band. `INTEG` is the role of a record in the event; a record lasts
-/// until the stamp of the next one.
+/// `Metrics()`. Unsets a metric without a value: weighted levels if no level in bands 10 to 43
+/// counts, the overall level if none at all counts, and PNL, PNLT, tone correction and its band if
+/// none in bands 17 to 40 counts. Without a map, keeps the last good band. `INTEG` is the role of a
+/// record in the event; a record lasts until the stamp of the next one, the last record as long as
+/// the one before it.
 ///
 /// A row of the map applies to the record with the same number; a record without a row is not
 /// masked. Does not change the map. Returns the event, computed from unrounded values, with

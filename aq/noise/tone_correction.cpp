@@ -37,8 +37,8 @@ std::size_t toneBandsOf(const CountedLevels& record) {
 
 std::int32_t bandAt(std::size_t place) { return kFirstToneBand + static_cast<std::int32_t>(place); }
 
-/// The lowest band with the largest correction of a lane; 0 if that correction is 0. `differenceAt`
-/// gives the differences of the lane.
+/// The lowest of the candidate bands whose correction is `largest`; 0 if `largest` is 0.
+/// `differenceAt` returns the level minus the background at an index.
 template <class DifferenceAt>
 std::int16_t bandOf(double largest, std::uint32_t candidates, const DifferenceAt& differenceAt) {
   for (; largest > 0 && candidates != 0; candidates &= candidates - 1) {

@@ -10,21 +10,21 @@
 
 namespace aq {
 
-/// The results of the tone correction procedure for one band. Values that a step does not define
-/// are empty, such as the slope of the first band.
+/// The results of the tone correction procedure for one band. Values that the procedure does not
+/// define for a band are empty, such as the slope of the first band.
 struct ToneStep {
   std::int16_t band = 0;
   double level = 0;             ///< dB
   std::optional<double> slope;  ///< level minus that of the band below, dB
   bool slopeMarked = false;     ///< the slope differs by more than 5 dB from that of the band below
-  bool levelMarked = false;     ///< the level is removed to find the background
+  bool levelMarked = false;     ///< the level is replaced to find the background
   std::optional<double> adjusted;       ///< the level, or its replacement if it is marked, dB
-  std::optional<double> adjustedSlope;  ///< slope of the adjusted levels, dB
+  std::optional<double> adjustedSlope;  ///< slope of the adjusted levels, dB; band 19 has band 20's
   std::optional<double>
       meanSlope;  ///< mean of three adjusted slopes, this band's and the next two, dB
   std::optional<double> background;  ///< the level that the band would have without tones, dB
-  std::optional<double> difference;  ///< level minus background, dB; counts if at least 1.5
-  std::optional<double> correction;  ///< dB, 0 when the difference does not count
+  std::optional<double> difference;  ///< level minus background, dB
+  std::optional<double> correction;  ///< dB; 0 for a difference of up to 1.5 dB
 };
 
 /// The tone correction of a spectrum, with the steps for each band.

@@ -15,8 +15,8 @@ Number numberOf(double value) {
   return Number{} + value;
 }
 
-/// The correction in dB for a difference from the background, outside 500 to 5000 Hz; 0 for NaN.
-/// The curve is the minimum of three lines.
+/// The correction in dB for a difference from the background, in the bands below 500 Hz and above
+/// 5000 Hz: the minimum of three lines, but at least 0. Returns 0 for NaN.
 template <class Number>
 Number correctionOf(const Number& difference) {
   const Number third = difference / 3.0;
@@ -56,8 +56,8 @@ void ToneProcedure<Number>::adjustLevels(std::size_t count) {
     const Number below = level[i - 1];
     const Number replacement =
         i + 1 < count ? Number((below + level[i + 1]) / 2.0) : Number(below + slope[i - 1]);
-    // A level is removed if the slope up to it is positive, and either this slope is marked for
-    // increasing, or the next one is marked for decreasing and is 0 or negative.
+    // A level is taken out if the slope up to it is positive, and either this slope exceeds the one
+    // before it by more than 5 dB, or the next slope is 0 or negative and more than 5 dB below it.
     const auto rises = slope[i] > 0.0;
     const auto bendsUp = slopeChange(i) > kMarkedSlopeChange;
     const auto bendsDown = slopeChange(i + 1) < -kMarkedSlopeChange;
@@ -80,8 +80,8 @@ void ToneProcedure<Number>::findBackground(std::size_t count) {
   }
 }
 
-/// A correction never decreases as the difference increases, so the largest difference has the
-/// largest correction.
+/// A correction never decreases as the difference increases, so in each of the two ranges of bands
+/// the largest difference has the largest correction.
 template <class Number>
 void ToneProcedure<Number>::findLargest(std::size_t count) {
   const auto largestOf = [&](std::size_t begin, std::size_t end) {

@@ -13,12 +13,14 @@ inline constexpr std::int16_t kLastToneBand = 40;   // 10 kHz
 inline constexpr double kMarkedSlopeChange = 5;     // dB; a slope that changes by more is marked
 inline constexpr std::size_t kToneBands = kLastToneBand - kFirstToneBand + 1;
 
-/// The tone correction in dB of the band at index `place` of the columns, whose level exceeds the
-/// background by `difference` dB: at most a third of it, and 0 where it is too small to count.
+/// The tone correction in dB of the band at index `place`, counted from band 19, whose level
+/// exceeds the background by `difference` dB: at most a third of the difference, and 0 up to 1.5
+/// dB.
 [[nodiscard]] double bandCorrection(std::size_t place, double difference);
 
 /// The tone correction procedure of 14 CFR 36, A36.4.3, step by step, for one record or for lanes
-/// of records with the same bands. Columns hold one number per band; index 0 is band 19.
+/// of records with the same bands. A column holds one number per band, from band 19 at index 0, and
+/// one more.
 template <class Number>
 class ToneProcedure {
  public:
@@ -32,7 +34,7 @@ class ToneProcedure {
   Column slope{};          ///< NaN at index 0 and above the last band
   Column isTakenOut{};     ///< 1 for a level that is taken out, otherwise 0
   Column adjusted{};       ///< the level, or the replacement for one that is taken out
-  Column adjustedSlope{};  ///< extends one band beyond both ends
+  Column adjustedSlope{};  ///< the first and the last slope each appear twice
   Column meanSlope{};      ///< not set for the last band
   Column background{};
   Column difference{};

@@ -42,8 +42,8 @@ std::array<Factors, std::tuple_size_v<Weighting>> factorsOfBands() {
   return factors;
 }
 
-/// The energy sum of the levels that count, in dB, computed relative to the highest, so that
-/// energies may exceed the range of a double. NaN if no level counts.
+/// The energy sum of `levels` in dB; NaN if there are none. Computed relative to the highest level,
+/// since 10^(0.1 L) may exceed the range of a double.
 double relativeSum(const std::vector<double>& levels) {
   if (levels.empty()) return std::numeric_limits<double>::quiet_NaN();
   const double highest = *std::max_element(levels.begin(), levels.end());

@@ -10,7 +10,8 @@
 
 namespace aq::sdf {
 
-/// A coded number and the word that the instrument prints for it.
+/// A coded number, the word that the instrument prints for it, and another word that readers
+/// accept, if there is one.
 struct Code {
   std::int16_t number;
   std::string_view word;
@@ -30,8 +31,8 @@ inline constexpr std::int16_t kUnknownCode = -99;
 /// The word for `number`; empty if there is none.
 [[nodiscard]] AQ_API std::string_view wordOf(const Codes& codes, std::int32_t number);
 
-/// The number of a word, whatever its case, with blanks or underscores between its parts;
-/// `kUnknownCode` if there is none.
+/// The number of a word; `kUnknownCode` if there is none. Ignores case, and takes any character
+/// other than a letter or a digit as an underscore.
 [[nodiscard]] std::int16_t numberOf(const Codes& codes, std::string_view word);
 
 /// How a field is stored. Numbers are big-endian; text ends at its first NUL, if it has one.

@@ -10,8 +10,8 @@
 #include "aq/sdf/codes.h"
 #include "aq/sdf/field.h"
 
-// The records of the Standard Data Format, with every field named in this one place. Readers of
-// binary and text files, and programs that show fields, use these lists.
+// The records of the Standard Data Format, with every field named in this one place. The readers,
+// the text writer and the Python bindings use these lists.
 namespace aq::sdf {
 
 enum class RecordType : std::int16_t {
@@ -59,14 +59,14 @@ struct AnyLayout {
   std::span<const Field> fields;
 };
 
-/// The layout of records of that type; types defined by the instrument share the layout of
-/// `Unique`.
+/// The layout of records of that type; a type without a layout of its own has that of `Unique`.
 [[nodiscard]] AQ_API const AnyLayout& layoutOf(RecordType type);
 
 /// The layout with that name, as text files write it; `nullptr` if there is none.
 [[nodiscard]] const AnyLayout* layoutNamed(std::string_view name);
 
-/// The parts of a unit or window field. Their bytes are counted from the start of that field.
+/// The parts of a unit or window field, with bytes counted from the start of that field; none for
+/// any other field.
 [[nodiscard]] AQ_API std::span<const Field> partsOf(const Field& field);
 
 inline constexpr auto kUnit = layout("SDF_UNIT", {},

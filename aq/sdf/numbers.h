@@ -46,7 +46,7 @@ void putNumber(char* at, Number number) {
   }
 }
 
-/// How the values of an axis are stored.
+/// How the values of an axis or a scan variable are stored.
 enum class NumberType : std::int16_t { Short = 1, Long = 2, Float = 3, Double = 4 };
 
 /// The size of one number in bytes.
@@ -54,7 +54,7 @@ enum class NumberType : std::int16_t { Short = 1, Long = 2, Float = 3, Double = 
   return type == NumberType::Short ? 2 : type == NumberType::Double ? 8 : 4;
 }
 
-/// Numbers stored in a file's bytes, which are not copied.
+/// A view of numbers stored as in a binary file; the bytes are not copied.
 struct Numbers {
   const char* at = nullptr;
   std::size_t count = 0;
@@ -91,7 +91,7 @@ struct Numbers {
 /// The nearest float; infinite beyond the range of floats.
 [[nodiscard]] inline float floatOf(double number) {
   constexpr float kMost = std::numeric_limits<float>::max();
-  constexpr double kNone = 0x1.ffffffp127;  // rounds to a power of two outside the range of float
+  constexpr double kNone = 0x1.ffffffp127;  // halfway between kMost and 2^128, to which it rounds
   const double size = std::abs(number);
   if (!(size > static_cast<double>(kMost))) return static_cast<float>(number);
   const float most = size < kNone ? kMost : std::numeric_limits<float>::infinity();

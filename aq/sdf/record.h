@@ -18,7 +18,7 @@ struct UnitOfValues {
   double factor = 1;
   std::array<int, 8> exponents{};
 
-  /// Whether the unit has these exponents of mass, length and time and no others.
+  /// Whether `exponents` has these values for mass, length and time, and 0 for the others.
   [[nodiscard]] bool isLike(int mass, int length, int time) const {
     return exponents == std::array<int, 8>{mass, length, time};
   }
@@ -30,8 +30,8 @@ struct UnitOfValues {
 /// record counts as missing; reading it throws `ReadFailure`.
 class AQ_API Record {
  public:
-  /// `bytes` starts with the record, whose size field holds `size`; a record from a text file may
-  /// have fewer bytes.
+  /// `bytes` starts with the record, which has `size` bytes; of a record from a text file, there
+  /// may be fewer.
   Record(std::string_view bytes, std::size_t size, std::size_t place);
 
   [[nodiscard]] RecordType type() const;
@@ -55,7 +55,8 @@ class AQ_API Record {
   /// An integer that must not be negative.
   [[nodiscard]] std::uint32_t count(const Field& field) const;
 
-  /// Fails with the record's name, its offset, and what was expected, such as "a domain".
+  /// Throws `ReadFailure` with the record's name and offset, what was expected, such as "a domain",
+  /// and what was found.
   [[noreturn]] void fail(const std::string& expected, const std::string& found) const;
 
  private:

@@ -15,15 +15,15 @@ namespace aq::sdf {
 /// The first two bytes of a recording.
 inline constexpr std::string_view kMark{"B\0", 2};
 
-/// Whether `bytes` starts like a recording.
+/// Whether `bytes` starts with the mark and the type of a file header.
 [[nodiscard]] AQ_API bool beginsRecording(std::string_view bytes);
 
 /// The records of a recording, by type and in file order.
 class AQ_API RecordList {
  public:
   /// Takes the records from the bytes of a file. Throws `ReadFailure` unless every record that the
-  /// file header counts is of the expected type and ends within the file. Ignores bytes after these
-  /// records, such as another recording.
+  /// file header lists is of the expected type and ends within the file, and the measurement header
+  /// has the size of a revision. Ignores bytes after these records, such as another recording.
   explicit RecordList(std::vector<char> bytes);
 
   /// Takes consecutive `records` in `bytes`, as read from a text file. A file header, a measurement
@@ -46,11 +46,11 @@ class AQ_API RecordList {
   /// may give 0.
   [[nodiscard]] int revision() const;
 
-  /// The size of a measurement header whose last field ends with byte `used`.
+  /// The size of the smallest measurement header that holds `used` bytes; `used` if none does.
   [[nodiscard]] static std::size_t measurementSize(std::size_t used);
 
-  // The value of `field`, which replaces `old` from revision `since` on; before that, the value of
-  // `old`.
+  // The value of `field`, which replaces `old` from revision `since` on; before that, or if the
+  // record lacks `field`, the value of `old`.
   [[nodiscard]] std::int32_t integer(const Record& record, const Field& field, int since,
                                      const Field& old) const;
   [[nodiscard]] double real(const Record& record, const Field& field, int since,

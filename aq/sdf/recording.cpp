@@ -67,7 +67,7 @@ bool isTime(const Record& record, const UnitOfValues& unit) {
                            record.integer(kScanVariable["scanBase_type"]) == kTimeBase);
 }
 
-/// The size of the values of a record that end at `end`, as text for a failure.
+/// The size of values that end at offset `end` of their record, as text for a failure.
 std::string countedText(std::uint64_t end) {
   constexpr std::uint64_t kTooMany = std::numeric_limits<std::uint64_t>::max();
   const std::string bytes = end == kTooMany ? "2^64 or more" : std::to_string(end - kHead);
@@ -180,7 +180,7 @@ void Recording::readSets() {
 void Recording::placeY() {
   std::uint64_t at = kHead;
   const auto whole = [](const TraceSet& set) { return times(set.traceBytes, set.traces); };
-  std::uint64_t scanBytes = 0;  // bytes of one scan of all sets together
+  std::uint64_t scanBytes = 0;  // bytes of one scan, all scanned sets together
   for (const TraceSet& set : sets_) {
     if (set.scanned) scanBytes = plus(scanBytes, whole(set));
   }

@@ -28,9 +28,9 @@ enum class Axis : std::int16_t {
 struct TraceSet {
   Record header;
   std::size_t points = 0;         ///< points per trace
-  std::size_t valuesOfPoint = 1;  ///< two for complex data
+  std::size_t valuesOfPoint = 1;  ///< `yPerPoint`, or twice that for complex data
   std::size_t traces = 0;         ///< traces per scan
-  bool scanned = false;  ///< whether each scan has its own values; otherwise there is one set
+  bool scanned = false;  ///< whether each scan has its own values; otherwise all share them
   NumberType type = NumberType::Float;
   std::uint64_t traceBytes = 0;
   std::uint64_t at = 0;         ///< offset of the first value in the Y record
@@ -73,12 +73,13 @@ class AQ_API Recording {
  public:
   using TextTraces = std::map<std::tuple<std::size_t, std::size_t, std::size_t>, TextTrace>;
 
-  /// Reads a binary file. Throws `platform::SystemError`, and `ReadFailure` if the file contradicts
-  /// itself or its size, before allocating the memory that the file claims to need.
+  /// Reads a binary file. Throws `platform::SystemError` if it cannot be read, and `ReadFailure` if
+  /// it is not a recording or contradicts itself or its size, before allocating the memory that it
+  /// claims to need.
   static Recording fromFile(const std::string& path);
 
   explicit Recording(RecordList records);
-  /// A recording read from a text file; each key of `traces` is the indices of a data header, a
+  /// A recording read from a text file; a key of `traces` holds the indices of a data header, a
   /// trace and a scan.
   Recording(RecordList records, TextTraces traces);
 
@@ -86,7 +87,7 @@ class AQ_API Recording {
   [[nodiscard]] const Scans& scans() const { return scans_; }
   [[nodiscard]] const std::vector<TraceSet>& sets() const { return sets_; }
 
-  /// How many scans of a set have values.
+  /// How many scans of a set are stored, valid or not.
   [[nodiscard]] std::size_t scansOf(const TraceSet& set) const {
     if (set.traces == 0) return 0;
     return set.scanned ? scans_.kept : 1;
@@ -102,7 +103,8 @@ class AQ_API Recording {
   [[nodiscard]] std::vector<double> x(const TraceSet& set, std::size_t trace, std::size_t scan,
                                       std::size_t points) const;
 
-  /// The scan variable of a set: a time if there is one, otherwise the first variable.
+  /// The scan variable of a set: a time if there is one, otherwise the first variable; nothing if
+  /// there is none.
   [[nodiscard]] std::optional<ScanVariable> scanVariable(const TraceSet& set) const;
   /// The value of a scan variable, in its own unit; nothing if a text file gives none.
   [[nodiscard]] std::optional<double> scanValue(const ScanVariable& variable, const TraceSet& set,
@@ -128,7 +130,7 @@ class AQ_API Recording {
   bool axisOfScan_ = true;  // the traces of each scan have their own x vectors
 };
 
-/// The number type for the code in `field`; fails with the record's name if the code is unknown.
+/// The number type for the code in `field`; throws `ReadFailure` if the code is unknown.
 [[nodiscard]] NumberType numberType(const Record& record, const Field& field);
 
 }  // namespace aq::sdf

@@ -13,8 +13,8 @@ bool isEscaped(char c) {
   return byte < ' ' || byte == 0x7f || c == '\\';
 }
 
-/// The character of an escape such as `\x0a` at the start of `text`; 0 for an escape that `quoted`
-/// never writes.
+/// The character of an escape such as `\x0a` at the start of `text`; 0 if there is none, or if
+/// `quoted` never writes it.
 char escapedAt(std::string_view text) {
   constexpr std::size_t kLength = 4;
   constexpr int kHexadecimal = 16;

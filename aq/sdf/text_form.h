@@ -8,9 +8,9 @@
 namespace aq::sdf::form {
 
 inline constexpr std::size_t kDots = 39;         // how many are in the line above a record
-inline constexpr std::size_t kValueColumn = 30;  // where values begin, from 0
+inline constexpr std::size_t kValueColumn = 30;  // the column where values begin, counted from 0
 
-// The names of the fields that hold a trace's values.
+// The names of the fields above the values of a trace.
 inline constexpr std::string_view kData = "data";
 inline constexpr std::string_view kVector = "vector";
 inline constexpr std::string_view kScan = "scan";
@@ -24,7 +24,7 @@ inline constexpr std::string_view kRecordSize = "recordSize";
 /// it fits on one line.
 [[nodiscard]] std::string quoted(std::string_view text);
 
-/// The number that `text` represents, including one that is not finite. Throws like `doubleFrom`.
+/// The number that `text` represents, which may be NaN or infinite. Throws like `doubleFrom`.
 [[nodiscard]] double storedFrom(std::string_view text);
 
 /// The text that `quoted` turned into `value`; also accepts a value without quotes.

@@ -46,7 +46,7 @@ bool isSeparator(std::string_view line) {
          line.find_first_not_of(line[0]) == line.npos;
 }
 
-/// Takes the numbers of a line; returns false if it has none or contains any other word.
+/// Takes the numbers of a line; returns false if it has none or contains anything else.
 bool numbersOf(std::string_view line, std::vector<double>& numbers) {
   numbers.clear();
   for (;;) {

@@ -117,7 +117,8 @@ BandLevels::Kind BandLevels::kindOf(const Variant& level) {
   }
 }
 
-/// False if the level cannot be stored as a code, or if codes are no longer used.
+/// Stores the level as a code. Returns false if it has none or would leave a gap, if there are too
+/// many codes, or if codes are no longer used.
 bool BandLevels::storeCode(std::int16_t band, const Variant& level) {
   if (doubles_ || kindOf(level) != Kind::Double) return false;
   const auto code = codeOf(level.toDouble());

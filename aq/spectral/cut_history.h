@@ -21,10 +21,10 @@ struct RecordRange {
                                                 double to);
 
 /// The records of a range, as a history with the same settings. Stamps do not change; the start
-/// time moves by the time from the history's first stamp to the range's first stamp. `fromOne`
-/// numbers the records from 1, as a masking map requires, and keeps gaps. Spectra are shared with
-/// the history. Throws `InvalidArgument` if there is no record in the range, `Overflow` if a number
-/// would exceed 32767.
+/// time moves by the time from the first stamp of the history to the first stamp of the range.
+/// `fromOne` numbers the records from 1, as a masking map requires, and keeps gaps. Spectra are
+/// shared with the history. Throws `InvalidArgument` if there is no record in the range, `Overflow`
+/// if a number would exceed 32767.
 [[nodiscard]] AQ_API std::shared_ptr<AQ_SpectralTimeHistory> cutHistory(
     AQ_SpectralTimeHistory& history, const RecordRange& range, bool fromOne);
 

@@ -42,7 +42,7 @@ struct RunPiece {
   [[nodiscard]] double begin() const { return firstSpectrum->lazyTime().secondsOfDay(); }
   [[nodiscard]] double end() const { return lastSpectrum->lazyTime().secondsOfDay(); }
 
-  /// The average time between stamps, in seconds; nothing for a single record.
+  /// The average time from one record number to the next, in seconds; nothing for a single record.
   [[nodiscard]] std::optional<double> step() const {
     if (first == last) return std::nullopt;
     return secondsFrom(begin(), end()) / (last - first);

@@ -24,7 +24,7 @@ class AQ_API AQ_Metric {
   void AWT(const Variant& level) { MetricValue(AQ_METRIC_AWT, level); }
 
   /// A new object with the same values. In the copy every metric is set, to 0 if this object lacks
-  /// it.
+  /// it. Values of other types are not copied.
   [[nodiscard]] std::shared_ptr<AQ_Metric> Copy() const;
 
   [[nodiscard]] float CWT() const { return single(AQ_METRIC_CWT); }
@@ -74,7 +74,7 @@ class AQ_API AQ_Metric {
  private:
   [[nodiscard]] float single(AQ_METRIC_TYPE metric) const { return MetricValue(metric).toSingle(); }
 
-  // By type from `AQ_METRIC_CWT` up; stored in place, since every record has metrics.
+  // By type from `AQ_METRIC_CWT` up; stored in place, since most objects hold all of them.
   static constexpr std::size_t kSingles = AQ_METRIC_LGB - AQ_METRIC_CWT + 1;
   using Others = std::vector<std::pair<AQ_METRIC_TYPE, Variant>>;
 
@@ -82,7 +82,7 @@ class AQ_API AQ_Metric {
   std::array<float, kSingles> singles_{};
   std::int32_t flags_ = 0;
   Variant awt_;
-  LazyPart<Others> others_;  // types that are not metrics
+  LazyPart<Others> others_;  // values of types that are not metrics
 };
 
 }  // namespace aq

@@ -17,9 +17,9 @@
 
 namespace aq {
 
-/// A numbered series of spectra measured one after another, half a second each, with the time of
-/// the first record, a reference time, the averaging method, and the instant of a record that its
-/// time stamp marks. Spectra are shared with the caller, not copied.
+/// A numbered series of spectra measured one after another, usually half a second each, with the
+/// time of the first record, a reference time, the averaging method, and the instant of a record
+/// that its time stamp marks. Spectra are shared with the caller, not copied.
 class AQ_API AQ_SpectralTimeHistory {
  public:
   /// A new history of records `LoRec` to `HiRec` with level 0 in bands `loBand` to `hiBand`. Does
@@ -28,9 +28,9 @@ class AQ_API AQ_SpectralTimeHistory {
                                                              std::int16_t loBand,
                                                              std::int16_t hiBand) const;
 
-  /// A new history that shares the spectra of records `LoRec` to `HiRec`, without the metrics; no
-  /// object if the range exceeds this history's. Throws `InvalidArgument` if a record in it is
-  /// missing.
+  /// A new history that shares the spectra of records `LoRec` to `HiRec`, without the list of
+  /// metrics; no object if the range exceeds this history's. Throws `InvalidArgument` if a record
+  /// in it is missing.
   [[nodiscard]] std::shared_ptr<AQ_SpectralTimeHistory> Resize(std::int16_t LoRec,
                                                                std::int16_t HiRec);
 
@@ -53,9 +53,10 @@ class AQ_API AQ_SpectralTimeHistory {
   /// bands contain those of its row. Throws `InvalidArgument` for a missing spectrum or row.
   [[nodiscard]] bool EncompassesMask(const AQ_MaskMap& MapMask) const;
 
-  /// Copies the last good bands of the map's rows, from 1 to its count, to the metric `LGB` of the
-  /// spectra with the same numbers. Throws `InvalidArgument` at the first missing spectrum or row;
-  /// earlier spectra keep their new values.
+  /// Sets the metric `LGB` of each spectrum from 1 to the map's count to the last good band of the
+  /// row with the same number. Creates a default mask in each examined band that has none. Throws
+  /// `InvalidArgument` at the first missing spectrum or row; earlier spectra keep their new values,
+  /// and a spectrum whose row is missing gets 0.
   void setLGB(const AQ_MaskMap& MapMask);
 
   void TimeStampType(AQ_TimeStampType type) { timeStampType_ = type; }

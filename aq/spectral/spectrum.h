@@ -18,10 +18,10 @@
 
 namespace aq {
 
-/// One measured one-third-octave spectrum: a level for each band that has one, the time of the
-/// measurement, an overall level and the noise metrics. Band n is centred at 10^(n/10) Hz (band 30
-/// is 1 kHz). A level is in decibels re 20 uPa, 9999 where it is not valid; any value is kept
-/// unchanged and never interpreted.
+/// One measured one-third-octave spectrum: a level for each band, the time of the measurement, an
+/// overall level and the noise metrics. Band n is centred at 10^(n/10) Hz (band 30 is 1 kHz). A
+/// level is in decibels re 20 uPa, 9999 where it is not valid; any value is kept unchanged and
+/// never interpreted.
 class AQ_API AQ_Spectrum {
  public:
   /// A deep copy. Throws `InvalidArgument` if a band between the lowest and the highest has no
@@ -106,7 +106,7 @@ class AQ_API AQ_Spectrum {
   // In this order, members fill the padding of the time, which saves memory in every spectrum.
   BandLevels levels_;
   [[no_unique_address]] LazyTime time_;
-  bool copied_ = false;  // a metrics object created later has every metric set to 0
+  bool copied_ = false;  // whether a metrics object created later has every metric set to 0
   NumberRange bands_;
   LazyPart<Extras> extras_;  // unused in most files
 };

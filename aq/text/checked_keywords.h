@@ -2,7 +2,8 @@
 
 #include <string_view>
 
-// The keywords of lines whose values are checked. Readers accept any keyword; checks compare them.
+// The keywords of lines whose values are checked. Readers accept any keyword; checks compare it
+// with these.
 namespace aq::keywords {
 
 inline constexpr std::string_view kAveragingMethod = "AveragingMethod";
