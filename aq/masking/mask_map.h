@@ -32,8 +32,8 @@ class AQ_API AQ_MaskMap {
   /// The number of rows. Throws `Overflow` above 32767.
   [[nodiscard]] std::int16_t Count() const { return rows_.count(); }
 
-  /// Sets each row's last good band from its masks. Creates a default mask in bands 28 and 29
-  /// where a row has none.
+  /// Sets each row's last good band from its masks. Creates a default mask in each examined band
+  /// that has none.
   void setLGB();
 
   // The stored rows as pairs of record number and row, in ascending order of record number. Storing

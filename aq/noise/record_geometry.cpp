@@ -40,7 +40,7 @@ std::shared_ptr<AQ_GeometryTimeHistory> geometryOf(AQ_GeometryTimeHistory& geome
     }
     ++next;
   }
-  if (!first) throw Error(ErrorCode::InvalidArgument, "there is no record for a point");
+  if (!first) throw Error(ErrorCode::InvalidArgument, "there is no record in the range");
   return cutGeometry(geometry, *first, next - 1);
 }
 

@@ -127,7 +127,8 @@ std::size_t RecordText::sizeOfRecord(const Part& part) {
   switch (part.layout->type) {
     case RecordType::Measurement: return RecordList::measurementSize(part.used);
     case RecordType::Scans:
-    case RecordType::ScanVariable: return part.bytes.size() + 1;  // with values
+    case RecordType::ScanVariable:
+      return part.bytes.size() + 1;  // beyond the header: values follow
     default: return std::max(part.used, kRecordHead);
   }
 }

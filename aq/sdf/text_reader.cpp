@@ -307,7 +307,8 @@ class Assignment {
   std::size_t free_ = 0;  // alias-free points; 0 if unknown
 };
 
-/// All unnamed values, one after another; ignores separators and headings among them.
+/// All unnamed values, one after another; ignores separators and headings among them. Nothing if
+/// there are none.
 std::optional<Values> unnamedOf(const std::vector<Values>& values) {
   std::optional<Values> all;
   for (const Values& one : values) {

@@ -6,8 +6,8 @@
 #include "aq/core/enumerations.h"
 
 // File classes return the result of a read or a write either as a value or through the last
-// parameter. Code that serves every format calls the functions below instead, which are called the
-// same way for every class.
+// parameter. Code that serves every format calls the functions below instead, which take the same
+// arguments for every class.
 namespace aq {
 
 /// Calls `file.readFile` with a header and a model, in either order, or with one object.
