@@ -30,7 +30,7 @@ std::string recordedName(const std::string& path) {
 
 // Rows of a table or a document.
 
-/// The time of day in `text`, or `seconds` if `text` is empty.
+/// The time of day in `text`, or `seconds` if `text` is empty or differs from it.
 aq::AQ_Time timeOf(const std::string& text, double seconds) {
   aq::AQ_Time time;
   if (!text.empty()) {
@@ -105,7 +105,7 @@ double lengthOf(const aq::AQ_SpectralTimeHistory& history) {
 }
 
 /// Sets the times that a table does not have: the start is the first stamp, and the reference
-/// follows from the relative times. Throws `Failure` if the relative times disagree.
+/// follows from the relative times. Throws `Failure` if they imply different references.
 void giveTimes(History& read) {
   aq::AQ_SpectralTimeHistory& history = *read.model;
   history.AverageMethod(aq::AQ_NA);

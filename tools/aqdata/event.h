@@ -22,13 +22,14 @@ inline constexpr const char* kEventKeys[] = {"EPNL",
                                              "last"};
 [[nodiscard]] Json eventJson(const std::optional<aq::NoiseEvent>& found, int firstRecord);
 
-/// The event in words, one sentence per entry; `event` is what `eventJson` returned for it.
+/// The event in words, one line per entry. `event` is what `eventJson` returned for
+/// `metrics.event`.
 [[nodiscard]] std::vector<std::string> eventWords(const aq::HistoryMetrics& metrics,
                                                   const Json& event,
                                                   const aq::AQ_SpectralTimeHistory& history,
                                                   const aq::AQ_MaskMap* map);
 
-/// Says in words which records lack a metric, and why.
+/// Says in words which records lack a row in the map, and which lack a metric and why.
 [[nodiscard]] std::vector<std::string> missingWords(const aq::HistoryMetrics& metrics,
                                                     const aq::AQ_MaskMap* map);
 

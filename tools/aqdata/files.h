@@ -17,7 +17,7 @@ namespace aqdata {
 /// The files that the user's arguments name. A pattern selects the files and folders that match it.
 /// A folder selects all measurement files below it: those that end in ".csv", ignoring case, or are
 /// of a known kind, except hidden files and the originals that `fix` keeps. It also selects files
-/// whose names, once in capitals, end in one of `more`. A folder is visited once, even if
+/// whose names end in one of `more` (in capitals), ignoring case. A folder is visited once, even if
 /// several links lead to it. Complains about arguments that select no file.
 [[nodiscard]] std::vector<std::string> chosenFiles(Session& session,
                                                    const std::vector<std::string_view>& more = {});
@@ -56,7 +56,7 @@ class OutputPlaces {
   explicit OutputPlaces(const Session& session);
 
   /// The output of a file; creates the folders that lead to it. Throws `Failure` if another file
-  /// of the run has the same output, or if a folder cannot be created.
+  /// already has the same output, or if a folder cannot be created.
   [[nodiscard]] std::string of(const std::string& file);
 
  private:

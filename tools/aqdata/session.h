@@ -20,7 +20,7 @@ class Failure : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// The exit status of a run.
+/// The exit status of the tool.
 enum Status { kFine = 0, kFindings = 1, kCouldNot = 2 };
 
 /// State that all commands share: the user's choices, the output, and the exit status.
@@ -31,14 +31,14 @@ class Session {
   std::string colour = "auto";
   int jobs = 2;
   std::vector<std::string> files;  ///< as given
-  std::string output;              ///< the file to write
-  bool force = false;              ///< replaces an existing file
+  std::string output;              ///< the file or folder to write
+  bool force = false;              ///< whether an existing file may be replaced
   std::map<const CLI::Option*, std::vector<std::string>> words =
       {};  ///< the words that each option accepts
 
   [[nodiscard]] int status() const { return status_; }
 
-  /// Keeps the most severe status.
+  /// Sets the exit status, unless a more severe one is already set.
   void end(Status status);
 
   /// Writes to standard output. A write that fails ends the program.
@@ -103,8 +103,8 @@ void addFile(CLI::App& command, std::string& file, const char* name, const char*
 void addJobs(CLI::App& command, Session& session);
 void addOutputFile(CLI::App& command, Session& session, const char* what, bool needed = true);
 
-/// Restricts an option to these words, regardless of case. If it takes several, they are separated
-/// by commas. Shells offer the words as completions.
+/// Restricts an option to these words, regardless of case. If the option takes several
+/// words, commas separate them. Shells offer the words as completions.
 void addWords(Session& session, CLI::Option& option, std::vector<std::string> words);
 
 // Check an option's text. Return why it is not the expected number, or an empty string if it is.

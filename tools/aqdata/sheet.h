@@ -43,7 +43,7 @@ struct Sheet {
   void keepRows(Range range, const std::string& file);
   void keepBands(Range range, const std::string& file);
 
-  /// Drops the columns whose names have this ending, such as one of the two forms of each time.
+  /// Drops the columns whose names have this ending.
   void dropColumns(std::string_view ending);
 };
 
