@@ -133,7 +133,7 @@ def frequency_axis(axis: Any, ds: xr.Dataset) -> None:
 
 
 def edges(ax: Axes, centres: Any) -> Any:
-    """Cell edges half-way between centres; a single centre gets a cell as wide as one record."""
+    """Cell edges halfway between centres; a single centre gets a cell as wide as one record."""
     if len(centres) < 2:
         half = 0.5 if ax.get_xlabel() == _TIMES["record"] else 0.25
         return np.concatenate([centres - half, centres + half])
@@ -143,8 +143,8 @@ def edges(ax: Axes, centres: Any) -> Any:
 
 
 def legend_above(ax: Axes, handles: list[Any]) -> None:
-    """Puts the legend above the axes, where it hides no data. Long labels are
-    set in two columns, as a page has its titles to the left of the legends.
+    """Puts the legend above the axes, where it hides no data. Long labels get two columns, which
+    leave room for a title on the left.
     """
     is_long = sum(len(handle.get_label()) for handle in handles) > 40
     ax.legend(
