@@ -36,7 +36,7 @@ std::optional<int> bandAt(double frequency) {
   return static_cast<int>(band);
 }
 
-/// The edges of bins, half-way between their centres; the outer edges of the first and last bins
+/// The edges of bins, halfway between their centres; the outer edges of the first and last bins
 /// are as far from their centres as the inner ones.
 std::vector<double> edgesOf(std::span<const double> x) {
   std::vector<double> edges(x.size() + 1);

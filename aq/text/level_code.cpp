@@ -81,7 +81,7 @@ std::int32_t quickHundredths(LevelCode code) { return code == kInvalidCode ? kDo
 double exactly(double level) { return level; }
 double exactly(LevelCode code) { return levelOf(code); }
 
-/// Whether `level` lies exactly half-way between two hundredths: an odd number of eighths.
+/// Whether `level` lies exactly halfway between two hundredths: an odd number of eighths.
 bool isHalfway(double level) { return std::fmod(std::abs(level) * 8, 2) == 1; }
 
 /// Appends any finite level, rounding its exact decimal expansion.
