@@ -48,8 +48,8 @@ inline constexpr std::int32_t kFirstExtra = 101;
 /// The name of the argument of a collection's `Add`, as in hosts' own collections.
 inline constexpr std::string_view kEntryName = "Item";
 
-/// The functions of the library, as the members of one class. Each folder has 20 member numbers; a
-/// new folder gets the next 20.
+/// The functions of the library, as the members of one class. Each folder of the library has 20
+/// member numbers; a new folder gets the next 20.
 struct Library {};
 inline constexpr std::int32_t kFunctionsOfAFolder = 20;
 inline constexpr aq::describe::List<aq::describe::CoreFunctions, aq::describe::FileFunctions,
@@ -152,7 +152,7 @@ inline constexpr bool isSeries = std::same_as<C, AQ_EmtRcvTable> || requires(con
   object.begin();
 };
 
-/// A member that only the component has; it does in one call what a C++ program does in a loop.
+/// A member that only the component has.
 struct Extra {
   std::string_view owner;
   const char* name;
@@ -181,15 +181,16 @@ inline constexpr std::array kExtras{
           "All points as an array: record, Tm, Te (seconds of the day), Tprope, Xe, Ye, Ze, SRe, "
           "THETAe, BETAe"},
     Extra{"AQ_Library", "Version", kFirstExtra, "BSTR", "", true, false,
-          "The version of the library, as in 0.1.0"},
+          "The version of the library, such as 0.1.0"},
     Extra{"AQ_Library", "checkFile", kFirstExtra + 1, "_AQ_Collection*", "[in] BSTR path", false,
-          false, "The findings about a file, one per line"},
+          false, "The findings about a file, one string for each"},
     Extra{"AQ_Library", "checkFixes", kFirstExtra + 2, "_AQ_Collection*",
           "[in] BSTR path, [in] unsigned char limit", false, false,
-          "The fixes of a tracking file that a reader with this RT20Limit drops, one per line"},
+          "The fixes of a tracking file that a reader with this RT20Limit drops, one string for "
+          "each"},
     Extra{"AQ_Library", "checkFit", kFirstExtra + 3, "_AQ_Collection*",
           "[in] BSTR historyPath, [in] BSTR mapPath", false, false,
-          "Why a masking map does not fit its history, one finding per line"},
+          "Why a masking map does not fit its history, one string for each finding"},
 };
 
 /// Whether a function with these arguments can be called through the component. A function that

@@ -42,7 +42,7 @@ HKEY rootOf(Scope scope) {
   return scope == Scope::Machine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
 }
 
-/// The registry key for the classes of the machine or of a user.
+/// The registry key for the classes of the machine or of the current user.
 class Classes {
  public:
   explicit Classes(Scope scope) : root_(rootOf(scope)) {}
@@ -65,7 +65,7 @@ class Classes {
   }
   void checkRemoved() const { check(failure_); }
 
-  /// Whether the DLL of the other size, 32 or 64 bits, has registered a class.
+  /// Whether the DLL of the other word size, 32 or 64 bits, has registered the class at `path`.
   [[nodiscard]] bool hasOtherSize(const std::wstring& path) const {
     HKEY key = nullptr;
     const LSTATUS status =
@@ -111,8 +111,8 @@ void addControl(const Classes& classes, const std::wstring& path, const std::wst
   classes.set(path + L"\\Control", nullptr, L"");
   classes.set(path + L"\\ToolboxBitmap32", nullptr, dll + L", 1");
   classes.set(path + L"\\MiscStatus", nullptr, L"0");
-  // The control gets its client site first, is invisible at run time, cannot link inside, and is
-  // redrawn when resized.
+  // The control gets its client site first, is invisible at run time, cannot be a link source,
+  // and is redrawn when resized.
   classes.set(path + L"\\MiscStatus\\1", nullptr, L"132113");
   const std::wstring categories = path + L"\\Implemented Categories\\";
   classes.set(categories + L"{40FC6ED4-2438-11CF-A3DB-080036F12502}", nullptr, L"");  // controls
@@ -159,7 +159,7 @@ void removeTypeLibrary(Scope scope) {
   const auto remove = scope == Scope::Machine ? UnRegisterTypeLib : UnRegisterTypeLibForUser;
   const HRESULT result =
       remove(guid(kTypeLibraryIdentifier), kMajorVersion, kMinorVersion, 0, kThisSize);
-  // Windows versions return different codes if there is no type library to remove.
+  // Versions of Windows return different codes if there is no type library to remove.
   constexpr std::array kAbsent{TYPE_E_REGISTRYACCESS, TYPE_E_LIBNOTREGISTERED, E_INVALIDARG};
   if (std::find(kAbsent.begin(), kAbsent.end(), result) == kAbsent.end()) checkResult(result);
 }

@@ -100,7 +100,9 @@ STDAPI DllUnregisterServer() {
   return aq::com::guarded([] { return aq::com::unregisterServer(aq::com::Scope::Machine); });
 }
 
-/// `regsvr32 /n /i:user`: for the current user only, who need not be an administrator.
+/// `regsvr32 /n /i:user` registers for the current user only, who need not be an administrator;
+/// with
+/// `/u` as well, it unregisters.
 STDAPI DllInstall(BOOL installs, LPCWSTR forWhom) {
   using namespace aq::com;
   return guarded([&] {

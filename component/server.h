@@ -10,7 +10,7 @@ namespace aq::com {
 [[nodiscard]] HINSTANCE module();
 [[nodiscard]] std::wstring modulePath();
 
-/// Keeps the DLL loaded for as long as it exists.
+/// While one of these exists, COM keeps the DLL loaded.
 class InUse {
  public:
   InUse() noexcept;

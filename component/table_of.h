@@ -37,7 +37,7 @@ void callWith(const Call& call, [[maybe_unused]] std::span<const TextKind> kinds
       arguments);
 }
 
-/// A series as For Each visits it: its objects, or its values if it has no objects.
+/// The entries of a series that For Each visits: its objects, or its values if it has no objects.
 template <class C>
 std::vector<Value> entriesOfObject(void* object) {
   C& self = *static_cast<C*>(object);
@@ -223,7 +223,7 @@ class TableOf {
 
   static C& self(const Call& call) { return *static_cast<C*>(call.object); }
 
-  /// The members of a file failure name files and quote their text.
+  /// All text of a file failure is treated like a file name, since it names files and quotes them.
   [[nodiscard]] static TextKind kindOf(const describe::About& about) {
     return about.isFileName || std::same_as<C, FileFailure> ? TextKind::Name : TextKind::Plain;
   }

@@ -15,7 +15,8 @@ int lengthOf(std::size_t size) {
   return static_cast<int>(size);
 }
 
-/// Empty if the bytes are not valid in the code page.
+/// With `MB_ERR_INVALID_CHARS`, returns an empty string if the bytes are not valid in the code
+/// page.
 std::wstring widened(std::string_view bytes, UINT page, DWORD flags) {
   const int size = lengthOf(bytes.size());
   const int needed = MultiByteToWideChar(page, flags, bytes.data(), size, nullptr, 0);
@@ -24,7 +25,7 @@ std::wstring widened(std::string_view bytes, UINT page, DWORD flags) {
   return text;
 }
 
-/// Converts `text` to `bytes`; returns whether the code page has every character.
+/// Converts `text` to `bytes`; returns whether every character could be converted.
 bool narrow(std::wstring_view text, UINT page, std::string& bytes) {
   const bool isUtf8 = page == CP_UTF8;
   const DWORD flags = isUtf8 ? WC_ERR_INVALID_CHARS : WC_NO_BEST_FIT_CHARS;

@@ -10,8 +10,8 @@
 namespace aq::com {
 
 enum class TextKind {
-  Plain,  ///< in the code page of the system, as the hosts' own files are
-  Name,   ///< names of files and messages: UTF-8, or the code page if the bytes are not UTF-8
+  Plain,  ///< in the system's code page, as in files that hosts write
+  Name,   ///< file names and messages: UTF-8; other bytes are read in the code page
 };
 
 /// Throws `InvalidArgument` for an unpaired surrogate and for a character that the code page lacks.

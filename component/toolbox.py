@@ -3,8 +3,8 @@
 import struct
 import sys
 
-# The levels of a spectrum that rise above their ambient. Toolboxes make the colour of the lowest
-# pixel on the left transparent.
+# The bars of a spectrum, blue where they rise above the ambient noise. Toolboxes treat the colour of
+# the bottom left pixel as transparent.
 PICTURE = """
 ................
 .......BB.......

@@ -14,7 +14,7 @@ namespace {
 
 [[noreturn]] void mismatch() { throw Fault{DISP_E_TYPEMISMATCH}; }
 
-/// Dereferences a value; its content still belongs to the host.
+/// Follows references from one VARIANT to another; the content still belongs to the host.
 VARIANT followed(const VARIANT& given) {
   VARIANT value = given;
   while (value.vt == (VT_BYREF | VT_VARIANT)) {
@@ -24,7 +24,7 @@ VARIANT followed(const VARIANT& given) {
   return value;
 }
 
-/// A copy of a value, which may be a reference to another.
+/// A copy of a value, or of what it refers to if it is a reference.
 Value copied(const VARIANT& given) {
   Value value;
   const HRESULT result = VariantCopyInd(&value, const_cast<VARIANT*>(&given));
@@ -46,7 +46,7 @@ bool holdsObject(const VARIANT& value) {
   return type == VT_DISPATCH || type == VT_UNKNOWN;
 }
 
-/// The object's IDispatch; null if there is none.
+/// The object's IDispatch; null if there is no object. Having no IDispatch is a type mismatch.
 Held<IDispatch> callable(const VARIANT& value) {
   const VARTYPE type = value.vt & static_cast<VARTYPE>(~VT_BYREF);
   if (type == VT_DISPATCH) return Held<IDispatch>::share(dispatchOf(value));
@@ -158,7 +158,7 @@ GivenArray::GivenArray(const VARIANT& given) {
   if ((value.vt & VT_ARRAY) == 0) mismatch();
   array_ = (value.vt & VT_BYREF) != 0 ? *value.pparray : value.parray;
   if (array_ == nullptr) return;
-  // A record by reference would need a description of its fields.
+  // `at` returns references, and a reference to a record would need a description of its fields.
   if (FAILED(SafeArrayGetVartype(array_, &type_)) || type_ == VT_RECORD ||
       FAILED(SafeArrayAccessData(array_, &data_))) {
     mismatch();

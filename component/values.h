@@ -20,18 +20,19 @@ namespace aq::com {
 /// Whether a value is Empty, Null or Nothing, or a reference to one of these.
 [[nodiscard]] bool isNoObject(const VARIANT& given);
 
-/// A host's value with its own type; for a foreign object, the value of its default member. Null
-/// becomes Empty. An array or an object without a default member is a type mismatch.
+/// A host's value in the nearest type that a `Variant` has; for an object of another component, the
+/// value of its default member. Null becomes Empty. An array is a type mismatch, as is another
+/// component's object whose default member is missing or an object.
 [[nodiscard]] Variant variantOf(const VARIANT& given, TextKind kind = TextKind::Plain);
 
 /// A value as text; Empty becomes an empty string.
 [[nodiscard]] std::string stringOf(const VARIANT& given, TextKind kind);
 
-/// The object of the component that `given` holds, if it is of that class; null for no object.
-/// Anything else is a type mismatch.
+/// The object of the component that `given` holds, if it is of the table's class; null for no
+/// object. Anything else is a type mismatch.
 [[nodiscard]] std::shared_ptr<void> objectOf(const VARIANT& given, const ClassTable& table);
 
-/// Whether `given` holds an object of that class.
+/// Whether `given` holds an object of the table's class.
 [[nodiscard]] bool isObjectOf(const VARIANT& given, const ClassTable& table);
 
 /// A host's array of any shape, locked as long as this exists.
@@ -43,7 +44,7 @@ class GivenArray {
   GivenArray& operator=(const GivenArray&) = delete;
   ~GivenArray() { SafeArrayUnaccessData(array_); }
 
-  /// The last dimension comes first. Empty for an array that was never filled.
+  /// The last dimension comes first. Empty for an array that was never dimensioned.
   [[nodiscard]] std::span<const SAFEARRAYBOUND> bounds() const;
   /// The element at a place in memory order, by reference.
   [[nodiscard]] VARIANT at(std::size_t place) const;
@@ -58,7 +59,7 @@ class GivenArray {
 /// visits.
 [[nodiscard]] std::vector<Value> entriesOf(const VARIANT& given);
 
-/// A named property of any object.
+/// The value of a named property of any object.
 [[nodiscard]] Variant propertyOf(const VARIANT& given, const wchar_t* name);
 
 // Store a result for hosts in an empty value.

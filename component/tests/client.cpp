@@ -9,7 +9,7 @@
 namespace host {
 namespace {
 
-/// Calls that must fail, each in its own way, and leave the object unchanged.
+/// Calls that must fail with the error in their row, and leave the objects unchanged.
 void testRefusals() {
   const Value spectrum = create(L"AQ_Spectrum");
   const Value time = create(L"AQ_Time");
@@ -27,7 +27,7 @@ void testRefusals() {
     Outcome outcome;
     HRESULT result;
     int number;
-    UINT argument = UINT_MAX;  // counted from the last argument
+    UINT argument = UINT_MAX;  // 0 is the last argument
   } rows[] = {
       {"no level", call(object, L"SPL", {30}), DISP_E_EXCEPTION, 5},
       {"overflow", call(object, L"SPL", {70000}), DISP_E_EXCEPTION, 6},
@@ -70,8 +70,8 @@ void testRefusals() {
   SafeArrayDestroy(numbers);
 }
 
-/// Results stored in typed variables, which a procedure passes on as variables of any type. Checks
-/// which of 64 set bits a result of 2 overwrites, and whether a variable can take an object.
+/// Results stored in typed variables that a host's procedure passes on as Variants. Checks which of
+/// 64 set bits a result of 2 overwrites, and which variables can take an object.
 void testTypedVariables(IDispatch* reader, const std::wstring& file) {
   constexpr struct {
     int type;
@@ -195,7 +195,8 @@ void testIdentity() {
                                            IID_IUnknown, &made) == CLASS_E_NOAGGREGATION);
 }
 
-/// Another thread uses objects of its own, and one of ours through COM and directly.
+/// Another thread can use its own objects and, through COM, one of ours; a direct call to ours is
+/// refused.
 void testApartments() {
   const Value ours = create(L"AQ_Time");
   IStream* stream = nullptr;
@@ -248,7 +249,7 @@ void testUnregisteredInUse() {
   RegCloseKey(made);
   check("unregistered in use", ask("DllUnregisterServer") == S_OK);
   const bool isNamed = CLSIDFromProgID(L"AQ_Data_Control.AQ_Spectrum", &identifier) == S_OK;
-  check("shared names stay", isNamed == (sizeof(void*) == 8));  // 32-bit wine has only one size
+  check("shared names stay", isNamed == (sizeof(void*) == 8));  // not in 32-bit wine
   RegDeleteKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), kOtherSize, 0);
   check("still works", put(spectrum.pdispVal, L"SPL", {24, 65.5}).result == S_OK);
   const Outcome time = call(spectrum.pdispVal, L"Time");

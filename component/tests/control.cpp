@@ -39,7 +39,8 @@ void testSite(IOleObject& object) {
   check("no site", object.SetClientSite(nullptr) == S_OK && site.count == 0);
 }
 
-/// Draws the control into a bitmap of its size; returns how many pixels it changed.
+/// Draws the control into a black bitmap of its size; returns how many pixels are then not black,
+/// or -1 if drawing fails.
 int drawnPixels(IViewObject2& view) {
   BITMAPINFO format{};
   format.bmiHeader = {sizeof(BITMAPINFOHEADER), 28, 28, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
@@ -97,7 +98,7 @@ void testControl() {
   check("status", object->GetMiscStatus(DVASPECT_CONTENT, &status) == S_OK && status == 132113);
   check("size", object->GetExtent(DVASPECT_CONTENT, &size) == S_OK && size.cx == 740);
   testSite(*object);
-  check("drawn in the middle", drawnPixels(*view) == 16 * 15 - 16);  // one row is black
+  check("drawn", drawnPixels(*view) == 16 * 15 - 16);  // one row of the icon is black
   testSaving(control.pdispVal);
   object->Release();
   view->Release();

@@ -47,7 +47,7 @@ class Value : public VARIANT {
     made.vt = static_cast<VARTYPE>(VT_BYREF | type), made.byref = variable;
     return made;
   }
-  /// The optional argument of a procedure in the host, if the procedure's caller omitted it.
+  /// An optional argument that a host's procedure passes on although its own caller omitted it.
   static Value missing() {
     Value made;
     made.vt = VT_ERROR, made.scode = DISP_E_PARAMNOTFOUND;
@@ -55,7 +55,6 @@ class Value : public VARIANT {
   }
 };
 
-/// The outcome of a call.
 struct Outcome {
   HRESULT result = S_OK;
   Value value = {};
@@ -70,7 +69,8 @@ struct Outcome {
   }
 };
 
-/// A call by number with the arguments in order; the last of them are named by the ids in `named`.
+/// A call by number with the arguments in order; `named` has the ids of the last of them, in
+/// reverse order.
 inline Outcome invoke(IDispatch* object, DISPID id, WORD flags, const std::vector<Value>& given,
                       std::vector<DISPID> named = {}) {
   std::vector<VARIANTARG> all(given.rbegin(), given.rend());
@@ -146,7 +146,7 @@ void testControl();
 void testSpeed();
 /// How many registry keys name the component.
 int registered(HKEY root);
-/// Checks that the values of these keys name the DLL.
+/// Checks the registered values of one class and of the control; `dll` is the path that they name.
 void testRegistration(HKEY root, const std::wstring& dll);
 
 }  // namespace host

@@ -30,8 +30,8 @@ bool fits(const TYPEDESC& type, const VARIANT& value) {
   return value.vt == type.vt;
 }
 
-/// Checks that every member has its name, number and arguments, and that every property can be
-/// read.
+/// Checks the number, arguments and help of every member, and that each property without arguments
+/// gives its declared type or an error.
 void testMembers(ITypeInfo& type, const TYPEATTR& attributes, IDispatch* object) {
   for (UINT i = 0; i < attributes.cFuncs; ++i) {
     FUNCDESC* function = nullptr;
@@ -69,7 +69,8 @@ void testClass(ITypeInfo& type, const TYPEATTR& attributes) {
   const HRESULT result =
       CoCreateInstance(attributes.guid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, &made);
   const bool isCreatable = (attributes.wTypeFlags & TYPEFLAG_FCANCREATE) != 0;
-  check(what + " can be created if the library says so", SUCCEEDED(result) == isCreatable);
+  check(what + " can be created exactly if the type library says so",
+        SUCCEEDED(result) == isCreatable);
   if (FAILED(result)) return;
   auto* const object = static_cast<IDispatch*>(made);
   HREFTYPE reference = 0;
@@ -126,7 +127,7 @@ void testTypeLibrary() {
   aq::com::forEnumerations([&wanted]<class E>() {
     wanted.emplace(aq::describe::Description<E>::name, aq::describe::Description<E>::text);
   });
-  check("all enumerations with their help", enumerations == wanted);
+  check("exactly the described enumerations, with their help", enumerations == wanted);
   library->Release();
 }
 
