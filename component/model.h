@@ -146,7 +146,7 @@ void forMembers(const Visit& visit) {
   }
 }
 
-/// Whether For Each goes through the entries of a class.
+/// Whether For Each can visit the entries of an object of the class.
 template <class C>
 inline constexpr bool isSeries = std::same_as<C, AQ_EmtRcvTable> || requires(const C& object) {
   object.begin();
