@@ -3,8 +3,8 @@
 import struct
 import sys
 
-# The bars of a spectrum, blue where they rise above the ambient noise. Toolboxes treat the colour of
-# the bottom left pixel as transparent.
+# The bars of a spectrum, blue where they rise above the ambient noise. Toolboxes treat the colour
+# of the bottom left pixel as transparent.
 PICTURE = """
 ................
 .......BB.......
