@@ -170,7 +170,7 @@ void expectOnlyBlanks(LineReader& lines) {
 bool keepsDates(AQ_SpectralTimeHistory& history) {
   RecordDates dates(history.startTime()->CurrentDate());
   return std::all_of(history.begin(), history.end(), [&](const auto& numbered) {
-    const AQ_Time time = numbered.second->timeValue();
+    const AQ_Time time = orThrow(numbered.second).timeValue();
     constexpr double kWritten = 1e3;  // thousandths
     const double written = static_cast<double>(scaledBy(time.TODseconds(), kWritten)) / kWritten;
     const double date = dates.next(written);

@@ -77,7 +77,7 @@ class AQ_API AQ_DataSPC : public FileClass {
 
 /// Whether a file can restore the dates of a history's records, which requires that they start with
 /// the date of `startTime` and advance by a day each time the time of day falls back. Ignores
-/// records without a date.
+/// records without a date. Throws `ObjectNotSet` if a spectrum is missing.
 [[nodiscard]] AQ_API bool keepsDates(AQ_SpectralTimeHistory& history);
 
 }  // namespace aq

@@ -124,6 +124,8 @@ TEST_F(Spc, KnowsWhetherDatesAreKept) {
   EXPECT_FALSE(keepsDates(*history));
   history->spectrum(3)->Time()->TODseconds(0);
   EXPECT_TRUE(keepsDates(*history));
+  history->spectrum(9, nullptr);
+  EXPECT_ERROR(keepsDates(*history), ObjectNotSet);
 }
 
 TEST_F(Spc, RejectsWhatColumnsCannotHold) {
