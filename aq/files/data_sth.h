@@ -20,9 +20,10 @@ class AQ_API AQ_DataSTH : public FileClass {
   static constexpr std::string_view kTitle = "Spectral Time-History";
 
   /// Writes records `LoRec` to `HiRec`, replacing the file; the header gets the file's name.
-  /// Throws, and writes nothing, if there are no records or one in the range is missing
-  /// (`InvalidArgument`), a level is not a number (`TypeMismatch`) or not finite, a time of day
-  /// cannot be written as hh:mm:ss (`InvalidValue`), or an object is missing (`ObjectNotSet`).
+  /// Throws, and writes nothing, if there are no records, or a record or a level is missing
+  /// (`InvalidArgument`), a level is not a number (`TypeMismatch`), a number is not finite or a
+  /// time of day cannot be written as hh:mm:ss (`InvalidValue`), or an object is missing
+  /// (`ObjectNotSet`).
   AQ_DataMessage writeFile(const std::string& sFileName,
                            const std::shared_ptr<AQ_HeaderSTH>& aqHeader,
                            AQ_SpectralTimeHistory& aqTimeHistory);
@@ -32,8 +33,9 @@ class AQ_API AQ_DataSTH : public FileClass {
   AQ_DataMessage readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderSTH>& aqHeader,
                           std::shared_ptr<AQ_SpectralTimeHistory>& STH);
 
-  /// The header's lines, unchanged, up to the column headings. Returns false and leaves `colHeader`
-  /// unchanged if the file cannot be read, is of another kind or ends with its column headings.
+  /// The header's lines, unchanged, without the column headings; all lines of a file that has no
+  /// column headings. Returns false and leaves `colHeader` unchanged if the file cannot be read, is
+  /// of another kind or ends with its column headings.
   bool getRawHeader(const std::string& sFileName,
                     std::shared_ptr<Collection<std::string>>& colHeader);
 

@@ -13,7 +13,8 @@ namespace {
 
 constexpr std::size_t kLookedAt = std::size_t{64} * 1024;
 
-/// The kind with that title or beginning; `Unknown` if there is none.
+/// The kind whose files have this title or, for files without titles, begin like this line;
+/// `Unknown` if there is none.
 FileKind kindOfFirstLine(std::string_view line, std::string_view title) {
   auto kind = FileKind::Unknown;
   forFormats([&]<class File, class Header, class Model>(const Format<File, Header, Model>& format) {
@@ -26,8 +27,8 @@ FileKind kindOfFirstLine(std::string_view line, std::string_view title) {
   return kind;
 }
 
-// The first bytes of a recording as a line of text: the type of its first record, 10, is a line
-// feed.
+// A recording's first line when it is read as text: it ends at the type of the first record, 10,
+// which is a line feed.
 constexpr std::string_view kRecordingLine{"B\0\0", 3};
 
 bool isTrackingLine(const LineReader& lines) {
@@ -39,8 +40,8 @@ bool isTrackingLine(const LineReader& lines) {
   }
 }
 
-/// `lines` must be at the first line. One good fix among the first ten is enough; the reader
-/// reports what is wrong with the others.
+/// `lines` must be at the first line. One valid line among the first ten data lines is enough; the
+/// reader reports what is wrong with the others.
 FileKind kindByShape(LineReader& lines) {
   constexpr std::size_t kLast = kTrackingHeaderLines + 10;
   while (lines.number() < kLast && lines.next()) {

@@ -14,8 +14,9 @@
 namespace aq {
 
 /// The words in the header of a history file that name members of enumerations. As hosts expect,
-/// `AQ_DataSTH` reads an unknown word as a known one, and leaves the reference time type at
-/// `AQ_START_REF`. Code that rewrites the history observes the header with this class.
+/// `AQ_DataSTH` keeps the default for an unknown word, and ignores the word of the reference time
+/// type, which stays `AQ_START_REF`. Code that rewrites the history observes the header with this
+/// class, so that it can restore that type and report unknown words.
 class AQ_API HistoryWords {
  public:
   /// An unknown word, and the word that would be written instead.

@@ -17,7 +17,7 @@ struct LevelColumns {
   std::vector<LevelCode> codes = {};
   std::vector<double> levels = {};
 
-  /// Reads a level for every band from the line.
+  /// Reads a level for every band from the line into `spectrum`.
   void read(FieldReader& fields, AQ_Spectrum& spectrum);
 };
 

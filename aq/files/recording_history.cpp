@@ -22,7 +22,7 @@ using sdf::kMeasurement;
 using sdf::Record;
 using sdf::Recording;
 
-constexpr int kLongs = 3;  // the first revision with 32-bit counts
+constexpr int kLongs = 3;  // the first revision with 32-bit indices
 
 /// The minute in which a recording was started.
 AQ_Time startOf(const Record& file) {
@@ -74,7 +74,8 @@ class LevelReader {
  public:
   LevelReader(const Recording& recording, const RecordingTrace& trace, double calibration)
       : recording_(recording), trace_(trace) {
-    // Auto power of a spectrum is the square of a peak; octave data is the square of an rms value.
+    // Narrow-band values are peaks and octave values are rms values; power data holds their
+    // squares.
     constexpr double kHalf = 0.5;
     constexpr double kReference = 20e-6;  // Pa
     power_ = trace.set->header.integer(kData["yIsPowerData"]) != 0;
@@ -140,7 +141,8 @@ class LevelReader {
                             std::min(static_cast<std::size_t>(stop) + 1, x.size()));
   }
 
-  /// The value whose logarithm is the level of a band; unless it is above 0, the band has no level.
+  /// The value whose logarithm gives the level of a band; a band whose value is 0 or less has no
+  /// level.
   [[nodiscard]] double valueOf(std::size_t place, std::size_t scan) const {
     const double value = plan_.value(place, values_);
     if (!std::isfinite(value)) failAt(place, scan, value);
@@ -169,7 +171,7 @@ class LevelReader {
   std::vector<double> levels_;
 };
 
-/// Seconds from the start to each scan.
+/// Seconds from the start of the recording to each scan.
 class ScanTimes {
  public:
   ScanTimes(const Recording& recording, const RecordingTrace& trace, double length)

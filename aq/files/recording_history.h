@@ -22,7 +22,8 @@ struct RecordingSettings {
                                                      const std::string& file,
                                                      const RecordingSettings& settings);
 
-/// The levels of one trace of a recording, one record per scan. Throws `ReadFailure`.
+/// The levels of one trace of a recording: one record per scan, or a single one for data without
+/// scans. Throws `ReadFailure`.
 [[nodiscard]] std::shared_ptr<AQ_SpectralTimeHistory> historyOf(const sdf::Recording& recording,
                                                                 const RecordingSettings& settings);
 

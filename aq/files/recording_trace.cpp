@@ -46,7 +46,7 @@ bool hasThirdOctaves(const Recording& recording, const TraceSet& set) {
   }
 }
 
-/// The record with that number; null for -1.
+/// The record with this number; null for -1.
 const Record* numbered(const std::vector<Record>& records, const Record& by, std::int64_t number,
                        const char* what) {
   if (number == -1) return nullptr;
@@ -65,7 +65,8 @@ const Record* vectorOf(const Recording& recording, const TraceSet& set, std::siz
   return numbered(vectors, set.header, first < 0 ? first : number, "vectors");
 }
 
-/// The window's amplitude correction for narrow-band power data of noise.
+/// The amplitude factor that gives narrow-band data the window's wide-band correction, which suits
+/// noise, in place of any correction already applied.
 double windowFactor(const Record& channel) {
   const Record window = channel.part(kChannel["window"]);
   const double wide = window.real(kWindow["wideBandCorr"]);
@@ -74,7 +75,7 @@ double windowFactor(const Record& channel) {
   return applied == kNarrow ? wide / window.real(kWindow["narrowBandCorr"]) : wide;
 }
 
-/// The factor that a channel contributes to a trace's correction.
+/// The factor that a channel contributes to a trace's gain.
 double factorOf(const Record& channel, double power, bool narrow) {
   constexpr double kWholePower = 48;
   const double internal = channel.real(kChannel["int2engrUnit"]);

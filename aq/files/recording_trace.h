@@ -26,22 +26,23 @@ struct RecordingTrace {
 /// first one with auto power. Fails if there is neither.
 [[nodiscard]] const sdf::TraceSet& levelsOf(const sdf::Recording& recording);
 
-/// Trace `channel`, counted from 1, of the data header that the levels come from. Fails if its data
-/// cannot be converted to levels, or if its unit or correction is missing.
+/// Trace `channel`, counted from 1, of the data header that the levels come from. Fails if there is
+/// no such trace, if its data cannot be converted to levels, or if its unit or correction is
+/// missing.
 [[nodiscard]] RecordingTrace traceOf(const sdf::Recording& recording, std::int16_t channel);
 
-/// How many points of a trace are valid.
+/// How many of a trace's `points` are valid.
 [[nodiscard]] std::size_t validPoints(const sdf::Recording& recording, const sdf::TraceSet& set,
                                       std::size_t points);
 
-/// Whether the data are already one-third octaves.
+/// Whether the data are octave bands, so that no narrow bands need to be summed.
 [[nodiscard]] bool isOctaves(const sdf::TraceSet& set);
 
-/// Reasons for caution in using the data, one line each: weighting, overload, invalid data,
-/// correction.
+/// Reasons for caution in using the data, one line each: invalid data, frequency weighting,
+/// overload, window correction.
 [[nodiscard]] std::vector<std::string> marksOf(const RecordingTrace& trace);
 
-/// Notes for users of the levels, one line each: channel, unit, calibration and the lines of
+/// Notes for users of the levels, one line each: channel, unit, any calibration, and the lines of
 /// `marksOf`.
 [[nodiscard]] std::vector<std::string> notesOf(const RecordingTrace& trace, double calibration);
 

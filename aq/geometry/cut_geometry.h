@@ -16,8 +16,9 @@ namespace aq {
 
 /// The points of two geometries; those of `after` are renumbered to follow the last one of
 /// `before`. Points are shared with both; the start time, the reference time and their types are
-/// those of `before`. Throws `InvalidArgument` if the two differ in reference time, reference type
-/// or time stamp type, if `after` does not begin after `before` ends, or if either has no points.
+/// those of `before`. Throws `InvalidArgument` if the two differ in the time of day of their
+/// reference, in reference type or in time stamp type, if `after` does not begin after `before`
+/// ends, or if either has no points.
 [[nodiscard]] AQ_API std::shared_ptr<AQ_GeometryTimeHistory> joinGeometries(
     AQ_GeometryTimeHistory& before, AQ_GeometryTimeHistory& after);
 

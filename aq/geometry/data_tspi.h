@@ -15,8 +15,8 @@ namespace aq {
 /// (docs/formats/tracking.md). Drops and counts positions of poor quality.
 class AQ_API AQ_DataTSPI : public FileClass {
  public:
-  /// Reads a file into a new history, numbered from 1 without gaps. If reading fails, the history
-  /// is not set.
+  /// Reads a file into a new history, numbered from 1 without gaps. If reading fails, `PTH` is
+  /// unchanged.
   void readFile(const std::string& sFileName, std::shared_ptr<AQ_PositionTimeHistory>& PTH,
                 AQ_DataMessage& result);
 

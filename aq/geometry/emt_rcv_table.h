@@ -21,9 +21,10 @@ class AQ_API AQ_EmtRcvTable {
     return records_.Item(nRecord);
   }
 
-  // Each call returns a new collection: the times of emission or reception in seconds of the day,
-  // or the aircraft's coordinates in the length unit of its positions. Throws `Overflow` if there
-  // are more than 32767 records.
+  // Each call returns a new collection with one value per record: the times of emission or
+  // reception in seconds of the day, or the aircraft's coordinates in the length unit of its
+  // positions. Throws `Overflow` if there are more than 32767 records, `ObjectNotSet` if one of
+  // them is null.
   [[nodiscard]] Column T() const;
   [[nodiscard]] Column Tr() const;
   [[nodiscard]] Column X() const;

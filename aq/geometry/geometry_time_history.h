@@ -17,15 +17,16 @@ namespace aq {
 /// shared with the caller, not copied.
 class AQ_API AQ_GeometryTimeHistory {
  public:
-  /// A deep copy of points 1 to `Count` only. Throws `InvalidArgument` if one of them is missing.
+  /// A deep copy of points 1 to `Count`, without the history's own times and types. Throws
+  /// `InvalidArgument` if a point is missing.
   [[nodiscard]] std::shared_ptr<AQ_GeometryTimeHistory> Copy() const;
 
   [[nodiscard]] AQ_RefTimeType ReferenceType() const { return referenceType_; }
   void ReferenceType(AQ_RefTimeType type) { referenceType_ = type; }
 
-  /// Stores the reference time, shared with the caller, and its type. Then throws
-  /// `MemberNotSupported` if there are points, since a point has two times; hosts rely on this.
-  /// Only `setTimeStamps` sets relative times.
+  /// Stores the reference time, shared with the caller, and its type. Then throws if there are
+  /// points, since a point has two times: `MemberNotSupported`, or `InvalidArgument` if point 1 is
+  /// missing; hosts rely on this. Only `setTimeStamps` sets relative times.
   void setRelTimes(const std::shared_ptr<AQ_Time>& ReferenceTime, AQ_RefTimeType RefType);
 
   /// Created on first read; setting shares the caller's object.
@@ -36,7 +37,7 @@ class AQ_API AQ_GeometryTimeHistory {
   void TimeStampType(AQ_TimeStampType type) { timeStampType_ = type; }
 
   /// Stamps `Tm` of points 1 to `Count` as `AQ_SpectralTimeHistory::setTimeStamps` stamps records,
-  /// then sets each one's time relative to `RefTime`. Copies the two times. Throws
+  /// then sets the relative seconds of each `Tm` from `RefTime`. Copies the two times. Throws
   /// `InvalidArgument` at a missing point; those before it are stamped.
   void setTimeStamps(const AQ_Time& startTime, AQ_TimeStampType StartTimeType,
                      const AQ_Time& RefTime, AQ_RefTimeType RefType);

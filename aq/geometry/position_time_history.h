@@ -55,14 +55,14 @@ class AQ_API AQ_PositionTimeHistory {
   }
 
   /// Stores a sample under a record number. A sample already stored under the number is removed and
-  /// the new one appended at the end, so index and number then differ; hosts rely on this.
+  /// the new one appended at the end, so index and number may then differ; hosts rely on this.
   void Position(std::int32_t nRecord, std::shared_ptr<AQ_Position> aqPosition) {
     positions_.store(nRecord, std::move(aqPosition));
   }
 
-  /// The stored sample nearest to a time of day, the later of two equally near ones; no object
-  /// unless two neighbours enclose the time. Neither interpolates nor extrapolates. Throws
-  /// `Overflow` above 32767 samples.
+  /// Of the first two neighbouring samples that enclose a time of day, the nearer one, or the later
+  /// one if both are equally near. No object if no two neighbours enclose the time: nothing is
+  /// extrapolated. Throws `Overflow` above 32767 samples.
   [[nodiscard]] std::shared_ptr<AQ_Position> PositionAt(const AQ_Time& aqTime) const;
 
   /// Whether a time of day lies between those of the first and the last sample. Throws

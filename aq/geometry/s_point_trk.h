@@ -35,7 +35,7 @@ class AQ_SPointTrk {
   [[nodiscard]] float GSPDKTS() const { return groundSpeed_; }
   void GSPDKTS(float speed) { groundSpeed_ = speed; }
 
-  // Record numbers: the first, the last, and that of the maximum.
+  // The numbers of the first record, the last record and the record of the maximum.
   [[nodiscard]] std::int16_t FIRST() const { return firstRecord_; }
   void FIRST(std::int16_t record) { firstRecord_ = record; }
   [[nodiscard]] std::int16_t LAST() const { return lastRecord_; }
