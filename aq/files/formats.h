@@ -107,8 +107,8 @@ using FormatOf = decltype(std::apply(
   return text;
 }
 
-/// Reads a file in the format of `file` into new objects. After a failure, their contents depend on
-/// the file class.
+/// Reads a file in the format of `file` into new objects. After a failure, `content` may be partly
+/// set, depending on the file class.
 template <class File, class Header, class Model>
 [[nodiscard]] AQ_DataMessage readContent(File& file, const std::string& path,
                                          Content<Header, Model>& content) {

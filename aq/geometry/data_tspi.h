@@ -11,7 +11,7 @@
 
 namespace aq {
 
-/// Reads tracking files, which hold time-space-position information of the aircraft
+/// Reads tracking files, which hold time-space-position information about the aircraft
 /// (docs/formats/tracking.md). Drops and counts positions of poor quality.
 class AQ_API AQ_DataTSPI : public FileClass {
  public:

@@ -20,7 +20,7 @@ class AQ_API AQ_PositionTimeHistory {
   using Placed = TombstoneList<std::shared_ptr<AQ_Position>>::const_iterator;
 
  public:
-  /// Visits the samples by index.
+  /// Visits the samples in index order.
   class Walk {
    public:
     using iterator_category = std::input_iterator_tag;

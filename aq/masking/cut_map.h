@@ -14,8 +14,8 @@ namespace aq {
                                                         std::int16_t last);
 
 /// The rows of two maps, each numbered from 1, with `gap` unmasked rows in between. Rows are shared
-/// with the maps. Throws `InvalidArgument` if a row is missing or has bands other than those of the
-/// first row, or if a map has no rows, and `Overflow` for more than 32767 rows.
+/// with the maps. Throws `InvalidArgument` if `before` has no rows, or if a row is missing or has
+/// bands other than those of the first row, and `Overflow` for more than 32767 rows.
 [[nodiscard]] AQ_API std::shared_ptr<AQ_MaskMap> joinMaps(const AQ_MaskMap& before,
                                                           const AQ_MaskMap& after,
                                                           std::int32_t gap);

@@ -40,7 +40,8 @@ std::string columnHeading(const AQ_HeaderMask& header) {
   return heading + ",LGB";
 }
 
-/// Writes all masks of a row; creates a default mask in each band that has none.
+/// Writes the masks from `LowBand` to `HighBand`; creates a default mask in each of these bands
+/// that has none.
 char* putDecisions(char* at, AQ_MaskRow& row) {
   const auto codes = row.codes();
   char* const end = codes.empty() ? nullptr : putMasks(at, codes);
@@ -53,8 +54,8 @@ char* putDecisions(char* at, AQ_MaskRow& row) {
   return at;
 }
 
-/// Written in place: a map is mostly letters, and one append per field would cost more than the
-/// letters.
+/// Written in place: a map is mostly letters, and one append per field would take longer than
+/// copying the letters.
 void appendRow(std::string& text, std::int16_t record, AQ_MaskRow& row) {
   const std::size_t begin = text.size();
   const auto bands = static_cast<std::size_t>(std::max(row.HighBand() - row.LowBand() + 1, 0));
@@ -85,7 +86,8 @@ void readRow(FieldReader fields, const AQ_HeaderMask& header, std::shared_ptr<AQ
              AQ_MaskMap& map) {
   const std::int16_t record = fields.int16("a record number");
   const std::size_t count = bandCount(header);
-  // The header may claim any number of bands; taking more masks than the line can have throws.
+  // The header may claim any number of bands; if the line has fewer fields, taking one field too
+  // many throws before `codes` is overrun.
   const auto codes = row->renew(header.iBandLow, std::min(count, fields.mostLeft()));
   for (std::size_t i = fields.takeRun(codes, masksAtFront); i < count; ++i) {
     codes[i] = maskCodeOf(maskFrom(fields));

@@ -19,15 +19,15 @@ class AQ_API AQ_DataMask : public FileClass {
   static constexpr std::string_view kTitle = "Masking Map";
 
   /// Writes a map, replacing the file. The header gets the file's name, the number of rows and the
-  /// band range of row 1. Throws, and writes nothing, when rows are not numbered from 1 without
-  /// gaps or row 1 has a band without a label (`InvalidArgument`), or when an object is missing
-  /// (`ObjectNotSet`).
+  /// band range of row 1. Throws, and writes nothing, when the map has no rows, rows are not
+  /// numbered from 1 without gaps or row 1 has a band without a label (`InvalidArgument`), or when
+  /// an object is missing (`ObjectNotSet`).
   AQ_DataMessage writeFile(const std::string& sFileName,
                            const std::shared_ptr<AQ_HeaderMask>& aqHeader,
                            const AQ_MaskMap& aqMaskMap);
 
-  /// Reads a file into a new header and a new map. If the header cannot be read, sets
-  /// neither; if a row cannot be read, the map holds the rows before it.
+  /// Reads a file into a new header and a new map. If the header cannot be read, sets neither; if a
+  /// row cannot be read, sets both, and the map holds the rows before it.
   AQ_DataMessage readFile(const std::string& sFileName, std::shared_ptr<AQ_HeaderMask>& aqHeader,
                           std::shared_ptr<AQ_MaskMap>& MaskMap);
 

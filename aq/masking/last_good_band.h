@@ -7,7 +7,7 @@
 
 namespace aq {
 
-/// The band below the first masked one from band 29 up: 9999 when bands 28 and 29 are both masked,
+/// The band below the first masked one from band 29 up; 9999 when bands 28 and 29 are both masked,
 /// 0 when no band from 29 to the row's highest is masked. Creates a default mask in each examined
 /// band that has none.
 [[nodiscard]] AQ_API std::int16_t lastGoodBand(AQ_MaskRow& row);

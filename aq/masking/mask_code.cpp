@@ -48,7 +48,7 @@ constexpr auto kCodesOfLetters = [] {
 
 constexpr std::size_t kColumn = 3;  // two letters and a comma
 
-/// The column of a code; empty for `kNoMaskCode`.
+/// The column of a code; zero bytes for `kNoMaskCode`.
 constexpr std::array<char, kColumn> columnOf(std::size_t code) {
   if (code == kNoMaskCode) return {};
   const std::size_t pair = code - 1;
@@ -56,8 +56,8 @@ constexpr std::array<char, kColumn> columnOf(std::size_t code) {
           kMaskAdjustments[pair % kMaskAdjustments.size()], ','};
 }
 
-/// The two columns of a pair of codes, in a word that is written at once; the next pair overwrites
-/// the two excess bytes. One of these is 1 if a code is `kNoMaskCode`.
+/// The two columns of a pair of codes, in a word that one store writes; the next pair overwrites
+/// the two excess bytes. The first of these is 1 if a code is `kNoMaskCode`.
 using TwoColumns = std::uint64_t;
 constexpr TwoColumns kMissing = std::bit_cast<TwoColumns>(std::array<char, 8>{0, 0, 0, 0, 0, 0, 1});
 

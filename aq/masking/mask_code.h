@@ -13,7 +13,8 @@
 
 namespace aq {
 
-/// A masking decision in one byte: 1 and up for the pairs of letters, 0 for no decision.
+/// A masking decision in one byte: 1 and up for the pairs of letters, 0 for no decision or for one
+/// without letters.
 using MaskCode = std::uint8_t;
 
 inline constexpr MaskCode kNoMaskCode = 0;
@@ -32,8 +33,8 @@ inline constexpr MaskCode kDefaultMaskCode = 1;
 /// The number of bytes needed while writing that many masks.
 constexpr std::size_t maskBytes(std::size_t masks) { return 3 * masks + 5; }
 
-/// Writes the letters of each code, each followed by ",", into at least `maskBytes` bytes, and
-/// returns their end; `nullptr` if one of the codes is `kNoMaskCode`.
+/// Writes the letters of each code, followed by ",", at `at`, which must have room for `maskBytes`
+/// bytes. Returns the end of the text, or `nullptr` if one of the codes is `kNoMaskCode`.
 [[nodiscard]] AQ_API char* putMasks(char* at, std::span<const MaskCode> codes);
 
 }  // namespace aq

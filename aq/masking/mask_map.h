@@ -33,7 +33,7 @@ class AQ_API AQ_MaskMap {
   [[nodiscard]] std::int16_t Count() const { return rows_.count(); }
 
   /// Sets each row's last good band from its masks. Creates a default mask in each examined band
-  /// that has none.
+  /// that has none: bands 28 and 29, and those above up to the first masked one.
   void setLGB();
 
   // The stored rows as pairs of record number and row, in ascending order of record number. Storing

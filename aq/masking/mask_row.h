@@ -25,7 +25,7 @@ class AQ_API AQ_MaskRow {
   /// none.
   [[nodiscard]] std::shared_ptr<AQ_MaskRow> Copy();
 
-  /// The mask of a band. Creates a default mask if the band has none, which widens the range.
+  /// The mask of a band. Creates a default mask if the band has none, which may widen the range.
   std::shared_ptr<AQ_Mask> Mask(std::int16_t nBand);
 
   /// Stores a mask for a band that has none. If the band has one, only removes it, as hosts expect.
@@ -42,19 +42,19 @@ class AQ_API AQ_MaskRow {
     return bands_.encompasses(spectrum);
   }
 
-  /// The last good band, from 28 to the highest band minus 1; 0 when no band from 29 up is masked,
-  /// 9999 when bands 28 and 29 are both masked.
+  /// The last good band as last set: from 28 to the highest band minus 1; 0 when no band from 29 up
+  /// is masked, 9999 when bands 28 and 29 are both masked. 0 until set.
   [[nodiscard]] std::int16_t LGB() const { return lastGoodBand_; }
   void LGB(std::int16_t band) { lastGoodBand_ = band; }
 
-  // The bands that have a mask, in ascending order, as pairs of band number and copied mask.
+  // The bands that have a mask, in ascending order, as pairs of band number and a copy of the mask.
   // Storing or fetching a mask invalidates iterators. Iterating and `contains` create no mask.
   [[nodiscard]] NumberWalk<AQ_MaskRow> begin() const { return {this, codes_.first(), afterLast()}; }
   [[nodiscard]] NumberWalk<AQ_MaskRow> end() const { return {this, afterLast(), afterLast()}; }
   [[nodiscard]] bool contains(std::int32_t band) const;
 
-  /// The mask of a band by value. Like the getter, creates a default mask if the band has none, but
-  /// creates no mask object.
+  /// The mask of a band by value. A band that has none gets a default mask, as with the getter, but
+  /// no object is created for it.
   [[nodiscard]] AQ_Mask decision(std::int16_t band);
 
   /// Like the setter with a new mask of these values.
@@ -65,7 +65,7 @@ class AQ_API AQ_MaskRow {
   [[nodiscard]] std::span<MaskCode> renew(std::int16_t low, std::size_t count);
 
   /// The codes of the masks from `LowBand` to `HighBand`, `kNoMaskCode` where a band has no mask.
-  /// Empty if a mask has no code or its object was handed out.
+  /// Empty if the row keeps masks as objects, as it does once an object was handed out or stored.
   [[nodiscard]] std::span<const MaskCode> codes() const {
     return objects_ || !bands_.holds(codes_.size()) ? std::span<const MaskCode>() : codes_.all();
   }

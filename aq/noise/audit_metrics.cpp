@@ -25,7 +25,7 @@ double storedNumber(const Variant& stored) {
   }
 }
 
-/// A computed value converted to the stored type.
+/// A computed value, rounded to single precision if the stored one is single.
 double narrowed(double computed, const Variant& stored) {
   return stored.type() == Variant::Type::Single ? static_cast<double>(static_cast<float>(computed))
                                                 : computed;

@@ -11,7 +11,8 @@
 
 namespace aq {
 
-/// The levels of one record that count, by band. Reuses its memory for the next record.
+/// The levels of one record that count, by band: invalid levels do not, nor do levels that are
+/// masked but not adjusted. Reuses its memory for the next record.
 class CountedLevels {
  public:
   CountedLevels() = default;
@@ -19,23 +20,24 @@ class CountedLevels {
   CountedLevels& operator=(const CountedLevels&) = delete;
   CountedLevels(const AQ_Spectrum& spectrum, const AQ_MaskRow* masks) { take(spectrum, masks); }
 
-  /// Keeps a view of the levels, which must not change while it is used. Throws only if memory runs
-  /// out.
+  /// Takes the levels of a record. They must not change while this object is used, since it may
+  /// keep a view of them. Throws only if memory runs out.
   void take(const AQ_Spectrum& spectrum, const AQ_MaskRow* masks);
 
   /// The band of the first level, and the band after the last one.
   [[nodiscard]] std::int32_t low() const { return low_; }
   [[nodiscard]] std::int32_t end() const { return low_ + static_cast<std::int32_t>(size()); }
 
-  /// The level of any band; NaN for a level that does not count.
+  /// The level of any band; NaN if the band has none that counts.
   [[nodiscard]] double level(std::int32_t band) const;
 
   /// Whether every level has a code.
   [[nodiscard]] bool isCoded() const { return !codes_.empty(); }
-  /// Whether `LevelTable` has the code of every level, in which case every level counts.
+  /// Whether all levels have codes that are in `LevelTable`, in which case every level counts.
   [[nodiscard]] bool areInTable() const { return areInTable_; }
-  /// The codes of the bands from `first` up to `last` or to the last level; `kInvalidCode` for a
-  /// level that does not count. Requires `isCoded` and a `first` of `low` or more.
+  /// The codes of the bands from `first` to `last`, or to the last level if that is lower;
+  /// `kInvalidCode` for a level that does not count. Requires `isCoded` and a `first` of `low` or
+  /// more.
   [[nodiscard]] std::span<const LevelCode> codes(std::int32_t first, std::int32_t last) const {
     const std::int32_t bands = std::min(last + 1, end()) - first;
     return bands > 0 ? codes_.subspan(at(first), static_cast<std::size_t>(bands))
@@ -60,7 +62,7 @@ class CountedLevels {
   bool areInTable_ = false;
   std::span<const LevelCode> codes_;  // the spectrum's, or `maskedCodes_`
   std::vector<LevelCode> maskedCodes_;
-  std::vector<double> levels_;  // used instead of the codes
+  std::vector<double> levels_;  // used unless every level has a code
 };
 
 }  // namespace aq

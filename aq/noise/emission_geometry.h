@@ -30,9 +30,9 @@ namespace aq {
 /// the source does not move.
 ///
 /// A record whose sound was emitted before the first or after the last position has no point:
-/// nothing is extrapolated. The start time, the reference time and their types come from the
-/// records. If the source is supersonic, a record may have several emissions; the point is one of
-/// them.
+/// nothing is extrapolated. The start time, the reference time and their types are those of the
+/// history `records`. If the source is supersonic, a record may have several emissions; the point
+/// describes one of them.
 ///
 /// Throws `InvalidValue` for a temperature at or below absolute zero, a coordinate that is not
 /// finite, or a position earlier than the previous one, and `ObjectNotSet` for a null object.

@@ -9,7 +9,7 @@
 
 namespace aq {
 
-/// A position or a direction, in metres.
+/// A position in metres, a velocity in m/s or a unit vector.
 using Vector3 = std::array<double, 3>;
 
 [[nodiscard]] Vector3 operator-(const Vector3& a, const Vector3& b);
@@ -31,12 +31,12 @@ class FlightPath {
   };
 
   /// Where the sound that reaches `receiver` at a time of day was emitted. Nothing if that was
-  /// before the first position or after the last one.
+  /// before the first position or after the last one, or if there are fewer than two positions.
   [[nodiscard]] std::optional<Place> emission(const Vector3& receiver, double timeOfDay,
                                               double speedOfSound) const;
 
-  /// Converts a time of day to seconds of the path; a time before the first position is on the next
-  /// day.
+  /// Converts a time of day to seconds of the path; a time before that of the first position is on
+  /// the next day.
   [[nodiscard]] double secondsOf(double timeOfDay) const;
 
   /// The direction of flight, as a unit vector, from the nearest segment in which the source moves.

@@ -66,7 +66,7 @@ void forEachTone(const Records& records, std::size_t begin, std::size_t end, boo
   }
 }
 
-/// The number of bands used for the perceived noise level whose level counts.
+/// How many of the bands used for the perceived noise level have a level that counts.
 std::int16_t perceivedBandsOf(const CountedLevels& levels) {
   return levels.count(kFirstNoyBand, kLastNoyBand);
 }
@@ -78,7 +78,7 @@ double totalNoisiness(const CountedLevels& levels, const Record& record) {
                                        ": the levels are too high for a perceived noise level");
 }
 
-/// The values that an event depends on, by index of the record. NaN means no value.
+/// The values that an event depends on, by record index. NaN means no value.
 struct EventValues {
   explicit EventValues(std::size_t records)
       : pnlt(records, kNoValue), corrections(records, kNoValue) {}
@@ -87,7 +87,7 @@ struct EventValues {
 };
 
 /// How long each record lasts: from its stamp to the next one, also across midnight. The last
-/// record lasts as long as the one before it.
+/// record lasts as long as the one before it, a single record `kRecordSeconds`.
 std::vector<double> durationsOf(const Records& records) {
   std::vector<double> durations(records.size(), kRecordSeconds);
   for (std::size_t i = 0; i + 1 < records.size(); ++i) {
@@ -159,7 +159,8 @@ void flagRecords(const NoiseEvent& event, std::vector<RecordMetrics>& records) {
   }
 }
 
-/// The total noisiness of each record; NaN if no level counts.
+/// The total noisiness of each record; NaN if none of the bands it is summed over has a level that
+/// counts.
 std::vector<double> totalsOf(const Records& records) {
   std::vector<double> totals;
   totals.reserve(records.size());
@@ -173,8 +174,8 @@ std::vector<double> totalsOf(const Records& records) {
 }
 
 /// The values of the records that may belong to the event: from the first to the last that may
-/// reach the 10 dB-down limits, and the neighbours that band sharing uses. Other records get no
-/// value.
+/// reach the 10 dB-down limits, and the two on either side, for the band sharing adjustment. Other
+/// records get no value.
 EventValues eventValuesOf(const Records& records) {
   constexpr double kDown = 10.1;     // dB, a little beyond the limits
   constexpr double kMostTone = 6.7;  // dB, a little more than any correction

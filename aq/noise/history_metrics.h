@@ -21,7 +21,7 @@ struct RecordMetrics {
   std::int16_t perceivedBands = 0;  ///< how many of bands 17 to 40 have a level that counts
   double seconds = 0;               ///< the time of day of its stamp
   std::array<double, AQ_METRIC_INTEG>
-      values{};  ///< by type, from `AQ_METRIC_AWT` up; dB, PNdB, TPNdB or band numbers
+      values{};  ///< by type, from `AQ_METRIC_AWT` up; dB, PNdB, TPNdB, band numbers or flags
 
   [[nodiscard]] double value(AQ_METRIC_TYPE metric) const { return values[at(metric)]; }
   void value(AQ_METRIC_TYPE metric, double number) { values[at(metric)] = number; }
@@ -48,7 +48,7 @@ struct HistoryMetrics {
 /// The event of a history.
 struct HistoryEvent {
   std::size_t records = 0;
-  std::int16_t firstRecord = 0;     ///< the record that has index 0 in the event
+  std::int16_t firstRecord = 0;     ///< the number of the record with index 0 in the event
   std::optional<NoiseEvent> event;  ///< empty if no record has a PNLT
 };
 

@@ -37,7 +37,7 @@ void check(std::span<const double> pnlt, std::span<const double> seconds,
   }
 }
 
-/// The series, in which records without PNLT are below any limit.
+/// The series, with records without PNLT set below any limit.
 std::vector<double> lowered(std::span<const double> pnlt) {
   std::vector<double> values(pnlt.begin(), pnlt.end());
   for (double& value : values) {

@@ -17,7 +17,8 @@ struct NoiseEvent {
   /// The 10 dB-down limits, both included in the sum. Empty where the records begin or end above
   /// the limit: the sum then runs to that end, and the EPNL is a lower bound.
   std::optional<std::size_t> first, last;
-  /// Other local maxima within 2 dB of the largest, each at least 0.1 dB above both neighbours.
+  /// Other local maxima in the summed range: those within 2 dB of the largest and at least 0.1 dB
+  /// above both neighbours.
   std::vector<std::size_t> secondPeaks;
   double pnltm = 0;                ///< the largest PNLT, TPNdB, without `bandSharing`
   double epnl = 0;                 ///< EPNdB, without `bandSharing`
@@ -29,12 +30,13 @@ struct NoiseEvent {
 /// The event in a series of PNLT values (14 CFR 36, A36.4.4 to A36.4.6). NaN means a record without
 /// PNLT: it adds nothing and lies below any limit. `seconds` gives the record lengths: one value
 /// for all records or one per record. `toneCorrections`, in dB, one per record and NaN if missing,
-/// determine the band sharing adjustment: the mean of the corrections of the five records around
-/// the maximum minus that of the maximum, if positive. Without corrections, the adjustment is 0.
+/// determine the band sharing adjustment: the mean of the corrections of the maximum and of the two
+/// records on either side, as far as these have one, minus the correction of the maximum, if
+/// positive. Without a correction of the maximum, the adjustment is 0.
 ///
 /// Comparisons allow 1e-9 dB for the rounding of decimal fractions. Throws `InvalidArgument` if
-/// there is no PNLT or the sizes differ, and `InvalidValue` for an infinite PNLT or a duration of 0
-/// or less.
+/// there is no PNLT or the sizes differ, and `InvalidValue` for an infinite PNLT or a duration that
+/// is not finite and above 0.
 [[nodiscard]] AQ_API NoiseEvent noiseEvent(std::span<const double> pnlt,
                                            std::span<const double> seconds,
                                            std::span<const double> toneCorrections = {});
