@@ -5,8 +5,8 @@
 #include "aq/geometry/position_time_history.h"
 #include "aq/spectral/spectral_time_history.h"
 
-// The text of a time of day has seven significant digits, counted from the seconds of the day. If
-// these round its fraction up to a whole second, the text drops the fraction, as hosts expect:
+// A time of day is written with seven significant digits of its seconds after midnight. If these
+// round its fraction up to a whole second, the text drops the fraction, as hosts expect:
 // 12:34:56.996 becomes 12:34:56, nearly a second early. Call these functions before writing a
 // model: they round such late times up to the second and leave others unchanged.
 namespace aq {
