@@ -83,7 +83,8 @@ struct Description<NoiseEvent> {
                "The 10 dB-down limit after the maximum; empty if the records end above it",
                kPlaceFrom0)
         .field("secondPeaks", &E::secondPeaks,
-               "Other local maxima of PNLT within 2 dB of the largest", kPlaceFrom0)
+               "Other local maxima of PNLT in the summed records, within 2 dB of the largest",
+               kPlaceFrom0)
         .field("pnltm", &E::pnltm, "The largest PNLT, without band sharing", Quantity{"TPNdB"})
         .field("epnl", &E::epnl, "Effective perceived noise level, without band sharing",
                Quantity{"EPNdB"})

@@ -135,7 +135,8 @@ void bindEvent(const py::module_& module) {
                     "The record at the first 10 dB-down limit; None if there is none")
       .def_readonly("last", &E::last,
                     "The record at the last 10 dB-down limit; None if there is none")
-      .def_readonly("secondPeaks", &E::secondPeaks, "Other maxima within 2 dB of the largest")
+      .def_readonly("secondPeaks", &E::secondPeaks,
+                    "Other local maxima in the summed records, within 2 dB of the largest")
       .def_readonly("pnltm", &E::pnltm, "The largest PNLT in TPNdB, without band sharing")
       .def_readonly("epnl", &E::epnl, "The EPNL in EPNdB, without band sharing")
       .def_readonly("epnlWithBandSharing", &E::epnlWithBandSharing,
