@@ -43,8 +43,8 @@ struct Digits {
   std::size_t most;
 };
 
-/// The three whole numbers of `text`, separated by `separator`; nothing if `widths` does not allow
-/// the number of digits of one of them.
+/// The three whole numbers of `text`, separated by `separator`; nothing if one of them
+/// has a character that is not a digit, or a number of digits that `widths` does not allow.
 std::optional<std::array<int, 3>> threeNumbers(std::string_view text, char separator,
                                                const std::array<Digits, 3>& widths) {
   std::array<int, 3> numbers{};

@@ -18,12 +18,14 @@ namespace aq {
 /// allowed. Throws `TypeMismatch` for any other text.
 [[nodiscard]] AQ_API double dateFrom(std::string_view text);
 
-/// The clock time `text` as `hh:mm:ss`. Its parts may have one or two digits, hours are 0 to 23,
-/// and outer blanks are allowed. Throws `TypeMismatch` for any other text.
+/// The clock time in `text`, written as `hh:mm:ss`. In `text`, each part may have one or two
+/// digits, hours are 0 to 23, and outer blanks are allowed. Throws `TypeMismatch` for any other
+/// text.
 [[nodiscard]] AQ_API std::string clockTimeFrom(std::string_view text);
 
-/// The seconds after midnight of `hh:mm:ss` with up to nine decimals, correctly rounded. Hours are
-/// 0 to 23, and outer blanks are allowed. Throws `TypeMismatch` for any other text.
+/// The seconds after midnight of `hh:mm:ss` with up to nine decimals, correctly rounded. The
+/// hour is 0 to 23 and may have one digit, and outer blanks are allowed. Throws `TypeMismatch` for
+/// any other text.
 [[nodiscard]] AQ_API double secondsOfDayFrom(std::string_view text);
 
 /// Appends `hh:mm:ss.sss`, rounding exact halves away from zero. Throws `InvalidValue` for a time
@@ -38,6 +40,7 @@ struct PlainClock {
 };
 
 /// The `hh:mm:ss` with up to six decimals that fills `text` up to its first comma or its end.
+/// Hours, minutes and seconds may be any two digits.
 [[nodiscard]] AQ_API PlainClock plainClock(std::string_view text);
 
 /// A clock time `hh:mm:ss` on the twelve-hour clock, as in "12:30:00 PM".

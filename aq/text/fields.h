@@ -70,7 +70,7 @@ void forEachPiece(std::string_view text, std::string_view delimiter, const Put& 
   put(text.substr(begin));
 }
 
-/// Appends these parts to `pieces`.
+/// Appends the parts that `forEachPiece` finds to `pieces`.
 AQ_API void split(std::string_view text, std::string_view delimiter,
                   std::vector<std::string_view>& pieces);
 

@@ -4,8 +4,8 @@
 
 namespace aq {
 
-/// How many fields were taken from the start of a line, and how many characters, including the last
-/// comma.
+/// How many fields were taken from the start of a line, and how many characters, including the
+/// comma after the last field if there is one.
 struct FieldsTaken {
   std::size_t count = 0;
   std::size_t length = 0;

@@ -45,7 +45,7 @@ class AQ_API FileClass {
   // Each of these works on a copy of the name, since the call may replace the caller's own string,
   // such as the name in a header or in the last failure.
 
-  /// Runs `read(name)`; a failure of the file becomes the last failure.
+  /// Runs `read(name)`; a failure of the file, or a lack of memory, becomes the last failure.
   template <class Read>
   [[nodiscard]] AQ_DataMessage reading(const std::string& file, const Read& read) {
     return withFile(file, read);
@@ -71,7 +71,7 @@ class AQ_API FileClass {
   }
 
  private:
-  /// Runs `work(name)`; a failure of the file becomes the last failure.
+  /// Runs `work(name)`; a failure of the file, or a lack of memory, becomes the last failure.
   template <class Work>
   [[nodiscard]] AQ_DataMessage withFile(const std::string& file, const Work& work) {
     std::string name;

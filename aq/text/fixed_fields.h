@@ -34,7 +34,7 @@ class AQ_API FixedFieldReader {
   explicit FixedFieldReader(const LineReader& lines)
       : FixedFieldReader(lines.line(), lines.number()) {}
 
-  /// The text of those columns, without its outer blanks.
+  /// The text in `columns`, without its outer blanks.
   [[nodiscard]] std::string_view take(Columns columns, const char* expected) {
     ++field_;
     columns_ = columns;
@@ -57,7 +57,7 @@ class AQ_API FixedFieldReader {
     }
   }
 
-  /// Fails when the line has anything but blanks after that column.
+  /// Fails when the line has anything but blanks after column `last`.
   void expectEnd(std::size_t last);
 
   /// Throws `ReadFailure` for the last field taken; adds its columns to `expected`.
@@ -79,9 +79,9 @@ class AQ_API FixedFieldReader {
   std::string_view found_;
 };
 
-/// `value` times a power of ten, rounded to an integer, exact halves away from zero. Throws
-/// `InvalidValue`, naming `what`, unless it fits `width` columns including the point, any sign and
-/// a digit before the point.
+/// `value` with 2 or 3 `decimals` as an integer, such as 1.25 as 125; rounds exact halves away from
+/// zero. Throws `InvalidValue`, naming `what`, unless it fits `width` columns including the point,
+/// any sign and a digit before the point.
 [[nodiscard]] AQ_API std::int64_t scaled(double value, int decimals, std::size_t width,
                                          const char* what);
 

@@ -15,15 +15,16 @@
 #include "aq/text/line_reader.h"
 
 // Header lines with a keyword from column 1 and its value from column 21. The reader and the writer
-// have the same members, so that one description of a header serves both.
+// have members of the same names, so that one description of a header serves both.
 
 namespace aq {
 
 /// Takes header lines by position and compares their keywords. Throws `ReadFailure` for a line
-/// that is missing or does not convert: field 1 is the keyword, field 2 the value.
+/// that is missing, has another keyword or has a value that does not convert; field 1 is the
+/// keyword, field 2 the value.
 class AQ_API FixedHeaderReader {
  public:
-  /// Shows `observer` every line that it takes; `observer` must outlive it.
+  /// Shows `observer` every line that the reader takes; `observer` must outlive the reader.
   FixedHeaderReader(LineReader& lines, const HeaderObserver& observer)
       : lines_(lines), observer_(observer) {}
 
@@ -64,8 +65,9 @@ class AQ_API FixedHeaderReader {
 };
 
 /// Appends header lines to a string. Throws `InvalidValue` for text with a line break, for text
-/// with a tab except in `lines`, for a number or a time that does not fit its columns, and for an
-/// enumeration value without a word.
+/// with a tab except in `lines`, for a number or a time outside its range, for more than 32,767
+/// lines, and for an enumeration value without a word; `Overflow` for a date outside the years 1 to
+/// 9999.
 class AQ_API FixedHeaderWriter {
  public:
   explicit FixedHeaderWriter(std::string& text) : text_(text) {}

@@ -130,7 +130,8 @@ void HeaderReader::takeValue(std::string_view keyword, std::size_t fields) {
            line.empty() ? "a blank line" : shown(line));
 }
 
-/// Takes the value of the line, between its first "**" and the next, without the leading comma.
+/// Takes the value of the line, between its first "**" and the next, without its first
+/// character, which is a comma in a well-formed line.
 /// False if there is no "**".
 bool HeaderReader::findValue() {
   value_ = {};

@@ -8,7 +8,7 @@
 namespace aq {
 namespace {
 
-/// A date that a header cannot hold counts as unknown.
+/// A date or time of day that a header cannot hold counts as unknown.
 std::string dateTimeText(const AQ_Time& time) {
   constexpr double kDay = 86400;
   const double seconds = time.TODseconds();

@@ -15,8 +15,8 @@
 
 namespace aq {
 
-/// Writes keyword header lines, as in `Bands**,17, 40`, to a string. `HeaderReader` has the same
-/// members, so that one description of a header serves both.
+/// Writes keyword header lines, as in `Bands**,17, 40`, to a string. `HeaderReader` has
+/// members of the same names, so that one description of a header serves both.
 class AQ_API HeaderWriter {
  public:
   /// Names and dates of files come from `information`.

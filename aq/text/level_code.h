@@ -35,19 +35,20 @@ AQ_API void copyLevels(std::span<const LevelCode> codes, double* levels);
 /// The code that `levelOf` turns into exactly this level; nothing if there is none.
 [[nodiscard]] AQ_API std::optional<LevelCode> codeOf(double level);
 
-/// Takes levels in their written form (digits, a point and two decimals, separated by ",") from the
-/// start of `text`, until `codes` is full or a field in another form follows, which `doubleFrom`
-/// may still accept. The levels taken equal those that `doubleFrom` gives.
+/// Takes levels in their written form (any minus sign and digits, a point and two decimals,
+/// separated by ",") from the start of `text`, until `codes` is full or a field in another form
+/// follows, which `doubleFrom` may still accept. The levels taken equal those that `doubleFrom`
+/// gives.
 [[nodiscard]] AQ_API FieldsTaken levelsAtFront(std::string_view text, std::span<LevelCode> codes);
 
 inline constexpr std::size_t kLevelColumns = 8;
 
-/// Takes levels in columns eight characters wide, right-aligned with two decimals, from the start
-/// of `text` until `codes` is full or a column in another form follows, such as eight blanks;
-/// returns how many.
+/// Takes levels that are not negative, in columns eight characters wide, right-aligned with two
+/// decimals, from the start of `text` until `codes` is full, the text ends or a column has another
+/// form, such as eight blanks; returns how many.
 [[nodiscard]] AQ_API std::size_t codesInColumns(std::string_view text, std::span<LevelCode> codes);
 
-/// Writes a level into eight columns, in the form that `codesInColumns` reads.
+/// Writes a level into eight columns, right-aligned with two decimals.
 AQ_API void putInColumns(char* at, LevelCode code);
 
 /// Appends `level` as levels are written: two decimals, no zero before the point (.50, -.25), exact

@@ -60,8 +60,8 @@ AQ_AVX2 std::uint64_t commasAt(const char* at) {
   return static_cast<std::uint32_t>(_mm256_movemask_epi8(commas));
 }
 
-/// A bit for every comma in the block at `from`, and for the end of the text, which must have at
-/// least 32 bytes.
+/// A bit for every comma in the block at `from`, and for the end of the text if it lies in the
+/// block. The text must have at least 32 bytes.
 AQ_AVX2 std::uint64_t endsInBlock(std::string_view text, std::size_t from) {
   const char* const at = text.data() + from;
   const std::size_t left = text.size() - from;

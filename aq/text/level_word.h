@@ -18,8 +18,9 @@ inline constexpr std::uint64_t kZeroWord = wordOfText("00000.00");
 
 inline constexpr std::int32_t kNoHundredths = -1;
 
-/// The value in hundredths of a level in columns: at least two blanks, three digits with blanks for
-/// leading zeros, a point and two digits. `kNoHundredths` for any other text.
+/// The value in hundredths of a level below 1000 dB in columns: five for the whole part, in which
+/// blanks may replace leading zeros, then a point and two digits. `kNoHundredths` for any other
+/// text.
 inline std::int32_t hundredthsInColumns(std::uint64_t word) {
   constexpr std::uint64_t kWhole = 0x1010101010U;  // a bit that "0" has but a blank does not
   constexpr std::uint64_t kDigits = 0x0606000606060606U;

@@ -43,7 +43,8 @@ void LineReader::take(std::size_t size, std::size_t withEnd) {
   ++number_;
 }
 
-/// Reads more bytes after those not yet taken; false at the end of the file.
+/// Reads more bytes after those not yet taken; false at the end of the file or of the allowed
+/// number of bytes.
 bool LineReader::fill() {
   const std::size_t kept = end_ - begin_;
   if (kept == capacity_) {

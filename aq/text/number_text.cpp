@@ -210,8 +210,9 @@ char* putDecimals(char* at, float value) {
   return putFractionDigits(at, static_cast<std::int32_t>(scaled) % scale, places);
 }
 
-/// Writes a value that is a whole number of thousandths; returns `nullptr` for any other. The text
-/// has at most 15 digits, so rounding the value to 15 digits gives the same text.
+/// Writes a value below 1e11 in magnitude that is a whole number of thousandths; returns `nullptr`
+/// for any other. The text has at most 15 digits, so rounding the value to 15 digits gives the same
+/// text.
 char* putThousandths(char* at, double value) {
   constexpr double kScale = 1000;
   constexpr double kLargest = 1e11;

@@ -36,7 +36,7 @@ namespace aq {
 [[nodiscard]] AQ_API double leadingNumber(std::string_view text);
 
 // Default text: at most 15 (double) or 7 (single) significant digits, 0.5 instead of .5, no
-// exponent from 1e-7 up to 1e15 (1e7 for singles). Throws `InvalidValue` if not finite.
+// exponent from 1e-7 to below 1e15 (1e7 for singles). Throws `InvalidValue` if not finite.
 AQ_API void appendNumber(std::string& text, double value);
 AQ_API void appendNumber(std::string& text, float value);
 AQ_API void appendNumber(std::string& text, std::int32_t value);

@@ -16,7 +16,7 @@
 
 namespace aq {
 
-/// A number in plain form: an optional minus sign, up to 15 digits, an optional point.
+/// A number in plain form: an optional minus sign, 1 to 15 digits, an optional point.
 struct PlainNumber {
   std::int64_t digits = 0;  // all digits as one integer
   std::size_t decimals = 0;
@@ -46,7 +46,7 @@ struct FieldWord {
   return {(word ^ eightTimes('0')) << (8 * (kWordBytes - length)), length};
 }
 
-/// A plain number of any length; see `plainNumber`.
+/// As `plainNumber`, but takes one character at a time, for fields that do not fit in a word.
 [[nodiscard]] AQ_API PlainNumber longNumber(std::string_view text);
 
 /// The plain number that fills `text` up to its first comma or its end.
@@ -84,7 +84,8 @@ struct ExactRange<float> {
                                      1e6F, 1e7F, 1e8F, 1e9F, 1e10F};
 };
 
-/// Sets the number, correctly rounded; false, with the number unchanged, if the fast path cannot.
+/// Sets the number, correctly rounded; false, with the number unchanged, if the fast path cannot
+/// convert it.
 template <class Real>
 [[nodiscard]] bool numberFrom(const PlainNumber& plain, Real& number) {
   using Exact = ExactRange<Real>;
@@ -97,7 +98,7 @@ template <class Real>
   return true;
 }
 
-/// A 16-bit integer in plain form: an optional minus sign and up to five digits.
+/// A 16-bit integer in plain form: an optional minus sign and 1 to 5 digits.
 struct PlainInteger {
   std::int16_t value = 0;
   std::size_t length = 0;  // in characters; 0 if there is no such integer
