@@ -14,7 +14,7 @@ constexpr std::int16_t kMany = 32767;
 
 using Work = std::function<void()>;
 
-/// Times `workFor(records)` for both sizes.
+/// Times `workFor(records)` for `kFew` and `kMany` records.
 template <class WorkFor>
 void addGrowthOf(const std::string& name, const WorkFor& workFor) {
   const Work few = workFor(kFew);

@@ -1,6 +1,7 @@
 // Runs pairs of plain loops and library calls, interleaved, and prints the ratio of the medians of
 // each pair: `name ratio median spread`, where the median is that of the library's call in
-// milliseconds, and the spread is its coefficient of variation.
+// milliseconds, and the spread is its coefficient of variation. The rows for
+// memory show a size in MiB instead.
 //
 //   aq_bench FOLDER [--json FILE] [options of Google Benchmark]
 //
@@ -121,7 +122,7 @@ nlohmann::ordered_json rowsOf(const std::string& group, const std::vector<char*>
   return nlohmann::ordered_json::parse(bytesOf(rows));
 }
 
-/// Removes `name VALUE` from the arguments and returns the value.
+/// Removes `name VALUE` from the arguments and returns the value; empty if it is not there.
 std::string taken(std::vector<char*>& arguments, std::string_view name) {
   const auto at = std::find(arguments.begin(), arguments.end(), name);
   if (at == arguments.end() || at + 1 == arguments.end()) return {};
@@ -164,7 +165,7 @@ int main(int argc, char** argv) {
   const std::string group = bench::taken(arguments, "--group");
   const std::string json = bench::taken(arguments, "--json");
   arguments.erase(arguments.begin());
-  bench::require(!arguments.empty(), "a folder to work in, as the first argument");
+  bench::require(!arguments.empty(), "the first argument must be a folder to work in");
   bench::folder() = arguments.front();
   if (!group.empty()) {
     std::cout << bench::runGroup(group, arguments) << '\n';

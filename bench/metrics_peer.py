@@ -1,5 +1,5 @@
-"""Computes the ten noise metrics of many records in vectorised numpy. peers.py compares the time
-that this takes with the library's.
+"""Computes eight noise metrics of many records, and the EPNL, in vectorised numpy. peers.py
+compares the time that this takes with the library's.
 """
 
 import pathlib
@@ -77,7 +77,7 @@ def tone(levels: np.ndarray) -> tuple[np.ndarray, np.ndarray]:
 
 
 def metrics(levels: np.ndarray, seconds: float = 0.5) -> dict[str, np.ndarray]:
-    """The ten metrics by name, for levels of bands 17 to 40 without gaps or 9999."""
+    """Eight metrics and the EPNL by name, for levels of bands 17 to 40 without gaps or 9999."""
     corrections, bands = tone(levels)
     pnl = perceived(levels)
     pnlt = pnl + corrections

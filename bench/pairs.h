@@ -5,8 +5,9 @@
 
 namespace bench {
 
-/// Times `tested` and `plain`, a loop that does the same work without the library, in one run.
-/// Calls both repeatedly; the table shows `name` with the ratio of their medians times `scale`.
+/// Times `tested` and `plain`, usually a loop that does the same work without the library, in one
+/// run. Calls both repeatedly; the table shows `name` with the ratio of their medians times
+/// `scale`.
 void addPair(const std::string& name, const std::function<void()>& plain,
              const std::function<void()>& tested, double scale = 1);
 
@@ -16,7 +17,7 @@ std::string fileInFolder(const std::string& name);
 /// The bytes of a file, read by system calls.
 std::string bytesOf(const std::string& path);
 
-/// Ends the program if a call of the library failed.
+/// Unless `good`, ends the program with a message that `what` failed.
 void require(bool good, const char* what);
 
 }  // namespace bench

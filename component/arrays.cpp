@@ -79,7 +79,7 @@ class NewArray {
   std::size_t rows_;
 };
 
-/// A table from the host, with any bounds and any element type.
+/// A two-dimensional array from the host, with any bounds and any element type.
 class GivenTable {
  public:
   explicit GivenTable(const VARIANT& given) : array_(given) {
@@ -190,8 +190,8 @@ struct Change {
   Given given;
 };
 
-/// Converts all cells that are not Empty with `read(cell)` before anything is changed. `ownerOf`
-/// throws for a missing record.
+/// Converts all cells that are not Empty with `read(cell)` before anything is changed. Throws
+/// for a cell whose record is missing.
 template <class Owner, class OwnerOf, class Read>
 auto changesOf(const Call& call, const Extent& extent, const char* what, const OwnerOf& ownerOf,
                const Read& read) {

@@ -15,7 +15,7 @@ constexpr LONG kSize = 28;  // pixels, each way
 constexpr LONG kHimetricPerInch = 2540;
 constexpr LONG kPixelsPerInch = 96;
 constexpr LONG kExtent = kSize * kHimetricPerInch / kPixelsPerInch;
-constexpr DWORD kSavedVersion = 1;  // the only data that is saved
+constexpr DWORD kSavedVersion = 1;  // all that a stream or storage holds
 constexpr DWORD kStatus = OLEMISC_SETCLIENTSITEFIRST | OLEMISC_INVISIBLEATRUNTIME |
                           OLEMISC_CANTLINKINSIDE | OLEMISC_RECOMPOSEONRESIZE;
 

@@ -48,7 +48,7 @@ template <class T>
 T fromHost(const VARIANT& given, TextKind kind);
 
 /// The library's collection that `given` holds, or a new one with the entries of the host's array
-/// or collection.
+/// or collection; null for Nothing.
 template <ACollection C>
 std::shared_ptr<C> collectionFrom(const VARIANT& given, TextKind kind) {
   if (isNoObject(given)) return nullptr;
@@ -166,7 +166,7 @@ struct Given {
   TextKind kind;
 };
 
-/// Runs `read`; its errors name the argument.
+/// Runs `read`; a `Fault` that it throws names the argument.
 template <class Read>
 auto reading(const Given& given, const Read& read) {
   try {
@@ -229,7 +229,8 @@ class Argument<const T*> {
   std::shared_ptr<T> object_;
 };
 
-/// Numbers from an array or from anything that For Each visits, or a single number.
+/// Numbers from an array or from anything that For Each visits, or a single number. Empty
+/// entries become NaN.
 template <>
 class Argument<std::span<const double>> {
  public:

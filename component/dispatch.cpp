@@ -94,8 +94,8 @@ class Places {
   UINT positional_ = 0;
 };
 
-/// The result of `header.cCommentLines(2)`: passes the argument to the default member of the
-/// collection.
+/// The result of a call such as `header.cCommentLines(2)`: passes the argument to the default
+/// member of the collection.
 Value entryOf(const Member& member, const Call& call, std::span<VARIANTARG* const> given) {
   if (!member.givesCollection || given.size() != 1) throw Fault{DISP_E_BADPARAMCOUNT};
   member.get(call);
@@ -278,7 +278,7 @@ STDMETHODIMP Dispatch::Invoke(DISPID id, REFIID /*iid*/, LCID /*locale*/, WORD f
   if (GetCurrentThreadId() != thread_) return RPC_E_WRONG_THREAD;
   if (parameters == nullptr) return E_POINTER;
   return guarded([&] {
-    // The host must not destroy this object or its table in the middle of a call.
+    // The host must not destroy this object or unload the DLL in the middle of a call.
     const Held<IDispatch> self = Held<IDispatch>::share(this);
     try {
       Value value = run(id, flags, *parameters);

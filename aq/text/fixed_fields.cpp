@@ -41,7 +41,7 @@ std::int64_t scaled(double value, int decimals, std::size_t width, const char* w
   const double scale = decimals == 2 ? 1e2 : 1e3;
   if (!(std::abs(value) * scale < 1e12)) refuse();
   const std::int64_t rounded = scaledBy(value, scale);
-  std::int64_t most = 1;  // the first number that does not fit
+  std::int64_t most = 1;  // the smallest magnitude that does not fit
   for (std::size_t place = rounded < 0 ? 2 : 1; place < width; ++place) most *= 10;
   if (std::abs(rounded) >= most) refuse();
   return rounded;

@@ -61,7 +61,7 @@ class AQ_API FixedHeaderReader {
 
   LineReader& lines_;
   const HeaderObserver& observer_;
-  std::string_view value_;  // of the last line taken
+  std::string_view value_;  // of the last keyword line taken
 };
 
 /// Appends header lines to a string. Throws `InvalidValue` for text with a line break, for text

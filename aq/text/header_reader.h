@@ -115,7 +115,7 @@ class AQ_API HeaderReader {
   LineReader& lines_;
   const HeaderObserver* observer_ = nullptr;
   std::string scratch_;
-  std::string_view value_;  // of the last line taken
+  std::string_view value_;  // of the last keyword line taken
 };
 
 }  // namespace aq

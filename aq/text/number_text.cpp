@@ -117,7 +117,7 @@ Integer wholeInteger(std::string_view text) {
   return static_cast<Integer>(value);
 }
 
-using Buffer = std::array<char, 64>;  // long enough for any text that this file writes
+using Buffer = std::array<char, 64>;  // long enough for every use below
 
 void requireFinite(double value) {
   if (!std::isfinite(value)) {
