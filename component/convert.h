@@ -229,8 +229,8 @@ class Argument<const T*> {
   std::shared_ptr<T> object_;
 };
 
-/// Numbers from an array or from anything that For Each visits, or a single number. Empty
-/// entries become NaN.
+/// Numbers from an array or from anything that For Each visits, or a single number.
+/// Empty entries become NaN.
 template <>
 class Argument<std::span<const double>> {
  public:
