@@ -17,7 +17,7 @@ struct HeaderLine {
 
   std::size_t number;  ///< from 1
   Use use;
-  std::string_view keyword;  ///< the keyword that names this line; empty for other uses
+  std::string_view keyword;  ///< the keyword that belongs on this line; empty for other uses
   std::string_view text;     ///< the line, unchanged
   std::string_view
       value;  ///< the part read after the keyword; in a parameter file also a whole comment line
