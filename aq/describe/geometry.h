@@ -43,14 +43,14 @@ struct Description<AQ_PositionTimeHistory> {
         .indexed("Position", &H::Position, &H::Position,
                  in("nRecord", "The index when reading, the record number when storing", kPlace),
                  "The sample at a 1-based index; reading raises if it is missing. Storing takes a "
-                 "record number instead of an index")
+                 "record number, removes a sample already stored under it, and appends the new one")
         .method("PositionAt", &H::PositionAt,
-                "The stored sample nearest to a time of day; no object unless two samples enclose "
-                "that time. Raises if there are more than 32767 samples",
+                "The stored sample nearest to a time of day; no object unless two neighbouring "
+                "samples enclose that time. Raises if there are more than 32767 samples",
                 in("aqTime", "The time of day"))
         .method("GoodTime", &H::GoodTime,
-                "Whether a time of day lies between the first and the last sample; raises if the "
-                "history is empty or has more than 32767 samples",
+                "Whether a time of day lies between those of the first and the last sample; raises "
+                "if the history is empty or has more than 32767 samples",
                 in("aqTime", "The time of day"))
         .property("Count", &H::Count, "The number of samples; raises if there are more than 32767",
                   kCount)
@@ -117,8 +117,8 @@ struct Description<AQ_GeometryTimeHistory> {
         .property("ReferenceType", &H::ReferenceType, &H::ReferenceType,
                   "Which event the reference time marks")
         .method("setRelTimes", &H::setRelTimes,
-                "Stores the reference time, shared; then raises if there are points, as only "
-                "setTimeStamps sets their relative times",
+                "Stores the reference time, shared with the caller, and its type; then raises if "
+                "there are points, as only setTimeStamps sets their relative times",
                 in("ReferenceTime", "The reference time"),
                 in("RefType", "Which event the reference time marks"))
         .property("startTime", &H::startTime, &H::startTime, "The time of the first record")

@@ -8,11 +8,12 @@
 #include "aq/geometry/header_pth.h"
 #include "aq/masking/header_mask.h"
 
-// File headers. Fields common to most of them are described only once.
+// File headers. A field that several of them share is described only once.
 
 namespace aq::describe {
 
-inline constexpr auto kFileType = about("The title in the first line of the file, as read");
+inline constexpr auto kFileType =
+    about("The title in the first line of the file; set by reading, ignored by writing");
 inline constexpr auto kName =
     about("The file's name, written as the file information service names it", FileName{},
           Key{"file_name"});
@@ -71,8 +72,10 @@ struct Description<AQ_HeaderMask> {
         .field("sFileName", &H::sFileName, kName)
         .field("aqFileDateTime", &H::aqFileDateTime, kDateTime)
         .field("lNumberRows", &H::lNumberRows, "Number of rows in the map", kRecords)
-        .field("iBandLow", &H::iBandLow, "The lowest band of the rows", kBand)
-        .field("iBandHigh", &H::iBandHigh, "The highest band of the rows", kBand)
+        .field("iBandLow", &H::iBandLow,
+               "The lowest band of the rows; the writer takes that of the first row", kBand)
+        .field("iBandHigh", &H::iBandHigh,
+               "The highest band of the rows; the writer takes that of the first row", kBand)
         .field("sGeneratedBy", &H::sGeneratedBy, kGeneratedBy)
         .field("sGenerationFile", &H::sGenerationFile, kGenerationFile)
         .field("aqGenerationDateTime", &H::aqGenerationDateTime, kGenerationDateTime)
@@ -80,7 +83,8 @@ struct Description<AQ_HeaderMask> {
         .field("cOtherRecords", &H::cOtherRecords, kOtherRecords)
         .field("nCommentLines", &H::nCommentLines, kCommentCount)
         .field("cCommentLines", &H::cCommentLines, kComments)
-        .field("sColumnLabels", &H::sColumnLabels, "The column headings, as read");
+        .field("sColumnLabels", &H::sColumnLabels,
+               "The column headings, as read; the writer makes them from the bands");
   }
 };
 
@@ -155,7 +159,7 @@ struct Description<AQ_HeaderGTH> {
   static constexpr int number = 66;
   static constexpr char text[] =
       "The header of a geometric time history file, which names the three files that the geometry "
-      "was computed from; the writer gets their dates from the file information service";
+      "was computed from";
   template <class To>
   static void members(To& to) {
     using H = AQ_HeaderGTH;
@@ -172,16 +176,21 @@ struct Description<AQ_HeaderGTH> {
         .field("STHFileName", &H::STHFileName, "The spectral time history file", FileName{},
                Key{"history_file"})
         .field("STHFileDateTime", &H::STHFileDateTime,
-               "The date and time of the spectral time history file, as read",
+               "The date and time of the spectral time history file, as read; the writer gets them "
+               "from the file information service",
                Key{"history_file_date"})
         .field("PTHFileName", &H::PTHFileName, "The position time history file", FileName{},
                Key{"position_file"})
         .field("PTHFileDateTime", &H::PTHFileDateTime,
-               "The date and time of the position file, as read", Key{"position_file_date"})
+               "The date and time of the position time history file, as read; the writer gets them "
+               "from the file information service",
+               Key{"position_file_date"})
         .field("MICFileName", &H::MICFileName, "The microphone position file", FileName{},
                Key{"microphone_file"})
         .field("MICFileDateTime", &H::MICFileDateTime,
-               "The date and time of the microphone file, as read", Key{"microphone_file_date"})
+               "The date and time of the microphone position file, as read; the writer gets them "
+               "from the file information service",
+               Key{"microphone_file_date"})
         .field("NumberRecords", &H::NumberRecords, "Number of points", kRecords)
         .field("OtherRecords", &H::OtherRecords, kOtherCount)
         .field("colOtherRecords", &H::colOtherRecords, kOtherRecords)

@@ -38,9 +38,9 @@ struct Description<AQ_MaskRow> {
     using R = AQ_MaskRow;
     to.method("Copy", &R::Copy, "A deep copy")
         .indexed("Mask", &R::Mask, &R::Mask, in("nBand", "The band", kBand),
-                 "The mask of a band; creates a default mask if there is none. Storing a mask for "
-                 "a band that already has one removes the old mask and stores none; to change a "
-                 "decision, change the mask itself")
+                 "The mask of a band; reading creates a default mask if there is none. Storing a "
+                 "mask for a band that already has one removes the old mask and stores none; to "
+                 "change a decision, change the mask itself")
         .property("HighBand", &R::HighBand,
                   "The highest band ever stored or read; -1 if there is none", kBand)
         .property("LowBand", &R::LowBand,
@@ -74,7 +74,9 @@ struct Description<AQ_MaskMap> {
                  "The row of a record; reading raises if it is missing")
         .property("Count", &M::Count, "The number of rows; raises if there are more than 32767",
                   kCount)
-        .method("setLGB", &M::setLGB, "Sets each row's last good band from its masks")
+        .method("setLGB", &M::setLGB,
+                "Sets each row's last good band from its masks; creates default masks in bands 28 "
+                "and 29 where a row has none")
         .method("contains", &M::contains, "Whether a record has a row",
                 in("number", "The record", kRecord));
   }

@@ -60,7 +60,7 @@ struct Description<ToneCorrection> {
         .field("lastBand", &C::lastBand,
                "The last band used; 18 if no band is used, because band 19 does not count",
                kToneBand)
-        .field("rows", &C::rows, "One step for each band used, from 19 up");
+        .field("rows", &C::rows, "One entry for each band used, from 19 up");
   }
 };
 
@@ -83,7 +83,8 @@ struct Description<NoiseEvent> {
                "The 10 dB-down limit after the maximum; empty if the records end above it",
                kPlaceFrom0)
         .field("secondPeaks", &E::secondPeaks,
-               "Other local maxima of PNLT in the summed records, within 2 dB of the largest",
+               "Other local maxima of PNLT between the limits, within 2 dB of the largest and at "
+               "least 0.1 dB above both neighbours",
                kPlaceFrom0)
         .field("pnltm", &E::pnltm, "The largest PNLT, without band sharing", Quantity{"TPNdB"})
         .field("epnl", &E::epnl, "Effective perceived noise level, without band sharing",
@@ -123,7 +124,7 @@ struct Description<NoiseFunctions> {
   static void members(To& to) {
     constexpr auto spectrum = in("spectrum", "The levels");
     constexpr auto masks =
-        optionally("masks", "Which levels are masked and therefore do not count");
+        optionally("masks", "Which levels are masked; these count only if they were adjusted");
     constexpr auto history = in("history", "The history of levels");
     constexpr auto map = optionally("map", "Which levels of the records are masked");
     to.function("weightedLevel", &weightedLevel,
@@ -137,15 +138,19 @@ struct Description<NoiseFunctions> {
                         Quantity{"PNdB", 0}),
                   spectrum, masks)
         .function("toneCorrection", &toneCorrection,
-                  about("The tone correction of a spectrum, from bands 19 to 40"), spectrum, masks)
-        .function("noiseEvent", &noiseEvent,
-                  about("The event in a series of tone-corrected perceived noise levels; raises if "
-                        "no level is given, if the sizes differ, if a level is infinite, or if a "
-                        "duration is 0 or less"),
-                  in("pnlt", "The levels by record; NaN where there is none", Quantity{"TPNdB"}),
-                  in("seconds", "How long a record lasts: one value for all, or one per record",
-                     Quantity{"s", 0}),
-                  optionally("toneCorrections", "The tone corrections by record", kToneDecibels))
+                  about("The tone correction of a spectrum, from bands 19 to 40, up to the first "
+                        "level that does not count"),
+                  spectrum, masks)
+        .function(
+            "noiseEvent", &noiseEvent,
+            about("The event in a series of tone-corrected perceived noise levels; raises if no "
+                  "level is given, if the sizes differ, if a level is infinite, or if a duration "
+                  "is not a finite number above 0"),
+            in("pnlt", "The levels by record; NaN where there is none", Quantity{"TPNdB"}),
+            in("seconds", "How long a record lasts: one value for all, or one per record",
+               Quantity{"s", 0}),
+            optionally("toneCorrections", "The tone corrections by record; NaN where there is none",
+                       kToneDecibels))
         .function("setMetrics", &setMetrics,
                   about("Computes and stores the ten metrics of every record and returns the "
                         "event; nothing if no record has a PNLT. Raises if consecutive records "
@@ -158,8 +163,8 @@ struct Description<NoiseFunctions> {
             history, map,
             in("tolerance", "Levels differ if they are further apart than this", Quantity{"dB", 0}))
         .function("speedOfSound", &speedOfSound,
-                  about("The speed of sound in air (ISO 9613-1); raises at or below -273.15 "
-                        "degrees Celsius",
+                  about("The speed of sound in air (ISO 9613-1); raises unless the temperature is "
+                        "finite and above -273.15 degrees Celsius",
                         Quantity{"m/s", 0}),
                   kAir)
         .function("emissionGeometry", &emissionGeometry,

@@ -20,7 +20,7 @@ struct Description<AQ_Metric> {
   static void members(To& to) {
     using M = AQ_Metric;
     to.property("AWT", &M::AWT, &M::AWT, "A-weighted level", kDecibels)
-        .method("Copy", &M::Copy, "A new metric with the same values, 0 for those not set")
+        .method("Copy", &M::Copy, "A deep copy, in which every metric that was not set is set to 0")
         .property("CWT", &M::CWT, &M::CWT, "C-weighted level", kDecibels)
         .property("DWT", &M::DWT, &M::DWT, "D-weighted level", kDecibels)
         .property("OA", &M::OA, &M::OA, "Overall level", kDecibels)
@@ -57,7 +57,7 @@ struct Description<AQ_MetricSummary> {
         .method("isMetric", &S::isMetric, "Whether a metric is listed",
                 in("aqMetric", "Which metric"))
         .form("MetricTypeString", &S::MetricTypeString, &S::MetricTypeString,
-              "The list as text, for example AWT, PNLT; setting adds the metric with that name");
+              "The list as text, for example AWT, PNLT; setting adds the metric of the given name");
   }
 };
 
@@ -149,8 +149,8 @@ struct Description<AQ_SpectralTimeHistory> {
                 "missing",
                 in("MapMask", "The masking map"))
         .setter("setLGB", &H::setLGB,
-                "Sets the metric LGB of each spectrum from the map's row with the same number; "
-                "raises at a missing record or row, after setting those before it",
+                "Sets the metric LGB of each spectrum from the masks in the map's row with the "
+                "same number; raises at a missing record or row, after setting those before it",
                 in("MapMask", "The masking map"))
         .property("TimeStampType", &H::TimeStampType, &H::TimeStampType,
                   "Which instant of a record its time stamp marks")
@@ -166,16 +166,15 @@ struct Description<AQ_SpectralTimeHistory> {
         .property("ReferenceTime", &H::ReferenceTime, &H::ReferenceTime, "The reference time")
         .method("Copy", &H::Copy,
                 "A deep copy; raises if a record from LoRec to HiRec or a level is missing")
-        .indexed(
-            "Band", &H::Band,
-            static_cast<void (H::*)(std::int16_t, const std::shared_ptr<AQ_Band>&)>(&H::Band),
-            in("nBand", "The band", kBand),
-            "The levels of one band over all records; no object if a record lacks the band. "
-            "Setting stops without an error at the first record that is missing or has no level "
-            "in the given band")
+        .indexed("Band", &H::Band,
+                 static_cast<void (H::*)(std::int16_t, const std::shared_ptr<AQ_Band>&)>(&H::Band),
+                 in("nBand", "The band", kBand),
+                 "The levels of one band over all records; no object if there are no records or "
+                 "one lacks the band. Setting stops without an error at the first record that is "
+                 "missing or for which the given object has no level")
         .method("setRelTimes", &H::setRelTimes,
-                "Stores the reference time, shared, and sets every record's relative time; raises "
-                "like setTimeStamps",
+                "Stores the reference time, shared with the caller, and its type, and sets every "
+                "record's relative time; raises like setTimeStamps",
                 in("ReferenceTime", "The reference time"),
                 in("RefType", "Which event the reference time marks"))
         .property("startTime", &H::startTime, &H::startTime, "The time of the first record")
@@ -185,9 +184,13 @@ struct Description<AQ_SpectralTimeHistory> {
                   "Which event the reference time marks")
         .property("Metrics", &H::Metrics, &H::Metrics, "Which metrics the history carries")
         .property("HiRec", &H::HiRec, &H::HiRec,
-                  "The highest record number ever stored; -1 if there is none", kRecord)
+                  "The highest record number ever stored; -1 if there is none. While it is 0, "
+                  "reading sets it to Count",
+                  kRecord)
         .property("LoRec", &H::LoRec, &H::LoRec,
-                  "The lowest record number ever stored; 9999 if there is none", kRecord)
+                  "The lowest record number ever stored; 9999 if there is none. While it is 0, "
+                  "reading sets it to 1",
+                  kRecord)
         .method("contains", &H::contains, "Whether a record has a spectrum",
                 in("number", "The record", kRecord));
   }
