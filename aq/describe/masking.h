@@ -75,8 +75,8 @@ struct Description<AQ_MaskMap> {
         .property("Count", &M::Count, "The number of rows; raises if there are more than 32767",
                   kCount)
         .method("setLGB", &M::setLGB,
-                "Sets each row's last good band from its masks; creates default masks in bands 28 "
-                "and 29 where a row has none")
+                "Sets each row's last good band from its masks; creates a default mask in each "
+                "band examined, from 28 up, that has none")
         .method("contains", &M::contains, "Whether a record has a row",
                 in("number", "The record", kRecord));
   }

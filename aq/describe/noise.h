@@ -156,21 +156,23 @@ struct Description<NoiseFunctions> {
                         "event; nothing if no record has a PNLT. Raises if consecutive records "
                         "have the same time stamp, or if a level is too high for a metric"),
                   history, map)
-        .function(
-            "auditMetrics", &auditMetrics,
-            about("Every stored metric that differs from the computed one; raises like "
-                  "setMetrics, and for a negative tolerance"),
-            history, map,
-            in("tolerance", "Levels differ if they are further apart than this", Quantity{"dB", 0}))
+        .function("auditMetrics", &auditMetrics,
+                  about("Every stored metric that differs from the computed one; raises like "
+                        "setMetrics, and for a tolerance that is negative or NaN"),
+                  history, map,
+                  in("tolerance",
+                     "Levels and tone corrections differ if they are further apart than this",
+                     Quantity{"dB", 0}))
         .function("speedOfSound", &speedOfSound,
                   about("The speed of sound in air (ISO 9613-1); raises unless the temperature is "
                         "finite and above -273.15 degrees Celsius",
                         Quantity{"m/s", 0}),
                   kAir)
         .function("emissionGeometry", &emissionGeometry,
-                  about("Where and when the sound of each record was emitted, in metres, degrees "
-                        "and seconds; raises like speedOfSound, and for a position earlier than "
-                        "the previous one or a coordinate that is not finite"),
+                  about("Where and when each record's sound was emitted, in metres, degrees and "
+                        "seconds; no point if that was outside the times of the positions. Raises "
+                        "like speedOfSound, and for a position earlier than the previous one or a "
+                        "coordinate that is not finite"),
                   in("positions", "The source's positions, in metres"),
                   in("microphone", "The microphone's position, in metres"),
                   in("records", "The measured records"), kAir);

@@ -129,8 +129,9 @@ struct Description<AQ_SpectralTimeHistory> {
               in("LoRec", "The first record", kRecord), in("HiRec", "The last record", kRecord),
               in("loBand", "The lowest band", kBand), in("hiBand", "The highest band", kBand))
         .method("Resize", &H::Resize,
-                "A new history that shares the spectra of records LoRec to HiRec; no object if the "
-                "range exceeds this history's. Raises if a record in the range is missing",
+                "A new history that shares the spectra of records LoRec to HiRec, but lists no "
+                "metrics; no object if the range exceeds this history's. Raises if a record in the "
+                "range is missing",
                 in("LoRec", "The first record", kRecord), in("HiRec", "The last record", kRecord))
         .form("sAveragingMethod", &H::sAveragingMethod, &H::sAveragingMethod,
               "AverageMethod as a word: LINEAR, TRUSLO, 4S100, 4S95, CONTEXPO or NA; other text "

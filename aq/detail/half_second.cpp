@@ -13,7 +13,7 @@ float offsetOf(double start, AQ_TimeStampType type) {
     case AQ_ICAOSLO: return Variant(start - 0.75).toSingle();
     case AQ_OLDSLO: return Variant(start - 1).toSingle();
   }
-  return 0;  // stamps of an unknown type start at midnight
+  return 0;  // an unknown type puts record 0 at midnight
 }
 
 }  // namespace

@@ -8,14 +8,16 @@
 
 namespace aq {
 
-/// Copies the date and, through its setter, the time of day from `from` to `to`.
+/// Copies the date and the time of day from `from` to `to`; a time of day above 86400 s wraps, and
+/// the date advances.
 AQ_API void copyDateAndTimeOfDay(const AQ_Time& from, AQ_Time& to);
 
-/// Seconds from one time of day to another, at most half a day: a run lasts minutes, so a larger
-/// difference means that midnight lies in between.
+/// Seconds from one time of day to another, at most half a day either way: a run lasts minutes, so
+/// a larger difference means that midnight lies in between.
 [[nodiscard]] AQ_API double secondsFrom(double timeOfDay, double other);
 
-/// Adds seconds, which may be negative, to a time of day; across midnight, the date changes too.
+/// Adds seconds, which may be negative, to a time of day; across midnight, the date changes too if
+/// it is set.
 AQ_API void moveTimeOfDay(AQ_Time& time, double seconds);
 
 /// The time stamps of records that are half a second long.
@@ -28,7 +30,7 @@ class AQ_API HalfSecondStamps {
 
  private:
   double date_;
-  float offset_;  // offset of record 0; hosts rely on its rounding to single precision
+  float offset_;  // time of day of record 0, s; hosts rely on its single precision
 };
 
 }  // namespace aq

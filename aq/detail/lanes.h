@@ -7,7 +7,7 @@ namespace aq {
 
 // If the compiler supports vectors, `Lanes` is a vector of two doubles, one per record; every
 // processor with vectors operates on that size in one instruction. Otherwise it is a single double.
-// Code that works on lanes chooses with `?:`, which evaluates both sides.
+// Code that works on lanes selects values with `?:`; for vectors, that evaluates both sides.
 #if defined(__GNUC__)
 using Lanes = double __attribute__((vector_size(16)));
 #else

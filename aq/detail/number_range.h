@@ -15,8 +15,8 @@ namespace aq {
   return static_cast<std::int16_t>(size);
 }
 
-/// The lowest and highest band or record number ever stored. It only widens; an empty range is 9999
-/// to -1, and 9999 stays the low end when only larger numbers are stored, as hosts expect.
+/// The lowest and highest band or record number ever stored. Storing only widens it; an empty range
+/// is 9999 to -1, and 9999 stays the low end when only larger numbers are stored, as hosts expect.
 struct NumberRange {
   std::int16_t low = AQ_INVALID_LEVEL;
   std::int16_t high = -1;
@@ -33,8 +33,8 @@ struct NumberRange {
     widen(static_cast<std::int16_t>(first + static_cast<int>(count) - 1));
   }
 
-  /// Whether the range spans exactly `count` numbers. If all stored numbers are below -1 or all are
-  /// above 9999, it spans more numbers than were stored.
+  /// Whether the range spans exactly `count` numbers; false for an empty range. If all stored
+  /// numbers are below -1 or all are above 9999, it spans more numbers than were stored.
   [[nodiscard]] bool holds(std::size_t count) const {
     return high - low + 1 == static_cast<int>(count);
   }

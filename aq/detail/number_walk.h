@@ -7,8 +7,8 @@
 
 namespace aq {
 
-/// Visits the numbers of a range for which `Series` has an entry: calls `contains(number)`
-/// and yields `entry(number)`.
+/// Visits the numbers of a range for which a `Series` has an entry: calls its `contains(number)`
+/// and yields its `entry(number)`.
 template <class Series>
 class NumberWalk {
  public:

@@ -26,7 +26,7 @@ class BlockMemory {
   BlockMemory& operator=(const BlockMemory&) = delete;
   ~BlockMemory() { ::operator delete(bytes_, kAlignment); }
 
-  /// Memory for any type; null if too little is left.
+  /// Memory for any type without a special alignment; null if too little is left.
   [[nodiscard]] void* take(std::size_t size) {
     size = (size + alignof(std::max_align_t) - 1) / alignof(std::max_align_t) *
            alignof(std::max_align_t);

@@ -29,7 +29,7 @@ class AQ_API Tombstones {
   /// Records that a slot in use was appended to the list.
   void grow();
 
-  /// The slot with a zero-based index among those in use; the index must be less than their number.
+  /// The slot at a zero-based index among those in use; the index must be less than their number.
   [[nodiscard]] std::size_t slotOf(std::size_t place) const;
 
   /// How many slots in use come before `slot`.
@@ -46,8 +46,8 @@ class AQ_API Tombstones {
 };
 
 /// The values of a list in the order in which they were added. A removed value leaves an unused
-/// slot. The list is compacted when unused slots outnumber the others, so compacting adds only
-/// constant time on average to each removal.
+/// slot, unless it is the last one and no other slot is unused. The list is compacted when unused
+/// slots outnumber the others, so compacting adds only constant time on average to each removal.
 template <class T>
 class TombstoneList {
  public:

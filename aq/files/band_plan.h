@@ -11,14 +11,15 @@ namespace aq {
 class BandPlan {
  public:
   /// For third-octave data: each point is a band, with its centre at 10^(n/10) Hz, at its nominal
-  /// frequency or at its base-2 frequency (IEC 61260-1). Leaves out points after the last band,
-  /// such as overall levels. Fails for any other point, for bands that do not ascend, and if no
-  /// band is from 2 to 50.
+  /// frequency or at its base-2 frequency (IEC 61260-1). Leaves out bands outside 2 to 50, and
+  /// points after the last band, such as overall levels. Fails for any other point that is not a
+  /// band, for bands that do not ascend, and if no band is from 2 to 50.
   static BandPlan ofOctaves(std::span<const double> x);
 
   /// For narrow bands: sums the points from `start` up to, but not including, `end`, which is at
-  /// most the size of `x`; splits a point that a band edge crosses in proportion. Uses only bands
-  /// that the points cover and that are at least three points wide. Fails if there is no such band.
+  /// most the size of `x`; a point that a band edge crosses is divided in proportion. Uses only
+  /// bands that the points cover and that are at least three points wide. Fails if there is no such
+  /// band, or if the frequencies do not ascend.
   static BandPlan ofBins(std::span<const double> x, std::size_t start, std::size_t end);
 
   [[nodiscard]] std::size_t size() const { return parts_.size(); }

@@ -18,9 +18,9 @@ class Recording;
 }
 
 /// Reads the recordings of an analyzer, in the Standard Data Format, as spectral time histories:
-/// one-third-octave data unchanged, narrow-band auto power summed into one-third-octave bands
-/// (docs/formats/analyzer-recording.md). Everything that users of the levels should know becomes a
-/// comment line in the header.
+/// one-third-octave data band by band, narrow-band auto power summed into one-third-octave bands
+/// (docs/formats/analyzer-recording.md). Notes for users of the levels, such as the unit, the
+/// calibration and any overload, become comment lines in the header.
 class AQ_API AQ_DataHP3565 : public FileClass {
  public:
   /// Lists the names, without the folder, of the files in an analyzer's folder: names that begin
@@ -36,7 +36,7 @@ class AQ_API AQ_DataHP3565 : public FileClass {
   AQ_DataMessage DAT_to_ASC(const std::string& sDatFile, const std::string& sAscFile);
 
   /// Reads a recording from a text file. If that file has only values, takes the headers from the
-  /// .HDR file in the same folder. A failure sets neither object.
+  /// .HDR file of the same name in the same folder. A failure sets neither object.
   AQ_DataMessage ParseASC(const std::string& sAscFile, std::shared_ptr<AQ_HeaderSTH>& aqHeader,
                           std::shared_ptr<AQ_SpectralTimeHistory>& STH);
 

@@ -61,7 +61,7 @@ class AQ_API AQ_DataINI : public FileClass {
   [[nodiscard]] std::string FileName() const { return fileName_; }
   void FileName(std::string name) { fileName_ = std::move(name); }
 
-  /// Date and time that the last file read gives.
+  /// The date and time in the last file read that gives them.
   std::shared_ptr<AQ_Time> FileDate() { return orCreate(fileDate_); }
 
   std::shared_ptr<Collection<std::string>> Comments() { return orCreate(comments_); }

@@ -244,7 +244,7 @@ void AQ_DataSPC::RecordLength(const Variant& seconds) {
 }
 
 /// The settings, with each 0 replaced by the first or last record, or the lowest or highest band.
-/// Does not use the history's `LoRec` and `HiRec`: they replace a 0 even where it is a record
+/// Does not use the history's `LoRec` and `HiRec`: they replace a 0 even where 0 is a record
 /// number.
 AQ_DataSPC::Settings AQ_DataSPC::chosen(const AQ_SpectralTimeHistory& history) const {
   Settings chosen = settings_;

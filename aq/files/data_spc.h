@@ -25,6 +25,7 @@ class AQ_API AQ_DataSPC : public FileClass {
   static constexpr std::string_view kBeginning = "SPC                 ";
 
   /// Sets the header to write, shared with the caller; without one, the header fields are empty.
+  /// Reading a file replaces it.
   void setHeader(const std::shared_ptr<AQ_HeaderSTH>& aqHeader) { header_ = aqHeader; }
 
   /// Seconds from one record to the next, initially 0.5. Reading a file sets it. Setting throws
@@ -46,10 +47,10 @@ class AQ_API AQ_DataSPC : public FileClass {
 
   /// Writes the chosen part, replacing the file. Throws, and writes nothing, if there are no
   /// records or one in the chosen part is missing (`InvalidArgument`); if there are no levels and
-  /// the bands are not set, if a level, a time or a word does not fit its columns, if bands are not
-  /// between 2 and 50, or if a header field has a line break or, outside other records and
-  /// comments, a tab (`InvalidValue`); if a level is not a number (`TypeMismatch`); or if a date is
-  /// outside the years 1 to 9999 (`Overflow`).
+  /// the bands are not set, if a level, a time or a word does not fit its columns, if a band is
+  /// outside 2 to 50, if a last record or band is below the first, or if a header field has a line
+  /// break or, outside other records and comments, a tab (`InvalidValue`); if a level is not a
+  /// number (`TypeMismatch`); or if a date is outside the years 1 to 9999 (`Overflow`).
   AQ_DataMessage writeFile(const std::string& sFileName, AQ_SpectralTimeHistory& aqTimeHistory);
 
   /// Reads a file into a new header and a new history. If the header cannot be read, sets nothing;
@@ -76,8 +77,8 @@ class AQ_API AQ_DataSPC : public FileClass {
 };
 
 /// Whether a file can restore the dates of a history's records, which requires that they start with
-/// the date of `startTime` and advance by a day each time the time of day falls back. Ignores
-/// records without a date. Throws `ObjectNotSet` if a spectrum is missing.
+/// the date of `startTime` and advance by a day each time the time of day falls back. A record
+/// without a date counts as restorable. Throws `ObjectNotSet` if a spectrum is missing.
 [[nodiscard]] AQ_API bool keepsDates(AQ_SpectralTimeHistory& history);
 
 }  // namespace aq
