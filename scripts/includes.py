@@ -1,4 +1,6 @@
-"""Checks C++ includes and Python imports: each folder uses only those listed for it, no cycles."""
+"""Checks that each folder of the library includes only from the folders listed for it, and that
+neither C++ includes nor Python imports form a cycle.
+"""
 
 import ast
 import pathlib

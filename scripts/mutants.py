@@ -4,9 +4,9 @@
 
 Each worker has its own copy of the source tree and its own build, in a temporary folder. A change
 that does not compile does not count; a test that hangs or runs out of memory counts as detecting
-the change. Mutations known to have no effect are listed in mutants.txt. PLACE is the start of
-`file:line:`.
-The same seed selects the same changes.
+the change. Changes that mutants.txt lists as having no effect are not tried. PLACE is how
+`file:line:` begins, such as `aq/text/` or `aq/core/time.cpp:30:`. The same seed selects the same
+changes.
 """
 
 import argparse
@@ -59,7 +59,7 @@ STANDARD = [
 
 Mutant = collections.namedtuple("Mutant", "file line begin end text")
 
-# The replacements for pieces of code. Since the source is formatted, binary operators have spaces
+# Operators and their replacements. Since the source is formatted, binary operators have spaces
 # around them, and template brackets do not.
 OPERATORS = {
     "<": ("<=", ">="),
@@ -106,7 +106,7 @@ DECLARATION = re.compile(
 
 
 def visible(source):
-    """The source with blanks in place of comments, strings, directives and the like."""
+    """The source with blanks in place of comments, strings and whatever else is not changed."""
     return HIDDEN.sub(
         lambda part: "'" + "c" * (len(part[0]) - 2) + "'"
         if part["kept"]
@@ -143,7 +143,7 @@ def arguments(code, opening):
 
 
 def swaps(code, source):
-    """Swaps neighbouring arguments of calls."""
+    """The changes that swap neighbouring arguments of a call."""
     for call in re.finditer(r"[\w>]\(", code):
         if re.search(r"\b(?:if|for|while|switch|return|swap)$", code[: call.end() - 1]):
             continue
@@ -159,7 +159,7 @@ def swaps(code, source):
 
 
 def changes(source):
-    """All changes of a file's text: where they begin and end, and the replacement."""
+    """All changes to a file's text: where they begin and end, and the replacement."""
     code = visible(source)
     for found in re.finditer(r" ([-+*/%<>=!&|]{1,2}) ", code):
         for other in OPERATORS.get(found[1], ()):
@@ -179,7 +179,7 @@ def changes(source):
 
 
 def mutants():
-    """All mutants of the library, in source order."""
+    """All mutants of the library but its sources for Windows, in source order."""
     for path in sorted((ROOT / "aq").rglob("*.[ch]*")):
         if path.suffix in (".h", ".cpp") and not path.stem.endswith("_windows"):
             source = path.read_text(encoding="utf-8")
@@ -190,7 +190,7 @@ def mutants():
 
 
 class Hung(Exception):
-    """A program that took too long."""
+    """A command took too long."""
 
 
 class Worker:
@@ -206,8 +206,7 @@ class Worker:
             symlinks=True,
             ignore=shutil.ignore_patterns(".git", "build", "__pycache__"),
         )
-        # Optimised for compile time; a function that may end without returning a value does not
-        # compile.
+        # FLAGS keep compiling quick, and reject a function that may end without returning a value.
         self.run(
             [
                 "cmake",
@@ -232,7 +231,8 @@ class Worker:
         self.run(["cp", "-a", self.build, self.fresh], required=True)
 
     def precompiled(self, folder):
-        """A precompiled header with the standard headers that most sources include."""
+        """Makes a precompiled header of GoogleTest and the standard headers that most sources
+        include; returns its path."""
         header = folder / "standard.h"
         header.write_text("".join(f"#include <{name}>\n" for name in STANDARD), encoding="ascii")
         self.run(
@@ -241,8 +241,9 @@ class Worker:
         return f"{header}.pch"
 
     def run(self, command, seconds=COMPILE_SECONDS, required=False):
-        """Whether a command succeeds. Raises `Hung` if it takes more than `seconds` of processor
-        time, or five times as much in real time."""
+        """Whether a command succeeds. A process that uses more than `seconds` of processor time is
+        killed, and so fails; a command that takes five times as long in real time raises `Hung`.
+        """
 
         def limit():
             resource.setrlimit(resource.RLIMIT_CPU, (seconds, seconds))
@@ -273,7 +274,7 @@ class Worker:
         return self.run(["ninja", "-C", self.build, "-j", "1", *targets], required=required)
 
     def stages(self):
-        """The tests, quickest first: the targets to build for each and the command that runs it."""
+        """The tests, quickest first: the target to build for each and the command that runs it."""
         program = self.build / "tests/aq_tests"
         tests = [program, "--gtest_fail_fast", "--gtest_brief=1"]
         slow = ":".join(self.slow)
@@ -350,7 +351,7 @@ def described(mutant):
 
 
 def equals():
-    """The changes known to have no effect, from `mutants.txt`, if a reason is given."""
+    """The changes in `mutants.txt` whose entry says why they have no effect."""
     text = pathlib.Path(__file__).with_suffix(".txt").read_text(encoding="utf-8")
     return set(re.findall(r"^(\S+)\n  before: (.*)\n  after:  (.*)\n  equal:  .", text, re.M))
 
@@ -397,7 +398,7 @@ def main():
     with tempfile.TemporaryDirectory(prefix="aq-mutants-") as folder, contextlib.suppress(
         KeyboardInterrupt
     ):
-        os.chmod(folder, 0o755)  # tests that drop their privileges write files there
+        os.chmod(folder, 0o755)  # for tests that drop their privileges
         for mutant, survives in tried(taken, options.jobs, pathlib.Path(folder)):
             counts[survives] += 1
             if survives:

@@ -2,7 +2,7 @@
 #   aq_fault_tests     make POSIX system calls fail by redirecting them at link time
 #   aq_thread_tests    the compiler for Windows has no thread sanitizer
 #   consumer.*         instead, scripts/windows builds a host against the package that it makes
-#   tool.*             tool.same runs the same commands with both builds and compares the outcomes
+#   tool.*             instead, tool.same compares the outcomes of the native tool and this one
 #   house.*, reference.*   do not depend on the system
 #   Write.* and Platform.* of write_test.cpp   test owners, permissions, umask, /proc, /dev; the
 #                      tests of write_windows_test.cpp replace them

@@ -1,4 +1,5 @@
-// Changes one place in a clean sample and compares the findings of a check.
+// Most of these tests change one place in a clean sample and compare the findings with those
+// expected.
 #include <aq/check/check_file.h>
 #include <aq/check/same_levels.h>
 #include <aq/files/formats.h>
@@ -54,7 +55,7 @@ const Change kChanges[] = {
     {kHistory, "61.48", "6x.2", {"22:5 unreadable"}},
     {kHistory, "Spectral Time-History", "Landing", {"1:0 unknown-kind"}},
     {kHistory, "FileType**,Spectral Time-History", "record,AWT,CWT", {"1:0 table"}},
-    {kHistory, "Bands**,17, 40", "Bands**,-6, 17", {}},  // a band below 2 has no heading
+    {kHistory, "Bands**,17, 40", "Bands**,-6, 17", {}},  // a band below 2 has no label
     {kHistory, "ProjectName**", "microphoneid**", {"4:1 keyword"}},
     {kHistory, "Fly-over sample", "Fly-over**sample", {"4:0 lost-text"}},
     {kHistory, "MicrophoneID**,", "MicrophoneID**", {"5:0 lost-text"}},
@@ -289,7 +290,8 @@ const char* const kTrack = "fly-over.tspi.csv";
 const char* const kPositions = "fly-over.pth.csv";
 const char* const kGeometry = "fly-over.gth.csv";
 
-/// Fills a folder with the sample, its positions and its geometry.
+/// Fills a folder with the sample's history, microphone and tracking file, and with the positions
+/// and the geometry made from them.
 void makeFlight(const test::Folder& folder) {
   for (const std::string& name : {kHistory, std::string("fly-over.mic.csv"), std::string(kTrack)}) {
     static_cast<void>(folder.with(name, test::contentOf(kSamples / name)));
@@ -399,7 +401,7 @@ TEST(Check, AMapThatDoesNotFitItsHistory) {
   const std::string row = text.substr(text.find("\n60,") + 3);
   for (int record = 61; record <= 32767; ++record) many += std::to_string(record) + row;
   many += "0" + row;
-  EXPECT_EQ(misfits(many), Found{"0:0 unreadable"});  // one row more than the interface can count
+  EXPECT_EQ(misfits(many), Found{"0:0 unreadable"});  // one record more than can be counted
 }
 
 TEST(Check, KindsHaveUniqueNames) {

@@ -56,9 +56,9 @@ TEST(Mend, UndoesWhatIsCertain) {
     EXPECT_EQ(mended.text, commented(done));
     EXPECT_TRUE(mended.left.empty()) << done;
   }
-  // A field that a spreadsheet quoted because of its semicolon; a field that it would have quoted;
-  // a comment that looks like the line with the number of comments; a comment that ends with a
-  // comma; and a file that was cut short, whose end stays as it is.
+  // In turn: a field that a spreadsheet quoted because of its semicolon; an unquoted one that it
+  // would have quoted; a comment that looks like the line with the number of comments; a comment
+  // that ends with a comma; and a file that was cut short, whose end stays as it is.
   const std::pair<std::string, const char*> words[] = {
       {replaced(semicolons, "Sun, sea", "\"Sun; \"\"sea\"\"\""), "ProjectName**,Sun; \"sea\"\n"},
       {replaced(semicolons, "Sun, sea", "Sun; sea"), "ProjectName**,Sun; sea\n"},

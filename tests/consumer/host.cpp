@@ -1,4 +1,5 @@
-// A host program as users write it, which uses each form of the interface once.
+// A host program as users write it. It builds a history, writes and reads a file, catches an
+// exception, and gets the message of a read that failed.
 #include <aq/aq.h>
 
 #include <cstdio>
@@ -25,7 +26,7 @@ int main() {
   try {
     again->spectrum(5)->LowBand();
     return 1;
-  } catch (const aq::Error& error) {  // crosses the library's boundary
+  } catch (const aq::Error& error) {  // thrown by the library, caught by the host
     if (error.code() != aq::ErrorCode::InvalidArgument) return 1;
   }
   const aq::Variant object(start.Copy());

@@ -1,5 +1,5 @@
-# Builds the library as KIND, installs it into a prefix below WORK, and builds and runs the host
-# against that prefix: through the CMake config package, and through pkg-config.
+# Builds the library as KIND, static or shared, installs it into a prefix below WORK, and builds and
+# runs the host against that prefix: once through the CMake config package, once through pkg-config.
 function(run)
   execute_process(COMMAND ${ARGV} WORKING_DIRECTORY ${WORK} COMMAND_ERROR_IS_FATAL ANY)
 endfunction()

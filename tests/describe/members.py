@@ -1,7 +1,7 @@
 """Compares the description in aq/describe with the public headers: `PROGRAM ROOT HEADER...`.
 
 Each public member of a class must be described with the same argument counts, and each member of an
-enumeration with the same value, except the helpers listed here; nothing else may be described.
+enumeration with the same value; nothing else may be described. The helpers listed here are exempt.
 """
 
 import collections
@@ -12,7 +12,8 @@ import sys
 
 from clang import cindex
 
-# Helpers that are not part of the interface. Any other public name must be described.
+# Helpers that are not part of the interface. Every other public member must be described, except
+# constructors, destructors and operators.
 HELPERS = {
     "begin", "end",
     "Collection.Emplace", "Collection.reserve",
@@ -67,7 +68,7 @@ def public_members(cls):
 
 
 def declared(root, headers):
-    """The names that the headers declare: members by `Class.name`, values by `Enum.name`."""
+    """What the headers declare: the public members of each class, and values by `Enum.name`."""
     text = "".join(f"#include <aq/{header}>\n" for header in headers)
     unit = cindex.Index.create().parse(
         "all.cpp", ["-std=c++20", f"-I{root}"], unsaved_files=[("all.cpp", text)]
@@ -90,7 +91,7 @@ def declared(root, headers):
 
 
 def renamed(root):
-    """Members that are described under a name other than their own."""
+    """Faults: members described under a name other than their own, or too few names found."""
     text = "".join(path.read_text() for path in sorted(root.glob("aq/describe/*.h")))
     pairs = re.findall(r'"(\w+)",\s*(?:static_cast<[^;]*?>\()?&?\w+::(\w+)\b', text)
     pairs += re.findall(r'\.member\("(\w+)", (?:\w+::)?(\w+),', text)

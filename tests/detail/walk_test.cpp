@@ -8,7 +8,7 @@ namespace {
 
 using Numbers = std::vector<std::int32_t>;
 
-/// The numbers that a walk visits; `check` is called with each entry.
+/// The numbers that a walk visits; `check` must return true for each number and entry.
 template <class Series, class Check>
 Numbers walked(const Series& series, const Check& check) {
   Numbers numbers;

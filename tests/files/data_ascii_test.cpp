@@ -68,7 +68,7 @@ TEST(DataASCII, DividesLines) {
       {",", true, "\"x, y\",2", {"x, y", "2"}},
       {",", true, "1,\"x,y\",\"p,q\"", {"1", "x,y", "p,q"}},
       {",", true, "1,\"x,y", {"1", "x", "y"}},      // a quote that is never closed
-      {",", true, "a\"b,c\",d", {"ab", "c", "d"}},  // a quote inside a field has no effect
+      {",", true, "a\"b,c\",d", {"ab", "c", "d"}},  // a quote inside a field is only removed
       {",", true, "\"\",\"a\"\"b,\"", {"", "ab,"}},
       {",", true, "a|b", {"a,b"}},
       {",", true, "\"", {""}},

@@ -1,5 +1,5 @@
-// What the comparison with the second reader does not cover in analyzer recordings: folders, text
-// files from other programs, the external converter, settings, and the page on the format.
+// Tests what the comparison with the second reader does not cover in analyzer recordings: folders,
+// text files from other programs, the external converter, settings, and the page on the format.
 #include <aq/aq.h>
 #include <aq/sdf/layout.h>
 #include <gtest/gtest.h>
@@ -53,7 +53,7 @@ TEST(Analyzer, ListsAFolder) {
     static_cast<void>(folder.with(name, "x"));
   }
   fs::create_directory(folder.file("folder.dat"));
-  std::error_code none;  // some systems have no symbolic links
+  std::error_code none;  // set where the system has no symbolic links
   fs::create_symlink(folder.file("A.dat"), folder.file("link.DAT"), none);
   fs::create_symlink(folder.file("gone"), folder.file("dangling.DAT"), none);
   AQ_DataHP3565 file;

@@ -1,4 +1,5 @@
-// Tests what the fixed-column samples do not cover: parts of a history, dates, and rejected calls.
+// Tests what the fixed-column samples do not cover, such as parts of a history, dates, and rejected
+// calls.
 #include <aq/aq.h>
 #include <gtest/gtest.h>
 
@@ -103,7 +104,7 @@ TEST_F(Spc, RecordZeroAndNoRecord) {
   AQ_SpectralTimeHistory some;
   EXPECT_ERROR(AQ_DataSPC().writeFile(folder.file("x.spc"), some), InvalidArgument);
   for (std::int16_t record = 0; record < 3; ++record) some.spectrum(record, history->spectrum(1));
-  some.LoRec();  // replaces a stored 0 with 1
+  some.LoRec();  // changes a lowest number of 0 to 1
   AQ_DataSPC writer;
   ASSERT_EQ(writer.writeFile(folder.file("x.spc"), some), AQ_DATA_OK);
   ASSERT_EQ(file.readFile(folder.file("x.spc"), header, history), AQ_DATA_OK);

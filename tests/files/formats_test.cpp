@@ -1,5 +1,5 @@
-// Tests for every format: a good sample has the listed values and is written back byte for byte,
-// and a bad one fails with the message that its folder lists.
+// Tests for every format: a good sample has the listed values and, if its format can be written, is
+// written back byte for byte; a bad one fails with the message that its folder lists.
 #include "tests/support/formats.h"
 
 #include <aq/aq.h>

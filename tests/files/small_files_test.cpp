@@ -120,7 +120,7 @@ TEST(DataINI, KeywordsComeInAnyCaseAndOrder) {
   EXPECT_EQ(parameters.Comments()->Item(2), "a");
   EXPECT_EQ(parameters.Comments()->Item(3), "LoRec**");
   EXPECT_EQ(parameters.readFile(folder.file("none")), AQ_DATA_FILE_ERROR);
-  EXPECT_EQ(parameters.NuTimg(), AQ_START);  // a failed read changes nothing
+  EXPECT_EQ(parameters.NuTimg(), AQ_START);  // a missing file changes nothing
 }
 
 TEST(FileKind, ByTitleOrByShape) {

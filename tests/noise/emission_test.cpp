@@ -49,7 +49,7 @@ AQ_Position at(double x, double y, double z) {
   return position;
 }
 
-constexpr double kCelsius = 20;  // sound travels 343.2 m/s
+constexpr double kCelsius = 20;  // sound travels at 343.2 m/s
 
 TEST(EmissionGeometry, SpeedOfSound) {
   EXPECT_NEAR(speedOfSound(20), 343.2, 1e-12);
@@ -60,7 +60,8 @@ TEST(EmissionGeometry, SpeedOfSound) {
 }
 
 TEST(EmissionGeometry, SoundArrivesWhenTheRecordIsTaken) {
-  // Flies past the microphone at 100 m/s, 300 m above it; no segment ends at the time of a record.
+  // Flies past the microphone at 100 m/s, 300 m above it; only the last segment ends at the time of
+  // a record.
   const std::vector<Fix> flight{
       {100, -1000, 0, 300}, {103.3, -670, 0, 300}, {104, -600, 0, 300}, {120, 1000, 0, 300}};
   auto records = recordsAt({102.5, 105, 110, 115, 120}, 45000);

@@ -174,7 +174,7 @@ TEST(PerceivedNoise, SumsNoys) {
   EXPECT_NEAR(perceivedNoiseLevel(spectrumOf(17, {200.0})), level(std::pow(10, 0.030103 * 148)),
               1e-9);
   EXPECT_ERROR(perceivedNoiseLevel(spectrumOf(30, {20000.0})), Overflow);
-  AQ_Spectrum shortened;  // no longer has a level in band 40
+  AQ_Spectrum shortened;  // the second call takes away its level in band 40
   shortened.assignLevels(17, std::vector<double>(24, 90));
   shortened.assignLevels(17, std::vector<double>(23, 60));
   EXPECT_EQ(perceivedNoiseLevel(shortened),

@@ -103,13 +103,13 @@ TEST(ToneCorrection, ALevelAfterARiseIsMarkedIfTheNextSlopeIsZero) {
 }
 
 TEST(ToneCorrection, FromDifference) {
-  // A level that is n dB above a flat spectrum is n dB above its background.
+  // A level more than 5 dB above a flat spectrum is just as far above its background.
   const auto toneOf = [](std::size_t at, double height) {
     std::vector<double> levels(22, 60);
     levels[at] += height;
     return toneCorrection(spectrumOf(19, variants(levels)));
   };
-  for (const std::size_t at : {7U, 19U, 8U, 18U}) {  // 400 Hz and 6.3 kHz, 500 and 5000 Hz
+  for (const std::size_t at : {7U, 19U, 8U, 18U}) {  // 400, 6300, 500 and 5000 Hz
     SCOPED_TRACE(at);
     const double twice = at == 8 || at == 18 ? 2 : 1;
     for (const auto& [height, correction] : std::vector<std::pair<double, double>>{
@@ -117,7 +117,7 @@ TEST(ToneCorrection, FromDifference) {
       EXPECT_NEAR(toneOf(at, height).correction, twice * correction, 1e-9) << height;
       EXPECT_EQ(toneOf(at, height).band, 19 + static_cast<int>(at));
     }
-    // A level that is kept contributes to two of the three averaged slopes.
+    // A level that is not marked raises its own background by a third of its height.
     EXPECT_NEAR(toneOf(at, 2.4).correction, twice * (1.6 / 3 - 0.5), 1e-9);
     EXPECT_EQ(toneOf(at, 2).correction, 0);
     EXPECT_EQ(toneOf(at, 2).band, 0);

@@ -1,5 +1,7 @@
-// Makes every system call and allocation fail once, in every format. Each run must end with a clean
-// error or the right result, and leave the old file or the new one, but no temporary or open file.
+// Makes each system call and allocation fail in turn, in every format. Each run must end with a
+// clean error or the right result, and leave the old file or the new one, but no temporary or open
+// file. A process killed at a system call must leave the old content or the new, or the old with
+// part of what it appends.
 #include <aq/aq.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -47,7 +49,7 @@ std::string madeIn(const test::Folder& folder, Target target, const std::string&
 }
 
 /// Runs `work(path)` repeatedly, with the fault one call later each time, until a run has no fault;
-/// returns the number of calls. `expected` is the new content.
+/// returns the number of runs that had one. `expected` is the new content.
 template <class Work>
 long strikeAll(Fault fault, const std::string& expected, const Work& work,
                const std::string& name = "target.csv", Target target = Target::File) {
@@ -74,7 +76,7 @@ long strikeAll(Fault fault, const std::string& expected, const Work& work,
 }
 
 /// Like `strikeAll`, but runs `work` in a child process that is killed at the call. `isWhole` says
-/// whether the content that is left is allowed.
+/// whether the content that is left is allowed; temporary files may be left too.
 template <class Work, class IsWhole>
 long killAll(const Work& work, const IsWhole& isWhole, const std::string& name = "target.csv") {
   for (long nth = 1;; ++nth) {
@@ -157,7 +159,7 @@ TEST(Faults, BytesReachTheDiskBeforeTheName) {
     test::disarm();
     return test::callsMade();
   };
-  // Keeps only the calls whose order is guaranteed.
+  // Keeps only the calls whose order is guaranteed, and repeated ones once.
   const auto orderOf = [&](auto&& work) {
     std::istringstream calls(callsOf(work));
     std::string order;

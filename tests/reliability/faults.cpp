@@ -32,7 +32,7 @@ bool strikesNext() {
   return true;
 }
 
-/// Whether the fault hits this system call.
+/// Notes a system call; returns whether the fault hits it.
 bool strikes(std::string_view call, bool interruptible = true) {
   if (!armed) return false;
   const std::size_t used = std::strlen(calls.data());
@@ -42,7 +42,7 @@ bool strikes(std::string_view call, bool interruptible = true) {
   return (interruptible || kind != Fault::Interruption) && strikesNext();
 }
 
-/// The result of a refused system call: -1 and errno.
+/// Sets errno and returns -1, as a system call that fails does.
 int refusal(int error) {
   errno = kind == Fault::Interruption ? EINTR : error;
   return -1;
@@ -97,7 +97,7 @@ void operator delete[](void* memory, std::size_t) noexcept { aq::test::release(m
   extern "C" Result __real_##call parameters; \
   extern "C" Result __wrap_##call parameters
 
-// A call that fails with `error` when hit.
+// A call that fails when hit: with `error`, or with EINTR if it is interrupted.
 #define AQ_WRAP(Result, call, error, interruptible, parameters, arguments) \
   AQ_WRAPPED(Result, call, parameters) {                                   \
     const bool strikes = aq::test::strikes(#call, interruptible);          \
@@ -115,7 +115,7 @@ AQ_WRAP(int, fchown, EPERM, false, (int handle, uid_t owner, gid_t group), (hand
 AQ_WRAP(ssize_t, readlink, EIO, false, (const char* path, char* text, size_t size),
         (path, text, size))
 AQ_WRAP(int, rename, EIO, false, (const char* from, const char* to), (from, to))
-// These calls follow a failure, so they do not fail themselves, but a process may end at them.
+// These calls only follow a failure, and a run has one fault, so it never hits them.
 AQ_WRAP(int, ftruncate, EIO, true, (int handle, off_t size), (handle, size))
 AQ_WRAP(int, unlink, EIO, false, (const char* path), (path))
 

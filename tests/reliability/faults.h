@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string>
 
-// Makes one system call or allocation of the library, linked into this program, fail.
+// Makes one system call or allocation of the library fail, or kills the process at a system call.
 namespace aq::test {
 
 enum class Fault {
@@ -12,16 +12,18 @@ enum class Fault {
   Kill,          // the process ends at the call; does not apply to allocations
 };
 
-/// Makes the n-th call from now fail.
+/// Applies the fault to the n-th call from now; -1 for no fault. Allocations count for a refusal
+/// only.
 void arm(Fault fault, long nth);
 
 /// Cancels `arm`; returns whether the fault happened.
 bool disarm();
 
-/// The largest number of bytes allocated at any one time since `arm`.
+/// The largest number of bytes allocated at any one time between `arm` and `disarm`.
 std::size_t peakOfMemory();
 
-/// The names of the system calls since `arm`, each followed by a blank.
+/// The names of the system calls between `arm` and `disarm`, each followed by a blank; those that
+/// do not fit into 1024 bytes are left out.
 std::string callsMade();
 
 }  // namespace aq::test

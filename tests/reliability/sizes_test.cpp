@@ -27,8 +27,8 @@ std::size_t memoryOf(const Work& work) {
 /// Memory for the reader's block and for objects, whatever the size of the file.
 constexpr std::size_t kBlock = std::size_t{160} << 10;
 
-/// Reads `content` as `format`. Expects the read to take at most four times the size of `content`
-/// in memory, not counting the block, and any failure to have a line number.
+/// Reads `content` as `format`. Expects the read to take less memory than four times the size of
+/// `content` plus `kBlock`, and any failure to have a line number.
 void readModestly(const test::FormatCalls& format, const std::string& content) {
   const test::Folder folder;
   const std::string path = folder.with("a", content);
@@ -113,7 +113,7 @@ TEST(Sizes, TheShortestRecords) {
     std::string content = test::contentOf(sample);
     const std::string row = shortest.at(name);
     content.resize(content.rfind('\n', content.size() - 2) + 1);
-    for (int record = kRecords; record > 0; --record) {  // descending numbers need a table
+    for (int record = kRecords; record > 0; --record) {  // descending numbers need a lookup table
       content += (row[0] == ',' ? std::to_string(record) : "") + row;
     }
     expectMemory(name, content);

@@ -1,5 +1,5 @@
-// Eight threads that read and write different files, while another replaces the file information
-// service.
+// Eight threads read the samples, write files of their own and append to a common one, while
+// another thread replaces the file information service.
 #include <aq/aq.h>
 #include <aq/check/check_file.h>
 #include <gtest/gtest.h>
@@ -12,7 +12,8 @@
 namespace aq {
 namespace {
 
-/// Rewrites samples of every format repeatedly; returns the number of failures.
+/// Reads the samples of every format repeatedly; rewrites and checks those that can be written, and
+/// appends a line to the common file for each. Returns the number of failures.
 int rewriteAll(const test::Folder& folder, int worker) {
   int wrong = 0;
   for (int round = 0; round < 5; ++round) {

@@ -1,5 +1,5 @@
-// Replacing or appending keeps a file's permissions and links, and its content if the system
-// refuses.
+// Replacing or appending keeps a file's permissions and symbolic links to it, and its content if
+// the system refuses.
 #include <aq/aq.h>
 #include <aq/core/platform.h>
 #include <fcntl.h>
@@ -140,7 +140,7 @@ TEST(Write, NonRegularFilesAreWrittenDirectly) {
   EXPECT_TRUE(writes("/proc/self/fd/" + std::to_string(pipe[1])));
   std::array<char, 8> room{};
   EXPECT_EQ(::read(pipe[0], room.data(), room.size()), 4);
-  ASSERT_EQ(::fcntl(pipe[1], F_SETFL, O_NONBLOCK), 0);  // as some readers leave the pipe
+  ASSERT_EQ(::fcntl(pipe[1], F_SETFL, O_NONBLOCK), 0);  // as another program may have set it
   const std::string large(300'000, 'x');
   std::jthread reader([&] {
     std::size_t left = large.size() + 1;
@@ -169,7 +169,7 @@ TEST(Write, NonRegularFilesAreWrittenDirectly) {
   EXPECT_EQ(test::contentOf(folder.file("a")), "1\n2\n");
 }
 
-/// Which owner and permissions remain if the writer is not the owner.
+/// The owner and permissions of a file that another user has written.
 TEST(Write, ForeignFilesKeepTheirOwnerWhereTheSystemAllows) {
   if (::geteuid() != 0) GTEST_SKIP() << "needs permission to give files away";
   constexpr uid_t kNobody = 65534;
@@ -189,7 +189,7 @@ TEST(Write, ForeignFilesKeepTheirOwnerWhereTheSystemAllows) {
   EXPECT_EQ(status.st_mode & 07777U, 06700U);
   ASSERT_EQ(::stat(roots.c_str(), &status), 0);
   EXPECT_EQ(status.st_uid, kNobody);
-  // The new group does not get the permissions of the old one.
+  // The set-ID bits are cleared, and the new group does not get the permissions of the old one.
   EXPECT_EQ(status.st_mode & 07777U, 0707U);
 }
 
@@ -212,7 +212,7 @@ TEST(Write, RefusedWhereAPlainOpenOrTheFolderRefuses) {
   }));
   EXPECT_EQ(test::contentOf(readOnly), "old");
   EXPECT_EQ(test::contentOf(enclosed), "oldnew\n");
-  fs::permissions(folder.file("closed"), kAll);  // so that its owner can remove it
+  fs::permissions(folder.file("closed"), kAll);  // so that its file can be removed
 }
 
 TEST(Write, AFullDiskLeavesTheOldContent) {

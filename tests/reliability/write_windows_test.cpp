@@ -1,4 +1,5 @@
-// Tests what is kept when a file is replaced or appended to on Windows, and what is refused.
+// Tests writing on Windows: names, attributes, read-only and open files, and two appends at once.
+// Also tests running programs and the time of a file's last change.
 #include <aq/aq.h>
 #include <aq/core/platform.h>
 #include <gtest/gtest.h>

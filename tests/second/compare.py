@@ -3,8 +3,8 @@
     compare.py PROGRAM FOLDER [COUNT] [--seed N] [--against OTHER]
 
 PROGRAM may be a command with arguments. OTHER is a build of print_file for another system, which is
-then used instead of reader.py. Files that the two read differently are kept in FOLDER. The same
-seed makes the same files.
+then used instead of reader.py. Files with different results are kept in FOLDER. The same seed makes
+the same files.
 """
 
 import argparse
@@ -54,7 +54,7 @@ def opinion(variant, content):
 
 
 def near(ours, theirs):
-    """Whether two lines are equal except for the last digits of computed levels."""
+    """Whether two lines are equal, apart from numbers that differ by less than 1e-9."""
     pairs = [(a, b) for a, b in zip(ours.split(), theirs.split()) if a != b]
     try:
         return len(ours.split()) == len(theirs.split()) and all(

@@ -3,7 +3,8 @@
 
     compare_metrics.py PROGRAM [COUNT] [--seed N]
 
-Values must agree to 1e-9 dB and 1e-9 s. Prints what differs, with the seed that reproduces it."""
+Values must agree to 1e-9 dB, 1e-9 s, 1e-6 m and 1e-4 degrees. Prints the first ten
+differences, each with its case as SEED-INDEX."""
 
 import argparse
 import concurrent.futures
@@ -82,7 +83,7 @@ def history_text(records, masks):
 
 
 def metrics_opinion(records, masks):
-    """The values that the program must print, each with its tolerance."""
+    """The values that print_metrics must print, each with its tolerance."""
     rows, event = metrics.metrics(records, masks)
     lines = []
     for record, row in zip(records, rows):
@@ -128,7 +129,7 @@ def flight_text(fixes, microphone, celsius, times):
 def flight_opinion(fixes, microphone, celsius, times):
     lines = []
     if all(place == fixes[0][1] for _, place in fixes):
-        return None  # the source does not move
+        return None  # the source does not move: nothing to compare
     for number, received in enumerate(times, start=1):
         point = metrics.emission(fixes, microphone, received, celsius)
         if point:

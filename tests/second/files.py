@@ -1,4 +1,4 @@
-"""Random files of every format: good, odd and damaged ones."""
+"""Random comma-separated files of every kind and delimited text: good, odd and damaged ones."""
 
 import decimal
 import pathlib
@@ -22,7 +22,7 @@ SAMPLES = {
     for name, folder in FOLDERS.items()
 }
 SAMPLES["ASCII"] = [text for texts in SAMPLES.values() for text in texts]
-BLOCK = 1 << 16  # bytes after which a reader of blocks may split a line ending
+BLOCK = 1 << 16  # bytes that the library reads at once; a line ending may be split there
 DELIMITERS = [",", ",", ",", ";", "\t", " ", "|", ", ", '"', ""]
 
 NUMBERS = [
@@ -222,7 +222,7 @@ SCRIBBLES = [
 
 
 def odd(rng, cell=""):
-    """An invalid or borderline value of the cell's kind, or a value of another kind, as text."""
+    """An invalid or borderline value of the cell's kind, a value of another, or random text."""
     kind = "/" in cell and DATES or ":" in cell and TIMES or re.search("[0-9]", cell) and NUMBERS
     if rng.random() < 0.4:
         return "".join(rng.choices(rng.choice(SCRIBBLES), k=rng.randint(1, 9)))

@@ -122,7 +122,7 @@ def noys(band, level):
 
 
 def perceived(levels):
-    """The PNL, or None if no band counts."""
+    """The PNL, or None if no band from 17 to 40 counts."""
     values = [noys(band, level) for band, level in levels.items() if 17 <= band <= 40]
     if not values:
         return None
@@ -177,7 +177,7 @@ def tone(levels):
 
 def last_good_band(masks):
     """9999 if bands 28 and 29 are masked, otherwise the band below the first masked one from 29
-    up."""
+    up; 0 if none is masked there."""
 
     def masked(band):
         return masks.get(band, (0, 0))[0] != 0
@@ -188,7 +188,8 @@ def last_good_band(masks):
 
 
 def steps(seconds):
-    """The time from each stamp to the next."""
+    """The time from each stamp to the next; the last record lasts as long as the one before it,
+    and a single one 0.5 s."""
     if len(seconds) == 1:
         return [0.5]
     each = [(b - a) % DAY for a, b in zip(seconds, seconds[1:])]
@@ -198,7 +199,8 @@ def steps(seconds):
 
 
 def event(pnlt, seconds, corrections=None):
-    """The event in a list of PNLT values, which are None for records without a PNLT."""
+    """The event in a list of PNLT values, which are None for records without a PNLT; None if all
+    are."""
     low = -math.inf
     value = [low if p is None else p for p in pnlt]
     top = max(value)
@@ -299,8 +301,8 @@ def dot(a, b):
 
 
 def emission(fixes, microphone, received, celsius):
-    """When the sound that arrives at `received` was emitted, and its geometry; None outside the
-    times of `fixes`, an ascending list of (seconds of the day, (x, y, z)).
+    """When the sound that arrives at `received` was emitted, and its geometry; None if that
+    was outside the times of `fixes`, an ascending list of (seconds of the day, (x, y, z)).
     """
     c = 343.2 * math.sqrt((celsius + 273.15) / 293.15)
     times = [fixes[0][0]]

@@ -1,8 +1,9 @@
 // Computes noise metrics and emission geometry from its input and prints every value, to compare
 // with metrics.py. The input consists of words separated by blanks, either `history RECORDS MAPPED`
 // and for each record `NUMBER SECONDS LEVELS (BAND LEVEL)... MASKS (BAND MODE ADJUSTMENT)...`, or
-// `flight FIXES (SECONDS X Y Z)... MICROPHONE (X Y Z) CELSIUS RECORDS SECONDS...`. Each answer ends
-// with the line `end`.
+// `flight FIXES (SECONDS X Y Z)... X Y Z CELSIUS RECORDS SECONDS...`, where the second X Y Z is the
+// microphone's. RECORDS, LEVELS, MASKS and FIXES are counts; MAPPED is 1 if there is a map, else 0.
+// Each answer ends with the line `end`.
 
 #include <aq/aq.h>
 

@@ -1,4 +1,5 @@
-"""A second reader of every file format, plain and slow, written from docs/formats alone.
+"""A second reader of comma-separated files and delimited text, plain and slow, written from
+docs/formats alone.
 
 `opinion(format, content)` returns the lines that print_file prints for such a file. The content is
 a string with one character per byte."""
@@ -120,7 +121,7 @@ INI = {
     "FileName": ["text"],
     "FileDateTime": ["date", "clock"],
 }
-INI_BEFORE = {  # values that print_file sets before reading, which resets two of them
+INI_BEFORE = {  # as print_file sets them, except for two that a read resets to 99
     "caladj": [1],
     "nuavg": [99],
     "prwndo": [2],
@@ -134,14 +135,14 @@ INI_BEFORE = {  # values that print_file sets before reading, which resets two o
 AVERAGING = {"LINEAR": 0, "TRUSLO": 1, "4S100": 2, "4S95": 3, "CONTEXPO": 4, "NA": 99}
 STAMPS = {"START": 0, "MIDPT": 1, "END": 2, "ICAOSLO": 3, "OLDSLO": 4}
 MODES, ADJUSTMENTS = "-MAF", "-SFTACR"
-COUNTED = 32767  # the most data lines that a format with numbered lines can have
+COUNTED = 32767  # the most data lines in PTH and GTH, and the most lines in TSPI
 
 
 class Failure(Exception):
     """The line and field where a file cannot be read; field 0 is the whole line."""
 
 
-# Conversions of text to values. Text that is not a valid value raises ValueError.
+# Conversions of text to values. Text that is not a valid value raises ValueError or AttributeError.
 
 NUMBER = re.compile(r"[+-]?([0-9]+\.?[0-9]*|\.[0-9]+)([eE][+-]?[0-9]+)?")
 

@@ -7,7 +7,7 @@ import datetime
 import math
 import struct
 
-# Each record's type and its fields: first byte, counted from 1, and how it is stored.
+# Each record's type and its fields: name, first byte counted from 1, and format for `struct`.
 LAYOUTS = {
     "file": (
         10,
@@ -136,7 +136,8 @@ class Recording:
         return records
 
     def newer(self, record, key, since):
-        """The field `key` or, before revision `since`, the old field that it replaced."""
+        """The field `key`; before revision `since`, or if the record is too short for it, the old
+        field that it replaced."""
         value = record[key] if self.revision >= since else None
         value = record[key + "_old"] if value is None else value
         require(value is not None, key)
@@ -234,7 +235,7 @@ class Recording:
 
 def bands_of(xs):
     """The bands of the points up to the last one in a band; fails if an earlier point is in no
-    band."""
+    band, if the bands do not rise, or if none is from 2 to 50."""
     found = []
     for x in xs:
         require(math.isfinite(x), "x")
@@ -313,7 +314,8 @@ def octave_levels(xs, ys):
 
 
 def synthesised(xs, ys, start, stop):
-    """The sum over the bins of each covered band; a bin on an edge is split by width."""
+    """Half the sum over the bins of each band that is covered by three or more; a bin on an edge
+    is split by width."""
     require(all(a < b for a, b in zip(xs, xs[1:])), "rising x")
     xs, ys = xs[start : stop + 1], ys[start : stop + 1]
     require(len(xs) > 1, "bins")
