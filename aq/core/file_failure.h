@@ -13,7 +13,7 @@ struct AQ_API FileFailure {
   std::size_t line = 0;   ///< from 1; 0 for the whole file
   std::size_t field = 0;  ///< from 1; 0 for the whole line
   std::string expected;   ///< as in `a level`
-  std::string found;      ///< as in `"6x.2"`: text of the file in quotes, escaped and cut
+  std::string found;      ///< as in `"6x.2"`: text from the file in quotes, escaped and cut
 
   /// In one line: `landing.csv, line 24, field 7: expected a level, found "6x.2"`, or `cannot open
   /// landing.csv: No such file or directory` for an error of the operating system.

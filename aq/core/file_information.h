@@ -20,8 +20,8 @@ class AQ_API FileInformation {
   /// The name under which a file is recorded. The default drops the folder.
   virtual std::string recordedName(const std::string& path) = 0;
 
-  /// When a file was last changed, as `mm/dd/yyyy,hh:mm:ss`. The default gives local time; if the
-  /// name is empty or the file does not exist, the current date and time.
+  /// When a file was last changed, as `mm/dd/yyyy,hh:mm:ss`. The default gives local time; if that
+  /// is unknown, for example because the file does not exist, the current date and time.
   virtual std::string fileDateTime(const std::string& path) = 0;
 
   /// The current date and time, as `mm/dd/yyyy,hh:mm:ss`.
@@ -36,7 +36,7 @@ class AQ_API FileInformation {
 /// The service in use. Safe to call from any thread.
 [[nodiscard]] AQ_API std::shared_ptr<FileInformation> fileInformation();
 
-/// `CurrentDate` 0 at midnight, as text; in a header it means an unknown date.
+/// Day 0 (1899-12-30) at midnight, as text; in a header it means an unknown date.
 inline constexpr std::string_view kNoDateTime = "12/30/1899,00:00:00";
 
 /// A service like the one in use, except that it keeps the dates that a header has for source

@@ -95,8 +95,8 @@ class OutputFile {
   }
 
   /// Gives the file the owner and permissions of another one. If the system does not allow setting
-  /// the owner, the writer stays the owner, and permissions that would then belong to a different
-  /// owner or group are dropped.
+  /// the owner, the writer stays the owner and the set-ID bits are dropped; so are the permissions
+  /// of the group if it cannot be set either.
   void takeAfter(const struct stat& other) const {
     constexpr auto kKeptOwner = static_cast<uid_t>(-1);
     const struct stat own = status();
@@ -113,7 +113,7 @@ class OutputFile {
     if (::fchmod(handle_, permissions) != 0) failBy(kWrite, errno);
   }
 
-  /// Locks out other writers on this system until the file is closed, if possible.
+  /// Locks out other writers that use this library until the file is closed, if possible.
   void lock() const {
     static_cast<void>(uninterrupted([&] { return ::flock(handle_, LOCK_EX); }));
   }
@@ -123,7 +123,7 @@ class OutputFile {
   }
 
  private:
-  /// Waits until a non-blocking pipe accepts more.
+  /// Waits until a non-blocking handle, such as that of a pipe, accepts more.
   void waitForRoom() const {
     pollfd space{.fd = handle_, .events = POLLOUT, .revents = 0};
     static_cast<void>(uninterrupted([&] { return ::poll(&space, 1, -1); }));
@@ -140,7 +140,7 @@ bool isNumber(std::string_view text) {
 }
 
 /// Whether `path` names an open file of this process or, below /proc, of any process. Other names
-/// below /proc lead to ordinary files.
+/// below /proc, such as those in /proc/self/cwd, may lead to ordinary files.
 bool namesOpenFile(const std::string& path) {
   constexpr std::string_view kProcesses = "/proc/";
   constexpr std::string_view kFiles = "/fd/";
@@ -182,8 +182,8 @@ std::optional<std::string> linkAt(const std::string& path) {
   return text;
 }
 
-/// The directory entry of the file that `path` names. Follows links up to the name of an open file,
-/// such as the one that /dev/stdout leads to.
+/// `path`, or the path to which it leads if it is a symbolic link. Stops at the name of an open
+/// file, such as the one that /dev/stdout leads to.
 std::string entryOf(std::string path) {
   constexpr int kMostLinks = 40;
   for (int links = 0; links <= kMostLinks; ++links) {
@@ -194,7 +194,7 @@ std::string entryOf(std::string path) {
   failBy(kWrite, ELOOP);
 }
 
-/// A new file next to the one that it replaces; removed with the object unless it was renamed.
+/// A new file next to the one that it replaces; the destructor removes it unless it was renamed.
 class Temporary {
  public:
   Temporary(const std::string& folder, mode_t mode, const char* wanted) {
@@ -224,8 +224,8 @@ class Temporary {
   bool renamed_ = false;
 };
 
-/// Makes a renamed file survive a power failure, if the file system supports that. Never fails: the
-/// file already has its new content.
+/// Makes a new or renamed file survive a power failure, if the file system supports that. Ignores
+/// errors: the file already has its new content.
 void flushFolder(const std::string& folder) {
   const int handle = openHandle(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY);
   if (handle < 0) return;
@@ -245,7 +245,7 @@ bool sameFile(const std::optional<struct stat>& one, const struct stat& other) {
   return one && one->st_dev == other.st_dev && one->st_ino == other.st_ino;
 }
 
-/// Appends to a file, or leaves it unchanged.
+/// Appends to a file; after a failure, a regular file has its previous length again.
 void appendTo(const OutputFile& file, const std::string& path, const struct stat& before,
               std::string_view bytes) {
   try {
@@ -285,7 +285,7 @@ class Folder {
 constexpr const char* kRun = "a program that can be run";
 constexpr const char* kSucceeds = "a program that exits with status 0";
 
-/// The ends of a new pipe; the destructor closes those that are open.
+/// The ends of a new pipe; the destructor closes those that are still open.
 class Pipe {
  public:
   Pipe() {
@@ -309,7 +309,8 @@ class Pipe {
   std::array<int, 2> ends_{};
 };
 
-/// The streams of a started process: an empty input, `output`, and errors that are discarded.
+/// The standard streams of a process to be started: input is empty, output goes to `output`, errors
+/// are discarded.
 class Openings {
  public:
   explicit Openings(int output) {
@@ -337,7 +338,7 @@ class Openings {
   posix_spawn_file_actions_t actions_{};
 };
 
-/// A process; the destructor kills it unless `status` was called.
+/// A started process; the destructor kills it unless `status` was called.
 class Process {
  public:
   Process(const std::string& program, const std::vector<std::string>& arguments, int output) {

@@ -12,13 +12,14 @@
 
 #include "aq/core/export.h"
 
-// Everything that differs between operating systems: files, their names and dates, local time.
+// Everything that differs between operating systems: files, their names and dates, large memory
+// pages, running programs, local time.
 namespace aq::platform {
 
 /// The line ending that this system writes in text files.
 extern AQ_API const std::string_view lineEnd;
 
-/// An operating system error; `what()` gives the reason, in English in every locale.
+/// An operating system error; `what()` gives the reason, in English if the system has it.
 class AQ_API SystemError : public std::runtime_error {
  public:
   SystemError(const char* wanted, const std::string& reason)
@@ -31,7 +32,7 @@ class AQ_API SystemError : public std::runtime_error {
   const char* wanted_;
 };
 
-/// A file open for reading. Opening and reading throw `SystemError`.
+/// A file open for reading. Opening and reading throw `SystemError` on failure.
 class AQ_API InputFile {
  public:
   explicit InputFile(const std::string& path);
@@ -54,10 +55,11 @@ class AQ_API InputFile {
 /// Replaces the content of a file with `bytes`, completely or not at all: writes a temporary file
 /// in the same folder, flushes it to the disk and renames it. Keeps permissions. Follows symbolic
 /// links, which remain; other hard links keep the old content. A file that is not regular, such as
-/// a pipe, is written directly. Throws `SystemError` on failure; a regular file is then unchanged.
+/// a pipe, or that is named as an open one, such as /dev/stdout, is written directly. Throws
+/// `SystemError` on failure; a file that is not written directly is then unchanged.
 AQ_API void replaceFile(const std::string& path, std::string_view bytes);
 
-/// Appends `bytes` to a file, which is created if needed. After a failure, truncates the file to
+/// Appends `bytes` to a file, which is created if needed. On failure, truncates a regular file to
 /// its previous length and throws `SystemError`.
 AQ_API void appendToFile(const std::string& path, std::string_view bytes);
 
@@ -65,21 +67,21 @@ AQ_API void appendToFile(const std::string& path, std::string_view bytes);
 inline constexpr std::size_t kLargePage = std::size_t{2} * 1024 * 1024;
 
 /// Asks for large pages for memory that has not been touched yet: the system provides them in a
-/// tenth of the time that small pages take. `memory` and `size` are multiples of a large page. Does
-/// nothing if the system has no large pages.
+/// tenth of the time that small pages take. `memory` and `size` are multiples of a large page. Has
+/// no effect where they are not available.
 AQ_API void preferLargePages(void* memory, std::size_t size);
 
 /// The names of the files in a folder, including links to files but no folders, in no particular
-/// order. Throws `SystemError`.
+/// order. Throws `SystemError` on failure.
 [[nodiscard]] AQ_API std::vector<std::string> filesIn(const std::string& folder);
 
 /// Runs a program without a shell and without input, and returns its standard output. Throws
-/// `SystemError` if the program cannot be started or exits with a status other than 0.
+/// `SystemError` if the program cannot be started or does not exit with status 0.
 [[nodiscard]] AQ_API std::string outputOf(const std::string& program,
                                           const std::vector<std::string>& arguments);
 
-/// When a file was last changed, in seconds since 1970; nothing if it does not exist. Not a
-/// `std::time_t`, since that overflows in 2038 on some systems.
+/// When a file was last changed, in seconds since 1970; nothing if unknown. Not a `std::time_t`,
+/// since that overflows in 2038 on some systems.
 [[nodiscard]] AQ_API std::optional<std::int64_t> lastChanged(const std::string& path);
 
 /// Whether `path` leads to a regular file; false if unknown.

@@ -37,7 +37,7 @@ struct Reason {
   const char* text;
 };
 
-// Worded as on other systems, so that messages are the same everywhere.
+// Errors that other systems have too are worded as they are there.
 constexpr std::array kReasons{
     Reason{ERROR_FILE_NOT_FOUND, "No such file or directory"},
     Reason{ERROR_PATH_NOT_FOUND, "No such file or directory"},
@@ -97,12 +97,12 @@ std::wstring wide(const std::string& text, const char* wanted) {
   return characters;
 }
 
-/// Whether `path` is in the system's own form, \\?\ or \\.\, which the system does not interpret.
+/// Whether `path` begins with \\?\ or \\.\, the system's own form, which is passed on unchanged.
 bool isRaw(std::wstring_view path) {
   return path.starts_with(L"\\\\?\\") || path.starts_with(L"\\\\.\\");
 }
 
-/// Whether a file name without its extensions names a device, in any folder.
+/// Whether a file name, its extensions aside, names a device, whatever the folder.
 bool isDevice(std::wstring_view name) {
   std::wstring base(name.substr(0, name.find(L'.')));
   while (base.ends_with(L' ')) base.pop_back();
@@ -116,7 +116,8 @@ bool isDevice(std::wstring_view name) {
          kNumbers.find(base.back()) != kNumbers.npos;
 }
 
-/// Rejects names that the system would silently map to another file or a device.
+/// Rejects names that are too long or that the system would silently map to another file or a
+/// device.
 void checkNames(std::wstring_view path, const char* wanted) {
   constexpr std::size_t kMostOfName = 255;
   constexpr std::wstring_view kSeparators = L"/\\";
@@ -194,8 +195,8 @@ bool isThere(const std::wstring& path) {
 
 bool isFolder(const std::wstring& path) { return has(path, FILE_ATTRIBUTE_DIRECTORY); }
 
-/// Throws `SystemError` for a `path` that cannot be opened, with a clearer reason than the system's
-/// if one is known.
+/// Throws `SystemError` for a `path` that could not be opened; the reason is that it is a folder,
+/// or else `error`.
 [[noreturn]] void failToOpen(const std::wstring& path, const char* wanted, DWORD error) {
   if (isFolder(path)) throw SystemError(wanted == kOpen ? kRead : wanted, "Is a directory");
   failBy(wanted, error);
@@ -222,8 +223,8 @@ Handle open(const std::wstring& path, const Opening& how, const char* wanted) {
   return handle;
 }
 
-/// A duplicate of the standard stream's handle if `path` names the stream as other systems do, such
-/// as /dev/stdout; otherwise null.
+/// A duplicate of the handle of a standard stream if `path` names one as other systems do, for
+/// example /dev/stdout; otherwise null.
 Handle standardStream(const std::string& path) {
   DWORD stream = 0;
   if (path == "/dev/stdin") stream = STD_INPUT_HANDLE;
@@ -258,7 +259,7 @@ void flush(const Handle& file) {
 
 bool onDisk(const Handle& file) { return ::GetFileType(file.get()) == FILE_TYPE_DISK; }
 
-/// The file or folder that `path` leads to, opened only for queries.
+/// The file or folder that `path` leads to, opened only to query its attributes.
 Handle seen(const std::string& path) {
   return open(pathOf(path, kOpen),
               {.access = FILE_READ_ATTRIBUTES, .flags = FILE_FLAG_BACKUP_SEMANTICS}, kOpen);
@@ -270,7 +271,7 @@ BY_HANDLE_FILE_INFORMATION informationOf(const Handle& file) {
   return information;
 }
 
-/// The access rights of a file; empty if its file system has none.
+/// The access rights of a file; not `known` if it has none or they cannot be read.
 class Access {
  public:
   explicit Access(const Handle& file) {
@@ -313,8 +314,8 @@ struct Old {
   DWORD attributes;
 };
 
-/// A new file next to the one that it replaces; removed with the object unless it was renamed. No
-/// other process can open it meanwhile.
+/// A new file next to the one that it replaces; the destructor removes it unless it was renamed. No
+/// other process can open it while it is being written.
 class Temporary {
  public:
   Temporary(const std::wstring& folder, const Old* old, const char* wanted) {
@@ -417,7 +418,7 @@ LONGLONG seek(const Handle& file, LONGLONG place, DWORD from) {
   return at.QuadPart;
 }
 
-/// Appends to a file, or leaves it unchanged.
+/// Appends to a file; after a failure, the file has its previous length again.
 void appendTo(const Handle& file, std::string_view bytes) {
   const Lock lock(file);
   const LONGLONG before = seek(file, 0, FILE_END);
@@ -431,8 +432,8 @@ void appendTo(const Handle& file, std::string_view bytes) {
   }
 }
 
-/// Appends an argument, quoted as programs expect; without quotes if it needs none,
-/// since old programs do not remove quotes.
+/// Appends an argument, quoted as programs expect; without quotes if it needs none, since some
+/// programs do not remove them.
 void appendArgument(std::wstring& line, std::wstring_view argument) {
   if (!line.empty()) line += L' ';
   if (!argument.empty() && argument.find_first_of(L" \t\"") == argument.npos) {
@@ -503,7 +504,7 @@ Handle start(const std::wstring& program, std::wstring line, HANDLE output) {
   return Handle(started.hProcess);
 }
 
-/// Whether a program is a batch file, whose shell could run parts of a file's name as commands.
+/// Whether a program is a batch file: its interpreter could run parts of an argument as commands.
 bool isBatch(std::wstring_view program) {
   std::wstring ending(program.substr(std::min(program.rfind(L'.'), program.size())));
   std::transform(ending.begin(), ending.end(), ending.begin(),

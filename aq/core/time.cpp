@@ -25,7 +25,7 @@ bool containsLetters(std::string_view text, std::string_view capitals) {
          text.end();
 }
 
-/// Whole days in seconds, as a 32-bit integer.
+/// `days`, rounded to whole days, in seconds. Throws `Overflow` if they do not fit in 32 bits.
 std::int32_t secondsOf(double days) {
   const double seconds = std::round(days) * kSecondsPerDay;
   if (std::abs(seconds) > std::numeric_limits<std::int32_t>::max()) {

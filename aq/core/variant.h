@@ -23,8 +23,8 @@ concept Number = std::integral<I> && !std::same_as<I, bool> && !std::same_as<I, 
                  !std::same_as<I, wchar_t> && !std::same_as<I, char8_t> &&
                  !std::same_as<I, char16_t> && !std::same_as<I, char32_t>;
 
-/// A value of any type that a level, a count or a relative time may have. It keeps the type that it
-/// was given. An empty variant is neither a number nor text; converting it throws.
+/// A number, a boolean, text, a date or an object. It keeps the type that it was given, except as
+/// the constructors say. An empty variant is neither a number nor text; converting it throws.
 class AQ_API Variant {
  public:
   enum class Type { Empty, Int16, Int32, Single, Double, Boolean, String, Date, Object };
@@ -62,9 +62,9 @@ class AQ_API Variant {
   [[nodiscard]] Type type() const { return static_cast<Type>(value_.index()); }
   [[nodiscard]] bool isEmpty() const { return type() == Type::Empty; }
 
-  // The value converted to another type. Text must be a number in its entirety; a fraction is
-  // rounded to the nearest integer, halves to the even one; true is 1. Throws `TypeMismatch` for a
-  // value that does not convert and `Overflow` outside the type's range.
+  // The value converted to another type. Text must be a number and nothing else; for an integer, a
+  // fraction is rounded to the nearest one, halves to the even one; true is 1. Throws
+  // `TypeMismatch` for a value that does not convert and `Overflow` outside the type's range.
   [[nodiscard]] double toDouble() const;
   [[nodiscard]] float toSingle() const;
   [[nodiscard]] std::int16_t toInt16() const;
