@@ -1,6 +1,6 @@
 // Writes the reference page of the object model. With `members`, writes what a test compares with
 // the headers and checks for units and meanings: each class with its number, each member with the
-// numbers of arguments it takes, and every unit and description.
+// numbers of arguments it takes, each enumerator with its value, and every unit and description.
 
 #include <aq/describe/check.h>
 #include <aq/describe/files.h>
@@ -23,7 +23,7 @@ namespace {
 
 namespace describe = aq::describe;
 
-/// Calls `visit(heading, classes)` for each folder of the library.
+/// Calls `visit(heading, classes)` for each section of the page that lists classes.
 template <class Visit>
 void forRooms(const Visit& visit) {
   visit("Time, collections and failures", describe::kCoreClasses);
@@ -59,7 +59,7 @@ metres unless a file or program used another unit: nothing is converted. The [gl
 explains the terms.
 )";
 
-/// One class as a table.
+/// Prints the members of a class as a table.
 template <class C>
 class Table {
  public:
@@ -192,7 +192,7 @@ void showPage() {
   forEnumerations([]<class E>() { showEnumeration<E>(); });
 }
 
-/// The numbers of arguments with which a C++ member can be called.
+/// The numbers of arguments with which a C++ member can be called; "field" for a data member.
 struct Counts {
   template <class Get, class Set>
   std::string operator()(const describe::Property<Get, Set>& /*property*/) const {

@@ -28,8 +28,9 @@ struct DiffChoice {
 /// How two files differ in one column, or in one band.
 struct Column {
   std::size_t count = 0;
-  double largest = -1;      // the largest difference; 0 if the cells are not numbers
-  std::int32_t record = 0;  // the record with the largest difference, or the first that differs
+  double largest =
+      -1;  // the largest difference; 0 for cells that are not numbers, -1 if none differ
+  std::int32_t record = 0;  // the record with the largest difference, the first one if several
   Json a = {};
   Json b = {};
   std::size_t numbers = 0;  // how many numbers were compared, including equal ones
@@ -56,15 +57,16 @@ struct Difference {
   std::vector<std::int32_t> onlyInB = {};
   std::vector<std::pair<std::string, Column>> columns = {};
   std::map<std::int32_t, Column> bands = {};
-  double mean = 0;  // mean absolute difference of the levels, or of all numbers without levels
+  double mean =
+      0;  // mean absolute difference of the bands, or of all columns if there are no bands
 
   [[nodiscard]] bool empty() const {
     return header.empty() && onlyInA.empty() && onlyInB.empty() && columns.empty() && bands.empty();
   }
 };
 
-/// Whether a header field is compared. A file's own name and date are not, and the dates of its
-/// source files only on request.
+/// Whether a header field is compared. A file's own name and date never are; the dates of its
+/// source files are only on request.
 bool isCompared(const std::string& key, bool dates) {
   if (key == "file_name" || key == "file_date") return false;
   return dates || !key.ends_with("_date");
@@ -222,7 +224,7 @@ Difference differenceOf(const std::string& fileA, const std::string& fileB,
   const Measurement a = openFile(fileA);
   const Measurement b = openFile(fileB);
   if (a.data.index() != b.data.index()) {
-    throw Failure(fmt::format("{} is a {} file, but {} is a {} file", aq::escaped(fileA),
+    throw Failure(fmt::format("{} ({}) cannot be compared with {} ({})", aq::escaped(fileA),
                               kindText(a.kind), aq::escaped(fileB), kindText(b.kind)));
   }
   Difference difference;
@@ -242,7 +244,7 @@ void diffFiles(Session& session, const DiffChoice& choice) {
   if (difference.empty()) session.tell("no difference");
 }
 
-/// The files of a folder by their relative paths.
+/// The measurement files below a folder, by relative path.
 std::map<std::string, std::string> filesBelow(Session& session, const std::string& folder) {
   session.files = {folder};
   std::map<std::string, std::string> files;

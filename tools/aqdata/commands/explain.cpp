@@ -79,7 +79,8 @@ std::string stepNumber(const std::optional<double>& value) {
   return fmt::format("{:.2f}", std::abs(*value) < kHalfHundredth ? 0 : *value);  // no -0.00
 }
 
-/// Why a step marks a slope or a level; `next` is the step of the band above, if there is one.
+/// Why a step marks a slope or a level; empty if it marks neither. `before` and `next` are the
+/// steps of the bands below and above, null if there is none.
 std::string reason(const aq::ToneStep& step, const aq::ToneStep* before, const aq::ToneStep* next) {
   std::string text;
   if (step.slopeMarked) {
@@ -134,7 +135,7 @@ std::vector<int> bandsWithout(const Explained& explained) {
   return bands;
 }
 
-/// The explanation of a record's correction in words.
+/// Explains the correction in a few sentences.
 std::string sentenceOf(const Explained& explained, const aq::ToneCorrection& tone) {
   const std::string record =
       explained.record ? fmt::format("Record {}", *explained.record) : "The spectrum";
@@ -142,7 +143,7 @@ std::string sentenceOf(const Explained& explained, const aq::ToneCorrection& ton
   if (tone.band == 0) {
     text = fmt::format("{} has no tone correction", record);
     text += tone.rows.size() < 3 ? ", which needs three bands from 80 Hz up."
-                                 : ": no level is 1.5 dB or more above the background.";
+                                 : ": no level is more than 1.5 dB above the background.";
   } else {
     const aq::ToneStep& step = tone.rows[static_cast<std::size_t>(tone.band - 19)];
     text = fmt::format(

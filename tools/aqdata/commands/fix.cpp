@@ -24,7 +24,7 @@ struct FixChoice {
   bool noOriginal = false;
 };
 
-/// The outcome for a file.
+/// What was done with a file, and what is still wrong with it.
 struct FixOutcome {
   aq::Mended mended = {};
   std::string output = {};    // empty when nothing was written
@@ -63,7 +63,8 @@ void writeBytes(const std::string& path, std::string_view bytes) {
   }
 }
 
-/// Keeps a copy next to the file, with the file's date.
+/// Writes the original next to the file, with the file's date, and returns its name. Throws
+/// `Failure` if an original is already there.
 std::string keepOriginal(const std::string& path, std::string_view bytes) {
   std::string original = path + ".orig";
   std::error_code error;
@@ -76,7 +77,8 @@ std::string keepOriginal(const std::string& path, std::string_view bytes) {
   return original;
 }
 
-/// Replaces the file with the mended text, and keeps the original next to it.
+/// Replaces the file with the mended text and, without --no-orig, keeps the original next to it.
+/// The text of a packed file goes into a new file without the ending ".gz".
 void writeInPlace(const Session& session, const std::string& path, std::string_view bytes,
                   const FixChoice& choice, FixOutcome& outcome) {
   const std::string place = unpackedName(path);
@@ -95,7 +97,7 @@ void writeInPlace(const Session& session, const std::string& path, std::string_v
   outcome.output = place;
 }
 
-/// Collects the findings that a mended file still has.
+/// Collects the errors that a file still has, and counts its warnings.
 void seeTheRest(const std::string& path, FixOutcome& outcome) {
   aq::checkFile(path, [&](const aq::Finding& finding) {
     if (finding.kind.severity == aq::Severity::Warning) ++outcome.warnings;

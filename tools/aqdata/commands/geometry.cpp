@@ -21,8 +21,8 @@ struct GeometryChoice {
   std::string records;
 };
 
-/// The points, numbered from 1 as the file format requires. Throws `Failure` if a record in the
-/// range has no point.
+/// The points of the records in the range, numbered from 1 as the file format requires. Throws
+/// `Failure` if a record has no point, or if a point has no angles.
 aq::AQ_GeometryTimeHistory numberedPoints(const aq::AQ_SpectralTimeHistory& history,
                                           const aq::AQ_GeometryTimeHistory& points,
                                           const Range& range, const std::string& file) {

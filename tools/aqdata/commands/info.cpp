@@ -219,7 +219,7 @@ std::vector<std::string> valueLines(const Json& value, std::size_t width) {
   return lines;
 }
 
-/// Prints one key per line; leaves out empty values.
+/// Prints each key and its value, starting on a new line; leaves out empty values.
 void printValues(Session& session, const Json& values) {
   constexpr std::size_t kKeys = 25;
   constexpr std::size_t kNarrowest = 20;

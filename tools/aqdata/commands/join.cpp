@@ -21,7 +21,7 @@ struct JoinChoice {
   bool geometries = false;
 };
 
-/// Throws `Failure` unless the headers agree, as they do for pieces of one run.
+/// Throws `Failure` unless both headers have the same project, microphone and adjustment.
 void expectSameHeader(const History& one, const History& other, const std::string& file) {
   const auto expectWord = [&](const char* what, const std::string& a, const std::string& b) {
     if (a == b) return;
@@ -41,7 +41,7 @@ std::string pieceText(const std::string& file, std::int32_t low, std::int32_t hi
              : fmt::format("{} (records {} to {}, previously from {})", name, low, high, was);
 }
 
-/// A run's geometry, with a point for every record.
+/// The points of a run's records, one for each. Throws `aq::Error` if a record has none.
 std::shared_ptr<aq::AQ_GeometryTimeHistory> wholeGeometry(const Run& run) {
   aq::AQ_SpectralTimeHistory& history = *run.history.model;
   return aq::geometryOf(*run.geometry->model, history, {history.LoRec(), history.HiRec()});
@@ -130,10 +130,10 @@ void addJoin(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<JoinChoice>();
   CLI::App* const command =
       addCommand(program, session, "join", "Join the pieces of one run",
-                 "Pieces are joined in the order of their time stamps, which do not change. They\n"
-                 "must agree in bands, averaging, reference, project, microphone and adjustment;\n"
-                 "use stamp to change the reference of a piece. Record numbers continue from the\n"
-                 "first piece.\n\n"
+                 "The pieces must be in time order; their time stamps do not change. They must\n"
+                 "agree in bands, averaging, stamp type, reference, project, microphone and\n"
+                 "adjustment; use stamp to change the reference of a piece. Record numbers\n"
+                 "continue from the first piece.\n\n"
                  "Examples:\n"
                  "  aqdata cut fly-over.sth.csv --records :20 -o a.sth.csv\n"
                  "  aqdata cut fly-over.sth.csv --records 24: -o b.sth.csv\n"

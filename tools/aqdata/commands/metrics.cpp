@@ -129,7 +129,7 @@ void addMetricLines(const Json& document, CsvLines& lines) {
   }
 }
 
-/// Receives the outcomes of all files, one after the other.
+/// Receives the metrics of the files, one after the other, and prints or writes them.
 class MetricsReport {
  public:
   MetricsReport(Session& session, bool oneFile) : session_(session), oneFile_(oneFile) {
@@ -177,7 +177,7 @@ class MetricsReport {
 
   Session& session_;
   bool oneFile_;
-  std::string event_;  // the event of a single file, whose table has only records
+  std::string event_;  // for the closing message: the event of a single file, which the table lacks
   CsvLines lines_;
   Table table_{{{"file"},
                 {"records", true, true},

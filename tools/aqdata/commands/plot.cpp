@@ -19,7 +19,7 @@ void plot(Session& session) {
   }
   std::vector<std::string> words{"plot", outputPlace(session)};
   for (const std::string& file : files) {
-    static_cast<void>(openFile(file));  // reports a file that cannot be read
+    static_cast<void>(openFile(file));  // throws for a file that cannot be read
     words.push_back(file);
   }
   runPackage("an image", words);

@@ -21,7 +21,7 @@ namespace {
 using report::RunChoice;
 using report::RunData;
 
-/// A run whose history could not be read; the page lists it with the reason.
+/// A run that could not be read; the page lists it with the reason.
 RunData failedRun(const std::string& file, const std::string& why) {
   const std::string name = pathOf(file).filename().string();
   RunData run;

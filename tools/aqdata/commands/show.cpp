@@ -42,7 +42,7 @@ std::string bandText(Session& session, const Json& cell, bool masked) {
   return masked ? session.faint(text + '*') : text;
 }
 
-/// Prints the levels, one column per band.
+/// Prints the rows, with one column per band after the others.
 void printBands(Session& session, const Sheet& sheet) {
   std::vector<Table::Column> columns;
   for (const std::string& name : sheet.columns) columns.push_back({name, true});
@@ -166,7 +166,7 @@ void addShow(CLI::App& program, Session& session) {
       program, session, "show", "Show the records of a file, as a table or a drawing",
       "--plot draws the spectrum of one record, the level of one band over time, or the\n"
       "overall level over time. Masked levels have a star in tables and are drawn as\n"
-      "dots or light bars; the overall level leaves them out.\n\n"
+      "dots or light bars; a drawing of the overall level leaves them out.\n\n"
       "Examples:\n"
       "  aqdata show fly-over.sth.csv --records 28:32 --bands 20:30 \\\n"
       "    --mask fly-over.mask.csv\n"

@@ -50,7 +50,8 @@ aq::AQ_RefTimeType referenceOf(const History& read, const StampChoice& choice) {
                   aq::escaped(choice.file), aq::shown(read.words.reference())));
 }
 
-/// Throws `Failure` for an unknown averaging method; stamping replaces the file's other words.
+/// Throws `Failure` for an unknown averaging method. Other unknown words do not matter: stamping
+/// replaces them.
 void expectKnownAveraging(History read, const std::string& file) {
   std::erase_if(read.others, [](const auto& other) { return other.what != "averaging method"; });
   expectKnownWords(read, file);

@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-// The report page's style and scripts, which the build embeds in the program. Digests are SHA-256,
-// in hexadecimal.
+// The report page's style and scripts, which the build embeds in `aqdata`. Digests are SHA-256, in
+// hexadecimal.
 namespace aqdata::report::assets {
 
 extern const std::string_view style;

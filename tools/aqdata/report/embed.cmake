@@ -1,4 +1,4 @@
-# Embeds the page's style and scripts in the program:
+# Embeds the page's style and scripts in aqdata:
 #   cmake -DSOURCE=<this folder> -DOUT=<a C++ source> -DMODULES=<a;b;...> -P embed.cmake
 # The modules become one script, in this order. Every `import` line and `export` keyword is removed:
 # a single-file page cannot load modules, and only editors and tests use these lines.
@@ -6,7 +6,8 @@
 set(text "// Made by embed.cmake.\n#include \"tools/aqdata/report/assets.h\"\n\n")
 string(APPEND text "namespace aqdata::report::assets {\n")
 
-# Writes the content as an array of bytes, since compilers limit string lengths, and its digest.
+# Adds the content and its digest to the source. The content becomes an array of bytes, since
+# compilers limit the length of strings.
 function(embed name content)
   string(HEX "${content}" hex)
   string(REGEX REPLACE "(..)" "0x\\1," bytes "${hex}")

@@ -9,17 +9,18 @@
 
 #include "tools/aqdata/session.h"
 
-// The content of the models in the form that the page reads. Lengths are in the unit of the file.
+// Levels, masks, positions and geometries in the form that the report page reads. Lengths are in
+// the unit of the file.
 namespace aqdata::report {
 
 inline constexpr double kNoValue = std::numeric_limits<double>::quiet_NaN();
 
-// The steps to which the numbers in a page are rounded.
-inline constexpr double kHundredth = 0.01;  // of a decibel or a degree
+// The steps in which numbers are packed (see `packed`).
+inline constexpr double kHundredth = 0.01;  // of a decibel, a degree or a second
 inline constexpr double kTimeStep = 1e-4;   // in seconds
 inline constexpr double kLengthStep = 1e-3;
 
-/// Appends the levels of bands `low` to `high`; no value for 9999 or a band without a level.
+/// Appends the levels of bands `low` to `high`; `kNoValue` for 9999 or a band without a level.
 void appendLevels(const aq::AQ_Spectrum& spectrum, std::int16_t low, std::int16_t high,
                   std::vector<double>& levels);
 
@@ -27,7 +28,8 @@ void appendLevels(const aq::AQ_Spectrum& spectrum, std::int16_t low, std::int16_
 void appendMasks(const aq::AQ_MaskRow* row, std::int16_t low, std::int16_t high,
                  std::string& masks);
 
-/// Appends the background levels, without tones, of bands 19 to 40.
+/// Appends the levels that bands 19 to 40 would have without tones; `kNoValue` where the tone
+/// correction gives none.
 void appendBackground(const aq::ToneCorrection& tone, std::vector<double>& levels);
 
 [[nodiscard]] Json positionsJson(const aq::AQ_PositionTimeHistory& positions);

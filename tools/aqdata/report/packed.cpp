@@ -29,7 +29,8 @@ bool areSteps(std::span<const double> numbers, double step, double most, bool ex
   });
 }
 
-/// The difference between consecutive numbers, in steps, if it is constant.
+/// The difference between consecutive numbers, in steps; empty if it is not constant, or for fewer
+/// than three numbers.
 std::optional<double> differenceOf(std::span<const double> numbers, double step) {
   if (numbers.size() < 3) return std::nullopt;
   const auto difference = [&](std::size_t i) {

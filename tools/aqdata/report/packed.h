@@ -7,8 +7,8 @@
 
 #include "tools/aqdata/session.h"
 
-// Series of numbers in the form that the report page reads: little-endian integers or single
-// precision, in base64.
+// Series of numbers in the form that the report page reads. Binary data is little-endian, in
+// base64.
 namespace aqdata::report {
 
 [[nodiscard]] std::string base64(std::string_view bytes);
@@ -19,7 +19,7 @@ namespace aqdata::report {
 /// no value.
 [[nodiscard]] Json packed(std::span<const double> numbers, double step, bool exact = false);
 
-/// Numbers from 0 to 3, four per byte, the first one in the lowest bits.
+/// Packs numbers from 0 to 3, four per byte, the first one in the lowest bits.
 [[nodiscard]] Json packedQuarters(std::string_view numbers);
 
 /// Packs `value(element)` of each element.

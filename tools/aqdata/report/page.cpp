@@ -11,7 +11,7 @@
 namespace aqdata::report {
 namespace {
 
-/// Escapes text for use between tags and in quoted attributes.
+/// Escapes text for use between tags and in double-quoted attributes.
 std::string htmlText(std::string_view text) {
   std::string safe;
   for (const char c : text) {

@@ -56,7 +56,7 @@ class RunReader {
 
  private:
   /// The file that the user named, otherwise the first one next to the history with one of these
-  /// endings; empty if there is none.
+  /// endings; empty if there is none, or if `alone` excludes it.
   [[nodiscard]] std::string source(const std::string& named,
                                    std::initializer_list<std::string_view> endings) const {
     if (!named.empty() || choice_.alone) return named;

@@ -10,7 +10,7 @@
 namespace aqdata::report {
 
 /// The companion files that the user chose for a history. An empty name means the file next to the
-/// history, unless `alone`.
+/// history, unless `alone` is set.
 struct RunChoice {
   std::string map;
   std::string ambient;
@@ -29,12 +29,12 @@ struct RunData {
   Json summary = {};                         ///< its line in the table of all runs
   Json document = {};                        ///< the data of its section
   aq::Checked checked = {};                  ///< a digest of the history's levels
-  std::vector<std::string> complaints = {};  ///< about files that the page leaves out
-  std::string failure = {};                  ///< why the history could not be read
+  std::vector<std::string> complaints = {};  ///< about files, metrics or geometry left out
+  std::string failure = {};                  ///< why the run could not be read
 };
 
-/// Reads a history and its companion files, and computes what the page shows. Throws `Failure` for
-/// a file that the user named and that cannot be used.
+/// Reads a history and its companion files, and computes what the page shows. Throws `Failure` if
+/// the history, or another file that the user named, cannot be used.
 [[nodiscard]] RunData runData(const std::string& history, const RunChoice& choice);
 
 /// Adds a finding that appears only when runs are compared.
