@@ -316,7 +316,7 @@ ROWS = [  # command, status, what the output contains, what the messages contain
     (f"diff --tolerance 0.01 {STH} near.sth.csv", 0, "no difference", ""),
     (f"diff --tolerance -1 {STH} {STH}", 2, "", "expected 0 or more, found -1"),
     (f"diff {STH} gap.sth.csv", 1, "records only in the first file: 30", ""),
-    (f"diff {STH} {MAP}", 2, "", "is a spectral time history file"),
+    (f"diff {STH} {MAP}", 2, "", "(spectral time history) cannot be compared"),
     (f"cat {STH}", 0, "\nReferenceTimeType**,OVERHEAD\n", ""),
     ("cat --json fly-over.tspi.csv", 0, '"Rate: 5 a second"', ""),
     (

@@ -28,8 +28,7 @@ struct DiffChoice {
 /// How two files differ in one column, or in one band.
 struct Column {
   std::size_t count = 0;
-  double largest =
-      -1;  // the largest difference; 0 for cells that are not numbers, -1 if none differ
+  double largest = -1;      // the largest difference; -1 if none differ, 0 for other than numbers
   std::int32_t record = 0;  // the record with the largest difference, the first one if several
   Json a = {};
   Json b = {};
@@ -57,8 +56,7 @@ struct Difference {
   std::vector<std::int32_t> onlyInB = {};
   std::vector<std::pair<std::string, Column>> columns = {};
   std::map<std::int32_t, Column> bands = {};
-  double mean =
-      0;  // mean absolute difference of the bands, or of all columns if there are no bands
+  double mean = 0;  // mean absolute difference of the bands; without bands, of the columns
 
   [[nodiscard]] bool empty() const {
     return header.empty() && onlyInA.empty() && onlyInB.empty() && columns.empty() && bands.empty();

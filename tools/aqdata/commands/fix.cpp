@@ -214,10 +214,10 @@ void addFix(CLI::App& program, Session& session) {
       program, session, "fix", "Undo what other programs did to the text of files",
       "Undoes only what is certain: gzip, UTF-16, byte order marks, carriage returns as\n"
       "line endings, semicolons, tabs, quotes and padding added by spreadsheets, blank\n"
-      "lines, and decimal commas. A comment in the file says what was changed; anything\n"
-      "uncertain is only reported. Without --write, prints what would change and exits\n"
-      "with status 1 if anything would. If OUT is a folder, it receives all files,\n"
-      "including those that need no change.\n\n"
+      "lines, and decimal commas. If the format has comments, one says what was\n"
+      "changed. Anything uncertain is only reported. Without --write, prints what would\n"
+      "change and exits with status 1 if anything would. If OUT is a folder, it\n"
+      "receives all files, including those that need no change.\n\n"
       "Examples:\n"
       "  aqdata fix .\n"
       "  aqdata fix fly-over.sth.csv --write -o mended.sth.csv\n",
