@@ -405,7 +405,7 @@ void info(Session& session, const InfoChoice& choice) {
 void addInfo(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<InfoChoice>();
   CLI::App* const command =
-      addCommand(program, session, "info", "Summarize a file, or list several files in a table",
+      addCommand(program, session, "info", "Summarise a file, or list several files in a table",
                  "Examples:\n"
                  "  aqdata info fly-over.sth.csv\n"
                  "  aqdata info --json .\n"
