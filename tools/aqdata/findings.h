@@ -23,7 +23,7 @@ struct FileFindings {
   std::vector<aq::Finding> whole = {};  // findings about the file as a whole
   std::vector<aq::Finding> kept = {};   // the others, in line order
 
-  /// Counts a finding, and keeps it if fewer than `limit` of its kind are kept so far.
+  /// Counts a finding, and keeps it if it is one of the first `limit` of its kind.
   void take(const aq::Finding& finding, std::size_t limit);
 
   /// The kept findings; those about the whole file come first.

@@ -10,7 +10,8 @@
 namespace aqdata {
 namespace {
 
-/// The order of the keys on a card; the members themselves are in the order of the interface.
+/// The order in which `info` shows the keys of a header; the members themselves are in the order of
+/// the interface.
 constexpr std::array<std::string_view, 20> kCardOrder{"file_name",
                                                       "file_date",
                                                       "project",
@@ -32,7 +33,7 @@ constexpr std::array<std::string_view, 20> kCardOrder{"file_name",
                                                       "other_records",
                                                       "comments"};
 
-// The values of members that have a key.
+// A member's value as JSON, for each type that a member with a key has.
 
 Json jsonOf(const std::string& text) { return text; }
 Json jsonOf(std::int16_t number) { return number; }
@@ -52,7 +53,7 @@ Json jsonOf(const std::shared_ptr<aq::Collection<std::string>>& lines) {
 Json jsonOf(aq::AQ_AverageMethod method) { return aq::wordOf(method); }
 Json jsonOf(aq::AQ_TimeStampType type) { return aq::wordOf(type); }
 
-/// The values of the members that have a key.
+/// The values of the members that have a key, by key.
 template <class Object>
 Json keyed(Object& object) {
   Json values = Json::object();
@@ -71,7 +72,8 @@ Json keyed(Object& object) {
   return values;
 }
 
-/// Puts keys in the order of a card, unless they already begin with the card's first key.
+/// Puts the keys in the order of `kCardOrder` and drops all others. Values that already begin with
+/// the first of these keys stay as they are.
 Json inCardOrder(const Json& values) {
   if (values.empty() || values.begin().key() == kCardOrder.front()) return values;
   Json ordered = Json::object();

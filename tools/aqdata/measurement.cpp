@@ -34,8 +34,8 @@ struct Reading {
   std::uint8_t rt20Limit = 1;
 };
 
-/// The record length in seconds: the one that the file gives or, in a recording, the time from the
-/// first record to the second.
+/// The record length in seconds: the one that a file in columns gives or, in a recording, the time
+/// from the first record to the second. No value for other files.
 template <class File>
 std::optional<double> recordLengthOf(const File& file, const aq::AQ_SpectralTimeHistory& history) {
   if constexpr (std::is_same_v<File, aq::AQ_DataSPC>) return file.RecordLength();

@@ -38,7 +38,7 @@ using Microphone = Held<aq::FormatOf<aq::AQ_Microphone>::Header, aq::AQ_Micropho
 using Geometry = Held<aq::AQ_HeaderGTH, aq::AQ_GeometryTimeHistory>;
 using Parameters = Held<void, aq::AQ_DataINI>;
 
-/// A variant of these types, without duplicates.
+/// Builds a variant: `+` adds the type that holds a format's content, unless it is already there.
 template <class... Types>
 struct OneOf {
   using Variant = std::variant<Types...>;
@@ -63,7 +63,7 @@ struct Measurement {
   Data data;
 };
 
-/// The kind of file in one word, such as "history".
+/// The kind of file in one word, such as "history"; empty for an unknown kind.
 [[nodiscard]] std::string_view kindWord(aq::FileKind kind);
 
 /// Reads a file of any kind; `watch` receives its header lines. Drops tracking fixes with an RT20
@@ -74,7 +74,7 @@ struct Measurement {
 /// Throws `Failure` for a pipe or a device: files are read more than once.
 void expectFile(const std::string& path);
 
-// Read a file of one kind. Throw `Failure`, also for a file of another kind.
+// Read a file with one type of content. Throw `Failure`, also for a file with other content.
 [[nodiscard]] History openHistory(const std::string& path, const aq::HeaderObserver& watch = {});
 [[nodiscard]] MaskingMap openMap(const std::string& path, const aq::HeaderObserver& watch = {});
 /// Reads a map, which must fit the history that was read from `historyPath`.

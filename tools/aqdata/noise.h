@@ -51,7 +51,9 @@ inline constexpr MetricName kMetricNames[] = {
 /// A CSV field, in quotes if necessary.
 [[nodiscard]] std::string csvField(const std::string& text);
 
-/// The files that the user's arguments name; for a folder, the histories in it.
+/// The files that the user named and, of those that folders and patterns select, the
+/// comma-separated histories. Throws `Failure` if there are none, unless a failure was
+/// already reported.
 [[nodiscard]] std::vector<std::string> chosenHistories(Session& session);
 
 }  // namespace aqdata

@@ -13,8 +13,9 @@
 namespace aqdata {
 
 /// Runs `work(i)` for every i below `count` in `jobs` threads, and passes each result to `take(i,
-/// result)` in this thread, in order. The threads run at most 16 * `jobs` items ahead of `take`,
-/// which limits the number of waiting results.
+/// result)` in the calling thread, in order. The threads run at most 16 * `jobs` items ahead of
+/// `take`, which limits the number of waiting results. An exception from `work` or `take` stops the
+/// threads and reaches the caller.
 template <class Work, class Take>
 void inOrder(std::size_t count, int jobs, const Work& work, const Take& take) {
   using Result = decltype(work(std::size_t{0}));

@@ -18,10 +18,12 @@ namespace aqdata {
 /// Draws a spectrum, one bar per band.
 void plotSpectrum(Session& session, const Sheet& sheet, const Sheet::Row& row);
 
-/// Draws the level of one band over time, or the overall level.
+/// Draws a level over time: that of the sheet's band if it has only one, otherwise the overall
+/// level.
 void plotHistory(Session& session, const Sheet& sheet);
 
-/// Draws all levels: one line per band, one column per record, in the colours of the terminal.
+/// Draws all levels as colours or shades, one line per band and one column per record. If the
+/// terminal is too narrow, several records share a column.
 void plotSpectrogram(Session& session, const Sheet& sheet);
 
 }  // namespace aqdata

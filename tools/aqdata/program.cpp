@@ -38,7 +38,8 @@ std::string unknown(const char* what, const std::string& found,
                      meant.empty() ? "" : fmt::format("; did you mean {}?", meant));
 }
 
-/// How many words at the start form an option that commands share, including its value.
+/// How many words at the start form an option that commands share, including its value; 0 if none
+/// do.
 std::size_t sharedOption(const std::vector<std::string>& words) {
   static const std::set<std::string> kFlags{"--json", "-q", "--quiet"};
   static const std::set<std::string> kWithValue{"--color", "-j", "--jobs"};
@@ -49,8 +50,8 @@ std::size_t sharedOption(const std::vector<std::string>& words) {
   return name == words.front() ? std::min<std::size_t>(2, words.size()) : 1;
 }
 
-/// Rearranges a command line as the parser expects it: moves options after the command, and turns
-/// `help` into --help.
+/// Rearranges a command line as the parser expects it: moves shared options that precede the
+/// command after it, and turns `help` into --help.
 std::vector<std::string> arranged(std::vector<std::string> words) {
   std::vector<std::string> before;
   while (const std::size_t count = sharedOption(words)) {

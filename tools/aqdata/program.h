@@ -16,7 +16,7 @@ CLI::App* addCommand(CLI::App& program, Session& session, const char* name, cons
 /// Adds all commands to the program.
 void addCommands(CLI::App& program, Session& session);
 
-/// The commands that users see, in order.
+/// The commands that users see, in the order of the help.
 [[nodiscard]] std::vector<CLI::App*> commandsOf(CLI::App& program);
 
 /// Runs the program with the words of a command line and returns its exit status.

@@ -20,7 +20,7 @@ struct RunFiles {
   [[nodiscard]] std::vector<std::string> all() const;
 };
 
-/// A run as read: a history with its map and geometry.
+/// A run as read: a history and, if given, its map and geometry.
 struct Run {
   History history;
   std::optional<MaskingMap> map = {};
@@ -34,8 +34,8 @@ struct Run {
 [[nodiscard]] Run openRun(const RunFiles& files);
 
 /// Writes a run; the headers of the map and the geometry get the name of the new history. Returns
-/// notes on what the history's format cannot hold. Throws `Failure`, before anything is written, if
-/// a file exists that may not be replaced.
+/// notes on what the history's format cannot hold. Throws `Failure`, and does so before
+/// anything is written if a file exists that may not be replaced.
 std::vector<std::string> writeRun(const Session& session, Run& run, const RunFiles& to,
                                   const std::string& from);
 
@@ -43,7 +43,8 @@ std::vector<std::string> writeRun(const Session& session, Run& run, const RunFil
 void addComment(Run& run, const std::string& line);
 
 /// Writes a history that was read from `from`. Returns notes on what the format cannot hold. Throws
-/// `Failure` for data that cannot be written unchanged.
+/// `Failure` if a word of the header is unknown, if the records differ in their bands (unless
+/// `inColumns`), or if the file cannot be written or may not be replaced.
 std::vector<std::string> writeHistory(const Session& session, const History& read,
                                       const std::string& to, const std::string& from,
                                       bool inColumns);

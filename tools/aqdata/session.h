@@ -47,23 +47,26 @@ class Session {
   /// Flushes standard output; a failure also ends the program. Must be called at the end.
   void finish();
 
-  /// Prints the name of the file whose output follows, if there are several.
+  /// Prints the name of the file whose output follows, if there are several and --json is not
+  /// given.
   void title(const std::string& file);
 
   /// Writes a document as one line.
   void printDocument(const Json& document);
 
-  /// Whether the output is a device or one of the program's own streams, such as /dev/stdout.
+  /// Whether the output is a device, a pipe or one of the program's own streams, such as
+  /// /dev/stdout.
   [[nodiscard]] bool intoStream() const;
 
-  /// Reports on standard output what was done, unless data goes there or the user gave --quiet.
+  /// Reports on standard output what was done, unless the output is a stream or the user gave
+  /// --quiet or --json.
   void tell(std::string_view text);
 
-  /// Reports what was written to the output, as a document if requested.
+  /// Reports what was written to the output; with --json, as a document that names the output.
   void wrote(std::string_view what);
 
-  /// Reports on standard error what went wrong, with `file` if it is one of several, and also
-  /// in a document if requested. Sets the status to failure.
+  /// Reports on standard error what went wrong and, with --json, also in a document, which names
+  /// `file` unless that is empty. Sets the status to failure.
   void complain(std::string_view text, const std::string& file = {});
 
   /// Shows the progress of a long run on a terminal; removes it when `done` reaches `total`.
@@ -71,7 +74,7 @@ class Session {
 
   [[nodiscard]] bool colourful() const;
 
-  // Text in a colour, if there are colours.
+  // Text in a style or colour; unchanged without colours.
   [[nodiscard]] std::string strong(std::string_view text) const { return painted("1", text); }
   [[nodiscard]] std::string faint(std::string_view text) const { return painted("2", text); }
   [[nodiscard]] std::string painted(std::string_view code, std::string_view text) const;
@@ -81,7 +84,7 @@ class Session {
   [[noreturn]] static void failOutput();
 
   int status_ = kFine;
-  std::size_t shown_ = 0;  // the progress last shown, in hundredths
+  std::size_t shown_ = 0;  // the progress last shown, in percent
   bool progressing_ = false;
 };
 
@@ -91,13 +94,13 @@ class Session {
 /// Runs `work`, and reports its exceptions as failures of `path`.
 void onFile(Session& session, const std::string& path, const std::function<void()>& work);
 
-/// The message of a failure to work on `path`.
+/// The message for an exception that work on `path` threw.
 [[nodiscard]] std::string failureText(const std::string& path, const std::exception& error);
 
-/// The options that every command has.
+/// Adds the options that every command has.
 void addOutputOptions(CLI::App& command, Session& session);
 
-// Options that several commands have.
+// Add arguments and options that several commands have.
 void addFiles(CLI::App& command, Session& session);
 void addFile(CLI::App& command, std::string& file, const char* name, const char* what);
 void addJobs(CLI::App& command, Session& session);
@@ -113,7 +116,7 @@ std::string numberFromZero(const std::string& text);
 using Check = std::function<std::string(const std::string&)>;
 [[nodiscard]] Check wholeNumber(std::int32_t lowest, std::int32_t highest);
 
-// The commands, one per file in commands/.
+// Add the commands.
 void addAnalyzer(CLI::App& program, Session& session);
 void addCat(CLI::App& program, Session& session);
 void addCheck(CLI::App& program, Session& session);

@@ -15,7 +15,7 @@ namespace aqdata {
 /// The data of a file of any kind as rows, to show, convert and compare.
 struct Sheet {
   struct Row {
-    std::int32_t number;            ///< record number, or the index of a position
+    std::int32_t number;            ///< record number or index of a position; 1 for a single row
     std::vector<Json> cells;        ///< one per column
     std::vector<Json> bands;        ///< one per band from the lowest; null for a missing level
     std::vector<bool> masked = {};  ///< one per band; empty without a map
@@ -53,10 +53,10 @@ struct Sheet {
 
 [[nodiscard]] Sheet sheetOf(const Measurement& measurement);
 
-/// The content of a file's header, key by key, in the header's order.
+/// The content of a file's header by key, in the order in which it is shown.
 [[nodiscard]] Json headerOf(const Measurement& measurement);
 
-/// The keys that occur in headers of any kind.
+/// All keys that occur in the header of some kind of file.
 [[nodiscard]] std::vector<std::string> headerKeys();
 
 /// Seconds rounded to five decimals, since files are read in single precision.

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-// Everything in `aqdata` that differs between operating systems: terminal, streams and file name
-// patterns.
+// What `aqdata` does differently on each operating system: terminal, streams, arguments, file name
+// patterns, and running other programs.
 namespace aqdata::terminal {
 
 /// How many colours the terminal on standard output can show.
@@ -31,19 +31,20 @@ struct Character {
 /// The first character of `text`, which is UTF-8 and not empty; an invalid byte takes one column.
 [[nodiscard]] Character firstOf(std::string_view text);
 
-/// Whether `path` is a device, a pipe or one of the program's own streams; /dev/stdout always
-/// counts as one.
+/// Whether `path` is a device, a pipe or one of the program's own streams; /dev/stdout and
+/// /dev/stderr count as such on every system.
 [[nodiscard]] bool isStream(const std::string& path);
 
 /// Sets up the streams: a closed pipe ends the program silently, if the system supports that.
 /// Returns the arguments, as UTF-8 if the system knows their encoding.
 [[nodiscard]] std::vector<std::string> begin(int count, char** words);
 
-/// The files and folders that match a pattern with `*`, `?` and `[]`, in order.
+/// The files and folders that match a pattern with `*`, `?` and `[]`, sorted by path.
 [[nodiscard]] std::vector<std::string> matches(const std::string& pattern);
 
-/// Runs another program, found as the shell would, with these arguments and this program's streams.
-/// Returns its exit status, or nothing if it cannot be run.
+/// Runs the program that the first word names, found as the shell would, with the other words as
+/// arguments and with this program's streams. Returns its exit status, or nothing if it cannot be
+/// run or, except on Windows, if a signal ends it.
 [[nodiscard]] std::optional<int> run(const std::vector<std::string>& words);
 
 }  // namespace aqdata::terminal

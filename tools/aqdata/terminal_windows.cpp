@@ -48,10 +48,10 @@ bool isConsole(DWORD stream) {
 
 UINT codePageBefore = 0;
 
-/// A command line argument in quotes, with any quotes within it escaped.
+/// A command-line argument in quotes, with any quotes within it escaped.
 std::wstring inQuotes(std::wstring_view word) {
   std::wstring text = L"\"";
-  std::size_t slashes = 0;  // backslashes, which are doubled before a quote
+  std::size_t slashes = 0;  // backslashes just before the letter; doubled before a quote
   for (const wchar_t letter : word) {
     if (letter == L'"') text.append(slashes + 1, L'\\');
     slashes = letter == L'\\' ? slashes + 1 : 0;
@@ -60,7 +60,8 @@ std::wstring inQuotes(std::wstring_view word) {
   return text.append(slashes, L'\\') + L'"';
 }
 
-/// Whether a set such as `[a-z]`, given without brackets, contains `letter`.
+/// Whether a set such as `[a-z]` or `[!a-z]`, given without brackets, contains `letter` in either
+/// case.
 bool has(std::wstring_view set, wchar_t letter) {
   const bool others = set.starts_with(L'!');
   if (others) set.remove_prefix(1);

@@ -12,7 +12,8 @@ namespace aqdata {
 /// How many terminal columns `text` takes; colour codes take none.
 [[nodiscard]] std::size_t widthOf(std::string_view text);
 
-/// `text` in at most `width` columns; a mark replaces what is cut from the middle.
+/// `text` in at most `width` columns; a mark replaces what is cut from the middle. Unchanged if
+/// `width` is below 3.
 [[nodiscard]] std::string shortened(std::string_view text, std::size_t width);
 
 /// A cell as a table shows it: strings escaped and without quotes, nothing for null.
@@ -21,7 +22,7 @@ namespace aqdata {
 /// Like `cellText`, but joins the entries of a list with `between`.
 [[nodiscard]] std::string listText(const Json& value, std::string_view between);
 
-/// `text` wrapped to lines of at most `width` columns, broken at blanks.
+/// `text` wrapped to lines of at most `width` columns, broken at blanks where possible.
 [[nodiscard]] std::vector<std::string> wrapped(std::string_view text, std::size_t width);
 
 /// A count with its noun, such as "1 record" or "2 records".
@@ -53,8 +54,8 @@ class Table {
   /// Adds a row. Cells may contain colour codes.
   void add(std::vector<std::string> cells) { rows_.push_back(std::move(cells)); }
 
-  /// Fits the table to a width: leaves out optional columns, which the last line names, and
-  /// shortens the first column.
+  /// Fits the table to a width as far as possible: leaves out optional columns, which the last
+  /// printed line names, and then shortens the cells of the first column.
   void fit(std::size_t width);
 
   /// Prints the table. Columns that do not fit the terminal follow below, with the first column

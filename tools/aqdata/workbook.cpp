@@ -48,7 +48,9 @@ std::string validText(const std::string& text) {
       .get<std::string>();
 }
 
-/// A valid name of a sheet: up to 31 characters, none with a meaning in formulas.
+/// An unused sheet name made from a file's name: up to 31 printable ASCII
+/// characters, with _ for those that a sheet name must not contain. Adds the name, in capitals, to
+/// `taken`.
 std::string sheetNameOf(const std::string& file, std::set<std::string>& taken) {
   constexpr std::size_t kMost = 31;
   std::string name = pathOf(file).filename().string();
@@ -178,7 +180,7 @@ class Workbook::Sheets {
     worksheet_freeze_panes(headers_, 1, 0);
   }
 
-  /// One row per value; a list has one row per entry.
+  /// Writes one row per value, except null; a list has one row per entry.
   void writeHeader(const std::string& name, const char* part, const Json& header) {
     for (const auto& [key, value] : header.items()) {
       for (const Json& entry : value.is_array() ? value : Json{value}) {
@@ -267,7 +269,7 @@ class Workbook::Sheets {
     }
   }
 
-  /// A chart of A-weighted level and PNLT over the seconds of the day.
+  /// Adds a chart of the A-weighted level and PNLT over the time of day in seconds.
   void draw(lxw_worksheet* own, const std::string& name, const Sheet& rows) {
     lxw_chart* const chart = workbook_add_chart(book_, LXW_CHART_SCATTER_STRAIGHT);
     const auto last = static_cast<lxw_row_t>(rows.rows.size());

@@ -6,7 +6,7 @@ namespace aqdata {
 namespace {
 
 /// Prints each header line as soon as it is read, so that a damaged file shows the lines before
-/// the damage.
+/// the damage. JSON is printed only if the whole file can be read.
 void cat(Session& session, const std::string& path) {
   Json lines = Json::array();
   session.title(path);

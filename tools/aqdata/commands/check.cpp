@@ -38,7 +38,7 @@ struct CheckChoice {
   }
 };
 
-/// The findings of one file that the user asked for.
+/// Those findings of one file that the user's options select.
 struct Report : FileFindings {
   aq::Checked checked = {};
   std::string failure = {};  // why the file could not be checked

@@ -126,7 +126,8 @@ std::string zsh(CLI::App& program, const Session& session) {
       "    _files\n"
       "  fi\n"
       "}}\n"
-      // The shell loads the function by its name on first use, or the user sources the script.
+      // The shell may run this script as the function's body on first use, which must complete at
+      // once. A sourced script only registers the function.
       "if [ \"$funcstack[1]\" = _aqdata ]; then\n"
       "  _aqdata \"$@\"\n"
       "else\n"

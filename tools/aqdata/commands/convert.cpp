@@ -42,7 +42,8 @@ const Form kForms[] = {{"history", ".sth.csv"},   {"columns", ".spc"},      {"ma
                        {"positions", ".pth.csv"}, {"spectrum", ".ssr.csv"}, {"json", ".json"},
                        {"workbook", ".xlsx"},     {"netcdf", ".nc"},        {"table", ".csv"}};
 
-/// The requested form, or the one that the output's name implies.
+/// The requested form, or the one that the output's name implies. Throws `Failure` if the form and
+/// the name do not fit.
 std::string formOf(const Session& session, const ConvertChoice& choice) {
   std::vector<std::string_view> endings;
   std::string named = "table";
@@ -66,7 +67,7 @@ std::string rowText(const std::vector<Json>& cells) {
   return text;
 }
 
-/// One observation per line; each band of a row is an observation.
+/// One observation per line: each band of a row or, without bands, the row itself.
 std::vector<std::string> tidyLines(const Sheet& sheet) {
   std::string heading = fmt::format("{}", fmt::join(sheet.columns, ","));
   if (sheet.hasBands()) heading += ",band," + sheet.ofBand;
@@ -81,7 +82,7 @@ std::vector<std::string> tidyLines(const Sheet& sheet) {
   return lines;
 }
 
-/// One line per key of the header, for a file without rows.
+/// One line per value of the header, for a file without rows; a list has one line per entry.
 std::vector<std::string> headerLines(const Json& header) {
   std::vector<std::string> lines{"key,value"};
   for (const auto& [key, value] : header.items()) {
@@ -176,7 +177,7 @@ Measurement readAny(const ConvertChoice& choice) {
   return openFile(choice.file, {}, choice.rt20);
 }
 
-/// Whether a file is netCDF, classic or version 4.
+/// Whether a file begins as netCDF does, classic or version 4.
 bool isNetcdf(const std::string& path) {
   const std::string begin = beginningOf(path);
   return begin == "\x89HDF" || begin.starts_with("CDF");
@@ -196,7 +197,7 @@ void putNetcdf(const Session& session, const ConvertChoice& choice) {
   runPackage("netCDF", words);
 }
 
-/// Writes all runs into one workbook, after every file has been read.
+/// Writes all runs into one workbook, but only if every file could be read.
 void putWorkbook(Session& session, const ConvertChoice& choice) {
   const std::vector<std::string> files = chosenHistories(session);
   if (choice.record) throw Failure("--record does not apply to a workbook");

@@ -22,8 +22,8 @@ struct CutChoice {
   std::string down = {};
   std::string map = {};
   std::string geometry = {};
-  bool maps = false;        // also cut the maps found next to the histories
-  bool geometries = false;  // also cut the geometries found next to the histories
+  bool maps = false;        // also cut the maps next to the histories
+  bool geometries = false;  // also cut the geometries next to the histories
   bool renumber = false;
 };
 
@@ -40,7 +40,7 @@ std::string optionsText(const CutChoice& choice) {
   return text;
 }
 
-/// Rejects options that contradict each other, or that would be wrong for every file.
+/// Rejects missing or contradictory options, and values that are wrong for every file.
 void expectOneChoice(const CutChoice& choice, bool severalFiles) {
   const bool byTime = !choice.from.empty() || !choice.to.empty();
   const int ways =
