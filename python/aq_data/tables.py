@@ -21,7 +21,8 @@ def history_to_pandas(
 ) -> pd.DataFrame:
     """Levels in dB, one row per record and one column per band, NaN for a missing level and, with a
     map, for a masked one; with `tidy`, one row per record and band, with `time` in s, `frequency`
-    in Hz, `level` and masks as columns. Raises `ValueError` for a map of other records.
+    in Hz, `level` and masks as columns. Raises `ValueError` for a map whose
+    records are not those of the history.
 
     >>> history.to_pandas(mask)[24].max()
     >>> history.to_pandas(tidy=True).groupby("band").level.max()

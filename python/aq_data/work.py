@@ -326,7 +326,7 @@ def fix(
     the original is kept as `FILE.orig` unless `keep_original` is false; a gzip file is unpacked
     next to itself. With `to`, nothing is replaced: all files, including those that need no change,
     are written below that folder, and `FileExistsError` is raised for a file that already exists
-    there. A comment in the file says what was changed.
+    there. If the format has comments, one says what was changed.
 
     The columns are `path`; `done` and `left`, which list in words what was or would be changed and
     what was left alone because it is ambiguous; and `output`, None if nothing was written. `paths`

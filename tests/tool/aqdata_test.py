@@ -67,6 +67,8 @@ def samples(folder):
     (folder / "again.sth.csv").write_text(named("again.sth.csv") + last * 5000)
     (folder / "late.csv").write_text("\n" * 6 + "14:30:03.996,0,,,,,,,7,8,9\n")
     (folder / "notes.txt").write_text("no measurement\n")
+    (folder / "killed").write_text("#!/bin/sh\nkill -9 $$\n")
+    (folder / "killed").chmod(0o755)
     (folder / "deep" / "er").mkdir(parents=True)
     (folder / "deep" / ".hidden").mkdir()
     shutil.copy(folder / "bad.sth.csv", folder / "deep" / ".hidden")
@@ -434,6 +436,7 @@ ROWS = [  # command, status, what the output contains, what the messages contain
     ),
     (f"convert {STH} deep/one.csv deep/er/two.csv -o two.xlsx", 0, "two.xlsx: 3 runs", ""),
     (f"export AQ_PYTHON=false; plot {STH} -o x.png", 2, "", "making an image failed"),
+    (f"export AQ_PYTHON=./killed; plot {STH} -o x.png", 2, "", "making an image failed"),
     (
         f"export AQ_PYTHON=none; plot {STH} -o x.png",
         2,

@@ -109,8 +109,8 @@ std::optional<int> run(const std::vector<std::string>& words) {
   while (::waitpid(child, &status, 0) < 0) {
     if (errno != EINTR) return std::nullopt;
   }
-  if (!WIFEXITED(status)) return std::nullopt;
-  return WEXITSTATUS(status);
+  constexpr int kSignalled = 128;  // as shells report it
+  return WIFEXITED(status) ? WEXITSTATUS(status) : kSignalled + WTERMSIG(status);
 }
 
 }  // namespace aqdata::terminal

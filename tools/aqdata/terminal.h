@@ -43,8 +43,8 @@ struct Character {
 [[nodiscard]] std::vector<std::string> matches(const std::string& pattern);
 
 /// Runs the program that the first word names, found as the shell would, with the other words as
-/// arguments and with this program's streams. Returns its exit status, or nothing if it cannot be
-/// run or, except on Windows, if a signal ends it.
+/// arguments and with this program's streams. Returns its exit status (128 plus the number of a
+/// signal that ended it), or nothing if it cannot be run.
 [[nodiscard]] std::optional<int> run(const std::vector<std::string>& words);
 
 }  // namespace aqdata::terminal
