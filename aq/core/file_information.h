@@ -8,7 +8,7 @@
 
 namespace aq {
 
-/// A service that supplies the names and dates of files that writers record. A host may install its
+/// A service that supplies the file names and dates that writers record. A host may install its
 /// own.
 class AQ_API FileInformation {
  public:

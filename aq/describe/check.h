@@ -14,8 +14,9 @@ struct Description<Severity> {
   static constexpr char text[] = "How serious a finding is";
   template <class To>
   static void members(To& to) {
-    to.member("Note", Severity::Note, "Worth knowing; the data are correct")
-        .member("Warning", Severity::Warning, "The values read may differ from those measured")
+    to.member("Note", Severity::Note, "Worth knowing; the data are as measured")
+        .member("Warning", Severity::Warning,
+                "Probably a fault; the data may differ from what was measured")
         .member("Error", Severity::Error, "The file, or pair of files, cannot be used");
   }
 };
@@ -28,7 +29,9 @@ struct Description<CheckFunctions> {
   static constexpr char name[] = "check";
   template <class To>
   static void members(To& to) {
-    constexpr auto report = in("report", "Called with each finding, in line order");
+    constexpr auto report = in("report",
+                               "Called with each finding, in line order; those about the whole "
+                               "file come first");
     using FitOfFiles = void (*)(const std::string&, const std::string&, const FindingSink&);
     to.function("checkFile", &checkFile,
                 about("Reads a file of any kind and reports what makes reading fail and what is "
@@ -37,7 +40,8 @@ struct Description<CheckFunctions> {
         .function("checkFixes", &checkFixes,
                   about("Reports the fixes of a tracking file that a reader with this limit drops"),
                   in("path", "The tracking file", FileName{}),
-                  in("limit", "The RT20Limit; 0 is the best", Quantity{"quality figure", 0, 255}),
+                  in("limit", "The highest quality figure that the reader accepts; 0 is the best",
+                     Quantity{"quality figure", 0, 255}),
                   report)
         .function(
             "checkFit", static_cast<FitOfFiles>(&checkFit),

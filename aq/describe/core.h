@@ -15,7 +15,7 @@ struct Description<AQ_Time> {
   static constexpr int number = 1;
   static constexpr char text[] =
       "The time stamp of a record: a calendar date, a time of day and a time relative to a "
-      "reference, independent of each other";
+      "reference; setting one of the two times leaves the other unchanged";
   template <class To>
   static void members(To& to) {
     using T = AQ_Time;
@@ -40,11 +40,10 @@ struct Description<AQ_Time> {
                   kSecondsOfDay)
         .property("WorkingTime", &T::WorkingTime,
                   "RelSeconds or TODseconds, as chosen by setWorkingTime", kSeconds)
-        .form(
-            "TODstring", &T::TODstring, &T::TODstring,
-            "The time of day as hh:mm:ss with a fraction, as in 12:34:56.5; reading raises unless "
-            "the time is at least 0 and below 90000 s; setting raises if the text has fewer than "
-            "two colons")
+        .form("TODstring", &T::TODstring, &T::TODstring,
+              "The time of day as hh:mm:ss, with a fraction if there is one, as in 12:34:56.5; "
+              "reading raises unless the time is at least 0 and below 90000 s; setting raises if "
+              "the text has fewer than two colons")
         .property("CurrentDate", &T::CurrentDate, &T::CurrentDate,
                   "The calendar date; 0 means not set", Date{})
         .setter("setWorkingTime", &T::setWorkingTime, "Chooses the time that WorkingTime returns",
@@ -52,7 +51,7 @@ struct Description<AQ_Time> {
   }
 };
 
-/// A value of a collection; in some collections it is a number.
+/// The argument of a collection's `Add`; in some collections it is a number.
 template <class T>
 constexpr auto valueOf(const char* text) {
   if constexpr (isNumber<T>) {
@@ -109,7 +108,7 @@ template <>
 struct Description<FileInformation> {
   static constexpr char name[] = "FileInformation";
   static constexpr char text[] =
-      "Supplies the names and dates of files that writers record. A host may install its own "
+      "Supplies the file names and dates that writers record. A host may install its own "
       "service";
   template <class To>
   static void members(To& to) {

@@ -15,11 +15,11 @@
 #include "aq/core/file_failure.h"
 #include "aq/core/variant.h"
 
-// The description of the object model for hosts: each class, enumeration and member once, with its
-// name and its meaning. A host calls `forMembers<C>` with a function that accepts every kind of
-// member below; types come from the pointers to members. Initial values are not listed: hosts read
-// them from a new object. Members are in the order of the interface, and new ones are added at the
-// end, since some hosts identify a member by its position.
+// The description of the object model for hosts: each class, enumeration, function and member once,
+// with its name and its meaning. A host calls `forMembers<C>` with a visitor that accepts every
+// kind of member below; types come from the pointers to members and functions. There is no field
+// for initial values: hosts read them from a new object. Members are in the order of the interface,
+// and new ones are added at the end, since some hosts identify a member by its position.
 
 namespace aq::describe {
 
@@ -31,9 +31,9 @@ struct Quantity {
   double high = std::numeric_limits<double>::infinity();
 };
 
-/// A number that is a date: days since 1899-12-30, with the time of day as the fraction.
+/// Marks a number that is a date: days since 1899-12-30, with the time of day as the fraction.
 struct Date {};
-/// Text that names a file in the file system.
+/// Marks text that names a file or a folder.
 struct FileName {};
 /// The word under which hosts list a value, such as `project`. It never changes.
 struct Key {
@@ -49,14 +49,14 @@ inline constexpr Quantity kRecordOf32Bits{"record", -2147483648.0, 2147483647};
 inline constexpr Quantity kPlace{"index", 1, 2147483647};
 inline constexpr Quantity kCount{"count", 0, 32767};
 inline constexpr Quantity kRecords{"count", 0, 2147483647};
-/// Metres unless a file or program uses another length unit: nothing is converted.
+/// Metres, unless the files or the host use another unit of length: nothing is converted.
 inline constexpr Quantity kLength{"m"};
 inline constexpr Quantity kAngle{"degree"};
 inline constexpr Quantity kOfTheMetric{"dB, PNdB, TPNdB, band or flags"};
 
 /// The description of a member or parameter, apart from its type.
 struct About {
-  std::string_view text;   ///< a sentence without its full stop
+  std::string_view text;   ///< without a full stop at the end
   Quantity quantity = {};  ///< with a unit only if the member is a number
   bool isDate = false;
   bool isFileName = false;
@@ -98,8 +98,8 @@ constexpr Told<Parts...> about(std::string_view text, Parts... parts) {
 
 // The kinds of member.
 
-/// Read by `get`, and set by `set` unless that is `nullptr_t`. A getter that is not const creates
-/// the object if there is none; setting an object shares it.
+/// Read by `get` and set by `set`; read-only if `set` is `nullptr`. A getter that is not const
+/// creates the object if there is none; setting an object shares it.
 template <class Get, class Set>
 struct Property {
   const char* name;
@@ -145,7 +145,7 @@ struct Indexed {
   About about;
 };
 
-/// Non-const references are output arguments.
+/// Non-const references to pointers and enumerations are output arguments.
 template <class Call, std::size_t Count>
 struct Method {
   const char* name;
@@ -189,7 +189,7 @@ struct Enumerator {
   std::string_view text;
 };
 
-/// The type of the values in an optional or a list.
+/// The type of the values in an optional or a list; any other type as it is.
 template <class T>
 struct One {
   using Type = T;
@@ -212,7 +212,7 @@ template <class... Parts>
 inline constexpr bool hasQuantity = ((std::same_as<Parts, Quantity> || std::same_as<Parts, Date>) ||
                                      ...);
 
-/// Every number has a unit, and nothing else does.
+/// Checks that a number has a unit and that nothing else has one.
 template <class T, class... Parts>
 constexpr void saysItsUnit() {
   static_assert(!isNumber<T> || hasQuantity<Parts...>, "a number without its unit and range");
@@ -272,7 +272,7 @@ class Members {
     using Get = const std::optional<FileFailure>& (C::*)() const;
     return take(Property<Get, std::nullptr_t>{
         "lastFailure", &C::lastFailure, nullptr,
-        about("Why the last call gave AQ_DATA_FILE_ERROR; no object if it succeeded")});
+        about("Why the last call could not read or write its file; otherwise no object")});
   }
 
   template <class Get, class Set>
@@ -381,8 +381,9 @@ class Members<E, Visit, true> {
   Visit& visit_;
 };
 
-/// A class or an enumeration: its `name`, a `text` and its `members`; for a class also its
-/// `number`, by which hosts identify it and which is never reused.
+/// A class, an enumeration or the functions of a folder: its `name`, its `members` and, except for
+/// functions, a `text`. A class may have a `number`, by which hosts identify it and which is never
+/// reused.
 template <class C>
 struct Description;
 
@@ -391,7 +392,7 @@ concept Described = requires {
   Description<C>::name;
 };
 
-/// The classes or enumerations of a folder, in dependency order.
+/// Classes, enumerations or sets of functions, in dependency order.
 template <class... C>
 struct List {};
 
@@ -401,7 +402,7 @@ void forClasses(List<C...> /*list*/, const Visit& visit) {
   (visit.template operator()<C>(), ...);
 }
 
-/// Calls `visit(member)` for each member of a class or an enumeration, in order.
+/// Calls `visit(member)` for each member in the description of `C`, in order.
 template <Described C, class Visit>
 void forMembers(Visit&& visit) {
   Members<C, std::remove_reference_t<Visit>> members(visit);

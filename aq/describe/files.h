@@ -14,7 +14,8 @@
 #include "aq/geometry/data_tspi.h"
 #include "aq/masking/data_mask.h"
 
-// The file classes. Their functions take the file name first, then the header and the content.
+// The file classes. Most of their functions take the file name first, then the header and the
+// content.
 
 namespace aq::describe {
 
@@ -30,7 +31,7 @@ inline constexpr char kReads[] = "Reads a file into a new header and a new objec
 template <>
 struct Description<FileKind> {
   static constexpr char name[] = "FileKind";
-  static constexpr char text[] = "The kinds of file that the library reads";
+  static constexpr char text[] = "The kinds of file that the library recognises";
   template <class To>
   static void members(To& to) {
     to.member("SpectralTimeHistory", FileKind::SpectralTimeHistory,
@@ -65,10 +66,11 @@ struct Description<AQ_DataSTH> {
               in("aqTimeHistory", "The history; records LoRec to HiRec are written"))
         .method("readFile", &F::readFile, kReads, kPath, kHeaderOut,
                 in("STH", "Receives a new history"))
-        .method("getRawHeader", &F::getRawHeader,
-                "Reads the header's lines, unchanged, up to the column headings; returns false if "
-                "they cannot be read",
-                kPath, in("colHeader", "Receives the lines"))
+        .method(
+            "getRawHeader", &F::getRawHeader,
+            "Reads the header's lines, unchanged, without the column headings; returns false if "
+            "the file cannot be read, is of another kind or ends with the headings",
+            kPath, in("colHeader", "Receives the lines"))
         .lastFailure();
   }
 };
@@ -196,11 +198,14 @@ struct Description<AQ_DataSPC> {
                   "Last record to write; 0 means the history's last. Reading a file sets it",
                   kRecord)
         .property("BandLow", &F::BandLow, &F::BandLow,
-                  "Lowest band to write; 0 means the records' lowest. Reading a file sets it",
+                  "Lowest band to write; 0 means the lowest in the records written. Reading a file "
+                  "sets it",
                   Quantity{"band", 0, 50})
-        .property("BandHigh", &F::BandHigh, &F::BandHigh,
-                  "Highest band to write; 0 means the records' highest. Reading a file sets it",
-                  Quantity{"band", 0, 50})
+        .property(
+            "BandHigh", &F::BandHigh, &F::BandHigh,
+            "Highest band to write; 0 means the highest in the records written. Reading a file "
+            "sets it",
+            Quantity{"band", 0, 50})
         .method("writeFile", &F::writeFile, kWrites, kPath,
                 in("aqTimeHistory", "The history; the chosen records and bands are written"))
         .method("readFile", &F::readFile, kReads, kPath, kHeaderOut,
@@ -229,9 +234,11 @@ struct Description<AQ_DataASCII> {
         .method("appendLines", &F::appendLines, "Appends Lines to the file", kPath)
         .setter("Delimiter", &F::Delimiter, "The text between fields, initially a comma",
                 in("text", "The delimiter; if empty, lines are not split"))
-        .setter("CommentFields", &F::CommentFields,
-                "Whether fields may be in double quotes, with delimiters inside",
-                in("quoted", "True if they may; initially false"))
+        .setter(
+            "CommentFields", &F::CommentFields,
+            "Whether fields may be in double quotes, with delimiters inside; set Delimiter first. "
+            "If true, appendFields quotes every field",
+            in("quoted", "True if they may; initially false"))
         .lastFailure();
   }
 };
@@ -251,7 +258,7 @@ struct Description<AQ_DataINI> {
               kPath)
         .method("readFile", &F::readFile,
                 "Reads parameters; those that the file does not name keep their values, except "
-                "NuAvg and NuTimg, which are unset first",
+                "NuAvg and NuTimg, which are unset first. Comments are added to the existing ones",
                 kPath)
         .property("CalAdj", &F::CalAdj, &F::CalAdj, "Calibration adjustment; 0 is not written",
                   kDecibels, Key{"calibration_adjustment_db"})
@@ -271,7 +278,9 @@ struct Description<AQ_DataINI> {
         .property("FileName", &F::FileName, &F::FileName,
                   "The file's name, written as the file information service names it", FileName{},
                   Key{"file_name"})
-        .property("FileDate", &F::FileDate, "The date and time of the last file read",
+        .property("FileDate", &F::FileDate,
+                  "The date and time in the last file read that gives them; the writer writes the "
+                  "current ones",
                   Key{"file_date"})
         .property("Comments", &F::Comments, &F::Comments, "Comments, one per line", Key{"comments"})
         .lastFailure();
@@ -299,14 +308,17 @@ struct Description<AQ_DataHP3565> {
   template <class To>
   static void members(To& to) {
     using F = AQ_DataHP3565;
-    to.method("readDirectory", &F::readDirectory, "Lists the files in an analyzer's folder",
+    to.method("readDirectory", &F::readDirectory,
+              "Lists the files in an analyzer's folder; ignores the case of their names",
               in("sDirectory", "The folder", FileName{}),
               in("colIndex", "Receives the names that begin with INDEX"),
               in("colTimeDat", "Receives the names that begin with TIMEDAT"),
               in("colRecordings", "Receives the other names that end in .DAT"))
-        .method("DAT_to_ASC", &F::DAT_to_ASC, "Writes a recording as a text file",
-                in("sDatFile", "The recording", FileName{}),
-                in("sAscFile", "The text file, which is replaced", FileName{}))
+        .method(
+            "DAT_to_ASC", &F::DAT_to_ASC, "Writes a recording as a text file",
+            in("sDatFile", "The recording", FileName{}),
+            in("sAscFile", "The text file, replaced if it exists; a recording is never replaced",
+               FileName{}))
         .method("ParseASC", &F::ParseASC, "Reads a recording from a text file",
                 in("sAscFile", "The text file", FileName{}), kHeaderOut,
                 in("STH", "Receives a new history"))
@@ -315,11 +327,11 @@ struct Description<AQ_DataHP3565> {
         .property("SDFPRINT", &F::SDFPRINT, &F::SDFPRINT,
                   "The path of an external converter; empty for the built-in one", FileName{})
         .property("Channel", &F::Channel, &F::Channel,
-                  "The trace of each scan to read, counted from 1", Quantity{"index", 1, 32767})
+                  "The trace to read from each scan, counted from 1", Quantity{"index", 1, 32767})
         .property(
             "RecordLength", &F::RecordLength, &F::RecordLength,
             "Time from one record to the next if scans have no times; raises for a value that "
-            "is not above 0",
+            "is not finite or not above 0",
             kSeconds)
         .property("CalAdj", &F::CalAdj, &F::CalAdj,
                   "Calibration added to every level; raises for a value that is not finite",

@@ -175,7 +175,7 @@ void bindHistoryFile(BoundFile<AQ_DataSTH>& history) {
         });
         return lines;
       },
-      py::arg("sFileName"), "The header's lines, unchanged, up to the column headings");
+      py::arg("sFileName"), "The header's lines, unchanged, without the column headings");
 }
 
 void bindRecordingFile(BoundFile<AQ_DataHP3565>& recording) {
