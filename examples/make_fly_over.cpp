@@ -104,7 +104,7 @@ bool writeHistoryAndMap(const std::string& historyPath, const std::string& mapPa
   header->sMicrophoneID = "M1";
   header->sAdjustmentCode = "NONE";
   header->sGeneratedBy = "make_fly_over";
-  header->cCommentLines->Add("A computed fly-over; no measurement");
+  header->cCommentLines->Add("A computed fly-over, not a measurement");
   const auto mapHeader = std::make_shared<aq::AQ_HeaderMask>();
   mapHeader->sGeneratedBy = "make_fly_over";
   mapHeader->sGenerationFile = historyPath;

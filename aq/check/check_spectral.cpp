@@ -35,7 +35,7 @@ void checkLevel(double level, const FindingPlace& place, const Reporter& report)
   }
 }
 
-/// `place` is where the level of band `low` is in the file.
+/// `place` is the position in the file of band `low`'s level.
 void checkLevels(const AQ_Spectrum& spectrum, std::int16_t low, FindingPlace place,
                  const Reporter& report) {
   const std::size_t first = place.field;

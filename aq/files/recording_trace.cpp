@@ -35,7 +35,7 @@ bool isData(const TraceSet& set, std::int32_t domain, std::int32_t type) {
          set.header.integer(kData["dataType"]) == type;
 }
 
-/// Whether the points are consecutive third octaves.
+/// Whether the points are consecutive third-octave bands.
 bool hasThirdOctaves(const Recording& recording, const TraceSet& set) {
   if (set.traces == 0) return false;
   try {

@@ -59,7 +59,7 @@ const Change kChanges[] = {
     {kHistory, "ProjectName**", "microphoneid**", {"4:1 keyword"}},
     {kHistory, "Fly-over sample", "Fly-over**sample", {"4:0 lost-text"}},
     {kHistory, "MicrophoneID**,", "MicrophoneID**", {"5:0 lost-text"}},
-    {kHistory, "no measurement", "no ** measurement", {"20:0 lost-text"}},
+    {kHistory, "not a measurement", "not a ** measurement", {"20:0 lost-text"}},
     {kHistory, "Numbers**,1,60", "Numbers**,1,60, ,7", {"13:5 lost-text"}},
     {kHistory, "Method**,", "Method**,X", {"6:2 other-word"}},
     {kHistory, "StampType**,", "StampType**,X", {"7:2 other-word"}},

@@ -200,7 +200,7 @@ TEST(History, LastGoodBandsFromTheMap) {
     EXPECT_EQ(made.spectrum(record)->Metric()->LGB(), expected) << record;
     EXPECT_EQ(static_cast<float>(map.Row(record)->LGB()), expected) << record;
   }
-  EXPECT_EQ(map.Row(6)->HighBand(), 29);  // setLGB creates bands 28 and 29
+  EXPECT_EQ(map.Row(6)->HighBand(), 29);  // map.setLGB creates bands 28 and 29
   map.Row(9, map.Row(1));
   EXPECT_ERROR(made.setLGB(map), InvalidArgument);
   map.Row(1, nullptr);

@@ -19,7 +19,7 @@ void addCommands(CLI::App& program, Session& session);
 /// The commands that users see, in the order of the help.
 [[nodiscard]] std::vector<CLI::App*> commandsOf(CLI::App& program);
 
-/// Runs the program with the words of a command line and returns its exit status.
+/// Runs the program with these command line arguments and returns its exit status.
 [[nodiscard]] int run(std::vector<std::string> given);
 
 }  // namespace aqdata
