@@ -111,8 +111,8 @@ void addControl(const Classes& classes, const std::wstring& path, const std::wst
   classes.set(path + L"\\Control", nullptr, L"");
   classes.set(path + L"\\ToolboxBitmap32", nullptr, dll + L", 1");
   classes.set(path + L"\\MiscStatus", nullptr, L"0");
-  // The control gets its client site first, is invisible at run time, cannot be a link source,
-  // and is redrawn when resized.
+  // Flags of the control: it is redrawn when resized, cannot be a link source, is invisible at run
+  // time, and gets its client site before anything else.
   classes.set(path + L"\\MiscStatus\\1", nullptr, L"132113");
   const std::wstring categories = path + L"\\Implemented Categories\\";
   classes.set(categories + L"{40FC6ED4-2438-11CF-A3DB-080036F12502}", nullptr, L"");  // controls

@@ -33,8 +33,8 @@ std::size_t indexAt(const void* bytes) {
 
 constexpr MaskCode kNoLetters = 0x80;  // above all codes
 
-/// The code of any two bytes; `kNoLetters` if they are not a mask. Reading touches only the few
-/// entries that are masks, so this table needs no more cache than one table per letter would.
+/// The code of any two bytes; `kNoLetters` if they are not a mask. Reading touches only the entries
+/// of valid masks, which take less than 1 KiB of cache.
 constexpr auto kCodesOfLetters = [] {
   std::array<MaskCode, 1 << 16> codes{};
   codes.fill(kNoLetters);

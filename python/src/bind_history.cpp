@@ -135,7 +135,7 @@ void bindArrays(BoundHistory& history) {
           "The record numbers, ascending, shape (records,)")
       .def_property_readonly(
           "bands", [](const H& self) { return numberArray(numbersOf(bandsOfAll(self))); },
-          "The band numbers from the lowest of any record to the highest, shape (bands,)")
+          "The band numbers, from the lowest to the highest in any record, shape (bands,)")
       .def("to_numpy", levelsOf, py::arg("mask") = py::none(),
            "The levels in dB, shape (records, bands), NaN for a missing level and, with a "
            "map, for a masked one")

@@ -151,7 +151,7 @@ void bindMap(const py::module_& module) {
           [](const AQ_MaskMap& self) {
             return numberArray(numbersOf(bandsOf(rowsOf(self).objects)));
           },
-          "The band numbers from the lowest of any row to the highest, shape (bands,)")
+          "The band numbers, from the lowest to the highest in any row, shape (bands,)")
       .def_property("last_good_bands", lastGoodBands, setLastGoodBands,
                     "The last good band of each row, shape (rows,)")
       .def("to_numpy", mapToArrays,
