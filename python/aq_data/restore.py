@@ -181,9 +181,9 @@ def _headers(ds: xr.Dataset, kind: str, data: Any) -> tuple[Any, Any]:
 def from_xarray(ds: xr.Dataset) -> Reading[Any, Any]:
     """The object of a dataset with its header, as from `read`: `(header, data)`.
 
-    Records keep their numbers. If a dataset was cut or its times were changed, the start time is
-    that of its first record. For a history with masks, returns the history; `measurement` returns
-    both. Raises `ValueError` for a dataset that lacks what the object needs.
+    Records keep their numbers. If a dataset was cut or its times were changed, the start time
+    moves by as much as the time of its first record. For a history with masks, returns the history;
+    `measurement` returns both. Raises `ValueError` for a dataset that lacks what the object needs.
 
     >>> header, history = aq_data.from_xarray(ds.sel(time=slice(52205, 52215)))
     """
@@ -211,7 +211,9 @@ def _is_cut(ds: xr.Dataset) -> bool:
 
 
 def _renumbered(ds: xr.Dataset) -> tuple[xr.Dataset, list[str]]:
-    """The dataset, with records numbered from 1 if it was cut, and a comment that says so."""
+    """The dataset, with the records of a cut one numbered from 1, and a comment if that changed any
+    number.
+    """
     if not _is_cut(ds) or not ds["record"].size:
         return ds, []
     ds, numbers = _by_record(ds)
@@ -223,8 +225,8 @@ def _renumbered(ds: xr.Dataset) -> tuple[xr.Dataset, list[str]]:
 
 
 def _without_source(header: _core.AQ_HeaderMask, comments: list[str]) -> list[str]:
-    """Removes the name of the whole history from the map's header, which a cut map does not fit.
-    Returns the comments, which now give that name.
+    """If there is a comment, the map was cut: removes the name and the date of the whole history
+    from its header. Returns the comments, which then give that name.
     """
     if not comments or not header.sGenerationFile:
         return comments
