@@ -35,18 +35,19 @@ class SystemFileInformation : public FileInformation {
 
 class KeepingFileInformation : public FileInformation {
  public:
-  std::string recordedName(const std::string& path) override {
-    return fileInformation()->recordedName(path);
-  }
-  std::string fileDateTime(const std::string& path) override {
-    return fileInformation()->fileDateTime(path);
-  }
-  std::string currentDateTime() override { return fileInformation()->currentDateTime(); }
+  explicit KeepingFileInformation(std::shared_ptr<FileInformation> used) : used_(std::move(used)) {}
+
+  std::string recordedName(const std::string& path) override { return used_->recordedName(path); }
+  std::string fileDateTime(const std::string& path) override { return used_->fileDateTime(path); }
+  std::string currentDateTime() override { return used_->currentDateTime(); }
 
   std::string sourceDateTime(const std::string& path, const std::string& recorded) override {
     const bool known = !recorded.empty() && recorded != kNoDateTime;
     return known || !platform::lastChanged(path) ? recorded : fileDateTime(path);
   }
+
+ private:
+  std::shared_ptr<FileInformation> used_;
 };
 
 struct Service {
@@ -76,7 +77,10 @@ std::shared_ptr<FileInformation> fileInformation() {
 }
 
 std::shared_ptr<FileInformation> keepingFileInformation() {
-  return std::make_shared<KeepingFileInformation>();
+  auto used = fileInformation();
+  // Installed before each write, they would otherwise form an ever longer chain.
+  if (dynamic_cast<KeepingFileInformation*>(used.get()) != nullptr) return used;
+  return std::make_shared<KeepingFileInformation>(std::move(used));
 }
 
 void setFileInformation(std::shared_ptr<FileInformation> information) {

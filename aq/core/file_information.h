@@ -39,9 +39,10 @@ class AQ_API FileInformation {
 /// Day 0 (1899-12-30) at midnight, as text; in a header it means an unknown date.
 inline constexpr std::string_view kNoDateTime = "12/30/1899,00:00:00";
 
-/// A service like the one in use, except that it keeps the dates that a header has for source
-/// files, and takes unknown ones from the files if they exist. A file that is read and written
-/// again thus keeps its dates.
+/// A service like the one now in use, except that it keeps the dates that a header has for source
+/// files, and takes unknown ones from the files if they exist. Give it to a file object with
+/// `fileInformation`, or to all with `setFileInformation`; a file that is read and written again
+/// then keeps the date of its source.
 [[nodiscard]] AQ_API std::shared_ptr<FileInformation> keepingFileInformation();
 
 /// Installs a host's own service; `nullptr` restores the default. Safe to call from any thread.

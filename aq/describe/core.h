@@ -43,7 +43,7 @@ struct Description<AQ_Time> {
         .form("TODstring", &T::TODstring, &T::TODstring,
               "The time of day as hh:mm:ss, with a fraction if there is one, as in 12:34:56.5; "
               "reading raises unless the time is at least 0 and below 90000 s; setting raises if "
-              "the text has fewer than two colons")
+              "the text has fewer than two colons or a number too large for single precision")
         .property("CurrentDate", &T::CurrentDate, &T::CurrentDate,
                   "The calendar date; 0 means not set", Date{})
         .setter("setWorkingTime", &T::setWorkingTime, "Chooses the time that WorkingTime returns",

@@ -20,7 +20,7 @@ def _by_band(ds: xr.Dataset, name: str, *dims: str) -> tuple[xr.Dataset, int]:
     need(ds, name, "band")
     if set(ds[name].dims) != {*dims, "band"}:
         raise ValueError(
-            f"expected {name} over {', '.join((*dims, 'band'))}, found it over"
+            f"expected {name} over {', '.join((*dims, 'band'))}, found {name} over"
             f" {', '.join(map(str, ds[name].dims)) or 'nothing'}"
         )
     ds = ds.sortby("band")

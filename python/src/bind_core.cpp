@@ -67,6 +67,9 @@ class HostInformation : public FileInformation {
 };
 
 void putInForce(const py::object& host) {
+  if (py::isinstance<FileInformation>(host)) {
+    return setFileInformation(host.cast<std::shared_ptr<FileInformation>>());
+  }
   for (const char* const method : {"recordedName", "fileDateTime", "currentDateTime"}) {
     if (host.is_none() || py::hasattr(host, method)) continue;
     throw py::type_error(std::string("expected an object with the method ") + method + ", found " +
@@ -80,8 +83,8 @@ void bindFileInformation(py::module_& module) {
   module.def("fileInformation", &fileInformation,
              docOf<describe::CoreFunctions>("fileInformation").c_str());
   module.def("setFileInformation", &putInForce, py::arg("information"),
-             "Installs an object with the methods of FileInformation as the file information "
-             "service; None restores the default");
+             "Installs a service, such as keepingFileInformation(), or any object with its methods "
+             "recordedName, fileDateTime and currentDateTime; None restores the default");
   py::module_::import("atexit").attr("register")(module.attr("setFileInformation"), py::none());
 }
 

@@ -144,6 +144,13 @@ def test_a_file_information_service_of_python(tmp_path: Path, history: Any) -> N
             aq.fileInformation().fileDateTime("a")
         with pytest.raises(TypeError, match="method recordedName, found str"):
             aq.setFileInformation("service")
+        aq.setFileInformation(None)
+        aq.setFileInformation(aq.keepingFileInformation())
+        assert aq.fileInformation().recordedName("a/b") == "b"
+        header = aq.AQ_HeaderSTH()
+        header.aqGenerationDateTime.CurrentDate = 45000
+        aq.AQ_DataSTH().writeFile(str(tmp_path / "x.csv"), header, history)
+        assert aq.read(tmp_path / "x.csv").header.aqGenerationDateTime.CurrentDate == 45000
     finally:
         aq.setFileInformation(None)
 

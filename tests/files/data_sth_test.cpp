@@ -81,6 +81,10 @@ TEST(DataSTH, AFileClassWithItsOwnInformationKeepsTheDateOfTheSource) {
   read.header->aqGenerationDateTime->TODseconds(86399.5);
   EXPECT_EQ(dateWith(keeping, kGood.c_str()), "GenerationFileDateTime**,03/15/2023,23:59:59");
   EXPECT_EQ(dateWith(nullptr, kGood.c_str()), "GenerationFileDateTime**,03/14/2004,07:05:09");
+  for (int writes = 0; writes < 2; ++writes) {
+    setFileInformation(keepingFileInformation());
+    EXPECT_EQ(dateWith(nullptr, kGood.c_str()), "GenerationFileDateTime**,03/15/2023,23:59:59");
+  }
 }
 
 TEST(DataSTH, AnObserverSeesTheWordsOfTheHeader) {
