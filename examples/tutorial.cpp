@@ -7,6 +7,7 @@
 
 int main(int argc, char** argv) {
   if (argc != 5) return 2;
+  aq::setFileInformation(aq::keepingFileInformation());  // keep the date of the recording
   aq::AQ_DataSTH historyFile;
   aq::HistoryWords words;  // collects the reference type, which readFile does not set
   historyFile.observeHeader([&](const aq::HeaderLine& line) { words.see(line); });
@@ -29,7 +30,12 @@ int main(int argc, char** argv) {
   // Mask levels less than 3 dB above the ambient.
   const auto map = aq::maskByAmbient(*history, *ambient, 3);
   history->setLGB(*map);
-  std::cout << "last good band of record 1: " << history->spectrum(1)->Metric()->LGB() << '\n';
+  int masked = 0;
+  for (const auto& [record, row] : *map) {
+    for (const auto& [band, mask] : *row) masked += mask.MaskMode() != aq::NOT_MASKED ? 1 : 0;
+  }
+  std::cout << masked << " levels masked\nlast good band: " << map->Row(1)->LGB()
+            << " in record 1, " << map->Row(30)->LGB() << " in record 30\n";
 
   // Compute the metrics of each record, and the event.
   const auto event = aq::setMetrics(*history, map.get());
@@ -40,7 +46,9 @@ int main(int argc, char** argv) {
 
   // Write both files, and read the history back.
   const auto mapHeader = std::make_shared<aq::AQ_HeaderMask>();
+  mapHeader->sGeneratedBy = "tutorial";
   mapHeader->sGenerationFile = argv[3];
+  mapHeader->cCommentLines->Add("Criterion: less than 3 dB above the ambient");
   aq::AQ_DataMask mapFile;
   if (historyFile.writeFile(argv[3], header, *history) != aq::AQ_DATA_OK) return 1;
   if (mapFile.writeFile(argv[4], mapHeader, *map) != aq::AQ_DATA_OK) return 1;
