@@ -46,8 +46,8 @@ class AQ_API AQ_Time {
   /// are rounded to 7 significant digits (12:34:56.5). 24 hours are written as 00. Getting it
   /// throws `InvalidValue` for times below 0 s and from 90000 s up. Setting it takes three numbers
   /// separated by colons. A "PM" anywhere in the text adds 12 hours (12:30:00 PM gives 24.5 hours);
-  /// with an "AM", 12 hours become 0. Throws `InvalidArgument` for fewer than two colons, `Overflow` for a number too
-  /// large for single precision.
+  /// with an "AM", 12 hours become 0. Throws `InvalidArgument` for fewer than two colons,
+  /// `Overflow` for a number too large for single precision.
   [[nodiscard]] std::string TODstring() const;
   void TODstring(std::string_view text);
 

@@ -103,7 +103,10 @@ def mask_variables(modes: Any, adjustments: Any, last_good_bands: Any) -> dict[s
             dims, adjustments, _core.AQ_MASK_ADJUST, "adjustment of a masked level"
         ),
         "last_good_band": variable(
-            "time", last_good_bands, "1", "last good band; 0 if all are good, 9999 if none is"
+            "time",
+            last_good_bands,
+            "1",
+            "last good band; 0 if no mask limits it, 9999 if there is none",
         ),
     }
 
@@ -207,7 +210,7 @@ def map_to_xarray(
     self: _core.AQ_MaskMap, header: Optional[_core.AQ_HeaderMask] = None
 ) -> xr.Dataset:
     """A dataset with `mask_mode` and `mask_adjustment(time, band)` (flags, -1 where a row has no
-    mask), and `last_good_band(time)` (0 if all bands are good, 9999 if none is).
+    mask), and `last_good_band(time)` (0 if no mask limits it, 9999 if there is none).
 
     >>> (mask.to_xarray().mask_mode > 0).sum()
     """
