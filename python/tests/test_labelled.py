@@ -128,7 +128,10 @@ def test_the_engine_joins_the_map_and_drops_variables(sample: Path) -> None:
         (xr.Dataset({"level": ("time", [1.0])}), "lacks band"),
         (xr.Dataset({"x": ("time", [1.0])}), "lacks time, y, z"),
         (HISTORY.to_xarray().assign_coords(band=[17, 19]), "consecutive bands"),
-        (xr.Dataset({"level": ("band", [1.0])}, {"band": [17]}), "over time, band, found level over band"),
+        (
+            xr.Dataset({"level": ("band", [1.0])}, {"band": [17]}),
+            "over time, band, found level over band",
+        ),
         (xr.Dataset({"level": GRID, "record": TWICE, "file": 0}, BANDS), "4 again; select one"),
     ],
 )
