@@ -1,5 +1,5 @@
-// Reads the fields of any delimited text, compared with reading them into a vector of vectors of
-// strings.
+// Reading the fields of a delimited text, compared with a plain loop that splits it into a vector
+// of vectors of strings.
 #include <fstream>
 #include <vector>
 

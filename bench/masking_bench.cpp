@@ -1,4 +1,5 @@
-// Masking maps of 32,767 rows and 24 bands, compared with plain loops over two letters per band.
+// Reading and writing masking maps of 32,767 rows and 24 bands, compared with plain loops over two
+// letters per band.
 #include <charconv>
 #include <fstream>
 #include <string_view>

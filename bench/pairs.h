@@ -5,9 +5,9 @@
 
 namespace bench {
 
-/// Times `tested` and `plain`, usually a loop that does the same work without the library, in one
-/// run. Calls both repeatedly; the table shows `name` with the ratio of their medians times
-/// `scale`.
+/// Adds a pair to the run: `tested`, and `plain`, usually a loop that does the same work without
+/// the library. The table shows `name` with the median time of `tested` divided by that of `plain`,
+/// times `scale`.
 void addPair(const std::string& name, const std::function<void()>& plain,
              const std::function<void()>& tested, double scale = 1);
 

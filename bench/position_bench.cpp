@@ -1,4 +1,4 @@
-// Position histories of 32,767 lines, compared with a plain loop over from_chars.
+// Reading a position history of 32,767 lines, compared with a plain loop that calls from_chars.
 #include <charconv>
 #include <vector>
 

@@ -1,5 +1,5 @@
-// A recording of 10,000 scans of 40 third octaves, compared with a plain loop over its bytes and
-// logarithms.
+// Reading a recording of 10,000 scans of 40 third octaves, compared with a plain loop that turns
+// its bytes into levels.
 #include <aq/sdf/layout.h>
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-"""Times reading a history of 32,767 records and 24 bands into an array, compared with pandas.
+"""Times reading a history of 32,767 records and 24 bands into an array, by the library and pandas.
 
     PYTHONPATH=build/release/python /usr/bin/python3 bench/to_array.py
 """

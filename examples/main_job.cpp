@@ -96,8 +96,8 @@ void report(const std::string& what, const std::string& found) {
   std::cout << "  " << std::left << std::setw(26) << what << std::right << found << '\n';
 }
 
-/// Prints which parts of `a` and `b` are equal; returns true if all parts that the file contains
-/// are.
+/// Prints which parts of `a` and of `b`, its copy read back, are equal; false if a part that a copy
+/// should keep differs.
 bool compare(const Measurement& a, const Measurement& b) {
   AQ_SpectralTimeHistory& one = *a.history;
   AQ_SpectralTimeHistory& two = *b.history;

@@ -1,4 +1,4 @@
-// Makes a masking map, in which levels less than a margin above the ambient are masked:
+// Makes a masking map in which levels less than a margin above the ambient are masked:
 //   mask_by_ambient HISTORY AMBIENT MARGIN OUT
 #include <cstdlib>
 

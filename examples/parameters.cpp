@@ -9,6 +9,6 @@ int main(int argc, char** argv) {
   std::cout << "records " << parameters.LoRec() << " to " << parameters.HiRec() << '\n';
   parameters.NuAvg(aq::AQ_4S100);
   parameters.PoWndo(12.5F);
-  parameters.Comments()->Add("Window after the event widened");
+  parameters.Comments()->Add("Widened the window after the event");
   return isGood(parameters.writeFile(argv[2]), parameters) ? 0 : 1;
 }

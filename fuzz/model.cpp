@@ -39,7 +39,7 @@ bool succeeds(bool wrong, ErrorCode code, const Call& call) {
     call();
     expect(!wrong, "a refusal");
   } catch (const Error& error) {
-    expect(wrong && error.code() == code, "the outcome of a call");
+    expect(wrong && error.code() == code, "no error but that of a wrong call");
   }
   return !wrong;
 }
@@ -100,14 +100,14 @@ void driveSeries(Calls& calls) {
     range.widen(record);
     expect(std::equal(series.placed().begin(), series.placed().end(), plain.begin(), plain.end(),
                       [](const auto& a, const auto& b) { return a == b.second; }),
-           "the order of storing");
+           "objects in the order of storing");
     auto sorted = plain;
     std::sort(sorted.begin(), sorted.end());
     expect(std::equal(history.begin(), history.end(), sorted.begin(), sorted.end(),
                       [](const auto& a, const auto& b) {
                         return a.first == b.first && a.second == b.second;
                       }),
-           "the order of numbers");
+           "records in ascending order");
     const auto place = static_cast<std::size_t>(calls.below(20)) % plain.size();
     expect(series.atPlace(static_cast<int>(place) + 1) == plain[place].second, "a place");
     expect(history.Count() == static_cast<int>(plain.size()), "the count");

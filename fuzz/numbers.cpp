@@ -67,7 +67,7 @@ void checkNumbers(std::string_view text) {
   const bool isPlain = count >= 1 && count <= 15 && points <= 1 &&
                        static_cast<std::size_t>(count + points) == digits.size();
   const PlainNumber plain = plainNumber(text);
-  expect(plain.length == (isPlain ? field.size() : 0), "a plain number where there is one");
+  expect(plain.length == (isPlain ? field.size() : 0), "a plain number exactly where there is one");
   checkReal<double>(field, plain, doubleFrom);
   checkReal<float>(field, plain, singleFrom);
 
@@ -76,7 +76,7 @@ void checkNumbers(std::string_view text) {
   expect(converted(int16From, field) == integer || !integer, "the integer");
   const PlainInteger quick = plainInteger(text);
   const bool taken = isInteger && integer && *integer != INT16_MIN;
-  expect(quick.length == (taken ? field.size() : 0), "a plain integer where there is one");
+  expect(quick.length == (taken ? field.size() : 0), "a plain integer exactly where there is one");
   expect(!taken || quick.value == *integer, "the integer by the fast path");
 }
 
@@ -87,7 +87,7 @@ void checkClock(std::string_view text) {
   const bool isClock = field.size() >= 8 && field.size() <= kForm.size() &&
                        std::equal(field.begin(), field.end(), kForm.begin(), fits);
   const PlainClock plain = plainClock(text);
-  expect(plain.length == (isClock ? field.size() : 0), "a clock time where there is one");
+  expect(plain.length == (isClock ? field.size() : 0), "a clock time exactly where there is one");
   if (!isClock) return;
   AQ_Time time;
   time.TODstring(' ' + std::string(field));  // the blank prevents the fast path
@@ -146,7 +146,7 @@ std::string defaultText(double value, int digits) {
 }
 
 std::string hundredths(double level) {
-  // A tie has exactly three decimals; at this size no other double looks like one.
+  // Only a tie has 5 as its third decimal and then 37 zeros.
   const bool tie = printed("%.*f", 40, level).ends_with("5" + std::string(37, '0'));
   std::string text = printed("%.*f", tie ? 3 : 2, level);
   if (tie) text.pop_back();

@@ -1,5 +1,6 @@
-// Runs each target, built with any compiler, on the saved inputs and on all samples of every
-// format, and the targets that need no file also on generated inputs: replay CORPUS SAMPLES
+// Runs each target without the fuzzer, so with any compiler, on its saved inputs and on all samples
+// of every format. Also runs the targets numbers and model on generated inputs:
+//   replay CORPUS SAMPLES
 #include <array>
 #include <filesystem>
 #include <iostream>

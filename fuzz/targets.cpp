@@ -32,7 +32,7 @@ std::string fileWith(std::string_view input) {
   return path;
 }
 
-/// A line number just past the last line of the input.
+/// The highest line number that a message about the input may name.
 std::size_t lineAfter(std::string_view input) {
   return static_cast<std::size_t>(std::count(input.begin(), input.end(), '\n')) + 2;
 }

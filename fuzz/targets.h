@@ -21,7 +21,6 @@ void run(std::string_view name, std::string_view input);
 /// Ends the process unless `holds`.
 void expect(bool holds, const char* what);
 
-// The targets that are not readers.
 void roundTrip(const Target& target, std::string_view input);
 void numbers(const Target& target, std::string_view input);
 void model(const Target& target, std::string_view input);

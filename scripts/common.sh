@@ -1,8 +1,8 @@
-# Shared by all scripts. Source it; it changes to the project's folder.
+# Sourced by the shell scripts in this folder. Changes to the project's folder.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-# What the command line tool and the Python package with its tests need.
+# What the command line tool and the Python package need; tests need more.
 tool_packages=(libcli11-dev libfmt-dev nlohmann-json3-dev zlib1g-dev libxlsxwriter-dev)
 python_packages=(python3-dev pybind11-dev python3-setuptools python3-wheel python3-numpy
   python3-pandas python3-xarray python3-dask python3-distributed python3-netcdf4

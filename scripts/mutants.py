@@ -4,8 +4,8 @@
 
 Each worker has its own copy of the source tree and its own build, in a temporary folder. A change
 that does not compile does not count; a test that hangs or runs out of memory counts as detecting
-the change. Changes that mutants.txt lists as having no effect are not tried. PLACE is how
-`file:line:` begins, such as `aq/text/` or `aq/core/time.cpp:30:`. The same seed selects the same
+the change. Changes that mutants.txt lists as having no effect are not tried. PLACE is the beginning
+of `file:line:`, such as `aq/text/` or `aq/core/time.cpp:30:`. The same seed selects the same
 changes.
 """
 

@@ -44,9 +44,9 @@ inline void checkWhole(const Doubles& cells) {
   }
 }
 
-/// Contiguous numbers of one type, converted from any type and layout; NaN for missing values.
-/// Throws `TypeError` for values that are not numbers, `ValueError` for a wrong number of
-/// dimensions and, for integers, for a fraction or a value beyond 64 bits.
+/// Contiguous numbers of one type, converted from any numeric type and layout; masked values become
+/// NaN. Throws `TypeError` for values that are not numbers, `ValueError` for a wrong number of
+/// dimensions and, for integers, for a value that is not whole or is beyond 64 bits.
 template <class Number>
 py::array_t<Number, py::array::c_style> numbersFrom(const py::object& given, py::ssize_t dimensions,
                                                     const char* wanted) {

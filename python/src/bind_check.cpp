@@ -67,7 +67,7 @@ void bindCheck(py::module_& module) {
             gathered([&](const FindingSink& sink) { checked = checkWithHistory(path.name, sink); });
         return std::pair(std::move(rows), checked.levels);
       },
-      py::arg("path"), "The rows of checkWithHistory, and a digest of a history's levels");
+      py::arg("path"), "The rows of checkWithHistory and, for a history, a digest of its levels");
   py::class_<SameLevels>(
       module, "SameLevels",
       "Finds files of an archive that have the same levels as a file seen earlier")

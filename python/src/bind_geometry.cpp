@@ -51,7 +51,8 @@ void putPoints(AQ_GeometryTimeHistory& history, const std::vector<std::int16_t>&
   for (std::size_t i = 0; i < records.size(); ++i) history.Point(records[i], points.at(i));
 }
 
-/// Points are numbered by record; arrays and pickles keep the numbers.
+/// Points are numbered by record: `records` gives the numbers, `from_numpy` takes them and pickles
+/// keep them.
 void bindNumberedPoints(Bound<AQ_GeometryTimeHistory>& history) {
   using H = AQ_GeometryTimeHistory;
   history
@@ -70,7 +71,8 @@ void bindNumberedPoints(Bound<AQ_GeometryTimeHistory>& history) {
           R"(A new series from a table made by to_numpy, or a mapping of columns of shape (points,).
 
 A missing column leaves zeros. Points are numbered from 1 unless distinct numbers are given.
-Raises ValueError for columns of other names or lengths, and for values that are not numbers.
+Raises ValueError if no column has a known name, for an unknown name in a dictionary, for unequal
+lengths and for times that are not finite; TypeError for columns that are not numbers.
 
 >>> geometry = aq_data.AQ_GeometryTimeHistory.from_numpy({"Tm": times, "SRe": ranges})
 )");
@@ -105,8 +107,8 @@ void bindGeometryHistory(const py::module_& module) {
   bindSeries<H, G>(
       history, "AQ_GeometryTimeHistory", [](const H& self) { return pointsOf(self).objects; },
       kGeometry,
-      "Times in s of the day, propagation time, position, slant range and angles of each point as "
-      "a table, shape (points,)");
+      "Dates, times (s), propagation time, position, slant range, angles and debugTime of each "
+      "point as a table, shape (points,)");
   bindNumberedPoints(history);
 }
 

@@ -19,7 +19,7 @@ void blankMasked(AQ_MaskRow& row, std::int16_t low, std::span<double> cells) {
   }
 }
 
-/// The bands of all records. Throws if a record has no spectrum.
+/// The lowest and highest band of all records. Throws if a record has no spectrum.
 NumberRange bandsOfAll(const AQ_SpectralTimeHistory& history) {
   NumberRange bands;
   for (const auto& [record, spectrum] : history) {

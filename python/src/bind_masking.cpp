@@ -39,7 +39,7 @@ py::tuple mapToArrays(const AQ_MaskMap& map) {
 
 using Numbers = py::array_t<std::int64_t, py::array::c_style>;
 
-/// A member of a mask enumeration, whose values run from `first` to `Last`.
+/// The value of a mask enumeration for a number from `first` to `Last`; throws for any other.
 template <auto Last>
 decltype(Last) member(const char* what, std::int64_t number, std::int32_t first) {
   if (number >= first && number <= Last) return static_cast<decltype(Last)>(number);
@@ -67,8 +67,8 @@ std::shared_ptr<AQ_MaskRow> rowFrom(const Numbers& modes, const Numbers& adjustm
   return row;
 }
 
-/// Codes of modes or adjustments. Accepts NaN for no decision, as in aligned frames, and booleans,
-/// with True for masked, as comparisons give.
+/// Codes of modes or adjustments. Accepts NaN for no decision, as pandas leaves it when it aligns
+/// frames, and the booleans of a comparison, with True for masked.
 Numbers codesFrom(const py::object& given) {
   const char* const wanted = "numbers in two dimensions, (records, bands)";
   const py::array array = arrayFrom(given);

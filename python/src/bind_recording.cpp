@@ -63,7 +63,7 @@ py::dict recordsOf(const Recording& recording) {
   return records;
 }
 
-/// `y` by scan, trace and value, `x` by point, and the values of the scan variable.
+/// `y` by scan, trace and value, `x` by point, and the values and unit of any scan variable.
 py::dict tracesOf(const Recording& recording, const sdf::TraceSet& set) {
   const std::size_t scans = recording.scansOf(set);
   const std::size_t values = set.traces == 0 ? 0 : set.points * set.valuesOfPoint;

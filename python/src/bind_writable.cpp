@@ -65,8 +65,7 @@ void bindWritable(py::module_& module) {
         if (kind == FileKind::FixedColumnHistory) return checkDates(history);
         checkRecords(history.LoRec(), history.HiRec(), history, &AQ_SpectralTimeHistory::spectrum);
       },
-      py::arg("model"), py::arg("kind"),
-      "Raises for data that would not be read back unchanged from the object's file");
+      py::arg("model"), py::arg("kind"), "Raises for data that a file of this kind cannot hold");
   module.def(
       kName,
       [](const AQ_MaskMap& map, FileKind /*kind*/) {

@@ -38,7 +38,7 @@ class BandRange {
 };
 
 /// The type of indexed properties such as `history.spectrum`: one object's values by number, read
-/// with a call or with `[]`.
+/// with a call or with `[]` and set with `[]`.
 template <class Owner, class Key, class Value>
 struct Indexed {
   std::shared_ptr<Owner> owner;
@@ -52,7 +52,7 @@ inline std::string docOf(const describe::About& about) {
   return doc;
 }
 
-/// The docstring of a member whose form in Python is different.
+/// The docstring of a member whose form in Python differs from that in C++.
 template <class C>
 std::string docOf(std::string_view name) {
   std::string doc;
@@ -68,7 +68,7 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
   using Object = std::shared_ptr<C>;
 
  public:
-  /// Binds all described members that have the same form in Python.
+  /// Binds all described members that have the same form in Python as in C++.
   explicit Bound(const py::module_& module)
       : Bound(module, describe::Description<C>::name, describe::Description<C>::text) {
     describe::forMembers<C>(*this);
@@ -173,7 +173,7 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
   }
 
  private:
-  /// Returns a copy where the library returns a reference to its own object.
+  /// The getter, returning a copy where the library returns a reference to its own object.
   template <class Get>
   static auto byValue(Get get) {
     if constexpr (std::is_reference_v<std::invoke_result_t<Get, C&>>) {
@@ -244,7 +244,7 @@ class Bound : public py::class_<C, std::shared_ptr<C>> {
   py::list fields_;
 };
 
-// One function per folder, in order of dependency.
+// Each binds one part of the library, after the parts whose classes it uses.
 void bindCore(py::module_& module);
 void bindMasking(py::module_& module);
 void bindSpectral(py::module_& module);

@@ -1,7 +1,7 @@
 #pragma once
 
-// Conversion of plain values between Python and the library. Include this first: text casters must
-// be defined before pybind11 casts any text.
+// Conversion of plain values between Python and the library. Include this before any code that
+// casts text, since pybind11 would use its own text caster there.
 
 #include <aq/aq.h>
 #include <aq/describe/enumerations.h>
@@ -167,7 +167,7 @@ bool isMember(std::int32_t number) {
   return named || (combines && (number & ~flags) == 0);
 }
 
-/// Members of a Python `IntEnum`, by name or number. The library takes any number; one that is not
+/// Members of a Python enumeration, or their numbers. The library takes any number; one that is not
 /// a member has no word in a file, so Python accepts it only when restoring an object.
 template <class E>
 class type_caster<E, enable_if_t<NamedEnum<E>>> {

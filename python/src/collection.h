@@ -9,8 +9,8 @@
 
 namespace aq::python {
 
-/// A collection with its own methods, which count from 1, and as a Python sequence, which counts
-/// from 0.
+/// Binds a collection with its own methods, which count from 1, and as a Python sequence, which
+/// counts from 0.
 template <class T>
 void bindCollection(const py::module_& module, const char* name) {
   using List = Collection<T>;

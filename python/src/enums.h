@@ -4,8 +4,8 @@
 
 namespace aq::python {
 
-/// A described enumeration as an `IntEnum`, or as an `IntFlag` for flags. Members of an unscoped
-/// enumeration also become members of the module.
+/// Binds a described enumeration as an `IntEnum`, or as an `IntFlag` for flags. Members of an
+/// unscoped enumeration also become members of the module.
 template <class E>
 void bindEnum(py::module_& module) {
   using Description = describe::Description<E>;

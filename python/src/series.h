@@ -66,7 +66,7 @@ void bindSeries(Bound<Series>& series, const char* name, const All& all,
 template <class Series, class Object>
 using Put = void (Series::*)(std::int32_t, std::shared_ptr<Object>);
 
-/// A series whose objects have indices: built and unpickled in the order of the indices.
+/// Adds `from_numpy` and pickling to a series whose objects are numbered from 1 without gaps.
 template <class Series, class Object, class All>
 void bindPlaced(Bound<Series>& series, const All& all, Put<Series, Object> put,
                 std::span<const Column<Object>> columns) {
@@ -83,8 +83,9 @@ void bindPlaced(Bound<Series>& series, const All& all, Put<Series, Object> put,
       },
       py::arg("columns"),
       "A new series, numbered from 1, from a table made by to_numpy, or a mapping of columns of "
-      "shape (entries,).\n\nA missing column leaves zeros. Raises ValueError for columns "
-      "of other names or lengths, and for values that are not numbers.\n\n>>> again = "
+      "shape (entries,).\n\nA missing column leaves zeros. Raises ValueError if no column has a "
+      "known name, for an unknown name in a dictionary, for unequal lengths and for times that are "
+      "not finite; TypeError for columns that are not numbers.\n\n>>> again = "
       "type(series).from_numpy(series.to_numpy())\n");
   series.container([all](const Series& self) { return all(self); },
                    [fill](Series& self, const py::handle& kept) {

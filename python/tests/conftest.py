@@ -34,7 +34,7 @@ def sample() -> Path:
 def field() -> Path:
     """The folder of field data; the test is skipped if there is none."""
     if "AQ_FIELD_DATA" not in os.environ:
-        pytest.skip("AQ_FIELD_DATA names no folder")
+        pytest.skip("AQ_FIELD_DATA is not set")
     return Path(os.environ["AQ_FIELD_DATA"])
 
 

@@ -1,4 +1,4 @@
-"""Tests folders of files: damaged files among good ones, and lazy datasets under any scheduler."""
+"""Tests scans, checks and lazy datasets of folders, with damaged files among good ones."""
 
 from __future__ import annotations
 

@@ -1,4 +1,4 @@
-"""Runs the code of the guide and of the tutorial, and the script for a notebook."""
+"""Runs the Python code of the README, the guide and the tutorial, and the notebook script."""
 
 from __future__ import annotations
 

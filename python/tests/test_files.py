@@ -1,4 +1,4 @@
-"""Reads and writes any file with one call, and tests the errors for files that cannot be read."""
+"""Tests reading and writing any file with one call, and the errors for what has no such file."""
 
 from __future__ import annotations
 

@@ -1,4 +1,4 @@
-"""The content of analyzer recordings, compared with a reader written from the layout alone."""
+"""Tests the content of analyzer recordings, their text form and folders of them."""
 
 import pathlib
 import struct

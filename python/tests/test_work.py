@@ -1,4 +1,4 @@
-"""Cutting, joining and mending give the same results as the tool, for datasets as well."""
+"""Tests cutting, joining and mending, tables read back, and the commands of the package."""
 
 import gzip
 import shutil

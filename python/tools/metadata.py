@@ -1,5 +1,5 @@
-"""Writes the package's metadata, with its entry points, next to it: `metadata.py PROJECT
-FOLDER`.
+"""Writes the package's metadata, with its entry points, into the folder that contains the package:
+`metadata.py PROJECT FOLDER`.
 
 Uses the build backend of the wheel, so that an installed prefix has the same metadata as a wheel.
 """
