@@ -2,7 +2,8 @@
 
 peers.py FOLDER TABLE: FOLDER contains the history that the benchmark program made; TABLE is the
 program's output with --json. Prints `name ratio median spread`; the ratio is the peer's median
-divided by the library's, which for reading and writing comes from TABLE. aq_data must be importable.
+divided by the library's, which for reading and writing comes from TABLE. aq_data must be
+importable.
 """
 
 import json

@@ -132,11 +132,12 @@ void bindEvent(const py::module_& module) {
                 "The noise of one aircraft passing by. Record indices start at 0.")
       .def_readonly("maximum", &E::maximum, "The first record with the largest PNLT")
       .def_readonly("first", &E::first,
-                    "The record at the first 10 dB-down limit; None if there is none")
+                    "The record at the first 10 dB-down limit; None if the records begin above it")
       .def_readonly("last", &E::last,
-                    "The record at the last 10 dB-down limit; None if there is none")
-      .def_readonly("secondPeaks", &E::secondPeaks,
-                    "Other local maxima in the summed records, within 2 dB of the largest")
+                    "The record at the last 10 dB-down limit; None if the records end above it")
+      .def_readonly(
+          "secondPeaks", &E::secondPeaks,
+          "Other local maxima among the records that the EPNL sums, within 2 dB of the largest")
       .def_readonly("pnltm", &E::pnltm, "The largest PNLT in TPNdB, without band sharing")
       .def_readonly("epnl", &E::epnl, "The EPNL in EPNdB, without band sharing")
       .def_readonly("epnlWithBandSharing", &E::epnlWithBandSharing,
@@ -186,8 +187,10 @@ void bindNoise(py::module_& module) {
       "Computes and stores the ten metrics of every record; returns the event, if there is one");
   module.def("noiseEvent", eventOf, py::arg("pnlt"), py::arg("seconds"), py::arg("toneCorrections"),
              "The event in a series of PNLT values");
-  module.def("auditMetrics", differences, py::arg("history"), py::arg("map"), py::arg("tolerance"),
-             "Record, metric, stored and computed value of every metric that differs");
+  module.def(
+      "auditMetrics", differences, py::arg("history"), py::arg("map"), py::arg("tolerance"),
+      "Record, metric, stored and computed value of every stored metric that differs: by more "
+      "than tolerance dB, or at all for bands and flags");
   module.def("membraneOf", membraneOf, py::arg("microphone"),
              "The point at which a microphone measures: X, Y and Z + Height");
   module.def("emissionGeometry", emissionGeometry, py::arg("positions"), py::arg("microphone"),

@@ -30,8 +30,8 @@ void bindWork(py::module_& module) {
         return pairOf(recordsDown(history, map, decibels));
       },
       py::arg("history"), py::arg("map") = py::none(), py::arg("decibels") = 10.0,
-      "First and last record of the event: the records within this many decibels of the largest "
-      "PNLT, plus one on each side");
+      "First and last record of the event: from the first to the last PNLT less than this many "
+      "decibels below the largest, plus the record on each side, if there is one");
   module.def(
       "cutHistory",
       [](AQ_SpectralTimeHistory& history, std::int16_t first, std::int16_t last, bool fromOne) {
