@@ -49,7 +49,7 @@ std::shared_ptr<AQ_GeometryTimeHistory> joinGeometries(AQ_GeometryTimeHistory& b
   std::int32_t last = 0;
   for (const auto& [number, point] : before) whole->Point(last = number, point);
   expect(secondsFrom(measured(whole->Point(last)), measured((*after.begin()).second)) > 0,
-         "the second geometry begins before the first one ends");
+         "the second geometry does not begin after the first one ends");
   for (const auto& [number, point] : after) whole->Point(++last, point);
   copySettings(before, *whole);
   return whole;
