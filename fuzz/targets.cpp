@@ -115,8 +115,9 @@ bool isUnwritten(std::string_view line) {
          std::count(kParameters.begin(), kParameters.end(), line.substr(0, line.find(' '))) != 0;
 }
 
-/// Whether two lines of values are equal within their text precision: levels have two decimals,
-/// other numbers seven digits.
+/// Whether two lines of values are equal as far as a file keeps them: within half a hundredth plus
+/// a millionth of the value, for any number. Lines that the writer sets itself, parameters of 0 and
+/// times just before a full second, which lose their fraction, may differ.
 bool sameLine(const std::string& a, const std::string& b) {
   if (a == b || (isWritersOwn(a) && isWritersOwn(b))) return true;
   if (isUnwritten(a)) return true;

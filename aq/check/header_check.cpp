@@ -83,7 +83,7 @@ void checkFieldsBehind(const HeaderLine& line, const Reporter& report) {
                     shown(trimmed(line.value)) + ": " + std::string(kDecimalCommaCure));
     }
     return report(Kind::LostText, {.line = line.number, .field = before + i + 1},
-                  shown(found[i]) + " after the value is not read");
+                  shown(found[i]) + " after the value is ignored");
   }
 }
 
@@ -213,7 +213,7 @@ void HeaderCheck::seeMarks(const HeaderLine& line,
                            const std::vector<std::string_view>& pieces) const {
   const bool keyword = line.use == HeaderLine::Use::Keyword;
   const auto lost = [&](std::string_view text, const char* where) {
-    report_(Kind::LostText, {.line = line.number}, shown(text) + where + " is not read");
+    report_(Kind::LostText, {.line = line.number}, shown(text) + where + " is ignored");
   };
   const std::string_view after = pieces.size() > 1 ? pieces[1] : std::string_view();
   const std::string_view value = after.substr(std::min(after.find_first_not_of('"'), after.size()));

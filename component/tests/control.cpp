@@ -9,7 +9,7 @@ template <class T>
 T* asked(IUnknown* object, REFIID iid) {
   void* found = nullptr;
   const bool isThere = object != nullptr && SUCCEEDED(object->QueryInterface(iid, &found));
-  check("the control has an interface", isThere);
+  check("the control has the requested interface", isThere);
   return static_cast<T*>(found);
 }
 

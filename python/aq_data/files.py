@@ -224,9 +224,9 @@ def write(obj: Any, path: Path, header: Any = None, exist_ok: bool = True) -> No
     1, and a comment gives their old numbers. An existing file is replaced, unless `exist_ok=False`:
     it then raises `FileExistsError`.
 
-    Raises `ValueError` for data that would not be read back unchanged (records whose bands
-    differ from the first one's, gaps between records), `TypeError` for an object without a file
-    format, `OSError` if the system refuses; the disk then stays unchanged.
+    Raises `ValueError` for data that would not be read back unchanged (records whose bands differ
+    from those of the first record, gaps between records), `TypeError` for an object without a file
+    format, and `OSError` if the file cannot be written. In each case the disk stays unchanged.
 
     >>> aq_data.write((header, history), "mended.sth.csv", exist_ok=False)
     """

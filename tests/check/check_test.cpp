@@ -168,7 +168,7 @@ TEST(Check, OneChangeIsFoundWhereItWasMade) {
     return last;
   };
   EXPECT_EQ(lastOf(",B40/10kHz", ""), "expected 27 headings, found 26");
-  EXPECT_EQ(lastOf("Name**,F", "Name**xF"), "\"x\" in place of a comma is not read");
+  EXPECT_EQ(lastOf("Name**,F", "Name**xF"), "\"x\" in place of a comma is ignored");
   EXPECT_EQ(findingsIn(folder.file("none")), std::vector<std::string>{"0:0 unreadable"});
   // A fault in every line is reported once.
   using Found = std::vector<std::string>;

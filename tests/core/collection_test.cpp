@@ -24,7 +24,7 @@ TEST(Collection, PlacesCountFromOne) {
   EXPECT_EQ(at, copy.end());
   const Collection<std::string> moved = std::move(lines);
   EXPECT_EQ(moved.Item(1), "c");
-  EXPECT_EQ(lines.Count(), 0);  // NOLINT(bugprone-use-after-move): empty, as promised
+  EXPECT_EQ(lines.Count(), 0);  // NOLINT(bugprone-use-after-move): a moved-from collection is empty
 }
 
 TEST(NumberedSeries, HoldsAnyNumber) {
