@@ -16,7 +16,7 @@
 namespace aq::com {
 namespace {
 
-/// Numbers from `low` to `high`, both included.
+/// The numbers from `low` to `high`, inclusive.
 struct Range {
   std::int32_t low = std::numeric_limits<std::int32_t>::max();
   std::int32_t high = std::numeric_limits<std::int32_t>::min();

@@ -29,7 +29,7 @@ void header(Lines& lines, AQ_HeaderMask& header) {
   lines.lines("NumberOfCommentLines", header.cCommentLines, header.nCommentLines);
 }
 
-/// The label of the highest band appears twice: hosts rely on it.
+/// The label of the highest band appears twice, since hosts rely on that.
 std::string columnHeading(const AQ_HeaderMask& header) {
   std::string heading = "Rec#,";
   if (header.iBandLow <= header.iBandHigh) {

@@ -33,7 +33,7 @@ void check(std::span<const double> pnlt, std::span<const double> seconds,
   for (const double each : seconds) {
     if (each > 0 && std::isfinite(each)) continue;
     throw Error(ErrorCode::InvalidValue,
-                "expected a duration above 0 s, found " + std::to_string(each));
+                "expected a finite duration above 0 s, found " + std::to_string(each));
   }
 }
 

@@ -47,7 +47,7 @@ constexpr auto kDecimalTexts = [] {
 }();
 
 constexpr std::size_t kLongestQuick = 8;   // a sign, three digits, a point, two decimals, a comma
-constexpr std::int32_t kQuickEnd = 99999;  // below it: at most three whole digits
+constexpr std::int32_t kQuickEnd = 99999;  // below it: at most three digits before the point
 
 /// Writes a level given in hundredths, below `kQuickEnd` in magnitude, and a comma. Returns the
 /// position after the comma; may overwrite the character there.

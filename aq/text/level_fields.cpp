@@ -10,9 +10,9 @@
 #define AQ_AVX2 __attribute__((target("avx2,bmi")))  // needs both extensions
 #endif
 
-// Comma-separated levels, each with up to three whole digits. Where the processor can shuffle
-// bytes, the ends of all fields are found first and then eight levels are taken at a time, without
-// a branch on their widths.
+// Comma-separated levels with two decimals and up to three digits before the point, or 9999.00.
+// Where the processor can shuffle bytes, the ends of all fields are found first and then eight
+// levels are taken at a time, without a branch on their widths.
 
 namespace aq {
 namespace {

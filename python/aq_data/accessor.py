@@ -121,7 +121,7 @@ class Accessor:
         need(self._ds, "level", "band")
         missing = np.setdiff1d(bands, self._ds["band"].values)
         if missing.size:
-            raise ValueError(f"expected bands of the dataset, found {missing.tolist()}")
+            raise ValueError(f"the dataset lacks the bands {missing.tolist()}")
         return self.level.sel(band=bands)
 
     def with_geometry(self, geometry: Union[xr.Dataset, AQ_GeometryTimeHistory]) -> xr.Dataset:

@@ -5,7 +5,8 @@
 namespace aq::python {
 namespace {
 
-/// The levels for a pickle, which also keeps their types, since a written file may depend on them.
+/// The levels for a pickle, with the type of each, which can affect how the level is written to a
+/// file.
 py::tuple savedLevels(const AQ_Spectrum& spectrum) {
   if (const auto plain = spectrum.plainLevels(); !plain.empty()) {
     return py::make_tuple(spectrum.LowBand(), py::bytes(reinterpret_cast<const char*>(plain.data()),

@@ -76,7 +76,7 @@ class Choice {
     if (!fs::is_directory(pathOf(name), error)) {
       onFile(session_, name, [&] { expectFile(name), addFile(name); });
     } else if (walkNew(name) && !seenMeasurement_) {
-      complainOf(name, "contains no measurement file", session_);
+      complainOf(name, "contains no measurement files", session_);
     }
   }
 

@@ -123,7 +123,7 @@ struct Summary {
     }
   }
 
-  /// Prints one line per kind of finding, or one document with all of them.
+  /// Prints a table with one line per kind of finding or, with --json, one document.
   void print(Session& session) const {
     Table table({{"finding"}, {"severity"}, {"count", true}, {"files", true}, {"meaning"}});
     Json findings = Json::object();
