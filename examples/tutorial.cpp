@@ -32,7 +32,9 @@ int main(int argc, char** argv) {
   history->setLGB(*map);
   int masked = 0;
   for (const auto& [record, row] : *map) {
-    for (const auto& [band, mask] : *row) masked += mask.MaskMode() != aq::NOT_MASKED ? 1 : 0;
+    for (const auto& [band, mask] : *row) {
+      if (mask.MaskMode() != aq::NOT_MASKED) ++masked;
+    }
   }
   std::cout << masked << " levels masked\nlast good band: " << map->Row(1)->LGB()
             << " in record 1, " << map->Row(30)->LGB() << " in record 30\n";

@@ -67,15 +67,15 @@ class HostInformation : public FileInformation {
 };
 
 void putInForce(const py::object& host) {
-  if (py::isinstance<FileInformation>(host)) {
+  if (host.is_none() || py::isinstance<FileInformation>(host)) {
     return setFileInformation(host.cast<std::shared_ptr<FileInformation>>());
   }
   for (const char* const method : {"recordedName", "fileDateTime", "currentDateTime"}) {
-    if (host.is_none() || py::hasattr(host, method)) continue;
+    if (py::hasattr(host, method)) continue;
     throw py::type_error(std::string("expected an object with the method ") + method + ", found " +
                          typeText(host));
   }
-  setFileInformation(host.is_none() ? nullptr : std::make_shared<HostInformation>(host));
+  setFileInformation(std::make_shared<HostInformation>(host));
 }
 
 void bindFileInformation(py::module_& module) {

@@ -35,7 +35,7 @@ inline void takeLevels(const AQ_Spectrum& spectrum, std::int16_t low, std::span<
   }
   for (const auto& [band, level] : spectrum) {
     const int cell = band - low;
-    if (cell < 0 || cell >= std::ssize(cells)) continue;  // guards the write
+    if (cell < 0 || cell >= std::ssize(cells)) continue;  // `cells` has no room for it
     cells[static_cast<std::size_t>(cell)] =
         at("band", band, [&level = level] { return level.toDouble(); });
   }
