@@ -43,7 +43,7 @@ def _last_good_band(ds: xr.Dataset) -> tuple[Any, bool]:
     """
     low, high = ds["band"].values[[0, -1]]
     last = ds["last_good_band"].values.astype(float)
-    last[last == 0] = high  # no mask limits it
+    last[last == 0] = high  # no band from 29 up is masked
     none = last == NO_BAND_IS_GOOD
     last[none] = low - 1
     return np.clip(last + 0.5, low - 0.5, high + 0.5), bool(none.any())

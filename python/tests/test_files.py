@@ -1,4 +1,4 @@
-"""Tests reading and writing any file with one call, and the errors for what has no such file."""
+"""Tests reading and writing any file with one call, and what cannot be read or written."""
 
 from __future__ import annotations
 
