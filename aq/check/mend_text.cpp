@@ -24,7 +24,7 @@ void appendUtf8(std::uint32_t code, std::string& text) {
   byte(0xF0 | code >> 18), following(code >> 12), following(code >> 6), following(code);
 }
 
-/// Converts UTF-16 to UTF-8; nothing if the bytes are not valid UTF-16.
+/// Converts UTF-16 to UTF-8; returns nothing if the bytes, at least one, are not valid UTF-16.
 std::optional<std::string> fromUtf16(std::string_view bytes) {
   const bool mark = bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
   const bool highFirst = mark ? bytes.front() == '\xFE' : bytes.front() == '\0';

@@ -24,7 +24,7 @@ class RecordLines {
   RecordLines(const std::string& path, const HeaderCheck& header, const DataColumns& columns,
               const Reporter& report);
 
-  /// False if decimal commas made every value wrong; then there are no records.
+  /// False if decimal commas made every value wrong; no records are listed then.
   [[nodiscard]] bool readable() const { return readable_; }
 
   /// The number of data lines.

@@ -15,8 +15,8 @@ struct AQ_API FileFailure {
   std::string expected;   ///< as in `a level`
   std::string found;      ///< as in `"6x.2"`: text from the file in quotes, escaped and cut
 
-  /// In one line: `landing.csv, line 24, field 7: expected a level, found "6x.2"`, or `cannot open
-  /// landing.csv: No such file or directory` for an error of the operating system.
+  /// The failure as one line: `landing.csv, line 24, field 7: expected a level, found "6x.2"`, or,
+  /// for an operating system error, `cannot open landing.csv: No such file or directory`.
   [[nodiscard]] std::string message() const;
 };
 

@@ -43,9 +43,9 @@ AQ_API void copyLevels(std::span<const LevelCode> codes, double* levels);
 
 inline constexpr std::size_t kLevelColumns = 8;
 
-/// Takes levels that are not negative, in columns eight characters wide, right-aligned with two
-/// decimals, from the start of `text` until `codes` is full, the text ends or a column has another
-/// form, such as eight blanks; returns how many.
+/// Reads levels of at least 0 from eight-character columns, right-aligned with two decimals, and
+/// returns how many. Stops when `codes` is full, the text ends, or a column has another form (such
+/// as eight blanks) or a level too large for a code. On a big-endian machine it reads none.
 [[nodiscard]] AQ_API std::size_t codesInColumns(std::string_view text, std::span<LevelCode> codes);
 
 /// Writes a level into eight columns, right-aligned with two decimals.

@@ -109,9 +109,10 @@ class Accessor:
         return total.rename("overall_level")
 
     def metrics(self) -> xr.Dataset:
-        """The ten noise metrics of each record, as `aq_data.metrics` computes them, but over
-        `time`; their attributes give the units. For a dataset from `open_many` they are computed on
-        demand, with one event per file. Raises `ValueError` if the dataset has no levels.
+        """The ten noise metrics of each record, computed as by `aq_data.metrics` but with the
+        dimension `time`; their attributes give the units. For a dataset from `open_many` they are
+        computed on demand, with one event per file. Raises `ValueError` if the dataset has no
+        levels.
 
         >>> ds.aq.metrics().PNLT.max()
         """

@@ -255,7 +255,7 @@ class _Measured(NamedTuple):
     bands: Any
 
     def by_file(self) -> Iterator[tuple[slice, _core.AQ_SpectralTimeHistory, Any]]:
-        """Each file's slice of the records, its history and its map."""
+        """For each file: its slice of the records, its history, and its map or None."""
         files = self.numbers[:, 2]
         starts = np.flatnonzero(np.diff(files, prepend=np.nan) != 0)
         for start, end in zip(starts, [*starts[1:], len(files)]):
