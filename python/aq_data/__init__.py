@@ -1,4 +1,4 @@
-"""Aircraft noise measurements: read any file, work on arrays and tables, write everything back."""
+"""Reads and writes files of aircraft noise measurements, as objects, arrays and tables."""
 
 from importlib import import_module as _import_module
 from typing import Any as _Any
@@ -8,8 +8,8 @@ from ._core import *  # noqa: F403
 from ._core import FileKind, kindOfFile
 from .errors import Error, FileError
 from . import labelled as _labelled  # attaches to_xarray to the classes
-from . import tables as _tables  # attaches to_pandas
-from . import objects as _objects  # [], ==, notebooks
+from . import tables as _tables  # attaches to_pandas and from_pandas
+from . import objects as _objects  # adds [], == and tables in notebooks
 from . import accessor as _accessor  # registers Dataset.aq
 from .archive import check, scan
 from .many import open_many
@@ -57,7 +57,7 @@ def __dir__() -> list[str]:
 
 
 def __getattr__(name: str) -> _Any:
-    if name == "plot":  # matplotlib is slow to import, and not every job draws
+    if name == "plot":  # matplotlib is slow to import, and most programs do not draw
         return _import_module("aq_data.plot")
     if name == "__version__":
         return _import_module("importlib.metadata").version("aq_data")

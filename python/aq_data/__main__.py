@@ -12,7 +12,7 @@ from .errors import Error
 from .files import read, write
 from .restore import measurement
 
-_PAGE = {  # the argument of `plot.page` for each class of content
+_PAGE = {  # the part of a page that each class of content supplies
     _core.AQ_SpectralTimeHistory: "history",
     _core.AQ_MaskMap: "mask",
     _core.AQ_Spectrum: "ambient",
@@ -68,7 +68,7 @@ def plot(output: str, *paths: str) -> None:
 
 
 def _single(found: dict[str, Any], pictures: Any) -> Any:
-    """Draws a page for files without a history."""
+    """For files without a history, draws the spectrum, else the positions, else the geometry."""
     draw: dict[str, Callable[[Any], Any]] = {
         "ambient": lambda data: pictures.spectrum(data),
         "positions": lambda data: pictures.ground_track(
@@ -83,8 +83,8 @@ def _single(found: dict[str, Any], pictures: Any) -> Any:
 
 
 def convert(source: str, output: str, mask: Optional[str] = None) -> None:
-    """Converts to netCDF, with a history and its map in one dataset, or back, with the map in a
-    file next to the history.
+    """Converts a file to netCDF, or netCDF back to files. A history and its map make one dataset;
+    on the way back, the map gets a file of its own next to the history.
     """
     import xarray as xr
 

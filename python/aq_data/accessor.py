@@ -18,7 +18,7 @@ INVALID_LEVEL = float(AQ_CONSTANTS.AQ_INVALID_LEVEL)
 
 @xr.register_dataset_accessor("aq")  # type: ignore[no-untyped-call]
 class Accessor:
-    """Selections and sums over `level(time, band)`; none of them changes the dataset."""
+    """Operations on a dataset with `level(time, band)`; none of them changes it."""
 
     def __init__(self, ds: xr.Dataset) -> None:
         self._ds = ds
@@ -73,9 +73,10 @@ class Accessor:
         down: Optional[float] = None,
     ) -> xr.Dataset:
         """The dataset cut to a range of records, by number or between two times of day, or to the
-        event: the records within `down` decibels of the largest PNLT (masks taken into account),
-        plus one on each side. Records keep their numbers; `measurement` returns history and map.
-        Raises `ValueError` unless exactly one range is given, or if no record remains.
+        event: from the first to the last record within `down` decibels of the largest PNLT (masks
+        taken into account), plus one on each side. Records keep their numbers; `measurement`
+        returns history and map. Raises `ValueError` unless exactly one range is given, or if no
+        record remains.
 
         >>> ds.aq.cut(down=10)
         """
@@ -86,7 +87,7 @@ class Accessor:
             places = np.flatnonzero((numbers >= records[0]) & (numbers <= records[1])) + 1
             if not places.size:
                 raise ValueError(
-                    f"expected records of {numbers[0]} to {numbers[-1]}, found {records}"
+                    f"expected records from {numbers[0]} to {numbers[-1]}, found {records}"
                 )
             records = int(places[0]), int(places[-1])
         rows = None if mask is None else mask.data
@@ -97,8 +98,9 @@ class Accessor:
         return self._ds.isel(time=((here >= first) & (here <= last)).values)
 
     def overall(self, bands: Optional[Iterable[int]] = None) -> xr.DataArray:
-        """The energy sum in dB, over `time`, of the bands with the given numbers, by default of all
-        bands; NaN where no band has a level. Raises `ValueError` for a band that the dataset lacks.
+        """The energy sum of each record, in dB, over the bands with the given numbers, by default
+        all bands; NaN where no band has a level. Raises `ValueError` for a band that the dataset
+        lacks.
 
         >>> ds.aq.unmasked().aq.overall(range(24, 34)).max()
         """
@@ -109,7 +111,7 @@ class Accessor:
         return total.rename("overall_level")
 
     def metrics(self) -> xr.Dataset:
-        """The ten noise metrics of each record, computed as by `aq_data.metrics` but with the
+        """The ten noise metrics of each record, computed as in `aq_data.metrics` but with the
         dimension `time`; their attributes give the units. For a dataset from `open_many` they are
         computed on demand, with one event per file. Raises `ValueError` if the dataset has no
         levels.
@@ -127,8 +129,8 @@ class Accessor:
 
     def with_geometry(self, geometry: Union[xr.Dataset, AQ_GeometryTimeHistory]) -> xr.Dataset:
         """The dataset joined with the emission geometry of records with the same number, NaN for
-        other records: `slant_range`, `x`, `theta` and others over `time`, in the units of their
-        attributes. Raises `ValueError` for a duplicate record number.
+        other records: `slant_range`, `x`, `theta` and others over `time`, in the units that their
+        attributes give. Raises `ValueError` for a duplicate record number.
 
         >>> ds.aq.with_geometry(geometry).plot.scatter("slant_range", "theta")
         """

@@ -69,9 +69,9 @@ def absolute(paths: Union[Path, Iterable[Path]]) -> list[str]:
 
 
 def walked(path: str, seen: set[str], more: tuple[str, ...] = ()) -> Iterator[str]:
-    """The path itself, or the measurement files below a folder. Visits each folder once, since
-    links may form a loop. A broken link counts as an unreadable file. `more` lists additional
-    file name suffixes.
+    """The path itself or, for a folder, the measurement files below it: those of a known kind and
+    those that end in `.csv`, `.nc` or one of `more`. A broken link with such an ending counts as an
+    unreadable file. Visits each folder once, since links may form a loop.
     """
     if not os.path.isdir(path):
         yield path
@@ -106,12 +106,12 @@ class Finding(NamedTuple):
 
     @property
     def doubts_levels(self) -> bool:
-        """Whether the finding means that levels may differ from those measured."""
+        """Whether this is an error, or a warning that levels may differ from those measured."""
         return self.kind in _DOUBTING
 
 
 class Checked(NamedTuple):
-    """The findings of a file, and a digest of the levels of a history."""
+    """The findings of a file and, for a history with enough levels, a digest of these."""
 
     found: list[Finding]
     levels: Optional[int] = None
@@ -141,7 +141,7 @@ def counts(found: list[Finding]) -> dict[str, int]:
 
 
 def header_words(header: Any) -> dict[str, str]:
-    """Project, microphone and generating program, under any of the names that headers use."""
+    """Project, microphone and generating program of a header, empty if it has no such field."""
     return {
         column: next((getattr(header, name) for name in names if hasattr(header, name)), "")
         for column, names in _HEADER_COLUMNS.items()
@@ -197,13 +197,14 @@ def scan(
     """Lists the files below a folder, one row per file, in path order.
 
     The columns are `path`, `kind`, what the header says (`project`, `microphone`, `generated_by`,
-    `begin`, `averaging`, `stamp`), record and band numbers, the number of `errors`, `warnings` and
-    `notes` of `check`, whether the file is `ok`, and if not, why: `line`, `field` (from 1; 0 for
-    the whole file or line), `expected`, `found`. A file is not ok if it cannot be read or, unless
-    `strict` is false, if `check` finds an error or a warning about its levels.
+    `begin`, `averaging`, `stamp`), `records` (how many), `first_record`, `last_record`,
+    `low_band`, `high_band`, the numbers of `errors`, `warnings` and `notes` that `check` finds,
+    whether the file is `ok`, and if not, why: `line`, `field` (from 1; 0 for the whole file or
+    line), `expected`, `found`. A file is not ok if it cannot be read or, unless `strict` is false,
+    if `check` finds an error or a warning about its levels.
 
-    Files are read in threads; a progress bar is shown on a terminal unless `progress` says
-    otherwise. Raises `NotADirectoryError` for a path that is not a folder.
+    Files are read in threads. `progress` turns the progress bar on or off; by default it is shown
+    only on a terminal. Raises `NotADirectoryError` for a path that is not a folder.
 
     >>> found = aq_data.scan("season-7")
     >>> found[~found.ok]
@@ -222,7 +223,7 @@ def scan(
 
 
 def check(paths: Union[Path, Iterable[Path]]) -> pd.DataFrame:
-    """The findings of `aqdata check`, one per row, ordered by path and line.
+    """The findings of `aqdata check`, one per row, by file and line.
 
     `paths` is a file, a folder, a pattern or a list of files and folders. In a folder and its
     subfolders, checks files that end in `.csv` or `.nc` or are of a known kind, except hidden ones
@@ -230,7 +231,7 @@ def check(paths: Union[Path, Iterable[Path]]) -> pd.DataFrame:
     those computed from its levels. The columns are `path`, `severity` ("error", "warning", "note"),
     `kind`, `line` and `field` (from 1; 0 for the whole file or line), `record`, `band`, `message`;
     `FINDING_KINDS` gives the meaning of each kind. Raises `FileNotFoundError` if nothing matches; a
-    file that cannot be read is a finding. Also finds histories that have the same levels as an
+    file that cannot be read gives a finding. Also finds histories that have the same levels as an
     earlier one.
 
     >>> aq_data.check("season-7").groupby(["severity", "kind"]).size()

@@ -210,9 +210,7 @@ def kept(ds: xr.Dataset) -> dict[str, Any]:
     except (TypeError, ValueError):
         values = None
     if not isinstance(values, dict) or values.get("kind") not in KINDS:
-        raise ValueError(
-            f"expected the attribute aq of a dataset of the library, found {text!r:.60}"
-        )
+        raise ValueError(f"expected the attribute aq as this library writes it, found {text!r:.60}")
     return values
 
 
@@ -237,10 +235,12 @@ def need(ds: Any, *names: str) -> None:
 
 
 def dataset_of(data: Any, *names: str) -> xr.Dataset:
-    """The given dataset, or that of the given object; it must have these variables."""
+    """The given dataset, or that of the given object; it must have the variables `names`."""
     if not isinstance(data, xr.Dataset):
         if not hasattr(type(data), "_fields") or not hasattr(data, "to_xarray"):
-            raise TypeError(f"expected a dataset or an object, found {type(data).__name__}")
+            raise TypeError(
+                f"expected a dataset or an object of this library, found {type(data).__name__}"
+            )
         data = data.to_xarray()
     need(data, *names)
     return data  # type: ignore[no-any-return]
@@ -301,7 +301,8 @@ def flags(dims: tuple[str, str], values: Any, enum: Any, long_name: str) -> xr.V
     return variable(dims, values, "", long_name, **values_and_meanings)
 
 
-DATE, CLOCK, CLOCK_BESIDE, LENGTH = "date", "clock", "clock beside time", "length"  # not units
+# Kinds of columns, which stand in place of a unit in the lists of columns.
+DATE, CLOCK, CLOCK_BESIDE, LENGTH = "date", "clock", "clock beside time", "length"
 
 
 def _own_times(name: str, dim: str, own: Any, seconds: Any) -> dict[str, xr.Variable]:

@@ -98,8 +98,8 @@ def _tells(values: Any) -> bool:
 def time_axis(ax: Axes, *datasets: xr.Dataset) -> list[Any]:
     """Labels the horizontal axis, and returns the times of each dataset on it.
 
-    These are times relative to the reference if the first dataset with records has them, otherwise
-    times of day, otherwise record numbers.
+    These are times relative to the reference if the first dataset with records has them set,
+    otherwise times of day, otherwise record numbers.
     """
     first = next((ds for ds in datasets if ds["time"].size), datasets[0])
     kinds = [name for name in _TIMES if name in first.variables]
@@ -122,7 +122,9 @@ def _frequency_label(hertz: float) -> str:
 
 
 def frequency_axis(axis: Any, ds: xr.Dataset) -> None:
-    """Ticks at every third band, an octave apart, labelled with their nominal frequencies."""
+    """Ticks an octave apart, at every third band, or at all bands if none of those is drawn;
+    labelled with the nominal frequencies.
+    """
     bands = ds["band"].values
     octaves = bands[bands % 3 == 0]
     if len(octaves) == 0:
@@ -133,7 +135,7 @@ def frequency_axis(axis: Any, ds: xr.Dataset) -> None:
 
 
 def edges(ax: Axes, centres: Any) -> Any:
-    """Cell edges halfway between centres; a single centre gets a cell as wide as one record."""
+    """Cell edges halfway between centres; a single cell is one record, or half a second, wide."""
     if len(centres) < 2:
         half = 0.5 if ax.get_xlabel() == _TIMES["record"] else 0.25
         return np.concatenate([centres - half, centres + half])

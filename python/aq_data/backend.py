@@ -35,7 +35,7 @@ def to_dataset(reading: Reading[Any, Any], mask: Optional[Path] = None) -> xr.Da
 
 
 class AqBackend(BackendEntrypoint):
-    """Histories, maps, spectra, positions and geometry as datasets."""
+    """Opens measurement files as datasets; kinds in `LABELLED` do not need `engine="aq"`."""
 
     description = "Aircraft noise measurements"
     open_dataset_parameters = ("filename_or_obj", "drop_variables", "mask")

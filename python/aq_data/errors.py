@@ -20,7 +20,7 @@ class Error(Exception):
 
 
 class NoEntryError(Error, KeyError, ValueError):
-    """No entry with that key, or malformed text."""
+    """No entry with that key, malformed text, or unsuitable arguments."""
 
 
 class NoPlaceError(Error, IndexError):
@@ -28,11 +28,13 @@ class NoPlaceError(Error, IndexError):
 
 
 class UnwritableError(Error, ValueError):
-    """A value that cannot be written as text."""
+    """A value that is not allowed, or a time of day that cannot be written."""
 
 
 class MismatchError(Error, TypeError):
-    """A value that does not convert to the requested type, or an object that is missing."""
+    """A value that does not convert to the requested type, a required object that is missing, or a
+    member that the object does not have.
+    """
 
 
 class RangeError(Error, OverflowError):

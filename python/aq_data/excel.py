@@ -71,7 +71,7 @@ def _number(value: Any) -> float:
 
 
 def _stamp(text: Any, seconds: float) -> float:
-    """The time of day in `text`, or `seconds` if the text was rounded to the next second."""
+    """The time of day in `text`, or `seconds` if they differ by more than the text's rounding."""
     own = as_time(str(text)).TODseconds if text else seconds
     return own if abs(own - seconds) < 0.006 else seconds
 
@@ -115,7 +115,7 @@ def _mask_row(low: int, last_good_band: Any, letters: str) -> _core.AQ_MaskRow:
 
 
 def _sheets(path: str) -> Iterator[tuple[str, list[tuple[Any, ...]]]]:
-    import openpyxl  # most jobs need no workbooks
+    import openpyxl  # optional, and needed only here
     from openpyxl.utils.exceptions import InvalidFileException
 
     with open(path, "rb") as file:
@@ -131,7 +131,8 @@ def read_excel(path: Path) -> dict[str, Run]:
     """The runs of a workbook that `aqdata convert FILES -o BOOK.xlsx` wrote, by the names of their
     sheets: `(history, mask, geometry)`, each with its header; `geometry` is always None.
 
-    Raises `FileError` for any other file. Does not read metrics, which follow from the levels.
+    Raises `FileError` for any other file, `OSError` for one that cannot be opened. Does not read
+    metrics, which follow from the levels.
 
     >>> for name, run in aq_data.read_excel("season.xlsx").items():
     ...     aq_data.write(run.history, f"{name}.sth.csv")

@@ -41,11 +41,11 @@ def read_tracking(path: Path, limit: int = 1) -> Tracking:
 def read_sdf(path: Path) -> dict[str, Any]:
     """The content of an analyzer recording: its records as dictionaries, its traces as arrays.
 
-    `recording["SDF_CHANNEL_HDR"]` is a list of dictionaries of fields; so are the other records,
-    under the names of their types. `recording["traces"][i]` belongs to data header `i` and holds
-    `y` indexed by scan, trace and value, `x` by point and, if there is one, `scan_variable` by
-    scan. All values are as stored, without units; `read` returns levels. The other keys are
-    `revision` and `scans`, the number of valid scans.
+    `recording["SDF_CHANNEL_HDR"]` is the list of the records of that type, each a dictionary of
+    fields; other types have such lists too. `recording["traces"][i]` belongs to data header `i` and
+    holds `y` indexed by scan, trace and value, `x` by point and, if there is a scan variable,
+    `scan_variable` by scan and its `scan_unit`. Values in `y` are as stored; `read` returns levels.
+    The other keys are `revision` and `scans`, the number of valid scans.
 
     Raises the same errors as `read`.
 
@@ -206,7 +206,7 @@ def _of_one_file(ds: Any) -> AnyReading:
 
 def _with_clock_times(obj: Any) -> Any:
     """The object, or a copy in which times are rounded up to the next second if their text, which
-    has seven digits, would be a second early.
+    has only seven digits of the seconds of the day, would be nearly a second early.
     """
     if not isinstance(obj, _TIMED) or not _core._hasLateTimes(obj):
         return obj
@@ -219,10 +219,10 @@ def write(obj: Any, path: Path, header: Any = None, exist_ok: bool = True) -> No
     """Writes an object, a pair `(header, object)` as returned by `read`, or a dataset, completely
     or not at all.
 
-    Writes a new header if none is given. A dataset with masks needs two files: `measurement`
-    returns the content of each. Records of a map or a geometry cut from a dataset are numbered from
-    1, and a comment gives their old numbers. An existing file is replaced, unless `exist_ok=False`:
-    it then raises `FileExistsError`.
+    Writes a new header if none is given. A dataset with levels and masks needs two files:
+    `measurement` returns the content of each. If a dataset of a map or a geometry was cut, its
+    records are numbered from 1, and a comment gives their old numbers. An existing file is
+    replaced; with `exist_ok=False`, it raises `FileExistsError` instead.
 
     Raises `ValueError` for data that would not be read back unchanged (records whose bands differ
     from those of the first record, gaps between records), `TypeError` for an object without a file

@@ -37,7 +37,7 @@ class Format(NamedTuple):
         return Reading(None, file if self.model is self.file else given)
 
     def write(self, path: Path, header: Any, model: Any) -> None:
-        """Writes a file, keeping the header's dates of source files."""
+        """Writes a file; the dates that the header gives for source files do not change."""
         if self.header is None:
             model.writeFile(path)
             return
@@ -72,5 +72,5 @@ def format_for(obj: Any, path: str) -> Format:
     """
     written = [f for f in FORMATS.values() if f.writes and isinstance(obj, f.model)]
     if not written:
-        raise TypeError(f"expected an object that has a file, found {type(obj).__name__}")
+        raise TypeError(f"expected an object with a file format, found {type(obj).__name__}")
     return next((f for f in written if path.lower().endswith(f.ending)), written[0])

@@ -17,6 +17,7 @@ from .attributes import variable
 from .times import OWN
 
 # The variables made from the columns of the library's tables: column, variable, unit, long name.
+# Variables of metrics have the names of their columns; the caller gives the unit of a microphone.
 RECORD_TIMES = (
     ("TODseconds", "time", CLOCK, "time of day, not wrapped at midnight"),
     ("RelSeconds", "relative_time", "s", "time relative to the reference time"),
@@ -50,7 +51,12 @@ GEOMETRY = (
         CLOCK_BESIDE,
         "time of day of the emission, nearest to that of the record",
     ),
-    ("Te_RelSeconds", "emission_relative_time", "s", "emission relative to the reference time"),
+    (
+        "Te_RelSeconds",
+        "emission_relative_time",
+        "s",
+        "time of emission relative to the reference time",
+    ),
     ("Te_CurrentDate", "emission_date", DATE, "date of the emission"),
     ("Tprope", "propagation_time", "s", "propagation time from emission to measurement"),
     ("Xe", "x", LENGTH, "first coordinate of the source at emission"),
@@ -124,8 +130,8 @@ def _first(records: Any, times: Any = None) -> dict[str, Any]:
 
 
 def _named(attrs: dict[str, Any], coordinates: dict[str, Any]) -> dict[str, Any]:
-    """The attributes, without `Conventions` if times do not always ascend, as the CF conventions
-    require.
+    """The attributes, without `Conventions` if the times do not all ascend, since the CF
+    conventions require that they do.
     """
     time = coordinates.get("time")
     if time is not None and not (np.diff(time.values) > 0).all():
@@ -140,7 +146,7 @@ def check_unit(unit: str) -> str:
 
 
 def check_map(history: _core.AQ_SpectralTimeHistory, mask: _core.AQ_MaskMap) -> None:
-    """Rejects a map with other records than the history's, or with bands outside its range."""
+    """Rejects a map whose records are not those of the history, or with bands the history lacks."""
     expect(mask, _core.AQ_MaskMap, "mask")
     if not np.array_equal(mask.records, history.records):
         raise ValueError(
@@ -181,11 +187,11 @@ def history_to_xarray(
 ) -> xr.Dataset:
     """A dataset with `level(time, band)` in dB, NaN where a record has no level in a band.
 
-    Its coordinates are `time`, `relative_time` (s), `date`, `record`, `band` and `frequency` (Hz);
-    with a map there are `mask_mode` and `mask_adjustment(time, band)` (flags, -1 where a row has no
-    mask) and `last_good_band(time)`. The metrics of the history are variables too; headers and
-    settings go into the attributes. Raises `ValueError` for a map with other records
-    than the history's, or with bands outside its range.
+    Its coordinates are `time` and `relative_time` (s), `record`, `band`, `frequency` (Hz) and, if
+    any record has one, `date`; with a map there are `mask_mode` and `mask_adjustment(time, band)`
+    (flags, -1 where a row has no mask) and `last_good_band(time)`. The metrics of the history are
+    variables too; headers and settings go into the attributes. Raises `ValueError` for a map whose
+    records are not those of the history, or with bands that the history lacks.
 
     >>> ds = history.to_xarray(mask, header, mask_header)
     >>> ds.level.sel(time=52210, method="nearest")
@@ -280,7 +286,7 @@ def geometry_to_xarray(
     propagation time of each record.
 
     `unit` is the length unit, as for positions, and `angle_unit` the angle unit, degree or rad,
-    which depends on the program that computed them; any other raises `ValueError`.
+    which depends on the program that computed the angles; any other raises `ValueError`.
 
     >>> geometry.to_xarray().slant_range.min()
     """

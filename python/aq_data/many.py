@@ -35,7 +35,7 @@ class _Job(NamedTuple):
 
 
 class _Shape(NamedTuple):
-    """The properties of a history and its map that are known before their arrays are read."""
+    """What is kept of a history and its map once they are checked; their arrays are read later."""
 
     path: str
     mask: Optional[str]
@@ -255,20 +255,23 @@ def open_many(
     errors: str = "raise",
     strict: bool = True,
 ) -> xr.Dataset:
-    """Many spectral time histories as one dataset, record after record, whose levels (and masks)
-    are loaded when they are computed.
+    """The records of many spectral time histories, file after file, as one dataset. Levels and
+    masks are loaded when a computation needs them.
 
-    `paths` is a pattern or a list; `masks` names the map of each history, in the same order. With
-    patterns, a map whose header names another history is an error; lists are used unchecked.
+    `paths` is a file, a pattern or a list; `masks` names the map of each history, in the same
+    order. If `masks` is a pattern, a map whose header names another history is an error; a list is
+    not checked for this.
 
-    The dataset has `level(time, band)` in dB, NaN where a record has no level in a band and, if
-    there are masks, `mask_mode` and `mask_adjustment` of the same shape. `file(time)` is the index
-    in `path`; per file there are `project`, `microphone`, `begin` (start time as text) and the
-    number of `errors`, `warnings` and `notes` of `check` for the history and its map.
+    The dataset has `level(time, band)` in dB, NaN where a record has no level in a band. If there
+    are maps, it also has `mask_mode` and `mask_adjustment` of the same shape, and
+    `last_good_band(time)`. `file(time)` is the index in `path`; per file there are `project`,
+    `microphone`, `begin` (start time as text) and the numbers of `errors`, `warnings` and `notes`
+    that `check` finds in the history and its map.
 
     A file that cannot be read, a map that does not fit and, unless `strict` is false, a file with
     an error or a warning about its levels raise the same exceptions as reading (`FileError`,
-    `OSError`, `ValueError`); with `errors="skip"` the history is left out with a warning.
+    `OSError`, `ValueError`); with `errors="skip"` the history is left out with a warning, unless
+    its map names another history.
 
     >>> many = aq_data.open_many("season-7/*.sth.csv", "season-7/*.mask.csv", errors="skip")
     >>> many.aq.unmasked().level.max().compute()

@@ -45,7 +45,7 @@ def _pair(history: History, mask: Optional[_core.AQ_MaskMap]) -> tuple[Any, Any]
 
 
 def event_words(event: Optional[_core.NoiseEvent], first_record: int) -> dict[str, Any]:
-    """The values of an event by the names of attributes and columns, with record numbers."""
+    """The values of an event by attribute name, with record numbers in place of indices."""
     if event is None:
         return {**dict.fromkeys(EVENT, np.nan), **dict.fromkeys(_LIMITS, NO_RECORD)}
     words: dict[str, Any] = {name: getattr(event, own) for name, own in EVENT.items()}
@@ -149,10 +149,10 @@ def explain(
     """The steps of the tone correction of a record, or of a spectrum: one row per band from 80 Hz
     up.
 
-    The columns are `frequency` in Hz, `level`, `slope` and whether it is marked, whether the level
-    is removed, `adjusted` level, its slope, the mean slope, `background`, `difference` and
-    `correction`, NaN where a step has no value; the attributes `correction`, `band` and `last_band`
-    hold the result.
+    The columns are `frequency` in Hz; `level`, `slope`, `adjusted`, `adjusted_slope`, `mean_slope`,
+    `background`, `difference` and `correction` in dB, NaN where a step has no value; and the flags
+    `slope_marked` and `level_marked`, the latter for a level that is replaced to find the
+    background. The attributes `correction`, `band` and `last_band` hold the result.
 
     >>> aq_data.explain(history, 30, mask)[["level", "background", "correction"]]
     """
@@ -225,10 +225,11 @@ def emission_geometry(
     history: History,
     celsius: float,
 ) -> _core.AQ_GeometryTimeHistory:
-    """Where and when the sound of each record was emitted, in metres and seconds.
+    """Where and when the sound of each record was emitted, in metres, seconds and degrees.
 
     The source flies straight between its positions; a record whose sound was emitted before the
-    first or after the last one has no point. The microphone is at X, Y and Z + Height.
+    first or after the last one has no point. An `AQ_Microphone` measures at X, Y and
+    Z + Height.
 
     >>> geometry = aq_data.emission_geometry(positions, microphone, history, 18.5)
     >>> geometry.to_xarray().slant_range

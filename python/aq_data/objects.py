@@ -27,8 +27,8 @@ CLASSES.append(_core.AQ_Time)
 
 
 def as_time(given: Clock) -> _core.AQ_Time:
-    """The time object for a time of day: text `hh:mm:ss` with or without a fraction, a Python time,
-    or a datetime, whose date is kept. Raises `ValueError` for any other text.
+    """The given `AQ_Time`, or a new one for a time of day: text `hh:mm:ss` with or without a
+    fraction, a Python time, or a datetime, whose date is kept. Raises `ValueError` for other text.
     """
     if isinstance(given, _core.AQ_Time):
         return given
@@ -143,7 +143,7 @@ _taking_clocks(_core.AQ_Time, "setRelTime")
 
 
 def _chosen(numbers: Any, part: slice) -> list[int]:
-    """The numbers from start to stop, stop excluded."""
+    """The numbers from start to stop, stop excluded, or every step-th of them."""
     start = part.start if part.start is not None else -(2**15)
     stop = part.stop if part.stop is not None else 2**15
     return [int(n) for n in numbers if start <= n < stop][:: part.step or 1]
@@ -152,7 +152,8 @@ def _chosen(numbers: Any, part: slice) -> list[int]:
 @attach(_core.AQ_SpectralTimeHistory, name="__getitem__")
 def history_getitem(self: _core.AQ_SpectralTimeHistory, number: Any) -> Any:
     """The spectrum of a record; for a slice, a history that shares the spectra from start to stop,
-    stop excluded, and keeps their numbers. Its start time is adjusted to its first record.
+    stop excluded, and keeps their numbers. Its start time moves by as much as the time of its first
+    record.
 
     >>> history[12].SPL[24], len(history[10:50])
     """
@@ -194,7 +195,7 @@ def map_getitem(self: _core.AQ_MaskMap, number: Any) -> Any:
 @attach(_core.AQ_PositionTimeHistory, name="__getitem__")
 def positions_getitem(self: _core.AQ_PositionTimeHistory, number: Any) -> Any:
     """The position with this index, counted from 1; for a slice, a series that shares the positions
-    from start to stop, stop excluded.
+    from start to stop, stop excluded, numbered from 1.
 
     >>> track.positions[1].X
     """

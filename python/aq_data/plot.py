@@ -1,4 +1,6 @@
-"""Plots of a measurement. Each function takes datasets and an `Axes`, and returns the `Axes`."""
+"""Plots of a measurement. Each function takes datasets or objects and optionally an `Axes`, and
+returns the `Axes`; `page` makes and returns a figure.
+"""
 
 from __future__ import annotations
 
@@ -91,7 +93,7 @@ def spectrum(
     ax: Optional[Axes] = None,
 ) -> Axes:
     """The levels of one record, in dB by band, with masked levels drawn hollow, and the spectrum of
-    the ambient.
+    the ambient if it is given.
 
     Raises `ValueError` for a record that the history lacks.
 
@@ -135,7 +137,7 @@ def tone(
     mask: Optional[_core.AQ_MaskMap] = None,
     ax: Optional[Axes] = None,
 ) -> Axes:
-    """The levels of one record and their background, from which the tone correction follows."""
+    """The levels of a record or a spectrum, their background, and the largest tone correction."""
     steps, ax = explain(history, record, mask), axes(ax)
     if steps.empty:
         raise ValueError("expected valid levels from 80 Hz up, found none")
@@ -156,8 +158,8 @@ def tone(
 
 
 def _draw_event(ax: Axes, seconds: Any, ds: xr.Dataset) -> list[Any]:
-    """Draws PNLT, its maximum, and a line 10 dB below the maximum over the records that count;
-    returns the lines.
+    """Draws PNLT, its maximum, and a line 10 dB below the maximum over the records that the EPNL
+    sums; returns the lines.
     """
     pnlt = np.where(ds["PNLT"].values > 0, ds["PNLT"].values, np.nan)
     lines = ax.plot(seconds, pnlt, color=TONE, lw=1, label="PNLT (TPNdB)", **ALONE)
@@ -234,8 +236,8 @@ def ground_track(
 ) -> Axes:
     """The path over the ground, to scale, with rejected fixes and the microphone.
 
-    `unit` is the length unit: m, km, ft or nautical_mile, by default that of the dataset; any
-    other raises `ValueError`, as do positions without a fix.
+    `unit` labels the lengths, which are not converted: m, km, ft or nautical_mile, by default the
+    dataset's unit; any other raises `ValueError`, as do positions without a fix.
 
     >>> aq_data.plot.ground_track(track, microphone)
     """

@@ -130,7 +130,7 @@ def _microphone_from(ds: xr.Dataset) -> _core.AQ_Microphone:
 
 
 def _parameters_from(ds: xr.Dataset) -> _core.AQ_DataINI:
-    """Parameters from a dataset; methods and comments are attributes, absent for an unset method."""
+    """Parameters from a dataset; an unknown number for the time stamp type counts as not set."""
     need(ds, *(name for _, name, *_ in PARAMETERS))
     values = dict(kept(ds).get("settings") or {})
     if values.get("NuTimg") not in [int(member) for member in _core.AQ_TimeStampType]:
@@ -253,9 +253,9 @@ def measurement(
     if the dataset has no masks.
 
     If the dataset was cut, the records of a history with a map are numbered from 1, as a map
-    requires, and a comment in both headers gives the old numbers; without masks, records keep their
-    numbers. The map's header no longer names the whole history, which it does not fit: set
-    `sGenerationFile` to the name of the cut history.
+    requires; without masks, records keep their numbers. If numbers change, a comment in both
+    headers gives the old ones, and the map's header no longer names the whole history, which the
+    map does not fit: set `sGenerationFile` to the name of the cut history.
 
     >>> history, mask = aq_data.measurement(ds.isel(time=slice(10, 50)))
     >>> aq_data.write(history, "cut.sth.csv")

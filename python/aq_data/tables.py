@@ -21,8 +21,8 @@ def history_to_pandas(
 ) -> pd.DataFrame:
     """Levels in dB, one row per record and one column per band, NaN for a missing level and, with a
     map, for a masked one; with `tidy`, one row per record and band, with `time` in s, `frequency`
-    in Hz, `level` and masks as columns. Raises `ValueError` for a map whose
-    records are not those of the history.
+    in Hz, `level` (of masked bands too) and masks as columns. Raises `ValueError` for a map that
+    lacks a record; with `tidy`, also for one with records or bands that the history lacks.
 
     >>> history.to_pandas(mask)[24].max()
     >>> history.to_pandas(tidy=True).groupby("band").level.max()
@@ -111,8 +111,8 @@ def _named(frame: pd.DataFrame, *names: str) -> Optional[str]:
 
 def history_from_pandas(frame: pd.DataFrame) -> _core.AQ_SpectralTimeHistory:
     """A history from a frame made by `to_pandas`, wide or tidy, or from a table of `aqdata
-    convert`. NaN means no level; a tidy frame has stamps in `time` or `time_s`, and relative times
-    in `relative_time` or `relative_s`. Raises `ValueError` for other frames.
+    convert`. NaN means no level; a tidy frame has stamps in `time_of_day`, `time_s` or `time`, and
+    relative times in `relative_time` or `relative_s`. Raises `ValueError` for other frames.
 
     >>> aq_data.AQ_SpectralTimeHistory.from_pandas(history.to_pandas())
     """

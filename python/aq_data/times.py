@@ -20,8 +20,8 @@ _CF_DATE = {"units": "days since 1899-12-30", "calendar": "standard", "dtype": "
 
 def going_on(seconds: Any, beside: Optional[Any] = None) -> Any:
     """Seconds of the day that continue beyond midnight: a drop of more than half a day starts the
-    next day. If `beside` gives times that already continue, each result is on the day nearest to
-    its counterpart there.
+    next day. If `beside` gives times that already continue, each result is on the day that brings
+    it nearest to its counterpart there.
     """
     if beside is not None:
         return seconds + DAY * np.round((beside - seconds) / DAY)

@@ -102,7 +102,7 @@ def chosen_records(
     assert records is not None
     found = numbers[(numbers >= records[0]) & (numbers <= records[1])]
     if not found.size:
-        raise ValueError(f"expected records of {numbers[0]} to {numbers[-1]}, found {records}")
+        raise ValueError(f"expected records from {numbers[0]} to {numbers[-1]}, found {records}")
     return int(found[0]), int(found[-1]), f"records={records[0]}:{records[1]}"
 
 
@@ -120,13 +120,15 @@ def cut(
     `(history, mask, geometry)`, each with its header.
 
     Choose the records by one of `records`, the first and the last number; `between`, two times of
-    day, either of which may be None; or `down`, the event: the records within this many decibels of
-    the largest PNLT, plus one on each side. Time stamps do not change. With a map, a geometry or
-    `renumber`, records are numbered from 1, and a comment in each header gives the old numbers.
-    After choosing a file name for the new history, set it in the headers of the map and the
-    geometry. Arguments are paths or results of `read`.
+    day, either of which may be None; or `down`, the event: from the first to the last record within
+    this many decibels of the largest PNLT, plus one on each side. Time stamps do not change. With a
+    map, a geometry or `renumber`, records are numbered from 1. A comment in each header says how
+    the records were chosen, and gives their old numbers if these changed. After choosing a file
+    name for the new history, set it in the headers of the map and the geometry. Arguments are paths
+    or results of `read`.
 
-    Raises `ValueError` if no record remains, or unless exactly one way of choosing is given.
+    Raises `ValueError` if no record remains, if the map or the geometry does not fit the history,
+    or unless exactly one way of choosing is given.
 
     >>> part, part_mask, _ = aq_data.cut("fly-over.sth.csv", "fly-over.mask.csv", down=10)
     """
@@ -193,11 +195,12 @@ def join(
     mask, geometry)`.
 
     Time stamps do not change; record numbers continue from those of the first piece. `masks` are
-    the maps of the pieces, one each; a `Run` brings its own map and geometry. A gap is an error or,
-    with `fill`, is filled with records whose levels are 9999; a gap in a geometry cannot be filled.
+    the maps of the pieces, one each; a `Run` brings its own geometry and, without `masks`, its map.
+    A gap is an error or, with `fill`, is filled with records whose levels are 9999; a gap in a
+    geometry cannot be filled.
 
-    Raises `ValueError` for pieces that overlap or differ in bands, averaging method, time stamp
-    type, reference, project, microphone or adjustment.
+    Raises `ValueError` for pieces that overlap or differ in bands, record length, averaging method,
+    time stamp type, reference, project, microphone or adjustment.
 
     >>> whole = aq_data.join("a.sth.csv", "b.sth.csv", fill=True).history
     """
@@ -295,7 +298,7 @@ def _write_new(path: Any, text: bytes) -> str:
 
 
 def _write_mended(path: str, text: bytes, keep: bool) -> str:
-    """Replaces the file, or unpacks a gzip file next to itself; `keep` saves the old file."""
+    """Replaces the file, with `keep` saving the old one, or unpacks a gzip file next to itself."""
     place = _unpacked_name(path)
     if place != path:
         _expect_free(place)
@@ -322,11 +325,12 @@ def fix(
     order marks, carriage returns as line endings, a spreadsheet's semicolons, tabs, quotes and
     padding, blank lines, and decimal commas.
 
-    Without `write` nothing changes. With it, each file is replaced completely or not at all, and
-    the original is kept as `FILE.orig` unless `keep_original` is false; a gzip file is unpacked
-    next to itself. With `to`, nothing is replaced: all files, including those that need no change,
-    are written below that folder, and `FileExistsError` is raised for a file that already exists
-    there. If the format has comments, one says what was changed.
+    Without `write` nothing changes. With it, each file that needs a change is replaced completely
+    or not at all, and the original is kept as `FILE.orig` unless `keep_original` is false; a gzip
+    file is unpacked next to itself. With `write` and `to`, nothing is replaced: all files,
+    including those that need no change, are written below that folder, and `FileExistsError` is
+    raised for a file that already exists there. If the format has comments, one says what was
+    changed.
 
     The columns are `path`; `done` and `left`, which list in words what was or would be changed and
     what was left alone because it is ambiguous; and `output`, None if nothing was written. `paths`

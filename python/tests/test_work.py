@@ -60,7 +60,7 @@ def test_cut_with_map_and_geometry(place):
         ({"between": (None, "14:30:01")}, (1, 2)),
         ({}, "just|one of"),
         ({"records": (1, 2), "down": 10}, "one of"),
-        ({"records": (70, 80)}, "records of 1 to 60"),
+        ({"records": (70, 80)}, "records from 1 to 60"),
         ({"between": ("15:00:00", None)}, "no record"),
         ({"down": 0}, "above 0"),
     ],
