@@ -21,7 +21,7 @@ void addThreads();
 std::shared_ptr<aq::AQ_SpectralTimeHistory> makeHistory(std::int16_t records);
 void writeHistory(const std::string& path, aq::AQ_SpectralTimeHistory& history);
 
-/// A history file, its header and its spectra.
+/// A file object, and the header and the history that it has read.
 struct History {
   aq::AQ_DataSTH file;
   std::shared_ptr<aq::AQ_HeaderSTH> header;
@@ -30,7 +30,7 @@ struct History {
   void read(const std::string& path);
 };
 
-/// The memory that reading a history takes in this process, the additional peak while reading, and
+/// The memory that a history read in this process holds, the additional peak while reading it, and
 /// the size of the file, one row each.
 nlohmann::ordered_json memoryOfReading(const std::string& path);
 

@@ -1,7 +1,8 @@
 // Runs pairs of a plain loop and a library call, interleaved, and prints `name ratio median spread`
 // for each pair. The ratio is the median time of the library's call divided by that of the loop;
 // the median is that of the library's call in milliseconds; the spread is its standard deviation in
-// per cent of the median. The rows for memory show a size in MiB instead.
+// per cent of the median. The pairs for growth compare library calls with each other; the rows for
+// memory show a size in MiB instead.
 //
 //   aq_bench FOLDER [--json FILE] [options of Google Benchmark]
 //

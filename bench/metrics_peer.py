@@ -77,7 +77,7 @@ def tone(levels: np.ndarray) -> tuple[np.ndarray, np.ndarray]:
 
 
 def metrics(levels: np.ndarray, seconds: float = 0.5) -> dict[str, np.ndarray]:
-    """Eight metrics and the EPNL by name, for levels of bands 17 to 40 without gaps or 9999."""
+    """Eight metrics and the EPNL by name. Each band from 17 to 40 needs a level other than 9999."""
     corrections, bands = tone(levels)
     pnl = perceived(levels)
     pnlt = pnl + corrections

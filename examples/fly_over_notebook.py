@@ -24,7 +24,7 @@ ds = history.to_xarray(mask, header, mask_header)
 ds
 
 # %% [markdown]
-# The loudest record, and how long the level stays within 10 dB of it.
+# The largest overall level, and how long the level is within 10 dB of it.
 
 # %%
 overall = ds.aq.unmasked().aq.overall()

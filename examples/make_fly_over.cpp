@@ -1,7 +1,7 @@
 // Synthesises a measurement and writes its history, masking map, tracking, ambient and parameters
-// into a folder. A jet passes 150 m overhead, with spherical spreading and an assumed air
-// absorption; levels less than 3 dB above an assumed ambient are masked. This program made the
-// sample in examples/data, except for the microphone file.
+// into a folder. A jet passes 150 m overhead; its sound spreads spherically, with an
+// assumed air absorption. Levels less than 3 dB above an assumed ambient are masked. This program
+// made the sample in examples/data, except for the microphone file.
 #include <algorithm>
 #include <cmath>
 #include <string>

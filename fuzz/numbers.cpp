@@ -130,7 +130,7 @@ std::string printed(const char* form, int digits, double value) {
   return text.data();
 }
 
-/// The default text: `digits` significant digits without trailing zeros.
+/// What `numberText` should return: `digits` significant digits without trailing zeros.
 std::string defaultText(double value, int digits) {
   std::string text = printed("%.*E", digits - 1, value);
   std::string power = text.substr(text.find('E'));

@@ -98,8 +98,8 @@ void readDelimited(const Target&, std::string_view input) {
   expect(sameFields(file, again), "the fields that were written");
 }
 
-/// Whether a line holds values that a writer does not take from the object: names, dates and
-/// counts.
+/// Whether a line holds values that a writer does not take from the object, such as names, dates
+/// and counts.
 bool isWritersOwn(std::string_view line) {
   const std::string_view key = line.substr(0, line.find(' '));
   return key.ends_with("Name") || key.ends_with("File") || key.ends_with("Date") ||
@@ -203,7 +203,8 @@ void expect(bool holds, const char* what) {
 
 void roundTrip(const Target&, std::string_view input) {
   static const test::FixedInformation fixed;
-  if (input.find('\r') != input.npos) return;  // the first of two \r is lost with the line end
+  // A line read from "\r\r\n" ends in \r; once it is written, \r belongs to its line end.
+  if (input.find('\r') != input.npos) return;
   const std::string path = fileWith(input);
   for (const auto& [name, format] : test::kFormats) {
     if (format.rewrite) checkCopy(format, path);

@@ -1,4 +1,7 @@
-"""Writes the page of C++ classes, by public header, from Doxygen's XML: `api_pages.py XML PAGE`."""
+"""Writes the page of C++ classes and functions, grouped by public header, from Doxygen's XML:
+
+    api_pages.py XML PAGE
+"""
 
 import pathlib
 import re

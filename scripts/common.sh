@@ -1,4 +1,4 @@
-# Sourced by the shell scripts in this folder. Changes to the project's folder.
+# Sourced by the shell scripts in this folder; makes the project's folder the current one.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 

@@ -34,7 +34,7 @@ def includes(root):
 
 
 def imports(root):
-    """Which modules of a package import which, including imports in functions."""
+    """The modules that each module of a package imports, including imports in functions."""
     modules = {path.stem: f"{root.name}/{path.name}" for path in sorted(root.glob("*.py"))}
     modules.pop("__init__", None)  # it imports all modules
     found = {}

@@ -179,7 +179,7 @@ def changes(source):
 
 
 def mutants():
-    """All mutants of the library but its sources for Windows, in source order."""
+    """All mutants of the library, except those of its Windows sources, in source order."""
     for path in sorted((ROOT / "aq").rglob("*.[ch]*")):
         if path.suffix in (".h", ".cpp") and not path.stem.endswith("_windows"):
             source = path.read_text(encoding="utf-8")
@@ -242,7 +242,8 @@ class Worker:
 
     def run(self, command, seconds=COMPILE_SECONDS, required=False):
         """Whether a command succeeds. A process that uses more than `seconds` of processor time is
-        killed, and so fails; a command that takes five times as long in real time raises `Hung`.
+        killed, and so fails; a command that takes five times as long in real time is killed too,
+        and raises `Hung`. If a `required` command fails, the program ends and shows its output.
         """
 
         def limit():
