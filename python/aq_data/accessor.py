@@ -10,7 +10,7 @@ import xarray as xr
 from ._core import AQ_CONSTANTS, AQ_GeometryTimeHistory, AQ_MASK_MODE
 from .attributes import dataset_of, need, need_once
 from .noise import dataset_metrics
-from .restore import measurement
+from .restore import history_and_map
 from .work import Records, Times, chosen_records
 
 INVALID_LEVEL = float(AQ_CONSTANTS.AQ_INVALID_LEVEL)
@@ -81,19 +81,7 @@ class Accessor:
         >>> ds.aq.cut(down=10)
         """
         need_once(self._ds)
-        history, mask = measurement(self._ds)
-        numbers = np.sort(self._ds["record"].values)
-        if mask is not None and records is not None:  # `measurement` numbers records from 1
-            places = np.flatnonzero((numbers >= records[0]) & (numbers <= records[1])) + 1
-            if not places.size:
-                raise ValueError(
-                    f"expected records from {numbers[0]} to {numbers[-1]}, found {records}"
-                )
-            records = int(places[0]), int(places[-1])
-        rows = None if mask is None else mask.data
-        first, last, _ = chosen_records(history.data, rows, records, between, down)
-        if mask is not None:
-            first, last = (int(numbers[place - 1]) for place in (first, last))
+        first, last, _ = chosen_records(*history_and_map(self._ds), records, between, down)
         here = self._ds["record"]
         return self._ds.isel(time=((here >= first) & (here <= last)).values)
 

@@ -16,7 +16,7 @@ from . import _core
 from .attributes import NO_DECISION, band_coordinates, expect, need, variable
 from .errors import Error
 from .labelled import METRICS
-from .restore import measurement
+from .restore import history_and_map
 
 NAMES = [name for name, *_ in METRICS[:10]]  # AWT to INTEG, in the order of their numbers
 _WORDS = {name: (units, long_name) for name, units, long_name in METRICS}
@@ -36,8 +36,8 @@ RECORDS_PER_CHUNK = 4096  # several short files form one task and share its cost
 def _pair(history: History, mask: Optional[_core.AQ_MaskMap]) -> tuple[Any, Any]:
     """The history and its map: `mask` or, if that is None, the map of a dataset with masks."""
     if isinstance(history, xr.Dataset):
-        own, own_mask = measurement(history)
-        return own.data, own_mask.data if mask is None and own_mask is not None else mask
+        own, own_mask = history_and_map(history)
+        return own, own_mask if mask is None else mask
     expect(history, _core.AQ_SpectralTimeHistory, "history")
     if mask is not None:
         expect(mask, _core.AQ_MaskMap, "mask")

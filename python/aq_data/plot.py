@@ -86,27 +86,39 @@ def spectrogram(history: History, ax: Optional[Axes] = None) -> Axes:
     return ax
 
 
+def _one_spectrum(data: Any, record: Optional[int]) -> tuple[xr.Dataset, str]:
+    """The dataset of one record of a history, or of a spectrum, and its label."""
+    if record is None:
+        ds = dataset_of(data, "level", "band", "frequency")
+        if ds["level"].dims != ("band",):
+            raise ValueError("expected the number of a record, found None")
+        finite(ds, "level", "levels")
+        return ds, "spectrum"
+    ds = history_of(data)
+    expect(record, Integral, "record")
+    places = np.flatnonzero(ds["record"].values == record)
+    if len(places) == 0:
+        raise ValueError(f"expected a record of the history, found {record}")
+    return ds.isel(time=places[0]), f"record {record}"
+
+
 def spectrum(
-    history: History,
-    record: int,
+    history: Union[History, _core.AQ_Spectrum],
+    record: Optional[int] = None,
     ambient: Union[xr.Dataset, _core.AQ_Spectrum, None] = None,
     ax: Optional[Axes] = None,
 ) -> Axes:
-    """The levels of one record, in dB by band, with masked levels drawn hollow, and the spectrum of
-    the ambient if it is given.
+    """The levels of a record or a spectrum, in dB by band, with masked levels drawn hollow, and the
+    spectrum of the ambient if it is given.
 
     Raises `ValueError` for a record that the history lacks.
 
     >>> aq_data.plot.spectrum(ds, 30, ambient)
     """
-    ds, ax = history_of(history).sortby("band"), axes(ax)
-    expect(record, Integral, "record")
-    places = np.flatnonzero(ds["record"].values == record)
-    if len(places) == 0:
-        raise ValueError(f"expected a record of the history, found {record}")
-    one = ds.isel(time=places[0])
-    bands, level, masked = ds["band"].values, one.aq.level.values, one.aq.masked.values
-    ax.plot(bands, level, color=GOOD, label=f"record {record}")
+    one, label = _one_spectrum(history, record)
+    ds, ax = one.sortby("band"), axes(ax)
+    bands, level, masked = ds["band"].values, ds.aq.level.values, ds.aq.masked.values
+    ax.plot(bands, level, color=GOOD, label=label)
     ax.plot(bands[~masked], level[~masked], "o", color=GOOD)
     if masked.any():
         ax.plot(bands[masked], level[masked], "o", color=GOOD, mfc="white", label="masked")

@@ -211,15 +211,15 @@ def _is_cut(ds: xr.Dataset) -> bool:
 
 
 def _renumbered(ds: xr.Dataset) -> tuple[xr.Dataset, list[str]]:
-    """The dataset, with the records of a cut one numbered from 1, and a comment if that changed any
-    number.
+    """The dataset, with the records of a cut one numbered from 1, and, for a cut one, a comment
+    that says which records it has.
     """
     if not _is_cut(ds) or not ds["record"].size:
         return ds, []
     ds, numbers = _by_record(ds)
     own = np.arange(1, len(numbers) + 1, dtype=np.int32)
     if np.array_equal(own, numbers):
-        return ds, []
+        return ds, [f"Cut to records 1 to {own[-1]}"]
     ds = ds.assign_coords(record=(ds["record"].dims, own, ds["record"].attrs))
     return ds, [f"Records 1 to {own[-1]} were {_runs(numbers)}"]
 
@@ -243,6 +243,16 @@ def _commented(header: Any, comments: list[str]) -> Any:
     return header
 
 
+def history_and_map(
+    ds: xr.Dataset,
+) -> tuple[_core.AQ_SpectralTimeHistory, Optional[_core.AQ_MaskMap]]:
+    """History and map of a dataset, with its record numbers; `None` for the map if the dataset has
+    no masks.
+    """
+    need(ds)
+    return _history_from(ds), _map_from(ds) if "mask_mode" in ds.variables else None
+
+
 def measurement(
     ds: xr.Dataset,
 ) -> tuple[
@@ -252,10 +262,10 @@ def measurement(
     """History and map of a dataset, each with its header, as `write` takes them; `None` for the map
     if the dataset has no masks.
 
-    If the dataset was cut, the records of a history with a map are numbered from 1, as a map
-    requires; without masks, records keep their numbers. If numbers change, a comment in both
-    headers gives the old ones, and the map's header no longer names the whole history, which the
-    map does not fit: set `sGenerationFile` to the name of the cut history.
+    If a dataset with masks was cut, its records are numbered from 1, as a map requires, and a
+    comment in both headers says which records they are. The map's header then no longer names the
+    whole history, which the map does not fit: set `sGenerationFile` to the name of the cut history.
+    Without masks, records keep their numbers.
 
     >>> history, mask = aq_data.measurement(ds.isel(time=slice(10, 50)))
     >>> aq_data.write(history, "cut.sth.csv")

@@ -158,6 +158,10 @@ def test_a_cut_dataset_is_written_again(sample: Path, tmp_path: Path) -> None:
         assert mask_header_2.cCommentLines[-1] == f"{comment} of the map of fly-over.sth.csv"
         first = cut.time.values[0] - ds.time.values[0]
         assert history_2.startTime.TODseconds == 52200 + first
+    end, end_mask = aq.measurement(ds.isel(time=slice(10)))
+    assert end.header.cCommentLines[-1] == "Cut to records 1 to 10"
+    assert end_mask.header.cCommentLines[-1].endswith("10 of the map of fly-over.sth.csv")
+    assert not end_mask.header.sGenerationFile
     whole = aq.measurement(ds)[0]
     assert whole.header.cCommentLines[-1] == header.cCommentLines[-1]
     geometry = aq.AQ_GeometryTimeHistory.from_numpy({"Tm": [1.0, 2.0, 3.0], "SRe": [7.0, 8.0, 9.0]})

@@ -22,6 +22,7 @@ def pictures(sample: Path, history: Any, mask: Any) -> Any:
     return {
         "spectrogram": (lambda ax: aq.plot.spectrogram(ds, ax), "reference (s)", "(Hz)"),
         "spectrum": (lambda ax: aq.plot.spectrum(ds, 1, ambient, ax), "(Hz)", "(dB)"),
+        "ambient": (lambda ax: aq.plot.spectrum(ambient, ax=ax), "(Hz)", "(dB)"),
         "level_time": (lambda ax: aq.plot.level_time(ds, {"x": 3.0}, ax), "(s)", "(dB)"),
         "ground_track": (lambda ax: aq.plot.ground_track(track, ax=ax), "X (m)", "Y (m)"),
         "height": (lambda ax: aq.plot.height(track, ax), "(h:min:s)", "(m)"),
@@ -94,6 +95,7 @@ EMPTY, HISTORY = aq.AQ_PositionTimeHistory(), aq.AQ_SpectralTimeHistory.from_num
         (lambda: aq.plot.ground_track(EMPTY), ValueError, "expected fixes to draw, found none"),
         (lambda: aq.plot.geometry(aq.AQ_GeometryTimeHistory()), ValueError, "points to draw"),
         (lambda: aq.plot.spectrum(HISTORY, 1, HISTORY), ValueError, "one spectrum as the ambient"),
+        (lambda: aq.plot.spectrum(HISTORY), ValueError, "number of a record, found None"),
         (lambda: aq.plot.level_time(HISTORY, {"x": "noon"}), ValueError, "'noon' for x"),
         (lambda: aq.plot.spectrogram(HISTORY, plt), TypeError, "expected Axes, found module"),
         (lambda: aq.plot.page(HISTORY, positions=EMPTY), ValueError, "fixes to draw"),

@@ -48,6 +48,11 @@ def test_cut_with_map_and_geometry(place):
     ds = whole.data.to_xarray(aq_data.read(MAP).data).aq.cut(down=10)
     assert ds.record.values.tolist() == list(range(20, 41))
     assert np.array_equal(ds.level.values, run.history.data.to_numpy())
+    levels, modes = ds.level.values[5:], ds.mask_mode.values[5:]
+    history = aq_data.AQ_SpectralTimeHistory.from_numpy(levels, 17, range(25, 41))
+    late = history.to_xarray(aq_data.AQ_MaskMap.from_numpy(modes, None, 17, range(25, 41)))
+    assert late.aq.cut(records=(28, 30)).record.values.tolist() == [28, 29, 30]
+    assert aq_data.metrics(ds.isel(time=slice(5, None))).record.values[0] == 25
     with pytest.raises(ValueError, match="no point"):
         aq_data.cut(whole, None, geometry, records=(1, 20))
 
@@ -158,6 +163,7 @@ def test_tables_back(place):
 def test_pictures_and_netcdf(place, capsys):
     assert main(["plot", "page.svg", STH, MAP, "fly-over.tspi.csv", "fly-over.ssr.csv"]) == 0
     assert b"EPNL" in (place / "page.svg").read_bytes()
+    assert main(["plot", "ambient.png", "fly-over.ssr.csv"]) == 0
     assert main(["plot", "x.png", STH, "fly-over.ini.csv"]) == 2
     assert "AQ_DataINI cannot be drawn" in capsys.readouterr().err
     assert main(["convert", STH, "fly.nc", MAP]) == 0
