@@ -19,10 +19,11 @@
 namespace aq {
 namespace {
 
-/// Whether a line heads a table that `aqdata` writes: records, positions, microphones or events.
+/// Whether a line heads a table that `aqdata` writes: records, positions, microphones, values of a
+/// header or events.
 bool isTableHeading(std::string_view line) {
   constexpr std::string_view kBeginnings[] = {"record,", "position,time,", "microphone,x,",
-                                              "file,records,EPNL"};
+                                              "key,value", "file,records,EPNL"};
   return std::any_of(std::begin(kBeginnings), std::end(kBeginnings),
                      [line](std::string_view begin) { return line.starts_with(begin); });
 }

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import functools
 import os
 import sys
 import tempfile
@@ -82,9 +83,12 @@ def _single(found: dict[str, Any], pictures: Any) -> Any:
     raise ValueError("expected a history, or a spectrum, positions or a geometry")
 
 
-def convert(source: str, output: str, mask: Optional[str] = None) -> None:
+def convert(
+    source: str, output: str, mask: Optional[str] = None, replace_map: bool = False
+) -> None:
     """Converts a file to netCDF, or netCDF back to files. A history and its map make one dataset;
-    on the way back, the map gets a file of its own next to the history.
+    on the way back, the map gets a file of its own next to the history. Raises `ValueError`, and
+    writes neither, if the map's file exists, unless `replace_map` is true.
     """
     import xarray as xr
 
@@ -104,17 +108,24 @@ def convert(source: str, output: str, mask: Optional[str] = None) -> None:
         write(ds, output)
         return
     history, stored_mask = measurement(ds)
+    stem = output[: -len(".sth.csv")] if output.endswith(".sth.csv") else output
+    stem = os.path.splitext(stem)[0] if stem == output else stem
+    map_file = f"{stem}.mask.csv"
+    if os.path.exists(map_file) and not replace_map:
+        raise ValueError(f"{map_file}: already exists; --force replaces it")
     write(history, output)
-    if stored_mask is not None:
-        stem = output[: -len(".sth.csv")] if output.endswith(".sth.csv") else output
-        stem = os.path.splitext(stem)[0] if stem == output else stem
-        write(stored_mask, f"{stem}.mask.csv")
+    write(stored_mask, map_file)
 
 
 def main(words: list[str]) -> int:
-    commands: dict[str, Callable[..., None]] = {"plot": plot, "convert": convert}
+    force = words[:1] == ["--force"]
+    words = words[1:] if force else words
+    commands: dict[str, Callable[..., None]] = {
+        "plot": plot,
+        "convert": functools.partial(convert, replace_map=force),
+    }
     if len(words) < 3 or words[0] not in commands:
-        print("expected plot OUT FILE... or convert FILE OUT [MAP]", file=sys.stderr)
+        print("expected plot OUT FILE... or [--force] convert FILE OUT [MAP]", file=sys.stderr)
         return 2
     try:
         commands[words[0]](*words[1:])

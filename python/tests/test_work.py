@@ -170,4 +170,9 @@ def test_pictures_and_netcdf(place, capsys):
     assert main(["convert", "fly.nc", "back.sth.csv"]) == 0
     assert aq_data.read("back.sth.csv").data == aq_data.read(STH).data
     assert aq_data.read("back.mask.csv").data == aq_data.read(MAP).data
+    (place / "back.sth.csv").unlink()
+    assert main(["convert", "fly.nc", "back.sth.csv"]) == 2
+    assert "back.mask.csv: already exists" in capsys.readouterr().err
+    assert not (place / "back.sth.csv").exists()
+    assert main(["--force", "convert", "fly.nc", "back.sth.csv"]) == 0
     assert not list(place.glob(".aq-*"))

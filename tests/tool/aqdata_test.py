@@ -208,6 +208,7 @@ ROWS = [  # command, status, what the output contains, what the messages contain
     (f"convert {STH} -o q.mask.CSV", 2, "", "only a masking map, or its table,"),
     (f"convert {STH} --to json -o q.csv", 2, "", "ends in .json, .txt"),
     (f"convert {STH} --to Table -o q.TXT", 0, "q.TXT: written", ""),
+    ("convert fly-over.ini.csv -o ini.csv && aqdata check ini.csv", 0, "[table]", ""),
     (f"convert --json {STH} -o q.JSON", 0, '{"output":"q.JSON"}', ""),
     (f"ln -f {STH} same.csv; convert {STH} -f -o same.csv", 2, "", "same.csv: is an input"),
     (f"mask {STH} --ambient fly-over.ssr.csv -f -o same.csv", 2, "", "same.csv: is an input"),

@@ -87,7 +87,7 @@ std::vector<std::string> headerLines(const Json& header) {
   std::vector<std::string> lines{"key,value"};
   for (const auto& [key, value] : header.items()) {
     for (const Json& entry : value.is_array() ? value : Json{value}) {
-      lines.push_back(key + ',' + cellText(entry));
+      lines.push_back(key + ',' + csvField(cellText(entry)));
     }
   }
   return lines;
@@ -187,6 +187,7 @@ bool isNetcdf(const std::string& path) {
 void putNetcdf(const Session& session, const ConvertChoice& choice) {
   if (choice.record) throw Failure("--record does not apply to netCDF");
   std::vector<std::string> words{"convert", choice.file, outputPlace(session)};
+  if (session.force) words.insert(words.begin(), "--force");
   if (!isNetcdf(choice.file))
     static_cast<void>(openFile(choice.file));  // throws if the file cannot be read
   const std::string map = choice.maps ? nextToHistory(choice.file, ".mask.csv") : choice.map;
