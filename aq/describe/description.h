@@ -44,6 +44,7 @@ inline constexpr Quantity kDecibels{"dB"};
 inline constexpr Quantity kSeconds{"s"};
 inline constexpr Quantity kSecondsOfDay{"s", 0, 86400};
 inline constexpr Quantity kBand{"band", 2, 50};
+inline constexpr Quantity kLastGoodBand{"band", 28, 49};
 inline constexpr Quantity kRecord{"record", -32768, 32767};
 inline constexpr Quantity kRecordOf32Bits{"record", -2147483648.0, 2147483647};
 inline constexpr Quantity kPlace{"index", 1, 2147483647};

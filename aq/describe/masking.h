@@ -53,7 +53,7 @@ struct Description<AQ_MaskRow> {
         .property("LGB", &R::LGB, &R::LGB,
                   "The last good band: 0 when no band from 29 up is masked, 9999 when bands 28 and "
                   "29 are both masked",
-                  kBand)
+                  kLastGoodBand)
         .method("contains", &R::contains, "Whether a band has a mask; does not create one",
                 in("band", "The band", kBand));
   }

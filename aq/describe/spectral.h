@@ -33,7 +33,7 @@ struct Description<AQ_Metric> {
         .property("LGB", &M::LGB, &M::LGB,
                   "The last good band: 0 when no band from 29 up is masked, 9999 when bands 28 and "
                   "29 are both masked",
-                  kBand)
+                  kLastGoodBand)
         .property("INTEG", &M::INTEG, &M::INTEG, "The role of the record in the EPNL integration")
         .indexed("MetricValue", &M::MetricValue, &M::MetricValue, in("aqMetric", "Which metric"),
                  "Any metric by its type; one that was never set reads as 0", kOfTheMetric);

@@ -37,8 +37,8 @@ void runPackage(const std::string& what, const std::vector<std::string>& words) 
   if (status == 0) return;
   if (status && *status != kMissing) throw Failure(fmt::format("making {} failed", what));
   throw Failure(
-      fmt::format("{} needs Python with the package aq_data (docs/python.md says how to install "
-                  "it); set AQ_PYTHON to use an interpreter other than {}",
+      fmt::format("{} needs Python with the package aq_data (see Installing in the manual); set "
+                  "AQ_PYTHON to use an interpreter other than {}",
                   what, AQDATA_PYTHON));
 }
 
