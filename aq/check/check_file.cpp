@@ -76,7 +76,8 @@ void checking(const Reporter& reporter, const Check& check) {
   }
 }
 
-/// Reports an unknown averaging method or time stamp type, which is read as the first one.
+/// Reports an unknown averaging method, which is read as LINEAR, and an unknown time stamp type,
+/// which is read as START.
 void checkParameterWord(const HeaderLine& line, const Reporter& report) {
   const bool averaging = line.keyword == keywords::kNuAvg;
   if (!averaging && line.keyword != keywords::kNuTimg) return;

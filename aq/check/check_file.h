@@ -11,9 +11,9 @@
 
 namespace aq {
 
-/// Reads a file and reports what makes its reader fail, and what the reader accepts although it is
-/// probably wrong. Exceptions from `report` reach the caller. Different threads may check different
-/// files at once.
+/// Reads a file and reports what makes its reader fail, what the reader accepts although it is
+/// probably wrong, and what is worth knowing. Exceptions from `report` reach the caller. Different
+/// threads may check different files at once.
 AQ_API void checkFile(const std::string& path, const FindingSink& report);
 
 /// Reports the fixes of a tracking file that a reader with this `RT20Limit` drops.
@@ -31,8 +31,8 @@ AQ_API void checkFit(const std::string& historyPath, const std::string& mapPath,
 
 /// The result of a check besides its findings.
 struct Checked {
-  /// A digest of all levels of a history. Empty for other files, for histories in fixed columns,
-  /// and for those with fewer than 8 levels or no valid one.
+  /// A digest of all levels of a history. Empty for other files, for histories that are in fixed
+  /// columns or cannot be read, and for those with fewer than 8 levels or no valid one.
   std::optional<std::uint64_t> levels = {};
 };
 

@@ -80,8 +80,8 @@ void checkQuality(const TrackingLine& fix, std::uint8_t limit, std::size_t line,
 
 constexpr std::size_t kPositionFields = 4;
 
-/// Checks that the slant range, propagation time, emission time and source position of each point
-/// agree. Reports at most one finding per point.
+/// Checks that the slant range, propagation time, times and source position of each point agree,
+/// and that the points give a plausible speed of sound. Reports at most one finding per point.
 class Contradictions {
  public:
   Contradictions(const AQ_HeaderGTH& header, std::size_t temperatureLine, const Reporter& report)
@@ -114,8 +114,8 @@ class Contradictions {
   }
 
  private:
-  /// Reports a speed that is no plausible speed of sound in metres or feet per second. If it is
-  /// one, checks the temperature.
+  /// Reports a speed that cannot be that of sound, in metres or feet per second; otherwise checks
+  /// the temperature.
   void expectSound() const {
     const bool metres = speed_ > 290 && speed_ < 370;
     const bool feet = speed_ > 950 && speed_ < 1220;
@@ -168,7 +168,7 @@ class Contradictions {
   double temperature_;
   std::size_t temperatureLine_;
   const Reporter& report_;
-  double speed_ = 0;  // of sound, the median over all points
+  double speed_ = 0;  // of sound, the median over the points with a propagation time
 };
 
 std::vector<PathPlace> emissionPath(const RecordLines& records,
@@ -182,7 +182,7 @@ std::vector<PathPlace> emissionPath(const RecordLines& records,
   return path;
 }
 
-/// Reports a last header line that is a fix: the headings are missing, and the fix is not read.
+/// Reports the last header line if it is a fix: the headings are missing, and this fix is not read.
 void checkTrackingHeadings(const std::string& path, const Reporter& report) {
   LineReader lines(path);
   while (lines.number() < kTrackingHeaderLines && lines.next()) continue;

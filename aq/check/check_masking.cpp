@@ -9,7 +9,7 @@
 namespace aq {
 namespace {
 
-/// Reports masks whose letters the reader changes, for example by dropping one that has no meaning.
+/// Reports masks with an unknown letter, which the reader replaces with "-".
 void checkLetters(const std::string& path, const HeaderCheck& header, const Reporter& report) {
   const auto [low, high] = header.integersOf(keywords::kBands);
   LineReader lines(path);

@@ -22,7 +22,8 @@ constexpr std::size_t kHistoryLine = 9;
 constexpr std::size_t kPositionsLine = 11;
 constexpr std::size_t kTrackingLine = 6;
 
-/// Whether more than a tenth of the points are wrong, which is too many for isolated damage.
+/// Whether more than a tenth of the points or positions are wrong, which is too many for isolated
+/// damage.
 template <class Read>
 bool areMany(std::size_t wrong, const Read& read) {
   return wrong * 10 > static_cast<std::size_t>(read.model->Count());

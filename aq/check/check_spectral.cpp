@@ -35,7 +35,7 @@ void checkLevel(double level, const FindingPlace& place, const Reporter& report)
   }
 }
 
-/// `place` is the position in the file of band `low`'s level.
+/// `place` is the place of the level of band `low`.
 void checkLevels(const AQ_Spectrum& spectrum, std::int16_t low, FindingPlace place,
                  const Reporter& report) {
   const std::size_t first = place.field;
@@ -73,7 +73,7 @@ void checkRange(const HeaderCheck& header, const RecordLines& records, const Rep
 template <class Records>
 void checkRelativeTimes(const Records& records, AQ_SpectralTimeHistory& history,
                         const std::set<std::int32_t>& offInTime, const Reporter& report) {
-  constexpr double kTolerance = 0.0201;  // the time of day has two decimals, in single precision
+  constexpr double kTolerance = 0.0201;  // times may have two decimals and single precision
   const double reference = history.ReferenceTime()->TODseconds();
   FindingPlace place;
   std::size_t wrong = 0;

@@ -15,7 +15,7 @@ bool isDigitsOnly(std::string_view text, std::size_t least) {
   return text.size() >= least && text.find_first_not_of("0123456789") == text.npos;
 }
 
-/// The part of a level before its decimals: an optional sign and digits, possibly none.
+/// The part of a level before its decimals: an optional minus sign and digits, possibly none.
 bool isWholePart(std::string_view text) {
   if (text.starts_with('-')) text.remove_prefix(1);
   return isDigitsOnly(text, 0);
@@ -102,8 +102,8 @@ std::optional<std::string> DecimalCommas::frontOf(std::span<const std::string_vi
   return std::string(fields[0]) + ',' + ways.front().first + ',' + ways.front().second;
 }
 
-/// Whether a time of day and a relative time are valid and, if the reference is known, fit each
-/// other.
+/// Whether a time of day and a relative time can be read and, if the reference time is known, fit
+/// each other.
 bool DecimalCommas::fits(const std::string& time, const std::string& relative) const {
   try {
     AQ_Time clock;

@@ -18,8 +18,8 @@ class Decimals {
  public:
   void see(std::string_view field, const FindingPlace& place);
 
-  /// Reports each number with fewer decimals than nearly all others, except one at `told`, where
-  /// a finding was already reported.
+  /// Reports numbers with fewer decimals than nearly all others, except one at `told`, where a
+  /// finding was already reported.
   void report(const FindingPlace& told, const Reporter& report) const;
 
  private:

@@ -12,7 +12,7 @@
 
 namespace aq {
 
-/// The number of fields that are read from a data line. The last `numbers` of them may have
+/// The largest number of fields that a data line should have. The last `numbers` of them may have
 /// decimals; if `alike`, all these columns have the same number of decimals.
 struct DataColumns {
   std::size_t fields;
@@ -65,7 +65,7 @@ class LineShapes {
   std::size_t extended_ = 0;  // lines with fields that are not read
   Shape last_{0, 0, false, false};
   Shape least_{std::numeric_limits<std::size_t>::max(), std::numeric_limits<std::size_t>::max(),
-               false, false};  // the least before the last line; open if any line is
+               false, false};  // the least of the lines before the last; open if any of these is
   bool ended_ = true;          // the last line has a line ending
 };
 

@@ -24,7 +24,8 @@ void appendUtf8(std::uint32_t code, std::string& text) {
   byte(0xF0 | code >> 18), following(code >> 12), following(code >> 6), following(code);
 }
 
-/// Converts UTF-16 to UTF-8; returns nothing if the bytes, at least one, are not valid UTF-16.
+/// Converts UTF-16 to UTF-8; returns nothing if `bytes`, which must not be empty, are not valid
+/// UTF-16.
 std::optional<std::string> fromUtf16(std::string_view bytes) {
   const bool mark = bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
   const bool highFirst = mark ? bytes.front() == '\xFE' : bytes.front() == '\0';
@@ -150,7 +151,7 @@ class TextMender {
     const std::string_view end = returns_ ? "\r\n" : "\n";
     mended_.text.clear();
     for (const std::string& line : lines_) mended_.text.append(line).append(end);
-    // A last line without a line ending is a sign of a file that was cut short.
+    // A last line without a line ending stays so, since it is a sign of a file that was cut short.
     if (!ends_) mended_.text.resize(mended_.text.size() - end.size());
   }
 

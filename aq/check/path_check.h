@@ -22,7 +22,7 @@ struct PathPlace {
 /// run of such positions.
 void checkJumps(const std::vector<PathPlace>& path, const Reporter& report);
 
-/// Reports gaps between positions that are much longer than usual.
+/// Reports time gaps between positions that are much longer than usual.
 void checkGaps(const std::vector<PathPlace>& path, const Reporter& report);
 
 }  // namespace aq

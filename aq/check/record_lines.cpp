@@ -34,8 +34,8 @@ void RecordLines::reportGaps(const Reporter& report) const {
   });
 }
 
-/// If the first number appears again, a second data set begins, whose records do not count as
-/// repeated.
+/// If the first number appears again after another one, a new data set begins, whose records do not
+/// count as repeats of earlier ones.
 void RecordLines::see(std::int16_t record, std::size_t line, const Reporter& report) {
   const FindingPlace place{.line = line, .field = 1, .record = record};
   const std::size_t* const stood = lines_.find(record);

@@ -69,7 +69,7 @@ inline std::string secondsText(double seconds) {
 template <class Records, class TimeOf>
 std::set<std::int32_t> checkTimeSteps(const Records& records, const TimeOf& timeOf,
                                       const Reporter& report, double recordLength = 0.5) {
-  constexpr double kTolerance = 0.0101;  // times of day are written in hundredths
+  constexpr double kTolerance = 0.0101;  // times of day may be rounded to hundredths
   struct Seen {
     std::int32_t record;
     double time;

@@ -15,7 +15,7 @@ namespace aq {
 /// stored in place of another. Not thread-safe.
 class AQ_API SameLevels {
  public:
-  /// Reports `path` if it has the same levels as an earlier file.
+  /// Reports `path` if it has the same levels as another file seen earlier.
   void see(const std::string& path, const Checked& checked, const FindingSink& report);
 
  private:
