@@ -12,7 +12,7 @@
 namespace aq {
 namespace {
 
-// Some keywords differ from the names of their fields, such as `PTHDateTime`; hosts rely on this.
+// Some keywords, such as `PTHDateTime`, differ from the names of their fields; hosts rely on this.
 template <class Lines>
 void header(Lines& lines, AQ_HeaderGTH& header) {
   AQ_Position& microphone = orThrow(header.MicrophonePosition);

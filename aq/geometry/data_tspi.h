@@ -20,7 +20,7 @@ class AQ_API AQ_DataTSPI : public FileClass {
   void readFile(const std::string& sFileName, std::shared_ptr<AQ_PositionTimeHistory>& PTH,
                 AQ_DataMessage& result);
 
-  /// The highest RT20 quality figure that is accepted, 0 to 255; 0 is the best.
+  /// The highest RT20 quality figure that is accepted, 0 to 255, initially 1; 0 is the best.
   [[nodiscard]] std::uint8_t RT20Limit() const { return limit_; }
   void RT20Limit(std::uint8_t limit) { limit_ = limit; }
 

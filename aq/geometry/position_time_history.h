@@ -54,8 +54,8 @@ class AQ_API AQ_PositionTimeHistory {
     return positions_.atPlace(nRecord);
   }
 
-  /// Stores a sample under a record number. A sample already stored under the number is removed and
-  /// the new one appended at the end, so index and number may then differ; hosts rely on this.
+  /// Appends a sample under a record number, and removes any sample already stored under that
+  /// number. Index and number may thus differ; hosts rely on this.
   void Position(std::int32_t nRecord, std::shared_ptr<AQ_Position> aqPosition) {
     positions_.store(nRecord, std::move(aqPosition));
   }
@@ -65,8 +65,8 @@ class AQ_API AQ_PositionTimeHistory {
   /// extrapolated. Throws `Overflow` above 32767 samples.
   [[nodiscard]] std::shared_ptr<AQ_Position> PositionAt(const AQ_Time& aqTime) const;
 
-  /// Whether a time of day lies between those of the first and the last sample. Throws
-  /// `InvalidIndex` for an empty history, `Overflow` above 32767 samples.
+  /// Whether a time of day lies between those of the first and the last sample, both included.
+  /// Throws `InvalidIndex` for an empty history, `Overflow` above 32767 samples.
   [[nodiscard]] bool GoodTime(const AQ_Time& aqTime) const;
 
   /// The number of samples. Throws `Overflow` above 32767.

@@ -8,7 +8,7 @@
 
 namespace aq {
 
-/// The rows of records `first` to `last`, numbered from 1. Rows are shared with the map. Throws
+/// The rows of records `first` to `last`, renumbered from 1. Rows are shared with the map. Throws
 /// `InvalidArgument` if a row is missing.
 [[nodiscard]] AQ_API std::shared_ptr<AQ_MaskMap> cutMap(const AQ_MaskMap& map, std::int16_t first,
                                                         std::int16_t last);

@@ -20,8 +20,9 @@ class AQ_API AQ_DataMask : public FileClass {
 
   /// Writes a map, replacing the file. The header gets the file's name, the number of rows and the
   /// band range of row 1. Throws, and writes nothing, when the map has no rows, rows are not
-  /// numbered from 1 without gaps or row 1 has a band without a label (`InvalidArgument`), or when
-  /// an object is missing (`ObjectNotSet`).
+  /// numbered from 1 without gaps, or row 1 has no bands or one without a label
+  /// (`InvalidArgument`), when there are more than 32767 rows (`Overflow`), or when an object is
+  /// missing (`ObjectNotSet`).
   AQ_DataMessage writeFile(const std::string& sFileName,
                            const std::shared_ptr<AQ_HeaderMask>& aqHeader,
                            const AQ_MaskMap& aqMaskMap);

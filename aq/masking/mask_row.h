@@ -65,7 +65,8 @@ class AQ_API AQ_MaskRow {
   [[nodiscard]] std::span<MaskCode> renew(std::int16_t low, std::size_t count);
 
   /// The codes of the masks from `LowBand` to `HighBand`, `kNoMaskCode` where a band has no mask.
-  /// Empty if the row keeps masks as objects, as it does once an object was handed out or stored.
+  /// Empty if the range is wider than the masks, or if the row keeps masks as objects, as it does
+  /// once an object was handed out or stored.
   [[nodiscard]] std::span<const MaskCode> codes() const {
     return objects_ || !bands_.holds(codes_.size()) ? std::span<const MaskCode>() : codes_.all();
   }

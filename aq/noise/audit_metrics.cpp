@@ -16,7 +16,7 @@ bool isLevel(AQ_METRIC_TYPE metric) {
   return metric != AQ_METRIC_TONEBND && metric != AQ_METRIC_LGB && metric != AQ_METRIC_INTEG;
 }
 
-/// The stored value as a number; NaN for text that is not one.
+/// The stored value as a number; NaN if it does not convert to one.
 double storedNumber(const Variant& stored) {
   try {
     return stored.toDouble();

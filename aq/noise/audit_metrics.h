@@ -20,10 +20,10 @@ struct MetricDifference {
 
 /// Compares every stored metric with the computed one, which is rounded to single precision if the
 /// stored one is single: levels and corrections differ if they are more than `tolerance` dB apart,
-/// bands and flags if they are not equal. Sorted by record, then by metric. A stored 0 counts as
-/// equal to a missing value, since an unset metric reads as 0. Compares the last good band only if
-/// there is a map. Throws like `setMetrics`, and `InvalidArgument` for a tolerance that is negative
-/// or NaN. Never changes the history.
+/// bands and flags if they are not equal. The result is sorted by record, then by metric. A stored
+/// 0 counts as equal to a missing value, since an unset metric reads as 0. Compares the last good
+/// band only if there is a map. Throws like `setMetrics`, and `InvalidArgument` for a tolerance
+/// that is negative or NaN. Never changes the history.
 [[nodiscard]] AQ_API std::vector<MetricDifference> auditMetrics(
     const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map, double tolerance);
 

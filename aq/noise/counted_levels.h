@@ -31,7 +31,7 @@ class CountedLevels {
   /// The level of any band; NaN if the band has none that counts.
   [[nodiscard]] double level(std::int32_t band) const;
 
-  /// Whether every level has a code.
+  /// Whether the levels are kept as codes.
   [[nodiscard]] bool isCoded() const { return !codes_.empty(); }
   /// Whether all levels have codes that are in `LevelTable`, in which case every level counts.
   [[nodiscard]] bool areInTable() const { return areInTable_; }
@@ -62,7 +62,7 @@ class CountedLevels {
   bool areInTable_ = false;
   std::span<const LevelCode> codes_;  // the spectrum's, or `maskedCodes_`
   std::vector<LevelCode> maskedCodes_;
-  std::vector<double> levels_;  // used unless every level has a code
+  std::vector<double> levels_;  // used unless the levels are kept as codes
 };
 
 }  // namespace aq

@@ -30,12 +30,13 @@ namespace aq {
 /// the source does not move.
 ///
 /// A record whose sound was emitted before the first or after the last position has no point:
-/// nothing is extrapolated. The start time, the reference time and their types are those of the
-/// history `records`. If the source is supersonic, a record may have several emissions; the point
-/// describes one of them.
+/// nothing is extrapolated. With fewer than two positions there are no points. The start time, the
+/// reference time and their types are those of the history `records`. If the source is supersonic,
+/// a record may have several emissions; the point describes one of them.
 ///
-/// Throws `InvalidValue` for a temperature at or below absolute zero, a coordinate that is not
-/// finite, or a position earlier than the previous one, and `ObjectNotSet` for a null object.
+/// Throws `InvalidValue` for a temperature that `speedOfSound` does not accept, a coordinate that
+/// is not finite, or a position earlier than the previous one, and `ObjectNotSet` for a null
+/// object.
 [[nodiscard]] AQ_API std::shared_ptr<AQ_GeometryTimeHistory> emissionGeometry(
     const AQ_PositionTimeHistory& positions, const AQ_Position& microphone,
     const AQ_SpectralTimeHistory& records, double celsius);

@@ -14,7 +14,7 @@ namespace aq {
 /// counts, the overall level if none at all counts, and PNL, PNLT, tone correction and its band if
 /// none in bands 17 to 40 counts. Without a map, keeps the last good band. `INTEG` is the role of a
 /// record in the event; a record lasts until the stamp of the next one, the last record as long as
-/// the one before it.
+/// the one before it, and a single record 0.5 s.
 ///
 /// A row of the map applies to the record with the same number; a record without a row is not
 /// masked. Does not change the map. Returns the event, computed from unrounded values, with

@@ -16,8 +16,8 @@
 namespace aq {
 
 /// The levels of a spectrum in one block, by band. Each level keeps its type and value. Doubles
-/// without gaps are stored as one number per band or, if all are whole hundredths of a decibel, as
-/// in files, as one code per band.
+/// without gaps are stored as one number per band or, if each has a `LevelCode`, as nearly all in
+/// files do, as one code per band.
 class AQ_API BandLevels {
  public:
   /// The level of `band`; nothing if it has none.
@@ -40,7 +40,7 @@ class AQ_API BandLevels {
   void assign(std::int16_t low, std::span<const LevelCode> codes);
 
   // All levels from the lowest band up: `codes` if they are stored as codes, `plain` if they are
-  // doubles without gaps. Empty otherwise.
+  // stored as doubles without gaps. Empty otherwise.
   [[nodiscard]] std::span<const LevelCode> codes() const { return codes_.all(); }
   [[nodiscard]] std::span<const double> plain() const;
 

@@ -10,9 +10,9 @@ namespace aq {
 
 /// How many records are missing between the last one of `before` and the first one of `after`,
 /// judging by their stamps; midnight may lie in between. Throws `InvalidArgument` unless they are
-/// two pieces of one measurement: both have records, their stamps ascend, they agree in bands,
-/// averaging method, stamp type, record length and reference, they do not overlap, and the gap is a
-/// whole number of records. Throws `Overflow` for a gap of more than 32767 records.
+/// two pieces of one measurement: both have records, their stamps ascend overall, they agree in
+/// bands, averaging method, stamp type, record length and reference, they do not overlap, and the
+/// gap is a whole number of records. Throws `Overflow` for a gap of more than 32767 records.
 [[nodiscard]] AQ_API std::int32_t recordsMissing(AQ_SpectralTimeHistory& before,
                                                  AQ_SpectralTimeHistory& after);
 

@@ -49,8 +49,8 @@ class AQ_API AQ_SpectralTimeHistory {
   /// The number of spectra. Throws `Overflow` above 32767.
   [[nodiscard]] std::int16_t Count() const { return spectra_.count(); }
 
-  /// Whether the history has as many records as the map, numbered from 1, and each spectrum's
-  /// bands contain those of its row. Throws `InvalidArgument` for a missing spectrum or row.
+  /// Whether the history has as many records as the map, and the bands of each spectrum from 1 to
+  /// `Count` contain those of its row. Throws `InvalidArgument` for a missing spectrum or row.
   [[nodiscard]] bool EncompassesMask(const AQ_MaskMap& MapMask) const;
 
   /// Sets the metric `LGB` of each spectrum from 1 to the map's count to the last good band of the
@@ -113,9 +113,9 @@ class AQ_API AQ_SpectralTimeHistory {
   std::shared_ptr<AQ_MetricSummary> Metrics() { return orCreate(metrics_); }
   void Metrics(std::shared_ptr<AQ_MetricSummary> metrics) { metrics_ = std::move(metrics); }
 
-  /// The highest and lowest record number ever stored; -1 and 9999 if there is none. Reading
-  /// `HiRec` while it is 0 first sets it to `Count`; reading `LoRec` while it is 0 first sets it to
-  /// 1.
+  /// The highest and lowest record number ever stored, or as set; -1 and 9999 if there is none.
+  /// Reading `HiRec` while it is 0 first sets it to `Count`; reading `LoRec` while it is 0 first
+  /// sets it to 1.
   std::int16_t HiRec();
   std::int16_t LoRec();
   void LoRec(std::int16_t nRecord) { records_.low = nRecord; }

@@ -78,11 +78,12 @@ class AQ_API AQ_Spectrum {
   void assignLevels(std::int16_t low, std::span<const double> levels);
   void assignCodes(std::int16_t low, std::span<const LevelCode> codes);
 
-  /// All levels from `LowBand` to `HighBand`, if they are doubles without gaps; otherwise none.
+  /// All levels from `LowBand` to `HighBand`, if `levelCodes` or `levelDoubles` has them; otherwise
+  /// none.
   [[nodiscard]] std::vector<double> plainLevels() const;
 
-  // The levels from `LowBand` to `HighBand` as they are stored: in `levelCodes` if every level has
-  // a code, otherwise in `levelDoubles`. Both are empty if there are gaps or levels of other types.
+  // The levels from `LowBand` to `HighBand` as they are stored: in `levelCodes` as codes, or in
+  // `levelDoubles` as doubles. Both are empty if there are, or were, gaps or levels of other types.
   [[nodiscard]] std::span<const LevelCode> levelCodes() const;
   [[nodiscard]] std::span<const double> levelDoubles() const;
 
