@@ -54,9 +54,11 @@ class TimeOrder {
             "the position stays the same in the next " + std::to_string(stays_) + " lines");
   }
 
+  static constexpr double kNoPlace = std::numeric_limits<double>::quiet_NaN();
+
   const Reporter& report_;
   std::vector<PathPlace> path_;
-  std::array<double, 3> at_{};
+  std::array<double, 3> at_{kNoPlace, kNoPlace, kNoPlace};  // equal to no position
   std::size_t stays_ = 0;  // lines that repeat the previous position
   std::size_t line_ = 0;
   double before_ = std::numeric_limits<double>::quiet_NaN();  // accepts any first time

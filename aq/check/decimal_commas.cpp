@@ -49,7 +49,7 @@ DecimalCommas::DecimalCommas(std::span<const std::string> header) {
       if (const auto value = keywordValue(line, keywords::kBands); !value.empty()) {
         const auto fields = fieldsOfLine(value);
         if (fields.size() != 2) continue;
-        const std::int32_t count = int32From(fields[1]) - int32From(fields[0]) + 1;
+        const int count = int16From(fields[1]) - int16From(fields[0]) + 1;
         bands_ = count > 0 ? static_cast<std::size_t>(count) : 0;
       } else if (const auto clock = keywordValue(line, "ReferenceTime"); !clock.empty()) {
         std::string text(clock);  // may be "14:30:14,75"

@@ -109,8 +109,9 @@ std::int32_t missingBetween(const RunPiece& before, const RunPiece& after) {
 /// A record whose levels are not valid, stamped `seconds` after `last`.
 std::shared_ptr<AQ_Spectrum> invalidAfter(AQ_Spectrum& last, double seconds) {
   auto spectrum = std::make_shared<AQ_Spectrum>();
-  const auto bands = static_cast<std::size_t>(last.HighBand() - last.LowBand()) + 1;
-  spectrum->assignLevels(last.LowBand(), std::vector<double>(bands, AQ_INVALID_LEVEL));
+  for (std::int32_t band = last.LowBand(); band <= last.HighBand(); ++band) {
+    spectrum->SPL(static_cast<std::int16_t>(band), double{AQ_INVALID_LEVEL});
+  }
   AQ_Time time = last.timeValue();
   moveTimeOfDay(time, seconds);
   time.RelSeconds(time.RelSeconds() + seconds);

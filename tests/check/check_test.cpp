@@ -255,6 +255,14 @@ TEST(Check, PositionsAndGeometry) {
   EXPECT_EQ(changed(positions, "NumberRecords**,3", "NumberRecords**,4"),
             Found{"8:2 record-count"});
   EXPECT_EQ(changed(positions, "10:00:00.2", "10:00:00.1"), Found{"15:1 time-order"});
+  const std::string track = test::contentOf(test::kData / positions);
+  const auto atRest = [&](int lines) {  // at 0, 0, 0 from the first line on
+    std::string text = track.substr(0, track.find("10:00:00"));
+    for (int i = 0; i < lines; ++i) text += "10:00:0" + std::to_string(i) + ",0,0,0\n";
+    return findingsIn(folder.with("rest.csv", text));
+  };
+  EXPECT_EQ(atRest(4).back(), "8:2 record-count");
+  EXPECT_EQ(atRest(5).back(), "14:0 position-stuck");
   EXPECT_EQ(changed(positions, "10:00:00.1", "23:59:59.9"), Found());  // across midnight
   EXPECT_EQ(changed(geometry, "2,10:00:05.5", "2,10:00:06"), Found{"21:2 time-step r2"});
   EXPECT_EQ(changed(geometry, "10:00:00.48", "10:00:01.48"), Found{"20:0 contradiction r1"});

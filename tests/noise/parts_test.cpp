@@ -50,6 +50,9 @@ TEST(Parts, ACutToTheEventHasTheSameEvent) {
     EXPECT_EQ(*after->first + static_cast<std::size_t>(range.first) - 1, *before->first);
     EXPECT_EQ(*after->last + static_cast<std::size_t>(range.first) - 1, *before->last);
   }
+  const HistoryMetrics metrics = historyMetrics(*whole);
+  const double atLimit = metrics.records[40].value(AQ_METRIC_PNLT);
+  EXPECT_EQ(recordsDown(*whole, nullptr, metrics.event->pnltm - atLimit).last, 42);
   EXPECT_ERROR(recordsDown(*whole, nullptr, 0), InvalidArgument);
   EXPECT_EQ(recordsDown(*whole, nullptr, 99).first, 1);
   EXPECT_EQ(recordsDown(*whole, nullptr, 99).last, 61);
@@ -91,6 +94,14 @@ TEST(Parts, PiecesJoinAndGapsAreFilled) {
   EXPECT_EQ(joined->spectrum(61), whole->spectrum(61));
   EXPECT_EQ(joinHistories(*a, *cutHistory(*whole, {21, 61}, false), false)->HiRec(), 61);
   EXPECT_ERROR(joinHistories(*a, *b, false), InvalidArgument);
+  for (const auto& piece : {a, b}) {
+    for (const auto& [number, spectrum] : *piece) {
+      auto bare = std::make_shared<AQ_Spectrum>();
+      bare->Time(spectrum->Time());
+      piece->spectrum(static_cast<std::int16_t>(number), bare);
+    }
+  }
+  EXPECT_EQ(joinHistories(*a, *b, true)->spectrum(22)->HighBand(), -1);
 }
 
 TEST(Parts, RejectsPiecesOfOtherMeasurements) {

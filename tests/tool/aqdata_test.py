@@ -242,6 +242,14 @@ ROWS = [  # command, status, what the output contains, what the messages contain
         "60 rows, 146 levels masked",
         "",
     ),
+    (
+        f"aqdata convert {STH} -o blank.spc -q &&"
+        " sed -i '30s/.\\{16\\}$/         9999.00/' blank.spc;"
+        " mask blank.spc --ambient fly-over.ssr.csv -o blank.csv",
+        0,
+        "; 1 level of 9999, not valid",
+        "",
+    ),
     (f"mask invalid.sth.csv --ambient fly-over.ssr.csv -o y.csv", 0, "1 level of 9999", ""),
     (f"mask gap.sth.csv --ambient fly-over.ssr.csv -o x.csv", 2, "", "record 30 is missing"),
     (

@@ -1,7 +1,5 @@
 #include <fmt/format.h>
 
-#include <algorithm>
-
 #include "tools/aqdata/files.h"
 #include "tools/aqdata/measurement.h"
 #include "tools/aqdata/program.h"
@@ -40,9 +38,9 @@ std::shared_ptr<aq::AQ_HeaderMask> headerFor(const MaskChoice& choice) {
 std::size_t invalidIn(const aq::AQ_SpectralTimeHistory& history) {
   std::size_t invalid = 0;
   for (const auto& [record, spectrum] : history) {
-    const std::vector<double> levels = spectrum->plainLevels();
-    invalid += static_cast<std::size_t>(
-        std::count(levels.begin(), levels.end(), double{aq::AQ_INVALID_LEVEL}));
+    for (const auto& [band, level] : *spectrum) {
+      if (level.toDouble() == double{aq::AQ_INVALID_LEVEL}) ++invalid;
+    }
   }
   return invalid;
 }
