@@ -11,7 +11,7 @@ from typing import Any, Optional, TypeVar, overload
 from . import _core
 from ._core import FileKind
 from .arguments import path_text
-from .errors import FileError
+from .errors import FileError, file_error
 from .formats import FORMATS, format_for
 from .reading import Path, Reading, Tracking
 from .restore import writable
@@ -86,8 +86,12 @@ _TABLES = (_core.AQ_SpectralTimeHistory, _core.AQ_MaskMap, _core.AQ_Spectrum)
 
 def _beginning(name: str) -> str:
     """The start of a file of unknown kind, in the form that `aqdata` prints."""
-    with open(name, "rb") as file:  # raises the system's own error if this fails
-        line = file.readline(400).rstrip(b"\r\n")
+    try:
+        with open(name, "rb") as file:
+            line = file.readline(400).rstrip(b"\r\n")
+    except OSError as error:
+        reason = os.strerror(error.errno or 0)
+        raise file_error(name, 0, 0, "a file that can be opened", reason, ()) from None
     if not line:
         return "nothing" if os.path.getsize(name) == 0 else "an empty first line"
     text = line[:40].decode("utf-8", "backslashreplace")
@@ -154,9 +158,9 @@ def read(path: Path, wanted: Optional[type[Any]] = None) -> AnyReading:
     file of another kind is an error. Levels are in dB, times in seconds, lengths in the unit of the
     file.
 
-    Raises `FileError` with line and field for a file that cannot be read, and the system's error
-    (`FileNotFoundError`, `PermissionError`, another `OSError`) for one that cannot be opened. Warns
-    of an unknown word in a history's header, since `write` would replace it with another word.
+    Raises `FileError` with line and field for a file that cannot be read. If the system refuses the
+    file, the error is also an `OSError`: `FileNotFoundError`, `PermissionError` or another. Warns of
+    an unknown word in a history's header, since `write` would replace it with another word.
 
     >>> header, history = aq_data.read("fly-over.sth.csv")
     >>> mask = aq_data.read("fly-over.mask.csv", aq_data.AQ_MaskMap).data

@@ -112,7 +112,7 @@ def mask_variables(modes: Any, adjustments: Any, last_good_bands: Any) -> dict[s
             "time",
             last_good_bands,
             "1",
-            "last good band; 0 if no band from 29 up is masked, 9999 if no band is good",
+            "last good band; 0 if no band from 29 up is masked, 9999 if bands 28 and 29 are masked",
         ),
     }
 
@@ -216,7 +216,8 @@ def map_to_xarray(
     self: _core.AQ_MaskMap, header: Optional[_core.AQ_HeaderMask] = None
 ) -> xr.Dataset:
     """A dataset with `mask_mode` and `mask_adjustment(time, band)` (flags, -1 where a row has no
-    mask), and `last_good_band(time)` (0 if no band from 29 up is masked, 9999 if no band is good).
+    mask), and `last_good_band(time)` (0 if no band from 29 up is masked, 9999 if bands 28 and 29
+    both are).
 
     >>> (mask.to_xarray().mask_mode > 0).sum()
     """
