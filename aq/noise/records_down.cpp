@@ -10,13 +10,13 @@ namespace aq {
 
 RecordRange recordsDown(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map,
                         double decibels) {
-  constexpr double kRounding = 1e-9;  // dB, as for event limits
+  constexpr double kDecimals = 1e-9;  // dB, as for event limits
   if (!(decibels > 0)) {
     throw Error(ErrorCode::InvalidArgument, "expected a difference above 0 dB");
   }
   const HistoryMetrics metrics = historyMetrics(history, map);
   if (!metrics.event) throw Error(ErrorCode::InvalidArgument, "no record has a PNLT");
-  const double limit = metrics.event->pnltm - decibels - kRounding;
+  const double limit = metrics.event->pnltm - decibels - kDecimals;
   const auto isAbove = [&](const RecordMetrics& record) {
     return record.value(AQ_METRIC_PNLT) >= limit;  // false for NaN
   };
