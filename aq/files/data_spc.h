@@ -45,12 +45,15 @@ class AQ_API AQ_DataSPC : public FileClass {
   [[nodiscard]] std::int16_t BandHigh() const { return settings_.high; }
   void BandHigh(std::int16_t nBand) { settings_.high = nBand; }
 
-  /// Writes the chosen part, replacing the file. Throws, and writes nothing, if there are no
-  /// records or one in the chosen part is missing (`InvalidArgument`); if there are no levels and
-  /// the bands are not set, if a level, a time or a word does not fit its columns, if a band is
-  /// outside 2 to 50, if a last record or band is below the first, or if a header field has a line
-  /// break or, outside other records and comments, a tab (`InvalidValue`); if a level is not a
-  /// number (`TypeMismatch`); or if a date is outside the years 1 to 9999 (`Overflow`).
+  /// Writes the chosen part, replacing the file. Throws, and writes nothing:
+  /// - `InvalidArgument` if there are no records, or one in the chosen part is missing;
+  /// - `InvalidValue` if there are no levels and the bands are not set, if a level, a time or a
+  ///   word does not fit its columns, if a band is outside 2 to 50, if a last record or band is
+  ///   below the first, if a header field has a line break or, outside other records and comments,
+  ///   a tab, or if there are more than 32767 other records or comments;
+  /// - `TypeMismatch` if a level is not a number;
+  /// - `Overflow` if a date is outside the years 1 to 9999;
+  /// - `ObjectNotSet` if a spectrum is null.
   AQ_DataMessage writeFile(const std::string& sFileName, AQ_SpectralTimeHistory& aqTimeHistory);
 
   /// Reads a file into a new header and a new history. If the header cannot be read, sets nothing;
