@@ -30,12 +30,12 @@ std::string recordedName(const std::string& path) {
 
 // Rows of a table or a document.
 
-/// The time of day in `text`, or `seconds` if `text` is empty or differs from it.
+/// The time of day in `text`, or `seconds` if `text` is empty or differs by 6 ms or more.
 aq::AQ_Time timeOf(const std::string& text, double seconds) {
   aq::AQ_Time time;
   if (!text.empty()) {
     time.TODstring(text);
-    // A time late in a second is written as the next second: if the two differ, `seconds` decides.
+    // Text is rounded by at most 5 ms; if the two differ by more, `seconds` decides.
     if (std::abs(time.TODseconds() - seconds) < 0.006 || std::isnan(seconds)) return time;
   }
   time.assignSeconds(seconds, 0);
@@ -91,8 +91,8 @@ class HistoryRows : public NumberedRows<History, aq::AQ_Spectrum> {
   }
 };
 
-/// The time from the first stamp to the second, in seconds; 0.5 if it is implausible or there is no
-/// second stamp.
+/// The time from the first stamp to the second, in seconds; 0.5 if that is 0 or 1000 or more, or if
+/// there is no second stamp.
 double lengthOf(const aq::AQ_SpectralTimeHistory& history) {
   auto at = history.begin();
   if (at == history.end()) return 0.5;
@@ -104,8 +104,8 @@ double lengthOf(const aq::AQ_SpectralTimeHistory& history) {
   return length > 0 && length < 1000 ? length : 0.5;
 }
 
-/// Sets the times that a table does not have: the start is the first stamp, and the reference
-/// follows from the relative times. Throws `Failure` if they imply different references.
+/// Sets what a table lacks. The start time is the first stamp, and the reference time, of type
+/// OTHER, follows from the relative times. Throws `Failure` if they imply different references.
 void giveTimes(History& read) {
   aq::AQ_SpectralTimeHistory& history = *read.model;
   history.AverageMethod(aq::AQ_NA);

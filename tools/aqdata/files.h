@@ -16,9 +16,10 @@ namespace aqdata {
 
 /// The files that the user's arguments name. A pattern selects the files and folders that match it.
 /// A folder selects all measurement files below it: those that end in ".csv", ignoring case, or are
-/// of a known kind, except hidden files and the originals that `fix` keeps. It also selects files
-/// whose names end in one of `more` (in capitals), ignoring case. A folder is visited once, even if
-/// several links lead to it. Complains about arguments that select no file.
+/// of a known kind, except the originals that `fix` keeps. It also selects files whose names end in
+/// one of `more` (in capitals), ignoring case. Skips hidden files and folders in it, and the
+/// session's output folder. A folder is visited once, even if several links lead to it. Complains
+/// about arguments that select no file.
 [[nodiscard]] std::vector<std::string> chosenFiles(Session& session,
                                                    const std::vector<std::string_view>& more = {});
 
@@ -47,10 +48,10 @@ void expectFree(const Session& session, const std::string& path);
 /// may not be replaced.
 [[nodiscard]] std::string outputPlace(const Session& session);
 
-/// Chooses the output of each file. For several files, the session's output is a folder: a file
-/// that the user named keeps its name in it, and a file found in a given folder keeps its path
-/// below that folder. If the user named a single file, the session's output is the file to write,
-/// unless it is an existing folder or ends in a slash.
+/// Chooses the output of each file. If the user named a single file, the session's output is the
+/// file to write, unless it is an existing folder or ends in a slash. Otherwise it is a folder: a
+/// file that the user named keeps its name in it, and a file found in a given folder keeps its path
+/// below that folder.
 class OutputPlaces {
  public:
   explicit OutputPlaces(const Session& session);

@@ -35,7 +35,7 @@ struct Reading {
 };
 
 /// The record length in seconds: the one that a file in columns gives or, in a recording, the time
-/// from the first record to the second. No value for other files.
+/// from the first record to the second. No value for other files, or for a single record.
 template <class File>
 std::optional<double> recordLengthOf(const File& file, const aq::AQ_SpectralTimeHistory& history) {
   if constexpr (std::is_same_v<File, aq::AQ_DataSPC>) return file.RecordLength();

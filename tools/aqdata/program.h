@@ -8,8 +8,8 @@
 
 namespace aqdata {
 
-/// Adds a command. `run` is called if the command line is valid; an exception from it ends the
-/// program with a message.
+/// Adds a command. `run` is called if the command line is valid; an exception from it is reported,
+/// and the exit status becomes that of a failure.
 CLI::App* addCommand(CLI::App& program, Session& session, const char* name, const char* summary,
                      const char* examples, std::function<void()> run);
 

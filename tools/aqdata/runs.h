@@ -43,8 +43,8 @@ std::vector<std::string> writeRun(const Session& session, Run& run, const RunFil
 void addComment(Run& run, const std::string& line);
 
 /// Writes a history that was read from `from`. Returns notes on what the format cannot hold. Throws
-/// `Failure` if a word of the header is unknown, if the records differ in their bands (unless
-/// `inColumns`), or if the file cannot be written or may not be replaced.
+/// `Failure` if a word of the header is unknown, if the records do not all have the same bands
+/// without a gap (unless `inColumns`), or if the file cannot be written or may not be replaced.
 std::vector<std::string> writeHistory(const Session& session, const History& read,
                                       const std::string& to, const std::string& from,
                                       bool inColumns);

@@ -124,7 +124,7 @@ Check wholeNumber(std::int32_t lowest, std::int32_t highest) {
     } catch (const aq::Error&) {
       // reported below
     }
-    return fmt::format("expected a number from {} to {}, found {}", lowest, highest,
+    return fmt::format("expected a whole number from {} to {}, found {}", lowest, highest,
                        aq::shown(text));
   };
 }

@@ -62,7 +62,8 @@ class Session {
   /// --quiet or --json.
   void tell(std::string_view text);
 
-  /// Reports what was written to the output; with --json, as a document that names the output.
+  /// Like `tell`, reports what was written to the output; with --json, prints a document that names
+  /// the output instead, unless the output is a stream.
   void wrote(std::string_view what);
 
   /// Reports on standard error what went wrong and, with --json, also in a document, which names
@@ -106,8 +107,7 @@ void addFile(CLI::App& command, std::string& file, const char* name, const char*
 void addJobs(CLI::App& command, Session& session);
 void addOutputFile(CLI::App& command, Session& session, const char* what, bool needed = true);
 
-/// Restricts an option to these words, regardless of case. If the option takes several
-/// words, commas separate them. Shells offer the words as completions.
+/// Restricts an option to these words, regardless of case. Shells offer the words as completions.
 void addWords(Session& session, CLI::Option& option, std::vector<std::string> words);
 
 // Check an option's text. Return why it is not the expected number, or an empty string if it is.

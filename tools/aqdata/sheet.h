@@ -59,7 +59,7 @@ struct Sheet {
 /// All keys that occur in the header of some kind of file.
 [[nodiscard]] std::vector<std::string> headerKeys();
 
-/// Seconds rounded to five decimals, since files are read in single precision.
+/// Seconds rounded to five decimals, since the seconds in files are read in single precision.
 [[nodiscard]] double tidySeconds(double seconds);
 
 /// The double with the same shortest text as a single-precision number.

@@ -133,8 +133,8 @@ Range rangeFrom(const std::string& text, std::string_view ofWhat) {
   } catch (const aq::Error&) {
     // reported below
   }
-  throw Failure(
-      fmt::format("--{0}: expected {0} such as 10:40, found {1}", ofWhat, aq::shown(text)));
+  throw Failure(fmt::format("--{0}: expected a number or a range such as 10:40, found {1}", ofWhat,
+                            aq::shown(text)));
 }
 
 std::vector<std::size_t> Table::widths() const {

@@ -12,8 +12,8 @@ namespace aqdata {
 /// How many terminal columns `text` takes; colour codes take none.
 [[nodiscard]] std::size_t widthOf(std::string_view text);
 
-/// `text` in at most `width` columns; a mark replaces what is cut from the middle. Unchanged if
-/// `width` is below 3.
+/// `text` in at most `width` columns; an ellipsis replaces what is cut from the middle. Unchanged
+/// if `width` is below 3.
 [[nodiscard]] std::string shortened(std::string_view text, std::size_t width);
 
 /// A cell as a table shows it: strings escaped and without quotes, nothing for null.

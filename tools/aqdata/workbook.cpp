@@ -48,9 +48,8 @@ std::string validText(const std::string& text) {
       .get<std::string>();
 }
 
-/// An unused sheet name made from a file's name: up to 31 printable ASCII
-/// characters, with _ for those that a sheet name must not contain. Adds the name, in capitals, to
-/// `taken`.
+/// An unused sheet name made from a file's name: up to 31 characters, with _ for those that are not
+/// printable ASCII or that a sheet name must not contain. Adds the name, in capitals, to `taken`.
 std::string sheetNameOf(const std::string& file, std::set<std::string>& taken) {
   constexpr std::size_t kMost = 31;
   std::string name = pathOf(file).filename().string();

@@ -1,6 +1,6 @@
 // Writes the reference page of the object model. With `members`, writes what a test compares with
-// the headers and checks for units and meanings: each class with its number, each member with the
-// numbers of arguments it takes, each enumerator with its value, and every unit and description.
+// the headers: the number of each class, the argument counts of each member and the value of each
+// enumerator. It then also writes the units and descriptions of members, which the test checks.
 
 #include <aq/describe/check.h>
 #include <aq/describe/files.h>

@@ -16,7 +16,7 @@
 namespace reference {
 
 template <class T>
-struct Words;  // for types that are not classes of the interface
+struct Words;  // for pointers, optional values and lists
 
 template <class T>
 std::string typeWords();

@@ -104,7 +104,7 @@ void printJson(Session& session, const std::string& file, const Report& report) 
 /// Counts the findings of all files and sets the session's status.
 struct Summary {
   std::size_t files = 0;
-  std::size_t sound = 0;  // files without a finding
+  std::size_t sound = 0;  // files without a selected finding
   std::map<aq::Severity, std::size_t> counts = {};
   struct Found {
     std::size_t count = 0;
@@ -206,7 +206,7 @@ void addCheck(CLI::App& program, Session& session) {
   CLI::Option* const severity =
       command
           ->add_option("--severity", choice->severity,
-                       "Omit findings less severe than note, warning or error")
+                       "Omit findings below WORD (note, warning or error)")
           ->option_text("WORD");
   addWords(session, *severity, {"note", "warning", "error"});
   command->add_flag("--summary", choice->summary, "Count findings by kind over all files");

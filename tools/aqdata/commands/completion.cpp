@@ -31,7 +31,7 @@ std::string quoted(const std::string& text) {
   return result + '\'';
 }
 
-/// Calls `visit(names, words)` for each option or argument that takes one of a fixed set of words.
+/// Calls `visit(names, words)` for each option or argument that takes words of a fixed set.
 /// `names` are the option's long names with their dashes; empty for an argument.
 template <class Visit>
 void forWords(const CLI::App& command, const Session& session, const Visit& visit) {
@@ -126,8 +126,8 @@ std::string zsh(CLI::App& program, const Session& session) {
       "    _files\n"
       "  fi\n"
       "}}\n"
-      // The shell may run this script as the function's body on first use, which must complete at
-      // once. A sourced script only registers the function.
+      // On first use, the shell may run this script as the function's body: it must then also offer
+      // completions. When sourced, the script only registers the function.
       "if [ \"$funcstack[1]\" = _aqdata ]; then\n"
       "  _aqdata \"$@\"\n"
       "else\n"

@@ -42,8 +42,8 @@ const Form kForms[] = {{"history", ".sth.csv"},   {"columns", ".spc"},      {"ma
                        {"positions", ".pth.csv"}, {"spectrum", ".ssr.csv"}, {"json", ".json"},
                        {"workbook", ".xlsx"},     {"netcdf", ".nc"},        {"table", ".csv"}};
 
-/// The requested form, or the one that the output's name implies. Throws `Failure` if the form and
-/// the name do not fit.
+/// The requested form, or the one that the output's name implies: a table by default. Throws
+/// `Failure` if the name does not fit the form or is that of the input.
 std::string formOf(const Session& session, const ConvertChoice& choice) {
   std::vector<std::string_view> endings;
   std::string named = "table";
@@ -138,7 +138,7 @@ std::string_view formWord(const std::string& form) {
 
 void putMap(const Session& session, const Measurement& measurement) {
   const auto* const read = std::get_if<MaskingMap>(&measurement.data);
-  if (read == nullptr) throw Failure("only a masking map, or its table, converts to a map");
+  if (read == nullptr) throw Failure("only a masking map, or its table or JSON, converts to a map");
   writeOutput<aq::AQ_DataMask>(session, read->header, *read->model);
 }
 
@@ -303,8 +303,9 @@ void addConvert(CLI::App& program, Session& session) {
       "The ending of OUT chooses the form: .sth.csv (history), .spc (history in fixed\n"
       "columns), .pth.csv (positions), .ssr.csv (one spectrum), .mask.csv (map), .json,\n"
       ".xlsx (workbook), .nc (netCDF), or .csv, a table with one observation per line.\n"
-      "With --to FORM the name may also end in .txt or have no ending. Without OUT,\n"
-      "tables and JSON go to standard output.\n\n"
+      "A name without an ending means a table unless --to FORM names another form; with\n"
+      "--to the name may also end in .txt. Without OUT, tables and JSON go to standard\n"
+      "output.\n\n"
       "Examples:\n"
       "  aqdata convert fly-over.sth.csv -o levels.csv\n"
       "  aqdata convert fly-over.sth.csv --record 30 -o overhead.ssr.csv\n"

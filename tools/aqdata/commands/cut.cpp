@@ -172,11 +172,12 @@ void addCut(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<CutChoice>();
   CLI::App* const command = addCommand(
       program, session, "cut", "Cut histories, maps and geometries to a range of records",
-      "Records keep their time stamps. They keep their numbers unless a map or geometry\n"
-      "is also cut; these require numbers from 1, so the records are renumbered, and\n"
-      "a comment in each header gives the old numbers. The map and geometry are written\n"
-      "next to OUT, as OUT.mask.csv and OUT.gth.csv for OUT.sth.csv. For several files\n"
-      "or a folder, OUT is a folder.\n\n"
+      "Records keep their time stamps. They keep their numbers unless --renumber is\n"
+      "given or a map or geometry is also cut, since these require numbers from 1;\n"
+      "a comment in each header gives the old numbers. The map and geometry are\n"
+      "written next to OUT, as x.mask.csv and x.gth.csv for x.sth.csv. --down also\n"
+      "keeps the record before the event and the one after it. For several files or a\n"
+      "folder, OUT is a folder.\n\n"
       "Examples:\n"
       "  aqdata cut fly-over.sth.csv --down 10 --masks -o event.sth.csv\n"
       "  aqdata cut fly-over.sth.csv --from 14:30:05 --to 14:30:20 -o part.sth.csv\n",

@@ -142,7 +142,7 @@ std::string sentenceOf(const Explained& explained, const aq::ToneCorrection& ton
   std::string text;
   if (tone.band == 0) {
     text = fmt::format("{} has no tone correction", record);
-    text += tone.rows.size() < 3 ? ", which needs three bands from 80 Hz up."
+    text += tone.rows.size() < 3 ? ", which needs the bands at 80, 100 and 125 Hz."
                                  : ": no level is more than 1.5 dB above the background.";
   } else {
     const aq::ToneStep& step = tone.rows[static_cast<std::size_t>(tone.band - 19)];

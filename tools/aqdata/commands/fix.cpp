@@ -78,7 +78,7 @@ std::string keepOriginal(const std::string& path, std::string_view bytes) {
 }
 
 /// Replaces the file with the mended text and, without --no-orig, keeps the original next to it.
-/// The text of a packed file goes into a new file without the ending ".gz".
+/// If the file's name ends in ".gz", writes to a new file without that ending instead.
 void writeInPlace(const Session& session, const std::string& path, std::string_view bytes,
                   const FixChoice& choice, FixOutcome& outcome) {
   const std::string place = unpackedName(path);
@@ -216,8 +216,8 @@ void addFix(CLI::App& program, Session& session) {
       "line endings, semicolons, tabs, quotes and padding added by spreadsheets, blank\n"
       "lines, and decimal commas. If the format has comments, one says what was\n"
       "changed. Anything uncertain is only reported. Without --write, prints what would\n"
-      "change and exits with status 1 if anything would. If OUT is a folder, it\n"
-      "receives all files, including those that need no change.\n\n"
+      "change and exits with status 1 if anything would. OUT receives every file,\n"
+      "including those that need no change.\n\n"
       "Examples:\n"
       "  aqdata fix .\n"
       "  aqdata fix fly-over.sth.csv --write -o mended.sth.csv\n",

@@ -98,8 +98,8 @@ void addGeometry(CLI::App& program, Session& session) {
   CLI::App* const command = addCommand(
       program, session, "geometry", "Compute where the source emitted each record's sound",
       "Coordinates are in metres. The source is assumed to fly straight between\n"
-      "positions; the sound of every record must have been emitted between the first\n"
-      "and the last.\n\n"
+      "positions. The sound of every record asked for must have been emitted between\n"
+      "the first position and the last.\n\n"
       "Examples:\n"
       "  aqdata geometry fly-over.sth.csv fly-over.tspi.csv fly-over.mic.csv \\\n"
       "    --celsius 20 --records 10:50 -o made.gth.csv\n",

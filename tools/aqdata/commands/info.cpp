@@ -163,7 +163,8 @@ struct Outcome {
   std::string failure = {};
 };
 
-/// What is known about a recording without levels, such as a time signal; nothing for other files.
+/// What is known about a recording without levels, such as a time signal; nothing for other files
+/// and for a recording that cannot be read.
 std::optional<Json> infoWithoutLevels(const std::string& path, const std::string& failure) {
   constexpr auto kKind = aq::FileKind::AnalyzerRecording;
   if (aq::kindOfFile(path) != kKind) return std::nullopt;
@@ -219,7 +220,8 @@ std::vector<std::string> valueLines(const Json& value, std::size_t width) {
   return lines;
 }
 
-/// Prints each key and its value, starting on a new line; leaves out empty values.
+/// Prints each key with its value on a new line; leaves out empty values, and the keys that
+/// `printCard` handles itself.
 void printValues(Session& session, const Json& values) {
   constexpr std::size_t kKeys = 25;
   constexpr std::size_t kNarrowest = 20;

@@ -131,9 +131,9 @@ void addJoin(CLI::App& program, Session& session) {
   CLI::App* const command =
       addCommand(program, session, "join", "Join the pieces of one run",
                  "The pieces must be in time order; their time stamps do not change. They must\n"
-                 "agree in bands, averaging, stamp type, reference, project, microphone and\n"
-                 "adjustment; use stamp to change the reference of a piece. Record numbers\n"
-                 "continue from the first piece.\n\n"
+                 "agree in bands, averaging, stamp type, record length, reference, project,\n"
+                 "microphone and adjustment; use stamp to change the reference of a piece.\n"
+                 "Record numbers continue from the first piece.\n\n"
                  "Examples:\n"
                  "  aqdata cut fly-over.sth.csv --records :20 -o a.sth.csv\n"
                  "  aqdata cut fly-over.sth.csv --records 24: -o b.sth.csv\n"

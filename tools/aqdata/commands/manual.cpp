@@ -7,7 +7,7 @@
 namespace aqdata {
 namespace {
 
-/// `text` escaped for roff: it does not start a request, and its dashes stay dashes.
+/// `text` escaped for roff: it does not start a request, and its dashes and backslashes stay.
 std::string roff(const std::string& text) {
   std::string result;
   for (const char c : text) {
@@ -64,7 +64,9 @@ std::string manual(CLI::App& program) {
       ".IR {}/aqdata.md .\n"
       ".SH FILES\n.TP\n.I {}\nThe documentation: a page for each file format, and one for this "
       "program.\n"
-      ".SH ENVIRONMENT\n.TP\nNO_COLOR\nIf set, no colours are printed.\n",
+      ".SH ENVIRONMENT\n.TP\nNO_COLOR\nIf not empty, no colours are printed unless "
+      "\\-\\-color always is given.\n.TP\nAQ_PYTHON\n"
+      "The Python interpreter that draws images and converts to and from netCDF.\n",
       AQDATA_VERSION, "inspect, check and convert files of aircraft noise measurements",
       program.get_description(), literal(program.get_footer()), commands, roff(AQDATA_DOCUMENTS),
       roff(AQDATA_DOCUMENTS));

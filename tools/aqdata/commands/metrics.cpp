@@ -225,8 +225,8 @@ void addMetrics(CLI::App& program, Session& session) {
   const auto choice = std::make_shared<MetricsChoice>();
   CLI::App* const command =
       addCommand(program, session, "metrics", "Compute noise metrics and the event: PNLT, EPNL",
-                 "For one history, prints the metrics of each record, then the event; for several\n"
-                 "or a folder, the event of each history on one line. -o writes the same table,\n"
+                 "For one history, prints the metrics of each record, then the event; for\n"
+                 "several, the event of each history on one line. -o writes the same table,\n"
                  "for one history without the event. INTEG says which part of the event a record\n"
                  "is: the maximum, the first or last record of the sum, or a second peak.\n\n"
                  "Examples:\n"

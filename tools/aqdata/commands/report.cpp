@@ -96,8 +96,9 @@ void addReport(CLI::App& program, Session& session) {
       addCommand(program, session, "report", "Make a page to explore runs in a browser",
                  "The page is a single HTML file that needs no network. Given a folder, uses the\n"
                  "histories in it. For a history x.sth.csv, also uses the files next to it:\n"
-                 "x.mask.csv, x.ambient.ssr.csv or x.ssr.csv, x.pth.csv or x.tspi.csv, x.mic.csv,\n"
-                 "x.gth.csv, and the positions and microphone that x.gth.csv names.\n\n"
+                 "x.mask.csv, x.ambient.ssr.csv or x.ssr.csv, x.pth.csv or x.tspi.csv, x.mic.csv\n"
+                 "and x.gth.csv. If there are no positions or no microphone, uses those that\n"
+                 "x.gth.csv names.\n\n"
                  "Examples:\n"
                  "  aqdata report fly-over.sth.csv --celsius 20 -o fly-over.html\n"
                  "  aqdata report . -o season.html\n",

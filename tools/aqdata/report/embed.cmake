@@ -1,7 +1,7 @@
 # Embeds the page's style and scripts in aqdata:
 #   cmake -DSOURCE=<this folder> -DOUT=<a C++ source> -DMODULES=<a;b;...> -P embed.cmake
 # The modules become one script, in this order. Every `import` line and `export` keyword is removed:
-# a single-file page cannot load modules, and only editors and tests use these lines.
+# a single-file page cannot load modules, and only editors and tests need them.
 
 set(text "// Made by embed.cmake.\n#include \"tools/aqdata/report/assets.h\"\n\n")
 string(APPEND text "namespace aqdata::report::assets {\n")

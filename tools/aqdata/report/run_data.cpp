@@ -236,8 +236,8 @@ class RunReader {
          });
   }
 
-  /// `found` or, if it is empty, the file `name` that the geometry was made from; empty if that
-  /// file does not exist.
+  /// `found` or, if it is empty, the file `name` next to the history, from which the geometry was
+  /// made; empty if there is none, or if `alone` excludes it.
   [[nodiscard]] std::string recorded(const std::string& found, const std::string& name) const {
     if (!found.empty() || name.empty() || choice_.alone) return found;
     std::error_code error;
