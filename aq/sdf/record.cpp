@@ -7,7 +7,7 @@
 
 namespace aq::sdf {
 
-Record::Record(std::string_view bytes, std::size_t size, std::size_t place)
+Record::Record(std::string_view bytes, std::size_t size, std::optional<std::size_t> place)
     : bytes_(bytes.substr(0, size)), size_(size), place_(place) {}
 
 RecordType Record::type() const {
@@ -42,7 +42,9 @@ std::string_view Record::text(const Field& field) const {
 }
 
 Record Record::part(const Field& field) const {
-  return {{at(field, 0), sizeOf(field)}, sizeOf(field), place_ + field.first - 1};
+  std::optional<std::size_t> place = place_;
+  if (place) *place += field.first - 1;
+  return {{at(field, 0), sizeOf(field)}, sizeOf(field), place};
 }
 
 UnitOfValues Record::unit(const Field& field) const {
@@ -64,7 +66,7 @@ std::uint32_t Record::count(const Field& field) const {
 
 void Record::fail(const std::string& expected, const std::string& found) const {
   std::string record(layout().name);
-  record += " at byte " + std::to_string(place_);
+  if (place_) record += " at byte " + std::to_string(*place_);
   failRead(0, 0, record + " with " + expected, found);
 }
 

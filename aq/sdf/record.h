@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -31,13 +32,11 @@ struct UnitOfValues {
 class AQ_API Record {
  public:
   /// `bytes` starts with the record, which has `size` bytes; of a record from a text file, there
-  /// may be fewer.
-  Record(std::string_view bytes, std::size_t size, std::size_t place);
+  /// may be fewer. `place` is the record's offset in the file; a text file has none.
+  Record(std::string_view bytes, std::size_t size, std::optional<std::size_t> place);
 
   [[nodiscard]] RecordType type() const;
   [[nodiscard]] std::size_t size() const { return size_; }
-  /// The offset of the record in the file.
-  [[nodiscard]] std::size_t place() const { return place_; }
   [[nodiscard]] const AnyLayout& layout() const { return layoutOf(type()); }
   [[nodiscard]] std::string_view bytes() const { return bytes_; }
 
@@ -55,8 +54,8 @@ class AQ_API Record {
   /// An integer that must not be negative.
   [[nodiscard]] std::uint32_t count(const Field& field) const;
 
-  /// Throws `ReadFailure` with the record's name and offset, what was expected, such as "a domain",
-  /// and what was found.
+  /// Throws `ReadFailure` with the record's name, its offset if it has one, what was expected, such
+  /// as "a domain", and what was found.
   [[noreturn]] void fail(const std::string& expected, const std::string& found) const;
 
  private:
@@ -64,7 +63,7 @@ class AQ_API Record {
 
   std::string_view bytes_;
   std::size_t size_;
-  std::size_t place_;
+  std::optional<std::size_t> place_;
 };
 
 }  // namespace aq::sdf

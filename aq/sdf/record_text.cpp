@@ -143,7 +143,7 @@ RecordList RecordText::take() const {
     const std::size_t place = bytes.size();
     bytes.insert(bytes.end(), part.bytes.begin(), part.bytes.end());
     records.emplace_back(std::string_view(bytes.data() + place, part.bytes.size()),
-                         sizeOfRecord(part), place);
+                         sizeOfRecord(part), std::nullopt);
   }
   return {std::move(bytes), records};
 }

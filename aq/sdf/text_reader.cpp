@@ -340,8 +340,11 @@ Recording textRecording(const std::string& path,
   for (const Values& values : text.values) {
     if (values.isNamed()) named.addNamed(values);
   }
-  Recording recording(text.records.take(), std::move(named.traces));
   const auto unnamed = unnamedOf(text.values);
+  if (unnamed && !named.traces.empty()) {
+    failRead(unnamed->lineOf(0), 0, "data, vector and scan numbers, as other values have", "none");
+  }
+  Recording recording(text.records.take(), std::move(named.traces));
   if (!unnamed) return recording;
   Assignment inTurn(headers);
   inTurn.addInTurn(*unnamed, wanted(recording));

@@ -8,7 +8,8 @@
 namespace aq::sdf {
 
 /// A recording as text: its records field by field, as the instrument itself prints them, then the
-/// stored values of each trace and scan. `textRecording` reads back the same values.
+/// stored values of each trace and scan. `textRecording` reads back the same values of traces with
+/// one value per point, the only ones that are converted to levels.
 [[nodiscard]] AQ_API std::string textOf(const Recording& recording);
 
 /// Appends a value with the digits that its type needs.

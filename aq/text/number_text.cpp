@@ -112,7 +112,10 @@ Integer wholeInteger(std::string_view text) {
   const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value);
   if (result.ec != std::errc() || value < std::numeric_limits<Integer>::min() ||
       value > std::numeric_limits<Integer>::max()) {
-    refuse(ErrorCode::Overflow, "a smaller integer", text);
+    const std::string range = "an integer from " +
+                              std::to_string(std::numeric_limits<Integer>::min()) + " to " +
+                              std::to_string(std::numeric_limits<Integer>::max());
+    refuse(ErrorCode::Overflow, range.c_str(), text);
   }
   return static_cast<Integer>(value);
 }

@@ -162,6 +162,9 @@ TEST(Analyzer, ReadsTextsOfOtherPrograms) {
        ": expected the values of data 0, vector 0, scan 0, found none"},
       {"SDF_YDATA_HDR\ndata 0\nvector 0\nscan 0\n1\n2\n3\n4\n5\n", 1,
        ", line 46: expected 4 values, found 5"},
+      {"SDF_YDATA_HDR\ndata 0\nvector 0\nscan 0\n1\n2\n3\n4\n-----\nSDF_YDATA_HDR\ndata 0\n1\n", 1,
+       ", line 49: expected data, vector and scan numbers, as other values have, found none"},
+      {"4e-10\n4e-9\n4e-8\n4e-7\n", 3, ": expected SDF_DATA_HDR with channel 3, found 2 of them"},
       {"", 1, ": expected values of a recording, found none"}};
   for (const auto& [values, channel, levels] : kCases) {
     SCOPED_TRACE(values);

@@ -94,6 +94,7 @@ ROWS = [  # command, status, what the output contains, what the messages contain
     ("--json", 2, "", "expected a command"),
     ("help diff", 0, "aqdata diff [OPTIONS] A B", ""),
     ("help", 0, "Commands:", ""),
+    ("help --json info", 0, "aqdata info [OPTIONS] FILES", ""),
     ("help x", 2, "", 'unknown command "x"'),
     ("info --color sometimes x", 2, "", 'info: --color: expected auto, always, never, found "some'),
     ("info --color", 2, "", "info: --color: expected a value"),
@@ -377,6 +378,13 @@ ROWS = [  # command, status, what the output contains, what the messages contain
         2,
         "",
         "expected a position time history or tracking",
+    ),
+    (
+        "geometry gap.sth.csv fly-over.tspi.csv fly-over.mic.csv --celsius 20 --records 30:50 -q "
+        "-o gap.gth.csv && cat gap.gth.csv",
+        0,
+        "Point 1 belongs to record 31",
+        "",
     ),
     (
         f"aqdata convert {STH} -o all.json && aqdata convert all.json -o all.sth.csv -q; diff --dates {STH} all.sth.csv",
@@ -785,6 +793,10 @@ def check_recordings(folder):
     card = run(f"aqdata info '{samples}/bad/complex.dat'", folder).stdout.decode()
     expect_in("a recording without levels", card, "with real data, found complex data")
     expect_in("the traces of a recording", card, "title Pwr Spec, domain OCTAVE_DOMAIN")
+    table = run(f"aqdata info '{samples}/bad/complex.dat' --columns channels", folder).stdout
+    expect_in("channels in a table", table.decode(), "channels\nlabel ")
+    wrong = run(f"aqdata lgb {STH} '{samples}/good/auto-power.dat'", folder).stderr.decode()
+    expect_in("another kind of file", wrong, "found an analyzer recording file")
     done = run(f"aqdata info '{samples}/bad/offset-outside.dat'", folder)
     expect("a damaged recording", (done.returncode, done.stdout), (2, b""))
 

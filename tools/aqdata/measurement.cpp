@@ -89,14 +89,19 @@ aq::FileKind kindHolding(aq::FileKind found) {
   return kind;
 }
 
+std::string fileOf(aq::FileKind kind) {
+  const char* const article = kind == aq::FileKind::AnalyzerRecording ? "an" : "a";
+  return fmt::format("{} {} file", article, kindText(kind));
+}
+
 template <class Wanted>
 Wanted openHeld(const std::string& path, const Reading& how) {
   const aq::FileKind found = kindOf(path);
   const aq::FileKind kind = kindHolding<Wanted>(found);
   // A file that cannot be read or has lost its title is left to the reader, whose failure says why.
   if (found != kind && found != aq::FileKind::Unknown) {
-    throw Failure(fmt::format("{}: expected a {} file, found a {} file", aq::escaped(path),
-                              kindText(kind), kindText(found)));
+    throw Failure(fmt::format("{}: expected a {} file, found {}", aq::escaped(path), kindText(kind),
+                              fileOf(found)));
   }
   return std::get<Wanted>(readAs(kind, path, how).data);
 }
@@ -183,8 +188,8 @@ Microphone openMicrophone(const std::string& path) { return openHeld<Microphone>
 Geometry openGeometry(const std::string& path) {
   const Measurement read = openFile(path);
   if (const auto* const geometry = std::get_if<Geometry>(&read.data)) return *geometry;
-  throw Failure(fmt::format("{}: expected a geometric time history file, found a {} file",
-                            aq::escaped(path), aq::kindText(read.kind)));
+  throw Failure(fmt::format("{}: expected a geometric time history file, found {}",
+                            aq::escaped(path), fileOf(read.kind)));
 }
 
 FlownPath openPath(const std::string& path) {
@@ -193,9 +198,8 @@ FlownPath openPath(const std::string& path) {
   if (const auto* const fixes = std::get_if<Tracking>(&read.data)) {
     return {fixes->model, fixes->rejected};
   }
-  throw Failure(
-      fmt::format("{}: expected a position time history or tracking file, found a {} file",
-                  aq::escaped(path), aq::kindText(read.kind)));
+  throw Failure(fmt::format("{}: expected a position time history or tracking file, found {}",
+                            aq::escaped(path), fileOf(read.kind)));
 }
 
 std::string timeText(aq::AQ_Time time) {

@@ -54,13 +54,19 @@ std::size_t sharedOption(const std::vector<std::string>& words) {
 /// command after it, and turns `help` into --help.
 std::vector<std::string> arranged(std::vector<std::string> words) {
   std::vector<std::string> before;
-  while (const std::size_t count = sharedOption(words)) {
-    const auto end = words.begin() + static_cast<std::ptrdiff_t>(count);
-    before.insert(before.end(), words.begin(), end);
-    words.erase(words.begin(), end);
-  }
+  const auto takeShared = [&] {
+    while (const std::size_t count = sharedOption(words)) {
+      const auto end = words.begin() + static_cast<std::ptrdiff_t>(count);
+      before.insert(before.end(), words.begin(), end);
+      words.erase(words.begin(), end);
+    }
+  };
+  takeShared();
   const bool help = !words.empty() && words.front() == "help";
-  if (help) words.erase(words.begin());
+  if (help) {
+    words.erase(words.begin());
+    takeShared();
+  }
   if (help && (words.empty() || !words.front().starts_with('-'))) {
     words.resize(std::min<std::size_t>(1, words.size()));
     words.emplace_back("--help");

@@ -2,6 +2,7 @@
 #include <aq/text/number_text.h>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "tools/aqdata/files.h"
@@ -63,8 +64,9 @@ std::shared_ptr<aq::AQ_HeaderGTH> headerFor(const GeometryChoice& choice, const 
   header->PTHFileName = choice.positions;
   header->MICFileName = choice.microphone;
   if (!choice.records.empty() || read.model->LoRec() != 1) {
-    const int low = std::max(range.first, read.model->LoRec());
-    header->colCommentLines->Add(fmt::format("Point 1 belongs to record {}", low));
+    const auto first = std::find_if(read.model->begin(), read.model->end(),
+                                    [&](const auto& one) { return one.first >= range.first; });
+    header->colCommentLines->Add(fmt::format("Point 1 belongs to record {}", (*first).first));
   }
   return header;
 }

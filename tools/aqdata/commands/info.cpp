@@ -207,6 +207,17 @@ std::string partsText(const Json& object) {
   return text;
 }
 
+/// A value as a cell of a table: the entries of a list with a comma between them, or with a
+/// semicolon between objects.
+std::string tableText(const Json& value) {
+  if (!value.is_array() || value.empty() || !value.front().is_object()) {
+    return listText(value, ", ");
+  }
+  std::string text;
+  for (const Json& entry : value) text += (text.empty() ? "" : "; ") + partsText(entry);
+  return text;
+}
+
 /// The lines of a value; each entry of a list of strings or objects starts a new line.
 std::vector<std::string> valueLines(const Json& value, std::size_t width) {
   if (!value.is_array() || value.empty() || value.front().is_number()) {
@@ -293,7 +304,7 @@ std::vector<std::string> fieldNames() {
   std::vector<std::string> names{"file",     "kind",      "records",  "positions", "first",
                                  "last",     "missing",   "begin",    "end",       "duration_s",
                                  "low_band", "high_band", "position", "height",    "no_levels",
-                                 "revision", "scans"};
+                                 "revision", "scans",     "traces",   "channels"};
   for (std::string& key : headerKeys()) names.push_back(std::move(key));
   return names;
 }
@@ -368,7 +379,7 @@ class Listing {
     if (columns_.empty()) return tableRow(outcome.info, outcome.word);
     std::vector<std::string> cells;
     for (const std::string& column : columns_) {
-      cells.push_back(listText(fieldOf(outcome.info, column), ", "));
+      cells.push_back(tableText(fieldOf(outcome.info, column)));
     }
     return cells;
   }
