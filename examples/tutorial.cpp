@@ -56,6 +56,12 @@ int main(int argc, char** argv) {
   if (mapFile.writeFile(argv[4], mapHeader, *map) != aq::AQ_DATA_OK) return 1;
   std::shared_ptr<aq::AQ_SpectralTimeHistory> again;
   if (historyFile.readFile(argv[3], header, again) != aq::AQ_DATA_OK) return 1;
-  std::cout << "read back: " << again->Count() << " records, "
-            << again->spectrum(30)->SPL(28).toDouble() << " dB\n";
+  int different = 0;
+  for (const auto& [record, spectrum] : *history) {
+    for (const auto& [band, level] : *spectrum) {
+      if (again->spectrum(record)->SPL(band) != level) ++different;
+    }
+  }
+  std::cout << "read back: " << again->Count() << " records, " << different
+            << " levels are different\n";
 }

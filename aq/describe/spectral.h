@@ -23,7 +23,10 @@ struct Description<AQ_Metric> {
         .method("Copy", &M::Copy, "A deep copy, in which every metric that was not set is set to 0")
         .property("CWT", &M::CWT, &M::CWT, "C-weighted level", kDecibels)
         .property("DWT", &M::DWT, &M::DWT, "D-weighted level", kDecibels)
-        .property("OA", &M::OA, &M::OA, "Overall level", kDecibels)
+        .property("OA", &M::OA, &M::OA,
+                  "Overall level: the energy sum of all levels but those that are masked and not "
+                  "adjusted",
+                  kDecibels)
         .property("PNL", &M::PNL, &M::PNL, "Perceived noise level", Quantity{"PNdB"})
         .property("PNLT", &M::PNLT, &M::PNLT, "Tone-corrected perceived noise level",
                   Quantity{"TPNdB"})
@@ -85,7 +88,10 @@ struct Description<AQ_Spectrum> {
             [](const S& self, const auto& spectrum) { return self.Encompasses(spectrum); },
             "Whether the bands of another object, LowBand to HighBand, lie within this one's",
             in("spectrum", "Any object with LowBand and HighBand"))
-        .property("Level", &S::Level, &S::Level, "An overall level", kDecibels)
+        .property("Level", &S::Level, &S::Level,
+                  "An overall level for the caller's own use. The library only copies it; the "
+                  "overall level that it computes is the metric OA",
+                  kDecibels)
         .property("Time", &S::Time, &S::Time, "The time of the measurement")
         .property("Metric", &S::Metric, &S::Metric, "The noise metrics")
         .method("contains", &S::contains, "Whether a band has a level",

@@ -72,8 +72,8 @@ class AQ_API AQ_PositionTimeHistory {
   /// The number of samples. Throws `Overflow` above 32767.
   [[nodiscard]] std::int16_t Count() const { return positions_.count(); }
 
-  // The samples as pairs of index and position, in index order. Storing a sample invalidates
-  // iterators. `contains` tells whether an index exists.
+  /// A loop yields the samples as pairs of index and position, in index order. Storing a sample
+  /// invalidates iterators. `contains` tells whether an index exists.
   [[nodiscard]] Walk begin() const { return Walk(positions_.placed().begin()); }
   [[nodiscard]] Walk end() const { return Walk(positions_.placed().end()); }
   [[nodiscard]] bool contains(std::int32_t place) const {

@@ -36,8 +36,8 @@ class AQ_API AQ_MaskMap {
   /// that has none: bands 28 and 29, and those above up to the first masked one.
   void setLGB();
 
-  // The stored rows as pairs of record number and row, in ascending order of record number. Storing
-  // a row invalidates iterators. `contains` creates nothing.
+  /// A loop yields the stored rows as pairs of record number and row, in ascending order of record
+  /// number. Storing a row invalidates iterators. `contains` creates nothing.
   [[nodiscard]] auto begin() const { return rows_.begin(); }
   [[nodiscard]] auto end() const { return rows_.end(); }
   [[nodiscard]] bool contains(std::int32_t number) const { return rows_.contains(number); }

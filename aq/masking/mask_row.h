@@ -47,8 +47,9 @@ class AQ_API AQ_MaskRow {
   [[nodiscard]] std::int16_t LGB() const { return lastGoodBand_; }
   void LGB(std::int16_t band) { lastGoodBand_ = band; }
 
-  // The bands that have a mask, in ascending order, as pairs of band number and a copy of the mask.
-  // Storing or fetching a mask invalidates iterators. Iterating and `contains` create no mask.
+  /// A loop yields the bands that have a mask, in ascending order, as pairs of band number and a
+  /// copy of the mask. Storing or fetching a mask invalidates iterators. Iterating and `contains`
+  /// create no mask.
   [[nodiscard]] NumberWalk<AQ_MaskRow> begin() const { return {this, codes_.first(), afterLast()}; }
   [[nodiscard]] NumberWalk<AQ_MaskRow> end() const { return {this, afterLast(), afterLast()}; }
   [[nodiscard]] bool contains(std::int32_t band) const;

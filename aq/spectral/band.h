@@ -59,9 +59,9 @@ class AQ_API AQ_Band {
   /// How many levels are stored.
   [[nodiscard]] std::int32_t Count() const { return static_cast<std::int32_t>(levels_.size()); }
 
-  // The levels as pairs of record number and level, in ascending order of record number. Storing a
-  // level invalidates iterators. Only `SPL` reaches a level whose number is a fraction or does not
-  // fit in 32 bits.
+  /// A loop yields the levels as pairs of record number and level, in ascending order of record
+  /// number. Storing a level invalidates iterators. Only `SPL` reaches a level whose number is a
+  /// fraction or does not fit in 32 bits.
   [[nodiscard]] Walk begin() const { return {levels_.begin(), levels_.end()}; }
   [[nodiscard]] Walk end() const { return {levels_.end(), levels_.end()}; }
   [[nodiscard]] bool contains(std::int32_t number) const { return levels_.contains(number); }

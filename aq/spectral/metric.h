@@ -27,13 +27,16 @@ class AQ_API AQ_Metric {
   /// it. Values of other types are not copied.
   [[nodiscard]] std::shared_ptr<AQ_Metric> Copy() const;
 
+  /// The C-weighted level, dB.
   [[nodiscard]] float CWT() const { return single(AQ_METRIC_CWT); }
   void CWT(float level) { MetricValue(AQ_METRIC_CWT, level); }
 
+  /// The D-weighted level, dB.
   [[nodiscard]] float DWT() const { return single(AQ_METRIC_DWT); }
   void DWT(float level) { MetricValue(AQ_METRIC_DWT, level); }
 
-  /// The overall level.
+  /// The overall level, dB: the energy sum of all levels but those that are masked and not
+  /// adjusted.
   [[nodiscard]] float OA() const { return single(AQ_METRIC_OA); }
   void OA(float level) { MetricValue(AQ_METRIC_OA, level); }
 

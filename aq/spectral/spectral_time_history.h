@@ -80,9 +80,9 @@ class AQ_API AQ_SpectralTimeHistory {
   std::shared_ptr<AQ_Time> ReferenceTime() { return orCreate(referenceTime_); }
   void ReferenceTime(std::shared_ptr<AQ_Time> time) { referenceTime_ = std::move(time); }
 
-  /// A deep copy of the records from `LoRec` to `HiRec`. Of the start time and the reference time,
-  /// copies only the date and the time of day. Throws `InvalidArgument` for a missing spectrum or
-  /// level.
+  /// A deep copy of the records from `LoRec` to `HiRec`. The copied start and reference times have
+  /// the same date and time of day, but no relative time. Throws `InvalidArgument` for a missing
+  /// spectrum or level.
   [[nodiscard]] std::shared_ptr<AQ_SpectralTimeHistory> Copy();
 
   /// The levels of one band over all records; no object if the history is empty, or if a record
@@ -121,8 +121,8 @@ class AQ_API AQ_SpectralTimeHistory {
   void LoRec(std::int16_t nRecord) { records_.low = nRecord; }
   void HiRec(std::int16_t nRecord) { records_.high = nRecord; }
 
-  // The stored spectra as pairs of record number and object, in ascending order of the numbers.
-  // Storing a spectrum invalidates iterators. `contains` creates nothing.
+  /// A loop yields the stored spectra as pairs of record number and object, in ascending order of
+  /// the numbers. Storing a spectrum invalidates iterators. `contains` creates nothing.
   [[nodiscard]] auto begin() const { return spectra_.begin(); }
   [[nodiscard]] auto end() const { return spectra_.end(); }
   [[nodiscard]] bool contains(std::int32_t number) const { return spectra_.contains(number); }

@@ -42,7 +42,8 @@ class AQ_API AQ_Spectrum {
     return bands_.encompasses(spectrum);
   }
 
-  /// An overall level, dB; initially 0.
+  /// An overall level for the caller's own use, dB; initially 0. The library only copies it; the
+  /// overall level that `setMetrics` computes is `Metric()->OA()`.
   [[nodiscard]] double Level() const { return extras_ ? extras_->level : 0; }
   void Level(double level) { extras_.orCreate().level = level; }
 
@@ -57,8 +58,8 @@ class AQ_API AQ_Spectrum {
     copied_ = false;
   }
 
-  // The bands that have a level, as pairs of band and level, ascending. Storing a level invalidates
-  // iterators.
+  /// A loop yields the bands that have a level, ascending, as pairs of band and level. Storing a
+  /// level invalidates iterators.
   [[nodiscard]] NumberWalk<AQ_Spectrum> begin() const {
     return {this, levels_.first(), afterLast()};
   }
