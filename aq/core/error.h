@@ -14,7 +14,7 @@ enum class ErrorCode {
   InvalidIndex,        ///< no entry at that index
   InvalidValue,        ///< a value that is not allowed, or a time of day that cannot be written
   TypeMismatch,        ///< a value that does not convert to the requested type
-  Overflow,            ///< a value outside the range of the requested type
+  Overflow,            ///< a value or a count outside the range of its type
   ObjectNotSet,        ///< a required object is missing
   MemberNotSupported,  ///< the object has no such member
 };

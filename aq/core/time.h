@@ -12,9 +12,9 @@ namespace aq {
 
 inline constexpr std::int32_t kSecondsPerDay = 86400;
 
-/// The time stamp of a record: a calendar date, a time of day and a time relative to a reference.
-/// The two times are independent of each other; only `setRelTime` derives one from the other. The
-/// date and both times start at zero. A failure leaves the object unchanged.
+/// A time stamp: a calendar date, a time of day and a time relative to a reference. The two times
+/// are independent of each other; only `setRelTime` derives one from the other. The date and both
+/// times start at zero. A failure leaves the object unchanged.
 class AQ_API AQ_Time {
  public:
   /// A new time with the same values, except that a time of day above 86400 s is wrapped, with the

@@ -34,11 +34,12 @@ struct Description<CheckFunctions> {
                                "file come first");
     using FitOfFiles = void (*)(const std::string&, const std::string&, const FindingSink&);
     to.function("checkFile", &checkFile,
-                about("Reads a file of any kind and reports what makes reading fail and what is "
-                      "probably wrong"),
+                about("Reads a file of any kind and reports what makes reading fail, what is "
+                      "probably wrong and what is worth knowing"),
                 in("path", "The name of the file", FileName{}), report)
         .function("checkFixes", &checkFixes,
-                  about("Reports the fixes of a tracking file that a reader with this limit drops"),
+                  about("Reports the position fixes of a tracking file that a reader with this "
+                        "limit drops"),
                   in("path", "The tracking file", FileName{}),
                   in("limit", "The highest quality figure that the reader accepts; 0 is the best",
                      Quantity{"quality figure", 0, 255}),

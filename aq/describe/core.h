@@ -14,8 +14,8 @@ struct Description<AQ_Time> {
   static constexpr char name[] = "AQ_Time";
   static constexpr int number = 1;
   static constexpr char text[] =
-      "The time stamp of a record: a calendar date, a time of day and a time relative to a "
-      "reference; setting one of the two times leaves the other unchanged";
+      "A time stamp: a calendar date, a time of day and a time relative to a reference; setting "
+      "one of the two times leaves the other unchanged";
   template <class To>
   static void members(To& to) {
     using T = AQ_Time;
@@ -35,8 +35,8 @@ struct Description<AQ_Time> {
                 in("Hours", "Hours", Quantity{"h"}), in("Minutes", "Minutes", Quantity{"min"}),
                 in("Seconds", "Seconds", kSeconds))
         .property("TODseconds", &T::TODseconds, &T::TODseconds,
-                  "The time of day since midnight; a value above 86400 wraps into the next day. "
-                  "Raises for a value that is not finite",
+                  "The time of day, counted from midnight; a value above 86400 s wraps into the "
+                  "next day. Raises for a value that is not finite",
                   kSecondsOfDay)
         .property("WorkingTime", &T::WorkingTime,
                   "RelSeconds or TODseconds, as chosen by setWorkingTime", kSeconds)
@@ -51,7 +51,7 @@ struct Description<AQ_Time> {
   }
 };
 
-/// The argument of a collection's `Add`; in some collections it is a number.
+/// The argument of a collection's `Add`, with a unit if the collection holds numbers.
 template <class T>
 constexpr auto valueOf(const char* text) {
   if constexpr (isNumber<T>) {
@@ -108,15 +108,17 @@ template <>
 struct Description<FileInformation> {
   static constexpr char name[] = "FileInformation";
   static constexpr char text[] =
-      "Supplies the file names and dates that writers record. A host may install its own "
-      "service";
+      "A service that supplies the file names and dates that writers record; a host may install "
+      "its own";
   template <class To>
   static void members(To& to) {
     using I = FileInformation;
-    to.method("recordedName", &I::recordedName, "The name under which a file is recorded",
+    to.method("recordedName", &I::recordedName,
+              "The name under which writers record a file; the default service drops the folder",
               in("path", "The name of the file", FileName{}))
         .method("fileDateTime", &I::fileDateTime,
-                "When a file was last changed, as mm/dd/yyyy,hh:mm:ss",
+                "When a file was last changed, as mm/dd/yyyy,hh:mm:ss; if that is unknown, the "
+                "default service gives the current date and time",
                 in("path", "The name of the file", FileName{}))
         .method("currentDateTime", &I::currentDateTime,
                 "The current date and time, as mm/dd/yyyy,hh:mm:ss");

@@ -15,11 +15,12 @@
 #include "aq/core/file_failure.h"
 #include "aq/core/variant.h"
 
-// The description of the object model for hosts: each class, enumeration, function and member once,
-// with its name and its meaning. A host calls `forMembers<C>` with a visitor that accepts every
-// kind of member below; types come from the pointers to members and functions. There is no field
-// for initial values: hosts read them from a new object. Members are in the order of the interface,
-// and new ones are added at the end, since some hosts identify a member by its position.
+// The description of the object model for hosts, such as the Python package and the component for
+// Windows: each class, enumeration, function and member once, with its name and its meaning. A host
+// calls `forMembers<C>` with a visitor that accepts every kind of member below; types come from the
+// pointers to members and functions. There is no field for initial values: hosts read them from a
+// new object. Members are in the order of the interface, and new ones are added at the end, since
+// some hosts identify a member by its position.
 
 namespace aq::describe {
 
@@ -55,7 +56,7 @@ inline constexpr Quantity kLength{"m"};
 inline constexpr Quantity kAngle{"degree"};
 inline constexpr Quantity kOfTheMetric{"dB, PNdB, TPNdB, band or flags"};
 
-/// The description of a member or parameter, apart from its type.
+/// The description of a member or parameter, apart from its name and type.
 struct About {
   std::string_view text;   ///< without a full stop at the end
   Quantity quantity = {};  ///< with a unit only if the member is a number
@@ -99,8 +100,8 @@ constexpr Told<Parts...> about(std::string_view text, Parts... parts) {
 
 // The kinds of member.
 
-/// Read by `get` and set by `set`; read-only if `set` is `nullptr`. A getter that is not const
-/// creates the object if there is none; setting an object shares it.
+/// Read by `get` and set by `set`; read-only if `set` is `nullptr`. A non-const getter of an
+/// object creates it if there is none; setting an object shares it.
 template <class Get, class Set>
 struct Property {
   const char* name;
@@ -146,7 +147,8 @@ struct Indexed {
   About about;
 };
 
-/// Non-const references to pointers and enumerations are output arguments.
+/// A member function. Its arguments that are non-const references to a pointer or an enumeration
+/// are outputs.
 template <class Call, std::size_t Count>
 struct Method {
   const char* name;
@@ -155,7 +157,8 @@ struct Method {
   About about;
 };
 
-/// `call(object, other)` for any other object that has `LowBand` and `HighBand`.
+/// A method called as `call(object, other)`, where `other` is any object with `LowBand` and
+/// `HighBand`.
 template <class Call>
 struct Banded {
   const char* name;
@@ -216,7 +219,7 @@ inline constexpr bool hasQuantity = ((std::same_as<Parts, Quantity> || std::same
 /// Checks that a number has a unit and that nothing else has one.
 template <class T, class... Parts>
 constexpr void saysItsUnit() {
-  static_assert(!isNumber<T> || hasQuantity<Parts...>, "a number without its unit and range");
+  static_assert(!isNumber<T> || hasQuantity<Parts...>, "a number without a unit");
   static_assert(isNumber<T> || !hasQuantity<Parts...>, "a unit for something that is not a number");
 }
 
@@ -271,9 +274,9 @@ class Members {
   /// Describes `lastFailure`, which every file class has.
   Members& lastFailure() {
     using Get = const std::optional<FileFailure>& (C::*)() const;
-    return take(Property<Get, std::nullptr_t>{
-        "lastFailure", &C::lastFailure, nullptr,
-        about("Why the last call could not read or write its file; otherwise no object")});
+    return take(Property<Get, std::nullptr_t>{"lastFailure", &C::lastFailure, nullptr,
+                                              about("Why the last call could not read or write its "
+                                                    "file; no object if it succeeded or raised")});
   }
 
   template <class Get, class Set>
@@ -342,7 +345,8 @@ class Members {
   Members& function(const char* name, Result (*call)(Arguments...), const Told<Parts...>& told,
                     const Given&... parameters) {
     saysItsUnit<Result, Parts...>();
-    static_assert(sizeof...(Arguments) == sizeof...(Given), "a parameter without its name");
+    static_assert(sizeof...(Arguments) == sizeof...(Given),
+                  "the number of parameters differs from that of the call");
     (fits<Arguments>(parameters), ...);
     return take(
         Function<decltype(call), sizeof...(Given)>{name, call, {Parameter(parameters)...}, told});
@@ -351,8 +355,9 @@ class Members {
  private:
   template <class Result, class... Arguments, class Call, class... Given>
   Members& called(const char* name, Call call, std::string_view text, const Given&... parameters) {
-    static_assert(!isNumber<Result>, "a number comes from a property, which has its unit");
-    static_assert(sizeof...(Arguments) == sizeof...(Given), "a parameter without its name");
+    static_assert(!isNumber<Result>, "a method has no unit, so it cannot return a number");
+    static_assert(sizeof...(Arguments) == sizeof...(Given),
+                  "the number of parameters differs from that of the call");
     (fits<Arguments>(parameters), ...);
     return take(
         Method<Call, sizeof...(Given)>{name, call, {Parameter(parameters)...}, about(text)});

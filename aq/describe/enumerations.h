@@ -4,7 +4,7 @@
 #include "aq/core/error.h"
 #include "aq/describe/description.h"
 
-// Descriptions of the enumerations and their members.
+// Descriptions of the enumerations in `aq/core`.
 
 namespace aq::describe {
 
@@ -26,7 +26,7 @@ struct Description<AQ_AverageMethod> {
                 "95 %")
         .member("AQ_CONTEXPO", AQ_CONTEXPO,
                 "Slow response simulated by continuous exponential averaging of the records")
-        .member("AQ_NA", AQ_NA, "The averaging method is not set");
+        .member("AQ_NA", AQ_NA, "The averaging method is not set, or is none of the others");
   }
 };
 
@@ -107,12 +107,13 @@ struct Description<AQ_MASK_MODE> {
   static void members(To& to) {
     to.member("NOT_MASKED", NOT_MASKED, "Not masked: the level is that of the source")
         .member("MASKED_BY_MASK_CRITERION", MASKED_BY_MASK_CRITERION,
-                "Masked: the level exceeds the ambient by less than the criterion")
+                "Masked: the level does not exceed the ambient by at least the criterion")
         .member("MASKED_BY_PRE_DETECT", MASKED_BY_PRE_DETECT,
                 "Masked by pre-detection noise: ambient and electrical noise that adds its energy "
                 "to the source's")
-        .member("MASKED_BY_POST_DETECT", MASKED_BY_POST_DETECT,
-                "Masked by post-detection noise: the instruments' floor, which adds no energy");
+        .member(
+            "MASKED_BY_POST_DETECT", MASKED_BY_POST_DETECT,
+            "Masked by post-detection noise: the instruments' noise floor, which adds no energy");
   }
 };
 
@@ -143,11 +144,11 @@ struct Description<AQ_METRIC_INTEG_VALUE> {
       "The role of a record in the integration of a metric; flags that can be combined";
   template <class To>
   static void members(To& to) {
-    to.member("AQ_INTEG_MAX", AQ_INTEG_MAX, "The record has the largest PNLT")
+    to.member("AQ_INTEG_MAX", AQ_INTEG_MAX, "The first record with the largest PNLT")
         .member("AQ_INTEG_FST", AQ_INTEG_FST, "The first record of the sum, at a 10 dB-down limit")
         .member("AQ_INTEG_LST", AQ_INTEG_LST, "The last record of the sum, at a 10 dB-down limit")
         .member("AQ_INTEG_2ND", AQ_INTEG_2ND,
-                "The record has a second peak of PNLT, within 2 dB of the largest");
+                "A record with a second peak of PNLT, within 2 dB of the largest");
   }
 };
 
@@ -184,7 +185,7 @@ struct Description<ErrorCode> {
                 "A value that is not allowed, or a time of day that cannot be written as text")
         .member("TypeMismatch", ErrorCode::TypeMismatch,
                 "A value that does not convert to the requested type")
-        .member("Overflow", ErrorCode::Overflow, "A value outside the range of the requested type")
+        .member("Overflow", ErrorCode::Overflow, "A value or a count outside the range of its type")
         .member("ObjectNotSet", ErrorCode::ObjectNotSet, "A required object is missing")
         .member("MemberNotSupported", ErrorCode::MemberNotSupported,
                 "The object has no such member");

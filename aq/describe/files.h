@@ -136,8 +136,8 @@ struct Description<AQ_DataMIC> {
   template <class To>
   static void members(To& to) {
     using F = AQ_DataMIC;
-    to.method("readFile", &F::readFile, "Reads a file into a new header and a microphone", kPath,
-              kHeaderOut, in("MIC", "The microphone to fill"), kResult)
+    to.method("readFile", &F::readFile, "Reads a file into a new header and an existing microphone",
+              kPath, kHeaderOut, in("MIC", "The microphone to fill"), kResult)
         .lastFailure();
   }
 };
@@ -185,11 +185,11 @@ struct Description<AQ_DataSPC> {
   template <class To>
   static void members(To& to) {
     using F = AQ_DataSPC;
-    to.method("setHeader", &F::setHeader, "Sets the header to write",
+    to.method("setHeader", &F::setHeader, "Sets the header to write; reading a file replaces it",
               in("aqHeader", "The header; without one, the header fields of a file are empty"))
         .property("RecordLength", &F::RecordLength, &F::RecordLength,
-                  "Time from one record to the next, initially 0.5; reading a file sets it. Raises "
-                  "for a value that is not above 0 and below 1000",
+                  "Time from one record to the next, initially 0.5 s; reading a file sets it. "
+                  "Raises unless the value is above 0 and below 1000 s",
                   Quantity{"s", 0, 1000})
         .property("NumberFirstRecord", &F::NumberFirstRecord, &F::NumberFirstRecord,
                   "First record to write; 0 means the history's first. Reading a file sets it",
@@ -324,8 +324,10 @@ struct Description<AQ_DataHP3565> {
                 in("STH", "Receives a new history"))
         .method("readFile", &F::readFile, kReads, in("sDatFile", "The recording", FileName{}),
                 kHeaderOut, in("STH", "Receives a new history"))
-        .property("SDFPRINT", &F::SDFPRINT, &F::SDFPRINT,
-                  "The path of an external converter; empty for the built-in one", FileName{})
+        .property(
+            "SDFPRINT", &F::SDFPRINT, &F::SDFPRINT,
+            "The path of an external converter that DAT_to_ASC runs; empty for the built-in one",
+            FileName{})
         .property("Channel", &F::Channel, &F::Channel,
                   "The trace to read from each scan, counted from 1", Quantity{"index", 1, 32767})
         .property(

@@ -108,12 +108,14 @@ struct Description<AQ_GeometryTimeHistory> {
   static constexpr char name[] = "AQ_GeometryTimeHistory";
   static constexpr int number = 35;
   static constexpr char text[] =
-      "The emission geometry of a measurement's records, by record number. Points are shared, not "
-      "copied";
+      "The emission geometry of a measurement: one point per record, by record number. Points are "
+      "shared, not copied";
   template <class To>
   static void members(To& to) {
     using H = AQ_GeometryTimeHistory;
-    to.method("Copy", &H::Copy, "A deep copy of points 1 to Count only; raises if one is missing")
+    to.method("Copy", &H::Copy,
+              "A deep copy of points 1 to Count, without the history's own times and types; raises "
+              "if a point is missing")
         .property("ReferenceType", &H::ReferenceType, &H::ReferenceType,
                   "Which event the reference time marks")
         .method("setRelTimes", &H::setRelTimes,

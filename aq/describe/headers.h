@@ -33,7 +33,7 @@ inline constexpr auto kGenerationDateTime = about(
 inline constexpr auto kOtherCount =
     about("Number of other records, as read; the writer counts them", kCount);
 inline constexpr auto kOtherRecords =
-    about("Other records, one per line, kept unchanged", Key{"other_records"});
+    about("Other records, one per line, kept but not interpreted", Key{"other_records"});
 inline constexpr auto kCommentCount =
     about("Number of comment lines, as read; the writer counts them", kCount);
 inline constexpr auto kComments = about("Comments, one per line", Key{"comments"});
@@ -173,20 +173,23 @@ struct Description<AQ_HeaderGTH> {
                "The position of the microphone as X, Y and Z", Key{"microphone_position"})
         .field("Temperature", &H::Temperature, "The air temperature", Key{"temperature"},
                Quantity{"degC", -273.15})
-        .field("STHFileName", &H::STHFileName, "The spectral time history file", FileName{},
-               Key{"history_file"})
+        .field("STHFileName", &H::STHFileName,
+               "The spectral time history file, written as the file information service names it",
+               FileName{}, Key{"history_file"})
         .field("STHFileDateTime", &H::STHFileDateTime,
                "The date and time of the spectral time history file, as read; the writer gets them "
                "from the file information service",
                Key{"history_file_date"})
-        .field("PTHFileName", &H::PTHFileName, "The position time history file", FileName{},
-               Key{"position_file"})
+        .field("PTHFileName", &H::PTHFileName,
+               "The position time history file, written as the file information service names it",
+               FileName{}, Key{"position_file"})
         .field("PTHFileDateTime", &H::PTHFileDateTime,
                "The date and time of the position time history file, as read; the writer gets them "
                "from the file information service",
                Key{"position_file_date"})
-        .field("MICFileName", &H::MICFileName, "The microphone position file", FileName{},
-               Key{"microphone_file"})
+        .field("MICFileName", &H::MICFileName,
+               "The microphone position file, written as the file information service names it",
+               FileName{}, Key{"microphone_file"})
         .field("MICFileDateTime", &H::MICFileDateTime,
                "The date and time of the microphone position file, as read; the writer gets them "
                "from the file information service",

@@ -22,7 +22,8 @@ struct Description<AQ_Mask> {
                   "Whether the level is masked, and by which test")
         .property("AdjustMode", &M::AdjustMode, &M::AdjustMode, "How the level was adjusted")
         .form("MaskString", &M::MaskString, &M::MaskString,
-              "Two letters: one of -MAF for the mode and one of -SFTACR for the adjustment");
+              "Two letters: one of -MAF for the mode and one of -SFTACR for the adjustment; "
+              "setting ignores an unknown letter");
   }
 };
 
@@ -36,7 +37,9 @@ struct Description<AQ_MaskRow> {
   template <class To>
   static void members(To& to) {
     using R = AQ_MaskRow;
-    to.method("Copy", &R::Copy, "A deep copy")
+    to.method("Copy", &R::Copy,
+              "A deep copy; each band from LowBand to HighBand that has no mask gets a default "
+              "one, in the copy and here")
         .indexed("Mask", &R::Mask, &R::Mask, in("nBand", "The band", kBand),
                  "The mask of a band; reading creates a default mask if there is none. Storing a "
                  "mask for a band that already has one removes the old mask and stores none; to "

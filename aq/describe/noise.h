@@ -32,7 +32,7 @@ struct Description<ToneStep> {
         .field("slopeMarked", &S::slopeMarked,
                "Whether the slope differs by more than 5 dB from that of the band below")
         .field("levelMarked", &S::levelMarked,
-               "Whether the level is removed to find the background")
+               "Whether the level is replaced to find the background")
         .field("adjusted", &S::adjusted, "The level, or its replacement if it is marked", kDecibels)
         .field("adjustedSlope", &S::adjustedSlope, "The slope of the adjusted levels", kDecibels)
         .field("meanSlope", &S::meanSlope,
@@ -40,9 +40,10 @@ struct Description<ToneStep> {
         .field("background", &S::background, "The level that the band would have without tones",
                kDecibels)
         .field("difference", &S::difference,
-               "The level minus the background; counts if it is at least 1.5", kDecibels)
+               "The level minus the background; gives a correction if it is above 1.5 dB",
+               kDecibels)
         .field("correction", &S::correction,
-               "The correction of this band; 0 if the difference does not count", kToneDecibels);
+               "The correction of this band; 0 if the difference gives none", kToneDecibels);
   }
 };
 
@@ -58,7 +59,8 @@ struct Description<ToneCorrection> {
         .field("band", &C::band,
                "The band that caused the correction, the lowest if several; 0 for none", kToneBand)
         .field("lastBand", &C::lastBand,
-               "The last band used; 18 if no band is used, because band 19 does not count",
+               "The last band used; 18 if the level of band 19 does not count, so that no band is "
+               "used",
                kToneBand)
         .field("rows", &C::rows, "One entry for each band used, from 19 up");
   }
@@ -129,7 +131,7 @@ struct Description<NoiseFunctions> {
     constexpr auto map = optionally("map", "Which levels of the records are masked");
     to.function("weightedLevel", &weightedLevel,
                 about("The A-, C- or D-weighted level of a spectrum, or its overall level; nothing "
-                      "if no level counts. Raises for any other metric",
+                      "if no level in the bands used counts. Raises for any other metric",
                       kDecibels),
                 spectrum, in("weighting", "AQ_METRIC_AWT, _CWT, _DWT or _OA"), masks)
         .function("perceivedNoiseLevel", &perceivedNoiseLevel,
@@ -151,11 +153,13 @@ struct Description<NoiseFunctions> {
                Quantity{"s", 0}),
             optionally("toneCorrections", "The tone corrections by record; NaN where there is none",
                        kToneDecibels))
-        .function("setMetrics", &setMetrics,
-                  about("Computes and stores the ten metrics of every record and returns the "
-                        "event; nothing if no record has a PNLT. Raises if consecutive records "
-                        "have the same time stamp, or if a level is too high for a metric"),
-                  history, map)
+        .function(
+            "setMetrics", &setMetrics,
+            about(
+                "Computes and stores the ten metrics of every record (the last good band only with "
+                "a map) and returns the event, or nothing if no record has a PNLT. Raises if "
+                "consecutive records have the same time stamp or a level is too high for a metric"),
+            history, map)
         .function("auditMetrics", &auditMetrics,
                   about("Every stored metric that differs from the computed one; raises like "
                         "setMetrics, and for a tolerance that is negative or NaN"),

@@ -52,7 +52,7 @@ struct Description<AQ_MetricSummary> {
   template <class To>
   static void members(To& to) {
     using S = AQ_MetricSummary;
-    to.method("Copy", &S::Copy, "A new summary with the same list")
+    to.method("Copy", &S::Copy, "A new summary of the same metrics")
         .setter("MetricType", &S::MetricType,
                 "Adds a metric; a metric already listed moves to the end",
                 in("aqMetric", "Which metric"))
@@ -60,7 +60,8 @@ struct Description<AQ_MetricSummary> {
         .method("isMetric", &S::isMetric, "Whether a metric is listed",
                 in("aqMetric", "Which metric"))
         .form("MetricTypeString", &S::MetricTypeString, &S::MetricTypeString,
-              "The list as text, for example AWT, PNLT; setting adds the metric of the given name");
+              "The list as text, for example AWT, PNLT; setting adds the metric with the given "
+              "name and ignores other text");
   }
 };
 
@@ -69,9 +70,9 @@ struct Description<AQ_Spectrum> {
   static constexpr char name[] = "AQ_Spectrum";
   static constexpr int number = 13;
   static constexpr char text[] =
-      "One measured one-third-octave spectrum: a level in dB for each band that has one, the time "
-      "of the measurement, an overall level and the metrics. Band n is centred at 10^(n/10) Hz; "
-      "9999 marks an invalid level";
+      "One measured one-third-octave spectrum: levels in dB by band, the time of the measurement, "
+      "an overall level and the metrics. Band n is centred at 10^(n/10) Hz; 9999 marks an invalid "
+      "level";
   template <class To>
   static void members(To& to) {
     using S = AQ_Spectrum;
@@ -124,9 +125,9 @@ struct Description<AQ_SpectralTimeHistory> {
   static constexpr char name[] = "AQ_SpectralTimeHistory";
   static constexpr int number = 15;
   static constexpr char text[] =
-      "A numbered series of consecutive half-second spectra, with the time of the first record, a "
-      "reference time, the averaging method and the instant of a record that its time stamp marks. "
-      "Spectra are shared, not copied";
+      "A numbered series of consecutive spectra, usually half a second each, with the time of the "
+      "first record, a reference time, the averaging method and the instant of a record that its "
+      "time stamp marks. Spectra are shared, not copied";
   template <class To>
   static void members(To& to) {
     using H = AQ_SpectralTimeHistory;
@@ -152,12 +153,12 @@ struct Description<AQ_SpectralTimeHistory> {
                   kCount)
         .method("EncompassesMask", &H::EncompassesMask,
                 "Whether the map has as many rows as the history has records, and no row goes "
-                "beyond the bands of its record; raises if a record or row from 1 to Count is "
-                "missing",
+                "beyond the bands of its record; raises at a missing record or row",
                 in("MapMask", "The masking map"))
         .setter("setLGB", &H::setLGB,
                 "Sets the metric LGB of each spectrum from the masks in the map's row with the "
-                "same number; raises at a missing record or row, after setting those before it",
+                "same number, creating default masks as the map's own setLGB does; raises at a "
+                "missing record or row, after setting those before it",
                 in("MapMask", "The masking map"))
         .property("TimeStampType", &H::TimeStampType, &H::TimeStampType,
                   "Which instant of a record its time stamp marks")
@@ -176,9 +177,9 @@ struct Description<AQ_SpectralTimeHistory> {
         .indexed("Band", &H::Band,
                  static_cast<void (H::*)(std::int16_t, const std::shared_ptr<AQ_Band>&)>(&H::Band),
                  in("nBand", "The band", kBand),
-                 "The levels of one band over all records; no object if there are no records or "
-                 "one lacks the band. Setting stops without an error at the first record that is "
-                 "missing or for which the given object has no level")
+                 "The levels of one band over all records; no object if there are no records, or "
+                 "if one is missing or lacks the band. Setting stops without an error at the first "
+                 "record that is missing or for which the given object has no level")
         .method("setRelTimes", &H::setRelTimes,
                 "Stores the reference time, shared with the caller, and its type, and sets every "
                 "record's relative time; raises like setTimeStamps",
@@ -191,12 +192,12 @@ struct Description<AQ_SpectralTimeHistory> {
                   "Which event the reference time marks")
         .property("Metrics", &H::Metrics, &H::Metrics, "Which metrics the history carries")
         .property("HiRec", &H::HiRec, &H::HiRec,
-                  "The highest record number ever stored; -1 if there is none. While it is 0, "
-                  "reading sets it to Count",
+                  "The highest record number ever stored, or the number set; -1 until then. While "
+                  "it is 0, reading sets it to Count",
                   kRecord)
         .property("LoRec", &H::LoRec, &H::LoRec,
-                  "The lowest record number ever stored; 9999 if there is none. While it is 0, "
-                  "reading sets it to 1",
+                  "The lowest record number ever stored, or the number set; 9999 until then. While "
+                  "it is 0, reading sets it to 1",
                   kRecord)
         .method("contains", &H::contains, "Whether a record has a spectrum",
                 in("number", "The record", kRecord));
@@ -215,7 +216,7 @@ struct Description<SpectralFunctions> {
         "maskByAmbient", &maskByAmbient,
         about("The masking map of a history, made from the ambient's spectrum; raises unless the "
               "records are numbered from 1 without gaps, the ambient has a valid level in each of "
-              "their bands, and the margin is 0 or more"),
+              "their bands, and the margin is 0 dB or more"),
         in("history", "The levels to mask"), in("ambient", "The levels of the ambient"),
         in("margin", "Levels that do not exceed the ambient by at least this much are masked",
            Quantity{"dB", 0}));

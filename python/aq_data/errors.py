@@ -38,7 +38,7 @@ class MismatchError(Error, TypeError):
 
 
 class RangeError(Error, OverflowError):
-    """A value outside the range of the requested type."""
+    """A value or a count outside the range of its type."""
 
 
 class FileError(Error):

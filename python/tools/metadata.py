@@ -1,7 +1,7 @@
 """Writes the package's metadata, with its entry points, into the folder that contains the package:
 `metadata.py PROJECT FOLDER`.
 
-Uses the build backend of the wheel, so that an installed prefix has the same metadata as a wheel.
+Uses the build backend of the wheel, so that a package installed by CMake has the same metadata.
 """
 
 from __future__ import annotations

@@ -1,6 +1,6 @@
-// Writes the reference page of the object model. With `members`, writes what a test compares with
-// the headers: the number of each class, the argument counts of each member and the value of each
-// enumerator. It then also writes the units and descriptions of members, which the test checks.
+// Writes the reference page of the object model. With `members`, writes what a test checks instead:
+// the argument counts of each member and the value of each enumerator, which it compares with the
+// headers, and the numbers of the classes and the units and descriptions of members.
 
 #include <aq/describe/check.h>
 #include <aq/describe/files.h>
