@@ -44,12 +44,11 @@ struct Description<CheckFunctions> {
                   in("limit", "The highest quality figure that the reader accepts; 0 is the best",
                      Quantity{"quality figure", 0, 255}),
                   report)
-        .function(
-            "checkFit", static_cast<FitOfFiles>(&checkFit),
-            about("Reports why a masking map does not fit its history; reports nothing if one "
-                  "of the files cannot be read"),
-            in("historyPath", "The history file", FileName{}),
-            in("mapPath", "The masking map file", FileName{}), report);
+        .function("checkFit", static_cast<FitOfFiles>(&checkFit),
+                  about("Reports why a masking map does not fit its history; reports nothing if "
+                        "either file cannot be read"),
+                  in("historyPath", "The history file", FileName{}),
+                  in("mapPath", "The masking map file", FileName{}), report);
   }
 };
 

@@ -61,7 +61,7 @@ struct Description<AQ_MetricSummary> {
                 in("aqMetric", "Which metric"))
         .form("MetricTypeString", &S::MetricTypeString, &S::MetricTypeString,
               "The list as text, for example AWT, PNLT; setting adds the metric with the given "
-              "name and ignores other text");
+              "name unless it is listed, and ignores other text");
   }
 };
 

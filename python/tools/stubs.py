@@ -1,6 +1,7 @@
-"""Writes aq_data/_core.pyi, the type stubs of the compiled module, from its own signatures.
+"""Writes aq_data/_core.pyi, the type stubs of the compiled module, from the module's own signatures.
+FOLDER contains the package aq_data:
 
-    python3 stubs.py FOLDER_OF_THE_PACKAGE
+    python3 stubs.py FOLDER
 """
 
 from __future__ import annotations
