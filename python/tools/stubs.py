@@ -1,5 +1,5 @@
-"""Writes aq_data/_core.pyi, the type stubs of the compiled module, from the module's own signatures.
-FOLDER contains the package aq_data:
+"""Writes aq_data/_core.pyi, the type stubs of the compiled module, from its own signatures. FOLDER
+contains the package aq_data:
 
     python3 stubs.py FOLDER
 """
