@@ -9,7 +9,7 @@
 namespace aq {
 
 /// Copies the date and the time of day from `from` to `to`; a time of day above 86400 s wraps, and
-/// the date advances.
+/// the date advances by a day.
 AQ_API void copyDateAndTimeOfDay(const AQ_Time& from, AQ_Time& to);
 
 /// Seconds from one time of day to another, at most half a day either way: a run lasts minutes, so

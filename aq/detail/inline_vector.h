@@ -13,7 +13,7 @@
 namespace aq {
 
 /// A vector of plain cells that stores up to `kInline` of them in place, so that most objects need
-/// no allocation. It holds at most as many cells as `Size` can count.
+/// no allocation. Callers must not store more cells than `Size` can count.
 template <class Cell, std::size_t kInline, class Size = std::uint32_t>
 class InlineVector {
   static_assert(std::is_trivially_copyable_v<Cell> && sizeof(Cell) * kInline >= sizeof(Cell*));
@@ -50,7 +50,7 @@ class InlineVector {
     swap(assigned);
   }
 
-  /// Replaces the cells with `size` unspecified ones.
+  /// Replaces the cells with `size` cells of unspecified value.
   void renew(std::size_t size) {
     free();
     size_ = 0;

@@ -40,13 +40,13 @@ inline void putLanes(double* to, const Lanes& lanes) { std::memcpy(to, &lanes, s
   return each[lane];
 }
 
-/// The larger of two numbers or lanes; `b` where `a` is NaN.
+/// The larger of two numbers or lanes; `b` where either is NaN.
 template <class Number>
 [[nodiscard]] Number largerOf(const Number& a, const Number& b) {
   return a > b ? a : b;
 }
 
-/// The smaller of two numbers or lanes; `b` where `a` is NaN.
+/// The smaller of two numbers or lanes; `b` where either is NaN.
 template <class Number>
 [[nodiscard]] Number smallerOf(const Number& a, const Number& b) {
   return a < b ? a : b;

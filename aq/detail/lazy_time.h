@@ -8,11 +8,11 @@
 
 namespace aq {
 
-/// A time stored as two doubles, for objects that exist in large numbers. Creates the `AQ_Time` on
-/// first access; from then on, or once a caller shares an `AQ_Time`, that object holds the time.
+/// A time stored as two doubles, for objects that exist in large numbers. Once `object` has
+/// created an `AQ_Time`, or a caller has shared one, that object holds the time.
 class LazyTime {
  public:
-  /// Created on first use and then kept.
+  /// The time as an object, created on the first call.
   const std::shared_ptr<AQ_Time>& object() {
     if (shared() == nullptr) time_ = std::make_shared<AQ_Time>(value());
     return *std::get_if<Object>(&time_);

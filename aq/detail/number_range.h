@@ -15,8 +15,8 @@ namespace aq {
   return static_cast<std::int16_t>(size);
 }
 
-/// The lowest and highest band or record number ever stored. Storing only widens it; an empty range
-/// is 9999 to -1, and 9999 stays the low end when only larger numbers are stored, as hosts expect.
+/// The lowest and highest band or record number ever stored. An empty range is 9999 to -1. As hosts
+/// expect, the low end is never above 9999 and the high end never below -1.
 struct NumberRange {
   std::int16_t low = AQ_INVALID_LEVEL;
   std::int16_t high = -1;

@@ -19,7 +19,7 @@ std::vector<std::pair<std::int32_t, std::size_t>> NumberIndex::sorted() const {
   return numbers;
 }
 
-/// A number that does not continue the run needs a table, as does every number after it.
+/// Once a number neither continues the run nor replaces its last one, the table holds all numbers.
 void NumberIndex::reserveInTable(std::int32_t number) {
   if (isRun()) {
     std::unordered_map<std::int32_t, std::size_t> table;

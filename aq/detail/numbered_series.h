@@ -52,8 +52,8 @@ class AQ_API NumberIndex {
   }
   void lengthen() { ++length_.value; }
 
-  /// Reserves room for a number, so that `set` cannot fail. Before `set`, only `renumber` may be
-  /// called.
+  /// Reserves room for a number, so that `set` cannot fail. Between the two calls, only
+  /// `renumber` may be called.
   void reserveNext(std::int32_t number) {
     const bool followsRun = length_.value == 0 || number == afterRun() || number == afterRun() - 1;
     if (!isRun() || !followsRun) reserveInTable(number);
@@ -62,7 +62,7 @@ class AQ_API NumberIndex {
   /// Records that the number is in `slot`, the last one.
   void set(std::int32_t number, std::size_t slot);
 
-  /// All numbers, ascending, each with its slot; empty when they are consecutive from slot 0.
+  /// All numbers, ascending, each with its slot; empty while no table is needed.
   [[nodiscard]] std::vector<std::pair<std::int32_t, std::size_t>> sorted() const;
   [[nodiscard]] std::int32_t first() const { return first_; }
 

@@ -73,7 +73,8 @@ struct BlockAllocator {
 
 /// Creates shared objects for the records of a file, with one allocation for many of them. An
 /// object that outlives the others keeps its whole block alive, including what its neighbours hold.
-/// If a file has megabytes of objects, that object also keeps the memory of most others allocated.
+/// If a file has megabytes of objects, that object may also keep the memory of most others
+/// allocated.
 template <class T>
 class SharedBlocks {
  public:

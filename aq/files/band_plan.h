@@ -12,8 +12,8 @@ class BandPlan {
  public:
   /// For third-octave data: each point is a band, with its centre at 10^(n/10) Hz, at its nominal
   /// frequency or at its base-2 frequency (IEC 61260-1). Leaves out bands outside 2 to 50, and
-  /// points after the last band, such as overall levels. Fails for any other point that is not a
-  /// band, for bands that do not ascend, and if no band is from 2 to 50.
+  /// points of finite frequency after the last band, such as overall levels. Fails for any other
+  /// point that is not a band, for bands that do not ascend, and if no band is from 2 to 50.
   static BandPlan ofOctaves(std::span<const double> x);
 
   /// For narrow bands: sums the points from `start` up to, but not including, `end`, which is at

@@ -19,13 +19,13 @@ class AQ_API AQ_DataASCII : public FileClass {
  public:
   using FieldLines = Collection<std::shared_ptr<Collection<std::string>>>;
 
-  /// Reads a file into new `Fields`, one entry per line. Splits a line at every delimiter, also
+  /// Reads a file into new `Fields`, one entry per line. Splits a line at every delimiter, even
   /// inside quotes unless `CommentFields` is set; removes double quotes and surrounding blanks from
   /// fields; a blank line is one empty field. With a single space as the delimiter, runs of spaces
   /// separate fields, quotes are kept, and a blank line has no fields.
   AQ_DataMessage readFields(const std::string& sFileName);
 
-  /// Reads a file into new `Lines`, unchanged.
+  /// Reads the lines of a file, unchanged, into new `Lines`.
   AQ_DataMessage readLines(const std::string& sFileName);
 
   [[nodiscard]] std::shared_ptr<FieldLines> Fields() const { return fields_; }

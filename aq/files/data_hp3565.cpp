@@ -42,7 +42,7 @@ bool isRecording(const std::string& path) {
 }
 
 /// The number, from 1, of the data header that the external converter should print: the one that
-/// the levels come from, or 1 if this library cannot read the recording.
+/// the levels come from, or 1 if this library cannot find it.
 std::size_t headerToPrint(const std::string& path) {
   try {
     const auto recording = sdf::Recording::fromFile(path);

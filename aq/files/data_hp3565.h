@@ -24,8 +24,8 @@ class Recording;
 class AQ_API AQ_DataHP3565 : public FileClass {
  public:
   /// Lists the names, without the folder, of the files in an analyzer's folder: names that begin
-  /// with INDEX, those that begin with TIMEDAT, and others that end in .DAT. Ignores case, also
-  /// when sorting. Does not list folders. Changes nothing if the folder cannot be read.
+  /// with INDEX, those that begin with TIMEDAT, and others that end in .DAT. Ignores case,
+  /// including when sorting. Does not list folders. Changes nothing if the folder cannot be read.
   AQ_DataMessage readDirectory(const std::string& sDirectory,
                                std::shared_ptr<Collection<std::string>>& colIndex,
                                std::shared_ptr<Collection<std::string>>& colTimeDat,

@@ -97,8 +97,8 @@ std::int32_t recordFrom(std::string_view text) {
   return plain.length == text.size() && plain.length != 0 ? plain.value : int32From(text);
 }
 
-/// The levels of one record. A band without a level becomes a gap if it lies between bands with
-/// levels, and is left out at either end.
+/// Reads the levels of one record after another. A band without a level becomes a gap if it lies
+/// between bands with levels, and is left out at either end.
 class LevelRow {
  public:
   LevelRow(std::int16_t low, std::int16_t high)

@@ -47,10 +47,11 @@ class AQ_API AQ_DataSPC : public FileClass {
 
   /// Writes the chosen part, replacing the file. Throws, and writes nothing:
   /// - `InvalidArgument` if there are no records, or one in the chosen part is missing;
-  /// - `InvalidValue` if there are no levels and the bands are not set, if a level, a time or a
-  ///   word does not fit its columns, if a band is outside 2 to 50, if a last record or band is
-  ///   below the first, if a header field has a line break or, outside other records and comments,
-  ///   a tab, or if there are more than 32767 other records or comments;
+  /// - `InvalidValue` if there are no levels and the bands are not set, if a level or a time does
+  ///   not fit its columns, if the record length rounds to 0 or 1000 s, if an enumeration value has
+  ///   no word, if a band is outside 2 to 50, if a last record or band is below the first, if a
+  ///   header field has a line break or, outside other records and comments, a tab, or if there are
+  ///   more than 32767 other records or comments;
   /// - `TypeMismatch` if a level is not a number;
   /// - `Overflow` if a date is outside the years 1 to 9999;
   /// - `ObjectNotSet` if a spectrum is null.

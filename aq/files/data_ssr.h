@@ -19,8 +19,9 @@ class AQ_API AQ_DataSSR : public FileClass {
   static constexpr std::string_view kTitle = "Spectrum Record";
 
   /// Writes a spectrum, replacing the file; the header gets the file's name. Throws, and writes
-  /// nothing, when a band has no label or no level (`InvalidArgument`), a level is not a number
-  /// (`TypeMismatch`) or not finite (`InvalidValue`), or there is no header (`ObjectNotSet`).
+  /// nothing, when there are no bands, or a band has no label or no level (`InvalidArgument`), a
+  /// level is not a number (`TypeMismatch`) or not finite (`InvalidValue`), or there is no header
+  /// (`ObjectNotSet`).
   AQ_DataMessage writeFile(const std::string& sFileName,
                            const std::shared_ptr<AQ_HeaderSSR>& aqHeader,
                            const AQ_Spectrum& spectrum);

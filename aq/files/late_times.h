@@ -7,16 +7,16 @@
 
 // A time of day is written with seven significant digits of its seconds after midnight. If these
 // round its fraction up to a whole second, the text drops the fraction, as hosts expect:
-// 12:34:56.996 becomes 12:34:56, nearly a second early. Call these functions before writing a
-// model: they round such late times up to the second and leave others unchanged.
+// 12:34:56.996 becomes 12:34:56, nearly a second early. Call `roundLateTimes` before writing a
+// model: it rounds such late times up to the second and leaves others unchanged.
 namespace aq {
 
-/// Whether any time written for the model would lose its fraction; ignores null objects.
+/// Whether the model has any late times; ignores null objects.
 [[nodiscard]] AQ_API bool hasLateTimes(const AQ_PositionTimeHistory& positions);
 [[nodiscard]] AQ_API bool hasLateTimes(const AQ_GeometryTimeHistory& geometry);
 [[nodiscard]] AQ_API bool hasLateTimes(AQ_SpectralTimeHistory& history);
 
-/// Rounds the time up if its fraction would be lost; returns whether it did.
+/// Rounds the time up if it is late; returns whether it was.
 AQ_API bool roundLateTime(AQ_Time& time);
 
 /// Rounds up the model's late times; returns whether there were any. Times shared with other models

@@ -66,7 +66,7 @@ const Record* vectorOf(const Recording& recording, const TraceSet& set, std::siz
 }
 
 /// The amplitude factor that gives narrow-band data the window's wide-band correction, which suits
-/// noise, in place of any correction already applied.
+/// noise. Undoes a narrow-band correction already applied.
 double windowFactor(const Record& channel) {
   const Record window = channel.part(kChannel["window"]);
   const double wide = window.real(kWindow["wideBandCorr"]);

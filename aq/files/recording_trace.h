@@ -27,8 +27,8 @@ struct RecordingTrace {
 [[nodiscard]] const sdf::TraceSet& levelsOf(const sdf::Recording& recording);
 
 /// Trace `channel`, counted from 1, of the data header that the levels come from. Fails if there is
-/// no such trace, if its data cannot be converted to levels, or if its unit or correction is
-/// missing.
+/// no such trace, if its data cannot be converted to levels, if its unit is missing, or if a
+/// conversion factor is 0.
 [[nodiscard]] RecordingTrace traceOf(const sdf::Recording& recording, std::int16_t channel);
 
 /// How many of a trace's `points` are valid.

@@ -46,7 +46,7 @@ void putNumber(char* at, Number number) {
   }
 }
 
-/// How the values of an axis or a scan variable are stored.
+/// How the values of a trace, an axis or a scan variable are stored.
 enum class NumberType : std::int16_t { Short = 1, Long = 2, Float = 3, Double = 4 };
 
 /// The size of one number in bytes.

@@ -31,8 +31,8 @@ struct UnitOfValues {
 /// record counts as missing; reading it throws `ReadFailure`.
 class AQ_API Record {
  public:
-  /// `bytes` starts with the record, which has `size` bytes; of a record from a text file, there
-  /// may be fewer. `place` is the record's offset in the file; a text file has none.
+  /// `bytes` starts with the record, which has `size` bytes; for a record from a text file, it
+  /// may hold fewer. `place` is the record's offset in the file; in a text file it has none.
   Record(std::string_view bytes, std::size_t size, std::optional<std::size_t> place);
 
   [[nodiscard]] RecordType type() const;
@@ -51,7 +51,7 @@ class AQ_API Record {
   /// A unit or a window field, as a separate record.
   [[nodiscard]] Record part(const Field& field) const;
 
-  /// An integer that must not be negative.
+  /// An integer; throws `ReadFailure` if it is negative.
   [[nodiscard]] std::uint32_t count(const Field& field) const;
 
   /// Throws `ReadFailure` with the record's name, its offset if it has one, what was expected, such

@@ -26,9 +26,9 @@ class AQ_API RecordList {
   /// has the size of a revision. Ignores bytes after these records, such as another recording.
   explicit RecordList(std::vector<char> bytes);
 
-  /// Takes `records`, views of `bytes`, as read from a text file. Throws `ReadFailure` unless a
-  /// file header, a measurement header with the size of a revision, and a data header are among
-  /// them.
+  /// Takes consecutive `records` in `bytes`, as read from a text file. Throws `ReadFailure` unless
+  /// they include a file header, a measurement header with the size of a revision, and a data
+  /// header.
   RecordList(std::vector<char> bytes, const std::vector<Record>& records);
 
   RecordList(const RecordList&) = delete;

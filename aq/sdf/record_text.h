@@ -26,8 +26,8 @@ class RecordText {
   /// Starts a new record, to which the following fields belong.
   void begin(const AnyLayout& layout);
 
-  /// Sets a field of the record; ignores an unknown name. Throws `ReadFailure` with the line if the
-  /// value is not of the field's kind.
+  /// Sets a field of the record; ignores an unknown name or an empty value. An unknown word for a
+  /// code becomes `kUnknownCode`; throws `ReadFailure` with the line if a number is malformed.
   void field(std::string_view name, std::string_view value, std::size_t line);
 
   [[nodiscard]] bool empty() const { return parts_.empty(); }

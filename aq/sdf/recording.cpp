@@ -44,7 +44,7 @@ NumberType variableType(const Record& record) {
                                                                : kScanVariable["scanVar_type"]);
 }
 
-/// The records that can hold values of scan variables, with those of revision 3 first.
+/// The records that hold values of scan variables, those of revision 3 first.
 std::vector<const Record*> variableRecords(const RecordList& records) {
   std::vector<const Record*> found;
   for (const RecordType type : {RecordType::ScanVariable, RecordType::Scans}) {

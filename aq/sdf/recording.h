@@ -96,7 +96,8 @@ class AQ_API Recording {
     return static_cast<std::size_t>(&set - sets_.data());
   }
 
-  /// The values of a trace; complex data alternates real and imaginary parts.
+  /// The values of a trace; complex data alternates real and imaginary parts. Throws `ReadFailure`
+  /// if a text file does not give them.
   [[nodiscard]] Numbers y(const TraceSet& set, std::size_t trace, std::size_t scan) const;
 
   /// The x values of the first `points` points of a trace.

@@ -179,7 +179,7 @@ RecordText recordsBeside(const std::string& path) {
            "none");
 }
 
-/// Numbers in the form that binary files store, after `before` zeros.
+/// Numbers as doubles in the form that binary files store, after `before` zeros.
 std::string stored(std::span<const double> numbers, std::size_t before, NumberType type) {
   std::string bytes((before + numbers.size()) * sizeof(double), '\0');
   char* at = bytes.data() + before * sizeof(double);

@@ -90,11 +90,14 @@ class TextWriter {
     number(form::kData, recording_.placeOf(set));
     number(form::kVector, trace);
     number(form::kScan, scan);
-    if (const auto variable = recording_.scanVariable(set); variable && set.scanned) {
+    const auto variable = set.scanned ? recording_.scanVariable(set) : std::nullopt;
+    const auto value =
+        variable ? recording_.scanValue(*variable, set, trace, scan) : std::optional<double>();
+    if (value) {
       const std::size_t begin = text_.size();
       text_ += form::kScanVariable;
       pad(begin);
-      appendStored(text_, *recording_.scanValue(*variable, set, trace, scan), variable->type);
+      appendStored(text_, *value, variable->type);
       endLine();
     }
     number(form::kPoints, set.points);
