@@ -10,8 +10,7 @@
 #include "aq/sdf/codes.h"
 #include "aq/sdf/field.h"
 
-// The records of the Standard Data Format, with every field named in this one place. The readers,
-// the text writer and the Python bindings use these lists.
+// The records of the Standard Data Format, with the fields of each.
 namespace aq::sdf {
 
 enum class RecordType : std::int16_t {
