@@ -20,7 +20,8 @@ struct WantedTrace {
 /// by name, codes by number or word, one or more values per line). If the file has only values, the
 /// records come from the `.HDR` file of the same name in its folder. Values that do not name their
 /// trace belong to all traces in turn if there are exactly enough of them, otherwise to the scans
-/// of the trace that `wanted` returns. Throws `ReadFailure` and `platform::SystemError`.
+/// of the trace that `wanted` returns; other values must not name theirs then. Throws `ReadFailure`
+/// and `platform::SystemError`.
 [[nodiscard]] AQ_API Recording
 textRecording(const std::string& path, const std::function<WantedTrace(const Recording&)>& wanted);
 
