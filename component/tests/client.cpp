@@ -1,5 +1,5 @@
-// Drives the registered component as hosts do, with early and with late binding. Arguments: DATA,
-// `speed`, `forget DATA`, `keys machine|user`, or `values machine|user DLL`.
+// Drives the registered component as hosts do, with early and with late binding. Arguments: DATA to
+// run the tests, or `speed`, `forget DATA`, `keys machine|user`, or `values machine|user DLL`.
 
 #include <algorithm>
 #include <thread>
@@ -9,7 +9,7 @@
 namespace host {
 namespace {
 
-/// Calls that must fail with the error in their row, and leave the objects unchanged.
+/// Calls that must fail with the error in their row and leave the objects unchanged.
 void testRefusals() {
   const Value spectrum = create(L"AQ_Spectrum");
   const Value time = create(L"AQ_Time");
@@ -70,8 +70,8 @@ void testRefusals() {
   SafeArrayDestroy(numbers);
 }
 
-/// Results stored in typed variables that a host's procedure passes on as Variants. Checks which of
-/// 64 set bits a result of 2 overwrites, and which variables can take an object.
+/// A host's procedure may pass on a typed variable as a Variant. Checks which of the variable's 64
+/// set bits a result of 2 overwrites, and which types of variable can take an object.
 void testTypedVariables(IDispatch* reader, const std::wstring& file) {
   constexpr struct {
     int type;
@@ -101,7 +101,7 @@ void testTypedVariables(IDispatch* reader, const std::wstring& file) {
   }
 }
 
-/// Arrays that only some hosts can make: of decimal numbers, and of records.
+/// Arrays that only some hosts can make: decimal numbers are accepted, records are refused.
 void testArrays() {
   const Value library = create(L"AQ_Library");
   SAFEARRAY* decimals = SafeArrayCreateVector(VT_DECIMAL, 0, 3);
@@ -173,7 +173,8 @@ void testArguments(const std::wstring& data) {
                                       {L"Add", L"Item", L"Key"}) == std::vector<DISPID>{1, 0, 1});
 }
 
-/// A host sees each object of the library as a single object, and COM's identity rules hold.
+/// Asking twice for an object gives the same one, COM's identity rules hold, and aggregation is
+/// refused.
 void testIdentity() {
   const Value spectrum = create(L"AQ_Spectrum");
   const Value time = call(spectrum.pdispVal, L"Time").value;
@@ -279,10 +280,10 @@ void testLocks() {
   IClassFactory* factory = nullptr;
   CoGetClassObject(identifier, CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory,
                    reinterpret_cast<void**>(&factory));
-  check("a factory is left", !canUnload());
+  check("a factory keeps the DLL loaded", !canUnload());
   factory->LockServer(TRUE);
   factory->Release();
-  check("a lock is left", !canUnload());
+  check("a lock keeps the DLL loaded", !canUnload());
   CoGetClassObject(identifier, CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory,
                    reinterpret_cast<void**>(&factory));
   factory->LockServer(FALSE);
@@ -293,10 +294,10 @@ void testLocks() {
     call(lines.pdispVal, L"Add", {L"a"});
     entries = invoke(lines.pdispVal, DISPID_NEWENUM, DISPATCH_PROPERTYGET, {}).value;
   }
-  check("an enumerator is left", entries.vt == VT_UNKNOWN && !canUnload());
+  check("an enumerator keeps the DLL loaded", entries.vt == VT_UNKNOWN && !canUnload());
 }
 
-/// Ends with objects that nobody releases, one of them created by another thread.
+/// Leaves objects unreleased when the program ends, one of them created by another thread.
 void forget(const std::wstring& data) {
   static Value kept[] = {create(L"AQ_DataSTH"), Value(), Value()};
   const std::wstring file = data + L"\\spectral-time-history\\good\\three-records.csv";
@@ -320,7 +321,7 @@ void testAll(const std::wstring& data) {
   testApartments();
   testControl();
   testUnregisteredInUse();
-  check("an object is left", !canUnload());
+  check("an object keeps the DLL loaded", !canUnload());
 }
 
 }  // namespace
@@ -342,9 +343,9 @@ int wmain(int count, wchar_t** arguments) {
     return 0;  // without CoUninitialize
   } else {
     host::testAll(what);
-    host::check("no object is left", host::canUnload());
+    host::check("without objects, the DLL can be unloaded", host::canUnload());
     host::testLocks();
-    host::check("nothing is left", host::canUnload());
+    host::check("without locks, the DLL can be unloaded", host::canUnload());
   }
   if (host::passed + host::failed > 0) {
     std::cout << host::passed << " passed, " << host::failed << " failed\n";

@@ -69,8 +69,8 @@ struct Outcome {
   }
 };
 
-/// A call by number with the arguments in order; `named` has the ids of the last of them, in
-/// reverse order.
+/// Calls a member by its number. `given` has the arguments in order, `named` the numbers of the
+/// last of them in reverse order; a put sets `named` itself.
 inline Outcome invoke(IDispatch* object, DISPID id, WORD flags, const std::vector<Value>& given,
                       std::vector<DISPID> named = {}) {
   std::vector<VARIANTARG> all(given.rbegin(), given.rend());

@@ -69,7 +69,7 @@ void testClass(ITypeInfo& type, const TYPEATTR& attributes) {
   const HRESULT result =
       CoCreateInstance(attributes.guid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, &made);
   const bool isCreatable = (attributes.wTypeFlags & TYPEFLAG_FCANCREATE) != 0;
-  check(what + " can be created exactly if the type library says so",
+  check(what + " can be created if and only if the type library says so",
         SUCCEEDED(result) == isCreatable);
   if (FAILED(result)) return;
   auto* const object = static_cast<IDispatch*>(made);

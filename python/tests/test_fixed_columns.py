@@ -21,8 +21,8 @@ def columns(count):
 
 
 def made(seed):
-    """A history of random size with gaps, its first record, its lowest band, and its levels by
-    record and band, NaN where missing.
+    """A history of random size with gaps, the number of its first record, its lowest band, and its
+    levels by record and band, NaN where missing.
     """
     rng = random.Random(seed)
     low = rng.randint(2, 50)

@@ -1,4 +1,6 @@
-"""Noise metrics of arrays, datasets and archives, compared with a plain program in tests/second."""
+"""Noise metrics of histories, arrays and archives, and emission geometry. The metrics of a history
+are compared with those of a plain program in tests/second.
+"""
 
 from __future__ import annotations
 

@@ -1,5 +1,5 @@
-// A host program as users write it. It builds a history, writes and reads a file, catches an
-// exception, and gets the message of a read that failed.
+// A host program as users would write one. It builds a history, writes and reads a file, catches an
+// exception, and prints the message of a read that failed.
 #include <aq/aq.h>
 
 #include <cstdio>

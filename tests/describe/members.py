@@ -119,7 +119,7 @@ def senseless(senses):
             or sum(map(len, words)) < 4
             or len(words) < least
         ):
-            yield f"{name}: no sense in [{unit}] {text}"
+            yield f"{name}: meaningless unit or description: [{unit}] {text}"
 
 
 def main(program, root, *headers):
@@ -146,7 +146,7 @@ def main(program, root, *headers):
         for name in sorted(here.keys() | there.keys()):
             if here.get(name) != there.get(name):
                 faults.append(f"{name}: headers {here.get(name)}, description {there.get(name)}")
-    faults += [f"{name} is no longer a helper" for name in sorted(HELPERS - met)]
+    faults += [f"no header declares the helper {name}" for name in sorted(HELPERS - met)]
     faults += senseless(told["sense"])
     numbers = list(told["number"].values())
     faults += [f"class number {n} is used twice" for n in set(numbers) if numbers.count(n) > 1]

@@ -20,7 +20,7 @@ using test::spectrumOf;
 double square(double x) { return x * x; }
 
 // The C-weighting of IEC 61672-1, Annex E, computed from its corner frequencies; low and high are
-// squares of frequencies.
+// the squares of the lower and the upper one.
 double curveC(double f) {
   const double low = 1000;
   const double high = std::pow(10, 7.8);

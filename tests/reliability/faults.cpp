@@ -115,7 +115,7 @@ AQ_WRAP(int, fchown, EPERM, false, (int handle, uid_t owner, gid_t group), (hand
 AQ_WRAP(ssize_t, readlink, EIO, false, (const char* path, char* text, size_t size),
         (path, text, size))
 AQ_WRAP(int, rename, EIO, false, (const char* from, const char* to), (from, to))
-// These calls only follow a failure, and a run has one fault, so it never hits them.
+// These calls only follow a failure, and a run has one fault, so the fault never hits them.
 AQ_WRAP(int, ftruncate, EIO, true, (int handle, off_t size), (handle, size))
 AQ_WRAP(int, unlink, EIO, false, (const char* path), (path))
 

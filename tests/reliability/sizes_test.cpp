@@ -89,8 +89,8 @@ TEST(Sizes, LongLinesAndManyOfThem) {
   EXPECT_LT(memoryOf([&] { EXPECT_EQ(text.readFields(line), AQ_DATA_OK); }), 80 * kSize);
 }
 
-/// A record is an object with room for a spectrum, so the shortest lines need more than four times
-/// their size in memory.
+/// Each line becomes an object, such as a spectrum or a position, so the shortest lines need more
+/// than four times their size in memory.
 TEST(Sizes, TheShortestRecords) {
   constexpr std::size_t kARecord = 300;
   constexpr int kRecords = 32000;

@@ -169,7 +169,8 @@ TEST(Write, NonRegularFilesAreWrittenDirectly) {
   EXPECT_EQ(test::contentOf(folder.file("a")), "1\n2\n");
 }
 
-/// The owner and permissions of a file that another user has written.
+/// Root keeps the owner and permissions of the file that it replaces; any other user becomes the
+/// owner.
 TEST(Write, ForeignFilesKeepTheirOwnerWhereTheSystemAllows) {
   if (::geteuid() != 0) GTEST_SKIP() << "needs permission to give files away";
   constexpr uid_t kNobody = 65534;

@@ -179,7 +179,7 @@ def compare(program, seeds):
         if opinion is None:
             continue
         if len(lines) != len(opinion):
-            differences.append(f"case {seed}: expected {len(opinion)} lines, found {lines[-1:]}")
+            differences.append(f"case {seed}: not {len(opinion)} lines; the last is {lines[-1:]}")
         for line, found in zip(opinion, lines):
             if not agrees(line, found):
                 values = " ".join(f"{value:.12g}" for value, _ in line)

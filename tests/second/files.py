@@ -1,4 +1,4 @@
-"""Random comma-separated files of every kind and delimited text: good, odd and damaged ones."""
+"""Random comma-separated files of every kind, and delimited text; some are odd or damaged."""
 
 import decimal
 import pathlib

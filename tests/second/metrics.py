@@ -1,5 +1,5 @@
-"""Computes noise metrics a second time, in plain Python from the regulations' formulas, without
-knowledge of the library's code.
+"""Computes noise metrics, from the regulations' formulas, and emission geometry a second time: in
+plain Python, without knowledge of the library's code.
 
 A history is a list of records {"number", "seconds", "levels": {band: level}}, in order of their
 numbers. A map is {record number: {band: (mode, adjustment)}}. A missing value is None.

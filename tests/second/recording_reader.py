@@ -1,7 +1,7 @@
-"""A second, plain and slow reader of analyzer recordings: from the binary layout to band levels.
+"""A second, plain and slow reader of analyzer recordings, from the binary layout to band levels,
+written without knowledge of the library's code.
 
-`opinion(bytes)` returns the lines that print_file prints for such a file, without knowledge of the
-library's code."""
+`opinion(bytes)` returns the lines that print_file prints for such a file."""
 
 import datetime
 import math
@@ -314,8 +314,8 @@ def octave_levels(xs, ys):
 
 
 def synthesised(xs, ys, start, stop):
-    """Half the sum over the bins of each band that is covered by three or more; a bin on an edge
-    is split by width."""
+    """For each band that is covered by three bins or more, half the sum of its bins; a bin on an
+    edge is split by width."""
     require(all(a < b for a, b in zip(xs, xs[1:])), "rising x")
     xs, ys = xs[start : stop + 1], ys[start : stop + 1]
     require(len(xs) > 1, "bins")

@@ -1,8 +1,8 @@
 """Drives the installed program end to end: aqdata_test.py PROGRAM PROJECT
 
-Each row holds a command line, its exit status, and what its output and its messages must contain.
-If the status is 0, there must be no messages. The commands run in a folder with the project's
-samples and altered copies of them.
+Each of ROWS holds a command line, its exit status, and what its output and its messages must
+contain. If the status is 0, there must be no messages. The commands run in a folder with the
+project's samples and altered copies of them.
 """
 
 import json
@@ -705,8 +705,8 @@ def check_completion(folder):
 
 
 def check_widths(folder):
-    """Tables stay aligned when a character in a name takes two columns or none, and say which
-    columns did not fit.
+    """Tables stay aligned when a character in a name is twice as wide as others or has no width,
+    and say which columns did not fit.
     """
     names = ["fly-\u98db\u884c.csv", "fly-e\u0301.csv", "fly-plain.csv"]
     for name in names:
@@ -802,8 +802,8 @@ def check_recordings(folder):
 
 
 def check_columns(folder):
-    """Histories convert to fixed columns and back, recordings convert to fixed columns, and a
-    message says why a file cannot be converted.
+    """Histories convert to fixed columns and back, and recordings to fixed columns. A missing level
+    is left empty in a table and refused in a spectral time history. A finding names its field.
     """
     run(f"aqdata convert {STH} -o there.spc", folder)
     run("aqdata convert there.spc -o back.sth.csv", folder)

@@ -1,7 +1,7 @@
 """Tests the pages of `aqdata report` in a browser: report_test.py PROGRAM PROJECT [SCREENSHOTS]
 
 Chromium runs without a window, driven by Debian's selenium. If a folder SCREENSHOTS is given, it
-receives screenshots of the pages, and PDF files of the printed pages.
+receives screenshots of the pages and PDF files of the printed pages.
 """
 
 import base64

@@ -80,7 +80,7 @@ def main():
             theirs = answer(bin_there, command, there)
             compared += 1
             if ours != theirs:
-                faults.append(f"{command}\n  here:  {ours}\n  there: {theirs}")
+                faults.append(f"{command}\n  native:  {ours}\n  Windows: {theirs}")
         ours, theirs = contents(here), contents(there)
         faults += [
             f"file {path} differs"
