@@ -37,7 +37,7 @@ struct Reason {
   const char* text;
 };
 
-// Errors that other systems have too are worded as they are there.
+// Errors that other systems report too have the same words as on those systems.
 constexpr std::array kReasons{
     Reason{ERROR_FILE_NOT_FOUND, "No such file or directory"},
     Reason{ERROR_PATH_NOT_FOUND, "No such file or directory"},

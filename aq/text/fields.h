@@ -25,7 +25,8 @@ struct ReadFailure {
   FileFailure failure;
 };
 
-/// Throws `ReadFailure` for a field of a line, or for the whole line if `field` is 0.
+/// Throws `ReadFailure` for a field of a line, for the whole line if `field` is 0, or for the whole
+/// file if `line` is 0 too.
 [[noreturn]] AQ_API void failRead(std::size_t line, std::size_t field, std::string expected,
                                   std::string found);
 

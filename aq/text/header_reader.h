@@ -17,8 +17,9 @@
 namespace aq {
 
 /// Reads keyword header lines by position: each call takes the next line and ignores its keyword.
-/// Throws `ReadFailure` if a line is missing, or if a keyword line has no "**" or a value that does
-/// not convert. `HeaderWriter` has members of the same names.
+/// Throws `ReadFailure` if a line is missing, if the first line names another file type, or if a
+/// keyword line has no "**" or a value that does not convert. `HeaderWriter` has members of the
+/// same names.
 class AQ_API HeaderReader {
  public:
   explicit HeaderReader(LineReader& lines) : lines_(lines) {}

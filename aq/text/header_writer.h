@@ -74,7 +74,7 @@ class AQ_API HeaderWriter {
 };
 
 /// Appends the rows from `first` to `last` by calling `append(number)` for each. Reserves memory
-/// for all rows, estimated from the length of the first one.
+/// for all rows, estimated from the length of the first one, but at most 16 MiB.
 template <class Append>
 void appendRows(std::string& text, std::int32_t first, std::int32_t last, const Append& append) {
   constexpr std::size_t kLonger = 16;  // later numbers and times may have more digits

@@ -72,7 +72,7 @@ AQ_AVX2 std::uint64_t endsInBlock(std::string_view text, std::size_t from) {
          last >> (kWhole - (left - place)) << place;
 }
 
-/// Finds the ends of up to `most` fields; returns how many.
+/// Finds the ends of up to `most` fields of a text of at least 32 bytes; returns how many it found.
 AQ_AVX2 std::size_t findEnds(std::string_view text, std::size_t most, FieldEnds& ends) {
   std::size_t count = 0;
   ends[0] = static_cast<std::uint16_t>(-1);
