@@ -63,7 +63,7 @@ class Table : public benchmark::BenchmarkReporter {
     }
   }
 
-  /// The rows of the pairs that have run.
+  /// A row for each pair of which both benchmarks have run.
   [[nodiscard]] nlohmann::ordered_json rows() const {
     auto rows = nlohmann::ordered_json::array();
     for (const auto& [name, scale] : pairs()) {
