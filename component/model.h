@@ -194,8 +194,8 @@ inline constexpr std::array kExtras{
           "Why a masking map does not fit its history, one string for each finding"},
 };
 
-/// Whether a function with these arguments can be called through the component. A function that
-/// takes a file information service cannot, since hosts have none.
+/// Whether a function with this result and these arguments can be called through the component. One
+/// that takes or returns a file information service cannot, since hosts have none.
 template <class... T>
 inline constexpr bool isShown =
     (... && !std::same_as<std::remove_cvref_t<T>, std::shared_ptr<FileInformation>>);

@@ -59,7 +59,7 @@ enum AQ_DataMessage : std::int32_t {
 /// Whether, and by which test, one band of one record is masked by the ambient.
 enum AQ_MASK_MODE : std::int32_t {
   NOT_MASKED = 0,                ///< the level is that of the source
-  MASKED_BY_MASK_CRITERION = 1,  ///< the level does not exceed the ambient by the criterion
+  MASKED_BY_MASK_CRITERION = 1,  ///< exceeds the ambient by less than the criterion, if at all
   MASKED_BY_PRE_DETECT = 2,      ///< ambient or electrical noise, whose energy adds to the source's
   MASKED_BY_POST_DETECT = 3,     ///< instrument noise floor, which adds no energy
 };

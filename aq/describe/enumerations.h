@@ -107,7 +107,7 @@ struct Description<AQ_MASK_MODE> {
   static void members(To& to) {
     to.member("NOT_MASKED", NOT_MASKED, "Not masked: the level is that of the source")
         .member("MASKED_BY_MASK_CRITERION", MASKED_BY_MASK_CRITERION,
-                "Masked: the level does not exceed the ambient by at least the criterion")
+                "Masked: the level exceeds the ambient by less than the criterion, if at all")
         .member("MASKED_BY_PRE_DETECT", MASKED_BY_PRE_DETECT,
                 "Masked by pre-detection noise: ambient and electrical noise that adds its energy "
                 "to the source's")

@@ -26,9 +26,9 @@ struct RecordingTrace {
 /// first one with auto power. Fails if there is neither.
 [[nodiscard]] const sdf::TraceSet& levelsOf(const sdf::Recording& recording);
 
-/// Trace `channel`, counted from 1, of the data header that the levels come from. Fails if there is
-/// no such trace, if its data cannot be converted to levels, if its unit is missing, or if a
-/// conversion factor is 0.
+/// The trace numbered `channel`, from 1, in the data header that the levels come from. Fails if
+/// there is no such trace, if its data cannot be converted to levels, if its unit is missing, or if
+/// a conversion factor is 0.
 [[nodiscard]] RecordingTrace traceOf(const sdf::Recording& recording, std::int16_t channel);
 
 /// How many of a trace's `points` are valid.

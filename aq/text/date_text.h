@@ -18,9 +18,9 @@ namespace aq {
 /// allowed. Throws `TypeMismatch` for any other text.
 [[nodiscard]] AQ_API double dateFrom(std::string_view text);
 
-/// The clock time in `text`, written as `hh:mm:ss`. In `text`, each part may have one or two
-/// digits, hours are 0 to 23, and outer blanks are allowed. Throws `TypeMismatch` for any other
-/// text.
+/// The clock time in `text` with two digits for each part, `hh:mm:ss`. In `text`, each part may
+/// have one digit, hours are 0 to 23, and outer blanks are allowed. Throws `TypeMismatch` for any
+/// other text.
 [[nodiscard]] AQ_API std::string clockTimeFrom(std::string_view text);
 
 /// The seconds after midnight of `hh:mm:ss` with up to nine decimals, correctly rounded. The

@@ -183,7 +183,7 @@ def _chunks(shapes: list[_Shape]) -> list[list[_Shape]]:
 
 
 class _Lazy:
-    """Lazy arrays over all files; only the paths are sent to workers."""
+    """Lazy arrays over all files. Workers are sent paths, not levels, and read the files."""
 
     def __init__(self, shapes: list[_Shape], bands: Any) -> None:
         self.bands = bands

@@ -70,7 +70,7 @@ void bindCheck(py::module_& module) {
       py::arg("path"), "The rows of checkWithHistory and, for a history, a digest of its levels");
   py::class_<SameLevels>(
       module, "SameLevels",
-      "Finds files of an archive that have the same levels as a file seen earlier")
+      "Finds files in an archive that have the same levels as a file seen earlier")
       .def(py::init<>())
       .def(
           "see",
