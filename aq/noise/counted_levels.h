@@ -46,8 +46,8 @@ class CountedLevels {
 
   /// How many of the bands from `first` to `last` have a level that counts.
   [[nodiscard]] std::int16_t count(std::int32_t first, std::int32_t last) const;
-  /// The length of the run of bands with levels that count that starts at `first`; it ends at
-  /// `last` at the latest.
+  /// The number of consecutive bands, from `first` to at most `last`, that have a level that
+  /// counts.
   [[nodiscard]] std::int16_t countRun(std::int32_t first, std::int32_t last) const;
 
  private:

@@ -326,11 +326,11 @@ def fix(
     padding, blank lines, and decimal commas.
 
     Without `write` nothing changes. With it, each file that needs a change is replaced completely
-    or not at all, and the original is kept as `FILE.orig` unless `keep_original` is false; a gzip
-    file is unpacked next to itself. With `write` and `to`, nothing is replaced: all files,
-    including those that need no change, are written below that folder, and `FileExistsError` is
-    raised for a file that already exists there. If the format has comments, one says what was
-    changed.
+    or not at all, and the original is kept as `FILE.orig` unless `keep_original` is false; for a
+    file whose name ends in `.gz`, the mended text is written next to it, uncompressed. With `write`
+    and `to`, nothing is replaced: all files, including those that need no change, are written below
+    that folder, and `FileExistsError` is raised for a file that already exists there. If the format
+    has comments, one says what was changed.
 
     The columns are `path`; `done` and `left`, which list in words what was or would be changed and
     what was left alone because it is ambiguous; and `output`, None if nothing was written. `paths`

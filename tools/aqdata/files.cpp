@@ -248,8 +248,9 @@ std::string OutputPlaces::of(const std::string& file) {
   const fs::path place = pathOf(session_.output) / below;
   const auto [at, isNew] = taken_.emplace(place.string(), file);
   if (!isNew && at->second != file) {
-    throw Failure(fmt::format("{}: would be written for {} too", aq::escaped(place.string()),
-                              aq::escaped(at->second)));
+    throw Failure(fmt::format("{}: {} and {} would both be written to this file",
+                              aq::escaped(place.string()), aq::escaped(at->second),
+                              aq::escaped(file)));
   }
   fs::create_directories(place.parent_path(), error);
   if (error) {

@@ -68,8 +68,9 @@ class RunReader {
     return {};
   }
 
-  /// Calls `use` with a file. If that fails, throws for a file that the user named; for any other
-  /// file, the page reports the failure and leaves the file out.
+  /// Calls `use(file)`, unless `file` is empty, and adds the file's name and findings. If that
+  /// fails, throws for a file that the user named; for any other, the page reports the failure and
+  /// leaves the file out.
   template <class Use>
   void with(const std::string& file, const char* what, bool named, const Use& use) {
     if (file.empty()) return;
