@@ -211,8 +211,8 @@ def _is_cut(ds: xr.Dataset) -> bool:
 
 
 def _renumbered(ds: xr.Dataset) -> tuple[xr.Dataset, list[str]]:
-    """The dataset, with the records of a cut one numbered from 1, and, for a cut one, a comment
-    that says which records it has.
+    """The dataset and comments for it. If it was cut, its records are numbered from 1, and a comment
+    says which they were.
     """
     if not _is_cut(ds) or not ds["record"].size:
         return ds, []
@@ -225,8 +225,8 @@ def _renumbered(ds: xr.Dataset) -> tuple[xr.Dataset, list[str]]:
 
 
 def _without_source(header: _core.AQ_HeaderMask, comments: list[str]) -> list[str]:
-    """If there is a comment, the map was cut: removes the name and the date of the whole history
-    from its header. Returns the comments, which then give that name.
+    """If there are comments, the map was cut: removes the name and the date of the whole history
+    from its header, and returns the first comment with that name added.
     """
     if not comments or not header.sGenerationFile:
         return comments
