@@ -298,7 +298,9 @@ def _write_new(path: Any, text: bytes) -> str:
 
 
 def _write_mended(path: str, text: bytes, keep: bool) -> str:
-    """Replaces the file, with `keep` saving the old one, or unpacks a gzip file next to itself."""
+    """Replaces the file; with `keep`, first saves the original. If the file's name ends in `.gz`,
+    writes to the name without that ending instead. Returns the name of the written file.
+    """
     place = _unpacked_name(path)
     if place != path:
         _expect_free(place)
