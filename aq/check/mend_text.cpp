@@ -141,7 +141,8 @@ class TextMender {
     while (!rest.empty()) {
       const std::size_t end = std::min(rest.find('\n'), rest.size());
       std::string_view line = rest.substr(0, end);
-      if (line.ends_with('\r')) line.remove_suffix(1), returns_ = true;
+      // Only a return before a line feed belongs to the line ending.
+      if (end < rest.size() && line.ends_with('\r')) line.remove_suffix(1), returns_ = true;
       lines_.emplace_back(line);
       rest.remove_prefix(std::min(end + 1, rest.size()));
     }
@@ -384,6 +385,7 @@ class TextMender {
   /// A blank line in the header may be an empty comment, unless every second line is blank.
   void mendBlankLines() {
     const std::size_t before = lines_.size();
+    const bool blankEnd = isBlank(lines_.back());
     bool doubled = before > 3;
     for (std::size_t at = 1; at < before; at += 2) doubled = doubled && isBlank(lines_[at]);
     for (std::size_t at = 0; at < before; at += 2) doubled = doubled && !isBlank(lines_[at]);
@@ -395,7 +397,9 @@ class TextMender {
     } else if (hasKeywords()) {
       while (lines_.size() > 1 && isBlank(lines_.back())) lines_.pop_back();
     }
-    if (lines_.size() != before) done("blank lines");
+    if (lines_.size() == before) return;
+    ends_ = ends_ || blankEnd;  // the lines before the last one have line endings
+    done("blank lines");
   }
 
   void mendDecimalCommas() {

@@ -47,6 +47,7 @@ TEST(Mend, UndoesWhatIsCertain) {
       {replaced(kPlain, "Sun, sea", "\"Sun, sea\""), "a spreadsheet's quotes"},
       {filled, "trailing commas"},
       {kPlain + "\n \n", "blank lines"},
+      {kPlain + " ", "blank lines"},
       {replaced(kPlain, "\n2,", "\n\n2,"), "blank lines"},
       {commas, "decimal commas"},
       {"\xEF\xBB\xBF\xEF\xBB\xBF" + filled + "\n",
@@ -96,7 +97,8 @@ TEST(Mend, LeavesWhatIsAmbiguous) {
     EXPECT_NE(mended.left.front().find(left), std::string::npos) << mended.left.front();
   }
   const std::string bands = replaced(kPlain, "17, 18", "-2000000000,2000000000");
-  for (const std::string& sound : {kPlain, replaced(kPlain, "\n", "\r\n"), bands, std::string()}) {
+  for (const std::string& sound :
+       {kPlain, replaced(kPlain, "\n", "\r\n"), kPlain + "\r", bands, std::string()}) {
     const Mended mended = mendText(sound, "a.csv");
     EXPECT_EQ(mended.text, sound);
     EXPECT_TRUE(mended.done.empty() && mended.left.empty());
