@@ -163,8 +163,9 @@ struct Description<AQ_SpectralTimeHistory> {
         .property("TimeStampType", &H::TimeStampType, &H::TimeStampType,
                   "Which instant of a record its time stamp marks")
         .method("setTimeStamps", &H::setTimeStamps,
-                "Stamps the records half a second apart, and sets their times relative to the "
-                "reference; raises at a missing record, after stamping those before it",
+                "Stamps the records half a second apart, and sets each record's relative time; "
+                "raises at "
+                "a missing record, after stamping those before it",
                 in("startTime", "The time of the first record"),
                 in("StartTimeType", "Which instant of a record its time stamp marks"),
                 in("RefTime", "The reference time"),

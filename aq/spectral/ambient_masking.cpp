@@ -18,7 +18,7 @@ bool isMasked(double level, double ambient, double margin) {
 
 double ambientLevel(const AQ_Spectrum& ambient, std::int16_t band) {
   const std::string expected =
-      "expected a level of the ambient in band " + std::to_string(band) + ", found ";
+      "expected an ambient level in band " + std::to_string(band) + ", found ";
   if (!ambient.contains(band)) throw Error(ErrorCode::InvalidValue, expected + "none");
   const double level = ambient.SPL(band).toDouble();
   // 9999 would mask its band in every record.

@@ -152,7 +152,7 @@ def read(path: Path, wanted: type[_core.AQ_DataINI]) -> Reading[None, _core.AQ_D
 
 
 def read(path: Path, wanted: Optional[type[Any]] = None) -> AnyReading:
-    """The header and the object of a file of any kind.
+    """Returns the header and the data of a file of any kind.
 
     With `wanted`, the expected class of the object, an editor knows the type of the result, and a
     file of another kind is an error. Levels are in dB, times in seconds, lengths in the unit of the

@@ -67,8 +67,8 @@ def _tidy(ds: xr.Dataset, keys: list[str]) -> pd.DataFrame:
     name="to_pandas",
 )
 def series_to_pandas(self: Any) -> pd.DataFrame:
-    """One row per entry, numbered by record or, for other entries, from 1; the columns are those of
-    `to_numpy`: times of day in s, lengths in the unit of the file.
+    """One row per entry, indexed by record number, or from 1 if entries have no record numbers. The
+    columns are those of `to_numpy`; times of day are in seconds, lengths in the unit of the file.
 
     >>> track.positions.to_pandas().Z.max()
     """

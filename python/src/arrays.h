@@ -24,7 +24,8 @@ inline py::object shown(const py::object& given) {
   return given.attr("astype")("f8").attr("filled")(std::numeric_limits<double>::quiet_NaN());
 }
 
-/// Converts anything to a numpy array; exceptions from numpy, e.g. for a deleted file, propagate.
+/// Converts any object to a numpy array. Exceptions from the conversion propagate, such as that of
+/// a lazy array whose file was deleted.
 inline py::array arrayFrom(const py::object& given) {
   return py::module_::import("numpy").attr("asarray")(shown(given));
 }

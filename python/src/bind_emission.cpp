@@ -31,7 +31,7 @@ void bindEmissionTable(const py::module_& module) {
   Bound<T> table(module);
   bindSeries<T, R>(
       table, "AQ_EmtRcvTable", recordsOf, kEmission,
-      "T and Tr in s of the day, X, Y, Z, SR and Tprop of each record as a table, shape "
+      "A table with T and Tr (seconds since midnight), X, Y, Z, SR and Tprop of each record, shape "
       "(records,)");
   bindPlaced<T, R>(table, recordsOf, &T::Record, kEmission);
 }

@@ -253,9 +253,8 @@ TEST(AmbientMasking, ALevelTheMarginAboveIsNotMasked) {
   history.spectrum(1, spectrum);
   // Finding the last good band creates bands 28 and 29.
   EXPECT_EQ(maskedBy(history, {60.0000000004, 60, 60}), "--M------- 0");
-  EXPECT_EQ(maskedBy(history, {60, 60}), "expected a level of the ambient in band 22, found none");
-  EXPECT_EQ(maskedBy(history, {60, 9999, 60}),
-            "expected a level of the ambient in band 21, found 9999");
+  EXPECT_EQ(maskedBy(history, {60, 60}), "expected an ambient level in band 22, found none");
+  EXPECT_EQ(maskedBy(history, {60, 9999, 60}), "expected an ambient level in band 21, found 9999");
   AQ_Spectrum ambient;
   for (const double margin : {-3.0, std::nan("")}) {
     EXPECT_ERROR(static_cast<void>(maskByAmbient(history, ambient, margin)), InvalidValue);

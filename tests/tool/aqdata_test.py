@@ -262,7 +262,7 @@ ROWS = [  # command, status, what the output contains, what the messages contain
         f"sed 's/,..\\.../,9999/' fly-over.ssr.csv > no.ssr.csv; mask {STH} --ambient no.ssr.csv -o x.csv",
         2,
         "",
-        "no.ssr.csv: expected a level of the ambient in band 18, found 9999",
+        "no.ssr.csv: expected an ambient level in band 18, found 9999",
     ),
     (f"diff --json {MAP} made.mask.csv", 1, '"only_in_b":[],"columns":[],"bands":[]', ""),
     (
