@@ -124,6 +124,7 @@ class TextMender {
       mendFilledLines();
       mendBlankLines();
       mendDecimalCommas();
+      dropReturns();
     } while (again_);
     if (unsure_ != 0) {
       mended_.left.push_back(
@@ -430,6 +431,18 @@ class TextMender {
       }
     }
     done("decimal commas");
+  }
+
+  /// Drops a carriage return that mending has brought to the end of a line: with the line feed that
+  /// follows, it would be read as a line ending.
+  void dropReturns() {
+    if (returns_) return;
+    const std::size_t ended = lines_.size() - (ends_ ? 0 : 1);
+    for (std::size_t at = 0; at < ended; ++at) {
+      if (!lines_[at].ends_with('\r')) continue;
+      lines_[at].pop_back();
+      again_ = true;
+    }
   }
 
   void addComment() {
