@@ -49,7 +49,7 @@ def perceived(levels: np.ndarray) -> np.ndarray:
 
 
 def tone(levels: np.ndarray) -> tuple[np.ndarray, np.ndarray]:
-    """Tone corrections and tone bands of levels without gaps."""
+    """The tone correction and tone band of each record; the levels must have no gaps."""
     level = levels[:, 2:]
     slope = np.diff(level, axis=1)
     before, after = slope[:, :-1], slope[:, 1:]

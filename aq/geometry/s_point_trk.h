@@ -9,7 +9,7 @@
 namespace aq {
 
 /// Summary values for one point of a flight track; the application defines their exact meaning.
-/// Setters store any value; numbers are 0 until set, and times are null.
+/// Setters store any value; until set, numbers are 0 and times are null.
 class AQ_SPointTrk {
  public:
   // Times: source overhead, maximum level, and two that the application defines.

@@ -124,8 +124,8 @@ def cut(
     this many decibels of the largest PNLT, plus one on each side. Time stamps do not change. With a
     map, a geometry or `renumber`, records are numbered from 1. A comment in each header says how
     the records were chosen, and gives their old numbers if these changed. After choosing a file
-    name for the new history, set it in the headers of the map and the geometry. Arguments are paths
-    or results of `read`.
+    name for the new history, set it in the headers of the map and the geometry. The history, the
+    map and the geometry are given as paths or as results of `read`.
 
     Raises `ValueError` if no record remains, if the map or the geometry does not fit the history,
     or unless exactly one way of choosing is given.

@@ -192,10 +192,11 @@ void addCut(CLI::App& program, Session& session) {
   add("--down", choice->down, "Keep the event: PNLT within DB of the largest", "DB")
       ->check(finiteNumber, "");
   add("--mask", choice->map, "Also cut this masking map", "MAP");
-  command->add_flag("--masks", choice->maps, "Also cut the maps next to histories, x.mask.csv");
+  command->add_flag("--masks", choice->maps,
+                    "Also cut the histories' maps: x.mask.csv for x.sth.csv");
   add("--geometry", choice->geometry, "Also cut this emission geometry", "FILE");
   command->add_flag("--geometries", choice->geometries,
-                    "Also cut the geometries next to histories, x.gth.csv");
+                    "Also cut the geometries: x.gth.csv for x.sth.csv");
   command->add_flag("--renumber", choice->renumber,
                     "Number the records from 1 even without a map or geometry");
   addOutputFile(*command, session, "The history to write, or a folder");
