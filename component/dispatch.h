@@ -15,7 +15,7 @@ namespace aq::com {
 
 /// A library object as hosts hold it. As long as it is held, a library object always has the same
 /// host object, so that hosts can compare objects. Belongs to the thread that created it: COM
-/// forwards calls from other apartments, and direct calls are refused.
+/// forwards calls from other apartments; direct calls from other threads are refused.
 class Dispatch final : public IDispatch, public IProvideClassInfo {
  public:
   Dispatch(std::shared_ptr<void> object, const ClassTable& table);
@@ -51,7 +51,7 @@ class Dispatch final : public IDispatch, public IProvideClassInfo {
 /// The host object of a library object, with a reference for the caller; null for no object.
 [[nodiscard]] IDispatch* wrap(std::shared_ptr<void> object, const ClassTable& table);
 
-/// The object as one of the component's own in this apartment; null for any other object.
+/// The object, if it is one of the component's own in this apartment; null otherwise.
 [[nodiscard]] const Dispatch* ownObject(IDispatch* object);
 
 /// A type description from the DLL's type library.

@@ -177,10 +177,11 @@ inline constexpr std::array kExtras{
           "All decisions as two-letter strings in an array, records by bands, both from the lowest "
           "up; Empty for a band without a decision, and setting Empty leaves a decision unchanged"},
     Extra{"AQ_PositionTimeHistory", "Table", kFirstExtra, "VARIANT", "", true, false,
-          "All positions as an array: seconds of the day, X, Y, Z"},
-    Extra{"AQ_GeometryTimeHistory", "Table", kFirstExtra, "VARIANT", "", true, false,
-          "All points as an array: record, Tm, Te (seconds of the day), Tprope, Xe, Ye, Ze, SRe, "
-          "THETAe, BETAe"},
+          "All positions as an array: seconds after midnight, X, Y, Z"},
+    Extra{
+        "AQ_GeometryTimeHistory", "Table", kFirstExtra, "VARIANT", "", true, false,
+        "All points as an array: record, Tm, Te (seconds after midnight), Tprope, Xe, Ye, Ze, SRe, "
+        "THETAe, BETAe"},
     Extra{"AQ_Library", "Version", kFirstExtra, "BSTR", "", true, false,
           "The version of the library, such as 0.1.0"},
     Extra{"AQ_Library", "checkFile", kFirstExtra + 1, "_AQ_Collection*", "[in] BSTR path", false,

@@ -28,7 +28,7 @@ class DecimalCommas {
   [[nodiscard]] bool fits(const std::string& time, const std::string& relative) const;
 
   std::size_t bands_ = 0;
-  std::optional<double> reference_;  // in seconds of the day
+  std::optional<double> reference_;  // in seconds after midnight
   bool any_ = false;
 };
 

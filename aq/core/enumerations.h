@@ -17,7 +17,7 @@ enum AQ_AverageMethod : std::int32_t {
   AQ_NA = 99,       ///< not set
 };
 
-/// Which instant of a record its time stamp marks.
+/// Which instant the time stamp of a record marks.
 enum AQ_TimeStampType : std::int32_t {
   AQ_START = 0,    ///< its start
   AQ_MIDPT = 1,    ///< its middle

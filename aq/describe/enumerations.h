@@ -33,7 +33,7 @@ struct Description<AQ_AverageMethod> {
 template <>
 struct Description<AQ_TimeStampType> {
   static constexpr char name[] = "AQ_TimeStampType";
-  static constexpr char text[] = "Which instant of a half-second record its time stamp marks";
+  static constexpr char text[] = "Which instant the time stamp of a half-second record marks";
   template <class To>
   static void members(To& to) {
     to.member("AQ_START", AQ_START, "The start of the record")

@@ -125,12 +125,12 @@ struct Description<AQ_GeometryTimeHistory> {
                 in("RefType", "Which event the reference time marks"))
         .property("startTime", &H::startTime, &H::startTime, "The time of the first record")
         .property("TimeStampType", &H::TimeStampType, &H::TimeStampType,
-                  "Which instant of a record its time stamp marks")
+                  "Which instant the time stamp of a record marks")
         .method("setTimeStamps", &H::setTimeStamps,
                 "Sets Tm of points 1 to Count, half a second apart, and their times relative to "
                 "the reference. Raises at a missing point, after stamping those before it",
                 in("startTime", "The time of the first record"),
-                in("StartTimeType", "Which instant of a record its time stamp marks"),
+                in("StartTimeType", "Which instant the time stamp of a record marks"),
                 in("RefTime", "The reference time"),
                 in("RefType", "Which event the reference time marks"))
         .property("ReferenceTime", &H::ReferenceTime, &H::ReferenceTime, "The reference time")
@@ -175,12 +175,14 @@ struct Description<AQ_EmtRcvTable> {
     to.indexed("Record", &T::Record, &T::Record, in("nRecord", "The index", kPlace),
                "The record at a 1-based index; reading raises if it is missing. Storing ignores "
                "the index and appends")
-        .property("T", &T::T,
-                  "The emission times in seconds of the day, as a new collection; raises if there "
-                  "are more than 32767 records")
-        .property("Tr", &T::Tr,
-                  "The reception times in seconds of the day, as a new collection; raises if there "
-                  "are more than 32767 records")
+        .property(
+            "T", &T::T,
+            "The emission times in seconds after midnight, as a new collection; raises if there "
+            "are more than 32767 records")
+        .property(
+            "Tr", &T::Tr,
+            "The reception times in seconds after midnight, as a new collection; raises if there "
+            "are more than 32767 records")
         .property("X", &T::X,
                   "The aircraft's X coordinates, in the length unit of its positions, as a new "
                   "collection; raises if there are more than 32767 records")

@@ -31,11 +31,11 @@ inline constexpr auto kGenerationDateTime = about(
     "information service",
     Key{"generation_file_date"});
 inline constexpr auto kOtherCount =
-    about("Number of other records, as read; the writer counts them", kCount);
+    about("Number of other records, as read; recounted on writing", kCount);
 inline constexpr auto kOtherRecords =
     about("Other records, one per line, kept but not interpreted", Key{"other_records"});
 inline constexpr auto kCommentCount =
-    about("Number of comment lines, as read; the writer counts them", kCount);
+    about("Number of comment lines, as read; recounted on writing", kCount);
 inline constexpr auto kComments = about("Comments, one per line", Key{"comments"});
 
 template <>

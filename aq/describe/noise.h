@@ -148,10 +148,10 @@ struct Description<NoiseFunctions> {
             about("The event in a series of tone-corrected perceived noise levels; raises if no "
                   "level is given, if the sizes differ, if a level is infinite, or if a duration "
                   "is not a finite number above 0"),
-            in("pnlt", "The levels by record; NaN where there is none", Quantity{"TPNdB"}),
+            in("pnlt", "One PNLT per record; NaN if it has none", Quantity{"TPNdB"}),
             in("seconds", "How long a record lasts: one value for all, or one per record",
                Quantity{"s", 0}),
-            optionally("toneCorrections", "The tone corrections by record; NaN where there is none",
+            optionally("toneCorrections", "One tone correction per record; NaN if it has none",
                        kToneDecibels))
         .function(
             "setMetrics", &setMetrics,

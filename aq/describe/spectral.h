@@ -161,13 +161,13 @@ struct Description<AQ_SpectralTimeHistory> {
                 "missing record or row, after setting those before it",
                 in("MapMask", "The masking map"))
         .property("TimeStampType", &H::TimeStampType, &H::TimeStampType,
-                  "Which instant of a record its time stamp marks")
+                  "Which instant the time stamp of a record marks")
         .method("setTimeStamps", &H::setTimeStamps,
                 "Stamps the records half a second apart, and sets each record's relative time; "
                 "raises at "
                 "a missing record, after stamping those before it",
                 in("startTime", "The time of the first record"),
-                in("StartTimeType", "Which instant of a record its time stamp marks"),
+                in("StartTimeType", "Which instant the time stamp of a record marks"),
                 in("RefTime", "The reference time"),
                 in("RefType", "Which event the reference time marks"))
         .indexed("spectrum", &H::spectrum, &H::spectrum, in("nRecord", "The record", kRecord),

@@ -7,8 +7,9 @@
 
 // A time of day is written with seven significant digits of its seconds after midnight. If these
 // round its fraction up to a whole second, the text drops the fraction, as hosts expect:
-// 12:34:56.996 becomes 12:34:56, nearly a second early. Call `roundLateTimes` before writing a
-// model: it rounds such late times up to the second and leaves others unchanged.
+// 12:34:56.996 becomes 12:34:56, nearly a second early. Such a time is called late here. Call
+// `roundLateTimes` before writing a model: it rounds late times up to the whole second and leaves
+// the others unchanged.
 namespace aq {
 
 /// Whether the model has any late times; ignores null objects.

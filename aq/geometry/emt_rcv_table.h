@@ -22,7 +22,7 @@ class AQ_API AQ_EmtRcvTable {
   }
 
   // Each call returns a new collection with one value per record: the times of emission or
-  // reception in seconds of the day, or the aircraft's coordinates in the length unit of its
+  // reception in seconds after midnight, or the aircraft's coordinates in the length unit of its
   // positions. Throws `Overflow` if there are more than 32767 records, `ObjectNotSet` if one of
   // them is null.
   [[nodiscard]] Column T() const;

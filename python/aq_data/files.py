@@ -210,7 +210,7 @@ def _of_one_file(ds: Any) -> AnyReading:
 
 def _with_clock_times(obj: Any) -> Any:
     """The object, or a copy in which times are rounded up to the next second if their text, which
-    has only seven digits of the seconds of the day, would be nearly a second early.
+    has only seven digits for the seconds after midnight, would be nearly a second early.
     """
     if not isinstance(obj, _TIMED) or not _core._hasLateTimes(obj):
         return obj

@@ -132,7 +132,7 @@ def epnl(
 ) -> _core.NoiseEvent:
     """The event of a series of PNLT values, NaN where a record has none.
 
-    `seconds` is the duration of the records, one number for all or one per record. Without
+    `seconds` is the duration of each record: one number for all, or one per record. Without
     `tone_corrections`, the band sharing adjustment is 0. The event counts records from 0.
 
     >>> aq_data.epnl(m.PNLT, tone_corrections=m.TONECOR).epnl

@@ -1,8 +1,7 @@
 """Converts clock times and dates between the library's tables and datasets.
 
-Times in a file are seconds of the day, which restart at midnight; times in a dataset continue to
-rise, because lookups need ascending times. If they differ, a dataset also keeps the file's own
-times.
+Times of day in a file restart at midnight; times in a dataset continue to rise, because lookups
+need ascending times. If they differ, a dataset also keeps the file's own times.
 """
 
 from __future__ import annotations
@@ -19,9 +18,9 @@ _CF_DATE = {"units": "days since 1899-12-30", "calendar": "standard", "dtype": "
 
 
 def going_on(seconds: Any, beside: Optional[Any] = None) -> Any:
-    """Seconds of the day that continue beyond midnight: a drop of more than half a day starts the
-    next day. If `beside` gives times that already continue, each result is on the day that brings
-    it nearest to its counterpart there.
+    """Times of day in seconds that continue to rise after midnight: a drop of more than half a day
+    starts the next day. If `beside` gives times that already continue, each result is on the day
+    that brings it nearest to its counterpart there.
     """
     if beside is not None:
         return seconds + DAY * np.round((beside - seconds) / DAY)

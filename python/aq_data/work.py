@@ -332,7 +332,7 @@ def fix(
     file whose name ends in `.gz`, the mended text is written next to it, uncompressed. With `write`
     and `to`, nothing is replaced: all files, including those that need no change, are written below
     that folder, and `FileExistsError` is raised for a file that already exists there. If the format
-    has comments, one says what was changed.
+    allows comments, one in the mended text says what was changed.
 
     The columns are `path`; `done` and `left`, which list in words what was or would be changed and
     what was left alone because it is ambiguous; and `output`, None if nothing was written. `paths`

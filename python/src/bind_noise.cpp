@@ -55,7 +55,8 @@ constexpr py::ssize_t kBands = 24;
 
 /// The tone correction of each row, which has the levels of bands 17 to 40.
 py::array_t<ToneRow> toneCorrections(const py::object& given) {
-  const auto levels = numbersFrom<double>(given, 2, "levels of bands 17 to 40, (records, 24)");
+  const auto levels =
+      numbersFrom<double>(given, 2, "levels of bands 17 to 40, with the shape (records, 24)");
   if (levels.shape(1) != kBands) {
     throw py::value_error("expected levels of the 24 bands 17 to 40, found " +
                           std::to_string(levels.shape(1)));
@@ -76,7 +77,7 @@ py::array_t<ToneRow> toneCorrections(const py::object& given) {
 
 using Metrics = std::tuple<py::array_t<std::int16_t>, Doubles, Doubles, std::optional<NoiseEvent>>;
 
-/// Record numbers, seconds of the day, metrics by type and record, and the event.
+/// Record numbers, seconds after midnight, metrics by type and record, and the event.
 Metrics metricsOf(const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map) {
   const HistoryMetrics metrics = [&] {
     const py::gil_scoped_release released;
@@ -112,9 +113,9 @@ NoiseEvent eventOf(const py::object& pnlt, const py::object& seconds,
   const auto numbers = [](const py::object& given, const char* wanted) {
     return numbersFrom<double>(given, 1, wanted);
   };
-  const auto levels = numbers(pnlt, "PNLT by record");
+  const auto levels = numbers(pnlt, "one PNLT per record");
   const auto durations = numbers(seconds, "seconds, one value or one per record");
-  const auto tones = numbers(corrections, "tone corrections by record");
+  const auto tones = numbers(corrections, "one tone correction per record");
   const auto cells = [](const auto& array) {
     return std::span<const double>(array.data(), static_cast<std::size_t>(array.size()));
   };
@@ -179,7 +180,7 @@ void bindNoise(py::module_& module) {
       "Tone correction, its band and the last band used, for each row of levels of bands 17 to 40");
   module.def(
       "historyMetrics", metricsOf, py::arg("history"), map,
-      "Record numbers, seconds of the day, the ten metrics by type and record, and the event");
+      "Record numbers, seconds after midnight, the ten metrics by type and record, and the event");
   module.def("historyEvent", eventAlone, py::arg("history"), map,
              "The number of records, the first record number and the event");
   module.def(

@@ -302,7 +302,7 @@ def dot(a, b):
 
 def emission(fixes, microphone, received, celsius):
     """When the sound that arrives at `received` was emitted, and its geometry; None if that
-    was outside the times of `fixes`, an ascending list of (seconds of the day, (x, y, z)).
+    was outside the times of `fixes`, an ascending list of (seconds after midnight, (x, y, z)).
     """
     c = 343.2 * math.sqrt((celsius + 273.15) / 293.15)
     times = [fixes[0][0]]

@@ -145,8 +145,8 @@ class Maker:
         )
 
     def scan_records(self):
-        """A list for the scan record and one for the two records that may replace it in revision
-        3. At least one list is empty; without scans, both are.
+        """Two lists: one with the scan record, and one with the two records that may replace it in
+        revision 3. One of them is empty; without scans, both are.
         """
         rng = self.rng
         if not self.scans:

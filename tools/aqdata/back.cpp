@@ -193,7 +193,7 @@ double levelIn(aq::FieldReader& fields) {
 
 aq::AQ_Time timeIn(aq::FieldReader& fields) {
   const std::string text(fields.text("a time of day"));
-  return timeOf(text, fields.number("seconds of the day"));
+  return timeOf(text, fields.number("seconds after midnight"));
 }
 
 std::optional<Measurement> tableFrom(const std::string& path) {

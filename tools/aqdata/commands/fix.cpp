@@ -214,7 +214,7 @@ void addFix(CLI::App& program, Session& session) {
       program, session, "fix", "Undo what other programs did to the text of files",
       "Undoes only what is certain: gzip, UTF-16, byte order marks, carriage returns as\n"
       "line endings, semicolons, tabs, quotes and padding added by spreadsheets, blank\n"
-      "lines, and decimal commas. If the format has comments, one says what was\n"
+      "lines, and decimal commas. If the format allows comments, one says what was\n"
       "changed. Anything uncertain is only reported. Without --write, prints what would\n"
       "change and exits with status 1 if anything would. OUT receives every file,\n"
       "including those that need no change.\n\n"
