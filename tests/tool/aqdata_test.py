@@ -250,7 +250,7 @@ ROWS = [  # command, status, what the output contains, what the messages contain
     ),
     (
         f"aqdata convert {STH} -o blank.spc -q &&"
-        " sed -i '30s/.\\{16\\}$/         9999.00/' blank.spc;"
+        " sed -i '30s/.\\{16\\}\\(\\r*\\)$/         9999.00\\1/' blank.spc;"
         " mask blank.spc --ambient fly-over.ssr.csv -o blank.csv",
         0,
         "; 1 level of 9999, not valid",
