@@ -45,8 +45,8 @@ class FileError(Error):
     """A file that could not be read or written: the place, and what was expected and found
     there.
 
-    `line` and `field` count from 1; 0 means the whole file or line. `partial` holds the header as
-    far as it was read and, for a masking map, the rows before the failure.
+    `line` and `field` count from 1; 0 means the whole file or line. `partial` holds the header if
+    all of it was read and, for a masking map, the rows before the failure.
     """
 
     def __init__(

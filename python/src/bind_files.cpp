@@ -65,7 +65,7 @@ class BoundFile : public Bound<File> {
         },
         py::arg("sFileName"),
         (docOf<File>("readFile") +
-         ". Raises FileError, whose .partial holds the header as far as it was read "
+         ". Raises FileError, whose .partial holds the header if all of it was read "
          "and, for a map, the rows before the failure")
             .c_str());
     return *this;
