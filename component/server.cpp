@@ -101,8 +101,7 @@ STDAPI DllUnregisterServer() {
 }
 
 /// `regsvr32 /n /i:user` registers for the current user only, who need not be an administrator;
-/// with
-/// `/u` as well, it unregisters.
+/// with `/u` as well, it unregisters.
 STDAPI DllInstall(BOOL installs, LPCWSTR forWhom) {
   using namespace aq::com;
   return guarded([&] {
