@@ -34,8 +34,8 @@ double angleAbout(const Vector3& direction, const Vector3& line) {
   return std::atan2(dot(line, left), dot(line, below)) * kDegrees;
 }
 
-/// The time at `seconds` of the path. Its date follows from that of the record, which was received
-/// at `received` seconds of the path, perhaps on another day.
+/// The time of emission. `seconds` and `received`, the times of emission and reception, do not wrap
+/// at midnight; the date is the record's, less the midnights in between.
 std::shared_ptr<AQ_Time> emissionTime(const AQ_Time& recorded, double received, double seconds) {
   auto time = std::make_shared<AQ_Time>();
   const double day = std::floor(seconds / kSecondsPerDay);

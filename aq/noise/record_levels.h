@@ -13,8 +13,8 @@
 
 namespace aq {
 
-/// Levels by type, from `AQ_METRIC_AWT` to `AQ_METRIC_OA`; NaN for a type for which no level
-/// counts.
+/// Levels by type, from `AQ_METRIC_AWT` to `AQ_METRIC_OA`; NaN if no level counts for that
+/// type.
 using WeightedLevels = std::array<double, AQ_METRIC_OA>;
 
 /// See `weightedLevel`.

@@ -98,8 +98,8 @@ def _tells(values: Any) -> bool:
 def time_axis(ax: Axes, *datasets: xr.Dataset) -> list[Any]:
     """Labels the horizontal axis, and returns the times of each dataset on it.
 
-    These are times relative to the reference if the first dataset with records has them set,
-    otherwise times of day, otherwise record numbers.
+    The first dataset with records determines the kind: times relative to the reference if they are
+    set, otherwise times of day if there are any, otherwise record numbers.
     """
     first = next((ds for ds in datasets if ds["time"].size), datasets[0])
     kinds = [name for name in _TIMES if name in first.variables]

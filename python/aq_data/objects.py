@@ -269,9 +269,9 @@ def microphone_to_xarray(
 
 @attach(_core.AQ_DataINI, name="to_xarray")
 def parameters_to_xarray(self: _core.AQ_DataINI) -> xr.Dataset:
-    """A dataset of `calibration_adjustment` in dB, `window_before` and `window_after` the event in
-    s, `first_record` and `last_record`; methods and comments are attributes. `from_xarray` converts
-    it back.
+    """A dataset with `calibration_adjustment` (dB), `window_before` and `window_after` (s),
+    `first_record` and `last_record`; the averaging method, the time stamp type and the comments are
+    attributes. `from_xarray` converts it back.
 
     >>> aq_data.read("fly-over.ini.csv").data.to_xarray().window_before
     """
