@@ -116,7 +116,7 @@ def visible(source):
 
 
 def statements(code):
-    """The beginnings and ends of lines that are a single statement."""
+    """Where each line that is a single statement begins and ends."""
     at, before = 0, ""
     for line in code.splitlines(keepends=True):
         found = STATEMENT.match(line)
