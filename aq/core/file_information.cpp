@@ -78,7 +78,7 @@ std::shared_ptr<FileInformation> fileInformation() {
 
 std::shared_ptr<FileInformation> keepingFileInformation() {
   auto used = fileInformation();
-  // Installed before each write, they would otherwise form an ever longer chain.
+  // A host that installs the result before each write must not build an ever longer chain.
   if (dynamic_cast<KeepingFileInformation*>(used.get()) != nullptr) return used;
   return std::make_shared<KeepingFileInformation>(std::move(used));
 }

@@ -28,8 +28,8 @@ class AQ_API FileInformation {
   virtual std::string currentDateTime() = 0;
 
   /// The date to write for a source file, one from which the written file was made. `recorded` is
-  /// the date that the header has for it, in the same form. The default ignores it and calls
-  /// `fileDateTime`: hosts rely on that.
+  /// the date that the header has for it, usually as `mm/dd/yyyy,hh:mm:ss`; it may be empty. The
+  /// default ignores it and calls `fileDateTime`: hosts rely on that.
   virtual std::string sourceDateTime(const std::string& path, const std::string& recorded);
 };
 

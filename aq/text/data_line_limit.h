@@ -9,7 +9,7 @@
 
 namespace aq {
 
-/// Counts data lines in 16 bits, as hosts do: reading fails at data line 32768.
+/// Counts data lines. Hosts count them in 16 bits, so reading fails at data line 32768.
 class DataLineLimit {
  public:
   /// Counts a data line and returns its number, from 1.

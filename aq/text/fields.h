@@ -34,7 +34,7 @@ struct ReadFailure {
 /// were expected.
 AQ_API void takeLine(LineReader& lines, const char* what, std::string_view keyword = {});
 
-/// The text for what a failed conversion expected; adds "in range" if a number was out of range.
+/// `expected`, with " in range" added if `error` is an overflow.
 [[nodiscard]] AQ_API std::string expectedFor(const char* expected, const Error& error);
 
 /// `text` without its double quotes and outer blanks, as a field of delimited text is read.
@@ -101,9 +101,8 @@ class AQ_API FieldReader {
   /// The next field as a time of day, in seconds after midnight.
   [[nodiscard]] double timeOfDay();
 
-  /// Takes fields with `takeSome`, which returns `FieldsTaken`, until `takeSome` does not know a
-  /// field's form or `values` is full; returns how many were taken. The next field is the first one
-  /// not taken.
+  /// Takes the fields that `takeSome` converts from the start of the rest of the line to `values`,
+  /// and returns how many there were. `takeSome` returns `FieldsTaken`.
   template <class Value, class TakeSome>
   [[nodiscard]] std::size_t takeRun(std::span<Value> values, const TakeSome& takeSome) {
     if (done_) return 0;

@@ -9,7 +9,7 @@
 namespace aq {
 namespace {
 
-/// The failure that the current exception reports; rethrows any other exception.
+/// The failure that the current exception reports; rethrows an exception that reports none.
 FileFailure failureInFlight() {
   try {
     throw;

@@ -81,7 +81,7 @@ class AQ_API FixedFieldReader {
 
 /// `value` with 2 or 3 `decimals` as an integer, such as 1.25 as 125; rounds exact halves away from
 /// zero. Throws `InvalidValue`, naming `what`, unless it fits `width` columns including the point,
-/// any sign and a digit before the point.
+/// a digit before the point and, if negative, the sign.
 [[nodiscard]] AQ_API std::int64_t scaled(double value, int decimals, std::size_t width,
                                          const char* what);
 

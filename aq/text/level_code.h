@@ -35,10 +35,10 @@ AQ_API void copyLevels(std::span<const LevelCode> codes, double* levels);
 /// The code that `levelOf` turns into exactly this level; nothing if there is none.
 [[nodiscard]] AQ_API std::optional<LevelCode> codeOf(double level);
 
-/// Takes levels in their written form (any minus sign and digits, a point and two decimals,
-/// separated by ",") from the start of `text`, until `codes` is full or a field follows that has
-/// another form or a level too large for a code; `doubleFrom` may still accept it. The levels taken
-/// equal those that `doubleFrom` gives.
+/// Takes levels in their written form (an optional minus sign, optional digits, a point and two
+/// decimals, separated by ",") from the start of `text`, until `codes` is full or a field follows
+/// that has another form or a level too large for a code; `doubleFrom` may still accept it. The
+/// levels taken equal those that `doubleFrom` gives.
 [[nodiscard]] AQ_API FieldsTaken levelsAtFront(std::string_view text, std::span<LevelCode> codes);
 
 inline constexpr std::size_t kLevelColumns = 8;

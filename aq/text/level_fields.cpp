@@ -11,8 +11,8 @@
 #endif
 
 // Comma-separated levels with two decimals and up to three digits before the point, or 9999.00.
-// Where the processor can shuffle bytes, the ends of all fields are found first and then eight
-// levels are taken at a time, without a branch on their widths.
+// On a processor with AVX2 and BMI, the ends of all fields are found first and then eight levels
+// are taken at a time, without a branch on their widths.
 
 namespace aq {
 namespace {

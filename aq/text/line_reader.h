@@ -11,9 +11,9 @@
 
 namespace aq {
 
-/// Reads a text file line by line, with one block of bytes in memory at a time, which grows if a
-/// line is longer. LF and CRLF end a line, the last line needs neither, and any other byte is
-/// content. Throws `platform::SystemError`.
+/// Reads a text file line by line, with one block of bytes in memory at a time; the block grows
+/// if a line does not fit in it. LF and CRLF end a line, the last line needs neither, and any other
+/// byte is content. Throws `platform::SystemError`.
 class AQ_API LineReader {
  public:
   /// Reads at most `most` bytes; ignores what follows them.

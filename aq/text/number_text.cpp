@@ -214,7 +214,7 @@ char* putDecimals(char* at, float value) {
 }
 
 /// Writes a value below 1e11 in magnitude that is a whole number of thousandths; returns `nullptr`
-/// for any other. The text has at most 15 digits, so rounding the value to 15 digits gives the same
+/// for any other. The text has at most 14 digits, so rounding the value to 15 digits gives the same
 /// text.
 char* putThousandths(char* at, double value) {
   constexpr double kScale = 1000;
