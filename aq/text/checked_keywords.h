@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-// The keywords of lines whose values are checked. Readers accept any keyword; checks compare it
-// with these.
+// The keywords of lines whose values are checked. Readers accept any keyword on such a line;
+// checks compare it with the one given here.
 namespace aq::keywords {
 
 inline constexpr std::string_view kAveragingMethod = "AveragingMethod";

@@ -10,7 +10,7 @@ namespace aq {
 struct HeaderLine {
   enum class Use {
     Keyword,   ///< its value is read
-    Text,      ///< a comment or other record, kept unchanged
+    Text,      ///< a comment or another line kept as text
     Headings,  ///< the column headings above the data
     Unused,    ///< skipped
   };

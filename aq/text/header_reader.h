@@ -26,7 +26,7 @@ class AQ_API HeaderReader {
   /// Calls `watch` with every line that it takes; `watch` must outlive the reader.
   HeaderReader(LineReader& lines, const HeaderObserver& watch) : lines_(lines), observer_(&watch) {}
 
-  /// The file type that the first line names; nothing if the file is empty or names none.
+  /// The file type that the first line names; empty if the file is empty or names none.
   [[nodiscard]] std::string_view anyTitle();
 
   /// Like `title`, but takes the text after the first comma and ignores the text before it.

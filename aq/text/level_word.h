@@ -18,7 +18,7 @@ inline constexpr std::uint64_t kZeroWord = wordOfText("00000.00");
 
 inline constexpr std::int32_t kNoHundredths = -1;
 
-/// The value in hundredths of a level below 1000 dB in columns: five for the whole part, in which
+/// The hundredths of a level below 1000 dB in eight columns: five for the whole part, in which
 /// blanks may replace leading zeros, then a point and two digits. `kNoHundredths` for any other
 /// text.
 inline std::int32_t hundredthsInColumns(std::uint64_t word) {
