@@ -63,9 +63,9 @@ class AQ_API Variant {
   [[nodiscard]] bool isEmpty() const { return type() == Type::Empty; }
 
   // The value converted to another type. Text must be a number and nothing else; for an integer
-  // type, an optional sign and digits only. Other values are rounded to the nearest integer, halves
-  // to the even one; true is 1. Throws `TypeMismatch` for a value that does not convert and
-  // `Overflow` outside the type's range.
+  // type, an optional sign and digits only. Numbers and dates converted to an integer type are
+  // rounded to the nearest integer, halves to the even one; true is 1. Throws `TypeMismatch` for a
+  // value that does not convert and `Overflow` outside the type's range.
   [[nodiscard]] double toDouble() const;
   [[nodiscard]] float toSingle() const;
   [[nodiscard]] std::int16_t toInt16() const;
