@@ -27,7 +27,7 @@ class AQ_HeaderMask {
   std::int16_t nCommentLines = 0;  ///< as read; the writer counts `cCommentLines`
   std::shared_ptr<Collection<std::string>> cCommentLines =
       std::make_shared<Collection<std::string>>();
-  std::string sColumnLabels;  ///< as read
+  std::string sColumnLabels;  ///< as read; the writer makes them from the bands
 };
 
 }  // namespace aq
