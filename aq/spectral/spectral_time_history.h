@@ -121,8 +121,8 @@ class AQ_API AQ_SpectralTimeHistory {
   void LoRec(std::int16_t nRecord) { records_.low = nRecord; }
   void HiRec(std::int16_t nRecord) { records_.high = nRecord; }
 
-  /// A loop yields the stored spectra as pairs of record number and object, in ascending order of
-  /// the numbers. Storing a spectrum invalidates iterators. `contains` creates nothing.
+  /// A loop yields the stored spectra as pairs of record number and spectrum, in ascending order of
+  /// record number. Storing a spectrum invalidates iterators. `contains` creates nothing.
   [[nodiscard]] auto begin() const { return spectra_.begin(); }
   [[nodiscard]] auto end() const { return spectra_.end(); }
   [[nodiscard]] bool contains(std::int32_t number) const { return spectra_.contains(number); }
