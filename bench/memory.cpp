@@ -1,4 +1,5 @@
-// The memory that a process holds after reading a history, and its peak, as reported by the system.
+// The memory that a process holds for a history after reading it, and the additional peak while
+// reading, from figures that the system reports.
 #include <sys/resource.h>
 #include <unistd.h>
 
