@@ -1,6 +1,6 @@
 #pragma once
 
-// The headers of COM. The first one defines what the others need.
+// COM headers. The first one must come first: the others need it.
 // clang-format off
 #include <windows.h>
 #include <oleauto.h>

@@ -100,8 +100,8 @@ constexpr Told<Parts...> about(std::string_view text, Parts... parts) {
 
 // The kinds of member.
 
-/// Read by `get` and set by `set`; read-only if `set` is `nullptr`. A non-const getter of an
-/// object creates it if there is none; setting an object shares it.
+/// Read by `get` and set by `set`; read-only if `set` is `nullptr`. For an object, a
+/// non-const getter creates it if there is none, and the setter shares it.
 template <class Get, class Set>
 struct Property {
   const char* name;

@@ -125,7 +125,7 @@ template <class File, class Header, class Model>
   }
 }
 
-/// Writes a file in the format of `file`.
+/// Writes `content` to `path` in the format of `file`.
 template <class File, class Header, class Model>
 [[nodiscard]] AQ_DataMessage writeContent(File& file, const std::string& path,
                                           const Content<Header, Model>& content) {

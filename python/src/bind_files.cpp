@@ -81,7 +81,7 @@ class BoundFile : public Bound<File> {
         py::arg("sFileName"), py::arg("aqHeader"), py::arg("model"),
         (docOf<File>("writeFile") + ". The header gets the file's name. Raises for data that "
                                     "cannot be written. Other threads must "
-                                    "not use either object meanwhile")
+                                    "not use the header or the model during the call")
             .c_str());
     return *this;
   }
@@ -97,7 +97,7 @@ class BoundFile : public Bound<File> {
         },
         py::arg("sFileName"), py::arg("model"),
         (docOf<File>("writeFile") + ". Raises for data that cannot be written. Other threads must "
-                                    "not use the object meanwhile")
+                                    "not use the header or the model during the call")
             .c_str());
   }
 

@@ -312,7 +312,7 @@ void addConvert(CLI::App& program, Session& session) {
       "  aqdata convert fly-over.sth.csv -o fly-over.spc\n"
       "  aqdata convert fly-over.tspi.csv -o track.pth.csv\n",
       [&session, choice] { convert(session, *choice); });
-  command->add_option("FILE", session.files, "The file to convert; a workbook takes several")
+  command->add_option("FILE", session.files, "The file to convert, or several for a workbook")
       ->required()
       ->type_name("");
   addOutputFile(*command, session, "The file to write", false);
