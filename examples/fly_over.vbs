@@ -1,4 +1,4 @@
-' Masks a fly-over by its ambient, writes the map and the history with its metrics, and prints the
+' Masks a fly-over with its ambient, writes the map and the history with its metrics, and prints the
 ' event: cscript //nologo fly_over.vbs FOLDER TARGET
 Option Explicit
 Const AQ_DATA_OK = 0

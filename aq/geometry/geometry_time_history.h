@@ -58,8 +58,8 @@ class AQ_API AQ_GeometryTimeHistory {
   /// The number of points. Throws `Overflow` above 32767.
   [[nodiscard]] std::int16_t Count() const { return points_.count(); }
 
-  /// A loop yields the stored points as pairs of record number and object, in ascending order of
-  /// the numbers. Storing a point invalidates iterators. `contains` creates nothing.
+  /// A loop yields the stored points as pairs of record number and point, in ascending order of
+  /// record number. Storing a point invalidates iterators. `contains` creates nothing.
   [[nodiscard]] auto begin() const { return points_.begin(); }
   [[nodiscard]] auto end() const { return points_.end(); }
   [[nodiscard]] bool contains(std::int32_t number) const { return points_.contains(number); }

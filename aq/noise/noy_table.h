@@ -19,7 +19,7 @@ inline constexpr std::int16_t kFirstNoyBand = 17;  // 50 Hz
 inline constexpr std::int16_t kLastNoyBand = 40;   // 10 kHz
 
 namespace noys {
-/// Stands for SPL(a), SPL(c) and M(c) in bands that lack them: the piece from SPL(b) then has no
+/// Used for SPL(a), SPL(c) and M(c) in bands that lack them: the piece from SPL(b) then has no
 /// upper end.
 inline constexpr double kNone = std::numeric_limits<double>::infinity();
 }  // namespace noys

@@ -34,7 +34,7 @@ n = s.SPL(1, 2): Expect "surplus argument", 450, ""
 n = s.LowBands: Expect "unknown member", 438, ""
 s.LowBand = 3: Expect "read only", 438, ""
 Check "unchanged", s.LowBand = 24
-t.TODstring = "10:30": Expect "text without its form", 5, "10:30"
+t.TODstring = "10:30": Expect "malformed text", 5, "10:30"
 t.TODseconds = "12,5": Expect "another locale's number", 13, "12,5"
 t.TODseconds = Empty: Expect "a blank cell", 13, "empty"
 t.TODseconds = Null: Expect "null", 13, ""
@@ -43,17 +43,17 @@ t.TODseconds = Array(1, 2): Expect "array as number", 13, ""
 Check "still unchanged", t.TODseconds = 3723.5
 Set s.Time = s: Expect "another class", 13, ""
 Set t.setRelTime = Nothing: Expect "no object", 91, ""
-Set s.Time = Nothing: Expect "no object where none will do", 0, ""
+Set s.Time = Nothing: Expect "Nothing is accepted", 0, ""
 t.TODnumbers 25, 0, 0
 n = t.TODstring: Expect "a time that cannot be written", 380, ""
-Create("AQ_FileFailure"): Expect "only the library makes it", 429, ""
+Create("AQ_FileFailure"): Expect "only the library creates it", 429, ""
 Dim header
 Set header = Create("AQ_HeaderSTH")
 Dim foreign, accented  ' of another alphabet, and of the code page
 foreign = WScript.Arguments(2)
 accented = WScript.Arguments(3)
 header.sProjectName = foreign: Expect "outside the code page", 5, "U+416"
-header.sFileName = foreign & accented: Expect "a name may have any letter", 0, ""
+header.sFileName = foreign & accented: Expect "a name may have any character", 0, ""
 Check "name as given", header.sFileName = foreign & accented
 header.sProjectName = accented
 Check "text as given", header.sProjectName = accented
@@ -62,8 +62,8 @@ Check "text as given", header.sProjectName = accented
 header.cCommentLines.Add "first": header.cCommentLines.Add "second", "key"
 Check "default member of a property", header.cCommentLines(2) = "second"
 Check "by key", header.cCommentLines.Item("key") = "second"
-header.cCommentLines.Add "third", "key": Expect "taken key", 5, "key"
-n = header.cCommentLines(3): Expect "no such place", 9, ""
+header.cCommentLines.Add "third", "key": Expect "duplicate key", 5, "key"
+n = header.cCommentLines(3): Expect "no such index", 9, ""
 Dim lines, line, all
 Set lines = Create("AQ_Collection")
 lines.Add "a": lines.Add 2: lines.Add "c"
@@ -83,7 +83,7 @@ header.cCommentLines = column
 Check "column as collection", header.cCommentLines.Count = 3 And header.cCommentLines(3) = "82"
 header.cCommentLines = small: Expect "table as collection", 13, ""
 Set header.cOtherRecords = Nothing
-n = header.cOtherRecords(1): Expect "entry of no collection", 91, ""
+n = header.cOtherRecords(1): Expect "index without a collection", 91, ""
 n = s.Time(1): Expect "surplus argument of an object", 450, ""
 Dim ascii
 Set ascii = Create("AQ_DataASCII")
@@ -106,7 +106,7 @@ cells(2, 1) = Array(1)
 h.Levels = cells: Expect "cell of another kind", 13, "record 2, band 17"
 cells(2, 1) = "loud"
 cells(1, 1) = 99
-h.Levels = cells: Expect "cell that is no number", 13, "record 2, band 17"
+h.Levels = cells: Expect "cell that is not a number", 13, "record 2, band 17"
 Check "nothing set", h.spectrum(1).SPL(17) = 0
 h.Levels = Array(1, 2): Expect "one dimension", 13, ""
 h.Levels = small: Expect "another shape", 5, "3 by 4"

@@ -30,7 +30,7 @@ check("level", spectrum.SPL(24) === 65.5 && spectrum.LowBand === 24);
 spectrum.Time = time;
 time.TODseconds = 5;
 check("shared", spectrum.Time.TODseconds === 5);
-check("null is no object", raised(function () { spectrum.Time = null; }).number === 0);
+check("null is accepted", raised(function () { spectrum.Time = null; }).number === 0);
 var history = create("AQ_SpectralTimeHistory").Init(1, 4, 20, 22);
 var count = 0;
 for (var each = new Enumerator(history); !each.atEnd(); each.moveNext()) {
@@ -44,7 +44,7 @@ header.cCommentLines.Add("first");
 check("default member", header.cCommentLines(1) === "first");
 var error = raised(function () { return spectrum.SPL(30); });
 check("error", error.number === 5 && error.text.indexOf("band 30") >= 0);
-check("no number", raised(function () { time.TODseconds = "x"; }).number === 13);
+check("not a number", raised(function () { time.TODseconds = "x"; }).number === 13);
 check("undefined", raised(function () { time.TODseconds = undefined; }).number === 13);
 check("no variable", raised(function () {
   create("AQ_DataSTH").readFile("x", 1, 2);

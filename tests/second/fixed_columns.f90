@@ -1,5 +1,5 @@
-! Reads the records of a fixed-column history by a format, as docs/formats/fixed-columns.md has it,
-! and writes the file again: fixed_columns IN OUT
+! Reads the records of a fixed-column history with the format in docs/formats/fixed-columns.md, and
+! writes the file again: fixed_columns IN OUT
 program fixed_columns
   implicit none
   character(len=1024) :: from, to, line
