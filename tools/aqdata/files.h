@@ -66,8 +66,8 @@ class OutputPlaces {
   std::map<std::string, std::string> taken_ = {};  // maps each output to its input
 };
 
-/// Writes a header and a model with a file class. Keeps the dates of source files in the header,
-/// and rounds times that would lose their fraction up to the next second.
+/// Writes a header and a model with a file class. Keeps the dates of source files in the header;
+/// times that would lose their fraction are rounded up to the next second.
 template <class File, class Header, class Model>
 void writeAt(const std::string& place, Header& header, Model& model) {
   if constexpr (requires { aq::roundLateTimes(model); }) aq::roundLateTimes(model);

@@ -44,7 +44,7 @@ class Session {
   /// Writes to standard output. A write that fails ends the program.
   void print(std::string_view text);
 
-  /// Flushes standard output; a failure also ends the program. Must be called at the end.
+  /// Flushes standard output; a failure also ends the program. Call it before the program ends.
   void finish();
 
   /// Prints the name of the file whose output follows, if there are several and --json is not

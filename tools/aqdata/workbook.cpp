@@ -134,7 +134,7 @@ class Workbook::Sheets {
     fs::remove(pathOf(part_), ignored);
     throw Failure(fmt::format("cannot write {}: {}", aq::escaped(path_),
                               error     ? error.message()
-                              : failed_ ? "text that is too long for a cell"
+                              : failed_ ? "a text is too long for a cell"
                                         : lxw_strerror(result)));
   }
 

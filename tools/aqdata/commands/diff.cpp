@@ -28,7 +28,7 @@ struct DiffChoice {
 /// How two files differ in one column, or in one band.
 struct Column {
   std::size_t count = 0;
-  double largest = -1;      // the largest difference; -1 if nothing differs, 0 if no numbers do
+  double largest = -1;      // -1 if nothing differs, 0 if only values other than numbers do
   std::int32_t record = 0;  // the record with the largest difference, the first one if several
   Json a = {};
   Json b = {};

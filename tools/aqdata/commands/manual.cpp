@@ -7,7 +7,7 @@
 namespace aqdata {
 namespace {
 
-/// `text` escaped for roff: it does not start a request, and its dashes and backslashes stay.
+/// `text` escaped for roff, so that it is printed as it is and does not start a request.
 std::string roff(const std::string& text) {
   std::string result;
   for (const char c : text) {
