@@ -212,7 +212,7 @@ def _is_cut(ds: xr.Dataset) -> bool:
 
 def _renumbered(ds: xr.Dataset) -> tuple[xr.Dataset, list[str]]:
     """The dataset and comments for it. If it was cut, its records are numbered from 1, and a comment
-    says which they were.
+    gives their old numbers.
     """
     if not _is_cut(ds) or not ds["record"].size:
         return ds, []
@@ -263,7 +263,7 @@ def measurement(
     if the dataset has no masks.
 
     If a dataset with masks was cut, its records are numbered from 1, as a map requires, and a
-    comment in both headers says which records they are. The map's header then no longer names the
+    comment in both headers gives their old numbers. The map's header then no longer names the
     whole history, which the map does not fit: set `sGenerationFile` to the name of the cut history.
     Without masks, records keep their numbers.
 

@@ -110,8 +110,8 @@ def _named(frame: pd.DataFrame, *names: str) -> Optional[str]:
 
 
 def history_from_pandas(frame: pd.DataFrame) -> _core.AQ_SpectralTimeHistory:
-    """A history from a frame made by `to_pandas`, wide or tidy, or from a table of `aqdata
-    convert`. NaN means no level; a tidy frame has stamps in `time_of_day`, `time_s` or `time`, and
+    """A history from a frame made by `to_pandas`, wide or tidy, or from a table written by
+    `aqdata convert`. NaN means no level; a tidy frame has stamps in `time_of_day`, `time_s` or `time`, and
     relative times in `relative_time` or `relative_s`. Raises `ValueError` for other frames.
 
     >>> aq_data.AQ_SpectralTimeHistory.from_pandas(history.to_pandas())
@@ -169,7 +169,7 @@ def spectrum_from_pandas(series: pd.Series) -> _core.AQ_Spectrum:
 
 
 def positions_from_pandas(frame: pd.DataFrame) -> _core.AQ_PositionTimeHistory:
-    """Positions from a frame made by `to_pandas`, or from a table of `aqdata convert`.
+    """Positions from a frame made by `to_pandas`, or from a table written by `aqdata convert`.
 
     >>> aq_data.AQ_PositionTimeHistory.from_pandas(track.positions.to_pandas())
     """

@@ -21,7 +21,7 @@ void bindTime(const py::module_& module) {
         const double day = self.CurrentDate();
         const bool dated = day >= 1 && day < 2.9e6;  // a date that can be written as text
         return "<AQ_Time: " + (dated ? dateText(day) + ", " : "") +
-               std::to_string(self.TODseconds()) + " s of day, " +
+               std::to_string(self.TODseconds()) + " s after midnight, " +
                std::to_string(self.RelSeconds()) + " s relative>";
       });
   time.def(py::pickle(

@@ -172,7 +172,7 @@ void bindNoise(py::module_& module) {
   module.def("weightedLevel", weightedLevel, py::arg("spectrum"), py::arg("weighting"), masks,
              "The A-, C- or D-weighted or the overall level in dB; None when no level counts");
   module.def("perceivedNoiseLevel", perceivedNoiseLevel, py::arg("spectrum"), masks,
-             "The perceived noise level in PNdB; 0 if there are no noys");
+             "The perceived noise level in PNdB; 0 if the sum of noys is 0");
   module.def("toneSteps", stepsOf, py::arg("spectrum"), masks,
              "The steps of the tone correction, one per band from 80 Hz up");
   module.def(

@@ -30,7 +30,7 @@ void bindWork(py::module_& module) {
         return pairOf(recordsDown(history, map, decibels));
       },
       py::arg("history"), py::arg("map") = py::none(), py::arg("decibels") = 10.0,
-      "First and last record of the event: from the first to the last PNLT less than this many "
+      "First and last record of the event: from the first to the last PNLT at most this many "
       "decibels below the largest, plus the record on each side, if there is one");
   module.def(
       "cutHistory",

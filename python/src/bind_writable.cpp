@@ -83,14 +83,15 @@ void bindWritable(py::module_& module) {
     module.def("_hasLateTimes", find, py::arg("model"), doc);
   };
   finds(static_cast<bool (*)(AQ_SpectralTimeHistory&)>(hasLateTimes),
-        "Whether any time would be a second early when written as text");
+        "Whether the text of any time would be nearly a second early");
   finds(static_cast<bool (*)(const AQ_PositionTimeHistory&)>(hasLateTimes), "");
   finds(static_cast<bool (*)(const AQ_GeometryTimeHistory&)>(hasLateTimes), "");
   const auto rounds = [&module](auto* round, const char* doc) {
     module.def("_roundLateTimes", round, py::arg("model"), doc);
   };
-  rounds(static_cast<bool (*)(AQ_SpectralTimeHistory&)>(roundLateTimes),
-         "Rounds times that would be a second early when written as text to the next second");
+  rounds(
+      static_cast<bool (*)(AQ_SpectralTimeHistory&)>(roundLateTimes),
+      "Rounds up times whose text would be nearly a second early; returns whether there were any");
   rounds(static_cast<bool (*)(const AQ_PositionTimeHistory&)>(roundLateTimes), "");
   rounds(static_cast<bool (*)(const AQ_GeometryTimeHistory&)>(roundLateTimes), "");
 }
