@@ -301,7 +301,7 @@ def flags(dims: tuple[str, str], values: Any, enum: Any, long_name: str) -> xr.V
     return variable(dims, values, "", long_name, **values_and_meanings)
 
 
-# Kinds of columns, which stand in place of a unit in the lists of columns.
+# Kinds of columns, given in place of a unit in the lists of columns.
 DATE, CLOCK, CLOCK_BESIDE, LENGTH = "date", "clock", "clock beside time", "length"
 
 

@@ -225,7 +225,7 @@ def write(obj: Any, path: Path, header: Any = None, exist_ok: bool = True) -> No
 
     Writes a new header if none is given. A dataset with levels and masks needs two files:
     `measurement` returns the content of each. If a dataset of a map or a geometry was cut, its
-    records are numbered from 1, and a comment says which they are. An existing file is
+    records are numbered from 1, and a comment gives their old numbers. An existing file is
     replaced; with `exist_ok=False`, it raises `FileExistsError` instead.
 
     Raises `ValueError` for data that would not be read back unchanged (records whose bands differ
