@@ -182,7 +182,7 @@ void getLevels(const Call& call) {
   array.release(call.result);
 }
 
-/// A value that a cell of a table sets.
+/// A value to store, from a cell of a table.
 template <class Owner, class Given>
 struct Change {
   std::shared_ptr<Owner> owner;

@@ -65,7 +65,7 @@ class LineShapes {
   std::size_t extended_ = 0;  // lines with fields that are not read
   Shape last_{0, 0, false, false};
   Shape least_{std::numeric_limits<std::size_t>::max(), std::numeric_limits<std::size_t>::max(),
-               false, false};  // the least of the lines before the last; open if any of these is
+               false, false};  // the smallest counts of the lines before the last; open if any is
   bool ended_ = true;          // the last line has a line ending
 };
 

@@ -13,7 +13,7 @@ T* asked(IUnknown* object, REFIID iid) {
   return static_cast<T*>(found);
 }
 
-/// A form's side of a control, which only counts its references.
+/// The form's side of a control; only counts references.
 class Site final : public IOleClientSite {
  public:
   STDMETHODIMP QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
