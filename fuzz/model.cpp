@@ -37,9 +37,9 @@ template <class Call>
 bool succeeds(bool wrong, ErrorCode code, const Call& call) {
   try {
     call();
-    expect(!wrong, "a refusal");
+    expect(!wrong, "an error");
   } catch (const Error& error) {
-    expect(wrong && error.code() == code, "no error but that of a wrong call");
+    expect(wrong && error.code() == code, "no other error");
   }
   return !wrong;
 }
@@ -100,7 +100,7 @@ void driveSeries(Calls& calls) {
     range.widen(record);
     expect(std::equal(series.placed().begin(), series.placed().end(), plain.begin(), plain.end(),
                       [](const auto& a, const auto& b) { return a == b.second; }),
-           "objects in the order of storing");
+           "objects in the order in which they were stored");
     auto sorted = plain;
     std::sort(sorted.begin(), sorted.end());
     expect(std::equal(history.begin(), history.end(), sorted.begin(), sorted.end(),

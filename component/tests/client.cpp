@@ -70,8 +70,9 @@ void testRefusals() {
   SafeArrayDestroy(numbers);
 }
 
-/// A host's procedure may pass on a typed variable as a Variant. Checks which of the variable's 64
-/// set bits a result of 2 overwrites, and which types of variable can take an object.
+/// A host's procedure may pass on a typed variable as a Variant. Sets all 64 bits of such a
+/// variable and checks which of them a result of 2 overwrites, and which types of variable take an
+/// object.
 void testTypedVariables(IDispatch* reader, const std::wstring& file) {
   constexpr struct {
     int type;

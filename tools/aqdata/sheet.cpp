@@ -8,8 +8,7 @@
 namespace aqdata {
 namespace {
 
-/// The seconds of a time as a number, since most times of day lose digits beyond hundredths as
-/// text.
+/// The seconds of a time as a number; as text, most times of day keep only hundredths.
 double secondsOf(const aq::AQ_Time& time) { return tidySeconds(time.TODseconds()); }
 
 /// Adds a row: its number, the cells of the other columns, and its value in each of the sheet's
