@@ -64,9 +64,10 @@ class LineShapes {
   std::size_t divided_ = 0;   // lines whose numbers seem to be split at decimal commas
   std::size_t extended_ = 0;  // lines with fields that are not read
   Shape last_{0, 0, false, false};
+  // The fewest fields and decimals in the lines before the last; `open` if any of those lines is.
   Shape least_{std::numeric_limits<std::size_t>::max(), std::numeric_limits<std::size_t>::max(),
-               false, false};  // the smallest counts of the lines before the last; open if any is
-  bool ended_ = true;          // the last line has a line ending
+               false, false};
+  bool ended_ = true;  // the last line has a line ending
 };
 
 /// Reports a last line that has no line ending.

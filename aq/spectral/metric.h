@@ -24,7 +24,7 @@ class AQ_API AQ_Metric {
   void AWT(const Variant& level) { MetricValue(AQ_METRIC_AWT, level); }
 
   /// A new object with the same values. In the copy every metric is set, to 0 if this object lacks
-  /// it. Values of other types are not copied.
+  /// it. Values stored under a number that is not a metric are not copied.
   [[nodiscard]] std::shared_ptr<AQ_Metric> Copy() const;
 
   /// The C-weighted level, dB.
