@@ -14,7 +14,7 @@ namespace aq {
 
 /// The levels of one band across a series of spectra, by spectrum number.
 class AQ_API AQ_Band {
-  using Levels = std::map<double, Variant>;  // by record number, rounded by conversion to text
+  using Levels = std::map<double, Variant>;  // by record number; see `keyOf` in band.cpp
 
  public:
   /// Visits the levels in order of record number.
