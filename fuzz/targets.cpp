@@ -131,7 +131,10 @@ bool sameLine(const std::string& a, const std::string& b) {
     if ((leftEnd == left) != (rightEnd == right)) return false;
     // 47.998 s is written as :47.
     const bool lateInSecond = other == std::floor(one) && one - other > 0.99;
-    if (std::abs(one - other) > 0.00501 + 1e-6 * std::abs(one) && !lateInSecond) return false;
+    // 24:20:48 is written as 00:20:48.
+    const double kept =
+        one >= kSecondsPerDay && other < kSecondsPerDay ? one - kSecondsPerDay : one;
+    if (std::abs(kept - other) > 0.00501 + 1e-6 * std::abs(one) && !lateInSecond) return false;
     if (leftEnd == left && *leftEnd++ != *rightEnd++) return false;
     left = leftEnd;
     right = rightEnd;
