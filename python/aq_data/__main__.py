@@ -42,7 +42,9 @@ def _replaced(path: str, save: Callable[[str], Any]) -> None:
 
 
 def plot(output: str, *paths: str) -> None:
-    """Draws a page from the files of one run, at most one of each kind."""
+    """Draws the files of one run, at most one of each kind: a page if there is a history, otherwise
+    one plot.
+    """
     import matplotlib
 
     matplotlib.use("Agg")
@@ -88,7 +90,7 @@ def convert(
 ) -> None:
     """Converts a file to netCDF, or netCDF back to files. A history and its map make one dataset;
     on the way back, the map gets a file of its own next to the history. Raises `ValueError`, and
-    writes neither, if the map's file exists, unless `replace_map` is true.
+    writes neither file, if the map's file exists, unless `replace_map` is true.
     """
     import xarray as xr
 

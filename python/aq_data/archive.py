@@ -111,7 +111,7 @@ class Finding(NamedTuple):
 
 
 class Checked(NamedTuple):
-    """The findings of a file and, for a history with enough levels, a digest of these."""
+    """The findings of a file, and a digest of its levels if it is a history with enough of them."""
 
     found: list[Finding]
     levels: Optional[int] = None
@@ -141,7 +141,7 @@ def counts(found: list[Finding]) -> dict[str, int]:
 
 
 def header_words(header: Any) -> dict[str, str]:
-    """Project, microphone and generating program of a header, empty if it has no such field."""
+    """Project, microphone and generating program; each is empty if the header lacks the field."""
     return {
         column: next((getattr(header, name) for name in names if hasattr(header, name)), "")
         for column, names in _HEADER_COLUMNS.items()
@@ -194,7 +194,7 @@ def scan(
     progress: Optional[bool] = None,
     strict: bool = True,
 ) -> pd.DataFrame:
-    """Lists the files below a folder, one row per file, in path order.
+    """Lists the files below a folder that match `pattern`, one row per file, in path order.
 
     The columns are `path`, `kind`, what the header says (`project`, `microphone`, `generated_by`,
     `begin`, `averaging`, `stamp`), `records` (how many), `first_record`, `last_record`,
@@ -230,9 +230,9 @@ def check(paths: Union[Path, Iterable[Path]]) -> pd.DataFrame:
     and the `.orig` files that `fix` keeps. For a netCDF file, compares the stored metrics with
     those computed from its levels. The columns are `path`, `severity` ("error", "warning", "note"),
     `kind`, `line` and `field` (from 1; 0 for the whole file or line), `record`, `band`, `message`;
-    `FINDING_KINDS` gives the meaning of each kind. Raises `FileNotFoundError` if nothing matches; a
-    file that cannot be read gives a finding. Also finds histories that have the same levels as an
-    earlier one.
+    `FINDING_KINDS` gives the meaning of each kind. Raises `FileNotFoundError` if a single path or
+    pattern matches nothing; a file that cannot be read gives a finding. Also finds histories that
+    have the same levels as an earlier one.
 
     >>> aq_data.check("season-7").groupby(["severity", "kind"]).size()
     """

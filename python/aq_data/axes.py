@@ -34,7 +34,7 @@ def length_unit(unit: Optional[str], ds: xr.Dataset, name: str) -> str:
 
 
 def finite(ds: xr.Dataset, name: str, what: str) -> xr.Dataset:
-    """Rejects a dataset that has nothing to draw."""
+    """Returns the dataset. Raises `ValueError` if `name` has no finite value to draw."""
     if not np.isfinite(np.asarray(ds[name].values, dtype=float)).any():
         raise ValueError(f"expected {what} to draw, found none")
     return ds
@@ -99,7 +99,7 @@ def time_axis(ax: Axes, *datasets: xr.Dataset) -> list[Any]:
     """Labels the horizontal axis, and returns the times of each dataset on it.
 
     The first dataset with records determines the kind: times relative to the reference if they are
-    set, otherwise times of day if there are any, otherwise record numbers.
+    set, otherwise times of day if these are set, otherwise record numbers.
     """
     first = next((ds for ds in datasets if ds["time"].size), datasets[0])
     kinds = [name for name in _TIMES if name in first.variables]

@@ -33,7 +33,7 @@ _NO_MASK = ".."
 
 
 def _date(text: str) -> _core.AQ_Time:
-    """Parses `mm/dd/yyyy hh:mm:ss`; the time may be missing at midnight."""
+    """Parses `mm/dd/yyyy hh:mm:ss`, or a date alone, which means midnight."""
     day, _, clock = text.partition(" ")
     month, number, year = map(int, day.split("/"))
     time = as_time(clock or "00:00:00")
@@ -71,7 +71,9 @@ def _number(value: Any) -> float:
 
 
 def _stamp(text: Any, seconds: float) -> float:
-    """The time of day in `text`, or `seconds` if they differ by more than the text's rounding."""
+    """The time of day in `text`; `seconds` if there is no text, or if they differ by more than the
+    text's rounding.
+    """
     own = as_time(str(text)).TODseconds if text else seconds
     return own if abs(own - seconds) < 0.006 else seconds
 
@@ -129,7 +131,8 @@ def _sheets(path: str) -> Iterator[tuple[str, list[tuple[Any, ...]]]]:
 
 def read_excel(path: Path) -> dict[str, Run]:
     """The runs of a workbook that `aqdata convert FILES -o BOOK.xlsx` wrote, by the names of their
-    sheets: `(history, mask, geometry)`, each with its header; `geometry` is always None.
+    sheets: `(history, mask, geometry)`, each with its header; `mask` is None for a run without a
+    map, `geometry` always.
 
     Raises `FileError` for any other file, `OSError` for one that cannot be opened. Does not read
     metrics, which follow from the levels.

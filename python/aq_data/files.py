@@ -1,4 +1,4 @@
-"""One call to read any file, and one to write it back."""
+"""Reads files of every kind, and writes them back."""
 
 from __future__ import annotations
 
@@ -47,7 +47,8 @@ def read_sdf(path: Path) -> dict[str, Any]:
     `scan_variable` by scan and its `scan_unit`. Values in `y` are as stored; `read` returns levels.
     The other keys are `revision` and `scans`, the number of valid scans.
 
-    Raises the same errors as `read`.
+    Raises `OSError` for a file that cannot be opened, `FileError` for one that is not a valid
+    recording.
 
     >>> recording = aq_data.read_sdf("TRACE1.DAT")
     >>> recording["SDF_DATA_HDR"][0]["dataTitle"], recording["traces"][0]["y"].shape
@@ -209,8 +210,9 @@ def _of_one_file(ds: Any) -> AnyReading:
 
 
 def _with_clock_times(obj: Any) -> Any:
-    """The object, or a copy in which times are rounded up to the next second if their text, which
-    has only seven digits for the seconds after midnight, would be nearly a second early.
+    """The object, or a copy in which late times are rounded up to the next second. A time is late
+    if its text, which keeps seven digits of the seconds after midnight, would be nearly a second
+    early.
     """
     if not isinstance(obj, _TIMED) or not _core._hasLateTimes(obj):
         return obj
@@ -228,9 +230,10 @@ def write(obj: Any, path: Path, header: Any = None, exist_ok: bool = True) -> No
     records are numbered from 1, and a comment gives their old numbers. An existing file is
     replaced; with `exist_ok=False`, it raises `FileExistsError` instead.
 
-    Raises `ValueError` for data that would not be read back unchanged (records whose bands differ
-    from those of the first record, gaps between records), `TypeError` for an object without a file
-    format, and `OSError` if the file cannot be written. In each case the disk stays unchanged.
+    Raises `ValueError` for data that would not be read back unchanged (such as records whose bands
+    differ from those of the first record, or gaps between records), `TypeError` for an object
+    without a file format, and `OSError` if the file cannot be written. In each case the disk stays
+    unchanged.
 
     >>> aq_data.write((header, history), "mended.sth.csv", exist_ok=False)
     """

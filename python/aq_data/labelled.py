@@ -17,7 +17,7 @@ from .attributes import variable
 from .times import OWN
 
 # The variables made from the columns of the library's tables: column, variable, unit, long name.
-# Variables of metrics have the names of their columns; the caller gives the unit of a microphone.
+# Variables of metrics have the names of their columns; the caller gives a microphone's unit.
 RECORD_TIMES = (
     ("TODseconds", "time", CLOCK, "time of day, not wrapped at midnight"),
     ("RelSeconds", "relative_time", "s", "time relative to the reference time"),
@@ -187,11 +187,12 @@ def history_to_xarray(
 ) -> xr.Dataset:
     """A dataset with `level(time, band)` in dB, NaN where a record has no level in a band.
 
-    Its coordinates are `time` and `relative_time` (s), `record`, `band`, `frequency` (Hz) and, if
-    any record has one, `date`; with a map there are `mask_mode` and `mask_adjustment(time, band)`
-    (flags, -1 where a row has no mask) and `last_good_band(time)`. The metrics of the history are
-    variables too; headers and settings go into the attributes. Raises `ValueError` for a map whose
-    records are not those of the history, or with bands that the history lacks.
+    Its coordinates are `time` and `relative_time` (s), `record`, `band`, `frequency` (Hz), `date`
+    if any record has one, and `time_of_day` (s) if the history's own times differ from `time`. A
+    map adds `mask_mode` and `mask_adjustment(time, band)` (flags, -1 where a row has no mask) and
+    `last_good_band(time)`. The metrics of the history are variables too; headers and settings go
+    into the attributes. Raises `ValueError` for a map whose records are not those of the history,
+    or with bands that the history lacks.
 
     >>> ds = history.to_xarray(mask, header, mask_header)
     >>> ds.level.sel(time=52210, method="nearest")
@@ -244,7 +245,7 @@ def spectrum_to_xarray(
     return xr.Dataset({"level": level}, band_coordinates(self.bands), attrs)
 
 
-# Series of positions, geometry, and emission and reception.
+# Positions, geometries, and tables of emission and reception.
 
 
 def _series_to_xarray(

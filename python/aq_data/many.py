@@ -47,7 +47,7 @@ class _Shape(NamedTuple):
     levels: Optional[int]  # a digest of the levels
 
     def state(self) -> list[Any]:
-        """The files' names, modification times and sizes, which change when a file is rewritten."""
+        """The files' names, with the times and sizes by which a rewritten file is noticed."""
         stats = [os.stat(path) for path in (self.path, self.mask) if path]
         return [self.path, self.mask, *((s.st_mtime_ns, s.st_size) for s in stats)]
 
@@ -72,7 +72,7 @@ def _map(path: str) -> Reading[Any, Any]:
 
 
 def _check_pair(path: str, mask: str, header: _core.AQ_HeaderMask) -> None:
-    """Rejects a map whose header names another history as its source; ignores folders."""
+    """Rejects a map whose header names another history as its source; ignores folders and case."""
     own, named = os.path.basename(path), ntpath.basename(header.sGenerationFile)
     if named and named.lower() != own.lower():
         raise _WrongPair(f"{mask}: expected a map of {own}, found one of {named}")
@@ -268,10 +268,10 @@ def open_many(
     `microphone`, `begin` (start time as text) and the numbers of `errors`, `warnings` and `notes`
     that `check` finds in the history and its map.
 
-    A file that cannot be read, a map that does not fit and, unless `strict` is false, a file with
-    an error or a warning about its levels raise the same exceptions as reading (`FileError`,
-    `OSError`, `ValueError`); with `errors="skip"` the history is left out with a warning, unless
-    its map names another history.
+    Raises `FileError`, `OSError` or `ValueError` for a file that cannot be read, a map that does
+    not fit and, unless `strict` is false, a file with an error or a warning about its levels. With
+    `errors="skip"` the history is left out with a warning instead, unless a pattern paired it with
+    the map of another history.
 
     >>> many = aq_data.open_many("season-7/*.sth.csv", "season-7/*.mask.csv", errors="skip")
     >>> many.aq.unmasked().level.max().compute()

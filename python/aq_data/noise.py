@@ -247,7 +247,7 @@ def emission_geometry(
 
 
 class _Measured(NamedTuple):
-    """Levels and masks of whole files, record after record, with the record numbers."""
+    """Levels and masks of whole files, with the time, number and file of each record."""
 
     level: Any  # (records, bands)
     modes: Any  # (records, bands), or None
@@ -346,7 +346,9 @@ def _arrays(ds: xr.Dataset) -> tuple[list[Any], Any]:
 
 
 def dataset_metrics(ds: xr.Dataset) -> xr.Dataset:
-    """The ten metrics over `time`, with the dataset's coordinates; lazy if its levels are."""
+    """The ten metrics and the dataset's coordinates over `time`; the metrics are lazy if its levels
+    are.
+    """
     arrays, bands = _arrays(ds)
     attrs: dict[str, Any] = {}
     if dask.is_dask_collection(arrays[0]):

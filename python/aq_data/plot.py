@@ -34,7 +34,7 @@ from .reading import Tracking
 
 History = Union[xr.Dataset, _core.AQ_SpectralTimeHistory]
 AMBIENT, MASKED, NO_LEVEL = "0.35", "0.25", "0.7"
-ALONE: dict[str, Any] = {"marker": ".", "ms": 3}  # a record between gaps has no line
+ALONE: dict[str, Any] = {"marker": ".", "ms": 3}  # a record between two gaps shows no line
 GOOD, REJECTED, TONE = "tab:blue", "tab:red", "tab:purple"
 NO_BAND_IS_GOOD = int(_core.AQ_CONSTANTS.AQ_INVALID_LEVEL)
 
