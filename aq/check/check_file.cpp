@@ -167,7 +167,7 @@ Checked checkWithHistory(const std::string& path, const FindingSink& report) {
 }
 
 void check(FileOf<AQ_DataINI> of, const Reporter& report) {
-  constexpr std::string_view kTitle = "FILETYPE";  // begins a title, which readers skip
+  constexpr std::string_view kTitle = "FILETYPE";  // begins the title in line 1, which readers skip
   AQ_DataINI file;
   std::size_t nameLine = 0;
   file.observeHeader([&](const HeaderLine& line) {

@@ -34,8 +34,8 @@ struct Run {
 [[nodiscard]] Run openRun(const RunFiles& files);
 
 /// Writes a run; the headers of the map and the geometry get the name of the new history. Returns
-/// notes on what the history's format cannot hold. Throws `Failure`, and does so before
-/// anything is written if a file exists that may not be replaced.
+/// notes on what the history's format cannot hold. Throws `Failure`; if a file exists that may not
+/// be replaced, nothing is written.
 std::vector<std::string> writeRun(const Session& session, Run& run, const RunFiles& to,
                                   const std::string& from);
 

@@ -22,7 +22,7 @@ enum class Colours { None, Some, Many256, True };
 /// The columns of the terminal on standard output; 80 without a terminal.
 [[nodiscard]] int width();
 
-/// A character of text: its bytes, and the columns of a terminal that it takes.
+/// A character of text: its bytes, and the terminal columns that it takes.
 struct Character {
   std::size_t bytes;
   std::size_t columns;

@@ -51,7 +51,7 @@ UINT codePageBefore = 0;
 /// A command-line argument in quotes, with any quotes within it escaped.
 std::wstring inQuotes(std::wstring_view word) {
   std::wstring text = L"\"";
-  std::size_t slashes = 0;  // backslashes just before the letter; doubled before a quote
+  std::size_t slashes = 0;  // backslashes just before `letter`; doubled before a quote
   for (const wchar_t letter : word) {
     if (letter == L'"') text.append(slashes + 1, L'\\');
     slashes = letter == L'\\' ? slashes + 1 : 0;

@@ -30,8 +30,8 @@ struct Extent {
   std::size_t count = 0;
   std::int32_t low = 0;
   std::int32_t high = 0;
-  std::optional<double> begin = {};  // time of day of the lowest record, in seconds
-  std::optional<double> end = {};    // time of day of the highest record
+  std::optional<double> begin = {};  // time of day of the lowest-numbered record, in seconds
+  std::optional<double> end = {};    // time of day of the highest-numbered record
   std::string beginText = {};
   std::string endText = {};
 
