@@ -50,8 +50,8 @@ std::size_t sharedOption(const std::vector<std::string>& words) {
   return name == words.front() ? std::min<std::size_t>(2, words.size()) : 1;
 }
 
-/// Rearranges a command line as the parser expects it: moves shared options that precede the
-/// command after it, and turns `help` into --help.
+/// Rearranges a command line as the parser expects it: moves shared options from before the command
+/// to after it, and turns `help` into --help.
 std::vector<std::string> arranged(std::vector<std::string> words) {
   std::vector<std::string> before;
   const auto takeShared = [&] {
