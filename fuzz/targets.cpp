@@ -55,8 +55,8 @@ void checkAny(const Target&, std::string_view input) {
   });
 }
 
-/// The lines of the input: a carriage return before a line feed belongs to the line end, and the
-/// last line needs no line end.
+/// The lines of the input: a carriage return before a line feed belongs to the line ending, and the
+/// last line needs no line ending.
 std::vector<std::string> plainLines(std::string_view input) {
   std::vector<std::string> lines;
   while (!input.empty()) {
@@ -206,7 +206,7 @@ void expect(bool holds, const char* what) {
 
 void roundTrip(const Target&, std::string_view input) {
   static const test::FixedInformation fixed;
-  // A line read from "\r\r\n" ends in \r; once it is written, \r belongs to its line end.
+  // A line read from "\r\r\n" ends in \r; once it is written, \r belongs to its line ending.
   if (input.find('\r') != input.npos) return;
   const std::string path = fileWith(input);
   for (const auto& [name, format] : test::kFormats) {

@@ -143,7 +143,7 @@ class Contradictions {
   }
 
   [[nodiscard]] std::string faultOf(AQ_Geometry& point, std::size_t points) const {
-    constexpr double kTolerance = 0.0201;  // s; both times are in hundredths
+    constexpr double kTolerance = 0.0201;  // s; both times are rounded to hundredths
     constexpr std::size_t kEnough = 3;     // fewer points do not show which one is wrong
     const double between =
         std::remainder(point.Tm()->TODseconds() - point.Te()->TODseconds(), kSecondsPerDay);

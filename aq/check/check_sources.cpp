@@ -53,7 +53,7 @@ void checkMicrophoneOf(const std::string& source, const GeometryRead& read,
 }
 
 void checkHistoryOf(const std::string& source, const GeometryRead& read, const Reporter& report) {
-  constexpr double kNear = 0.0201;  // both times are in hundredths
+  constexpr double kNear = 0.0201;  // both times are rounded to hundredths
   AQ_DataSTH file;
   Content<AQ_HeaderSTH, AQ_SpectralTimeHistory> found;
   if (readContent(file, source, found) != AQ_DATA_OK) return;

@@ -38,7 +38,7 @@ constexpr mode_t kNewFile = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_
 constexpr mode_t kOwnFile = S_IRUSR | S_IWUSR;
 constexpr mode_t kPermissions = S_ISUID | S_ISGID | S_ISVTX | S_IRWXU | S_IRWXG | S_IRWXO;
 
-/// Repeats a call that a signal interrupted.
+/// Retries a call as long as a signal interrupts it.
 template <class Call>
 auto uninterrupted(const Call& call) {
   for (;;) {

@@ -235,7 +235,7 @@ class Recording:
 
 def bands_of(xs):
     """The bands of the points up to the last one in a band; fails if an earlier point is in no
-    band, if the bands do not rise, or if none is from 2 to 50."""
+    band, if the bands do not ascend, or if none is from 2 to 50."""
     found = []
     for x in xs:
         require(math.isfinite(x), "x")

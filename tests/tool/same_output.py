@@ -25,13 +25,13 @@ ELSEWHERE = {  # rows that contain a key are skipped; its value says what differ
     "| head": "a reader that closes the pipe early, which is an error for a Windows program",
     "xlsx": "workbooks, which the program for Windows does not write",
     "AQ_PYTHON": "Unix interpreters",
-    "/&s/": "line ends, which include a carriage return on Windows",
+    "/&s/": "line endings, which include a carriage return on Windows",
     "completion": "Unix shells",
 }
 
 
 def same_form(text):
-    """Makes line ends and path separators alike, and removes a warning from wine and the dates and
+    """Unifies line endings and path separators, and removes a warning from wine and the dates and
     times of files.
     """
     text = text.replace(b"\r\n", b"\n").replace(b"\\\\", b"\\").replace(b"\\", b"/")

@@ -40,7 +40,8 @@ for run, path in zip(runs.values(), paths):
     assert list(run.history.header.cCommentLines) == list(header.cCommentLines)
 """
 BY_PACKAGE = [  # commands that use the Python package
-    f"aqdata convert {ONE}.sth.csv --masks -o one.nc && aqdata convert one.nc -o one.sth.csv",
+    f"aqdata convert {ONE}.sth.csv --masks -o one.nc",
+    "aqdata convert one.nc -o one.sth.csv | tail -1 | grep -q '^one.mask.csv: written'",
     f"aqdata diff --dates {ONE}.sth.csv one.sth.csv && aqdata diff {ONE}.mask.csv one.mask.csv",
     f"aqdata plot {ONE}.sth.csv {ONE}.mask.csv -o one.png && grep -q PNG one.png",
     f"! aqdata plot one.sth.csv {ONE}.sth.csv -o two.png",

@@ -183,8 +183,15 @@ bool isNetcdf(const std::string& path) {
   return begin == "\x89HDF" || begin.starts_with("CDF");
 }
 
+/// When a file was last written; nothing if it does not exist.
+std::optional<std::filesystem::file_time_type> timeOf(const std::string& path) {
+  std::error_code error;
+  const auto time = std::filesystem::last_write_time(pathOf(path), error);
+  return error ? std::nullopt : std::optional(time);
+}
+
 /// Converts to and from netCDF with the Python package.
-void putNetcdf(const Session& session, const ConvertChoice& choice) {
+void putNetcdf(Session& session, const ConvertChoice& choice) {
   if (choice.record) throw Failure("--record does not apply to netCDF");
   std::vector<std::string> words{"convert", choice.file, outputPlace(session)};
   if (session.force) words.insert(words.begin(), "--force");
@@ -195,7 +202,16 @@ void putNetcdf(const Session& session, const ConvertChoice& choice) {
     static_cast<void>(openMapOf(openHistory(choice.file), choice.file, map));
     words.push_back(map);
   }
+  // The package also writes a map if the file has a history and its masks.
+  const std::string madeMap = nextToHistory(session.output, ".mask.csv");
+  const auto before = timeOf(madeMap);
   runPackage("netCDF", words);
+  if (timeOf(madeMap) == before) return session.wrote("written");
+  if (session.json) {
+    return session.printDocument(Json{{"output", session.output}, {"map", madeMap}});
+  }
+  session.wrote("written");
+  session.tell(fmt::format("{}: written", aq::escaped(madeMap)));
 }
 
 /// Writes all runs into one workbook, but only if every file could be read.
@@ -245,8 +261,7 @@ void convert(Session& session, ConvertChoice choice) {
   }
   if (netcdf) {
     if (session.output.empty()) throw Failure("name the output file with -o");
-    putNetcdf(session, choice);
-    return session.wrote("written");
+    return putNetcdf(session, choice);
   }
   if (form == "positions") return putPositions(session, choice);
   if (form == "workbook") return putWorkbook(session, choice);
