@@ -173,7 +173,7 @@ void check(FileOf<AQ_DataINI> of, const Reporter& report) {
   file.observeHeader([&](const HeaderLine& line) {
     std::string_view text = trimmed(line.text);
     if (line.number == 1 && text.starts_with(kByteOrderMark)) text.remove_prefix(3);
-    if (line.use != HeaderLine::Use::Unused) checkFieldsBehind(line, report);
+    if (line.use != HeaderLine::Use::Unused) checkFieldsAfterValue(line, report);
     checkParameterWord(line, report);
     if (line.keyword == "FileName") nameLine = line.number;
     if (line.use != HeaderLine::Use::Unused || text.empty()) return;
@@ -186,7 +186,7 @@ void check(FileOf<AQ_DataINI> of, const Reporter& report) {
   checkEnd(of.path, report);
 }
 
-void checkNothingBehind(const std::string& path, std::size_t last, const Reporter& report) {
+void checkNothingAfter(const std::string& path, std::size_t last, const Reporter& report) {
   LineReader lines(path);
   std::size_t first = 0;
   std::size_t count = 0;

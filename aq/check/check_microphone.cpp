@@ -13,7 +13,7 @@ void check(FileOf<AQ_DataMIC> file, const Reporter& report) {
   header.expectHeadings(keywords::kMicrophoneHeadings);
   const LineShapes shapes(file.path, header.lines(), {kCoordinates, kCoordinates});
   if (shapes.count() == 1) shapes.report(file.path, report);
-  checkNothingBehind(file.path, header.lines() + 1, report);
+  checkNothingAfter(file.path, header.lines() + 1, report);
 }
 
 }  // namespace aq

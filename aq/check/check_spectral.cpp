@@ -283,7 +283,7 @@ void check(FileOf<AQ_DataSSR> file, const Reporter& report) {
   if (shapes.decimalCommas()) return;
   header.expectLabels(1, read.model->LowBand(), read.model->HighBand());
   checkLevels(*read.model, read.model->LowBand(), {.line = levels, .field = 1}, report);
-  checkNothingBehind(file.path, levels, report);
+  checkNothingAfter(file.path, levels, report);
 }
 
 void check(FileOf<AQ_DataHP3565> file, const Reporter& report) {

@@ -45,6 +45,6 @@ void checkMapFit(const AQ_SpectralTimeHistory& history, const std::string& histo
                  const AQ_MaskMap& map, const Reporter& report);
 
 /// Reports non-empty lines after line `last`, which the reader ignores.
-void checkNothingBehind(const std::string& path, std::size_t last, const Reporter& report);
+void checkNothingAfter(const std::string& path, std::size_t last, const Reporter& report);
 
 }  // namespace aq

@@ -69,7 +69,7 @@ void checkFileName(std::size_t line, std::string_view name, const std::string& p
                 : "the header calls the file " + shown(recorded));
 }
 
-void checkFieldsBehind(const HeaderLine& line, const Reporter& report) {
+void checkFieldsAfterValue(const HeaderLine& line, const Reporter& report) {
   if (line.fields == 0) return;
   const std::size_t before = line.use == HeaderLine::Use::Keyword ? 1 : 0;
   std::vector<std::string_view> found;
@@ -186,7 +186,7 @@ void HeaderCheck::see(const HeaderLine& line) {
   if (line.use == HeaderLine::Use::Keyword) {
     entries_.emplace(line.keyword, Entry{line.number, std::string(line.value)});
     seeKeyword(line, trimmed(pieces.front()));
-    checkFieldsBehind(line, report_);
+    checkFieldsAfterValue(line, report_);
   }
   if (line.use != HeaderLine::Use::Headings) seeMarks(line, pieces);
 }

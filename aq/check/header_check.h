@@ -18,7 +18,7 @@ namespace aq {
 
 /// Reports the first non-empty field after those that are read, as the digits after a decimal comma
 /// or as text that is lost.
-void checkFieldsBehind(const HeaderLine& line, const Reporter& report);
+void checkFieldsAfterValue(const HeaderLine& line, const Reporter& report);
 
 /// Reports an unknown word in the header, which is read as `readAs`.
 void checkWord(std::size_t line, std::string_view word, std::string_view readAs,

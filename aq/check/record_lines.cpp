@@ -38,7 +38,7 @@ void RecordLines::reportGaps(const Reporter& report) const {
 /// count as repeats of earlier ones.
 void RecordLines::see(std::int16_t record, std::size_t line, const Reporter& report) {
   const FindingPlace place{.line = line, .field = 1, .record = record};
-  const std::size_t* const stood = lines_.find(record);
+  const std::size_t* const earlier = lines_.find(record);
   if (setBegins_ == 0) {
     setBegins_ = line;
     first_ = record;
@@ -47,8 +47,8 @@ void RecordLines::see(std::int16_t record, std::size_t line, const Reporter& rep
            "record " + std::to_string(record) +
                " appears again: the records from here on replace those with the same number");
     setBegins_ = line;
-  } else if (stood != nullptr && *stood >= setBegins_) {
-    report(Kind::RecordRepeated, place, "it is also in line " + std::to_string(*stood));
+  } else if (earlier != nullptr && *earlier >= setBegins_) {
+    report(Kind::RecordRepeated, place, "it is also in line " + std::to_string(*earlier));
   } else if (record < before_) {
     report(Kind::RecordFalls, place,
            "record " + std::to_string(record) + " after " + std::to_string(before_));

@@ -110,13 +110,13 @@ std::shared_ptr<Collection<std::string>> AQ_DataASCII::divided(std::string_view 
 
 /// The line with a placeholder for each delimiter inside a quoted field.
 std::string AQ_DataASCII::withPlaceholders(std::string_view line) const {
-  const auto quoteBehindDelimiter = [&](std::size_t from) {
+  const auto quoteAfterDelimiter = [&](std::size_t from) {
     const std::size_t at = line.find(opening_, from);
     return at == line.npos ? at : at + opening_.size() - 1;
   };
   std::string guarded;
   std::size_t done = 0;
-  std::size_t quote = line.front() == kQuote ? 0 : quoteBehindDelimiter(0);
+  std::size_t quote = line.front() == kQuote ? 0 : quoteAfterDelimiter(0);
   while (quote != line.npos) {
     const std::size_t inside = quote + 1;
     std::size_t end = line.find(closing_, inside);
@@ -125,7 +125,7 @@ std::string AQ_DataASCII::withPlaceholders(std::string_view line) const {
     guarded += line.substr(done, inside - done);
     guarded += replaced(line.substr(inside, end - inside), delimiter_, {&kPlaceholder, 1});
     done = end;
-    quote = quoteBehindDelimiter(end + 1);
+    quote = quoteAfterDelimiter(end + 1);
   }
   guarded += line.substr(done);
   return guarded;
