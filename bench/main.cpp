@@ -4,7 +4,7 @@
 // per cent of the median. The pairs for growth compare library calls with each other; the rows for
 // memory show a size in MiB instead.
 //
-//   aq_bench FOLDER [--json FILE] [options of Google Benchmark]
+//   aq_bench FOLDER [--json FILE] [Google Benchmark options]
 //
 // Each group runs in its own process, since memory left by one group slows the next.
 #include <benchmark/benchmark.h>

@@ -115,7 +115,7 @@ bool isUnwritten(std::string_view line) {
          std::count(kParameters.begin(), kParameters.end(), line.substr(0, line.find(' '))) != 0;
 }
 
-/// Whether two lines of values are equal as far as a file keeps them: within half a hundredth plus
+/// Whether two lines of values are equal to the precision that a file keeps: within half a hundredth plus
 /// a millionth of the value, for any number. Lines that the writer sets itself, parameters of 0 and
 /// times just before a full second, which lose their fraction, may differ.
 bool sameLine(const std::string& a, const std::string& b) {

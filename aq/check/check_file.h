@@ -29,7 +29,7 @@ AQ_API void checkFit(const AQ_SpectralTimeHistory& history, const std::string& h
 AQ_API void checkFit(const std::string& historyPath, const std::string& mapPath,
                      const FindingSink& report);
 
-/// The result of a check besides its findings.
+/// What a check returns in addition to its findings.
 struct Checked {
   /// A digest of all levels of a history. Empty for other files, for histories that are in fixed
   /// columns or cannot be read, and for those with fewer than 8 levels or no valid one.

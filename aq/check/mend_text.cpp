@@ -153,7 +153,7 @@ class TextMender {
     const std::string_view end = returns_ ? "\r\n" : "\n";
     mended_.text.clear();
     for (const std::string& line : lines_) mended_.text.append(line).append(end);
-    // A last line without a line ending stays so, since it is a sign of a file that was cut short.
+    // A last line without a line ending is not given one, since it is a sign of a truncated file.
     if (!ends_) mended_.text.resize(mended_.text.size() - end.size());
   }
 
@@ -461,7 +461,7 @@ class TextMender {
   std::string name_;
   std::size_t doneBefore_;
   std::vector<std::string> lines_;
-  char separator_ = '\0';   // the one that a spreadsheet put in place of commas
+  char separator_ = '\0';   // the one that a spreadsheet used instead of commas
   std::size_t unsure_ = 0;  // the first line whose text has a separator; 0 for none
   bool returns_ = false;
   bool ends_ = false;   // the last line has a line ending

@@ -182,8 +182,8 @@ std::optional<std::string> linkAt(const std::string& path) {
   return text;
 }
 
-/// `path`, or the path to which it leads if it is a symbolic link. Stops at the name of an open
-/// file, such as the one that /dev/stdout leads to.
+/// `path`, or the path that it points to if it is a symbolic link. Stops at the name of an open
+/// file, such as the one that /dev/stdout points to.
 std::string entryOf(std::string path) {
   constexpr int kMostLinks = 40;
   for (int links = 0; links <= kMostLinks; ++links) {

@@ -56,7 +56,7 @@ inline constexpr Quantity kLength{"m"};
 inline constexpr Quantity kAngle{"degree"};
 inline constexpr Quantity kOfTheMetric{"dB, PNdB, TPNdB, band or flags"};
 
-/// What is said about a member or parameter, besides its name and type.
+/// What is said about a member or parameter, apart from its name and type.
 struct About {
   std::string_view text;   ///< without a full stop at the end
   Quantity quantity = {};  ///< with a unit only if the member is a number

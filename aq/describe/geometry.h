@@ -49,8 +49,8 @@ struct Description<AQ_PositionTimeHistory> {
                 "samples enclose that time. Raises if there are more than 32767 samples",
                 in("aqTime", "The time of day"))
         .method("GoodTime", &H::GoodTime,
-                "Whether a time of day lies between those of the first and the last sample, both "
-                "included; raises if the history is empty or has more than 32767 samples",
+                "Whether a time of day lies between those of the first and the last sample, "
+                "inclusive; raises if the history is empty or has more than 32767 samples",
                 in("aqTime", "The time of day"))
         .property("Count", &H::Count, "The number of samples; raises if there are more than 32767",
                   kCount)

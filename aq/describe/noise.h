@@ -88,11 +88,14 @@ struct Description<NoiseEvent> {
                "Other local maxima of PNLT between the limits, within 2 dB of the largest and at "
                "least 0.1 dB above both neighbours",
                kPlaceFrom0)
-        .field("pnltm", &E::pnltm, "The largest PNLT, without band sharing", Quantity{"TPNdB"})
-        .field("epnl", &E::epnl, "Effective perceived noise level, without band sharing",
+        .field("pnltm", &E::pnltm, "The largest PNLT, without the band-sharing adjustment",
+               Quantity{"TPNdB"})
+        .field("epnl", &E::epnl,
+               "Effective perceived noise level, without the band-sharing adjustment",
                Quantity{"EPNdB"})
         .field("epnlWithBandSharing", &E::epnlWithBandSharing,
-               "Effective perceived noise level with band sharing", Quantity{"EPNdB"})
+               "Effective perceived noise level, with the band-sharing adjustment",
+               Quantity{"EPNdB"})
         .field("duration", &E::duration, "The duration correction, epnl minus pnltm", kDecibels)
         .field("bandSharing", &E::bandSharing,
                "Adjustment for a tone between two bands; never negative", kDecibels);

@@ -215,7 +215,7 @@ struct Description<SpectralFunctions> {
   static void members(To& to) {
     to.function(
         "maskByAmbient", &maskByAmbient,
-        about("The masking map of a history, made from the ambient's spectrum; raises unless the "
+        about("The masking map of a history, made from an ambient spectrum; raises unless the "
               "records are numbered from 1 without gaps, the ambient has a valid level in each of "
               "their bands, and the margin is 0 dB or more"),
         in("history", "The levels to mask"), in("ambient", "The levels of the ambient"),

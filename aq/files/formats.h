@@ -23,7 +23,7 @@
 
 namespace aq {
 
-/// What a file of a format contains. `Header` is void if the format has none of its own.
+/// The content of a file. `Header` is void if the format has none of its own.
 template <class Header_, class Model_>
 struct Content {
   using Header = Header_;

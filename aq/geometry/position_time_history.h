@@ -65,7 +65,7 @@ class AQ_API AQ_PositionTimeHistory {
   /// extrapolated. Throws `Overflow` above 32767 samples.
   [[nodiscard]] std::shared_ptr<AQ_Position> PositionAt(const AQ_Time& aqTime) const;
 
-  /// Whether a time of day lies between those of the first and the last sample, both included.
+  /// Whether a time of day lies between those of the first and the last sample, inclusive.
   /// Throws `InvalidIndex` for an empty history, `Overflow` above 32767 samples.
   [[nodiscard]] bool GoodTime(const AQ_Time& aqTime) const;
 

@@ -174,7 +174,7 @@ std::vector<double> totalsOf(const Records& records) {
 }
 
 /// The values of the records that may belong to the event: from the first to the last that may
-/// reach the 10 dB-down limits and, for the band sharing adjustment, two more on either side. Other
+/// reach the 10 dB-down limits and, for the band-sharing adjustment, two more on either side. Other
 /// records get no value.
 EventValues eventValuesOf(const Records& records) {
   constexpr double kDown = 10.1;     // dB, a little beyond the limits

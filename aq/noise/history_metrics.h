@@ -19,7 +19,7 @@ namespace aq {
 struct RecordMetrics {
   std::int16_t record = 0;
   std::int16_t perceivedBands = 0;  ///< how many of bands 17 to 40 have a level that counts
-  double seconds = 0;               ///< the time of day of its stamp
+  double seconds = 0;               ///< its time stamp, seconds after midnight
   std::array<double, AQ_METRIC_INTEG>
       values{};  ///< by type, from `AQ_METRIC_AWT` up; dB, PNdB, TPNdB, band numbers or flags
 

@@ -75,7 +75,7 @@ bool isSecondPeak(const std::vector<double>& pnlt, std::size_t at, double larges
          pnlt[at] - pnlt[at + 1] >= kSecondAbove - kRounding;
 }
 
-/// The band sharing adjustment in dB, for the record `maximum` (14 CFR 36, A36.4.4.2).
+/// The band-sharing adjustment in dB, for the record `maximum` (14 CFR 36, A36.4.4.2).
 double bandSharingOf(std::span<const double> corrections, std::size_t maximum) {
   if (corrections.empty() || std::isnan(corrections[maximum])) return 0;
   const std::size_t begin = maximum < 2 ? 0 : maximum - 2;

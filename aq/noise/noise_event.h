@@ -30,8 +30,8 @@ struct NoiseEvent {
 /// The event in a series of PNLT values (14 CFR 36, A36.4.4 to A36.4.6). NaN means a record without
 /// PNLT: it adds nothing and lies below any limit. `seconds` gives the record lengths: one value
 /// for all records or one per record. `toneCorrections` is empty or has one value in dB per record,
-/// NaN if missing. The band sharing adjustment is the mean of the corrections of the maximum and of
-/// the two records on either side, as far as these have one, minus the correction of the maximum.
+/// NaN if missing. The band-sharing adjustment is the mean of the corrections of the maximum and of
+/// the two records on either side, where these have one, minus the correction of the maximum.
 /// It is 0 if this difference is negative or the maximum has no correction.
 ///
 /// Comparisons allow 1e-9 dB for the rounding of decimal fractions. Throws `InvalidArgument` if

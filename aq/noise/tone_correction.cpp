@@ -21,7 +21,7 @@ ToneStep stepAt(const ToneProcedure<double>& procedure, std::size_t i, std::size
   step.level = procedure.level[i];
   if (i > 0) step.slope = procedure.slope[i];
   step.slopeMarked = i > 0 && std::abs(procedure.slopeChange(i)) > kMarkedSlopeChange;
-  step.levelMarked = procedure.isTakenOut[i] != 0;
+  step.levelMarked = procedure.isReplaced[i] != 0;
   step.adjusted = procedure.adjusted[i];
   if (count > 1) step.adjustedSlope = procedure.adjustedSlope[i];
   if (i + 1 < count) step.meanSlope = procedure.meanSlope[i];

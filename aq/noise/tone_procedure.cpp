@@ -56,15 +56,15 @@ void ToneProcedure<Number>::adjustLevels(std::size_t count) {
     const Number below = level[i - 1];
     const Number replacement =
         i + 1 < count ? Number((below + level[i + 1]) / 2.0) : Number(below + slope[i - 1]);
-    // A level is taken out if the slope up to it is positive, and either this slope exceeds the one
+    // A level is replaced if the slope up to it is positive, and either this slope exceeds the one
     // before it by more than 5 dB, or the next slope is 0 or negative and more than 5 dB below it.
     const auto rises = slope[i] > 0.0;
     const auto bendsUp = slopeChange(i) > kMarkedSlopeChange;
     const auto bendsDown = slopeChange(i + 1) < -kMarkedSlopeChange;
     const auto falls = slope[i + 1] <= 0.0;
-    const auto takenOut = rises & (bendsUp | (bendsDown & falls));
-    isTakenOut[i] = takenOut ? numberOf<Number>(1) : Number{};
-    adjusted[i] = takenOut ? replacement : level[i];
+    const auto replaced = rises & (bendsUp | (bendsDown & falls));
+    isReplaced[i] = replaced ? numberOf<Number>(1) : Number{};
+    adjusted[i] = replaced ? replacement : level[i];
     adjustedSlope[i] = adjusted[i] - adjusted[i - 1];
   }
   adjustedSlope[0] = adjustedSlope[1];

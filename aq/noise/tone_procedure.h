@@ -32,8 +32,8 @@ class ToneProcedure {
   void run(std::size_t count);
 
   Column slope{};          ///< NaN at index 0 and above the last band
-  Column isTakenOut{};     ///< 1 for a level that is taken out, otherwise 0
-  Column adjusted{};       ///< the level, or the replacement for one that is taken out
+  Column isReplaced{};     ///< 1 for a level that is replaced, otherwise 0
+  Column adjusted{};       ///< the level or its replacement
   Column adjustedSlope{};  ///< the first and the last slope each appear twice
   Column meanSlope{};      ///< not set for the last band
   Column background{};

@@ -8,13 +8,13 @@
 
 namespace aq {
 
-/// A range of records by their numbers, both ends included.
+/// An inclusive range of record numbers.
 struct RecordRange {
   std::int16_t first = 0;
   std::int16_t last = 0;
 };
 
-/// The range of records with stamps from `from` to `to`, both included, in seconds after midnight.
+/// The range of records with stamps from `from` to `to`, inclusive, in seconds after midnight.
 /// Times more than half a day from the first record are taken to be on the other side of midnight.
 /// Throws `InvalidArgument` if there is no such record.
 [[nodiscard]] AQ_API RecordRange recordsBetween(const AQ_SpectralTimeHistory& history, double from,

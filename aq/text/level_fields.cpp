@@ -198,7 +198,7 @@ FieldsTaken takeUsual(std::string_view, std::span<LevelCode>) { return {}; }
 }  // namespace
 
 FieldsTaken levelsAtFront(std::string_view text, std::span<LevelCode> codes) {
-  constexpr std::size_t kAtOnce = 8;  // levels taken singly before the usual form is tried again
+  constexpr std::size_t kAtOnce = 8;  // levels taken one by one before the usual form is retried
   FieldsTaken taken;
   while (taken.count < codes.size() && !taken.last) {
     const FieldsTaken usual = takeUsual(text.substr(taken.length), codes.subspan(taken.count));

@@ -133,7 +133,7 @@ def epnl(
     """The event of a series of PNLT values, NaN where a record has none.
 
     `seconds` is the duration of each record: one number for all, or one per record. Without
-    `tone_corrections`, the band sharing adjustment is 0. The event counts records from 0.
+    `tone_corrections`, the band-sharing adjustment is 0. The event counts records from 0.
 
     >>> aq_data.epnl(m.PNLT, tone_corrections=m.TONECOR).epnl
     """

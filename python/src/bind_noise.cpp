@@ -139,12 +139,13 @@ void bindEvent(const py::module_& module) {
       .def_readonly(
           "secondPeaks", &E::secondPeaks,
           "Other local maxima among the records that the EPNL sums, within 2 dB of the largest")
-      .def_readonly("pnltm", &E::pnltm, "The largest PNLT in TPNdB, without band sharing")
-      .def_readonly("epnl", &E::epnl, "The EPNL in EPNdB, without band sharing")
+      .def_readonly("pnltm", &E::pnltm,
+                    "The largest PNLT in TPNdB, without the band-sharing adjustment")
+      .def_readonly("epnl", &E::epnl, "The EPNL in EPNdB, without the band-sharing adjustment")
       .def_readonly("epnlWithBandSharing", &E::epnlWithBandSharing,
-                    "The EPNL in EPNdB, with band sharing")
+                    "The EPNL in EPNdB, with the band-sharing adjustment")
       .def_readonly("duration", &E::duration, "The duration correction, dB")
-      .def_readonly("bandSharing", &E::bandSharing, "The band sharing adjustment, dB")
+      .def_readonly("bandSharing", &E::bandSharing, "The band-sharing adjustment, dB")
       .def("__repr__", eventText);
 }
 

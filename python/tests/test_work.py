@@ -1,4 +1,4 @@
-"""Tests cutting, joining and mending, tables read back, and the commands of the package."""
+"""Tests cutting, joining and mending, reading tables back, and the package's commands."""
 
 import gzip
 import shutil

@@ -65,7 +65,7 @@ TEST(Formats, BadSamplesFailAsListed) {
   }
 }
 
-/// Tests with the files of a measured landing, in the folder that AQ_FIELD_DATA names.
+/// Tests with the files from a measured landing, in the folder that AQ_FIELD_DATA names.
 class FieldData : public testing::Test {
  protected:
   void SetUp() override {

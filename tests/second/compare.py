@@ -71,7 +71,7 @@ def agree(variant, ours, theirs):
 
 
 def compare(program, kept, seed, name, first, count, other):
-    """The name of the format, the numbers of files and of readable files, and the differences."""
+    """The format's name, how many files there are, how many can be read, and the differences."""
     with tempfile.TemporaryDirectory() as folder:
         inputs = []
         for index in range(first, first + count):

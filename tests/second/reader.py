@@ -142,7 +142,7 @@ class Failure(Exception):
     """The line and field where a file cannot be read; field 0 is the whole line."""
 
 
-# Conversions of text to values. Text that is not a valid value raises ValueError or AttributeError.
+# Convert text to values. Text that is not a valid value raises ValueError or AttributeError.
 
 NUMBER = re.compile(r"[+-]?([0-9]+\.?[0-9]*|\.[0-9]+)([eE][+-]?[0-9]+)?")
 
@@ -308,7 +308,7 @@ class File:
         return plain(plain(parts[1])[1:])
 
 
-# Conversions of values to the lines that print_file prints.
+# Convert values to the lines that print_file prints.
 
 
 def shown(value):

@@ -750,8 +750,8 @@ def check_cpp_tutorial():
 
 
 def check_documents(parent):
-    """Console blocks of the pages show what the program prints; the examples in README.md and in
-    the help run; no line of the help is wider than 80 columns.
+    """Console blocks in the pages show what the program prints; the examples in README.md and in
+    the help run; no help line is wider than 80 columns.
     """
     check_cpp_tutorial()
     for page in ("docs/aqdata", "docs/metrics", "docs/season", "docs/tutorials/shell"):
