@@ -140,7 +140,7 @@ bool isNumber(std::string_view text) {
 }
 
 /// Whether `path` names an open file of this process or, below /proc, of any process. Other names
-/// below /proc, such as those in /proc/self/cwd, may lead to ordinary files.
+/// below /proc, such as those in /proc/self/cwd, may refer to ordinary files.
 bool namesOpenFile(const std::string& path) {
   constexpr std::string_view kProcesses = "/proc/";
   constexpr std::string_view kFiles = "/fd/";

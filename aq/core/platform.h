@@ -84,10 +84,10 @@ AQ_API void preferLargePages(void* memory, std::size_t size);
 /// since that overflows in 2038 on some systems.
 [[nodiscard]] AQ_API std::optional<std::int64_t> lastChanged(const std::string& path);
 
-/// Whether `path` leads to a regular file; false if unknown.
+/// Whether `path` is a regular file or a link to one; false if unknown.
 [[nodiscard]] AQ_API bool isFile(const std::string& path);
 
-/// Whether two paths lead to the same file; false if unknown.
+/// Whether two paths refer to the same file; false if unknown.
 [[nodiscard]] AQ_API bool areOneFile(const std::string& one, const std::string& other);
 
 /// `path` without its folders.

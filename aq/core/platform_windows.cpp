@@ -259,7 +259,7 @@ void flush(const Handle& file) {
 
 bool onDisk(const Handle& file) { return ::GetFileType(file.get()) == FILE_TYPE_DISK; }
 
-/// The file or folder that `path` leads to, opened only to query its attributes.
+/// The file or folder that `path` refers to, opened only to query its attributes.
 Handle seen(const std::string& path) {
   return open(pathOf(path, kOpen),
               {.access = FILE_READ_ATTRIBUTES, .flags = FILE_FLAG_BACKUP_SEMANTICS}, kOpen);

@@ -84,7 +84,7 @@ TEST(PositionTimeHistory, ReplacingMovesToTheEndAndACopyIsRenumbered) {
   EXPECT_ERROR(history.Position(0), InvalidIndex);
   EXPECT_ERROR(history.Position(4), InvalidIndex);
   const auto copy = history.Copy();
-  copy->Position(2, position(30, 30));  // number 2 of the copy is the former number 3
+  copy->Position(2, position(30, 30));  // number 2 of the copy was number 3
   EXPECT_EQ(copy->Position(1)->X(), 1);
   EXPECT_EQ(copy->Position(2)->X(), 20);
   EXPECT_EQ(copy->Position(3)->X(), 30);
