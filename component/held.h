@@ -6,7 +6,7 @@
 
 namespace aq::com {
 
-/// A reference to an object of a host or of the component.
+/// A reference to a host's or the component's object.
 template <class T>
 class Held {
  public:

@@ -1,4 +1,4 @@
-// Writes the IDL of the type library from the description of the object model.
+// Writes the type library's IDL from the description of the object model.
 
 #include <iostream>
 #include <map>

@@ -18,7 +18,7 @@
 #include <string_view>
 #include <type_traits>
 
-// The object model as hosts of the component see it: the names, identifiers and numbers of classes
+// The object model as the component's hosts see it: the names, identifiers and numbers of classes
 // and members. They are compiled into hosts, so they never change; new ones get the next number.
 
 namespace aq::com {
@@ -48,8 +48,8 @@ inline constexpr std::int32_t kFirstExtra = 101;
 /// The name of the argument of a collection's `Add`, as in hosts' own collections.
 inline constexpr std::string_view kEntryName = "Item";
 
-/// The functions of the library, as the members of one class. Each folder of the library has 20
-/// member numbers; a new folder gets the next 20.
+/// The library's functions, as the members of one class. Each library folder has 20 member numbers;
+/// a new folder gets the next 20.
 struct Library {};
 inline constexpr std::int32_t kFunctionsOfAFolder = 20;
 inline constexpr aq::describe::List<aq::describe::CoreFunctions, aq::describe::FileFunctions,
@@ -183,7 +183,7 @@ inline constexpr std::array kExtras{
         "All points as an array: record, Tm, Te (seconds after midnight), Tprope, Xe, Ye, Ze, SRe, "
         "THETAe, BETAe"},
     Extra{"AQ_Library", "Version", kFirstExtra, "BSTR", "", true, false,
-          "The version of the library, such as 0.1.0"},
+          "The library's version, such as 0.1.0"},
     Extra{"AQ_Library", "checkFile", kFirstExtra + 1, "_AQ_Collection*", "[in] BSTR path", false,
           false, "The findings about a file, one string for each"},
     Extra{"AQ_Library", "checkFixes", kFirstExtra + 2, "_AQ_Collection*",

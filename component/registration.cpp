@@ -111,7 +111,7 @@ void addControl(const Classes& classes, const std::wstring& path, const std::wst
   classes.set(path + L"\\Control", nullptr, L"");
   classes.set(path + L"\\ToolboxBitmap32", nullptr, dll + L", 1");
   classes.set(path + L"\\MiscStatus", nullptr, L"0");
-  // Flags of the control: it is redrawn when resized, cannot be a link source, is invisible at run
+  // Control flags: it is redrawn when resized, cannot be a link source, is invisible at run
   // time, and gets its client site before anything else.
   classes.set(path + L"\\MiscStatus\\1", nullptr, L"132113");
   const std::wstring categories = path + L"\\Implemented Categories\\";

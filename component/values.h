@@ -28,7 +28,7 @@ namespace aq::com {
 /// A value as text; Empty becomes an empty string.
 [[nodiscard]] std::string stringOf(const VARIANT& given, TextKind kind);
 
-/// The object of the component that `given` holds, if it is of the table's class; null for no
+/// The component's object that `given` holds, if it is of the table's class; null for no
 /// object. Anything else is a type mismatch.
 [[nodiscard]] std::shared_ptr<void> objectOf(const VARIANT& given, const ClassTable& table);
 

@@ -1,4 +1,4 @@
-"""Checks that each folder of the library includes only from the folders listed for it, and that
+"""Checks that each library folder includes only from the folders listed for it, and that
 neither C++ includes nor Python imports form a cycle.
 """
 

@@ -61,8 +61,8 @@ void checkText(const std::string& path, Reporter& report, const CheckData& check
   report.fileBegins({});
 }
 
-/// Runs `check`. Reports the file as unreadable if that throws an exception of the library, for
-/// example because the file cannot be opened or changes during the check.
+/// Runs `check`. Reports the file as unreadable if that throws a library exception, for example
+/// because the file cannot be opened or changes during the check.
 template <class Check>
 void checking(const Reporter& reporter, const Check& check) {
   try {

@@ -35,7 +35,7 @@ void checkLevel(double level, const FindingPlace& place, const Reporter& report)
   }
 }
 
-/// `place` is the place of the level of band `low`.
+/// `place` is where the level of band `low` is.
 void checkLevels(const AQ_Spectrum& spectrum, std::int16_t low, FindingPlace place,
                  const Reporter& report) {
   const std::size_t first = place.field;
@@ -92,7 +92,7 @@ void checkRelativeTimes(const Records& records, AQ_SpectralTimeHistory& history,
          first + "; wrong in " + std::to_string(wrong) + (wrong == 1 ? " record" : " records"));
 }
 
-/// Seconds from the start of a half-second record to its time stamp, by the type of the stamp.
+/// Seconds from the start of a half-second record to its time stamp, by stamp type.
 double shiftOf(AQ_TimeStampType type) {
   switch (type) {
     case AQ_START: break;

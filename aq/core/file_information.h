@@ -28,7 +28,7 @@ class AQ_API FileInformation {
   virtual std::string currentDateTime() = 0;
 
   /// The date to write for a source file, one from which the written file was made. `recorded` is
-  /// the date that the header has for it, usually as `mm/dd/yyyy,hh:mm:ss`; it may be empty. The
+  /// the date that the header gives for it, usually as `mm/dd/yyyy,hh:mm:ss`; it may be empty. The
   /// default ignores it and calls `fileDateTime`: hosts rely on that.
   virtual std::string sourceDateTime(const std::string& path, const std::string& recorded);
 };
@@ -39,7 +39,7 @@ class AQ_API FileInformation {
 /// Day 0 (1899-12-30) at midnight, as text; in a header it means an unknown date.
 inline constexpr std::string_view kNoDateTime = "12/30/1899,00:00:00";
 
-/// A service like the one now in use, except that it keeps the dates that a header has for source
+/// A service like the one now in use, except that it keeps the dates that a header gives for source
 /// files, and takes unknown ones from the files if they exist. Give it to a file object with
 /// `fileInformation`, or to all with `setFileInformation`; a file that is read and written again
 /// then keeps the date of its source.

@@ -15,12 +15,12 @@
 #include "aq/core/file_failure.h"
 #include "aq/core/variant.h"
 
-// The description of the object model for hosts, such as the Python package and the component for
-// Windows: each class, enumeration, function and member once, with its name and its meaning. A host
-// calls `forMembers<C>` with a visitor that accepts every kind of member below; types come from the
+// Describes the object model to hosts, such as the Python package and the component for Windows:
+// each class, enumeration, function and member once, with its name and its meaning. A host calls
+// `forMembers<C>` with a visitor that accepts every kind of member below; types come from the
 // pointers to members and functions. There is no field for initial values: hosts read them from a
-// new object. Members are in the order of the interface, and new ones are added at the end, since
-// some hosts identify a member by its position.
+// new object. Members are in the interface's order, and new ones are added at the end, since some
+// hosts identify a member by its position.
 
 namespace aq::describe {
 
@@ -176,7 +176,7 @@ struct Keyed {
   About about;
 };
 
-/// A function of the library that belongs to no class.
+/// A library function that belongs to no class.
 template <class Call, std::size_t Count>
 struct Function {
   const char* name;

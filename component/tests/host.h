@@ -38,7 +38,7 @@ class Value : public VARIANT {
   }
   ~Value() { VariantClear(this); }
 
-  /// A reference to a variable of the host, as late-bound and early-bound hosts pass it.
+  /// A reference to one of the host's variables, as late-bound and early-bound hosts pass it.
   static Value late(Value& variable) { return reference(VT_VARIANT, &variable); }
   static Value early(IDispatch*& variable) { return reference(VT_DISPATCH, &variable); }
   static Value early(long& variable) { return reference(VT_I4, &variable); }
@@ -146,7 +146,7 @@ void testControl();
 void testSpeed();
 /// How many registry keys name the component.
 int registered(HKEY root);
-/// Checks the registered values of one class and of the control; `dll` is the path that they name.
+/// Checks the values registered for a class and for the control; `dll` is the path in them.
 void testRegistration(HKEY root, const std::wstring& dll);
 
 }  // namespace host

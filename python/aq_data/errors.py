@@ -1,4 +1,4 @@
-"""The exceptions of the library."""
+"""The library's exceptions."""
 
 from __future__ import annotations
 

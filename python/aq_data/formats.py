@@ -1,4 +1,4 @@
-"""The file formats of the library."""
+"""The library's file formats."""
 
 from __future__ import annotations
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// Turns a described class of the library into a Python class: properties become attributes, indexed
+// Turns a described library class into a Python class: properties become attributes, indexed
 // properties become views; pickling, copying and repr use the list of settable properties.
 
 #include <aq/describe/description.h>

@@ -9,7 +9,7 @@ namespace aq::python {
 using Levels = py::array_t<double, py::array::c_style>;
 constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
 
-/// Runs `work`; prefixes errors of the model with `place` and `number`.
+/// Runs `work`; prefixes model errors with `place` and `number`.
 template <class Work>
 auto at(const char* place, std::int16_t number, const Work& work) {
   try {

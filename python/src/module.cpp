@@ -3,7 +3,7 @@
 namespace aq::python {
 namespace {
 
-/// Converts exceptions of the library to those of `aq_data.errors`.
+/// Converts library exceptions to those of `aq_data.errors`.
 void translate(std::exception_ptr thrown) {
   try {
     std::rethrow_exception(std::move(thrown));

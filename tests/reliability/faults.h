@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string>
 
-// Makes one system call or allocation of the library fail, or kills the process at a system call.
+// Makes one system call or allocation in the library fail, or kills the process at a system call.
 namespace aq::test {
 
 enum class Fault {

@@ -20,7 +20,7 @@ class Failure : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// The exit status of the tool.
+/// The tool's exit status.
 enum Status { kFine = 0, kFindings = 1, kCouldNot = 2 };
 
 /// State that all commands share: the user's choices, the output, and the exit status.

@@ -1,4 +1,4 @@
-// Writes the reference page of the object model. With `members`, writes what a test checks instead:
+// Writes the object model's reference page. With `members`, writes what a test checks instead:
 // the argument counts of each member and the value of each enumerator, which it compares with the
 // headers, and the numbers of the classes and the units and descriptions of members.
 
@@ -46,7 +46,7 @@ std::string ended(std::string_view sentence) { return std::string(sentence) + ".
 
 constexpr std::string_view kBegin = R"(# Reference
 
-Every class of the object model with its members, and every enumeration. New members are added at the end
+Every class in the object model with its members, and every enumeration. New members are added at the end
 of their class. This page is generated from `aq/describe` by `cmake --build --preset debug --target
 reference`.
 

@@ -110,7 +110,7 @@ export class Section {
     this.slider.setAttribute("aria-valuetext", text);
   }
 
-  /** Fits the charts to the width of the page, or to all or half of the paper. */
+  /** Fits the charts to the page width, or to all or half of the paper. */
   fit(paper = false) {
     for (const { host, half, chart } of this.charts) {
       const width = paper ? (half ? PAPER_WIDTH / 2 - 6 : PAPER_WIDTH) : host.clientWidth;

@@ -24,7 +24,7 @@ export function levelColour(level, [low, high]) {
   return LEVEL_COLOURS[Math.max(0, Math.min(255, Math.round(part * 255)))];
 }
 
-/** A colour of the page's style, in light, dark or print mode. */
+/** One of the page style's colours, in light, dark or print mode. */
 export function colour(name) {
   return getComputedStyle(document.documentElement).getPropertyValue(`--${name}`).trim();
 }
