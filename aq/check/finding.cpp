@@ -37,7 +37,7 @@ constexpr FindingKind kKinds[] = {
     {"record-falls", kWarning, "a record number is below the previous one"},
     {"record-gap", kWarning, "record numbers are missing"},
     {"extra-fields", kWarning, "a data line has more fields than are read"},
-    {"time-step", kWarning, "a time does not continue the times before it", kHold},
+    {"time-step", kWarning, "a time does not follow from the times before it", kHold},
     {"time-order", kWarning, "a position's time is not after the previous one's", kHold},
     {"relative-time", kWarning, "a relative time does not match the time of day", kHold},
     {"start-time", kWarning, "the start time does not match the first time stamp", kHold},

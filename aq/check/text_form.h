@@ -35,6 +35,6 @@ std::optional<TextFault> faultOfLines(std::string_view head);
 bool isDecimalComma(std::string_view text);
 
 inline constexpr std::string_view kDecimalCommaCure =
-    "numbers have decimal commas, which separate fields here; write them with points";
+    "numbers have decimal commas, but commas separate fields here; write decimal points";
 
 }  // namespace aq
