@@ -83,7 +83,8 @@ void checkQuality(const TrackingLine& fix, std::uint8_t limit, std::size_t line,
 constexpr std::size_t kPositionFields = 4;
 
 /// Checks that the slant range, propagation time, times and source position of each point agree,
-/// and that the points give a plausible speed of sound. Reports at most one finding per point.
+/// that the points give a plausible speed of sound, and that this speed agrees with the temperature
+/// in the header. Reports at most one finding per point.
 class Contradictions {
  public:
   Contradictions(const AQ_HeaderGTH& header, std::size_t temperatureLine, const Reporter& report)
@@ -131,9 +132,9 @@ class Contradictions {
   /// whether read as degrees Celsius or Fahrenheit. The margin is wide, since the temperature may
   /// vary along the path.
   void expectTemperature(double speed) const {
-    constexpr double kNear = 20;
+    constexpr double kNear = 20;       // degrees Celsius
     constexpr double kAtZero = 331.3;  // m/s, at 0 degrees Celsius
-    constexpr double kZero = 273.15;
+    constexpr double kZero = 273.15;   // K
     const double celsius = (std::pow(speed / kAtZero, 2) - 1) * kZero;
     if (std::abs(temperature_ - celsius) <= kNear) return;
     if (std::abs((temperature_ - 32) / 1.8 - celsius) <= kNear) return;
@@ -143,7 +144,7 @@ class Contradictions {
   }
 
   [[nodiscard]] std::string faultOf(AQ_Geometry& point, std::size_t points) const {
-    constexpr double kTolerance = 0.0201;  // s; both times are rounded to hundredths
+    constexpr double kTolerance = 0.0201;  // s; both times may be rounded to hundredths
     constexpr std::size_t kEnough = 3;     // fewer points do not show which one is wrong
     const double between =
         std::remainder(point.Tm()->TODseconds() - point.Te()->TODseconds(), kSecondsPerDay);
@@ -170,7 +171,9 @@ class Contradictions {
   double temperature_;
   std::size_t temperatureLine_;
   const Reporter& report_;
-  double speed_ = 0;  // of sound, the median over the points with a propagation time
+  // The speed of sound, in the file's length unit per second: the median over the points with a
+  // propagation time.
+  double speed_ = 0;
 };
 
 std::vector<PathPlace> emissionPath(const RecordLines& records,
@@ -229,7 +232,7 @@ void check(FileOf<AQ_DataTSPI> of, const Reporter& report) {
   });
   order.finish();
   checkTrackingHeadings(of.path, report);
-  // Each tracker may add fields of its own after the coordinates.
+  // Trackers may add fields of their own after the coordinates.
   const LineShapes shapes(of.path, kTrackingHeaderLines,
                           {std::numeric_limits<std::size_t>::max() / 2, 0});
   shapes.report(of.path, report);

@@ -36,7 +36,7 @@ std::string countText(std::size_t wrong, const Read& read, const char* ofWhat = 
 
 void checkMicrophoneOf(const std::string& source, const GeometryRead& read,
                        const Reporter& report) {
-  constexpr double kNear = 0.05;
+  constexpr double kNear = 0.05;  // in the files' length unit
   FormatOf<AQ_Microphone>::File file;
   FormatOf<AQ_Microphone>::Content found;
   if (readContent(file, source, found) != AQ_DATA_OK) return;
@@ -53,7 +53,7 @@ void checkMicrophoneOf(const std::string& source, const GeometryRead& read,
 }
 
 void checkHistoryOf(const std::string& source, const GeometryRead& read, const Reporter& report) {
-  constexpr double kNear = 0.0201;  // both times are rounded to hundredths
+  constexpr double kNear = 0.0201;  // s; both times may be rounded to hundredths
   AQ_DataSTH file;
   Content<AQ_HeaderSTH, AQ_SpectralTimeHistory> found;
   if (readContent(file, source, found) != AQ_DATA_OK) return;
@@ -92,7 +92,7 @@ std::shared_ptr<AQ_PositionTimeHistory> positionsIn(const std::string& source) {
   return readContent(file, source, found) == AQ_DATA_OK ? found.model : nullptr;
 }
 
-/// The path of a source, with times that continue across midnight.
+/// The path that a source file gives, with times that continue across midnight.
 class SourcePath {
  public:
   explicit SourcePath(const AQ_PositionTimeHistory& positions) {
@@ -114,7 +114,7 @@ class SourcePath {
     return time >= times_.front() - kBeyond && time <= times_.back() + kBeyond;
   }
 
-  /// Whether the path is near the position `at` at a time. Allows for times rounded to tenths of a
+  /// Whether the path is near the position `at` at `time`. Allows for times rounded to tenths of a
   /// second and for a path that curves between positions.
   [[nodiscard]] bool passes(double time, const AQ_Position& at) const {
     if (!covers(time)) return false;

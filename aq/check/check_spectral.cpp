@@ -73,7 +73,7 @@ void checkRange(const HeaderCheck& header, const RecordLines& records, const Rep
 template <class Records>
 void checkRelativeTimes(const Records& records, AQ_SpectralTimeHistory& history,
                         const std::set<std::int32_t>& offInTime, const Reporter& report) {
-  constexpr double kTolerance = 0.0201;  // times may have two decimals and single precision
+  constexpr double kTolerance = 0.0201;  // s; times may be rounded to hundredths
   const double reference = history.ReferenceTime()->TODseconds();
   FindingPlace place;
   std::size_t wrong = 0;
@@ -107,7 +107,7 @@ double shiftOf(AQ_TimeStampType type) {
 /// The start time may be that of record 1 or that of the lowest record in the file.
 void checkStartTime(const HeaderCheck& header, const RecordLines& records,
                     AQ_SpectralTimeHistory& history, const Reporter& report) {
-  constexpr double kTolerance = 0.0201;  // both times have two decimals, in single precision
+  constexpr double kTolerance = 0.0201;  // s; both times may be rounded to hundredths
   const auto low = static_cast<std::int16_t>(records.low());
   const double stamp = history.spectrum(low)->timeValue().TODseconds();
   const double expected = history.startTime()->TODseconds() + shiftOf(history.TimeStampType());

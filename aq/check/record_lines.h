@@ -63,13 +63,13 @@ inline std::string secondsText(double seconds) {
   return numberText(std::round(seconds * 1e3) / 1e3) + " s";
 }
 
-/// Reports and returns the records whose time of day, `timeOf(record)`, does not follow from that
-/// of an earlier record at `recordLength` seconds per record. A single odd record is reported once,
-/// and a lasting shift only at the record where it starts.
+/// Reports and returns the records whose time of day, `timeOf(record)` in seconds, does not follow
+/// from that of an earlier record at `recordLength` seconds per record. A single odd record is
+/// reported once, and a lasting shift only at the record where it starts.
 template <class Records, class TimeOf>
 std::set<std::int32_t> checkTimeSteps(const Records& records, const TimeOf& timeOf,
                                       const Reporter& report, double recordLength = 0.5) {
-  constexpr double kTolerance = 0.0101;  // times of day may be rounded to hundredths
+  constexpr double kTolerance = 0.0101;  // s; times of day may be rounded to hundredths
   struct Seen {
     std::int32_t record;
     double time;
