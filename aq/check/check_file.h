@@ -16,11 +16,12 @@ namespace aq {
 /// threads may check different files at once.
 AQ_API void checkFile(const std::string& path, const FindingSink& report);
 
-/// Reports the fixes of a tracking file that a reader with this `RT20Limit` drops.
+/// Reports the fixes of a tracking file that a reader with this `RT20Limit` drops. Also reports a
+/// failure to read the file.
 AQ_API void checkFixes(const std::string& path, std::uint8_t limit, const FindingSink& report);
 
 /// Reports why a masking map does not fit the history that it was made for, called `historyName` in
-/// messages.
+/// messages. Throws `Overflow` if either has more than 32767 entries.
 AQ_API void checkFit(const AQ_SpectralTimeHistory& history, const std::string& historyName,
                      const AQ_MaskMap& map, const FindingSink& report);
 
@@ -31,8 +32,9 @@ AQ_API void checkFit(const std::string& historyPath, const std::string& mapPath,
 
 /// What a check returns in addition to its findings.
 struct Checked {
-  /// A digest of all levels of a history. Empty for other files, for histories that are in fixed
-  /// columns or cannot be read, and for those with fewer than 8 levels or no valid one.
+  /// A digest of all levels of a history. Empty for other kinds of file, for histories in fixed
+  /// columns, for those that cannot be read or have decimal commas, and for those with fewer than 8
+  /// levels or no valid one.
   std::optional<std::uint64_t> levels = {};
 };
 

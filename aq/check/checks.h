@@ -14,8 +14,9 @@ struct FileOf {
   const std::string& path;
 };
 
-// The checks for each format. They may throw `ReadFailure`, `platform::SystemError` or `Error` if a
-// file changes during the check or a recording cannot be used.
+// The checks for each format. They and the comparisons below may throw `ReadFailure`,
+// `platform::SystemError` or `Error` if a file changes during the check, if a recording cannot be
+// used, or if there are more than 32767 records to compare.
 void check(FileOf<AQ_DataSTH> file, const Reporter& report);
 void check(FileOf<AQ_DataSSR> file, const Reporter& report);
 void check(FileOf<AQ_DataTSPI> of, const Reporter& report);

@@ -13,7 +13,7 @@ namespace aq {
 
 /// Counts the decimals of the numbers in one or more columns. Trailing zeros show that the file was
 /// written with a fixed number of decimals, so a number with fewer has lost digits. Ignores a plain
-/// 0 and a plain 9999, which mean no value.
+/// 0 and a plain 9999, which are often placeholders.
 class Decimals {
  public:
   void see(std::string_view field, const FindingPlace& place);

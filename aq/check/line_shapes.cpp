@@ -94,8 +94,8 @@ void LineShapes::report(const std::string& path, const Reporter& report) const {
   for (const Decimals& decimals : decimals_) decimals.report(told, report);
 }
 
-/// Reports each line with extra fields. Lines whose extra fields are all empty, as spreadsheets add
-/// them, share one finding.
+/// Reports each line with extra fields. Lines with only empty extra fields, such as spreadsheets
+/// add, share one finding.
 void LineShapes::reportExtra(const std::string& path, const Reporter& report) const {
   LineReader lines(path);
   std::size_t empty = 0;

@@ -36,7 +36,8 @@ class LineShapes {
   /// Takes the next data line.
   void see(const LineReader& lines);
 
-  /// Whether numbers were split at their decimal commas, which makes every value wrong.
+  /// Whether most lines seem to have numbers that were split at their decimal commas, which makes
+  /// every value wrong.
   [[nodiscard]] bool decimalCommas() const;
 
   /// Reports irregular shapes; if there are decimal commas, nothing but these.

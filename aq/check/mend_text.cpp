@@ -227,7 +227,7 @@ class TextMender {
     });
   }
 
-  /// The line with commas between its fields, and points in its numbers.
+  /// The line with commas between its fields, and with decimal points in its numbers and times.
   [[nodiscard]] std::string separated(std::string_view line) const {
     bool quoted = false;
     std::string field;

@@ -75,6 +75,8 @@ class Reporter {
 
   /// `head` is the start of the file, which may show the cause of a failure.
   void fileBegins(std::string head) { head_ = std::move(head); }
+  /// Reports a failed read, or the damage that seems to have caused it. Damage that the head shows
+  /// also replaces the findings so far.
   void unreadable(const FileFailure& failure) const;
 
   /// Keeps the digest of a history's levels, for comparison with other histories.
