@@ -91,10 +91,8 @@ void checkParameterWord(const HeaderLine& line, const Reporter& report) {
 
 /// Reports nothing for a history that cannot be read.
 void checkFitOf(const std::string& historyPath, const AQ_MaskMap& map, const Reporter& report) {
-  AQ_DataSTH file;
-  Content<AQ_HeaderSTH, AQ_SpectralTimeHistory> read;
-  if (readContent(file, historyPath, read) != AQ_DATA_OK) return;
-  checkMapFit(*read.model, platform::fileName(historyPath), map, report);
+  const auto read = historyIn(historyPath);
+  if (read.model) checkMapFit(*read.model, platform::fileName(historyPath), map, report);
 }
 
 void checkParameters(const AQ_DataINI& file, const Reporter& report) {

@@ -1,6 +1,7 @@
 #include "aq/check/checks.h"
 #include "aq/check/header_check.h"
 #include "aq/check/record_lines.h"
+#include "aq/detail/pointers.h"
 #include "aq/masking/last_good_band.h"
 #include "aq/text/checked_keywords.h"
 #include "aq/text/fields.h"
@@ -56,7 +57,7 @@ void compareRecords(const AQ_SpectralTimeHistory& history, const AQ_MaskMap& map
     }
     const auto row = map.Row(record);
     const auto spectrum = history.spectrum(record);
-    if (!spectrum->Encompasses(*row)) {
+    if (!orThrow(spectrum).Encompasses(orThrow(row))) {
       report(Kind::MapMisfit, place,
              "the map's bands " + std::to_string(row->LowBand()) + " to " +
                  std::to_string(row->HighBand()) + " are not all among the history's " +

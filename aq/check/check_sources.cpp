@@ -54,9 +54,8 @@ void checkMicrophoneOf(const std::string& source, const GeometryRead& read,
 
 void checkHistoryOf(const std::string& source, const GeometryRead& read, const Reporter& report) {
   constexpr double kNear = 0.0201;  // s; both times may be rounded to hundredths
-  AQ_DataSTH file;
-  Content<AQ_HeaderSTH, AQ_SpectralTimeHistory> found;
-  if (readContent(file, source, found) != AQ_DATA_OK) return;
+  const auto found = historyIn(source);
+  if (!found.model) return;
   const std::string& microphone = found.header->sMicrophoneID;
   const std::string& own = read.header->MicrophoneID;
   if (!microphone.empty() && !own.empty() && upperCased(microphone) != upperCased(own)) {

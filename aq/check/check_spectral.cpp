@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <concepts>
 #include <cstddef>
 #include <limits>
 #include <set>
@@ -191,8 +192,9 @@ class Digest {
 /// The first level column is that of `low`. Returns the hash of the levels.
 template <class Records>
 Digest checkAllLevels(const Records& records, const AQ_SpectralTimeHistory& history,
-                      std::int16_t low, const Reporter& report) {
+                      std::int16_t low, const Reporter& report, double recordLength = 0.5) {
   constexpr std::size_t kFirst = kBeforeLevels + 1;
+  constexpr double kLongest = 1;  // s; in longer records the sound may change as much as in a jump
   StuckRecords stuck(report);
   Digest digest;
   LevelJumps jumps(low, kFirst, report);
@@ -202,6 +204,7 @@ Digest checkAllLevels(const Records& records, const AQ_SpectralTimeHistory& hist
     std::vector<double> levels = levelsOf(spectrum);
     digest.see(levels);
     stuck.see(record, line, levels);
+    if (recordLength > kLongest) return;
     jumps.see(record, line, spectrum.LowBand(), std::move(levels));
   });
   stuck.finish();
@@ -225,6 +228,19 @@ struct FixedRecords {
 
 }  // namespace
 
+Content<AQ_HeaderSTH, AQ_SpectralTimeHistory> historyIn(const std::string& path) {
+  const FileKind kind = kindOfFile(path);
+  Content<AQ_HeaderSTH, AQ_SpectralTimeHistory> read;
+  forFormats([&]<class File, class Header, class Model>(const Format<File, Header, Model>& format) {
+    if constexpr (std::same_as<Model, AQ_SpectralTimeHistory>) {
+      if (format.kind != kind) return;
+      File file;
+      if (readContent(file, path, read) != AQ_DATA_OK) read = {};
+    }
+  });
+  return read;
+}
+
 void check(FileOf<AQ_DataSPC> of, const Reporter& report) {
   AQ_DataSPC file;
   std::size_t headings = 0;
@@ -241,7 +257,7 @@ void check(FileOf<AQ_DataSPC> of, const Reporter& report) {
       report, file.RecordLength());
   checkRelativeTimes(records, history, offInTime, report);
   // No digest: a fixed-column file is usually a copy, with the same levels as its source.
-  static_cast<void>(checkAllLevels(records, history, file.BandLow(), report));
+  static_cast<void>(checkAllLevels(records, history, file.BandLow(), report, file.RecordLength()));
 }
 
 void check(FileOf<AQ_DataSTH> file, const Reporter& report) {

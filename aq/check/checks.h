@@ -35,6 +35,9 @@ Content<AQ_HeaderPTH, AQ_PositionTimeHistory> check(FileOf<AQ_DataPTH> file,
 Content<AQ_HeaderGTH, AQ_GeometryTimeHistory> check(FileOf<AQ_DataGTH> file,
                                                     const Reporter& report);
 
+/// The history in a file of any format; empty if there is none or it cannot be read.
+Content<AQ_HeaderSTH, AQ_SpectralTimeHistory> historyIn(const std::string& path);
+
 /// Compare positions and geometry with their source files, if these are in the same folder.
 void checkSources(const Content<AQ_HeaderPTH, AQ_PositionTimeHistory>& read,
                   const std::string& path, const Reporter& report);

@@ -14,12 +14,12 @@
 namespace aq {
 namespace {
 
-/// The expected labels, followed by `after`; empty if a band has no label.
-std::string expectedLabels(std::int16_t low, std::int16_t high, std::string_view after) {
+/// The expected labels; empty if a band has no label.
+std::string expectedLabels(std::int16_t low, std::int16_t high) {
   try {
     std::string labels;
     appendBandLabels(labels, low, high);
-    return labels.append(after);
+    return labels;
   } catch (const Error&) {
     return {};
   }
@@ -154,9 +154,8 @@ void HeaderCheck::expectHeadings(std::string_view headings) const {
   }
 }
 
-void HeaderCheck::expectLabels(std::size_t first, std::int16_t low, std::int16_t high,
-                               std::string_view after) const {
-  const std::string labels = expectedLabels(low, high, after);
+void HeaderCheck::expectLabels(std::size_t first, std::int16_t low, std::int16_t high) const {
+  const std::string labels = expectedLabels(low, high);
   if (labels.empty()) return;
   FieldReader found(headings_, lines_);
   std::vector<std::string_view> expected;

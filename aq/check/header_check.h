@@ -83,10 +83,8 @@ class HeaderCheck {
   /// Compares the file's headings with `headings` one by one, ignoring case.
   void expectHeadings(std::string_view headings) const;
 
-  /// Compares the headings from field `first` on with the labels of the bands followed by
-  /// `after`.
-  void expectLabels(std::size_t first, std::int16_t low, std::int16_t high,
-                    std::string_view after = {}) const;
+  /// Compares the headings from field `first` on with the labels of the bands.
+  void expectLabels(std::size_t first, std::int16_t low, std::int16_t high) const;
 
  private:
   struct Entry {

@@ -59,6 +59,7 @@ void LineShapes::see(const LineReader& lines) {
   seeDecimals(lines);
   if (last_.fields <= columns_.fields) return;
   ++extended_;
+  if (columns_.numbers == 0) return;
   const std::string_view held = withoutEmptyEnd(lines.line());
   const std::size_t most = columns_.fields + std::max<std::size_t>(1, columns_.numbers / 2);
   if (fieldsIn(held) >= most && afterTwoFields(held).find('.') == held.npos) ++divided_;

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <set>
 
+#include "tests/support/errors.h"
 #include "tests/support/files.h"
 
 namespace aq {
@@ -188,6 +189,12 @@ TEST(Check, OneChangeIsFoundWhereItWasMade) {
   };
   EXPECT_EQ(ofData('.', ","), Found{"22:0 decimal-comma"});
   EXPECT_EQ(ofData('\n', ",,\n"), Found{"22:28 extra-fields"});
+  std::string remarks = test::contentOf(kSamples / kMap);
+  for (std::size_t at = remarks.find("\n1,"); (at = remarks.find('\n', at + 1)) != remarks.npos;) {
+    remarks.insert(at, ",remark");
+    at += 7;
+  }
+  EXPECT_EQ(findingsIn(folder.with(kMap, remarks)).size(), 60U);  // an extra field in every row
   EXPECT_EQ(all(history, '\n', "\r"), Found{"1:0 line-ends"});
   EXPECT_EQ(all(history, '\n', "\r\n"), Found());
   EXPECT_EQ(all(history, ',', ";"), Found{"1:0 spreadsheet"});
@@ -292,6 +299,27 @@ TEST(Check, GapsBetweenBandsAreNoJumps) {
     line = text.find('\n', line) + 1;
   }
   EXPECT_EQ(findingsIn(folder.with("x.spc", text)), std::vector<std::string>());
+}
+
+TEST(Check, LongRecordsHaveNoJumps) {
+  const test::Folder folder;
+  AQ_DataSTH source;
+  Content<AQ_HeaderSTH, AQ_SpectralTimeHistory> read;
+  static_cast<void>(readContent(source, (kSamples / kHistory).string(), read));
+  read.model->spectrum(2)->SPL(21, 2.91);
+  for (const double length : {0.5, 30.0}) {
+    AQ_Time start;
+    for (const auto& [record, spectrum] : *read.model)
+      spectrum->Time()->TODseconds(record * length);
+    read.model->ReferenceTime(std::make_shared<AQ_Time>(start));
+    for (const auto& [record, spectrum] : *read.model) spectrum->Time()->setRelTime(start);
+    AQ_DataSPC file;
+    file.setHeader(read.header);
+    file.RecordLength(length);
+    ASSERT_EQ(file.writeFile(folder.file("x.spc"), *read.model), AQ_DATA_OK);
+    const auto found = findingsIn(folder.file("x.spc"));
+    EXPECT_EQ(found.size(), length < 1 ? 1U : 0U) << length;
+  }
 }
 
 const char* const kTrack = "fly-over.tspi.csv";
@@ -410,6 +438,17 @@ TEST(Check, AMapThatDoesNotFitItsHistory) {
   for (int record = 61; record <= 32767; ++record) many += std::to_string(record) + row;
   many += "0" + row;
   EXPECT_EQ(misfits(many), Found{"0:0 unreadable"});  // one record more than can be counted
+  AQ_DataSTH source;
+  Content<AQ_HeaderSTH, AQ_SpectralTimeHistory> read;
+  static_cast<void>(readContent(source, folder.with("history", text), read));
+  AQ_DataSPC columns;
+  columns.NumberLastRecord(59);
+  ASSERT_EQ(columns.writeFile(folder.file("history"), *read.model), AQ_DATA_OK);
+  EXPECT_EQ(misfits(test::contentOf(folder.file("history"))),
+            (Found{"0:0 map-misfit", "0:0 map-misfit r60"}));
+  AQ_MaskMap rows;
+  rows.Row(1, nullptr);
+  EXPECT_ERROR(checkFit(*read.model, "history", rows, [](const Finding&) {}), ObjectNotSet);
 }
 
 TEST(Check, KindsHaveUniqueNames) {
