@@ -102,8 +102,8 @@ std::optional<std::string> DecimalCommas::frontOf(std::span<const std::string_vi
   return std::string(fields[0]) + ',' + ways.front().first + ',' + ways.front().second;
 }
 
-/// Whether a time of day and a relative time can be read and, if the reference time is known, fit
-/// each other.
+/// Whether a time of day and a relative time can be read and, if the reference time is known, are
+/// consistent.
 bool DecimalCommas::fits(const std::string& time, const std::string& relative) const {
   try {
     AQ_Time clock;

@@ -9,8 +9,9 @@
 namespace aq {
 
 /// Replaces decimal commas with points in the data lines of a history, where commas also separate
-/// fields. Levels always have two decimals. The number of fields shows which of the time and the
-/// relative time have decimals; if that leaves two possibilities, the reference time decides.
+/// fields. Levels always have two decimals. The number of fields shows whether the time, the
+/// relative time, both or neither have decimals; if that leaves two possibilities, the reference
+/// time decides.
 class DecimalCommas {
  public:
   /// Takes the bands and the reference time from the header lines.

@@ -21,7 +21,7 @@ void Decimals::see(std::string_view field, const FindingPlace& place) {
 }
 
 void Decimals::report(const FindingPlace& told, const Reporter& report) const {
-  constexpr std::size_t kMany = 20;  // one value in this many, or just one, may have lost digits
+  constexpr std::size_t kMany = 20;  // one value in this many may have lost digits, or a single one
   constexpr std::size_t kEnough = 8;
   const auto usual = std::max_element(
       seen_.begin(), seen_.end(),

@@ -60,7 +60,7 @@ constexpr FindingKind kKinds[] = {
     {"time-gap", kNote, "no positions for an unusually long time"},
     {"level-invalid", kNote, "a level is 9999, which means not valid"},
     {"fix-rejected", kNote, "the quality figure of a fix is above the usual limit"},
-    {"table", kNote, "a table made from measurements, which is not checked"},
+    {"table", kNote, "a table made from measurements; not checked"},
 };
 static_assert(std::size(kKinds) == static_cast<std::size_t>(Kind::Table) + 1);
 

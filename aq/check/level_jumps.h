@@ -14,8 +14,8 @@ inline constexpr double kLowestLevel = -20;
 inline constexpr double kHighestLevel = 200;
 
 /// Finds single levels that are far from those of the records before and after. No sound drops by
-/// more than 20 dB in one band for just half a second; a rise must exceed 40 dB, since a bird may
-/// sing.
+/// more than 20 dB in one band for just half a second; a rise is reported only above 40 dB, since
+/// it may be birdsong.
 class LevelJumps {
  public:
   /// `firstField` is the field of band `low`.

@@ -67,8 +67,8 @@ class TextMender {
     mendReturns();
     mendLines();
     if (!faultAtStart()) return std::move(mended_);
-    // Without its quotes or byte order mark, the text begins like UTF-16 or a compressed file,
-    // which no program writes.
+    // With its quotes or byte order mark removed, the text begins like UTF-16 or a compressed file;
+    // no program writes such a file.
     mended_.text = bytes_;
     mended_.done.resize(doneBefore_);
     mended_.left.clear();

@@ -24,7 +24,7 @@ class RecordLines {
   RecordLines(const std::string& path, const HeaderCheck& header, const DataColumns& columns,
               const Reporter& report);
 
-  /// False if decimal commas made every value wrong; no records are listed then.
+  /// False if decimal commas made every value wrong; then no records are listed.
   [[nodiscard]] bool readable() const { return readable_; }
 
   /// The number of data lines.

@@ -78,7 +78,7 @@ std::shared_ptr<FileInformation> fileInformation() {
 
 std::shared_ptr<FileInformation> keepingFileInformation() {
   auto used = fileInformation();
-  // A host that installs the result before each write must not build an ever longer chain.
+  // Otherwise a host that installs the result before each write would build an ever-longer chain.
   if (dynamic_cast<KeepingFileInformation*>(used.get()) != nullptr) return used;
   return std::make_shared<KeepingFileInformation>(std::move(used));
 }

@@ -38,7 +38,7 @@ constexpr mode_t kNewFile = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_
 constexpr mode_t kOwnFile = S_IRUSR | S_IWUSR;
 constexpr mode_t kPermissions = S_ISUID | S_ISGID | S_ISVTX | S_IRWXU | S_IRWXG | S_IRWXO;
 
-/// Retries a call as long as a signal interrupts it.
+/// Retries a call until no signal interrupts it.
 template <class Call>
 auto uninterrupted(const Call& call) {
   for (;;) {
@@ -94,9 +94,9 @@ class OutputFile {
     return status;
   }
 
-  /// Gives the file the owner and permissions of another one. If the system does not allow setting
-  /// the owner, the writer stays the owner and the set-ID bits are dropped; so are the permissions
-  /// of the group if it cannot be set either.
+  /// Gives the file the same owner and permissions as another file. If the system does not allow
+  /// setting the owner, the writer stays the owner and the set-ID bits are dropped; if the group
+  /// cannot be set either, so are its permissions.
   void takeAfter(const struct stat& other) const {
     constexpr auto kKeptOwner = static_cast<uid_t>(-1);
     const struct stat own = status();
@@ -245,7 +245,7 @@ bool sameFile(const std::optional<struct stat>& one, const struct stat& other) {
   return one && one->st_dev == other.st_dev && one->st_ino == other.st_ino;
 }
 
-/// Appends to a file; after a failure, a regular file has its previous length again.
+/// Appends to a file; after a failure, truncates a regular file to its previous length.
 void appendTo(const OutputFile& file, const std::string& path, const struct stat& before,
               std::string_view bytes) {
   try {

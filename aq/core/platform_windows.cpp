@@ -418,7 +418,7 @@ LONGLONG seek(const Handle& file, LONGLONG place, DWORD from) {
   return at.QuadPart;
 }
 
-/// Appends to a file; after a failure, the file has its previous length again.
+/// Appends to a file; after a failure, truncates it to its previous length.
 void appendTo(const Handle& file, std::string_view bytes) {
   const Lock lock(file);
   const LONGLONG before = seek(file, 0, FILE_END);
