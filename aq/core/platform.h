@@ -55,7 +55,7 @@ class AQ_API InputFile {
 /// Replaces the content of a file with `bytes`, completely or not at all: writes a temporary file
 /// in the same folder, flushes it to the disk and renames it. Keeps permissions. Follows symbolic
 /// links, which remain; other hard links keep the old content. A file that is not regular, such as
-/// a pipe, or that is named as an open one, such as /dev/stdout, is written directly. Throws
+/// a pipe, or whose name refers to an open file, such as /dev/stdout, is written directly. Throws
 /// `SystemError` on failure; a file that is not written directly is then unchanged.
 AQ_API void replaceFile(const std::string& path, std::string_view bytes);
 
@@ -68,10 +68,10 @@ inline constexpr std::size_t kLargePage = std::size_t{2} * 1024 * 1024;
 
 /// Asks for large pages for memory that has not been touched yet: the system provides them in a
 /// tenth of the time that small pages take. `memory` and `size` are multiples of a large page. Has
-/// no effect where they are not available.
+/// no effect where large pages are not available.
 AQ_API void preferLargePages(void* memory, std::size_t size);
 
-/// The names of the files in a folder, including links to files but no folders, in no particular
+/// The names of the files in a folder, including links to files but not folders, in no particular
 /// order. Throws `SystemError` on failure.
 [[nodiscard]] AQ_API std::vector<std::string> filesIn(const std::string& folder);
 

@@ -37,7 +37,7 @@ struct Reason {
   const char* text;
 };
 
-// Errors that other systems report too have the same words as on those systems.
+// Errors that other systems also report are worded as they are there.
 constexpr std::array kReasons{
     Reason{ERROR_FILE_NOT_FOUND, "No such file or directory"},
     Reason{ERROR_PATH_NOT_FOUND, "No such file or directory"},
@@ -223,8 +223,8 @@ Handle open(const std::wstring& path, const Opening& how, const char* wanted) {
   return handle;
 }
 
-/// A duplicate of the handle of a standard stream if `path` names one as other systems do, for
-/// example /dev/stdout; otherwise null.
+/// A duplicate of a standard stream's handle if `path` names the stream the way other systems do,
+/// for example /dev/stdout; otherwise null.
 Handle standardStream(const std::string& path) {
   DWORD stream = 0;
   if (path == "/dev/stdin") stream = STD_INPUT_HANDLE;
@@ -241,7 +241,7 @@ Handle standardStream(const std::string& path) {
 }
 
 void write(const Handle& file, std::string_view bytes) {
-  constexpr std::size_t kMost = std::size_t{16} * 1024 * 1024;  // the limit of network drives
+  constexpr std::size_t kMost = std::size_t{16} * 1024 * 1024;  // the limit for network drives
   while (!bytes.empty()) {
     const auto size = static_cast<DWORD>(std::min(bytes.size(), kMost));
     DWORD written = 0;

@@ -17,8 +17,8 @@ inline constexpr std::int32_t kSecondsPerDay = 86400;
 /// times start at zero. A failure leaves the object unchanged.
 class AQ_API AQ_Time {
  public:
-  /// A new time with the same values, except that a time of day above 86400 s is wrapped, with the
-  /// date one day later.
+  /// A new time with the same values, except that a time of day above 86400 s is wrapped and the
+  /// date advanced by one day.
   [[nodiscard]] std::shared_ptr<AQ_Time> Copy() const;
 
   /// Seconds relative to a reference time. Throws `TypeMismatch` for a value that is not a number.
@@ -26,7 +26,7 @@ class AQ_API AQ_Time {
   void RelSeconds(const Variant& seconds) { relativeSeconds_ = seconds.toDouble(); }
 
   /// Sets the relative seconds to the time since `reference`, including the days between the two
-  /// dates. Of each date only the calendar day matters, with the century derived from the last two
+  /// dates. Only the calendar day of each date matters, with the century derived from the last two
   /// digits of its year (30 to 99 are 1930 to 1999, 00 to 29 are 2000 to 2029). Throws `Overflow`
   /// if the days in between, in seconds, do not fit in 32 bits.
   void setRelTime(const AQ_Time& reference);
@@ -38,16 +38,16 @@ class AQ_API AQ_Time {
   void TODseconds(const Variant& seconds);
 
   /// Sets the time of day from three numbers, each first rounded to single precision. Does not
-  /// check the range, and keeps the date. Throws like `TODseconds`, and `Overflow` for a number too
-  /// large for single precision.
+  /// check the range, and keeps the date. Throws what `TODseconds` throws, and `Overflow` for a
+  /// number too large for single precision.
   void TODnumbers(const Variant& Hours, const Variant& Minutes, const Variant& Seconds);
 
-  /// The time of day as text: `hh:mm:ss`, then the fraction left when the seconds after midnight
-  /// are rounded to 7 significant digits (12:34:56.5). 24 hours are written as 00. Getting it
-  /// throws `InvalidValue` for times below 0 s and from 90000 s up. Setting it takes three numbers
-  /// separated by colons. A "PM" anywhere in the text adds 12 hours (12:30:00 PM gives 24.5 hours);
-  /// with an "AM", 12 hours become 0. Throws `InvalidArgument` for fewer than two colons,
-  /// `Overflow` for a number too large for single precision.
+  /// The time of day as text: `hh:mm:ss`, then the fraction left when the seconds after midnight, in
+  /// single precision, are rounded to 7 significant digits (12:34:56.5). 24 hours are written as
+  /// 00. Getting it throws `InvalidValue` for times below 0 s or of 90000 s or more. Setting it
+  /// takes three numbers separated by colons. A "PM" anywhere in the text adds 12 hours (12:30:00
+  /// PM gives 24.5 hours); with an "AM", 12 hours become 0. Throws `InvalidArgument` for fewer than
+  /// two colons, `Overflow` for a number too large for single precision.
   [[nodiscard]] std::string TODstring() const;
   void TODstring(std::string_view text);
 

@@ -23,8 +23,9 @@ concept Number = std::integral<I> && !std::same_as<I, bool> && !std::same_as<I, 
                  !std::same_as<I, wchar_t> && !std::same_as<I, char8_t> &&
                  !std::same_as<I, char16_t> && !std::same_as<I, char32_t>;
 
-/// A number, a boolean, text, a date or an object. It keeps the type that it was given, except as
-/// the constructors say. An empty variant is neither a number nor text; converting it throws.
+/// A number, a boolean, text, a date or an object. It keeps the type that it was given, except
+/// where the constructors say otherwise. An empty variant is neither a number nor text; converting
+/// it throws.
 class AQ_API Variant {
  public:
   enum class Type { Empty, Int16, Int32, Single, Double, Boolean, String, Date, Object };

@@ -101,7 +101,7 @@ constexpr Told<Parts...> about(std::string_view text, Parts... parts) {
 // The kinds of member.
 
 /// Read by `get` and set by `set`; read-only if `set` is `nullptr`. For an object, a
-/// non-const getter creates it if there is none, and the setter shares it.
+/// non-const getter creates one if there is none, and the setter shares the one it is given.
 template <class Get, class Set>
 struct Property {
   const char* name;
@@ -346,7 +346,7 @@ class Members {
                     const Given&... parameters) {
     saysItsUnit<Result, Parts...>();
     static_assert(sizeof...(Arguments) == sizeof...(Given),
-                  "the number of parameters differs from that of the call");
+                  "the description and the call have different numbers of parameters");
     (fits<Arguments>(parameters), ...);
     return take(
         Function<decltype(call), sizeof...(Given)>{name, call, {Parameter(parameters)...}, told});

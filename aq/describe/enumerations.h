@@ -155,7 +155,7 @@ struct Description<AQ_METRIC_INTEG_VALUE> {
 template <>
 struct Description<AQ_METRIC_TYPE> {
   static constexpr char name[] = "AQ_METRIC_TYPE";
-  static constexpr char text[] = "The kinds of metric of a record";
+  static constexpr char text[] = "The kinds of metric that a record has";
   template <class To>
   static void members(To& to) {
     to.member("AQ_METRIC_AWT", AQ_METRIC_AWT, "A-weighted level, dB")

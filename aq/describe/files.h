@@ -35,13 +35,12 @@ struct Description<FileKind> {
   template <class To>
   static void members(To& to) {
     to.member("SpectralTimeHistory", FileKind::SpectralTimeHistory,
-              "Levels of the records of a measurement")
+              "Levels of a measurement's records")
         .member("PositionTimeHistory", FileKind::PositionTimeHistory, "Positions of a source")
         .member("MicrophonePosition", FileKind::MicrophonePosition, "The position of a microphone")
         .member("GeometricTimeHistory", FileKind::GeometricTimeHistory,
-                "Emission geometry of the records of a measurement")
-        .member("MaskingMap", FileKind::MaskingMap,
-                "Masking decisions for the records of a measurement")
+                "Emission geometry of a measurement's records")
+        .member("MaskingMap", FileKind::MaskingMap, "Masking decisions for a measurement's records")
         .member("VariableInitialization", FileKind::VariableInitialization,
                 "Processing parameters of an analysis")
         .member("SpectrumRecord", FileKind::SpectrumRecord,
@@ -49,7 +48,7 @@ struct Description<FileKind> {
         .member("Tracking", FileKind::Tracking, "Position fixes from a tracking system")
         .member("Unknown", FileKind::Unknown, "Another kind of file, or one that cannot be read")
         .member("FixedColumnHistory", FileKind::FixedColumnHistory,
-                "Levels of the records of a measurement in fixed columns")
+                "Levels of a measurement's records, in fixed columns")
         .member("AnalyzerRecording", FileKind::AnalyzerRecording, "An analyzer recording");
   }
 };
@@ -238,7 +237,7 @@ struct Description<AQ_DataASCII> {
             "CommentFields", &F::CommentFields,
             "Whether fields may be in double quotes, with delimiters inside; set Delimiter first. "
             "If true, appendFields quotes every field",
-            in("quoted", "True if they may; initially false"))
+            in("quoted", "True if fields may be in quotes; initially false"))
         .lastFailure();
   }
 };

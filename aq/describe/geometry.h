@@ -148,7 +148,7 @@ struct Description<AQ_EmtRcvRecord> {
   static constexpr char name[] = "AQ_EmtRcvRecord";
   static constexpr int number = 36;
   static constexpr char text[] =
-      "One pair of emission and reception: where the aircraft was when it emitted the sound that "
+      "One emission and reception pair: where the aircraft was when it emitted the sound that "
       "the microphone received later";
   template <class To>
   static void members(To& to) {

@@ -164,8 +164,8 @@ struct Description<NoiseFunctions> {
                 "consecutive records have the same time stamp or a level is too high for a metric"),
             history, map)
         .function("auditMetrics", &auditMetrics,
-                  about("Every stored metric that differs from the computed one; raises like "
-                        "setMetrics, and for a tolerance that is negative or NaN"),
+                  about("Every stored metric that differs from the computed one; raises as "
+                        "setMetrics does, and for a tolerance that is negative or NaN"),
                   history, map,
                   in("tolerance",
                      "Levels and tone corrections differ if they are further apart than this",
@@ -175,14 +175,15 @@ struct Description<NoiseFunctions> {
                         "finite and above -273.15 degrees Celsius",
                         Quantity{"m/s", 0}),
                   kAir)
-        .function("emissionGeometry", &emissionGeometry,
-                  about("Where and when each record's sound was emitted, in metres, degrees and "
-                        "seconds; no point if that was outside the times of the positions. Raises "
-                        "like speedOfSound, and for a position earlier than the previous one or a "
-                        "coordinate that is not finite"),
-                  in("positions", "The source's positions, in metres"),
-                  in("microphone", "The microphone's position, in metres"),
-                  in("records", "The measured records"), kAir);
+        .function(
+            "emissionGeometry", &emissionGeometry,
+            about("Where and when each record's sound was emitted, in metres, degrees and "
+                  "seconds; no point if that was outside the times of the positions. Raises "
+                  "as speedOfSound does, and for a position earlier than the previous one or a "
+                  "coordinate that is not finite"),
+            in("positions", "The source's positions, in metres"),
+            in("microphone", "The microphone's position, in metres"),
+            in("records", "The measured records"), kAir);
   }
 };
 

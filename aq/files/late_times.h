@@ -5,11 +5,11 @@
 #include "aq/geometry/position_time_history.h"
 #include "aq/spectral/spectral_time_history.h"
 
-// Writers round a time of day, as a number of seconds after midnight, to seven significant digits.
-// If that rounds its fraction up to a whole second, the text drops the fraction, as hosts expect:
-// 12:34:56.996 becomes 12:34:56, nearly a second early. Such a time is called late here. Call
-// `roundLateTimes` before writing a model: it rounds late times up to the whole second and leaves
-// the others unchanged.
+// Writers round a time of day, as seconds after midnight in single precision, to seven significant
+// digits. If that rounds the fraction up to a whole second, the text drops the fraction, as hosts
+// expect: 12:34:56.996 becomes 12:34:56, nearly a second early. Such a time is called late here.
+// Call `roundLateTimes` before writing a model: it rounds late times up to the whole second and
+// leaves the others unchanged.
 namespace aq {
 
 /// Whether the model has any late times; ignores null objects.

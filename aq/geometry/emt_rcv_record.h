@@ -9,7 +9,7 @@
 
 namespace aq {
 
-/// One pair of emission and reception: where the aircraft was when it emitted the sound that the
+/// One emission and reception pair: where the aircraft was when it emitted the sound that the
 /// microphone received later. Numbers are 0 until set.
 class AQ_EmtRcvRecord {
  public:

@@ -40,8 +40,8 @@ struct HistoryMetrics {
   std::optional<NoiseEvent> event;
 };
 
-/// The metrics that `setMetrics` stores, unrounded. Never changes the history. Throws like
-/// `setMetrics`.
+/// The metrics that `setMetrics` stores, unrounded. Never changes the history. Throws as
+/// `setMetrics` does.
 [[nodiscard]] AQ_API HistoryMetrics historyMetrics(const AQ_SpectralTimeHistory& history,
                                                    const AQ_MaskMap* map = nullptr);
 
@@ -53,7 +53,7 @@ struct HistoryEvent {
 };
 
 /// Computes only the event of `historyMetrics`, in less time: records that cannot belong to the
-/// event get no tone correction. Throws like `setMetrics`.
+/// event get no tone correction. Throws as `setMetrics` does.
 [[nodiscard]] AQ_API HistoryEvent historyEvent(const AQ_SpectralTimeHistory& history,
                                                const AQ_MaskMap* map = nullptr);
 

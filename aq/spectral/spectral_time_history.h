@@ -95,8 +95,8 @@ class AQ_API AQ_SpectralTimeHistory {
     if (aqBand) Band(nBand, *aqBand);
   }
 
-  /// Shares `ReferenceTime` and sets every record's time relative to it. Throws like
-  /// `setTimeStamps`.
+  /// Shares `ReferenceTime` and sets every record's time relative to it. Throws as
+  /// `setTimeStamps` does.
   void setRelTimes(const std::shared_ptr<AQ_Time>& ReferenceTime, AQ_RefTimeType RefType);
 
   /// The time of the first record. Created on first read; setting shares the caller's object.

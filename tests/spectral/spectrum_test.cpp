@@ -100,6 +100,21 @@ TEST(Metric, MissingValuesReadAsZeroAndAreCopiedSo) {
   EXPECT_EQ(copy->DWT(), 95.5F);
 }
 
+TEST(Metric, KeepsValuesUnderOtherNumbers) {
+  constexpr auto kOther = static_cast<AQ_METRIC_TYPE>(11);
+  AQ_Metric metric;
+  metric.MetricValue(static_cast<AQ_METRIC_TYPE>(0), 7);
+  for (const Variant& value : {Variant(1), Variant("x")}) {
+    metric.MetricValue(kOther, value);
+    EXPECT_EQ(metric.MetricValue(kOther), value);
+  }
+  EXPECT_FALSE(metric.Copy()->contains(kOther));
+  metric.remove(kOther);
+  EXPECT_FALSE(metric.contains(kOther));
+  EXPECT_EQ(metric.MetricValue(kOther), Variant(std::int16_t{0}));
+  EXPECT_EQ(metric.MetricValue(static_cast<AQ_METRIC_TYPE>(0)), Variant(7));
+}
+
 TEST(MetricSummary, OrderAndText) {
   AQ_MetricSummary summary;
   EXPECT_EQ(summary.MetricTypeString(), "");
