@@ -115,9 +115,9 @@ bool isUnwritten(std::string_view line) {
          std::count(kParameters.begin(), kParameters.end(), line.substr(0, line.find(' '))) != 0;
 }
 
-/// Whether two lines of values are equal to the precision that a file keeps: within half a hundredth plus
-/// a millionth of the value, for any number. Lines that the writer sets itself, parameters of 0 and
-/// times just before a full second, which lose their fraction, may differ.
+/// Whether two lines of values are equal to the precision that a file keeps: within half a
+/// hundredth plus a millionth of the value, for any number. Lines that the writer sets itself,
+/// parameters of 0 and times just before a full second, which lose their fraction, may differ.
 bool sameLine(const std::string& a, const std::string& b) {
   if (a == b || (isWritersOwn(a) && isWritersOwn(b))) return true;
   if (isUnwritten(a)) return true;

@@ -42,8 +42,8 @@ class AQ_API AQ_Time {
   /// number too large for single precision.
   void TODnumbers(const Variant& Hours, const Variant& Minutes, const Variant& Seconds);
 
-  /// The time of day as text: `hh:mm:ss`, then the fraction left when the seconds after midnight, in
-  /// single precision, are rounded to 7 significant digits (12:34:56.5). 24 hours are written as
+  /// The time of day as text: `hh:mm:ss`, then the fraction left when the seconds after midnight,
+  /// in single precision, are rounded to 7 significant digits (12:34:56.5). 24 hours are written as
   /// 00. Getting it throws `InvalidValue` for times below 0 s or of 90000 s or more. Setting it
   /// takes three numbers separated by colons. A "PM" anywhere in the text adds 12 hours (12:30:00
   /// PM gives 24.5 hours); with an "AM", 12 hours become 0. Throws `InvalidArgument` for fewer than

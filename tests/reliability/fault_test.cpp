@@ -1,7 +1,7 @@
 // Makes each system call and allocation fail in turn, in every format. Each run must end with a
 // clean error or the right result, and leave the old file or the new one, but no temporary or open
-// file. A process killed at a system call must leave the old content or the new; after an append, it
-// may leave the old content and part of the new lines.
+// file. A process killed at a system call must leave the old content or the new; after an append,
+// it may leave the old content and part of the new lines.
 #include <aq/aq.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
