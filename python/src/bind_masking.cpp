@@ -67,7 +67,7 @@ std::shared_ptr<AQ_MaskRow> rowFrom(const Numbers& modes, const Numbers& adjustm
   return row;
 }
 
-/// Codes of modes or adjustments. Accepts NaN for no decision, as pandas leaves it when it aligns
+/// Codes of modes or adjustments. Accepts NaN as no decision, since pandas inserts it when aligning
 /// frames, and the booleans of a comparison, with True for masked.
 Numbers codesFrom(const py::object& given) {
   const char* const wanted = "numbers in two dimensions, (records, bands)";

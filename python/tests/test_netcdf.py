@@ -19,7 +19,7 @@ UNITS = {"1", "s", "Hz", "m", "ft", "degree", "d"} | {
     "dB",
     "PNdB",
     "TPNdB",
-}  # the last three are units of acoustics, which UDUNITS lacks
+}  # the last three are acoustic units that UDUNITS lacks
 NAMES = {"sound_frequency", "sound_pressure_level_in_air"}
 TYPES = {"int8", "int16", "int32", "float32", "float64", "str"}
 

@@ -40,7 +40,7 @@ TEST(DataASCII, EveryBlockBoundaryReadsTheSame) {
   for (const std::size_t block : {65536U, 131072U}) {
     for (std::size_t ahead = block - 80; ahead <= block + 3; ++ahead) {
       const std::string first(ahead, 'x');
-      // Once the empty line is taken, the reader moves the rest down by one byte and reads on.
+      // After consuming the empty line, the reader moves the rest down by one byte and reads on.
       std::string bytes = '\n' + first + "\r\n";
       for (const std::string& line : lines) bytes += line + "\r\n";
       ASSERT_EQ(file.readLines(folder.with("in", bytes)), AQ_DATA_OK);

@@ -12,8 +12,8 @@ enum class Fault {
   Kill,          // the process ends at the call; does not apply to allocations
 };
 
-/// Applies the fault to the n-th call from now; -1 for no fault. Allocations count for a refusal
-/// only.
+/// Applies the fault to the n-th call from now; -1 for no fault. Allocations count only
+/// for a refusal.
 void arm(Fault fault, long nth);
 
 /// Cancels `arm`; returns whether the fault happened.

@@ -1,5 +1,5 @@
 // Tests writing on Windows: names, attributes, read-only and open files, and two appends at once.
-// Also tests running programs and the time of a file's last change.
+// Also tests running programs and file modification times.
 #include <aq/aq.h>
 #include <aq/core/platform.h>
 #include <gtest/gtest.h>

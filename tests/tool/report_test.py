@@ -1,6 +1,6 @@
 """Tests the pages of `aqdata report` in a browser: report_test.py PROGRAM PROJECT [SCREENSHOTS]
 
-Chromium runs without a window, driven by Debian's selenium. If a folder SCREENSHOTS is given, it
+Chromium runs headless, driven by Debian's selenium. If a folder SCREENSHOTS is given, it
 receives screenshots of the pages and PDF files of the printed pages.
 """
 
@@ -233,7 +233,7 @@ def check_zoom(browser):
 
 
 def check_values(browser, folder):
-    """The table of records shows the values that `aqdata metrics` prints."""
+    """The record table shows the values that `aqdata metrics` prints."""
     mask = str(folder / "fly-over.mask.csv")
     found = json.loads(run("metrics", "--json", "--mask", mask, str(folder / "fly-over.sth.csv")))
     rows = browser.js(
