@@ -198,8 +198,7 @@ TEST(DataSTH, LevelsOfAnyNumberTypeAreWritten) {
 TEST(DataSTH, TheNameMayBePartOfWhatTheCallReplaces) {
   const test::Folder folder;
   Read read(kGood);
-  const std::string path =
-      folder.file("a name too long to be kept in the string object itself");
+  const std::string path = folder.file("a name too long to be kept in the string object itself");
   ASSERT_EQ(read.file.writeFile(path, read.header, *read.history), AQ_DATA_OK);
   std::filesystem::copy_file(kFormat / "bad" / "level-empty.csv", path,
                              std::filesystem::copy_options::overwrite_existing);

@@ -159,7 +159,7 @@ TEST(Faults, BytesReachTheDiskBeforeTheName) {
     test::disarm();
     return test::callsMade();
   };
-  // Keeps only the calls whose order is guaranteed, and only one of several identical calls in a row.
+  // Keeps only the calls whose order is guaranteed, and one of several identical calls in a row.
   const auto orderOf = [&](auto&& work) {
     std::istringstream calls(callsOf(work));
     std::string order;
