@@ -72,7 +72,7 @@ void addThreads() {
   const auto history = makeHistory(400);
   for (int file = 0; file < kFiles; ++file) writeHistory(fileOf(file), *history);
   addPair(
-      "200 files of 400, two threads to one", [] { readEvery(1, 0); },
+      "200 files of 400 records, two threads to one", [] { readEvery(1, 0); },
       [] {
         std::thread other(readEvery, 2, 1);
         readEvery(2, 0);

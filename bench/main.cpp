@@ -1,8 +1,8 @@
 // Runs pairs of a plain loop and a library call, interleaved, and prints `name ratio median spread`
 // for each pair. The ratio is the median time of the library's call divided by that of the loop;
-// the median is that of the library's call in milliseconds; the spread is its standard deviation in
-// per cent of the median. The pairs for growth compare library calls with each other; the rows for
-// memory show a size in MiB instead.
+// the median is that of the library's call in milliseconds; the spread is its standard deviation as
+// a percentage of the median. The growth pairs compare library calls with each other; the memory
+// rows show a size in MiB instead.
 //
 //   aq_bench FOLDER [--json FILE] [Google Benchmark options]
 //
@@ -63,7 +63,7 @@ class Table : public benchmark::BenchmarkReporter {
     }
   }
 
-  /// A row for each pair of which both benchmarks have run.
+  /// A row for each pair whose benchmarks have both run.
   [[nodiscard]] nlohmann::ordered_json rows() const {
     auto rows = nlohmann::ordered_json::array();
     for (const auto& [name, scale] : pairs()) {

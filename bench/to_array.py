@@ -1,4 +1,4 @@
-"""Times reading a history of 32,767 records and 24 bands into an array, by the library and pandas.
+"""Times reading 32,767 records of 24 bands into an array, with the library and with pandas.
 
     PYTHONPATH=build/release/python /usr/bin/python3 bench/to_array.py
 """

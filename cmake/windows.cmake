@@ -1,4 +1,4 @@
-# Settings that both Windows toolchains share, 64-bit and 32-bit.
+# Settings shared by the 64-bit and 32-bit Windows toolchains.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR ${processor})
 set(CMAKE_C_COMPILER ${host}-gcc-posix)  # GoogleTest names C as well

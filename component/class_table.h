@@ -37,7 +37,7 @@ class Value : public VARIANT {
   Value& operator=(const Value&) = delete;
   ~Value() { VariantClear(this); }
 
-  /// Moves the value to `other`, without freeing what that held.
+  /// Moves the value to `other`, without freeing what `other` held.
   void release(VARIANT& other) {
     other = *this;
     VariantInit(this);

@@ -258,7 +258,8 @@ class Argument<std::span<const double>> {
   std::vector<double> numbers_;
 };
 
-/// An argument for a result: the host's variable keeps its value if the call returns no object.
+/// An argument that receives a result: the host's variable keeps its value if the call returns no
+/// object.
 template <class T>
 class Argument<std::shared_ptr<T>&> {
  public:

@@ -14,7 +14,7 @@ namespace aq::com {
 namespace {
 
 // The library objects that hosts currently hold, each with its host object. Keyed by address and
-// class, since a member may have the address of its owner.
+// class, since a member may have the same address as its owner.
 using Shown = std::map<std::pair<const void*, const ClassTable*>, Dispatch*>;
 std::mutex& shownMutex() {
   static auto* const mutex = new std::mutex;  // objects may outlive the DLL's cleanup

@@ -111,7 +111,7 @@ std::string lowerCase(std::string name) {
   return name;
 }
 
-/// A type library has one spelling of a name, ignoring case; a member's spelling takes precedence.
+/// A type library has only one spelling for each name, ignoring case; a member's takes precedence.
 std::string spelled(const std::string& name) {
   static const auto members = [] {
     std::map<std::string, std::string> found{{"key", "Key"}};  // as in hosts' own collections

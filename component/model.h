@@ -84,8 +84,8 @@ inline constexpr bool isCollection = false;
 template <class T>
 inline constexpr bool isCollection<Collection<T>> = true;
 
-/// Whether hosts can create objects of a class. Those of the classes named here come only from the
-/// library.
+/// Whether hosts can create objects of a class. Objects of the classes named here come only from
+/// the library.
 template <class C>
 inline constexpr bool isCreatable =
     !std::same_as<C, FileFailure> && !std::same_as<C, ToneStep> &&

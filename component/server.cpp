@@ -100,7 +100,7 @@ STDAPI DllUnregisterServer() {
   return aq::com::guarded([] { return aq::com::unregisterServer(aq::com::Scope::Machine); });
 }
 
-/// `regsvr32 /n /i:user` registers for the current user only, who need not be an administrator;
+/// `regsvr32 /n /i:user` registers only for the current user, who need not be an administrator;
 /// with `/u` as well, it unregisters.
 STDAPI DllInstall(BOOL installs, LPCWSTR forWhom) {
   using namespace aq::com;

@@ -294,7 +294,7 @@ void addTables(Tables& tables, describe::List<C...> /*classes*/) {
   (add.template operator()<C>(), ...);
 }
 
-// One function per source file, since each takes long to compile.
+// One function per source file, since each takes a long time to compile.
 void addModels(Tables& tables);
 void addCollections(Tables& tables);
 void addGeometry(Tables& tables);

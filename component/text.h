@@ -11,7 +11,7 @@ namespace aq::com {
 
 enum class TextKind {
   Plain,  ///< in the system's code page, as in files that hosts write
-  Name,   ///< file names and messages: UTF-8; other bytes are read in the code page
+  Name,   ///< file names and messages: UTF-8; other bytes are interpreted in the code page
 };
 
 /// Throws `InvalidArgument` for an unpaired surrogate and for a character that the code page lacks.

@@ -22,7 +22,7 @@ namespace aq::com {
 
 /// A host's value in the nearest type that a `Variant` has; for an object of another component, the
 /// value of its default member. Null becomes Empty. An array is a type mismatch, as is another
-/// component's object whose default member is missing or an object.
+/// component's object whose default member is missing or is itself an object.
 [[nodiscard]] Variant variantOf(const VARIANT& given, TextKind kind = TextKind::Plain);
 
 /// A value as text; Empty becomes an empty string.
@@ -55,7 +55,7 @@ class GivenArray {
   void* data_ = nullptr;
 };
 
-/// The entries of an array of one dimension, one row or one column, or of anything that For Each
+/// The entries of an array with one dimension, one row or one column, or of anything that For Each
 /// visits.
 [[nodiscard]] std::vector<Value> entriesOf(const VARIANT& given);
 

@@ -206,7 +206,7 @@ class Worker:
             symlinks=True,
             ignore=shutil.ignore_patterns(".git", "build", "__pycache__"),
         )
-        # FLAGS keep compiling quick, and reject a function that may end without returning a value.
+        # FLAGS keep compilation fast, and reject a function that may end without returning a value.
         self.run(
             [
                 "cmake",

@@ -13,7 +13,7 @@ namespace aq {
 [[nodiscard]] AQ_API std::string_view bandLabel(std::int16_t band);
 
 /// Appends the labels of bands `low` to `high`, separated by ",". Appends the label of `high` even
-/// if the range is empty. Throws as `bandLabel` does.
+/// if the range is empty. Throws in the same cases as `bandLabel`.
 AQ_API void appendBandLabels(std::string& line, std::int16_t low, std::int16_t high);
 
 }  // namespace aq

@@ -53,7 +53,7 @@ class Collection {
 
   [[nodiscard]] std::int32_t Count() const { return static_cast<std::int32_t>(slots_.size()); }
 
-  /// Throws as `Item` does.
+  /// Throws in the same cases as `Item`.
   void Remove(std::int32_t place) {
     const std::size_t slot = slots_.slotOf(place);
     Keys& keys = keys_.orCreate();

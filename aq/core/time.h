@@ -31,9 +31,9 @@ class AQ_API AQ_Time {
   /// if the days in between, in seconds, do not fit in 32 bits.
   void setRelTime(const AQ_Time& reference);
 
-  /// Seconds after midnight. A value above 86400 wraps into the day and advances the date by one
-  /// day, even when it spans several; 86400 and negative values are kept. Throws `TypeMismatch` for
-  /// a value that is not a number, `InvalidValue` for one that is not finite.
+  /// Seconds after midnight. A value above 86400 wraps around at midnight and advances the date by
+  /// one day, even if it spans several; 86400 and negative values are left as they are. Throws
+  /// `TypeMismatch` for a value that is not a number, `InvalidValue` for one that is not finite.
   [[nodiscard]] double TODseconds() const { return timeOfDay_; }
   void TODseconds(const Variant& seconds);
 

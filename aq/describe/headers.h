@@ -13,7 +13,7 @@
 namespace aq::describe {
 
 inline constexpr auto kFileType =
-    about("The title in the first line of the file; set by reading, ignored by writing");
+    about("The title in the first line of the file; set on reading, ignored on writing");
 inline constexpr auto kName =
     about("The file's name, written as the file information service names it", FileName{},
           Key{"file_name"});

@@ -164,8 +164,8 @@ struct Description<NoiseFunctions> {
                 "consecutive records have the same time stamp or a level is too high for a metric"),
             history, map)
         .function("auditMetrics", &auditMetrics,
-                  about("Every stored metric that differs from the computed one; raises as "
-                        "setMetrics does, and for a tolerance that is negative or NaN"),
+                  about("Every stored metric that differs from the computed one; raises in the "
+                        "same cases as setMetrics, and if the tolerance is negative or NaN"),
                   history, map,
                   in("tolerance",
                      "Levels and tone corrections differ if they are further apart than this",
@@ -179,8 +179,8 @@ struct Description<NoiseFunctions> {
             "emissionGeometry", &emissionGeometry,
             about("Where and when each record's sound was emitted, in metres, degrees and "
                   "seconds; no point if that was outside the times of the positions. Raises "
-                  "as speedOfSound does, and for a position earlier than the previous one or a "
-                  "coordinate that is not finite"),
+                  "in the same cases as speedOfSound, and for a position earlier than the previous "
+                  "one or a coordinate that is not finite"),
             in("positions", "The source's positions, in metres"),
             in("microphone", "The microphone's position, in metres"),
             in("records", "The measured records"), kAir);

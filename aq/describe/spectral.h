@@ -183,7 +183,7 @@ struct Description<AQ_SpectralTimeHistory> {
                  "record that is missing or for which the given object has no level")
         .method("setRelTimes", &H::setRelTimes,
                 "Stores the reference time, shared with the caller, and its type, and sets every "
-                "record's relative time; raises as setTimeStamps does",
+                "record's relative time; raises in the same cases as setTimeStamps",
                 in("ReferenceTime", "The reference time"),
                 in("RefType", "Which event the reference time marks"))
         .property("startTime", &H::startTime, &H::startTime, "The time of the first record")

@@ -90,7 +90,7 @@ class SharedBlocks {
       used_ = 0;
     }
     T* const object = &(*block_)[used_++];
-    // The last object of a block takes this reference to it, so that none is left here.
+    // The last object of a block takes this reference to it, so that no reference remains here.
     return used_ == kBlock ? std::shared_ptr<T>(std::move(block_), object)
                            : std::shared_ptr<T>(block_, object);
   }

@@ -8,8 +8,8 @@
 // Writers round a time of day, as seconds after midnight in single precision, to seven significant
 // digits. If that rounds the fraction up to a whole second, the text drops the fraction, as hosts
 // expect: 12:34:56.996 becomes 12:34:56, nearly a second early. Such a time is called late here.
-// Call `roundLateTimes` before writing a model: it rounds late times up to the whole second and
-// leaves the others unchanged.
+// Call `roundLateTimes` before writing a model: it rounds late times up to the next whole second
+// and leaves the others unchanged.
 namespace aq {
 
 /// Whether the model has any late times; ignores null objects.

@@ -22,8 +22,8 @@ struct MetricDifference {
 /// stored one is single: levels and corrections differ if they are more than `tolerance` dB apart,
 /// bands and flags if they are not equal. The result is sorted by record, then by metric. A stored
 /// 0 counts as equal to a missing value, since an unset metric reads as 0. Compares the last good
-/// band only if there is a map. Throws as `setMetrics` does, and `InvalidArgument` for a
-/// tolerance that is negative or NaN. Never changes the history.
+/// band only if there is a map. Throws in the same cases as `setMetrics`, and `InvalidArgument` for
+/// a tolerance that is negative or NaN. Never changes the history.
 [[nodiscard]] AQ_API std::vector<MetricDifference> auditMetrics(
     const AQ_SpectralTimeHistory& history, const AQ_MaskMap* map, double tolerance);
 

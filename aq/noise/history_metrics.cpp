@@ -25,7 +25,7 @@ const AQ_MaskRow* rowOf(const AQ_MaskMap* map, std::int16_t record) {
   return &orThrow(map->heldRow(record));
 }
 
-/// A record of a history; `Records` are in the order of record number.
+/// A record of a history; `Records` are in order of record number.
 struct Record {
   const AQ_Spectrum* spectrum;
   const AQ_MaskRow* masks;  // may be null

@@ -53,7 +53,7 @@ struct HistoryEvent {
 };
 
 /// Computes only the event of `historyMetrics`, in less time: records that cannot belong to the
-/// event get no tone correction. Throws as `setMetrics` does.
+/// event get no tone correction. Throws in the same cases as `setMetrics`.
 [[nodiscard]] AQ_API HistoryEvent historyEvent(const AQ_SpectralTimeHistory& history,
                                                const AQ_MaskMap* map = nullptr);
 

@@ -24,7 +24,8 @@ inline constexpr std::string_view kRecordSize = "recordSize";
 /// it fits on one line.
 [[nodiscard]] std::string quoted(std::string_view text);
 
-/// The number that `text` represents, which may be NaN or infinite. Throws as `doubleFrom` does.
+/// The number that `text` represents, which may be NaN or infinite. Throws in the same cases as
+/// `doubleFrom`.
 [[nodiscard]] double storedFrom(std::string_view text);
 
 /// The text that `quoted` turned into `value`; also accepts a value without quotes.

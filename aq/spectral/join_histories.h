@@ -18,8 +18,9 @@ namespace aq {
 
 /// Joins two pieces of one measurement: record numbers continue from `before`; stamps and relative
 /// times do not change. `fill` fills a gap with records whose levels are 9999 (not valid). Spectra
-/// are shared with the pieces; `Metrics()` lists nothing. Throws as `recordsMissing` does,
-/// `InvalidArgument` for a gap without `fill`, and `Overflow` if record numbers exceed 16 bits.
+/// are shared with the pieces; `Metrics()` lists nothing. Throws in the same cases as
+/// `recordsMissing`, `InvalidArgument` for a gap without `fill`, and `Overflow` if record numbers
+/// exceed 16 bits.
 [[nodiscard]] AQ_API std::shared_ptr<AQ_SpectralTimeHistory> joinHistories(
     AQ_SpectralTimeHistory& before, AQ_SpectralTimeHistory& after, bool fill);
 

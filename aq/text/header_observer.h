@@ -6,7 +6,7 @@
 
 namespace aq {
 
-/// A header line taken by a reader. Valid only during the call of the observer.
+/// A header line taken by a reader. Valid only during the call to the observer.
 struct HeaderLine {
   enum class Use {
     Keyword,   ///< its value is read

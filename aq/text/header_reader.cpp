@@ -130,9 +130,8 @@ void HeaderReader::takeValue(std::string_view keyword, std::size_t fields) {
            line.empty() ? "a blank line" : shown(line));
 }
 
-/// Takes the value of the line, between its first "**" and the next, without its first
-/// character, which is a comma in a well-formed line.
-/// False if there is no "**".
+/// Takes the line's value, the text between the line's first "**" and the next, without that text's
+/// first character, which is a comma in a well-formed line. False if there is no "**".
 bool HeaderReader::findValue() {
   value_ = {};
   const auto afterMark = piece(trimmed(lines_.line()), kKeywordMark, 2);

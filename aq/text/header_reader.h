@@ -69,13 +69,13 @@ class AQ_API HeaderReader {
   }
 
   /// A line with a count, then that many lines, each up to its first "**" and without double quotes
-  /// and outer blanks. A negative count reads no lines.
+  /// or outer blanks. A negative count reads no lines.
   void lines(std::string_view keyword, const std::shared_ptr<Collection<std::string>>& block,
              std::int16_t& count);
   void lines(std::string_view keyword, const std::shared_ptr<Collection<std::string>>& block);
 
-  /// Takes the line above the data lines; returns it up to its first "**", without double quotes
-  /// and outer blanks.
+  /// Takes the line above the data lines; returns it up to its first "**", without double quotes or
+  /// outer blanks.
   std::string columns();
 
   /// Skips the line above the data lines, if there is one, without checking it.

@@ -67,7 +67,7 @@ constexpr std::int32_t kDoubtful = kQuickEnd;
 /// The hundredths to which a level rounds; `kDoubtful` where the exact digits have to decide
 /// and for levels too large for `writeHundredths`.
 std::int32_t quickHundredths(double level) {
-  constexpr double kNearHalf = 1e-3;  // the product with 100 is off by less than 1e-9
+  constexpr double kNearHalf = 1e-3;  // 100 times the level is off by less than 1e-9
   const double size = std::abs(level) * 100;
   if (!(size < kQuickEnd - 1)) return kDoubtful;
   const auto below = static_cast<std::int32_t>(size);

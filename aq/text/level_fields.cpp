@@ -169,7 +169,7 @@ AQ_AVX2 bool takeGroup(const char* text, const std::uint16_t* ends, LevelCode* c
 /// Takes groups of levels from the start of `text`, which must have at least 32 bytes.
 AQ_AVX2 FieldsTaken takeGroups(std::string_view text, std::span<LevelCode> codes) {
   constexpr std::size_t kMost =
-      kFieldsAtOnce * (kLongestLevel + 1);  // if all are of the greatest length
+      kFieldsAtOnce * (kLongestLevel + 1);  // if all have the maximum length
   FieldEnds ends;
   const std::size_t found =
       findEnds(text.substr(0, kMost), std::min(codes.size(), kFieldsAtOnce), ends);

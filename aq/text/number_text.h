@@ -7,7 +7,8 @@
 
 #include "aq/core/export.h"
 
-// Numbers as text and back. The point is always ".", whatever the locale, and a blank is a space.
+// Numbers as text and back. The decimal point is always ".", whatever the locale, and a blank is a
+// space.
 
 namespace aq {
 

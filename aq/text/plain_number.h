@@ -46,7 +46,7 @@ struct FieldWord {
   return {(word ^ eightTimes('0')) << (8 * (kWordBytes - length)), length};
 }
 
-/// As `plainNumber`, but takes one character at a time, for fields that do not fit in a word.
+/// Like `plainNumber`, but takes one character at a time, for fields that do not fit in a word.
 [[nodiscard]] AQ_API PlainNumber longNumber(std::string_view text);
 
 /// The plain number that fills `text` up to its first comma or its end.

@@ -35,7 +35,7 @@ inline constexpr std::size_t kWordBytes = sizeof(std::uint64_t);
   return 0x0101010101010101U * static_cast<unsigned char>(byte);
 }
 
-/// The highest bit set in each byte that equals `byte`, and all other bits 0.
+/// A word with the highest bit set in each byte of `word` that equals `byte`, and all other bits 0.
 [[nodiscard]] constexpr std::uint64_t marksOf(char byte, std::uint64_t word) {
   constexpr std::uint64_t kLowBits = eightTimes('\x7F');
   const std::uint64_t zeroThere = word ^ eightTimes(byte);

@@ -1,4 +1,4 @@
-' Reads, changes, writes and reads again a file of each format: DATA WORK FOREIGN ACCENTED
+' Reads, changes, writes and rereads a file of each format: DATA WORK FOREIGN ACCENTED
 Dim data, work
 data = WScript.Arguments(0) & "\"
 work = WScript.Arguments(1) & "\"

@@ -49,7 +49,7 @@ n = t.TODstring: Expect "a time that cannot be written", 380, ""
 Create("AQ_FileFailure"): Expect "only the library creates it", 429, ""
 Dim header
 Set header = Create("AQ_HeaderSTH")
-Dim foreign, accented  ' of another alphabet, and of the code page
+Dim foreign, accented  ' from another alphabet, and from the code page
 foreign = WScript.Arguments(2)
 accented = WScript.Arguments(3)
 header.sProjectName = foreign: Expect "outside the code page", 5, "U+416"

@@ -42,7 +42,7 @@ def expect(what, holds, said=""):
 
 
 def drive(what, *command):
-    """Expects a line that counts no failures; a script that stops early prints no such line."""
+    """Expects a line that reports zero failures; a script that stops early prints no such line."""
     said = run(*command)
     ended = re.search(r"^(\d+) passed, 0 failed$", said, re.MULTILINE)
     expect(f"{what}: {ended.group(1) if ended else 'not all'} passed", ended, said)

@@ -78,7 +78,7 @@ void bindCheck(py::module_& module) {
             return gathered([&](const FindingSink& sink) { self.see(path.name, {levels}, sink); });
           },
           py::arg("path"), py::arg("levels"),
-          "The finding for a file whose digest of levels equals that of an earlier file");
+          "The finding for a file whose level digest matches that of an earlier file");
   py::dict kinds;
   for (const FindingKind& kind : findingKinds()) {
     kinds[std::string(kind.name).c_str()] = std::string(kind.meaning);
