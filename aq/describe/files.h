@@ -278,8 +278,8 @@ struct Description<AQ_DataINI> {
                   "The file's name, written as the file information service names it", FileName{},
                   Key{"file_name"})
         .property("FileDate", &F::FileDate,
-                  "The date and time in the last file read that gives them; the writer writes the "
-                  "current ones",
+                  "The date and time in the last file read that gives them; the writer uses the "
+                  "current ones instead",
                   Key{"file_date"})
         .property("Comments", &F::Comments, &F::Comments, "Comments, one per line", Key{"comments"})
         .lastFailure();

@@ -17,8 +17,9 @@ inline constexpr auto kFileType =
 inline constexpr auto kName =
     about("The file's name, written as the file information service names it", FileName{},
           Key{"file_name"});
-inline constexpr auto kDateTime = about(
-    "The file's date and time, as read; the writer writes the current ones", Key{"file_date"});
+inline constexpr auto kDateTime =
+    about("The file's date and time, as read; the writer uses the current ones instead",
+          Key{"file_date"});
 inline constexpr auto kProject = about("The project", Key{"project"});
 inline constexpr auto kMicrophone = about("The name of the microphone", Key{"microphone"});
 inline constexpr auto kGeneratedBy =

@@ -74,7 +74,7 @@ class Accessor:
     ) -> xr.Dataset:
         """The dataset cut to a range of records, by number or between two times of day, or to the
         event: from the first to the last record within `down` decibels of the largest PNLT (masks
-        taken into account), plus one on each side. Records keep their numbers; `measurement`
+        taken into account), plus one record on each side. Records keep their numbers; `measurement`
         returns history and map. Raises `ValueError` unless exactly one range is given, or if no
         record remains.
 

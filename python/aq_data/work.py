@@ -121,9 +121,9 @@ def cut(
 
     Choose the records by one of `records`, the first and the last number; `between`, two times of
     day, either of which may be None; or `down`, the event: from the first to the last record within
-    this many decibels of the largest PNLT, plus one on each side. Time stamps do not change. With a
-    map, a geometry or `renumber`, records are numbered from 1. A comment in each header says how
-    the records were chosen, and gives their old numbers if these changed. After choosing a file
+    this many decibels of the largest PNLT, plus one record on each side. Time stamps do not change.
+    With a map, a geometry or `renumber`, records are numbered from 1. A comment in each header says
+    how the records were chosen, and gives their old numbers if these changed. After choosing a file
     name for the new history, set it in the headers of the map and the geometry. The history, the
     map and the geometry are given as paths or as results of `read`.
 

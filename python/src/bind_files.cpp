@@ -127,7 +127,7 @@ class BoundFile : public Bound<File> {
         py::arg(method.parameters[0].name), docOf(method.about).c_str());
   }
   template <class Other>
-  void call(const Other& /*in a form of its own*/) {}
+  void call(const Other& /*bound by its own code*/) {}
 };
 
 void bindFailure(py::module_& module) {
