@@ -7,6 +7,7 @@
 #include <aq/noise/emission_geometry.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstring>
 #include <set>
 
@@ -162,6 +163,16 @@ TEST(Check, OneChangeIsFoundWhereItWasMade) {
     EXPECT_EQ(findingsIn(path), change.findings);
   }
   const std::string history = test::contentOf(kSamples / kHistory);
+  for (const auto& [type, start] :
+       {std::array{"START", "14:30:00.25"}, std::array{"END", "14:29:59.75"},
+        std::array{"ICAOSLO", "14:30:00.5"}, std::array{"OLDSLO", "14:30:00.75"}}) {
+    const std::string typed = replaced(history, "MIDPT", type);
+    const std::string path = folder.with(kHistory, typed);
+    EXPECT_EQ(findingsIn(path), std::vector<std::string>{"9:2 start-time"}) << type;
+    static_cast<void>(
+        folder.with(kHistory, replaced(typed, "14:30:00\n", std::string(start) + "\n")));
+    EXPECT_EQ(findingsIn(path), std::vector<std::string>()) << type;
+  }
   const auto lastOf = [&](const char* from, const char* to) {
     std::string last;
     checkFile(folder.with("changed", replaced(history, from, to)),
@@ -189,6 +200,12 @@ TEST(Check, OneChangeIsFoundWhereItWasMade) {
   };
   EXPECT_EQ(ofData('.', ","), Found{"22:0 decimal-comma"});
   EXPECT_EQ(ofData('\n', ",,\n"), Found{"22:28 extra-fields"});
+  EXPECT_EQ(findingsIn(folder.with("x.csv", "Record,Time,Level\n1,14:30:00,25,61,50\n")),
+            Found{"2:0 decimal-comma"});
+  const std::string columns =
+      test::contentOf(test::kData / "fixed-column-history/good/landing.spc");
+  EXPECT_EQ(findingsIn(folder.with("x.spc", replaced(columns, " 61.50", " 61,50"))),
+            Found{"21:4 decimal-comma"});
   std::string remarks = test::contentOf(kSamples / kMap);
   for (std::size_t at = remarks.find("\n1,"); (at = remarks.find('\n', at + 1)) != remarks.npos;) {
     remarks.insert(at, ",remark");
@@ -274,6 +291,9 @@ TEST(Check, PositionsAndGeometry) {
   EXPECT_EQ(changed(geometry, "2,10:00:05.5", "2,10:00:06"), Found{"21:2 time-step r2"});
   EXPECT_EQ(changed(geometry, "10:00:00.48", "10:00:01.48"), Found{"20:0 contradiction r1"});
   EXPECT_EQ(changed(geometry, "1545.4736", "1595.4736"), Found{"20:0 contradiction r1"});
+  EXPECT_EQ(changed(geometry, "1545.4736", "15454.736"),
+            (Found{"0:0 contradiction", "20:0 contradiction r1"}));  // 3,400 m/s
+  EXPECT_EQ(changed(geometry, "17.83571,-0.1,0", "17.83571,-0.1"), Found{"21:10 cut-short"});
   EXPECT_EQ(changed(positions, "516.9\n", "516.9,7\n"), Found{"14:5 extra-fields"});
   EXPECT_EQ(changed(geometry, "NumberRecords**,2", "NumberRecords**,3"),
             Found{"15:2 record-count"});
@@ -391,6 +411,14 @@ TEST(Check, PositionsAndGeometryAgainstTheirSources) {
   EXPECT_EQ(changed(kGeometry, "Temperature**,20", "Temperature**,200", kGeometry),
             Found{"8:2 contradiction"});
   EXPECT_EQ(changed(kGeometry, "Xe, Ye", "Ye, Xe", kGeometry), Found{"18:5 heading"});
+  const std::string points = test::contentOf(folder.file(kGeometry));
+  std::size_t range = points.find("\n9,");
+  for (int field = 0; field < 7; ++field) range = points.find(',', range + 1);
+  const std::string head = points.substr(0, range);
+  static_cast<void>(folder.with(kGeometry, head + ",9" + points.substr(range + 1)));
+  EXPECT_EQ(foundIn(kGeometry),
+            Found{std::to_string(test::linesOf(head).size()) + ":0 contradiction r9"});
+  static_cast<void>(folder.with(kGeometry, points));
   const auto later = [&](const std::string& name, const std::string& checked) {
     std::string text = test::contentOf(folder.file(name));
     const std::string before = text;
@@ -429,6 +457,10 @@ TEST(Check, AMapThatDoesNotFitItsHistory) {
   };
   using Found = std::vector<std::string>;
   EXPECT_EQ(misfits(text), Found());
+  Found fit;
+  checkFit(folder.with("history", replaced(text, "\n60,", "\n61,")), map,
+           [&](const Finding& finding) { fit.push_back(shortForm(finding)); });
+  EXPECT_EQ(fit, Found{"0:0 map-misfit r60"});
   EXPECT_EQ(misfits(replaced(text, "\n60,", "\n61,")), Found{"0:0 map-misfit r60"});
   EXPECT_EQ(misfits(text.substr(0, text.find("\n60,") + 1)),
             (Found{"0:0 map-misfit", "0:0 map-misfit r60"}));

@@ -75,6 +75,10 @@ TEST(Mend, UndoesWhatIsCertain) {
     EXPECT_TRUE(mendText(mended.text, "b.csv").done.empty()) << kept;
   }
   EXPECT_EQ(mendText(kPlain, "a.csv", {"gzip"}).text, commented("gzip"));
+  const std::string full = replaced(kPlain, "\n\nRec", "\nb\nRec");
+  const Mended doubled = mendText(replaced(full, "\n", "\n\n"), "a.csv");
+  EXPECT_EQ(doubled.done, std::vector<std::string>{"blank lines"});
+  EXPECT_EQ(replaced(doubled.text, "3\n\"quoted\"\nb\n.*\nRec", "2\n\"quoted\"\nb\nRec"), full);
   EXPECT_EQ(mendText(wide("FileType**,\xC3\xA9\n", false, "\xFF\xFE"), "x").text.size(), 16U);
   const std::string wave("\xFF\xFE\x3D\xD8\x00\xDE\n\0", 8);  // a surrogate pair
   EXPECT_EQ(mendText(wave, "x").text, "\xF0\x9F\x98\x80\n");
@@ -84,6 +88,8 @@ TEST(Mend, LeavesWhatIsAmbiguous) {
   const std::string commas = replaced(kPlain, "(\\d*)\\.(\\d)", "$1,$2");
   const std::pair<std::string, const char*> rows[] = {
       {replaced(commas, "1,14:30:00,25,-1,25", "1,14:30:00,25,7"), "decimal commas"},
+      {replaced(commas, "1,14:30:00,25", "1,99:30:00,25"), "decimal commas"},
+      {replaced(kPlain, "Sun, sea", "\"\"\"Sun, sea\"\"\""), "quotes within quotes in line 4"},
       {replaced(kPlain, "Sun, sea", "Sun\rsea"), "carriage returns"},
       {std::string("\xFF\xFE\x41\0\x42", 5), "UTF-16"},
       {std::string("\xFF\xFE\x00\xDC", 4), "UTF-16"},

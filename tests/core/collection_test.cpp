@@ -2,6 +2,8 @@
 #include <aq/detail/numbered_series.h>
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "tests/support/errors.h"
 
 namespace aq {
@@ -18,6 +20,16 @@ TEST(Collection, PlacesCountFromOne) {
   const Collection<std::string> copy = lines;
   lines.Item(1) = "c";
   EXPECT_EQ(copy.Item(1), "b");
+  lines.Add("d", "key");
+  EXPECT_ERROR(lines.Add("e", "key"), InvalidArgument);
+  EXPECT_ERROR(lines.Item("none"), InvalidArgument);
+  EXPECT_ERROR(lines.Remove("none"), InvalidArgument);
+  lines.Add("f", "other");
+  EXPECT_EQ(std::as_const(lines).Item("other"), "f");
+  lines.Remove(2);
+  EXPECT_ERROR(lines.Item("key"), InvalidArgument);
+  lines.Remove("other");
+  EXPECT_EQ(lines.Count(), 1);
   auto at = copy.begin();
   EXPECT_EQ(at->size(), 1U);
   EXPECT_EQ(*at++, "b");

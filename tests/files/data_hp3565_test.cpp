@@ -4,7 +4,9 @@
 #include <aq/sdf/layout.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
+#include <cstring>
 #include <filesystem>
 
 #include "tests/support/errors.h"
@@ -164,6 +166,12 @@ TEST(Analyzer, ReadsTextsOfOtherPrograms) {
        ", line 46: expected 4 values, found 5"},
       {"SDF_YDATA_HDR\ndata 0\nvector 0\nscan 0\n1\n2\n3\n4\n-----\nSDF_YDATA_HDR\ndata 0\n1\n", 1,
        ", line 49: expected data, vector and scan numbers, as other values have, found none"},
+      {"SDF_YDATA_HDR\ndata 0\nvector 0\nscan 0\n1\n2\n3\n4\n"
+       "SDF_YDATA_HDR\ndata 0\nvector 0\nscan 0\n1\n2\n3\n4\n",
+       1, ", line 53: expected values of another trace or scan, found those of one given before"},
+      {"SDF_YDATA_HDR\n4e-10\n4e-9\nSDF_YDATA_HDR\n4e-8\n4e-7\n", 1, all},
+      {"SDF_YDATA_HDR\n1\n2\nSDF_YDATA_HDR\n3\n4\n5\n", 1,
+       ", line 44: expected values of 4 points, found 5 values"},
       {"4e-10\n4e-9\n4e-8\n4e-7\n", 3, ": expected SDF_DATA_HDR with channel 3, found 2 of them"},
       {"", 1, ": expected values of a recording, found none"}};
   for (const auto& [values, channel, levels] : kCases) {
@@ -171,6 +179,22 @@ TEST(Analyzer, ReadsTextsOfOtherPrograms) {
     static_cast<void>(folder.with("a.txt", kHeaders + values));
     const std::string found = levelsOf(parsed(path, channel));
     EXPECT_EQ(found.substr(found.starts_with(path) ? path.size() : 0), levels);
+  }
+  const std::array<const char*, 3> kChanged[] = {
+      {"yUnit.factor                  1", "yUnit.factor 0",
+       ": expected SDF_DATA_HDR with a finite factor to its unit, other than 0, found 0"},
+      {"yUnitValid                    1", "yUnitValid 0",
+       ": expected SDF_DATA_HDR with a yUnitValid of 1, as its trace has no channel, found 0"},
+      {"recordSize                    140", "recordSize 5",
+       ", line 11, field 2: expected a size of 6 or more, found \"5\""},
+      {"recordSize                    140", "startFreqIndex 1\nstopFreqIndex 2", ""},  // revision 3
+      {"yIsPowerData                  1", "yIsPowerData 1\nyIsPowerData[1] 0\nyIsPowerData[x] 0",
+       ""}};
+  for (const auto& [from, to, failure] : kChanged) {
+    std::string headers = kHeaders;
+    headers.replace(headers.find(from), std::strlen(from), to);
+    static_cast<void>(folder.with("a.txt", headers + "4e-10 4e-9 4e-8 4e-7"));
+    EXPECT_EQ(levelsOf(parsed(path)), *failure != '\0' ? path + failure : all);
   }
   const Read read = parsed(folder.with("a.txt", kHeaders + "4e-10 4e-9 4e-8 4e-7"));
   EXPECT_EQ(read.header->sProjectName, "Over: 7");
@@ -222,6 +246,8 @@ TEST(Analyzer, SettingsAreCheckedAndUsed) {
   EXPECT_ERROR(file.RecordLength(0), InvalidValue);
   EXPECT_ERROR(file.RecordLength(std::nan("")), InvalidValue);
   EXPECT_ERROR(file.CalAdj(HUGE_VAL), InvalidValue);
+  file.RecordLength(0.25);
+  EXPECT_EQ(file.RecordLength(), 0.25);
   const auto first = [&] {
     std::shared_ptr<AQ_HeaderSTH> header;
     std::shared_ptr<AQ_SpectralTimeHistory> history;

@@ -166,6 +166,11 @@ TEST_F(Spc, RejectsWhatColumnsCannotHold) {
     EXPECT_ERROR(file.RecordLength(length), InvalidValue);
   }
   EXPECT_EQ(file.RecordLength(), 0.5);
+  file.NumberLastRecord(0);
+  EXPECT_ERROR((file.RecordLength(0.0004), write()), InvalidValue);
+  file.RecordLength(0.5);
+  for (int line = 0; line <= 32767; ++line) header->cCommentLines->Add("");
+  EXPECT_ERROR(write(), InvalidValue);
   EXPECT_EQ(test::contentOf(path), "kept");
 }
 

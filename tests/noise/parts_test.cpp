@@ -117,15 +117,22 @@ TEST(Parts, RejectsPiecesOfOtherMeasurements) {
   refuses([](History& b) { b.TimeStampType(AQ_START); });
   refuses([](History& b) { b.ReferenceType(AQ_HACK); });
   refuses([](History& b) { b.ReferenceTime()->TODseconds(1); });
+  refuses([](History& b) {  // equal as text
+    b.ReferenceTime()->TODseconds(b.ReferenceTime()->TODseconds() + 1e-6);
+  });
+  refuses([](History& b) { b.ReferenceTime()->CurrentDate(40000); });
   refuses([](History& b) { b.spectrum(7)->SPL(41, 1.0); });
   refuses([](History& b) { b = History(); });
   refuses([](History& b) { b.spectrum(20)->Time()->TODseconds(36030); });
-  refuses([](History& b) {
-    for (const auto& [number, spectrum] : b) {
-      spectrum->Time()->TODseconds(spectrum->Time()->TODseconds() - 0.2);
-    }
-  });
+  for (const double seconds : {-0.2, 0.2}) {
+    refuses([seconds](History& b) {
+      for (const auto& [number, spectrum] : b) {
+        spectrum->Time()->TODseconds(spectrum->Time()->TODseconds() + seconds);
+      }
+    });
+  }
   EXPECT_ERROR(recordsMissing(*flyOver(36010), *a), InvalidArgument);
+  EXPECT_ERROR(recordsMissing(*a, *flyOver(36010 + 20000)), Overflow);
   EXPECT_ERROR(joinHistories(*a, *flyOver(36010 + 16300, 1, 200), true), Overflow);
 }
 
@@ -159,6 +166,31 @@ TEST(Parts, MapsAndGeometriesFollow) {
   EXPECT_EQ(points->Point(1), geometry.Point(2));
   EXPECT_EQ(points->startTime()->TODseconds(), 91);
   EXPECT_ERROR(cutGeometry(geometry, 5, 6), InvalidArgument);
+
+  const auto after = [&geometry](const auto& change) {
+    const auto next = cutGeometry(geometry, 1, 5);
+    for (std::int16_t record = 1; record <= 5; ++record) {
+      next->Point(record, next->Point(record)->Copy());
+      next->Point(record)->Tm()->TODseconds(200.0 + record);
+    }
+    change(*next);
+    return next;
+  };
+  using Geometry = AQ_GeometryTimeHistory;
+  const auto both = joinGeometries(geometry, *after([](Geometry&) {}));
+  EXPECT_EQ(both->Count(), 10);
+  EXPECT_EQ(both->Point(6)->Tm()->TODseconds(), 201);
+  EXPECT_EQ(both->startTime()->TODseconds(), 90);
+  const auto refuses = [&](const auto& change) {
+    EXPECT_ERROR(joinGeometries(geometry, *after(change)), InvalidArgument);
+  };
+  refuses([](Geometry& next) { next.TimeStampType(AQ_END); });
+  refuses([](Geometry& next) { next.ReferenceType(AQ_HACK); });
+  refuses([](Geometry& next) { next.ReferenceTime()->TODseconds(7); });
+  refuses([](Geometry& next) { next.Point(1)->Tm()->TODseconds(105); });
+  refuses([](Geometry& next) { next = Geometry(); });
+  Geometry none;
+  EXPECT_ERROR(joinGeometries(none, geometry), InvalidArgument);
 }
 
 TEST(Parts, PointsOfRecordsAreFoundByTheirTime) {

@@ -28,7 +28,13 @@ TEST(Spectrum, RangeOnlyWidens) {
   for (const int band : {18, 17, 19}) whole.SPL(static_cast<std::int16_t>(band), 60.5);
   EXPECT_EQ(whole.levelCodes().size(), 3U);
   whole.SPL(18, 60.125);
-  EXPECT_EQ(whole.plainLevels(), (std::vector<double>{60.5, 60.125, 60.5}));
+  const std::vector<double> levels{60.5, 60.125, 60.5};
+  EXPECT_EQ(whole.plainLevels(), levels);
+  whole.SPL(19, 60.5F);
+  const auto numbers = whole.levelNumbers();
+  EXPECT_EQ(std::vector<double>(numbers.begin(), numbers.end()), levels);
+  whole.SPL(19, "60.5");
+  EXPECT_TRUE(whole.levelNumbers().empty());
   AQ_Spectrum high;
   high.SPL(10000, 1.0);
   EXPECT_EQ(high.LowBand(), 9999);  // as without bands, since 10000 is not below it
@@ -95,9 +101,16 @@ TEST(Metric, MissingValuesReadAsZeroAndAreCopiedSo) {
   EXPECT_EQ(copy->PNL(), 101.1F);
   EXPECT_EQ(copy->INTEG() & ~AQ_INTEG_MAX, AQ_INTEG_2ND);
   EXPECT_EQ(copy->MetricValue(AQ_METRIC_DWT), Variant(0.0F));
-  copy->CWT(85), copy->DWT(95.5F);
-  EXPECT_EQ(copy->CWT(), 85.0F);
-  EXPECT_EQ(copy->DWT(), 95.5F);
+  using Set = void (AQ_Metric::*)(float);
+  const std::pair<AQ_METRIC_TYPE, Set> setters[] = {
+      {AQ_METRIC_CWT, &AQ_Metric::CWT},         {AQ_METRIC_DWT, &AQ_Metric::DWT},
+      {AQ_METRIC_OA, &AQ_Metric::OA},           {AQ_METRIC_PNL, &AQ_Metric::PNL},
+      {AQ_METRIC_PNLT, &AQ_Metric::PNLT},       {AQ_METRIC_TONECOR, &AQ_Metric::TONECOR},
+      {AQ_METRIC_TONEBND, &AQ_Metric::TONEBND}, {AQ_METRIC_LGB, &AQ_Metric::LGB}};
+  for (const auto& [type, set] : setters) ((*copy).*set)(85.5F + static_cast<float>(type));
+  for (const auto& [type, set] : setters) {
+    EXPECT_EQ(copy->MetricValue(type), Variant(85.5F + static_cast<float>(type)));
+  }
 }
 
 TEST(Metric, KeepsValuesUnderOtherNumbers) {
