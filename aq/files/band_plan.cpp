@@ -21,12 +21,6 @@ double frequencyOf(double band) { return std::pow(10, band / kBandsOfDecade); }
 
 bool isHeld(int band) { return band >= kFirstBand && band <= kLastBand; }
 
-std::string shownNumber(double number) {
-  std::string text;
-  appendExact(text, number);
-  return text;
-}
-
 /// The band with that centre frequency; nothing if there is none.
 std::optional<int> bandAt(double frequency) {
   constexpr double kFarthest = 0.03;  // nominal and base-2 centres deviate by less
@@ -43,8 +37,7 @@ std::vector<double> edgesOf(std::span<const double> x) {
   for (std::size_t i = 1; i < x.size(); ++i) {
     edges[i] = (x[i - 1] + x[i]) / 2;
     if (!(x[i - 1] < x[i])) {
-      failRead(0, 0, "ascending frequencies",
-               shownNumber(x[i - 1]) + " before " + shownNumber(x[i]));
+      failRead(0, 0, "ascending frequencies", exactText(x[i - 1]) + " before " + exactText(x[i]));
     }
   }
   edges.front() = 2 * x.front() - edges[1];
@@ -63,7 +56,7 @@ BandPlan BandPlan::ofOctaves(std::span<const double> x) {
     const auto band = bandAt(x[point]);
     if (!band) {
       failRead(0, 0, "the frequency of a third octave at point " + std::to_string(point),
-               shownNumber(x[point]));
+               exactText(x[point]));
     }
     if (*band <= before) {
       failRead(0, 0, "ascending bands", std::to_string(*band) + " after " + std::to_string(before));

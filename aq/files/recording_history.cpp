@@ -151,11 +151,9 @@ class LevelReader {
   }
 
   [[noreturn]] void failAt(std::size_t place, std::size_t scan, double value) const {
-    std::string found;
-    appendExact(found, value);
     trace_.set->header.fail("a finite value in band " + std::to_string(plan_.band(place)) +
                                 " of scan " + std::to_string(scan),
-                            found);
+                            exactText(value));
   }
 
   const Recording& recording_;
@@ -189,7 +187,7 @@ class ScanTimes {
     const double seconds = factor == 0 ? *value : *value * factor;
     if (!(std::abs(seconds) <= kMostSeconds)) {
       variable_->record->fail("a plausible time for scan " + std::to_string(scan),
-                              std::to_string(seconds));
+                              exactText(seconds));
     }
     return seconds;
   }

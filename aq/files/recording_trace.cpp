@@ -83,12 +83,6 @@ double factorOf(const Record& channel, double power, bool narrow) {
   return std::pow((narrow ? windowFactor(channel) : 1) / internal, power / kWholePower);
 }
 
-std::string textOf(double number) {
-  std::string text;
-  appendExact(text, number);
-  return text;
-}
-
 void requireRealData(const TraceSet& set) {
   if (set.header.integer(kData["yIsComplex"]) != 0) set.header.fail("real data", "complex data");
   if (set.valuesOfPoint != 1) {
@@ -162,7 +156,7 @@ RecordingTrace traceOf(const Recording& recording, std::int16_t channel) {
   const bool power = set.header.integer(kData["yIsPowerData"]) != 0;
   trace.gain *= power ? unit.factor * unit.factor : unit.factor;
   if (!std::isfinite(trace.gain) || trace.gain == 0) {
-    set.header.fail("a finite factor to its unit, other than 0", textOf(trace.gain));
+    set.header.fail("a finite factor to its unit, other than 0", exactText(trace.gain));
   }
   constexpr int kScaled = 2;
   const bool scaled = trace.channel != nullptr && recording.records().revision() >= kScaled &&

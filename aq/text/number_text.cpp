@@ -328,6 +328,11 @@ void appendNumber(std::string& text, std::int32_t value) { appendAny(text, value
 
 void appendExact(std::string& text, double value) { appendChars(text, value); }
 void appendExact(std::string& text, float value) { appendChars(text, value); }
+std::string exactText(double value) {
+  std::string text;
+  appendExact(text, value);
+  return text;
+}
 void appendAllDigits(std::string& text, double value) { appendEveryDigit(text, value); }
 void appendAllDigits(std::string& text, float value) { appendEveryDigit(text, value); }
 

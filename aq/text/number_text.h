@@ -45,11 +45,12 @@ AQ_API void appendNumber(std::string& text, std::int32_t value);
 [[nodiscard]] AQ_API std::string numberText(float value);
 [[nodiscard]] AQ_API std::string numberText(std::int32_t value);
 
-// Text that reads back as exactly this value: `appendExact` writes the shortest, `appendAllDigits`
-// all digits and an exponent, as in 4.58634312e-07. Values that are not finite give nan, inf or
-// -inf.
+// Text that reads back as exactly this value: `appendExact` and `exactText` write the shortest,
+// `appendAllDigits` all digits and an exponent, as in 4.58634312e-07. Values that are not finite
+// give nan, inf or -inf.
 AQ_API void appendExact(std::string& text, double value);
 AQ_API void appendExact(std::string& text, float value);
+[[nodiscard]] AQ_API std::string exactText(double value);
 AQ_API void appendAllDigits(std::string& text, double value);
 AQ_API void appendAllDigits(std::string& text, float value);
 

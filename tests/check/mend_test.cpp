@@ -59,14 +59,16 @@ TEST(Mend, UndoesWhatIsCertain) {
   }
   // In turn: a field that a spreadsheet quoted because of its semicolon; an unquoted one that it
   // would have quoted; a comment that looks like the line with the number of comments; a comment
-  // that ends with a comma; and a file that was cut short, whose end stays as it is.
+  // that ends with a comma; a file that was cut short, whose end stays as it is; and a line with a
+  // level of three decimals, which stays as it is too.
   const std::pair<std::string, const char*> words[] = {
       {replaced(semicolons, "Sun, sea", "\"Sun; \"\"sea\"\"\""), "ProjectName**,Sun; \"sea\"\n"},
       {replaced(semicolons, "Sun, sea", "Sun; sea"), "ProjectName**,Sun; sea\n"},
       {replaced(filled, "\"quoted\"", "NumberOfCommentLines**,9"),
        "Lines**,3\nNumberOfCommentLines**,9\n"},
       {replaced(replaced(kPlain, "\n\n", "\na,\n"), "History\n", "History,,\n"), "\na,\nMended"},
-      {filled.substr(0, filled.size() - 5), "62.0"}};
+      {filled.substr(0, filled.size() - 5), "62.0"},
+      {replaced(commas, "62,00", "62,000"), "61.51,.50\n2,14:30:01,-,5,-1,25,62,000\n"}};
   for (const auto& [text, kept] : words) {
     const Mended mended = mendText(text, "a.csv");
     EXPECT_NE(mended.text.find(kept), mended.text.npos) << mended.text;
@@ -74,12 +76,17 @@ TEST(Mend, UndoesWhatIsCertain) {
     EXPECT_EQ(mended.text.ends_with('\n'), text.ends_with('\n'));
     EXPECT_TRUE(mendText(mended.text, "b.csv").done.empty()) << kept;
   }
+  const std::string whole = replaced(replaced(kPlain, "14:30:01.5", "14:30:02"), "-\\.5", "-1");
+  const std::string sums = replaced(whole, "-1\\.25,61", "-1.75,61");
+  EXPECT_EQ(mendText(replaced(sums, "(\\d*)\\.(\\d)", "$1,$2"), "x").left,
+            std::vector<std::string>());
   EXPECT_EQ(mendText(kPlain, "a.csv", {"gzip"}).text, commented("gzip"));
   const std::string full = replaced(kPlain, "\n\nRec", "\nb\nRec");
   const Mended doubled = mendText(replaced(full, "\n", "\n\n"), "a.csv");
   EXPECT_EQ(doubled.done, std::vector<std::string>{"blank lines"});
   EXPECT_EQ(replaced(doubled.text, "3\n\"quoted\"\nb\n.*\nRec", "2\n\"quoted\"\nb\nRec"), full);
   EXPECT_EQ(mendText(wide("FileType**,\xC3\xA9\n", false, "\xFF\xFE"), "x").text.size(), 16U);
+  EXPECT_EQ(mendText(std::string("\xFF\xFE\xAC\x20\n\0", 6), "x").text, "\xE2\x82\xAC\n");
   const std::string wave("\xFF\xFE\x3D\xD8\x00\xDE\n\0", 8);  // a surrogate pair
   EXPECT_EQ(mendText(wave, "x").text, "\xF0\x9F\x98\x80\n");
 }

@@ -203,6 +203,26 @@ TEST(Analyzer, ReadsTextsOfOtherPrograms) {
   EXPECT_EQ(read.history->startTime()->TODstring(), "14:02:00");
 }
 
+TEST(Analyzer, RejectsTextsThatContradictThemselves) {
+  const test::Folder folder;
+  const std::string text = test::contentOf(kGood / "third-octaves-by-scan.asc");
+  const std::string time =
+      "scanUnit.factor               1\nscanUnit.mass                 0\n"
+      "scanUnit.length               0\nscanUnit.time                 -2";
+  const std::array<std::string, 3> kChanged[] = {
+      {"scan_type                     SCAN", "scan_type 7",
+       ": expected SDF_SCANS_BIG with a scan_type of 0 or 1, found 7"},
+      {time, "scanUnit.factor 1e30\nscanUnit.time 2",
+       ": expected SDF_SCANS_VAR with a plausible time for scan 1, found 5.000000075237331e+29"},
+  };
+  for (const auto& [from, to, failure] : kChanged) {
+    std::string changed = text;
+    changed.replace(changed.find(from), from.size(), to);
+    const std::string path = folder.with("a.txt", changed);
+    EXPECT_EQ(levelsOf(parsed(path)), path + failure);
+  }
+}
+
 TEST(Analyzer, ReadsAColumnOfValuesWithTheHeadersBesideIt) {
   const test::Folder folder;
   const std::string values = folder.with("a.TXT", "4e-10\n4e-9\n4e-8\n4e-7\n");
