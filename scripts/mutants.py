@@ -27,7 +27,7 @@ import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 SLOW_MILLISECONDS = 100
-ENOUGH = 95  # per cent of the changes that tests must detect
+ENOUGH = 95  # percentage of the changes that the tests must detect
 MEMORY = 4 << 30
 COMPILE_SECONDS = 900  # time limit for all sources that a changed header affects
 FLAGS = [

@@ -39,7 +39,7 @@ std::shared_ptr<AQ_MaskMap> joinMaps(const AQ_MaskMap& before, const AQ_MaskMap&
                                      std::int32_t gap) {
   if (std::int64_t{before.Count()} + gap + after.Count() >
       std::numeric_limits<std::int16_t>::max()) {
-    throw Error(ErrorCode::Overflow, "the maps have more than 32767 rows");
+    throw Error(ErrorCode::Overflow, "together the maps have more than 32767 rows");
   }
   const AQ_MaskRow& first = orThrow(before.heldRow(1));
   auto whole = std::make_shared<AQ_MaskMap>();

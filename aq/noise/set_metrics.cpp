@@ -21,7 +21,7 @@ void forEachMetric(const Visit& visit) {
   }
 }
 
-/// Throws `Overflow` unless every value fits single precision.
+/// Throws `Overflow` unless every value fits in single precision.
 void checkRange(const RecordMetrics& computed) {
   for (const double value : computed.values) {
     if (!std::isnan(value)) static_cast<void>(Variant(value).toSingle());

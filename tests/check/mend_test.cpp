@@ -59,8 +59,8 @@ TEST(Mend, UndoesWhatIsCertain) {
   }
   // In turn: a field that a spreadsheet quoted because of its semicolon; an unquoted one that it
   // would have quoted; a comment that looks like the line with the number of comments; a comment
-  // that ends with a comma; a file that was cut short, whose end stays as it is; and a line with a
-  // level of three decimals, which stays as it is too.
+  // that ends with a comma; a file that was cut short, whose end stays as it is; a file without a
+  // reference time; and a line with a level of three decimals, which stays as it is.
   const std::pair<std::string, const char*> words[] = {
       {replaced(semicolons, "Sun, sea", "\"Sun; \"\"sea\"\"\""), "ProjectName**,Sun; \"sea\"\n"},
       {replaced(semicolons, "Sun, sea", "Sun; sea"), "ProjectName**,Sun; sea\n"},
@@ -68,6 +68,7 @@ TEST(Mend, UndoesWhatIsCertain) {
        "Lines**,3\nNumberOfCommentLines**,9\n"},
       {replaced(replaced(kPlain, "\n\n", "\na,\n"), "History\n", "History,,\n"), "\na,\nMended"},
       {filled.substr(0, filled.size() - 5), "62.0"},
+      {replaced(commas, "14:30:01,5", ""), "\n2,14:30:01,-.5,-1.25,62.00\n"},
       {replaced(commas, "62,00", "62,000"), "61.51,.50\n2,14:30:01,-,5,-1,25,62,000\n"}};
   for (const auto& [text, kept] : words) {
     const Mended mended = mendText(text, "a.csv");
