@@ -225,8 +225,8 @@ class Worker:
             ],
             required=True,
         )
-        self.make("aq_tests", "fuzz_replay", "print_file", "examples/all", required=True)
         self.slow, self.limits = [], []
+        self.make(*(target for target, _ in self.stages()), required=True)
         self.measure()
         self.run(["cp", "-a", self.build, self.fresh], required=True)
 
@@ -280,6 +280,10 @@ class Worker:
         tests = [program, "--gtest_fail_fast", "--gtest_brief=1"]
         slow = ":".join(self.slow)
         compare = self.source / "tests/second/compare.py"
+
+        def ctest(pattern):
+            return ["ctest", "--test-dir", self.build, "-R", pattern, "--stop-on-failure"]
+
         return [
             ("aq_tests", [*tests, f"--gtest_filter=-{slow}"]),
             ("aq_tests", [*tests, f"--gtest_filter={slow}"]),
@@ -301,10 +305,9 @@ class Worker:
                     "240",
                 ],
             ),
-            (
-                "examples/all",
-                ["ctest", "--test-dir", self.build, "-R", "^example", "--stop-on-failure"],
-            ),
+            ("aq_reference", ctest("^reference")),
+            ("aq_component_idl", ctest("^component.idl")),
+            ("examples/all", ctest("^example")),
         ]
 
     def measure(self):

@@ -42,9 +42,7 @@ std::string_view Record::text(const Field& field) const {
 }
 
 Record Record::part(const Field& field) const {
-  std::optional<std::size_t> place = place_;
-  if (place) *place += field.first - 1;
-  return {{at(field, 0), sizeOf(field)}, sizeOf(field), place};
+  return {{at(field, 0), sizeOf(field)}, sizeOf(field), std::nullopt};
 }
 
 UnitOfValues Record::unit(const Field& field) const {

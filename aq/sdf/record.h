@@ -48,7 +48,7 @@ class AQ_API Record {
   /// The text up to its first NUL.
   [[nodiscard]] std::string_view text(const Field& field) const;
   [[nodiscard]] UnitOfValues unit(const Field& field) const;
-  /// A unit or a window field, as a separate record.
+  /// A unit or a window field, as a separate record without an offset.
   [[nodiscard]] Record part(const Field& field) const;
 
   /// An integer; throws `ReadFailure` if it is negative.

@@ -98,7 +98,7 @@ hourMinStamp 1402
 SDF_MEAS_HDR
 recordSize                    140
 averageType                   RMS exponential
-measTitle                     "Over: 7"
+measTitle                     "Over: 7\x5c"
 startFreqIndexOld 1
 stopFreqIndexOld 2
 SDF_DATA_HDR
@@ -197,7 +197,7 @@ TEST(Analyzer, ReadsTextsOfOtherPrograms) {
     EXPECT_EQ(levelsOf(parsed(path)), *failure != '\0' ? path + failure : all);
   }
   const Read read = parsed(folder.with("a.txt", kHeaders + "4e-10 4e-9 4e-8 4e-7"));
-  EXPECT_EQ(read.header->sProjectName, "Over: 7");
+  EXPECT_EQ(read.header->sProjectName, "Over: 7\\");
   EXPECT_EQ(read.header->sGeneratedBy, "HP 35670A");
   EXPECT_EQ(read.history->AverageMethod(), AQ_CONTEXPO);
   EXPECT_EQ(read.history->startTime()->TODstring(), "14:02:00");

@@ -53,6 +53,7 @@ TEST(Formats, BadSamplesFailAsListed) {
   forSamples("bad", [&](const std::string& name, const std::filesystem::path& sample) {
     const Outcome outcome = kFormats.at(name).read(sample.string());
     ASSERT_TRUE(outcome.failure.has_value() && outcome.sound);
+    EXPECT_TRUE(outcome.failure->line != 0 || outcome.failure->field == 0);
     const std::string message = outcome.failure->message();
     const std::string folder = (sample.parent_path() / "").string();
     ASSERT_TRUE(message.starts_with(folder)) << message;
