@@ -93,6 +93,9 @@ TEST(Walk, BandGivesRecordsInOrder) {
   const Numbers records = walked(
       band, [&](std::int32_t record, const Variant& level) { return level == band.SPL(record); });
   EXPECT_EQ(records, (Numbers{-1, 9, 10}));
+  auto at = band.begin();
+  EXPECT_EQ((*at++).first, -1);
+  EXPECT_EQ((*at).first, 9);
   EXPECT_EQ(band.Count(), 5);
   EXPECT_FALSE(band.contains(2));
 }

@@ -30,7 +30,10 @@ Read parsed(const std::string& path, std::int16_t channel = 1) {
   file.Channel(channel);
   Read read;
   const AQ_DataMessage result = file.ParseASC(path, read.header, read.history);
-  if (file.lastFailure()) read.failure = file.lastFailure()->message();
+  if (const auto failure = file.lastFailure()) {
+    read.failure = failure->message();
+    EXPECT_TRUE(failure->line != 0 || failure->field == 0);
+  }
   EXPECT_EQ(result == AQ_DATA_OK, read.failure.empty() && read.header && read.history);
   EXPECT_EQ(read.history != nullptr, read.header != nullptr);
   return read;
