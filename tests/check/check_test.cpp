@@ -70,6 +70,10 @@ const Change kChanges[] = {
     {kHistory, "B18/63Hz", "B18/64Hz", {"21:5 heading"}},
     {kHistory, ",B40/10kHz", "", {"21:0 heading"}},
     {kHistory,
+     "\n2,14",
+     "\n1,14",
+     {"9:2 start-time", "23:1 record-repeated r1", "24:1 record-gap r3", "24:2 time-step r3"}},
+    {kHistory,
      "\n4,14",
      "\n3,14",
      {"25:1 record-repeated r3", "25:2 time-step r3", "26:1 record-gap r5"}},
@@ -410,6 +414,8 @@ TEST(Check, PositionsAndGeometryAgainstTheirSources) {
             Found{"7:2 source-misfit"});
   EXPECT_EQ(changed(kGeometry, "Temperature**,20", "Temperature**,200", kGeometry),
             Found{"8:2 contradiction"});
+  EXPECT_EQ(changed(kGeometry, "Temperature**,20", "Temperature**,68", kGeometry),
+            Found());  // degrees Fahrenheit
   EXPECT_EQ(changed(kGeometry, "Xe, Ye", "Ye, Xe", kGeometry), Found{"18:5 heading"});
   const std::string points = test::contentOf(folder.file(kGeometry));
   std::size_t range = points.find("\n9,");
